@@ -1,0 +1,16 @@
+# vexor_warnings: the warnings that every target of ours is built with.
+# VEXORAPI_WERROR makes them errors. Every preset turns it on; it is off for whoever merely builds
+# the library, perhaps with a compiler that knows more warnings than ours.
+option(VEXORAPI_WERROR "Treat compiler warnings as errors" OFF)
+
+add_library(vexor_warnings INTERFACE)
+target_compile_options(
+  vexor_warnings
+  INTERFACE -Wall
+            -Wextra
+            -Wconversion
+            -Wshadow
+            # clang counts this one into -Wconversion and g++ does not: named, both say the same.
+            -Wsign-conversion
+            $<$<BOOL:${VEXORAPI_WERROR}>:-Werror>
+)
