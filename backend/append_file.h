@@ -1,0 +1,22 @@
+// How both logs put a message into a file: opened, appended to with one write, closed.
+#pragma once
+
+#include <cstdarg>
+#include <cstddef>
+
+/// Opens `path` for appending (created with mode 0600), or returns -1.
+///
+/// A directory, FIFO, socket or block device counts as unopenable, and opening never waits. The
+/// descriptor is close-on-exec and belongs to the caller.
+[[nodiscard]] int OpenForAppend(const char* path);
+
+/// Creates `path` with mode 0600 or empties it, under the rules of OpenForAppend. Failure is silent.
+void TruncateFile(const char* path);
+
+/// Appends `length` bytes in one write where the file system takes them at once.
+void AppendBytes(int descriptor, const char* bytes, std::size_t length);
+
+/// Formats into a heap block of the text's own size, so that no message is ever cut.
+/// Returns its length and sets `text` (owned by the caller, to be freed with free), or returns -1
+/// with `text` null when there is no memory.
+[[gnu::format(printf, 2, 0)]] int FormatWhole(char*& text, const char* fmt, std::va_list args);

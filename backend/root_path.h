@@ -1,0 +1,15 @@
+// Where the system's fixed files live: below the folder named by VEXORAPI_ROOT, which is empty for
+// an installed system, so that tests, the demo and unprivileged users need not touch "/".
+#pragma once
+
+#include <cstddef>
+
+// Room for the longest path that the kernel takes, its NUL included.
+inline constexpr std::size_t kRootPathSize = 4096;
+
+/// Writes the root prefix followed by `path` (which begins with "/") into `out`.
+///
+/// The prefix is read afresh from the environment with secure_getenv, so a set-user-ID process
+/// never follows it. Returns `out`, or null with `out` emptied when the whole does not fit: a path is never
+/// cut into another one.
+[[nodiscard]] const char* RootPath(char (&out)[kRootPathSize], const char* path);

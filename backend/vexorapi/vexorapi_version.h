@@ -1,0 +1,25 @@
+// The version registry: the numbers that the management function "VX_Module_GetInfo" reports.
+#pragma once
+
+#include "hxraid.h"
+
+enum ModuleName : int { PRODUCT = 1, PHP_VEXORAPI = 2, VEXORAPI = 3, HXRAIDSVC = 4 };
+
+extern constinit int productVersionMajor, productVersionMinor, productVersionOEM,
+    productVersionBuild;
+extern constinit int php_vexorapiVersionMajor, php_vexorapiVersionMinor, php_vexorapiVersionOEM,
+    php_vexorapiVersionBuild;
+extern constinit int vexorapiVersionMajor, vexorapiVersionMinor, vexorapiVersionOEM,
+    vexorapiVersionBuild;
+extern constinit int eventSvcVersionMajor, eventSvcVersionMinor, eventSvcVersionOEM,
+    eventSvcVersionBuild;
+
+/// Stores a module's four numbers; any other `module` is ignored.
+void STORE_KEY(int module, int Major, int Minor, int OEM, int Build);
+
+/// Stores the built-in versions of all four modules.
+void VX_VER_INIT();
+
+/// Takes the event service's version from "/hxraidver.dat" (four numbers joined by dots), or the
+/// built-in one when the file cannot be opened. Fields that the file does not reach keep their values.
+void getEventSvcVersion();

@@ -1,0 +1,8 @@
+// The event store: its life in the process.
+#pragma once
+
+/// Zeroes the store's state and creates its semaphore.
+void VX_EvInit();
+
+/// Destroys the semaphore.
+void VX_EvShutdown();
