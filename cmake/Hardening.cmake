@@ -5,9 +5,9 @@
 # presets put -fsanitize= into the compiler flags): what such a build links and exports says
 # nothing about a release.
 if("${CMAKE_C_FLAGS} ${CMAKE_CXX_FLAGS}" MATCHES "-fsanitize=")
-  set(VEXORAPI_SANITIZED TRUE)
+    set(VEXORAPI_SANITIZED TRUE)
 else()
-  set(VEXORAPI_SANITIZED FALSE)
+    set(VEXORAPI_SANITIZED FALSE)
 endif()
 
 add_library(vexor_hardening INTERFACE)
@@ -16,16 +16,13 @@ target_compile_options(vexor_hardening INTERFACE -fstack-protector-strong -fstac
 # Fortified calls need the optimiser: without it glibc only warns. The sanitizers see the plain
 # calls better than their fortified forms. -U first, for compilers that define it by themselves.
 if(NOT VEXORAPI_SANITIZED)
-  target_compile_options(
-    vexor_hardening
-    INTERFACE $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE
-              -D_FORTIFY_SOURCE=2>
-  )
+    target_compile_options(vexor_hardening INTERFACE
+        "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
 endif()
 
 # A 32-bit program sees files past 2 GiB and dates past 2038 only when it asks for both.
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-  target_compile_definitions(vexor_hardening INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
+    target_compile_definitions(vexor_hardening INTERFACE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
 endif()
 
 target_link_options(vexor_hardening INTERFACE -Wl,-z,relro,-z,now -Wl,-z,noexecstack)
@@ -33,5 +30,5 @@ target_link_options(vexor_hardening INTERFACE -Wl,-z,relro,-z,now -Wl,-z,noexecs
 # Nothing may be left for the loader to find by luck. clang's sanitizer runtime is the exception:
 # it is linked into the program only, and a library's references to it are met at load.
 if(NOT (VEXORAPI_SANITIZED AND CMAKE_CXX_COMPILER_ID MATCHES "Clang"))
-  target_link_options(vexor_hardening INTERFACE -Wl,-z,defs)
+    target_link_options(vexor_hardening INTERFACE -Wl,-z,defs)
 endif()

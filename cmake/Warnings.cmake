@@ -4,13 +4,7 @@
 option(VEXORAPI_WERROR "Treat compiler warnings as errors" OFF)
 
 add_library(vexor_warnings INTERFACE)
-target_compile_options(
-  vexor_warnings
-  INTERFACE -Wall
-            -Wextra
-            -Wconversion
-            -Wshadow
-            # clang counts this one into -Wconversion and g++ does not: named, both say the same.
-            -Wsign-conversion
-            $<$<BOOL:${VEXORAPI_WERROR}>:-Werror>
-)
+# clang counts -Wsign-conversion into -Wconversion and g++ does not: named, both say the same.
+target_compile_options(vexor_warnings INTERFACE
+    -Wall -Wextra -Wconversion -Wshadow -Wsign-conversion
+    $<$<BOOL:${VEXORAPI_WERROR}>:-Werror>)

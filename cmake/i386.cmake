@@ -1,0 +1,27 @@
+# Builds for 32-bit x86 with the machine's own compiler. Its 32-bit runtime comes with g++-multilib,
+# the other libraries from the folder that scripts/i386-sysroot fills. The programs run on this
+# machine as they are: the build's run path leads into that folder.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR i686)
+
+set(VEXORAPI_I386_SYSROOT "${CMAKE_CURRENT_LIST_DIR}/../build/i386-sysroot" CACHE PATH
+    "Folder that scripts/i386-sysroot filled")
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES VEXORAPI_I386_SYSROOT)
+get_filename_component(vexorapi_i386_root "${VEXORAPI_I386_SYSROOT}" REALPATH)
+if(NOT EXISTS "${vexorapi_i386_root}/contents")
+    message(FATAL_ERROR "No 32-bit libraries; run: scripts/i386-sysroot ${VEXORAPI_I386_SYSROOT}")
+endif()
+
+# Files past 2 GiB and dates past 2038, in everything that is compiled here, GoogleTest included.
+set(vexorapi_i386_flags "-m32 -D_FILE_OFFSET_BITS=64 -D_TIME_BITS=64")
+set(CMAKE_C_FLAGS_INIT "${vexorapi_i386_flags}")
+set(CMAKE_CXX_FLAGS_INIT "${vexorapi_i386_flags}")
+
+# Libraries come from that folder or not at all: the machine's own are 64 bits wide. Header-only
+# packages and programs are the machine's.
+set(CMAKE_LIBRARY_ARCHITECTURE i386-linux-gnu)
+set(CMAKE_FIND_ROOT_PATH "${vexorapi_i386_root}")
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE BOTH)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
