@@ -1,0 +1,102 @@
+#!/usr/bin/env python3
+"""The built files carry the marks of the hardening they are meant to be built with.
+
+usage: hardening_test.py [--fortified] FILE...
+       hardening_test.py --self-check COMPILER [OPTION]...
+
+--fortified  the files must call the checked forms of the C library's functions, too
+"""
+
+import readback
+
+
+def complaints_about(path, fortified):
+    complaints = []
+    segments = readback.program_headers(path)
+    entries = readback.dynamic_entries(path)
+    tags = dict(entries)
+    imports = [name for name, _ in readback.dynamic_symbols(path, "undefined")]
+
+    if "GNU_RELRO" not in segments:
+        complaints.append("no segment is read-only after relocation")
+    flags = tags.get("FLAGS", "").split() + tags.get("FLAGS_1", "").split()
+    if "BIND_NOW" not in flags and "NOW" not in flags and "BIND_NOW" not in tags:
+        complaints.append("functions are bound lazily")
+    if "GNU_STACK" not in segments:
+        complaints.append("nothing says that the stack is not executable")
+    elif "E" in segments["GNU_STACK"]:
+        complaints.append("the stack is executable")
+    if "TEXTREL" in tags or "TEXTREL" in flags:
+        complaints.append("the code is written to by the loader")
+    if "__stack_chk_fail" not in imports:
+        complaints.append("no function has a stack protector")
+    if fortified and not any(
+        name.startswith("__") and name.endswith("_chk") for name in imports
+    ):
+        complaints.append("no function of the C library is called in its checked form")
+    if is_program(segments) and "PIE" not in flags:
+        complaints.append("the program is not position-independent")
+    return [f"{path}: {complaint}" for complaint in complaints]
+
+
+def is_program(segments):
+    return "INTERP" in segments
+
+
+def read_back(arguments):
+    fortified = "--fortified" in arguments
+    # An empty argument is what the build passes where the files are not fortified.
+    files = [argument for argument in arguments if argument not in ("", "--fortified")]
+    if not files:
+        return ["no file to read"]
+    return [complaint for path in files for complaint in complaints_about(path, fortified)]
+
+
+GOOD_OPTIONS = (
+    "-O2",
+    "-U_FORTIFY_SOURCE",
+    "-D_FORTIFY_SOURCE=2",
+    "-fstack-protector-strong",
+    "-Wl,-z,relro,-z,now,-z,noexecstack",
+)
+SOURCE = """
+#include <stdio.h>
+#include <string.h>
+void fill(const char *source) { char text[64]; strcpy(text, source); puts(text); }
+"""
+TEXT_RELOCATION = """
+#ifdef __LP64__
+__asm__(".text\\n.quad here\\nhere:\\n.section .note.GNU-stack,\\"\\",@progbits\\n.text\\n");
+#else
+__asm__(".text\\n.long here\\nhere:\\n.section .note.GNU-stack,\\"\\",@progbits\\n.text\\n");
+#endif
+"""
+MAIN = "\nint main(int argc, char **argv) { if (argc > 1) fill(argv[1]); return 0; }\n"
+
+
+def self_check(workshop):
+    def library(*options, source=SOURCE):
+        return complaints_about(workshop.library(source, *GOOD_OPTIONS, *options), True)
+
+    def program(*options):
+        return complaints_about(
+            workshop.build("program", SOURCE + MAIN, *GOOD_OPTIONS, *options), True
+        )
+
+    yield "a hardened library", library(), None
+    yield "no RELRO", library("-Wl,-z,norelro"), "no segment is read-only"
+    yield "lazy binding", library("-Wl,-z,lazy"), "bound lazily"
+    yield "an executable stack", library("-Wl,-z,execstack"), "the stack is executable"
+    yield "no stack protector", library("-fno-stack-protector"), "has a stack protector"
+    yield "not fortified", library("-U_FORTIFY_SOURCE"), "checked form"
+    yield (
+        "a relocation in the code",
+        library("-Wl,-z,notext", source=SOURCE + TEXT_RELOCATION),
+        "written to by the loader",
+    )
+    yield "a hardened program", program("-fPIE", "-pie"), None
+    yield "a program at a fixed address", program("-fno-pie", "-no-pie"), "position-independent"
+
+
+if __name__ == "__main__":
+    readback.main(read_back, self_check)
