@@ -12,10 +12,10 @@
 #include <stdint.h>
 
 #if defined(__GNUC__)
-#define VEXORAPI_PRINTF(format, first) __attribute__((format(printf, format, first)))
+#define VEXORAPI_PRINTF(text, first) __attribute__((format(printf, text, first)))
 #define VEXORAPI_EXPORT __attribute__((visibility("default")))
 #else
-#define VEXORAPI_PRINTF(format, first)
+#define VEXORAPI_PRINTF(text, first)
 #define VEXORAPI_EXPORT
 #endif
 
