@@ -892,6 +892,9 @@ static_assert(offsetof(Enclosure_Info_Request, enclosureInfo) == 16, "a wire for
 
 /* ---- The library itself ----------------------------------------------------------------- */
 
+/* Whoever implements these functions exports them, also when built with hidden visibility. */
+#pragma GCC visibility push(default)
+
 /* Opens the adapters. Precedes every other call; may be called again. */
 HX_U8 HX_API_Initialize(void);
 
@@ -1127,6 +1130,8 @@ HX_U8 HX_Flash_Bin(HX_U8 AdapterID, HX_U8 Actions, HX_U8 Type, Flash_Data* piece
 /* Takes the oldest events of the adapter off its queue: at most max of them, into events, which
  * has room for max, and sets *count; 0 when the queue is empty. */
 HX_U8 HX_EVT_GetEvent(HX_U8 AdapterID, HX_U8 max, HX_U8* count, Event* events);
+
+#pragma GCC visibility pop
 
 #ifdef __cplusplus
 }
