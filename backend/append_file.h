@@ -4,19 +4,25 @@
 #include <cstdarg>
 #include <cstddef>
 
+#include "heap_block.h"
+
 /// Opens `path` for appending (created with mode 0600), or returns -1.
 ///
 /// A directory, FIFO, socket or block device counts as unopenable, and opening never waits. The
 /// descriptor is close-on-exec and belongs to the caller.
 [[nodiscard]] int OpenForAppend(const char* path);
 
-/// Creates `path` with mode 0600 or empties it, under the rules of OpenForAppend. Failure is silent.
+/// Creates `path` with mode 0600 or empties it, under the rules of OpenForAppend: whatever is not a
+/// log stays as it is. Failure is silent.
 void TruncateFile(const char* path);
 
-/// Appends `length` bytes in one write where the file system takes them at once.
+/// Appends `length` bytes in one write where the file system takes them at once. What a full disk
+/// or a terminal that would have to be waited for does not take is dropped.
 void AppendBytes(int descriptor, const char* bytes, std::size_t length);
 
 /// Formats into a heap block of the text's own size, so that no message is ever cut.
-/// Returns its length and sets `text` (owned by the caller, to be freed with free), or returns -1
-/// with `text` null when there is no memory.
-[[gnu::format(printf, 2, 0)]] int FormatWhole(char*& text, const char* fmt, std::va_list args);
+///
+/// Returns the number of characters and sets `text`, NUL-terminated, or returns -1 with `text` null
+/// when there is no memory or the format cannot be carried out.
+[[gnu::format(printf, 2, 0)]] int FormatWhole(HeapBlock<char>& text, const char* fmt,
+                                              std::va_list args);

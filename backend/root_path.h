@@ -7,9 +7,16 @@
 // Room for the longest path that the kernel takes, its NUL included.
 inline constexpr std::size_t kRootPathSize = 4096;
 
-/// Writes the root prefix followed by `path` (which begins with "/") into `out`.
+/// Writes the root prefix followed by `path` (which begins with "/") into the `size` bytes at
+/// `out`.
 ///
 /// The prefix is read afresh from the environment with secure_getenv, so a set-user-ID process
-/// never follows it. Returns `out`, or null with `out` emptied when the whole does not fit: a path is never
-/// cut into another one.
-[[nodiscard]] const char* RootPath(char (&out)[kRootPathSize], const char* path);
+/// never follows it. Returns `out`, or null with `out` emptied when the whole does not fit: a path
+/// is never cut into another one.
+[[nodiscard]] const char* RootPath(char* out, std::size_t size, const char* path);
+
+/// RootPath into an array of whatever size its owner has.
+template <std::size_t size>
+[[nodiscard]] const char* RootPath(char (&out)[size], const char* path) {
+    return RootPath(out, size, path);
+}

@@ -14,6 +14,9 @@ extern constinit int vexorapiVersionMajor, vexorapiVersionMinor, vexorapiVersion
 extern constinit int eventSvcVersionMajor, eventSvcVersionMinor, eventSvcVersionOEM,
     eventSvcVersionBuild;
 
+/// The path of the event service's version file as last read; empty when it did not fit.
+extern constinit char m_VerFile[512];
+
 /// Stores a module's four numbers; any other `module` is ignored.
 void STORE_KEY(int module, int Major, int Minor, int OEM, int Build);
 
@@ -21,5 +24,6 @@ void STORE_KEY(int module, int Major, int Minor, int OEM, int Build);
 void VX_VER_INIT();
 
 /// Takes the event service's version from "/hxraidver.dat" (four numbers joined by dots), or the
-/// built-in one when the file cannot be opened. Fields that the file does not reach keep their values.
+/// built-in one when that is no regular file that can be opened. Of numbers too large for an int
+/// the largest int is stored. Fields that the file does not reach keep their values.
 void getEventSvcVersion();

@@ -8,10 +8,10 @@
 
 /// The debug log's process-wide state.
 struct VX_DBG_Ext {
-    std::uint32_t Flags;    // bit 0: the section "DebugLogConfig" has been loaded
-    char FileName[128];     // empty: no debug log
-    int FOut;               // descriptor of the message being written, -1 between messages
-    VX_Cfg_EventLog Cfg;    // LogEnable switches the log on, Filename is the default name
+    std::uint32_t Flags;  // bit 0: the section "DebugLogConfig" has been loaded
+    char FileName[128];   // empty: no debug log
+    int FOut;             // descriptor of the message being written, -1 between messages
+    VX_Cfg_EventLog Cfg;  // LogEnable switches the log on, Filename is the default name
 };
 extern constinit VX_DBG_Ext DBG_Ext;
 

@@ -1,0 +1,29 @@
+// Reading of regular files by descriptor.
+#include "read_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+int OpenForRead(const char* path) {
+    // Without O_NONBLOCK the opening of a FIFO would wait for somebody to write into it.
+    const int descriptor = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (descriptor < 0) return -1;
+    struct stat status;
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) return descriptor;
+    close(descriptor);
+    return -1;
+}
+
+std::size_t ReadBytes(int descriptor, char* buf, std::size_t size) {
+    std::size_t total = 0;
+    while (total < size) {
+        const ssize_t bytes = read(descriptor, buf + total, size - total);
+        if (bytes < 0 && errno == EINTR) continue;
+        if (bytes <= 0) break;
+        total += static_cast<std::size_t>(bytes);
+    }
+    return total;
+}

@@ -1,0 +1,91 @@
+// The debug log, and messages to files of other names. Every message opens its file, appends and
+// closes it.
+#include "vx_dbg.h"
+
+#include <unistd.h>
+
+#include <cstdarg>
+#include <cstring>
+
+#include "append_file.h"
+
+constinit VX_DBG_Ext DBG_Ext{.Flags = 0, .FileName = {}, .FOut = -1, .Cfg = {}};
+
+namespace {
+
+constexpr std::uint32_t kSectionLoaded = 1;  // of Flags
+
+// No file of this name is ever opened and nothing is bound to the standard error stream: what is
+// logged under it goes nowhere.
+bool IsStderr(const char* filename) { return std::strcmp(filename, "stderr") == 0; }
+
+// Whether `filename` names a log. One that is too long for its field names none, because a cut name
+// is another file's.
+bool IsLogName(const char* filename) {
+    return filename != nullptr && filename[0] != '\0' &&
+           strnlen(filename, sizeof DBG_Ext.FileName) < sizeof DBG_Ext.FileName;
+}
+
+// memmove, because a caller may hand the log its own name back.
+void SetLogName(const char* filename) {
+    std::memmove(DBG_Ext.FileName, filename, std::strlen(filename) + 1);
+}
+
+int OpenMessageFile(const char* filename) {
+    return IsStderr(filename) ? -1 : OpenForAppend(filename);
+}
+
+// Formats the message, appends it unless `descriptor` is -1, and returns the number of characters
+// formatted.
+[[gnu::format(printf, 2, 0)]] int WriteMessage(int descriptor, const char* fmt, std::va_list args) {
+    HeapBlock<char> text;
+    const int length = FormatWhole(text, fmt, args);
+    if (length < 0) return 0;
+    // A text ends at its NUL, also at one that "%c" brought into its middle.
+    if (descriptor >= 0) AppendBytes(descriptor, text.get(), std::strlen(text.get()));
+    return length;
+}
+
+}  // namespace
+
+int VX_DBG_Init(const char* filename) noexcept {
+    if ((DBG_Ext.Flags & kSectionLoaded) == 0) {
+        DBG_Ext.Flags |= kSectionLoaded;
+        DBG_Ext.Cfg = {};
+        VX_CfgLoad(&DBG_Ext.Cfg, "DebugLogConfig");
+    }
+    if (IsLogName(filename)) {
+        SetLogName(filename);
+    } else if (IsLogName(DBG_Ext.Cfg.Filename)) {
+        SetLogName(DBG_Ext.Cfg.Filename);
+    }
+    if (!VX_DBG_On()) return 0;
+    if (!IsStderr(DBG_Ext.FileName)) TruncateFile(DBG_Ext.FileName);
+    return 1;
+}
+
+int VX_DBG_Printf(const char* fmt, ...) noexcept {
+    if (!VX_DBG_On()) return 0;
+    DBG_Ext.FOut = OpenMessageFile(DBG_Ext.FileName);
+    std::va_list args;
+    va_start(args, fmt);
+    const int length = WriteMessage(DBG_Ext.FOut, fmt, args);
+    va_end(args);
+    VX_DBG_Shutdown();
+    return length;
+}
+
+int VX_DBG_PrintFile(const char* filename, const char* fmt, ...) noexcept {
+    const int descriptor = filename == nullptr ? -1 : OpenMessageFile(filename);
+    std::va_list args;
+    va_start(args, fmt);
+    const int length = WriteMessage(descriptor, fmt, args);
+    va_end(args);
+    if (descriptor >= 0) close(descriptor);
+    return length;
+}
+
+void VX_DBG_Shutdown(void) noexcept {
+    if (DBG_Ext.FOut >= 0) close(DBG_Ext.FOut);
+    DBG_Ext.FOut = -1;
+}
