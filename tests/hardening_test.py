@@ -45,8 +45,7 @@ def is_program(segments):
 
 def read_back(arguments):
     fortified = "--fortified" in arguments
-    # An empty argument is what the build passes where the files are not fortified.
-    files = [argument for argument in arguments if argument not in ("", "--fortified")]
+    files = [argument for argument in arguments if argument != "--fortified"]
     if not files:
         return ["no file to read"]
     return [complaint for path in files for complaint in complaints_about(path, fortified)]
