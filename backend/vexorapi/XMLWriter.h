@@ -7,8 +7,9 @@
 
 #include "hxraid.h"
 
-inline constexpr std::size_t kDocSize = 524288;         // bytes of Buf
-inline constexpr std::size_t kDocCapacity = kDocSize - 1;  // the text's limit; a NUL always fits behind it
+inline constexpr std::size_t kDocSize = 524288;  // bytes of Buf
+inline constexpr std::size_t kDocCapacity =
+    kDocSize - 1;  // the text's limit; a NUL always fits behind it
 
 /// One result document. It grows at the cursor and holds at most kDocCapacity bytes: a piece that
 /// would pass them is dropped whole, silently, and later, shorter pieces are still written.
@@ -79,8 +80,9 @@ std::uint32_t XMLWR_StrCpy(const XMLWR_Doc* Doc, char* TgtBuf, std::uint32_t Tgt
 ///
 /// Everything but digits separates numbers, signs included. `DataWidth` is 8, 16, 32 or 64 bits;
 /// a wider value is cut to its low bits, after a text that passes 32 bits (64 for width 64) has
-/// been taken as all ones. Returns -1 when no number is left (the target is then unchanged), else the number
-/// of characters passed, less one when the number ends the text. Any other width returns -1.
+/// been taken as all ones. Returns -1 when no number is left (the target is then unchanged), else
+/// the number of characters passed, less one when the number ends the text. Any other width returns
+/// -1.
 int XMLWR_CharDataToDec(const char** str, void* tmp, int DataWidth);
 
 /// XMLWR_CharDataToDec with width 32.

@@ -24,20 +24,28 @@ struct ParseGuard {
     std::uint32_t declarations;  // seen so far
 };
 
+/// How much of a function record is allocated, and how much of that is filled with zeros: no
+/// request pays for the largest function's record.
+struct RecordSize {
+    std::size_t bytes;
+    std::size_t zeroed;
+};
+
 /// The parse context of one command, expat's user data. ResetElement prepares it.
 struct XMLElement {
     // Elements open now: 0 before the root. In a handler it is the element's level, 0 for the root.
     // 32 bits wide, because 65536 nested elements must not look like a root again.
     std::int32_t Depth;
-    XML_StartElementHandler StartHandler;           // the function's, or null
-    XML_EndElementHandler EndHandler;               // the function's, or null
-    XML_CharacterDataHandler CharDataHandler;       // an extra one; no function sets it
-    HX_U16 ArrayWidth;                              // cleared at every start element
-    char DirName[kPathSize];                        // root.child.grandchild, NUL-terminated
-    HX_U16 CharDataIndex;                           // bytes kept in CharDataBuf
-    char CharDataBuf[kTextSize];                    // the text since the last start element
-    void* Ext;                                      // the function record, or null
-    HX_U16 DirNameLength;                           // strlen(DirName)
+    XML_StartElementHandler StartHandler;      // the function's, or null
+    XML_EndElementHandler EndHandler;          // the function's, or null
+    XML_CharacterDataHandler CharDataHandler;  // an extra one; no function sets it
+    HX_U16 ArrayWidth;                         // cleared at every start element
+    char DirName[kPathSize];                   // root.child.grandchild, NUL-terminated
+    HX_U16 CharDataIndex;                      // bytes kept in CharDataBuf
+    char CharDataBuf[kTextSize];               // the text since the last start element
+    void* Ext;                                 // the function record, or null
+    RecordSize ExtSize;                        // what the selected function wants of it
+    HX_U16 DirNameLength;                      // strlen(DirName)
     ParseGuard Guard;
 };
 
@@ -102,8 +110,8 @@ private:
     }
 };
 
-// The bookkeeping that commands and the configuration file share. `Context` is XMLElement or a record
-// with the same members for depth, path and text.
+// The bookkeeping that commands and the configuration file share. `Context` is XMLElement or a
+// record with the same members for depth, path and text.
 
 /// Appends the element to the path and starts its text. What does not fit is dropped.
 template <class Context>

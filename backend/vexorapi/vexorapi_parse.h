@@ -1,5 +1,5 @@
-// The parse of one command: expat's callbacks, which track the path, select the function at the root
-// and pass the three levels below it to the function's handlers.
+// The parse of one command: expat's callbacks, which track the path, select the function at the
+// root and pass the three levels below it to the function's handlers.
 #pragma once
 
 #include "vexorapi_element.h"

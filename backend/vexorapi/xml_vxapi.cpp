@@ -16,12 +16,12 @@ struct ManagementFunction {
     const char* name;
     XML_StartElementHandler start;
     XML_EndElementHandler end;
-    VX_Extent record;
+    RecordSize record;
     Function function;
 };
 
 template <class Record>
-constexpr VX_Extent WholeRecord() {
+constexpr RecordSize WholeRecord() {
     constexpr std::size_t bytes = offsetof(XML_VX_FuncData, VX_Module_GetInfo) + sizeof(Record);
     return {bytes, bytes};
 }
@@ -67,17 +67,13 @@ void ReadVersions(VX_Module_GetInfo& info) {
 
 }  // namespace
 
-VX_Extent VX_RecordExtent(const char* name) {
-    const ManagementFunction* const row = FindFunction(name);
-    return row == nullptr ? VX_Extent{0, 0} : row->record;
-}
-
 int VX_FuncElementDispatcher(void* userData, const char* name, const char**) {
     const ManagementFunction* const row = FindFunction(name);
     if (row == nullptr) return 0;
     auto& elmt = *static_cast<XMLElement*>(userData);
     elmt.StartHandler = row->start;
     elmt.EndHandler = row->end;
+    elmt.ExtSize = row->record;
     return 1;
 }
 

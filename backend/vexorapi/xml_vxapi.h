@@ -26,7 +26,7 @@ struct VX_Module_GetInfo {
 };
 
 /// The record of one request of a management function. Only as much of it exists as the function
-/// needs (VX_RecordExtent), so it is never copied or cleared as a whole.
+/// needs, so it is never copied or cleared as a whole.
 struct XML_VX_FuncData {
     char FuncName[64];  // selects the member below
     union {
@@ -34,19 +34,9 @@ struct XML_VX_FuncData {
     };
 };
 
-/// How much of XML_VX_FuncData a function needs.
-struct VX_Extent {
-    std::size_t bytes;    // to allocate, FuncName included
-    std::size_t cleared;  // of these, from the start: must be zero before the first handler runs
-};
-
-/// Returns the record that the function `name` needs, or {0, 0} when it is none of the management
-/// functions.
-VX_Extent VX_RecordExtent(const char* name);
-
 /// Selects a management function for the root element `name` (compared whole, case-sensitive).
 ///
-/// Returns 1 with its handlers stored in the XMLElement at `userData`, or 0 with nothing changed.
+/// Returns 1 with its handlers and its record's size stored in the XMLElement at `userData`, or 0 with nothing changed.
 int VX_FuncElementDispatcher(void* userData, const char* name, const char** atts);
 
 /// Carries out the request in `XMLElmt->Ext` and writes its result to `Doc`, which is empty.

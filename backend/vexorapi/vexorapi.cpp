@@ -1,0 +1,97 @@
+// The entry points: the life of a process and of one request.
+#include "vexorapi.h"
+
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "hxraid.h"
+#include "vexorapi_parse.h"
+#include "vexorapi_version.h"
+#include "vx_cfg.h"
+#include "vx_dbg.h"
+#include "vxevent.h"
+#include "xml_rapi.h"
+#include "xml_vxapi.h"
+
+namespace {
+
+struct Free {
+    void operator()(void* block) const { std::free(block); }
+};
+template <class T>
+using HeapPtr = std::unique_ptr<T, Free>;
+
+// The result of the last HX_API_Initialize; 0 means success, also before the first.
+constinit HX_U8 HX_API_InitializeRet = 0;
+
+// The line that the message about a failed initialisation names; readers of logs search for it.
+constexpr int kInitializeLine = 526;
+
+// Hands the document to the caller. One that does not fit leaves the empty string, and the request
+// counts as served all the same: its function has run.
+void DeliverResult(XMLWR_Doc& doc, char* result, std::uint32_t size) {
+    if (doc.CurPos >= size) {
+        doc.Buf[doc.CurPos] = '\0';
+        VX_DBG_TRACE("Buffer too small\n %s\n", doc.Buf);
+        return;
+    }
+    XMLWR_StrCpy(&doc, result, size);
+}
+
+// Runs the parsed request and delivers its result. Returns 1 when an executor took it.
+int RunRequest(XMLElement& elmt, XMLWR_Doc& doc, char* result, std::uint32_t size) {
+    XMLWR_Reset(doc);
+    if (VX_XMLFunc_HX_RApi(&elmt, &doc) == 0) {
+        XMLWR_Reset(doc);
+        if (VX_XMLFunc_VX_Api(&elmt, &doc) == 0) return 0;
+    }
+    DeliverResult(doc, result, size);
+    return 1;
+}
+
+}  // namespace
+
+int vexorApi(const char* XMLCmd, char* XMLRet, std::uint32_t XMLRetLen) noexcept {
+    if (XMLCmd == nullptr || XMLRet == nullptr) return 0;
+    const std::size_t length = std::strlen(XMLCmd);
+    if (length == 0 || XMLRetLen == 0) return 0;
+    const HeapPtr<XMLWR_Doc> doc(static_cast<XMLWR_Doc*>(std::malloc(sizeof(XMLWR_Doc))));
+    if (!doc) return 0;
+
+    VX_Cfg_XmlWrapper cfg{};
+    VX_CfgLoad(&cfg, "XmlWrapperLogConfig");
+    if (cfg.InLogEnable != 0) VX_DBG_PrintFile(cfg.Filename, "XMLCmd = %s\n", XMLCmd);
+
+    XMLElement elmt;
+    ResetElement(elmt);
+    const int parsed = RunExpat(XMLCmd, length, &elmt, elmt.Guard,
+                                {RA_StartElement, RA_EndElement, RA_CharacterDataHandler,
+                                 DeclarationWatch<XMLElement>::Doctype});
+    const HeapPtr<void> record(elmt.Ext);
+    if (parsed == 0) return 0;
+
+    XMLRet[0] = '\0';
+    const int served = elmt.Ext != nullptr ? RunRequest(elmt, *doc, XMLRet, XMLRetLen) : 0;
+    if (cfg.OutLogEnable != 0) VX_DBG_PrintFile(cfg.Filename, "XMLRet = %s\n", XMLRet);
+    return served;
+}
+
+int vexorApiInit() noexcept {
+    VX_EvInit();
+    // Skipped only when the controller library refused to start the last time.
+    if (HX_API_InitializeRet == HX_SUCCESS) VX_VER_INIT();
+    HX_API_InitializeRet = HX_API_Initialize();
+    if (HX_API_InitializeRet != HX_SUCCESS) {
+        VX_DBG_TRACE("%s %d: HX_API_Initialize() Failed, RetVal = %d", "vexorapi", kInitializeLine,
+                     HX_API_InitializeRet);
+    }
+    return 1;
+}
+
+int vexorApiShutdown() noexcept {
+    HX_API_Finalize();
+    VX_EvShutdown();
+    return 1;
+}

@@ -1,0 +1,24 @@
+// Typed elements, piece by piece through the document writer.
+#include <cstdarg>
+#include <cstdio>
+
+#include "xml_rapi.h"
+
+int XML_RA_ElmtNonArrayData(XMLWR_Doc* doc, const char* elmt, const char* type, const char* fmt,
+                            ...) {
+    char value[kAttributeSize];
+    std::va_list args;
+    va_start(args, fmt);
+    if (std::vsnprintf(value, sizeof value, fmt, args) < 0) value[0] = '\0';
+    va_end(args);
+    XMLWR_ElmtStartPrintf(doc, kNoNewLine, elmt, " %s=\"%s\"", "type", type);
+    XMLWR_ElmtCharData(doc, kNoIndent | kNoNewLine, "%s", value);
+    XMLWR_ElmtEnd(doc, kNoIndent, elmt);
+    return 1;
+}
+
+int XML_RA_ElmtStartArrayData(XMLWR_Doc* doc, const char* elmt, const char* type,
+                              std::size_t width) {
+    return XMLWR_ElmtStartPrintf(doc, 0, elmt, " %s=\"%s\" %s=\"%zu\"", "type", type, "width",
+                                 width);
+}

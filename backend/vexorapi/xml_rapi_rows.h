@@ -1,0 +1,576 @@
+// Rows: one constexpr list of fields per record, and the loops that write records by it.
+//
+// The list drives two writers whose bytes are equal. The fast one joins, at compile time, each
+// field's end tag with the line end, indentation and start tag of the next, checks the room once a
+// record (or once a line, near the document's end) and copies. The exact one goes piece by piece
+// through the document writer, which alone decides what is dropped when the document is full.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+#include "XMLWriter.h"
+#include "XMLWriter_digits.h"
+#include "hxraid.h"
+#include "xml_rapi.h"
+#include "xml_rapi_text.h"
+
+// The depth at which a result lists its records: directly below the function element. Only there
+// the fast writer is compiled; anywhere else records are written piece by piece.
+inline constexpr int kListDepth = 1;
+
+/// A type name of the result grammar, and the width in bytes that a field of this type must have.
+struct XmlType {
+    const char* name;
+    std::size_t bytes;
+};
+inline constexpr XmlType kU8{"U8", 1}, kBOOL{"BOOL", 1}, kU16{"U16", 2}, kU32{"U32", 4},
+    kU64{"U64", 8};
+// The same kinds under the controller library's own names, which some records are written with.
+inline constexpr XmlType kHX_U8{"HX_U8", 1}, kHX_BOOLEAN{"HX_BOOLEAN", 1}, kHX_U16{"HX_U16", 2},
+    kHX_U32{"HX_U32", 4};
+
+// Never defined: a list of rows that comes to call one of these does not compile, and the
+// compiler's message names the reason.
+void TypeAndFieldDifferInWidth();
+void RecordsNestTooDeep();
+
+// Text that is known at compile time -----------------------------------------------------------
+
+/// Receives the parts of a literal: counts them when `at` is null, else copies them.
+struct LiteralSink {
+    char* at = nullptr;
+    std::size_t length = 0;
+    constexpr void Put(std::string_view part) {
+        for (const char c : part) {
+            if (at != nullptr) at[length] = c;
+            ++length;
+        }
+    }
+    constexpr void Indent(int depth) {
+        for (int level = 0; level < depth; ++level) Put("  ");
+    }
+    constexpr void Number(std::size_t number) {
+        if (number >= 10) Number(number / 10);
+        const char digit = static_cast<char>('0' + number % 10);
+        Put({&digit, 1});
+    }
+};
+
+/// The text that `fill` (a lambda without captures over a LiteralSink&) puts together.
+template <class Fill>
+consteval auto MakeLiteral(Fill fill) {
+    constexpr std::size_t length = [] {
+        LiteralSink sink;
+        Fill{}(sink);
+        return sink.length;
+    }();
+    std::array<char, length> text{};
+    LiteralSink sink{text.data()};
+    fill(sink);
+    return text;
+}
+
+template <std::size_t n>
+[[gnu::always_inline]] inline char* PutLiteral(char* at, const std::array<char, n>& text) {
+    std::memcpy(at, text.data(), n);
+    return at + n;
+}
+
+// Rows -----------------------------------------------------------------------------------------
+//
+// A row of record R has: Head and Tail, the text before and behind its value when its line starts
+// at a depth; ValueBound, the most bytes that the value may take (garbage behind it included); Put,
+// the value for the fast writer; WriteExact, the whole line piece by piece.
+
+enum class Form : std::uint8_t {
+    Decimal,
+    Hex,   // lower case, without a prefix
+    Flag,  // 1 for any non-zero byte
+};
+
+template <class T>
+inline constexpr std::size_t kDecimalBound = sizeof(T) == 1   ? 3
+                                             : sizeof(T) == 2 ? 5
+                                             : sizeof(T) == 4 ? 10
+                                                              : 20;
+
+template <class T>
+auto NumberOf(const T& field) {
+    if constexpr (std::is_same_v<T, HX_U64>) {
+        return field.value;
+    } else {
+        static_assert(std::is_unsigned_v<T>);
+        return field;
+    }
+}
+
+/// A number. `type` is its name in the result.
+template <class R, class T, Form form>
+struct Column {
+    const char* name;
+    const char* type;
+    T R::*field;
+
+    constexpr void Head(LiteralSink& sink, int depth) const {
+        sink.Indent(depth);
+        sink.Put("<");
+        sink.Put(name);
+        sink.Put(" type=\"");
+        sink.Put(type);
+        sink.Put("\">");
+    }
+    constexpr void Tail(LiteralSink& sink, int) const {
+        sink.Put("</");
+        sink.Put(name);
+        sink.Put(">\n");
+    }
+    constexpr std::size_t ValueBound(int) const { return kDecimalBound<T> + kDigitSlack; }
+
+    auto Value(const R& record) const {
+        const auto value = NumberOf(record.*field);
+        if constexpr (form == Form::Flag) {
+            return static_cast<T>(value != 0 ? 1 : 0);
+        } else {
+            return value;
+        }
+    }
+    template <int depth>
+    [[gnu::always_inline]] char* Put(char* at, const R& record) const {
+        if constexpr (form == Form::Hex) {
+            return PutHex(at, Value(record));
+        } else {
+            return PutDecimal(at, Value(record));
+        }
+    }
+    template <int depth>
+    void WriteExact(XMLWR_Doc* doc, const R& record) const {
+        if constexpr (sizeof(T) == 8) {
+            XML_RA_ElmtNonArrayData(doc, name, type, "%llu",
+                                    static_cast<unsigned long long>(Value(record)));
+        } else if constexpr (form == Form::Hex) {
+            XML_RA_ElmtNonArrayData(doc, name, type, "%x", static_cast<unsigned>(Value(record)));
+        } else {
+            XML_RA_ElmtNonArrayData(doc, name, type, "%u", static_cast<unsigned>(Value(record)));
+        }
+    }
+};
+
+/// Whether the last item of an array is followed by a blank, as every other one is.
+enum class LastBlank : bool { No, Yes };
+
+// The items of an array on one line, each but the last followed by a blank.
+template <class T, std::size_t n>
+[[gnu::always_inline]] inline char* PutItems(char* at, const T (&items)[n]) {
+    std::size_t i = 0;
+    if constexpr (sizeof(T) == 2 && n % 4 == 0 && n >= 16) {
+        // Lists of identifiers are mostly unused, and written whole all the same: four zeros a
+        // step.
+        for (; i < n; i += 4) {
+            std::uint64_t four;
+            std::memcpy(&four, &items[i], sizeof four);
+            if (four == 0) {
+                std::memcpy(at, "0 0 0 0 ", 8);
+                at += 8;
+                continue;
+            }
+            for (std::size_t k = i; k < i + 4; ++k) {
+                at = PutDecimal(at, NumberOf(items[k]));
+                *at++ = ' ';
+            }
+        }
+    } else {
+        for (; i < n; ++i) {
+            at = PutDecimal(at, NumberOf(items[i]));
+            *at++ = ' ';
+        }
+    }
+    return at;
+}
+
+// An array element's start: its tag, and the indentation of the line of items.
+constexpr void ArrayHead(LiteralSink& sink, int depth, std::string_view name, std::string_view type,
+                         std::size_t width) {
+    sink.Indent(depth);
+    sink.Put("<");
+    sink.Put(name);
+    sink.Put(" type=\"");
+    sink.Put(type);
+    sink.Put("\" width=\"");
+    sink.Number(width);
+    sink.Put("\">\n");
+    sink.Indent(depth + 1);
+}
+constexpr void ArrayTail(LiteralSink& sink, int depth, std::string_view name) {
+    sink.Put("\n");
+    sink.Indent(depth);
+    sink.Put("</");
+    sink.Put(name);
+    sink.Put(">\n");
+}
+
+template <class T, std::size_t n>
+void WriteItemsExact(XMLWR_Doc* doc, const char* name, const char* type, const T (&items)[n],
+                     LastBlank last_blank = LastBlank::No) {
+    XML_RA_ElmtStartArrayData(doc, name, type, n);
+    XMLWR_PrintTabs(doc);
+    for (std::size_t i = 0; i < n; ++i) {
+        const bool blank = i + 1 < n || last_blank == LastBlank::Yes;
+        XMLWR_ElmtCharData(doc, kNoIndent | kNoNewLine, blank ? "%llu " : "%llu",
+                           static_cast<unsigned long long>(NumberOf(items[i])));
+    }
+    XMLWR_PrintNewLine(doc);
+    XMLWR_ElmtEnd(doc, 0, name);
+}
+
+/// An array of numbers, always written in its full width.
+template <class R, class T, std::size_t n, LastBlank last_blank>
+struct ArrayColumn {
+    const char* name;
+    const char* type;
+    T (R::*field)[n];
+
+    constexpr void Head(LiteralSink& sink, int depth) const {
+        ArrayHead(sink, depth, name, type, n);
+    }
+    constexpr void Tail(LiteralSink& sink, int depth) const { ArrayTail(sink, depth, name); }
+    constexpr std::size_t ValueBound(int) const { return n * (kDecimalBound<T> + 1) + kDigitSlack; }
+    template <int depth>
+    [[gnu::always_inline]] char* Put(char* at, const R& record) const {
+        at = PutItems(at, record.*field);
+        return last_blank == LastBlank::Yes ? at : at - 1;
+    }
+    template <int depth>
+    void WriteExact(XMLWR_Doc* doc, const R& record) const {
+        WriteItemsExact(doc, name, type, record.*field, last_blank);
+    }
+};
+
+/// A text in a CDATA section, nothing escaped.
+template <class R, class C, std::size_t n, class Cleaner>
+struct TextColumn {
+    const char* name;
+    C (R::*field)[n];
+
+    constexpr void Head(LiteralSink& sink, int depth) const {
+        sink.Indent(depth);
+        sink.Put("<");
+        sink.Put(name);
+        sink.Put(" type=\"string\"><![CDATA[");
+    }
+    constexpr void Tail(LiteralSink& sink, int) const {
+        sink.Put("]]></");
+        sink.Put(name);
+        sink.Put(">\n");
+    }
+    constexpr std::size_t ValueBound(int) const { return n + 1; }
+    template <int depth>
+    [[gnu::always_inline]] char* Put(char* at, const R& record) const {
+        return Cleaner::Put(at, record.*field);
+    }
+    template <int depth>
+    void WriteExact(XMLWR_Doc* doc, const R& record) const {
+        char text[n + 1];
+        *Cleaner::Put(text, record.*field) = '\0';
+        XML_RA_ElmtNonArrayData(doc, name, "string", "<![CDATA[%s]]>", text);
+    }
+};
+
+/// A text written bare, without a CDATA section: its readers rely on it holding no markup.
+template <class R, class C, std::size_t n>
+struct BareText {
+    const char* name;
+    C (R::*field)[n];
+
+    constexpr void Head(LiteralSink& sink, int depth) const {
+        sink.Indent(depth);
+        sink.Put("<");
+        sink.Put(name);
+        sink.Put(" type=\"string\">");
+    }
+    constexpr void Tail(LiteralSink& sink, int) const {
+        sink.Put("</");
+        sink.Put(name);
+        sink.Put(">\n");
+    }
+    constexpr std::size_t ValueBound(int) const { return n + 1; }
+    template <int depth>
+    [[gnu::always_inline]] char* Put(char* at, const R& record) const {
+        return PlainText::Put(at, record.*field);
+    }
+    template <int depth>
+    void WriteExact(XMLWR_Doc* doc, const R& record) const {
+        char text[n + 1];
+        *PlainText::Put(text, record.*field) = '\0';
+        XML_RA_ElmtNonArrayData(doc, name, "string", "%s", text);
+    }
+};
+
+/// A record: the value of its element's type attribute, and its rows.
+template <class R, class... Row>
+struct Record {
+    using Type = R;
+    const char* type;
+    std::tuple<Row...> rows;
+
+    static constexpr std::size_t kRows = sizeof...(Row);
+};
+
+template <class R, class... Row>
+consteval Record<R, Row...> MakeRecord(const char* type, Row... rows) {
+    return {type, {rows...}};
+}
+
+template <const auto& kRecord>
+using RecordType = typename std::remove_cvref_t<decltype(kRecord)>::Type;
+
+// The loops over rows --------------------------------------------------------------------------
+
+template <const auto& kRecord, std::size_t i, int depth>
+inline constexpr std::size_t kRowBound = [] {
+    LiteralSink sink;
+    std::get<i>(kRecord.rows).Head(sink, depth);
+    std::get<i>(kRecord.rows).Tail(sink, depth);
+    return sink.length + std::get<i>(kRecord.rows).ValueBound(depth);
+}();
+
+template <const auto& kRecord, int depth>
+inline constexpr std::size_t kRowsBound = []<std::size_t... i>(std::index_sequence<i...>) {
+    return (std::size_t{0} + ... + kRowBound<kRecord, i, depth>);
+}
+(std::make_index_sequence<std::remove_cvref_t<decltype(kRecord)>::kRows>{});
+
+// The text between the values of rows i - 1 and i; before the first and behind the last row, only
+// the one side that there is.
+template <const auto& kRecord, std::size_t i, int depth>
+inline constexpr auto kGap = MakeLiteral([](LiteralSink& sink) {
+    constexpr std::size_t rows = std::remove_cvref_t<decltype(kRecord)>::kRows;
+    if constexpr (i > 0) std::get<i - 1>(kRecord.rows).Tail(sink, depth);
+    if constexpr (i < rows) std::get<i>(kRecord.rows).Head(sink, depth);
+});
+
+template <const auto& kRecord, std::size_t i, int depth>
+inline constexpr auto kRowHead = MakeLiteral([](LiteralSink& sink) {
+    std::get<i>(kRecord.rows).Head(sink, depth);
+});
+template <const auto& kRecord, std::size_t i, int depth>
+inline constexpr auto kRowTail = MakeLiteral([](LiteralSink& sink) {
+    std::get<i>(kRecord.rows).Tail(sink, depth);
+});
+
+// From the first row's value to the last one's; the gaps around them are the caller's.
+template <const auto& kRecord, int depth>
+[[gnu::always_inline]] inline char* PutRows(char* at, const RecordType<kRecord>& record) {
+    [&]<std::size_t... i>(std::index_sequence<i...>) {
+        ((at = i == 0 ? at : PutLiteral(at, kGap<kRecord, i, depth>),
+          at = std::get<i>(kRecord.rows).template Put<depth>(at, record)),
+         ...);
+    }
+    (std::make_index_sequence<std::remove_cvref_t<decltype(kRecord)>::kRows>{});
+    return at;
+}
+
+// `depth` of WriteRowsNearEnd when it is not known at compile time: every row goes piece by piece.
+inline constexpr int kAnyDepth = -1;
+
+// Line by line: the rows whose whole line fits are copied, the others go piece by piece.
+template <const auto& kRecord, int depth>
+[[gnu::noinline]] void WriteRowsNearEnd(XMLWR_Doc* doc, const RecordType<kRecord>& record) {
+    const auto write = [&]<std::size_t i>() {
+        const auto& row = std::get<i>(kRecord.rows);
+        if constexpr (depth != kAnyDepth) {
+            if (kDocCapacity - doc->CurPos >= kRowBound<kRecord, i, depth>) {
+                char* at = PutLiteral(doc->Buf + doc->CurPos, kRowHead<kRecord, i, depth>);
+                at = row.template Put<depth>(at, record);
+                at = PutLiteral(at, kRowTail<kRecord, i, depth>);
+                doc->CurPos = static_cast<std::uint32_t>(at - doc->Buf);
+                return;
+            }
+        }
+        row.template WriteExact<depth>(doc, record);
+    };
+    [&]<std::size_t... i>(std::index_sequence<i...>) { (write.template operator()<i>(), ...); }
+    (std::make_index_sequence<std::remove_cvref_t<decltype(kRecord)>::kRows>{});
+}
+
+/// A record within a record.
+template <const auto& kInner, class R>
+struct Nested {
+    const char* name;
+    RecordType<kInner> R::*field;
+
+    constexpr void Head(LiteralSink& sink, int depth) const {
+        sink.Indent(depth);
+        sink.Put("<");
+        sink.Put(name);
+        sink.Put(" type=\"");
+        sink.Put(kInner.type);
+        sink.Put("\">\n");
+        std::get<0>(kInner.rows).Head(sink, depth + 1);
+    }
+    constexpr void Tail(LiteralSink& sink, int depth) const {
+        constexpr std::size_t last = std::remove_cvref_t<decltype(kInner)>::kRows - 1;
+        std::get<last>(kInner.rows).Tail(sink, depth + 1);
+        sink.Indent(depth);
+        sink.Put("</");
+        sink.Put(name);
+        sink.Put(">\n");
+    }
+    constexpr std::size_t ValueBound(int depth) const { return BoundAt<kListDepth>(depth); }
+    template <int depth>
+    [[gnu::always_inline]] char* Put(char* at, const R& record) const {
+        return PutRows<kInner, depth + 1>(at, record.*field);
+    }
+    template <int depth>
+    void WriteExact(XMLWR_Doc* doc, const R& record) const {
+        XMLWR_ElmtStartPrintf(doc, 0, name, " %s=\"%s\"", "type", kInner.type);
+        WriteRowsNearEnd<kInner, depth == kAnyDepth ? kAnyDepth : depth + 1>(doc, record.*field);
+        XMLWR_ElmtEnd(doc, 0, name);
+    }
+
+private:
+    // ValueBound's depth is a value, the rows' bound wants a constant: the few that occur are
+    // tried.
+    template <int depth>
+    static constexpr std::size_t BoundAt(int wanted) {
+        if constexpr (depth > kListDepth + 3) {
+            RecordsNestTooDeep();
+            return 0;
+        } else {
+            return wanted == depth ? kRowsBound<kInner, depth + 1> : BoundAt<depth + 1>(wanted);
+        }
+    }
+};
+
+// Rows as they stand in a list -----------------------------------------------------------------
+
+template <class T>
+consteval void CheckWidth(XmlType type) {
+    if (sizeof(std::remove_all_extents_t<T>) != type.bytes) TypeAndFieldDifferInWidth();
+}
+
+/// A number or an array of numbers. A type and a field that differ in width do not compile.
+template <class R, class T>
+consteval Column<R, T, Form::Decimal> Col(const char* name, XmlType type, T R::*field) {
+    CheckWidth<T>(type);
+    return {name, type.name, field};
+}
+template <class R, class T, std::size_t n>
+consteval ArrayColumn<R, T, n, LastBlank::No> Col(const char* name, XmlType type,
+                                                  T (R::*field)[n]) {
+    CheckWidth<T>(type);
+    return {name, type.name, field};
+}
+
+/// A number in hexadecimal.
+template <class R, class T>
+consteval Column<R, T, Form::Hex> Hex(const char* name, XmlType type, T R::*field) {
+    CheckWidth<T>(type);
+    return {name, type.name, field};
+}
+
+/// A byte written as 1 when it is not zero.
+template <class R, class T>
+consteval Column<R, T, Form::Flag> Flag(const char* name, XmlType type, T R::*field) {
+    CheckWidth<T>(type);
+    return {name, type.name, field};
+}
+
+/// A text in CDATA, as it stands in its field or cleaned first.
+template <class Cleaner = PlainText, class R, class C, std::size_t n>
+consteval TextColumn<R, C, n, Cleaner> CData(const char* name, C (R::*field)[n]) {
+    static_assert(sizeof(C) == 1);
+    return {name, field};
+}
+
+/// A text without CDATA.
+template <class R, class C, std::size_t n>
+consteval BareText<R, C, n> Bare(const char* name, C (R::*field)[n]) {
+    static_assert(sizeof(C) == 1);
+    return {name, field};
+}
+
+/// A record element within the record.
+template <const auto& kInner, class R>
+consteval Nested<kInner, R> Nest(const char* name, RecordType<kInner> R::*field) {
+    return {name, field};
+}
+
+// Lists of records -----------------------------------------------------------------------------
+
+// An element name given at run time, padded so that it is copied in one step of fixed size.
+struct PaddedName {
+    static constexpr std::size_t kRoom = 32;
+    char text[kRoom];
+    std::size_t length;
+
+    explicit PaddedName(const char* name) : text{}, length(std::strlen(name)) {
+        std::memcpy(text, name, length < kRoom ? length : kRoom);
+    }
+    bool Fits() const { return length <= kRoom; }
+    [[gnu::always_inline]] char* Put(char* at) const {
+        std::memcpy(at, text, kRoom);
+        return at + length;
+    }
+};
+
+// The first and last text of a record element whose name is not known at compile time.
+template <const auto& kRecord, int depth>
+inline constexpr auto kRecordOpen = MakeLiteral([](LiteralSink& sink) {
+    sink.Put(" type=\"");
+    sink.Put(kRecord.type);
+    sink.Put("\">\n");
+    std::get<0>(kRecord.rows).Head(sink, depth + 1);
+});
+template <const auto& kRecord, int depth>
+inline constexpr auto kRecordClose = MakeLiteral([](LiteralSink& sink) {
+    std::get<std::remove_cvref_t<decltype(kRecord)>::kRows - 1>(kRecord.rows).Tail(sink, depth + 1);
+    sink.Indent(depth);
+    sink.Put("</");
+});
+template <int depth>
+inline constexpr auto kTagStart = MakeLiteral([](LiteralSink& sink) {
+    sink.Indent(depth);
+    sink.Put("<");
+});
+
+template <const auto& kRecord, int depth>
+inline constexpr std::size_t kRecordBound =
+    kTagStart<depth>.size() + 2 * PaddedName::kRoom + kRecordOpen<kRecord, depth>.size() +
+    kRowsBound<kRecord, depth + 1> + kRecordClose<kRecord, depth>.size() + 2;
+
+/// Writes `count` record elements called `elmt`, one after the other. Returns 1.
+template <const auto& kRecord>
+int WriteRecords(XMLWR_Doc* doc, const char* elmt, const RecordType<kRecord>* records,
+                 HX_U32 count) {
+    const PaddedName name(elmt);
+    const bool listed = doc->Depth == kListDepth;
+    const bool fast = listed && name.Fits();
+    for (const auto* record = records; record != records + count; ++record) {
+        if (fast && kDocCapacity - doc->CurPos >= kRecordBound<kRecord, kListDepth>) [[likely]] {
+            char* at = PutLiteral(doc->Buf + doc->CurPos, kTagStart<kListDepth>);
+            at = PutLiteral(name.Put(at), kRecordOpen<kRecord, kListDepth>);
+            at = PutRows<kRecord, kListDepth + 1>(at, *record);
+            at = name.Put(PutLiteral(at, kRecordClose<kRecord, kListDepth>));
+            *at++ = '>';
+            *at++ = '\n';
+            doc->CurPos = static_cast<std::uint32_t>(at - doc->Buf);
+            continue;
+        }
+        if (doc->CurPos == kDocCapacity) break;  // not even a line end fits any more
+        XMLWR_ElmtStartPrintf(doc, 0, elmt, " %s=\"%s\"", "type", kRecord.type);
+        if (listed) {
+            WriteRowsNearEnd<kRecord, kListDepth + 1>(doc, *record);
+        } else {
+            WriteRowsNearEnd<kRecord, kAnyDepth>(doc, *record);
+        }
+        XMLWR_ElmtEnd(doc, 0, elmt);
+    }
+    return 1;
+}

@@ -1,0 +1,65 @@
+// Texts of fixed-width fields: how a controller's characters become the text that is written.
+//
+// A cleaner's Put(at, field) writes the text of an n-character field at `at` and returns its end;
+// n + 1 bytes from `at` on may be overwritten.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+#include "hxraid.h"
+
+/// The end of the text in the `n` bytes at `at`: its NUL, or at + n when there is none. A word a
+/// step, for fields of a few dozen bytes.
+template <std::size_t n>
+[[gnu::always_inline]] inline char* TextEnd(char* at) {
+    using Word = std::size_t;
+    constexpr Word kOnes = static_cast<Word>(-1) / 255;  // 0x0101...
+    std::size_t i = 0;
+    for (; i + sizeof(Word) <= n; i += sizeof(Word)) {
+        Word word;
+        std::memcpy(&word, at + i, sizeof word);
+        const Word nul = (word - kOnes) & ~word & (kOnes << 7);
+        if (nul != 0) return at + i + static_cast<std::size_t>(std::countr_zero(nul)) / 8;
+    }
+    while (i < n && at[i] != '\0') ++i;
+    return at + i;
+}
+
+/// Copies `length` characters into a field, cut so that a NUL follows them.
+template <std::size_t n>
+void CutText(char (&field)[n], const char* text, std::size_t length) {
+    const std::size_t kept = length < n ? length : n - 1;
+    std::memcpy(field, text, kept);
+    field[kept] = '\0';
+}
+
+/// The text as it stands.
+struct PlainText {
+    template <class C, std::size_t n>
+    static char* Put(char* at, const C (&field)[n]) {
+        // The field's NUL is not relied on: the whole width is text when there is none.
+        std::memcpy(at, field, n);
+        return TextEnd<n>(at);
+    }
+};
+
+/// Copies exactly `len` characters of `_field` to `_tmp`, which holds len + 1, and terminates them.
+/// A field that begins with "0" gives the empty text.
+inline void digit_to_str(char* _tmp, const HX_U8* _field, int len) {
+    const std::size_t width = _field[0] == '0' ? 0 : static_cast<std::size_t>(len);
+    std::memcpy(_tmp, _field, width);
+    _tmp[width] = '\0';
+}
+
+/// An adapter's serial number: none when it begins with "0".
+struct DigitText {
+    template <std::size_t n>
+    static char* Put(char* at, const char (&field)[n]) {
+        digit_to_str(at, reinterpret_cast<const HX_U8*>(field), static_cast<int>(n));
+        return TextEnd<n>(at);
+    }
+};
