@@ -1,0 +1,62 @@
+#include "session.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+
+#include "file.h"
+#include "vexorapi.h"
+#include "xml_text.h"
+
+namespace {
+
+// The library takes a configuration file of more bytes for absent.
+constexpr std::size_t kMaxConfiguration = 65535;
+
+// No result begins with it, and an emptied buffer does not either.
+constexpr char kUntouched = '\x01';
+
+// Where there is no file, or an empty one, the library's defaults hold.
+void CheckConfiguration() {
+    const char* const root = secure_getenv("VEXORAPI_ROOT");
+    const std::string path = std::string(root == nullptr ? "" : root) + "/vexorapi.ini";
+    std::string text;
+    try {
+        text = ReadFile(path.c_str(), FileKind::kRegular, kMaxConfiguration);
+    } catch (const FileError& failure) {
+        if (failure.error == ENOENT || failure.error == ENOTDIR) return;
+        if (failure.error == 0) {
+            throw Unavailable(path, "configuration too large: more than " +
+                                        std::to_string(kMaxConfiguration) + " bytes");
+        }
+        throw Unavailable(path, std::string("configuration cannot be read: ") + failure.what());
+    }
+    if (text.empty()) return;
+    const XmlInspection inspection = InspectXml(text);
+    if (inspection.too_many_declarations) {
+        throw Unavailable(path, "configuration with more than " + std::to_string(kMaxDeclarations) +
+                                    " declarations in its document type");
+    }
+    if (!inspection.well_formed) {
+        throw Unavailable(path, "configuration malformed: " + std::to_string(inspection.line) +
+                                    ": " + inspection.reason);
+    }
+}
+
+}  // namespace
+
+Session::Session() : result_(std::make_unique_for_overwrite<char[]>(VEXORAPI_MAX_RESULT)) {
+    CheckConfiguration();
+    if (vexorApiInit() != 1) throw Unavailable("", "the library cannot be initialised");
+}
+
+Session::~Session() { vexorApiShutdown(); }
+
+Reply Session::Send(const std::string& command) {
+    result_[0] = kUntouched;
+    const int ok = vexorApi(command.c_str(), result_.get(), VEXORAPI_MAX_RESULT);
+    if (ok == 0) return {result_[0] == kUntouched ? Outcome::kNotParsed : Outcome::kDeclined, {}};
+    const std::string_view result(result_.get(), strnlen(result_.get(), VEXORAPI_MAX_RESULT));
+    return {result.empty() ? Outcome::kDidNotFit : Outcome::kDelivered, result};
+}
