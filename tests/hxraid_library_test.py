@@ -1,0 +1,128 @@
+#!/usr/bin/env python3
+"""A libhxraid.so is what callers of hxraid.h expect, and can be loaded into any process.
+
+It exports the functions that the header declares, all of them and nothing else, under a soname
+without a version. It needs the C library alone and runs nothing when it is loaded or unloaded.
+
+usage: hxraid_library_test.py LIBRARY HEADER
+       hxraid_library_test.py --self-check COMPILER [OPTION]...
+"""
+
+import re
+
+import readback
+
+SONAME = "libhxraid.so"
+ALLOWED = re.compile(r"libc\.so\.6$|ld-linux.*\.so\.\d+$")
+DECLARATION = re.compile(r"^\w[\w ]*[ *]+(HX_\w+)\([^;{}]*\);", re.MULTILINE)
+EXIT_HANDLERS = {"atexit", "on_exit", "__cxa_atexit", "__cxa_thread_atexit_impl"}
+
+
+def bracketed(value):
+    return value[value.index("[") + 1 : value.rindex("]")]
+
+
+def complaints_about(library, header):
+    with open(header, encoding="ascii") as file:
+        # Comments name functions, too.
+        declared = DECLARATION.findall(re.sub(r"/\*.*?\*/", "", file.read(), flags=re.DOTALL))
+    exported = dict(readback.dynamic_symbols(library, "defined"))
+    complaints = [f"{name} is declared and not exported" for name in declared if name not in exported]
+    for name, kind in exported.items():
+        if name not in declared:
+            complaints.append(f"{name} is exported and not declared")
+        elif kind != "T":
+            complaints.append(f"{name} is exported as {kind}, not as a function")
+    if not declared:
+        complaints.append("the header declares nothing")
+
+    entries = readback.dynamic_entries(library)
+    soname = [bracketed(value) for tag, value in entries if tag == "SONAME"]
+    if soname != [SONAME]:
+        complaints.append(f"the soname is {soname}")
+    for tag, value in entries:
+        if tag == "NEEDED" and not ALLOWED.match(bracketed(value)):
+            complaints.append(f"{bracketed(value)} is needed")
+
+    # The compiler's start-up code puts one entry of its own into each list; any other is ours.
+    sizes = readback.section_sizes(library)
+    pointer = 8 if "ELF64" in readback.run("readelf", "-h", library) else 4
+    for section in (".init_array", ".fini_array"):
+        entries_there = sizes.get(section, 0) // pointer
+        if entries_there > 1:
+            complaints.append(f"{section} has {entries_there} entries")
+    for name, _ in readback.dynamic_symbols(library, "undefined"):
+        if name in EXIT_HANDLERS:
+            complaints.append(f"{name} is called")
+    return complaints
+
+
+def self_check(workshop):
+    header = workshop.write(
+        "header.h",
+        "/* Not int HX_Comment(void); but: */\n"
+        "unsigned char HX_Alpha(void);\n"
+        "const char* HX_Beta(int first,\n                    int second);\n",
+    )
+    both = "void HX_Alpha(void) {} void HX_Beta(void) {}"
+    stranger = workshop.library("void other(void) {}", "-Wl,-soname,libstdc++.so.6")
+    # The compiler may put its own libraries in by itself: here only what is named is wanted.
+    base = ("-Wl,-soname,libhxraid.so", "-nodefaultlibs", "-Wl,--no-as-needed", "-lc")
+
+    def complaints(source, *options):
+        return complaints_about(workshop.library(source, *base, *options), header)
+
+    yield "the declared functions", complaints(both), None
+    yield (
+        "one function short",
+        complaints("void HX_Alpha(void) {}"),
+        "HX_Beta is declared and not exported",
+    )
+    yield (
+        "one function more",
+        complaints(both + "void HX_Gamma(void) {}"),
+        "HX_Gamma is exported and not declared",
+    )
+    yield (
+        "a helper that is not hidden",
+        complaints(both + "void helper(void) {}"),
+        "helper is exported and not declared",
+    )
+    yield (
+        "a variable by a function's name",
+        complaints("void HX_Alpha(void) {} int HX_Beta = 1;"),
+        "HX_Beta is exported as D, not as a function",
+    )
+    yield (
+        "a header without functions",
+        complaints_about(workshop.library("", *base), workshop.write("empty.h", "typedef int HX_U8;\n")),
+        "the header declares nothing",
+    )
+    yield (
+        "a soname with a version",
+        complaints(both, "-Wl,-soname,libhxraid.so.1"),
+        "the soname is ['libhxraid.so.1']",
+    )
+    yield "a C++ runtime", complaints(both, stranger), "libstdc++.so.6 is needed"
+    yield (
+        "a constructor",
+        complaints(both + "__attribute__((constructor)) static void at_load(void) {}"),
+        ".init_array has 2 entries",
+    )
+    yield (
+        "a destructor",
+        complaints(both + "__attribute__((destructor)) static void at_exit(void) {}"),
+        ".fini_array has 2 entries",
+    )
+    yield (
+        "an exit handler",
+        complaints(
+            "int on_exit(void (*)(int, void *), void *);"
+            "void HX_Alpha(void) { on_exit(0, 0); } void HX_Beta(void) {}"
+        ),
+        "on_exit is called",
+    )
+
+
+if __name__ == "__main__":
+    readback.main(lambda arguments: complaints_about(*arguments), self_check)
