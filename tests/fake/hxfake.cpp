@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <concepts>
+#include <deque>
 #include <span>
 
 namespace hxfake {

@@ -15,10 +15,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <deque>
 #include <functional>
 #include <initializer_list>
 #include <optional>
+#include <span>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -116,9 +116,9 @@ public:
     R Play(A... args) {
         ++call_count_;
         if (inspect_) inspect_(args...);
-        if (!once_.empty()) {
-            const Answer answer = std::move(once_.front());
-            once_.pop_front();
+        if (played_ < once_.size()) {
+            // Out of the queue first: the answer may queue others.
+            const Answer answer = std::move(once_[played_++]);
             return answer(args...);
         }
         return always_ ? always_(args...) : R();
@@ -126,11 +126,12 @@ public:
 
     void Clear() override {
         once_.clear();
+        played_ = 0;
         always_ = nullptr;
         inspect_ = nullptr;
         call_count_ = 0;
     }
-    std::size_t AnswersLeft() const override { return once_.size(); }
+    std::size_t AnswersLeft() const override { return once_.size() - played_; }
 
 private:
     template <class T>
@@ -141,7 +142,8 @@ private:
         };
     }
 
-    std::deque<Answer> once_;
+    std::vector<Answer> once_;
+    std::size_t played_ = 0;  // how many of them
     Answer always_;
     Writer inspect_;
     std::size_t call_count_ = 0;
@@ -194,21 +196,32 @@ auto Records(std::initializer_list<T> records, std::optional<HX_U8> count = {}) 
     return Records(std::vector<T>(records), count);
 }
 
+namespace internal {
+
+// Writes records behind the header of a list reply; numReturned is the caller's word for it.
+template <class Request, class T>
+void WritePage(Request* request, std::span<const T> records, HX_U16 returned, HX_U16 next) {
+    auto& [header, items] = *request;
+    static_assert(std::is_same_v<std::remove_all_extents_t<decltype(items)>, T>,
+                  "the function lists other records");
+    header.numReturned = returned;
+    header.nextStartingIndex = next;
+    // The caller's room goes on behind the one record that the type shows.
+    std::byte* const room = reinterpret_cast<std::byte*>(request) + sizeof(RequestHeader);
+    if (!records.empty()) std::memcpy(room, records.data(), records.size_bytes());
+}
+
+}  // namespace internal
+
 /// Writes one page of a list: the records behind the header, nextStartingIndex, and as numReturned
 /// their number or, for a controller that lies, another one.
 template <class T>
 auto Page(HX_U16 next, const std::vector<T>& records, std::optional<HX_U16> returned = {}) {
     return [next, records, returned](HX_U8, auto* request) {
-        auto& [header, items] = *request;
-        static_assert(std::is_same_v<std::remove_all_extents_t<decltype(items)>, T>,
-                      "the function lists other records");
-        header.numReturned = returned.value_or(static_cast<HX_U16>(records.size()));
-        header.nextStartingIndex = next;
-        // The caller's room goes on behind the one record that the type shows.
-        if (!records.empty()) {
-            std::memcpy(reinterpret_cast<std::byte*>(request) + sizeof(RequestHeader),
-                        records.data(), records.size() * sizeof(T));
-        }
+        internal::WritePage(request,
+                            std::span<const T>(records),
+                            returned.value_or(static_cast<HX_U16>(records.size())),
+                            next);
     };
 }
 template <class T>
@@ -220,17 +233,18 @@ auto Page(HX_U16 next, std::initializer_list<T> records, std::optional<HX_U16> r
 /// On<&HX_LD_GetInfo>().Always(List(records)).
 template <class T>
 auto List(const std::vector<T>& records, HX_U16 page_limit = 65535) {
-    return [records, page_limit](HX_U8 adapter, auto* request) -> HX_U8 {
-        const std::size_t first =
-            std::min<std::size_t>(request->header.startingIndexOrId, records.size());
-        const std::size_t count = std::min<std::size_t>(
-            {records.size() - first, request->header.numRequested, page_limit});
-        const std::size_t end = first + count;
-        const HX_U16 next =
-            end == records.size() ? HX_U16{HX_LIST_COMPLETE} : static_cast<HX_U16>(end);
-        const auto begin = records.begin() + static_cast<std::ptrdiff_t>(first);
-        Page(next, std::vector<T>(begin, begin + static_cast<std::ptrdiff_t>(count)))(adapter,
-                                                                                      request);
+    return [records, page_limit](HX_U8, auto* request) -> HX_U8 {
+        const std::span<const T> all(records);
+        const auto rest =
+            all.subspan(std::min<std::size_t>(request->header.startingIndexOrId, all.size()));
+        const auto page = rest.first(
+            std::min<std::size_t>({rest.size(), request->header.numRequested, page_limit}));
+        const std::size_t left = rest.size() - page.size();
+        internal::WritePage(
+            request,
+            page,
+            static_cast<HX_U16>(page.size()),
+            left == 0 ? HX_U16{HX_LIST_COMPLETE} : static_cast<HX_U16>(all.size() - left));
         return HX_SUCCESS;
     };
 }
