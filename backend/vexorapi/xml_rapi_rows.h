@@ -36,10 +36,9 @@ inline constexpr XmlType kU8{"U8", 1}, kBOOL{"BOOL", 1}, kU16{"U16", 2}, kU32{"U
 inline constexpr XmlType kHX_U8{"HX_U8", 1}, kHX_BOOLEAN{"HX_BOOLEAN", 1}, kHX_U16{"HX_U16", 2},
     kHX_U32{"HX_U32", 4};
 
-// Never defined: a list of rows that comes to call one of these does not compile, and the
+// Never defined: a list of rows that comes to call it does not compile, and the
 // compiler's message names the reason.
 void TypeAndFieldDifferInWidth();
-void RecordsNestTooDeep();
 
 // Text that is known at compile time -----------------------------------------------------------
 
@@ -77,9 +76,16 @@ consteval auto MakeLiteral(Fill fill) {
     return text;
 }
 
+/// Copies a literal. In pieces, because compilers copy a few dozen bytes of known number in place
+/// and call a function for more.
 template <std::size_t n>
 [[gnu::always_inline]] inline char* PutLiteral(char* at, const std::array<char, n>& text) {
-    std::memcpy(at, text.data(), n);
+    constexpr std::size_t kPiece = 64;
+    [&]<std::size_t... i>(std::index_sequence<i...>) __attribute__((always_inline)) {
+        (std::memcpy(at + i * kPiece, text.data() + i * kPiece, kPiece), ...);
+    }
+    (std::make_index_sequence<n / kPiece>{});
+    std::memcpy(at + n / kPiece * kPiece, text.data() + n / kPiece * kPiece, n % kPiece);
     return at + n;
 }
 
@@ -114,6 +120,7 @@ auto NumberOf(const T& field) {
 /// A number. `type` is its name in the result.
 template <class R, class T, Form form>
 struct Column {
+    using Of = R;
     const char* name;
     const char* type;
     T R::*field;
@@ -131,7 +138,10 @@ struct Column {
         sink.Put(name);
         sink.Put(">\n");
     }
-    constexpr std::size_t ValueBound(int) const { return kDecimalBound<T> + kDigitSlack; }
+    template <int depth>
+    constexpr std::size_t ValueBound() const {
+        return kDecimalBound<T> + kDigitSlack;
+    }
 
     auto Value(const R& record) const {
         const auto value = NumberOf(record.*field);
@@ -232,6 +242,7 @@ void WriteItemsExact(XMLWR_Doc* doc, const char* name, const char* type, const T
 /// An array of numbers, always written in its full width.
 template <class R, class T, std::size_t n, LastBlank last_blank>
 struct ArrayColumn {
+    using Of = R;
     const char* name;
     const char* type;
     T (R::*field)[n];
@@ -240,7 +251,10 @@ struct ArrayColumn {
         ArrayHead(sink, depth, name, type, n);
     }
     constexpr void Tail(LiteralSink& sink, int depth) const { ArrayTail(sink, depth, name); }
-    constexpr std::size_t ValueBound(int) const { return n * (kDecimalBound<T> + 1) + kDigitSlack; }
+    template <int depth>
+    constexpr std::size_t ValueBound() const {
+        return n * (kDecimalBound<T> + 1) + kDigitSlack;
+    }
     template <int depth>
     [[gnu::always_inline]] char* Put(char* at, const R& record) const {
         at = PutItems(at, record.*field);
@@ -255,6 +269,7 @@ struct ArrayColumn {
 /// A text in a CDATA section, nothing escaped.
 template <class R, class C, std::size_t n, class Cleaner>
 struct TextColumn {
+    using Of = R;
     const char* name;
     C (R::*field)[n];
 
@@ -269,7 +284,10 @@ struct TextColumn {
         sink.Put(name);
         sink.Put(">\n");
     }
-    constexpr std::size_t ValueBound(int) const { return n + 1; }
+    template <int depth>
+    constexpr std::size_t ValueBound() const {
+        return n + 1;
+    }
     template <int depth>
     [[gnu::always_inline]] char* Put(char* at, const R& record) const {
         return Cleaner::Put(at, record.*field);
@@ -285,6 +303,7 @@ struct TextColumn {
 /// A text written bare, without a CDATA section: its readers rely on it holding no markup.
 template <class R, class C, std::size_t n>
 struct BareText {
+    using Of = R;
     const char* name;
     C (R::*field)[n];
 
@@ -299,7 +318,10 @@ struct BareText {
         sink.Put(name);
         sink.Put(">\n");
     }
-    constexpr std::size_t ValueBound(int) const { return n + 1; }
+    template <int depth>
+    constexpr std::size_t ValueBound() const {
+        return n + 1;
+    }
     template <int depth>
     [[gnu::always_inline]] char* Put(char* at, const R& record) const {
         return PlainText::Put(at, record.*field);
@@ -312,20 +334,19 @@ struct BareText {
     }
 };
 
-/// A record: the value of its element's type attribute, and its rows.
+/// A record: the value of its element's type attribute, and its rows, all over the same `R`.
 template <class R, class... Row>
 struct Record {
     using Type = R;
+    static constexpr std::size_t kRows = sizeof...(Row);
+
     const char* type;
     std::tuple<Row...> rows;
 
-    static constexpr std::size_t kRows = sizeof...(Row);
+    consteval explicit Record(const char* type_name, Row... row) : type(type_name), rows{row...} {}
 };
-
-template <class R, class... Row>
-consteval Record<R, Row...> MakeRecord(const char* type, Row... rows) {
-    return {type, {rows...}};
-}
+template <class First, class... Row>
+Record(const char*, First, Row...) -> Record<typename First::Of, First, Row...>;
 
 template <const auto& kRecord>
 using RecordType = typename std::remove_cvref_t<decltype(kRecord)>::Type;
@@ -337,7 +358,7 @@ inline constexpr std::size_t kRowBound = [] {
     LiteralSink sink;
     std::get<i>(kRecord.rows).Head(sink, depth);
     std::get<i>(kRecord.rows).Tail(sink, depth);
-    return sink.length + std::get<i>(kRecord.rows).ValueBound(depth);
+    return sink.length + std::get<i>(kRecord.rows).template ValueBound<depth>();
 }();
 
 template <const auto& kRecord, int depth>
@@ -367,7 +388,7 @@ inline constexpr auto kRowTail = MakeLiteral([](LiteralSink& sink) {
 // From the first row's value to the last one's; the gaps around them are the caller's.
 template <const auto& kRecord, int depth>
 [[gnu::always_inline]] inline char* PutRows(char* at, const RecordType<kRecord>& record) {
-    [&]<std::size_t... i>(std::index_sequence<i...>) {
+    [&]<std::size_t... i>(std::index_sequence<i...>) __attribute__((always_inline)) {
         ((at = i == 0 ? at : PutLiteral(at, kGap<kRecord, i, depth>),
           at = std::get<i>(kRecord.rows).template Put<depth>(at, record)),
          ...);
@@ -399,11 +420,24 @@ template <const auto& kRecord, int depth>
     (std::make_index_sequence<std::remove_cvref_t<decltype(kRecord)>::kRows>{});
 }
 
+/// The record within `R` that a nested element shows: a field, or (for rows over the same record) R
+/// itself.
+template <class Inner, class R>
+struct InnerField {
+    Inner R::*field;
+    const Inner& operator()(const R& record) const { return record.*field; }
+};
+template <class R>
+struct InnerSelf {
+    const R& operator()(const R& record) const { return record; }
+};
+
 /// A record within a record.
-template <const auto& kInner, class R>
+template <const auto& kInner, class R, class Inner>
 struct Nested {
+    using Of = R;
     const char* name;
-    RecordType<kInner> R::*field;
+    Inner inner;
 
     constexpr void Head(LiteralSink& sink, int depth) const {
         sink.Indent(depth);
@@ -422,29 +456,51 @@ struct Nested {
         sink.Put(name);
         sink.Put(">\n");
     }
-    constexpr std::size_t ValueBound(int depth) const { return BoundAt<kListDepth>(depth); }
+    template <int depth>
+    constexpr std::size_t ValueBound() const {
+        return kRowsBound<kInner, depth + 1>;
+    }
     template <int depth>
     [[gnu::always_inline]] char* Put(char* at, const R& record) const {
-        return PutRows<kInner, depth + 1>(at, record.*field);
+        return PutRows<kInner, depth + 1>(at, inner(record));
     }
     template <int depth>
     void WriteExact(XMLWR_Doc* doc, const R& record) const {
         XMLWR_ElmtStartPrintf(doc, 0, name, " %s=\"%s\"", "type", kInner.type);
-        WriteRowsNearEnd<kInner, depth == kAnyDepth ? kAnyDepth : depth + 1>(doc, record.*field);
+        WriteRowsNearEnd<kInner, depth == kAnyDepth ? kAnyDepth : depth + 1>(doc, inner(record));
         XMLWR_ElmtEnd(doc, 0, name);
     }
+};
 
-private:
-    // ValueBound's depth is a value, the rows' bound wants a constant: the few that occur are
-    // tried.
+/// A number that is not stored but computed from the record by `value`, which gives one byte.
+template <class R, class Value>
+struct ComputedByte {
+    using Of = R;
+    const char* name;
+    Value value;
+
+    constexpr void Head(LiteralSink& sink, int depth) const {
+        sink.Indent(depth);
+        sink.Put("<");
+        sink.Put(name);
+        sink.Put(" type=\"U8\">");
+    }
+    constexpr void Tail(LiteralSink& sink, int) const {
+        sink.Put("</");
+        sink.Put(name);
+        sink.Put(">\n");
+    }
     template <int depth>
-    static constexpr std::size_t BoundAt(int wanted) {
-        if constexpr (depth > kListDepth + 3) {
-            RecordsNestTooDeep();
-            return 0;
-        } else {
-            return wanted == depth ? kRowsBound<kInner, depth + 1> : BoundAt<depth + 1>(wanted);
-        }
+    constexpr std::size_t ValueBound() const {
+        return kDecimalBound<HX_U8> + kDigitSlack;
+    }
+    template <int depth>
+    [[gnu::always_inline]] char* Put(char* at, const R& record) const {
+        return PutDecimal(at, static_cast<HX_U8>(value(record)));
+    }
+    template <int depth>
+    void WriteExact(XMLWR_Doc* doc, const R& record) const {
+        XML_RA_ElmtNonArrayData(doc, name, "U8", "%u", static_cast<unsigned>(value(record)));
     }
 };
 
@@ -464,6 +520,14 @@ consteval Column<R, T, Form::Decimal> Col(const char* name, XmlType type, T R::*
 template <class R, class T, std::size_t n>
 consteval ArrayColumn<R, T, n, LastBlank::No> Col(const char* name, XmlType type,
                                                   T (R::*field)[n]) {
+    CheckWidth<T>(type);
+    return {name, type.name, field};
+}
+
+/// An array of numbers whose last item is followed by a blank, too.
+template <class R, class T, std::size_t n>
+consteval ArrayColumn<R, T, n, LastBlank::Yes> ColWithLastBlank(const char* name, XmlType type,
+                                                                T (R::*field)[n]) {
     CheckWidth<T>(type);
     return {name, type.name, field};
 }
@@ -496,10 +560,24 @@ consteval BareText<R, C, n> Bare(const char* name, C (R::*field)[n]) {
     return {name, field};
 }
 
+/// One byte, computed from the record.
+template <class R, class Value>
+consteval ComputedByte<R, Value> Computed(const char* name, Value value) {
+    return {name, value};
+}
+
 /// A record element within the record.
 template <const auto& kInner, class R>
-consteval Nested<kInner, R> Nest(const char* name, RecordType<kInner> R::*field) {
-    return {name, field};
+consteval Nested<kInner, R, InnerField<RecordType<kInner>, R>> Nest(const char* name,
+                                                                    RecordType<kInner> R::*field) {
+    return {name, {field}};
+}
+
+/// A record element that shows other rows of the same record.
+template <const auto& kInner>
+consteval Nested<kInner, RecordType<kInner>, InnerSelf<RecordType<kInner>>> NestSelf(
+    const char* name) {
+    return {name, {}};
 }
 
 // Lists of records -----------------------------------------------------------------------------

@@ -47,6 +47,36 @@ struct PlainText {
     }
 };
 
+/// The end of the text without its trailing blanks, which are all that trim removes.
+[[gnu::always_inline]] inline char* WithoutTrailingBlanks(char* at, char* end) {
+    while (end != at && end[-1] == ' ') --end;
+    return end;
+}
+
+/// A disk's text: trailing blanks removed, leading ones kept.
+struct TrimmedText {
+    template <class C, std::size_t n>
+    static char* Put(char* at, const C (&field)[n]) {
+        return WithoutTrailingBlanks(at, PlainText::Put(at, field));
+    }
+};
+
+/// A disk's model: trimmed, then without its first word, the maker's name; a text of one word
+/// stays.
+struct ModelText {
+    template <class C, std::size_t n>
+    static char* Put(char* at, const C (&field)[n]) {
+        char* const end = TrimmedText::Put(at, field);
+        for (char* blank = at; blank != end; ++blank) {
+            if (*blank != ' ') continue;
+            const auto rest = static_cast<std::size_t>(end - blank - 1);
+            std::memmove(at, blank + 1, rest);
+            return at + rest;
+        }
+        return end;
+    }
+};
+
 /// Copies exactly `len` characters of `_field` to `_tmp`, which holds len + 1, and terminates them.
 /// A field that begins with "0" gives the empty text.
 inline void digit_to_str(char* _tmp, const HX_U8* _field, int len) {
