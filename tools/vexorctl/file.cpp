@@ -35,8 +35,9 @@ int Open(const char* path, FileKind kind) {
 
 }  // namespace
 
-FileError::FileError(int number)
-    : std::runtime_error(number == 0 ? "File too large" : std::strerror(number)), error(number) {}
+FileError::FileError(int number) : FileError(number, std::strerror(number)) {}
+
+FileError::FileError(int number, const char* reason) : std::runtime_error(reason), error(number) {}
 
 std::string ReadFile(const char* path, FileKind kind, std::size_t limit) {
     const Descriptor file(Open(path, kind));
@@ -45,7 +46,7 @@ std::string ReadFile(const char* path, FileKind kind, std::size_t limit) {
         struct stat status;
         if (fstat(file.number(), &status) != 0) throw FileError(errno);
         if (S_ISDIR(status.st_mode)) throw FileError(EISDIR);
-        if (!S_ISREG(status.st_mode)) throw FileError(EINVAL);
+        if (!S_ISREG(status.st_mode)) throw FileError(EINVAL, "Not a regular file");
     }
     std::string bytes;
     for (;;) {
@@ -57,7 +58,7 @@ std::string ReadFile(const char* path, FileKind kind, std::size_t limit) {
         } while (count < 0 && errno == EINTR);
         if (count < 0) throw FileError(errno);
         bytes.resize(filled + static_cast<std::size_t>(count));
-        if (bytes.size() > limit) throw FileError(0);
+        if (bytes.size() > limit) throw FileError(EFBIG);
         if (count == 0) return bytes;
     }
 }

@@ -26,7 +26,7 @@ void CheckConfiguration() {
         text = ReadFile(path.c_str(), FileKind::kRegular, kMaxConfiguration);
     } catch (const FileError& failure) {
         if (failure.error == ENOENT || failure.error == ENOTDIR) return;
-        if (failure.error == 0) {
+        if (failure.error == EFBIG) {
             throw Unavailable(path, "configuration too large: more than " +
                                         std::to_string(kMaxConfiguration) + " bytes");
         }
