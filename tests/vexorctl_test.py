@@ -1,0 +1,692 @@
+#!/usr/bin/env python3
+"""vexorctl does what its help says: run as a program, over the virtual controller, in a temporary root.
+
+Two libraries of the tests' own take part: a library that fails as the real one cannot be made to
+fail, and another controller library. Each is put first with LD_LIBRARY_PATH.
+
+usage: vexorctl_test.py VEXORCTL FAILING_LIBRARY_FOLDER OTHER_CONTROLLER_FOLDER [TEST]...
+"""
+
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+HERE = pathlib.Path(__file__).resolve().parent
+TREE = HERE.parent
+EXAMPLES = TREE / "examples" / "commands"
+MANUAL = TREE / "docs" / "vexorctl.md"
+RESULTS = HERE / "data" / "vexorctl"
+
+VERSION_COMMAND = '<HX_API_Version type="function"/>'
+VERSION_RESULT = (
+    '<HX_API_Version type="function">\n'
+    '  <RetVal type="string">1.2.0 (virtual controller)</RetVal>\n'
+    "</HX_API_Version>\n"
+)
+COUNT_RESULT = (
+    '<HX_Adapter_GetCount type="function">\n'
+    '  <RetVal type="U8">2</RetVal>\n'
+    "</HX_Adapter_GetCount>\n"
+)
+SEE_HELP = " (see vexorctl --help)\n"
+
+# Set from the command line.
+VEXORCTL = ""
+FAILING_LIBRARY = ""
+OTHER_CONTROLLER = ""
+
+
+class Run:
+    """What one run of vexorctl printed and returned."""
+
+    def __init__(self, root, arguments, stdin=b"", stdout=subprocess.PIPE, **environment):
+        clean = {k: v for k, v in os.environ.items() if k != "LD_LIBRARY_PATH"}
+        process = subprocess.run(
+            [VEXORCTL, *arguments],
+            input=stdin,
+            stdout=stdout,
+            stderr=subprocess.PIPE,
+            cwd=root,
+            env={**clean, "VEXORAPI_ROOT": str(root), **environment},
+            timeout=60,
+            check=False,
+        )
+        self.out = (process.stdout or b"").decode()
+        self.err = process.stderr.decode()
+        self.code = process.returncode
+
+
+class VexorctlTest(unittest.TestCase):
+    """A temporary folder that is the root of the file system and the working directory."""
+
+    maxDiff = None
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="vexorctl-test-")
+        self.addCleanup(folder.cleanup)
+        self.root = pathlib.Path(folder.name)
+
+    def write(self, name, content):
+        path = self.root / name
+        path.write_bytes(content if isinstance(content, bytes) else content.encode())
+        return name
+
+    def vexorctl(self, *arguments, **more):
+        return Run(self.root, arguments, **more)
+
+    def expect(self, run, code, out, err):
+        self.assertEqual(run.out, out)
+        self.assertEqual(run.err, err)
+        self.assertEqual(run.code, code)
+
+    def xml(self, command, **more):
+        """Sends the text from a file called command.xml."""
+        return self.vexorctl("xml", self.write("command.xml", command), **more)
+
+    def over_failing_library(self, way, *arguments, **more):
+        return self.vexorctl(*arguments, STANDIN=way, LD_LIBRARY_PATH=FAILING_LIBRARY, **more)
+
+    def answered(self, result, *arguments, **more):
+        """Runs over a library that has this result for every command."""
+        return self.over_failing_library("", *arguments, STANDIN_RESULT=result, **more)
+
+
+class Xml(VexorctlTest):
+    def test_every_example_has_its_literal_result(self):
+        names = sorted(path.name for path in EXAMPLES.iterdir())
+        self.assertEqual(names, sorted(path.name for path in RESULTS.iterdir()))
+        self.assertGreaterEqual(len(names), 5)
+        for name in names:
+            with self.subTest(example=name):
+                run = self.vexorctl("xml", str(EXAMPLES / name))
+                self.expect(run, 0, (RESULTS / name).read_text(), "")
+
+    def test_without_a_file_reads_standard_input(self):
+        run = self.vexorctl("xml", stdin=VERSION_COMMAND.encode())
+        self.expect(run, 0, VERSION_RESULT, "")
+
+    def test_a_dash_is_standard_input(self):
+        run = self.vexorctl("xml", "-", stdin=VERSION_COMMAND.encode())
+        self.expect(run, 0, VERSION_RESULT, "")
+
+    def test_several_files_run_in_order(self):
+        self.write("version.xml", VERSION_COMMAND)
+        self.write("count.xml", '<HX_Adapter_GetCount type="function"/>')
+        run = self.vexorctl("xml", "version.xml", "count.xml", "version.xml")
+        self.expect(run, 0, VERSION_RESULT + COUNT_RESULT + VERSION_RESULT, "")
+
+    def test_files_may_have_the_names_of_commands_options_and_lists(self):
+        names = ["call", "xml", "++", "[a,b]", "x[b]", "-h", "--", "\x01"]
+        for name in names:
+            self.write(name, VERSION_COMMAND)
+        run = self.vexorctl("xml", *names[:5], names[7], "--", *names[5:7])
+        self.expect(run, 0, VERSION_RESULT * 8, "")
+
+    def test_a_byte_order_mark_and_another_encoding_are_left_to_the_parser(self):
+        run = self.xml(b"\xef\xbb\xbf" + VERSION_COMMAND.encode())
+        self.expect(run, 0, VERSION_RESULT, "")
+        latin1 = '<?xml version="1.0" encoding="ISO-8859-1"?><!-- \xe9 -->' + VERSION_COMMAND
+        self.expect(self.xml(latin1.encode("latin-1")), 0, VERSION_RESULT, "")
+
+    def test_an_unknown_function_is_declined(self):
+        run = self.xml('<hx_api_version type="function"/>')
+        self.expect(
+            run,
+            6,
+            "",
+            'vexorctl: command.xml: declined: no function is named "hx_api_version"; '
+            "check the root element's name, letter case included\n",
+        )
+
+    def test_a_root_without_the_type_of_a_function_is_declined(self):
+        for attribute in ("", ' type="struct"', ' Type="function"', ' type="Function"'):
+            with self.subTest(attribute=attribute):
+                self.expect(
+                    self.xml(f"<HX_API_Version{attribute}/>"),
+                    6,
+                    "",
+                    'vexorctl: command.xml: declined: check the root element "HX_API_Version": '
+                    'it lacks the attribute type="function"\n',
+                )
+
+    def test_a_malformed_command_is_told_with_its_line_and_reason(self):
+        for command, where in (
+            ('<HX_Adapter_GetInfo type="function">\n<AdapterID>\n</HX_Adapter_GetInfo>\n',
+             "3: mismatched tag"),
+            (" \n\n", "3: no element found"),
+            (VERSION_COMMAND + "\n" + VERSION_COMMAND, "2: junk after document element"),
+            ("<a>\n&b;</a>", "2: undefined entity"),
+            (b"<a>\xff</a>", "1: not well-formed (invalid token)"),
+        ):
+            with self.subTest(command=command):
+                self.expect(
+                    self.xml(command), 6, "", f"vexorctl: command.xml: malformed: {where}\n"
+                )
+
+    def test_standard_input_is_called_so(self):
+        run = self.vexorctl("xml", "-", stdin=b"<a>")
+        self.expect(run, 6, "", "vexorctl: standard input: malformed: 1: no element found\n")
+
+    def test_an_empty_command_is_called_so(self):
+        self.expect(self.xml(""), 6, "", "vexorctl: command.xml: empty command\n")
+
+    def test_a_nul_byte_is_refused_wherever_it_stands(self):
+        for command, line in (
+            (VERSION_COMMAND.encode() + b"\0", 1),
+            (VERSION_COMMAND.encode() + b"\n\n\0garbage", 3),
+            (VERSION_COMMAND.encode("utf-16"), 1),
+            (b"\0", 1),
+        ):
+            with self.subTest(command=command):
+                self.expect(
+                    self.xml(command),
+                    6,
+                    "",
+                    f"vexorctl: command.xml: malformed: {line}: "
+                    "NUL byte, where the library would stop reading\n",
+                )
+
+    def test_256_declarations_are_taken_and_257_are_not(self):
+        def declaring(count, form):
+            items = "".join(form.format(number) for number in range(count))
+            return f"<!DOCTYPE HX_API_Version [{items}]>{VERSION_COMMAND}"
+
+        for form in (
+            "<!ENTITY e{} 'x'>",
+            "<!ELEMENT e{} ANY>",
+            "<!ATTLIST e{} a CDATA #IMPLIED>",
+            "<!NOTATION e{} SYSTEM 'x'>",
+        ):
+            with self.subTest(form=form):
+                self.expect(self.xml(declaring(256, form)), 0, VERSION_RESULT, "")
+                self.expect(
+                    self.xml(declaring(257, form)),
+                    6,
+                    "",
+                    "vexorctl: command.xml: document type with more than 256 declarations\n",
+                )
+
+    def test_a_chain_of_entities_ends_with_a_message(self):
+        chain = "<!ENTITY e0 'x'>" + "".join(
+            f"<!ENTITY e{number + 1} '&e{number};'>" for number in range(50000)
+        )
+        run = self.xml(f"<!DOCTYPE a [{chain}]><a>&e50000;</a>")
+        self.expect(
+            run,
+            6,
+            "",
+            "vexorctl: command.xml: document type with more than 256 declarations\n",
+        )
+
+    def test_a_file_that_cannot_be_read_is_wrong_usage(self):
+        for name, reason in (
+            ("absent.xml", "absent.xml: No such file or directory"),
+            (".", ".: Is a directory"),
+            ("", '"": No such file or directory'),
+            ("a\nb", "a?b: No such file or directory"),
+        ):
+            with self.subTest(name=name):
+                self.expect(self.vexorctl("xml", name), 2, "", f"vexorctl: {reason}\n")
+
+    def test_a_refusal_prints_the_result_and_says_so(self):
+        run = self.xml('<HX_Adapter_GetInfo type="function"><AdapterID>2</AdapterID>'
+                       "</HX_Adapter_GetInfo>")
+        self.expect(
+            run,
+            1,
+            '<HX_Adapter_GetInfo type="function">\n'
+            '  <RetVal type="U8">201</RetVal>\n'
+            '  <Count type="U8">0</Count>\n'
+            "</HX_Adapter_GetInfo>\n",
+            "vexorctl: command.xml: refused: HX_Adapter_GetInfo answered RetVal 201\n",
+        )
+
+    def test_a_lost_result_is_told(self):
+        self.expect(
+            self.answered("", "call", "X"),
+            6,
+            "",
+            "vexorctl: X: result did not fit, or there was no memory for it\n",
+        )
+
+    def test_a_result_that_was_cut_is_printed_and_told(self):
+        cut = '<X type="function">\n  <RetVal type="U8">0</RetVal>\n  <Item>'
+        self.expect(
+            self.answered(cut, "call", "X"),
+            6,
+            cut + "\n",
+            "vexorctl: X: result is not well-formed: 3: no element found\n",
+        )
+
+    def test_a_refusal_in_a_cut_result_is_told_too(self):
+        cut = '<X type="function">\n  <RetVal type="U8">7</RetVal>\n  <Item>'
+        self.expect(
+            self.answered(cut, "call", "X"),
+            6,
+            cut + "\n",
+            "vexorctl: X: refused: X answered RetVal 7\n"
+            "vexorctl: X: result is not well-formed: 3: no element found\n",
+        )
+
+    def test_the_largest_result_is_printed_whole(self):
+        run = self.over_failing_library("largest result", "call", "X")
+        self.expect(run, 0, "<Large>" + " " * (524287 - 15) + "</Large>\n", "")
+
+    def test_a_well_formed_command_that_is_not_read_means_no_memory(self):
+        self.write("command.xml", "<a/>")
+        self.expect(
+            self.over_failing_library("no memory", "xml", "command.xml"),
+            5,
+            "",
+            "vexorctl: command.xml: not enough memory\n",
+        )
+
+
+class SeveralCommands(VexorctlTest):
+    def setUp(self):
+        super().setUp()
+        self.write("done", VERSION_COMMAND)
+        self.write("refused", '<HX_Adapter_GetInfo type="function"><AdapterID>9</AdapterID>'
+                              "</HX_Adapter_GetInfo>")
+        self.write("malformed", "<a>")
+
+    def test_the_most_serious_exit_code_counts_in_any_order(self):
+        for names, code in (
+            (("done", "done"), 0),
+            (("done", "refused"), 1),
+            (("refused", "malformed"), 6),
+            (("malformed", "unreadable"), 2),
+            (("refused", "unreadable"), 2),
+            (("done", "refused", "malformed", "unreadable"), 2),
+        ):
+            with self.subTest(names=names):
+                self.assertEqual(self.vexorctl("xml", *names).code, code)
+                self.assertEqual(self.vexorctl("xml", *reversed(names)).code, code)
+
+    def test_a_failing_one_hides_none_of_the_others(self):
+        run = self.vexorctl("xml", "unreadable", "done", "malformed", "done")
+        self.expect(
+            run,
+            2,
+            VERSION_RESULT * 2,
+            "vexorctl: unreadable: No such file or directory\n"
+            "vexorctl: malformed: malformed: 1: no element found\n",
+        )
+
+    def test_results_and_failures_stay_in_order_where_they_go_to_one_place(self):
+        script = 'exec "$0" xml done malformed refused unreadable done 2>&1'
+        process = subprocess.run(
+            ["sh", "-c", script, VEXORCTL],
+            stdout=subprocess.PIPE,
+            cwd=self.root,
+            env={**os.environ, "VEXORAPI_ROOT": str(self.root)},
+            timeout=60,
+            check=False,
+        )
+        self.assertEqual(
+            process.stdout.decode(),
+            VERSION_RESULT
+            + "vexorctl: malformed: malformed: 1: no element found\n"
+            + '<HX_Adapter_GetInfo type="function">\n'
+            + '  <RetVal type="U8">201</RetVal>\n'
+            + '  <Count type="U8">0</Count>\n'
+            + "</HX_Adapter_GetInfo>\n"
+            + "vexorctl: refused: refused: HX_Adapter_GetInfo answered RetVal 201\n"
+            + "vexorctl: unreadable: No such file or directory\n"
+            + VERSION_RESULT,
+        )
+
+    def test_the_library_is_initialised_before_the_first_and_shut_down_after_the_last(self):
+        log = self.root / "calls"
+        self.write("one", "<one/>")
+        self.write("two", "<two/>")
+        self.answered("<X/>", "xml", "one", "unreadable", "two", STANDIN_LOG=str(log))
+        self.assertEqual(
+            log.read_text(),
+            "vexorApiInit(, 0)\n"
+            "vexorApi(<one/>, 524288)\n"
+            "vexorApi(<two/>, 524288)\n"
+            "vexorApiShutdown(, 0)\n",
+        )
+
+
+class Call(VexorctlTest):
+    def sent(self, *arguments):
+        """The command's text as the library received it."""
+        log = self.root / "commands"
+        self.write(
+            "vexorapi.ini",
+            '<config><XmlWrapperLogConfig type="config" InLogEnable="1" OutLogEnable="0" '
+            f'Filename="{log}"/></config>',
+        )
+        self.vexorctl("call", *arguments)
+        text = log.read_bytes().decode()
+        self.assertTrue(text.startswith("XMLCmd = ") and text.endswith("\n"), text)
+        return text[len("XMLCmd = ") : -1]
+
+    def test_prints_the_result(self):
+        run = self.vexorctl("call", "HX_Adapter_GetInfo", "AdapterID=0")
+        self.expect(run, 0, (RESULTS / "adapter-info.xml").read_text(), "")
+
+    def test_255_asks_every_adapter(self):
+        run = self.vexorctl("call", "HX_Adapter_GetInfo", "AdapterID=255")
+        self.expect(run, 0, (RESULTS / "adapter-info-all.xml").read_text(), "")
+
+    def test_without_fields_sends_the_name_alone(self):
+        self.assertEqual(
+            self.sent("HX_API_Version"), '<HX_API_Version type="function"></HX_API_Version>'
+        )
+
+    def test_sends_the_fields_in_order_repeated_ones_too(self):
+        self.assertEqual(
+            self.sent("HX_X", "b=1", "a=2", "b=3"),
+            '<HX_X type="function"><b>1</b><a>2</a><b>3</b></HX_X>',
+        )
+
+    def test_takes_all_behind_the_first_equals_sign_as_the_value(self):
+        self.assertEqual(
+            self.sent("X", "a=", "b==", "c=d=e", "f=[1,2]", "g= 3 4 "),
+            '<X type="function"><a></a><b>=</b><c>d=e</c><f>[1,2]</f><g> 3 4 </g></X>',
+        )
+
+    def test_escapes_what_would_be_markup(self):
+        self.assertEqual(
+            self.sent("X", "a=</a><b>&amp;]]>\"'"),
+            '<X type="function"><a>&lt;/a&gt;&lt;b&gt;&amp;amp;]]&gt;"\'</a></X>',
+        )
+
+    def test_keeps_line_ends_and_other_letters(self):
+        self.assertEqual(
+            self.sent("X", "a=1\r\n\t2", "na\u00efve=\u00fc\u20ac"),
+            '<X type="function"><a>1&#13;\n\t2</a><na\u00efve>\u00fc\u20ac</na\u00efve></X>',
+        )
+
+    def test_an_unknown_name_is_declined(self):
+        self.expect(
+            self.vexorctl("call", "HX_Nothing"),
+            6,
+            "",
+            'vexorctl: HX_Nothing: declined: no function is named "HX_Nothing"; '
+            "check the root element's name, letter case included\n",
+        )
+
+    def test_a_refusal_is_told_under_the_functions_name(self):
+        run = self.vexorctl("call", "HX_Adapter_GetInfo", "AdapterID=7")
+        self.assertEqual(run.code, 1)
+        self.assertEqual(
+            run.err,
+            "vexorctl: HX_Adapter_GetInfo: refused: HX_Adapter_GetInfo answered RetVal 201\n",
+        )
+
+    def test_what_is_no_element_name_is_wrong_usage(self):
+        for name in ("", "a b", "1a", "-a", "a/><b", "a>", 'a b="c"', "a\n", "x" * 1024, "a=b"):
+            with self.subTest(name=name):
+                shown = name.replace("\n", "?")
+                self.expect(
+                    self.vexorctl("call", "--", name),
+                    2,
+                    "",
+                    f'vexorctl: "{shown}" cannot be the name of an element' + SEE_HELP,
+                )
+
+    def test_a_field_that_is_no_element_name_is_wrong_usage(self):
+        for field, name in (("=5", ""), ("a b=1", "a b"), ("[a=1]", "[a"), ("a/><b=1", "a/><b")):
+            with self.subTest(field=field):
+                self.expect(
+                    self.vexorctl("call", "HX_API_Version", field),
+                    2,
+                    "",
+                    f'vexorctl: "{name}" cannot be the name of an element' + SEE_HELP,
+                )
+
+    def test_a_field_without_an_equals_sign_is_wrong_usage(self):
+        self.expect(
+            self.vexorctl("call", "HX_API_Version", "a=1", "AdapterID", "b=2"),
+            2,
+            "",
+            'vexorctl: "AdapterID" is not of the form field=value' + SEE_HELP,
+        )
+
+    def test_a_value_that_xml_cannot_hold_is_wrong_usage(self):
+        for value in (b"\x01", b"a\x1b[0m", b"\xff", b"\xc3", b"\xed\xa0\x80", b"\xef\xbf\xbe"):
+            with self.subTest(value=value):
+                self.expect(
+                    self.vexorctl("call", "HX_API_Version", b"Name=" + value),
+                    2,
+                    "",
+                    'vexorctl: the value of "Name" cannot be sent: '
+                    "it is not UTF-8 or holds control characters" + SEE_HELP,
+                )
+
+
+class RetVal(VexorctlTest):
+    """Which results count as a refusal."""
+
+    def test_a_version_text_is_no_status(self):
+        self.assertEqual(self.vexorctl("call", "HX_API_Version").code, 0)
+
+    def test_a_number_of_adapters_is_no_status(self):
+        self.expect(self.vexorctl("call", "HX_Adapter_GetCount"), 0, COUNT_RESULT, "")
+
+    def test_the_change_counters_constant_is_no_status(self):
+        result = (
+            '<VX_HX_EVT_GetChangeCounters type="function">\n'
+            '  <RetVal type="U8">1</RetVal>\n'
+            "</VX_HX_EVT_GetChangeCounters>"
+        )
+        run = self.answered(result, "call", "VX_HX_EVT_GetChangeCounters")
+        self.expect(run, 0, result + "\n", "")
+
+    def test_any_other_number_is_a_status(self):
+        for status in ("1", "42", "255"):
+            with self.subTest(status=status):
+                result = f'<X type="function">\n  <RetVal type="U8">{status}</RetVal>\n</X>'
+                self.expect(
+                    self.answered(result, "call", "X"),
+                    1,
+                    result + "\n",
+                    f"vexorctl: X: refused: X answered RetVal {status}\n",
+                )
+
+    def test_a_number_in_a_text_is_no_status(self):
+        result = '<X type="function"><RetVal type="string">7</RetVal></X>'
+        self.expect(self.answered(result, "call", "X"), 0, result + "\n", "")
+
+    def test_a_retval_deeper_in_the_result_is_no_status(self):
+        result = '<X type="function"><Y><RetVal type="U8">7</RetVal></Y></X>'
+        self.expect(self.answered(result, "call", "X"), 0, result + "\n", "")
+
+    def test_a_result_without_one_is_a_success(self):
+        result = '<X type="function">\n</X>'
+        self.expect(self.answered(result, "call", "X"), 0, result + "\n", "")
+
+    def test_zero_is_success(self):
+        run = self.vexorctl("call", "VX_Module_GetInfo")
+        self.expect(run, 0, (RESULTS / "module-info.xml").read_text(), "")
+
+
+class Usage(VexorctlTest):
+    def test_help_shows_every_exit_code(self):
+        codes = (
+            "\nExit codes, the most serious last; "
+            "with several commands the most serious one counts:\n"
+            "  0  done\n"
+            "  1  the controller refused: its RetVal is not 0\n"
+            "  6  the command was declined or malformed, or its result did not fit\n"
+            "  2  wrong usage, or a file that cannot be read\n"
+            "  5  the library, its configuration or standard output cannot be used\n"
+        )
+        for arguments in (["--help"], ["-h"], ["xml", "--help"], ["call", "--help"]):
+            with self.subTest(arguments=arguments):
+                run = self.vexorctl(*arguments)
+                self.assertIn("Usage: vexorctl", run.out)
+                self.assertTrue(run.out.endswith(codes), run.out)
+                self.assertEqual((run.code, run.err), (0, ""))
+
+    def test_version_prints_one_line(self):
+        self.expect(self.vexorctl("--version"), 0, "vexorctl 1.2.0\n", "")
+
+    def test_wrong_usage_is_one_line_and_runs_nothing(self):
+        self.write("command", VERSION_COMMAND)
+        for arguments, complaint in (
+            ([], "a command is missing"),
+            (["xlm"], "The following argument was not expected: xlm"),
+            (["--verbose"], "The following argument was not expected: --verbose"),
+            (["xml", "command", "-x"], "The following argument was not expected: -x"),
+            (["call"], "NAME is required"),
+            (["call", "HX_API_Version", "--now"],
+             "The following argument was not expected: --now"),
+        ):
+            with self.subTest(arguments=arguments):
+                self.expect(
+                    self.vexorctl(*arguments), 2, "", f"vexorctl: {complaint}{SEE_HELP}"
+                )
+
+
+class Unavailable(VexorctlTest):
+    def expect_configuration(self, complaint):
+        self.write("command", VERSION_COMMAND)
+        self.expect(
+            self.vexorctl("xml", "command"),
+            5,
+            "",
+            f"vexorctl: {self.root}/vexorapi.ini: configuration {complaint}\n",
+        )
+
+    def test_a_malformed_configuration_is_refused_with_its_line_and_reason(self):
+        self.write("vexorapi.ini", "<config>\n  <EventLogConfig>\n</config>\n")
+        self.expect_configuration("malformed: 3: mismatched tag")
+
+    def test_a_configuration_of_65536_bytes_is_too_large(self):
+        self.write("vexorapi.ini", "<config/>" + " " * (65536 - 9))
+        self.expect_configuration("too large: more than 65535 bytes")
+
+    def test_a_configuration_of_65535_bytes_is_not(self):
+        self.write("vexorapi.ini", "<config/>" + " " * (65535 - 9))
+        self.assertEqual(self.vexorctl("call", "HX_API_Version").code, 0)
+
+    def test_a_configuration_with_257_declarations_is_refused(self):
+        items = "".join(f"<!ENTITY e{number} 'x'>" for number in range(257))
+        self.write("vexorapi.ini", f"<!DOCTYPE config [{items}]><config/>")
+        self.expect_configuration("with more than 256 declarations in its document type")
+
+    def test_a_configuration_that_is_a_folder_cannot_be_read(self):
+        (self.root / "vexorapi.ini").mkdir()
+        self.expect_configuration("cannot be read: Is a directory")
+
+    def test_a_configuration_that_is_a_fifo_cannot_be_read_and_never_blocks(self):
+        os.mkfifo(self.root / "vexorapi.ini")
+        self.expect_configuration("cannot be read: Not a regular file")
+
+    def test_a_configuration_that_is_a_loop_of_links_cannot_be_read(self):
+        (self.root / "vexorapi.ini").symlink_to("vexorapi.ini")
+        self.expect_configuration("cannot be read: Too many levels of symbolic links")
+
+    @unittest.skipIf(os.geteuid() == 0, "root reads every file")
+    def test_a_configuration_without_permission_cannot_be_read(self):
+        self.write("vexorapi.ini", "<config/>")
+        (self.root / "vexorapi.ini").chmod(0)
+        self.expect_configuration("cannot be read: Permission denied")
+
+    def test_an_absent_or_empty_configuration_is_none(self):
+        self.assertEqual(self.vexorctl("call", "HX_API_Version").code, 0)
+        self.write("vexorapi.ini", "")
+        self.assertEqual(self.vexorctl("call", "HX_API_Version").code, 0)
+
+    def test_a_library_that_does_not_start_is_told_and_nothing_is_sent(self):
+        log = self.root / "calls"
+        run = self.over_failing_library("no start", "call", "HX_API_Version", STANDIN_LOG=str(log))
+        self.expect(run, 5, "", "vexorctl: the library cannot be initialised\n")
+        self.assertEqual(log.read_text(), "vexorApiInit(, 0)\n")
+
+    def test_full_standard_output_ends_the_run_before_the_next_command(self):
+        log = self.root / "calls"
+        self.write("command", "<a/>")
+        with open("/dev/full", "wb") as full:
+            run = self.answered(
+                "<X/>", "xml", "command", "command", stdout=full, STANDIN_LOG=str(log)
+            )
+        self.expect(run, 5, "", "vexorctl: standard output: No space left on device\n")
+        self.assertEqual(log.read_text().count("vexorApi(<a/>"), 1)
+        self.assertTrue(log.read_text().endswith("vexorApiShutdown(, 0)\n"))
+
+    def test_help_into_full_standard_output_fails(self):
+        with open("/dev/full", "wb") as full:
+            run = self.vexorctl("--help", stdout=full)
+        self.expect(run, 5, "", "vexorctl: standard output: cannot be written\n")
+
+
+class LoadOrder(VexorctlTest):
+    """A controller library that is found first takes the virtual one's place."""
+
+    def other(self, *arguments):
+        return self.vexorctl("call", *arguments, LD_LIBRARY_PATH=OTHER_CONTROLLER)
+
+    def test_the_other_library_answers(self):
+        self.expect(
+            self.other("HX_API_Version"),
+            0,
+            '<HX_API_Version type="function">\n'
+            '  <RetVal type="string">another controller library</RetVal>\n'
+            "</HX_API_Version>\n",
+            "",
+        )
+
+    def test_the_other_library_refuses_with_its_own_code(self):
+        run = self.other("HX_Adapter_GetInfo", "AdapterID=0")
+        self.assertEqual(run.code, 1)
+        self.assertEqual(
+            run.err,
+            "vexorctl: HX_Adapter_GetInfo: refused: HX_Adapter_GetInfo answered RetVal 9\n",
+        )
+
+
+def transcript(text):
+    """The (command, output) pairs of the manual's console blocks."""
+    pairs = []
+    for block in text.split("```console\n")[1:]:
+        for line in block.split("```")[0].splitlines(keepends=True):
+            if line.startswith("$ "):
+                pairs.append((line[2:].rstrip("\n"), ""))
+            else:
+                pairs[-1] = (pairs[-1][0], pairs[-1][1] + line)
+    return pairs
+
+
+class Manual(VexorctlTest):
+    def test_every_command_in_the_manual_prints_what_stands_below_it(self):
+        pairs = transcript(MANUAL.read_text())
+        self.assertGreaterEqual(len(pairs), 7)
+        path = os.path.dirname(VEXORCTL) + os.pathsep + os.environ["PATH"]
+        for command, output in pairs:
+            with self.subTest(command=command):
+                process = subprocess.run(
+                    ["sh", "-c", f"exec 2>&1\n{command}"],
+                    stdout=subprocess.PIPE,
+                    cwd=TREE,
+                    env={**os.environ, "PATH": path, "VEXORAPI_ROOT": str(self.root)},
+                    timeout=60,
+                    check=False,
+                )
+                self.assertEqual(process.stdout.decode(), output)
+
+    def test_the_manual_lists_the_exit_codes_in_the_order_of_the_help(self):
+        rows = re.findall(r"^\| (\d+) \|", MANUAL.read_text(), re.MULTILINE)
+        codes = re.findall(r"^  (\d+)  ", self.vexorctl("--help").out, re.MULTILINE)
+        self.assertEqual(list(dict.fromkeys(rows)), codes)
+
+
+def main():
+    global VEXORCTL, FAILING_LIBRARY, OTHER_CONTROLLER
+    if len(sys.argv) < 4:
+        sys.exit(__doc__)
+    VEXORCTL, FAILING_LIBRARY, OTHER_CONTROLLER = map(os.path.abspath, sys.argv[1:4])
+    unittest.main(argv=[sys.argv[0], *sys.argv[4:]], verbosity=2)
+
+
+if __name__ == "__main__":
+    main()
