@@ -58,6 +58,23 @@ VEXORAPI_EXPORT int vexorApiShutdown(void) VEXORAPI_NOEXCEPT;
  *  - the root element names no function, or lacks type="function": XMLRet is the empty string. */
 VEXORAPI_EXPORT int vexorApi(const char* XMLCmd, char* XMLRet, uint32_t XMLRetLen) VEXORAPI_NOEXCEPT;
 
+/** Moves the events that wait in the controllers' queues into the event store, which it creates when
+ *  there is none, and raises the change counters. The event service calls it from time to time.
+ *
+ *  numOfAdapters  adapters 0 to numOfAdapters - 1 are polled, at most the first four.
+ *
+ *  A store that can be neither opened nor created ends the check-in; the events taken from the
+ *  queue by then are lost. vexorApiInit must have run. */
+VEXORAPI_EXPORT void VX_EvFile_CheckIn(uint8_t numOfAdapters) VEXORAPI_NOEXCEPT;
+
+/** Tells the extent of the event store.
+ *
+ *  SeqStart  receives the store's own sequence number of the oldest event.
+ *  Count     receives the number of events; both are 0 when there is no store.
+ *
+ *  Neither may be null. Both stay unchanged when vexorApiInit has not run. */
+VEXORAPI_EXPORT void VX_EvGetInfo(uint32_t* SeqStart, uint32_t* Count) VEXORAPI_NOEXCEPT;
+
 /** Starts the debug log, emptying its file. The section "DebugLogConfig" of "/vexorapi.ini" is read
  *  on the first call and holds for the life of the process.
  *

@@ -1,7 +1,24 @@
-// The event store's state, which lives for the process, and its semaphore.
+// The event store's state and semaphore, and what runs under it: the collection of events from the
+// controllers, and the queries.
 #include "vxevent.h"
 
 #include <semaphore.h>
+
+#include <algorithm>
+#include <iterator>
+
+#include "vx_dbg.h"
+
+constinit VX_EventExt g_VX_EventExt{.EvLogHeader = {},
+                                    .HXChangeCounters = {},
+                                    .Flags = 0,
+                                    .Sem_RWFile = -1,
+                                    .Filename = {},
+                                    .fileEv = -1,
+                                    .EvSeqNo = {},
+                                    .SeqNoFilename = {},
+                                    .fileSeqNo = -1,
+                                    .EvLogCfg = {}};
 
 namespace {
 
@@ -10,8 +27,175 @@ namespace {
 constinit sem_t sem{};
 constexpr unsigned kSemaphoreValue = 5;
 
+// A wait that fails is followed by a post all the same.
+bool WaitStore() { return g_VX_EventExt.Sem_RWFile == 0 && sem_wait(&sem) == 0; }
+
+void PostStore() {
+    if (g_VX_EventExt.Sem_RWFile == 0) sem_post(&sem);
+}
+
+// The events of one poll. It lives for the process and is never cleared, because the second count
+// of a check-in looks at what earlier polls have left behind the events of this one; with room for
+// twice what an 8-bit count can say, it never looks further.
+constexpr HX_U32 kMaxCount = 255;
+constinit Event poll[2 * kMaxCount]{};
+
+// A controller that never runs dry must not hold the service for ever: this many rounds empty any
+// queue that there is, and the next check-in goes on.
+constexpr HX_U32 kMaxRounds = 65536;
+
+// The line that the message about an unreadable store names; readers of logs search for it.
+constexpr int kUnreadableLine = 868;
+
+// The counter of each class, in the order of the classes.
+constexpr HX_U32 VX_HX_ChangeCounters::*kClassCounters[] = {
+    &VX_HX_ChangeCounters::Adapter_Change,   //  0
+    &VX_HX_ChangeCounters::LD_Change,        //  1
+    &VX_HX_ChangeCounters::HD_Change,        //  2
+    &VX_HX_ChangeCounters::PM_Change,        //  3
+    &VX_HX_ChangeCounters::Expander_Change,  //  4
+    &VX_HX_ChangeCounters::MDD_Change,       //  5
+    &VX_HX_ChangeCounters::BSL_Change,       //  6
+    &VX_HX_ChangeCounters::SAS_Change,       //  7
+    &VX_HX_ChangeCounters::ENCL_Change,      //  8
+    &VX_HX_ChangeCounters::BAT_Change,       //  9
+    &VX_HX_ChangeCounters::FLASH_Change,     // 10
+    &VX_HX_ChangeCounters::CACHE_Change,     // 11
+    &VX_HX_ChangeCounters::MISC_Change,      // 12
+    &VX_HX_ChangeCounters::ARRAY_Change,     // 13
+};
+
+// Stores the `count` events at the start of the poll buffer. Returns false when a file can be
+// neither opened nor created; the events are lost then.
+bool StorePoll(HX_U8 adapter, HX_U8 count) {
+    // A load that opens the file reads the stored counters over those that this adapter's events
+    // have just raised; for the adapters after it the file is open and theirs stand.
+    if (!VX_EvFile_Load(kForUpdate) && !VX_EvFile_Create(g_VX_EventExt.Filename)) return false;
+    if (!VX_EvSeqNoFile_Load(kForUpdate) && !VX_EvSeqNoFile_Create()) return false;
+    for (HX_U32 stored = 0; stored < count;) {
+        const HX_U32 block = VX_EvGetMaxWriteContinusBlock(count - stored);
+        VX_EvFile_SaveEvents(adapter, poll + stored, block);
+        stored += block;
+    }
+    // Counted a second time, and from behind the events instead of from their start: front ends
+    // only ask whether the counters have moved, and have always seen them move like this.
+    VX_EvFilter(poll + count, count);
+    VX_EvFile_SaveHeader();
+    VX_EvSeqNoFile_Save();
+    return true;
+}
+
+// Polls each adapter once. Returns whether any of them had events; the total is counted in 8 bits,
+// so that 256 events in one round end the check-in as none do.
+bool PollAll(HX_U32 adapters) {
+    HX_U8 total = 0;
+    for (HX_U8 adapter = 0; adapter < adapters; ++adapter) {
+        HX_U8 returned = 0;
+        HX_EVT_GetEvent(adapter, HX_EVENTS_PER_CALL, &returned, poll);
+        VX_EvFilter(poll, returned);
+        if (returned == 0) continue;
+        if (!StorePoll(adapter, returned)) return false;
+        total = static_cast<HX_U8>(total + returned);
+    }
+    return total != 0;
+}
+
+void Query(HX_U32& n, HX_U32& s, HX_U32& e, Event* ev) {
+    const HX_U32 oldest = g_VX_EventExt.EvLogHeader.SeqStart;
+    const HX_U32 count = g_VX_EventExt.EvLogHeader.NumOfEvent;
+    const HX_U32 newest = count > 0 ? count + oldest - 1 : oldest;
+    n = std::min(n, count);
+    if (n == 0) {
+        n = count;
+        s = oldest;
+        e = newest;
+        return;
+    }
+    if (s == kNewestEvents) {
+        e = std::min(e, newest);
+        s = e - n + 1;
+    }
+    s = std::max(s, oldest);
+    n = VX_EvFile_LoadEventsBySeq(ev, s, n);
+    if (n > 0) e = s + n - 1;
+}
+
 }  // namespace
 
-void VX_EvInit() { static_cast<void>(sem_init(&sem, 1, kSemaphoreValue)); }
+void VX_EvInit() {
+    g_VX_EventExt = {};
+    g_VX_EventExt.fileEv = -1;
+    g_VX_EventExt.fileSeqNo = -1;
+    g_VX_EventExt.Sem_RWFile = sem_init(&sem, 1, kSemaphoreValue);
+}
 
-void VX_EvShutdown() { static_cast<void>(sem_destroy(&sem)); }
+void VX_EvShutdown() {
+    if (g_VX_EventExt.Sem_RWFile == 0) sem_destroy(&sem);
+    g_VX_EventExt.Sem_RWFile = -1;
+}
+
+void VX_EvFilter(const Event* events, HX_U32 count) {
+    VX_HX_ChangeCounters& counters = g_VX_EventExt.HXChangeCounters;
+    counters.Whatever_Change += count;
+    for (HX_U32 i = 0; i < count; ++i) {
+        const HX_U16 event_class = events[i].Class;
+        if (event_class < std::size(kClassCounters)) ++(counters.*kClassCounters[event_class]);
+    }
+}
+
+void VX_EvFile_CheckIn(HX_U8 numOfAdapters) noexcept {
+    if (WaitStore()) {
+        const HX_U32 adapters = std::min<HX_U32>(numOfAdapters, kEventAdapters);
+        for (HX_U32 round = 0; round < kMaxRounds && PollAll(adapters); ++round) {
+        }
+        VX_EvFile_Close();
+        VX_EvSeqNoFile_Close();
+    }
+    PostStore();
+}
+
+HX_U8 VX_EvGet(HX_U32* n, HX_U32* s, HX_U32* e, Event* ev) {
+    bool read = false;
+    if (WaitStore()) {
+        read = VX_EvFile_Load(kForReading) != 0;
+        if (read) {
+            Query(*n, *s, *e, ev);
+        } else {
+            VX_DBG_TRACE("EventDbg: %s %d\n", "vxevent", kUnreadableLine);
+        }
+        VX_EvFile_Close();
+    }
+    PostStore();
+    // The caller goes on to tell n events, so that they must be something.
+    if (!read) std::fill_n(ev, *n, Event{});
+    return 0;
+}
+
+void VX_EvGetInfo(HX_U32* SeqStart, HX_U32* Count) noexcept {
+    if (WaitStore()) {
+        static_cast<void>(VX_EvFile_Load(kForReading));  // without a store it is empty
+        *SeqStart = g_VX_EventExt.EvLogHeader.SeqStart;
+        *Count = g_VX_EventExt.EvLogHeader.NumOfEvent;
+        VX_EvFile_Close();
+    }
+    PostStore();
+}
+
+void VX_EvFile_Reset() {
+    if (WaitStore()) {
+        if (VX_EvFile_Load(kForUpdate)) {
+            static_cast<void>(VX_EvFile_Create(g_VX_EventExt.Filename));
+        }
+        std::fill_n(g_VX_EventExt.EvSeqNo.SequenceNo, kEventAdapters, 0);
+        g_VX_EventExt.HXChangeCounters = {};
+        VX_EvFile_Close();
+    }
+    PostStore();
+}
+
+HX_U8 VX_EvGetChangeCounters(VX_HX_ChangeCounters* cc) {
+    static_cast<void>(VX_EvFile_Load(kForReading));
+    *cc = g_VX_EventExt.HXChangeCounters;
+    VX_EvFile_Close();
+    return 1;
+}

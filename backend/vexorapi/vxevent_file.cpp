@@ -1,0 +1,283 @@
+// The event store's two files: opened, created, read and written by descriptor, and the arithmetic
+// of the ring between them. What a file says is never trusted: another process writes it unlocked.
+#include <fcntl.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <bit>
+#include <cerrno>
+#include <cstring>
+
+#include "vxevent.h"
+
+static_assert(std::endian::native == std::endian::little, "the files are little-endian");
+static_assert(sizeof(off_t) == 8, "a ring of 2^32 slots passes 2 GiB by far");
+
+namespace {
+
+constexpr char kEventFile[] = "/opt/kestrel/raid/db/vx_hx_raid.ev";
+constexpr char kSeqNoFile[] = "/opt/kestrel/raid/db/vx_hx_seqnum.ev";
+
+constexpr char kMagic[] = "Ombra Event File v0.1";
+static_assert(sizeof kMagic == 22, "compared and stored with its NUL");
+
+constexpr std::uint32_t kConfigLoaded = 1;  // bit of VX_EventExt::Flags
+constexpr HX_U16 kEntryType = 0x0101;
+
+// Class and code of the event that tells of an adapter found. It comes with every start of the
+// controller, so that it is stored whatever its sequence number.
+constexpr HX_U16 kAdapterClass = 0;
+constexpr HX_U16 kAdapterFound = 9;
+
+// Slots on their way to or from the ring: one batch of a controller's 8-bit count.
+constexpr HX_U32 kBatch = 255;
+constinit VX_EvEntryHeader slots[kBatch]{};
+
+// What stands at the start of the event file, read and written at once.
+struct FileHead {
+    VX_EvLogHeader header;
+    VX_HX_ChangeCounters counters;
+};
+static_assert(sizeof(FileHead) == 112 && offsetof(FileHead, counters) == 52);
+
+constexpr mode_t kFileMode = 0666;  // less the umask: service and front end are different users
+
+// O_NONBLOCK and O_NOCTTY: opening never waits, whatever a configured name turns out to be. Where
+// pread and pwrite do not work (a FIFO, a terminal) nothing is read, and no magic found.
+int Open(const char* path, int flags) {
+    return open(path, flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kFileMode);
+}
+
+int OpenFlags(unsigned mode) { return (mode & kForUpdate) == kForReading ? O_RDONLY : O_RDWR; }
+
+void Close(int& file) {
+    if (file < 0) return;
+    close(file);
+    file = -1;
+}
+
+// Reads `size` bytes at `offset`, fewer at the end of the file or at an error. Returns how many.
+std::size_t ReadAt(int file, void* bytes, std::size_t size, std::uint64_t offset) {
+    char* const at = static_cast<char*>(bytes);
+    std::size_t total = 0;
+    while (total < size) {
+        const ssize_t got =
+            pread(file, at + total, size - total, static_cast<off_t>(offset + total));
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) break;
+        total += static_cast<std::size_t>(got);
+    }
+    return total;
+}
+
+// Writes as much as can be written; a full disk is nobody's to hear of.
+void WriteAt(int file, const void* bytes, std::size_t size, std::uint64_t offset) {
+    const char* const at = static_cast<const char*>(bytes);
+    std::size_t total = 0;
+    while (total < size) {
+        const ssize_t put =
+            pwrite(file, at + total, size - total, static_cast<off_t>(offset + total));
+        if (put < 0 && errno == EINTR) continue;
+        if (put <= 0) break;
+        total += static_cast<std::size_t>(put);
+    }
+}
+
+const VX_EvLogHeader& Header() { return g_VX_EventExt.EvLogHeader; }
+
+// Slots of the ring. In 64 bits it is never 0, whatever capacity the file claims.
+std::uint64_t RingSize() { return std::uint64_t{Header().Capacity} + 1; }
+
+std::uint64_t SlotOf(HX_U32 off) { return (std::uint64_t{Header().Start} + off) % RingSize(); }
+
+std::uint64_t FileOffset(std::uint64_t slot) {
+    return kFirstSlot + sizeof(VX_EvEntryHeader) * slot;
+}
+
+// Where the next entry goes: an End beyond the ring is another writer's accident and means 0.
+HX_U32 WriteSlot() { return Header().End < RingSize() ? Header().End : 0; }
+
+void LoadConfig() {
+    if ((g_VX_EventExt.Flags & kConfigLoaded) != 0) return;
+    g_VX_EventExt.Flags |= kConfigLoaded;
+    g_VX_EventExt.EvLogCfg = {};
+    VX_CfgLoad(&g_VX_EventExt.EvLogCfg, "EventLogConfig");
+}
+
+// Builds the event file's path. Only this file follows the configuration.
+void SetEventPath() {
+    static_cast<void>(RootPath(g_VX_EventExt.Filename, kEventFile));  // empty when too long
+    const char* const configured = g_VX_EventExt.EvLogCfg.Filename;
+    if (*configured == '\0') return;
+    static_assert(sizeof(VX_Cfg_EventLog::Filename) <= sizeof(VX_EventExt::Filename));
+    std::memcpy(g_VX_EventExt.Filename, configured, std::strlen(configured) + 1);
+}
+
+// Whether the event is new, by the number of the last one stored from its adapter.
+bool TakeNumber(HX_U32& last, const Event& event) {
+    if (event.Class == kAdapterClass && event.Code == kAdapterFound) return true;
+    if (last != 0 && event.SequenceNo != 0 && event.SequenceNo <= last) return false;
+    last = event.SequenceNo;
+    return true;
+}
+
+void FillEntry(VX_EvEntryHeader& entry, const Event& event) {
+    entry.Type = kEntryType;
+    std::memset(entry.reserved, 0, sizeof entry.reserved);
+    entry.Flags = 0;
+    std::memcpy(entry.data, &event, sizeof event);
+    const auto length = static_cast<std::size_t>(VX_HX_EVT_Sprintf(&event, entry.HXEvtMsg));
+    std::memset(entry.HXEvtMsg + length, 0, sizeof entry.HXEvtMsg - length);
+}
+
+// Moves the indices past one more entry; a full ring gives up its oldest.
+void Advance(VX_EvLogHeader& header) {
+    const std::uint64_t ring = RingSize();
+    if (header.NumOfEvent < header.Capacity) ++header.NumOfEvent;
+    header.End = std::uint64_t{header.End} + 1 >= ring ? 0 : header.End + 1;
+    if (header.End != header.Start) return;
+    ++header.SeqStart;
+    header.Start = std::uint64_t{header.Start} + 1 >= ring ? 0 : header.Start + 1;
+}
+
+}  // namespace
+
+void VX_EvHeader_Init(VX_EvLogHeader* header) {
+    LoadConfig();
+    *header = {};
+    std::memcpy(header->Magic, kMagic, sizeof kMagic);
+    const HX_U16 configured = g_VX_EventExt.EvLogCfg.MaxNumOfEvent;
+    header->Capacity = configured == 0 ? kDefaultCapacity : configured;
+}
+
+int VX_EvFile_Create(const char* path) {
+    VX_EvHeader_Init(&g_VX_EventExt.EvLogHeader);
+    const int file = Open(path, O_RDWR | O_CREAT | O_TRUNC);
+    if (file < 0) return 0;
+    Close(g_VX_EventExt.fileEv);
+    g_VX_EventExt.fileEv = file;
+    VX_EvFile_SaveHeader();
+    return 1;
+}
+
+int VX_EvFile_Load(unsigned mode) {
+    if (g_VX_EventExt.fileEv >= 0) return 1;
+    LoadConfig();
+    SetEventPath();
+    int file = Open(g_VX_EventExt.Filename, OpenFlags(mode));
+    if (file < 0) {
+        VX_EvHeader_Init(&g_VX_EventExt.EvLogHeader);
+        return 0;
+    }
+    // A header that is cut short ends in zeros, not in what was read before; counters that the
+    // file does not reach keep their values.
+    FileHead head{{}, g_VX_EventExt.HXChangeCounters};
+    const std::size_t length = ReadAt(file, &head, sizeof head, 0);
+    g_VX_EventExt.EvLogHeader = head.header;
+    g_VX_EventExt.HXChangeCounters = head.counters;
+    if (length < sizeof head.header || std::memcmp(head.header.Magic, kMagic, sizeof kMagic) != 0) {
+        Close(file);
+        return 0;
+    }
+    g_VX_EventExt.fileEv = file;
+    return 1;
+}
+
+void VX_EvFile_Close() { Close(g_VX_EventExt.fileEv); }
+
+void VX_EvFile_SaveHeader() {
+    const FileHead head{g_VX_EventExt.EvLogHeader, g_VX_EventExt.HXChangeCounters};
+    WriteAt(g_VX_EventExt.fileEv, &head, sizeof head, 0);
+}
+
+int VX_EvSeqNoFile_Load(unsigned mode) {
+    if (g_VX_EventExt.fileSeqNo >= 0) return 1;
+    static_cast<void>(RootPath(g_VX_EventExt.SeqNoFilename, kSeqNoFile));  // empty when too long
+    g_VX_EventExt.fileSeqNo = Open(g_VX_EventExt.SeqNoFilename, OpenFlags(mode));
+    if (g_VX_EventExt.fileSeqNo < 0) return 0;
+    ReadAt(g_VX_EventExt.fileSeqNo, &g_VX_EventExt.EvSeqNo, sizeof(VX_EvSeqNo), 0);
+    return 1;
+}
+
+void VX_EvSeqNoFile_Close() { Close(g_VX_EventExt.fileSeqNo); }
+
+void VX_EvSeqNoFile_Save() {
+    WriteAt(g_VX_EventExt.fileSeqNo, &g_VX_EventExt.EvSeqNo, sizeof(VX_EvSeqNo), 0);
+}
+
+int VX_EvSeqNoFile_Create() {
+    g_VX_EventExt.EvSeqNo = {};
+    const int file = Open(g_VX_EventExt.SeqNoFilename, O_RDWR | O_CREAT | O_TRUNC);
+    if (file < 0) return 0;
+    Close(g_VX_EventExt.fileSeqNo);
+    g_VX_EventExt.fileSeqNo = file;
+    VX_EvSeqNoFile_Save();
+    return 1;
+}
+
+void VX_EvFile_SaveEvents(HX_U8 adapter, const Event* events, HX_U32 count) {
+    if (adapter >= kEventAdapters) return;
+    HX_U32& last = g_VX_EventExt.EvSeqNo.SequenceNo[adapter];
+    VX_EvLogHeader& header = g_VX_EventExt.EvLogHeader;
+    header.End = WriteSlot();
+    std::uint64_t position = FileOffset(header.End);
+    HX_U32 filled = 0;
+    const auto flush = [&] {
+        const std::size_t bytes = filled * sizeof(VX_EvEntryHeader);
+        WriteAt(g_VX_EventExt.fileEv, slots, bytes, position);
+        position += bytes;
+        filled = 0;
+    };
+    for (const Event* event = events; event != events + count; ++event) {
+        if (!TakeNumber(last, *event)) continue;
+        if (filled == kBatch) flush();
+        FillEntry(slots[filled++], *event);
+        Advance(header);
+    }
+    if (filled != 0) flush();
+}
+
+void VX_EvFile_LoadEventsFromOffsetBlindly(Event* dest, HX_U32 off, HX_U32 count) {
+    std::uint64_t position = FileOffset(SlotOf(off));
+    while (count > 0) {
+        const HX_U32 batch = std::min(count, kBatch);
+        const std::size_t bytes = batch * sizeof(VX_EvEntryHeader);
+        const std::size_t got = ReadAt(g_VX_EventExt.fileEv, slots, bytes, position);
+        std::memset(reinterpret_cast<char*>(slots) + got, 0, bytes - got);
+        for (HX_U32 i = 0; i < batch; ++i) std::memcpy(dest++, slots[i].data, sizeof(Event));
+        position += bytes;
+        count -= batch;
+    }
+}
+
+HX_U32 VX_EvSeqToOffset(HX_U32 seq) {
+    const std::uint64_t end = std::uint64_t{Header().SeqStart} + Header().NumOfEvent;
+    return seq >= Header().SeqStart && seq < end ? seq - Header().SeqStart : kNoOffset;
+}
+
+HX_U32 VX_EvFile_LoadEventsBySeq(Event* dest, HX_U32 seq, HX_U32 count) {
+    HX_U32 off = VX_EvSeqToOffset(seq);
+    if (off == kNoOffset) return 0;
+    count = std::min(count, Header().NumOfEvent - off);
+    for (HX_U32 left = count; left > 0;) {
+        const HX_U32 block = VX_EvGetMaxReadContinusBlock(off, left);
+        VX_EvFile_LoadEventsFromOffsetBlindly(dest, off, block);
+        off += block;
+        dest += block;
+        left -= block;
+    }
+    return count;
+}
+
+HX_U32 VX_EvGetMaxReadContinusBlock(HX_U32 off, HX_U32 count) {
+    const HX_U32 wanted = std::min(Header().NumOfEvent, count);
+    const std::uint64_t to_end = RingSize() - SlotOf(off);
+    return wanted <= to_end ? wanted : static_cast<HX_U32>(to_end);
+}
+
+HX_U32 VX_EvGetMaxWriteContinusBlock(HX_U32 count) {
+    const HX_U32 slot = WriteSlot();
+    const HX_U32 to_last = slot < Header().Capacity ? Header().Capacity - slot : 1;
+    return std::max(HX_U32{1}, std::min(count, to_last));
+}
