@@ -2,15 +2,19 @@
 // them that every function shares.
 #pragma once
 
+#include <cstddef>
+#include <cstdlib>
+
 #include "vx_dbg.h"
 #include "xml_rapi.h"
-#include "xml_rapi_rows.h"
+#include "xml_rapi_records.h"
 
 // Request ----------------------------------------------------------------------------------------
 
-/// A request child, stored in the field of the same name; the field's type chooses the scan.
+/// A request child, stored in the field of the same name; the field's type chooses how.
 template <class R, class T>
 struct RequestParam {
+    using Of = R;
     const char* name;
     T R::*field;
 };
@@ -20,17 +24,66 @@ consteval RequestParam<R, T> Param(const char* name, T R::*field) {
     return {name, field};
 }
 
-template <class R, class... Row>
-struct RequestParams {
-    std::tuple<Row...> rows;
+/// A text that is taken whole or not at all, because a path, name or password that is cut would be
+/// another one: a longer text fills its field without a NUL, which its reader refuses.
+template <class R, std::size_t n>
+struct WholeTextRow {
+    using Of = R;
+    const char* name;
+    char (R::*field)[n];
 };
 
-template <class R, class... Row>
-consteval RequestParams<R, Row...> Params(Row... rows) {
-    return {{rows...}};
+template <class R, std::size_t n>
+consteval WholeTextRow<R, n> WholeTextParam(const char* name, char (R::*field)[n]) {
+    return {name, field};
 }
 
-// A number: its low bits. A text without a digit leaves the field as it was.
+/// The children of a request, or of a record within it.
+template <class R, class... Row>
+struct Params {
+    using Type = R;
+    std::tuple<Row...> rows;
+
+    consteval explicit Params(Row... row) : rows{row...} {}
+};
+template <class First, class... Row>
+Params(First, Row...) -> Params<typename First::Of, First, Row...>;
+
+/// Children that are stored in a record within the request.
+template <class R, class Inner, class... Row>
+struct InnerParams {
+    using Of = R;
+    Inner R::*field;
+    Params<Inner, Row...> params;
+};
+
+template <class R, class Inner, class... Row>
+consteval InnerParams<R, Inner, Row...> Within(Inner R::*field, Params<Inner, Row...> params) {
+    return {field, params};
+}
+
+/// The paging header's fields: in a request they are plain children.
+inline constexpr Params kRequestHeader{
+    Param("version", &RequestHeader::version),
+    Param("requestType", &RequestHeader::requestType),
+    Param("startingIndexOrId", &RequestHeader::startingIndexOrId),
+    Param("numRequested", &RequestHeader::numRequested),
+    Param("numReturned", &RequestHeader::numReturned),
+    Param("nextStartingIndex", &RequestHeader::nextStartingIndex),
+};
+
+/// The children of every paged function.
+template <class R>
+consteval auto PagedParams() {
+    using Page = decltype(R::Request);
+    return Params{
+        Param("AdapterID", &R::AdapterID),
+        Within(&R::Request, Params{Within(&Page::header, kRequestHeader)}),
+    };
+}
+
+// Stores one value; `name` is the child's, for the log. A number: its low bits; a text without a
+// digit leaves the field as it was.
 template <class T>
 requires std::is_unsigned_v<T>
 void StoreParam(XMLElement& elmt, const char*, T& field) {
@@ -38,17 +91,57 @@ void StoreParam(XMLElement& elmt, const char*, T& field) {
     HX_U32 number;
     if (XMLWR_CharDataToDec32(&cursor, &number) != -1) field = static_cast<T>(number);
 }
+inline void StoreParam(XMLElement& elmt, const char*, HX_U64& field) {
+    const char* cursor = elmt.CharDataBuf;
+    XMLWR_CharDataToDec64(&cursor, &field);
+}
+// An array: as many numbers as there are and as the field holds; the rest of it stays.
+template <class T, std::size_t n>
+requires std::is_unsigned_v<T>
+void StoreParam(XMLElement& elmt, const char*, T (&field)[n]) {
+    const char* cursor = elmt.CharDataBuf;
+    for (T& item : field) {
+        HX_U32 number;
+        if (XMLWR_CharDataToDec32(&cursor, &number) == -1) break;
+        item = static_cast<T>(number);
+    }
+}
+// A text, cut to its field.
+template <std::size_t n>
+void StoreParam(XMLElement& elmt, const char* name, char (&field)[n]) {
+    CutText(field, elmt.CharDataBuf, elmt.CharDataIndex);
+    VX_DBG_TRACE("%s = %s\n", name, elmt.CharDataBuf);
+}
 
-/// Stores the child that has just ended, when it is one of the rows'. The first equal name decides.
 template <class R, class... Row>
-void ReadParam(XMLElement& elmt, const char* name, R& record,
-               const RequestParams<R, Row...>& params) {
-    const auto take = [&](const auto& row) {
-        if (std::strcmp(name, row.name) != 0) return false;
-        StoreParam(elmt, name, record.*row.field);
-        return true;
-    };
-    std::apply([&](const Row&... row) { (void)(take(row) || ...); }, params.rows);
+bool ReadParam(XMLElement& elmt, const char* name, R& record, const Params<R, Row...>& params);
+
+template <class R, class T>
+bool TakeParam(XMLElement& elmt, const char* name, R& record, const RequestParam<R, T>& row) {
+    if (std::strcmp(name, row.name) != 0) return false;
+    StoreParam(elmt, name, record.*row.field);
+    return true;
+}
+template <class R, std::size_t n>
+bool TakeParam(XMLElement& elmt, const char* name, R& record, const WholeTextRow<R, n>& row) {
+    if (std::strcmp(name, row.name) != 0) return false;
+    StoreParam(elmt, name, record.*row.field);
+    if (elmt.CharDataIndex >= n) (record.*row.field)[n - 1] = elmt.CharDataBuf[n - 1];
+    return true;
+}
+template <class R, class Inner, class... Row>
+bool TakeParam(XMLElement& elmt, const char* name, R& record,
+               const InnerParams<R, Inner, Row...>& row) {
+    return ReadParam(elmt, name, record.*row.field, row.params);
+}
+
+/// Stores the child that has just ended when one of the rows is its, and returns whether one was.
+/// The first equal name decides.
+template <class R, class... Row>
+bool ReadParam(XMLElement& elmt, const char* name, R& record, const Params<R, Row...>& params) {
+    return std::apply(
+        [&](const Row&... row) { return (TakeParam(elmt, name, record, row) || ...); },
+        params.rows);
 }
 
 // Call -------------------------------------------------------------------------------------------
@@ -138,17 +231,101 @@ consteval AdaptersCall<R, Item, room, Query> EachAdapter(Item (R::*items)[room],
     return {items, order, query};
 }
 
-// Result -----------------------------------------------------------------------------------------
+// Pages ------------------------------------------------------------------------------------------
 
-template <class R, class... Row>
-struct ResultRows {
-    std::tuple<Row...> rows;
+/// Collects a list page by page. `fetch` is called with the adapter and the request's header,
+/// behind which the controller puts at most a page of items.
+template <class R, class Fetch>
+struct PagesCall {
+    using Page = decltype(R::Request);
+    using Item = std::remove_all_extents_t<decltype(Page::items)>;
+    static constexpr std::size_t kLimit = std::extent_v<decltype(Page::items)>;
+
+    Fetch fetch;
+    std::size_t cleared;  // bytes of the data area that are cleared before each page
+
+    bool operator()(R& record) const {
+        RequestHeader& header = record.Request.header;
+        const HX_U16 requested = header.numRequested;
+        // The controller's pages and the list's room are both counted in items of the header's 16
+        // bits. calloc: the room that stays unused costs no memory.
+        auto* const list = static_cast<std::byte*>(
+            std::calloc(1, sizeof(RequestHeader) + std::size_t{requested} * sizeof(Item)));
+        if (list == nullptr) return false;
+        record.Result = reinterpret_cast<RequestHeader*>(list);
+
+        const HX_U16 kibibytes = Get_Adapter_MaxBuffersize(record.AdapterID);
+        const auto page_limit = static_cast<HX_U16>(
+            kibibytes == 0 ? kLimit : std::size_t{kibibytes} * 1024 / sizeof(Item));
+        AdjustRequestNum(&header, page_limit, kLimit);
+
+        if (cleared < sizeof record.Request.items) {
+            std::memset(static_cast<void*>(record.Request.items), 0, sizeof record.Request.items);
+        }
+        HX_U16 collected = 0;
+        // Signed and 16 bits wide: a request for 32768 items and more asks for nothing.
+        auto wanted = static_cast<std::int16_t>(requested);
+        while (header.nextStartingIndex != HX_LIST_COMPLETE && wanted >= 1) {
+            std::memset(static_cast<void*>(record.Request.items), 0, cleared);
+            record.RetVal = fetch(record.AdapterID, &header);
+            if (record.RetVal != HX_SUCCESS) break;
+            const HX_U16 returned = header.numReturned;
+            if (returned == 0 || returned > wanted || returned > kLimit) break;
+            std::memcpy(list + sizeof header + collected * sizeof(Item), record.Request.items,
+                        returned * sizeof(Item));
+            collected = static_cast<HX_U16>(collected + returned);
+            wanted = static_cast<std::int16_t>(wanted - returned);
+            ResetnumRequestOfRequestHead(&header, page_limit, requested, collected, kLimit);
+            header.startingIndexOrId = header.nextStartingIndex;
+        }
+        *record.Result = header;
+        record.Result->numReturned = collected;
+        record.Result->numRequested = requested;
+        return true;
+    }
+
+    /// Runs when the result has been written.
+    static void Release(R& record, XMLElement&) { std::free(record.Result); }
 };
 
-/// The elements of fixed size, RetVal first.
+/// Calls one function of the controller library for a page; its request begins with the header.
+template <auto function>
+struct FetchPage;
+template <class Request, HX_U8 (*function)(HX_U8, Request*)>
+struct FetchPage<function> {
+    HX_U8 operator()(HX_U8 adapter, RequestHeader* header) const {
+        return function(adapter, reinterpret_cast<Request*>(header));
+    }
+};
+
+/// One call of `function` a page. All of the data area is cleared before it, or `cleared` bytes.
+template <auto function, class R>
+consteval PagesCall<R, FetchPage<function>> Pages(std::size_t cleared = sizeof R::Request.items) {
+    return {{}, cleared};
+}
+
+/// Whatever `fetch` does for a page.
+template <class R, class Fetch>
+consteval PagesCall<R, Fetch> PagesBy(Fetch fetch) {
+    return {fetch, sizeof R::Request.items};
+}
+
+// Result -----------------------------------------------------------------------------------------
+
+/// The elements of known size that a result begins with, RetVal first.
 template <class R, class... Row>
-consteval ResultRows<R, Row...> Result(Row... rows) {
-    return {{rows...}};
+struct Result {
+    std::tuple<Row...> rows;
+
+    consteval explicit Result(Row... row) : rows{row...} {}
+};
+template <class First, class... Row>
+Result(First, Row...) -> Result<typename First::Of, First, Row...>;
+
+/// The result of a function that answers with its status alone.
+template <class R>
+consteval auto StatusOnly() {
+    return Result{Col("RetVal", kU8, &R::RetVal)};
 }
 
 /// Nothing follows the rows.
@@ -156,56 +333,100 @@ struct NoList {
     static constexpr bool kWrites = false;
 };
 
-/// As many records as the record counts.
-template <auto writer, class R, class Item, std::size_t room>
+/// As many records as the request's record counts, and never more than it holds.
+template <auto writer, class R, class Item, std::size_t room, class Number>
 struct CountedList {
     static constexpr bool kWrites = true;
     const char* name;
     Item (R::*items)[room];
-    HX_U8 R::*number;
+    Number R::*number;
 
-    void Write(XMLWR_Doc* doc, const R& record) const {
-        writer(doc, name, record.*items, record.*number);
+    void Write(XMLWR_Doc* doc, R& record) const {
+        const std::size_t counted = record.*number;
+        writer(doc, name, record.*items, static_cast<HX_U32>(counted < room ? counted : room));
     }
 };
 
-template <auto writer, class R, class Item, std::size_t room>
-consteval CountedList<writer, R, Item, room> Records(const char* name, Item (R::*items)[room],
-                                                     HX_U8 R::*number) {
+template <auto writer, class R, class Item, std::size_t room, class Number>
+consteval CountedList<writer, R, Item, room, Number> Records(const char* name,
+                                                             Item (R::*items)[room],
+                                                             Number R::*number) {
     return {name, items, number};
+}
+
+/// The list that the executor has collected.
+template <auto writer, class R>
+struct CollectedList {
+    static constexpr bool kWrites = true;
+
+    // The writer gives header and items their own names.
+    void Write(XMLWR_Doc* doc, R& record) const { writer(doc, nullptr, record.Result, 1); }
+};
+
+template <auto writer, class R>
+consteval CollectedList<writer, R> Reply() {
+    return {};
 }
 
 // A function -------------------------------------------------------------------------------------
 
-/// Bytes of a request record that are zero when the parse begins: all of it, but for records whose
-/// call zeroes the rest itself.
+/// Bytes of a request record that are zero when the parse begins: all of it, but for records with
+/// room that the call zeroes itself, as far as it may be filled.
 template <class R>
 inline constexpr std::size_t kZeroedBytes = sizeof(R);
 template <>
 inline constexpr std::size_t kZeroedBytes<VX_Adapter_GetInfo> = offsetof(VX_Adapter_GetInfo,
                                                                          AdapterInfo);
+template <>
+inline constexpr std::size_t kZeroedBytes<VX_Adapter_GetConfig> = offsetof(VX_Adapter_GetConfig,
+                                                                           AdapterConfig);
+template <>
+inline constexpr std::size_t kZeroedBytes<VX_ENC_GetElementInfo> = offsetof(VX_ENC_GetElementInfo,
+                                                                            ElementInfo);
+template <>
+inline constexpr std::size_t kZeroedBytes<VX_ENC_GetElementConfig> =
+    offsetof(VX_ENC_GetElementConfig, ElementCfg);
+template <class Item, std::size_t limit>
+inline constexpr std::size_t kZeroedBytes<PagedRequest<Item, limit>> =
+    kPageHeaderEnd<PagedRequest<Item, limit>>;
 
-template <class R, class Params, class Call, class Rows, class List>
+/// One vendor function, wholly described by its rows.
+template <class R, class ParamRows, class Call, class ResultRows, class List = NoList>
 struct Function;
 
-template <class R, class Params, class Call, class... Row, class List>
-struct Function<R, Params, Call, ResultRows<R, Row...>, List> {
+template <class R, class... ParamRow, class Call, class... Row, class List>
+struct Function<R, Params<R, ParamRow...>, Call, Result<R, Row...>, List> {
     using Type = R;
     static constexpr std::size_t kRows = sizeof...(Row);
 
-    const char* name;            // as it stands in commands and results
-    R XML_RA_FuncData::*record;  // its record in the request
-    Params params;               // what a command may hold
-    Call call;                   // what the controller is asked
-    std::tuple<Row...> rows;     // what the result begins with ...
-    List list;                   // ... and the records that follow
-};
+    const char* name;               // as it stands in commands and results
+    R XML_RA_FuncData::*record;     // its record in the request
+    Params<R, ParamRow...> params;  // what a command may hold
+    Call call;                      // what the controller is asked
+    std::tuple<Row...> rows;        // what the result begins with ...
+    List list;                      // ... and the records that follow
 
-template <class R, class Params, class Call, class... Row, class List = NoList>
-consteval Function<R, Params, Call, ResultRows<R, Row...>, List> MakeFunction(
-    const char* name, R XML_RA_FuncData::*record, Params params, Call call,
-    ResultRows<R, Row...> result, List list = {}) {
-    return {name, record, params, call, result.rows, list};
+    consteval Function(const char* function_name, R XML_RA_FuncData::*function_record,
+                       Params<R, ParamRow...> function_params, Call function_call,
+                       Result<R, Row...> result, List function_list = {})
+        : name(function_name),
+          record(function_record),
+          params(function_params),
+          call(function_call),
+          rows(result.rows),
+          list(function_list) {}
+};
+template <class R, class ParamRows, class Call, class ResultRows>
+Function(const char*, R XML_RA_FuncData::*, ParamRows, Call, ResultRows)
+    -> Function<R, ParamRows, Call, ResultRows>;
+template <class R, class ParamRows, class Call, class ResultRows, class List>
+Function(const char*, R XML_RA_FuncData::*, ParamRows, Call, ResultRows, List)
+    -> Function<R, ParamRows, Call, ResultRows, List>;
+
+/// The children of a function that takes none.
+template <class R>
+consteval Params<R> NoParams() {
+    return Params<R>{};
 }
 
 /// The record of `kFunction` in a request.
@@ -255,7 +476,7 @@ inline constexpr auto kFunctionClose = MakeLiteral([](LiteralSink& sink) {
 template <const auto& kFunction>
 void WriteResult(XMLElement* elmt, XMLWR_Doc* doc) {
     constexpr bool list = std::remove_cvref_t<decltype(kFunction.list)>::kWrites;
-    const auto& record = RequestRecord<kFunction>(elmt);
+    auto& record = RequestRecord<kFunction>(elmt);
     const bool fast = doc->Depth == kListDepth - 1;
     constexpr std::size_t bound = kFunctionOpen<kFunction>.size() +
                                   kRowsBound<kFunction, kListDepth> +

@@ -20,6 +20,21 @@ inline constexpr Record kVersion_Info_CIM{
     Col("VerBuild", kU16, &Version_Info_CIM::BuildNumber),
 };
 
+// A BIOS image's version. Its identifiers are hexadecimal here, and decimal in an adapter's record.
+inline constexpr Record kVersion_Info_BIOS{
+    "struct VX_BIOS_Version",
+    Nest<kVersion_Info_CIM>("BIOSVersion", &VX_BIOS_Version::VersionInfo),
+    Hex("VenID", kU16, &VX_BIOS_Version::SubVenID),
+    Hex("DevID", kU16, &VX_BIOS_Version::SubDevID),
+};
+
+// A user's name goes without a record element of its own.
+inline constexpr Record kUserName_Value{
+    "",
+    Bare("UserName", &VX_GetUserName::UserName),
+    Bare("DomainName", &VX_GetUserName::DomaimName),
+};
+
 // One array element per port, its number in its name. A port beyond the record's capacity has no
 // address to write.
 struct PortAddresses {

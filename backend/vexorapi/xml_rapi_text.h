@@ -61,21 +61,48 @@ struct TrimmedText {
     }
 };
 
+/// The end of the text without its first word and the blank behind that, when it has a blank.
+[[gnu::always_inline]] inline char* WithoutFirstWord(char* at, char* end) {
+    for (char* blank = at; blank != end; ++blank) {
+        if (*blank != ' ') continue;
+        const auto rest = static_cast<std::size_t>(end - blank - 1);
+        std::memmove(at, blank + 1, rest);
+        return at + rest;
+    }
+    return end;
+}
+
 /// A disk's model: trimmed, then without its first word, the maker's name; a text of one word
 /// stays.
 struct ModelText {
     template <class C, std::size_t n>
     static char* Put(char* at, const C (&field)[n]) {
-        char* const end = TrimmedText::Put(at, field);
-        for (char* blank = at; blank != end; ++blank) {
-            if (*blank != ' ') continue;
-            const auto rest = static_cast<std::size_t>(end - blank - 1);
-            std::memmove(at, blank + 1, rest);
-            return at + rest;
-        }
-        return end;
+        return WithoutFirstWord(at, TrimmedText::Put(at, field));
     }
 };
+
+/// Copies at most `len` characters of `_field` to `_tmp`, which holds len + 1; a NUL ends them
+/// early. Zeroes fill the rest, so that position `len` is always a NUL.
+inline void get_char_array(char* _tmp, HX_U8* _field, int len) {
+    const auto width = static_cast<std::size_t>(len);
+    const std::size_t length = strnlen(reinterpret_cast<const char*>(_field), width);
+    std::memcpy(_tmp, _field, length);
+    std::memset(_tmp + length, 0, width + 1 - length);
+}
+
+/// Removes the trailing blanks of a NUL-terminated text. Leading ones stay: readers of disk texts
+/// rely on them.
+inline void trim(HX_U8* str) {
+    char* const text = reinterpret_cast<char*>(str);
+    *WithoutTrailingBlanks(text, text + std::strlen(text)) = '\0';
+}
+
+/// Removes everything up to and including the first blank of a NUL-terminated text, and nothing
+/// when it has none.
+inline void trimblank(HX_U8* str) {
+    char* const text = reinterpret_cast<char*>(str);
+    *WithoutFirstWord(text, text + std::strlen(text)) = '\0';
+}
 
 /// Copies exactly `len` characters of `_field` to `_tmp`, which holds len + 1, and terminates them.
 /// A field that begins with "0" gives the empty text.

@@ -1,0 +1,214 @@
+// The functions of the battery and of the flash memory: for each its rows, then the
+// names of its handlers and its result writer.
+#pragma once
+
+#include "xml_rapi_function.h"
+
+// HX_BBU_GetInfo
+inline constexpr Function kHX_BBU_GetInfo{
+    "HX_BBU_GetInfo",
+    &XML_RA_FuncData::HX_BBU_GetInfo,
+    Params{
+        Param("AdapterID", &VX_BBU_GetInfo::AdapterID),
+    },
+    Call<HX_BBU_GetInfo>(&VX_BBU_GetInfo::AdapterID, &VX_BBU_GetInfo::BbuInfo),
+    Result{
+        Col("RetVal", kU8, &VX_BBU_GetInfo::RetVal),
+        Nest<kBBU_GetInfo>("BBU_Info", &VX_BBU_GetInfo::BbuInfo),
+    },
+};
+inline void XML_HX_BBU_GetInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_BBU_GetInfo_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_BBU_GetInfo>(elmt, name);
+}
+inline void XML_HX_BBU_GetInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_BBU_GetInfo>(elmt, doc);
+}
+
+// HX_BBU_SetThreshold: both calls are made and the second one's code is reported.
+inline constexpr Function kHX_BBU_SetThreshold{
+    "HX_BBU_SetThreshold",
+    &XML_RA_FuncData::HX_BBU_SetThreshold,
+    Params{
+        Param("AdapterID", &VX_BBU_SetThreshold::AdapterID),
+        Param("tempLowerBound", &VX_BBU_SetThreshold::tempLowerBound),
+        Param("tempUpperBound", &VX_BBU_SetThreshold::tempUpperBound),
+        Param("volLowerBound", &VX_BBU_SetThreshold::volLowerBound),
+        Param("volUpperBound", &VX_BBU_SetThreshold::volUpperBound),
+    },
+    [](VX_BBU_SetThreshold& record) {
+        HX_BBU_SetThreshold(record.AdapterID, HX_BBU_THRESHOLD_TEMPERATURE, record.tempLowerBound,
+                            record.tempUpperBound);
+        record.RetVal = HX_BBU_SetThreshold(record.AdapterID, HX_BBU_THRESHOLD_VOLTAGE,
+                                            record.volLowerBound, record.volUpperBound);
+        return true;
+    },
+    StatusOnly<VX_BBU_SetThreshold>(),
+};
+inline void XML_HX_BBU_SetThreshold_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_BBU_SetThreshold_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_BBU_SetThreshold>(elmt, name);
+}
+inline void XML_HX_BBU_SetThreshold_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_BBU_SetThreshold>(elmt, doc);
+}
+
+// HX_BBU_ChangePower
+inline constexpr Function kHX_BBU_ChangePower{
+    "HX_BBU_ChangePower",
+    &XML_RA_FuncData::HX_BBU_ChangePower,
+    Params{
+        Param("AdapterID", &VX_BBU_ChangePower::AdapterID),
+        Param("action", &VX_BBU_ChangePower::action),
+    },
+    Call<HX_BBU_ChangePower>(&VX_BBU_ChangePower::AdapterID, &VX_BBU_ChangePower::action),
+    StatusOnly<VX_BBU_ChangePower>(),
+};
+inline void XML_HX_BBU_ChangePower_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_BBU_ChangePower_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_BBU_ChangePower>(elmt, name);
+}
+inline void XML_HX_BBU_ChangePower_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_BBU_ChangePower>(elmt, doc);
+}
+
+// HX_BBU_SetStatus
+inline constexpr Function kHX_BBU_SetStatus{
+    "HX_BBU_SetStatus",
+    &XML_RA_FuncData::HX_BBU_SetStatus,
+    Params{
+        Param("AdapterID", &VX_BBU_SetStatus::AdapterID),
+        Param("status", &VX_BBU_SetStatus::status),
+    },
+    Call<HX_BBU_SetStatus>(&VX_BBU_SetStatus::AdapterID, &VX_BBU_SetStatus::status),
+    StatusOnly<VX_BBU_SetStatus>(),
+};
+inline void XML_HX_BBU_SetStatus_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_BBU_SetStatus_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_BBU_SetStatus>(elmt, name);
+}
+inline void XML_HX_BBU_SetStatus_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_BBU_SetStatus>(elmt, doc);
+}
+
+// HX_BBU_SetMaxCapacity
+inline constexpr Function kHX_BBU_SetMaxCapacity{
+    "HX_BBU_SetMaxCapacity",
+    &XML_RA_FuncData::HX_BBU_SetMaxCapacity,
+    Params{
+        Param("maxCapacity", &VX_BBU_SetMaxCapacity::maxCapacity),
+        Param("BBU_ID", &VX_BBU_SetMaxCapacity::BBU_ID),
+    },
+    Call<HX_BBU_SetMaxCapacity>(&VX_BBU_SetMaxCapacity::BBU_ID,
+                                &VX_BBU_SetMaxCapacity::maxCapacity),
+    StatusOnly<VX_BBU_SetMaxCapacity>(),
+};
+inline void XML_HX_BBU_SetMaxCapacity_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_BBU_SetMaxCapacity_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_BBU_SetMaxCapacity>(elmt, name);
+}
+inline void XML_HX_BBU_SetMaxCapacity_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_BBU_SetMaxCapacity>(elmt, doc);
+}
+
+// HX_BBU_ActRelearn
+inline constexpr Function kHX_BBU_ActRelearn{
+    "HX_BBU_ActRelearn",
+    &XML_RA_FuncData::HX_BBU_ActRelearn,
+    Params{
+        Param("AdapterID", &VX_BBU_ActRelearn::AdapterID),
+    },
+    Call<HX_BBU_ActRelearn>(&VX_BBU_ActRelearn::AdapterID),
+    StatusOnly<VX_BBU_ActRelearn>(),
+};
+inline void XML_HX_BBU_ActRelearn_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_BBU_ActRelearn_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_BBU_ActRelearn>(elmt, name);
+}
+inline void XML_HX_BBU_ActRelearn_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_BBU_ActRelearn>(elmt, doc);
+}
+
+// HX_Flash_Erase
+inline constexpr Function kHX_Flash_Erase{
+    "HX_Flash_Erase",
+    &XML_RA_FuncData::HX_Flash_Erase,
+    Params{
+        Param("AdapterID", &VX_Flash_Erase::AdapterID),
+        Param("Page", &VX_Flash_Erase::Page),
+    },
+    Call<HX_Flash_Erase>(&VX_Flash_Erase::AdapterID, &VX_Flash_Erase::Page),
+    StatusOnly<VX_Flash_Erase>(),
+};
+inline void XML_HX_Flash_Erase_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_Flash_Erase_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_Flash_Erase>(elmt, name);
+}
+inline void XML_HX_Flash_Erase_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_Flash_Erase>(elmt, doc);
+}
+
+// HX_Flash_Option
+inline constexpr Function kHX_Flash_Option{
+    "HX_Flash_Option",
+    &XML_RA_FuncData::HX_Flash_Option,
+    Params{
+        Param("Actions", &VX_Flash_Option::Actions),
+        Param("AdapterID", &VX_Flash_Option::AdapterID),
+        Param("Type", &VX_Flash_Option::Type),
+        WholeTextParam("filepath", &VX_Flash_Option::filepath),
+    },
+    [](VX_Flash_Option& record) {
+        record.RetVal = HX_Flash_Option(record.AdapterID, record.Actions, record.Type,
+                                        reinterpret_cast<HX_U8*>(record.filepath));
+        return true;
+    },
+    StatusOnly<VX_Flash_Option>(),
+};
+inline void XML_HX_Flash_Option_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_Flash_Option_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_Flash_Option>(elmt, name);
+}
+inline void XML_HX_Flash_Option_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_Flash_Option>(elmt, doc);
+}
+
+// HX_BIOS_Version
+inline constexpr Function kHX_BIOS_Version{
+    "HX_BIOS_Version",
+    &XML_RA_FuncData::HX_BIOS_Version,
+    Params{WholeTextParam("filepath", &VX_BIOS_Version::filepath)},
+    [](VX_BIOS_Version& record) {
+        record.RetVal = HX_BIOS_Version(reinterpret_cast<HX_U8*>(record.filepath), &record);
+        return true;
+    },
+    Result{
+        Col("RetVal", kU8, &VX_BIOS_Version::RetVal),
+        NestSelf<kVersion_Info_BIOS>("BIOSInfo"),
+    },
+};
+inline void XML_HX_BIOS_Version_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_BIOS_Version_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_BIOS_Version>(elmt, name);
+}
+inline void XML_HX_BIOS_Version_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_BIOS_Version>(elmt, doc);
+}

@@ -1,0 +1,84 @@
+// The functions of the enclosures: for each its rows, then the
+// names of its handlers and its result writer.
+#pragma once
+
+#include "xml_rapi_function.h"
+
+// HX_ENC_GetEnclosureInfo
+inline constexpr Function kHX_ENC_GetEnclosureInfo{
+    "HX_ENC_GetEnclosureInfo",
+    &XML_RA_FuncData::HX_ENC_GetEnclosureInfo,
+    PagedParams<VX_ENC_GetEnclosureInfo>(),
+    Pages<HX_ENC_GetEnclosureInfo, VX_ENC_GetEnclosureInfo>(),
+    StatusOnly<VX_ENC_GetEnclosureInfo>(),
+    Reply<XML_RA_ENC_Enclosure_Info_Request, VX_ENC_GetEnclosureInfo>(),
+};
+inline void XML_HX_ENC_GetEnclosureInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_ENC_GetEnclosureInfo_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_ENC_GetEnclosureInfo>(elmt, name);
+}
+inline void XML_HX_ENC_GetEnclosureInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_ENC_GetEnclosureInfo>(elmt, doc);
+}
+
+// HX_ENC_GetElementInfo
+inline constexpr Function kHX_ENC_GetElementInfo{
+    "HX_ENC_GetElementInfo",
+    &XML_RA_FuncData::HX_ENC_GetElementInfo,
+    Params{
+        Param("AdapterID", &VX_ENC_GetElementInfo::AdapterID),
+        Param("ENC_ID", &VX_ENC_GetElementInfo::ENC_ID),
+    },
+    EachAdapter(&VX_ENC_GetElementInfo::ElementInfo, Items::FollowEachOther,
+                [](VX_ENC_GetElementInfo& record, HX_U8 adapter, HX_U8* items,
+                   EncElementType_Info* elements) {
+                    return HX_ENC_GetElementInfo(adapter, record.ENC_ID, elements, items);
+                }),
+    Result{
+        Col("RetVal", kU8, &VX_ENC_GetElementInfo::RetVal),
+        Col("Count", kU8, &VX_ENC_GetElementInfo::Count),
+    },
+    Records<XML_RA_ENC_ElementInfo>("EncElementType_Info", &VX_ENC_GetElementInfo::ElementInfo,
+                                    &VX_ENC_GetElementInfo::Count),
+};
+inline void XML_HX_ENC_GetElementInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_ENC_GetElementInfo_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_ENC_GetElementInfo>(elmt, name);
+}
+inline void XML_HX_ENC_GetElementInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_ENC_GetElementInfo>(elmt, doc);
+}
+
+// HX_ENC_GetElementConfig
+inline constexpr Function kHX_ENC_GetElementConfig{
+    "HX_ENC_GetElementConfig",
+    &XML_RA_FuncData::HX_ENC_GetElementConfig,
+    Params{
+        Param("AdapterID", &VX_ENC_GetElementConfig::AdapterID),
+        Param("ENC_ID", &VX_ENC_GetElementConfig::ENC_ID),
+    },
+    EachAdapter(&VX_ENC_GetElementConfig::ElementCfg, Items::FollowEachOther,
+                [](VX_ENC_GetElementConfig& record, HX_U8 adapter, HX_U8* items,
+                   EncElement_Config* elements) {
+                    return HX_ENC_GetElementConfig(adapter, record.ENC_ID, elements, items);
+                }),
+    Result{
+        Col("RetVal", kU8, &VX_ENC_GetElementConfig::RetVal),
+        Col("Count", kU8, &VX_ENC_GetElementConfig::Count),
+    },
+    Records<XML_RA_ENC_ElementConfig>("EncElement_Config", &VX_ENC_GetElementConfig::ElementCfg,
+                                      &VX_ENC_GetElementConfig::Count),
+};
+inline void XML_HX_ENC_GetElementConfig_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_ENC_GetElementConfig_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_ENC_GetElementConfig>(elmt, name);
+}
+inline void XML_HX_ENC_GetElementConfig_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_ENC_GetElementConfig>(elmt, doc);
+}

@@ -1,0 +1,207 @@
+// Flash images on their way between a file and an adapter, the version in a BIOS image's header,
+// and the file functions that both use.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "heap_block.h"
+#include "read_file.h"
+#include "root_path.h"
+#include "xml_rapi_local.h"
+
+static_assert(sizeof(off_t) == 8,
+              "an image beyond 2 GiB would fail to open instead of to transfer");
+
+namespace {
+
+constexpr HX_U8 kFailed = 1;
+
+constexpr mode_t kImageMode = 0644;
+
+class Descriptor {
+public:
+    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
+    ~Descriptor() {
+        if (IsOpen()) close(descriptor_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    bool IsOpen() const { return descriptor_ >= 0; }
+    int Get() const { return descriptor_; }
+
+private:
+    int descriptor_;
+};
+
+// Replaces `path`, which names a symbolic link, by where the link leads. False when it is somebody
+// else's: who can put a link where an image is to go could choose the file that is overwritten.
+bool FollowOwnLink(char (&path)[kRootPathSize]) {
+    // The link itself is opened, so that what is checked is what is read.
+    const Descriptor link(open(path, O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    struct stat status;
+    if (!link.IsOpen() || fstat(link.Get(), &status) != 0) return false;
+    if (!S_ISLNK(status.st_mode) || status.st_uid != geteuid()) return false;
+    char target[kRootPathSize];
+    const ssize_t length = readlinkat(link.Get(), "", target, sizeof target);
+    if (length <= 0) return false;
+    // A relative target begins at the link's own folder.
+    const char* const slash = std::strrchr(path, '/');
+    const std::size_t folder =
+        target[0] == '/' || slash == nullptr ? 0 : static_cast<std::size_t>(slash - path) + 1;
+    if (static_cast<std::size_t>(length) >= sizeof path - folder) return false;
+    std::memcpy(path + folder, target, static_cast<std::size_t>(length));
+    path[folder + static_cast<std::size_t>(length)] = '\0';
+    return true;
+}
+
+// Opens or makes the file for an image, or returns -1. Anything but a regular file counts as
+// unopenable, and opening never waits.
+int OpenImageForWrite(const char* filename) {
+    constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    constexpr int kMostLinks = 40;  // as many as the kernel follows
+    char path[kRootPathSize];
+    static_assert(kFilePathSize <= sizeof path);
+    std::memcpy(path, filename, std::strlen(filename) + 1);
+    for (int links = 0; links <= kMostLinks; ++links) {
+        const int file = open(path, kFlags, kImageMode);
+        if (file >= 0) {
+            struct stat status;
+            if (fstat(file, &status) == 0 && S_ISREG(status.st_mode)) return file;
+            close(file);
+            return -1;
+        }
+        if (errno != ELOOP || !FollowOwnLink(path)) return -1;
+    }
+    return -1;
+}
+
+// 32 KiB, too much for a stack that may be a thread's.
+HeapBlock<Flash_Data> MakePiece() {
+    return HeapBlock<Flash_Data>(static_cast<Flash_Data*>(std::malloc(sizeof(Flash_Data))));
+}
+
+// Makes the piece anew: what the one before it held goes nowhere.
+void NumberPiece(Flash_Data& piece, HX_U32 number) {
+    std::memset(&piece, 0, sizeof piece);
+    piece.PageNum = static_cast<HX_U16>(number);
+}
+
+constexpr HX_U32 kMostPieces = 65536;  // their numbers have 16 bits
+
+HX_U8 SendImage(HX_U8 AdapterID, HX_U8 Type, const char* filename) {
+    const Descriptor file(OpenForRead(filename));
+    if (!file.IsOpen()) return kFailed;
+    const auto piece = MakePiece();
+    if (piece == nullptr) return kFailed;
+    for (HX_U32 number = 0; number < kMostPieces; ++number) {
+        NumberPiece(*piece, number);
+        ReadFromFile(file.Get(), piece->Data, sizeof piece->Data, &piece->DataLength);
+        if (piece->DataLength == 0) return kFailed;
+        // The position is at most 2 GiB, so that it never meets a length that 32 bits do not hold.
+        const bool last = FileSeek(file.Get(), 0, SEEK_CUR) == GetFileLen(file.Get());
+        piece->isLastPage = last ? 1 : 0;
+        const HX_U8 status = HX_Flash_Bin(AdapterID, HX_FLASH_WRITE, Type, piece.get());
+        if (status != HX_SUCCESS || last) return status;
+    }
+    return kFailed;
+}
+
+HX_U8 ReceiveImage(HX_U8 AdapterID, HX_U8 Type, const char* filename) {
+    const auto piece = MakePiece();
+    if (piece == nullptr) return kFailed;
+    const Descriptor file(OpenImageForWrite(filename));
+    if (!file.IsOpen()) return kFailed;
+    // Whatever the umask says; somebody else's file keeps its mode.
+    static_cast<void>(fchmod(file.Get(), kImageMode));
+    for (HX_U32 number = 0; number < kMostPieces; ++number) {
+        NumberPiece(*piece, number);
+        const HX_U8 status = HX_Flash_Bin(AdapterID, HX_FLASH_READ, Type, piece.get());
+        if (status != HX_SUCCESS) return status;
+        // A failed write is not reported: the code is the controller's.
+        WriteToFile(file.Get(), piece->Data,
+                    std::min<HX_U32>(piece->DataLength, sizeof piece->Data));
+        if (piece->isLastPage != 0) return status;
+    }
+    return kFailed;
+}
+
+constexpr std::size_t kBiosHeaderSize = 64;
+
+HX_U16 LittleEndian16(const HX_U8* at) { return static_cast<HX_U16>(at[0] | at[1] << 8); }
+
+// Whatever byte stands where a digit belongs counts as one; the numbers wrap at 16 bits.
+HX_U16 Digit(const HX_U8* at) { return static_cast<HX_U16>(at[0] - '0'); }
+HX_U16 TwoDigits(const HX_U8* at) {
+    return static_cast<HX_U16>(10 * (at[0] - '0') + (at[1] - '0'));
+}
+
+// What 32 bits say of a file position.
+HX_U32 Position(off_t position) {
+    constexpr HX_U32 kNone = std::numeric_limits<HX_U32>::max();
+    return position < 0 || position > off_t{kNone} ? kNone : static_cast<HX_U32>(position);
+}
+
+}  // namespace
+
+HX_U8 HX_Flash_Option(HX_U8 AdapterID, HX_U8 Actions, HX_U8 Type, HX_U8* filename) {
+    const char* const path = WholeText(filename, kFilePathSize);
+    if (path == nullptr) return kFailed;
+    if (Actions == HX_FLASH_WRITE) return SendImage(AdapterID, Type, path);
+    if (Actions == HX_FLASH_READ) return ReceiveImage(AdapterID, Type, path);
+    return HX_SUCCESS;
+}
+
+HX_U8 HX_BIOS_Version(HX_U8* filename, VX_BIOS_Version* BiosVersion) {
+    const char* const path = WholeText(filename, kFilePathSize);
+    if (path == nullptr) return kFailed;
+    const Descriptor file(OpenForRead(path));
+    if (!file.IsOpen()) return kFailed;
+    HX_U8 header[kBiosHeaderSize];
+    HX_U32 length;
+    ReadFromFile(file.Get(), header, sizeof header, &length);
+    if (length < sizeof header) return kFailed;
+    const bool binary = header[6] < '0';
+    BiosVersion->VersionInfo = {
+        binary ? LittleEndian16(header + 6) : Digit(header + 6),
+        binary ? LittleEndian16(header + 8) : Digit(header + 8),
+        binary ? LittleEndian16(header + 10) : Digit(header + 10),
+        binary ? LittleEndian16(header + 12) : TwoDigits(header + 12),
+    };
+    BiosVersion->SubVenID = LittleEndian16(header + 32);
+    BiosVersion->SubDevID = LittleEndian16(header + 34);
+    return HX_SUCCESS;
+}
+
+HX_U8 WriteToFile(int file, HX_U8* Data, HX_U32 size) {
+    HX_U32 total = 0;
+    while (total < size) {
+        const ssize_t written = write(file, Data + total, size - total);
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return kFailed;
+        total += static_cast<HX_U32>(written);
+    }
+    return HX_SUCCESS;
+}
+
+HX_U8 ReadFromFile(int file, HX_U8* buf, HX_U32 len, HX_U32* ReadBytes) {
+    *ReadBytes = static_cast<HX_U32>(::ReadBytes(file, reinterpret_cast<char*>(buf), len));
+    return HX_SUCCESS;
+}
+
+HX_U32 GetFileLen(int file) {
+    const off_t here = lseek(file, 0, SEEK_CUR);
+    const off_t end = lseek(file, 0, SEEK_END);
+    static_cast<void>(lseek(file, here, SEEK_SET));
+    return Position(end);
+}
+
+HX_U32 FileSeek(int file, HX_I32 offset, HX_U32 whence) {
+    return Position(lseek(file, offset, static_cast<int>(whence)));
+}

@@ -1,0 +1,39 @@
+// The headers of list requests: where a page starts and how many entries it may hold.
+#include <algorithm>
+
+#include "xml_rapi_local.h"
+
+void setRequestHeader(RequestHeader* pReq, HX_U8 requestType, HX_U16 startingIndexOrId,
+                      HX_U16 numRequested) {
+    *pReq = {};
+    pReq->requestType = requestType;
+    pReq->startingIndexOrId = startingIndexOrId;
+    pReq->numRequested = numRequested;
+}
+
+void ResetRequestHeader(RequestHeader* pReq) {
+    pReq->nextStartingIndex = 0;
+    pReq->startingIndexOrId = 0;
+}
+
+void AdjustRequestNum(RequestHeader* pReq, HX_U16 maxAdapterSupport, HX_U16 maxAPISupport) {
+    pReq->numRequested = std::min({pReq->numRequested, maxAdapterSupport, maxAPISupport});
+}
+
+void ResetnumRequestOfRequestHead(RequestHeader* pReq, HX_U16 maxAdapterSupport,
+                                  HX_U16 maxRequested, HX_U16 numreturned, HX_U16 maxAPISupport) {
+    if (pReq->nextStartingIndex == HX_LIST_COMPLETE) return;
+    // More entries than were wanted must not turn into a request for nearly 65536.
+    const int missing = std::max(0, maxRequested - numreturned);
+    pReq->numRequested = static_cast<HX_U16>(missing);
+    AdjustRequestNum(pReq, maxAdapterSupport, maxAPISupport);
+}
+
+HX_U16 Get_Adapter_MaxBuffersize(HX_U8 AdapterID) {
+    if (AdapterID == HX_ALL_ADAPTERS) return 0;
+    HX_U8 count = 0;
+    Adapter_Info info{};
+    // An adapter that fails leaves the record as it is: 0, no limit.
+    static_cast<void>(HX_Adapter_GetInfo(AdapterID, &count, &info));
+    return info.MaxBufferSize;
+}

@@ -1,0 +1,206 @@
+// Users: logon and groups against the host's user, shadow and group databases. Under a root prefix
+// the databases are the files below that root, so that a test brings its own users.
+#include <crypt.h>
+#include <grp.h>
+#include <pwd.h>
+#include <shadow.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "heap_block.h"
+#include "read_file.h"
+#include "root_path.h"
+#include "xml_rapi_local.h"
+
+namespace {
+
+constexpr char kAdministrator[] = "root";       // the user that is always one
+constexpr char kAdministratorGroup[] = "root";  // the group whose listed members are
+
+constexpr HX_BOOLEAN kNoShadowEntry = 2;
+constexpr HX_BOOLEAN kWrongPassword = 3;
+
+// The databases: for each the system's lookup by name, the reading of the file that can stand in
+// for it, and where an entry keeps its name. Lookup and reading return 0 or an error number.
+
+struct ShadowDatabase {
+    using Entry = spwd;
+    static constexpr char kFile[] = "/etc/shadow";
+    static constexpr auto kName = &spwd::sp_namp;
+    static int Find(const char* name, spwd* entry, char* texts, std::size_t room, spwd** found) {
+        return getspnam_r(name, entry, texts, room, found);
+    }
+    static int Next(std::FILE* file, spwd* entry, char* texts, std::size_t room, spwd** found) {
+        return fgetspent_r(file, entry, texts, room, found);
+    }
+};
+
+struct UserDatabase {
+    using Entry = passwd;
+    static constexpr char kFile[] = "/etc/passwd";
+    static constexpr auto kName = &passwd::pw_name;
+    static int Find(const char* name, passwd* entry, char* texts, std::size_t room,
+                    passwd** found) {
+        return getpwnam_r(name, entry, texts, room, found);
+    }
+    static int Next(std::FILE* file, passwd* entry, char* texts, std::size_t room, passwd** found) {
+        return fgetpwent_r(file, entry, texts, room, found);
+    }
+};
+
+struct GroupDatabase {
+    using Entry = group;
+    static constexpr char kFile[] = "/etc/group";
+    static constexpr auto kName = &group::gr_name;
+    static int Find(const char* name, group* entry, char* texts, std::size_t room, group** found) {
+        return getgrnam_r(name, entry, texts, room, found);
+    }
+    static int Next(std::FILE* file, group* entry, char* texts, std::size_t room, group** found) {
+        return fgetgrent_r(file, entry, texts, room, found);
+    }
+};
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+File OpenDatabase(const char* path) {
+    const int descriptor = OpenForRead(path);
+    if (descriptor < 0) return nullptr;
+    File file(fdopen(descriptor, "r"));
+    if (file == nullptr) close(descriptor);
+    return file;
+}
+
+// The first entry of that name, as the system's lookup takes it.
+template <class Database>
+int FindInFile(std::FILE* file, const char* name, typename Database::Entry* entry, char* texts,
+               std::size_t room, typename Database::Entry** found) {
+    std::rewind(file);
+    for (;;) {
+        const int error = Database::Next(file, entry, texts, room, found);
+        if (error != 0) return error;
+        if (std::strcmp(entry->*Database::kName, name) == 0) return 0;
+    }
+}
+
+// Room for the texts of one entry. A group of some fifty thousand members fits into the most;
+// an entry that needs more counts as missing.
+constexpr std::size_t kFirstRoom = 1024;
+constexpr std::size_t kMostRoom = std::size_t{1} << 20;
+
+// One search in a database. It owns the entry found and wipes its texts, which can hold a hash.
+template <class Database>
+class Search {
+public:
+    using Entry = typename Database::Entry;
+
+    Search() = default;
+    ~Search() { Wipe(); }
+    Search(const Search&) = delete;
+    Search& operator=(const Search&) = delete;
+
+    /// The entry called `name`, which lives as long as the search; null when there is none,
+    /// whatever the reason.
+    const Entry* Find(const char* name) {
+        char path[kRootPathSize];
+        if (RootPath(path, Database::kFile) == nullptr) return nullptr;
+        const bool own_root = std::strcmp(path, Database::kFile) != 0;
+        const File file = own_root ? OpenDatabase(path) : nullptr;
+        if (own_root && file == nullptr) return nullptr;
+        for (std::size_t room = kFirstRoom; room <= kMostRoom; room *= 2) {
+            if (!MakeRoom(room)) return nullptr;
+            Entry* found = nullptr;
+            const int error = own_root ? FindInFile<Database>(file.get(), name, &entry_,
+                                                              texts_.get(), room, &found)
+                                       : Database::Find(name, &entry_, texts_.get(), room, &found);
+            if (error != ERANGE) return error == 0 ? found : nullptr;
+        }
+        return nullptr;
+    }
+
+private:
+    bool MakeRoom(std::size_t room) {
+        Wipe();
+        texts_.reset(static_cast<char*>(std::calloc(room, 1)));
+        room_ = texts_ == nullptr ? 0 : room;
+        return room_ != 0;
+    }
+    void Wipe() {
+        if (texts_ != nullptr) explicit_bzero(texts_.get(), room_);
+    }
+
+    Entry entry_{};
+    HeapBlock<char> texts_;
+    std::size_t room_ = 0;
+};
+
+// The group of a user who exists: UnknownUser when the host has no group of administrators. The
+// primary group is not asked: only who is listed counts.
+UserGroup GroupOf(const char* user) {
+    if (std::strcmp(user, kAdministrator) == 0) return AdminUser;
+    Search<GroupDatabase> search;
+    const group* const administrators = search.Find(kAdministratorGroup);
+    if (administrators == nullptr) return UnknownUser;
+    for (char* const* member = administrators->gr_mem; *member != nullptr; ++member) {
+        if (std::strcmp(*member, user) == 0) return AdminUser;
+    }
+    return ValidUser;
+}
+
+// crypt's working memory holds the password and what was made of it.
+struct WipeAndFree {
+    void operator()(crypt_data* data) const {
+        explicit_bzero(data, sizeof *data);
+        std::free(data);
+    }
+};
+
+bool IsPassword(const char* password, const char* stored_hash) {
+    // 32 KiB and more, too much for a stack that may be a thread's.
+    const std::unique_ptr<crypt_data, WipeAndFree> data(
+        static_cast<crypt_data*>(std::calloc(1, sizeof(crypt_data))));
+    if (data == nullptr) return false;
+    const char* const hash = crypt_r(password, stored_hash, data.get());
+    // crypt answers what is no hash (a locked or empty entry) with null or a text that begins with
+    // an asterisk. No hash begins so: what stands in the entry must not match it by accident.
+    if (hash == nullptr || *hash == '*') return false;
+    return std::strcmp(hash, stored_hash) == 0;
+}
+
+}  // namespace
+
+HX_BOOLEAN HX_LogonUser(HX_U8* lpszUsername, HX_U8*, HX_U8* lpszPassword, HX_U32, HX_U32, void*,
+                        UserGroup* UG) {
+    *UG = UnknownUser;
+    const char* const user = WholeText(lpszUsername, kUserTextSize);
+    if (user == nullptr || *user == '\0') return kNoShadowEntry;
+    Search<ShadowDatabase> search;
+    const spwd* const entry = search.Find(user);
+    if (entry == nullptr) return kNoShadowEntry;
+    *UG = GroupOf(user);
+    const char* const password = WholeText(lpszPassword, kUserTextSize);
+    const bool right = password != nullptr && IsPassword(password, entry->sp_pwdp);
+    return right ? HX_SUCCESS : kWrongPassword;
+}
+
+HX_BOOLEAN HX_GetUserGroup(HX_U8* lpszUsername, HX_U8*, UserGroup* UG) {
+    *UG = UnknownUser;
+    const char* const user = WholeText(lpszUsername, kUserTextSize);
+    if (user == nullptr || *user == '\0') return 0;
+    Search<UserDatabase> search;
+    if (search.Find(user) == nullptr) return 0;
+    *UG = GroupOf(user);
+    return *UG == UnknownUser ? 1 : 0;
+}
+
+HX_BOOLEAN HX_GetUserName(HX_U8* username, HX_U32, HX_U8*, HX_U32) {
+    std::memcpy(username, kAdministrator, sizeof kAdministrator);
+    return 0;
+}

@@ -1,0 +1,110 @@
+// The functions of the host's users: for each its rows, then the names of its handlers and its
+// result writer.
+#pragma once
+
+#include <cstring>
+
+#include "xml_rapi_function.h"
+
+/// Writes the result of a user function: its value writer, called with the function's own name,
+/// closes the function element, and the closing call that ends every result then finds none open.
+template <const auto& kFunction, class Value>
+void WriteUserResult(XMLElement* elmt, XMLWR_Doc* doc,
+                     int (*writer)(XMLWR_Doc*, const char*, const Value*, HX_U32),
+                     const Value& value) {
+    XMLWR_ElmtStartPrintf(doc, 0, kFunction.name, " %s=\"%s\"", "type", "function");
+    WriteRowsNearEnd<kFunction, kListDepth>(doc, RequestRecord<kFunction>(elmt));
+    writer(doc, kFunction.name, &value, 1);
+    XMLWR_ElmtEnd(doc, 0, kFunction.name);
+}
+
+/// Checks the password and leaves no copy of it: neither in the record nor in the parse's text.
+struct LogonCall {
+    bool operator()(VX_LogonUser& record) const {
+        record.RetVal =
+            HX_LogonUser(reinterpret_cast<HX_U8*>(record.lpszUsername),
+                         reinterpret_cast<HX_U8*>(record.lpszDomain),
+                         reinterpret_cast<HX_U8*>(record.lpszPassword), record.dwLogonType,
+                         record.dwLogonProvider, record.phToken, &record.UG);
+        return true;
+    }
+    static void Release(VX_LogonUser& record, XMLElement& elmt) {
+        explicit_bzero(record.lpszPassword, sizeof record.lpszPassword);
+        explicit_bzero(elmt.CharDataBuf, sizeof elmt.CharDataBuf);
+    }
+};
+
+// HX_LogonUser
+inline constexpr Function kHX_LogonUser{
+    "HX_LogonUser",
+    &XML_RA_FuncData::HX_LogonUser,
+    Params{
+        WholeTextParam("lpszUsername", &VX_LogonUser::lpszUsername),
+        WholeTextParam("lpszDomain", &VX_LogonUser::lpszDomain),
+        WholeTextParam("lpszPassword", &VX_LogonUser::lpszPassword),
+    },
+    LogonCall{},
+    StatusOnly<VX_LogonUser>(),
+};
+inline void XML_HX_LogonUser_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LogonUser_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LogonUser>(elmt, name);
+}
+inline void XML_HX_LogonUser_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteUserResult<kHX_LogonUser>(elmt, doc, XML_RA_UserGroup_Value,
+                                   RequestRecord<kHX_LogonUser>(elmt).UG);
+}
+
+// HX_GetUserGroup
+inline constexpr Function kHX_GetUserGroup{
+    "HX_GetUserGroup",
+    &XML_RA_FuncData::HX_GetUserGroup,
+    Params{
+        WholeTextParam("lpszUsername", &VX_GetUserGroup::lpszUsername),
+        WholeTextParam("lpszDomain", &VX_GetUserGroup::lpszDomain),
+    },
+    [](VX_GetUserGroup& record) {
+        record.RetVal = HX_GetUserGroup(reinterpret_cast<HX_U8*>(record.lpszUsername),
+                                        reinterpret_cast<HX_U8*>(record.lpszDomain), &record.UG);
+        return true;
+    },
+    StatusOnly<VX_GetUserGroup>(),
+};
+inline void XML_HX_GetUserGroup_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_GetUserGroup_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_GetUserGroup>(elmt, name);
+}
+inline void XML_HX_GetUserGroup_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteUserResult<kHX_GetUserGroup>(elmt, doc, XML_RA_UserGroup_Value,
+                                      RequestRecord<kHX_GetUserGroup>(elmt).UG);
+}
+
+// HX_GetUserName
+inline constexpr Function kHX_GetUserName{
+    "HX_GetUserName",
+    &XML_RA_FuncData::HX_GetUserName,
+    NoParams<VX_GetUserName>(),
+    [](VX_GetUserName& record) {
+        record.nsize = sizeof record.UserName;
+        record.dsize = sizeof record.DomaimName;
+        record.UserName[0] = '\0';
+        record.RetVal = HX_GetUserName(reinterpret_cast<HX_U8*>(record.UserName), record.nsize,
+                                       reinterpret_cast<HX_U8*>(record.DomaimName), record.dsize);
+        return true;
+    },
+    StatusOnly<VX_GetUserName>(),
+};
+inline void XML_HX_GetUserName_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_GetUserName_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_GetUserName>(elmt, name);
+}
+inline void XML_HX_GetUserName_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteUserResult<kHX_GetUserName>(elmt, doc, XML_RA_UserName_Value,
+                                     RequestRecord<kHX_GetUserName>(elmt));
+}

@@ -1,0 +1,525 @@
+// The functions of the virtual disks: for each its rows, then the
+// names of its handlers and its result writer.
+#pragma once
+
+#include "xml_rapi_function.h"
+
+// HX_LD_GetInfo
+inline constexpr Function kHX_LD_GetInfo{
+    "HX_LD_GetInfo",
+    &XML_RA_FuncData::HX_LD_GetInfo,
+    PagedParams<VX_LD_GetInfo>(),
+    Pages<HX_LD_GetInfo, VX_LD_GetInfo>(),
+    StatusOnly<VX_LD_GetInfo>(),
+    Reply<XML_RA_LD_Info_Request, VX_LD_GetInfo>(),
+};
+inline void XML_HX_LD_GetInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_GetInfo_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_GetInfo>(elmt, name);
+}
+inline void XML_HX_LD_GetInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_GetInfo>(elmt, doc);
+}
+
+// HX_LD_GetTargetLDInfo
+inline constexpr Function kHX_LD_GetTargetLDInfo{
+    "HX_LD_GetTargetLDInfo",
+    &XML_RA_FuncData::HX_LD_GetTargetLDInfo,
+    Params{
+        Param("AdapterID", &VX_LD_GetTargetLDInfo::AdapterID),
+        Param("LD_ID", &VX_LD_GetTargetLDInfo::LD_ID),
+    },
+    Call<HX_LD_GetTargetLDInfo>(&VX_LD_GetTargetLDInfo::AdapterID, &VX_LD_GetTargetLDInfo::LD_ID,
+                                &VX_LD_GetTargetLDInfo::LDInfo),
+    Result{
+        Col("RetVal", kU8, &VX_LD_GetTargetLDInfo::RetVal),
+        Nest<kLD_Info>("LDInfo", &VX_LD_GetTargetLDInfo::LDInfo),
+    },
+};
+inline void XML_HX_LD_GetTargetLDInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_GetTargetLDInfo_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_GetTargetLDInfo>(elmt, name);
+}
+inline void XML_HX_LD_GetTargetLDInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_GetTargetLDInfo>(elmt, doc);
+}
+
+// HX_LD_Delete
+inline constexpr Function kHX_LD_Delete{
+    "HX_LD_Delete",
+    &XML_RA_FuncData::HX_LD_Delete,
+    Params{
+        Param("AdapterID", &VX_LD_Delete::AdapterID),
+        Param("LD_ID", &VX_LD_Delete::LD_ID),
+        Param("deleteMBR", &VX_LD_Delete::deleteMBR),
+    },
+    Call<HX_LD_Delete>(&VX_LD_Delete::AdapterID, &VX_LD_Delete::LD_ID, &VX_LD_Delete::deleteMBR),
+    StatusOnly<VX_LD_Delete>(),
+};
+inline void XML_HX_LD_Delete_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_Delete_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_Delete>(elmt, name);
+}
+inline void XML_HX_LD_Delete_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_Delete>(elmt, doc);
+}
+
+// HX_LD_Create
+inline constexpr Function kHX_LD_Create{
+    "HX_LD_Create",
+    &XML_RA_FuncData::HX_LD_Create,
+    Params{
+        Param("AdapterID", &VX_LD_Create::AdapterID),
+        Within(&VX_LD_Create::CreateLDParam,
+               Params{
+                   Param("RaidMode", &Create_LD_Param::RaidMode),
+                   Param("HDCount", &Create_LD_Param::HDCount),
+                   Param("RoundingScheme", &Create_LD_Param::RoundingScheme),
+                   Param("SubLDCount", &Create_LD_Param::SubLDCount),
+                   Param("NumParityDisk", &Create_LD_Param::NumParityDisk),
+                   Param("StripeBlockSize", &Create_LD_Param::StripeBlockSize),
+                   Param("CachePolicy", &Create_LD_Param::CachePolicy),
+                   Param("InitializationOption", &Create_LD_Param::InitializationOption),
+                   Param("SectorCoefficient", &Create_LD_Param::SectorCoefficient),
+                   Param("HDIDs", &Create_LD_Param::HDIDs),
+                   Param("Name", &Create_LD_Param::Name),
+                   Param("Size", &Create_LD_Param::Size),
+               }),
+    },
+    Call<HX_LD_Create>(&VX_LD_Create::AdapterID, &VX_LD_Create::CreateLDParam),
+    StatusOnly<VX_LD_Create>(),
+};
+inline void XML_HX_LD_Create_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_Create_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_Create>(elmt, name);
+}
+inline void XML_HX_LD_Create_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_Create>(elmt, doc);
+}
+
+// HX_LD_QuickCreate: one virtual disk over all free disks.
+inline constexpr Function kHX_LD_QuickCreate{
+    "HX_LD_QuickCreate",
+    &XML_RA_FuncData::HX_LD_QuickCreate,
+    Params{
+        Param("AdapterID", &VX_LD_QuickCreate::AdapterID),
+        Param("Type", &VX_LD_QuickCreate::Type),
+    },
+    Call<HX_LD_QuickCreate>(&VX_LD_QuickCreate::AdapterID, &VX_LD_QuickCreate::Type),
+    StatusOnly<VX_LD_QuickCreate>(),
+};
+inline void XML_HX_LD_QuickCreate_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_QuickCreate_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_QuickCreate>(elmt, name);
+}
+inline void XML_HX_LD_QuickCreate_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_QuickCreate>(elmt, doc);
+}
+
+// HX_LD_GetMaxSize
+inline constexpr Function kHX_LD_GetMaxSize{
+    "HX_LD_GetMaxSize",
+    &XML_RA_FuncData::HX_LD_GetMaxSize,
+    Params{
+        Param("AdapterID", &VX_LD_GetMaxSize::AdapterID),
+        Within(&VX_LD_GetMaxSize::CreateLDParam,
+               Params{
+                   Param("RaidMode", &Create_LD_Param::RaidMode),
+                   Param("HDCount", &Create_LD_Param::HDCount),
+                   Param("RoundingScheme", &Create_LD_Param::RoundingScheme),
+                   Param("SubLDCount", &Create_LD_Param::SubLDCount),
+                   Param("NumParityDisk", &Create_LD_Param::NumParityDisk),
+                   Param("StripeBlockSize", &Create_LD_Param::StripeBlockSize),
+                   Param("CachePolicy", &Create_LD_Param::CachePolicy),
+                   Param("InitializationOption", &Create_LD_Param::InitializationOption),
+                   Param("HDIDs", &Create_LD_Param::HDIDs),
+                   Param("Name", &Create_LD_Param::Name),
+                   Param("Size", &Create_LD_Param::Size),
+               }),
+    },
+    Call<HX_LD_GetMaxSize>(&VX_LD_GetMaxSize::AdapterID, &VX_LD_GetMaxSize::CreateLDParam),
+    Result{
+        Col("RetVal", kU8, &VX_LD_GetMaxSize::RetVal),
+        Nest<kCreate_LD_Param>("CreateLDParam", &VX_LD_GetMaxSize::CreateLDParam),
+    },
+};
+inline void XML_HX_LD_GetMaxSize_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_GetMaxSize_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_GetMaxSize>(elmt, name);
+}
+inline void XML_HX_LD_GetMaxSize_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_GetMaxSize>(elmt, doc);
+}
+
+// HX_LD_PauseAll
+inline constexpr Function kHX_LD_PauseAll{
+    "HX_LD_PauseAll",
+    &XML_RA_FuncData::HX_LD_PauseAll,
+    Params{
+        Param("AdapterID", &VX_LD_PauseAll::AdapterID),
+    },
+    Call<HX_LD_PauseAll>(&VX_LD_PauseAll::AdapterID),
+    StatusOnly<VX_LD_PauseAll>(),
+};
+inline void XML_HX_LD_PauseAll_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_PauseAll_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_PauseAll>(elmt, name);
+}
+inline void XML_HX_LD_PauseAll_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_PauseAll>(elmt, doc);
+}
+
+// HX_LD_GetStatus
+inline constexpr Function kHX_LD_GetStatus{
+    "HX_LD_GetStatus",
+    &XML_RA_FuncData::HX_LD_GetStatus,
+    PagedParams<VX_LD_GetStatus>(),
+    Pages<HX_LD_GetStatus, VX_LD_GetStatus>(),
+    StatusOnly<VX_LD_GetStatus>(),
+    Reply<XML_RA_LD_Status_Request, VX_LD_GetStatus>(),
+};
+inline void XML_HX_LD_GetStatus_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_GetStatus_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_GetStatus>(elmt, name);
+}
+inline void XML_HX_LD_GetStatus_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_GetStatus>(elmt, doc);
+}
+
+// HX_LD_GetConfig
+inline constexpr Function kHX_LD_GetConfig{
+    "HX_LD_GetConfig",
+    &XML_RA_FuncData::HX_LD_GetConfig,
+    PagedParams<VX_LD_GetConfig>(),
+    Pages<HX_LD_GetConfig, VX_LD_GetConfig>(),
+    StatusOnly<VX_LD_GetConfig>(),
+    Reply<XML_RA_LD_Config_Request, VX_LD_GetConfig>(),
+};
+inline void XML_HX_LD_GetConfig_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_GetConfig_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_GetConfig>(elmt, name);
+}
+inline void XML_HX_LD_GetConfig_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_GetConfig>(elmt, doc);
+}
+
+// HX_LD_SetConfig
+inline constexpr Function kHX_LD_SetConfig{
+    "HX_LD_SetConfig",
+    &XML_RA_FuncData::HX_LD_SetConfig,
+    Params{
+        Param("AdapterID", &VX_LD_SetConfig::AdapterID),
+        Param("LD_ID", &VX_LD_SetConfig::LD_ID),
+        Within(&VX_LD_SetConfig::LDConfig,
+               Params{
+                   Param("CacheMode", &LD_Config::CacheMode),
+                   Param("AutoRebuildOn", &LD_Config::AutoRebuildOn),
+                   Param("Status", &LD_Config::Status),
+                   Param("LDID", &LD_Config::LDID),
+                   Param("Name", &LD_Config::Name),
+               }),
+    },
+    Call<HX_LD_SetConfig>(&VX_LD_SetConfig::AdapterID, &VX_LD_SetConfig::LD_ID,
+                          &VX_LD_SetConfig::LDConfig),
+    StatusOnly<VX_LD_SetConfig>(),
+};
+inline void XML_HX_LD_SetConfig_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_SetConfig_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_SetConfig>(elmt, name);
+}
+inline void XML_HX_LD_SetConfig_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_SetConfig>(elmt, doc);
+}
+
+// HX_LD_StartRebuild
+inline constexpr Function kHX_LD_StartRebuild{
+    "HX_LD_StartRebuild",
+    &XML_RA_FuncData::HX_LD_StartRebuild,
+    Params{
+        Param("AdapterID", &VX_LD_StartRebuild::AdapterID),
+        Param("LD_ID", &VX_LD_StartRebuild::LD_ID),
+        Param("Rebuild_HD_ID", &VX_LD_StartRebuild::Rebuild_HD_ID),
+    },
+    Call<HX_LD_StartRebuild>(&VX_LD_StartRebuild::AdapterID, &VX_LD_StartRebuild::LD_ID,
+                             &VX_LD_StartRebuild::Rebuild_HD_ID),
+    StatusOnly<VX_LD_StartRebuild>(),
+};
+inline void XML_HX_LD_StartRebuild_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_StartRebuild_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_StartRebuild>(elmt, name);
+}
+inline void XML_HX_LD_StartRebuild_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_StartRebuild>(elmt, doc);
+}
+
+// HX_LD_StartConsistencyCheck
+inline constexpr Function kHX_LD_StartConsistencyCheck{
+    "HX_LD_StartConsistencyCheck",
+    &XML_RA_FuncData::HX_LD_StartConsistencyCheck,
+    Params{
+        Param("AdapterID", &VX_LD_StartConsistencyCheck::AdapterID),
+        Param("LD_ID", &VX_LD_StartConsistencyCheck::LD_ID),
+        Param("Type", &VX_LD_StartConsistencyCheck::Type),
+    },
+    Call<HX_LD_StartConsistencyCheck>(&VX_LD_StartConsistencyCheck::AdapterID,
+                                      &VX_LD_StartConsistencyCheck::LD_ID,
+                                      &VX_LD_StartConsistencyCheck::Type),
+    StatusOnly<VX_LD_StartConsistencyCheck>(),
+};
+inline void XML_HX_LD_StartConsistencyCheck_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_StartConsistencyCheck_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_StartConsistencyCheck>(elmt, name);
+}
+inline void XML_HX_LD_StartConsistencyCheck_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_StartConsistencyCheck>(elmt, doc);
+}
+
+// HX_LD_StartINIT
+inline constexpr Function kHX_LD_StartINIT{
+    "HX_LD_StartINIT",
+    &XML_RA_FuncData::HX_LD_StartINIT,
+    Params{
+        Param("AdapterID", &VX_LD_StartINIT::AdapterID),
+        Param("LD_ID", &VX_LD_StartINIT::LD_ID),
+        Param("Init_Type", &VX_LD_StartINIT::Init_Type),
+    },
+    Call<HX_LD_StartINIT>(&VX_LD_StartINIT::AdapterID, &VX_LD_StartINIT::LD_ID,
+                          &VX_LD_StartINIT::Init_Type),
+    StatusOnly<VX_LD_StartINIT>(),
+};
+inline void XML_HX_LD_StartINIT_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_StartINIT_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_StartINIT>(elmt, name);
+}
+inline void XML_HX_LD_StartINIT_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_StartINIT>(elmt, doc);
+}
+
+/// What a migration changes: the level and the disks of a virtual disk.
+inline constexpr Params kMigrationParams{
+    Param("LDID", &Create_LD_Param::LDID),
+    Param("RaidMode", &Create_LD_Param::RaidMode),
+    Param("HDCount", &Create_LD_Param::HDCount),
+    Param("HDIDs", &Create_LD_Param::HDIDs),
+};
+
+// HX_LD_StartMigration
+inline constexpr Function kHX_LD_StartMigration{
+    "HX_LD_StartMigration",
+    &XML_RA_FuncData::HX_LD_StartMigration,
+    Params{
+        Param("AdapterID", &VX_LD_StartMigration::AdapterID),
+        Within(&VX_LD_StartMigration::CreateLDParam, kMigrationParams),
+    },
+    Call<HX_LD_StartMigration>(&VX_LD_StartMigration::AdapterID,
+                               &VX_LD_StartMigration::CreateLDParam),
+    StatusOnly<VX_LD_StartMigration>(),
+};
+inline void XML_HX_LD_StartMigration_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_StartMigration_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_StartMigration>(elmt, name);
+}
+inline void XML_HX_LD_StartMigration_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_StartMigration>(elmt, doc);
+}
+
+// HX_LD_GetMigratedLdSize
+inline constexpr Function kHX_LD_GetMigratedLdSize{
+    "HX_LD_GetMigratedLdSize",
+    &XML_RA_FuncData::HX_LD_GetMigratedLdSize,
+    Params{
+        Param("AdapterID", &VX_LD_GetMigratedLdSize::AdapterID),
+        Within(&VX_LD_GetMigratedLdSize::CreateLDParam, kMigrationParams),
+    },
+    Call<HX_LD_GetMigratedLdSize>(&VX_LD_GetMigratedLdSize::AdapterID,
+                                  &VX_LD_GetMigratedLdSize::CreateLDParam),
+    Result{
+        Col("RetVal", kU8, &VX_LD_GetMigratedLdSize::RetVal),
+        Nest<kCreate_LD_Param>("CreateLDParam", &VX_LD_GetMigratedLdSize::CreateLDParam),
+    },
+};
+inline void XML_HX_LD_GetMigratedLdSize_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_GetMigratedLdSize_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_GetMigratedLdSize>(elmt, name);
+}
+inline void XML_HX_LD_GetMigratedLdSize_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_GetMigratedLdSize>(elmt, doc);
+}
+
+// HX_LD_BGAControl
+inline constexpr Function kHX_LD_BGAControl{
+    "HX_LD_BGAControl",
+    &XML_RA_FuncData::HX_LD_BGAControl,
+    Params{
+        Param("AdapterID", &VX_LD_BGAControl::AdapterID),
+        Param("LD_ID", &VX_LD_BGAControl::LD_ID),
+        Param("Actions", &VX_LD_BGAControl::Actions),
+    },
+    Call<HX_LD_BGAControl>(&VX_LD_BGAControl::AdapterID, &VX_LD_BGAControl::LD_ID,
+                           &VX_LD_BGAControl::Actions),
+    StatusOnly<VX_LD_BGAControl>(),
+};
+inline void XML_HX_LD_BGAControl_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_BGAControl_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_BGAControl>(elmt, name);
+}
+inline void XML_HX_LD_BGAControl_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_BGAControl>(elmt, doc);
+}
+
+// HX_LD_Import
+inline constexpr Function kHX_LD_Import{
+    "HX_LD_Import",
+    &XML_RA_FuncData::HX_LD_Import,
+    Params{
+        Param("AdapterID", &VX_LD_Import::AdapterID),
+        Param("LD_ID", &VX_LD_Import::LD_ID),
+    },
+    Call<HX_LD_Import>(&VX_LD_Import::AdapterID, &VX_LD_Import::LD_ID),
+    StatusOnly<VX_LD_Import>(),
+};
+inline void XML_HX_LD_Import_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_Import_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_Import>(elmt, name);
+}
+inline void XML_HX_LD_Import_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_Import>(elmt, doc);
+}
+
+// HX_LD_Create_OnDG
+inline constexpr Function kHX_LD_Create_OnDG{
+    "HX_LD_Create_OnDG",
+    &XML_RA_FuncData::HX_LD_Create_OnDG,
+    Params{
+        Param("AdapterID", &VX_LD_Create_OnDG::AdapterID),
+        Within(&VX_LD_Create_OnDG::CreateOrModifyVDParam,
+               Params{
+                   Param("DGID", &::CreateOrModify_VD_Param::DGID),
+                   Param("Name", &::CreateOrModify_VD_Param::Name),
+                   Param("StripeBlockSize", &::CreateOrModify_VD_Param::StripeBlockSize),
+                   Param("Size", &::CreateOrModify_VD_Param::Size),
+                   Param("RoundingScheme", &::CreateOrModify_VD_Param::RoundingScheme),
+                   Param("CachePolicy", &::CreateOrModify_VD_Param::CachePolicy),
+                   Param("DGSlotNum", &::CreateOrModify_VD_Param::DGSlotNum),
+                   Param("InitializationOption", &::CreateOrModify_VD_Param::InitializationOption),
+                   Param("SectorCoefficient", &::CreateOrModify_VD_Param::SectorCoefficient),
+               }),
+    },
+    Call<HX_LD_Create_OnDG>(&VX_LD_Create_OnDG::AdapterID,
+                            &VX_LD_Create_OnDG::CreateOrModifyVDParam),
+    StatusOnly<VX_LD_Create_OnDG>(),
+};
+inline void XML_HX_LD_Create_OnDG_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_Create_OnDG_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_Create_OnDG>(elmt, name);
+}
+inline void XML_HX_LD_Create_OnDG_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_Create_OnDG>(elmt, doc);
+}
+
+// HX_LD_Modify_OnDG
+inline constexpr Function kHX_LD_Modify_OnDG{
+    "HX_LD_Modify_OnDG",
+    &XML_RA_FuncData::HX_LD_Modify_OnDG,
+    Params{
+        Param("AdapterID", &VX_LD_Modify_OnDG::AdapterID),
+        Within(&VX_LD_Modify_OnDG::CreateOrModifyVDParam,
+               Params{
+                   Param("VDID", &::CreateOrModify_VD_Param::VDID),
+                   Param("DGID", &::CreateOrModify_VD_Param::DGID),
+                   Param("Name", &::CreateOrModify_VD_Param::Name),
+                   Param("RaidMode", &::CreateOrModify_VD_Param::RaidMode),
+                   Param("SubVDCount", &::CreateOrModify_VD_Param::SubVDCount),
+                   Param("NumParityDisk", &::CreateOrModify_VD_Param::NumParityDisk),
+                   Param("StripeBlockSize", &::CreateOrModify_VD_Param::StripeBlockSize),
+                   Param("Size", &::CreateOrModify_VD_Param::Size),
+                   Param("RoundingScheme", &::CreateOrModify_VD_Param::RoundingScheme),
+                   Param("CachePolicy", &::CreateOrModify_VD_Param::CachePolicy),
+                   Param("InitializationOption", &::CreateOrModify_VD_Param::InitializationOption),
+                   Param("SectorCoefficient", &::CreateOrModify_VD_Param::SectorCoefficient),
+                   Param("BlockSize", &::CreateOrModify_VD_Param::BlockSize),
+               }),
+    },
+    Call<HX_LD_Modify_OnDG>(&VX_LD_Modify_OnDG::AdapterID,
+                            &VX_LD_Modify_OnDG::CreateOrModifyVDParam),
+    StatusOnly<VX_LD_Modify_OnDG>(),
+};
+inline void XML_HX_LD_Modify_OnDG_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_LD_Modify_OnDG_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_LD_Modify_OnDG>(elmt, name);
+}
+inline void XML_HX_LD_Modify_OnDG_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_LD_Modify_OnDG>(elmt, doc);
+}
+
+// HX_CreateOrModify_VD
+inline constexpr Function kHX_CreateOrModify_VD{
+    "HX_CreateOrModify_VD",
+    &XML_RA_FuncData::HX_CreateOrModify_VD,
+    Params{
+        Param("AdapterID", &VX_CreateOrModify_VD::AdapterID),
+        Within(&VX_CreateOrModify_VD::CreateOrModify_VD_Param,
+               Params{
+                   Param("VDID", &::CreateOrModify_VD_Param::VDID),
+                   Param("DGID", &::CreateOrModify_VD_Param::DGID),
+                   Param("Name", &::CreateOrModify_VD_Param::Name),
+                   Param("RaidMode", &::CreateOrModify_VD_Param::RaidMode),
+                   Param("SubVDCount", &::CreateOrModify_VD_Param::SubVDCount),
+                   Param("NumParityDisk", &::CreateOrModify_VD_Param::NumParityDisk),
+                   Param("StripeBlockSize", &::CreateOrModify_VD_Param::StripeBlockSize),
+                   Param("Size", &::CreateOrModify_VD_Param::Size),
+                   Param("BlockSize", &::CreateOrModify_VD_Param::BlockSize),
+                   Param("InitializationOption", &::CreateOrModify_VD_Param::InitializationOption),
+               }),
+    },
+    Call<HX_CreateOrModify_VD>(&VX_CreateOrModify_VD::AdapterID,
+                               &VX_CreateOrModify_VD::CreateOrModify_VD_Param),
+    StatusOnly<VX_CreateOrModify_VD>(),
+};
+inline void XML_HX_CreateOrModify_VD_SEH(void*, const XML_Char*, const XML_Char** atts) {
+    StartParameter(atts);
+}
+inline void XML_HX_CreateOrModify_VD_EEH(void* elmt, const XML_Char* name) {
+    EndParameter<kHX_CreateOrModify_VD>(elmt, name);
+}
+inline void XML_HX_CreateOrModify_VD_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
+    WriteResult<kHX_CreateOrModify_VD>(elmt, doc);
+}
