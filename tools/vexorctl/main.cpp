@@ -36,6 +36,7 @@ Exit Run(int argc, const char* const* argv) {
 
     const std::vector<std::string> arguments = MarkedArguments(argc, argv);
     std::vector<const char*> pointers;
+    pointers.reserve(arguments.size());
     for (const std::string& argument : arguments) pointers.push_back(argument.c_str());
     try {
         app.parse(static_cast<int>(pointers.size()), pointers.data());
