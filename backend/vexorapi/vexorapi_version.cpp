@@ -37,20 +37,11 @@ struct Module {
 };
 constexpr Module kModules[] = {
     {PRODUCT, &productVersionMajor, &productVersionMinor, &productVersionOEM, &productVersionBuild},
-    {PHP_VEXORAPI,
-     &php_vexorapiVersionMajor,
-     &php_vexorapiVersionMinor,
-     &php_vexorapiVersionOEM,
+    {PHP_VEXORAPI, &php_vexorapiVersionMajor, &php_vexorapiVersionMinor, &php_vexorapiVersionOEM,
      &php_vexorapiVersionBuild},
-    {VEXORAPI,
-     &vexorapiVersionMajor,
-     &vexorapiVersionMinor,
-     &vexorapiVersionOEM,
+    {VEXORAPI, &vexorapiVersionMajor, &vexorapiVersionMinor, &vexorapiVersionOEM,
      &vexorapiVersionBuild},
-    {HXRAIDSVC,
-     &eventSvcVersionMajor,
-     &eventSvcVersionMinor,
-     &eventSvcVersionOEM,
+    {HXRAIDSVC, &eventSvcVersionMajor, &eventSvcVersionMinor, &eventSvcVersionOEM,
      &eventSvcVersionBuild},
 };
 
@@ -112,8 +103,8 @@ public:
 
 private:
     // The fields that end with a dot; what a fourth or later dot ends is stored nowhere.
-    static constexpr int* kBeforeDot[] = {
-        &eventSvcVersionMajor, &eventSvcVersionMinor, &eventSvcVersionOEM};
+    static constexpr int* kBeforeDot[] = {&eventSvcVersionMajor, &eventSvcVersionMinor,
+                                          &eventSvcVersionOEM};
     static constexpr std::size_t kFieldsBeforeDot = sizeof kBeforeDot / sizeof kBeforeDot[0];
     std::size_t fields_ = 0;
     FieldText field_;
