@@ -490,11 +490,7 @@ void WriteResult(XMLElement* elmt, XMLWR_Doc* doc) {
         ++doc->Depth;
     } else {
         XMLWR_ElmtStartPrintf(doc, 0, kFunction.name, " %s=\"%s\"", "type", "function");
-        if (fast) {
-            WriteRowsNearEnd<kFunction, kListDepth>(doc, record);
-        } else {
-            WriteRowsNearEnd<kFunction, kAnyDepth>(doc, record);
-        }
+        WriteRowsAt<kFunction, kListDepth>(doc, record);
     }
     if constexpr (list) kFunction.list.Write(doc, record);
     if (fast && kDocCapacity - doc->CurPos >= kEndTag<kFunction>.size()) [[likely]] {

@@ -420,6 +420,16 @@ template <const auto& kRecord, int depth>
     (std::make_index_sequence<std::remove_cvref_t<decltype(kRecord)>::kRows>{});
 }
 
+/// WriteRowsNearEnd for rows that usually stand at `depth`, at whatever depth the document is.
+template <const auto& kRecord, int depth>
+void WriteRowsAt(XMLWR_Doc* doc, const RecordType<kRecord>& record) {
+    if (doc->Depth == depth) {
+        WriteRowsNearEnd<kRecord, depth>(doc, record);
+    } else {
+        WriteRowsNearEnd<kRecord, kAnyDepth>(doc, record);
+    }
+}
+
 /// The record within `R` that a nested element shows: a field, or (for rows over the same record) R
 /// itself.
 template <class Inner, class R>
@@ -628,8 +638,7 @@ template <const auto& kRecord>
 int WriteRecords(XMLWR_Doc* doc, const char* elmt, const RecordType<kRecord>* records,
                  HX_U32 count) {
     const PaddedName name(elmt);
-    const bool listed = doc->Depth == kListDepth;
-    const bool fast = listed && name.Fits();
+    const bool fast = doc->Depth == kListDepth && name.Fits();
     for (const auto* record = records; record != records + count; ++record) {
         if (fast && kDocCapacity - doc->CurPos >= kRecordBound<kRecord, kListDepth>) [[likely]] {
             char* at = PutLiteral(doc->Buf + doc->CurPos, kTagStart<kListDepth>);
@@ -643,11 +652,7 @@ int WriteRecords(XMLWR_Doc* doc, const char* elmt, const RecordType<kRecord>* re
         }
         if (doc->CurPos == kDocCapacity) break;  // not even a line end fits any more
         XMLWR_ElmtStartPrintf(doc, 0, elmt, " %s=\"%s\"", "type", kRecord.type);
-        if (listed) {
-            WriteRowsNearEnd<kRecord, kListDepth + 1>(doc, *record);
-        } else {
-            WriteRowsNearEnd<kRecord, kAnyDepth>(doc, *record);
-        }
+        WriteRowsAt<kRecord, kListDepth + 1>(doc, *record);
         XMLWR_ElmtEnd(doc, 0, elmt);
     }
     return 1;

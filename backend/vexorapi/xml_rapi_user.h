@@ -13,7 +13,7 @@ void WriteUserResult(XMLElement* elmt, XMLWR_Doc* doc,
                      int (*writer)(XMLWR_Doc*, const char*, const Value*, HX_U32),
                      const Value& value) {
     XMLWR_ElmtStartPrintf(doc, 0, kFunction.name, " %s=\"%s\"", "type", "function");
-    WriteRowsNearEnd<kFunction, kListDepth>(doc, RequestRecord<kFunction>(elmt));
+    WriteRowsAt<kFunction, kListDepth>(doc, RequestRecord<kFunction>(elmt));
     writer(doc, kFunction.name, &value, 1);
     XMLWR_ElmtEnd(doc, 0, kFunction.name);
 }
