@@ -16,15 +16,9 @@ inline constexpr Function kHX_API_Version{
     },
     Result{Bare("RetVal", &VX_API_Version::RetVal)},
 };
-inline void XML_HX_API_Version_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_API_Version_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_API_Version>(elmt, name);
-}
-inline void XML_HX_API_Version_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_API_Version>(elmt, doc);
-}
+inline constexpr auto& XML_HX_API_Version_SEH = StartParameter;
+inline constexpr auto& XML_HX_API_Version_EEH = EndParameter<kHX_API_Version>;
+inline constexpr auto& XML_HX_API_Version_Ret = WriteResult<kHX_API_Version>;
 
 // HX_Adapter_GetCount: RetVal is the number of adapters.
 inline constexpr Function kHX_Adapter_GetCount{
@@ -34,15 +28,9 @@ inline constexpr Function kHX_Adapter_GetCount{
     Call<HX_Adapter_GetCount, VX_Adapter_GetCount>(),
     StatusOnly<VX_Adapter_GetCount>(),
 };
-inline void XML_HX_Adapter_GetCount_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_Adapter_GetCount_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_Adapter_GetCount>(elmt, name);
-}
-inline void XML_HX_Adapter_GetCount_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_Adapter_GetCount>(elmt, doc);
-}
+inline constexpr auto& XML_HX_Adapter_GetCount_SEH = StartParameter;
+inline constexpr auto& XML_HX_Adapter_GetCount_EEH = EndParameter<kHX_Adapter_GetCount>;
+inline constexpr auto& XML_HX_Adapter_GetCount_Ret = WriteResult<kHX_Adapter_GetCount>;
 
 // HX_Adapter_GetInfo: one adapter, or all of them packed in adapter order.
 inline constexpr Function kHX_Adapter_GetInfo{
@@ -62,15 +50,9 @@ inline constexpr Function kHX_Adapter_GetInfo{
     Records<XML_RA_Adapter_Info>("AdapterInfo", &VX_Adapter_GetInfo::AdapterInfo,
                                  &VX_Adapter_GetInfo::Count),
 };
-inline void XML_HX_Adapter_GetInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_Adapter_GetInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_Adapter_GetInfo>(elmt, name);
-}
-inline void XML_HX_Adapter_GetInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_Adapter_GetInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_Adapter_GetInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_Adapter_GetInfo_EEH = EndParameter<kHX_Adapter_GetInfo>;
+inline constexpr auto& XML_HX_Adapter_GetInfo_Ret = WriteResult<kHX_Adapter_GetInfo>;
 
 /// The settings that a command can set, under the fields' own names.
 inline constexpr Params kAdapterConfigParams{
@@ -126,15 +108,9 @@ inline constexpr Function kHX_Adapter_SetConfig{
     },
     StatusOnly<VX_Adapter_SetConfig>(),
 };
-inline void XML_HX_Adapter_SetConfig_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_Adapter_SetConfig_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_Adapter_SetConfig>(elmt, name);
-}
-inline void XML_HX_Adapter_SetConfig_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_Adapter_SetConfig>(elmt, doc);
-}
+inline constexpr auto& XML_HX_Adapter_SetConfig_SEH = StartParameter;
+inline constexpr auto& XML_HX_Adapter_SetConfig_EEH = EndParameter<kHX_Adapter_SetConfig>;
+inline constexpr auto& XML_HX_Adapter_SetConfig_Ret = WriteResult<kHX_Adapter_SetConfig>;
 
 // HX_Adapter_GetConfig: of all adapters the last one's settings remain, under the total count.
 inline constexpr Function kHX_Adapter_GetConfig{
@@ -155,15 +131,9 @@ inline constexpr Function kHX_Adapter_GetConfig{
     Records<XML_RA_Adapter_Config_V2>("AdapterInfo", &VX_Adapter_GetConfig::AdapterConfig,
                                       &VX_Adapter_GetConfig::Count),
 };
-inline void XML_HX_Adapter_GetConfig_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_Adapter_GetConfig_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_Adapter_GetConfig>(elmt, name);
-}
-inline void XML_HX_Adapter_GetConfig_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_Adapter_GetConfig>(elmt, doc);
-}
+inline constexpr auto& XML_HX_Adapter_GetConfig_SEH = StartParameter;
+inline constexpr auto& XML_HX_Adapter_GetConfig_EEH = EndParameter<kHX_Adapter_GetConfig>;
+inline constexpr auto& XML_HX_Adapter_GetConfig_Ret = WriteResult<kHX_Adapter_GetConfig>;
 
 // HX_AdapterMute
 inline constexpr Function kHX_AdapterMute{
@@ -175,15 +145,9 @@ inline constexpr Function kHX_AdapterMute{
     Call<HX_AdapterMute>(&VX_AdapterMute::AdapterID),
     StatusOnly<VX_AdapterMute>(),
 };
-inline void XML_HX_AdapterMute_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_AdapterMute_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_AdapterMute>(elmt, name);
-}
-inline void XML_HX_AdapterMute_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_AdapterMute>(elmt, doc);
-}
+inline constexpr auto& XML_HX_AdapterMute_SEH = StartParameter;
+inline constexpr auto& XML_HX_AdapterMute_EEH = EndParameter<kHX_AdapterMute>;
+inline constexpr auto& XML_HX_AdapterMute_Ret = WriteResult<kHX_AdapterMute>;
 
 // HX_LocateArrayDevice
 inline constexpr Function kHX_LocateArrayDevice{
@@ -199,12 +163,6 @@ inline constexpr Function kHX_LocateArrayDevice{
                                &VX_LocateArrayDevice::deviceId, &VX_LocateArrayDevice::ledStatus),
     StatusOnly<VX_LocateArrayDevice>(),
 };
-inline void XML_HX_LocateArrayDevice_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LocateArrayDevice_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LocateArrayDevice>(elmt, name);
-}
-inline void XML_HX_LocateArrayDevice_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LocateArrayDevice>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LocateArrayDevice_SEH = StartParameter;
+inline constexpr auto& XML_HX_LocateArrayDevice_EEH = EndParameter<kHX_LocateArrayDevice>;
+inline constexpr auto& XML_HX_LocateArrayDevice_Ret = WriteResult<kHX_LocateArrayDevice>;

@@ -17,15 +17,9 @@ inline constexpr Function kHX_BBU_GetInfo{
         Nest<kBBU_GetInfo>("BBU_Info", &VX_BBU_GetInfo::BbuInfo),
     },
 };
-inline void XML_HX_BBU_GetInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_BBU_GetInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_BBU_GetInfo>(elmt, name);
-}
-inline void XML_HX_BBU_GetInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_BBU_GetInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_BBU_GetInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_BBU_GetInfo_EEH = EndParameter<kHX_BBU_GetInfo>;
+inline constexpr auto& XML_HX_BBU_GetInfo_Ret = WriteResult<kHX_BBU_GetInfo>;
 
 // HX_BBU_SetThreshold: both calls are made and the second one's code is reported.
 inline constexpr Function kHX_BBU_SetThreshold{
@@ -47,15 +41,9 @@ inline constexpr Function kHX_BBU_SetThreshold{
     },
     StatusOnly<VX_BBU_SetThreshold>(),
 };
-inline void XML_HX_BBU_SetThreshold_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_BBU_SetThreshold_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_BBU_SetThreshold>(elmt, name);
-}
-inline void XML_HX_BBU_SetThreshold_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_BBU_SetThreshold>(elmt, doc);
-}
+inline constexpr auto& XML_HX_BBU_SetThreshold_SEH = StartParameter;
+inline constexpr auto& XML_HX_BBU_SetThreshold_EEH = EndParameter<kHX_BBU_SetThreshold>;
+inline constexpr auto& XML_HX_BBU_SetThreshold_Ret = WriteResult<kHX_BBU_SetThreshold>;
 
 // HX_BBU_ChangePower
 inline constexpr Function kHX_BBU_ChangePower{
@@ -68,15 +56,9 @@ inline constexpr Function kHX_BBU_ChangePower{
     Call<HX_BBU_ChangePower>(&VX_BBU_ChangePower::AdapterID, &VX_BBU_ChangePower::action),
     StatusOnly<VX_BBU_ChangePower>(),
 };
-inline void XML_HX_BBU_ChangePower_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_BBU_ChangePower_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_BBU_ChangePower>(elmt, name);
-}
-inline void XML_HX_BBU_ChangePower_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_BBU_ChangePower>(elmt, doc);
-}
+inline constexpr auto& XML_HX_BBU_ChangePower_SEH = StartParameter;
+inline constexpr auto& XML_HX_BBU_ChangePower_EEH = EndParameter<kHX_BBU_ChangePower>;
+inline constexpr auto& XML_HX_BBU_ChangePower_Ret = WriteResult<kHX_BBU_ChangePower>;
 
 // HX_BBU_SetStatus
 inline constexpr Function kHX_BBU_SetStatus{
@@ -89,15 +71,9 @@ inline constexpr Function kHX_BBU_SetStatus{
     Call<HX_BBU_SetStatus>(&VX_BBU_SetStatus::AdapterID, &VX_BBU_SetStatus::status),
     StatusOnly<VX_BBU_SetStatus>(),
 };
-inline void XML_HX_BBU_SetStatus_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_BBU_SetStatus_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_BBU_SetStatus>(elmt, name);
-}
-inline void XML_HX_BBU_SetStatus_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_BBU_SetStatus>(elmt, doc);
-}
+inline constexpr auto& XML_HX_BBU_SetStatus_SEH = StartParameter;
+inline constexpr auto& XML_HX_BBU_SetStatus_EEH = EndParameter<kHX_BBU_SetStatus>;
+inline constexpr auto& XML_HX_BBU_SetStatus_Ret = WriteResult<kHX_BBU_SetStatus>;
 
 // HX_BBU_SetMaxCapacity
 inline constexpr Function kHX_BBU_SetMaxCapacity{
@@ -111,15 +87,9 @@ inline constexpr Function kHX_BBU_SetMaxCapacity{
                                 &VX_BBU_SetMaxCapacity::maxCapacity),
     StatusOnly<VX_BBU_SetMaxCapacity>(),
 };
-inline void XML_HX_BBU_SetMaxCapacity_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_BBU_SetMaxCapacity_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_BBU_SetMaxCapacity>(elmt, name);
-}
-inline void XML_HX_BBU_SetMaxCapacity_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_BBU_SetMaxCapacity>(elmt, doc);
-}
+inline constexpr auto& XML_HX_BBU_SetMaxCapacity_SEH = StartParameter;
+inline constexpr auto& XML_HX_BBU_SetMaxCapacity_EEH = EndParameter<kHX_BBU_SetMaxCapacity>;
+inline constexpr auto& XML_HX_BBU_SetMaxCapacity_Ret = WriteResult<kHX_BBU_SetMaxCapacity>;
 
 // HX_BBU_ActRelearn
 inline constexpr Function kHX_BBU_ActRelearn{
@@ -131,15 +101,9 @@ inline constexpr Function kHX_BBU_ActRelearn{
     Call<HX_BBU_ActRelearn>(&VX_BBU_ActRelearn::AdapterID),
     StatusOnly<VX_BBU_ActRelearn>(),
 };
-inline void XML_HX_BBU_ActRelearn_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_BBU_ActRelearn_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_BBU_ActRelearn>(elmt, name);
-}
-inline void XML_HX_BBU_ActRelearn_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_BBU_ActRelearn>(elmt, doc);
-}
+inline constexpr auto& XML_HX_BBU_ActRelearn_SEH = StartParameter;
+inline constexpr auto& XML_HX_BBU_ActRelearn_EEH = EndParameter<kHX_BBU_ActRelearn>;
+inline constexpr auto& XML_HX_BBU_ActRelearn_Ret = WriteResult<kHX_BBU_ActRelearn>;
 
 // HX_Flash_Erase
 inline constexpr Function kHX_Flash_Erase{
@@ -152,15 +116,9 @@ inline constexpr Function kHX_Flash_Erase{
     Call<HX_Flash_Erase>(&VX_Flash_Erase::AdapterID, &VX_Flash_Erase::Page),
     StatusOnly<VX_Flash_Erase>(),
 };
-inline void XML_HX_Flash_Erase_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_Flash_Erase_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_Flash_Erase>(elmt, name);
-}
-inline void XML_HX_Flash_Erase_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_Flash_Erase>(elmt, doc);
-}
+inline constexpr auto& XML_HX_Flash_Erase_SEH = StartParameter;
+inline constexpr auto& XML_HX_Flash_Erase_EEH = EndParameter<kHX_Flash_Erase>;
+inline constexpr auto& XML_HX_Flash_Erase_Ret = WriteResult<kHX_Flash_Erase>;
 
 // HX_Flash_Option
 inline constexpr Function kHX_Flash_Option{
@@ -179,15 +137,9 @@ inline constexpr Function kHX_Flash_Option{
     },
     StatusOnly<VX_Flash_Option>(),
 };
-inline void XML_HX_Flash_Option_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_Flash_Option_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_Flash_Option>(elmt, name);
-}
-inline void XML_HX_Flash_Option_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_Flash_Option>(elmt, doc);
-}
+inline constexpr auto& XML_HX_Flash_Option_SEH = StartParameter;
+inline constexpr auto& XML_HX_Flash_Option_EEH = EndParameter<kHX_Flash_Option>;
+inline constexpr auto& XML_HX_Flash_Option_Ret = WriteResult<kHX_Flash_Option>;
 
 // HX_BIOS_Version
 inline constexpr Function kHX_BIOS_Version{
@@ -203,12 +155,6 @@ inline constexpr Function kHX_BIOS_Version{
         NestSelf<kVersion_Info_BIOS>("BIOSInfo"),
     },
 };
-inline void XML_HX_BIOS_Version_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_BIOS_Version_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_BIOS_Version>(elmt, name);
-}
-inline void XML_HX_BIOS_Version_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_BIOS_Version>(elmt, doc);
-}
+inline constexpr auto& XML_HX_BIOS_Version_SEH = StartParameter;
+inline constexpr auto& XML_HX_BIOS_Version_EEH = EndParameter<kHX_BIOS_Version>;
+inline constexpr auto& XML_HX_BIOS_Version_Ret = WriteResult<kHX_BIOS_Version>;

@@ -21,15 +21,9 @@ inline constexpr Function kHX_PD_GetHDInfo{
     StatusOnly<VX_PD_GetHDInfo>(),
     Reply<XML_RA_HD_Info_Request, VX_PD_GetHDInfo>(),
 };
-inline void XML_HX_PD_GetHDInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_GetHDInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_GetHDInfo>(elmt, name);
-}
-inline void XML_HX_PD_GetHDInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_GetHDInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_GetHDInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_GetHDInfo_EEH = EndParameter<kHX_PD_GetHDInfo>;
+inline constexpr auto& XML_HX_PD_GetHDInfo_Ret = WriteResult<kHX_PD_GetHDInfo>;
 
 // HX_PD_GetHDInfo_Ext
 inline constexpr Function kHX_PD_GetHDInfo_Ext{
@@ -40,15 +34,9 @@ inline constexpr Function kHX_PD_GetHDInfo_Ext{
     StatusOnly<VX_PD_GetHDInfo_Ext>(),
     Reply<XML_RA_HD_Info_Request, VX_PD_GetHDInfo_Ext>(),
 };
-inline void XML_HX_PD_GetHDInfo_Ext_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_GetHDInfo_Ext_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_GetHDInfo_Ext>(elmt, name);
-}
-inline void XML_HX_PD_GetHDInfo_Ext_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_GetHDInfo_Ext>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_GetHDInfo_Ext_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_GetHDInfo_Ext_EEH = EndParameter<kHX_PD_GetHDInfo_Ext>;
+inline constexpr auto& XML_HX_PD_GetHDInfo_Ext_Ret = WriteResult<kHX_PD_GetHDInfo_Ext>;
 
 // HX_PD_GetExpanderInfo
 inline constexpr Function kHX_PD_GetExpanderInfo{
@@ -59,15 +47,9 @@ inline constexpr Function kHX_PD_GetExpanderInfo{
     StatusOnly<VX_PD_GetExpanderInfo>(),
     Reply<XML_RA_Exp_Info_Request, VX_PD_GetExpanderInfo>(),
 };
-inline void XML_HX_PD_GetExpanderInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_GetExpanderInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_GetExpanderInfo>(elmt, name);
-}
-inline void XML_HX_PD_GetExpanderInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_GetExpanderInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_GetExpanderInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_GetExpanderInfo_EEH = EndParameter<kHX_PD_GetExpanderInfo>;
+inline constexpr auto& XML_HX_PD_GetExpanderInfo_Ret = WriteResult<kHX_PD_GetExpanderInfo>;
 
 // HX_PD_GetPMInfo
 inline constexpr Function kHX_PD_GetPMInfo{
@@ -78,15 +60,9 @@ inline constexpr Function kHX_PD_GetPMInfo{
     StatusOnly<VX_PD_GetPMInfo>(),
     Reply<XML_RA_PM_Info_Request, VX_PD_GetPMInfo>(),
 };
-inline void XML_HX_PD_GetPMInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_GetPMInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_GetPMInfo>(elmt, name);
-}
-inline void XML_HX_PD_GetPMInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_GetPMInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_GetPMInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_GetPMInfo_EEH = EndParameter<kHX_PD_GetPMInfo>;
+inline constexpr auto& XML_HX_PD_GetPMInfo_Ret = WriteResult<kHX_PD_GetPMInfo>;
 
 // HX_PD_GetFreeSpaceInfo
 inline constexpr Function kHX_PD_GetFreeSpaceInfo{
@@ -97,15 +73,9 @@ inline constexpr Function kHX_PD_GetFreeSpaceInfo{
     StatusOnly<VX_PD_GetFreeSpaceInfo>(),
     Reply<XML_RA_HD_FreeSpaceInfo_Request, VX_PD_GetFreeSpaceInfo>(),
 };
-inline void XML_HX_PD_GetFreeSpaceInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_GetFreeSpaceInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_GetFreeSpaceInfo>(elmt, name);
-}
-inline void XML_HX_PD_GetFreeSpaceInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_GetFreeSpaceInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_GetFreeSpaceInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_GetFreeSpaceInfo_EEH = EndParameter<kHX_PD_GetFreeSpaceInfo>;
+inline constexpr auto& XML_HX_PD_GetFreeSpaceInfo_Ret = WriteResult<kHX_PD_GetFreeSpaceInfo>;
 
 // HX_PD_GetConfig
 inline constexpr Function kHX_PD_GetConfig{
@@ -116,15 +86,9 @@ inline constexpr Function kHX_PD_GetConfig{
     StatusOnly<VX_PD_GetConfig>(),
     Reply<XML_RA_HD_Config_Request, VX_PD_GetConfig>(),
 };
-inline void XML_HX_PD_GetConfig_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_GetConfig_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_GetConfig>(elmt, name);
-}
-inline void XML_HX_PD_GetConfig_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_GetConfig>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_GetConfig_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_GetConfig_EEH = EndParameter<kHX_PD_GetConfig>;
+inline constexpr auto& XML_HX_PD_GetConfig_Ret = WriteResult<kHX_PD_GetConfig>;
 
 // HX_PD_GetSmartStatus
 inline constexpr Function kHX_PD_GetSmartStatus{
@@ -135,15 +99,9 @@ inline constexpr Function kHX_PD_GetSmartStatus{
     StatusOnly<VX_PD_GetSmartStatus>(),
     Reply<XML_RA_HD_Smart_Status_Request, VX_PD_GetSmartStatus>(),
 };
-inline void XML_HX_PD_GetSmartStatus_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_GetSmartStatus_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_GetSmartStatus>(elmt, name);
-}
-inline void XML_HX_PD_GetSmartStatus_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_GetSmartStatus>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_GetSmartStatus_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_GetSmartStatus_EEH = EndParameter<kHX_PD_GetSmartStatus>;
+inline constexpr auto& XML_HX_PD_GetSmartStatus_Ret = WriteResult<kHX_PD_GetSmartStatus>;
 
 // HX_PD_GetHDRaidStatus
 inline constexpr Function kHX_PD_GetHDRaidStatus{
@@ -154,15 +112,9 @@ inline constexpr Function kHX_PD_GetHDRaidStatus{
     StatusOnly<VX_PD_GetHDRaidStatus>(),
     Reply<XML_RA_HD_RAID_Status_Request, VX_PD_GetHDRaidStatus>(),
 };
-inline void XML_HX_PD_GetHDRaidStatus_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_GetHDRaidStatus_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_GetHDRaidStatus>(elmt, name);
-}
-inline void XML_HX_PD_GetHDRaidStatus_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_GetHDRaidStatus>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_GetHDRaidStatus_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_GetHDRaidStatus_EEH = EndParameter<kHX_PD_GetHDRaidStatus>;
+inline constexpr auto& XML_HX_PD_GetHDRaidStatus_Ret = WriteResult<kHX_PD_GetHDRaidStatus>;
 
 // HX_PD_GetSpareInfo
 inline constexpr Function kHX_PD_GetSpareInfo{
@@ -173,15 +125,9 @@ inline constexpr Function kHX_PD_GetSpareInfo{
     StatusOnly<VX_PD_GetSpareInfo>(),
     Reply<XML_RA_HD_RAID_Status_Request, VX_PD_GetSpareInfo>(),
 };
-inline void XML_HX_PD_GetSpareInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_GetSpareInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_GetSpareInfo>(elmt, name);
-}
-inline void XML_HX_PD_GetSpareInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_GetSpareInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_GetSpareInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_GetSpareInfo_EEH = EndParameter<kHX_PD_GetSpareInfo>;
+inline constexpr auto& XML_HX_PD_GetSpareInfo_Ret = WriteResult<kHX_PD_GetSpareInfo>;
 
 // HX_PD_GetBGAStatus
 inline constexpr Function kHX_PD_GetBGAStatus{
@@ -192,15 +138,9 @@ inline constexpr Function kHX_PD_GetBGAStatus{
     StatusOnly<VX_PD_GetBGAStatus>(),
     Reply<XML_RA_HD_BGA_Status_Request, VX_PD_GetBGAStatus>(),
 };
-inline void XML_HX_PD_GetBGAStatus_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_GetBGAStatus_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_GetBGAStatus>(elmt, name);
-}
-inline void XML_HX_PD_GetBGAStatus_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_GetBGAStatus>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_GetBGAStatus_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_GetBGAStatus_EEH = EndParameter<kHX_PD_GetBGAStatus>;
+inline constexpr auto& XML_HX_PD_GetBGAStatus_Ret = WriteResult<kHX_PD_GetBGAStatus>;
 
 // HX_PD_GetRCT: a window of the disk's remap table. Records are written as many as were asked for.
 inline constexpr Function kHX_PD_GetRCT{
@@ -224,15 +164,9 @@ inline constexpr Function kHX_PD_GetRCT{
     },
     Records<XML_RA_HD_RCT_Records>("Record", &VX_PD_GetRCT::record, &VX_PD_GetRCT::n),
 };
-inline void XML_HX_PD_GetRCT_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_GetRCT_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_GetRCT>(elmt, name);
-}
-inline void XML_HX_PD_GetRCT_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_GetRCT>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_GetRCT_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_GetRCT_EEH = EndParameter<kHX_PD_GetRCT>;
+inline constexpr auto& XML_HX_PD_GetRCT_Ret = WriteResult<kHX_PD_GetRCT>;
 
 // HX_PD_SetConfig
 inline constexpr Function kHX_PD_SetConfig{
@@ -254,15 +188,9 @@ inline constexpr Function kHX_PD_SetConfig{
                           &VX_PD_SetConfig::Config),
     StatusOnly<VX_PD_SetConfig>(),
 };
-inline void XML_HX_PD_SetConfig_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_SetConfig_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_SetConfig>(elmt, name);
-}
-inline void XML_HX_PD_SetConfig_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_SetConfig>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_SetConfig_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_SetConfig_EEH = EndParameter<kHX_PD_SetConfig>;
+inline constexpr auto& XML_HX_PD_SetConfig_Ret = WriteResult<kHX_PD_SetConfig>;
 
 // HX_PD_WipeHDMDD
 inline constexpr Function kHX_PD_WipeHDMDD{
@@ -277,15 +205,9 @@ inline constexpr Function kHX_PD_WipeHDMDD{
                           &VX_PD_WipeHDMDD::Force),
     StatusOnly<VX_PD_WipeHDMDD>(),
 };
-inline void XML_HX_PD_WipeHDMDD_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_WipeHDMDD_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_WipeHDMDD>(elmt, name);
-}
-inline void XML_HX_PD_WipeHDMDD_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_WipeHDMDD>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_WipeHDMDD_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_WipeHDMDD_EEH = EndParameter<kHX_PD_WipeHDMDD>;
+inline constexpr auto& XML_HX_PD_WipeHDMDD_Ret = WriteResult<kHX_PD_WipeHDMDD>;
 
 // HX_PD_SetHDStatus
 inline constexpr Function kHX_PD_SetHDStatus{
@@ -300,15 +222,9 @@ inline constexpr Function kHX_PD_SetHDStatus{
                             &VX_PD_SetHDStatus::Action),
     StatusOnly<VX_PD_SetHDStatus>(),
 };
-inline void XML_HX_PD_SetHDStatus_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_SetHDStatus_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_SetHDStatus>(elmt, name);
-}
-inline void XML_HX_PD_SetHDStatus_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_SetHDStatus>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_SetHDStatus_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_SetHDStatus_EEH = EndParameter<kHX_PD_SetHDStatus>;
+inline constexpr auto& XML_HX_PD_SetHDStatus_Ret = WriteResult<kHX_PD_SetHDStatus>;
 
 // HX_PD_FreeHD2GlobalSpare
 inline constexpr Function kHX_PD_FreeHD2GlobalSpare{
@@ -322,15 +238,9 @@ inline constexpr Function kHX_PD_FreeHD2GlobalSpare{
                                    &VX_PD_FreeHD2GlobalSpare::HD_ID),
     StatusOnly<VX_PD_FreeHD2GlobalSpare>(),
 };
-inline void XML_HX_PD_FreeHD2GlobalSpare_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_FreeHD2GlobalSpare_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_FreeHD2GlobalSpare>(elmt, name);
-}
-inline void XML_HX_PD_FreeHD2GlobalSpare_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_FreeHD2GlobalSpare>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_FreeHD2GlobalSpare_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_FreeHD2GlobalSpare_EEH = EndParameter<kHX_PD_FreeHD2GlobalSpare>;
+inline constexpr auto& XML_HX_PD_FreeHD2GlobalSpare_Ret = WriteResult<kHX_PD_FreeHD2GlobalSpare>;
 
 // HX_PD_FreeHD2DGSpare
 inline constexpr Function kHX_PD_FreeHD2DGSpare{
@@ -345,15 +255,9 @@ inline constexpr Function kHX_PD_FreeHD2DGSpare{
                                &VX_PD_FreeHD2DGSpare::DG_ID),
     StatusOnly<VX_PD_FreeHD2DGSpare>(),
 };
-inline void XML_HX_PD_FreeHD2DGSpare_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_FreeHD2DGSpare_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_FreeHD2DGSpare>(elmt, name);
-}
-inline void XML_HX_PD_FreeHD2DGSpare_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_FreeHD2DGSpare>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_FreeHD2DGSpare_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_FreeHD2DGSpare_EEH = EndParameter<kHX_PD_FreeHD2DGSpare>;
+inline constexpr auto& XML_HX_PD_FreeHD2DGSpare_Ret = WriteResult<kHX_PD_FreeHD2DGSpare>;
 
 // HX_PD_Spare2FreeHD
 inline constexpr Function kHX_PD_Spare2FreeHD{
@@ -366,15 +270,9 @@ inline constexpr Function kHX_PD_Spare2FreeHD{
     Call<HX_PD_Spare2FreeHD>(&VX_PD_Spare2FreeHD::AdapterID, &VX_PD_Spare2FreeHD::HD_ID),
     StatusOnly<VX_PD_Spare2FreeHD>(),
 };
-inline void XML_HX_PD_Spare2FreeHD_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_Spare2FreeHD_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_Spare2FreeHD>(elmt, name);
-}
-inline void XML_HX_PD_Spare2FreeHD_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_Spare2FreeHD>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_Spare2FreeHD_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_Spare2FreeHD_EEH = EndParameter<kHX_PD_Spare2FreeHD>;
+inline constexpr auto& XML_HX_PD_Spare2FreeHD_Ret = WriteResult<kHX_PD_Spare2FreeHD>;
 
 // HX_PD_GetMBRInfo
 inline constexpr Function kHX_PD_GetMBRInfo{
@@ -397,15 +295,9 @@ inline constexpr Function kHX_PD_GetMBRInfo{
         Nest<kHD_MBR_Info>("MBRInfo", &VX_PD_GetMBRInfo::MBRInfo),
     },
 };
-inline void XML_HX_PD_GetMBRInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_GetMBRInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_GetMBRInfo>(elmt, name);
-}
-inline void XML_HX_PD_GetMBRInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_GetMBRInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_GetMBRInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_GetMBRInfo_EEH = EndParameter<kHX_PD_GetMBRInfo>;
+inline constexpr auto& XML_HX_PD_GetMBRInfo_Ret = WriteResult<kHX_PD_GetMBRInfo>;
 
 // HX_PD_StartDataScrub
 inline constexpr Function kHX_PD_StartDataScrub{
@@ -418,15 +310,9 @@ inline constexpr Function kHX_PD_StartDataScrub{
     Call<HX_PD_StartDataScrub>(&VX_PD_StartDataScrub::AdapterID, &VX_PD_StartDataScrub::HD_ID),
     StatusOnly<VX_PD_StartDataScrub>(),
 };
-inline void XML_HX_PD_StartDataScrub_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_StartDataScrub_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_StartDataScrub>(elmt, name);
-}
-inline void XML_HX_PD_StartDataScrub_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_StartDataScrub>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_StartDataScrub_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_StartDataScrub_EEH = EndParameter<kHX_PD_StartDataScrub>;
+inline constexpr auto& XML_HX_PD_StartDataScrub_Ret = WriteResult<kHX_PD_StartDataScrub>;
 
 // HX_PD_StartMediaPatrol
 inline constexpr Function kHX_PD_StartMediaPatrol{
@@ -440,15 +326,9 @@ inline constexpr Function kHX_PD_StartMediaPatrol{
                                  &VX_PD_StartMediaPatrol::HD_ID),
     StatusOnly<VX_PD_StartMediaPatrol>(),
 };
-inline void XML_HX_PD_StartMediaPatrol_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_StartMediaPatrol_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_StartMediaPatrol>(elmt, name);
-}
-inline void XML_HX_PD_StartMediaPatrol_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_StartMediaPatrol>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_StartMediaPatrol_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_StartMediaPatrol_EEH = EndParameter<kHX_PD_StartMediaPatrol>;
+inline constexpr auto& XML_HX_PD_StartMediaPatrol_Ret = WriteResult<kHX_PD_StartMediaPatrol>;
 
 // HX_PD_BGAControl
 inline constexpr Function kHX_PD_BGAControl{
@@ -463,15 +343,9 @@ inline constexpr Function kHX_PD_BGAControl{
                            &VX_PD_BGAControl::Action),
     StatusOnly<VX_PD_BGAControl>(),
 };
-inline void XML_HX_PD_BGAControl_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_PD_BGAControl_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_PD_BGAControl>(elmt, name);
-}
-inline void XML_HX_PD_BGAControl_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_PD_BGAControl>(elmt, doc);
-}
+inline constexpr auto& XML_HX_PD_BGAControl_SEH = StartParameter;
+inline constexpr auto& XML_HX_PD_BGAControl_EEH = EndParameter<kHX_PD_BGAControl>;
+inline constexpr auto& XML_HX_PD_BGAControl_Ret = WriteResult<kHX_PD_BGAControl>;
 
 // HX_BLK_GetInfo
 inline constexpr Function kHX_BLK_GetInfo{
@@ -482,15 +356,9 @@ inline constexpr Function kHX_BLK_GetInfo{
     StatusOnly<VX_BLK_GetInfo>(),
     Reply<XML_RA_Block_Info_Request, VX_BLK_GetInfo>(),
 };
-inline void XML_HX_BLK_GetInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_BLK_GetInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_BLK_GetInfo>(elmt, name);
-}
-inline void XML_HX_BLK_GetInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_BLK_GetInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_BLK_GetInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_BLK_GetInfo_EEH = EndParameter<kHX_BLK_GetInfo>;
+inline constexpr auto& XML_HX_BLK_GetInfo_Ret = WriteResult<kHX_BLK_GetInfo>;
 
 // HX_BLK_GetHDBlock: no more than 512 bytes are cleared before each page, whatever its size.
 inline constexpr Function kHX_BLK_GetHDBlock{
@@ -501,12 +369,6 @@ inline constexpr Function kHX_BLK_GetHDBlock{
     StatusOnly<VX_BLK_GetHDBlock>(),
     Reply<XML_RA_HD_Block_Info_Request, VX_BLK_GetHDBlock>(),
 };
-inline void XML_HX_BLK_GetHDBlock_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_BLK_GetHDBlock_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_BLK_GetHDBlock>(elmt, name);
-}
-inline void XML_HX_BLK_GetHDBlock_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_BLK_GetHDBlock>(elmt, doc);
-}
+inline constexpr auto& XML_HX_BLK_GetHDBlock_SEH = StartParameter;
+inline constexpr auto& XML_HX_BLK_GetHDBlock_EEH = EndParameter<kHX_BLK_GetHDBlock>;
+inline constexpr auto& XML_HX_BLK_GetHDBlock_Ret = WriteResult<kHX_BLK_GetHDBlock>;

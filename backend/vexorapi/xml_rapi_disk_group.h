@@ -33,15 +33,9 @@ inline constexpr Function kHX_DG_Create{
         Nest<kCreate_DG_Param>("CreateOrModifyDGParam", &VX_DG_Create::CreateOrModifyDGParam),
     },
 };
-inline void XML_HX_DG_Create_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_DG_Create_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_DG_Create>(elmt, name);
-}
-inline void XML_HX_DG_Create_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_DG_Create>(elmt, doc);
-}
+inline constexpr auto& XML_HX_DG_Create_SEH = StartParameter;
+inline constexpr auto& XML_HX_DG_Create_EEH = EndParameter<kHX_DG_Create>;
+inline constexpr auto& XML_HX_DG_Create_Ret = WriteResult<kHX_DG_Create>;
 
 // HX_DG_GetSizeOnly
 inline constexpr Function kHX_DG_GetSizeOnly{
@@ -59,15 +53,9 @@ inline constexpr Function kHX_DG_GetSizeOnly{
         Nest<kDG_Size>("CreateOrModify_DG_Param", &VX_DG_GetSizeOnly::CreateOrModifyDGParam),
     },
 };
-inline void XML_HX_DG_GetSizeOnly_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_DG_GetSizeOnly_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_DG_GetSizeOnly>(elmt, name);
-}
-inline void XML_HX_DG_GetSizeOnly_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_DG_GetSizeOnly>(elmt, doc);
-}
+inline constexpr auto& XML_HX_DG_GetSizeOnly_SEH = StartParameter;
+inline constexpr auto& XML_HX_DG_GetSizeOnly_EEH = EndParameter<kHX_DG_GetSizeOnly>;
+inline constexpr auto& XML_HX_DG_GetSizeOnly_Ret = WriteResult<kHX_DG_GetSizeOnly>;
 
 // HX_DG_Modify
 inline constexpr Function kHX_DG_Modify{
@@ -81,15 +69,9 @@ inline constexpr Function kHX_DG_Modify{
     Call<HX_DG_Modify>(&VX_DG_Modify::AdapterID, &VX_DG_Modify::CreateOrModifyDGParam),
     StatusOnly<VX_DG_Modify>(),
 };
-inline void XML_HX_DG_Modify_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_DG_Modify_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_DG_Modify>(elmt, name);
-}
-inline void XML_HX_DG_Modify_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_DG_Modify>(elmt, doc);
-}
+inline constexpr auto& XML_HX_DG_Modify_SEH = StartParameter;
+inline constexpr auto& XML_HX_DG_Modify_EEH = EndParameter<kHX_DG_Modify>;
+inline constexpr auto& XML_HX_DG_Modify_Ret = WriteResult<kHX_DG_Modify>;
 
 // HX_DG_GetInfo
 inline constexpr Function kHX_DG_GetInfo{
@@ -100,15 +82,9 @@ inline constexpr Function kHX_DG_GetInfo{
     StatusOnly<VX_DG_GetInfo>(),
     Reply<XML_RA_DG_Info_Request, VX_DG_GetInfo>(),
 };
-inline void XML_HX_DG_GetInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_DG_GetInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_DG_GetInfo>(elmt, name);
-}
-inline void XML_HX_DG_GetInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_DG_GetInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_DG_GetInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_DG_GetInfo_EEH = EndParameter<kHX_DG_GetInfo>;
+inline constexpr auto& XML_HX_DG_GetInfo_Ret = WriteResult<kHX_DG_GetInfo>;
 
 // HX_DG_Delete
 inline constexpr Function kHX_DG_Delete{
@@ -121,15 +97,9 @@ inline constexpr Function kHX_DG_Delete{
     Call<HX_DG_Delete>(&VX_DG_Delete::AdapterID, &VX_DG_Delete::DG_ID),
     StatusOnly<VX_DG_Delete>(),
 };
-inline void XML_HX_DG_Delete_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_DG_Delete_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_DG_Delete>(elmt, name);
-}
-inline void XML_HX_DG_Delete_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_DG_Delete>(elmt, doc);
-}
+inline constexpr auto& XML_HX_DG_Delete_SEH = StartParameter;
+inline constexpr auto& XML_HX_DG_Delete_EEH = EndParameter<kHX_DG_Delete>;
+inline constexpr auto& XML_HX_DG_Delete_Ret = WriteResult<kHX_DG_Delete>;
 
 // HX_LD_DG_StartRebuild
 inline constexpr Function kHX_LD_DG_StartRebuild{
@@ -149,15 +119,9 @@ inline constexpr Function kHX_LD_DG_StartRebuild{
                                 &VX_LD_DG_StartRebuild::RebuildParam),
     StatusOnly<VX_LD_DG_StartRebuild>(),
 };
-inline void XML_HX_LD_DG_StartRebuild_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_DG_StartRebuild_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_DG_StartRebuild>(elmt, name);
-}
-inline void XML_HX_LD_DG_StartRebuild_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_DG_StartRebuild>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_DG_StartRebuild_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_DG_StartRebuild_EEH = EndParameter<kHX_LD_DG_StartRebuild>;
+inline constexpr auto& XML_HX_LD_DG_StartRebuild_Ret = WriteResult<kHX_LD_DG_StartRebuild>;
 
 // HX_DG_StartMigration: block and stripe size are the group's own, whatever the command says.
 inline constexpr Function kHX_DG_StartMigration{
@@ -181,15 +145,9 @@ inline constexpr Function kHX_DG_StartMigration{
     },
     StatusOnly<VX_DG_StartMigration>(),
 };
-inline void XML_HX_DG_StartMigration_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_DG_StartMigration_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_DG_StartMigration>(elmt, name);
-}
-inline void XML_HX_DG_StartMigration_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_DG_StartMigration>(elmt, doc);
-}
+inline constexpr auto& XML_HX_DG_StartMigration_SEH = StartParameter;
+inline constexpr auto& XML_HX_DG_StartMigration_EEH = EndParameter<kHX_DG_StartMigration>;
+inline constexpr auto& XML_HX_DG_StartMigration_Ret = WriteResult<kHX_DG_StartMigration>;
 
 // HX_DG_BGAControl
 inline constexpr Function kHX_DG_BGAControl{
@@ -204,15 +162,9 @@ inline constexpr Function kHX_DG_BGAControl{
                            &VX_DG_BGAControl::Actions),
     StatusOnly<VX_DG_BGAControl>(),
 };
-inline void XML_HX_DG_BGAControl_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_DG_BGAControl_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_DG_BGAControl>(elmt, name);
-}
-inline void XML_HX_DG_BGAControl_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_DG_BGAControl>(elmt, doc);
-}
+inline constexpr auto& XML_HX_DG_BGAControl_SEH = StartParameter;
+inline constexpr auto& XML_HX_DG_BGAControl_EEH = EndParameter<kHX_DG_BGAControl>;
+inline constexpr auto& XML_HX_DG_BGAControl_Ret = WriteResult<kHX_DG_BGAControl>;
 
 // HX_DG_GetConfig
 inline constexpr Function kHX_DG_GetConfig{
@@ -223,15 +175,9 @@ inline constexpr Function kHX_DG_GetConfig{
     StatusOnly<VX_DG_GetConfig>(),
     Reply<XML_RA_DG_Config_Request, VX_DG_GetConfig>(),
 };
-inline void XML_HX_DG_GetConfig_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_DG_GetConfig_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_DG_GetConfig>(elmt, name);
-}
-inline void XML_HX_DG_GetConfig_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_DG_GetConfig>(elmt, doc);
-}
+inline constexpr auto& XML_HX_DG_GetConfig_SEH = StartParameter;
+inline constexpr auto& XML_HX_DG_GetConfig_EEH = EndParameter<kHX_DG_GetConfig>;
+inline constexpr auto& XML_HX_DG_GetConfig_Ret = WriteResult<kHX_DG_GetConfig>;
 
 // HX_DG_SetConfig: a group that does not exist is refused here, with 1.
 inline constexpr Function kHX_DG_SetConfig{
@@ -259,12 +205,6 @@ inline constexpr Function kHX_DG_SetConfig{
     },
     StatusOnly<VX_DG_SetConfig>(),
 };
-inline void XML_HX_DG_SetConfig_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_DG_SetConfig_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_DG_SetConfig>(elmt, name);
-}
-inline void XML_HX_DG_SetConfig_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_DG_SetConfig>(elmt, doc);
-}
+inline constexpr auto& XML_HX_DG_SetConfig_SEH = StartParameter;
+inline constexpr auto& XML_HX_DG_SetConfig_EEH = EndParameter<kHX_DG_SetConfig>;
+inline constexpr auto& XML_HX_DG_SetConfig_Ret = WriteResult<kHX_DG_SetConfig>;

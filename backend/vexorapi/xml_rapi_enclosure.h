@@ -13,15 +13,9 @@ inline constexpr Function kHX_ENC_GetEnclosureInfo{
     StatusOnly<VX_ENC_GetEnclosureInfo>(),
     Reply<XML_RA_ENC_Enclosure_Info_Request, VX_ENC_GetEnclosureInfo>(),
 };
-inline void XML_HX_ENC_GetEnclosureInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_ENC_GetEnclosureInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_ENC_GetEnclosureInfo>(elmt, name);
-}
-inline void XML_HX_ENC_GetEnclosureInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_ENC_GetEnclosureInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_ENC_GetEnclosureInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_ENC_GetEnclosureInfo_EEH = EndParameter<kHX_ENC_GetEnclosureInfo>;
+inline constexpr auto& XML_HX_ENC_GetEnclosureInfo_Ret = WriteResult<kHX_ENC_GetEnclosureInfo>;
 
 // HX_ENC_GetElementInfo
 inline constexpr Function kHX_ENC_GetElementInfo{
@@ -43,15 +37,9 @@ inline constexpr Function kHX_ENC_GetElementInfo{
     Records<XML_RA_ENC_ElementInfo>("EncElementType_Info", &VX_ENC_GetElementInfo::ElementInfo,
                                     &VX_ENC_GetElementInfo::Count),
 };
-inline void XML_HX_ENC_GetElementInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_ENC_GetElementInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_ENC_GetElementInfo>(elmt, name);
-}
-inline void XML_HX_ENC_GetElementInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_ENC_GetElementInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_ENC_GetElementInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_ENC_GetElementInfo_EEH = EndParameter<kHX_ENC_GetElementInfo>;
+inline constexpr auto& XML_HX_ENC_GetElementInfo_Ret = WriteResult<kHX_ENC_GetElementInfo>;
 
 // HX_ENC_GetElementConfig
 inline constexpr Function kHX_ENC_GetElementConfig{
@@ -73,12 +61,6 @@ inline constexpr Function kHX_ENC_GetElementConfig{
     Records<XML_RA_ENC_ElementConfig>("EncElement_Config", &VX_ENC_GetElementConfig::ElementCfg,
                                       &VX_ENC_GetElementConfig::Count),
 };
-inline void XML_HX_ENC_GetElementConfig_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_ENC_GetElementConfig_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_ENC_GetElementConfig>(elmt, name);
-}
-inline void XML_HX_ENC_GetElementConfig_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_ENC_GetElementConfig>(elmt, doc);
-}
+inline constexpr auto& XML_HX_ENC_GetElementConfig_SEH = StartParameter;
+inline constexpr auto& XML_HX_ENC_GetElementConfig_EEH = EndParameter<kHX_ENC_GetElementConfig>;
+inline constexpr auto& XML_HX_ENC_GetElementConfig_Ret = WriteResult<kHX_ENC_GetElementConfig>;

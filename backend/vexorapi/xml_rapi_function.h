@@ -20,7 +20,7 @@ struct RequestParam {
 };
 
 template <class R, class T>
-consteval RequestParam<R, T> Param(const char* name, T R::*field) {
+constexpr RequestParam<R, T> Param(const char* name, T R::*field) {
     return {name, field};
 }
 
@@ -34,7 +34,7 @@ struct WholeTextRow {
 };
 
 template <class R, std::size_t n>
-consteval WholeTextRow<R, n> WholeTextParam(const char* name, char (R::*field)[n]) {
+constexpr WholeTextRow<R, n> WholeTextParam(const char* name, char (R::*field)[n]) {
     return {name, field};
 }
 
@@ -44,7 +44,7 @@ struct Params {
     using Type = R;
     std::tuple<Row...> rows;
 
-    consteval explicit Params(Row... row) : rows{row...} {}
+    constexpr explicit Params(Row... row) : rows{row...} {}
 };
 template <class First, class... Row>
 Params(First, Row...) -> Params<typename First::Of, First, Row...>;
@@ -58,7 +58,7 @@ struct InnerParams {
 };
 
 template <class R, class Inner, class... Row>
-consteval InnerParams<R, Inner, Row...> Within(Inner R::*field, Params<Inner, Row...> params) {
+constexpr InnerParams<R, Inner, Row...> Within(Inner R::*field, Params<Inner, Row...> params) {
     return {field, params};
 }
 
@@ -74,7 +74,7 @@ inline constexpr Params kRequestHeader{
 
 /// The children of every paged function.
 template <class R>
-consteval auto PagedParams() {
+constexpr auto PagedParams() {
     using Page = decltype(R::Request);
     return Params{
         Param("AdapterID", &R::AdapterID),
@@ -172,7 +172,7 @@ struct PlainCall {
 
 /// Passes the fields in order and keeps the returned byte in RetVal.
 template <auto function, class R, class... T>
-consteval PlainCall<function, R, T...> Call(T R::*... fields) {
+constexpr PlainCall<function, R, T...> Call(T R::*... fields) {
     return {{fields...}};
 }
 
@@ -226,7 +226,7 @@ struct AdaptersCall {
 /// Asks one adapter, or every one of them when AdapterID says so. `query` is called with the
 /// record, the adapter, the address of its 8-bit item count and the place for the items.
 template <class R, class Item, std::size_t room, class Query>
-consteval AdaptersCall<R, Item, room, Query> EachAdapter(Item (R::*items)[room], Items order,
+constexpr AdaptersCall<R, Item, room, Query> EachAdapter(Item (R::*items)[room], Items order,
                                                          Query query) {
     return {items, order, query};
 }
@@ -300,13 +300,13 @@ struct FetchPage<function> {
 
 /// One call of `function` a page. All of the data area is cleared before it, or `cleared` bytes.
 template <auto function, class R>
-consteval PagesCall<R, FetchPage<function>> Pages(std::size_t cleared = sizeof R::Request.items) {
+constexpr PagesCall<R, FetchPage<function>> Pages(std::size_t cleared = sizeof R::Request.items) {
     return {{}, cleared};
 }
 
 /// Whatever `fetch` does for a page.
 template <class R, class Fetch>
-consteval PagesCall<R, Fetch> PagesBy(Fetch fetch) {
+constexpr PagesCall<R, Fetch> PagesBy(Fetch fetch) {
     return {fetch, sizeof R::Request.items};
 }
 
@@ -317,14 +317,14 @@ template <class R, class... Row>
 struct Result {
     std::tuple<Row...> rows;
 
-    consteval explicit Result(Row... row) : rows{row...} {}
+    constexpr explicit Result(Row... row) : rows{row...} {}
 };
 template <class First, class... Row>
 Result(First, Row...) -> Result<typename First::Of, First, Row...>;
 
 /// The result of a function that answers with its status alone.
 template <class R>
-consteval auto StatusOnly() {
+constexpr auto StatusOnly() {
     return Result{Col("RetVal", kU8, &R::RetVal)};
 }
 
@@ -348,7 +348,7 @@ struct CountedList {
 };
 
 template <auto writer, class R, class Item, std::size_t room, class Number>
-consteval CountedList<writer, R, Item, room, Number> Records(const char* name,
+constexpr CountedList<writer, R, Item, room, Number> Records(const char* name,
                                                              Item (R::*items)[room],
                                                              Number R::*number) {
     return {name, items, number};
@@ -364,7 +364,7 @@ struct CollectedList {
 };
 
 template <auto writer, class R>
-consteval CollectedList<writer, R> Reply() {
+constexpr CollectedList<writer, R> Reply() {
     return {};
 }
 
@@ -406,7 +406,7 @@ struct Function<R, Params<R, ParamRow...>, Call, Result<R, Row...>, List> {
     std::tuple<Row...> rows;        // what the result begins with ...
     List list;                      // ... and the records that follow
 
-    consteval Function(const char* function_name, R XML_RA_FuncData::*function_record,
+    constexpr Function(const char* function_name, R XML_RA_FuncData::*function_record,
                        Params<R, ParamRow...> function_params, Call function_call,
                        Result<R, Row...> result, List function_list = {})
         : name(function_name),
@@ -425,7 +425,7 @@ Function(const char*, R XML_RA_FuncData::*, ParamRows, Call, ResultRows, List)
 
 /// The children of a function that takes none.
 template <class R>
-consteval Params<R> NoParams() {
+constexpr Params<R> NoParams() {
     return Params<R>{};
 }
 
@@ -435,12 +435,14 @@ auto& RequestRecord(XMLElement* elmt) {
     return static_cast<XML_RA_FuncData*>(elmt->Ext)->*kFunction.record;
 }
 
-/// The body of every start-element handler: attributes are logged and never interpreted.
-inline void StartParameter(const XML_Char** atts) { PrintXMLAtts(atts); }
+/// Every start-element handler: attributes are logged and never interpreted.
+inline void XMLCALL StartParameter(void*, const XML_Char*, const XML_Char** atts) {
+    PrintXMLAtts(atts);
+}
 
-/// The body of every end-element handler.
+/// Every end-element handler.
 template <const auto& kFunction>
-void EndParameter(void* userData, const XML_Char* name) {
+void XMLCALL EndParameter(void* userData, const XML_Char* name) {
     auto* const elmt = static_cast<XMLElement*>(userData);
     // The function's own end is no parameter, and an empty element leaves its field unchanged.
     if (std::strcmp(name, kFunction.name) == 0 || elmt->CharDataIndex == 0) return;
@@ -472,7 +474,7 @@ inline constexpr auto kFunctionClose = MakeLiteral([](LiteralSink& sink) {
     }
 });
 
-/// The body of every result writer: the function element, its rows, its list.
+/// Every result writer: the function element, its rows, its list.
 template <const auto& kFunction>
 void WriteResult(XMLElement* elmt, XMLWR_Doc* doc) {
     constexpr bool list = std::remove_cvref_t<decltype(kFunction.list)>::kWrites;

@@ -46,12 +46,8 @@ inline constexpr Function kHX_LogonUser{
     LogonCall{},
     StatusOnly<VX_LogonUser>(),
 };
-inline void XML_HX_LogonUser_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LogonUser_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LogonUser>(elmt, name);
-}
+inline constexpr auto& XML_HX_LogonUser_SEH = StartParameter;
+inline constexpr auto& XML_HX_LogonUser_EEH = EndParameter<kHX_LogonUser>;
 inline void XML_HX_LogonUser_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
     WriteUserResult<kHX_LogonUser>(elmt, doc, XML_RA_UserGroup_Value,
                                    RequestRecord<kHX_LogonUser>(elmt).UG);
@@ -72,12 +68,8 @@ inline constexpr Function kHX_GetUserGroup{
     },
     StatusOnly<VX_GetUserGroup>(),
 };
-inline void XML_HX_GetUserGroup_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_GetUserGroup_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_GetUserGroup>(elmt, name);
-}
+inline constexpr auto& XML_HX_GetUserGroup_SEH = StartParameter;
+inline constexpr auto& XML_HX_GetUserGroup_EEH = EndParameter<kHX_GetUserGroup>;
 inline void XML_HX_GetUserGroup_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
     WriteUserResult<kHX_GetUserGroup>(elmt, doc, XML_RA_UserGroup_Value,
                                       RequestRecord<kHX_GetUserGroup>(elmt).UG);
@@ -98,12 +90,8 @@ inline constexpr Function kHX_GetUserName{
     },
     StatusOnly<VX_GetUserName>(),
 };
-inline void XML_HX_GetUserName_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_GetUserName_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_GetUserName>(elmt, name);
-}
+inline constexpr auto& XML_HX_GetUserName_SEH = StartParameter;
+inline constexpr auto& XML_HX_GetUserName_EEH = EndParameter<kHX_GetUserName>;
 inline void XML_HX_GetUserName_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
     WriteUserResult<kHX_GetUserName>(elmt, doc, XML_RA_UserName_Value,
                                      RequestRecord<kHX_GetUserName>(elmt));

@@ -13,15 +13,9 @@ inline constexpr Function kHX_LD_GetInfo{
     StatusOnly<VX_LD_GetInfo>(),
     Reply<XML_RA_LD_Info_Request, VX_LD_GetInfo>(),
 };
-inline void XML_HX_LD_GetInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_GetInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_GetInfo>(elmt, name);
-}
-inline void XML_HX_LD_GetInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_GetInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_GetInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_GetInfo_EEH = EndParameter<kHX_LD_GetInfo>;
+inline constexpr auto& XML_HX_LD_GetInfo_Ret = WriteResult<kHX_LD_GetInfo>;
 
 // HX_LD_GetTargetLDInfo
 inline constexpr Function kHX_LD_GetTargetLDInfo{
@@ -38,15 +32,9 @@ inline constexpr Function kHX_LD_GetTargetLDInfo{
         Nest<kLD_Info>("LDInfo", &VX_LD_GetTargetLDInfo::LDInfo),
     },
 };
-inline void XML_HX_LD_GetTargetLDInfo_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_GetTargetLDInfo_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_GetTargetLDInfo>(elmt, name);
-}
-inline void XML_HX_LD_GetTargetLDInfo_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_GetTargetLDInfo>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_GetTargetLDInfo_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_GetTargetLDInfo_EEH = EndParameter<kHX_LD_GetTargetLDInfo>;
+inline constexpr auto& XML_HX_LD_GetTargetLDInfo_Ret = WriteResult<kHX_LD_GetTargetLDInfo>;
 
 // HX_LD_Delete
 inline constexpr Function kHX_LD_Delete{
@@ -60,15 +48,9 @@ inline constexpr Function kHX_LD_Delete{
     Call<HX_LD_Delete>(&VX_LD_Delete::AdapterID, &VX_LD_Delete::LD_ID, &VX_LD_Delete::deleteMBR),
     StatusOnly<VX_LD_Delete>(),
 };
-inline void XML_HX_LD_Delete_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_Delete_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_Delete>(elmt, name);
-}
-inline void XML_HX_LD_Delete_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_Delete>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_Delete_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_Delete_EEH = EndParameter<kHX_LD_Delete>;
+inline constexpr auto& XML_HX_LD_Delete_Ret = WriteResult<kHX_LD_Delete>;
 
 // HX_LD_Create
 inline constexpr Function kHX_LD_Create{
@@ -95,15 +77,9 @@ inline constexpr Function kHX_LD_Create{
     Call<HX_LD_Create>(&VX_LD_Create::AdapterID, &VX_LD_Create::CreateLDParam),
     StatusOnly<VX_LD_Create>(),
 };
-inline void XML_HX_LD_Create_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_Create_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_Create>(elmt, name);
-}
-inline void XML_HX_LD_Create_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_Create>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_Create_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_Create_EEH = EndParameter<kHX_LD_Create>;
+inline constexpr auto& XML_HX_LD_Create_Ret = WriteResult<kHX_LD_Create>;
 
 // HX_LD_QuickCreate: one virtual disk over all free disks.
 inline constexpr Function kHX_LD_QuickCreate{
@@ -116,15 +92,9 @@ inline constexpr Function kHX_LD_QuickCreate{
     Call<HX_LD_QuickCreate>(&VX_LD_QuickCreate::AdapterID, &VX_LD_QuickCreate::Type),
     StatusOnly<VX_LD_QuickCreate>(),
 };
-inline void XML_HX_LD_QuickCreate_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_QuickCreate_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_QuickCreate>(elmt, name);
-}
-inline void XML_HX_LD_QuickCreate_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_QuickCreate>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_QuickCreate_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_QuickCreate_EEH = EndParameter<kHX_LD_QuickCreate>;
+inline constexpr auto& XML_HX_LD_QuickCreate_Ret = WriteResult<kHX_LD_QuickCreate>;
 
 // HX_LD_GetMaxSize
 inline constexpr Function kHX_LD_GetMaxSize{
@@ -153,15 +123,9 @@ inline constexpr Function kHX_LD_GetMaxSize{
         Nest<kCreate_LD_Param>("CreateLDParam", &VX_LD_GetMaxSize::CreateLDParam),
     },
 };
-inline void XML_HX_LD_GetMaxSize_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_GetMaxSize_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_GetMaxSize>(elmt, name);
-}
-inline void XML_HX_LD_GetMaxSize_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_GetMaxSize>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_GetMaxSize_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_GetMaxSize_EEH = EndParameter<kHX_LD_GetMaxSize>;
+inline constexpr auto& XML_HX_LD_GetMaxSize_Ret = WriteResult<kHX_LD_GetMaxSize>;
 
 // HX_LD_PauseAll
 inline constexpr Function kHX_LD_PauseAll{
@@ -173,15 +137,9 @@ inline constexpr Function kHX_LD_PauseAll{
     Call<HX_LD_PauseAll>(&VX_LD_PauseAll::AdapterID),
     StatusOnly<VX_LD_PauseAll>(),
 };
-inline void XML_HX_LD_PauseAll_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_PauseAll_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_PauseAll>(elmt, name);
-}
-inline void XML_HX_LD_PauseAll_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_PauseAll>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_PauseAll_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_PauseAll_EEH = EndParameter<kHX_LD_PauseAll>;
+inline constexpr auto& XML_HX_LD_PauseAll_Ret = WriteResult<kHX_LD_PauseAll>;
 
 // HX_LD_GetStatus
 inline constexpr Function kHX_LD_GetStatus{
@@ -192,15 +150,9 @@ inline constexpr Function kHX_LD_GetStatus{
     StatusOnly<VX_LD_GetStatus>(),
     Reply<XML_RA_LD_Status_Request, VX_LD_GetStatus>(),
 };
-inline void XML_HX_LD_GetStatus_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_GetStatus_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_GetStatus>(elmt, name);
-}
-inline void XML_HX_LD_GetStatus_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_GetStatus>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_GetStatus_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_GetStatus_EEH = EndParameter<kHX_LD_GetStatus>;
+inline constexpr auto& XML_HX_LD_GetStatus_Ret = WriteResult<kHX_LD_GetStatus>;
 
 // HX_LD_GetConfig
 inline constexpr Function kHX_LD_GetConfig{
@@ -211,15 +163,9 @@ inline constexpr Function kHX_LD_GetConfig{
     StatusOnly<VX_LD_GetConfig>(),
     Reply<XML_RA_LD_Config_Request, VX_LD_GetConfig>(),
 };
-inline void XML_HX_LD_GetConfig_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_GetConfig_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_GetConfig>(elmt, name);
-}
-inline void XML_HX_LD_GetConfig_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_GetConfig>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_GetConfig_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_GetConfig_EEH = EndParameter<kHX_LD_GetConfig>;
+inline constexpr auto& XML_HX_LD_GetConfig_Ret = WriteResult<kHX_LD_GetConfig>;
 
 // HX_LD_SetConfig
 inline constexpr Function kHX_LD_SetConfig{
@@ -241,15 +187,9 @@ inline constexpr Function kHX_LD_SetConfig{
                           &VX_LD_SetConfig::LDConfig),
     StatusOnly<VX_LD_SetConfig>(),
 };
-inline void XML_HX_LD_SetConfig_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_SetConfig_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_SetConfig>(elmt, name);
-}
-inline void XML_HX_LD_SetConfig_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_SetConfig>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_SetConfig_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_SetConfig_EEH = EndParameter<kHX_LD_SetConfig>;
+inline constexpr auto& XML_HX_LD_SetConfig_Ret = WriteResult<kHX_LD_SetConfig>;
 
 // HX_LD_StartRebuild
 inline constexpr Function kHX_LD_StartRebuild{
@@ -264,15 +204,9 @@ inline constexpr Function kHX_LD_StartRebuild{
                              &VX_LD_StartRebuild::Rebuild_HD_ID),
     StatusOnly<VX_LD_StartRebuild>(),
 };
-inline void XML_HX_LD_StartRebuild_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_StartRebuild_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_StartRebuild>(elmt, name);
-}
-inline void XML_HX_LD_StartRebuild_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_StartRebuild>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_StartRebuild_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_StartRebuild_EEH = EndParameter<kHX_LD_StartRebuild>;
+inline constexpr auto& XML_HX_LD_StartRebuild_Ret = WriteResult<kHX_LD_StartRebuild>;
 
 // HX_LD_StartConsistencyCheck
 inline constexpr Function kHX_LD_StartConsistencyCheck{
@@ -288,15 +222,11 @@ inline constexpr Function kHX_LD_StartConsistencyCheck{
                                       &VX_LD_StartConsistencyCheck::Type),
     StatusOnly<VX_LD_StartConsistencyCheck>(),
 };
-inline void XML_HX_LD_StartConsistencyCheck_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_StartConsistencyCheck_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_StartConsistencyCheck>(elmt, name);
-}
-inline void XML_HX_LD_StartConsistencyCheck_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_StartConsistencyCheck>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_StartConsistencyCheck_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_StartConsistencyCheck_EEH =
+    EndParameter<kHX_LD_StartConsistencyCheck>;
+inline constexpr auto& XML_HX_LD_StartConsistencyCheck_Ret =
+    WriteResult<kHX_LD_StartConsistencyCheck>;
 
 // HX_LD_StartINIT
 inline constexpr Function kHX_LD_StartINIT{
@@ -311,15 +241,9 @@ inline constexpr Function kHX_LD_StartINIT{
                           &VX_LD_StartINIT::Init_Type),
     StatusOnly<VX_LD_StartINIT>(),
 };
-inline void XML_HX_LD_StartINIT_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_StartINIT_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_StartINIT>(elmt, name);
-}
-inline void XML_HX_LD_StartINIT_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_StartINIT>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_StartINIT_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_StartINIT_EEH = EndParameter<kHX_LD_StartINIT>;
+inline constexpr auto& XML_HX_LD_StartINIT_Ret = WriteResult<kHX_LD_StartINIT>;
 
 /// What a migration changes: the level and the disks of a virtual disk.
 inline constexpr Params kMigrationParams{
@@ -341,15 +265,9 @@ inline constexpr Function kHX_LD_StartMigration{
                                &VX_LD_StartMigration::CreateLDParam),
     StatusOnly<VX_LD_StartMigration>(),
 };
-inline void XML_HX_LD_StartMigration_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_StartMigration_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_StartMigration>(elmt, name);
-}
-inline void XML_HX_LD_StartMigration_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_StartMigration>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_StartMigration_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_StartMigration_EEH = EndParameter<kHX_LD_StartMigration>;
+inline constexpr auto& XML_HX_LD_StartMigration_Ret = WriteResult<kHX_LD_StartMigration>;
 
 // HX_LD_GetMigratedLdSize
 inline constexpr Function kHX_LD_GetMigratedLdSize{
@@ -366,15 +284,9 @@ inline constexpr Function kHX_LD_GetMigratedLdSize{
         Nest<kCreate_LD_Param>("CreateLDParam", &VX_LD_GetMigratedLdSize::CreateLDParam),
     },
 };
-inline void XML_HX_LD_GetMigratedLdSize_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_GetMigratedLdSize_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_GetMigratedLdSize>(elmt, name);
-}
-inline void XML_HX_LD_GetMigratedLdSize_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_GetMigratedLdSize>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_GetMigratedLdSize_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_GetMigratedLdSize_EEH = EndParameter<kHX_LD_GetMigratedLdSize>;
+inline constexpr auto& XML_HX_LD_GetMigratedLdSize_Ret = WriteResult<kHX_LD_GetMigratedLdSize>;
 
 // HX_LD_BGAControl
 inline constexpr Function kHX_LD_BGAControl{
@@ -389,15 +301,9 @@ inline constexpr Function kHX_LD_BGAControl{
                            &VX_LD_BGAControl::Actions),
     StatusOnly<VX_LD_BGAControl>(),
 };
-inline void XML_HX_LD_BGAControl_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_BGAControl_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_BGAControl>(elmt, name);
-}
-inline void XML_HX_LD_BGAControl_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_BGAControl>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_BGAControl_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_BGAControl_EEH = EndParameter<kHX_LD_BGAControl>;
+inline constexpr auto& XML_HX_LD_BGAControl_Ret = WriteResult<kHX_LD_BGAControl>;
 
 // HX_LD_Import
 inline constexpr Function kHX_LD_Import{
@@ -410,15 +316,9 @@ inline constexpr Function kHX_LD_Import{
     Call<HX_LD_Import>(&VX_LD_Import::AdapterID, &VX_LD_Import::LD_ID),
     StatusOnly<VX_LD_Import>(),
 };
-inline void XML_HX_LD_Import_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_Import_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_Import>(elmt, name);
-}
-inline void XML_HX_LD_Import_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_Import>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_Import_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_Import_EEH = EndParameter<kHX_LD_Import>;
+inline constexpr auto& XML_HX_LD_Import_Ret = WriteResult<kHX_LD_Import>;
 
 // HX_LD_Create_OnDG
 inline constexpr Function kHX_LD_Create_OnDG{
@@ -443,15 +343,9 @@ inline constexpr Function kHX_LD_Create_OnDG{
                             &VX_LD_Create_OnDG::CreateOrModifyVDParam),
     StatusOnly<VX_LD_Create_OnDG>(),
 };
-inline void XML_HX_LD_Create_OnDG_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_Create_OnDG_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_Create_OnDG>(elmt, name);
-}
-inline void XML_HX_LD_Create_OnDG_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_Create_OnDG>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_Create_OnDG_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_Create_OnDG_EEH = EndParameter<kHX_LD_Create_OnDG>;
+inline constexpr auto& XML_HX_LD_Create_OnDG_Ret = WriteResult<kHX_LD_Create_OnDG>;
 
 // HX_LD_Modify_OnDG
 inline constexpr Function kHX_LD_Modify_OnDG{
@@ -480,15 +374,9 @@ inline constexpr Function kHX_LD_Modify_OnDG{
                             &VX_LD_Modify_OnDG::CreateOrModifyVDParam),
     StatusOnly<VX_LD_Modify_OnDG>(),
 };
-inline void XML_HX_LD_Modify_OnDG_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_LD_Modify_OnDG_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_LD_Modify_OnDG>(elmt, name);
-}
-inline void XML_HX_LD_Modify_OnDG_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_LD_Modify_OnDG>(elmt, doc);
-}
+inline constexpr auto& XML_HX_LD_Modify_OnDG_SEH = StartParameter;
+inline constexpr auto& XML_HX_LD_Modify_OnDG_EEH = EndParameter<kHX_LD_Modify_OnDG>;
+inline constexpr auto& XML_HX_LD_Modify_OnDG_Ret = WriteResult<kHX_LD_Modify_OnDG>;
 
 // HX_CreateOrModify_VD
 inline constexpr Function kHX_CreateOrModify_VD{
@@ -514,12 +402,6 @@ inline constexpr Function kHX_CreateOrModify_VD{
                                &VX_CreateOrModify_VD::CreateOrModify_VD_Param),
     StatusOnly<VX_CreateOrModify_VD>(),
 };
-inline void XML_HX_CreateOrModify_VD_SEH(void*, const XML_Char*, const XML_Char** atts) {
-    StartParameter(atts);
-}
-inline void XML_HX_CreateOrModify_VD_EEH(void* elmt, const XML_Char* name) {
-    EndParameter<kHX_CreateOrModify_VD>(elmt, name);
-}
-inline void XML_HX_CreateOrModify_VD_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteResult<kHX_CreateOrModify_VD>(elmt, doc);
-}
+inline constexpr auto& XML_HX_CreateOrModify_VD_SEH = StartParameter;
+inline constexpr auto& XML_HX_CreateOrModify_VD_EEH = EndParameter<kHX_CreateOrModify_VD>;
+inline constexpr auto& XML_HX_CreateOrModify_VD_Ret = WriteResult<kHX_CreateOrModify_VD>;
