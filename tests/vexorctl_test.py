@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""vexorctl does what its help says: run as a program, over the virtual controller, in a temporary root.
+"""vexorctl does what its help says: run as a program over the virtual controller.
 
-Two libraries of the tests' own take part: a library that fails as the real one cannot be made to
+Each test has a temporary root. Two libraries of the tests' own take part: a library that fails as the real one cannot be made to
 fail, and another controller library. Each is put first with LD_LIBRARY_PATH.
 
 usage: vexorctl_test.py VEXORCTL FAILING_LIBRARY_FOLDER OTHER_CONTROLLER_FOLDER [TEST]...
