@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """vexorctl does what its help says: run as a program over the virtual controller.
 
-Each test has a temporary root. Two libraries of the tests' own take part: a library that fails as the real one cannot be made to
-fail, and another controller library. Each is put first with LD_LIBRARY_PATH.
+Each test has a temporary root. Two libraries of the tests' own take part: one that fails as the
+real library cannot be made to fail, and another controller library. Each is put first with
+LD_LIBRARY_PATH.
 
 usage: vexorctl_test.py VEXORCTL FAILING_LIBRARY_FOLDER OTHER_CONTROLLER_FOLDER [TEST]...
 """
