@@ -116,14 +116,15 @@ private:
 /// Appends the element to the path and starts its text. What does not fit is dropped.
 template <class Context>
 void EnterElement(Context& context, const XML_Char* name) {
-    char* at = context.DirName + context.DirNameLength;
-    char* const last = context.DirName + kPathSize - 1;
+    std::size_t length = context.DirNameLength;
     // Bounded on every append, not by the depth: siblings with a dot in their names lengthen the
     // path without any nesting, because only what follows the last dot is removed at their end.
-    if (context.Depth > 0 && at < last) *at++ = '.';
-    while (at < last && *name != '\0') *at++ = *name++;
-    *at = '\0';
-    context.DirNameLength = static_cast<HX_U16>(at - context.DirName);
+    if (context.Depth > 0 && length < kPathSize - 1) context.DirName[length++] = '.';
+    const std::size_t kept = strnlen(name, kPathSize - 1 - length);
+    std::memcpy(context.DirName + length, name, kept);
+    length += kept;
+    context.DirName[length] = '\0';
+    context.DirNameLength = static_cast<HX_U16>(length);
     context.CharDataIndex = 0;
     context.CharDataBuf[0] = '\0';
     VX_DBG_TRACE("Dir = %s\n", context.DirName);
@@ -137,13 +138,10 @@ void LeaveElement(Context& context) {
     if (context.Depth == 0) {
         context.DirName[0] = '\0';
         context.DirNameLength = 0;
-    } else {
-        for (std::size_t at = context.DirNameLength; at-- > 0;) {
-            if (context.DirName[at] != '.') continue;
-            context.DirName[at] = '\0';
-            context.DirNameLength = static_cast<HX_U16>(at);
-            break;
-        }
+    } else if (void* const dot = memrchr(context.DirName, '.', context.DirNameLength)) {
+        char* const end = static_cast<char*>(dot);
+        *end = '\0';
+        context.DirNameLength = static_cast<HX_U16>(end - context.DirName);
     }
     if (context.CharDataIndex != 0) {
         VX_DBG_TRACE("[CD %d]:%s\n", context.CharDataIndex, context.CharDataBuf);
@@ -154,9 +152,15 @@ void LeaveElement(Context& context) {
 template <class Context>
 void CollectText(Context& context, const XML_Char* text, int length) {
     const std::size_t room = kTextSize - 1 - context.CharDataIndex;
-    const std::size_t kept = length < 0 ? 0 : static_cast<std::size_t>(length);
-    const std::size_t bytes = kept < room ? kept : room;
-    std::memcpy(context.CharDataBuf + context.CharDataIndex, text, bytes);
-    context.CharDataIndex = static_cast<HX_U16>(context.CharDataIndex + bytes);
-    context.CharDataBuf[context.CharDataIndex] = '\0';
+    const std::size_t given = length < 0 ? 0 : static_cast<std::size_t>(length);
+    const std::size_t kept = given < room ? given : room;
+    char* const at = context.CharDataBuf + context.CharDataIndex;
+    context.CharDataIndex = static_cast<HX_U16>(context.CharDataIndex + kept);
+    at[kept] = '\0';
+    // A single character comes often: expat passes every line end by itself.
+    if (kept == 1) {
+        *at = *text;
+    } else {
+        std::memcpy(at, text, kept);
+    }
 }

@@ -1,6 +1,7 @@
 // The vendor function table: a function's name to its handlers and the size of its record.
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
 #include "xml_rapi_functions.h"
@@ -39,14 +40,15 @@ constexpr bool NamesAreSound() {
 static_assert(NamesAreSound(), "every name fits FuncName and none comes twice");
 
 // A name is looked up by its hash; the seed is chosen at compile time so that no two share a slot.
-constexpr std::size_t kSlots = 1024;
+constexpr int kSlotBits = 10;
+constexpr std::size_t kSlots = 1u << kSlotBits;
 
+// `seed` is odd.
 constexpr std::uint32_t Hash(std::uint32_t seed, const char* name) {
-    std::uint32_t hash = seed;
-    for (; *name != '\0'; ++name) {
-        hash = (hash ^ static_cast<unsigned char>(*name)) * 0x01000193u;  // FNV-1a
-    }
-    return (hash ^ hash >> 16) % kSlots;
+    std::uint32_t hash = 0;
+    // Multiplied once behind the loop and not in every step, each of which would wait for the last.
+    for (; *name != '\0'; ++name) hash = std::rotl(hash, 5) ^ static_cast<unsigned char>(*name);
+    return hash * seed >> (32 - kSlotBits);
 }
 
 struct HashTable {
@@ -56,7 +58,7 @@ struct HashTable {
 
 consteval HashTable MakeHashTable() {
     static_assert(kTable.size() < 255);
-    for (std::uint32_t seed = 1;; ++seed) {
+    for (std::uint32_t seed = 0x9E3779B1;; seed += 2) {
         HashTable table{seed};
         bool distinct = true;
         for (std::size_t i = 0; distinct && i < kTable.size(); ++i) {
