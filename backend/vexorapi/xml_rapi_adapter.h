@@ -47,8 +47,8 @@ inline constexpr Function kHX_Adapter_GetInfo{
         Col("RetVal", kU8, &VX_Adapter_GetInfo::RetVal),
         Col("Count", kU8, &VX_Adapter_GetInfo::Count),
     },
-    Records<XML_RA_Adapter_Info>("AdapterInfo", &VX_Adapter_GetInfo::AdapterInfo,
-                                 &VX_Adapter_GetInfo::Count),
+    Records<kAdapter_Info, XML_RA_Adapter_Info>("AdapterInfo", &VX_Adapter_GetInfo::AdapterInfo,
+                                                &VX_Adapter_GetInfo::Count),
 };
 inline constexpr auto& XML_HX_Adapter_GetInfo_SEH = StartParameter;
 inline constexpr auto& XML_HX_Adapter_GetInfo_EEH = EndParameter<kHX_Adapter_GetInfo>;
@@ -128,8 +128,8 @@ inline constexpr Function kHX_Adapter_GetConfig{
         Col("Count", kU8, &VX_Adapter_GetConfig::Count),
     },
     // The element bears the same name as an adapter's information.
-    Records<XML_RA_Adapter_Config_V2>("AdapterInfo", &VX_Adapter_GetConfig::AdapterConfig,
-                                      &VX_Adapter_GetConfig::Count),
+    Records<kAdapter_Config_V2, XML_RA_Adapter_Config_V2>(
+        "AdapterInfo", &VX_Adapter_GetConfig::AdapterConfig, &VX_Adapter_GetConfig::Count),
 };
 inline constexpr auto& XML_HX_Adapter_GetConfig_SEH = StartParameter;
 inline constexpr auto& XML_HX_Adapter_GetConfig_EEH = EndParameter<kHX_Adapter_GetConfig>;

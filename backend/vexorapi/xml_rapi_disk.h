@@ -19,7 +19,7 @@ inline constexpr Function kHX_PD_GetHDInfo{
         return status == HX_SUCCESS ? status : HX_PD_GetHDInfo(adapter, request);
     }),
     StatusOnly<VX_PD_GetHDInfo>(),
-    Reply<XML_RA_HD_Info_Request, VX_PD_GetHDInfo>(),
+    Reply<kHD_Info_Reply, VX_PD_GetHDInfo>(),
 };
 inline constexpr auto& XML_HX_PD_GetHDInfo_SEH = StartParameter;
 inline constexpr auto& XML_HX_PD_GetHDInfo_EEH = EndParameter<kHX_PD_GetHDInfo>;
@@ -32,7 +32,7 @@ inline constexpr Function kHX_PD_GetHDInfo_Ext{
     PagedParams<VX_PD_GetHDInfo_Ext>(),
     Pages<HX_PD_GetHDInfo_Ext, VX_PD_GetHDInfo_Ext>(),
     StatusOnly<VX_PD_GetHDInfo_Ext>(),
-    Reply<XML_RA_HD_Info_Request, VX_PD_GetHDInfo_Ext>(),
+    Reply<kHD_Info_Reply, VX_PD_GetHDInfo_Ext>(),
 };
 inline constexpr auto& XML_HX_PD_GetHDInfo_Ext_SEH = StartParameter;
 inline constexpr auto& XML_HX_PD_GetHDInfo_Ext_EEH = EndParameter<kHX_PD_GetHDInfo_Ext>;
@@ -45,7 +45,7 @@ inline constexpr Function kHX_PD_GetExpanderInfo{
     PagedParams<VX_PD_GetExpanderInfo>(),
     Pages<HX_PD_GetExpanderInfo, VX_PD_GetExpanderInfo>(),
     StatusOnly<VX_PD_GetExpanderInfo>(),
-    Reply<XML_RA_Exp_Info_Request, VX_PD_GetExpanderInfo>(),
+    Reply<kExp_Info_Reply, VX_PD_GetExpanderInfo>(),
 };
 inline constexpr auto& XML_HX_PD_GetExpanderInfo_SEH = StartParameter;
 inline constexpr auto& XML_HX_PD_GetExpanderInfo_EEH = EndParameter<kHX_PD_GetExpanderInfo>;
@@ -58,7 +58,7 @@ inline constexpr Function kHX_PD_GetPMInfo{
     PagedParams<VX_PD_GetPMInfo>(),
     Pages<HX_PD_GetPMInfo, VX_PD_GetPMInfo>(),
     StatusOnly<VX_PD_GetPMInfo>(),
-    Reply<XML_RA_PM_Info_Request, VX_PD_GetPMInfo>(),
+    Reply<kPM_Info_Reply, VX_PD_GetPMInfo>(),
 };
 inline constexpr auto& XML_HX_PD_GetPMInfo_SEH = StartParameter;
 inline constexpr auto& XML_HX_PD_GetPMInfo_EEH = EndParameter<kHX_PD_GetPMInfo>;
@@ -71,7 +71,7 @@ inline constexpr Function kHX_PD_GetFreeSpaceInfo{
     PagedParams<VX_PD_GetFreeSpaceInfo>(),
     Pages<HX_PD_GetFreeSpaceInfo, VX_PD_GetFreeSpaceInfo>(),
     StatusOnly<VX_PD_GetFreeSpaceInfo>(),
-    Reply<XML_RA_HD_FreeSpaceInfo_Request, VX_PD_GetFreeSpaceInfo>(),
+    Reply<kHD_FreeSpaceInfo_Reply, VX_PD_GetFreeSpaceInfo>(),
 };
 inline constexpr auto& XML_HX_PD_GetFreeSpaceInfo_SEH = StartParameter;
 inline constexpr auto& XML_HX_PD_GetFreeSpaceInfo_EEH = EndParameter<kHX_PD_GetFreeSpaceInfo>;
@@ -84,7 +84,7 @@ inline constexpr Function kHX_PD_GetConfig{
     PagedParams<VX_PD_GetConfig>(),
     Pages<HX_PD_GetConfig, VX_PD_GetConfig>(),
     StatusOnly<VX_PD_GetConfig>(),
-    Reply<XML_RA_HD_Config_Request, VX_PD_GetConfig>(),
+    Reply<kHD_Config_Reply, VX_PD_GetConfig>(),
 };
 inline constexpr auto& XML_HX_PD_GetConfig_SEH = StartParameter;
 inline constexpr auto& XML_HX_PD_GetConfig_EEH = EndParameter<kHX_PD_GetConfig>;
@@ -97,7 +97,7 @@ inline constexpr Function kHX_PD_GetSmartStatus{
     PagedParams<VX_PD_GetSmartStatus>(),
     Pages<HX_PD_GetSmartStatus, VX_PD_GetSmartStatus>(),
     StatusOnly<VX_PD_GetSmartStatus>(),
-    Reply<XML_RA_HD_Smart_Status_Request, VX_PD_GetSmartStatus>(),
+    Reply<kHD_Smart_Status_Reply, VX_PD_GetSmartStatus>(),
 };
 inline constexpr auto& XML_HX_PD_GetSmartStatus_SEH = StartParameter;
 inline constexpr auto& XML_HX_PD_GetSmartStatus_EEH = EndParameter<kHX_PD_GetSmartStatus>;
@@ -110,7 +110,7 @@ inline constexpr Function kHX_PD_GetHDRaidStatus{
     PagedParams<VX_PD_GetHDRaidStatus>(),
     Pages<HX_PD_GetHDRaidStatus, VX_PD_GetHDRaidStatus>(),
     StatusOnly<VX_PD_GetHDRaidStatus>(),
-    Reply<XML_RA_HD_RAID_Status_Request, VX_PD_GetHDRaidStatus>(),
+    Reply<kHD_RAID_Status_Reply, VX_PD_GetHDRaidStatus>(),
 };
 inline constexpr auto& XML_HX_PD_GetHDRaidStatus_SEH = StartParameter;
 inline constexpr auto& XML_HX_PD_GetHDRaidStatus_EEH = EndParameter<kHX_PD_GetHDRaidStatus>;
@@ -123,7 +123,7 @@ inline constexpr Function kHX_PD_GetSpareInfo{
     PagedParams<VX_PD_GetSpareInfo>(),
     Pages<HX_PD_GetSpareInfo, VX_PD_GetSpareInfo>(),
     StatusOnly<VX_PD_GetSpareInfo>(),
-    Reply<XML_RA_HD_RAID_Status_Request, VX_PD_GetSpareInfo>(),
+    Reply<kHD_RAID_Status_Reply, VX_PD_GetSpareInfo>(),
 };
 inline constexpr auto& XML_HX_PD_GetSpareInfo_SEH = StartParameter;
 inline constexpr auto& XML_HX_PD_GetSpareInfo_EEH = EndParameter<kHX_PD_GetSpareInfo>;
@@ -136,7 +136,7 @@ inline constexpr Function kHX_PD_GetBGAStatus{
     PagedParams<VX_PD_GetBGAStatus>(),
     Pages<HX_PD_GetBGAStatus, VX_PD_GetBGAStatus>(),
     StatusOnly<VX_PD_GetBGAStatus>(),
-    Reply<XML_RA_HD_BGA_Status_Request, VX_PD_GetBGAStatus>(),
+    Reply<kHD_BGA_Status_Reply, VX_PD_GetBGAStatus>(),
 };
 inline constexpr auto& XML_HX_PD_GetBGAStatus_SEH = StartParameter;
 inline constexpr auto& XML_HX_PD_GetBGAStatus_EEH = EndParameter<kHX_PD_GetBGAStatus>;
@@ -162,7 +162,8 @@ inline constexpr Function kHX_PD_GetRCT{
         Col("s", kU32, &VX_PD_GetRCT::s),
         Col("e", kU32, &VX_PD_GetRCT::e),
     },
-    Records<XML_RA_HD_RCT_Records>("Record", &VX_PD_GetRCT::record, &VX_PD_GetRCT::n),
+    Records<kHD_RCT_Records, XML_RA_HD_RCT_Records>("Record", &VX_PD_GetRCT::record,
+                                                    &VX_PD_GetRCT::n),
 };
 inline constexpr auto& XML_HX_PD_GetRCT_SEH = StartParameter;
 inline constexpr auto& XML_HX_PD_GetRCT_EEH = EndParameter<kHX_PD_GetRCT>;
@@ -354,7 +355,7 @@ inline constexpr Function kHX_BLK_GetInfo{
     PagedParams<VX_BLK_GetInfo>(),
     Pages<HX_BLK_GetInfo, VX_BLK_GetInfo>(),
     StatusOnly<VX_BLK_GetInfo>(),
-    Reply<XML_RA_Block_Info_Request, VX_BLK_GetInfo>(),
+    Reply<kBlock_Info_Reply, VX_BLK_GetInfo>(),
 };
 inline constexpr auto& XML_HX_BLK_GetInfo_SEH = StartParameter;
 inline constexpr auto& XML_HX_BLK_GetInfo_EEH = EndParameter<kHX_BLK_GetInfo>;
@@ -367,7 +368,7 @@ inline constexpr Function kHX_BLK_GetHDBlock{
     PagedParams<VX_BLK_GetHDBlock>(),
     Pages<HX_BLK_GetHDBlock, VX_BLK_GetHDBlock>(512),
     StatusOnly<VX_BLK_GetHDBlock>(),
-    Reply<XML_RA_HD_Block_Info_Request, VX_BLK_GetHDBlock>(),
+    Reply<kHD_Block_Info_Reply, VX_BLK_GetHDBlock>(),
 };
 inline constexpr auto& XML_HX_BLK_GetHDBlock_SEH = StartParameter;
 inline constexpr auto& XML_HX_BLK_GetHDBlock_EEH = EndParameter<kHX_BLK_GetHDBlock>;

@@ -80,7 +80,7 @@ inline constexpr Function kHX_DG_GetInfo{
     PagedParams<VX_DG_GetInfo>(),
     Pages<HX_DG_GetInfo, VX_DG_GetInfo>(),
     StatusOnly<VX_DG_GetInfo>(),
-    Reply<XML_RA_DG_Info_Request, VX_DG_GetInfo>(),
+    Reply<kDG_Info_Reply, VX_DG_GetInfo>(),
 };
 inline constexpr auto& XML_HX_DG_GetInfo_SEH = StartParameter;
 inline constexpr auto& XML_HX_DG_GetInfo_EEH = EndParameter<kHX_DG_GetInfo>;
@@ -173,7 +173,7 @@ inline constexpr Function kHX_DG_GetConfig{
     PagedParams<VX_DG_GetConfig>(),
     Pages<HX_DG_GetConfig, VX_DG_GetConfig>(),
     StatusOnly<VX_DG_GetConfig>(),
-    Reply<XML_RA_DG_Config_Request, VX_DG_GetConfig>(),
+    Reply<kDG_Config_Reply, VX_DG_GetConfig>(),
 };
 inline constexpr auto& XML_HX_DG_GetConfig_SEH = StartParameter;
 inline constexpr auto& XML_HX_DG_GetConfig_EEH = EndParameter<kHX_DG_GetConfig>;

@@ -11,7 +11,7 @@ inline constexpr Function kHX_ENC_GetEnclosureInfo{
     PagedParams<VX_ENC_GetEnclosureInfo>(),
     Pages<HX_ENC_GetEnclosureInfo, VX_ENC_GetEnclosureInfo>(),
     StatusOnly<VX_ENC_GetEnclosureInfo>(),
-    Reply<XML_RA_ENC_Enclosure_Info_Request, VX_ENC_GetEnclosureInfo>(),
+    Reply<kENC_Enclosure_Info_Reply, VX_ENC_GetEnclosureInfo>(),
 };
 inline constexpr auto& XML_HX_ENC_GetEnclosureInfo_SEH = StartParameter;
 inline constexpr auto& XML_HX_ENC_GetEnclosureInfo_EEH = EndParameter<kHX_ENC_GetEnclosureInfo>;
@@ -34,8 +34,8 @@ inline constexpr Function kHX_ENC_GetElementInfo{
         Col("RetVal", kU8, &VX_ENC_GetElementInfo::RetVal),
         Col("Count", kU8, &VX_ENC_GetElementInfo::Count),
     },
-    Records<XML_RA_ENC_ElementInfo>("EncElementType_Info", &VX_ENC_GetElementInfo::ElementInfo,
-                                    &VX_ENC_GetElementInfo::Count),
+    Records<kENC_ElementInfo, XML_RA_ENC_ElementInfo>(
+        "EncElementType_Info", &VX_ENC_GetElementInfo::ElementInfo, &VX_ENC_GetElementInfo::Count),
 };
 inline constexpr auto& XML_HX_ENC_GetElementInfo_SEH = StartParameter;
 inline constexpr auto& XML_HX_ENC_GetElementInfo_EEH = EndParameter<kHX_ENC_GetElementInfo>;
@@ -58,8 +58,8 @@ inline constexpr Function kHX_ENC_GetElementConfig{
         Col("RetVal", kU8, &VX_ENC_GetElementConfig::RetVal),
         Col("Count", kU8, &VX_ENC_GetElementConfig::Count),
     },
-    Records<XML_RA_ENC_ElementConfig>("EncElement_Config", &VX_ENC_GetElementConfig::ElementCfg,
-                                      &VX_ENC_GetElementConfig::Count),
+    Records<kENC_ElementConfig, XML_RA_ENC_ElementConfig>(
+        "EncElement_Config", &VX_ENC_GetElementConfig::ElementCfg, &VX_ENC_GetElementConfig::Count),
 };
 inline constexpr auto& XML_HX_ENC_GetElementConfig_SEH = StartParameter;
 inline constexpr auto& XML_HX_ENC_GetElementConfig_EEH = EndParameter<kHX_ENC_GetElementConfig>;

@@ -334,37 +334,63 @@ struct NoList {
 };
 
 /// As many records as the request's record counts, and never more than it holds.
-template <auto writer, class R, class Item, std::size_t room, class Number>
+template <const auto& kRecord, auto writer, class R, std::size_t room, class Number>
 struct CountedList {
     static constexpr bool kWrites = true;
+    static constexpr const auto& kItem = kRecord;
     const char* name;
-    Item (R::*items)[room];
+    RecordType<kRecord> (R::*items)[room];
     Number R::*number;
 
-    void Write(XMLWR_Doc* doc, R& record) const {
+    void Write(XMLWR_Doc* doc, const char*, R& record) const {
         const std::size_t counted = record.*number;
         writer(doc, name, record.*items, static_cast<HX_U32>(counted < room ? counted : room));
     }
 };
 
-template <auto writer, class R, class Item, std::size_t room, class Number>
-constexpr CountedList<writer, R, Item, room, Number> Records(const char* name,
-                                                             Item (R::*items)[room],
-                                                             Number R::*number) {
+template <const auto& kRecord, auto writer, class R, std::size_t room, class Number>
+constexpr CountedList<kRecord, writer, R, room, Number> Records(
+    const char* name, RecordType<kRecord> (R::*items)[room], Number R::*number) {
     return {name, items, number};
 }
 
 /// The list that the executor has collected.
-template <auto writer, class R>
+template <const auto& kReply, class R>
 struct CollectedList {
     static constexpr bool kWrites = true;
+    static constexpr const auto& kItems = kReply;
 
-    // The writer gives header and items their own names.
-    void Write(XMLWR_Doc* doc, R& record) const { writer(doc, nullptr, record.Result, 1); }
+    // Header and items bear their own names.
+    void Write(XMLWR_Doc* doc, const char*, R& record) const {
+        kReply.WriteReply(doc, nullptr, record.Result, 1);
+    }
 };
 
+template <const auto& kReply, class R>
+constexpr CollectedList<kReply, R> Reply() {
+    return {};
+}
+
+/// A user's values. Their writer is given the function element's own name and closes it; the
+/// closing call that ends every result then finds no element open and writes nothing.
+template <auto writer, class R, class Inner>
+struct UserValues {
+    static constexpr bool kWrites = true;
+    static constexpr bool kClosesFunction = true;
+    Inner inner;
+
+    void Write(XMLWR_Doc* doc, const char* function, R& record) const {
+        writer(doc, function, &inner(record), 1);
+    }
+};
+
+/// The values in a field of the record, or in the record itself.
+template <auto writer, class R, class T>
+constexpr UserValues<writer, R, InnerField<T, R>> Values(T R::*field) {
+    return {{field}};
+}
 template <auto writer, class R>
-constexpr CollectedList<writer, R> Reply() {
+constexpr UserValues<writer, R, InnerSelf<R>> Values() {
     return {};
 }
 
@@ -477,7 +503,9 @@ inline constexpr auto kFunctionClose = MakeLiteral([](LiteralSink& sink) {
 /// Every result writer: the function element, its rows, its list.
 template <const auto& kFunction>
 void WriteResult(XMLElement* elmt, XMLWR_Doc* doc) {
-    constexpr bool list = std::remove_cvref_t<decltype(kFunction.list)>::kWrites;
+    using List = std::remove_cvref_t<decltype(kFunction.list)>;
+    constexpr bool list = List::kWrites;
+    constexpr bool closed = requires { List::kClosesFunction; };
     auto& record = RequestRecord<kFunction>(elmt);
     const bool fast = doc->Depth == kListDepth - 1;
     constexpr std::size_t bound = kFunctionOpen<kFunction>.size() +
@@ -494,8 +522,8 @@ void WriteResult(XMLElement* elmt, XMLWR_Doc* doc) {
         XMLWR_ElmtStartPrintf(doc, 0, kFunction.name, " %s=\"%s\"", "type", "function");
         WriteRowsAt<kFunction, kListDepth>(doc, record);
     }
-    if constexpr (list) kFunction.list.Write(doc, record);
-    if (fast && kDocCapacity - doc->CurPos >= kEndTag<kFunction>.size()) [[likely]] {
+    if constexpr (list) kFunction.list.Write(doc, kFunction.name, record);
+    if (fast && !closed && kDocCapacity - doc->CurPos >= kEndTag<kFunction>.size()) [[likely]] {
         const char* const end = PutLiteral(doc->Buf + doc->CurPos, kEndTag<kFunction>);
         doc->CurPos = static_cast<std::uint32_t>(end - doc->Buf);
         --doc->Depth;

@@ -194,87 +194,72 @@ int XML_RA_UserGroup_Value(XMLWR_Doc* doc, const char* elmt, const UserGroup* va
     return 1;
 }
 
-// `writer` writes the items, under the name `item`. A reply ends where its items end.
-template <class Item, class Writer>
-int WriteReplies(XMLWR_Doc* doc, const char* item, RequestHeader* replies, HX_U32 count,
-                 Writer writer) {
-    for (HX_U32 i = 0; i < count; ++i) {
-        auto* const items = reinterpret_cast<Item*>(replies + 1);
-        XML_RA_RequestHeader_Entity_Info(doc, "RequestHeader", replies, 1);
-        writer(doc, item, items, replies->numReturned);
-        replies = reinterpret_cast<RequestHeader*>(items + replies->numReturned);
-    }
-    return 1;
-}
-
 int XML_RA_PM_Info_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies, HX_U32 count) {
-    return WriteReplies<PM_Info>(doc, "PM_Info", replies, count, XML_RA_PM_Info);
+    return WriteReplies<kPM_Info_Reply>(doc, replies, count);
 }
 
 int XML_RA_HD_Config_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies, HX_U32 count) {
-    return WriteReplies<HD_Config>(doc, "Config", replies, count, XML_RA_HD_Config);
+    return WriteReplies<kHD_Config_Reply>(doc, replies, count);
 }
 
 int XML_RA_HD_Smart_Status_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies,
                                    HX_U32 count) {
-    return WriteReplies<HD_SMART_Status>(doc, "HD_SMART_Status", replies, count,
-                                         XML_RA_HD_SMART_Status);
+    return WriteReplies<kHD_Smart_Status_Reply>(doc, replies, count);
 }
 
 int XML_RA_HD_RAID_Status_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies,
                                   HX_U32 count) {
-    return WriteReplies<HD_RAID_Status>(doc, "Status", replies, count, XML_RA_HD_RAID_Status);
+    return WriteReplies<kHD_RAID_Status_Reply>(doc, replies, count);
 }
 
 int XML_RA_LD_Status_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies, HX_U32 count) {
-    return WriteReplies<LD_Status>(doc, "Status", replies, count, XML_RA_LD_Status);
+    return WriteReplies<kLD_Status_Reply>(doc, replies, count);
 }
 
 int XML_RA_LD_Config_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies, HX_U32 count) {
-    return WriteReplies<LD_Config>(doc, "LDConfig", replies, count, XML_RA_LD_Config);
+    return WriteReplies<kLD_Config_Reply>(doc, replies, count);
 }
 
 int XML_RA_DG_Config_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies, HX_U32 count) {
-    return WriteReplies<DG_Config>(doc, "DG_Config", replies, count, XML_RA_DG_Config);
+    return WriteReplies<kDG_Config_Reply>(doc, replies, count);
 }
 
 int XML_RA_HD_Info_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies, HX_U32 count) {
-    return WriteReplies<HD_Info>(doc, "HD_Info", replies, count, XML_RA_HD_Info);
+    return WriteReplies<kHD_Info_Reply>(doc, replies, count);
 }
 
 int XML_RA_HD_BGA_Status_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies,
                                  HX_U32 count) {
-    return WriteReplies<HD_BGA_Status>(doc, "HD_BGA_Status", replies, count, XML_RA_HD_BGA_Status);
+    return WriteReplies<kHD_BGA_Status_Reply>(doc, replies, count);
 }
 
 int XML_RA_HD_FreeSpaceInfo_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies,
                                     HX_U32 count) {
-    return WriteReplies<HD_FreeSpaceInfo>(doc, "HD_Info", replies, count, XML_RA_HD_FreeSpaceInfo);
+    return WriteReplies<kHD_FreeSpaceInfo_Reply>(doc, replies, count);
 }
 
 int XML_RA_HD_Block_Info_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies,
                                  HX_U32 count) {
-    return WriteReplies<HD_Block_Info>(doc, "Info", replies, count, XML_RA_HD_Block_Info);
+    return WriteReplies<kHD_Block_Info_Reply>(doc, replies, count);
 }
 
 int XML_RA_Exp_Info_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies, HX_U32 count) {
-    return WriteReplies<Exp_Info>(doc, "ExpanderInfo", replies, count, XML_RA_Exp_Info);
+    return WriteReplies<kExp_Info_Reply>(doc, replies, count);
 }
 
 int XML_RA_Block_Info_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies, HX_U32 count) {
-    return WriteReplies<Block_Info>(doc, "blockInfo", replies, count, XML_RA_Block_Info);
+    return WriteReplies<kBlock_Info_Reply>(doc, replies, count);
 }
 
 int XML_RA_LD_Info_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies, HX_U32 count) {
-    return WriteReplies<LD_Info>(doc, "LDInfo", replies, count, XML_RA_LD_Info);
+    return WriteReplies<kLD_Info_Reply>(doc, replies, count);
 }
 
 int XML_RA_ENC_Enclosure_Info_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies,
                                       HX_U32 count) {
-    return WriteReplies<Enclosure_Info>(doc, "Enclosure_Info", replies, count,
-                                        XML_RA_Enclosure_Info);
+    return WriteReplies<kENC_Enclosure_Info_Reply>(doc, replies, count);
 }
 
 int XML_RA_DG_Info_Request(XMLWR_Doc* doc, const char*, RequestHeader* replies, HX_U32 count) {
-    return WriteReplies<DG_Info>(doc, "DG_Info", replies, count, XML_RA_DG_Info);
+    return WriteReplies<kDG_Info_Reply>(doc, replies, count);
 }

@@ -6,18 +6,6 @@
 
 #include "xml_rapi_function.h"
 
-/// Writes the result of a user function: its value writer, called with the function's own name,
-/// closes the function element, and the closing call that ends every result then finds none open.
-template <const auto& kFunction, class Value>
-void WriteUserResult(XMLElement* elmt, XMLWR_Doc* doc,
-                     int (*writer)(XMLWR_Doc*, const char*, const Value*, HX_U32),
-                     const Value& value) {
-    XMLWR_ElmtStartPrintf(doc, 0, kFunction.name, " %s=\"%s\"", "type", "function");
-    WriteRowsAt<kFunction, kListDepth>(doc, RequestRecord<kFunction>(elmt));
-    writer(doc, kFunction.name, &value, 1);
-    XMLWR_ElmtEnd(doc, 0, kFunction.name);
-}
-
 /// Checks the password and leaves no copy of it: neither in the record nor in the parse's text.
 struct LogonCall {
     bool operator()(VX_LogonUser& record) const {
@@ -45,13 +33,11 @@ inline constexpr Function kHX_LogonUser{
     },
     LogonCall{},
     StatusOnly<VX_LogonUser>(),
+    Values<XML_RA_UserGroup_Value>(&VX_LogonUser::UG),
 };
 inline constexpr auto& XML_HX_LogonUser_SEH = StartParameter;
 inline constexpr auto& XML_HX_LogonUser_EEH = EndParameter<kHX_LogonUser>;
-inline void XML_HX_LogonUser_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteUserResult<kHX_LogonUser>(elmt, doc, XML_RA_UserGroup_Value,
-                                   RequestRecord<kHX_LogonUser>(elmt).UG);
-}
+inline constexpr auto& XML_HX_LogonUser_Ret = WriteResult<kHX_LogonUser>;
 
 // HX_GetUserGroup
 inline constexpr Function kHX_GetUserGroup{
@@ -67,13 +53,11 @@ inline constexpr Function kHX_GetUserGroup{
         return true;
     },
     StatusOnly<VX_GetUserGroup>(),
+    Values<XML_RA_UserGroup_Value>(&VX_GetUserGroup::UG),
 };
 inline constexpr auto& XML_HX_GetUserGroup_SEH = StartParameter;
 inline constexpr auto& XML_HX_GetUserGroup_EEH = EndParameter<kHX_GetUserGroup>;
-inline void XML_HX_GetUserGroup_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteUserResult<kHX_GetUserGroup>(elmt, doc, XML_RA_UserGroup_Value,
-                                      RequestRecord<kHX_GetUserGroup>(elmt).UG);
-}
+inline constexpr auto& XML_HX_GetUserGroup_Ret = WriteResult<kHX_GetUserGroup>;
 
 // HX_GetUserName
 inline constexpr Function kHX_GetUserName{
@@ -89,10 +73,8 @@ inline constexpr Function kHX_GetUserName{
         return true;
     },
     StatusOnly<VX_GetUserName>(),
+    Values<XML_RA_UserName_Value, VX_GetUserName>(),
 };
 inline constexpr auto& XML_HX_GetUserName_SEH = StartParameter;
 inline constexpr auto& XML_HX_GetUserName_EEH = EndParameter<kHX_GetUserName>;
-inline void XML_HX_GetUserName_Ret(XMLElement* elmt, XMLWR_Doc* doc) {
-    WriteUserResult<kHX_GetUserName>(elmt, doc, XML_RA_UserName_Value,
-                                     RequestRecord<kHX_GetUserName>(elmt));
-}
+inline constexpr auto& XML_HX_GetUserName_Ret = WriteResult<kHX_GetUserName>;

@@ -11,7 +11,7 @@ inline constexpr Function kHX_LD_GetInfo{
     PagedParams<VX_LD_GetInfo>(),
     Pages<HX_LD_GetInfo, VX_LD_GetInfo>(),
     StatusOnly<VX_LD_GetInfo>(),
-    Reply<XML_RA_LD_Info_Request, VX_LD_GetInfo>(),
+    Reply<kLD_Info_Reply, VX_LD_GetInfo>(),
 };
 inline constexpr auto& XML_HX_LD_GetInfo_SEH = StartParameter;
 inline constexpr auto& XML_HX_LD_GetInfo_EEH = EndParameter<kHX_LD_GetInfo>;
@@ -148,7 +148,7 @@ inline constexpr Function kHX_LD_GetStatus{
     PagedParams<VX_LD_GetStatus>(),
     Pages<HX_LD_GetStatus, VX_LD_GetStatus>(),
     StatusOnly<VX_LD_GetStatus>(),
-    Reply<XML_RA_LD_Status_Request, VX_LD_GetStatus>(),
+    Reply<kLD_Status_Reply, VX_LD_GetStatus>(),
 };
 inline constexpr auto& XML_HX_LD_GetStatus_SEH = StartParameter;
 inline constexpr auto& XML_HX_LD_GetStatus_EEH = EndParameter<kHX_LD_GetStatus>;
@@ -161,7 +161,7 @@ inline constexpr Function kHX_LD_GetConfig{
     PagedParams<VX_LD_GetConfig>(),
     Pages<HX_LD_GetConfig, VX_LD_GetConfig>(),
     StatusOnly<VX_LD_GetConfig>(),
-    Reply<XML_RA_LD_Config_Request, VX_LD_GetConfig>(),
+    Reply<kLD_Config_Reply, VX_LD_GetConfig>(),
 };
 inline constexpr auto& XML_HX_LD_GetConfig_SEH = StartParameter;
 inline constexpr auto& XML_HX_LD_GetConfig_EEH = EndParameter<kHX_LD_GetConfig>;
