@@ -99,6 +99,15 @@ TEST_F(ConfigurationFile, BelowAFileIsAbsent) {
     EXPECT_EQ(kUntouched, event_log_);
 }
 
+TEST_F(ConfigurationFile, BelowAFileCostsOneSystemCall) {
+    if (kSanitized) GTEST_SKIP() << "the sanitizers make system calls of their own";
+    root_.Write("/file", "");
+    setenv("VEXORAPI_ROOT", root_.Path("/file").c_str(), 1);
+    const std::vector<long> calls =
+        SystemCallsOf([&] { VX_CfgLoad(&event_log_, "EventLogConfig"); });
+    EXPECT_EQ((std::vector<long>{SYS_access}), calls);
+}
+
 TEST_F(ConfigurationFile, WithAPathThatDoesNotFitIsAbsent) {
     setenv("VEXORAPI_ROOT", std::string(5000, 'x').c_str(), 1);
     EXPECT_EQ(0, VX_CfgLoad(&event_log_, "EventLogConfig"));
@@ -264,6 +273,7 @@ struct NoSection {
     const char* section;
     const char* text;
 };
+void PrintTo(const NoSection& row, std::ostream* out) { *out << row.name; }
 
 class NoSectionIn : public Configuration, public testing::WithParamInterface<NoSection> {};
 
@@ -308,10 +318,12 @@ INSTANTIATE_TEST_SUITE_P(Files, NoSectionIn, testing::ValuesIn(kNoSections),
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(ConfigurationSection, OfANameTooLongForItsFieldIsNone) {
-    const std::string name(128, 'n');
-    EXPECT_EQ(1, Load("<c><" + name + " type=\"config\"/><EventLogConfig type=\"config\"/></c>",
-                      name.c_str()));
-    EXPECT_EQ(kUntouched, event_log_);
+    for (const std::size_t length : {128u, 300u, 10000u}) {
+        const std::string name(length, 'n');
+        EXPECT_EQ(1, Load("<c><" + name + " type=\"config\"/><EventLogConfig type=\"config\"/></c>",
+                          name.c_str()));
+        EXPECT_EQ(kUntouched, event_log_);
+    }
 }
 
 TEST_F(ConfigurationSection, ThatOccursTwiceIsTheLaterOne) {
@@ -496,6 +508,7 @@ struct Declaration {
     const char* name;
     const char* text;  // without its ">"; the "#" becomes its number
 };
+void PrintTo(const Declaration& row, std::ostream* out) { *out << row.name; }
 
 class Declarations : public Configuration, public testing::WithParamInterface<Declaration> {};
 
@@ -581,6 +594,7 @@ struct SectionHandlers {
     XML_EndElementHandler end;
     void (*writer)(XMLElmtCfg*, XMLWR_Doc*);
 };
+void PrintTo(const SectionHandlers& row, std::ostream* out) { *out << row.name; }
 constexpr SectionHandlers kHandlers[] = {
     {"EventLogConfig", XML_EventLogConfig_SEH, XML_EventLogConfig_EEH, XML_EventLogConfig_Ret},
     {"XmlWrapperLogConfig", XML_XmlWrapperLogConfig_SEH, XML_XmlWrapperLogConfig_EEH,

@@ -9,10 +9,12 @@
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <ostream>
 #include <string>
 
 #include "append_file.h"
@@ -564,6 +566,7 @@ struct NoLog {
     Kind kind;
     bool linked;
 };
+void PrintTo(const NoLog& row, std::ostream* out) { *out << row.name; }
 
 class UnopenableLog : public DebugLogTest, public testing::WithParamInterface<NoLog> {
 protected:
@@ -655,6 +658,39 @@ TEST_F(LogFile, EveryAppendGoesBehindWhatOthersWrote) {
     AppendBytes(descriptor, "b", 1);
     close(descriptor);
     EXPECT_EQ("otherb", root_.Read("/debug.log"));
+}
+
+// A pipe that an alarm empties again and again, so that a large write is cut short each time that
+// the pipe is full.
+int pipe_ends[2];
+volatile std::size_t piped_bytes = 0;
+void EmptyPipe(int) {
+    char bytes[4096];
+    for (ssize_t length; (length = read(pipe_ends[0], bytes, sizeof bytes)) > 0;) {
+        piped_bytes = piped_bytes + static_cast<std::size_t>(length);
+    }
+}
+
+TEST_F(LogFile, AppendGoesOnAfterAShortOrInterruptedWrite) {
+    ASSERT_EQ(0, pipe2(pipe_ends, O_CLOEXEC));
+    fcntl(pipe_ends[0], F_SETFL, O_NONBLOCK);
+    struct sigaction empty_pipe {};
+    empty_pipe.sa_handler = EmptyPipe;  // without SA_RESTART: it interrupts what it finds waiting
+    sigaction(SIGALRM, &empty_pipe, nullptr);
+    const itimerval every_5_ms{{0, 5000}, {0, 5000}};
+    setitimer(ITIMER_REAL, &every_5_ms, nullptr);
+    // The first write finds the pipe full and is interrupted with nothing taken.
+    const std::string full(static_cast<std::size_t>(fcntl(pipe_ends[1], F_GETPIPE_SZ)), 'x');
+    const ssize_t filled = write(pipe_ends[1], full.data(), full.size());
+    const std::string text(300000, 'x');
+    AppendBytes(pipe_ends[1], text.data(), text.size());
+    const itimerval never{};
+    setitimer(ITIMER_REAL, &never, nullptr);
+    signal(SIGALRM, SIG_DFL);
+    EmptyPipe(SIGALRM);
+    close(pipe_ends[0]);
+    close(pipe_ends[1]);
+    EXPECT_EQ(300000u, piped_bytes - static_cast<std::size_t>(filled));
 }
 
 TEST_F(LogFile, EmptyingCreatesIt) {
