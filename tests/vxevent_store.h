@@ -101,6 +101,7 @@ protected:
     };
     static Page Get(HX_U32 n, HX_U32 s, HX_U32 e) {
         Page page{n, s, e, std::vector<Event>(std::max<HX_U32>(n, 1))};
+        std::memset(page.events.data(), 0xEE, page.events.size() * sizeof(Event));
         EXPECT_EQ(0, VX_EvGet(&page.n, &page.s, &page.e, page.events.data()));
         page.events.resize(n == 0 ? 0 : std::min(n, page.n));
         return page;
