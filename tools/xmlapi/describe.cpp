@@ -1,0 +1,220 @@
+// Walks the rows. Every kind of row has its overload here: one that is new does not compile until
+// it is described.
+#include "describe.h"
+
+#include <map>
+
+#include "xml_rapi_functions.h"
+#include "xml_vxapi_records.h"
+
+namespace {
+
+// Request ----------------------------------------------------------------------------------------
+
+template <class T>
+Child DescribeField(const char* name) {
+    if constexpr (std::is_array_v<T>) {
+        using Item = std::remove_extent_t<T>;
+        if constexpr (std::is_same_v<Item, char>) {
+            return {name, Child::Kind::Text, 8, std::extent_v<T> - 1};
+        } else {
+            return {name, Child::Kind::Numbers, 8 * sizeof(Item), std::extent_v<T>};
+        }
+    } else {
+        return {name, Child::Kind::Number, 8 * sizeof(T), 1};
+    }
+}
+
+template <class R, class... Row>
+void Describe(const Params<R, Row...>& params, std::vector<Child>& children);
+
+template <class R, class T>
+void Describe(const RequestParam<R, T>& row, std::vector<Child>& children) {
+    children.push_back(DescribeField<T>(row.name));
+}
+template <class R, std::size_t n>
+void Describe(const WholeTextRow<R, n>& row, std::vector<Child>& children) {
+    children.push_back({row.name, Child::Kind::WholeText, 8, n - 1});
+}
+template <class R, class Inner, class... Row>
+void Describe(const InnerParams<R, Inner, Row...>& row, std::vector<Child>& children) {
+    Describe(row.params, children);
+}
+template <class R, class... Row>
+void Describe(const Params<R, Row...>& params, std::vector<Child>& children) {
+    std::apply([&](const Row&... row) { (Describe(row, children), ...); }, params.rows);
+}
+
+// Result -----------------------------------------------------------------------------------------
+
+template <class Tuple>
+std::vector<Element> DescribeRows(const Tuple& rows);
+
+template <class R, class T, Form form>
+Element Describe(const Column<R, T, form>& row) {
+    const auto kind = form == Form::Hex ? Element::Kind::Hex : Element::Kind::Scalar;
+    return {.name = row.name, .type = row.type, .kind = kind};
+}
+template <class R, class T, std::size_t n, LastBlank blank>
+Element Describe(const ArrayColumn<R, T, n, blank>& row) {
+    return {.name = row.name, .type = row.type, .kind = Element::Kind::Array, .width = n};
+}
+template <class R, class C, std::size_t n, class Cleaner>
+Element Describe(const TextColumn<R, C, n, Cleaner>& row) {
+    return {.name = row.name, .type = "string"};
+}
+template <class R, class C, std::size_t n>
+Element Describe(const BareText<R, C, n>& row) {
+    return {.name = row.name, .type = "string"};
+}
+template <class R, class Value>
+Element Describe(const ComputedByte<R, Value>& row) {
+    return {.name = row.name, .type = "U8"};
+}
+Element Describe(const PortAddresses&) {
+    return {.name = "PortSasAddress",
+            .type = "U8",
+            .kind = Element::Kind::Ports,
+            .width = PortAddresses::kPorts};
+}
+Element Describe(const SenseDataRow&) {
+    return {.name = "SenseData",
+            .type = "U8",
+            .kind = Element::Kind::Bytes,
+            .width = sizeof(Event::SenseData)};
+}
+Element Describe(const EventTextRow&) { return {.name = "Event", .type = "string"}; }
+template <class RecordRows>
+Element DescribeRecord(const char* name, const RecordRows& record) {
+    return {.name = name,
+            .type = record.type,
+            .kind = Element::Kind::Record,
+            .children = DescribeRows(record.rows)};
+}
+template <const auto& kInner, class R, class Inner>
+Element Describe(const Nested<kInner, R, Inner>& row) {
+    return DescribeRecord(row.name, kInner);
+}
+
+template <class Tuple>
+std::vector<Element> DescribeRows(const Tuple& rows) {
+    return std::apply([](const auto&... row) { return std::vector<Element>{Describe(row)...}; },
+                      rows);
+}
+
+// The list behind the rows.
+void DescribeList(const NoList&, std::vector<Element>&) {}
+
+template <const auto& kRecord, auto writer, class R, std::size_t room, class Number>
+void DescribeList(const CountedList<kRecord, writer, R, room, Number>& list,
+                  std::vector<Element>& elements) {
+    elements.push_back(DescribeRecord(list.name, kRecord));
+    elements.back().repeats = true;
+}
+template <const auto& kReply, class R>
+void DescribeList(const CollectedList<kReply, R>&, std::vector<Element>& elements) {
+    elements.push_back(DescribeRecord("RequestHeader", kRequestHeader_Entity_Info));
+    elements.push_back(DescribeRecord(kReply.name, kReply.kRows));
+    elements.back().repeats = true;
+}
+// What the two value writers write.
+template <class R, class Inner>
+void DescribeList(const UserValues<XML_RA_UserGroup_Value, R, Inner>&,
+                  std::vector<Element>& elements) {
+    elements.push_back({.name = "UserGroup", .type = "string"});
+}
+template <class R, class Inner>
+void DescribeList(const UserValues<XML_RA_UserName_Value, R, Inner>&,
+                  std::vector<Element>& elements) {
+    for (Element& element : DescribeRows(kUserName_Value.rows)) elements.push_back(element);
+}
+
+template <const auto& kFunction>
+FunctionText DescribeFunction() {
+    FunctionText text{kFunction.name, false, {}, DescribeRows(kFunction.rows)};
+    Describe(kFunction.params, text.children);
+    DescribeList(kFunction.list, text.elements);
+    for (const Element& element : text.elements) text.paged |= element.name == "RequestHeader";
+    return text;
+}
+
+// Values that make the examples telling; every other child gets 0. A name with a function's before
+// it goes before the name alone.
+const std::map<std::string, std::string> kExampleValues = {
+    {"CachePolicy", "4"},
+    {"DriveSpeed", "2"},
+    {"HDCount", "3"},
+    {"HDIDs", "0 1 2"},
+    {"Lang", "en"},
+    {"Name", "data1"},
+    {"NumParityDisk", "1"},
+    {"PDCount", "3"},
+    {"PDIDs", "0 1 2"},
+    {"RaidMode", "5"},
+    {"SectorCoefficient", "1"},
+    {"StripeBlockSize", "64"},
+    {"SubLDCount", "1"},
+    {"SubVDCount", "1"},
+    {"VX_HX_EVT_GetEvents.e", "4294967295"},
+    {"VX_HX_EVT_GetEvents.s", "4294967295"},
+    {"e", "1"},
+    {"filepath", "bios.rom"},
+    {"lpszPassword", "secret"},
+    {"lpszUsername", "root"},
+    {"n", "2"},
+    {"numRequested", "1"},
+    {"port_phy_ctrl", "0 0 0 0 0 0 0 0"},
+};
+
+std::string ExampleValue(const std::string& function, const std::string& child) {
+    for (const std::string& name : {function + "." + child, child}) {
+        const auto value = kExampleValues.find(name);
+        if (value != kExampleValues.end()) return value->second;
+    }
+    return "0";
+}
+
+}  // namespace
+
+std::vector<FunctionText> DescribeFunctions() {
+    return []<class... Entry>(const std::tuple<Entry...>&) {
+        return std::vector<FunctionText>{DescribeFunction<Entry::kRows>()...};
+    }(kFunctions);
+}
+
+std::vector<FunctionText> DescribeManagement() {
+    const Element ret_val{.name = "RetVal", .type = "U8"};
+    const auto number = [](const char* name) { return Element{.name = name, .type = "U32"}; };
+    const auto param = [](const char* name) { return Child{name, Child::Kind::Number, 32, 1}; };
+    Element events = DescribeRecord("Event", kEvent);
+    events.repeats = true;
+    return {
+        {"VX_Module_GetInfo",
+         false,
+         {},
+         {ret_val, DescribeRecord("product", kVerInfo), DescribeRecord("php_vexorapi", kVerInfo),
+          DescribeRecord("vexorapi", kVerInfo), DescribeRecord("hxraidsvc", kVerInfo)}},
+        {"VX_HX_EVT_GetChangeCounters",
+         false,
+         {},
+         {ret_val, DescribeRecord("ChangeCounters", kChangeCounters)}},
+        {"VX_HX_EVT_GetEvents",
+         false,
+         {param("n"), param("s"), param("e"),
+          DescribeField<decltype(VX_HX_EVT_GetEvents::Lang)>("Lang")},
+         {ret_val, number("n"), number("s"), number("e"), events}},
+        {"VX_HX_EVT_Reset", false, {}, {}},
+    };
+}
+
+std::string ExampleCommand(const FunctionText& function) {
+    std::string command = "<" + function.name + " type=\"function\">\n";
+    for (const Child& child : function.children) {
+        // Of the paging header only the number wanted is given; the rest is what the reply fills.
+        if (function.paged && child.name != "AdapterID" && child.name != "numRequested") continue;
+        if (child.name == "lpszDomain") continue;
+        command += "  <" + child.name + ">" + ExampleValue(function.name, child.name) + "</" +
+                   child.name + ">\n";
+    }
+    return command + "</" + function.name + ">\n";
+}
