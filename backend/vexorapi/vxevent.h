@@ -173,7 +173,8 @@ void VX_EvSeqNoFile_Save();
 [[nodiscard]] int VX_EvSeqNoFile_Create();
 
 /// Writes events of one adapter into the ring from End upward, skipping those already stored.
-/// `count` is at most VX_EvGetMaxWriteContinusBlock. Header and sequence numbers stay in memory.
+/// `count` is at most VX_EvGetMaxWriteContinusBlock. Header and sequence numbers stay in memory,
+/// except that entries about to be overwritten leave the header in the file beforehand.
 void VX_EvFile_SaveEvents(HX_U8 adapter, const Event* events, HX_U32 count);
 
 /// Reads `count` events at ring offset `off` (0: the oldest) into `dest`. What lies behind the

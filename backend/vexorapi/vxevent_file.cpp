@@ -89,7 +89,10 @@ const VX_EvLogHeader& Header() { return g_VX_EventExt.EvLogHeader; }
 // Slots of the ring. In 64 bits it is never 0, whatever capacity the file claims.
 std::uint64_t RingSize() { return std::uint64_t{Header().Capacity} + 1; }
 
-std::uint64_t SlotOf(HX_U32 off) { return (std::uint64_t{Header().Start} + off) % RingSize(); }
+// The slot at an offset from the oldest entry.
+std::uint64_t SlotOf(const VX_EvLogHeader& header, HX_U32 off) {
+    return (std::uint64_t{header.Start} + off) % RingSize();
+}
 
 std::uint64_t FileOffset(std::uint64_t slot) {
     return kFirstSlot + sizeof(VX_EvEntryHeader) * slot;
@@ -139,6 +142,18 @@ void Advance(VX_EvLogHeader& header) {
     if (header.End != header.Start) return;
     ++header.SeqStart;
     header.Start = std::uint64_t{header.Start} + 1 >= ring ? 0 : header.Start + 1;
+}
+
+// Takes the oldest entries, whose slots are about to be overwritten, out of the file's header. A
+// writer that is killed between two pages of its slots thus leaves no entry that is half of one
+// event and half of another; a reader that comes in the middle finds fewer entries.
+void GiveUpOldest(VX_EvLogHeader& written, HX_U32 count) {
+    count = std::min(count, written.NumOfEvent);
+    if (count == 0) return;
+    written.NumOfEvent -= count;
+    written.Start = static_cast<HX_U32>(SlotOf(written, count));
+    written.SeqStart += count;
+    WriteAt(g_VX_EventExt.fileEv, &written, sizeof written, 0);
 }
 
 }  // namespace
@@ -221,13 +236,16 @@ void VX_EvFile_SaveEvents(HX_U8 adapter, const Event* events, HX_U32 count) {
     HX_U32& last = g_VX_EventExt.EvSeqNo.SequenceNo[adapter];
     VX_EvLogHeader& header = g_VX_EventExt.EvLogHeader;
     header.End = WriteSlot();
+    VX_EvLogHeader written = header;  // up to the entries that stand in the file
     std::uint64_t position = FileOffset(header.End);
     HX_U32 filled = 0;
     const auto flush = [&] {
+        GiveUpOldest(written, header.SeqStart - written.SeqStart);
         const std::size_t bytes = filled * sizeof(VX_EvEntryHeader);
         WriteAt(g_VX_EventExt.fileEv, slots, bytes, position);
         position += bytes;
         filled = 0;
+        written = header;
     };
     for (const Event* event = events; event != events + count; ++event) {
         if (!TakeNumber(last, *event)) continue;
@@ -239,7 +257,7 @@ void VX_EvFile_SaveEvents(HX_U8 adapter, const Event* events, HX_U32 count) {
 }
 
 void VX_EvFile_LoadEventsFromOffsetBlindly(Event* dest, HX_U32 off, HX_U32 count) {
-    std::uint64_t position = FileOffset(SlotOf(off));
+    std::uint64_t position = FileOffset(SlotOf(Header(), off));
     while (count > 0) {
         const HX_U32 batch = std::min(count, kBatch);
         const std::size_t bytes = batch * sizeof(VX_EvEntryHeader);
@@ -272,7 +290,7 @@ HX_U32 VX_EvFile_LoadEventsBySeq(Event* dest, HX_U32 seq, HX_U32 count) {
 
 HX_U32 VX_EvGetMaxReadContinusBlock(HX_U32 off, HX_U32 count) {
     const HX_U32 wanted = std::min(Header().NumOfEvent, count);
-    const std::uint64_t to_end = RingSize() - SlotOf(off);
+    const std::uint64_t to_end = RingSize() - SlotOf(Header(), off);
     return wanted <= to_end ? wanted : static_cast<HX_U32>(to_end);
 }
 
