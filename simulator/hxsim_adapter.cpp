@@ -1,15 +1,15 @@
 // What the virtual adapters are: an invented model each, and an identity that follows from the
-// adapter's number.
+// adapter's number. How they are set.
 #include "hxsim_adapter.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <iterator>
 
 #include "hxsim_codes.h"
 #include "hxsim_library.h"
+#include "hxsim_link.h"
+#include "hxsim_text.h"
 
 namespace hxsim {
 namespace {
@@ -70,7 +70,7 @@ constexpr Adapter_Info LargeModel() {
     return model;
 }
 
-// The smaller one: direct ports only, no disk groups, no alarm, fewer levels and rates.
+// The smaller one: no expanders, no disk groups, no alarm, fewer levels and rates.
 constexpr Adapter_Info SmallModel() {
     Adapter_Info model{};
     model.DriverVersion = {4, 1, 0, 1208};
@@ -116,32 +116,63 @@ static_assert(std::ranges::all_of(kModels,
                                   }),
               "every port has its SAS address");
 
-// A world wide name in the form NAA 5: 4 bits 5, 24 bits company, 36 bits of the company's own. The
-// company has the bit set that marks an identifier as locally administered, so that no maker's
-// device has the same name. The company's own bits are the adapter's number and the port's.
-constexpr std::uint64_t kCompany = 0x0A4858;
-
-void SetWorldWideName(HX_U8 (&name)[8], unsigned adapter, unsigned port) {
-    const std::uint64_t number =
-        std::uint64_t{5} << 60 | kCompany << 36 | std::uint64_t{adapter} << 8 | port;
-    for (unsigned byte = 0; byte < sizeof name; ++byte) {
-        name[byte] = static_cast<HX_U8>(number >> (56 - 8 * byte));
-    }
+// What an adapter is set to. A rate that its model does not let be set is what it always is.
+constexpr Adapter_Config_V2 LargeSettings() {
+    Adapter_Config_V2 settings{};
+    settings.AlarmOn = 1;
+    settings.AutoRebuildOn = 1;
+    settings.BGARate = 50;
+    settings.SyncRate = 30;
+    settings.InitRate = 50;
+    settings.RebuildRate = 70;
+    settings.MigrationRate = 50;
+    settings.CopybackRate = 40;
+    settings.PollSMARTStatus = 1;
+    settings.MediaPatrolRate = 20;
+    settings.CopyBack = 1;
+    settings.InterruptCoalescing = 1;
+    return settings;
 }
 
+constexpr Adapter_Config_V2 SmallSettings() {
+    Adapter_Config_V2 settings{};
+    settings.AutoRebuildOn = 1;
+    settings.BGARate = 30;
+    settings.SyncRate = 20;
+    settings.InitRate = 30;
+    settings.RebuildRate = 50;
+    settings.MigrationRate = 30;
+    settings.CopybackRate = 30;
+    settings.PollSMARTStatus = 1;
+    settings.MediaPatrolRate = 10;
+    settings.v_atapi_disable = 1;
+    return settings;
+}
+
+constexpr Adapter_Config_V2 kSettings[] = {LargeSettings(), SmallSettings()};  // by adapter
+static_assert(std::size(kSettings) == kAdapterCount, "every adapter has settings");
+
 void Describe(HX_U8 adapter, Adapter_Info& info) {
-    info = kModels[adapter];
-    SetWorldWideName(info.WWN, adapter, 0);
+    info = ModelOf(adapter);
+    SetWorldWideName(info.WWN, HXSIM_DEVICE_ADAPTER, adapter, 0, 0);
     for (unsigned port = 0; port < info.PortCount; ++port) {
-        SetWorldWideName(info.PortSasAddress[port], adapter, port + 1);
+        SetWorldWideName(info.PortSasAddress[port], HXSIM_DEVICE_ADAPTER, adapter, 0, port + 1);
     }
-    // A serial number that began with "0" would count as none.
-    char serial[sizeof info.SerialNo + 1];
-    std::snprintf(serial, sizeof serial, "VC%02X-%08u", info.DevID >> 8, 24100001U + adapter);
-    std::memcpy(info.SerialNo, serial, std::min(sizeof info.SerialNo, std::strlen(serial)));
+    SetSerialNumber(info.SerialNo, adapter);
 }
 
 }  // namespace
+
+const Adapter_Info& ModelOf(HX_U8 adapter) { return kModels[adapter]; }
+
+void SetSerialNumber(char (&serial)[20], HX_U8 adapter) {
+    // One that began with "0" would count as none.
+    char text[sizeof serial + 1];
+    std::snprintf(text, sizeof text, "VC%02X-%08u", kModels[adapter].DevID >> 8,
+                  24100001U + adapter);
+    SetText(serial, text);
+}
+
 }  // namespace hxsim
 
 HX_U8 HX_Adapter_GetInfo(HX_U8 AdapterID, HX_U8* count, Adapter_Info* info) {
@@ -150,4 +181,18 @@ HX_U8 HX_Adapter_GetInfo(HX_U8 AdapterID, HX_U8* count, Adapter_Info* info) {
     hxsim::Describe(AdapterID, *info);
     *count = 1;
     return HX_SUCCESS;
+}
+
+HX_U8 HX_Adapter_GetConfig(HX_U8 AdapterID, HX_U8* count, Adapter_Config_V2* config) {
+    if (const HX_U8 status = hxsim::CheckAdapter(AdapterID); status != HX_SUCCESS) return status;
+    if (count == nullptr || config == nullptr) return HXSIM_NULL_ADDRESS;
+    *config = hxsim::kSettings[AdapterID];
+    *count = 1;
+    return HX_SUCCESS;
+}
+
+// Nothing ever goes wrong here, so that no alarm sounds and none is left to be silenced.
+HX_U8 HX_AdapterMute(HX_U8 AdapterID) {
+    if (const HX_U8 status = hxsim::CheckAdapter(AdapterID); status != HX_SUCCESS) return status;
+    return hxsim::ModelOf(AdapterID).AlarmSupport ? HX_U8{HX_SUCCESS} : HX_U8{HXSIM_NOT_SUPPORTED};
 }

@@ -6,16 +6,13 @@
 #include <string>
 
 #include "hxraid.h"
+#include "simulator_lists.h"
 
 namespace {
 
 using testing::ElementsAre;
 
-class SimulatorAdapter : public testing::Test {
-protected:
-    void SetUp() override { HX_API_Initialize(); }
-    void TearDown() override { HX_API_Finalize(); }
-};
+using SimulatorAdapter = SimulatorTest;
 
 // The description of an adapter, written over bytes that are not zero.
 Adapter_Info InfoOf(HX_U8 adapter) {
@@ -25,6 +22,15 @@ Adapter_Info InfoOf(HX_U8 adapter) {
     EXPECT_EQ(0, HX_Adapter_GetInfo(adapter, &count, &info));
     EXPECT_EQ(1, count);
     return info;
+}
+
+Adapter_Config_V2 SettingsOf(HX_U8 adapter) {
+    Adapter_Config_V2 settings;
+    std::memset(&settings, 0xA5, sizeof settings);
+    HX_U8 count = 0xA5;
+    EXPECT_EQ(0, HX_Adapter_GetConfig(adapter, &count, &settings));
+    EXPECT_EQ(1, count);
+    return settings;
 }
 
 std::string SerialNumberOf(HX_U8 adapter) {
@@ -141,5 +147,57 @@ TEST_F(SimulatorAdapter, IsNotDescribedWithoutAnAddressForTheCount) {
     EXPECT_EQ(203, HX_Adapter_GetInfo(0, nullptr, &info));
     EXPECT_EQ(0, info.PortCount);
 }
+
+TEST_F(SimulatorAdapter, ZeroSoundsItsAlarmAndLetsSparesStepIn) {
+    const Adapter_Config_V2 settings = SettingsOf(0);
+    EXPECT_EQ(1, settings.AlarmOn);
+    EXPECT_EQ(1, settings.AutoRebuildOn);
+    EXPECT_EQ(1, settings.PollSMARTStatus);
+    EXPECT_EQ(1, settings.CopyBack);
+    EXPECT_EQ(1, settings.InterruptCoalescing);
+    EXPECT_EQ(0, settings.ModuleConsolidate);
+    EXPECT_EQ(0, settings.v_atapi_disable);
+}
+
+TEST_F(SimulatorAdapter, ZeroSharesItsTimeAmongActivities) {
+    const Adapter_Config_V2 settings = SettingsOf(0);
+    EXPECT_EQ(50, settings.BGARate);
+    EXPECT_EQ(30, settings.SyncRate);
+    EXPECT_EQ(50, settings.InitRate);
+    EXPECT_EQ(70, settings.RebuildRate);
+    EXPECT_EQ(50, settings.MigrationRate);
+    EXPECT_EQ(40, settings.CopybackRate);
+    EXPECT_EQ(20, settings.MediaPatrolRate);
+}
+
+TEST_F(SimulatorAdapter, OneHasNoAlarmToSoundAndNoCopyBack) {
+    const Adapter_Config_V2 settings = SettingsOf(1);
+    EXPECT_EQ(0, settings.AlarmOn);
+    EXPECT_EQ(1, settings.AutoRebuildOn);
+    EXPECT_EQ(0, settings.CopyBack);
+    EXPECT_EQ(1, settings.v_atapi_disable);
+}
+
+TEST_F(SimulatorAdapter, OneSharesItsTimeInItsOwnWay) {
+    const Adapter_Config_V2 settings = SettingsOf(1);
+    EXPECT_EQ(30, settings.BGARate);
+    EXPECT_EQ(20, settings.SyncRate);
+    EXPECT_EQ(30, settings.InitRate);
+    EXPECT_EQ(50, settings.RebuildRate);
+    EXPECT_EQ(30, settings.MigrationRate);
+    EXPECT_EQ(30, settings.CopybackRate);
+    EXPECT_EQ(10, settings.MediaPatrolRate);
+}
+
+TEST_F(SimulatorAdapter, LeavesPortsAloneAndReservedBytesOfSettingsZero) {
+    for (const HX_U8 adapter : {HX_U8{0}, HX_U8{1}}) {
+        EXPECT_THAT(SettingsOf(adapter).port_phy_ctrl, testing::Each(0));
+        EXPECT_THAT(SettingsOf(adapter).Reserved, testing::Each(0));
+    }
+}
+
+TEST_F(SimulatorAdapter, TakesMuteWhenNothingSounds) { EXPECT_EQ(0, HX_AdapterMute(0)); }
+
+TEST_F(SimulatorAdapter, WithoutAnAlarmCannotBeMuted) { EXPECT_EQ(202, HX_AdapterMute(1)); }
 
 }  // namespace

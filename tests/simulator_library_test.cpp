@@ -24,7 +24,7 @@ T Argument(std::byte* room) {
     }
 }
 
-// Calls a function for an adapter, with the same room for all that it could write.
+// Calls a function for an adapter, with the same room for all that it could write, or none.
 template <auto function>
 HX_U8 Call(HX_U8 adapter, std::byte* room) {
     const auto call = [&]<class... A>(HX_U8 (*f)(HX_U8, A...)) {
@@ -40,17 +40,10 @@ struct Function {
 
 void PrintTo(const Function& function, std::ostream* out) { *out << function.name; }
 
-// What the virtual controller carries out for an adapter.
+// What the virtual controller carries out, and needs an address for.
 constexpr Function kSupported[] = {
     {"HX_Adapter_GetInfo", Call<&HX_Adapter_GetInfo>},
-};
-
-// What it does not.
-constexpr Function kUnsupported[] = {
     {"HX_Adapter_GetConfig", Call<&HX_Adapter_GetConfig>},
-    {"HX_Adapter_SetConfig", Call<&HX_Adapter_SetConfig>},
-    {"HX_AdapterMute", Call<&HX_AdapterMute>},
-    {"HX_LocateArrayDevice", Call<&HX_LocateArrayDevice>},
     {"HX_ENC_GetEnclosureInfo", Call<&HX_ENC_GetEnclosureInfo>},
     {"HX_ENC_GetElementInfo", Call<&HX_ENC_GetElementInfo>},
     {"HX_ENC_GetElementConfig", Call<&HX_ENC_GetElementConfig>},
@@ -60,32 +53,50 @@ constexpr Function kUnsupported[] = {
     {"HX_PD_GetPMInfo", Call<&HX_PD_GetPMInfo>},
     {"HX_PD_GetFreeSpaceInfo", Call<&HX_PD_GetFreeSpaceInfo>},
     {"HX_PD_GetConfig", Call<&HX_PD_GetConfig>},
-    {"HX_PD_SetConfig", Call<&HX_PD_SetConfig>},
     {"HX_PD_GetBGAStatus", Call<&HX_PD_GetBGAStatus>},
     {"HX_PD_GetSmartStatus", Call<&HX_PD_GetSmartStatus>},
     {"HX_PD_GetHDRaidStatus", Call<&HX_PD_GetHDRaidStatus>},
     {"HX_PD_RCT_GetCount", Call<&HX_PD_RCT_GetCount>},
     {"HX_PD_GetRCT", Call<&HX_PD_GetRCT>},
-    {"HX_PD_WipeHDMDD", Call<&HX_PD_WipeHDMDD>},
-    {"HX_PD_SetHDStatus", Call<&HX_PD_SetHDStatus>},
-    {"HX_PD_FreeHD2GlobalSpare", Call<&HX_PD_FreeHD2GlobalSpare>},
-    {"HX_PD_FreeHD2DGSpare", Call<&HX_PD_FreeHD2DGSpare>},
-    {"HX_PD_Spare2FreeHD", Call<&HX_PD_Spare2FreeHD>},
     {"HX_PD_GetMBRInfo", Call<&HX_PD_GetMBRInfo>},
     {"HX_DiskHasOS", Call<&HX_DiskHasOS>},
-    {"HX_PD_StartMediaPatrol", Call<&HX_PD_StartMediaPatrol>},
-    {"HX_PD_HDMPCheck", Call<&HX_PD_HDMPCheck>},
-    {"HX_PD_StartDataScrub", Call<&HX_PD_StartDataScrub>},
-    {"HX_PD_BGAControl", Call<&HX_PD_BGAControl>},
     {"HX_BLK_GetInfo", Call<&HX_BLK_GetInfo>},
     {"HX_BLK_GetHDBlock", Call<&HX_BLK_GetHDBlock>},
     {"HX_LD_GetInfo", Call<&HX_LD_GetInfo>},
     {"HX_LD_GetTargetLDInfo", Call<&HX_LD_GetTargetLDInfo>},
     {"HX_LD_GetStatus", Call<&HX_LD_GetStatus>},
     {"HX_LD_GetConfig", Call<&HX_LD_GetConfig>},
+    {"HX_LD_GetMaxSize", Call<&HX_LD_GetMaxSize>},
+    {"HX_LD_GetMigratedLdSize", Call<&HX_LD_GetMigratedLdSize>},
+    {"HX_DG_GetInfo", Call<&HX_DG_GetInfo>},
+    {"HX_DG_GetConfig", Call<&HX_DG_GetConfig>},
+    {"HX_CreateOrModify_DG", Call<&HX_CreateOrModify_DG>},
+    {"HX_BBU_GetInfo", Call<&HX_BBU_GetInfo>},
+    {"HX_Flash_Bin", Call<&HX_Flash_Bin>},
+    {"HX_EVT_GetEvent", Call<&HX_EVT_GetEvent>},
+};
+
+// What it carries out with numbers alone.
+constexpr Function kSupportedByNumbers[] = {
+    {"HX_AdapterMute", Call<&HX_AdapterMute>},
+    {"HX_LocateArrayDevice", Call<&HX_LocateArrayDevice>},
+};
+
+// What it does not.
+constexpr Function kUnsupported[] = {
+    {"HX_Adapter_SetConfig", Call<&HX_Adapter_SetConfig>},
+    {"HX_PD_SetConfig", Call<&HX_PD_SetConfig>},
+    {"HX_PD_WipeHDMDD", Call<&HX_PD_WipeHDMDD>},
+    {"HX_PD_SetHDStatus", Call<&HX_PD_SetHDStatus>},
+    {"HX_PD_FreeHD2GlobalSpare", Call<&HX_PD_FreeHD2GlobalSpare>},
+    {"HX_PD_FreeHD2DGSpare", Call<&HX_PD_FreeHD2DGSpare>},
+    {"HX_PD_Spare2FreeHD", Call<&HX_PD_Spare2FreeHD>},
+    {"HX_PD_StartMediaPatrol", Call<&HX_PD_StartMediaPatrol>},
+    {"HX_PD_HDMPCheck", Call<&HX_PD_HDMPCheck>},
+    {"HX_PD_StartDataScrub", Call<&HX_PD_StartDataScrub>},
+    {"HX_PD_BGAControl", Call<&HX_PD_BGAControl>},
     {"HX_LD_SetConfig", Call<&HX_LD_SetConfig>},
     {"HX_LD_Create", Call<&HX_LD_Create>},
-    {"HX_LD_GetMaxSize", Call<&HX_LD_GetMaxSize>},
     {"HX_LD_Delete", Call<&HX_LD_Delete>},
     {"HX_LD_Import", Call<&HX_LD_Import>},
     {"HX_LD_PauseAll", Call<&HX_LD_PauseAll>},
@@ -93,24 +104,17 @@ constexpr Function kUnsupported[] = {
     {"HX_LD_StartConsistencyCheck", Call<&HX_LD_StartConsistencyCheck>},
     {"HX_LD_StartINIT", Call<&HX_LD_StartINIT>},
     {"HX_LD_StartMigration", Call<&HX_LD_StartMigration>},
-    {"HX_LD_GetMigratedLdSize", Call<&HX_LD_GetMigratedLdSize>},
     {"HX_LD_BGAControl", Call<&HX_LD_BGAControl>},
-    {"HX_DG_GetInfo", Call<&HX_DG_GetInfo>},
-    {"HX_DG_GetConfig", Call<&HX_DG_GetConfig>},
     {"HX_DG_SetConfig", Call<&HX_DG_SetConfig>},
-    {"HX_CreateOrModify_DG", Call<&HX_CreateOrModify_DG>},
     {"HX_CreateOrModify_VD", Call<&HX_CreateOrModify_VD>},
     {"HX_DG_Delete", Call<&HX_DG_Delete>},
     {"HX_DG_StartMigration", Call<&HX_DG_StartMigration>},
     {"HX_DG_BGAControl", Call<&HX_DG_BGAControl>},
     {"HX_LD_DG_StartRebuild", Call<&HX_LD_DG_StartRebuild>},
-    {"HX_BBU_GetInfo", Call<&HX_BBU_GetInfo>},
     {"HX_BBU_SetThreshold", Call<&HX_BBU_SetThreshold>},
     {"HX_BBU_ChangePower", Call<&HX_BBU_ChangePower>},
     {"HX_BBU_SetStatus", Call<&HX_BBU_SetStatus>},
     {"HX_Flash_Erase", Call<&HX_Flash_Erase>},
-    {"HX_Flash_Bin", Call<&HX_Flash_Bin>},
-    {"HX_EVT_GetEvent", Call<&HX_EVT_GetEvent>},
 };
 
 class SimulatorFunction : public testing::TestWithParam<Function> {
@@ -146,10 +150,7 @@ TEST_P(SimulatorFunction, RefusesWhileTheLibraryIsNotOpen) {
     ExpectNothingWritten();
 }
 
-TEST_P(SupportedFunction, WorksForEachAdapter) {
-    EXPECT_EQ(0, CallFor(0));
-    EXPECT_EQ(0, CallFor(1));
-}
+TEST_P(SupportedFunction, RefusesToWriteNowhere) { EXPECT_EQ(203, GetParam().call(0, nullptr)); }
 
 TEST_P(UnsupportedFunction, SaysSoAndWritesNothing) {
     EXPECT_EQ(202, CallFor(0));
@@ -160,6 +161,8 @@ TEST_P(UnsupportedFunction, SaysSoAndWritesNothing) {
 std::string FunctionName(const testing::TestParamInfo<Function>& info) { return info.param.name; }
 
 INSTANTIATE_TEST_SUITE_P(Supported, SimulatorFunction, testing::ValuesIn(kSupported), FunctionName);
+INSTANTIATE_TEST_SUITE_P(SupportedByNumbers, SimulatorFunction,
+                         testing::ValuesIn(kSupportedByNumbers), FunctionName);
 INSTANTIATE_TEST_SUITE_P(Unsupported, SimulatorFunction, testing::ValuesIn(kUnsupported),
                          FunctionName);
 INSTANTIATE_TEST_SUITE_P(Each, SupportedFunction, testing::ValuesIn(kSupported), FunctionName);

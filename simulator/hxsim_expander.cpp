@@ -1,0 +1,47 @@
+// What stands between adapters and disks: expanders and port multipliers.
+#include "hxraid.h"
+#include "hxsim_link.h"
+#include "hxsim_machine.h"
+#include "hxsim_page.h"
+#include "hxsim_text.h"
+
+namespace hxsim {
+namespace {
+
+void DescribeExpander(HX_U8 adapter, const Expander& expander, Exp_Info& info) {
+    info.Link = LinkOf(adapter, expander);
+    info.AdapterID = adapter;
+    info.RouteTableConfigurable = 1;
+    info.PhyCount = expander.phys;
+    info.ExpChangeCount = expander.changes;
+    info.MaxRouteIndexes = expander.route_indexes;
+    SetPaddedText(info.VendorID, expander.vendor, 8);
+    SetPaddedText(info.ProductID, expander.product, 16);
+    SetPaddedText(info.ProductRev, expander.revision, 4);
+    SetPaddedText(info.ComponentVendorID, expander.component_vendor, 8);
+    info.ComponentID = expander.component;
+    info.ComponentRevisionID = expander.component_revision;
+}
+
+void DescribePortMultiplier(HX_U8 adapter, const PortMultiplier& port_multiplier, PM_Info& info) {
+    info.Link = LinkOf(adapter, port_multiplier);
+    info.AdapterID = adapter;
+    info.ProductRevision = port_multiplier.revision;
+    info.PMSpecRevision = port_multiplier.standards;
+    info.NumberOfPorts = port_multiplier.ports;
+    info.VendorId = port_multiplier.vendor;
+    info.DeviceId = port_multiplier.device;
+}
+
+}  // namespace
+}  // namespace hxsim
+
+HX_U8 HX_PD_GetExpanderInfo(HX_U8 AdapterID, Exp_Info_Request* request) {
+    return hxsim::List(AdapterID, request, &Exp_Info_Request::expInfo, hxsim::kExpanders,
+                       hxsim::DescribeExpander);
+}
+
+HX_U8 HX_PD_GetPMInfo(HX_U8 AdapterID, PM_Info_Request* request) {
+    return hxsim::List(AdapterID, request, &PM_Info_Request::pmInfo, hxsim::kPortMultipliers,
+                       hxsim::DescribePortMultiplier);
+}
