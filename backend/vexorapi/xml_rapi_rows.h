@@ -175,29 +175,24 @@ struct Column {
 /// Whether the last item of an array is followed by a blank, as every other one is.
 enum class LastBlank : bool { No, Yes };
 
-// The items of an array on one line, each but the last followed by a blank.
+// The items of an array on one line, each followed by a blank.
 template <class T, std::size_t n>
 [[gnu::always_inline]] inline char* PutItems(char* at, const T (&items)[n]) {
-    std::size_t i = 0;
-    if constexpr (sizeof(T) == 2 && n % 4 == 0 && n >= 16) {
-        // Lists of identifiers are mostly unused, and written whole all the same: four zeros a
-        // step.
-        for (; i < n; i += 4) {
-            std::uint64_t four;
-            std::memcpy(&four, &items[i], sizeof four);
-            if (four == 0) {
-                std::memcpy(at, "0 0 0 0 ", 8);
-                at += 8;
+    // Arrays are mostly unused, and written whole all the same: a word of zeros is one step.
+    constexpr std::size_t kItemsOfWord = sizeof(std::uint64_t) / sizeof(T);
+    constexpr std::size_t kStep = n >= 8 && n % kItemsOfWord == 0 ? kItemsOfWord : 1;
+    for (std::size_t i = 0; i < n; i += kStep) {
+        if constexpr (kStep > 1) {
+            std::uint64_t word;
+            std::memcpy(&word, &items[i], sizeof word);
+            if (word == 0) {
+                std::memcpy(at, "0 0 0 0 0 0 0 0 ", 2 * kStep);
+                at += 2 * kStep;
                 continue;
             }
-            for (std::size_t k = i; k < i + 4; ++k) {
-                at = PutDecimal(at, NumberOf(items[k]));
-                *at++ = ' ';
-            }
         }
-    } else {
-        for (; i < n; ++i) {
-            at = PutDecimal(at, NumberOf(items[i]));
+        for (std::size_t k = i; k < i + kStep; ++k) {
+            at = PutDecimal(at, NumberOf(items[k]));
             *at++ = ' ';
         }
     }
