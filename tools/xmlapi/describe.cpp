@@ -163,6 +163,7 @@ const std::map<std::string, std::string> kExampleValues = {
     {"lpszUsername", "root"},
     {"n", "2"},
     {"numRequested", "1"},
+    {"requestType", "1"},
     {"port_phy_ctrl", "0 0 0 0 0 0 0 0"},
 };
 
@@ -210,8 +211,11 @@ std::vector<FunctionText> DescribeManagement() {
 std::string ExampleCommand(const FunctionText& function) {
     std::string command = "<" + function.name + " type=\"function\">\n";
     for (const Child& child : function.children) {
-        // Of the paging header only the number wanted is given; the rest is what the reply fills.
-        if (function.paged && child.name != "AdapterID" && child.name != "numRequested") continue;
+        // Of the paging header only what is asked is given; the rest is what the reply fills.
+        if (function.paged && child.name != "AdapterID" && child.name != "requestType" &&
+            child.name != "startingIndexOrId" && child.name != "numRequested") {
+            continue;
+        }
         if (child.name == "lpszDomain") continue;
         command += "  <" + child.name + ">" + ExampleValue(function.name, child.name) + "</" +
                    child.name + ">\n";

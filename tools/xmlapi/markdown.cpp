@@ -32,14 +32,16 @@ success. Sizes count 512-byte sectors.
 The result is delivered without the line end behind its last tag. `docs/vexorapi-results.rng` is a
 RELAX NG schema of every result.
 
-**Lists** are paged: ask with `startingIndexOrId` and `numRequested`, take `numReturned` items, go on at
+**Lists** are paged: ask with `requestType` 1 (from an index on; 2 asks for the one entry with that ID),
+`startingIndexOrId` and `numRequested`, take `numReturned` items, go on at
 `nextStartingIndex` until it is 65535. The library collects as many of the controller's pages as
 `numRequested` asks for (at most 32767).
 
 **All adapters**: `AdapterID` 255 asks every adapter in HX_Adapter_GetInfo, HX_Adapter_GetConfig,
 HX_ENC_GetElementInfo and HX_ENC_GetElementConfig.
 
-The examples are what the virtual controller answers.
+The examples are what the virtual controller answers. It refuses to change anything, with code 202
+("not supported").
 )";
 
 std::string KindOf(const Child& child) {
