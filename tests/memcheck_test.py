@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 """A handful of requests, good and hostile, touch no memory that they should not, and leak none.
 
-usage: memcheck_test.py --commands VEXORCTL FILE...  the commands of these files, all carried out
+usage: memcheck_test.py --commands VEXORCTL FILE...  these example commands, all carried out
        memcheck_test.py --declined VEXORCTL          commands that the library must turn away
        memcheck_test.py --self-check COMPILER [OPTION]...
 """
 
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -33,9 +34,15 @@ DECLINED = {
 }
 
 
+EXAMPLE_ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../examples/root")
+
+
 def under_valgrind(command, expected):
     """Complaints about one run; expected is the exit code that the command itself is to have."""
     with tempfile.TemporaryDirectory() as root:
+        # What the example commands need: users, and a folder for what they make.
+        shutil.copytree(EXAMPLE_ROOT, root, dirs_exist_ok=True)
+        os.mkdir(os.path.join(root, "build"))
         result = subprocess.run(
             [*VALGRIND, *command],
             check=False,
@@ -43,6 +50,7 @@ def under_valgrind(command, expected):
             stderr=subprocess.STDOUT,
             text=True,
             errors="replace",
+            cwd=root,
             env=dict(os.environ, VEXORAPI_ROOT=root),
         )
     if result.returncode == expected:

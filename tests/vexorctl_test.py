@@ -11,6 +11,7 @@ usage: vexorctl_test.py VEXORCTL FAILING_LIBRARY_FOLDER OTHER_CONTROLLER_FOLDER 
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -101,6 +102,8 @@ class Xml(VexorctlTest):
         names = sorted(path.name for path in EXAMPLES.iterdir())
         self.assertEqual(names, sorted(path.name for path in RESULTS.iterdir()))
         self.assertGreaterEqual(len(names), 5)
+        shutil.copytree(EXAMPLES.parent / "root", self.root, dirs_exist_ok=True)
+        (self.root / "build").mkdir()  # where the tree has a folder for what is made
         for name in names:
             with self.subTest(example=name):
                 run = self.vexorctl("xml", str(EXAMPLES / name))
