@@ -78,7 +78,8 @@ File OpenDatabase(const char* path) {
     return file;
 }
 
-// The first entry of that name, as the system's lookup takes it.
+// The first entry of that name, as the system's lookup takes it. A reading that found too little
+// room may have used its line up, so that every search begins at the start.
 template <class Database>
 int FindInFile(std::FILE* file, const char* name, typename Database::Entry* entry, char* texts,
                std::size_t room, typename Database::Entry** found) {
@@ -128,7 +129,7 @@ public:
 private:
     bool MakeRoom(std::size_t room) {
         Wipe();
-        texts_.reset(static_cast<char*>(std::calloc(room, 1)));
+        texts_ = HeapBlock<char>(static_cast<char*>(std::calloc(room, 1)));
         room_ = texts_ == nullptr ? 0 : room;
         return room_ != 0;
     }
