@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "debug_log.h"
 #include "hxfake.h"
 #include "request.h"
 #include "temporary_root.h"
@@ -166,6 +167,57 @@ TEST_F(Users, AreNoAffairOfTheController) {
     GroupOf("root");
     Ask("HX_GetUserName", "");
     EXPECT_THAT(hxfake::Calls(), IsEmpty());
+}
+
+// ---- texts in the debug log --------------------------------------------------------------------
+
+class LoggedText : public Host {
+protected:
+    // The lines in which the log tells a text parameter.
+    std::string Logged(const std::string& name, const std::string& children) const {
+        const DebugLog log(root);
+        Ask(name, children);
+        std::string lines;
+        const std::string text = log.Text();
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t end = text.find('\n', at);
+            const std::string line = text.substr(at, end - at);
+            // The numbers that are read, and the paths of the elements, have lines of their own.
+            if (line.find(" = ") != std::string::npos && !line.starts_with("Dir = ")) {
+                lines += line + "\n";
+            }
+            at = end == std::string::npos ? end : end + 1;
+        }
+        return lines;
+    }
+};
+
+TEST_F(LoggedText, IsThatOfEachTextParameter) {
+    EXPECT_EQ("lpszUsername = guest\nlpszDomain = K\nlpszPassword = open sesame\n",
+              Logged("HX_LogonUser", Element("lpszUsername", "guest") + Element("lpszDomain", "K") +
+                                         Element("lpszPassword", "open sesame")));
+    EXPECT_EQ(
+        "lpszUsername = guest\nlpszDomain = K\n",
+        Logged("HX_GetUserGroup", Element("lpszUsername", "guest") + Element("lpszDomain", "K")));
+    EXPECT_EQ("filepath = /a b\n", Logged("HX_Flash_Option", Element("filepath", "/a b")));
+    EXPECT_EQ("filepath = /a b\n", Logged("HX_BIOS_Version", Element("filepath", "/a b")));
+    for (const char* function :
+         {"HX_LD_Create", "HX_LD_GetMaxSize", "HX_LD_SetConfig", "HX_LD_Create_OnDG",
+          "HX_LD_Modify_OnDG", "HX_CreateOrModify_VD", "HX_DG_Create", "HX_DG_GetSizeOnly",
+          "HX_DG_Modify", "HX_DG_SetConfig"}) {
+        EXPECT_EQ("Name = mine\n", Logged(function, Element("Name", "mine"))) << function;
+    }
+}
+
+TEST_F(LoggedText, IsWholeWhereItsFieldIsShorter) {
+    EXPECT_EQ("Name = sixteen letters!\n",
+              Logged("HX_DG_Create", Element("Name", "sixteen letters!")));
+    EXPECT_EQ("lpszPassword = " + std::string(200, 'p') + "\n",
+              Logged("HX_LogonUser", Element("lpszPassword", std::string(200, 'p'))));
+}
+
+TEST_F(LoggedText, IsNoneOfNumbersAndOfEmptyElements) {
+    EXPECT_EQ("", Logged("HX_DG_Create", Element("RaidMode", "5") + Element("Name", "")));
 }
 
 // ---- flash images ------------------------------------------------------------------------------

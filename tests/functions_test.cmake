@@ -4,6 +4,8 @@ vexor_test(functions_test functions_test.cpp functions_adapter_rows.cpp function
     functions_disk_group_rows.cpp functions_virtual_disk_rows.cpp)
 vexor_test(functions_host_test functions_host_test.cpp)
 vexor_test(functions_irregular_test functions_irregular_test.cpp)
+vexor_test(functions_memory_test functions_memory_test.cpp)
+target_link_libraries(functions_memory_test PRIVATE failing_allocations)
 vexor_test(functions_pages_test functions_pages_test.cpp)
 vexor_test(functions_records_test functions_records_test.cpp)
 vexor_test(functions_table_test functions_table_test.cpp)

@@ -276,6 +276,20 @@ TEST_P(Function, HandsZerosForChildrenThatAreAbsent) {
     ExpectAskedWithoutChildren();
 }
 
+TEST_P(Function, HandsEachChildOverByItself) {
+    const std::vector<Value> all = DistinctValues(row);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        SCOPED_TRACE(row.children[i].name);
+        std::vector<Value> values = Nothing(row);
+        for (std::size_t k = 0; k < all.size(); ++k) {
+            // A child with a value of its own is one without which there is no call.
+            if (k == i || row.children[k].value != 0) values[k] = all[k];
+        }
+        Ask(Elements(row, values));
+        ExpectAsked(values);
+    }
+}
+
 TEST_P(Function, CutsWhatIsTooMuchForAField) {
     const std::vector<Value> values = TooMuchEverywhere(row);
     Ask(Elements(row, values));
