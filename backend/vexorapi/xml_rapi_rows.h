@@ -117,6 +117,21 @@ auto NumberOf(const T& field) {
     }
 }
 
+// The tags of a scalar element, all on one line.
+constexpr void ScalarHead(LiteralSink& sink, int depth, const char* name, const char* type) {
+    sink.Indent(depth);
+    sink.Put("<");
+    sink.Put(name);
+    sink.Put(" type=\"");
+    sink.Put(type);
+    sink.Put("\">");
+}
+constexpr void ScalarTail(LiteralSink& sink, const char* name) {
+    sink.Put("</");
+    sink.Put(name);
+    sink.Put(">\n");
+}
+
 /// A number. `type` is its name in the result.
 template <class R, class T, Form form>
 struct Column {
@@ -125,19 +140,8 @@ struct Column {
     const char* type;
     T R::*field;
 
-    constexpr void Head(LiteralSink& sink, int depth) const {
-        sink.Indent(depth);
-        sink.Put("<");
-        sink.Put(name);
-        sink.Put(" type=\"");
-        sink.Put(type);
-        sink.Put("\">");
-    }
-    constexpr void Tail(LiteralSink& sink, int) const {
-        sink.Put("</");
-        sink.Put(name);
-        sink.Put(">\n");
-    }
+    constexpr void Head(LiteralSink& sink, int depth) const { ScalarHead(sink, depth, name, type); }
+    constexpr void Tail(LiteralSink& sink, int) const { ScalarTail(sink, name); }
     template <int depth>
     constexpr std::size_t ValueBound() const {
         return kDecimalBound<T> + kDigitSlack;
@@ -261,23 +265,25 @@ struct ArrayColumn {
     }
 };
 
-/// A text in a CDATA section, nothing escaped.
-template <class R, class C, std::size_t n, class Cleaner>
+enum class Markup : bool {
+    CData,  // in a CDATA section, nothing escaped
+    Bare,   // as it stands: its readers rely on it holding no markup
+};
+
+/// A text of a fixed-width field, as `Cleaner` puts it.
+template <class R, class C, std::size_t n, class Cleaner, Markup markup>
 struct TextColumn {
     using Of = R;
     const char* name;
     C (R::*field)[n];
 
     constexpr void Head(LiteralSink& sink, int depth) const {
-        sink.Indent(depth);
-        sink.Put("<");
-        sink.Put(name);
-        sink.Put(" type=\"string\"><![CDATA[");
+        ScalarHead(sink, depth, name, "string");
+        if (markup == Markup::CData) sink.Put("<![CDATA[");
     }
     constexpr void Tail(LiteralSink& sink, int) const {
-        sink.Put("]]></");
-        sink.Put(name);
-        sink.Put(">\n");
+        if (markup == Markup::CData) sink.Put("]]>");
+        ScalarTail(sink, name);
     }
     template <int depth>
     constexpr std::size_t ValueBound() const {
@@ -291,41 +297,11 @@ struct TextColumn {
     void WriteExact(XMLWR_Doc* doc, const R& record) const {
         char text[n + 1];
         *Cleaner::Put(text, record.*field) = '\0';
-        XML_RA_ElmtNonArrayData(doc, name, "string", "<![CDATA[%s]]>", text);
-    }
-};
-
-/// A text written bare, without a CDATA section: its readers rely on it holding no markup.
-template <class R, class C, std::size_t n>
-struct BareText {
-    using Of = R;
-    const char* name;
-    C (R::*field)[n];
-
-    constexpr void Head(LiteralSink& sink, int depth) const {
-        sink.Indent(depth);
-        sink.Put("<");
-        sink.Put(name);
-        sink.Put(" type=\"string\">");
-    }
-    constexpr void Tail(LiteralSink& sink, int) const {
-        sink.Put("</");
-        sink.Put(name);
-        sink.Put(">\n");
-    }
-    template <int depth>
-    constexpr std::size_t ValueBound() const {
-        return n + 1;
-    }
-    template <int depth>
-    [[gnu::always_inline]] char* Put(char* at, const R& record) const {
-        return PlainText::Put(at, record.*field);
-    }
-    template <int depth>
-    void WriteExact(XMLWR_Doc* doc, const R& record) const {
-        char text[n + 1];
-        *PlainText::Put(text, record.*field) = '\0';
-        XML_RA_ElmtNonArrayData(doc, name, "string", "%s", text);
+        if constexpr (markup == Markup::CData) {
+            XML_RA_ElmtNonArrayData(doc, name, "string", "<![CDATA[%s]]>", text);
+        } else {
+            XML_RA_ElmtNonArrayData(doc, name, "string", "%s", text);
+        }
     }
 };
 
@@ -484,17 +460,8 @@ struct ComputedByte {
     const char* name;
     Value value;
 
-    constexpr void Head(LiteralSink& sink, int depth) const {
-        sink.Indent(depth);
-        sink.Put("<");
-        sink.Put(name);
-        sink.Put(" type=\"U8\">");
-    }
-    constexpr void Tail(LiteralSink& sink, int) const {
-        sink.Put("</");
-        sink.Put(name);
-        sink.Put(">\n");
-    }
+    constexpr void Head(LiteralSink& sink, int depth) const { ScalarHead(sink, depth, name, "U8"); }
+    constexpr void Tail(LiteralSink& sink, int) const { ScalarTail(sink, name); }
     template <int depth>
     constexpr std::size_t ValueBound() const {
         return kDecimalBound<HX_U8> + kDigitSlack;
@@ -553,14 +520,14 @@ consteval Column<R, T, Form::Flag> Flag(const char* name, XmlType type, T R::*fi
 
 /// A text in CDATA, as it stands in its field or cleaned first.
 template <class Cleaner = PlainText, class R, class C, std::size_t n>
-consteval TextColumn<R, C, n, Cleaner> CData(const char* name, C (R::*field)[n]) {
+consteval TextColumn<R, C, n, Cleaner, Markup::CData> CData(const char* name, C (R::*field)[n]) {
     static_assert(sizeof(C) == 1);
     return {name, field};
 }
 
 /// A text without CDATA.
 template <class R, class C, std::size_t n>
-consteval BareText<R, C, n> Bare(const char* name, C (R::*field)[n]) {
+consteval TextColumn<R, C, n, PlainText, Markup::Bare> Bare(const char* name, C (R::*field)[n]) {
     static_assert(sizeof(C) == 1);
     return {name, field};
 }

@@ -59,12 +59,8 @@ template <class R, class T, std::size_t n, LastBlank blank>
 Element Describe(const ArrayColumn<R, T, n, blank>& row) {
     return {.name = row.name, .type = row.type, .kind = Element::Kind::Array, .width = n};
 }
-template <class R, class C, std::size_t n, class Cleaner>
-Element Describe(const TextColumn<R, C, n, Cleaner>& row) {
-    return {.name = row.name, .type = "string"};
-}
-template <class R, class C, std::size_t n>
-Element Describe(const BareText<R, C, n>& row) {
+template <class R, class C, std::size_t n, class Cleaner, Markup markup>
+Element Describe(const TextColumn<R, C, n, Cleaner, markup>& row) {
     return {.name = row.name, .type = "string"};
 }
 template <class R, class Value>
