@@ -139,7 +139,6 @@ TEST_P(AdapterInfoParameter, ReachesTheController) {
 
 constexpr char kAdapter0[] = "HX_Adapter_GetInfo(0, &, &)";
 constexpr char kAdapter1[] = "HX_Adapter_GetInfo(1, &, &)";
-constexpr char kAdapter2[] = "HX_Adapter_GetInfo(2, &, &)";
 constexpr char kAdapter7[] = "HX_Adapter_GetInfo(7, &, &)";
 
 INSTANTIATE_TEST_SUITE_P(
