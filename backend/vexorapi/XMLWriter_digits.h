@@ -20,8 +20,8 @@ using DigitStep = std::uint32_t;
 consteval std::array<DigitStep, 1000> MakeDigitSteps(bool padded) {
     std::array<DigitStep, 1000> steps{};
     for (std::uint32_t number = 0; number < 1000; ++number) {
-        const std::uint32_t digits[] = {
-            '0' + number / 100, '0' + number / 10 % 10, '0' + number % 10};
+        const std::uint32_t digits[] = {'0' + number / 100, '0' + number / 10 % 10,
+                                        '0' + number % 10};
         const std::uint32_t length = padded || number >= 100 ? 3 : number >= 10 ? 2 : 1;
         DigitStep step = length << 24;
         for (std::uint32_t i = 0; i < length; ++i) step |= digits[3 - length + i] << (8 * i);

@@ -66,13 +66,8 @@ int vexorApi(const char* XMLCmd, char* XMLRet, std::uint32_t XMLRetLen) noexcept
 
     XMLElement elmt;
     ResetElement(elmt);
-    const int parsed = RunExpat(XMLCmd,
-                                length,
-                                &elmt,
-                                elmt.Guard,
-                                {RA_StartElement,
-                                 RA_EndElement,
-                                 RA_CharacterDataHandler,
+    const int parsed = RunExpat(XMLCmd, length, &elmt, elmt.Guard,
+                                {RA_StartElement, RA_EndElement, RA_CharacterDataHandler,
                                  DeclarationWatch<XMLElement>::Doctype});
     const HeapPtr<void> record(elmt.Ext);
     if (parsed == 0) return 0;
@@ -89,9 +84,7 @@ int vexorApiInit() noexcept {
     if (HX_API_InitializeRet == HX_SUCCESS) VX_VER_INIT();
     HX_API_InitializeRet = HX_API_Initialize();
     if (HX_API_InitializeRet != HX_SUCCESS) {
-        VX_DBG_TRACE("%s %d: HX_API_Initialize() Failed, RetVal = %d",
-                     "vexorapi",
-                     kInitializeLine,
+        VX_DBG_TRACE("%s %d: HX_API_Initialize() Failed, RetVal = %d", "vexorapi", kInitializeLine,
                      HX_API_InitializeRet);
     }
     return 1;

@@ -56,10 +56,11 @@ VEXORAPI_EXPORT int vexorApiShutdown(void) VEXORAPI_NOEXCEPT;
  *  - the command is not well-formed, is longer than 2147483647 bytes, or declares more than 256
  *    items in its document type: XMLRet is untouched;
  *  - the root element names no function, or lacks type="function": XMLRet is the empty string. */
-VEXORAPI_EXPORT int vexorApi(const char* XMLCmd, char* XMLRet, uint32_t XMLRetLen) VEXORAPI_NOEXCEPT;
+VEXORAPI_EXPORT int vexorApi(const char* XMLCmd, char* XMLRet,
+                             uint32_t XMLRetLen) VEXORAPI_NOEXCEPT;
 
-/** Moves the events that wait in the controllers' queues into the event store, which it creates when
- *  there is none, and raises the change counters. The event service calls it from time to time.
+/** Moves the events that wait in the controllers' queues into the event store, which it creates
+ * when there is none, and raises the change counters. The event service calls it from time to time.
  *
  *  numOfAdapters  adapters 0 to numOfAdapters - 1 are polled, at most the first four.
  *
@@ -89,9 +90,9 @@ VEXORAPI_EXPORT int VX_DBG_Init(const char* filename) VEXORAPI_NOEXCEPT;
  *  is off or there is no memory. Files are created with mode 0600. */
 VEXORAPI_EXPORT int VX_DBG_Printf(const char* fmt, ...) VEXORAPI_NOEXCEPT VEXORAPI_PRINTF(1, 2);
 
-/** Appends one message to the named file, whether or not the debug log is on. Anything but a regular
- *  file or a character device counts as unopenable, and so does the name "stderr".
- *  Returns the number of characters formatted; 0 when there is no memory. */
+/** Appends one message to the named file, whether or not the debug log is on. Anything but a
+ * regular file or a character device counts as unopenable, and so does the name "stderr". Returns
+ * the number of characters formatted; 0 when there is no memory. */
 VEXORAPI_EXPORT int VX_DBG_PrintFile(const char* filename, const char* fmt, ...) VEXORAPI_NOEXCEPT
     VEXORAPI_PRINTF(2, 3);
 

@@ -54,8 +54,7 @@ int RunExpat(const char* text, std::size_t length, void* context, ParseGuard& gu
     const int ok = XML_Parse(parser, text, static_cast<int>(length), 1) == XML_STATUS_OK ? 1 : 0;
     if (!ok) {
         // The message has no line end.
-        VX_DBG_TRACE("XML_Error:%s at line %d",
-                     XML_ErrorString(XML_GetErrorCode(parser)),
+        VX_DBG_TRACE("XML_Error:%s at line %d", XML_ErrorString(XML_GetErrorCode(parser)),
                      static_cast<int>(XML_GetCurrentLineNumber(parser)));
     }
     XML_ParserFree(parser);

@@ -19,6 +19,6 @@ int XML_RA_ElmtNonArrayData(XMLWR_Doc* doc, const char* elmt, const char* type, 
 
 int XML_RA_ElmtStartArrayData(XMLWR_Doc* doc, const char* elmt, const char* type,
                               std::size_t width) {
-    return XMLWR_ElmtStartPrintf(
-        doc, 0, elmt, " %s=\"%s\" %s=\"%zu\"", "type", type, "width", width);
+    return XMLWR_ElmtStartPrintf(doc, 0, elmt, " %s=\"%s\" %s=\"%zu\"", "type", type, "width",
+                                 width);
 }

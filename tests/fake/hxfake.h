@@ -218,10 +218,8 @@ void WritePage(Request* request, std::span<const T> records, HX_U16 returned, HX
 template <class T>
 auto Page(HX_U16 next, const std::vector<T>& records, std::optional<HX_U16> returned = {}) {
     return [next, records, returned](HX_U8, auto* request) {
-        internal::WritePage(request,
-                            std::span<const T>(records),
-                            returned.value_or(static_cast<HX_U16>(records.size())),
-                            next);
+        internal::WritePage(request, std::span<const T>(records),
+                            returned.value_or(static_cast<HX_U16>(records.size())), next);
     };
 }
 template <class T>
@@ -241,9 +239,7 @@ auto List(const std::vector<T>& records, HX_U16 page_limit = 65535) {
             std::min<std::size_t>({rest.size(), request->header.numRequested, page_limit}));
         const std::size_t left = rest.size() - page.size();
         internal::WritePage(
-            request,
-            page,
-            static_cast<HX_U16>(page.size()),
+            request, page, static_cast<HX_U16>(page.size()),
             left == 0 ? HX_U16{HX_LIST_COMPLETE} : static_cast<HX_U16>(all.size() - left));
         return HX_SUCCESS;
     };
