@@ -119,7 +119,7 @@ constexpr DiskGroup kDiskGroups0[] = {
      .name = "GROUP_A",
      .level = 0x05,
      .legs = 0,
-     .stripe_kib = 64,
+     .stripe_kib = 128,
      .disks = kGroupDisks,
      .spares = kGroupSpares},
 };
@@ -132,7 +132,7 @@ constexpr VirtualDisk kVirtualDisks0[] = {
      .group = 0,
      .level = 0x05,
      .legs = 0,
-     .stripe_kib = 64,
+     .stripe_kib = 128,
      .cache = HXSIM_CACHE_WRITE_BACK | HXSIM_CACHE_READ_AHEAD,
      .disks = kGroupDisks,
      .start = 0,

@@ -26,7 +26,7 @@ TEST_F(SimulatorDiskGroup, IsARaid5OfFourDisks) {
     EXPECT_EQ(0x05, group.RaidMode);
     EXPECT_EQ(0, group.SubVDCount);
     EXPECT_EQ(1, group.NumParityDisk);
-    EXPECT_EQ(64, group.StripeBlockSize);
+    EXPECT_EQ(128, group.StripeBlockSize);
     EXPECT_EQ(512u, group.BlockSize);
     EXPECT_EQ(1, group.Status);
     EXPECT_EQ(4, group.PDCount);
@@ -36,8 +36,8 @@ TEST_F(SimulatorDiskGroup, IsARaid5OfFourDisks) {
 
 TEST_F(SimulatorDiskGroup, CountsItsSpace) {
     const DG_Info group = TheOne(HX_DG_GetInfo, 0, 0);
-    EXPECT_EQ(3516173952u, group.TotalManagedSpace.value);
-    EXPECT_EQ(1905561216u, group.RemainingManagedSpace.value);
+    EXPECT_EQ(3516173568u, group.TotalManagedSpace.value);
+    EXPECT_EQ(1905560832u, group.RemainingManagedSpace.value);
     EXPECT_EQ(1172058032u, group.SmallestAvailablePDSize.value);
 }
 
@@ -105,20 +105,27 @@ TEST_F(SimulatorDiskGroup, OnItsOwnDisksHasTheSizeThatItHas) {
     CreateOrModify_DG_Param param = Wanted(0, 0x05, {0, 1, 2, 3});
     param.BlockSize = 512;
     EXPECT_EQ(0, HX_CreateOrModify_DG(0, &param, 1));
+    EXPECT_EQ(3516173568u, param.Size.value);
+}
+
+TEST_F(SimulatorDiskGroup, KeepsItsStripeSizeUnlessItIsGivenAnother) {
+    CreateOrModify_DG_Param param = Wanted(0, 0x05, {0, 1, 2, 3});
+    param.StripeBlockSize = 64;
+    EXPECT_EQ(0, HX_CreateOrModify_DG(0, &param, 1));
     EXPECT_EQ(3516173952u, param.Size.value);
 }
 
 TEST_F(SimulatorDiskGroup, GrowsByAFreeDisk) {
     CreateOrModify_DG_Param param = Wanted(0, 0x05, {0, 1, 2, 3, 11});
     EXPECT_EQ(0, HX_CreateOrModify_DG(0, &param, 1));
-    EXPECT_EQ(4688231936u, param.Size.value);
+    EXPECT_EQ(4688231424u, param.Size.value);
 }
 
 TEST_F(SimulatorDiskGroup, OfTwoLegsHasTheParityOfBoth) {
     CreateOrModify_DG_Param param = Wanted(0, 0x50, {0, 1, 2, 3, 11, 12});
     param.SubVDCount = 2;
     EXPECT_EQ(0, HX_CreateOrModify_DG(0, &param, 1));
-    EXPECT_EQ(4688231936u, param.Size.value);
+    EXPECT_EQ(4688231424u, param.Size.value);
 }
 
 struct RefusedCase {

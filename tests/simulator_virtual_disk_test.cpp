@@ -31,7 +31,7 @@ TEST_F(SimulatorVirtualDisk, ZeroIsARaid5OnTheDiskGroup) {
     EXPECT_EQ(0, info.AdapterID);
     EXPECT_EQ(0, info.DGID);
     EXPECT_EQ(0x05, info.RaidMode);
-    EXPECT_EQ(64, info.StripeBlockSize);
+    EXPECT_EQ(128, info.StripeBlockSize);
     EXPECT_EQ(4, info.HDCount);
     EXPECT_THAT(BlocksOf(info), ElementsAre(0, 16, 32, 48));
     EXPECT_EQ(1610612736u, info.Size.value);  // three times 256 GiB
