@@ -647,7 +647,7 @@ TEST_F(ProcessLife, TellsTheRefusalInTheDebugLog) {
     const DebugLog log(root);
     hxfake::On<&HX_API_Initialize>().Always(7);
     vexorApiInit();
-    EXPECT_EQ("vexorapi.cpp 526: HX_API_Initialize() Failed, RetVal = 7", log.Text());
+    EXPECT_EQ("vexorapi 526: HX_API_Initialize() Failed, RetVal = 7", log.Text());
 }
 
 TEST_F(ProcessLife, TellsNothingOfASuccess) {
