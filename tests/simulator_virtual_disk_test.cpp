@@ -246,7 +246,15 @@ const RefusedCase kRefused[] = {
     {"SpareOfTheGroup", 0, 225, 0x01, {11, 10}},
     {"DiskOfTheGroup", 0, 225, 0x01, {11, 0}},
     {"FullDisk", 1, 226, 0x00, {0}},
-    {"LessThanItIsRoundedTo", 1, 226, 0x00, {0}, [](auto& p) { p.RoundingScheme = 1; }},
+    {"LessThanItIsRoundedTo",
+     1,
+     226,
+     0x00,
+     {0},
+     [](auto& p) {
+         p.StripeBlockSize = 16;  // of which one is left
+         p.RoundingScheme = 1;
+     }},
 };
 
 class RefusedVirtualDisk : public testing::TestWithParam<RefusedCase> {
