@@ -87,7 +87,7 @@ bool StorePoll(HX_U8 adapter, HX_U8 count) {
 
 // Polls each adapter once. Returns whether any of them had events; the total is counted in 8 bits,
 // so that 256 events in one round end the check-in as none do.
-bool PollAll(HX_U32 adapters) {
+bool PollAll(HX_U8 adapters) {
     HX_U8 total = 0;
     for (HX_U8 adapter = 0; adapter < adapters; ++adapter) {
         HX_U8 returned = 0;
@@ -145,7 +145,7 @@ void VX_EvFilter(const Event* events, HX_U32 count) {
 
 void VX_EvFile_CheckIn(HX_U8 numOfAdapters) noexcept {
     if (WaitStore()) {
-        const HX_U32 adapters = std::min<HX_U32>(numOfAdapters, kEventAdapters);
+        const auto adapters = static_cast<HX_U8>(std::min<HX_U32>(numOfAdapters, kEventAdapters));
         for (HX_U32 round = 0; round < kMaxRounds && PollAll(adapters); ++round) {
         }
         VX_EvFile_Close();

@@ -557,10 +557,10 @@ consteval Nested<kInner, RecordType<kInner>, InnerSelf<RecordType<kInner>>> Nest
 // An element name given at run time, padded so that it is copied in one step of fixed size.
 struct PaddedName {
     static constexpr std::size_t kRoom = 32;
-    char text[kRoom];
+    char text[kRoom] = {};
     std::size_t length;
 
-    explicit PaddedName(const char* name) : text{}, length(std::strlen(name)) {
+    explicit PaddedName(const char* name) : length(std::strlen(name)) {
         std::memcpy(text, name, length < kRoom ? length : kRoom);
     }
     bool Fits() const { return length <= kRoom; }

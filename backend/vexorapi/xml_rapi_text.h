@@ -48,7 +48,7 @@ struct PlainText {
 };
 
 /// The end of the text without its trailing blanks, which are all that trim removes.
-[[gnu::always_inline]] inline char* WithoutTrailingBlanks(char* at, char* end) {
+[[gnu::always_inline]] inline char* WithoutTrailingBlanks(const char* at, char* end) {
     while (end != at && end[-1] == ' ') --end;
     return end;
 }
