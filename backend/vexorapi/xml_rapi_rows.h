@@ -85,7 +85,9 @@ template <std::size_t n>
         (std::memcpy(at + i * kPiece, text.data() + i * kPiece, kPiece), ...);
     }
     (std::make_index_sequence<n / kPiece>{});
-    std::memcpy(at + n / kPiece * kPiece, text.data() + n / kPiece * kPiece, n % kPiece);
+    if constexpr (n % kPiece != 0) {
+        std::memcpy(at + n / kPiece * kPiece, text.data() + n / kPiece * kPiece, n % kPiece);
+    }
     return at + n;
 }
 
@@ -179,19 +181,47 @@ struct Column {
 /// Whether the last item of an array is followed by a blank, as every other one is.
 enum class LastBlank : bool { No, Yes };
 
+// Whether each item of a word (8 bytes of them) is a single digit: none has a bit above its low
+// four, nor gets one when 6 is added.
+template <class T>
+[[gnu::always_inline]] inline bool AreDigits(const T* items) {
+    constexpr std::uint64_t kOnes = UINT64_MAX / static_cast<T>(-1);
+    std::uint64_t word;
+    std::memcpy(&word, items, sizeof word);
+    return ((word | (word + 6 * kOnes)) & ~(15 * kOnes)) == 0;
+}
+
+// A word of single digits, each followed by a blank.
+[[gnu::always_inline]] inline char* PutDigits(char* at, const HX_U8* items) {
+    using Eight [[gnu::vector_size(8)]] = HX_U8;
+    using Sixteen [[gnu::vector_size(16)]] = HX_U8;
+    Eight digits;
+    std::memcpy(&digits, items, sizeof digits);
+    const Sixteen text = __builtin_shufflevector(digits | '0', Eight{} + ' ', 0, 8, 1, 9, 2, 10, 3,
+                                                 11, 4, 12, 5, 13, 6, 14, 7, 15);
+    std::memcpy(at, &text, sizeof text);
+    return at + sizeof text;
+}
+[[gnu::always_inline]] inline char* PutDigits(char* at, const HX_U16* items) {
+    std::uint64_t word;
+    std::memcpy(&word, items, sizeof word);
+    word |= 0x2030203020302030;  // little-endian: the digit comes first, the blank behind it
+    std::memcpy(at, &word, sizeof word);
+    return at + sizeof word;
+}
+
 // The items of an array on one line, each followed by a blank.
 template <class T, std::size_t n>
 [[gnu::always_inline]] inline char* PutItems(char* at, const T (&items)[n]) {
-    // Arrays are mostly unused, and written whole all the same: a word of zeros is one step.
+    // Most arrays are unused, and written whole all the same; flags and small codes fill others. So
+    // a word of single digits is one step.
     constexpr std::size_t kItemsOfWord = sizeof(std::uint64_t) / sizeof(T);
-    constexpr std::size_t kStep = n >= 8 && n % kItemsOfWord == 0 ? kItemsOfWord : 1;
+    constexpr bool kByWords = sizeof(T) <= 2 && n >= 8 && n % kItemsOfWord == 0;
+    constexpr std::size_t kStep = kByWords ? kItemsOfWord : 1;
     for (std::size_t i = 0; i < n; i += kStep) {
-        if constexpr (kStep > 1) {
-            std::uint64_t word;
-            std::memcpy(&word, &items[i], sizeof word);
-            if (word == 0) {
-                std::memcpy(at, "0 0 0 0 0 0 0 0 ", 2 * kStep);
-                at += 2 * kStep;
+        if constexpr (kByWords) {
+            if (AreDigits(items + i)) {
+                at = PutDigits(at, items + i);
                 continue;
             }
         }
