@@ -30,8 +30,9 @@ constexpr HX_U16 kEntryType = 0x0101;
 constexpr HX_U16 kAdapterClass = 0;
 constexpr HX_U16 kAdapterFound = 9;
 
-// Slots on their way to or from the ring: one batch of a controller's 8-bit count.
-constexpr HX_U32 kBatch = 255;
+// Slots on their way to or from the ring. A poll's are one batch by far; a page is read faster in
+// few large pieces than in many small ones.
+constexpr HX_U32 kBatch = 1000;
 constinit VX_EvEntryHeader slots[kBatch]{};
 
 // What stands at the start of the event file, read and written at once.

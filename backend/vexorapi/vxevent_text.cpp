@@ -600,38 +600,36 @@ void PutTwo(char* at, std::uint16_t digits) { std::memcpy(at, &digits, sizeof di
 constexpr char kDays[] = "Sun Mon Tue Wed Thu Fri Sat ";
 constexpr char kMonths[] = "Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec ";
 
-struct Calendar {
+struct Date {
     unsigned weekday;  // 0: Sunday
     unsigned month;    // 0: January
-    unsigned day, hour, minute, second, year;
+    unsigned day, year;
 };
 
-// asctime's form without its line end; kTimeLength characters.
-[[gnu::always_inline]] inline char* PutCalendar(char* at, const Calendar& time) {
-    std::memcpy(at, kDays + 4 * time.weekday, 4);
-    std::memcpy(at + 4, kMonths + 4 * time.month, 4);
-    PutTwo(at + 8, TwoDigits(time.day));
-    if (time.day < 10) at[8] = ' ';
-    at[10] = ' ';
-    PutTwo(at + 11, TwoDigits(time.hour));
-    at[13] = ':';
-    PutTwo(at + 14, TwoDigits(time.minute));
-    at[16] = ':';
-    PutTwo(at + 17, TwoDigits(time.second));
-    at[19] = ' ';
-    PutTwo(at + 20, TwoDigits(time.year / 100));
-    PutTwo(at + 22, TwoDigits(time.year % 100));
-    return at + kTimeLength;
+// A time is kTimeLength characters in asctime's form, without its line end: first the date, with
+// whatever stands at the clock's places, then the clock.
+void PutDate(char* at, const Date& date) {
+    std::memcpy(at, kDays + 4 * date.weekday, 4);
+    std::memcpy(at + 4, kMonths + 4 * date.month, 4);
+    PutTwo(at + 8, TwoDigits(date.day));
+    if (date.day < 10) at[8] = ' ';
+    std::memcpy(at + 10, " 00:00:00 ", 10);
+    PutTwo(at + 20, TwoDigits(date.year / 100));
+    PutTwo(at + 22, TwoDigits(date.year % 100));
 }
 
-// UTC by arithmetic: a 32-bit time ends in the year 2106, so that plain Gregorian steps do.
-[[gnu::always_inline]] inline Calendar UtcCalendar(HX_U32 seconds) {
-    constexpr HX_U32 kSecondsPerDay = 86400;
+[[gnu::always_inline]] inline void PutClock(char* at, unsigned hour, unsigned minute,
+                                            unsigned second) {
+    PutTwo(at + 11, TwoDigits(hour));
+    PutTwo(at + 14, TwoDigits(minute));
+    PutTwo(at + 17, TwoDigits(second));
+}
+
+// By arithmetic: a 32-bit time ends in the year 2106, so that plain Gregorian steps do.
+Date DateOf(HX_U32 days) {
     constexpr HX_U32 kDaysToEpoch = 719468;  // from 1 March of the year 0, when leap days come last
     constexpr HX_U32 kDaysPerCentury4 = 146097;  // four centuries
     constexpr HX_U32 kDaysPerYear4 = 1461;       // four years
-    const HX_U32 days = seconds / kSecondsPerDay;
-    const HX_U32 rest = seconds % kSecondsPerDay;
     const HX_U32 quarter_days = 4 * (days + kDaysToEpoch) + 3;
     const HX_U32 century = quarter_days / kDaysPerCentury4;
     const HX_U32 in_century = (quarter_days % kDaysPerCentury4) | 3;
@@ -645,11 +643,30 @@ struct Calendar {
         .weekday = (days + 4) % 7,
         .month = month_from_march - (next_year ? 13 : 1),
         .day = (scaled & 0xFFFF) / 2141 + 1,
-        .hour = rest / 3600,
-        .minute = rest / 60 % 60,
-        .second = rest % 60,
         .year = 100 * century + year_of_century + (next_year ? 1 : 0),
     };
+}
+
+// The date written last: events come by time, so that the next one is mostly of the same day.
+struct DayText {
+    HX_U32 day;  // since 1 January 1970
+    char text[kTimeLength + 1];
+};
+constinit DayText last_day{0, "Thu Jan  1 00:00:00 1970"};
+
+[[gnu::noinline]] void RememberDay(HX_U32 day) {
+    last_day.day = day;
+    PutDate(last_day.text, DateOf(day));
+}
+
+[[gnu::always_inline]] inline char* PutUtcTime(char* at, HX_U32 seconds) {
+    constexpr HX_U32 kSecondsPerDay = 86400;
+    const HX_U32 day = seconds / kSecondsPerDay;
+    const HX_U32 of_day = seconds % kSecondsPerDay;
+    if (day != last_day.day) RememberDay(day);
+    std::memcpy(at, last_day.text, kTimeLength);
+    PutClock(at, of_day / 3600, of_day / 60 % 60, of_day % 60);
+    return at + kTimeLength;
 }
 
 [[gnu::noinline]] char* PutLocalTime(char* at, HX_U32 seconds) {
@@ -666,15 +683,18 @@ char* PutTimeText(char* at, const std::tm* time) {
         return std::copy(kNoTime.begin(), kNoTime.end(), at);
     }
     const auto field = [](int value) { return static_cast<unsigned>(value); };
-    return PutCalendar(
-        at, {field(time->tm_wday), field(time->tm_mon), field(time->tm_mday), field(time->tm_hour),
-             field(time->tm_min), field(time->tm_sec), field(time->tm_year + 1900)});
+    PutDate(at, {.weekday = field(time->tm_wday),
+                 .month = field(time->tm_mon),
+                 .day = field(time->tm_mday),
+                 .year = field(time->tm_year + 1900)});
+    PutClock(at, field(time->tm_hour), field(time->tm_min), field(time->tm_sec));
+    return at + kTimeLength;
 }
 
 int VX_HX_EVT_Sprintf(const Event* pevent, char* MsgBuf) {
     // The adapter-found event alone tells the host's own time: it dates a start of the machine.
     char* at = IsAdapterFound(*pevent) ? PutLocalTime(MsgBuf, pevent->TimeStamp)
-                                       : PutCalendar(MsgBuf, UtcCalendar(pevent->TimeStamp));
+                                       : PutUtcTime(MsgBuf, pevent->TimeStamp);
     *at++ = ' ';
     at = PutMessage(at, ChooseText(*pevent), *pevent);
     *at++ = '\n';
