@@ -45,10 +45,12 @@ inline char* PutInner(char* at, std::uint32_t below_1000) {
 inline char* PutDecimal(char* at, HX_U8 value) { return PutStep(at, kLeadingDigits[value]); }
 
 inline char* PutDecimal(char* at, HX_U16 value) {
-    if (value < 1000) [[likely]]
-        return PutStep(at, kLeadingDigits[value]);
-    at = PutStep(at, kLeadingDigits[value / 1000u]);
-    return PutInner(at, value % 1000u);
+    const HX_U32 number = value;  // 16 bits take compilers more steps to divide
+    if (number < 1000) [[likely]]
+        return PutStep(at, kLeadingDigits[number]);
+    const HX_U32 thousands = number / 1000;
+    at = PutStep(at, kLeadingDigits[thousands]);
+    return PutInner(at, number - 1000 * thousands);
 }
 
 inline char* PutDecimal(char* at, HX_U32 value) {
