@@ -228,17 +228,6 @@ TEST_F(EveryAdapter, IsNotMeantByAnyOtherNumber) {
     EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_ENC_GetElementInfo(254, 0, &, &)"));
 }
 
-TEST_F(EveryAdapter, IsAskedByFourFunctionsOnly) {
-    Adapters(1);
-    for (const char* name :
-         {"HX_AdapterMute", "HX_BBU_GetInfo", "HX_BBU_ActRelearn", "HX_LD_PauseAll", "HX_LD_Import",
-          "HX_PD_GetRCT", "HX_Adapter_SetConfig", "HX_DG_SetConfig", "HX_LD_GetTargetLDInfo",
-          "HX_PD_GetConfig", "HX_ENC_GetEnclosureInfo", "HX_Flash_Erase", "HX_LD_QuickCreate"}) {
-        Ask(name, {"AdapterID=255", "numRequested=1"});
-    }
-    EXPECT_EQ(0u, hxfake::On<&HX_Adapter_GetCount>().CallCount());
-}
-
 // ---- HX_Adapter_SetConfig ----------------------------------------------------------------------
 
 class AdapterSettings : public Irregular {

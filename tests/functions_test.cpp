@@ -19,6 +19,7 @@
 
 namespace {
 
+using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::SizeIs;
 
@@ -415,6 +416,22 @@ TEST(FunctionRows, AreSeventyOfTheSeventyFive) {
 TEST(FunctionRows, HoldThirtyNineThatAnswerWithTheirStatusAlone) {
     // HX_Flash_Option is the fortieth.
     EXPECT_THAT(RowsThat([](const FunctionRow& row) { return row.status_only; }), SizeIs(39));
+}
+
+TEST(FunctionRows, AskEveryAdapterInFourCases) {
+    const TemporaryRoot root;
+    std::vector<std::string> functions;
+    for (const FunctionRow& row : Rows()) {
+        hxfake::Reset();
+        hxfake::On<&HX_Adapter_GetCount>().Always(1);
+        const std::string name = row.name;
+        Send("<" + name + " type=\"function\"><AdapterID>255</AdapterID>" +
+             "<numRequested>1</numRequested></" + name + ">");
+        if (hxfake::On<&HX_Adapter_GetCount>().CallCount() > 1) functions.push_back(name);
+    }
+    hxfake::Reset();
+    EXPECT_THAT(functions, ElementsAre("HX_Adapter_GetInfo", "HX_Adapter_GetConfig",
+                                       "HX_ENC_GetElementInfo", "HX_ENC_GetElementConfig"));
 }
 
 // ---- names that no row has ---------------------------------------------------------------------

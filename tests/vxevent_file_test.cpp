@@ -7,7 +7,9 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -62,6 +64,34 @@ TEST_F(EventFile, HoldsAWrappedRingByteForByte) {
         CheckIn({event}, 1);
     }
     EXPECT_EQ(GoldenBytes("vxevent_wrapped.hex"), root_.Read(kEventFile));
+}
+
+// The bytes that a hexdump in the text of `file` shows, lines of "*" repeating the one before.
+std::string DumpedBytes(const std::string& file) {
+    std::string bytes;
+    std::string line;
+    bool repeat = false;
+    for (std::istringstream text(GoldenText(file)); std::getline(text, line);) {
+        if (line == "*") repeat = true;
+        if (line.find_first_not_of("0123456789abcdef") != std::min<std::size_t>(line.size(), 8)) {
+            continue;
+        }
+        const std::size_t offset = std::stoul(line, nullptr, 16);
+        const std::string last = bytes.size() < 16 ? "" : bytes.substr(bytes.size() - 16);
+        for (; repeat && bytes.size() < offset; bytes += last) {
+        }
+        repeat = false;
+        EXPECT_EQ(offset, bytes.size());
+        std::istringstream row(line.substr(8));
+        for (std::string byte; row >> byte && byte.size() == 2;) {
+            bytes += static_cast<char>(std::stoi(byte, nullptr, 16));
+        }
+    }
+    return bytes;
+}
+
+TEST_F(EventFile, IsTheOneThatTheDocumentationDumps) {
+    EXPECT_EQ(GoldenBytes("vxevent_two_events.hex"), DumpedBytes("../../docs/event-store.md"));
 }
 
 TEST_F(EventFile, IsEmptyAnd112BytesLongWhenCreated) {

@@ -179,13 +179,20 @@ TEST_F(Management, EventsOfAMissingStoreAreZeros) {
                           "EVT_CODE_SMART_FROM_OFF_TO_ON|[UNKNOWN]|0| \n"));
 }
 
-TEST_F(Management, PagesOfEightHundredAreNeverCut) {
-    Event error = MakeEvent(2, 36, 0);  // as long as a text can get
-    std::memset(error.Params, 0xFF, sizeof error.Params);
-    error.TimeStamp = 0xFFFFFFFF;
-    error.DeviceID = 65535;
-    error.Severity = 6;
-    CheckIn(std::vector<Event>(1700, error));
+// The longest event that there is, with or without its sense data.
+Event LongestEvent(HX_U8 sense_length) {
+    Event event;
+    std::memset(&event, 0xFF, sizeof event);
+    event.Class = 2;
+    event.Code = 36;
+    event.Severity = 6;
+    event.SequenceNo = 0;
+    event.SenseDataLength = sense_length;
+    return event;
+}
+
+TEST_F(Management, PagesOfEightHundredEventsWithoutSenseDataAreWhole) {
+    CheckIn(std::vector<Event>(1700, LongestEvent(0)));
     HX_U32 listed = 0;
     for (HX_U32 next = 0; next < 1700;) {
         const std::string result =
@@ -197,6 +204,13 @@ TEST_F(Management, PagesOfEightHundredAreNeverCut) {
         next = static_cast<HX_U32>(std::stoul(ValueOf(result, "e"))) + 1;
     }
     EXPECT_EQ(1700u, listed);
+}
+
+TEST_F(Management, SevenHundredOfTheLongestEventsAreWhole) {
+    CheckIn(std::vector<Event>(700, LongestEvent(255)));
+    const std::string result = EventsOf("<n>700</n>");
+    EXPECT_EQ(700u, CountOf(result, "\n  </Event>\n"));
+    EXPECT_TRUE(result.ends_with("\n  </Event>\n</VX_HX_EVT_GetEvents>\n"));
 }
 
 TEST_F(Management, LargerPageArrivesCut) {
