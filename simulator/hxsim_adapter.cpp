@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <iterator>
 
-#include "hxsim_codes.h"
+#include "hxraid_codes.h"
 #include "hxsim_library.h"
 #include "hxsim_link.h"
 #include "hxsim_text.h"

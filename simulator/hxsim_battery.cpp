@@ -1,6 +1,6 @@
 // The battery that keeps an adapter's cache.
 #include "hxraid.h"
-#include "hxsim_codes.h"
+#include "hxraid_codes.h"
 #include "hxsim_library.h"
 #include "hxsim_machine.h"
 

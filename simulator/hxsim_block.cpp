@@ -1,6 +1,6 @@
 // The blocks that the disks are cut into.
 #include "hxraid.h"
-#include "hxsim_codes.h"
+#include "hxraid_codes.h"
 #include "hxsim_disk.h"
 #include "hxsim_machine.h"
 #include "hxsim_page.h"

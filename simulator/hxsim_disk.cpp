@@ -6,7 +6,7 @@
 
 #include "hxsim_adapter.h"
 #include "hxsim_capacity.h"
-#include "hxsim_codes.h"
+#include "hxraid_codes.h"
 #include "hxsim_library.h"
 #include "hxsim_link.h"
 #include "hxsim_machine.h"

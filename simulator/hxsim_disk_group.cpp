@@ -4,7 +4,7 @@
 #include "hxraid.h"
 #include "hxsim_adapter.h"
 #include "hxsim_capacity.h"
-#include "hxsim_codes.h"
+#include "hxraid_codes.h"
 #include "hxsim_level.h"
 #include "hxsim_library.h"
 #include "hxsim_machine.h"

@@ -2,7 +2,7 @@
 #include <cstdio>
 
 #include "hxraid.h"
-#include "hxsim_codes.h"
+#include "hxraid_codes.h"
 #include "hxsim_library.h"
 #include "hxsim_link.h"
 #include "hxsim_machine.h"

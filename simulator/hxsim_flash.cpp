@@ -3,7 +3,7 @@
 
 #include "hxraid.h"
 #include "hxsim_adapter.h"
-#include "hxsim_codes.h"
+#include "hxraid_codes.h"
 #include "hxsim_library.h"
 
 namespace hxsim {

@@ -2,7 +2,7 @@
 #include "hxsim_library.h"
 
 #include "hxsim_adapter.h"
-#include "hxsim_codes.h"
+#include "hxraid_codes.h"
 
 namespace hxsim {
 namespace {

@@ -3,7 +3,7 @@
 #define HXSIM_LINK_H
 
 #include "hxraid.h"
-#include "hxsim_codes.h"
+#include "hxraid_codes.h"
 #include "hxsim_machine.h"
 
 namespace hxsim {

@@ -7,7 +7,7 @@
 #include <span>
 
 #include "hxraid.h"
-#include "hxsim_codes.h"
+#include "hxraid_codes.h"
 #include "hxsim_library.h"
 #include "hxsim_machine.h"
 

@@ -1,6 +1,6 @@
 // The functions that the virtual controller does not have. A function moves out of here into the
 // file of what it deals with.
-#include "hxsim_codes.h"
+#include "hxraid_codes.h"
 #include "hxsim_library.h"
 
 namespace {
