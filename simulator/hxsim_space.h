@@ -1,0 +1,48 @@
+// The space on the disks: blocks cut out of free runs and given back.
+#ifndef HXSIM_SPACE_H
+#define HXSIM_SPACE_H
+
+#include <optional>
+
+#include "hxsim_machine.h"
+
+namespace hxsim {
+
+/// Sectors in the free blocks of a disk, whoever may have them.
+Sectors FreeSectors(const Adapter& adapter, HX_U16 disk);
+
+/// The longest free block of a disk; null when nothing is free.
+const Block* LongestFree(const Adapter& adapter, HX_U16 disk);
+
+/// The first free block of a disk with at least so many sectors; null when there is none.
+const Block* FirstFree(const Adapter& adapter, HX_U16 disk, Sectors sectors);
+
+/// Whether one block more on the disk is one too many.
+bool IsFullOfBlocks(const Adapter& adapter, HX_U16 disk);
+
+/// Cuts `sectors` from sector `start` on out of a free block that holds them all, for a virtual
+/// disk's position. Returns the new block. What the caller found before by pointer is void.
+Block& Cut(Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors, HX_U16 virtual_disk,
+           HX_U8 position);
+
+/// Gives a block's sectors back; free neighbours become one block.
+void Release(Adapter& adapter, HX_U16 block);
+
+/// Gives back every block of a virtual disk, targets included.
+void ReleaseAll(Adapter& adapter, HX_U16 virtual_disk);
+
+/// Makes the disk's whole usable space one free block, whatever was on it.
+void ResetDisk(Adapter& adapter, HX_U16 disk);
+
+/// The block that serves a virtual disk's position (or, with `target`, is to serve it); null when
+/// it has none.
+Block* BlockOf(Adapter& adapter, HX_U16 virtual_disk, HX_U8 position, bool target = false);
+const Block* BlockOf(const Adapter& adapter, HX_U16 virtual_disk, HX_U8 position,
+                     bool target = false);
+
+/// Whether a block of any virtual disk lies on the disk.
+bool CarriesBlocks(const Adapter& adapter, HX_U16 disk);
+
+}  // namespace hxsim
+
+#endif
