@@ -4,50 +4,70 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <span>
+#include <vector>
 
 #include "hxraid.h"
 #include "hxraid_codes.h"
-#include "hxsim_library.h"
 #include "hxsim_machine.h"
+#include "hxsim_session.h"
 
 namespace hxsim {
 
-/// Answers a list request with the adapter's objects of a kind. `describe(adapter, row, record)`
-/// fills a record that is zero. Never writes more than numRequested records; an index past the last
-/// object is the end of the list, and an ID that no object has is refused.
-template <class Request, class Record, class Row, class Describe>
-HX_U8 List(HX_U8 adapter, Request* request, Record (Request::*list)[1], const Kind<Row>& kind,
+/// What broken firmware does to a page that has been filled: counts, indices and texts are what
+/// nobody asked for. Stays inside the header and `bytes` bytes of records.
+void Spoil(RequestHeader& header, void* records, std::size_t bytes);
+
+/// Answers a list request with some of the adapter's rows, which ascend by ID.
+///
+/// `rows` is the list in the adapter, `is_listed(adapter, row)` says which of them a caller sees,
+/// and `describe(adapter, row, now, record)` fills a record that is zero. Never writes more than
+/// numRequested records; an index past the last object is the end of the list, and an ID that no
+/// listed object has is refused with `missing`.
+template <class Request, class Record, class Row, class IsListed, class Describe>
+HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
+           std::vector<Row> Adapter::*rows, HxsimCode missing, IsListed is_listed,
            Describe describe) {
-    if (const HX_U8 status = CheckAdapter(adapter); status != HX_SUCCESS) return status;
-    if (request == nullptr) return HXSIM_NULL_ADDRESS;
+    return Look(call, adapter_id, [&](const Adapter& adapter, Time now) -> HX_U8 {
+        if (request == nullptr) return HXSIM_NULL_ADDRESS;
+        RequestHeader& header = request->header;
+        const bool by_id = header.requestType == HX_REQUEST_BY_ID;
+        if (!by_id && header.requestType != HX_REQUEST_BY_INDEX) return HXSIM_BAD_REQUEST_TYPE;
 
-    RequestHeader& header = request->header;
-    std::span<const Row> rows = MachineOf(adapter).*kind.rows;
-    std::size_t first = header.startingIndexOrId;
-    if (header.requestType == HX_REQUEST_BY_ID) {
-        const Row* const row = Find(rows, header.startingIndexOrId);
-        if (row == nullptr) return kind.missing;
-        rows = std::span(row, 1);
-        first = 0;
-    } else if (header.requestType != HX_REQUEST_BY_INDEX) {
-        return HXSIM_BAD_REQUEST_TYPE;
-    }
+        Record* const records = request->*list;
+        std::size_t count = 0;
+        std::size_t place = 0;  // of the row among those listed
+        bool found = false;
+        bool more = false;
+        for (const Row& row : adapter.*rows) {
+            if (!is_listed(adapter, row)) continue;
+            const bool wanted =
+                by_id ? row.id == header.startingIndexOrId : place >= header.startingIndexOrId;
+            ++place;
+            if (!wanted) continue;
+            found = true;
+            if (count == header.numRequested) {
+                more = !by_id;
+                break;
+            }
+            records[count] = Record{};
+            describe(adapter, row, now, records[count]);
+            ++count;
+        }
+        if (by_id && !found) return missing;
+        header.numReturned = static_cast<HX_U16>(count);
+        header.nextStartingIndex =
+            more ? static_cast<HX_U16>(header.startingIndexOrId + count) : HX_U16{HX_LIST_COMPLETE};
+        if (IsHostile()) Spoil(header, records, count * sizeof(Record));
+        return HX_SUCCESS;
+    });
+}
 
-    first = std::min(first, rows.size());
-    const std::size_t count = std::min<std::size_t>(header.numRequested, rows.size() - first);
-    Record* record = request->*list;
-    for (const Row& row : rows.subspan(first, count)) {
-        *record = Record{};
-        describe(adapter, row, *record);
-        ++record;
-    }
-    header.numReturned = static_cast<HX_U16>(count);
-    const std::size_t next = first + count;
-    header.nextStartingIndex = next < rows.size() && header.requestType == HX_REQUEST_BY_INDEX
-                                   ? static_cast<HX_U16>(next)
-                                   : HX_LIST_COMPLETE;
-    return HX_SUCCESS;
+/// List of every row.
+template <class Request, class Record, class Row, class Describe>
+HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
+           std::vector<Row> Adapter::*rows, HxsimCode missing, Describe describe) {
+    const auto every = [](const Adapter&, const Row&) { return true; };
+    return List(call, adapter_id, request, list, rows, missing, every, describe);
 }
 
 }  // namespace hxsim
