@@ -1,73 +1,99 @@
-// The events that tell a process what has been found when the controller started.
+// The queue of events: filled by whatever happens, emptied by whoever takes them.
+#include "hxsim_event.h"
+
+#include <algorithm>
 #include <cstring>
-#include <ctime>
 
 #include "hxraid.h"
-#include "hxsim_adapter.h"
-#include "hxraid_codes.h"
-#include "hxsim_library.h"
-#include "hxsim_machine.h"
+#include "hxsim_session.h"
 
 namespace hxsim {
 namespace {
 
-struct Happening {
-    HX_U16 type;  // class of the event
-    HX_U16 code;
-};
-constexpr Happening kAdapterFound{0, 9}, kVirtualDiskCreated{1, 2}, kDiskOnline{2, 1},
-    kExpanderPluggedIn{4, 0}, kBatteryPresent{9, 0}, kDiskGroupCreated{13, 0};
-
-constexpr HX_U8 kInformation = 2;  // severity
-
-// How many of an adapter's events have been taken. Closing the library brings none back: what has
-// happened once does not happen again.
-constinit HX_U32 taken[kAdapterCount] = {};
-
-// Calls visit(happening, device) for each event, in the order in which a controller comes up.
-template <class Visit>
-void ForEachEvent(HX_U8 adapter, Visit visit) {
-    const Machine& machine = MachineOf(adapter);
-    visit(kAdapterFound, adapter);
-    for (const Expander& expander : machine.expanders) visit(kExpanderPluggedIn, expander.id);
-    for (const Disk& disk : machine.disks) visit(kDiskOnline, disk.id);
-    if (machine.battery != nullptr) visit(kBatteryPresent, HX_U16{0});
-    for (const DiskGroup& group : machine.disk_groups) visit(kDiskGroupCreated, group.id);
-    for (const VirtualDisk& each : machine.virtual_disks) visit(kVirtualDiskCreated, each.id);
+HX_U32 SecondsOf(Time now) {
+    return static_cast<HX_U32>(std::clamp<Time>(now / 1000, 0, UINT32_MAX));
 }
 
-Event EventOf(HX_U8 adapter, Happening happening, HX_U16 device, HX_U32 number) {
+Event EventOf(HX_U8 adapter, Time now, EventKind kind, HX_U16 device, HX_U32 number) {
     Event event{};
-    event.Class = happening.type;
-    event.Code = happening.code;
-    event.TimeStamp = static_cast<HX_U32>(std::time(nullptr));
+    event.Class = kind.type;
+    event.Code = kind.code;
+    event.Severity = kind.severity;
+    event.TimeStamp = SecondsOf(now);
     event.DeviceID = device;
-    event.Severity = kInformation;
     event.AdapterID = adapter;
     event.SequenceNo = number;
-    if (happening.type == kAdapterFound.type) {
-        char serial[sizeof Adapter_Info{}.SerialNo];
-        SetSerialNumber(serial, adapter);
-        event.SenseDataLength = static_cast<HX_U8>(strnlen(serial, sizeof serial));
-        std::memcpy(event.SenseData, serial, event.SenseDataLength);
-    }
     return event;
 }
 
+bool TellsOfLoss(const Event& event) {
+    return event.Class == kEventError.type && event.Code == kEventError.code;
+}
+
+// Drops the oldest events until one more fits beside the row that tells of them. That row stands
+// in their place and has the number of the last of them, so that numbers go on without a gap and
+// never come twice.
+void MakeRoom(Adapter& adapter, Time now) {
+    std::vector<QueuedEvent>& queue = adapter.events;
+    if (queue.size() < kMostEvents) return;
+    const bool told_before = TellsOfLoss(queue.front().event);
+    HX_U32 lost = told_before ? queue.front().event.Params[2] : 0;
+    const std::size_t dropped = queue.size() - kMostEvents + 2;  // for the new one and the telling
+    lost += static_cast<HX_U32>(told_before ? dropped - 1 : dropped);
+    const HX_U32 number = queue[dropped - 1].number;
+    queue.erase(queue.begin(), queue.begin() + static_cast<std::ptrdiff_t>(dropped - 1));
+    queue.front() = {number, EventOf(adapter.id, now, kEventError, adapter.id, number)};
+    queue.front().event.Params[2] = lost;
+}
+
+// What nobody asked for, in place of events: more of them than there is room for, of a class that
+// does not exist, with texts that do not end. Nothing is written behind the `taken` records.
+void SpoilEvents(HX_U8& count, HX_U8 taken, Event* events) {
+    for (HX_U8 i = 0; i < taken; ++i) {
+        std::memset(&events[i], 0xFF, sizeof events[i]);
+        std::memset(events[i].SenseData, 'X', sizeof events[i].SenseData);
+    }
+    count = UINT8_MAX;
+}
+
 }  // namespace
+
+void Queue(Adapter& adapter, Time now, EventKind kind, HX_U16 device, std::array<HX_U32, 4> params,
+           std::string_view text) {
+    MakeRoom(adapter, now);
+    const HX_U32 number = adapter.next_event++;
+    Event event = EventOf(adapter.id, now, kind, device, number);
+    std::ranges::copy(params, event.Params);
+    text = text.substr(0, sizeof event.SenseData);
+    event.SenseDataLength = static_cast<HX_U8>(text.size());
+    std::ranges::copy(text, event.SenseData);
+    adapter.events.push_back({number, event});
+}
+
+HX_U8 Take(Adapter& adapter, HX_U8 max, Event* events) {
+    const auto count = static_cast<HX_U8>(std::min<std::size_t>(adapter.events.size(), max));
+    for (HX_U8 i = 0; i < count; ++i) events[i] = adapter.events[i].event;
+    adapter.events.erase(adapter.events.begin(), adapter.events.begin() + count);
+    return count;
+}
+
 }  // namespace hxsim
 
 HX_U8 HX_EVT_GetEvent(HX_U8 AdapterID, HX_U8 max, HX_U8* count, Event* events) {
-    if (const HX_U8 status = hxsim::CheckAdapter(AdapterID); status != HX_SUCCESS) return status;
-    if (count == nullptr || events == nullptr) return HXSIM_NULL_ADDRESS;
-    HX_U32& taken = hxsim::taken[AdapterID];
-    HX_U32 number = 0;
-    *count = 0;
-    hxsim::ForEachEvent(AdapterID, [&](hxsim::Happening happening, HX_U16 device) {
-        ++number;
-        if (number <= taken || *count == max) return;
-        events[(*count)++] = hxsim::EventOf(AdapterID, happening, device, number);
-        taken = number;
+    // An empty queue is what a caller finds nearly always, and looking writes nothing.
+    bool empty = true;
+    const HX_U8 status =
+        hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+            if (count == nullptr || events == nullptr) return HXSIM_NULL_ADDRESS;
+            empty = max == 0 || adapter.events.empty();
+            if (empty) *count = 0;
+            return HX_SUCCESS;
+        });
+    if (status != HX_SUCCESS || empty) return status;
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+        const HX_U8 taken = hxsim::Take(adapter, max, events);
+        *count = taken;
+        if (hxsim::IsHostile()) hxsim::SpoilEvents(*count, taken, events);
+        return HX_SUCCESS;
     });
-    return HX_SUCCESS;
 }

@@ -2,9 +2,24 @@
 #ifndef HXSIM_REDUNDANCY_H
 #define HXSIM_REDUNDANCY_H
 
+#include <bitset>
+
 #include "hxsim_machine.h"
 
 namespace hxsim {
+
+/// Some of the positions of a virtual disk or a disk group.
+using Positions = std::bitset<256>;
+
+/// The state of an array without the positions that are lost; those from `width` on do not count.
+HX_U8 StateOfArray(HX_U8 level, HX_U8 legs, HX_U8 width, const Positions& lost);
+
+/// Whether the level keeps anything twice, or parity.
+bool IsRedundant(HX_U8 level);
+
+/// The positions that a virtual disk has lost: without a block, on a disk that is not ready, or
+/// with content that is not what it should be. With `target`, of what it is to become.
+Positions LostPositions(const Adapter& adapter, HX_U16 virtual_disk, bool target = false);
 
 /// The state that follows from a virtual disk's blocks and their disks: HxsimState.
 HX_U8 StateOf(const Adapter& adapter, const VirtualDisk& virtual_disk);
@@ -25,6 +40,11 @@ bool IsConfigured(const Adapter& adapter, HX_U16 disk);
 
 /// Whether a disk is ready and neither configured nor a spare.
 bool IsFree(const Adapter& adapter, const Disk& disk);
+
+/// Lets the alarm sound while a virtual disk is degraded or offline or an element of an enclosure
+/// is critical, when the adapter has an alarm and it is on; else silences it. A muted alarm stays
+/// silent until there is a new cause, or no cause any more.
+void UpdateAlarm(Adapter& adapter, bool new_cause = false);
 
 /// Draws the consequences of whatever has just changed, until nothing follows any more: blocks of
 /// disks that are no longer ready fall out of date where the array can do without them, states are
