@@ -8,8 +8,10 @@
 #include <iterator>
 #include <map>
 #include <set>
+#include <span>
 #include <string_view>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 
 #include "hxsim_level.h"
@@ -42,6 +44,7 @@ public:
 
     void Run() {
         CheckIds();
+        if (broken_.size() != known_) return;  // rows are found by their IDs
         CheckDisks();
         CheckBlocks();
         CheckTiling();
@@ -342,18 +345,34 @@ private:
                 Say(Of(virtual_disk), " has two positions on ", Address("pd", block.disk), ".");
             }
         }
-        const Level* const level = FindLevel(virtual_disk.level);
-        const unsigned data =
-            level == nullptr ? 0 : DataDisks(*level, virtual_disk.width, virtual_disk.legs);
-        if (data == 0) {
-            Say(Of(virtual_disk), " is ", NameOr(kHxsimLevelNames, virtual_disk.level), " of ",
-                virtual_disk.width, " disks, which that level cannot be made of.");
-        } else if (virtual_disk.size == 0) {
+        if (!CheckLevel(virtual_disk)) return;
+        const Sectors held =
+            first == nullptr
+                ? virtual_disk.size
+                : DataSectors(*FindLevel(virtual_disk.level), virtual_disk.width, virtual_disk.legs,
+                              virtual_disk.stripe_kib, first->sectors);
+        if (virtual_disk.size == 0) {
             Say(Of(virtual_disk), " has no size.");
-        } else if (first != nullptr && virtual_disk.size > data * first->sectors) {
-            Say(Of(virtual_disk), " has ", virtual_disk.size, " sectors; its blocks hold ",
-                data * first->sectors, ".");
+        } else if (virtual_disk.size > held) {
+            Say(Of(virtual_disk), " has ", virtual_disk.size, " sectors; its blocks hold ", held,
+                ".");
         }
+    }
+
+    // Whether the virtual disk's or disk group's level, width and stripes are possible.
+    template <class Row>
+    bool CheckLevel(const Row& row) {
+        const Level* const level = FindLevel(row.level);
+        if (level == nullptr || !CanBeMade(*level, row.width, row.legs)) {
+            Say(Of(row), " is ", NameOr(kHxsimLevelNames, row.level), " of ", row.width,
+                " disks, which that level cannot be made of.");
+            return false;
+        }
+        if (row.stripe_kib == 0) {
+            Say(Of(row), " has stripes of 0 KiB.");
+            return false;
+        }
+        return true;
     }
 
     // ---- Disk groups ----
@@ -361,11 +380,7 @@ private:
     void CheckGroups() {
         for (const DiskGroup& group : adapter_.disk_groups) {
             CheckName(Of(group), group.name);
-            const Level* const level = FindLevel(group.level);
-            if (level == nullptr || DataDisks(*level, group.width, group.legs) == 0) {
-                Say(Of(group), " is ", NameOr(kHxsimLevelNames, group.level), " of ", group.width,
-                    " disks, which that level cannot be made of.");
-            }
+            CheckLevel(group);
         }
         // Its disks are its own, wholly.
         for (const Home& home : adapter_.homes) {
