@@ -4,97 +4,195 @@
 #include <algorithm>
 #include <span>
 
-#include "hxsim_adapter.h"
-#include "hxsim_capacity.h"
-#include "hxraid_codes.h"
-#include "hxsim_library.h"
+#include "hxsim_activity.h"
 #include "hxsim_link.h"
-#include "hxsim_machine.h"
-#include "hxsim_page.h"
+#include "hxsim_redundancy.h"
+#include "hxsim_session.h"
+#include "hxsim_space.h"
 #include "hxsim_text.h"
 
 namespace hxsim {
 namespace {
 
-// The one thing that a call can change: which locate lights are on, by the disk's place in its
-// list.
-constinit HX_BOOLEAN located[kAdapterCount][kMostDisks] = {};
-
-HX_BOOLEAN& LocateLight(HX_U8 adapter, const Disk& disk) {
-    return located[adapter][&disk - MachineOf(adapter).disks.data()];
+HX_U8 StatusOf(const Disk& disk) {
+    HX_U8 status = 0;
+    if (Answers(disk)) status |= HXSIM_DISK_ONLINE;
+    if (disk.present && disk.failed) status |= HXSIM_DISK_FAILED;
+    if (disk.present && disk.foreign) status |= HXSIM_DISK_FOREIGN;
+    if (!IsReady(disk)) status |= HXSIM_DISK_UNAVAILABLE;
+    if (disk.spare == Spare::kGlobal) status |= HXSIM_DISK_GLOBAL_SPARE;
+    if (disk.spare == Spare::kGroup) status |= HXSIM_DISK_GROUP_SPARE;
+    return status;
 }
 
-void DescribeDisk(HX_U8 adapter, const Disk& disk, HD_Info& info) {
-    const DiskModel& model = *disk.model;
+bool IsCopiedBack(const Adapter& adapter, HX_U16 virtual_disk) {
+    const VirtualDisk* const row = Find(adapter.virtual_disks, virtual_disk);
+    if (row == nullptr) return false;
+    const auto runs_on = [&](Owner of, HX_U16 owner) {
+        const Activity* const activity = ActivityOf(adapter, of, owner);
+        return activity != nullptr && activity->kind == HXSIM_ACTIVITY_COPYBACK;
+    };
+    return runs_on(Owner::kVirtualDisk, row->id) ||
+           (row->group != kNoId && runs_on(Owner::kDiskGroup, row->group));
+}
+
+void DescribeDisk(const Adapter& adapter, const Disk& disk, const Part& part, Time, HD_Info& info) {
     info.Link = LinkOf(adapter, disk);
-    info.AdapterID = adapter;
-    info.Status = PartOf(adapter, disk).status;
-    info.HDType = model.sas ? HXSIM_TYPE_SAS : HXSIM_TYPE_SATA;
-    info.ConnectionType = model.sas ? HXSIM_CONNECTION_SAS : HXSIM_CONNECTION_SATA;
-    if (!model.sas) {
+    info.AdapterID = adapter.id;
+    info.Status = part.status;
+    info.HDType = disk.sas ? HXSIM_TYPE_SAS : HXSIM_TYPE_SATA;
+    info.ConnectionType = disk.sas ? HXSIM_CONNECTION_SAS : HXSIM_CONNECTION_SATA;
+    if (!disk.sas) {
         info.PIOMode = info.CurrentPIOMode = 4;
         info.MDMAMode = info.CurrentMDMAMode = 2;
         info.UDMAMode = info.CurrentUDMAMode = 6;
     }
     info.FeatureSupport = HXSIM_FEATURE_SMART | HXSIM_FEATURE_WRITE_CACHE | HXSIM_FEATURE_QUEUEING;
-    SetPaddedText(info.Model, model.name);
+    SetPaddedText(info.Model, disk.model);
     SetPaddedText(info.SerialNo, disk.serial);
-    SetPaddedText(info.FWVersion, model.firmware);
-    SetWorldWideName(info.WWN, HXSIM_DEVICE_DISK, adapter, disk.id, 0);
-    info.Size.value = model.sectors;
-    info.ActivityLEDStatus = 1;
-    info.LocateLEDStatus = LocateLight(adapter, disk);
+    SetPaddedText(info.FWVersion, disk.firmware);
+    SetWorldWideName(info.WWN, disk.wwn);
+    info.Size.value = disk.sectors;
+    info.ActivityLEDStatus = Answers(disk);
+    info.LocateLEDStatus = disk.locate_light;
+    info.ErrorLEDStatus = disk.failed;
 }
 
-void DescribeFreeSpace(HX_U8 adapter, const Disk& disk, HD_FreeSpaceInfo& space) {
+void DescribeFreeSpace(const Adapter& adapter, const Disk& disk, const Part& part, Time,
+                       HD_FreeSpaceInfo& space) {
     space.ID = disk.id;
-    space.AdapterID = adapter;
+    space.AdapterID = adapter.id;
     space.isFixed = 1;
-    space.Size.value = FreeSectors(adapter, disk);
+    space.Size.value = part.free;
 }
 
-void DescribeSettings(HX_U8 adapter, const Disk& disk, HD_Config& config) {
-    // Not where the disk's own cache could lose what the controller has promised to have written.
-    config.WriteCacheOn = (PartOf(adapter, disk).status & HXSIM_DISK_CONFIGURED) == 0;
-    config.SMARTOn = 1;
-    config.Online = 1;
-    config.DriveSpeed = disk.model->speed;
+void DescribeSettings(const Adapter&, const Disk& disk, const Part&, Time, HD_Config& config) {
+    config.WriteCacheOn = disk.write_cache;
+    config.SMARTOn = disk.smart_on;
+    config.Online = Answers(disk) && !disk.offline;
+    config.DriveSpeed = disk.speed;
     config.HDID = disk.id;
 }
 
-void DescribeActivity(HX_U8 adapter, const Disk& disk, HD_BGA_Status& activity) {
-    activity.HDID = disk.id;
-    activity.Status = PartOf(adapter, disk).status;
+void DescribeActivity(const Adapter& adapter, const Disk& disk, const Part& part, Time now,
+                      HD_BGA_Status& status) {
+    status.HDID = disk.id;
+    status.Status = part.status;
+    const Activity* const activity = ActivityOf(adapter, Owner::kDisk, disk.id);
+    if (activity == nullptr) return;
+    status.Percentage = Percentage(*activity, now);
+    status.Bga = activity->kind;
+    status.BgaStatus = activity->state;
 }
 
-void DescribeSmart(HX_U8, const Disk& disk, HD_SMART_Status& smart) { smart.HDID = disk.id; }
+void DescribeSmart(const Adapter&, const Disk& disk, const Part&, Time, HD_SMART_Status& smart) {
+    // What nobody measures is not known to be over its threshold.
+    smart.SmartThresholdExceeded = disk.smart_on && disk.smart_exceeded;
+    smart.HDID = disk.id;
+}
 
-void DescribePart(HX_U8 adapter, const Disk& disk, HD_RAID_Status& status) {
-    const Part part = PartOf(adapter, disk);
+void DescribePart(const Adapter&, const Disk& disk, const Part& part, Time,
+                  HD_RAID_Status& status) {
     status.HDID = disk.id;
     status.DGID = part.serves;
     status.Status = part.status;
 }
 
+std::span<const Remap> RemapsOf(const Adapter& adapter, HX_U16 disk) {
+    const auto [first, last] = std::ranges::equal_range(adapter.remaps, disk, {}, &Remap::disk);
+    return {first, last};
+}
+
+RCT_Record RecordOf(const Remap& remap) {
+    RCT_Record record{};
+    record.lba.value = remap.lba;
+    record.sec = remap.sectors;
+    record.flag = remap.reason;
+    return record;
+}
+
+void DropForeign(Adapter& adapter, HX_U16 virtual_disk) {
+    std::erase_if(adapter.homes, [&](const Home& home) {
+        return home.of == Owner::kVirtualDisk && home.owner == virtual_disk;
+    });
+    std::erase_if(adapter.virtual_disks,
+                  [&](const VirtualDisk& each) { return each.id == virtual_disk; });
+}
+
 }  // namespace
 
-Part PartOf(HX_U8 adapter, const Disk& disk) {
-    const Machine& machine = MachineOf(adapter);
-    for (const DiskGroup& group : machine.disk_groups) {
-        if (Contains(group.disks, disk.id)) {
-            return {HXSIM_DISK_ONLINE | HXSIM_DISK_CONFIGURED, group.id, &group};
+// ---- Parts ----
+
+Parts::Parts(const Adapter& adapter) : adapter_(adapter), parts_(adapter.disks.size()) {
+    const auto part_of = [&](HX_U16 id) -> Part* {
+        const Disk* const disk = Find(adapter.disks, id);
+        return disk == nullptr ? nullptr
+                               : &parts_[static_cast<std::size_t>(disk - adapter.disks.data())];
+    };
+    for (std::size_t place = 0; place < parts_.size(); ++place) {
+        const Disk& disk = adapter.disks[place];
+        parts_[place].status = StatusOf(disk);
+        if (disk.spare == Spare::kGroup) parts_[place].serves = disk.spare_group;
+    }
+    for (const Home& home : adapter.homes) {
+        Part* const part = home.of == Owner::kDiskGroup ? part_of(home.disk) : nullptr;
+        if (part == nullptr) continue;
+        part->status |= HXSIM_DISK_CONFIGURED;
+        part->serves = home.owner;
+        part->of_group = true;
+    }
+    for (const Block& block : adapter.blocks) {
+        Part* const part = part_of(block.disk);
+        if (part == nullptr) continue;
+        if (block.virtual_disk == kNoVirtualDisk) {
+            part->free += block.sectors;
+            continue;
         }
-        if (Contains(group.spares, disk.id)) {
-            return {HXSIM_DISK_ONLINE | HXSIM_DISK_GROUP_SPARE, group.id, nullptr};
+        part->status |= HXSIM_DISK_CONFIGURED;
+        if (!part->of_group) part->serves = std::min(part->serves, block.virtual_disk);
+        if (block.state == HXSIM_STATE_REBUILDING ||
+            (block.target && IsCopiedBack(adapter, block.virtual_disk))) {
+            part->status |= HXSIM_DISK_REBUILDING;
         }
     }
-    for (const VirtualDisk& virtual_disk : machine.virtual_disks) {
-        if (Contains(virtual_disk.disks, disk.id)) {
-            return {HXSIM_DISK_ONLINE | HXSIM_DISK_CONFIGURED, virtual_disk.id, nullptr};
-        }
+    constexpr HX_U8 kReserved =
+        HXSIM_DISK_UNAVAILABLE | HXSIM_DISK_GLOBAL_SPARE | HXSIM_DISK_GROUP_SPARE;
+    for (Part& part : parts_) {
+        if (part.of_group || (part.status & kReserved) != 0) part.free = 0;
     }
-    if (disk.global_spare) return {HXSIM_DISK_ONLINE | HXSIM_DISK_GLOBAL_SPARE, kNoId, nullptr};
-    return {HXSIM_DISK_ONLINE, kNoId, nullptr};
+}
+
+const Part& Parts::Of(const Disk& disk) const {
+    return parts_[static_cast<std::size_t>(&disk - adapter_.disks.data())];
+}
+
+bool IsListed(const Disk& disk, const Part& part) {
+    return disk.present || (part.status & HXSIM_DISK_CONFIGURED) != 0;
+}
+
+const Disk* FindListed(const Adapter& adapter, HX_U16 id) {
+    const Disk* const disk = Find(adapter.disks, id);
+    if (disk == nullptr) return nullptr;
+    return disk->present || IsConfigured(adapter, id) ? disk : nullptr;
+}
+
+Disk* FindListed(Adapter& adapter, HX_U16 id) {
+    const Adapter& read_only = adapter;
+    return FindListed(read_only, id) == nullptr ? nullptr : Find(adapter.disks, id);
+}
+
+void DropContents(Adapter& adapter, HX_U16 disk) {
+    ResetDisk(adapter, disk);
+    for (Home& home : adapter.homes) {
+        if (home.disk == disk) home.disk = kNoId;
+    }
+    std::vector<HX_U16> gone;
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        if (!each.foreign) continue;
+        const auto is_left = [&](const Block& block) { return block.virtual_disk == each.id; };
+        if (std::ranges::none_of(adapter.blocks, is_left)) gone.push_back(each.id);
+    }
+    for (const HX_U16 virtual_disk : gone) DropForeign(adapter, virtual_disk);
 }
 
 }  // namespace hxsim
@@ -102,96 +200,111 @@ Part PartOf(HX_U8 adapter, const Disk& disk) {
 // ---- Lists ----
 
 HX_U8 HX_PD_GetHDInfo(HX_U8 AdapterID, HD_Info_Request* request) {
-    return hxsim::List(AdapterID, request, &HD_Info_Request::hdInfo, hxsim::kDisks,
-                       hxsim::DescribeDisk);
+    return hxsim::ListDisks(__func__, AdapterID, request, &HD_Info_Request::hdInfo,
+                            hxsim::DescribeDisk);
 }
 
 // What the plain call cannot number, no adapter here has.
 HX_U8 HX_PD_GetHDInfo_Ext(HX_U8 AdapterID, HD_Info_Request* request) {
-    return HX_PD_GetHDInfo(AdapterID, request);
+    return hxsim::ListDisks(__func__, AdapterID, request, &HD_Info_Request::hdInfo,
+                            hxsim::DescribeDisk);
 }
 
 HX_U8 HX_PD_GetFreeSpaceInfo(HX_U8 AdapterID, HD_FreeSpaceInfo_Request* request) {
-    return hxsim::List(AdapterID, request, &HD_FreeSpaceInfo_Request::hdFreeSpaceInfo,
-                       hxsim::kDisks, hxsim::DescribeFreeSpace);
+    return hxsim::ListDisks(__func__, AdapterID, request,
+                            &HD_FreeSpaceInfo_Request::hdFreeSpaceInfo, hxsim::DescribeFreeSpace);
 }
 
 HX_U8 HX_PD_GetConfig(HX_U8 AdapterID, HD_Config_Request* request) {
-    return hxsim::List(AdapterID, request, &HD_Config_Request::hdConfig, hxsim::kDisks,
-                       hxsim::DescribeSettings);
+    return hxsim::ListDisks(__func__, AdapterID, request, &HD_Config_Request::hdConfig,
+                            hxsim::DescribeSettings);
 }
 
 HX_U8 HX_PD_GetBGAStatus(HX_U8 AdapterID, HD_BGA_Status_Request* request) {
-    return hxsim::List(AdapterID, request, &HD_BGA_Status_Request::hdBgaStatus, hxsim::kDisks,
-                       hxsim::DescribeActivity);
+    return hxsim::ListDisks(__func__, AdapterID, request, &HD_BGA_Status_Request::hdBgaStatus,
+                            hxsim::DescribeActivity);
 }
 
 HX_U8 HX_PD_GetSmartStatus(HX_U8 AdapterID, HD_SMART_Status_Request* request) {
-    return hxsim::List(AdapterID, request, &HD_SMART_Status_Request::hdSmartStatus, hxsim::kDisks,
-                       hxsim::DescribeSmart);
+    return hxsim::ListDisks(__func__, AdapterID, request, &HD_SMART_Status_Request::hdSmartStatus,
+                            hxsim::DescribeSmart);
 }
 
 HX_U8 HX_PD_GetHDRaidStatus(HX_U8 AdapterID, HD_RAID_Status_Request* request) {
-    return hxsim::List(AdapterID, request, &HD_RAID_Status_Request::hdRaidStatus, hxsim::kDisks,
-                       hxsim::DescribePart);
+    return hxsim::ListDisks(__func__, AdapterID, request, &HD_RAID_Status_Request::hdRaidStatus,
+                            hxsim::DescribePart);
 }
 
 // ---- One disk ----
 
 HX_U8 HX_PD_RCT_GetCount(HX_U8 AdapterID, HX_U16 HD_ID, HX_U32* count) {
-    if (const HX_U8 status = hxsim::CheckAdapter(AdapterID); status != HX_SUCCESS) return status;
-    if (count == nullptr) return HXSIM_NULL_ADDRESS;
-    const hxsim::Disk* const disk = hxsim::Find(AdapterID, hxsim::kDisks, HD_ID);
-    if (disk == nullptr) return HXSIM_NO_DISK;
-    *count = static_cast<HX_U32>(disk->remapped.size());
-    return HX_SUCCESS;
+    return hxsim::Look(__func__, AdapterID,
+                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+                           if (count == nullptr) return HXSIM_NULL_ADDRESS;
+                           if (hxsim::FindListed(adapter, HD_ID) == nullptr) return HXSIM_NO_DISK;
+                           *count = static_cast<HX_U32>(hxsim::RemapsOf(adapter, HD_ID).size());
+                           if (hxsim::IsHostile()) hxsim::SpoilRecord(count, sizeof *count);
+                           return HX_SUCCESS;
+                       });
 }
 
 HX_U8 HX_PD_GetRCT(HX_U8 AdapterID, HX_U16 HD_ID, RCT_Record* records, HX_U32 count) {
-    if (const HX_U8 status = hxsim::CheckAdapter(AdapterID); status != HX_SUCCESS) return status;
-    if (records == nullptr && count != 0) return HXSIM_NULL_ADDRESS;
-    const hxsim::Disk* const disk = hxsim::Find(AdapterID, hxsim::kDisks, HD_ID);
-    if (disk == nullptr) return HXSIM_NO_DISK;
-    if (count > disk->remapped.size()) return HXSIM_BAD_COUNT;
-    std::ranges::copy(disk->remapped.first(count), records);
-    return HX_SUCCESS;
+    return hxsim::Look(__func__, AdapterID,
+                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+                           if (records == nullptr && count != 0) return HXSIM_NULL_ADDRESS;
+                           if (hxsim::FindListed(adapter, HD_ID) == nullptr) return HXSIM_NO_DISK;
+                           const auto remaps = hxsim::RemapsOf(adapter, HD_ID);
+                           if (count > remaps.size()) return HXSIM_BAD_COUNT;
+                           std::ranges::transform(remaps.first(count), records, hxsim::RecordOf);
+                           if (hxsim::IsHostile())
+                               hxsim::SpoilRecord(records, count * sizeof *records);
+                           return HX_SUCCESS;
+                       });
 }
 
 HX_U8 HX_LocateArrayDevice(HX_U8 AdapterID, HX_U8 deviceType, HX_U16 deviceId, HX_U8 ledStatus) {
-    if (const HX_U8 status = hxsim::CheckAdapter(AdapterID); status != HX_SUCCESS) return status;
-    if (deviceType != HXSIM_DEVICE_DISK) return HXSIM_NO_LIGHT;
-    const hxsim::Disk* const disk = hxsim::Find(AdapterID, hxsim::kDisks, deviceId);
-    if (disk == nullptr) return HXSIM_NO_DISK;
-    if (ledStatus > 1) return HXSIM_BAD_ACTION;
-    hxsim::LocateLight(AdapterID, *disk) = ledStatus;
-    return HX_SUCCESS;
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+        if (deviceType != HXSIM_DEVICE_DISK) return HXSIM_NO_LIGHT;
+        hxsim::Disk* const disk = hxsim::FindListed(adapter, deviceId);
+        if (disk == nullptr) return HXSIM_NO_DISK;
+        if (ledStatus > 1) return HXSIM_BAD_ACTION;
+        disk->locate_light = ledStatus != 0;
+        return HX_SUCCESS;
+    });
 }
 
 // ---- Several disks ----
 
 HX_U8 HX_PD_GetMBRInfo(HX_U8 AdapterID, HD_MBR_Info* info) {
-    if (const HX_U8 status = hxsim::CheckAdapter(AdapterID); status != HX_SUCCESS) return status;
-    if (info == nullptr) return HXSIM_NULL_ADDRESS;
-    if (info->HDCount > HX_MAX_HDS) return HXSIM_BAD_COUNT;
-    const std::span asked(info->HDIDs, info->HDCount);
-    const auto is_missing = [&](HX_U16 id) {
-        return hxsim::Find(AdapterID, hxsim::kDisks, id) == nullptr;
-    };
-    if (std::ranges::any_of(asked, is_missing)) return HXSIM_NO_DISK;
-    std::ranges::transform(asked, info->hasMBR, [&](HX_U16 id) {
-        return HX_BOOLEAN{hxsim::Find(AdapterID, hxsim::kDisks, id)->has_mbr};
-    });
-    return HX_SUCCESS;
+    return hxsim::Look(__func__, AdapterID,
+                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+                           if (info == nullptr) return HXSIM_NULL_ADDRESS;
+                           if (info->HDCount > HX_MAX_HDS) return HXSIM_BAD_COUNT;
+                           const std::span asked(info->HDIDs, info->HDCount);
+                           const auto is_missing = [&](HX_U16 id) {
+                               return hxsim::FindListed(adapter, id) == nullptr;
+                           };
+                           if (std::ranges::any_of(asked, is_missing)) return HXSIM_NO_DISK;
+                           std::ranges::transform(asked, info->hasMBR, [&](HX_U16 id) {
+                               const hxsim::Disk& disk = *hxsim::Find(adapter.disks, id);
+                               return HX_BOOLEAN{hxsim::Answers(disk) && disk.has_mbr};
+                           });
+                           return HX_SUCCESS;
+                       });
 }
 
 HX_U8 HX_DiskHasOS(HX_U8 AdapterID, HX_U8 kind, HX_U8 count, const HX_U16* HDIDs) {
-    if (const HX_U8 status = hxsim::CheckAdapter(AdapterID); status != HX_SUCCESS) return status;
-    if (HDIDs == nullptr && count != 0) return HXSIM_NULL_ADDRESS;
-    if (kind != 1) return HXSIM_BAD_ACTION;
-    for (const HX_U16 id : std::span(HDIDs, count)) {
-        const hxsim::Disk* const disk = hxsim::Find(AdapterID, hxsim::kDisks, id);
-        if (disk == nullptr) return HXSIM_NO_DISK;
-        if (disk->has_system) return HXSIM_HOLDS_SYSTEM;
-    }
-    return HX_SUCCESS;
+    return hxsim::Look(__func__, AdapterID,
+                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+                           if (HDIDs == nullptr && count != 0) return HXSIM_NULL_ADDRESS;
+                           if (kind != 1) return HXSIM_BAD_ACTION;
+                           for (const HX_U16 id : std::span(HDIDs, count)) {
+                               const hxsim::Disk* const disk = hxsim::FindListed(adapter, id);
+                               if (disk == nullptr) return HXSIM_NO_DISK;
+                               if (hxsim::Answers(*disk) && disk->has_system) {
+                                   return HXSIM_HOLDS_SYSTEM;
+                               }
+                           }
+                           return HX_SUCCESS;
+                       });
 }

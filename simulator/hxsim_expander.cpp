@@ -8,11 +8,11 @@
 namespace hxsim {
 namespace {
 
-void DescribeExpander(HX_U8 adapter, const Expander& expander, Exp_Info& info) {
+void DescribeExpander(const Adapter& adapter, const Expander& expander, Time, Exp_Info& info) {
     info.Link = LinkOf(adapter, expander);
-    info.AdapterID = adapter;
+    info.AdapterID = adapter.id;
     info.RouteTableConfigurable = 1;
-    info.PhyCount = expander.phys;
+    info.PhyCount = expander.phy_count;
     info.ExpChangeCount = expander.changes;
     info.MaxRouteIndexes = expander.route_indexes;
     SetPaddedText(info.VendorID, expander.vendor, 8);
@@ -23,9 +23,10 @@ void DescribeExpander(HX_U8 adapter, const Expander& expander, Exp_Info& info) {
     info.ComponentRevisionID = expander.component_revision;
 }
 
-void DescribePortMultiplier(HX_U8 adapter, const PortMultiplier& port_multiplier, PM_Info& info) {
+void DescribePortMultiplier(const Adapter& adapter, const PortMultiplier& port_multiplier, Time,
+                            PM_Info& info) {
     info.Link = LinkOf(adapter, port_multiplier);
-    info.AdapterID = adapter;
+    info.AdapterID = adapter.id;
     info.ProductRevision = port_multiplier.revision;
     info.PMSpecRevision = port_multiplier.standards;
     info.NumberOfPorts = port_multiplier.ports;
@@ -37,11 +38,12 @@ void DescribePortMultiplier(HX_U8 adapter, const PortMultiplier& port_multiplier
 }  // namespace hxsim
 
 HX_U8 HX_PD_GetExpanderInfo(HX_U8 AdapterID, Exp_Info_Request* request) {
-    return hxsim::List(AdapterID, request, &Exp_Info_Request::expInfo, hxsim::kExpanders,
-                       hxsim::DescribeExpander);
+    return hxsim::List(__func__, AdapterID, request, &Exp_Info_Request::expInfo,
+                       &hxsim::Adapter::expanders, HXSIM_NO_EXPANDER, hxsim::DescribeExpander);
 }
 
 HX_U8 HX_PD_GetPMInfo(HX_U8 AdapterID, PM_Info_Request* request) {
-    return hxsim::List(AdapterID, request, &PM_Info_Request::pmInfo, hxsim::kPortMultipliers,
+    return hxsim::List(__func__, AdapterID, request, &PM_Info_Request::pmInfo,
+                       &hxsim::Adapter::port_multipliers, HXSIM_NO_PORT_MULTIPLIER,
                        hxsim::DescribePortMultiplier);
 }

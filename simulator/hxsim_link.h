@@ -2,22 +2,31 @@
 #ifndef HXSIM_LINK_H
 #define HXSIM_LINK_H
 
+#include <cstdint>
+
 #include "hxraid.h"
 #include "hxraid_codes.h"
 #include "hxsim_machine.h"
 
 namespace hxsim {
 
-/// The world wide name of a device, most significant byte first. `port` is 0 for the device itself,
-/// and from 1 on for its ports or phys.
-void SetWorldWideName(HX_U8 (&name)[8], HxsimDevice kind, HX_U8 adapter, HX_U16 id, unsigned port);
+/// The world wide name that a device has from its place in the machine. `port` is 0 for the device
+/// itself, and from 1 on for its ports or phys.
+std::uint64_t WorldWideName(HxsimDevice kind, HX_U8 adapter, HX_U16 id, unsigned port);
+
+/// The world wide name of a disk that has come into the machine later; no device that the machine
+/// was made with, and no disk of another adapter, has one of these. `drawn` is any number.
+std::uint64_t WorldWideNameOfNewDisk(HX_U8 adapter, HX_U16 drawn);
+
+/// Writes a world wide name, most significant byte first.
+void SetWorldWideName(HX_U8 (&field)[8], std::uint64_t name);
 
 /// Both ends of a device's link. A SATA device has no SAS address of its own; an expander lends it
 /// one, and without an expander it is zero.
-Link_Entity LinkOf(HX_U8 adapter, const Disk& disk);
-Link_Entity LinkOf(HX_U8 adapter, const Expander& expander);
-Link_Entity LinkOf(HX_U8 adapter, const PortMultiplier& port_multiplier);
-Link_Entity LinkOf(HX_U8 adapter, const Enclosure& enclosure);
+Link_Entity LinkOf(const Adapter& adapter, const Disk& disk);
+Link_Entity LinkOf(const Adapter& adapter, const Expander& expander);
+Link_Entity LinkOf(const Adapter& adapter, const PortMultiplier& port_multiplier);
+Link_Entity LinkOf(const Adapter& adapter, const Enclosure& enclosure);
 
 }  // namespace hxsim
 

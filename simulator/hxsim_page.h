@@ -17,6 +17,9 @@ namespace hxsim {
 /// nobody asked for. Stays inside the header and `bytes` bytes of records.
 void Spoil(RequestHeader& header, void* records, std::size_t bytes);
 
+/// What broken firmware does to records that no header counts. Stays inside `bytes` bytes.
+void SpoilRecord(void* record, std::size_t bytes);
+
 /// Answers a list request with some of the adapter's rows, which ascend by ID.
 ///
 /// `rows` is the list in the adapter, `is_listed(adapter, row)` says which of them a caller sees,
