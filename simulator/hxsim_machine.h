@@ -140,7 +140,8 @@ struct DiskGroup {
     HX_U8 state = HXSIM_STATE_OPTIMAL;  // as last announced
 };
 
-/// A background activity. At most one is there for a virtual disk, a disk or a disk group.
+/// A background activity. At most one is there for a virtual disk, a disk or a disk group, besides
+/// a migration that waits while its virtual disk is rebuilt.
 struct Activity {
     HX_U16 id = 0;
     HX_U8 kind = 0;  // HxsimActivity
@@ -161,7 +162,10 @@ struct Activity {
     Sectors size = 0;
 };
 
-/// A remapped run of a disk's sectors.
+inline constexpr HX_U8 kNotRemapped = 0;  // Remap::reason: damaged, and nobody has met it yet
+
+/// A remapped run of a disk's sectors, or a damaged one that a media patrol or a check will meet and
+/// remap. The latter is not in the remap table that callers see.
 struct Remap {
     HX_U16 disk = 0;
     Sectors lba = 0;
