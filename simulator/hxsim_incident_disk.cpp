@@ -1,0 +1,293 @@
+// What happens to disks from outside: they fail, are pulled out, put in and replaced.
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include "hxsim_activity.h"
+#include "hxsim_battery.h"
+#include "hxsim_disk.h"
+#include "hxsim_event.h"
+#include "hxsim_incident.h"
+#include "hxsim_link.h"
+#include "hxsim_redundancy.h"
+
+namespace hxsim {
+namespace {
+
+// Runs that a disk can remap.
+constexpr std::size_t kRemapRoom = 64;
+constexpr std::size_t kRemapWarning = kRemapRoom * 8 / 10;
+
+Outcome Refused(HX_U16 disk, const std::string& rest) {
+    return {"Disk " + std::to_string(disk) + ' ' + rest};
+}
+
+Outcome NoSuchDisk(HX_U16 disk) {
+    return Refused(disk, "has no place in this adapter; take one that show lists.");
+}
+
+Outcome NotThere(HX_U16 disk) { return Refused(disk, "is not there; insert or replace it first."); }
+
+Outcome HasFailed(HX_U16 disk) { return Refused(disk, "has failed; replace it."); }
+
+// A generator whose whole state is one number, as a machine keeps it.
+std::uint64_t Draw(std::uint64_t& state) {
+    state += 0x9E3779B97F4A7C15;
+    std::uint64_t drawn = state;
+    drawn = (drawn ^ drawn >> 30) * 0xBF58476D1CE4E5B9;
+    drawn = (drawn ^ drawn >> 27) * 0x94D049BB133111EB;
+    return drawn ^ drawn >> 31;
+}
+
+// Whether a disk of the adapter has that serial number or world wide name.
+bool IsTaken(const Adapter& adapter, const std::string& serial) {
+    return std::ranges::find(adapter.disks, serial, &Disk::serial) != adapter.disks.end();
+}
+bool IsTaken(const Adapter& adapter, std::uint64_t wwn) {
+    return std::ranges::find(adapter.disks, wwn, &Disk::wwn) != adapter.disks.end();
+}
+
+// A serial number of the series that the old one is of.
+std::string NewSerial(const Adapter& adapter, const std::string& old, std::uint64_t& random) {
+    constexpr std::string_view kDigits = "0123456789ABCDEFGHJKLMNPQRSTUVWXYZ";
+    constexpr std::size_t kDrawn = 6;
+    const std::string series = old.substr(0, 4);
+    std::string serial;
+    do {
+        serial = series;
+        std::uint64_t drawn = Draw(random);
+        for (std::size_t i = 0; i < kDrawn; ++i) {
+            serial += kDigits[drawn % kDigits.size()];
+            drawn /= kDigits.size();
+        }
+    } while (IsTaken(adapter, serial));
+    return serial;
+}
+
+std::uint64_t NewWorldWideName(const Adapter& adapter, std::uint64_t& random) {
+    std::uint64_t wwn = 0;
+    do {
+        wwn = WorldWideNameOfNewDisk(adapter.id, static_cast<HX_U16>(Draw(random) >> 48));
+    } while (IsTaken(adapter, wwn));
+    return wwn;
+}
+
+void EndActivityOf(Adapter& adapter, Time now, HX_U16 disk) {
+    const Activity* const activity = ActivityOf(adapter, Owner::kDisk, disk);
+    if (activity != nullptr) Fail(adapter, now, activity->id);
+}
+
+std::array<HX_U32, 4> AddressAnd(Sectors lba, HX_U32 third, HX_U32 fourth) {
+    return {static_cast<HX_U32>(lba >> 32), static_cast<HX_U32>(lba), third, fourth};
+}
+
+// The disk puts another sector in the place of a bad one, as long as it has some left.
+bool Reassign(Adapter& adapter, Time now, HX_U16 disk, Sectors lba) {
+    const auto used =
+        static_cast<std::size_t>(std::ranges::count(adapter.remaps, disk, &Remap::disk));
+    if (used >= kRemapRoom) {
+        Queue(adapter, now, kRemapTableFull, disk);
+        return false;
+    }
+    const Remap remap{disk, lba, 1, HXSIM_REMAP_READ_ERROR};
+    const auto at =
+        std::ranges::lower_bound(adapter.remaps, std::tuple(disk, lba), {},
+                                 [](const Remap& each) { return std::tuple(each.disk, each.lba); });
+    adapter.remaps.insert(at, remap);
+    Queue(adapter, now, kSectorReassigned, disk);
+    Queue(adapter, now, kRemapAdded, disk, AddressAnd(lba, remap.sectors, remap.reason));
+    if (used + 1 == kRemapRoom) {
+        Queue(adapter, now, kRemapTableFull, disk);
+    } else if (used < kRemapWarning && used + 1 >= kRemapWarning) {
+        Queue(adapter, now, kRemapTable80Full, disk);
+    }
+    return true;
+}
+
+const Block* ContentAt(const Adapter& adapter, HX_U16 disk, Sectors lba) {
+    const auto found = std::ranges::find_if(adapter.blocks, [&](const Block& block) {
+        return block.disk == disk && block.virtual_disk != kNoVirtualDisk && !block.target &&
+               block.start <= lba && lba - block.start < block.sectors;
+    });
+    return found == adapter.blocks.end() ? nullptr : &*found;
+}
+
+// What was in the sector is made again of what the other disks hold, where they hold enough.
+bool CanBeMadeAgain(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    const HX_U8 state = StateOf(adapter, virtual_disk);
+    return virtual_disk.level != 0 &&
+           (state == HXSIM_STATE_OPTIMAL || state == HXSIM_STATE_PARTIALLY_OPTIMAL);
+}
+
+bool IsRemapped(const Adapter& adapter, HX_U16 disk, Sectors lba) {
+    return std::ranges::any_of(adapter.remaps, [&](const Remap& remap) {
+        return remap.disk == disk && remap.lba <= lba && lba - remap.lba < remap.sectors;
+    });
+}
+
+}  // namespace
+
+Outcome FailDisk(Adapter& adapter, Time now, HX_U16 disk) {
+    Disk* const row = Find(adapter.disks, disk);
+    if (row == nullptr) return NoSuchDisk(disk);
+    if (!row->present) return NotThere(disk);
+    if (row->failed) return HasFailed(disk);
+    row->failed = true;
+    Queue(adapter, now, kDiskSetDown, disk);
+    return {};
+}
+
+Outcome RemoveDisk(Adapter& adapter, Time now, HX_U16 disk) {
+    Disk* const row = Find(adapter.disks, disk);
+    if (row == nullptr) return NoSuchDisk(disk);
+    if (!row->present) return NotThere(disk);
+    row->present = false;
+    row->locate_light = false;
+    Queue(adapter, now, kDiskOffline, disk);
+    return {};
+}
+
+Outcome InsertDisk(Adapter& adapter, Time now, HX_U16 disk) {
+    Disk* const row = Find(adapter.disks, disk);
+    if (row == nullptr) return NoSuchDisk(disk);
+    if (row->present) return Refused(disk, "is there already; remove it first.");
+    row->present = true;
+    // What has been set offline or given up is so wherever it is put.
+    if (row->failed) {
+        Queue(adapter, now, kDiskSetDown, disk);
+    } else if (!row->offline) {
+        Queue(adapter, now, kDiskOnline, disk);
+    }
+    return {};
+}
+
+Outcome ReplaceDisk(Adapter& adapter, Time now, HX_U16 disk, std::uint64_t& random, bool foreign) {
+    Disk* const row = Find(adapter.disks, disk);
+    if (row == nullptr) return NoSuchDisk(disk);
+    if (row->present && !row->failed) Queue(adapter, now, kDiskOffline, disk);
+    EndActivityOf(adapter, now, disk);
+    DropContents(adapter, disk);
+    std::erase_if(adapter.remaps, [&](const Remap& remap) { return remap.disk == disk; });
+
+    Disk fresh;
+    static_cast<Attachment&>(fresh) = *row;
+    fresh.id = disk;
+    fresh.enclosure = row->enclosure;
+    fresh.slot = row->slot;
+    fresh.model = row->model;
+    fresh.firmware = row->firmware;
+    fresh.serial = NewSerial(adapter, row->serial, random);
+    fresh.wwn = NewWorldWideName(adapter, random);
+    fresh.sectors = row->sectors;
+    fresh.sas = row->sas;
+    fresh.speed = row->speed;
+    fresh.foreign = foreign;
+    *row = std::move(fresh);
+    Queue(adapter, now, kDiskOnline, disk);
+    return {};
+}
+
+Outcome TripSmart(Adapter& adapter, Time now, HX_U16 disk) {
+    Disk* const row = Find(adapter.disks, disk);
+    if (row == nullptr) return NoSuchDisk(disk);
+    if (!row->present) return NotThere(disk);
+    if (row->failed) return HasFailed(disk);
+    if (row->smart_exceeded) {
+        return Refused(disk, "is over its SMART threshold already; replace it.");
+    }
+    row->smart_exceeded = true;
+    if (row->smart_on && adapter.config.PollSMARTStatus != 0) {
+        Queue(adapter, now, kSmartThresholdOver, disk);
+    }
+    return {};
+}
+
+Outcome DamageSector(Adapter& adapter, Time now, HX_U16 disk, Sectors lba) {
+    const Disk* const row = Find(adapter.disks, disk);
+    if (row == nullptr) return NoSuchDisk(disk);
+    if (!row->present) return NotThere(disk);
+    if (row->failed) return HasFailed(disk);
+    if (lba >= row->sectors) {
+        return Refused(disk, "ends before sector " + std::to_string(lba) + "; its last one is " +
+                                 std::to_string(row->sectors - 1) + '.');
+    }
+    if (IsRemapped(adapter, disk, lba)) {
+        return Refused(disk, "has remapped sector " + std::to_string(lba) +
+                                 " already; take one that is in use.");
+    }
+    Queue(adapter, now, kDiskReadWriteError, disk);
+    const bool reassigned = Reassign(adapter, now, disk, lba);
+    const Block* const content = ContentAt(adapter, disk, lba);
+    VirtualDisk* const virtual_disk =
+        content == nullptr ? nullptr : Find(adapter.virtual_disks, content->virtual_disk);
+    if (virtual_disk == nullptr) return {};
+    if (reassigned && CanBeMadeAgain(adapter, *virtual_disk)) {
+        Queue(adapter, now, kDiskErrorFixed, disk);
+        return {};
+    }
+    // A check finds the stripe.
+    if (virtual_disk->level != 0) ++virtual_disk->errors;
+    Queue(adapter, now, kInconsistentAddress, virtual_disk->id, AddressAnd(lba, 0, 0));
+    return {};
+}
+
+namespace {
+
+// What was held back in the cache, and is written nowhere now, leaves a stripe half written.
+bool LosesWhatIsCached(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    return (virtual_disk.cache & HXSIM_CACHE_WRITE_BACK) != 0 && !AllowsWriteBack(adapter) &&
+           !ForcesWriteThrough(adapter) && virtual_disk.initialised && !virtual_disk.foreign &&
+           virtual_disk.level != 0 && StateOf(adapter, virtual_disk) != HXSIM_STATE_OFFLINE;
+}
+
+// What runs on a disk group goes over all of its virtual disks.
+void AnnounceRestart(Adapter& adapter, Time now, const Activity& activity) {
+    if (activity.state != HXSIM_ACTIVITY_RUNNING) return;
+    if (activity.of == Owner::kVirtualDisk) {
+        Queue(adapter, now, VirtualDiskStep(activity.kind, Step::kRestart), activity.owner);
+    } else if (activity.of == Owner::kDiskGroup) {
+        for (const VirtualDisk& each : adapter.virtual_disks) {
+            if (each.group != activity.owner) continue;
+            Queue(adapter, now, VirtualDiskStep(activity.kind, Step::kRestart), each.id);
+        }
+    } else if (activity.kind == HXSIM_ACTIVITY_MEDIA_PATROL) {
+        Queue(adapter, now, MediaPatrolStep(Step::kRestart), activity.owner);
+    }
+}
+
+// What a controller finds missing when it comes up.
+void AnnounceMissing(Adapter& adapter, Time now) {
+    for (const Disk& disk : adapter.disks) {
+        if (!disk.present && IsConfigured(adapter, disk.id)) {
+            Queue(adapter, now, kDiskMissingAtBoot, disk.id);
+        }
+    }
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        const HX_U8 state = StateOf(adapter, each);
+        if (state != HXSIM_STATE_OPTIMAL && state != HXSIM_STATE_FOREIGN) {
+            Queue(adapter, now, kVirtualDiskMissesDisks, each.id);
+        }
+    }
+    const bool battery_missing = std::ranges::any_of(
+        adapter.batteries, [](const Battery& battery) { return !battery.present; });
+    if (battery_missing) Queue(adapter, now, kBatteryNotPresent, 0);
+}
+
+}  // namespace
+
+void CutPower(Adapter& adapter, Time now) {
+    for (VirtualDisk& each : adapter.virtual_disks) {
+        if (LosesWhatIsCached(adapter, each)) ++each.errors;
+    }
+    const char(&serial)[20] = adapter.info.SerialNo;
+    const std::string_view text(serial, strnlen(serial, sizeof serial));
+    Queue(adapter, now, kAdapterFound, adapter.id, {}, text);
+    AnnounceMissing(adapter, now);
+    for (const Activity& activity : adapter.activities) AnnounceRestart(adapter, now, activity);
+}
+
+}  // namespace hxsim
