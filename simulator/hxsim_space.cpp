@@ -2,8 +2,11 @@
 #include "hxsim_space.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <stdexcept>
 #include <vector>
+
+#include "hxsim_migration.h"
 
 namespace hxsim {
 namespace {
@@ -12,7 +15,8 @@ bool IsFreeOn(const Block& block, HX_U16 disk) {
     return block.disk == disk && block.virtual_disk == kNoVirtualDisk;
 }
 
-Block* FreeBlockWith(Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors) {
+template <class AnyAdapter>
+auto FreeBlockWith(AnyAdapter& adapter, HX_U16 disk, Sectors start, Sectors sectors) {
     const auto found = std::ranges::find_if(adapter.blocks, [&](const Block& block) {
         return IsFreeOn(block, disk) && block.start <= start &&
                start + sectors <= block.start + block.sectors;
@@ -103,9 +107,38 @@ const Block* FirstFree(const Adapter& adapter, HX_U16 disk, Sectors sectors) {
     return first;
 }
 
-bool IsFullOfBlocks(const Adapter& adapter, HX_U16 disk) {
+bool IsFullOfBlocks(const Adapter& adapter, HX_U16 disk) { return !HasRoomFor(adapter, disk, 1); }
+
+bool HasRoomFor(const Adapter& adapter, HX_U16 disk, unsigned more) {
     const auto count = std::ranges::count(adapter.blocks, disk, &Block::disk);
-    return count >= adapter.info.MaxBlockPerPD;
+    const auto all = static_cast<std::size_t>(count) + TailsToCome(adapter, disk) + more;
+    return all <= adapter.info.MaxBlockPerPD;
+}
+
+HX_U8 CheckCut(const Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors) {
+    const Block* const free = FreeBlockWith(adapter, disk, start, sectors);
+    if (free == nullptr) return HXSIM_NO_SPACE;
+    const unsigned left = (free->start != start) + (free->start + free->sectors != start + sectors);
+    if (left != 0 && !HasRoomFor(adapter, disk, left)) return HXSIM_TOO_MANY_BLOCKS;
+    return HX_SUCCESS;
+}
+
+void Resize(Adapter& adapter, HX_U16 block, Sectors sectors) {
+    Block& found = *Find(adapter.blocks, block);
+    if (sectors > found.sectors) {
+        const Sectors more = sectors - found.sectors;
+        const HX_U16 tail =
+            Cut(adapter, found.disk, found.start + found.sectors, more, found.virtual_disk, 0).id;
+        std::erase_if(adapter.blocks, [&](const Block& each) { return each.id == tail; });
+        Find(adapter.blocks, block)->sectors = sectors;
+    } else if (sectors < found.sectors) {
+        const HX_U16 disk = found.disk;
+        const Sectors end = found.start + sectors;
+        const Sectors less = found.sectors - sectors;
+        found.sectors = sectors;
+        AddFree(adapter, disk, end, less);
+        JoinFree(adapter, disk);
+    }
 }
 
 Block& Cut(Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors, HX_U16 virtual_disk,

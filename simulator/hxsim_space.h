@@ -21,6 +21,17 @@ const Block* FirstFree(const Adapter& adapter, HX_U16 disk, Sectors sectors);
 /// something of a free one is one more, and one that takes all of it is not.
 bool IsFullOfBlocks(const Adapter& adapter, HX_U16 disk);
 
+/// Whether the disk can have so many blocks more, beside those that running migrations will make
+/// when they end.
+bool HasRoomFor(const Adapter& adapter, HX_U16 disk, unsigned more);
+
+/// Whether Cut can take these sectors: all of them lie in one free block, and what is left of that
+/// is not one block too many.
+HX_U8 CheckCut(const Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors);
+
+/// Makes a block longer (its next sectors are free) or shorter (they become free).
+void Resize(Adapter& adapter, HX_U16 block, Sectors sectors);
+
 /// Cuts `sectors` from sector `start` on out of a free block that holds them all, for a virtual
 /// disk's position. Returns the new block, which has the free one's ID; what is left of that has
 /// a new one. What the caller found before by pointer is void. Throws std::logic_error when no free
