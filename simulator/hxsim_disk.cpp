@@ -25,12 +25,15 @@ HX_U8 StatusOf(const Disk& disk) {
     return status;
 }
 
+bool IsKind(const Activity* activity, HX_U8 kind) {
+    return activity != nullptr && activity->kind == kind;
+}
+
 bool IsCopiedBack(const Adapter& adapter, HX_U16 virtual_disk) {
     const VirtualDisk* const row = Find(adapter.virtual_disks, virtual_disk);
     if (row == nullptr) return false;
     const auto runs_on = [&](Owner of, HX_U16 owner) {
-        const Activity* const activity = ActivityOf(adapter, of, owner);
-        return activity != nullptr && activity->kind == HXSIM_ACTIVITY_COPYBACK;
+        return IsKind(ActivityOf(adapter, of, owner), HXSIM_ACTIVITY_COPYBACK);
     };
     return runs_on(Owner::kVirtualDisk, row->id) ||
            (row->group != kNoId && runs_on(Owner::kDiskGroup, row->group));
@@ -98,17 +101,91 @@ void DescribePart(const Adapter&, const Disk& disk, const Part& part, Time,
     status.Status = part.status;
 }
 
-std::span<const Remap> RemapsOf(const Adapter& adapter, HX_U16 disk) {
-    const auto [first, last] = std::ranges::equal_range(adapter.remaps, disk, {}, &Remap::disk);
-    return {first, last};
+std::vector<RCT_Record> RemapTable(const Adapter& adapter, HX_U16 disk) {
+    std::vector<RCT_Record> table;
+    for (const Remap& remap : adapter.remaps) {
+        if (remap.disk != disk || remap.reason == kNotRemapped) continue;
+        RCT_Record& record = table.emplace_back();
+        record.lba.value = remap.lba;
+        record.sec = remap.sectors;
+        record.flag = remap.reason;
+    }
+    return table;
 }
 
-RCT_Record RecordOf(const Remap& remap) {
-    RCT_Record record{};
-    record.lba.value = remap.lba;
-    record.sec = remap.sectors;
-    record.flag = remap.reason;
-    return record;
+void FailWhatWrites(Adapter& adapter, Time now, Owner of, HX_U16 owner, bool target) {
+    const Activity* const activity = ActivityOf(adapter, of, owner);
+    if (IsKind(activity, target ? HXSIM_ACTIVITY_COPYBACK : HXSIM_ACTIVITY_REBUILD)) {
+        Fail(adapter, now, activity->id);
+    }
+    const Activity* const migration = MigrationOf(adapter, of, owner);
+    if (target && migration != nullptr) Fail(adapter, now, migration->id);
+}
+
+// A rebuild, copyback or migration whose blocks go away under it cannot go on.
+void EndWritesTo(Adapter& adapter, Time now, HX_U16 disk) {
+    std::vector<Block> written;
+    for (const Block& block : adapter.blocks) {
+        const bool is_written = block.target || block.state == HXSIM_STATE_REBUILDING;
+        if (block.disk == disk && is_written) written.push_back(block);
+    }
+    for (const Block& block : written) {
+        FailWhatWrites(adapter, now, Owner::kVirtualDisk, block.virtual_disk, block.target);
+        const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, block.virtual_disk);
+        if (virtual_disk == nullptr || virtual_disk->group == kNoId) continue;
+        FailWhatWrites(adapter, now, Owner::kDiskGroup, virtual_disk->group, block.target);
+    }
+}
+
+HX_U8 CountRemaps(const Adapter& adapter, HX_U16 disk, HX_U32* count) {
+    if (count == nullptr) return HXSIM_NULL_ADDRESS;
+    if (FindListed(adapter, disk) == nullptr) return HXSIM_NO_DISK;
+    *count = static_cast<HX_U32>(RemapTable(adapter, disk).size());
+    if (IsHostile()) SpoilRecord(count, sizeof *count);
+    return HX_SUCCESS;
+}
+
+HX_U8 CopyRemaps(const Adapter& adapter, HX_U16 disk, RCT_Record* records, HX_U32 count) {
+    if (records == nullptr && count != 0) return HXSIM_NULL_ADDRESS;
+    if (FindListed(adapter, disk) == nullptr) return HXSIM_NO_DISK;
+    const std::vector<RCT_Record> table = RemapTable(adapter, disk);
+    if (count > table.size()) return HXSIM_BAD_COUNT;
+    std::copy_n(table.begin(), count, records);
+    if (IsHostile() && count != 0) SpoilRecord(records, count * sizeof *records);
+    return HX_SUCCESS;
+}
+
+HX_U8 Locate(Adapter& adapter, HX_U8 kind, HX_U16 id, HX_U8 light) {
+    if (kind != HXSIM_DEVICE_DISK) return HXSIM_NO_LIGHT;
+    Disk* const disk = FindListed(adapter, id);
+    if (disk == nullptr) return HXSIM_NO_DISK;
+    if (light > 1) return HXSIM_BAD_ACTION;
+    disk->locate_light = light != 0;
+    return HX_SUCCESS;
+}
+
+HX_U8 FindBootRecords(const Adapter& adapter, HD_MBR_Info* info) {
+    if (info == nullptr) return HXSIM_NULL_ADDRESS;
+    if (info->HDCount > HX_MAX_HDS) return HXSIM_BAD_COUNT;
+    const std::span asked(info->HDIDs, info->HDCount);
+    const auto is_missing = [&](HX_U16 id) { return FindListed(adapter, id) == nullptr; };
+    if (std::ranges::any_of(asked, is_missing)) return HXSIM_NO_DISK;
+    std::ranges::transform(asked, info->hasMBR, [&](HX_U16 id) {
+        const Disk& disk = *Find(adapter.disks, id);
+        return HX_BOOLEAN{Answers(disk) && disk.has_mbr};
+    });
+    return HX_SUCCESS;
+}
+
+HX_U8 FindSystem(const Adapter& adapter, HX_U8 kind, HX_U8 count, const HX_U16* ids) {
+    if (ids == nullptr && count != 0) return HXSIM_NULL_ADDRESS;
+    if (kind != 1) return HXSIM_BAD_ACTION;
+    for (const HX_U16 id : std::span(ids, count)) {
+        const Disk* const disk = FindListed(adapter, id);
+        if (disk == nullptr) return HXSIM_NO_DISK;
+        if (Answers(*disk) && disk->has_system) return HXSIM_HOLDS_SYSTEM;
+    }
+    return HX_SUCCESS;
 }
 
 void DropForeign(Adapter& adapter, HX_U16 virtual_disk) {
@@ -181,7 +258,8 @@ Disk* FindListed(Adapter& adapter, HX_U16 id) {
     return FindListed(read_only, id) == nullptr ? nullptr : Find(adapter.disks, id);
 }
 
-void DropContents(Adapter& adapter, HX_U16 disk) {
+void DropContents(Adapter& adapter, Time now, HX_U16 disk) {
+    EndWritesTo(adapter, now, disk);
     ResetDisk(adapter, disk);
     for (Home& home : adapter.homes) {
         if (home.disk == disk) home.disk = kNoId;
@@ -238,73 +316,33 @@ HX_U8 HX_PD_GetHDRaidStatus(HX_U8 AdapterID, HD_RAID_Status_Request* request) {
 // ---- One disk ----
 
 HX_U8 HX_PD_RCT_GetCount(HX_U8 AdapterID, HX_U16 HD_ID, HX_U32* count) {
-    return hxsim::Look(__func__, AdapterID,
-                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
-                           if (count == nullptr) return HXSIM_NULL_ADDRESS;
-                           if (hxsim::FindListed(adapter, HD_ID) == nullptr) return HXSIM_NO_DISK;
-                           *count = static_cast<HX_U32>(hxsim::RemapsOf(adapter, HD_ID).size());
-                           if (hxsim::IsHostile()) hxsim::SpoilRecord(count, sizeof *count);
-                           return HX_SUCCESS;
-                       });
+    return hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) {
+        return hxsim::CountRemaps(adapter, HD_ID, count);
+    });
 }
 
 HX_U8 HX_PD_GetRCT(HX_U8 AdapterID, HX_U16 HD_ID, RCT_Record* records, HX_U32 count) {
-    return hxsim::Look(__func__, AdapterID,
-                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
-                           if (records == nullptr && count != 0) return HXSIM_NULL_ADDRESS;
-                           if (hxsim::FindListed(adapter, HD_ID) == nullptr) return HXSIM_NO_DISK;
-                           const auto remaps = hxsim::RemapsOf(adapter, HD_ID);
-                           if (count > remaps.size()) return HXSIM_BAD_COUNT;
-                           std::ranges::transform(remaps.first(count), records, hxsim::RecordOf);
-                           if (hxsim::IsHostile())
-                               hxsim::SpoilRecord(records, count * sizeof *records);
-                           return HX_SUCCESS;
-                       });
+    return hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) {
+        return hxsim::CopyRemaps(adapter, HD_ID, records, count);
+    });
 }
 
 HX_U8 HX_LocateArrayDevice(HX_U8 AdapterID, HX_U8 deviceType, HX_U16 deviceId, HX_U8 ledStatus) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
-        if (deviceType != HXSIM_DEVICE_DISK) return HXSIM_NO_LIGHT;
-        hxsim::Disk* const disk = hxsim::FindListed(adapter, deviceId);
-        if (disk == nullptr) return HXSIM_NO_DISK;
-        if (ledStatus > 1) return HXSIM_BAD_ACTION;
-        disk->locate_light = ledStatus != 0;
-        return HX_SUCCESS;
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time) {
+        return hxsim::Locate(adapter, deviceType, deviceId, ledStatus);
     });
 }
 
 // ---- Several disks ----
 
 HX_U8 HX_PD_GetMBRInfo(HX_U8 AdapterID, HD_MBR_Info* info) {
-    return hxsim::Look(__func__, AdapterID,
-                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
-                           if (info == nullptr) return HXSIM_NULL_ADDRESS;
-                           if (info->HDCount > HX_MAX_HDS) return HXSIM_BAD_COUNT;
-                           const std::span asked(info->HDIDs, info->HDCount);
-                           const auto is_missing = [&](HX_U16 id) {
-                               return hxsim::FindListed(adapter, id) == nullptr;
-                           };
-                           if (std::ranges::any_of(asked, is_missing)) return HXSIM_NO_DISK;
-                           std::ranges::transform(asked, info->hasMBR, [&](HX_U16 id) {
-                               const hxsim::Disk& disk = *hxsim::Find(adapter.disks, id);
-                               return HX_BOOLEAN{hxsim::Answers(disk) && disk.has_mbr};
-                           });
-                           return HX_SUCCESS;
-                       });
+    return hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) {
+        return hxsim::FindBootRecords(adapter, info);
+    });
 }
 
 HX_U8 HX_DiskHasOS(HX_U8 AdapterID, HX_U8 kind, HX_U8 count, const HX_U16* HDIDs) {
-    return hxsim::Look(__func__, AdapterID,
-                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
-                           if (HDIDs == nullptr && count != 0) return HXSIM_NULL_ADDRESS;
-                           if (kind != 1) return HXSIM_BAD_ACTION;
-                           for (const HX_U16 id : std::span(HDIDs, count)) {
-                               const hxsim::Disk* const disk = hxsim::FindListed(adapter, id);
-                               if (disk == nullptr) return HXSIM_NO_DISK;
-                               if (hxsim::Answers(*disk) && disk->has_system) {
-                                   return HXSIM_HOLDS_SYSTEM;
-                               }
-                           }
-                           return HX_SUCCESS;
-                       });
+    return hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) {
+        return hxsim::FindSystem(adapter, kind, count, HDIDs);
+    });
 }

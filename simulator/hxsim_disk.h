@@ -45,9 +45,9 @@ Disk* FindListed(Adapter& adapter, HX_U16 id);
 constexpr bool Answers(const Disk& disk) { return disk.present && !disk.failed; }
 
 /// Takes everything off a disk that it serves: its blocks become free, and the positions that lay
-/// on it are lost. A virtual disk of another controller, which only its disks know of, goes with
-/// the last of them.
-void DropContents(Adapter& adapter, HX_U16 disk);
+/// on it are lost. What was writing them fails. A virtual disk of another controller, which only
+/// its disks know of, goes with the last of them.
+void DropContents(Adapter& adapter, Time now, HX_U16 disk);
 
 /// List of disks. `describe(adapter, disk, part, now, record)` fills a record that is zero.
 template <class Request, class Record, class Describe>

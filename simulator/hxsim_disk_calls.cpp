@@ -36,7 +36,7 @@ HX_U8 SetFree(Adapter& adapter, Time now, Disk& disk) {
         if (disk.spare != Spare::kNone) return HXSIM_WRONG_STATE;
         if (!disk.offline) return HXSIM_NO_CHANGE;
     }
-    if (configured) DropContents(adapter, disk.id);
+    if (configured) DropContents(adapter, now, disk.id);
     MakeNoSpare(adapter, now, disk);
     disk.failed = disk.foreign = disk.offline = false;
     Queue(adapter, now, kDiskSetFree, disk.id);
@@ -94,7 +94,7 @@ HX_U8 WipeDisk(Adapter& adapter, Time now, HX_U16 id, bool force) {
     if (!Answers(*disk)) return HXSIM_DISK_NOT_READY;
     const bool configured = IsConfigured(adapter, id);
     if (configured && !force) return HXSIM_HOLDS_VIRTUAL_DISKS;
-    if (configured) DropContents(adapter, id);
+    if (configured) DropContents(adapter, now, id);
     MakeNoSpare(adapter, now, *disk);
     disk->foreign = false;
     return HX_SUCCESS;

@@ -85,21 +85,26 @@ std::array<HX_U32, 4> AddressAnd(Sectors lba, HX_U32 third, HX_U32 fourth) {
     return {static_cast<HX_U32>(lba >> 32), static_cast<HX_U32>(lba), third, fourth};
 }
 
+void InsertRemap(Adapter& adapter, const Remap& remap) {
+    const auto at =
+        std::ranges::lower_bound(adapter.remaps, std::tuple(remap.disk, remap.lba), {},
+                                 [](const Remap& each) { return std::tuple(each.disk, each.lba); });
+    adapter.remaps.insert(at, remap);
+}
+
 // The disk puts another sector in the place of a bad one, as long as it has some left.
 bool Reassign(Adapter& adapter, Time now, HX_U16 disk, Sectors lba) {
-    const auto used =
-        static_cast<std::size_t>(std::ranges::count(adapter.remaps, disk, &Remap::disk));
+    const auto is_used = [&](const Remap& remap) {
+        return remap.disk == disk && remap.reason != kNotRemapped;
+    };
+    const auto used = static_cast<std::size_t>(std::ranges::count_if(adapter.remaps, is_used));
     if (used >= kRemapRoom) {
         Queue(adapter, now, kRemapTableFull, disk);
         return false;
     }
-    const Remap remap{disk, lba, 1, HXSIM_REMAP_READ_ERROR};
-    const auto at =
-        std::ranges::lower_bound(adapter.remaps, std::tuple(disk, lba), {},
-                                 [](const Remap& each) { return std::tuple(each.disk, each.lba); });
-    adapter.remaps.insert(at, remap);
+    InsertRemap(adapter, {disk, lba, 1, HXSIM_REMAP_READ_ERROR});
     Queue(adapter, now, kSectorReassigned, disk);
-    Queue(adapter, now, kRemapAdded, disk, AddressAnd(lba, remap.sectors, remap.reason));
+    Queue(adapter, now, kRemapAdded, disk, AddressAnd(lba, 1, HXSIM_REMAP_READ_ERROR));
     if (used + 1 == kRemapRoom) {
         Queue(adapter, now, kRemapTableFull, disk);
     } else if (used < kRemapWarning && used + 1 >= kRemapWarning) {
@@ -116,6 +121,13 @@ const Block* ContentAt(const Adapter& adapter, HX_U16 disk, Sectors lba) {
     return found == adapter.blocks.end() ? nullptr : &*found;
 }
 
+// Whether the host reads what the virtual disk has on the disk: the error is met at once. What
+// nobody reads waits for a media patrol or a check.
+bool IsRead(const Adapter& adapter, const Disk& disk, const VirtualDisk& virtual_disk) {
+    const HX_U8 state = StateOf(adapter, virtual_disk);
+    return IsReady(disk) && state != HXSIM_STATE_OFFLINE && state != HXSIM_STATE_FOREIGN;
+}
+
 // What was in the sector is made again of what the other disks hold, where they hold enough.
 bool CanBeMadeAgain(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     const HX_U8 state = StateOf(adapter, virtual_disk);
@@ -123,7 +135,7 @@ bool CanBeMadeAgain(const Adapter& adapter, const VirtualDisk& virtual_disk) {
            (state == HXSIM_STATE_OPTIMAL || state == HXSIM_STATE_PARTIALLY_OPTIMAL);
 }
 
-bool IsRemapped(const Adapter& adapter, HX_U16 disk, Sectors lba) {
+bool IsKnownBad(const Adapter& adapter, HX_U16 disk, Sectors lba) {
     return std::ranges::any_of(adapter.remaps, [&](const Remap& remap) {
         return remap.disk == disk && remap.lba <= lba && lba - remap.lba < remap.sectors;
     });
@@ -170,7 +182,7 @@ Outcome ReplaceDisk(Adapter& adapter, Time now, HX_U16 disk, std::uint64_t& rand
     if (row == nullptr) return NoSuchDisk(disk);
     if (row->present && !row->failed) Queue(adapter, now, kDiskOffline, disk);
     EndActivityOf(adapter, now, disk);
-    DropContents(adapter, disk);
+    DropContents(adapter, now, disk);
     std::erase_if(adapter.remaps, [&](const Remap& remap) { return remap.disk == disk; });
 
     Disk fresh;
@@ -215,16 +227,19 @@ Outcome DamageSector(Adapter& adapter, Time now, HX_U16 disk, Sectors lba) {
         return Refused(disk, "ends before sector " + std::to_string(lba) + "; its last one is " +
                                  std::to_string(row->sectors - 1) + '.');
     }
-    if (IsRemapped(adapter, disk, lba)) {
-        return Refused(disk, "has remapped sector " + std::to_string(lba) +
-                                 " already; take one that is in use.");
+    if (IsKnownBad(adapter, disk, lba)) {
+        return Refused(
+            disk, "has a damaged sector " + std::to_string(lba) + " already; take another one.");
     }
-    Queue(adapter, now, kDiskReadWriteError, disk);
-    const bool reassigned = Reassign(adapter, now, disk, lba);
     const Block* const content = ContentAt(adapter, disk, lba);
     VirtualDisk* const virtual_disk =
         content == nullptr ? nullptr : Find(adapter.virtual_disks, content->virtual_disk);
-    if (virtual_disk == nullptr) return {};
+    if (virtual_disk == nullptr || !IsRead(adapter, *row, *virtual_disk)) {
+        InsertRemap(adapter, {disk, lba, 1, kNotRemapped});
+        return {};
+    }
+    Queue(adapter, now, kDiskReadWriteError, disk);
+    const bool reassigned = Reassign(adapter, now, disk, lba);
     if (reassigned && CanBeMadeAgain(adapter, *virtual_disk)) {
         Queue(adapter, now, kDiskErrorFixed, disk);
         return {};
@@ -242,21 +257,6 @@ bool LosesWhatIsCached(const Adapter& adapter, const VirtualDisk& virtual_disk) 
     return (virtual_disk.cache & HXSIM_CACHE_WRITE_BACK) != 0 && !AllowsWriteBack(adapter) &&
            !ForcesWriteThrough(adapter) && virtual_disk.initialised && !virtual_disk.foreign &&
            virtual_disk.level != 0 && StateOf(adapter, virtual_disk) != HXSIM_STATE_OFFLINE;
-}
-
-// What runs on a disk group goes over all of its virtual disks.
-void AnnounceRestart(Adapter& adapter, Time now, const Activity& activity) {
-    if (activity.state != HXSIM_ACTIVITY_RUNNING) return;
-    if (activity.of == Owner::kVirtualDisk) {
-        Queue(adapter, now, VirtualDiskStep(activity.kind, Step::kRestart), activity.owner);
-    } else if (activity.of == Owner::kDiskGroup) {
-        for (const VirtualDisk& each : adapter.virtual_disks) {
-            if (each.group != activity.owner) continue;
-            Queue(adapter, now, VirtualDiskStep(activity.kind, Step::kRestart), each.id);
-        }
-    } else if (activity.kind == HXSIM_ACTIVITY_MEDIA_PATROL) {
-        Queue(adapter, now, MediaPatrolStep(Step::kRestart), activity.owner);
-    }
 }
 
 // What a controller finds missing when it comes up.
@@ -287,7 +287,11 @@ void CutPower(Adapter& adapter, Time now) {
     const std::string_view text(serial, strnlen(serial, sizeof serial));
     Queue(adapter, now, kAdapterFound, adapter.id, {}, text);
     AnnounceMissing(adapter, now);
-    for (const Activity& activity : adapter.activities) AnnounceRestart(adapter, now, activity);
+    for (const Activity& activity : adapter.activities) {
+        if (activity.state == HXSIM_ACTIVITY_RUNNING) {
+            Announce(adapter, now, activity, Step::kRestart);
+        }
+    }
 }
 
 }  // namespace hxsim
