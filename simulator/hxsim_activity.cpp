@@ -59,7 +59,7 @@ void Mark(Activity& activity, Time now) {
     activity.since = now;
 }
 
-void Pause(Adapter& adapter, Time now, Activity& activity, HxsimActivityState state, Step step) {
+void Stop(Adapter& adapter, Time now, Activity& activity, HxsimActivityState state, Step step) {
     Mark(activity, now);
     activity.state = state;
     Announce(adapter, now, activity, step);
@@ -179,9 +179,7 @@ HX_U8 Control(Adapter& adapter, Time now, Owner of, HX_U16 owner, HX_U8 action) 
     const HX_U8 state = activity->state;
     switch (action) {
         case HXSIM_CONTROL_PAUSE:
-            if (state == HXSIM_ACTIVITY_PAUSED) return HXSIM_NO_CHANGE;
-            Pause(adapter, now, *activity, HXSIM_ACTIVITY_PAUSED, Step::kPause);
-            return HX_SUCCESS;
+            return Pause(adapter, now, *activity);
         case HXSIM_CONTROL_RESUME:
             if (state == HXSIM_ACTIVITY_RUNNING) return HXSIM_NO_CHANGE;
             // What has made the controller pause it is still there.
@@ -194,8 +192,14 @@ HX_U8 Control(Adapter& adapter, Time now, Owner of, HX_U16 owner, HX_U8 action) 
     }
 }
 
+HX_U8 Pause(Adapter& adapter, Time now, Activity& activity) {
+    if (activity.state == HXSIM_ACTIVITY_PAUSED) return HXSIM_NO_CHANGE;
+    Stop(adapter, now, activity, HXSIM_ACTIVITY_PAUSED, Step::kPause);
+    return HX_SUCCESS;
+}
+
 void AutoPause(Adapter& adapter, Time now, Activity& activity) {
-    Pause(adapter, now, activity, HXSIM_ACTIVITY_AUTO_PAUSED, Step::kAutoPaused);
+    Stop(adapter, now, activity, HXSIM_ACTIVITY_AUTO_PAUSED, Step::kAutoPaused);
 }
 
 void AutoResume(Adapter& adapter, Time now, Activity& activity) {

@@ -40,6 +40,9 @@ Activity& Start(Adapter& adapter, Time now, Activity activity);
 /// HXSIM_NO_ACTIVITY, HXSIM_BAD_ACTION, HXSIM_WRONG_STATE or HXSIM_NO_CHANGE.
 HX_U8 Control(Adapter& adapter, Time now, Owner of, HX_U16 owner, HX_U8 action);
 
+/// Pauses an activity for a caller and announces it. Returns HXSIM_NO_CHANGE when it is paused.
+HX_U8 Pause(Adapter& adapter, Time now, Activity& activity);
+
 /// Pauses or resumes by the controller's own decision, and announces it.
 void AutoPause(Adapter& adapter, Time now, Activity& activity);
 void AutoResume(Adapter& adapter, Time now, Activity& activity);
