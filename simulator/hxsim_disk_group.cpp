@@ -1,109 +1,173 @@
-// The disk groups, and how large others could be.
-#include <algorithm>
+// The disk groups: what they are; how they are set and deleted.
+#include "hxsim_disk_group.h"
 
-#include "hxraid.h"
-#include "hxsim_adapter.h"
-#include "hxsim_capacity.h"
-#include "hxraid_codes.h"
+#include <algorithm>
+#include <iterator>
+#include <span>
+#include <vector>
+
+#include "hxsim_activity.h"
+#include "hxsim_event.h"
 #include "hxsim_level.h"
-#include "hxsim_library.h"
-#include "hxsim_machine.h"
+#include "hxsim_migration.h"
 #include "hxsim_page.h"
+#include "hxsim_plan.h"
+#include "hxsim_repair.h"
+#include "hxsim_session.h"
 #include "hxsim_text.h"
 #include "hxsim_virtual_disk.h"
 
 namespace hxsim {
 namespace {
 
-constexpr HX_U32 kSectorSize = 512;
-
-std::uint64_t SmallestDisk(HX_U8 adapter, const DiskGroup& group) {
-    std::uint64_t smallest = std::numeric_limits<std::uint64_t>::max();
-    for (const HX_U16 id : group.disks) {
-        smallest = std::min(smallest, UsableSectors(*Find(adapter, kDisks, id)));
-    }
-    return smallest;
-}
-
-std::uint64_t UsedSectors(HX_U8 adapter, const DiskGroup& group) {
-    std::uint64_t used = 0;
-    for (const VirtualDisk& virtual_disk : MachineOf(adapter).virtual_disks) {
-        if (virtual_disk.group == group.id) used += SizeOf(virtual_disk);
-    }
-    return used;
-}
-
-void DescribeDiskGroup(HX_U8 adapter, const DiskGroup& group, DG_Info& info) {
-    info.DGID = group.id;
-    SetText(info.Name, group.name);
-    info.RaidMode = group.level;
-    info.SubVDCount = group.legs;
-    info.NumParityDisk = ParityDisks(*FindLevel(group.level), group.legs);
-    info.AdapterID = adapter;
-    info.StripeBlockSize = group.stripe_kib;
-    info.BlockSize = kSectorSize;
-    const Plan plan{group.level, group.legs, group.stripe_kib, group.disks, 0};
-    info.SmallestAvailablePDSize.value = SmallestDisk(adapter, group);
-    info.TotalManagedSpace.value = DataSectors(plan, info.SmallestAvailablePDSize.value);
-    info.RemainingManagedSpace.value = info.TotalManagedSpace.value - UsedSectors(adapter, group);
-    info.Status = HXSIM_STATE_OPTIMAL;
-    for (const HX_U16 disk : group.disks) info.PDIDs[info.PDCount++] = disk;
+void DescribeSlots(const Adapter& adapter, const DiskGroup& group, DG_Info& info) {
     std::ranges::fill(info.VDIDs, kNoId);
-    for (const VirtualDisk& virtual_disk : MachineOf(adapter).virtual_disks) {
-        if (virtual_disk.group != group.id) continue;
-        info.VDSlotSize[info.VDSlotCount].value = SizeOf(virtual_disk);
-        info.VDIDs[info.VDSlotCount++] = virtual_disk.id;
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        if (each.group != group.id || each.slot >= HX_MAX_VD_SLOTS) continue;
+        ++info.VDSlotCount;
+        info.VDSlotSize[each.slot].value = each.size;
+        info.VDIDs[each.slot] = each.id;
     }
-    for (const HX_U16 disk : group.spares) info.SparePDIDs[info.SparePDCount++] = disk;
 }
 
-// The write cache is off, as it is on each of the disks.
-void DescribeSettings(HX_U8, const DiskGroup& group, DG_Config& config) {
+void DescribeSpares(const Adapter& adapter, const DiskGroup& group, DG_Info& info) {
+    for (const Disk& disk : adapter.disks) {
+        if (disk.spare != Spare::kGroup || disk.spare_group != group.id) continue;
+        if (info.SparePDCount == HX_MAX_DG_SPARES) break;
+        info.SparePDIDs[info.SparePDCount++] = disk.id;
+    }
+}
+
+// What is set is said of the group; its disks have it as long as they serve it.
+void DescribeSettings(const Adapter&, const DiskGroup& group, Time, DG_Config& config) {
     config.DGID = group.id;
+    config.WriteCacheOn = group.write_cache;
     SetText(config.Name, group.name);
 }
 
 }  // namespace
+
+DG_Info DescribeDiskGroup(const Adapter& adapter, const DiskGroup& group) {
+    DG_Info info{};
+    const Layout layout = LayoutOf(adapter, group);
+    info.DGID = group.id;
+    SetText(info.Name, group.name);
+    info.RaidMode = group.level;
+    info.SubVDCount = group.legs;
+    info.NumParityDisk = static_cast<HX_U8>(ParityDisks(*layout.level, group.legs));
+    info.AdapterID = adapter.id;
+    info.StripeBlockSize = group.stripe_kib;
+    info.BlockSize = kSectorSize;
+    info.TotalManagedSpace.value = ManagedSpace(adapter, layout);
+    // What one virtual disk more would get.
+    info.RemainingManagedSpace.value =
+        layout.Data(Longest(CommonFree(adapter, layout.disks)).sectors);
+    info.SmallestAvailablePDSize.value = SmallestDisk(adapter, layout.disks);
+    info.Status = group.state;
+    info.PDCount = layout.Width();
+    std::ranges::copy_n(layout.disks.begin(),
+                        std::min<std::ptrdiff_t>(layout.Width(), std::ssize(info.PDIDs)),
+                        info.PDIDs);
+    DescribeSlots(adapter, group, info);
+    DescribeSpares(adapter, group, info);
+    if (const Activity* const activity = ActivityOf(adapter, Owner::kDiskGroup, group.id)) {
+        info.BgaType = activity->kind;
+        info.BgaState = activity->state;
+    }
+    return info;
+}
+
+HX_U8 SetDiskGroup(Adapter& adapter, Time now, HX_U16 id, const DG_Config& config) {
+    DiskGroup* const group = Find(adapter.disk_groups, id);
+    if (group == nullptr) return HXSIM_NO_DISK_GROUP;
+    group->name = NameOf(config.Name);
+    group->write_cache = config.WriteCacheOn != 0;
+    for (const HX_U16 disk : DisksOf(adapter, Owner::kDiskGroup, id)) {
+        SetWriteCache(adapter, now, disk, group->write_cache);
+    }
+    return HX_SUCCESS;
+}
+
+HX_U8 DeleteDiskGroup(Adapter& adapter, Time now, HX_U16 id) {
+    if (Find(adapter.disk_groups, id) == nullptr) return HXSIM_NO_DISK_GROUP;
+    while (const Activity* const activity = ActivityOf(adapter, Owner::kDiskGroup, id)) {
+        Abort(adapter, now, activity->id);
+    }
+    std::vector<HX_U16> members;
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        if (each.group == id) members.push_back(each.id);
+    }
+    for (const HX_U16 member : members) RemoveVirtualDisk(adapter, now, member);
+    DropHomes(adapter, Owner::kDiskGroup, id);
+    std::erase_if(adapter.disk_groups, [&](const DiskGroup& each) { return each.id == id; });
+    for (Disk& disk : adapter.disks) {
+        if (disk.spare_before == Spare::kGroup && disk.spare_group_before == id) {
+            disk.spare_before = Spare::kNone;
+            disk.spare_group_before = kNoId;
+        }
+        if (disk.spare == Spare::kGroup && disk.spare_group == id) {
+            disk.spare = Spare::kNone;
+            disk.spare_group = kNoId;
+            Queue(adapter, now, kSpareRemoved, disk.id);
+        }
+        ReturnSpare(adapter, now, disk);
+    }
+    Queue(adapter, now, kDiskGroupDeleted, id);
+    return HX_SUCCESS;
+}
+
 }  // namespace hxsim
 
 // ---- Lists ----
 
 HX_U8 HX_DG_GetInfo(HX_U8 AdapterID, DG_Info_Request* request) {
-    return hxsim::List(AdapterID, request, &DG_Info_Request::dgInfo, hxsim::kDiskGroups,
-                       hxsim::DescribeDiskGroup);
+    const auto describe = [](const hxsim::Adapter& adapter, const hxsim::DiskGroup& group,
+                             hxsim::Time,
+                             DG_Info& info) { info = hxsim::DescribeDiskGroup(adapter, group); };
+    return hxsim::List(__func__, AdapterID, request, &DG_Info_Request::dgInfo,
+                       &hxsim::Adapter::disk_groups, HXSIM_NO_DISK_GROUP, describe);
 }
 
 HX_U8 HX_DG_GetConfig(HX_U8 AdapterID, DG_Config_Request* request) {
-    return hxsim::List(AdapterID, request, &DG_Config_Request::dgConfig, hxsim::kDiskGroups,
-                       hxsim::DescribeSettings);
+    return hxsim::List(__func__, AdapterID, request, &DG_Config_Request::dgConfig,
+                       &hxsim::Adapter::disk_groups, HXSIM_NO_DISK_GROUP, hxsim::DescribeSettings);
 }
 
-// ---- Sizes ----
+// ---- Changes ----
+
+HX_U8 HX_DG_SetConfig(HX_U8 AdapterID, HX_U16 DG_ID, DG_Config* config) {
+    return hxsim::Change(__func__, AdapterID,
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                             if (config == nullptr) return HXSIM_NULL_ADDRESS;
+                             return hxsim::SetDiskGroup(adapter, now, DG_ID, *config);
+                         });
+}
 
 HX_U8 HX_CreateOrModify_DG(HX_U8 AdapterID, CreateOrModify_DG_Param* param, HX_U8 sizeOnly) {
-    if (const HX_U8 status = hxsim::CheckAdapter(AdapterID); status != HX_SUCCESS) return status;
-    const Adapter_Info& model = hxsim::ModelOf(AdapterID);
-    if (!model.DiskGroupSupport) return HXSIM_NOT_SUPPORTED;
-    if (param == nullptr) return HXSIM_NULL_ADDRESS;
-    if (sizeOnly != 1) return HXSIM_NOT_SUPPORTED;
-
-    const hxsim::DiskGroup* const group = hxsim::Find(AdapterID, hxsim::kDiskGroups, param->DGID);
-    if (group == nullptr && param->DGID != HX_NEW_ID) return HXSIM_NO_DISK_GROUP;
-    if (param->BlockSize != 0 && param->BlockSize != hxsim::kSectorSize) {
-        return HXSIM_BAD_SECTOR_SIZE;
+    if (sizeOnly != 0) {
+        return hxsim::Look(__func__, AdapterID,
+                           [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+                               if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                               return hxsim::SizeDiskGroup(adapter, *param);
+                           });
     }
-    if (param->PDCount > HX_MAX_HDS) return HXSIM_BAD_DISK_COUNT;
-    const bool keeps_stripe = group != nullptr && param->StripeBlockSize == 0;
-    const hxsim::Plan plan{param->RaidMode, param->SubVDCount,
-                           keeps_stripe ? group->stripe_kib : param->StripeBlockSize,
-                           std::span(param->PDIDs, param->PDCount), model.MaxPDPerDG};
-    const auto run_on = [&](const hxsim::Disk& disk, std::uint64_t& run) {
-        return hxsim::RunForDiskGroup(AdapterID, disk, group, run);
-    };
-    std::uint64_t sectors = 0;
-    const HX_U8 status = hxsim::SizePlan(AdapterID, plan, run_on, sectors);
-    if (status != HX_SUCCESS) return status;
-    if (group != nullptr && sectors < hxsim::UsedSectors(AdapterID, *group)) return HXSIM_TOO_SMALL;
-    param->Size.value = sectors;
-    return HX_SUCCESS;
+    return hxsim::Change(__func__, AdapterID,
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             return hxsim::CreateOrModifyDiskGroup(adapter, now, *param);
+                         });
+}
+
+HX_U8 HX_DG_Delete(HX_U8 AdapterID, HX_U16 DG_ID) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::DeleteDiskGroup(adapter, now, DG_ID);
+    });
+}
+
+HX_U8 HX_DG_StartMigration(HX_U8 AdapterID, CreateOrModify_DG_Param* param) {
+    return hxsim::Change(__func__, AdapterID,
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             return hxsim::StartGroupMigration(adapter, now, *param);
+                         });
 }

@@ -265,9 +265,6 @@ void TakeForm(Adapter& adapter, DiskGroup& group, const Layout& layout) {
     group.width = layout.Width();
     group.stripe_kib = layout.stripe_kib;
     SetHomes(adapter, Owner::kDiskGroup, group.id, layout.disks);
-    for (const HX_U16 id : layout.disks) {
-        if (Disk* const disk = Find(adapter.disks, id)) disk->write_cache = group.write_cache;
-    }
 }
 
 // Starts the migration on `adapter`, which a refusal leaves half changed.
@@ -287,6 +284,7 @@ HX_U8 MoveGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
     for (const VirtualDisk& each : adapter.virtual_disks) {
         if (each.group == group->id) members.push_back(each);
     }
+    for (const HX_U16 disk : layout.disks) SetWriteCache(adapter, now, disk, group->write_cache);
     if (members.empty()) {
         param.Size.value = space;
         TakeForm(adapter, *group, layout);
@@ -422,9 +420,6 @@ void CompleteMigration(Adapter& adapter, const Activity& migration) {
     group->legs = migration.legs;
     group->width = migration.width;
     group->stripe_kib = migration.stripe_kib;
-    for (const HX_U16 id : DisksOf(adapter, Owner::kDiskGroup, group->id)) {
-        if (Disk* const disk = Find(adapter.disks, id)) disk->write_cache = group->write_cache;
-    }
 }
 
 void AbandonMigration(Adapter& adapter, const Activity& migration) {

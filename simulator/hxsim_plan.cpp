@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <limits>
 #include <string>
 
+#include "hxsim_event.h"
 #include "hxsim_redundancy.h"
 #include "hxsim_space.h"
 
@@ -236,6 +238,13 @@ void SetHomes(Adapter& adapter, Owner of, HX_U16 owner, std::span<const HX_U16> 
         homes.push_back({of, owner, static_cast<HX_U8>(homes.size()), disk, disk});
     }
     adapter.homes.insert(at, homes.begin(), homes.end());
+}
+
+void SetWriteCache(Adapter& adapter, Time now, HX_U16 id, bool on) {
+    Disk* const disk = Find(adapter.disks, id);
+    if (disk == nullptr || disk->write_cache == on) return;
+    disk->write_cache = on;
+    Queue(adapter, now, kDiskCacheModeChanged, id);
 }
 
 void DropHomes(Adapter& adapter, Owner of, HX_U16 owner) {

@@ -4,6 +4,7 @@
 #define HXSIM_PLAN_H
 
 #include <span>
+#include <string>
 #include <vector>
 
 #include "hxraid.h"
@@ -95,6 +96,9 @@ Run Longest(std::span<const Run> runs);
 
 /// Writes down which disks serve the positions, each at home there.
 void SetHomes(Adapter& adapter, Owner of, HX_U16 owner, std::span<const HX_U16> disks);
+
+/// Switches a disk's write cache and tells of it when it was otherwise.
+void SetWriteCache(Adapter& adapter, Time now, HX_U16 disk, bool on);
 
 /// Forgets the positions.
 void DropHomes(Adapter& adapter, Owner of, HX_U16 owner);
