@@ -1,198 +1,147 @@
-// What the virtual adapters are: an invented model each, and an identity that follows from the
-// adapter's number. How they are set.
+// The adapters: what they are, how they are set, and their alarm.
 #include "hxsim_adapter.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <iterator>
 
 #include "hxraid_codes.h"
-#include "hxsim_library.h"
-#include "hxsim_link.h"
-#include "hxsim_text.h"
+#include "hxsim_activity.h"
+#include "hxsim_event.h"
+#include "hxsim_page.h"
+#include "hxsim_redundancy.h"
+#include "hxsim_session.h"
 
 namespace hxsim {
 namespace {
 
-// RAID levels, as bits of LogicalDriverMode.
-constexpr HX_U16 kRaid0 = 0x0001, kRaid1 = 0x0002, kRaid10 = 0x0004, kRaid5 = 0x0010,
-                 kRaid6 = 0x0020, kRaid50 = 0x0040, kRaid60 = 0x0100;
+// A rate, the bit of Adapter_Info::Features that lets it be set (0: always), and its event.
+struct Rate {
+    HX_U8 Adapter_Config_V2::*setting;
+    HX_U8 feature;
+    EventKind changed;
+};
+constexpr Rate kRates[] = {
+    {&Adapter_Config_V2::BGARate, 0, kBackgroundRateChanged},
+    {&Adapter_Config_V2::SyncRate, 0x04, kSyncRateChanged},
+    {&Adapter_Config_V2::InitRate, 0x02, kInitRateChanged},
+    {&Adapter_Config_V2::RebuildRate, 0x01, kRebuildRateChanged},
+    {&Adapter_Config_V2::MigrationRate, 0x08, kMigrationRateChanged},
+    {&Adapter_Config_V2::CopybackRate, 0x40, kCopybackRateChanged},
+    {&Adapter_Config_V2::MediaPatrolRate, 0x10, kMediaPatrolRateChanged},
+};
 
-// Rates that can be set, as bits of Features.
-constexpr HX_U8 kRebuildRate = 0x01, kInitRate = 0x02, kSyncRate = 0x04, kMigrationRate = 0x08,
-                kMediaPatrolRate = 0x10, kCopybackRate = 0x40;
+// A switch and its events.
+struct Switch {
+    HX_U8 Adapter_Config_V2::*setting;
+    EventKind on, off;
+};
+constexpr Switch kSwitches[] = {
+    {&Adapter_Config_V2::AlarmOn, kAlarmOn, kAlarmOff},
+    {&Adapter_Config_V2::AutoRebuildOn, kAutoRebuildOn, kAutoRebuildOff},
+    {&Adapter_Config_V2::PollSMARTStatus, kSmartPollingOn, kSmartPollingOff},
+    {&Adapter_Config_V2::CopyBack, kCopybackSetOn, kCopybackSetOff},
+};
 
-// The models. What belongs to the single adapter (WWN, SerialNo, PortSasAddress) is left out.
-// StripeSizeSupported has bit n for 2^n KiB, PortSupportType bit 0 for SAS and bit 1 for SATA: the
-// interface leaves both to the maker.
+// Of these two-valued settings only 0 and 1 are known; what is declared HX_BOOLEAN takes every
+// other value for 1.
+constexpr HX_U8 Adapter_Config_V2::*kZeroOrOne[] = {
+    &Adapter_Config_V2::PollSMARTStatus, &Adapter_Config_V2::CopyBack,
+    &Adapter_Config_V2::InterruptCoalescing, &Adapter_Config_V2::ModuleConsolidate};
+constexpr HX_BOOLEAN Adapter_Config_V2::*kBooleans[] = {&Adapter_Config_V2::AlarmOn,
+                                                        &Adapter_Config_V2::AutoRebuildOn,
+                                                        &Adapter_Config_V2::v_atapi_disable};
 
-// The larger one: expanders, disk groups, every level, a battery.
-constexpr Adapter_Info LargeModel() {
-    Adapter_Info model{};
-    model.DriverVersion = {4, 1, 0, 1208};
-    model.BIOSVersion = {3, 1, 0, 27};
-    model.FirmwareVersion = {4, 1, 0, 1350};
-    model.BootLoaderVersion = {2, 1, 0, 9};
-    model.SystemIOBusNumber = 3;
-    model.SlotNumber = 1;
-    model.InterruptLevel = 16;
-    model.InterruptVector = 48;
-    model.VenID = 0xFAC0;
-    model.SubVenID = 0xFAC0;
-    model.DevID = 0x0808;
-    model.SubDevID = 0x0001;
-    model.RevisionID = 2;
-    model.MaxPDPerVD = 32;
-    model.StripeSizeSupported = 0x01F0;
-    model.MaxPDPerDG = 32;
-    model.MaxVDPerDG = 32;
-    model.MaxParityDisks = 4;
-    model.PortCount = 8;
-    model.PortSupportType = 0x03;
-    model.Features =
-        kRebuildRate | kInitRate | kSyncRate | kMigrationRate | kMediaPatrolRate | kCopybackRate;
-    model.AlarmSupport = 1;
-    model.MaxBlockPerPD = 16;
-    model.MaxHD = 128;
-    model.MaxHD_Ext = 128;
-    model.MaxExpander = 8;
-    model.MaxPM = 8;
-    model.MaxLogicalDrive = 32;
-    model.LogicalDriverMode = kRaid0 | kRaid1 | kRaid10 | kRaid5 | kRaid6 | kRaid50 | kRaid60;
-    model.DiskGroupSupport = 1;
-    model.MaxBufferSize = 64;
-    model.img_health = 1;
-    model.autoload_img_health = 1;
-    model.boot_loader_img_health = 1;
-    model.firmware_img_health = 1;
-    model.boot_rom_img_health = 1;
-    model.hba_info_img_health = 1;
-    return model;
-}
-
-// The smaller one: no expanders, no disk groups, no alarm, fewer levels and rates.
-constexpr Adapter_Info SmallModel() {
-    Adapter_Info model{};
-    model.DriverVersion = {4, 1, 0, 1208};
-    model.BIOSVersion = {3, 0, 1, 14};
-    model.FirmwareVersion = {3, 2, 0, 977};
-    model.BootLoaderVersion = {2, 0, 0, 6};
-    model.SystemIOBusNumber = 4;
-    model.SlotNumber = 2;
-    model.InterruptLevel = 17;
-    model.InterruptVector = 49;
-    model.VenID = 0xFAC0;
-    model.SubVenID = 0xFAC0;
-    model.DevID = 0x0404;
-    model.SubDevID = 0x0002;
-    model.RevisionID = 1;
-    model.MaxPDPerVD = 8;
-    model.StripeSizeSupported = 0x0070;
-    model.MaxParityDisks = 1;
-    model.PortCount = 4;
-    model.PortSupportType = 0x03;
-    model.Features = kRebuildRate | kInitRate | kSyncRate | kMediaPatrolRate;
-    model.MaxBlockPerPD = 4;
-    model.MaxHD = 8;
-    model.MaxHD_Ext = 8;
-    model.MaxPM = 4;
-    model.MaxLogicalDrive = 8;
-    model.LogicalDriverMode = kRaid0 | kRaid1 | kRaid10 | kRaid5;
-    model.MaxBufferSize = 16;
-    model.img_health = 1;
-    model.autoload_img_health = 1;
-    model.boot_loader_img_health = 1;
-    model.firmware_img_health = 1;
-    model.boot_rom_img_health = 1;
-    model.hba_info_img_health = 1;
-    return model;
-}
-
-constexpr Adapter_Info kModels[] = {LargeModel(), SmallModel()};  // by adapter
-static_assert(std::size(kModels) == kAdapterCount, "every adapter has a model");
-static_assert(std::ranges::all_of(kModels,
-                                  [](const Adapter_Info& model) {
-                                      return model.PortCount <= HX_MAX_PORTS;
-                                  }),
-              "every port has its SAS address");
-
-// What an adapter is set to. A rate that its model does not let be set is what it always is.
-constexpr Adapter_Config_V2 LargeSettings() {
-    Adapter_Config_V2 settings{};
-    settings.AlarmOn = 1;
-    settings.AutoRebuildOn = 1;
-    settings.BGARate = 50;
-    settings.SyncRate = 30;
-    settings.InitRate = 50;
-    settings.RebuildRate = 70;
-    settings.MigrationRate = 50;
-    settings.CopybackRate = 40;
-    settings.PollSMARTStatus = 1;
-    settings.MediaPatrolRate = 20;
-    settings.CopyBack = 1;
-    settings.InterruptCoalescing = 1;
-    return settings;
-}
-
-constexpr Adapter_Config_V2 SmallSettings() {
-    Adapter_Config_V2 settings{};
-    settings.AutoRebuildOn = 1;
-    settings.BGARate = 30;
-    settings.SyncRate = 20;
-    settings.InitRate = 30;
-    settings.RebuildRate = 50;
-    settings.MigrationRate = 30;
-    settings.CopybackRate = 30;
-    settings.PollSMARTStatus = 1;
-    settings.MediaPatrolRate = 10;
-    settings.v_atapi_disable = 1;
-    return settings;
-}
-
-constexpr Adapter_Config_V2 kSettings[] = {LargeSettings(), SmallSettings()};  // by adapter
-static_assert(std::size(kSettings) == kAdapterCount, "every adapter has settings");
-
-void Describe(HX_U8 adapter, Adapter_Info& info) {
-    info = ModelOf(adapter);
-    SetWorldWideName(info.WWN, HXSIM_DEVICE_ADAPTER, adapter, 0, 0);
-    for (unsigned port = 0; port < info.PortCount; ++port) {
-        SetWorldWideName(info.PortSasAddress[port], HXSIM_DEVICE_ADAPTER, adapter, 0, port + 1);
+HX_U8 CheckSettings(const Adapter& adapter, const Adapter_Config_V2& config) {
+    for (const Rate& rate : kRates) {
+        if (config.*rate.setting > 100) return HXSIM_BAD_VALUE;
     }
-    SetSerialNumber(info.SerialNo, adapter);
+    for (const auto setting : kZeroOrOne) {
+        if (config.*setting > 1) return HXSIM_BAD_VALUE;
+    }
+    for (const Rate& rate : kRates) {
+        const bool can_be_set = (adapter.info.Features & rate.feature) == rate.feature;
+        const bool changes = config.*rate.setting != adapter.config.*rate.setting;
+        if (changes && !can_be_set) return HXSIM_NOT_SUPPORTED;
+    }
+    const bool wants_alarm = config.AlarmOn != 0 && adapter.config.AlarmOn == 0;
+    return wants_alarm && adapter.info.AlarmSupport == 0 ? HX_U8{HXSIM_NOT_SUPPORTED}
+                                                         : HX_U8{HX_SUCCESS};
+}
+
+void AnnounceSettings(Adapter& adapter, Time now, const Adapter_Config_V2& before) {
+    for (const Switch& each : kSwitches) {
+        const HX_U8 value = adapter.config.*each.setting;
+        if (value == before.*each.setting) continue;
+        Queue(adapter, now, value != 0 ? each.on : each.off, adapter.id);
+    }
+    for (const Rate& rate : kRates) {
+        const HX_U8 value = adapter.config.*rate.setting;
+        if (value == before.*rate.setting) continue;
+        Queue(adapter, now, rate.changed, adapter.id, {value});
+    }
+}
+
+HX_U8 GetInfo(const Adapter& adapter, HX_U8* count, Adapter_Info* info) {
+    if (count == nullptr || info == nullptr) return HXSIM_NULL_ADDRESS;
+    *info = adapter.info;
+    *count = 1;
+    if (IsHostile()) SpoilRecord(info, sizeof *info);
+    return HX_SUCCESS;
+}
+
+HX_U8 GetSettings(const Adapter& adapter, HX_U8* count, Adapter_Config_V2* config) {
+    if (count == nullptr || config == nullptr) return HXSIM_NULL_ADDRESS;
+    *config = adapter.config;
+    *count = 1;
+    if (IsHostile()) SpoilRecord(config, sizeof *config);
+    return HX_SUCCESS;
 }
 
 }  // namespace
 
-const Adapter_Info& ModelOf(HX_U8 adapter) { return kModels[adapter]; }
+HX_U8 SetAdapter(Adapter& adapter, Time now, const Adapter_Config_V2& config) {
+    const HX_U8 status = CheckSettings(adapter, config);
+    if (status != HX_SUCCESS) return status;
+    const Adapter_Config_V2 before = adapter.config;
+    adapter.config = config;
+    for (const auto setting : kBooleans) adapter.config.*setting = config.*setting != 0;
+    std::ranges::fill(adapter.config.Reserved, HX_U8{0});
+    AnnounceSettings(adapter, now, before);
+    UpdateAlarm(adapter, false);
+    Reschedule(adapter, now);
+    return HX_SUCCESS;
+}
 
-void SetSerialNumber(char (&serial)[20], HX_U8 adapter) {
-    // One that began with "0" would count as none.
-    char text[sizeof serial + 1];
-    std::snprintf(text, sizeof text, "VC%02X-%08u", kModels[adapter].DevID >> 8,
-                  24100001U + adapter);
-    SetText(serial, text);
+HX_U8 Mute(Adapter& adapter) {
+    if (adapter.info.AlarmSupport == 0) return HXSIM_NOT_SUPPORTED;
+    adapter.muted = true;
+    // With nothing wrong there is nothing to be silenced, and the next alarm sounds.
+    UpdateAlarm(adapter, false);
+    return HX_SUCCESS;
 }
 
 }  // namespace hxsim
 
 HX_U8 HX_Adapter_GetInfo(HX_U8 AdapterID, HX_U8* count, Adapter_Info* info) {
-    if (const HX_U8 status = hxsim::CheckAdapter(AdapterID); status != HX_SUCCESS) return status;
-    if (count == nullptr || info == nullptr) return HXSIM_NULL_ADDRESS;
-    hxsim::Describe(AdapterID, *info);
-    *count = 1;
-    return HX_SUCCESS;
+    return hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) {
+        return hxsim::GetInfo(adapter, count, info);
+    });
 }
 
 HX_U8 HX_Adapter_GetConfig(HX_U8 AdapterID, HX_U8* count, Adapter_Config_V2* config) {
-    if (const HX_U8 status = hxsim::CheckAdapter(AdapterID); status != HX_SUCCESS) return status;
-    if (count == nullptr || config == nullptr) return HXSIM_NULL_ADDRESS;
-    *config = hxsim::kSettings[AdapterID];
-    *count = 1;
-    return HX_SUCCESS;
+    return hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) {
+        return hxsim::GetSettings(adapter, count, config);
+    });
 }
 
-// Nothing ever goes wrong here, so that no alarm sounds and none is left to be silenced.
+HX_U8 HX_Adapter_SetConfig(HX_U8 AdapterID, Adapter_Config_V2* config) {
+    const auto work = [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+        if (config == nullptr) return HXSIM_NULL_ADDRESS;
+        return hxsim::SetAdapter(adapter, now, *config);
+    };
+    return hxsim::Change(__func__, AdapterID, work);
+}
+
 HX_U8 HX_AdapterMute(HX_U8 AdapterID) {
-    if (const HX_U8 status = hxsim::CheckAdapter(AdapterID); status != HX_SUCCESS) return status;
-    return hxsim::ModelOf(AdapterID).AlarmSupport ? HX_U8{HX_SUCCESS} : HX_U8{HXSIM_NOT_SUPPORTED};
+    return hxsim::Change(__func__, AdapterID,
+                         [](hxsim::Adapter& adapter, hxsim::Time) { return hxsim::Mute(adapter); });
 }

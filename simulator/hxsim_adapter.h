@@ -1,19 +1,20 @@
-// The adapters of the virtual controller.
+// The adapters of the virtual controller: how they are set, and their alarm.
 #ifndef HXSIM_ADAPTER_H
 #define HXSIM_ADAPTER_H
 
 #include "hxraid.h"
+#include "hxsim_machine.h"
 
 namespace hxsim {
 
-inline constexpr HX_U8 kAdapterCount = 2;
+/// Sets all of an adapter's settings, with an event for each that is another one then. Refused with
+/// HXSIM_BAD_VALUE for a rate above 100 percent or a switch that is neither 0 nor 1, and with
+/// HXSIM_NOT_SUPPORTED when something changes that the adapter does not let be set.
+HX_U8 SetAdapter(Adapter& adapter, Time now, const Adapter_Config_V2& config);
 
-/// What the adapter's model is and can do. What belongs to the single adapter (WWN, SerialNo,
-/// PortSasAddress) is zero. The adapter must be one that CheckAdapter takes.
-const Adapter_Info& ModelOf(HX_U8 adapter);
-
-/// The adapter's serial number, ended with a NUL and filled up with more.
-void SetSerialNumber(char (&serial)[20], HX_U8 adapter);
+/// Silences the alarm until there is a new cause. Refused with HXSIM_NOT_SUPPORTED by an adapter
+/// without one.
+HX_U8 Mute(Adapter& adapter);
 
 }  // namespace hxsim
 

@@ -2,6 +2,9 @@
 #ifndef HXSIM_BATTERY_H
 #define HXSIM_BATTERY_H
 
+#include <functional>
+
+#include "hxraid.h"
 #include "hxsim_machine.h"
 
 namespace hxsim {
@@ -22,8 +25,15 @@ Time NextTransition(const Battery& battery);
 /// Does what is due at `now`, with its events.
 void AdvanceBattery(Adapter& adapter, Time now);
 
-/// After a measure (temperature, voltage, presence) has been set: status bits and events follow.
-void Measure(Adapter& adapter, Time now);
+/// Lets `change` change the battery (a measure, a bound, its charge, its phase, whether it is
+/// there). It starts from a battery whose record is right now; status bits and events follow. The
+/// adapter must have one.
+void ChangeBattery(Adapter& adapter, Time now, const std::function<void(Battery& battery)>& change);
+
+/// What callers do to the battery. Each returns HX_SUCCESS, or refuses with the battery as it was.
+HX_U8 SetThreshold(Adapter& adapter, Time now, HX_U8 kind, HX_U16 lower, HX_U16 upper);
+HX_U8 ChangePower(Adapter& adapter, Time now, HX_U8 action);  // HxsimPower
+HX_U8 SwitchBattery(Adapter& adapter, Time now, bool on);
 
 }  // namespace hxsim
 
