@@ -1,0 +1,66 @@
+#include "driver.h"
+
+#include <utility>
+
+#include "hxraid_codes.h"
+#include "hxsim_redundancy.h"
+
+Driver::Driver(std::string path, std::ostream& out) : path_(std::move(path)), out_(out) {}
+
+Driver::~Driver() { Restart(); }
+
+hxsim::Store& Driver::State() {
+    if (store_ == nullptr) store_ = std::make_unique<hxsim::Store>(path_);
+    return *store_;
+}
+
+const hxsim::Machine& Driver::Current() { return State().Current(); }
+
+hxsim::Time Driver::Now() { return hxsim::Now(Current().clock, hxsim::RealNow()); }
+
+void Driver::Happen(const Address& address, const Incident& incident) {
+    hxsim::Outcome outcome;
+    State().Change([&](hxsim::Machine& machine, hxsim::Time now) {
+        RequireObject(machine, address);
+        hxsim::Adapter& adapter = AdapterAt(machine, address);
+        outcome = incident(machine, adapter, now);
+        if (!outcome) return false;
+        hxsim::Settle(adapter, now);
+        return true;
+    });
+    if (!outcome) throw Refused(address.text + ": " + outcome.refusal);
+}
+
+void Driver::Change(const std::function<void(hxsim::Machine&, hxsim::Time)>& work) {
+    State().Change([&](hxsim::Machine& machine, hxsim::Time now) {
+        work(machine, now);
+        return true;
+    });
+}
+
+void Driver::Call(const std::string& name, const std::function<HX_U8()>& call) {
+    HX_U8 status = library_open_ ? HX_U8{HX_SUCCESS} : HX_API_Initialize();
+    library_open_ = status == HX_SUCCESS;
+    if (library_open_) status = call();
+    if (status == HX_SUCCESS) return;
+    const HxsimRefusal* const refusal = HxsimFindRefusal(status);
+    throw CallRefused(
+        name + " was refused with " + std::to_string(status) +
+            (refusal == nullptr
+                 ? std::string(", an injected code; hxsimctl inject list names it")
+                 : " (" + std::string(refusal->name) + "): " + std::string(refusal->sentence)),
+        status);
+}
+
+void Driver::Restart() {
+    if (library_open_) HX_API_Finalize();
+    library_open_ = false;
+    store_.reset();
+}
+
+void Driver::SetClock(std::int64_t speed, hxsim::Time forward) {
+    Change([&](hxsim::Machine& machine, hxsim::Time now) {
+        machine.clock = {now + forward, hxsim::RealNow(), speed};
+    });
+    Current();  // whatever is due by the new time happens
+}

@@ -1,0 +1,67 @@
+// The machine that hxsimctl drives: the state file, and the library on the same file.
+#pragma once
+
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <string>
+
+#include "failure.h"
+#include "hxraid.h"
+#include "hxsim_incident.h"
+#include "hxsim_machine.h"
+#include "hxsim_store.h"
+#include "words.h"
+
+/// A call of the library was refused.
+struct CallRefused : Refused {
+    CallRefused(const std::string& message, HX_U8 refusal) : Refused(message), code(refusal) {}
+    HX_U8 code;
+};
+
+class Driver {
+public:
+    /// Works on the state file of that path and prints to `out`. Nothing is opened yet.
+    Driver(std::string path, std::ostream& out);
+    ~Driver();
+    Driver(const Driver&) = delete;
+    Driver& operator=(const Driver&) = delete;
+
+    const std::string& Path() const { return path_; }
+    std::ostream& Out() { return out_; }
+
+    /// The machine, brought up to now.
+    const hxsim::Machine& Current();
+
+    /// What the machine's clock shows.
+    hxsim::Time Now();
+
+    /// Lets something happen to an object and draws the consequences. Throws NoObject, or Refused
+    /// when it does not happen.
+    using Incident = std::function<hxsim::Outcome(hxsim::Machine&, hxsim::Adapter&, hxsim::Time)>;
+    void Happen(const Address& address, const Incident& incident);
+
+    /// Changes the machine itself: its clock and its injections.
+    void Change(const std::function<void(hxsim::Machine&, hxsim::Time)>& work);
+
+    /// Calls the library, which is opened before the first call. `name` is the function's.
+    /// Throws CallRefused.
+    void Call(const std::string& name, const std::function<HX_U8()>& call);
+
+    /// Closes the library and the state file, as if the program ended. The next use opens them.
+    void Restart();
+
+    /// Sets the clock: to go on from now on at that speed, `forward` later than it is.
+    void SetClock(std::int64_t speed, hxsim::Time forward = 0);
+
+private:
+    hxsim::Store& State();
+
+    std::string path_;
+    std::ostream& out_;
+    std::unique_ptr<hxsim::Store> store_;
+    bool library_open_ = false;
+};
+
+/// What a command does, once its words have been understood.
+using Action = std::function<void(Driver&)>;

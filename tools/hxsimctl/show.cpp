@@ -1,0 +1,220 @@
+#include "show.h"
+
+#include <array>
+#include <cstdio>
+#include <ostream>
+#include <string>
+
+#include "hxraid_codes.h"
+#include "hxsim_activity.h"
+#include "hxsim_battery.h"
+#include "hxsim_disk.h"
+#include "hxsim_redundancy.h"
+#include "words.h"
+
+namespace {
+
+using hxsim::Activity;
+using hxsim::Adapter;
+using hxsim::Disk;
+using hxsim::DiskGroup;
+using hxsim::Element;
+using hxsim::Owner;
+using hxsim::Time;
+using hxsim::VirtualDisk;
+
+// The texts of a record's field, which ends with a NUL only when it is not full.
+template <std::size_t size>
+std::string FieldText(const char (&field)[size]) {
+    std::size_t length = 0;
+    while (length < size && field[length] != '\0') ++length;
+    while (length > 0 && field[length - 1] == ' ') --length;
+    return {field, length};
+}
+
+std::string Trimmed(std::string text) {
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
+}
+
+std::string ReadingOf(const Element& element) {
+    switch (element.type) {
+        case HX_ELEMENT_FAN:
+            return ", " + std::to_string(element.reading) + " rpm";
+        case HX_ELEMENT_TEMPERATURE:
+            // As SES sends it: 0 is unknown, else 20 more than there are degrees.
+            return element.reading == 0 ? "" : ", " + std::to_string(element.reading - 20) + " C";
+        case HX_ELEMENT_VOLTAGE: {
+            std::array<char, 32> text{};
+            std::snprintf(text.data(), text.size(), ", %.2f V", element.reading / 100.0);
+            return text.data();
+        }
+        case HX_ELEMENT_ALARM:
+            return element.muted ? ", muted" : "";
+        default:
+            return "";
+    }
+}
+
+class Tree {
+public:
+    Tree(const Adapter& adapter, Time now, std::ostream& out)
+        : adapter_(adapter), now_(now), out_(out), parts_(adapter) {}
+
+    void Print() {
+        Line(0, "") << ": adapter, serial " << FieldText(adapter_.info.SerialNo)
+                    << (adapter_.alarm ? ", alarm sounding" : "")
+                    << (adapter_.muted ? ", alarm muted" : "") << ", " << adapter_.events.size()
+                    << " events waiting\n";
+        PrintDevices(1, HXSIM_DEVICE_ADAPTER, 0);
+        for (const DiskGroup& group : adapter_.disk_groups) PrintGroup(group);
+        for (const VirtualDisk& virtual_disk : adapter_.virtual_disks) {
+            if (virtual_disk.group == hxsim::kNoId) PrintVirtualDisk(1, virtual_disk);
+        }
+        for (const hxsim::Battery& battery : adapter_.batteries) PrintBattery(battery);
+    }
+
+private:
+    std::ostream& Line(int depth, const std::string& address) {
+        out_ << std::string(2 * static_cast<std::size_t>(depth), ' ') << 'a' << int{adapter_.id};
+        if (!address.empty()) out_ << '/' << address;
+        return out_;
+    }
+
+    // What hangs on a device. An expander in a circle would be one on itself, which check finds.
+    void PrintDevices(int depth, HX_U8 parent, HX_U16 parent_id) {
+        constexpr int kDeepest = 16;
+        if (depth > kDeepest) return;
+        const auto hangs = [&](const hxsim::Attachment& device) {
+            return device.parent == parent && device.parent_id == parent_id;
+        };
+        for (const hxsim::Expander& expander : adapter_.expanders) {
+            if (!hangs(expander)) continue;
+            Line(depth, "exp" + std::to_string(expander.id))
+                << ": expander, " << Trimmed(expander.vendor) << ' ' << Trimmed(expander.product)
+                << ", " << int{expander.phy_count} << " phys\n";
+            PrintDevices(depth + 1, HXSIM_DEVICE_EXPANDER, expander.id);
+        }
+        for (const hxsim::PortMultiplier& multiplier : adapter_.port_multipliers) {
+            if (!hangs(multiplier)) continue;
+            Line(depth, "pm" + std::to_string(multiplier.id))
+                << ": port multiplier, " << int{multiplier.ports} << " ports\n";
+            PrintDevices(depth + 1, HXSIM_DEVICE_PORT_MULTIPLIER, multiplier.id);
+        }
+        for (const hxsim::Enclosure& enclosure : adapter_.enclosures) {
+            if (hangs(enclosure)) PrintEnclosure(depth, enclosure);
+        }
+        for (const Disk& disk : adapter_.disks) {
+            if (hangs(disk)) PrintDisk(depth, disk);
+        }
+    }
+
+    void PrintEnclosure(int depth, const hxsim::Enclosure& enclosure) {
+        const std::string address = "enc" + std::to_string(enclosure.id);
+        Line(depth, address) << ": enclosure, " << Trimmed(enclosure.vendor) << ' '
+                             << Trimmed(enclosure.product) << '\n';
+        for (const Element& element : adapter_.elements) {
+            if (element.enclosure != enclosure.id) continue;
+            Line(depth + 1, address + "/el" + std::to_string(element.number))
+                << ": " << NameText(kHxsimElementTypeNames, element.type) << ", "
+                << NameText(kHxsimElementStatusNames, element.status) << ReadingOf(element) << '\n';
+        }
+    }
+
+    void PrintDisk(int depth, const Disk& disk) {
+        const hxsim::Part& part = parts_.Of(disk);
+        Line(depth, "pd" + std::to_string(disk.id)) << ": ";
+        if (!hxsim::IsListed(disk, part)) {
+            out_ << "empty\n";
+            return;
+        }
+        out_ << HxsimDiskStateName(part.status) << ", " << disk.model << ", "
+             << SizeText(disk.sectors) << ", serial " << disk.serial;
+        if (disk.smart_exceeded) out_ << ", SMART threshold exceeded";
+        if (disk.locate_light) out_ << ", located";
+        PrintActivity(Owner::kDisk, disk.id);
+    }
+
+    void PrintGroup(const DiskGroup& group) {
+        Line(1, "dg" + std::to_string(group.id))
+            << ": " << NameText(kHxsimStateNames, hxsim::StateOf(adapter_, group)) << ", "
+            << NameText(kHxsimLevelNames, group.level) << " \"" << group.name << "\" on";
+        PrintDisks(Owner::kDiskGroup, group.id, group.width);
+        PrintActivity(Owner::kDiskGroup, group.id);
+        for (const VirtualDisk& virtual_disk : adapter_.virtual_disks) {
+            if (virtual_disk.group == group.id) PrintVirtualDisk(2, virtual_disk);
+        }
+    }
+
+    void PrintVirtualDisk(int depth, const VirtualDisk& virtual_disk) {
+        Line(depth, "vd" + std::to_string(virtual_disk.id))
+            << ": " << NameText(kHxsimStateNames, hxsim::StateOf(adapter_, virtual_disk)) << ", "
+            << NameText(kHxsimLevelNames, virtual_disk.level) << " \"" << virtual_disk.name
+            << "\", " << SizeText(virtual_disk.size);
+        if (virtual_disk.group == hxsim::kNoId) {
+            out_ << " on";
+            PrintDisks(Owner::kVirtualDisk, virtual_disk.id, virtual_disk.width);
+        }
+        PrintActivity(Owner::kVirtualDisk, virtual_disk.id);
+    }
+
+    // The disks that serve the positions; a dash for a position that is lost.
+    void PrintDisks(Owner of, HX_U16 owner, HX_U8 width) {
+        for (HX_U8 position = 0; position < width; ++position) {
+            const hxsim::Home* const home = hxsim::HomeOf(adapter_, of, owner, position);
+            if (home == nullptr || home->disk == hxsim::kNoId) {
+                out_ << " -";
+            } else {
+                out_ << " pd" << home->disk;
+            }
+        }
+    }
+
+    void PrintActivity(Owner of, HX_U16 owner) {
+        if (const Activity* const activity = hxsim::ActivityOf(adapter_, of, owner)) {
+            out_ << ", " << NameText(kHxsimActivityNames, activity->kind) << ' '
+                 << hxsim::Percentage(*activity, now_) << '%';
+            if (activity->state != HXSIM_ACTIVITY_RUNNING) {
+                out_ << ' ' << NameText(kHxsimActivityStateNames, activity->state);
+            }
+        }
+        out_ << '\n';
+    }
+
+    void PrintBattery(const hxsim::Battery& battery) {
+        const BBU_Info info = hxsim::Describe(battery, now_);
+        Line(1, "bbu") << ": battery";
+        for (const HxraidName& bit : kHxsimBatteryStatusBits) {
+            if ((info.status & bit.code) != 0) out_ << ", " << bit.name;
+        }
+        if (battery.present) {
+            out_ << ", " << int{info.percentage} << "%, " << info.temperature << " C, "
+                 << info.voltage << " mV";
+        }
+        out_ << '\n';
+    }
+
+    const Adapter& adapter_;
+    const Time now_;
+    std::ostream& out_;
+    const hxsim::Parts parts_;
+};
+
+}  // namespace
+
+void Show(const hxsim::Machine& machine, Time now, std::ostream& out) {
+    out << "topology " << machine.topology << ", seed " << machine.seed << '\n';
+    ShowClock(machine.clock, now, out);
+    for (const Adapter& adapter : machine.adapters) Tree(adapter, now, out).Print();
+}
+
+void ShowClock(const hxsim::Clock& clock, Time now, std::ostream& out) {
+    out << TimeText(now);
+    if (clock.speed == 0) {
+        out << ", frozen\n";
+    } else if (clock.speed == 1) {
+        out << ", at the speed of real time\n";
+    } else {
+        out << ", " << clock.speed << " times as fast as real time\n";
+    }
+}
