@@ -172,16 +172,21 @@ private:
         return found == adapter_.activities.end() ? nullptr : &*found;
     }
 
-    const Activity* Migration(const VirtualDisk& virtual_disk) const {
+    // A migration or copyback that the virtual disk takes part in: one on a disk group is the
+    // group's.
+    const Activity* FindMove(HX_U8 kind, const VirtualDisk& virtual_disk) const {
         return virtual_disk.group == kNoId
-                   ? FindActivity(HXSIM_ACTIVITY_MIGRATION, Owner::kVirtualDisk, virtual_disk.id)
-                   : FindActivity(HXSIM_ACTIVITY_MIGRATION, Owner::kDiskGroup, virtual_disk.group);
+                   ? FindActivity(kind, Owner::kVirtualDisk, virtual_disk.id)
+                   : FindActivity(kind, Owner::kDiskGroup, virtual_disk.group);
+    }
+
+    const Activity* Migration(const VirtualDisk& virtual_disk) const {
+        return FindMove(HXSIM_ACTIVITY_MIGRATION, virtual_disk);
     }
 
     bool WritesTargets(const VirtualDisk& virtual_disk) const {
         return Migration(virtual_disk) != nullptr ||
-               FindActivity(HXSIM_ACTIVITY_COPYBACK, Owner::kVirtualDisk, virtual_disk.id) !=
-                   nullptr;
+               FindMove(HXSIM_ACTIVITY_COPYBACK, virtual_disk) != nullptr;
     }
 
     void CheckBlocks() {
