@@ -1,6 +1,7 @@
 // The calls that start background activities and steer them.
+#include "hxsim_activity_calls.h"
+
 #include <algorithm>
-#include <span>
 #include <utility>
 #include <vector>
 
@@ -40,33 +41,6 @@ HX_U8 KindOfInitialisation(HX_U8 type) {
         default:
             return HXSIM_ACTIVITY_NONE;
     }
-}
-
-HX_U8 StartInitialisation(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
-    VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
-    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
-    const HX_U8 kind = KindOfInitialisation(type);
-    if (kind == HXSIM_ACTIVITY_NONE) return HXSIM_BAD_ACTION;
-    if (IsBusy(adapter, *virtual_disk)) return HXSIM_BUSY;
-    if (StateOf(adapter, *virtual_disk) != HXSIM_STATE_OPTIMAL) return HXSIM_WRONG_STATE;
-    virtual_disk->initialised = false;
-    Start(adapter, now, ActivityFor(adapter, *virtual_disk, kind));
-    return HX_SUCCESS;
-}
-
-HX_U8 StartCheck(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
-    const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
-    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
-    if (type != HXSIM_CHECK_ONLY && type != HXSIM_CHECK_AND_FIX) return HXSIM_BAD_ACTION;
-    if (!IsRedundant(virtual_disk->level)) return HXSIM_NOT_REDUNDANT;
-    if (IsBusy(adapter, *virtual_disk)) return HXSIM_BUSY;
-    // Without all its disks, or before it has been initialised, nothing is there to agree.
-    if (StateOf(adapter, *virtual_disk) != HXSIM_STATE_OPTIMAL || !virtual_disk->initialised) {
-        return HXSIM_WRONG_STATE;
-    }
-    const HX_U8 kind = type == HXSIM_CHECK_ONLY ? HXSIM_ACTIVITY_CHECK : HXSIM_ACTIVITY_FIX;
-    Start(adapter, now, ActivityFor(adapter, *virtual_disk, kind));
-    return HX_SUCCESS;
 }
 
 // ---- Rebuilds ----
@@ -139,6 +113,81 @@ HX_U8 Occupy(Adapter& adapter, Time now, const Array& array, std::span<const HX_
     return HX_SUCCESS;
 }
 
+HX_U8 StartRebuildOf(Adapter& adapter, Time now, const LD_DG_Rebuild_Param& param) {
+    if (param.PDCount > HX_MAX_HDS) return HXSIM_BAD_COUNT;
+    const std::span<const HX_U16> disks(param.PDIDs, param.PDCount);
+    switch (param.RebuildType) {
+        case HXSIM_REBUILD_VIRTUAL_DISK:
+            return RebuildVirtualDisk(adapter, now, param.ID, disks);
+        case HXSIM_REBUILD_DISK_GROUP:
+            return RebuildDiskGroup(adapter, now, param.ID, disks);
+        default:
+            return HXSIM_BAD_ACTION;
+    }
+}
+
+// ---- Disks ----
+
+HX_U8 CanBeRead(const Adapter& adapter, HX_U16 id) {
+    const Disk* const disk = FindListed(adapter, id);
+    if (disk == nullptr) return HXSIM_NO_DISK;
+    if (!IsReady(*disk)) return HXSIM_DISK_NOT_READY;
+    const bool busy = ActivityOf(adapter, Owner::kDisk, id) != nullptr;
+    return busy ? HX_U8{HXSIM_BUSY} : HX_U8{HX_SUCCESS};
+}
+
+void StartOnDisk(Adapter& adapter, Time now, HX_U16 id, HX_U8 kind) {
+    Activity activity;
+    activity.kind = kind;
+    activity.of = Owner::kDisk;
+    activity.owner = id;
+    activity.total = Find(adapter.disks, id)->sectors;
+    Start(adapter, now, activity);
+}
+
+}  // namespace
+
+HX_U8 StartInitialisation(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
+    VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
+    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+    const HX_U8 kind = KindOfInitialisation(type);
+    if (kind == HXSIM_ACTIVITY_NONE) return HXSIM_BAD_ACTION;
+    if (IsBusy(adapter, *virtual_disk)) return HXSIM_BUSY;
+    if (StateOf(adapter, *virtual_disk) != HXSIM_STATE_OPTIMAL) return HXSIM_WRONG_STATE;
+    virtual_disk->initialised = false;
+    Start(adapter, now, ActivityFor(adapter, *virtual_disk, kind));
+    return HX_SUCCESS;
+}
+
+HX_U8 StartCheck(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
+    const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
+    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+    if (type != HXSIM_CHECK_ONLY && type != HXSIM_CHECK_AND_FIX) return HXSIM_BAD_ACTION;
+    if (!IsRedundant(virtual_disk->level)) return HXSIM_NOT_REDUNDANT;
+    if (IsBusy(adapter, *virtual_disk)) return HXSIM_BUSY;
+    // Without all its disks, or before it has been initialised, nothing is there to agree.
+    if (StateOf(adapter, *virtual_disk) != HXSIM_STATE_OPTIMAL || !virtual_disk->initialised) {
+        return HXSIM_WRONG_STATE;
+    }
+    const HX_U8 kind = type == HXSIM_CHECK_ONLY ? HXSIM_ACTIVITY_CHECK : HXSIM_ACTIVITY_FIX;
+    Start(adapter, now, ActivityFor(adapter, *virtual_disk, kind));
+    return HX_SUCCESS;
+}
+
+HX_U8 StartMediaPatrol(Adapter& adapter, Time now, HX_U16 disk) {
+    const HX_U8 refusal = CanPatrol(adapter, disk);
+    if (refusal != HX_SUCCESS) return refusal;
+    StartOnDisk(adapter, now, disk, HXSIM_ACTIVITY_MEDIA_PATROL);
+    return HX_SUCCESS;
+}
+
+HX_U8 StartDataScrub(Adapter& adapter, Time now, HX_U16 disk) {
+    const HX_U8 refusal = CanBeRead(adapter, disk);
+    if (refusal != HX_SUCCESS) return refusal;
+    StartOnDisk(adapter, now, disk, HXSIM_ACTIVITY_DATA_SCRUB);
+    return HX_SUCCESS;
+}
+
 HX_U8 RebuildVirtualDisk(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks) {
     const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
     if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
@@ -203,22 +252,6 @@ HX_U8 RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX
     return any ? HX_U8{HX_SUCCESS} : HX_U8{HXSIM_BAD_DISK_COUNT};
 }
 
-HX_U8 StartRebuildOf(Adapter& adapter, Time now, const LD_DG_Rebuild_Param& param) {
-    if (param.PDCount > HX_MAX_HDS) return HXSIM_BAD_COUNT;
-    const std::span<const HX_U16> disks(param.PDIDs, param.PDCount);
-    switch (param.RebuildType) {
-        case HXSIM_REBUILD_VIRTUAL_DISK:
-            return RebuildVirtualDisk(adapter, now, param.ID, disks);
-        case HXSIM_REBUILD_DISK_GROUP:
-            return RebuildDiskGroup(adapter, now, param.ID, disks);
-        default:
-            return HXSIM_BAD_ACTION;
-    }
-}
-
-// ---- Steering ----
-
-// What runs on the disk group itself, or else on all its virtual disks.
 HX_U8 ControlGroup(Adapter& adapter, Time now, HX_U16 id, HX_U8 action) {
     if (Find(adapter.disk_groups, id) == nullptr) return HXSIM_NO_DISK_GROUP;
     const HX_U8 own = Control(adapter, now, Owner::kDiskGroup, id, action);
@@ -241,16 +274,6 @@ HX_U8 PauseAll(Adapter& adapter, Time now) {
     return HX_SUCCESS;
 }
 
-// ---- Disks ----
-
-HX_U8 CanBeRead(const Adapter& adapter, HX_U16 id) {
-    const Disk* const disk = FindListed(adapter, id);
-    if (disk == nullptr) return HXSIM_NO_DISK;
-    if (!IsReady(*disk)) return HXSIM_DISK_NOT_READY;
-    const bool busy = ActivityOf(adapter, Owner::kDisk, id) != nullptr;
-    return busy ? HX_U8{HXSIM_BUSY} : HX_U8{HX_SUCCESS};
-}
-
 HX_U8 CanPatrol(const Adapter& adapter, HX_U16 id) {
     const HX_U8 refusal = CanBeRead(adapter, id);
     if (refusal != HX_SUCCESS) return refusal;
@@ -258,16 +281,6 @@ HX_U8 CanPatrol(const Adapter& adapter, HX_U16 id) {
     return offered ? HX_U8{HX_SUCCESS} : HX_U8{HXSIM_NOT_SUPPORTED};
 }
 
-void StartOnDisk(Adapter& adapter, Time now, HX_U16 id, HX_U8 kind) {
-    Activity activity;
-    activity.kind = kind;
-    activity.of = Owner::kDisk;
-    activity.owner = id;
-    activity.total = Find(adapter.disks, id)->sectors;
-    Start(adapter, now, activity);
-}
-
-}  // namespace
 }  // namespace hxsim
 
 // ---- Virtual disks ----
@@ -321,13 +334,9 @@ HX_U8 HX_DG_BGAControl(HX_U8 AdapterID, HX_U16 DG_ID, HX_U8 Actions) {
 // ---- Physical disks ----
 
 HX_U8 HX_PD_StartMediaPatrol(HX_U8 AdapterID, HX_U16 HD_ID) {
-    return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-                             const HX_U8 refusal = hxsim::CanPatrol(adapter, HD_ID);
-                             if (refusal != HX_SUCCESS) return refusal;
-                             hxsim::StartOnDisk(adapter, now, HD_ID, HXSIM_ACTIVITY_MEDIA_PATROL);
-                             return HX_SUCCESS;
-                         });
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::StartMediaPatrol(adapter, now, HD_ID);
+    });
 }
 
 HX_U8 HX_PD_HDMPCheck(HX_U8 AdapterID, HX_U16 HD_ID) {
@@ -337,13 +346,9 @@ HX_U8 HX_PD_HDMPCheck(HX_U8 AdapterID, HX_U16 HD_ID) {
 }
 
 HX_U8 HX_PD_StartDataScrub(HX_U8 AdapterID, HX_U16 HD_ID) {
-    return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-                             const HX_U8 refusal = hxsim::CanBeRead(adapter, HD_ID);
-                             if (refusal != HX_SUCCESS) return refusal;
-                             hxsim::StartOnDisk(adapter, now, HD_ID, HXSIM_ACTIVITY_DATA_SCRUB);
-                             return HX_SUCCESS;
-                         });
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::StartDataScrub(adapter, now, HD_ID);
+    });
 }
 
 HX_U8 HX_PD_BGAControl(HX_U8 AdapterID, HX_U16 HD_ID, HX_U8 Action) {
