@@ -84,7 +84,10 @@ HX_U8 GetInfo(const Adapter& adapter, HX_U8* count, Adapter_Info* info) {
     if (count == nullptr || info == nullptr) return HXSIM_NULL_ADDRESS;
     *info = adapter.info;
     *count = 1;
-    if (IsHostile()) SpoilRecord(info, sizeof *info);
+    if (IsHostile()) {
+        SpoilRecord(info, sizeof *info);
+        *count = 255;
+    }
     return HX_SUCCESS;
 }
 
@@ -92,7 +95,10 @@ HX_U8 GetSettings(const Adapter& adapter, HX_U8* count, Adapter_Config_V2* confi
     if (count == nullptr || config == nullptr) return HXSIM_NULL_ADDRESS;
     *config = adapter.config;
     *count = 1;
-    if (IsHostile()) SpoilRecord(config, sizeof *config);
+    if (IsHostile()) {
+        SpoilRecord(config, sizeof *config);
+        *count = 255;
+    }
     return HX_SUCCESS;
 }
 

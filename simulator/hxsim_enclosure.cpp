@@ -21,7 +21,7 @@ constexpr unsigned kFanWarning = 80, kFanCritical = 50;
 // Tone control bits of an alarm.
 constexpr HX_U8 kCriticalTone = 0x02;
 
-constexpr std::size_t kMostElements = 255;  // that a call counts
+constexpr HX_U8 kMostElements = 255;  // that a call counts
 
 Deviation DeviationOfTemperature(const Element& element) {
     const HX_U16 reading = element.reading;
@@ -166,7 +166,10 @@ HX_U8 ListElements(const Adapter& adapter, HX_U16 enclosure, Record* records, HX
         records[listed++] = describe(adapter, element);
     }
     *count = static_cast<HX_U8>(listed);
-    if (IsHostile() && listed != 0) SpoilRecord(records, listed * sizeof *records);
+    if (IsHostile() && listed != 0) {
+        SpoilRecord(records, listed * sizeof *records);
+        *count = kMostElements;
+    }
     return HX_SUCCESS;
 }
 

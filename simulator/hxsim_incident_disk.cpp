@@ -27,7 +27,7 @@ Outcome Refused(HX_U16 disk, const std::string& rest) {
 }
 
 Outcome NoSuchDisk(HX_U16 disk) {
-    return Refused(disk, "has no place in this adapter; take one that show lists.");
+    return Refused(disk, "has no place in this adapter; take one that hxsimctl show lists.");
 }
 
 Outcome NotThere(HX_U16 disk) { return Refused(disk, "is not there; insert or replace it first."); }

@@ -19,7 +19,7 @@ Outcome Check(const Element* element, HX_U16 enclosure, HX_U8 number, HX_U8 type
     if (element != nullptr && element->type == type) return {};
     return {"Element " + std::to_string(number) + " of enclosure " + std::to_string(enclosure) +
             (element == nullptr ? " is not there" : " is no " + kind) + "; take a " + kind +
-            " that show lists."};
+            " that hxsimctl show lists."};
 }
 
 EventKind EventOf(HX_U8 status) {
