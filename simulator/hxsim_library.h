@@ -6,9 +6,12 @@
 
 namespace hxsim {
 
-/// Whether a call for this adapter can be carried out: HX_SUCCESS, HXSIM_NOT_INITIALIZED or
-/// HXSIM_NO_ADAPTER. Every function that takes an adapter asks it first.
-HX_U8 CheckAdapter(HX_U8 AdapterID);
+/// Opens the state file that StatePath names, if it is not open yet. Refused with HXSIM_NO_STATE or
+/// HXSIM_NO_MEMORY; the library is closed then.
+HX_U8 Open();
+
+/// Closes it, if it is open.
+void Close();
 
 }  // namespace hxsim
 
