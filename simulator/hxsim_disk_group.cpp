@@ -39,7 +39,7 @@ void DescribeSpares(const Adapter& adapter, const DiskGroup& group, DG_Info& inf
 }
 
 // What is set is said of the group; its disks have it as long as they serve it.
-void DescribeSettings(const Adapter&, const DiskGroup& group, Time, DG_Config& config) {
+void FillSettings(const Adapter&, const DiskGroup& group, Time, DG_Config& config) {
     config.DGID = group.id;
     config.WriteCacheOn = group.write_cache;
     SetText(config.Name, group.name);
@@ -54,7 +54,9 @@ DG_Info DescribeDiskGroup(const Adapter& adapter, const DiskGroup& group) {
     SetText(info.Name, group.name);
     info.RaidMode = group.level;
     info.SubVDCount = group.legs;
-    info.NumParityDisk = static_cast<HX_U8>(ParityDisks(*layout.level, group.legs));
+    if (layout.level != nullptr) {
+        info.NumParityDisk = static_cast<HX_U8>(ParityDisks(*layout.level, group.legs));
+    }
     info.AdapterID = adapter.id;
     info.StripeBlockSize = group.stripe_kib;
     info.BlockSize = kSectorSize;
@@ -130,7 +132,7 @@ HX_U8 HX_DG_GetInfo(HX_U8 AdapterID, DG_Info_Request* request) {
 
 HX_U8 HX_DG_GetConfig(HX_U8 AdapterID, DG_Config_Request* request) {
     return hxsim::List(__func__, AdapterID, request, &DG_Config_Request::dgConfig,
-                       &hxsim::Adapter::disk_groups, HXSIM_NO_DISK_GROUP, hxsim::DescribeSettings);
+                       &hxsim::Adapter::disk_groups, HXSIM_NO_DISK_GROUP, hxsim::FillSettings);
 }
 
 // ---- Changes ----

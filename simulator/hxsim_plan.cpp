@@ -79,6 +79,7 @@ Sectors ShortestRun(const Adapter& adapter, std::span<const HX_U16> disks) {
 }  // namespace
 
 Sectors Layout::Data(Sectors block) const {
+    if (level == nullptr || stripe_kib == 0) return 0;  // of a state file that somebody has changed
     return DataSectors(*level, Width(), legs, stripe_kib, block);
 }
 

@@ -25,6 +25,7 @@ namespace {
 class BlocksByPosition {
 public:
     HX_U16 At(const Adapter& adapter, HX_U16 virtual_disk, std::size_t position) {
+        if (virtual_disk >= kNoVirtualDisk) return kNoId;
         if (ids_.empty()) Collect(adapter);
         return ids_[virtual_disk * kWidth + position];
     }
@@ -52,8 +53,8 @@ HX_U8 CacheNow(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     return static_cast<HX_U8>(virtual_disk.cache | force);
 }
 
-void DescribeVirtualDisk(const Adapter& adapter, const VirtualDisk& virtual_disk,
-                         BlocksByPosition& blocks, LD_Info& info) {
+void FillInfo(const Adapter& adapter, const VirtualDisk& virtual_disk, BlocksByPosition& blocks,
+              LD_Info& info) {
     info.ID = virtual_disk.id;
     info.AdapterID = adapter.id;
     info.DGID = virtual_disk.group == kNoId ? kNoDiskGroup : static_cast<HX_U8>(virtual_disk.group);
@@ -77,26 +78,6 @@ void DescribeVirtualDisk(const Adapter& adapter, const VirtualDisk& virtual_disk
     info.NumParityDisk = static_cast<HX_U8>(ParityDisks(*level, virtual_disk.legs));
 }
 
-void DescribeActivity(const Adapter& adapter, const VirtualDisk& virtual_disk, Time now,
-                      LD_Status& status) {
-    status.Status = virtual_disk.state;
-    status.LDID = virtual_disk.id;
-    const Activity* const activity = ActivityOf(adapter, Owner::kVirtualDisk, virtual_disk.id);
-    if (activity == nullptr) return;
-    status.Bga = activity->kind;
-    status.BgaPercentage = Percentage(*activity, now);
-    status.BgaState = activity->state;
-}
-
-void DescribeSettings(const Adapter& adapter, const VirtualDisk& virtual_disk, Time,
-                      LD_Config& config) {
-    config.CacheMode = CacheNow(adapter, virtual_disk);
-    config.AutoRebuildOn = virtual_disk.auto_rebuild;
-    config.Status = virtual_disk.state;
-    config.LDID = virtual_disk.id;
-    SetText(config.Name, virtual_disk.name);
-}
-
 std::vector<HX_U16> DisksWithBlocks(const Adapter& adapter, HX_U16 virtual_disk) {
     std::vector<HX_U16> disks;
     for (const Block& block : adapter.blocks) {
@@ -106,6 +87,35 @@ std::vector<HX_U16> DisksWithBlocks(const Adapter& adapter, HX_U16 virtual_disk)
 }
 
 }  // namespace
+
+LD_Info DescribeVirtualDisk(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    LD_Info info{};
+    BlocksByPosition blocks;
+    FillInfo(adapter, virtual_disk, blocks, info);
+    return info;
+}
+
+LD_Status DescribeStatus(const Adapter& adapter, const VirtualDisk& virtual_disk, Time now) {
+    LD_Status status{};
+    status.Status = virtual_disk.state;
+    status.LDID = virtual_disk.id;
+    const Activity* const activity = ActivityOf(adapter, Owner::kVirtualDisk, virtual_disk.id);
+    if (activity == nullptr) return status;
+    status.Bga = activity->kind;
+    status.BgaPercentage = Percentage(*activity, now);
+    status.BgaState = activity->state;
+    return status;
+}
+
+LD_Config DescribeSettings(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    LD_Config config{};
+    config.CacheMode = CacheNow(adapter, virtual_disk);
+    config.AutoRebuildOn = virtual_disk.auto_rebuild;
+    config.Status = virtual_disk.state;
+    config.LDID = virtual_disk.id;
+    SetText(config.Name, virtual_disk.name);
+    return config;
+}
 
 HX_U8 SetVirtualDisk(Adapter& adapter, Time now, HX_U16 id, const LD_Config& config) {
     VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
@@ -169,22 +179,28 @@ HX_U8 HX_LD_GetInfo(HX_U8 AdapterID, LD_Info_Request* request) {
     hxsim::BlocksByPosition blocks;
     const auto describe = [&](const hxsim::Adapter& adapter, const hxsim::VirtualDisk& virtual_disk,
                               hxsim::Time, LD_Info& info) {
-        hxsim::DescribeVirtualDisk(adapter, virtual_disk, blocks, info);
+        hxsim::FillInfo(adapter, virtual_disk, blocks, info);
     };
     return hxsim::List(__func__, AdapterID, request, &LD_Info_Request::ldInfo,
                        &hxsim::Adapter::virtual_disks, HXSIM_NO_VIRTUAL_DISK, describe);
 }
 
 HX_U8 HX_LD_GetStatus(HX_U8 AdapterID, LD_Status_Request* request) {
+    const auto describe = [](const hxsim::Adapter& adapter, const hxsim::VirtualDisk& virtual_disk,
+                             hxsim::Time now, LD_Status& status) {
+        status = hxsim::DescribeStatus(adapter, virtual_disk, now);
+    };
     return hxsim::List(__func__, AdapterID, request, &LD_Status_Request::ldStatus,
-                       &hxsim::Adapter::virtual_disks, HXSIM_NO_VIRTUAL_DISK,
-                       hxsim::DescribeActivity);
+                       &hxsim::Adapter::virtual_disks, HXSIM_NO_VIRTUAL_DISK, describe);
 }
 
 HX_U8 HX_LD_GetConfig(HX_U8 AdapterID, LD_Config_Request* request) {
+    const auto describe = [](const hxsim::Adapter& adapter, const hxsim::VirtualDisk& virtual_disk,
+                             hxsim::Time, LD_Config& config) {
+        config = hxsim::DescribeSettings(adapter, virtual_disk);
+    };
     return hxsim::List(__func__, AdapterID, request, &LD_Config_Request::ldConfig,
-                       &hxsim::Adapter::virtual_disks, HXSIM_NO_VIRTUAL_DISK,
-                       hxsim::DescribeSettings);
+                       &hxsim::Adapter::virtual_disks, HXSIM_NO_VIRTUAL_DISK, describe);
 }
 
 // ---- One virtual disk ----
@@ -195,9 +211,7 @@ HX_U8 HX_LD_GetTargetLDInfo(HX_U8 AdapterID, HX_U16 LD_ID, LD_Info* info) {
             if (info == nullptr) return HXSIM_NULL_ADDRESS;
             const auto* const virtual_disk = hxsim::Find(adapter.virtual_disks, LD_ID);
             if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
-            *info = LD_Info{};
-            hxsim::BlocksByPosition blocks;
-            hxsim::DescribeVirtualDisk(adapter, *virtual_disk, blocks, *info);
+            *info = hxsim::DescribeVirtualDisk(adapter, *virtual_disk);
             if (hxsim::IsHostile()) hxsim::SpoilRecord(info, sizeof *info);
             return HX_SUCCESS;
         });

@@ -9,6 +9,11 @@
 
 namespace hxsim {
 
+/// The records of a virtual disk: what HX_LD_GetInfo, HX_LD_GetStatus and HX_LD_GetConfig say.
+LD_Info DescribeVirtualDisk(const Adapter& adapter, const VirtualDisk& virtual_disk);
+LD_Status DescribeStatus(const Adapter& adapter, const VirtualDisk& virtual_disk, Time now);
+LD_Config DescribeSettings(const Adapter& adapter, const VirtualDisk& virtual_disk);
+
 /// Makes a virtual disk on disks of its own and starts its initialisation. Sets param.LDID to its
 /// ID and param.Size to its size.
 HX_U8 CreateVirtualDisk(Adapter& adapter, Time now, Create_LD_Param& param);
