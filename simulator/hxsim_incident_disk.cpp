@@ -13,6 +13,7 @@
 #include "hxsim_event.h"
 #include "hxsim_incident.h"
 #include "hxsim_link.h"
+#include "hxsim_random.h"
 #include "hxsim_redundancy.h"
 
 namespace hxsim {
@@ -33,15 +34,6 @@ Outcome NoSuchDisk(HX_U16 disk) {
 Outcome NotThere(HX_U16 disk) { return Refused(disk, "is not there; insert or replace it first."); }
 
 Outcome HasFailed(HX_U16 disk) { return Refused(disk, "has failed; replace it."); }
-
-// A generator whose whole state is one number, as a machine keeps it.
-std::uint64_t Draw(std::uint64_t& state) {
-    state += 0x9E3779B97F4A7C15;
-    std::uint64_t drawn = state;
-    drawn = (drawn ^ drawn >> 30) * 0xBF58476D1CE4E5B9;
-    drawn = (drawn ^ drawn >> 27) * 0x94D049BB133111EB;
-    return drawn ^ drawn >> 31;
-}
 
 // Whether a disk of the adapter has that serial number or world wide name.
 bool IsTaken(const Adapter& adapter, const std::string& serial) {
