@@ -9,6 +9,7 @@
 #include <string>
 
 #include "hxsim_migration.h"
+#include "hxsim_redundancy.h"
 #include "hxsim_space.h"
 #include "living_machine.h"
 
@@ -222,6 +223,108 @@ TEST_F(LivingVirtualDisk, CanBeMadeOnWhatAnotherLeaves) {
     // 999488 sectors are 7808 stripes and 64 sectors.
     EXPECT_EQ(1998848u, Made(WantedOn(0x00, {0, 1})).Size.value);
     EXPECT_EQ("vd0.0 0+512, vd1.0 512+999424, free 999936+64", BlocksOn(0));
+}
+
+struct QuickCase {
+    const char* name;
+    HX_U16 disks;
+    HX_U8 level;
+    uint64_t sectors;
+};
+void PrintTo(const QuickCase& each, std::ostream* out) { *out << each.name; }
+
+// What is asked for when somebody wants redundancy from all free disks, as many as there are.
+const QuickCase kQuick[] = {
+    {"TwoDisks", 2, 0x01, 999936},   {"ThreeDisks", 3, 0x06, 999936},
+    {"FourDisks", 4, 0x10, 1999872}, {"FiveDisks", 5, 0x06, 2999808},
+    {"SixDisks", 6, 0x60, 1999872},
+};
+
+class QuickLivingVirtualDisk : public LivingVirtualDisk,
+                               public testing::WithParamInterface<QuickCase> {};
+
+TEST_P(QuickLivingVirtualDisk, IsMade) {
+    Ids disks;
+    for (HX_U16 id = 0; id < GetParam().disks; ++id) disks.push_back(id);
+    Create_LD_Param param = WantedOn(GetParam().level, disks);
+    param.StripeBlockSize = 64;
+    param.CachePolicy = HXSIM_CACHE_READ_AHEAD;
+    param.InitializationOption = HXSIM_INIT_QUICK;
+    param.NumParityDisk = GetParam().level == 0x60 ? 4 : 2;
+    std::strcpy(param.Name, "NEW_VD");
+    EXPECT_EQ(GetParam().sectors, Made(param).Size.value);
+    Finish();
+    EXPECT_TRUE(VirtualDiskOf(0).initialised);
+}
+
+std::string QuickName(const testing::TestParamInfo<QuickCase>& info) { return info.param.name; }
+INSTANTIATE_TEST_SUITE_P(Of, QuickLivingVirtualDisk, testing::ValuesIn(kQuick), QuickName);
+
+// ---- Records ----
+
+TEST_F(LivingVirtualDisk, IsDescribed) {
+    Create_LD_Param param = WantedOn(0x60, {0, 1, 2, 3, 4, 5}, 1024);
+    param.CachePolicy = 0x05;
+    std::memcpy(param.Name, "SIXTEEN LETTERS!", 16);
+    Made(param);
+    const LD_Info info = DescribeVirtualDisk(adapter(), VirtualDiskOf(0));
+    EXPECT_EQ(0, info.ID);
+    EXPECT_EQ(255, info.DGID);
+    EXPECT_EQ(HXSIM_STATE_OPTIMAL, info.Status);
+    EXPECT_EQ(0, info.BGAStatus);
+    EXPECT_EQ(64, info.StripeBlockSize);
+    EXPECT_EQ(0x60, info.RaidMode);
+    EXPECT_EQ(6, info.HDCount);
+    EXPECT_EQ(0x05, info.CacheMode);
+    EXPECT_EQ(1, info.SectorCoefficient);
+    EXPECT_EQ(1024u, info.Size.value);
+    EXPECT_EQ(0, std::memcmp("SIXTEEN LETTERS!", info.Name, 16));
+    EXPECT_THAT(Ids(info.BlockIDs, info.BlockIDs + 7), ElementsAre(0, 1, 2, 3, 4, 5, 0));
+    EXPECT_EQ(2, info.SubLDCount);
+    EXPECT_EQ(4, info.NumParityDisk);
+}
+
+TEST_F(LivingVirtualDisk, HasNoBlockWhereADiskIsLost) {
+    adapter().config.AutoRebuildOn = 0;
+    Made(WantedOn(0x05, {0, 1, 2}, 1024));
+    ResetDisk(adapter(), 1);
+    HomeOf(adapter(), Owner::kVirtualDisk, 0, 1)->disk = kNoId;
+    Settle(adapter(), kNow);
+    const LD_Info info = DescribeVirtualDisk(adapter(), VirtualDiskOf(0));
+    EXPECT_THAT(Ids(info.BlockIDs, info.BlockIDs + 3), ElementsAre(0, 65535, 2));
+    EXPECT_EQ(HXSIM_STATE_DEGRADED, info.Status);
+}
+
+TEST_F(LivingVirtualDisk, TellsWhatItIsDoing) {
+    Create_LD_Param param = WantedOn(0x00, {0}, 409600);
+    param.InitializationOption = HXSIM_INIT_BACKGROUND;
+    Made(param);  // 204800 sectors a second
+    const LD_Status status = DescribeStatus(adapter(), VirtualDiskOf(0), kNow + 500);
+    EXPECT_EQ(HXSIM_ACTIVITY_INIT_BACK, status.Bga);
+    EXPECT_EQ(25, status.BgaPercentage);
+    EXPECT_EQ(HXSIM_ACTIVITY_RUNNING, status.BgaState);
+    EXPECT_EQ(HXSIM_ACTIVITY_INIT_BACK, DescribeVirtualDisk(adapter(), VirtualDiskOf(0)).BGAStatus);
+    Finish();
+    const LD_Status idle = DescribeStatus(adapter(), VirtualDiskOf(0), kNow);
+    EXPECT_EQ(0, idle.Bga);
+    EXPECT_EQ(0, idle.BgaPercentage);
+    EXPECT_EQ(0, idle.BgaState);
+}
+
+TEST_F(LivingVirtualDisk, ShowsThatWriteThroughIsForced) {
+    Create_LD_Param param = WantedOn(0x00, {0}, 128);
+    param.CachePolicy = 0x05;
+    Made(param);
+    param = WantedOn(0x00, {0}, 128);
+    param.CachePolicy = 0x04;
+    Made(param);
+    Battery battery;
+    battery.present = false;
+    battery.info = {};
+    adapter().batteries.push_back(battery);
+    EXPECT_EQ(0x85, DescribeVirtualDisk(adapter(), VirtualDiskOf(0)).CacheMode);
+    EXPECT_EQ(0x85, DescribeSettings(adapter(), VirtualDiskOf(0)).CacheMode);
+    EXPECT_EQ(0x04, DescribeVirtualDisk(adapter(), VirtualDiskOf(1)).CacheMode);
 }
 
 // ---- What is not made ----
