@@ -32,7 +32,8 @@ HX_U8 StateOf(const Adapter& adapter, const DiskGroup& group);
 Home* HomeOf(Adapter& adapter, Owner of, HX_U16 owner, HX_U8 position);
 const Home* HomeOf(const Adapter& adapter, Owner of, HX_U16 owner, HX_U8 position);
 
-/// The disk group that a disk serves; null when it serves none.
+/// The disk group that a disk serves, or will serve when what is written there is complete; null
+/// when it serves none.
 const DiskGroup* GroupOf(const Adapter& adapter, HX_U16 disk);
 
 /// Whether a disk serves a virtual disk or a disk group.

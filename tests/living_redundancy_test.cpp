@@ -102,6 +102,14 @@ TEST(ADisk, IsConfiguredWhenItServesADiskGroupWithoutVirtualDisks) {
     EXPECT_EQ(nullptr, hxsim::GroupOf(it.It(), 3));
 }
 
+TEST(ADisk, ServesTheDiskGroupThatItIsWrittenFor) {
+    SmallMachine it(4);
+    const HX_U16 group = it.AddGroup(5, {0, 1, 2});
+    const HX_U16 id = it.AddVirtualDiskTo(group);
+    hxsim::Cut(it.It(), 3, 0, kHundredSeconds, id, 1).target = true;
+    EXPECT_EQ(&it.It().disk_groups[group], hxsim::GroupOf(it.It(), 3));
+}
+
 TEST(ADisk, IsFreeWhenItIsReadyAndNeitherConfiguredNorASpare) {
     SmallMachine it(4);
     it.AddVirtualDisk(0, {0});
