@@ -175,13 +175,21 @@ TEST_P(RefusedDiskGroup, HasNoSize) {
 std::string RefusedName(const testing::TestParamInfo<RefusedCase>& info) { return info.param.name; }
 INSTANTIATE_TEST_SUITE_P(Each, RefusedDiskGroup, testing::ValuesIn(kRefused), RefusedName);
 
-TEST_F(SimulatorDiskGroup, IsNotMadeOrChanged) {
-    for (const HX_U8 size_only : {HX_U8{0}, HX_U8{2}}) {
+TEST_F(SimulatorDiskGroup, IsOnlySizedWhateverNumberSaysSo) {
+    for (const HX_U8 size_only : {HX_U8{1}, HX_U8{2}, HX_U8{255}}) {
         CreateOrModify_DG_Param param = Wanted(65535, 0x05, {11, 12, 13});
-        EXPECT_EQ(202, HX_CreateOrModify_DG(0, &param, size_only));
-        EXPECT_EQ(kUntouched.value, param.Size.value);
+        EXPECT_EQ(0, HX_CreateOrModify_DG(0, &param, size_only));
+        EXPECT_EQ(3516218368u, param.Size.value);
         EXPECT_EQ(65535, param.DGID);
     }
+    EXPECT_EQ(1u, All(HX_DG_GetInfo, 0).size());
+}
+
+TEST_F(SimulatorDiskGroup, IsNotMadeLargerThanItsDisks) {
+    CreateOrModify_DG_Param param = Wanted(65535, 0x05, {11, 12, 13});
+    EXPECT_EQ(226, HX_CreateOrModify_DG(0, &param, 0));
+    EXPECT_EQ(kUntouched.value, param.Size.value);
+    EXPECT_EQ(65535, param.DGID);
     EXPECT_EQ(1u, All(HX_DG_GetInfo, 0).size());
 }
 
