@@ -23,7 +23,7 @@ auto FindHome(Rows& homes, Owner of, HX_U16 owner, HX_U8 position) -> decltype(h
 // How many of the positions first .. first + count - 1 are lost.
 unsigned CountLost(const Positions& lost, unsigned first, unsigned count) {
     unsigned number = 0;
-    for (unsigned i = first; i < first + count; ++i) number += lost[i] ? 1 : 0;
+    for (unsigned i = first; i < first + count; ++i) number += lost[i] ? 1U : 0U;
     return number;
 }
 

@@ -118,7 +118,9 @@ bool HasRoomFor(const Adapter& adapter, HX_U16 disk, unsigned more) {
 HX_U8 CheckCut(const Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors) {
     const Block* const free = FreeBlockWith(adapter, disk, start, sectors);
     if (free == nullptr) return HXSIM_NO_SPACE;
-    const unsigned left = (free->start != start) + (free->start + free->sectors != start + sectors);
+    const bool before = free->start != start;
+    const bool behind = free->start + free->sectors != start + sectors;
+    const unsigned left = (before ? 1U : 0U) + (behind ? 1U : 0U);
     if (left != 0 && !HasRoomFor(adapter, disk, left)) return HXSIM_TOO_MANY_BLOCKS;
     return HX_SUCCESS;
 }
