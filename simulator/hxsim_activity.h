@@ -56,10 +56,6 @@ void Fail(Adapter& adapter, Time now, HX_U16 activity_id);
 /// After the rates have been set anew: what runs goes on at its new speed from now on.
 void Reschedule(Adapter& adapter, Time now);
 
-/// Makes the damaged sectors of a run known and remaps them, with an event for each.
-/// Returns how many runs it was.
-HX_U32 RemapDamage(Adapter& adapter, Time now, HX_U16 disk, Sectors start, Sectors sectors);
-
 /// When something happens on this machine by itself next; kNever when nothing will.
 Time NextTransition(const Machine& machine);
 

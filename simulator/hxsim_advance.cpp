@@ -8,6 +8,7 @@
 #include "hxsim_event.h"
 #include "hxsim_migration.h"
 #include "hxsim_redundancy.h"
+#include "hxsim_remap.h"
 #include "hxsim_repair.h"
 
 namespace hxsim {
@@ -150,20 +151,6 @@ void TakeStep(Adapter& adapter, Time now, HX_U16 id) {
 }
 
 }  // namespace
-
-HX_U32 RemapDamage(Adapter& adapter, Time now, HX_U16 disk, Sectors start, Sectors sectors) {
-    HX_U32 count = 0;
-    for (Remap& each : adapter.remaps) {
-        if (each.disk != disk || each.reason != kNotRemapped) continue;
-        if (each.lba < start || each.lba - start >= sectors) continue;
-        each.reason = HXSIM_REMAP_READ_ERROR;
-        ++count;
-        const auto high = static_cast<HX_U32>(each.lba >> 32);
-        Queue(adapter, now, kRemapAdded, disk,
-              {high, static_cast<HX_U32>(each.lba), each.sectors, each.reason});
-    }
-    return count;
-}
 
 Time NextTransition(const Machine& machine) { return NextDue(machine).at; }
 

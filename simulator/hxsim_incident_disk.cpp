@@ -15,13 +15,10 @@
 #include "hxsim_link.h"
 #include "hxsim_random.h"
 #include "hxsim_redundancy.h"
+#include "hxsim_remap.h"
 
 namespace hxsim {
 namespace {
-
-// Runs that a disk can remap.
-constexpr std::size_t kRemapRoom = 64;
-constexpr std::size_t kRemapWarning = kRemapRoom * 8 / 10;
 
 Outcome Refused(HX_U16 disk, const std::string& rest) {
     return {"Disk " + std::to_string(disk) + ' ' + rest};
@@ -82,27 +79,6 @@ void InsertRemap(Adapter& adapter, const Remap& remap) {
         std::ranges::lower_bound(adapter.remaps, std::tuple(remap.disk, remap.lba), {},
                                  [](const Remap& each) { return std::tuple(each.disk, each.lba); });
     adapter.remaps.insert(at, remap);
-}
-
-// The disk puts another sector in the place of a bad one, as long as it has some left.
-bool Reassign(Adapter& adapter, Time now, HX_U16 disk, Sectors lba) {
-    const auto is_used = [&](const Remap& remap) {
-        return remap.disk == disk && remap.reason != kNotRemapped;
-    };
-    const auto used = static_cast<std::size_t>(std::ranges::count_if(adapter.remaps, is_used));
-    if (used >= kRemapRoom) {
-        Queue(adapter, now, kRemapTableFull, disk);
-        return false;
-    }
-    InsertRemap(adapter, {disk, lba, 1, HXSIM_REMAP_READ_ERROR});
-    Queue(adapter, now, kSectorReassigned, disk);
-    Queue(adapter, now, kRemapAdded, disk, AddressAnd(lba, 1, HXSIM_REMAP_READ_ERROR));
-    if (used + 1 == kRemapRoom) {
-        Queue(adapter, now, kRemapTableFull, disk);
-    } else if (used < kRemapWarning && used + 1 >= kRemapWarning) {
-        Queue(adapter, now, kRemapTable80Full, disk);
-    }
-    return true;
 }
 
 const Block* ContentAt(const Adapter& adapter, HX_U16 disk, Sectors lba) {
@@ -231,7 +207,7 @@ Outcome DamageSector(Adapter& adapter, Time now, HX_U16 disk, Sectors lba) {
         return {};
     }
     Queue(adapter, now, kDiskReadWriteError, disk);
-    const bool reassigned = Reassign(adapter, now, disk, lba);
+    const bool reassigned = Reassign(adapter, now, disk, lba, 1);
     if (reassigned && CanBeMadeAgain(adapter, *virtual_disk)) {
         Queue(adapter, now, kDiskErrorFixed, disk);
         return {};

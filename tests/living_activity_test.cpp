@@ -404,11 +404,36 @@ TEST(AMediaPatrol, FindsWhatIsDamagedAndRemapsIt) {
     it.At(199);
     it.TakeEvents();
     it.At(201);
-    const Event found = it.It().events[0].event;
-    EXPECT_THAT(it.TakeEvents(), ElementsAre("200 2.37 0 2", "200 2.22 0"));
+    const Event found = it.It().events[1].event;
+    EXPECT_THAT(it.TakeEvents(), ElementsAre("200 2.15 0", "200 2.37 0 2", "200 2.22 0"));
     EXPECT_THAT(found.Params, ElementsAre(2u, 5u, 2u, 1u));
     EXPECT_EQ(HXSIM_REMAP_READ_ERROR, it.It().remaps[0].reason);
     EXPECT_EQ(HXSIM_REMAP_WRITE_ERROR, it.It().remaps[1].reason);
+}
+
+TEST(AMediaPatrol, LeavesDamagedWhatTheDiskHasNoRoomFor) {
+    SmallMachine it(1);
+    for (hxsim::Sectors lba = 0; lba < 66; ++lba) {
+        it.It().remaps.push_back({0, lba, 1, hxsim::kNotRemapped});
+    }
+    EXPECT_EQ(0, Patrol(it, 0, 0));
+    it.At(1000);
+    EXPECT_EQ(HXSIM_REMAP_READ_ERROR, it.It().remaps[63].reason);
+    EXPECT_EQ(hxsim::kNotRemapped, it.It().remaps[64].reason);
+    const std::vector<std::string> events = it.TakeEvents();
+    EXPECT_EQ(1, std::ranges::count(events, "200 2.13 0"));  // 80 percent full
+    EXPECT_EQ(2, std::ranges::count(events, "200 2.14 0"));  // full, and no room for one more
+}
+
+TEST(ConsistencyCheck, RemapsTheDamageThatItMeets) {
+    SmallMachine it(3);
+    const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
+    it.It().remaps.push_back({1, kHundredSeconds - 1, 1, hxsim::kNotRemapped});
+    it.It().remaps.push_back({1, kHundredSeconds, 1, hxsim::kNotRemapped});
+    EXPECT_EQ(0, Check(it, 0, id, HXSIM_CHECK_ONLY));
+    it.At(1000);
+    EXPECT_EQ(HXSIM_REMAP_READ_ERROR, it.It().remaps[0].reason);
+    EXPECT_EQ(hxsim::kNotRemapped, it.It().remaps[1].reason);  // behind its block
 }
 
 TEST(AMediaPatrol, MakesWayForARebuildAndGoesOnAfterIt) {
