@@ -1,5 +1,7 @@
 #include "scenario.h"
 
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
 #include <algorithm>
 #include <memory>
 #include <ostream>
@@ -7,6 +9,7 @@
 
 #include "commands.h"
 #include "hxsim_check.h"
+#include "hxsim_event_kinds.h"
 #include "words.h"
 
 namespace {
@@ -232,8 +235,27 @@ Story::Story(Driver& driver) : driver_(driver) {
 }
 
 void Story::Keep(const Event& event) {
+    if (event.Class == hxsim::kEventError.type && event.Code == hxsim::kEventError.code) {
+        return KeepLoss(event);
+    }
     if (event.AdapterID >= next_.size() || event.SequenceNo < next_[event.AdapterID]) return;
     next_[event.AdapterID] = event.SequenceNo + 1;
+    events_.push_back({event, false});
+}
+
+// It stands in the place of what was lost, with a number that has been noted, and changes with
+// every further loss.
+void Story::KeepLoss(const Event& event) {
+    for (Seen& each : events_) {
+        if (each.event.AdapterID != event.AdapterID || each.event.Class != event.Class ||
+            each.event.Code != event.Code) {
+            continue;
+        }
+        if (!each.expected || each.event.SequenceNo == event.SequenceNo) {
+            each.event = event;
+            return;
+        }
+    }
     events_.push_back({event, false});
 }
 

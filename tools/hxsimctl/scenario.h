@@ -46,6 +46,8 @@ public:
     void Keep(const Event& event);
 
 private:
+    void KeepLoss(const Event& event);
+
     Driver& driver_;
     std::vector<HX_U32> next_;  // number of each adapter's first event that has not been noted
     std::vector<Seen> events_;
