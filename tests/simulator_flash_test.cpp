@@ -89,9 +89,9 @@ TEST_F(SimulatorFlash, HasNoImageOfAnotherType) {
     }
 }
 
-TEST_F(SimulatorFlash, IsNotWritten) {
+TEST_F(SimulatorFlash, IsNotWrittenBeforeItIsErased) {
     const auto piece = Piece(0);
-    EXPECT_EQ(202, HX_Flash_Bin(0, 15, kBios, piece.get()));
+    EXPECT_EQ(248, HX_Flash_Bin(0, 15, kBios, piece.get()));
     EXPECT_TRUE(IsUntouched(*piece));
 }
 
