@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "hxraid_codes.h"
+#include "hxsim_machine.h"
+#include "hxsim_store.h"
 #include "request.h"
 #include "temporary_root.h"
 
@@ -415,7 +417,7 @@ const Case kCases[] = {
      {},
      {}},
     {"HX_DG_GetConfig AdapterID=0 requestType=1 numRequested=9",
-     "<![CDATA[GROUP_A]]>",
+     "<Name type=\"string\">GROUP_A<",
      "HX_DG_GetConfig AdapterID=0 requestType=2 startingIndexOrId=9 numRequested=1",
      HXSIM_NO_DISK_GROUP,
      {},
@@ -423,7 +425,7 @@ const Case kCases[] = {
     {"HX_DG_SetConfig AdapterID=0 DG_ID=0 DGID=0 WriteCacheOn=1 Name=RENAMED",
      "",
      "HX_DG_SetConfig AdapterID=0 DG_ID=9 DGID=9 WriteCacheOn=1 Name=RENAMED",
-     HXSIM_NO_DISK_GROUP,
+     1,
      {},
      {}},
     {"HX_DG_Delete AdapterID=0 DG_ID=0",
@@ -445,9 +447,9 @@ const Case kCases[] = {
      HXSIM_NO_ACTIVITY,
      {kMigrationOfGroup},
      {}},
-    {"HX_CreateOrModify_VD AdapterID=0 VDID=65535 DGID=0 Name=SECOND Size=2097152",
+    {"HX_CreateOrModify_VD AdapterID=0 VDID=65535 DGID=0 Name=SECOND RaidMode=5 Size=2097152",
      "",
-     "HX_CreateOrModify_VD AdapterID=0 VDID=65535 DGID=9 Name=SECOND Size=2097152",
+     "HX_CreateOrModify_VD AdapterID=0 VDID=65535 DGID=9 Name=SECOND RaidMode=5 Size=2097152",
      HXSIM_NO_DISK_GROUP,
      {"HX_LD_Delete AdapterID=0 LD_ID=0 deleteMBR=0"},
      {}},
@@ -511,7 +513,7 @@ const Case kCases[] = {
      {},
      {}},
     {"HX_BIOS_Version filepath={image}",
-     "<MajorVersion type=\"U16\">3<",
+     "<VerMajor type=\"U16\">3<",
      "HX_BIOS_Version filepath={image}",
      1,
      {"HX_Flash_Option AdapterID=0 Actions=240 Type=1 filepath={image}"},
@@ -520,10 +522,51 @@ const Case kCases[] = {
     // What the host answers: a password that is right is for the tests that bring their own users.
     {"HX_GetUserName", "<UserName type=\"string\">root<", "", 0, {}, {}},
     {"HX_GetUserGroup lpszUsername=root", "", "", 0, {}, {}},
+    {"HX_LogonUser lpszUsername=nobody.here",
+     "<RetVal type=\"U8\">2<",
+     "HX_LogonUser lpszUsername=nobody.here",
+     2,
+     {},
+     {}},
 };
 
 std::string NameOfCase(const testing::TestParamInfo<Case>& info) {
     return std::string(info.param.request.substr(0, info.param.request.find(' ')));
+}
+
+// A foreign virtual disk comes with its disks out of another machine, and no function makes one.
+class Import : public testing::Test {
+protected:
+    Import() {
+        const std::string state = root_.Path("/hxsim.db");
+        setenv("HXSIM_STATE", state.c_str(), 1);
+        hxsim::Store(state).Change([](hxsim::Machine& machine, hxsim::Time) {
+            hxsim::Adapter& adapter = machine.adapters[0];
+            hxsim::VirtualDisk* const archive = hxsim::Find(adapter.virtual_disks, 2);
+            archive->foreign = true;
+            archive->state = HXSIM_STATE_FOREIGN;
+            for (HX_U16 id = 4; id <= 8; ++id) hxsim::Find(adapter.disks, id)->foreign = true;
+            return true;
+        });
+        vexorApiInit();
+    }
+    ~Import() override { vexorApiShutdown(); }
+
+    TemporaryRoot root_;
+};
+
+TEST_F(Import, TakesAForeignVirtualDiskOver) {
+    const std::string before =
+        Send(CommandOf("HX_LD_GetTargetLDInfo AdapterID=0 LD_ID=2", "")).text;
+    EXPECT_THAT(before, HasSubstr("<Status type=\"U8\">6<"));
+    EXPECT_EQ(CodeOf(Send(CommandOf("HX_LD_Import AdapterID=0 LD_ID=2", "")).text), HX_SUCCESS);
+    const std::string after = Send(CommandOf("HX_LD_GetTargetLDInfo AdapterID=0 LD_ID=2", "")).text;
+    EXPECT_THAT(after, HasSubstr("<Status type=\"U8\">1<"));
+}
+
+TEST_F(Import, RefusesAVirtualDiskThatIsAtHome) {
+    EXPECT_EQ(CodeOf(Send(CommandOf("HX_LD_Import AdapterID=0 LD_ID=0", "")).text),
+              HXSIM_NOT_FOREIGN);
 }
 
 INSTANTIATE_TEST_SUITE_P(Machine, EveryFunction, testing::ValuesIn(kCases), NameOfCase);
