@@ -66,7 +66,7 @@ public:
                     << (adapter_.alarm ? ", alarm sounding" : "")
                     << (adapter_.muted ? ", alarm muted" : "") << ", " << adapter_.events.size()
                     << " events waiting\n";
-        PrintDevices(1, HXSIM_DEVICE_ADAPTER, 0);
+        PrintDevices(1, HXSIM_DEVICE_ADAPTER, adapter_.id);
         for (const DiskGroup& group : adapter_.disk_groups) PrintGroup(group);
         for (const VirtualDisk& virtual_disk : adapter_.virtual_disks) {
             if (virtual_disk.group == hxsim::kNoId) PrintVirtualDisk(1, virtual_disk);

@@ -1,0 +1,207 @@
+"""hxsimctl as a program: the examples of its manual, the scenarios that ship, what it refuses.
+
+Usage: hxsimctl_test.py HXSIMCTL SOURCE_FOLDER
+"""
+
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROGRAM = ""
+SOURCE = pathlib.Path()
+TIME = re.compile(r"\d{4}-\d\d-\d\d \d\d:\d\d:\d\d UTC")
+
+
+def console_blocks(text):
+    """The (command, output) pairs of a manual's console blocks."""
+    examples = []
+    for block in text.split("```console\n")[1:]:
+        for line in block.split("```")[0].splitlines(keepends=True):
+            if line.startswith("$ "):
+                examples.append([line[2:], ""])
+            else:
+                examples[-1][1] += line
+    return examples
+
+
+class InFolder(unittest.TestCase):
+    """Runs commands in a temporary folder with the examples and a state file of its own."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        shutil.copytree(SOURCE / "examples", self.folder / "examples")
+        self.state = "hxsim.db"  # in the folder
+        self.environment = {
+            **os.environ,
+            "HXSIM_STATE": self.state,
+            "PATH": f"{pathlib.Path(PROGRAM).parent}:{os.environ['PATH']}",
+        }
+
+    def shell(self, command):
+        """What the command prints on both outputs."""
+        return subprocess.run(
+            command, shell=True, cwd=self.folder, env=self.environment, text=True,
+            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=60, check=False).stdout
+
+    def run_program(self, *arguments):
+        return subprocess.run([PROGRAM, *arguments], cwd=self.folder, env=self.environment,
+                              text=True, capture_output=True, timeout=60, check=False)
+
+    def expect(self, code, *arguments):
+        """Runs the program, which ends with that code, and returns what it says."""
+        done = self.run_program(*arguments)
+        self.assertEqual(done.returncode, code, done.stderr)
+        return done.stdout if code == 0 else done.stderr
+
+    def run_scenario(self, text, code):
+        (self.folder / "story.txt").write_text(text, encoding="utf-8")
+        return self.expect(code, "scenario", "run", "story.txt")
+
+
+class Manual(InFolder):
+    def test_every_example_prints_what_the_manual_says(self):
+        manual = (SOURCE / "docs/virtual-controller.md").read_text(encoding="utf-8")
+        examples = console_blocks(manual)
+        self.assertGreater(len(examples), 20)
+        for command, output in examples:
+            with self.subTest(command):
+                # The day is today's.
+                self.assertEqual(TIME.sub("<time>", self.shell(command)),
+                                 TIME.sub("<time>", output))
+
+    def test_every_topology_in_it_can_be_made(self):
+        manual = (SOURCE / "docs/virtual-controller.md").read_text(encoding="utf-8")
+        blocks = [each.split("```")[0] for each in manual.split("```json\n")[1:]]
+        self.assertTrue(blocks)
+        for block in blocks:
+            (self.folder / "topology.json").write_text(block, encoding="utf-8")
+            self.expect(0, "init", "--force", "--topology", "topology.json")
+            self.expect(0, "check")
+
+
+class Scenarios(InFolder):
+    def test_every_scenario_that_ships_runs_and_leaves_a_sound_machine(self):
+        files = sorted((SOURCE / "examples/scenarios").glob("*.txt"))
+        self.assertEqual(len(files), 8)
+        for file in files:
+            with self.subTest(file.name):
+                self.expect(0, "init", "--force", "--topology", "small")
+                self.assertEqual(self.expect(0, "scenario", "run", str(file)), "")
+                self.expect(0, "check")
+
+    def test_the_first_failed_expectation_is_told_with_its_line(self):
+        self.expect(0, "init", "--topology", "small")
+        said = self.run_scenario("# a comment\n+1s disk fail a0/pd0\n\n"
+                                 "expect disk a0/pd0 free\nexpect disk a0/pd1 failed\n", 1)
+        self.assertEqual(
+            said, "hxsimctl: story.txt:4: a0/pd0 is failed; free was expected\n")
+
+    def test_what_is_misspelt_is_told_before_anything_happens(self):
+        self.expect(0, "init", "--topology", "small")
+        for line, complaint in [
+            ("disk brake a0/pd0", "story.txt:2: "),
+            ("frobnicate", 'story.txt:2: "frobnicate" is no step; '),
+            ("expect disk a0/pd0 fine", 'story.txt:2: "fine" is no state of a disk; take one of '),
+            ("expect event a0 LD_EXPLODED", 'story.txt:2: "LD_EXPLODED" is the key of no event; '),
+            ("+3x disk fail a0/pd0", 'story.txt:2: "3x" is no duration; '),
+            ("create vd a0 raid=7 disks=0,1", 'story.txt:2: "raid7" is no RAID level; '),
+            ("create vd a0 raid=5 disk=0", 'story.txt:2: "disk=0" is nothing that can be set; '),
+            ("refused so create vd a0 raid=0 disks=0", 'story.txt:2: "so" is no name of '),
+            ('create vd a0 raid=0 disks=0 name="A', "story.txt:2: a quote has no end; "),
+            ("repeat 3", "story.txt:2: repeat has no end; "),
+            ("end", "story.txt:2: end without repeat; "),
+            ("clock freeze", 'story.txt:2: "clock" is no step; '),
+        ]:
+            with self.subTest(line):
+                said = self.run_scenario(f"disk fail a0/pd0\n{line}\n", 2)
+                self.assertTrue(said.startswith("hxsimctl: " + complaint), said)
+        self.assertIn("a0/pd0: free", self.expect(0, "show"))
+
+    def test_a_refusal_other_than_the_expected_one_ends_it(self):
+        self.expect(0, "init", "--topology", "small")
+        said = self.run_scenario("refused no_space create vd a0 raid=5 disks=0,0,1\n", 1)
+        self.assertEqual(
+            said, "hxsimctl: story.txt:1: HX_LD_Create was refused with 224 (disk_repeated): A disk "
+            "is named twice. It was to be refused with no_space.\n")
+        said = self.run_scenario("refused no_space create vd a0 raid=5 disks=0,1,2\n", 1)
+        self.assertEqual(
+            said, "hxsimctl: story.txt:1: it was carried out; it was to be refused with "
+            "no_space.\n")
+
+    def test_the_clock_goes_on_afterwards_as_it_did(self):
+        self.expect(0, "init", "--topology", "small")
+        self.expect(0, "clock", "speed", "600")
+        self.run_scenario("+1h\nexpect disk a0/pd0 free\n", 0)
+        self.assertIn(", 600 times as fast", self.expect(0, "clock", "show"))
+        self.run_scenario("expect disk a0/pd0 failed\n", 1)
+        self.assertIn(", 600 times as fast", self.expect(0, "clock", "show"))
+
+    def test_time_does_not_go_back(self):
+        self.expect(0, "init", "--topology", "small")
+        said = self.run_scenario("+2h\nat 1h disk fail a0/pd0\n", 1)
+        self.assertEqual(said, "hxsimctl: story.txt:2: at 1h is over; 2h have passed. Put the step "
+                         "further up\n")
+
+
+class Commands(InFolder):
+    def test_a_machine_is_not_made_over_another(self):
+        self.expect(0, "init", "--topology", "small", "--seed", "7")
+        before = self.expect(0, "show").splitlines()[2:]
+        said = self.expect(1, "init")
+        self.assertEqual(said, f"hxsimctl: {self.state}: there is a machine already; --force "
+                         "replaces it, --state names another file\n")
+        self.assertEqual(self.expect(0, "show").splitlines()[2:], before)
+
+    def test_the_same_seed_makes_the_same_machine(self):
+        trees = []
+        for file, seed in [("one.db", "7"), ("two.db", "7"), ("three.db", "8")]:
+            self.expect(0, "init", "--topology", "small", "--seed", seed, "--state", file)
+            trees.append(self.expect(0, "show", "--state", file).splitlines()[2:])
+        self.assertEqual(trees[0], trees[1])
+        self.assertNotEqual(trees[0], trees[2])
+
+    def test_the_tree_has_every_disk_of_every_adapter(self):
+        self.expect(0, "init")
+        tree = self.expect(0, "show")
+        self.assertEqual(len(re.findall(r"^ +a0/pd\d+: ", tree, re.MULTILINE)), 16)
+        self.assertEqual(len(re.findall(r"^ +a1/pd\d+: ", tree, re.MULTILINE)), 8)
+        self.assertIn('\n  a0/dg0: optimal, raid5 "GROUP_A" on pd0 pd1 pd2 pd3\n'
+                      '    a0/vd0: optimal, raid5 "DATABASE", 768.0 GiB\n', tree)
+
+    def test_exit_codes_tell_what_went_wrong(self):
+        self.expect(0, "init", "--topology", "small")
+        self.expect(1, "disk", "insert", "a0/pd0")
+        self.expect(2, "disk", "explode", "a0/pd0")
+        self.expect(2, "disk", "fail", "pd0")
+        self.expect(2, "battery", "charge", "a0", "101")
+        self.expect(2, "init", "--topology", "no such file", "--force")
+        self.expect(2, "inject", "--call", "HX_LD_GetNothing", "--code", "7")
+        self.expect(2, "inject", "--call", "HX_LD_GetInfo")
+        self.expect(2, "inject", "--code", "0")
+        self.expect(3, "disk", "fail", "a0/pd99")
+        self.expect(3, "disk", "fail", "a7/pd0")
+        self.expect(3, "fan", "a0/enc0/el3", "0")
+        self.expect(3, "inject", "clear", "5")
+        (self.folder / "text.db").write_text("no database", encoding="utf-8")
+        self.expect(5, "show", "--state", "text.db")
+
+    def test_an_output_that_cannot_be_written_is_told(self):
+        self.expect(0, "init", "--topology", "small")
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            done = subprocess.run([PROGRAM, "show"], env=self.environment, stdout=full,
+                                  stderr=subprocess.PIPE, text=True, timeout=60, check=False)
+        self.assertEqual(done.returncode, 5)
+        self.assertIn("standard output cannot be written", done.stderr)
+
+
+if __name__ == "__main__":
+    PROGRAM = str(pathlib.Path(sys.argv[1]).resolve())
+    SOURCE = pathlib.Path(sys.argv[2]).resolve()
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
