@@ -59,6 +59,12 @@ def dynamic_symbols(path, which):
     return symbols
 
 
+def symbols(path):
+    """The names of all symbols, local ones too."""
+    lines = run("nm", "--format=posix", path).splitlines()
+    return [line.split()[0] for line in lines if line]
+
+
 class Workshop:
     """Builds small objects for a self-check with the compiler that built the library."""
 
