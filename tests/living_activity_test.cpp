@@ -654,7 +654,8 @@ TEST_P(OneLeap, EqualsManySmallStepsAndLeavesASoundMachine) {
     hxsim::Time second = 0;
     for (int i = 0; i < 100; ++i) {
         const hxsim::Time next = second + static_cast<hxsim::Time>(random() % 40);
-        for (hxsim::Time now = second * 1000; now < next * 1000; now += 1 + random() % 3000) {
+        for (hxsim::Time now = second * 1000; now < next * 1000;
+             now += 1 + static_cast<hxsim::Time>(random() % 3000)) {
             hxsim::Advance(stepping.machine, living::kStart + now);
         }
         second = next;

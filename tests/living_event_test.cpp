@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdlib>
 #include <cstring>
 
 #include "hxsim_event.h"
@@ -111,6 +112,53 @@ TEST_F(Events, LostAfterTheTellingWasTakenAreCountedAnew) {
 TEST_F(Events, FromBeforeTheEpochHaveTheTimeZero) {
     Queue(adapter, -5000, hxsim::kShutdown, 0);
     EXPECT_EQ(0u, adapter.events[0].event.TimeStamp);
+}
+
+// ---- Through the library ----
+
+class GetEvent : public testing::Test {
+protected:
+    void SetUp() override {
+        setenv("HXSIM_STATE", ":memory:", 1);
+        HX_API_Initialize();
+    }
+    void TearDown() override {
+        HX_API_Finalize();
+        unsetenv("HXSIM_STATE");
+    }
+
+    HX_U8 count = 77;
+    std::array<Event, 50> events{};
+};
+
+TEST_F(GetEvent, GivesEachEventOnce) {
+    ASSERT_EQ(0, HX_EVT_GetEvent(0, 2, &count, events.data()));
+    EXPECT_EQ(2, count);
+    EXPECT_EQ(0, events[0].Class);
+    EXPECT_EQ(9, events[0].Code);
+    EXPECT_EQ(1u, events[0].SequenceNo);
+    ASSERT_EQ(0, HX_EVT_GetEvent(0, 2, &count, events.data()));
+    EXPECT_EQ(3u, events[0].SequenceNo);
+}
+
+TEST_F(GetEvent, SaysWhenThereIsNoneAnyMore) {
+    int calls = 0;
+    do {
+        ASSERT_EQ(0, HX_EVT_GetEvent(0, 50, &count, events.data()));
+    } while (count != 0 && ++calls < 20);
+    EXPECT_EQ(0, count);
+}
+
+TEST_F(GetEvent, GivesNoneWhenNoneIsAskedFor) {
+    ASSERT_EQ(0, HX_EVT_GetEvent(0, 0, &count, events.data()));
+    EXPECT_EQ(0, count);
+}
+
+TEST_F(GetEvent, IsRefusedWithoutAnAddressOrAnAdapter) {
+    EXPECT_EQ(203, HX_EVT_GetEvent(0, 50, nullptr, events.data()));
+    EXPECT_EQ(203, HX_EVT_GetEvent(0, 50, &count, nullptr));
+    EXPECT_EQ(201, HX_EVT_GetEvent(9, 50, &count, events.data()));
+    EXPECT_EQ(77, count);
 }
 
 }  // namespace
