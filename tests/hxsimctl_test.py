@@ -195,8 +195,9 @@ class Commands(InFolder):
     def test_an_output_that_cannot_be_written_is_told(self):
         self.expect(0, "init", "--topology", "small")
         with open("/dev/full", "w", encoding="utf-8") as full:
-            done = subprocess.run([PROGRAM, "show"], env=self.environment, stdout=full,
-                                  stderr=subprocess.PIPE, text=True, timeout=60, check=False)
+            done = subprocess.run([PROGRAM, "show"], cwd=self.folder, env=self.environment,
+                                  stdout=full, stderr=subprocess.PIPE, text=True, timeout=60,
+                                  check=False)
         self.assertEqual(done.returncode, 5)
         self.assertIn("standard output cannot be written", done.stderr)
 
