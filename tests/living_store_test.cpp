@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <ostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -524,6 +525,8 @@ struct Damage {
     const char* sql;
     const char* sentence;
 };
+
+void PrintTo(const Damage& damage, std::ostream* out) { *out << damage.name; }
 
 class DamagedStateFile : public StateFile, public testing::WithParamInterface<Damage> {};
 

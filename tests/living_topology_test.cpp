@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -162,6 +163,8 @@ struct Mistake {
     std::string text;
     std::string sentence;
 };
+
+void PrintTo(const Mistake& mistake, std::ostream* out) { *out << mistake.name; }
 
 class Mistaken : public testing::TestWithParam<Mistake> {};
 
