@@ -143,6 +143,26 @@ class Scenarios(InFolder):
         self.run_scenario("expect disk a0/pd0 failed\n", 1)
         self.assertIn(", 600 times as fast", self.expect(0, "clock", "show"))
 
+    def test_an_injected_fault_hits_the_calls_that_it_is_meant_for(self):
+        self.expect(0, "init", "--topology", "small")
+        self.run_scenario(
+            "inject --call HX_LD_Create --code 226 --times 2 --after 1\n"
+            "create vd a0 raid=0 disks=0 size=1GiB init=none\n"
+            "refused no_space create vd a0 raid=0 disks=0 size=1GiB init=none\n"
+            "spare a0/pd7\n"
+            "refused no_space create vd a0 raid=0 disks=0 size=1GiB init=none\n"
+            "create vd a0 raid=0 disks=0 size=1GiB init=none\n"
+            "expect vd a0/vd1 optimal\n"
+            "expect vd a0/vd2 gone\n", 0)
+
+    def test_verbose_prints_each_step_with_its_time(self):
+        self.expect(0, "init", "--topology", "small")
+        (self.folder / "story.txt").write_text(
+            "+90s disk fail a0/pd0\n# nothing\nexpect disk a0/pd0 failed\n", encoding="utf-8")
+        self.assertEqual(
+            self.expect(0, "scenario", "run", "story.txt", "--verbose"),
+            "1m30s disk fail a0/pd0\n1m30s expect disk a0/pd0 failed\n")
+
     def test_time_does_not_go_back(self):
         self.expect(0, "init", "--topology", "small")
         said = self.run_scenario("+2h\nat 1h disk fail a0/pd0\n", 1)
