@@ -484,8 +484,7 @@ TEST_F(EventFile, StoresNothingOfAnAdapterBeyondTheFourth) {
     EXPECT_EQ(704u, root_.Read(kEventFile).size());
 }
 
-// ---- Headers that lie
-// -----------------------------------------------------------------------------
+// ---- Headers that lie --------------------------------------------------------------------------
 
 TEST_F(EventFile, OfTheLargestCapacityIsReadBeyondFourGigabytes) {
     WriteHeader(10, 0xFFFFFFFF, 0xFFFFFFFF, 0, 0);  // slot 0xFFFFFFFF, then slot 0

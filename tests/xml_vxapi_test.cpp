@@ -112,8 +112,7 @@ TEST_F(Management, ExecutorNamesTheFunctionInTheDebugLog) {
     EXPECT_THAT(log.Text(), HasSubstr("\npFD->FuncName=VX_HX_EVT_Reset\n\n"));
 }
 
-// ---- Results
-// --------------------------------------------------------------------------------------
+// ---- Results -----------------------------------------------------------------------------------
 
 TEST_F(Management, ModuleInfoTellsFourVersions) {
     root_.Write("/hxraidver.dat", "2.1.0.35\n");
@@ -222,8 +221,7 @@ TEST_F(Management, LargerPageArrivesCut) {
     EXPECT_LT(800u, CountOf(result, "\n  </Event>\n"));
 }
 
-// ---- Sense data
-// -----------------------------------------------------------------------------------
+// ---- Sense data --------------------------------------------------------------------------------
 
 class SenseData : public Management {
 protected:
@@ -269,8 +267,7 @@ TEST_F(SenseData, BeyondThirtyBytesTellsItsLengthAndStopsAtThirty) {
                           std::string(kThirtyBytes)));
 }
 
-// ---- Parameters
-// -----------------------------------------------------------------------------------
+// ---- Parameters --------------------------------------------------------------------------------
 
 /// What the handlers read from the children of a "VX_HX_EVT_GetEvents" element.
 class Parameters : public Management {
