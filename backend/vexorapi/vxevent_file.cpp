@@ -130,7 +130,8 @@ void SetEventPath() {
 // Whether the event is new, by the number of the last one stored from its adapter.
 bool TakeNumber(HX_U32& last, const Event& event) {
     if (event.Class == kAdapterClass && event.Code == kAdapterFound) return true;
-    if (last != 0 && event.SequenceNo != 0 && event.SequenceNo <= last) return false;
+    // None is below a remembered 0, and an event without a number is always new.
+    if (event.SequenceNo != 0 && event.SequenceNo <= last) return false;
     last = event.SequenceNo;
     return true;
 }
