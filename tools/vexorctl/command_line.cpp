@@ -162,6 +162,7 @@ Exit Run(std::vector<std::string> words, std::string& where) {
     const auto end = std::ranges::find(words, "--");
     if (std::any_of(words.begin(), end, IsHelp)) return Help(CommandHelp(row));
     Invocation invocation = Parse(row, words);
+    if (row.changes) invocation.controller().RememberCounters();
     return row.run(invocation);
 }
 

@@ -46,6 +46,14 @@ bool IsAbsence(std::uint64_t status) {
     return status == HXSIM_NOT_SUPPORTED || status == HXSIM_NO_BATTERY;
 }
 
+std::string CountersText(const Answer& answer) {
+    std::string text;
+    const Value* const counters = answer.result.Find("ChangeCounters");
+    if (counters == nullptr) return text;
+    for (const Value& counter : counters->children) text += counter.text + " ";
+    return text;
+}
+
 }  // namespace
 
 std::uint64_t StatusOf(const Value& result) {
@@ -202,4 +210,12 @@ void Controller::Select(const std::vector<unsigned>& adapters) {
     }
     selected_ = std::move(found);
     chosen_ = true;
+}
+
+void Controller::RememberCounters() {
+    counters_ = CountersText(Ask({"VX_HX_EVT_GetChangeCounters", {}}));
+}
+
+bool Controller::CountersStand() {
+    return !counters_ || *counters_ == CountersText(Ask({"VX_HX_EVT_GetChangeCounters", {}}));
 }

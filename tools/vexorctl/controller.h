@@ -63,6 +63,10 @@ public:
     /// Restricts Selected to these; one that is not there becomes a fault with Exit::kNoObject.
     void Select(const std::vector<unsigned>& adapters);
 
+    /// Remembers the change counters as they are; CountersStand tells whether they still are so.
+    void RememberCounters();
+    bool CountersStand();
+
     /// Notes what went wrong with one object.
     void Note(Fault fault, Exit exit);
 
@@ -76,6 +80,7 @@ private:
     std::optional<Session> session_;
     std::optional<std::vector<unsigned>> adapters_;
     std::optional<std::vector<unsigned>> selected_;
+    std::optional<std::string> counters_;
     bool chosen_ = false;  // by the user: then a function that an adapter lacks is a fault
     std::vector<Fault> faults_;
     Exit exit_ = Exit::kDone;

@@ -1,11 +1,15 @@
 // vexorctl adapter ...
+#include <array>
 #include <cstdio>
 #include <utility>
 
+#include "change.h"
 #include "command.h"
+#include "failure.h"
 #include "hxraid_codes.h"
 #include "objects.h"
 #include "output.h"
+#include "target.h"
 
 namespace {
 
@@ -171,6 +175,80 @@ Exit ListAdapters(Invocation& invocation) {
     return Show(invocation, std::move(report), invocation.row().verb == "show" ? "list" : "table");
 }
 
+// ---- Changes ----------------------------------------------------------------------------------
+
+Exit MuteAdapter(Invocation& invocation) {
+    const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
+    return CarryOut(
+        invocation,
+        {.what = "Silence the alarm of " + adapter.Text(),
+         .losses = {},
+         .confirm = {},
+         .commands = {{"HX_AdapterMute", {{"AdapterID", std::to_string(adapter.adapter)}}}},
+         .address = adapter.Text(),
+         .size_bytes = {}});
+}
+
+// A setting: its option, the element of the library's record, and whether it is a switch.
+struct SettingRow {
+    OptionRow option;
+    std::string_view element;
+};
+constexpr std::string_view kOnOff = "on off";
+constexpr SettingRow kSettings[] = {
+    {{"--alarm", "ON", "The alarm may sound", kOnOff}, "AlarmOn"},
+    {{"--auto-rebuild", "ON", "Spares are taken at once", kOnOff}, "AutoRebuildOn"},
+    {{"--copyback", "ON", "A replaced disk gets its data back", kOnOff}, "CopyBack"},
+    {{"--poll-smart", "ON", "Disks are asked for their SMART state", kOnOff}, "PollSMARTStatus"},
+    {{"--interrupt-coalescing", "ON", "Interrupts are gathered", kOnOff}, "InterruptCoalescing"},
+    {{"--virtual-atapi-disabled", "ON", "The virtual ATAPI device is off", kOnOff},
+     "v_atapi_disable"},
+    {{"--background-rate", "PERCENT", "The share of background activities"}, "BGARate"},
+    {{"--check-rate", "PERCENT", "The share of consistency checks"}, "SyncRate"},
+    {{"--init-rate", "PERCENT", "The share of initialisations"}, "InitRate"},
+    {{"--rebuild-rate", "PERCENT", "The share of rebuilds"}, "RebuildRate"},
+    {{"--migration-rate", "PERCENT", "The share of migrations"}, "MigrationRate"},
+    {{"--copyback-rate", "PERCENT", "The share of copybacks"}, "CopybackRate"},
+    {{"--media-patrol-rate", "PERCENT", "The share of media patrols"}, "MediaPatrolRate"},
+};
+constexpr auto kSettingOptions = [] {
+    std::array<OptionRow, std::size(kSettings)> options{};
+    for (std::size_t i = 0; i < options.size(); ++i) options[i] = kSettings[i].option;
+    return options;
+}();
+
+// The library sets all of them at once: those that are not named stay as they are.
+Exit SetAdapter(Invocation& invocation) {
+    const Address address = FindTarget(invocation, ObjectKind::kAdapter);
+    const std::vector<Adapter> adapters = LoadAdapters(invocation.controller());
+    if (adapters.empty() || adapters.front().config.children.empty()) {
+        throw Failure(Exit::kRefused, address.Text() + ": its settings cannot be read");
+    }
+    Fields fields{{"AdapterID", std::to_string(address.adapter)}};
+    for (const Value& setting : adapters.front().config.children) {
+        fields.emplace_back(setting.name, setting.text);
+    }
+    std::vector<std::string> changes;
+    for (const SettingRow& setting : kSettings) {
+        if (!invocation.Has(setting.option.name)) continue;
+        const std::string value = setting.option.choices.empty()
+                                      ? std::to_string(*invocation.Number(setting.option.name, 100))
+                                      : SwitchOption(invocation, setting.option.name, 0);
+        for (auto& [name, old] : fields) {
+            if (name != setting.element) continue;
+            changes.push_back(std::string(name) + ": " + old + " -> " + value);
+            old = value;
+        }
+    }
+    if (changes.empty()) throw UsageError("no setting was named");
+    return CarryOut(invocation, {.what = "Set " + address.Text(),
+                                 .losses = std::move(changes),
+                                 .confirm = {},
+                                 .commands = {{"HX_Adapter_SetConfig", std::move(fields)}},
+                                 .address = address.Text(),
+                                 .size_bytes = {}});
+}
+
 constexpr CommandRow kCommands[] = {
     {.noun = "adapter",
      .verb = "list",
@@ -193,6 +271,30 @@ constexpr CommandRow kCommands[] = {
                   "vexorctl adapter show a0 --columns serial,rebuild_rate_percent"},
      .run = ListAdapters,
      .columns = Columns},
+    {.noun = "adapter",
+     .verb = "set",
+     .summary = "Change settings of an adapter; those not named stay",
+     .target = Target::kAdapter,
+     .arity = Arity::kOne,
+     .target_name = "ADAPTER",
+     .options = kSettingOptions,
+     .functions = "HX_Adapter_GetConfig HX_Adapter_SetConfig",
+     .examples = {"vexorctl adapter set a0 --rebuild-rate 80 --dry-run",
+                  "vexorctl adapter set a0 --alarm off --copyback on --dry-run"},
+     .run = SetAdapter,
+     .columns = ChangeColumns,
+     .changes = true},
+    {.noun = "adapter",
+     .verb = "mute",
+     .summary = "Silence the alarm that is sounding",
+     .target = Target::kAdapter,
+     .arity = Arity::kOne,
+     .target_name = "ADAPTER",
+     .functions = "HX_AdapterMute",
+     .examples = {"vexorctl adapter mute a0", "vexorctl adapter mute a0 --dry-run"},
+     .run = MuteAdapter,
+     .columns = ChangeColumns,
+     .changes = true},
 };
 
 }  // namespace

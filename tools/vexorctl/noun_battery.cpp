@@ -1,7 +1,9 @@
 // vexorctl battery ...
 #include <utility>
 
+#include "change.h"
 #include "command.h"
+#include "failure.h"
 #include "hxraid_codes.h"
 #include "objects.h"
 #include "output.h"
@@ -81,7 +83,89 @@ Exit ListBatteries(Invocation& invocation) {
     return Show(invocation, std::move(report), invocation.row().verb == "show" ? "list" : "table");
 }
 
-// BATTERY-COMMANDS
+// ---- Changes ----------------------------------------------------------------------------------
+
+Battery FindBattery(Invocation& invocation) {
+    const Address address = FindTarget(invocation, ObjectKind::kAdapter);
+    std::vector<Battery> batteries = LoadBatteries(invocation.controller());
+    if (batteries.empty()) {
+        throw Failure(Exit::kNoObject, address.Text() + ": the adapter has no battery");
+    }
+    return std::move(batteries.front());
+}
+
+Change ChangeOf(const Battery& battery, std::string what, std::string_view function) {
+    return {.what = std::move(what) + " the battery of " + battery.address.Text(),
+            .losses = {},
+            .confirm = {},
+            .commands = {{function, {{"AdapterID", std::to_string(battery.address.adapter)}}}},
+            .address = battery.address.Text(),
+            .size_bytes = {}};
+}
+
+Exit RelearnBattery(Invocation& invocation) {
+    return CarryOut(invocation, ChangeOf(FindBattery(invocation), "Start a relearn cycle of",
+                                         "HX_BBU_ActRelearn"));
+}
+
+Exit PowerBattery(Invocation& invocation) {
+    const Battery battery = FindBattery(invocation);
+    if (!invocation.Has("--action")) throw UsageError("--action is missing: charge or discharge");
+    Change change = ChangeOf(battery, "Change the power of", "HX_BBU_ChangePower");
+    change.commands.front().fields.emplace_back(
+        "action", CodeOption(invocation, "--action", kHxsimPowerNames));
+    return CarryOut(invocation, change);
+}
+
+// The library takes both pairs of bounds in one call: those not named stay.
+Exit SetBattery(Invocation& invocation) {
+    const Battery battery = FindBattery(invocation);
+    Change change = ChangeOf(battery, "Set", "HX_BBU_SetThreshold");
+    struct Bound {
+        const char* option;
+        const char* request;
+        const char* record;
+    };
+    constexpr Bound kBounds[] = {
+        {"--min-temperature", "tempLowerBound", "temp_lowerbound"},
+        {"--max-temperature", "tempUpperBound", "temp_upperbound"},
+        {"--min-voltage", "volLowerBound", "volt_lowerbound"},
+        {"--max-voltage", "volUpperBound", "volt_upperbound"},
+    };
+    bool bounds = false;
+    for (const Bound& bound : kBounds) {
+        const auto number = invocation.Number(bound.option, 65535);
+        bounds = bounds || number;
+        change.commands.front().fields.emplace_back(
+            bound.request, std::to_string(number.value_or(battery.info.Number(bound.record))));
+    }
+    if (!bounds) change.commands.clear();
+    const std::string adapter = std::to_string(battery.address.adapter);
+    if (invocation.Has("--use")) {
+        change.commands.push_back(
+            {"HX_BBU_SetStatus",
+             {{"AdapterID", adapter}, {"status", SwitchOption(invocation, "--use", 0)}}});
+    }
+    if (const auto capacity = invocation.Number("--capacity", 65535)) {
+        change.commands.push_back(
+            {"HX_BBU_SetMaxCapacity",
+             {{"maxCapacity", std::to_string(*capacity)}, {"BBU_ID", adapter}}});
+    }
+    if (change.commands.empty()) throw UsageError("no setting was named");
+    return CarryOut(invocation, change);
+}
+
+constexpr OptionRow kPowerOptions[] = {
+    {"--action", "ACTION", "What it is to do", "relearn charge discharge"},
+};
+constexpr OptionRow kSetOptions[] = {
+    {"--use", "ON", "Whether the adapter uses its battery", "on off"},
+    {"--min-temperature", "CELSIUS", "It is reported below this"},
+    {"--max-temperature", "CELSIUS", "It is reported above this"},
+    {"--min-voltage", "MILLIVOLTS", "It is reported below this"},
+    {"--max-voltage", "MILLIVOLTS", "It is reported above this"},
+    {"--capacity", "MAH", "The capacity that counts as full"},
+};
 
 constexpr CommandRow kCommands[] = {
     {.noun = "battery",
@@ -106,7 +190,44 @@ constexpr CommandRow kCommands[] = {
                   "vexorctl battery show a0 --columns charge_ratio,cycles"},
      .run = ListBatteries,
      .columns = Columns},
-    // BATTERY-ROWS
+    {.noun = "battery",
+     .verb = "set",
+     .summary = "Change settings of a battery; those not named stay",
+     .target = Target::kAdapter,
+     .arity = Arity::kOne,
+     .target_name = "ADAPTER",
+     .options = kSetOptions,
+     .functions = "HX_BBU_SetThreshold HX_BBU_SetStatus HX_BBU_SetMaxCapacity",
+     .examples = {"vexorctl battery set a0 --max-temperature 45 --dry-run",
+                  "vexorctl battery set a0 --use off --dry-run"},
+     .run = SetBattery,
+     .columns = ChangeColumns,
+     .changes = true},
+    {.noun = "battery",
+     .verb = "relearn",
+     .summary = "Start a relearn cycle of a battery",
+     .target = Target::kAdapter,
+     .arity = Arity::kOne,
+     .target_name = "ADAPTER",
+     .functions = "HX_BBU_ActRelearn",
+     .examples = {"vexorctl battery relearn a0 --dry-run",
+                  "vexorctl battery relearn a0 --dry-run -o json"},
+     .run = RelearnBattery,
+     .columns = ChangeColumns,
+     .changes = true},
+    {.noun = "battery",
+     .verb = "power",
+     .summary = "Charge or discharge a battery",
+     .target = Target::kAdapter,
+     .arity = Arity::kOne,
+     .target_name = "ADAPTER",
+     .options = kPowerOptions,
+     .functions = "HX_BBU_ChangePower",
+     .examples = {"vexorctl battery power a0 --action charge --dry-run",
+                  "vexorctl battery power a0 --action discharge --dry-run"},
+     .run = PowerBattery,
+     .columns = ChangeColumns,
+     .changes = true},
 };
 
 }  // namespace

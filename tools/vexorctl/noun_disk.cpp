@@ -3,6 +3,7 @@
 #include <map>
 #include <utility>
 
+#include "change.h"
 #include "command.h"
 #include "failure.h"
 #include "hxraid_codes.h"
@@ -187,9 +188,25 @@ constexpr Column<Block> kBlockColumns[] = {
 
 std::vector<ColumnInfo> BlockColumns() { return InfoOf(kBlockColumns); }
 
+// A disk without blocks is no fault: the targets are looked up, not searched for in the list.
+bool IsWanted(const std::vector<Address>& wanted, const Address& disk) {
+    return wanted.empty() || std::ranges::any_of(wanted, [&](const Address& each) {
+               return each.kind == ObjectKind::kAdapter ? each.adapter == disk.adapter
+                                                        : each == disk;
+           });
+}
+
 Exit ListBlocks(Invocation& invocation) {
-    SelectAdapters(invocation);
     Controller& controller = invocation.controller();
+    std::vector<Address> wanted;
+    for (const std::string& target : invocation.targets()) {
+        const Selector selector = ParseSelector(target);
+        const bool is_adapter = selector.form == Selector::Form::kAddress &&
+                                selector.address.kind == ObjectKind::kAdapter;
+        wanted.push_back(
+            FindObject(invocation, is_adapter ? ObjectKind::kAdapter : ObjectKind::kDisk, target));
+    }
+    SelectAdapters(invocation);
     std::vector<Block> blocks;
     for (const unsigned adapter : controller.Selected()) {
         std::map<std::uint64_t, Value> by_id;
@@ -201,6 +218,7 @@ Exit ListBlocks(Invocation& invocation) {
             const Address address{.adapter = adapter,
                                   .kind = ObjectKind::kDisk,
                                   .id = static_cast<unsigned>(disk.Number("ID"))};
+            if (!IsWanted(wanted, address)) continue;
             for (const std::uint64_t id : disk.Numbers("BlockIDs")) {
                 const auto found = by_id.find(id);
                 if (id != kNone && found != by_id.end()) blocks.push_back({address, found->second});
@@ -209,7 +227,7 @@ Exit ListBlocks(Invocation& invocation) {
     }
     Report report;
     Tabulate(report, kBlockColumns, blocks);
-    return Show(invocation, std::move(report), "table");
+    return Present(invocation, std::move(report), "table");
 }
 
 // ---- Remapped sectors -------------------------------------------------------------------------
@@ -255,10 +273,124 @@ Exit ListRemapped(Invocation& invocation) {
     }
     Report report;
     Tabulate(report, kRemappedColumns, all);
-    return Show(invocation, std::move(report), "table");
+    return Present(invocation, std::move(report), "table");
 }
 
-// DISK-COMMANDS
+// ---- Changes ----------------------------------------------------------------------------------
+
+// What a person knows a disk by.
+std::string Described(const Disk& disk) {
+    return disk.address.Text() + " (" + disk.info.Text("Model") + ", serial " +
+           disk.info.Text("SerialNo") + ", " + SizeText(512 * disk.info.Number("Size"), {}) + ", " +
+           DiskState(disk) + ")";
+}
+
+Disk FindDisk(Invocation& invocation) {
+    const Address address = FindTarget(invocation, ObjectKind::kDisk);
+    for (Disk& disk : LoadDisks(invocation.controller())) {
+        if (disk.address == address) return std::move(disk);
+    }
+    throw Failure(Exit::kNoObject, address.Text() + ": there is no such disk any more");
+}
+
+Change ChangeOf(const Disk& disk, std::string what, std::string_view function) {
+    return {.what = std::move(what) + " " + Described(disk),
+            .losses = {},
+            .confirm = {},
+            .commands = {{function, AddressFields(disk.address, "HD_ID")}},
+            .address = disk.address.Text(),
+            .size_bytes = {}};
+}
+
+Exit LocateDisk(Invocation& invocation) {
+    const Address address = FindTarget(invocation, ObjectKind::kDisk);
+    const bool off = invocation.Has("--off");
+    return CarryOut(invocation, {.what = "Switch the locate light of " + address.Text() +
+                                         (off ? " off" : " on"),
+                                 .losses = {},
+                                 .confirm = {},
+                                 .commands = {{"HX_LocateArrayDevice",
+                                               {{"AdapterID", std::to_string(address.adapter)},
+                                                {"deviceType", std::to_string(HXSIM_DEVICE_DISK)},
+                                                {"deviceId", std::to_string(address.id)},
+                                                {"ledStatus", off ? "0" : "1"}}}},
+                                 .address = address.Text(),
+                                 .size_bytes = {}});
+}
+
+Exit SpareDisk(Invocation& invocation) {
+    const std::string* const group = invocation.Get("--dg");
+    const Disk disk = FindDisk(invocation);
+    if (group == nullptr) {
+        return CarryOut(invocation, ChangeOf(disk, "Make a spare of", "HX_PD_FreeHD2GlobalSpare"));
+    }
+    const Address owner = FindObject(invocation, ObjectKind::kDiskGroup, *group);
+    if (owner.adapter != disk.address.adapter) {
+        throw UsageError(owner.Text() + " and " + disk.address.Text() + " are on two adapters");
+    }
+    Change change =
+        ChangeOf(disk, "Make a spare of " + owner.Text() + " of", "HX_PD_FreeHD2DGSpare");
+    change.commands.front().fields.emplace_back("DG_ID", std::to_string(owner.id));
+    return CarryOut(invocation, change);
+}
+
+Exit UnspareDisk(Invocation& invocation) {
+    return CarryOut(invocation, ChangeOf(FindDisk(invocation), "Make a spare no more of",
+                                         "HX_PD_Spare2FreeHD"));
+}
+
+Exit WipeDisk(Invocation& invocation) {
+    const Disk disk = FindDisk(invocation);
+    Change change = ChangeOf(disk, "Wipe the configuration off", "HX_PD_WipeHDMDD");
+    change.commands.front().fields.emplace_back("Force", invocation.Has("--force") ? "1" : "0");
+    const std::string owner = OwnerCell(disk).text;
+    if (!owner.empty()) change.losses.push_back("its part of " + owner + " will be lost");
+    if (disk.boot_record.value_or(false)) change.losses.push_back("it holds a boot record");
+    change.losses.push_back("what the disk knows of virtual disks and spares will be lost");
+    change.confirm = disk.address.Text();
+    return CarryOut(invocation, change);
+}
+
+// Its state and its settings are two calls; only what was named is sent.
+Exit SetDisk(Invocation& invocation) {
+    const Disk disk = FindDisk(invocation);
+    Change change = ChangeOf(disk, "Set", "HX_PD_SetConfig");
+    change.commands.clear();
+    if (invocation.Has("--state")) {
+        Fields fields = AddressFields(disk.address, "HD_ID");
+        fields.emplace_back("Action", CodeOption(invocation, "--state", kHxsimDiskActionNames));
+        change.commands.push_back({"HX_PD_SetHDStatus", std::move(fields)});
+        change.losses.push_back("state: " + DiskState(disk) + " -> " +
+                                invocation.Get("--state", ""));
+        if (invocation.Get("--state", "") != "online") change.confirm = disk.address.Text();
+    }
+    if (invocation.Has("--write-cache") || invocation.Has("--smart")) {
+        Fields fields = AddressFields(disk.address, "HD_ID");
+        fields.emplace_back("WriteCacheOn", SwitchOption(invocation, "--write-cache",
+                                                         disk.config.Number("WriteCacheOn")));
+        fields.emplace_back("SMARTOn",
+                            SwitchOption(invocation, "--smart", disk.config.Number("SMARTOn")));
+        fields.emplace_back("Online", disk.config.Text("Online"));
+        fields.emplace_back("DriveSpeed", disk.config.Text("DriveSpeed"));
+        fields.emplace_back("HDID", std::to_string(disk.address.id));
+        change.commands.push_back({"HX_PD_SetConfig", std::move(fields)});
+    }
+    if (change.commands.empty()) throw UsageError("no setting was named");
+    return CarryOut(invocation, change);
+}
+
+constexpr OptionRow kLocateOptions[] = {{"--off", "", "Switch the light off"}};
+constexpr OptionRow kSpareOptions[] = {
+    {"--dg", "DG", "Only for this disk group; otherwise for all of the adapter"},
+};
+constexpr OptionRow kWipeOptions[] = {
+    {"--force", "", "Even when it carries blocks of a virtual disk"},
+};
+constexpr OptionRow kSetOptions[] = {
+    {"--state", "STATE", "What the disk is to become", "online offline free"},
+    {"--write-cache", "ON", "Its write cache", "on off"},
+    {"--smart", "ON", "SMART", "on off"},
+};
 
 constexpr OptionRow kListOptions[] = {
     {"--adapter", "NUMBER", "Only those of this adapter"},
@@ -316,7 +448,70 @@ constexpr CommandRow kCommands[] = {
      .examples = {"vexorctl disk remapped a0/pd3", "vexorctl disk remapped a0/pd3 -o csv"},
      .run = ListRemapped,
      .columns = RemappedColumns},
-    // DISK-ROWS
+    {.noun = "disk",
+     .verb = "set",
+     .summary = "Change the state or the settings of a disk",
+     .target = Target::kDisk,
+     .arity = Arity::kOne,
+     .target_name = "DISK",
+     .options = kSetOptions,
+     .functions = "HX_PD_SetHDStatus HX_PD_SetConfig HX_PD_GetConfig",
+     .examples = {"vexorctl disk set a0/pd3 --write-cache on --dry-run",
+                  "vexorctl disk set a0/pd3 --state offline --dry-run"},
+     .run = SetDisk,
+     .columns = ChangeColumns,
+     .changes = true},
+    {.noun = "disk",
+     .verb = "spare",
+     .summary = "Make a free disk a spare",
+     .target = Target::kDisk,
+     .arity = Arity::kOne,
+     .target_name = "DISK",
+     .options = kSpareOptions,
+     .functions = "HX_PD_FreeHD2GlobalSpare HX_PD_FreeHD2DGSpare",
+     .examples = {"vexorctl disk spare a0/pd11 --dry-run",
+                  "vexorctl disk spare a0/pd11 --dg a0/dg0 --dry-run"},
+     .run = SpareDisk,
+     .columns = ChangeColumns,
+     .changes = true},
+    {.noun = "disk",
+     .verb = "unspare",
+     .summary = "Make a spare a free disk",
+     .target = Target::kDisk,
+     .arity = Arity::kOne,
+     .target_name = "DISK",
+     .functions = "HX_PD_Spare2FreeHD",
+     .examples = {"vexorctl disk unspare a0/pd9 --dry-run",
+                  "vexorctl disk unspare a0/pd9 --dry-run -o json"},
+     .run = UnspareDisk,
+     .columns = ChangeColumns,
+     .changes = true},
+    {.noun = "disk",
+     .verb = "wipe",
+     .summary = "Take the configuration off a disk",
+     .target = Target::kDisk,
+     .arity = Arity::kOne,
+     .target_name = "DISK",
+     .options = kWipeOptions,
+     .functions = "HX_PD_WipeHDMDD",
+     .examples = {"vexorctl disk wipe a0/pd11 --dry-run",
+                  "vexorctl disk wipe a0/pd11 --force --dry-run"},
+     .run = WipeDisk,
+     .columns = ChangeColumns,
+     .note = "It asks for the address of the disk.",
+     .changes = true},
+    {.noun = "disk",
+     .verb = "locate",
+     .summary = "Switch the locate light of a disk",
+     .target = Target::kDisk,
+     .arity = Arity::kOne,
+     .target_name = "DISK",
+     .options = kLocateOptions,
+     .functions = "HX_LocateArrayDevice",
+     .examples = {"vexorctl disk locate a0/pd3", "vexorctl disk locate a0/pd3 --off"},
+     .run = LocateDisk,
+     .columns = ChangeColumns,
+     .changes = true},
 };
 
 // What the controller tells of disks in lists of their own, by the disks' numbers.

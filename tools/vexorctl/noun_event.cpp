@@ -11,6 +11,7 @@
 #include <ctime>
 #include <utility>
 
+#include "change.h"
 #include "command.h"
 #include "duration.h"
 #include "event_catalogue.h"
@@ -314,7 +315,16 @@ Exit ListKeys(Invocation& invocation) {
     return Show(invocation, std::move(report), "table");
 }
 
-// EVENT-COMMANDS
+Exit ResetEvents(Invocation& invocation) {
+    const Extent extent = AskExtent(invocation.controller());
+    return CarryOut(invocation, {.what = "Reset the event store",
+                                 .losses = {std::to_string(extent.next - extent.first) +
+                                            " stored events will be lost"},
+                                 .confirm = "events",
+                                 .commands = {{"VX_HX_EVT_Reset", {}}},
+                                 .address = {},
+                                 .size_bytes = {}});
+}
 
 constexpr OptionRow kListOptions[] = {
     {"--last", "COUNT", "Only the newest so many"},
@@ -365,7 +375,18 @@ constexpr CommandRow kCommands[] = {
      .examples = {"vexorctl event keys", "vexorctl event keys -o csv"},
      .run = ListKeys,
      .columns = KeyColumns},
-    // EVENT-ROWS
+    {.noun = "event",
+     .verb = "reset",
+     .summary = "Empty the event store",
+     .target = Target::kNone,
+     .arity = Arity::kNone,
+     .target_name = "",
+     .functions = "VX_HX_EVT_Reset",
+     .examples = {"vexorctl event reset --dry-run", "vexorctl event reset --dry-run -o json"},
+     .run = ResetEvents,
+     .columns = ChangeColumns,
+     .note = "It asks for the word \"events\".",
+     .changes = true},
 };
 
 }  // namespace

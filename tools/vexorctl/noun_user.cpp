@@ -32,14 +32,10 @@ constexpr Column<User> kColumns[] = {
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
-Exit Present(Invocation& invocation, User user) {
+Exit PresentUser(Invocation& invocation, User user) {
     Report report;
     Tabulate(report, kColumns, std::vector<User>{std::move(user)});
-    report.command = invocation.row().Name();
-    const Style style = StyleOf(invocation, "table");
-    Arrange(invocation, style, report);
-    Print(report, style);
-    return Exit::kDone;
+    return Present(invocation, std::move(report), "table");
 }
 
 Exit ShowUser(Invocation& invocation) {
@@ -65,7 +61,7 @@ Exit ShowUser(Invocation& invocation) {
                                            ")");
     }
     user.group = group.result.Text("UserGroup");
-    return Present(invocation, std::move(user));
+    return PresentUser(invocation, std::move(user));
 }
 
 // A terminal shows nothing of a password; its settings come back whatever happens.
@@ -117,7 +113,7 @@ Exit LogOn(Invocation& invocation) {
                                                std::to_string(answer.status) + ")");
     }
     user.group = answer.result.Text("UserGroup");
-    return Present(invocation, std::move(user));
+    return PresentUser(invocation, std::move(user));
 }
 
 constexpr OptionRow kOptions[] = {{"--domain", "DOMAIN", "The domain or host of the account"}};
@@ -142,8 +138,8 @@ constexpr CommandRow kCommands[] = {
      .target_name = "NAME",
      .options = kOptions,
      .functions = "HX_LogonUser",
-     .examples = {"vexorctl user logon root <password",
-                  "vexorctl user logon root -o json <password"},
+     .examples = {"vexorctl user logon admin <password",
+                  "vexorctl user logon admin -o json <password"},
      .run = LogOn,
      .columns = Columns,
      .note = "The password is asked for, or read from standard input; it is never an argument, "

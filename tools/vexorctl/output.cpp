@@ -443,9 +443,17 @@ void SelectAdapters(Invocation& invocation) {
     if (!adapters.empty()) invocation.controller().Select(adapters);
 }
 
+Exit Present(Invocation& invocation, Report report, std::string_view format) {
+    report.command = invocation.row().Name();
+    const Style style = StyleOf(invocation, format);
+    Arrange(invocation, style, report);
+    report.faults = invocation.controller().faults();
+    Print(report, style);
+    return invocation.controller().exit();
+}
+
 Exit Show(Invocation& invocation, Report report, std::string_view format) {
     Controller& controller = invocation.controller();
-    report.command = invocation.row().Name();
     if (!invocation.targets().empty()) {
         std::vector<std::vector<Cell>> kept;
         const auto column = [&](std::string_view key) {
@@ -488,9 +496,5 @@ Exit Show(Invocation& invocation, Report report, std::string_view format) {
         }
         report.rows = std::move(kept);
     }
-    const Style style = StyleOf(invocation, format);
-    Arrange(invocation, style, report);
-    report.faults = controller.faults();
-    Print(report, style);
-    return controller.exit();
+    return Present(invocation, std::move(report), format);
 }

@@ -38,6 +38,9 @@ void PrintMore(const Report& report, const Style& style, bool first);
 /// "serial".
 Exit Show(Invocation& invocation, Report report, std::string_view format);
 
+/// Prints the report as it is, all its rows, with the controller's faults.
+Exit Present(Invocation& invocation, Report report, std::string_view format);
+
 /// Restricts the controller to the adapters that the targets and --adapter name.
 void SelectAdapters(Invocation& invocation);
 
