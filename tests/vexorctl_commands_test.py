@@ -314,6 +314,28 @@ class Plans(Base):
         self.assertEqual(code, 8)
 
 
+class Terminal(Base):
+    def on_terminal(self, **more):
+        pid, master = pty.fork()
+        if pid == 0:
+            os.execve(VEXORCTL, [VEXORCTL, "vd", "list", "--columns", "state"],
+                      {**self.environment, **more})
+        said = b""
+        try:
+            while chunk := os.read(master, 4096):
+                said += chunk
+        except OSError:
+            pass
+        os.waitpid(pid, 0)
+        os.close(master)
+        return said
+
+    def test_states_are_coloured_on_a_terminal_unless_no_color_says_otherwise(self):
+        self.assertIn(b"\x1b[32moptimal\x1b[0m", self.on_terminal())
+        self.assertNotIn(b"\x1b", self.on_terminal(NO_COLOR="1"))
+        self.assertNotIn("\x1b", self.run_words("vd", "list").stdout)
+
+
 class Events(Base):
     def follow(self, *words):
         return self.run_words("event", "follow", "--once", "-o", "jsonl", *words)

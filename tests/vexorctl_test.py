@@ -10,11 +10,14 @@ usage: vexorctl_test.py VEXORCTL FAILING_LIBRARY_FOLDER OTHER_CONTROLLER_FOLDER 
 
 import os
 import pathlib
+import pty
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 HERE = pathlib.Path(__file__).resolve().parent
@@ -664,6 +667,65 @@ class Unavailable(VexorctlTest):
         with open("/dev/full", "wb") as full:
             run = self.vexorctl("--help", stdout=full)
         self.expect(run, 5, "", "vexorctl: standard output: No space left on device\n")
+
+
+# Every command gets this answer: one adapter, on which virtual disk 0 is rebuilt, 40 percent done.
+REBUILDING = (
+    '<HX_Adapter_GetCount type="function"><RetVal type="U8">1</RetVal>'
+    "<RequestHeader><nextStartingIndex>65535</nextStartingIndex></RequestHeader>"
+    "<Status><LDID>0</LDID><Bga>{activity}</Bga><BgaState>1</BgaState>"
+    "<BgaPercentage>40</BgaPercentage></Status></HX_Adapter_GetCount>"
+)
+
+
+class Waiting(VexorctlTest):
+    def environment(self, activity=6):
+        return {
+            **os.environ, "VEXORAPI_ROOT": str(self.root), "STANDIN": "",
+            "STANDIN_RESULT": REBUILDING.format(activity=activity),
+            "LD_LIBRARY_PATH": FAILING_LIBRARY,
+        }
+
+    def test_a_wait_that_times_out_ends_with_code_7_and_draws_nothing_in_a_pipe(self):
+        self.expect(
+            self.answered(REBUILDING.format(activity=6), "task", "wait", "--timeout", "1s"),
+            7,
+            "",
+            "vexorctl: a0/vd0: the wait timed out; the task goes on\n",
+        )
+
+    def test_ctrl_c_ends_the_waiting_and_says_that_the_task_goes_on(self):
+        process = subprocess.Popen([VEXORCTL, "task", "watch"], env=self.environment(),
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        time.sleep(0.5)
+        process.send_signal(signal.SIGINT)
+        out, err = process.communicate(timeout=20)
+        self.assertEqual(err, b"vexorctl: a0/vd0: interrupted; the task goes on\n")
+        self.assertEqual((out, process.returncode), (b"", 130))
+
+    def test_a_terminal_shows_a_bar(self):
+        pid, master = pty.fork()
+        if pid == 0:
+            os.execve(VEXORCTL, [VEXORCTL, "task", "watch", "--timeout", "1s"], self.environment())
+        said = b""
+        try:
+            while chunk := os.read(master, 4096):
+                said += chunk
+        except OSError:
+            pass
+        _, status = os.waitpid(pid, 0)
+        os.close(master)
+        self.assertIn(b"\r\x1b[Ka0/vd0 rebuild [############..................] 40%", said)
+        self.assertTrue(said.endswith(
+            b"\r\x1b[Kvexorctl: a0/vd0: the wait timed out; the task goes on\r\n"), said)
+        self.assertEqual(os.waitstatus_to_exitcode(status), 7)
+
+    def test_a_code_without_a_name_is_shown_as_its_number(self):
+        result = REBUILDING.format(activity=99)
+        run = self.answered(result, "task", "list", "--no-header", "--columns", "activity,state")
+        self.expect(run, 0, "99  running\n", "")
+        run = self.answered(result, "task", "list", "-o", "jsonl", "--columns", "activity")
+        self.expect(run, 0, '{"activity":{"code":99,"name":null}}\n', "")
 
 
 class LoadOrder(VexorctlTest):
