@@ -266,6 +266,19 @@ class Plans(Base):
                                      r"<RaidMode>5</RaidMode><HDCount>4</HDCount>")
         self.assertEqual(self.run_words("vd", "list", "-o", "json").stdout, before)
 
+    def test_a_virtual_disk_of_no_disks_is_wrong_use(self):
+        run = self.run_words("vd", "create", "--adapter", "0", "--raid", "0", "--disks", "0")
+        self.assertEqual(
+            (run.stderr, run.returncode),
+            ("vexorctl: no disks: a virtual disk needs one at least "
+             "(see vexorctl vd create --help)\n", 2))
+
+    def test_disks_of_one_link_are_picked_where_there_is_a_choice(self):
+        run = self.run_words("vd", "create", "--adapter", "0", "--raid", "1", "--disks", "2",
+                             "--dry-run")
+        models = set(re.findall(r"^  a0/pd\d+ \((\w+),", run.stdout, re.MULTILINE))
+        self.assertEqual(len(models), 1, run.stdout)
+
     def test_too_few_disks_are_told_with_those_that_are_free(self):
         run = self.run_words("vd", "create", "--adapter", "1", "--raid", "5", "--disks", "100")
         self.assertEqual(run.returncode, 1)

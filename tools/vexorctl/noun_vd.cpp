@@ -1,6 +1,7 @@
 // vexorctl vd ...
 #include <algorithm>
 #include <map>
+#include <span>
 #include <utility>
 
 #include "change.h"
@@ -249,6 +250,19 @@ std::string FreeDisksText(const std::vector<Disk>& disks) {
     return text.empty() ? "none" : text;
 }
 
+// What each of the disks has room for; 0 when they are connected in different ways and may not be.
+std::uint64_t RoomOf(std::span<const Disk> disks, bool mixed) {
+    std::uint64_t room = UINT64_MAX;
+    for (const Disk& disk : disks) {
+        room = std::min(room, disk.free_space.Number("Size"));
+        if (!mixed &&
+            disk.info.Number("ConnectionType") != disks.front().info.Number("ConnectionType")) {
+            return 0;
+        }
+    }
+    return room;
+}
+
 // Of the free disks of one adapter so many that lie closest together in size: nothing of them is
 // wasted. Those without a boot record come first; the largest such disks are taken.
 std::vector<Disk> PickDisks(Invocation& invocation, std::size_t count) {
@@ -268,17 +282,15 @@ std::vector<Disk> PickDisks(Invocation& invocation, std::size_t count) {
     });
     std::size_t best = 0;
     std::uint64_t best_room = 0;
-    for (std::size_t at = 0; at + count <= candidates.size(); ++at) {
-        std::uint64_t room = UINT64_MAX;
-        std::uint64_t links = 0;
-        for (std::size_t i = at; i < at + count; ++i) {
-            room = std::min(room, candidates[i].free_space.Number("Size"));
-            links |= std::uint64_t{1} << (candidates[i].info.Number("ConnectionType") & 31);
-        }
-        if ((links & (links - 1)) != 0 && at + count < candidates.size()) continue;
-        if (room > best_room) {
-            best = at;
-            best_room = room;
+    // Disks that are connected in different ways are mixed only where there is no other choice.
+    for (const bool mixed : {false, true}) {
+        if (best_room != 0) break;
+        for (std::size_t at = 0; at + count <= candidates.size(); ++at) {
+            const std::uint64_t room = RoomOf(std::span(candidates).subspan(at, count), mixed);
+            if (room > best_room) {
+                best = at;
+                best_room = room;
+            }
         }
     }
     return {candidates.begin() + static_cast<std::ptrdiff_t>(best),
@@ -399,6 +411,8 @@ Exit CreateVirtualDisk(Invocation& invocation) {
     }
     const std::vector<Disk> disks =
         count ? PickDisks(invocation, *count) : NamedDisks(invocation, invocation.targets());
+    // --disks 0, or disks that were unplugged between two looks.
+    if (disks.empty()) throw UsageError("no disks: a virtual disk needs one at least");
     const unsigned adapter = disks.front().address.adapter;
     const std::string init =
         invocation.Has("--init") ? CodeOption(invocation, "--init", kHxsimInitNames) : "0";
