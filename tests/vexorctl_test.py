@@ -588,6 +588,12 @@ class Usage(VexorctlTest):
                        f"{SEE_CALL_HELP}"),
             (["call", "HX_API_Version", "--now"],
              f"The following argument was not expected: --now{SEE_CALL_HELP}"),
+            (["-o", "json"], f"a command is missing{SEE_HELP}"),
+            (["disk", "list", "-o"],
+             "--output needs a value (see vexorctl disk list --help)\n"),
+            (["disk", "list", "-o", "yaml"],
+             '--output cannot be "yaml"; say one of: table wide list json jsonl csv xml '
+             "(see vexorctl disk list --help)\n"),
             (["counters"], "a verb is missing; say one of show (see vexorctl counters --help)\n"),
             (["counters", "list"],
              'counters has no verb "list"; say one of show (see vexorctl counters --help)\n'),

@@ -27,8 +27,9 @@ bool Contains(std::string_view words, std::string_view word) {
     return false;
 }
 
-// The options of every command may stand before the noun too: they are moved behind it.
-void MoveLeadingOptions(std::vector<std::string>& words) {
+// The options of every command may stand before the noun too: they are moved behind it. Returns how
+// many words that were.
+std::size_t MoveLeadingOptions(std::vector<std::string>& words) {
     std::vector<std::string> leading;
     while (!words.empty() && words.front().starts_with('-')) {
         const std::string name = words.front().substr(0, words.front().find('='));
@@ -44,6 +45,7 @@ void MoveLeadingOptions(std::vector<std::string>& words) {
     }
     const auto end = std::ranges::find(words, "--");
     words.insert(end, leading.begin(), leading.end());
+    return leading.size();
 }
 
 const NounRow& FindNoun(const std::string& word) {
@@ -103,6 +105,9 @@ Invocation Parse(const CommandRow& row, const std::vector<std::string>& typed) {
     std::ranges::reverse(words);
     try {
         app.parse(words);
+    } catch (const CLI::ArgumentMismatch& error) {
+        const std::string text = WithoutMarks(error.what());
+        throw UsageError(text.substr(0, text.find(':')) + " needs a value");
     } catch (const CLI::ParseError& error) {
         throw UsageError(WithoutMarks(error.what()));
     }
@@ -133,8 +138,8 @@ Exit Help(const std::string& text) {
 }
 
 Exit Run(std::vector<std::string> words, std::string& where) {
-    MoveLeadingOptions(words);
-    if (words.empty()) throw UsageError("a command is missing");
+    const std::size_t leading = MoveLeadingOptions(words);
+    if (words.size() == leading) throw UsageError("a command is missing");
     if (words.front() == "--version") return Help("vexorctl " VEXORCTL_VERSION "\n");
     if (IsHelp(words.front())) return Help(ProgramHelp());
     if (words.front().starts_with('-')) {
