@@ -1,6 +1,6 @@
 // Pieces of work for valgrind to count the instructions of: collection is switched on within
 // Counted alone. Names the work on the command line, prints the bytes that it has written (of a
-// command: read).
+// command: read; of event texts: how many there are).
 #include <array>
 #include <cstdio>
 #include <cstring>
@@ -9,6 +9,7 @@
 
 #include "bench.h"
 #include "vexorapi.h"
+#include "vxevent_yardsticks.h"
 #include "written.h"
 #include "xml_rapi.h"
 #include "yardsticks.h"
@@ -37,6 +38,16 @@ Work ParsedBare(std::string command) {
     return [command = std::move(command)] {
         yardstick::BareExpat(command);
         return command.size();
+    };
+}
+
+// Event texts ------------------------------------------------------------------------------------
+
+Work Rendered(std::vector<Event> events) {
+    return [events = std::move(events)] {
+        std::array<char, kEventTextSize> text;
+        for (const Event& event : events) VX_HX_EVT_Sprintf(&event, text.data());
+        return events.size();
     };
 }
 
@@ -85,6 +96,7 @@ std::vector<Entry> Entries() {
         {"adapter/library", Written<XML_RA_Adapter_Info>(std::vector{bench::SampleAdapter()})},
         {"disks/library", Written<XML_RA_HD_Info>(bench::SampleDisks(128))},
         {"groups/library", Written<XML_RA_DG_Info>(bench::SampleDiskGroups(64))},
+        {"event_text/library", Rendered(yardstick::SampleEvents(1, 64))},
     };
     AddRecord<XML_RA_RequestHeader_Entity_Info, RequestHeader>(all, "record/RequestHeader");
     AddRecord<XML_RA_Link_Endpoint_Info, Link_Endpoint>(all, "record/Link_Endpoint");

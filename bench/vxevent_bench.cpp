@@ -170,8 +170,7 @@ void OneText(benchmark::State& state) {
 BENCHMARK(OneText<Rendered>)->Name("event_text/library");
 BENCHMARK(OneText<yardstick::PrintedText>)->Name("event_text/printf");
 
-// ---- The request
-// ----------------------------------------------------------------------------------
+// ---- The request -------------------------------------------------------------------------------
 
 std::array<char, VEXORAPI_MAX_RESULT> result;
 constexpr char kCommand[] =

@@ -188,8 +188,7 @@ void StreamStore::Read(HX_U32 seq, HX_U32 count, Event* events) {
     std::fclose(file);
 }
 
-// ---- The literal request
-// --------------------------------------------------------------------------
+// ---- The literal request -----------------------------------------------------------------------
 
 namespace {
 

@@ -399,6 +399,20 @@ TEST_F(Collection, PageOverTheNewestIsCut) {
     EXPECT_EQ(Range(1095, 5), Numbers(page.events));
 }
 
+TEST_F(Collection, PageOfWhichOnlyTheFirstAreReadTellsTheSameNumbers) {
+    CheckIn(DiskEvents(1000, 100));
+    HX_U32 n = 10;
+    HX_U32 s = kNewestEvents;
+    HX_U32 e = 49;
+    Event events[3];
+    std::memset(events, 0xEE, sizeof events);
+    EXPECT_EQ(0, VX_EvGetFirst(&n, &s, &e, events, 2));
+    EXPECT_THAT((std::vector<HX_U32>{n, s, e}), ElementsAre(10, 40, 49));
+    EXPECT_EQ(1040u, events[0].SequenceNo);
+    EXPECT_EQ(1041u, events[1].SequenceNo);
+    EXPECT_EQ(0xEEEEEEEEu, events[2].SequenceNo);
+}
+
 TEST_F(Collection, PageBelowTheOldestStartsThere) {
     SetCapacity(50);
     CheckIn(DiskEvents(1000, 70));
@@ -418,6 +432,18 @@ TEST_F(Collection, QueryOfAMissingStoreChangesNothingAndDeliversZeros) {
     EXPECT_THAT((std::vector<HX_U32>{page.n, page.s, page.e}), ElementsAre(2, 3, 4));
     EXPECT_THAT(page.events, Each(testing::Truly(IsZero)));
     EXPECT_FALSE(root_.Exists(kEventFile));
+}
+
+TEST_F(Collection, QueryOfAMissingStoreFillsNoMoreThanItsRoom) {
+    HX_U32 n = 10;
+    HX_U32 s = 0;
+    HX_U32 e = 0;
+    Event events[3];
+    std::memset(events, 0xEE, sizeof events);
+    EXPECT_EQ(0, VX_EvGetFirst(&n, &s, &e, events, 2));
+    EXPECT_EQ(10u, n);
+    EXPECT_TRUE(IsZero(events[1]));
+    EXPECT_EQ(0xEEEEEEEEu, events[2].SequenceNo);
 }
 
 TEST_F(Collection, QueryOfAMissingStoreIsToldInTheDebugLog) {

@@ -127,6 +127,19 @@ TEST_F(EventFile, LeavesNothingOfALongerTextBehindAShorterOne) {
     EXPECT_EQ(text + std::string(120 - text.size(), '\0'), StoredText(root_.Read(kEventFile), 0));
 }
 
+TEST_F(EventFile, WritesNothingOfSlotsThatItHasReadBefore) {
+    CheckIn(DiskEvents(1, 2));
+    const std::string whole = root_.Read(kEventFile);
+    std::string other = whole;
+    other.replace(512, 8, 8, '\xEE');
+    other.replace(704, 8, 8, '\xEE');
+    root_.Write(kEventFile, other);
+    Get(2, 0, 0);
+    CheckIn(DiskEvents(3, 2));
+    EXPECT_EQ(whole.substr(512, 8), root_.Read(kEventFile).substr(896, 8));
+    EXPECT_EQ(whole.substr(704, 8), root_.Read(kEventFile).substr(1088, 8));
+}
+
 TEST_F(EventFile, SequenceNumberFileIs96BytesWithoutSerialNumbers) {
     CheckIn({MakeEvent(2, 1, 0x01020304)}, 2);
     EXPECT_EQ(std::string(8, '\0') + "\x04\x03\x02\x01" + std::string(84, '\0'),
@@ -400,6 +413,16 @@ TEST_F(EventFile, SequenceNumbersUpToTheLastOf32BitsAreFound) {
     EXPECT_EQ(kNoOffset, VX_EvSeqToOffset(0));
 }
 
+TEST_F(EventFile, ReadBySequenceNumberEndsAtTheNewest) {
+    CheckIn(DiskEvents(100, 5));
+    ASSERT_EQ(1, VX_EvFile_Load(kForReading));
+    std::vector<Event> events(10, MakeEvent(0, 0, 7));
+    EXPECT_EQ(2u, VX_EvFile_LoadEventsBySeq(events.data(), 3, 10));
+    EXPECT_EQ(0u, VX_EvFile_LoadEventsBySeq(events.data() + 2, 5, 8));
+    VX_EvFile_Close();
+    EXPECT_THAT(Numbers(events), ElementsAre(103, 104, 7, 7, 7, 7, 7, 7, 7, 7));
+}
+
 TEST_F(EventFile, ReadOverTheRingsEndIsTwoBlocks) {
     g_VX_EventExt.EvLogHeader = {"", 20, 20, 18, 17, 0};
     EXPECT_EQ(3u, VX_EvGetMaxReadContinusBlock(0, 10));
@@ -484,8 +507,7 @@ TEST_F(EventFile, StoresNothingOfAnAdapterBeyondTheFourth) {
     EXPECT_EQ(704u, root_.Read(kEventFile).size());
 }
 
-// ---- Headers that lie
-// -----------------------------------------------------------------------------
+// ---- Headers that lie --------------------------------------------------------------------------
 
 TEST_F(EventFile, OfTheLargestCapacityIsReadBeyondFourGigabytes) {
     WriteHeader(10, 0xFFFFFFFF, 0xFFFFFFFF, 0, 0);  // slot 0xFFFFFFFF, then slot 0

@@ -186,8 +186,7 @@ TEST_F(Processes, FourReadBesideOneThatChecksIn) {
     RecordProperty("torn_reads", static_cast<int>(torn));
 }
 
-// ---- Writers that are killed
-// ----------------------------------------------------------------------
+// ---- Writers that are killed -------------------------------------------------------------------
 
 // A sanitized process is costly to fork.
 constexpr int kKills = kSanitized ? 200 : 2000;

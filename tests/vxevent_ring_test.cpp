@@ -130,8 +130,7 @@ TEST_P(AnyRing, IsWrittenOverItsPhysicalEndFromEveryEnd) {
 
 INSTANTIATE_TEST_SUITE_P(Ring, AnyRing, testing::Values(1, 2, 3, 50, 50000, 65535), CapacityName);
 
-// ---- Rings that have been filled by check-in
-// -----------------------------------------------------
+// ---- Rings that have been filled by check-in ---------------------------------------------------
 
 TEST_F(EventStore, LargestRingGivesUpItsOldestAfter65535Events) {
     SetCapacity(65535);

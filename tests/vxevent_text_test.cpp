@@ -463,8 +463,7 @@ TEST_F(AdapterFound, AloneFollowsTheTimeZone) {
               TextOf(SampleEvent(1, 9)));
 }
 
-// ---- Time
-// -----------------------------------------------------------------------------------------
+// ---- Time --------------------------------------------------------------------------------------
 
 std::string TimeOf(std::uint32_t seconds) {
     Event event{};

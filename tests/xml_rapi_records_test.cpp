@@ -10,6 +10,7 @@
 
 #include "XMLWriter.h"
 #include "XMLWriter_document.h"
+#include "child_process.h"
 #include "reference_writer.h"
 #include "xml_rapi.h"
 #include "xml_rapi_test_adapter.h"
@@ -415,8 +416,12 @@ TEST_F(RecordsAgainstReference, VersionsAgreeAtEachOfTheLastPositions) {
     }
 }
 
+// Two adapters at 12002 positions are what the sanitizers are slowest at, and they look for bad
+// accesses, which neighbouring positions only repeat: every fifth does there.
+constexpr std::uint32_t kAdapterStep = kSanitized ? 5 : 1;
+
 TEST_F(RecordsAgainstReference, AdaptersAgreeAtEachOfTheLastPositions) {
-    for (std::uint32_t room = 0; room <= 6000; ++room) {
+    for (std::uint32_t room = 0; room <= 6000; room += kAdapterStep) {
         for (const int depth : {1, kDepths[room % std::size(kDepths)]}) {
             Place(room, depth);
             const Adapter_Info adapters[] = {RandomAdapter(), RandomAdapter()};

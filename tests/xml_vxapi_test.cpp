@@ -112,8 +112,7 @@ TEST_F(Management, ExecutorNamesTheFunctionInTheDebugLog) {
     EXPECT_THAT(log.Text(), HasSubstr("\npFD->FuncName=VX_HX_EVT_Reset\n\n"));
 }
 
-// ---- Results
-// --------------------------------------------------------------------------------------
+// ---- Results -----------------------------------------------------------------------------------
 
 TEST_F(Management, ModuleInfoTellsFourVersions) {
     root_.Write("/hxraidver.dat", "2.1.0.35\n");
@@ -222,8 +221,7 @@ TEST_F(Management, LargerPageArrivesCut) {
     EXPECT_LT(800u, CountOf(result, "\n  </Event>\n"));
 }
 
-// ---- Sense data
-// -----------------------------------------------------------------------------------
+// ---- Sense data --------------------------------------------------------------------------------
 
 class SenseData : public Management {
 protected:
@@ -269,8 +267,7 @@ TEST_F(SenseData, BeyondThirtyBytesTellsItsLengthAndStopsAtThirty) {
                           std::string(kThirtyBytes)));
 }
 
-// ---- Parameters
-// -----------------------------------------------------------------------------------
+// ---- Parameters --------------------------------------------------------------------------------
 
 /// What the handlers read from the children of a "VX_HX_EVT_GetEvents" element.
 class Parameters : public Management {
@@ -390,6 +387,27 @@ std::vector<Event> RandomEvents(std::size_t count) {
         if (random() % 2 == 0) event.SenseDataLength = 0;
     }
     return events;
+}
+
+// More events than fill the document, though nothing is shorter than their elements.
+TEST_F(Management, ALargerPageArrivesAsIfAllOfItHadBeenWritten) {
+    const Event shortest = MakeEvent(5, 0, 0);
+    CheckIn(std::vector<Event>(2000, shortest));
+    const auto literal = std::make_unique<XMLWR_Doc>();
+    reference::Init(literal.get());
+    reference::ElmtStartPrintf(literal.get(), 0, "VX_HX_EVT_GetEvents", " %s=\"%s\"", "type",
+                               "function");
+    reference::ElmtNonArrayData(literal.get(), "RetVal", "U8", "%u", 0u);
+    reference::ElmtNonArrayData(literal.get(), "n", "U32", "%u", 2000u);
+    reference::ElmtNonArrayData(literal.get(), "s", "U32", "%u", 0u);
+    reference::ElmtNonArrayData(literal.get(), "e", "U32", "%u", 1999u);
+    const std::uint32_t before = literal->CurPos;
+    WriteLiterally(literal.get(), {shortest});
+    EXPECT_EQ(430u, literal->CurPos - before);
+    WriteLiterally(literal.get(), std::vector<Event>(1999, shortest));
+    ASSERT_EQ(524287u, literal->CurPos);
+    // Compared as a whole: the difference of two such texts is nothing to print.
+    EXPECT_TRUE(std::string(literal->Buf, 524286) + "\n" == EventsOf("<n>2000</n>"));
 }
 
 class TwoDocuments {

@@ -100,7 +100,8 @@ bool PollAll(HX_U8 adapters) {
     return total != 0;
 }
 
-void Query(HX_U32& n, HX_U32& s, HX_U32& e, Event* ev) {
+// Reads no more than `room` events, whatever the numbers tell.
+void Query(HX_U32& n, HX_U32& s, HX_U32& e, Event* ev, HX_U32 room) {
     const HX_U32 oldest = g_VX_EventExt.EvLogHeader.SeqStart;
     const HX_U32 count = g_VX_EventExt.EvLogHeader.NumOfEvent;
     const HX_U32 newest = count > 0 ? count + oldest - 1 : oldest;
@@ -116,8 +117,10 @@ void Query(HX_U32& n, HX_U32& s, HX_U32& e, Event* ev) {
         s = e - n + 1;
     }
     s = std::max(s, oldest);
-    n = VX_EvFile_LoadEventsBySeq(ev, s, n);
+    const HX_U32 off = VX_EvSeqToOffset(s);
+    n = off == kNoOffset ? 0 : std::min(n, count - off);
     if (n > 0) e = s + n - 1;
+    VX_EvFile_LoadEventsBySeq(ev, s, std::min(n, room));
 }
 
 }  // namespace
@@ -155,11 +158,15 @@ void VX_EvFile_CheckIn(HX_U8 numOfAdapters) noexcept {
 }
 
 HX_U8 VX_EvGet(HX_U32* n, HX_U32* s, HX_U32* e, Event* ev) {
+    return VX_EvGetFirst(n, s, e, ev, *n);
+}
+
+HX_U8 VX_EvGetFirst(HX_U32* n, HX_U32* s, HX_U32* e, Event* ev, HX_U32 room) {
     bool read = false;
     if (WaitStore()) {
         read = VX_EvFile_Load(kForReading) != 0;
         if (read) {
-            Query(*n, *s, *e, ev);
+            Query(*n, *s, *e, ev, room);
         } else {
             VX_DBG_TRACE("EventDbg: %s %d\n", "vxevent", kUnreadableLine);
         }
@@ -167,7 +174,7 @@ HX_U8 VX_EvGet(HX_U32* n, HX_U32* s, HX_U32* e, Event* ev) {
     }
     PostStore();
     // The caller goes on to tell n events, so that they must be something.
-    if (!read) std::fill_n(ev, *n, Event{});
+    if (!read) std::fill_n(ev, std::min(*n, room), Event{});
     return 0;
 }
 

@@ -126,6 +126,10 @@ void VX_EvFilter(const Event* events, HX_U32 count);
 /// Returns 0 always; an unreadable store leaves the three unchanged and gives `*n` events of zeros.
 HX_U8 VX_EvGet(HX_U32* n, HX_U32* s, HX_U32* e, Event* ev);
 
+/// VX_EvGet for a caller who looks at the first `room` events alone: no more are read, and `ev` has
+/// room for no more. The numbers are those of VX_EvGet.
+HX_U8 VX_EvGetFirst(HX_U32* n, HX_U32* s, HX_U32* e, Event* ev, HX_U32 room);
+
 /// Empties the event file, which starts again at sequence number 0 and keeps its counters. A
 /// missing or foreign file is left alone, and so is the sequence-number file: the next check-in
 /// takes counters and numbers from disk again.

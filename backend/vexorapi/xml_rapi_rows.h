@@ -386,12 +386,20 @@ inline constexpr auto kRowTail = MakeLiteral([](LiteralSink& sink) {
     std::get<i>(kRecord.rows).Tail(sink, depth);
 });
 
+// The value of one row. The row is copied at compile time, because compilers read a table's fields
+// from memory, each time anew, and do not fold them.
+template <const auto& kRecord, std::size_t i, int depth>
+[[gnu::always_inline]] inline char* PutRow(char* at, const RecordType<kRecord>& record) {
+    constexpr auto row = std::get<i>(kRecord.rows);
+    return row.template Put<depth>(at, record);
+}
+
 // From the first row's value to the last one's; the gaps around them are the caller's.
 template <const auto& kRecord, int depth>
 [[gnu::always_inline]] inline char* PutRows(char* at, const RecordType<kRecord>& record) {
     [&]<std::size_t... i>(std::index_sequence<i...>) __attribute__((always_inline)) {
         ((at = i == 0 ? at : PutLiteral(at, kGap<kRecord, i, depth>),
-          at = std::get<i>(kRecord.rows).template Put<depth>(at, record)),
+          at = PutRow<kRecord, i, depth>(at, record)),
          ...);
     }
     (std::make_index_sequence<std::remove_cvref_t<decltype(kRecord)>::kRows>{});

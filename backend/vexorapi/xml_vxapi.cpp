@@ -90,17 +90,25 @@ void ReadVersions(VX_Module_GetInfo& info) {
                              eventSvcVersionBuild);
 }
 
+// A larger page fills the document before its last event is reached, so that the events behind are
+// not even read. The shortest event element has 430 bytes; a few events more are for the last bytes
+// of the document, which take only the smallest of their pieces.
+constexpr HX_U32 kMostListed = kDocCapacity / 430 + 10;
+static_assert(kMostListed < kMaxEvents);
+
 void ReadEvents(VX_HX_EVT_GetEvents& query) {
     query.nn = query.n;
     query.ss = query.s;
     query.ee = query.e;
     query.n = std::min(query.n, kMaxEvents);
-    query.RetVal = VX_EvGet(&query.n, &query.s, &query.e, query.ev);
+    query.RetVal = VX_EvGetFirst(&query.n, &query.s, &query.e, query.ev, kMostListed);
 }
 
 // How many of the events are told: a query for the extent, which comes back with their number in n,
 // lists none.
-HX_U32 ListedEvents(const VX_HX_EVT_GetEvents& query) { return query.nn == 0 ? 0 : query.n; }
+HX_U32 ListedEvents(const VX_HX_EVT_GetEvents& query) {
+    return query.nn == 0 ? 0 : std::min(query.n, kMostListed);
+}
 
 }  // namespace
 

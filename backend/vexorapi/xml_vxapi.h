@@ -45,7 +45,7 @@ struct VX_HX_EVT_GetEvents {
     HX_U32 ss;             // s as requested
     HX_U32 ee;             // e as requested
     char Lang[16];         // the caller's language tag, NUL-terminated; not used
-    Event ev[kMaxEvents];  // filled up to n
+    Event ev[kMaxEvents];  // filled up to n, or as far as the document can list them
 };
 
 struct VX_HX_EVT_Reset {

@@ -8,17 +8,16 @@ constexpr char kMark = '\x01';
 
 }  // namespace
 
-std::vector<std::string> MarkedArguments(int argc, const char* const* argv) {
+std::vector<std::string> MarkedArguments(const std::vector<std::string>& typed) {
     std::vector<std::string> arguments;
     bool all_positional = false;
-    for (int i = 0; i < argc; ++i) {
-        std::string argument = argv[i];
+    for (std::string argument : typed) {
         if (!all_positional && argument == "--") {
             all_positional = true;
             continue;
         }
-        if (all_positional || argument.starts_with('[') || argument.starts_with(kMark) ||
-            argument == "++") {
+        if (all_positional || argument.empty() || argument.starts_with('[') ||
+            argument.starts_with(kMark) || argument == "++") {
             argument.insert(0, 1, kMark);
         }
         arguments.push_back(std::move(argument));
@@ -26,12 +25,9 @@ std::vector<std::string> MarkedArguments(int argc, const char* const* argv) {
     return arguments;
 }
 
-std::vector<std::string> ArgumentsOf(const CLI::Option& option) {
-    std::vector<std::string> arguments = option.results();
-    for (std::string& argument : arguments) {
-        if (argument.starts_with(kMark)) argument.erase(0, 1);
-    }
-    return arguments;
+std::string Unmarked(std::string argument) {
+    if (argument.starts_with(kMark)) argument.erase(0, 1);
+    return argument;
 }
 
 std::string WithoutMarks(std::string message) {

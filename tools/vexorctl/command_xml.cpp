@@ -1,11 +1,11 @@
 // vexorctl xml [FILE|-]...: command texts from files, as they stand.
+#include <cerrno>
 #include <climits>
 #include <new>
 #include <string>
 #include <vector>
 
-#include "arguments.h"
-#include "commands.h"
+#include "command.h"
 #include "file.h"
 #include "report.h"
 #include "run_command.h"
@@ -22,31 +22,38 @@ Exit RunFile(Session& session, const std::string& path) {
         return RunCommand(session, subject, ReadFile(path.c_str(), FileKind::kAny, kMaxCommand));
     } catch (const FileError& failure) {
         ReportFailure(subject, failure.what());
-        return Exit::kUsage;
+        return failure.error == EACCES ? Exit::kNotPermitted : Exit::kUsage;
     } catch (const std::bad_alloc&) {
         ReportFailure(subject, "not enough memory");
         return Exit::kUnavailable;
     }
 }
 
-Exit Run(const std::vector<std::string>& paths) {
+Exit RunXml(Invocation& invocation) {
+    std::vector<std::string> paths = invocation.targets();
+    if (paths.empty()) paths.emplace_back("-");
     Session session;
     Exit exit = Exit::kDone;
     for (const std::string& path : paths) exit = MoreSerious(exit, RunFile(session, path));
     return exit;
 }
 
+constexpr CommandRow kCommands[] = {
+    {.noun = "xml",
+     .verb = "",
+     .summary = "Send command texts and print their results",
+     .target = Target::kFile,
+     .arity = Arity::kAny,
+     .target_name = "FILE",
+     .examples = {"vexorctl xml examples/commands/adapter-count.xml",
+                  "vexorctl xml examples/commands/api-version.xml "
+                  "examples/commands/adapter-info.xml"},
+     .run = RunXml,
+     .note = "Each file holds one command. They are sent in order, and each result is printed as "
+             "the library delivered it. \"-\" stands for standard input, and so does no file at "
+             "all."},
+};
+
 }  // namespace
 
-void AddXml(CLI::App& app, Exit& exit) {
-    CLI::App& command = *app.add_subcommand("xml", "Send command texts and print their results");
-    const CLI::Option& files =
-        *command.add_option("FILE", "One command each, sent in order; - or none: standard input")
-             ->type_name("")
-             ->expected(kAnyNumber);
-    command.callback([&exit, &files] {
-        std::vector<std::string> paths = ArgumentsOf(files);
-        if (paths.empty()) paths.emplace_back("-");
-        exit = Run(paths);
-    });
-}
+std::span<const CommandRow> XmlCommands() { return kCommands; }

@@ -1,4 +1,4 @@
-// What vexorctl's exit code says. Every command ends with one of these.
+// What vexorctl's exit code says. Every command but `check` ends with one of these.
 #pragma once
 
 #include <algorithm>
@@ -10,39 +10,51 @@
 enum class Exit {
     kDone,
     kRefused,
+    kNoObject,
+    kWaiting,
+    kNotConfirmed,
+    kNotPermitted,
     kUndelivered,
     kUsage,
     kUnavailable,
+    kInterrupted,
 };
 
 struct ExitCode {
     Exit exit;
     int code;
-    const char* meaning;  // the line in --help
+    const char* meaning;  // the line in --help and in the manual
 };
 
-// Codes 3, 4, 7, 8 and 9 are left free.
 inline constexpr ExitCode kExitCodes[] = {
     {Exit::kDone, 0, "done"},
-    {Exit::kRefused, 1, "the controller refused: its RetVal is not 0"},
+    {Exit::kRefused, 1, "the controller refused, or only a part could be done"},
+    {Exit::kNoObject, 3, "no such object"},
+    {Exit::kWaiting, 7, "the wait timed out; the work goes on"},
+    {Exit::kNotConfirmed, 8, "not confirmed, or something changed between look and act"},
+    {Exit::kNotPermitted, 4, "not permitted"},
     {Exit::kUndelivered, 6, "the command was declined or malformed, or its result did not fit"},
     {Exit::kUsage, 2, "wrong usage, or a file that cannot be read"},
-    {Exit::kUnavailable, 5, "the library, its configuration or standard output cannot be used"},
+    {Exit::kUnavailable, 5,
+     "the library, the controller, the configuration, the event store or standard output cannot "
+     "be used"},
+    {Exit::kInterrupted, 130, "interrupted"},
 };
 static_assert(std::ranges::is_sorted(kExitCodes, {}, &ExitCode::exit) &&
-                  std::size(kExitCodes) == static_cast<std::size_t>(Exit::kUnavailable) + 1,
+                  std::size(kExitCodes) == static_cast<std::size_t>(Exit::kInterrupted) + 1,
               "a row's place is its Exit");
 
 constexpr int CodeOf(Exit exit) { return kExitCodes[static_cast<std::size_t>(exit)].code; }
 
 constexpr Exit MoreSerious(Exit one, Exit other) { return std::max(one, other); }
 
-/// The rows as the closing text of --help.
+/// The rows in the order of their numbers, one line each.
 inline std::string ExitCodeHelp() {
-    std::string text =
-        "Exit codes, the most serious last; with several commands the most serious one counts:";
-    for (const ExitCode& row : kExitCodes) {
-        text += "\n  " + std::to_string(row.code) + "  " + row.meaning;
+    std::string text = "Exit codes:";
+    for (int code = 0; code <= 130; ++code) {
+        for (const ExitCode& row : kExitCodes) {
+            if (row.code == code) text += "\n  " + std::to_string(code) + "  " + row.meaning;
+        }
     }
-    return text;
+    return text + "\n";
 }

@@ -11,6 +11,12 @@ void PrintResult(std::string_view result) {
     if (!written) throw OutputError(std::strerror(errno));
 }
 
+void PrintText(std::string_view text) {
+    const bool written =
+        std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+    if (!written) throw OutputError(std::strerror(errno));
+}
+
 void ReportFailure(std::string_view subject, std::string_view message) {
     std::string line = "vexorctl: ";
     if (!subject.empty()) line.append(subject).append(": ");

@@ -15,6 +15,9 @@ struct OutputError : std::runtime_error {
 /// Throws OutputError.
 void PrintResult(std::string_view result);
 
+/// Writes the text as it stands, and flushes. Throws OutputError.
+void PrintText(std::string_view text);
+
 /// Writes "vexorctl: SUBJECT: MESSAGE" to standard error, or "vexorctl: MESSAGE" when the subject
 /// is empty. It stays one line: control characters (a file's name may hold them) appear as "?".
 void ReportFailure(std::string_view subject, std::string_view message);

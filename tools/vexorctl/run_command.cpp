@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <new>
 
+#include "controller.h"
 #include "report.h"
-#include "result.h"
+#include "value.h"
 #include "xml_text.h"
 
 namespace {
@@ -48,17 +49,17 @@ Exit ReportDeclined(std::string_view subject, const std::string& command) {
 
 Exit PrintDelivered(std::string_view subject, std::string_view result) {
     PrintResult(result);
-    const ResultSummary summary = Summarize(result);
+    const ParsedResult parsed = ParseResult(result);
+    const std::uint64_t status = StatusOf(parsed.root);
     Exit exit = Exit::kDone;
-    if (summary.status.value_or(0) != 0) {
-        ReportFailure(subject, "refused: " + summary.function + " answered RetVal " +
-                                   std::to_string(*summary.status));
+    if (status != 0) {
+        ReportFailure(subject, "refused: " + parsed.root.name + " answered " + RefusalText(status));
         exit = MoreSerious(exit, Exit::kRefused);
     }
     // The library drops what its document cannot hold, and writes some texts as they are.
-    if (!summary.well_formed) {
-        ReportFailure(subject, "result is not well-formed: " + std::to_string(summary.line) + ": " +
-                                   summary.reason);
+    if (!parsed.well_formed) {
+        ReportFailure(subject, "result is not well-formed: " + std::to_string(parsed.line) + ": " +
+                                   parsed.reason);
         exit = MoreSerious(exit, Exit::kUndelivered);
     }
     return exit;

@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 /// The library or its configuration cannot be used. what() is the reason, `subject` the file it is
 /// about, or empty.
@@ -13,6 +15,13 @@ struct Unavailable : std::runtime_error {
         : std::runtime_error(reason), subject(std::move(about)) {}
     std::string subject;
 };
+
+/// The path of the library's configuration file, which need not be there.
+std::string ConfigurationPath();
+
+/// The attributes that are set in the configuration file, called SECTION.ATTRIBUTE, in its order;
+/// none when there is no such file. Throws Unavailable.
+std::vector<std::pair<std::string, std::string>> ReadConfiguration();
 
 enum class Outcome {
     kDelivered,  // the result is there

@@ -60,6 +60,27 @@ void NotationDeclaration(void* user_data, const XML_Char*, const XML_Char*, cons
     CountDeclaration(user_data);
 }
 
+struct Collector {
+    std::vector<std::pair<std::string, std::string>> attributes;
+    unsigned depth = 0;
+    bool out_of_memory = false;
+};
+
+void CollectAttributes(void* user_data, const XML_Char* name, const XML_Char** atts) {
+    Collector& collector = *static_cast<Collector*>(user_data);
+    if (++collector.depth != 2) return;
+    try {
+        for (; *atts != nullptr; atts += 2) {
+            if (std::strcmp(atts[0], "type") == 0) continue;
+            collector.attributes.emplace_back(std::string(name) + "." + atts[0], atts[1]);
+        }
+    } catch (...) {
+        collector.out_of_memory = true;
+    }
+}
+
+void LeaveElement(void* user_data, const XML_Char*) { --static_cast<Collector*>(user_data)->depth; }
+
 }  // namespace
 
 XmlInspection InspectXml(std::string_view text) {
@@ -115,4 +136,15 @@ void AppendXmlElement(std::string& out, std::string_view name, std::string_view 
         }
     }
     out.append("</").append(name).append(">");
+}
+
+std::vector<std::pair<std::string, std::string>> XmlAttributes(std::string_view text) {
+    const Parser parser(XML_ParserCreate(nullptr), &XML_ParserFree);
+    if (!parser) throw std::bad_alloc();
+    Collector collector;
+    XML_SetUserData(parser.get(), &collector);
+    XML_SetElementHandler(parser.get(), CollectAttributes, LeaveElement);
+    XML_Parse(parser.get(), text.data(), static_cast<int>(text.size()), XML_TRUE);
+    if (collector.out_of_memory) throw std::bad_alloc();
+    return std::move(collector.attributes);
 }

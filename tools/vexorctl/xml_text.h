@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 // The library stops a command with more declarations than this in its document type: chains of
 // entities could overflow the stack of older parsers. It stops at the same place here.
@@ -33,3 +35,7 @@ bool IsXmlName(std::string_view text);
 
 /// Appends <name>text</name>, escaped so that a parser gives back exactly the text.
 void AppendXmlElement(std::string& out, std::string_view name, std::string_view text);
+
+/// The attributes of the root's children, but for "type", as ELEMENT.ATTRIBUTE with their values,
+/// in order. The text must be well-formed, or empty. Throws std::bad_alloc.
+std::vector<std::pair<std::string, std::string>> XmlAttributes(std::string_view text);
