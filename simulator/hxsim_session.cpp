@@ -79,7 +79,7 @@ HX_U8 Caught(Work work) {
     }
 }
 
-// What comes before every call on an adapter.
+// What comes before every call on an adapter. `work` is given the machine.
 template <class Work>
 HX_U8 OnAdapter(const char* call, HX_U8 adapter, Work work) {
     if (session == nullptr) return HXSIM_NOT_INITIALIZED;
@@ -92,7 +92,7 @@ HX_U8 OnAdapter(const char* call, HX_U8 adapter, Work work) {
             if (fault && !fault->hostile) return fault->code;
             session->hostile = fault.has_value();
         }
-        return work();
+        return work(machine);
     });
 }
 
@@ -132,15 +132,14 @@ bool IsHostile() { return session != nullptr && session->hostile; }
 
 HX_U8 Look(const char* call, HX_U8 adapter,
            const std::function<HX_U8(const Adapter& adapter, Time now)>& work) {
-    return OnAdapter(call, adapter, [&] {
-        const Machine& machine = session->store.Current();
-        return work(machine.adapters[adapter], Now(machine.clock, RealNow()));
+    return OnAdapter(call, adapter, [&](const Machine& machine) {
+        return work(machine.adapters.at(adapter), Now(machine.clock, RealNow()));
     });
 }
 
 HX_U8 Change(const char* call, HX_U8 adapter,
              const std::function<HX_U8(Adapter& adapter, Time now)>& work) {
-    return OnAdapter(call, adapter, [&]() -> HX_U8 {
+    return OnAdapter(call, adapter, [&](const Machine&) -> HX_U8 {
         HX_U8 status = HXSIM_NO_ADAPTER;  // gone since, with the whole machine
         session->store.Change([&](Machine& machine, Time now) {
             if (adapter >= machine.adapters.size()) return false;

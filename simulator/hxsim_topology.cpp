@@ -408,7 +408,7 @@ private:
         std::string serial = series;
         std::uint64_t drawn = Draw(machine_.random);
         for (unsigned i = 0; i < digits; ++i) {
-            serial += kDigits[drawn % kDigits.size()];
+            serial += kDigits[static_cast<std::size_t>(drawn % kDigits.size())];
             drawn /= kDigits.size();
         }
         return serial;
