@@ -394,11 +394,14 @@ TEST_F(SimulatorLocateLight, ShowsOnItsOwnDiskUntilItIsSwitchedOff) {
     EXPECT_EQ(0, Disk(0, 16).LocateLEDStatus);
 }
 
-TEST_F(SimulatorLocateLight, StaysOnWhileTheLibraryIsClosed) {
+TEST(SimulatorLocateLightOfAStateFile, StaysOnWhileTheLibraryIsClosed) {
+    const StateFile state;
+    HX_API_Initialize();
     ASSERT_EQ(0, HX_LocateArrayDevice(1, 4, 0, 1));
     HX_API_Finalize();
     HX_API_Initialize();
     EXPECT_EQ(1, Disk(1, 0).LocateLEDStatus);
+    HX_API_Finalize();
 }
 
 TEST_F(SimulatorLocateLight, IsOnDisksOnly) {

@@ -9,12 +9,26 @@
 #include <vector>
 
 #include "hxraid.h"
+#include "temporary_root.h"
 
 /// A test during which the virtual controller is open.
 class SimulatorTest : public testing::Test {
 protected:
     void SetUp() override { HX_API_Initialize(); }
     void TearDown() override { HX_API_Finalize(); }
+};
+
+/// Has the virtual controller keep its machine in a file of a temporary folder, so that it outlives
+/// the open library. Other tests have a new machine in memory each time that it is opened.
+class StateFile {
+public:
+    StateFile() { setenv("HXSIM_STATE", root_.Path("/hxsim.db").c_str(), 1); }
+    ~StateFile() { setenv("HXSIM_STATE", ":memory:", 1); }
+    StateFile(const StateFile&) = delete;
+    StateFile& operator=(const StateFile&) = delete;
+
+private:
+    TemporaryRoot root_;
 };
 
 /// What a list request is made of: its header and one record.
