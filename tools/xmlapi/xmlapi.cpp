@@ -90,18 +90,24 @@ void StoreExampleEvents() {
 void RunExamples(std::vector<Chapter>& chapters) {
     const ExampleRoot root;
     std::string result(VEXORAPI_MAX_RESULT, '\0');
+    // A machine in memory is a new one each time that the library is opened, so that no example
+    // shows what another one has done.
+    setenv("HXSIM_STATE", ":memory:", 1);
     vexorApiInit();
     StoreExampleEvents();
+    vexorApiShutdown();
     for (Chapter& chapter : chapters) {
         for (const FunctionText& function : chapter.functions) {
             const std::string command = ExampleCommand(function);
-            if (vexorApi(command.c_str(), result.data(), VEXORAPI_MAX_RESULT) != 1) {
+            vexorApiInit();
+            const int ok = vexorApi(command.c_str(), result.data(), VEXORAPI_MAX_RESULT);
+            vexorApiShutdown();
+            if (ok != 1) {
                 throw std::runtime_error("the example of " + function.name + " was declined");
             }
             chapter.results.emplace_back(result.c_str());
         }
     }
-    vexorApiShutdown();
 }
 
 std::string ReadFile(const fs::path& path) {
