@@ -2,7 +2,7 @@
 """Every noun and verb of vexorctl, run as a program over a fresh virtual controller.
 
 Golden files in data/vexorctl-output hold what is printed, format by format; run with --write to
-write them anew. The events' times are the controller's own, so events have no golden file.
+write them anew.
 
 usage: vexorctl_commands_test.py VEXORCTL CHECK_IN WRITE_MANUAL [--write] [TEST]...
 """
@@ -25,6 +25,8 @@ import unittest
 import xml.etree.ElementTree
 
 import jsonschema
+
+from vexorctl_machine import Machine
 
 HERE = pathlib.Path(__file__).resolve().parent
 TREE = HERE.parent
@@ -49,6 +51,7 @@ WRITE = False
 
 class Base(unittest.TestCase):
     maxDiff = None
+    topology = "default"
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix="vexorctl-commands-")
@@ -62,6 +65,7 @@ class Base(unittest.TestCase):
             "PATH": os.path.dirname(VEXORCTL) + os.pathsep + os.environ["PATH"],
         }
         self.environment.pop("NO_COLOR", None)
+        self.machine = Machine(os.path.dirname(VEXORCTL), self.root / "machine.db", self.topology)
 
     def collect(self):
         subprocess.run([CHECK_IN, "2"], env=self.environment, stdout=subprocess.DEVNULL, check=True)

@@ -8,6 +8,7 @@ LD_LIBRARY_PATH.
 usage: vexorctl_test.py VEXORCTL FAILING_LIBRARY_FOLDER OTHER_CONTROLLER_FOLDER [TEST]...
 """
 
+import datetime
 import os
 import pathlib
 import pty
@@ -19,6 +20,8 @@ import sys
 import tempfile
 import time
 import unittest
+
+from vexorctl_machine import Machine
 
 HERE = pathlib.Path(__file__).resolve().parent
 TREE = HERE.parent
@@ -57,7 +60,8 @@ class Run:
             stdout=stdout,
             stderr=subprocess.PIPE,
             cwd=root,
-            env={**clean, "VEXORAPI_ROOT": str(root), **environment},
+            env={**clean, "VEXORAPI_ROOT": str(root),
+                 "HXSIM_STATE": str(pathlib.Path(root) / "machine.db"), **environment},
             timeout=60,
             check=False,
         )
@@ -75,6 +79,7 @@ class VexorctlTest(unittest.TestCase):
         folder = tempfile.TemporaryDirectory(prefix="vexorctl-test-")
         self.addCleanup(folder.cleanup)
         self.root = pathlib.Path(folder.name)
+        self.machine = Machine(os.path.dirname(VEXORCTL), self.root / "machine.db")
 
     def write(self, name, content):
         path = self.root / name
@@ -760,7 +765,7 @@ class LoadOrder(VexorctlTest):
 
 
 def transcript(text):
-    """The (command, output) pairs of the manual's console blocks."""
+    """The (command, output) pairs of a page's console blocks."""
     pairs = []
     for block in text.split("```console\n")[1:]:
         for line in block.split("```")[0].splitlines(keepends=True):
@@ -771,22 +776,49 @@ def transcript(text):
     return pairs
 
 
+class Times:
+    """Replaces times by the seconds since the first one: when a page was written does not matter,
+    what lies between two times does."""
+
+    FORM = re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d(?:Z|[+-]\d\d:\d\d)")
+
+    def __init__(self):
+        self.first = None
+
+    def replaced(self, text):
+        def seconds(match):
+            time_then = datetime.datetime.fromisoformat(match[0].replace("Z", "+00:00"))
+            self.first = self.first or time_then
+            return f"<{(time_then - self.first).total_seconds():.0f} s>"
+
+        return self.FORM.sub(seconds, text)
+
+
 class Manual(VexorctlTest):
-    def test_every_command_in_the_manual_prints_what_stands_below_it(self):
-        pairs = transcript(MANUAL.read_text())
-        self.assertGreaterEqual(len(pairs), 7)
+    def replay(self, page):
+        pairs = transcript(page.read_text())
         path = os.path.dirname(VEXORCTL) + os.pathsep + os.environ["PATH"]
+        shutil.copytree(TREE / "examples", self.root / "examples")
+        (self.root / "opt/kestrel/raid/db").mkdir(parents=True)
+        written, printed = Times(), Times()
         for command, output in pairs:
             with self.subTest(command=command):
                 process = subprocess.run(
                     ["sh", "-c", f"exec 2>&1\n{command}"],
+                    stdin=subprocess.DEVNULL,
                     stdout=subprocess.PIPE,
-                    cwd=TREE,
-                    env={**os.environ, "PATH": path, "VEXORAPI_ROOT": str(self.root)},
+                    cwd=self.root,
+                    env={**os.environ, "PATH": path, "VEXORAPI_ROOT": str(self.root),
+                         "HXSIM_STATE": str(self.machine.state), "TZ": "UTC"},
                     timeout=60,
                     check=False,
                 )
-                self.assertEqual(process.stdout.decode(), output)
+                self.assertEqual(printed.replaced(process.stdout.decode()),
+                                 written.replaced(output))
+        return pairs
+
+    def test_every_command_in_the_manual_prints_what_stands_below_it(self):
+        self.assertGreaterEqual(len(self.replay(MANUAL)), 17)
 
     def test_the_manual_has_one_line_for_each_exit_code(self):
         rows = re.findall(r"^\| (\d+) \|", MANUAL.read_text(), re.MULTILINE)

@@ -696,8 +696,8 @@ constexpr CommandRow kCommands[] = {
      .options = kMigrateOptions,
      .functions = "HX_LD_GetMigratedLdSize HX_LD_StartMigration",
      .examples =
-         {"vexorctl vd migrate a1/vd0 --raid 5 --to a1/pd0,a1/pd1,a1/pd2 --dry-run",
-          "vexorctl vd migrate a1/vd0 --raid 10 --to a1/pd0,a1/pd1,a1/pd2,a1/pd3 --dry-run"},
+         {"vexorctl vd migrate a1/vd0 --raid 5 --to a1/pd0,a1/pd1,a1/pd3 --dry-run",
+          "vexorctl vd migrate a1/vd0 --raid 10 --to a1/pd0,a1/pd1,a1/pd3,a1/pd4 --dry-run"},
      .run = MigrateVirtualDisk,
      .columns = ChangeColumns,
      .note =
