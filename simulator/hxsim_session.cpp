@@ -79,13 +79,15 @@ HX_U8 Caught(Work work) {
     }
 }
 
-// What comes before every call on an adapter. `work` is given the machine.
+// What comes before every call on an adapter, or, without a name, before a further part of one.
+// `work` is given the machine.
 template <class Work>
 HX_U8 OnAdapter(const char* call, HX_U8 adapter, Work work) {
     if (session == nullptr) return HXSIM_NOT_INITIALIZED;
     return Caught([&]() -> HX_U8 {
         const Machine& machine = session->store.Current();
         if (adapter >= machine.adapters.size()) return HXSIM_NO_ADAPTER;
+        if (call == nullptr) return work(machine);
         session->hostile = false;
         if (!machine.injections.empty()) {
             const std::optional<Injection> fault = NextFault(call, adapter);

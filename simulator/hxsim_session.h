@@ -12,7 +12,8 @@ namespace hxsim {
 
 /// A call on one adapter that only looks. Refused with HXSIM_NOT_INITIALIZED, HXSIM_NO_ADAPTER,
 /// HXSIM_NO_STATE or HXSIM_NO_MEMORY, or as an injected fault says, before `work` runs. `call` is
-/// the function's own name: pass __func__. Nothing is thrown.
+/// the function's own name: pass __func__; null for a further part of a call that has been let
+/// through, which meets no fault and answers as the first part does (IsHostile). Nothing is thrown.
 HX_U8 Look(const char* call, HX_U8 adapter,
            const std::function<HX_U8(const Adapter& adapter, Time now)>& work);
 

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
 #include <new>
 #include <stdexcept>
@@ -204,6 +205,28 @@ TEST_F(Session, SharesTheCountOfAFaultWithOtherProcesses) {
     EXPECT_EQ(InChild([] { return GetInfo(); }), 7);
     EXPECT_EQ(GetInfo(), 7);
     EXPECT_EQ(GetInfo(), HX_SUCCESS);
+}
+
+// It looks whether there are events before it takes them.
+TEST_F(Session, MeetsAFaultOfEveryCallOnceWhenItTakesEvents) {
+    OpenWith({{.id = 1, .call = "", .code = 7, .times = 1, .after = 1}});
+    std::array<Event, 2> events{};
+    HX_U8 count = 0;
+    EXPECT_EQ(HX_EVT_GetEvent(0, 2, &count, events.data()), HX_SUCCESS);
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(HX_EVT_GetEvent(0, 2, &count, events.data()), 7);
+    EXPECT_EQ(HX_EVT_GetEvent(0, 2, &count, events.data()), HX_SUCCESS);
+    EXPECT_EQ(events[0].SequenceNo, 3U);
+}
+
+TEST_F(Session, AnswersAsBrokenFirmwareWhenItTakesEvents) {
+    OpenWith({{.id = 1, .call = "", .times = 1, .hostile = true}});
+    std::array<Event, 2> events{};
+    HX_U8 count = 0;
+    EXPECT_EQ(HX_EVT_GetEvent(0, 2, &count, events.data()), HX_SUCCESS);
+    EXPECT_EQ(count, 255);
+    EXPECT_EQ(HX_EVT_GetEvent(0, 2, &count, events.data()), HX_SUCCESS);
+    EXPECT_EQ(count, 2);
 }
 
 TEST_F(Session, IsHostileForTheCallThatIsHit) {
