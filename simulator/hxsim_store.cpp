@@ -65,14 +65,20 @@ void MakeFolders(const std::filesystem::path& folder) {
 
 // Makes an empty file where there is none. One that is there is not even opened: closing it would
 // give up the locks that this process has on it through other connections. The log and its index
-// get the file's mode from SQLite.
+// get the file's mode from SQLite. What is no file is refused here, before SQLite leaves files of
+// its own beside it.
 void MakeFile(const std::string& path) {
     MakeFolders(std::filesystem::path(path).parent_path());
     const int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (file >= 0) {
         close(file);
-    } else if (errno != EEXIST) {
-        ThrowSystemError(path, "made");
+        return;
+    }
+    if (errno != EEXIST) ThrowSystemError(path, "made");
+    struct stat found {};
+    if (stat(path.c_str(), &found) != 0) ThrowSystemError(path, "found");
+    if (!S_ISREG(found.st_mode)) {
+        throw StoreError(path + " is no regular file; name another one in HXSIM_STATE.");
     }
 }
 

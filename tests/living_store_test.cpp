@@ -14,6 +14,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <ostream>
 #include <random>
@@ -565,7 +566,22 @@ TEST_F(StateFile, WithoutATableIsRefused) {
 
 TEST_F(StateFile, ThatIsAFolderIsRefused) {
     std::filesystem::create_directories(File());
-    EXPECT_THAT(Refusal(), HasSubstr("cannot be opened for writing"));
+    EXPECT_THAT(Refusal(), HasSubstr("is no regular file; name another one in HXSIM_STATE."));
+}
+
+TEST_F(StateFile, ThatIsNoFileIsRefusedAndNothingIsLeftBesideIt) {
+    std::filesystem::create_directory(root_.Path("/state"));
+    ASSERT_EQ(mkfifo(File().c_str(), 0600), 0);
+    EXPECT_THAT(Refusal(), HasSubstr("is no regular file"));
+    EXPECT_THROW(Make(), StoreError);
+    const std::filesystem::directory_iterator folder(root_.Path("/state"));
+    EXPECT_EQ(std::distance(begin(folder), end(folder)), 1);
+}
+
+TEST_F(StateFile, BehindALinkIsUsed) {
+    root_.Write("/state/other", "");
+    std::filesystem::create_symlink(root_.Path("/state/other"), File());
+    EXPECT_EQ(Refusal(), "");
 }
 
 TEST_F(StateFile, BelowAFileIsRefused) {
