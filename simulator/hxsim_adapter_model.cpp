@@ -8,8 +8,8 @@ namespace hxsim {
 namespace {
 
 // RAID levels, as bits of LogicalDriverMode.
-constexpr HX_U16 kRaid0 = 0x0001, kRaid1 = 0x0002, kRaid10 = 0x0004, kRaid5 = 0x0010,
-                 kRaid6 = 0x0020, kRaid50 = 0x0040, kRaid60 = 0x0100;
+constexpr HX_U16 kRaid0 = 0x0001, kRaid1 = 0x0002, kRaid10 = 0x0004, kRaid1e = 0x0008,
+                 kRaid5 = 0x0010, kRaid6 = 0x0020, kRaid50 = 0x0040, kRaid60 = 0x0100;
 
 // Rates that can be set, as bits of Features.
 constexpr HX_U8 kRebuildRate = 0x01, kInitRate = 0x02, kSyncRate = 0x04, kMigrationRate = 0x08,
@@ -50,7 +50,8 @@ constexpr Adapter_Info LargeModel() {
     model.MaxExpander = 8;
     model.MaxPM = 8;
     model.MaxLogicalDrive = 32;
-    model.LogicalDriverMode = kRaid0 | kRaid1 | kRaid10 | kRaid5 | kRaid6 | kRaid50 | kRaid60;
+    model.LogicalDriverMode =
+        kRaid0 | kRaid1 | kRaid10 | kRaid1e | kRaid5 | kRaid6 | kRaid50 | kRaid60;
     model.DiskGroupSupport = 1;
     model.MaxBufferSize = 64;
     model.img_health = 1;

@@ -49,7 +49,7 @@ TEST_F(SimulatorAdapter, ZeroHasEightPortsAndExpanders) {
 
 TEST_F(SimulatorAdapter, ZeroOffersEveryUsualLevelAndDiskGroups) {
     const Adapter_Info info = InfoOf(0);
-    EXPECT_EQ(0x0177, info.LogicalDriverMode);
+    EXPECT_EQ(0x017F, info.LogicalDriverMode);
     EXPECT_EQ(1, info.DiskGroupSupport);
     EXPECT_EQ(32, info.MaxPDPerDG);
     EXPECT_EQ(32, info.MaxVDPerDG);

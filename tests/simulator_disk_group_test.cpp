@@ -141,7 +141,7 @@ void PrintTo(const RefusedCase& refused, std::ostream* out) { *out << refused.na
 const RefusedCase kRefused[] = {
     {"GroupThatIsNotThere", 208, 1, 0x05, {11, 12, 13}},
     {"SectorsOf4096Bytes", 222, 65535, 0x05, {11, 12, 13}, [](auto& p) { p.BlockSize = 4096; }},
-    {"LevelThatIsNotOffered", 219, 65535, 0x11, {11, 12, 13}},
+    {"LevelThatIsNotOffered", 219, 65535, 0x03, {11, 12, 13}},
     {"StripeThatIsNotOffered",
      220,
      65535,

@@ -146,6 +146,7 @@ const SizeCase kSizes[] = {
     {"Raid6OnThree", 0x06, {11, 12, 13}, 1758109184},
     {"Raid6OnFour", 0x06, {11, 12, 13, 14}, 3516218368},
     {"Raid10OnFour", 0x10, {11, 12, 13, 14}, 3516218368},
+    {"Raid1eOnThree", 0x11, {11, 12, 13}, 2637163776},
     {"Raid50OnSix", 0x50, {11, 12, 13, 14, 16, 4}, 3906830336},
     {"Raid60OnSix", 0x60, {11, 12, 13, 14, 16, 4}, 1953415168},
 };
@@ -214,7 +215,7 @@ struct RefusedCase {
 void PrintTo(const RefusedCase& refused, std::ostream* out) { *out << refused.name; }
 
 const RefusedCase kRefused[] = {
-    {"LevelThatNoAdapterOffers", 0, 219, 0x11, {11, 12, 13}},
+    {"LevelThatNoAdapterOffers", 0, 219, 0x03, {11, 12, 13}},
     {"LevelThatIsNone", 0, 219, 0x07, {11, 12, 13}},
     {"LevelThatTheSmallAdapterLacks", 1, 219, 0x06, {3, 4, 5, 6}},
     {"StripeBelowTheSmallest", 0, 220, 0x00, {16}, [](auto& p) { p.StripeBlockSize = 8; }},
@@ -229,6 +230,7 @@ const RefusedCase kRefused[] = {
     {"Raid6OnTwo", 0, 223, 0x06, {11, 12}},
     {"Raid10OnTwo", 0, 223, 0x10, {11, 12}},
     {"Raid10OnFive", 0, 223, 0x10, {11, 12, 13, 14, 16}},
+    {"Raid1eOnFour", 0, 223, 0x11, {11, 12, 13, 14}},
     {"Raid50OnFive", 0, 223, 0x50, {11, 12, 13, 14, 16}},
     {"Raid50OnSeven", 0, 223, 0x50, {4, 5, 11, 12, 13, 14, 16}},
     {"Raid50OfOneLeg", 0, 223, 0x50, {11, 12, 13}, [](auto& p) { p.SubLDCount = 1; }},
