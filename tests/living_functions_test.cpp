@@ -103,6 +103,7 @@ TEST_P(EveryFunction, SaysWhyItRefuses) {
 // Broken firmware answers in a few ways in turn, and a request makes several calls: after so many
 // requests each call has been answered in each way.
 constexpr int kRequests = 12;
+constexpr std::size_t kLongestLine = 1024;
 
 // The function over firmware that says what nobody asked for.
 class EveryFunctionOfBrokenFirmware : public EveryFunction {
@@ -133,11 +134,11 @@ TEST_P(EveryFunctionOfBrokenFirmware, EndsWithAWholeResult) {
     const std::string name(GetParam().request.substr(0, GetParam().request.find(' ')));
     for (int i = 0; i < kRequests; ++i) {
         const std::string result = Ask(i % 2 == 0 ? GetParam().request : std::string_view(name));
-        // The buffer may have been too small for all that was claimed: it holds nothing then.
-        if (!result.empty()) {
-            EXPECT_THAT(result, StartsWith("<" + name + " type=\"function\">"));
-            EXPECT_THAT(result, EndsWith("</" + name + ">"));
-        }
+        if (result.empty()) continue;  // more was claimed than there is memory for
+        ASSERT_THAT(result, StartsWith("<" + name + " type=\"function\">"));
+        // What has been claimed may be more than a result holds; it is cut then.
+        if (result.size() + kLongestLine > VEXORAPI_MAX_RESULT) continue;
+        ASSERT_THAT(result, EndsWith("</" + name + ">"));
     }
     EXPECT_THAT(hxsim::Check(hxsim::Store(State()).Current()), IsEmpty());
 }
