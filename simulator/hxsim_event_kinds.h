@@ -1,6 +1,9 @@
 // The events that the virtual controller sends: class, code and severity of each.
 //
 // Classes and codes are those of event texts; the severities are the virtual controller's choice.
+// Texts that have no kind here tell of what cannot happen to it: its battery relearns when it is
+// told to and never on a day of its own, its charger, timers and memory do not fail, it keeps no
+// configuration but the one that is there, and nobody shuts it down.
 #ifndef HXSIM_EVENT_KINDS_H
 #define HXSIM_EVENT_KINDS_H
 
@@ -84,14 +87,11 @@ constexpr EventKind MediaPatrolStep(Step step) {
 inline constexpr EventKind kDiskOffline{2, 0, kMajor};
 inline constexpr EventKind kDiskOnline{2, 1, kInfo};
 inline constexpr EventKind kDiskSetDown{2, 2, kMajor};  // the controller has given it up
-inline constexpr EventKind kDiskTimeout{2, 3, kWarning};
 inline constexpr EventKind kDiskReadWriteError{2, 4, kWarning};
-inline constexpr EventKind kDiskSmart{2, 5, kWarning};
 inline constexpr EventKind kDiskErrorFixed{2, 6, kInfo};
 inline constexpr EventKind kSpareAssigned{2, 9, kInfo};
 inline constexpr EventKind kSpareRemoved{2, 10, kInfo};
 inline constexpr EventKind kSmartThresholdOver{2, 11, kMajor};
-inline constexpr EventKind kSmartPollingFailed{2, 12, kWarning};
 inline constexpr EventKind kRemapTable80Full{2, 13, kWarning};
 inline constexpr EventKind kRemapTableFull{2, 14, kMajor};
 inline constexpr EventKind kSectorReassigned{2, 15, kInfo};
@@ -100,13 +100,11 @@ inline constexpr EventKind kScrubError{
     2, 36, kWarning};  // Params: error count, high and low half of the sector, 0
 inline constexpr EventKind kRemapAdded{
     2, 37, kInfo};  // Params: high and low half of the sector, sectors, reason
-inline constexpr EventKind kRemapRemoved{2, 38, kInfo};  // Params as kRemapAdded
 inline constexpr EventKind kDiskSetFree{2, 54, kInfo};
 
 // ---- Expanders and disk groups (the device is the object) ----
 
 inline constexpr EventKind kExpanderPluggedIn{4, 0, kInfo};
-inline constexpr EventKind kExpanderPluggedOut{4, 1, kMajor};
 inline constexpr EventKind kDiskGroupCreated{13, 0, kInfo};
 inline constexpr EventKind kDiskGroupDeleted{13, 1, kInfo};
 
@@ -120,24 +118,15 @@ inline constexpr EventKind kElementOk{8, 2, kInfo};            // Params: elemen
 
 inline constexpr EventKind kBatteryPresent{9, 0, kInfo};
 inline constexpr EventKind kBatteryNotPresent{9, 1, kWarning};
-inline constexpr EventKind kBatteryNewDetected{9, 2, kInfo};
 inline constexpr EventKind kBatteryNeedsReplacement{9, 3, kMajor};
 inline constexpr EventKind kBatteryReplaced{9, 4, kInfo};
 inline constexpr EventKind kBatteryRemoved{9, 5, kMajor};
 inline constexpr EventKind kBatteryRelearnStarted{9, 6, kInfo};
 inline constexpr EventKind kBatteryRelearnInProgress{9, 7, kInfo};
 inline constexpr EventKind kBatteryRelearnCompleted{9, 8, kInfo};
-inline constexpr EventKind kBatteryRelearnTimedOut{9, 9, kWarning};
-inline constexpr EventKind kBatteryRelearnPending{9, 10, kInfo};
-inline constexpr EventKind kBatteryRelearnPostponed{9, 11, kInfo};
-inline constexpr EventKind kBatteryRelearnIn4Days{9, 12, kInfo};
-inline constexpr EventKind kBatteryRelearnIn2Days{9, 13, kInfo};
-inline constexpr EventKind kBatteryRelearnIn1Day{9, 14, kInfo};
-inline constexpr EventKind kBatteryRelearnIn5Hours{9, 15, kInfo};
 inline constexpr EventKind kBatteryDischarging{9, 16, kInfo};
 inline constexpr EventKind kBatteryStartedCharging{9, 17, kInfo};
 inline constexpr EventKind kBatteryChargeComplete{9, 18, kInfo};
-inline constexpr EventKind kBatteryChargerProblem{9, 19, kMajor};
 inline constexpr EventKind kBatteryCapacityBelowThreshold{9, 20, kWarning};
 inline constexpr EventKind kBatteryCapacityAboveThreshold{9, 21, kInfo};
 inline constexpr EventKind kBatteryTemperatureLow{9, 22, kWarning};
@@ -165,10 +154,11 @@ inline constexpr EventKind kRebuildRateChanged{12, 24, kInfo};
 inline constexpr EventKind kMigrationRateChanged{12, 25, kInfo};
 inline constexpr EventKind kCopybackRateChanged{12, 26, kInfo};
 inline constexpr EventKind kMediaPatrolRateChanged{12, 27, kInfo};
-inline constexpr EventKind kShutdown{12, 7, kInfo};
 inline constexpr EventKind kDiskMissingAtBoot{12, 16, kMajor};  // the device is the disk
 inline constexpr EventKind kVirtualDiskMissesDisks{12, 17,
                                                    kMajor};  // the device is the virtual disk
+inline constexpr EventKind kVirtualDiskMissingAtBoot{
+    12, 18, kMajor};  // not one of its disks is there; the device is the virtual disk
 inline constexpr EventKind kDiskTooSmallForRebuild{12, 20, kWarning};   // the device is the disk
 inline constexpr EventKind kDiskTooSmallForCopyback{12, 21, kWarning};  // the device is the disk
 

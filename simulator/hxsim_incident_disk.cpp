@@ -16,6 +16,8 @@
 #include "hxsim_random.h"
 #include "hxsim_redundancy.h"
 #include "hxsim_remap.h"
+#include "hxsim_repair.h"
+#include "hxsim_space.h"
 
 namespace hxsim {
 namespace {
@@ -145,9 +147,14 @@ Outcome InsertDisk(Adapter& adapter, Time now, HX_U16 disk) {
     return {};
 }
 
-Outcome ReplaceDisk(Adapter& adapter, Time now, HX_U16 disk, std::uint64_t& random, bool foreign) {
+Outcome ReplaceDisk(Adapter& adapter, Time now, HX_U16 disk, std::uint64_t& random, bool foreign,
+                    Sectors sectors) {
     Disk* const row = Find(adapter.disks, disk);
     if (row == nullptr) return NoSuchDisk(disk);
+    if (sectors != 0 && (sectors <= kMetadata || sectors > kMostSectors)) {
+        return {"A disk has " + std::to_string(kMetadata + 1) + " to " +
+                std::to_string(kMostSectors) + " sectors, not " + std::to_string(sectors) + '.'};
+    }
     if (row->present && !row->failed) Queue(adapter, now, kDiskOffline, disk);
     EndActivityOf(adapter, now, disk);
     DropContents(adapter, now, disk);
@@ -162,12 +169,14 @@ Outcome ReplaceDisk(Adapter& adapter, Time now, HX_U16 disk, std::uint64_t& rand
     fresh.firmware = row->firmware;
     fresh.serial = NewSerial(adapter, row->serial, random);
     fresh.wwn = NewWorldWideName(adapter, random);
-    fresh.sectors = row->sectors;
+    fresh.sectors = sectors != 0 ? sectors : row->sectors;
     fresh.sas = row->sas;
     fresh.speed = row->speed;
     fresh.foreign = foreign;
     *row = std::move(fresh);
+    ResetDisk(adapter, disk);
     Queue(adapter, now, kDiskOnline, disk);
+    TellOfSmallHome(adapter, now, disk);
     return {};
 }
 
@@ -227,6 +236,15 @@ bool LosesWhatIsCached(const Adapter& adapter, const VirtualDisk& virtual_disk) 
            virtual_disk.level != 0 && StateOf(adapter, virtual_disk) != HXSIM_STATE_OFFLINE;
 }
 
+// Whether a virtual disk has gone with all its disks.
+bool IsGone(const Adapter& adapter, HX_U16 virtual_disk) {
+    return std::ranges::none_of(adapter.blocks, [&](const Block& block) {
+        if (block.virtual_disk != virtual_disk) return false;
+        const Disk* const disk = Find(adapter.disks, block.disk);
+        return disk != nullptr && disk->present;
+    });
+}
+
 // What a controller finds missing when it comes up.
 void AnnounceMissing(Adapter& adapter, Time now) {
     for (const Disk& disk : adapter.disks) {
@@ -237,7 +255,9 @@ void AnnounceMissing(Adapter& adapter, Time now) {
     for (const VirtualDisk& each : adapter.virtual_disks) {
         const HX_U8 state = StateOf(adapter, each);
         if (state != HXSIM_STATE_OPTIMAL && state != HXSIM_STATE_FOREIGN) {
-            Queue(adapter, now, kVirtualDiskMissesDisks, each.id);
+            const bool gone = IsGone(adapter, each.id);
+            Queue(adapter, now, gone ? kVirtualDiskMissingAtBoot : kVirtualDiskMissesDisks,
+                  each.id);
         }
     }
     const bool battery_missing = std::ranges::any_of(

@@ -22,11 +22,12 @@ namespace hxsim {
 using Sectors = std::uint64_t;  // of 512 bytes
 using Time = std::int64_t;      // milliseconds of virtual time since 1970-01-01 00:00 UTC
 
-inline constexpr HX_U16 kNoId = 65535;           // no object has this ID
-inline constexpr HX_U16 kNoVirtualDisk = 255;    // a block's virtual disk: none
-inline constexpr HX_U8 kNoDiskGroup = 255;       // LD_Info::DGID of a virtual disk of no group
-inline constexpr Sectors kMetadata = 65536;      // sectors at a disk's end, the controller's own
-inline constexpr std::size_t kMostEvents = 512;  // that an adapter's queue holds
+inline constexpr HX_U16 kNoId = 65535;         // no object has this ID
+inline constexpr HX_U16 kNoVirtualDisk = 255;  // a block's virtual disk: none
+inline constexpr HX_U8 kNoDiskGroup = 255;     // LD_Info::DGID of a virtual disk of no group
+inline constexpr Sectors kMetadata = 65536;    // sectors at a disk's end, the controller's own
+inline constexpr Sectors kMostSectors = Sectors{1} << 48;  // of a disk
+inline constexpr std::size_t kMostEvents = 512;            // that an adapter's queue holds
 inline constexpr Time kNever = INT64_MAX;
 
 /// Virtual time: `speed` virtual milliseconds for each real one since `real`, when it was
@@ -164,8 +165,8 @@ struct Activity {
 
 inline constexpr HX_U8 kNotRemapped = 0;  // Remap::reason: damaged, and nobody has met it yet
 
-/// A remapped run of a disk's sectors, or a damaged one that a media patrol or a check will meet and
-/// remap. The latter is not in the remap table that callers see.
+/// A remapped run of a disk's sectors, or a damaged one that a media patrol or a check will meet
+/// and remap. The latter is not in the remap table that callers see.
 struct Remap {
     HX_U16 disk = 0;
     Sectors lba = 0;

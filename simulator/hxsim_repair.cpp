@@ -163,6 +163,18 @@ std::vector<HX_U16> Concerned(const Adapter& adapter, const Activity& copyback) 
     return ids;
 }
 
+// Whether what serves a position is whole and larger than a disk that it might return to.
+bool IsTooLargeFor(const Adapter& adapter, const Home& home, const Disk& disk) {
+    if (home.of == Owner::kVirtualDisk) {
+        const VirtualDisk* const row = Find(adapter.virtual_disks, home.owner);
+        return row != nullptr && StateOf(adapter, *row) == HXSIM_STATE_OPTIMAL &&
+               SectorsNeeded(adapter, *row) > UsableSectors(disk);
+    }
+    const DiskGroup* const group = Find(adapter.disk_groups, home.owner);
+    return group != nullptr && StateOf(adapter, *group) == HXSIM_STATE_OPTIMAL &&
+           SectorsNeeded(adapter, *group) > UsableSectors(disk);
+}
+
 bool MayCopyBack(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     return StateOf(adapter, virtual_disk) == HXSIM_STATE_OPTIMAL && !IsBusy(adapter, virtual_disk);
 }
@@ -335,6 +347,7 @@ void StartRebuild(Adapter& adapter, Time now, HX_U16 virtual_disk) {
 void FinishRebuild(Adapter& adapter, Time now, HX_U16 virtual_disk) {
     const VirtualDisk* const row = Find(adapter.virtual_disks, virtual_disk);
     if (row == nullptr) return;
+    std::vector<HX_U16> homes;
     for (Block& block : adapter.blocks) {
         if (block.virtual_disk != virtual_disk || block.target ||
             block.state != HXSIM_STATE_REBUILDING) {
@@ -345,11 +358,20 @@ void FinishRebuild(Adapter& adapter, Time now, HX_U16 virtual_disk) {
         if (home == nullptr || !IsDisplaced(*home)) continue;
         if (adapter.config.CopyBack == 0) {
             BelongThere(adapter, *home);
-        } else if (IsReadyDisk(adapter, home->home) &&
-                   UsableSectors(*Find(adapter.disks, home->home)) < block.sectors) {
-            Queue(adapter, now, kDiskTooSmallForCopyback, home->home);
+        } else {
+            homes.push_back(home->home);
         }
     }
+    for (const HX_U16 home : homes) TellOfSmallHome(adapter, now, home);
+}
+
+void TellOfSmallHome(Adapter& adapter, Time now, HX_U16 id) {
+    const Disk* const disk = Find(adapter.disks, id);
+    if (adapter.config.CopyBack == 0 || disk == nullptr || !IsReady(*disk)) return;
+    const bool too_small = std::ranges::any_of(adapter.homes, [&](const Home& home) {
+        return home.home == id && IsDisplaced(home) && IsTooLargeFor(adapter, home, *disk);
+    });
+    if (too_small) Queue(adapter, now, kDiskTooSmallForCopyback, id);
 }
 
 bool StartCopyback(Adapter& adapter, Time now, const VirtualDisk& virtual_disk) {

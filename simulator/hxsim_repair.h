@@ -53,6 +53,10 @@ void StartRebuild(Adapter& adapter, Time now, HX_U16 virtual_disk);
 /// The effect of a rebuild that is complete.
 void FinishRebuild(Adapter& adapter, Time now, HX_U16 virtual_disk);
 
+/// Tells of a disk that is back in its place and too small for what belongs there, when that could
+/// return otherwise.
+void TellOfSmallHome(Adapter& adapter, Time now, HX_U16 disk);
+
 /// Starts the copyback of whatever can return home now; whether anything could.
 bool StartCopyback(Adapter& adapter, Time now, const VirtualDisk& virtual_disk);
 bool StartCopyback(Adapter& adapter, Time now, const DiskGroup& group);

@@ -330,11 +330,10 @@ DiskModels ReadModels(Object& text) {
             model.sectors = SectorsOf(gigabytes);
         }
         object.Take("sectors", model.sectors);
-        constexpr Sectors kMost = Sectors{1} << 48;
-        if (model.sectors <= kMetadata || model.sectors > kMost) {
+        if (model.sectors <= kMetadata || model.sectors > kMostSectors) {
             Refuse(object.Where("sectors"), "gigabytes, or sectors from " +
                                                 std::to_string(kMetadata + 1) + " to " +
-                                                std::to_string(kMost));
+                                                std::to_string(kMostSectors));
         }
         HX_U8 sas = 0;
         object.TakeCode("interface", kInterfaceNames, sas);

@@ -426,6 +426,21 @@ TEST_F(LivingDisk, ReplacementCanBeForeign) {
     EXPECT_EQ(0x83, StatusOf(6));
 }
 
+TEST_F(LivingDisk, ReplacementCanBeOfAnotherSize) {
+    ASSERT_TRUE(hxsim::ReplaceDisk(adapter(), kNow, 6, machine.random, false, 70000));
+    EXPECT_EQ(70000u, disk(6).sectors);
+    EXPECT_EQ("free 0+4464", BlocksOn(6));
+}
+
+TEST_F(LivingDisk, ReplacementHasRoomForMoreThanItsMetadata) {
+    const auto replace = [&](hxsim::Sectors sectors) {
+        return hxsim::ReplaceDisk(adapter(), kNow, 6, machine.random, false, sectors).refusal;
+    };
+    EXPECT_EQ("A disk has 65537 to 281474976710656 sectors, not 65536.", replace(65536));
+    EXPECT_NE("", replace(281474976710657));
+    EXPECT_EQ("", replace(281474976710656));
+}
+
 TEST_F(LivingDisk, ReplacedSpareIsNoSpare) {
     ASSERT_TRUE(Replace(5));
     EXPECT_EQ(0x01, StatusOf(5));
@@ -545,6 +560,15 @@ TEST_F(LivingDisk, PowerCutBeginsWithTheAdapterAndWhatIsMissing) {
     EXPECT_THAT(Events(), ElementsAre("0/9 of 0", "12/16 of 0", "12/17 of 0"));
     EXPECT_EQ(4, adapter().events[0].event.SenseDataLength);
     EXPECT_EQ(0, std::memcmp("VC-1", adapter().events[0].event.SenseData, 4));
+}
+
+TEST_F(LivingDisk, PowerCutTellsOfAVirtualDiskThatIsGoneWithAllItsDisks) {
+    for (HX_U16 id = 0; id < 3; ++id) disk(id).present = false;
+    hxsim::Settle(adapter(), kNow);
+    adapter().events.clear();
+    hxsim::CutPower(adapter(), kNow);
+    EXPECT_THAT(Events(),
+                ElementsAre("0/9 of 0", "12/16 of 0", "12/16 of 1", "12/16 of 2", "12/18 of 0"));
 }
 
 TEST_F(LivingDisk, PowerCutRestartsWhatRanWhereItWas) {

@@ -110,7 +110,7 @@ TEST_F(Events, LostAfterTheTellingWasTakenAreCountedAnew) {
 }
 
 TEST_F(Events, FromBeforeTheEpochHaveTheTimeZero) {
-    Queue(adapter, -5000, hxsim::kShutdown, 0);
+    Queue(adapter, -5000, hxsim::kDiskOnline, 0);
     EXPECT_EQ(0u, adapter.events[0].event.TimeStamp);
 }
 

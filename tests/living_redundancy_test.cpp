@@ -397,6 +397,62 @@ TEST_F(Copyback, ThatLosesItsDestinationFailsAndNothingIsLost) {
     ExpectOrder(it);
 }
 
+TEST_F(Copyback, DoesNotComeToADiskThatIsTooSmallWhichIsTold) {
+    SmallMachine it(4);
+    const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
+    it.MakeGlobalSpare(3);
+    it.Fail(0, 1);
+    it.At(150);
+    it.TakeEvents();
+    it.Replace(200, 1, kHundredSeconds - 1);
+    it.At(500);
+    EXPECT_THAT(it.TakeEvents(), ElementsAre("200 2.1 1", "200 12.21 1"));
+    EXPECT_EQ(3, it.BlockOf(id, 1)->disk);
+    ExpectOrder(it);
+    it.Replace(600, 1, kHundredSeconds);  // just large enough
+    EXPECT_THAT(it.TakeEvents(), ElementsAre("600 2.0 1", "600 2.1 1", "600 1.90 0"));
+}
+
+TEST_F(Copyback, ToADiskThatIsTooSmallIsToldOfAtTheEndOfTheRebuild) {
+    SmallMachine it(4);
+    it.AddVirtualDisk(5, {0, 1, 2});
+    it.MakeGlobalSpare(3);
+    it.Fail(0, 1);
+    it.Replace(90, 1, kHundredSeconds - 1);
+    it.TakeEvents();
+    it.At(500);
+    EXPECT_THAT(it.TakeEvents(), ElementsAre("100 12.21 1", "100 1.75 0", "100 1.1 0"));
+    ExpectOrder(it);
+}
+
+TEST_F(Copyback, OfADiskGroupToADiskThatIsTooSmallIsToldOfOnce) {
+    SmallMachine it(4);
+    const HX_U16 group = it.AddGroup(5, {0, 1, 2});
+    it.AddVirtualDiskTo(group);
+    it.AddVirtualDiskTo(group, kHundredSeconds / 2);
+    it.MakeGroupSpare(3, group);
+    it.Fail(0, 1);
+    it.Replace(40, 1, 2 * kHundredSeconds - 1);
+    it.At(80);
+    it.TakeEvents();
+    it.At(500);
+    EXPECT_THAT(it.TakeEvents(), ElementsAre("100 12.21 1", "100 1.75 0", "100 1.1 0"));
+    EXPECT_EQ(3, it.It().homes[1].disk);
+    ExpectOrder(it);
+}
+
+TEST_F(Copyback, ThatIsOffTellsOfNoSmallDisk) {
+    SmallMachine it(4);
+    it.AddVirtualDisk(5, {0, 1, 2});
+    it.MakeGlobalSpare(3);
+    it.Fail(0, 1);
+    it.At(150);
+    it.It().config.CopyBack = 0;
+    it.TakeEvents();
+    it.Replace(200, 1, kHundredSeconds - 1);
+    EXPECT_THAT(it.TakeEvents(), ElementsAre("200 2.1 1"));
+}
+
 TEST_F(DiskPutBack, IsRebuiltWhereItWasSinceWritesHavePassedItBy) {
     SmallMachine it(3);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});

@@ -123,9 +123,10 @@ public:
         hxsim::InsertDisk(It(), now, disk);
         hxsim::Settle(It(), now);
     }
-    void Replace(hxsim::Time second, HX_U16 disk) {
+    void Replace(hxsim::Time second, HX_U16 disk, hxsim::Sectors usable = 0) {
         const hxsim::Time now = At(second);
-        hxsim::ReplaceDisk(It(), now, disk, machine.random, false);
+        const hxsim::Sectors sectors = usable == 0 ? 0 : usable + hxsim::kMetadata;
+        hxsim::ReplaceDisk(It(), now, disk, machine.random, false, sectors);
         hxsim::Settle(It(), now);
     }
 

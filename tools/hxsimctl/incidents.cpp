@@ -77,11 +77,15 @@ void AddDisk(CLI::App& app, Action& action) {
     add("insert", "The one that was pulled out is put back", hxsim::InsertDisk);
 
     const auto foreign = std::make_shared<bool>(false);
-    AddOnAddress(*disk, "replace", "A new one of the same model is put in its place", Kind::kDisk,
-                 "a0/pd12", action,
-                 [foreign](const Address& address, Machine& machine, Adapter& adapter, Time now) {
-                     return hxsim::ReplaceDisk(adapter, now, address.id, machine.random, *foreign);
-                 });
+    const auto sectors = std::make_shared<hxsim::Sectors>(0);  // 0: as many as the old one
+    AddOnAddress(
+        *disk, "replace", "A new one of the same model is put in its place", Kind::kDisk, "a0/pd12",
+        action, [=](const Address& address, Machine& machine, Adapter& adapter, Time now) {
+            return hxsim::ReplaceDisk(adapter, now, address.id, machine.random, *foreign, *sectors);
+        });
+    disk->get_subcommand("replace")->add_option_function<std::string>(
+        "--size", [sectors](const std::string& word) { *sectors = ParseSize(word); },
+        "of another size, such as 300GiB");
     disk->get_subcommand("replace")->add_flag("--foreign", *foreign,
                                               "with another controller's metadata on it");
     AddOnAddressAndNumber(
