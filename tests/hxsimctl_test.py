@@ -118,6 +118,10 @@ class Scenarios(InFolder):
             ("repeat 3", "story.txt:2: repeat has no end; "),
             ("end", "story.txt:2: end without repeat; "),
             ("clock freeze", 'story.txt:2: "clock" is no step; '),
+            ("disk replace a0/pd0 --size much", 'story.txt:2: "much" is no size; '),
+            ("delete disk a0/dg0", 'story.txt:2: "disk" cannot be deleted; '),
+            ("migrate group a0/dg0 raid=5", 'story.txt:2: "group" cannot be migrated; '),
+            ("start check a0/vd0 a0/pd5", 'story.txt:2: "a0/pd5" is one word too many; '),
         ]:
             with self.subTest(line):
                 said = self.run_scenario(f"disk fail a0/pd0\n{line}\n", 2)

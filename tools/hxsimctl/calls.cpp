@@ -193,6 +193,12 @@ void RequireWords(const Words& words, std::size_t least, const std::string& form
     if (words.size() < least) throw UsageError("write " + form);
 }
 
+void RequireNoMore(const Words& words, std::size_t most) {
+    if (words.size() > most) {
+        throw UsageError('"' + words[most] + "\" is one word too many; leave it out");
+    }
+}
+
 Step ParseCreate(const Words& words) {
     RequireWords(words, 3, "create vd a0 raid=5 disks=0,1,2, or create dg, or create vd a0/dg0");
     if (words[1] == "vd") {
@@ -226,6 +232,9 @@ Step ParseDelete(const Words& words) {
         return Calling("HX_LD_Delete",
                        [address] { return HX_LD_Delete(address.adapter, address.id, 0); });
     }
+    if (words[1] != "dg") {
+        throw UsageError('"' + words[1] + "\" cannot be deleted; write delete vd or delete dg");
+    }
     const Address address = ParseAddress(words[2], Kind::kDiskGroup);
     return Calling("HX_DG_Delete", [address] { return HX_DG_Delete(address.adapter, address.id); });
 }
@@ -241,6 +250,9 @@ Step ParseMigrate(const Words& words) {
             Create_LD_Param copy = param;
             return HX_LD_StartMigration(address.adapter, &copy);
         });
+    }
+    if (words[1] != "dg") {
+        throw UsageError('"' + words[1] + "\" cannot be migrated; write migrate vd or migrate dg");
     }
     const Address address = ParseAddress(words[2], Kind::kDiskGroup);
     CreateOrModify_DG_Param param = ParamOfGroup(values);
@@ -263,6 +275,7 @@ Step ParseImport(const Words& words) {
 Step ParseStart(const Words& words) {
     RequireWords(words, 3, "start and an activity, such as start check a0/vd0");
     const HX_U32 kind = ParseName(kHxsimActivityNames, words[1], "activity");
+    if (kind != HXSIM_ACTIVITY_REBUILD) RequireNoMore(words, 3);
     const bool of_disk = kind == HXSIM_ACTIVITY_MEDIA_PATROL || kind == HXSIM_ACTIVITY_DATA_SCRUB;
     const Address address = ParseAddress(words[2], of_disk ? Kind::kDisk : Kind::kVirtualDisk);
     const HX_U8 adapter = address.adapter;
@@ -472,8 +485,6 @@ bool IsCall(std::string_view word) { return FindCall(word) != nullptr; }
 
 Step ParseCall(const std::vector<std::string>& words) {
     const CallStep& call = *FindCall(words[0]);
-    if (words.size() > call.most_words) {
-        throw UsageError('"' + words[call.most_words] + "\" is one word too many; leave it out");
-    }
+    RequireNoMore(words, call.most_words);
     return call.parse(words);
 }
