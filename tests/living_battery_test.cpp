@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "hxsim_incident.h"
+#include "hxsim_virtual_disk.h"
 #include "living_parts.h"
 
 namespace {
@@ -113,6 +114,21 @@ TEST_F(LivingBattery, TellsOfTheStepsOfARelearnCycle) {
     At(kNow + 6 * kHour);
     EXPECT_THAT(Events(), ElementsAre("9/6 of 0", "9/20 of 0", "9/28 of 0", "9/7 of 0", "9/17 of 0",
                                       "9/21 of 0", "9/29 of 0", "9/18 of 0", "9/8 of 0"));
+}
+
+// 30 percent of the charge are gone through after 2.8 hours, and won again at 4.6.
+TEST_F(LivingBattery, TakesTheCacheFromVirtualDisksWhileItsRelearnCycleHasItEmpty) {
+    virtual_disk(0).cache = HXSIM_CACHE_WRITE_BACK | HXSIM_CACHE_READ_AHEAD;
+    const auto cache_at = [&](hxsim::Time time) {
+        At(time);
+        return hxsim::DescribeVirtualDisk(adapter(), virtual_disk(0)).CacheMode;
+    };
+    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, HXSIM_POWER_RELEARN));
+    EXPECT_EQ(0x05, cache_at(kNow + 2 * kHour));
+    EXPECT_EQ(0x85, cache_at(kNow + 3 * kHour));
+    EXPECT_EQ(0x85, cache_at(kNow + 4 * kHour + 30 * kMinute));
+    EXPECT_EQ(0x05, cache_at(kNow + 5 * kHour));
+    EXPECT_EQ(0x05, cache_at(kNow + 7 * kHour));
 }
 
 TEST_F(LivingBattery, IsNotInterruptedWhileItRelearns) {
