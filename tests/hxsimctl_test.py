@@ -216,6 +216,14 @@ class Commands(InFolder):
         (self.folder / "text.db").write_text("no database", encoding="utf-8")
         self.expect(5, "show", "--state", "text.db")
 
+    def test_time_ends_with_the_year_9999(self):
+        self.expect(0, "init", "--topology", "small")
+        said = self.run_scenario("repeat 100\n+36500d\nend\n", 1)
+        self.assertEqual(said, "hxsimctl: story.txt:2: no clock goes beyond the year 9999; let less "
+                         "time pass\n")
+        self.expect(1, "clock", "advance", "36500d")
+        self.expect(0, "clock", "show")
+
     def test_an_output_that_cannot_be_written_is_told(self):
         self.expect(0, "init", "--topology", "small")
         with open("/dev/full", "w", encoding="utf-8") as full:

@@ -59,7 +59,11 @@ void Driver::Restart() {
 }
 
 void Driver::SetClock(std::int64_t speed, hxsim::Time forward) {
+    constexpr hxsim::Time kLast = 253402300799999;  // of the year 9999
     Change([&](hxsim::Machine& machine, hxsim::Time now) {
+        if (forward > 0 && (now > kLast || forward > kLast - now)) {
+            throw Refused("no clock goes beyond the year 9999; let less time pass");
+        }
         machine.clock = {now + forward, hxsim::RealNow(), speed};
     });
     Current();  // whatever is due by the new time happens

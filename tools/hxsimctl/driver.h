@@ -51,7 +51,8 @@ public:
     /// Closes the library and the state file, as if the program ended. The next use opens them.
     void Restart();
 
-    /// Sets the clock: to go on from now on at that speed, `forward` later than it is.
+    /// Sets the clock: to go on from now on at that speed, `forward` later than it is. Throws
+    /// Refused when that is beyond the year 9999.
     void SetClock(std::int64_t speed, hxsim::Time forward = 0);
 
 private:
