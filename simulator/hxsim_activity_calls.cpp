@@ -28,21 +28,6 @@ Activity ActivityFor(const Adapter& adapter, const VirtualDisk& virtual_disk, HX
     return activity;
 }
 
-// ---- Virtual disks ----
-
-HX_U8 KindOfInitialisation(HX_U8 type) {
-    switch (type) {
-        case HXSIM_INIT_QUICK:
-            return HXSIM_ACTIVITY_INIT_QUICK;
-        case HXSIM_INIT_FOREGROUND:
-            return HXSIM_ACTIVITY_INIT_FORE;
-        case HXSIM_INIT_BACKGROUND:
-            return HXSIM_ACTIVITY_INIT_BACK;
-        default:
-            return HXSIM_ACTIVITY_NONE;
-    }
-}
-
 // ---- Rebuilds ----
 
 HX_U8 CanBeRebuilt(const Adapter& adapter, const VirtualDisk& virtual_disk) {
@@ -146,6 +131,19 @@ void StartOnDisk(Adapter& adapter, Time now, HX_U16 id, HX_U8 kind) {
 }
 
 }  // namespace
+
+HX_U8 KindOfInitialisation(HX_U8 type) {
+    switch (type) {
+        case HXSIM_INIT_QUICK:
+            return HXSIM_ACTIVITY_INIT_QUICK;
+        case HXSIM_INIT_FOREGROUND:
+            return HXSIM_ACTIVITY_INIT_FORE;
+        case HXSIM_INIT_BACKGROUND:
+            return HXSIM_ACTIVITY_INIT_BACK;
+        default:
+            return HXSIM_ACTIVITY_NONE;
+    }
+}
 
 HX_U8 StartInitialisation(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
     VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);

@@ -18,10 +18,25 @@ constexpr HX_U8 kRebuildRate = 0x01, kInitRate = 0x02, kSyncRate = 0x04, kMigrat
 // StripeSizeSupported has bit n for 2^n KiB, PortSupportType bit 0 for SAS and bit 1 for SATA: the
 // interface leaves both to the maker.
 
-// The larger one: expanders, disk groups, every level, a battery.
-constexpr Adapter_Info LargeModel() {
+// What all models have in common: the driver, the maker, ports of both kinds and sound images.
+constexpr Adapter_Info AnyModel() {
     Adapter_Info model{};
     model.DriverVersion = {4, 1, 0, 1208};
+    model.VenID = 0xFAC0;
+    model.SubVenID = 0xFAC0;
+    model.PortSupportType = 0x03;
+    model.img_health = 1;
+    model.autoload_img_health = 1;
+    model.boot_loader_img_health = 1;
+    model.firmware_img_health = 1;
+    model.boot_rom_img_health = 1;
+    model.hba_info_img_health = 1;
+    return model;
+}
+
+// The larger one: expanders, disk groups, every level, a battery.
+constexpr Adapter_Info LargeModel() {
+    Adapter_Info model = AnyModel();
     model.BIOSVersion = {3, 1, 0, 27};
     model.FirmwareVersion = {4, 1, 0, 1350};
     model.BootLoaderVersion = {2, 1, 0, 9};
@@ -29,8 +44,6 @@ constexpr Adapter_Info LargeModel() {
     model.SlotNumber = 1;
     model.InterruptLevel = 16;
     model.InterruptVector = 48;
-    model.VenID = 0xFAC0;
-    model.SubVenID = 0xFAC0;
     model.DevID = 0x0808;
     model.SubDevID = 0x0001;
     model.RevisionID = 2;
@@ -40,7 +53,6 @@ constexpr Adapter_Info LargeModel() {
     model.MaxVDPerDG = 32;
     model.MaxParityDisks = 4;
     model.PortCount = 8;
-    model.PortSupportType = 0x03;
     model.Features =
         kRebuildRate | kInitRate | kSyncRate | kMigrationRate | kMediaPatrolRate | kCopybackRate;
     model.AlarmSupport = 1;
@@ -54,19 +66,12 @@ constexpr Adapter_Info LargeModel() {
         kRaid0 | kRaid1 | kRaid10 | kRaid1e | kRaid5 | kRaid6 | kRaid50 | kRaid60;
     model.DiskGroupSupport = 1;
     model.MaxBufferSize = 64;
-    model.img_health = 1;
-    model.autoload_img_health = 1;
-    model.boot_loader_img_health = 1;
-    model.firmware_img_health = 1;
-    model.boot_rom_img_health = 1;
-    model.hba_info_img_health = 1;
     return model;
 }
 
 // The smaller one: no expanders, no disk groups, no alarm, fewer levels and rates.
 constexpr Adapter_Info SmallModel() {
-    Adapter_Info model{};
-    model.DriverVersion = {4, 1, 0, 1208};
+    Adapter_Info model = AnyModel();
     model.BIOSVersion = {3, 0, 1, 14};
     model.FirmwareVersion = {3, 2, 0, 977};
     model.BootLoaderVersion = {2, 0, 0, 6};
@@ -74,8 +79,6 @@ constexpr Adapter_Info SmallModel() {
     model.SlotNumber = 2;
     model.InterruptLevel = 17;
     model.InterruptVector = 49;
-    model.VenID = 0xFAC0;
-    model.SubVenID = 0xFAC0;
     model.DevID = 0x0404;
     model.SubDevID = 0x0002;
     model.RevisionID = 1;
@@ -83,7 +86,6 @@ constexpr Adapter_Info SmallModel() {
     model.StripeSizeSupported = 0x0070;
     model.MaxParityDisks = 1;
     model.PortCount = 4;
-    model.PortSupportType = 0x03;
     model.Features = kRebuildRate | kInitRate | kSyncRate | kMediaPatrolRate;
     model.MaxBlockPerPD = 4;
     model.MaxHD = 8;
@@ -92,12 +94,6 @@ constexpr Adapter_Info SmallModel() {
     model.MaxLogicalDrive = 8;
     model.LogicalDriverMode = kRaid0 | kRaid1 | kRaid10 | kRaid5;
     model.MaxBufferSize = 16;
-    model.img_health = 1;
-    model.autoload_img_health = 1;
-    model.boot_loader_img_health = 1;
-    model.firmware_img_health = 1;
-    model.boot_rom_img_health = 1;
-    model.hba_info_img_health = 1;
     return model;
 }
 

@@ -758,7 +758,7 @@ std::vector<std::string> Check(const Machine& machine) {
         broken.push_back("The machine has " + Text(machine.adapters.size()) +
                          " adapters; 1 to 4 fit.");
     }
-    if (machine.clock.speed < 0) broken.push_back("The clock runs backwards.");
+    if (machine.clock.speed < 0) broken.emplace_back("The clock runs backwards.");
     for (std::size_t place = 0; place < machine.adapters.size(); ++place) {
         if (machine.adapters[place].id != place) {
             broken.push_back("Adapter " + Text(machine.adapters[place].id) + " stands in place " +

@@ -4,7 +4,6 @@
 #include <cstring>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <utility>
 
 #include "hxsim_activity.h"
@@ -74,13 +73,6 @@ void EndActivityOf(Adapter& adapter, Time now, HX_U16 disk) {
 
 std::array<HX_U32, 4> AddressAnd(Sectors lba, HX_U32 third, HX_U32 fourth) {
     return {static_cast<HX_U32>(lba >> 32), static_cast<HX_U32>(lba), third, fourth};
-}
-
-void InsertRemap(Adapter& adapter, const Remap& remap) {
-    const auto at =
-        std::ranges::lower_bound(adapter.remaps, std::tuple(remap.disk, remap.lba), {},
-                                 [](const Remap& each) { return std::tuple(each.disk, each.lba); });
-    adapter.remaps.insert(at, remap);
 }
 
 const Block* ContentAt(const Adapter& adapter, HX_U16 disk, Sectors lba) {
@@ -212,7 +204,7 @@ Outcome DamageSector(Adapter& adapter, Time now, HX_U16 disk, Sectors lba) {
     VirtualDisk* const virtual_disk =
         content == nullptr ? nullptr : Find(adapter.virtual_disks, content->virtual_disk);
     if (virtual_disk == nullptr || !IsRead(adapter, *row, *virtual_disk)) {
-        InsertRemap(adapter, {disk, lba, 1, kNotRemapped});
+        SetRemap(adapter, {disk, lba, 1, kNotRemapped});
         return {};
     }
     Queue(adapter, now, kDiskReadWriteError, disk);

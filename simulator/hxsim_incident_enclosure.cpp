@@ -65,7 +65,7 @@ Outcome CheckBattery(const Adapter& adapter) {
 
 Outcome SetFanSpeed(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 element, HX_U16 rpm) {
     Element* const fan = FindElement(adapter, enclosure, element);
-    const Outcome outcome = Check(fan, enclosure, element, HX_ELEMENT_FAN);
+    Outcome outcome = Check(fan, enclosure, element, HX_ELEMENT_FAN);
     if (!outcome) return outcome;
     SetReading(adapter, now, *fan, rpm);
     fan->speed_code = SpeedCodeOf(*fan);
@@ -74,7 +74,7 @@ Outcome SetFanSpeed(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 element,
 
 Outcome SetTemperature(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 element, int celsius) {
     Element* const sensor = FindElement(adapter, enclosure, element);
-    const Outcome outcome = Check(sensor, enclosure, element, HX_ELEMENT_TEMPERATURE);
+    Outcome outcome = Check(sensor, enclosure, element, HX_ELEMENT_TEMPERATURE);
     if (!outcome) return outcome;
     if (celsius < -19 || celsius > 235) {
         return {"A sensor shows -19 to 235 degrees Celsius, not " + std::to_string(celsius) + '.'};
@@ -85,28 +85,28 @@ Outcome SetTemperature(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 eleme
 
 Outcome SetPowerSupply(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 element, bool works) {
     Element* const supply = FindElement(adapter, enclosure, element);
-    const Outcome outcome = Check(supply, enclosure, element, HX_ELEMENT_POWER_SUPPLY);
+    Outcome outcome = Check(supply, enclosure, element, HX_ELEMENT_POWER_SUPPLY);
     if (!outcome) return outcome;
     SetStatus(adapter, now, *supply, works ? HXSIM_ELEMENT_OK : HXSIM_ELEMENT_CRITICAL);
     return {};
 }
 
 Outcome SetBatteryTemperature(Adapter& adapter, Time now, HX_U16 celsius) {
-    const Outcome outcome = CheckBattery(adapter);
+    Outcome outcome = CheckBattery(adapter);
     if (!outcome) return outcome;
     ChangeBattery(adapter, now, [&](Battery& battery) { battery.info.temperature = celsius; });
     return {};
 }
 
 Outcome SetBatteryVoltage(Adapter& adapter, Time now, HX_U16 millivolts) {
-    const Outcome outcome = CheckBattery(adapter);
+    Outcome outcome = CheckBattery(adapter);
     if (!outcome) return outcome;
     ChangeBattery(adapter, now, [&](Battery& battery) { battery.info.voltage = millivolts; });
     return {};
 }
 
 Outcome SetBatteryCharge(Adapter& adapter, Time now, HX_U8 percent) {
-    const Outcome outcome = CheckBattery(adapter);
+    Outcome outcome = CheckBattery(adapter);
     if (!outcome) return outcome;
     if (percent > 100) {
         return {"A battery is charged to 0 to 100 percent, not " + std::to_string(percent) + '.'};
@@ -120,7 +120,7 @@ Outcome SetBatteryCharge(Adapter& adapter, Time now, HX_U8 percent) {
 }
 
 Outcome RemoveBattery(Adapter& adapter, Time now) {
-    const Outcome outcome = CheckBattery(adapter);
+    Outcome outcome = CheckBattery(adapter);
     if (!outcome) return outcome;
     Queue(adapter, now, kBatteryRemoved, 0);
     ChangeBattery(adapter, now, [](Battery& battery) {

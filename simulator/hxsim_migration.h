@@ -28,10 +28,10 @@ HX_U8 StartGroupMigration(Adapter& adapter, Time now, CreateOrModify_DG_Param& p
 HX_U8 SizeGroupMigration(const Adapter& adapter, CreateOrModify_DG_Param& param);
 
 /// The effect of a migration that has come to its end: called for its activity.
-void CompleteMigration(Adapter& adapter, const Activity& activity);
+void CompleteMigration(Adapter& adapter, const Activity& migration);
 
 /// Gives back what a migration has taken: called when its activity ends before its time.
-void AbandonMigration(Adapter& adapter, const Activity& activity);
+void AbandonMigration(Adapter& adapter, const Activity& migration);
 
 /// Free blocks that running migrations will leave on the disk beyond those that are there: ends of
 /// blocks that stay and become shorter.

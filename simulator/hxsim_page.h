@@ -41,12 +41,14 @@ HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request
         std::size_t place = 0;  // of the row among those listed
         bool found = false;
         bool more = false;
-        for (const Row& row : adapter.*rows) {
-            if (!is_listed(adapter, row)) continue;
-            const bool wanted =
-                by_id ? row.id == header.startingIndexOrId : place >= header.startingIndexOrId;
+        const auto is_wanted = [&](const Row& row) {
+            if (!is_listed(adapter, row)) return false;
+            const std::size_t number = by_id ? row.id : place;
             ++place;
-            if (!wanted) continue;
+            return by_id ? number == header.startingIndexOrId : number >= header.startingIndexOrId;
+        };
+        for (const Row& row : adapter.*rows) {
+            if (!is_wanted(row)) continue;
             found = true;
             if (count == header.numRequested) {
                 more = !by_id;

@@ -109,22 +109,13 @@ HX_U8 MakeLayout(const Adapter& adapter, const Wish& wish, Layout& layout) {
     return HX_SUCCESS;
 }
 
-bool IsOfDiskGroup(const Adapter& adapter, HX_U16 disk) {
-    if (GroupOf(adapter, disk) != nullptr) return true;
-    return std::ranges::any_of(adapter.blocks, [&](const Block& block) {
-        if (block.disk != disk || block.virtual_disk == kNoVirtualDisk) return false;
-        const VirtualDisk* const owner = Find(adapter.virtual_disks, block.virtual_disk);
-        return owner != nullptr && owner->group != kNoId;
-    });
-}
-
 HX_U8 CheckSharedDisk(const Adapter& adapter, HX_U16 id) {
     const Disk* const disk = Find(adapter.disks, id);
     if (disk == nullptr) return HXSIM_NO_DISK;
     if (!IsReady(*disk)) return HXSIM_DISK_NOT_READY;
     // A spare that has stepped in is to be a spare again.
     const bool spare = disk->spare != Spare::kNone || disk->spare_before != Spare::kNone;
-    if (spare || IsOfDiskGroup(adapter, id)) return HXSIM_DISK_TAKEN;
+    if (spare || GroupOf(adapter, id) != nullptr) return HXSIM_DISK_TAKEN;
     if (disk->has_system) return HXSIM_HOLDS_SYSTEM;
     return HX_SUCCESS;
 }

@@ -49,13 +49,10 @@ struct Run {
 HX_U8 MakeLayout(const Adapter& adapter, const Wish& wish, Layout& layout);
 
 /// Whether a virtual disk may have what is free of the disk.
-HX_U8 CheckSharedDisk(const Adapter& adapter, HX_U16 disk);
+HX_U8 CheckSharedDisk(const Adapter& adapter, HX_U16 id);
 
 /// Whether a disk group may have the whole disk.
-HX_U8 CheckWholeDisk(const Adapter& adapter, HX_U16 disk);
-
-/// Whether the disk serves a disk group, or will when a migration ends.
-bool IsOfDiskGroup(const Adapter& adapter, HX_U16 disk);
+HX_U8 CheckWholeDisk(const Adapter& adapter, HX_U16 id);
 
 /// Sets the size that a virtual disk gets when its blocks can have `run` sectors and `wanted`
 /// sectors of data are asked for (0: as many as fit). Refused with HXSIM_BAD_ROUNDING,
@@ -98,7 +95,7 @@ Run Longest(std::span<const Run> runs);
 void SetHomes(Adapter& adapter, Owner of, HX_U16 owner, std::span<const HX_U16> disks);
 
 /// Switches a disk's write cache and tells of it when it was otherwise.
-void SetWriteCache(Adapter& adapter, Time now, HX_U16 disk, bool on);
+void SetWriteCache(Adapter& adapter, Time now, HX_U16 id, bool on);
 
 /// Forgets the positions.
 void DropHomes(Adapter& adapter, Owner of, HX_U16 owner);

@@ -91,6 +91,10 @@ HX_U8 StateOfArray(HX_U8 level, HX_U8 legs, HX_U8 width, const Positions& lost) 
     }
 }
 
+bool CausesAlarm(HX_U8 state) {
+    return state == HXSIM_STATE_DEGRADED || state == HXSIM_STATE_OFFLINE;
+}
+
 bool IsRedundant(HX_U8 level) { return level != 0x00; }
 
 Positions LostPositions(const Adapter& adapter, HX_U16 virtual_disk, bool target) {
@@ -151,12 +155,10 @@ bool IsFree(const Adapter& adapter, const Disk& disk) {
 }
 
 void UpdateAlarm(Adapter& adapter, bool new_cause) {
-    const bool cause = std::ranges::any_of(adapter.virtual_disks,
-                                           [](const VirtualDisk& each) {
-                                               return each.state == HXSIM_STATE_DEGRADED ||
-                                                      each.state == HXSIM_STATE_OFFLINE;
-                                           }) ||
-                       std::ranges::any_of(adapter.elements, IsWrong);
+    const bool cause =
+        std::ranges::any_of(adapter.virtual_disks,
+                            [](const VirtualDisk& each) { return CausesAlarm(each.state); }) ||
+        std::ranges::any_of(adapter.elements, IsWrong);
     if (!cause || new_cause) adapter.muted = false;
     adapter.alarm =
         cause && !adapter.muted && adapter.info.AlarmSupport != 0 && adapter.config.AlarmOn != 0;

@@ -14,6 +14,9 @@ using Positions = std::bitset<256>;
 /// The state of an array without the positions that are lost; those from `width` on do not count.
 HX_U8 StateOfArray(HX_U8 level, HX_U8 legs, HX_U8 width, const Positions& lost);
 
+/// Whether the alarm sounds for a virtual disk in that state.
+bool CausesAlarm(HX_U8 state);
+
 /// Whether the level keeps anything twice, or parity.
 bool IsRedundant(HX_U8 level);
 

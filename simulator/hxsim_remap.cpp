@@ -14,6 +14,8 @@ namespace {
 constexpr std::size_t kRemapRoom = 64;
 constexpr std::size_t kRemapWarning = kRemapRoom * 8 / 10;
 
+}  // namespace
+
 void SetRemap(Adapter& adapter, const Remap& remap) {
     const auto at =
         std::ranges::lower_bound(adapter.remaps, std::tuple(remap.disk, remap.lba), {},
@@ -24,8 +26,6 @@ void SetRemap(Adapter& adapter, const Remap& remap) {
         adapter.remaps.insert(at, remap);
     }
 }
-
-}  // namespace
 
 bool Reassign(Adapter& adapter, Time now, HX_U16 disk, Sectors lba, HX_U32 sectors) {
     const auto is_used = [&](const Remap& remap) {

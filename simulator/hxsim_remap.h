@@ -6,6 +6,9 @@
 
 namespace hxsim {
 
+/// Puts a run where it belongs among the adapter's; one that begins at the same sector gives way.
+void SetRemap(Adapter& adapter, const Remap& remap);
+
 /// Puts good sectors in the place of a damaged run that somebody has met, with its events; whether
 /// it is in Adapter::remaps as damaged already makes no difference. Returns false when the disk has
 /// no sectors left for it, and says so with an event; nothing else has changed then.

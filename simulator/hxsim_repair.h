@@ -55,7 +55,7 @@ void FinishRebuild(Adapter& adapter, Time now, HX_U16 virtual_disk);
 
 /// Tells of a disk that is back in its place and too small for what belongs there, when that could
 /// return otherwise.
-void TellOfSmallHome(Adapter& adapter, Time now, HX_U16 disk);
+void TellOfSmallHome(Adapter& adapter, Time now, HX_U16 id);
 
 /// Starts the copyback of whatever can return home now; whether anything could.
 bool StartCopyback(Adapter& adapter, Time now, const VirtualDisk& virtual_disk);

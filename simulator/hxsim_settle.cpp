@@ -14,10 +14,6 @@ namespace {
 
 bool IsUsable(HX_U8 state) { return state < HXSIM_STATE_OFFLINE; }
 
-bool CausesAlarm(HX_U8 state) {
-    return state == HXSIM_STATE_DEGRADED || state == HXSIM_STATE_OFFLINE;
-}
-
 EventKind EventOf(HX_U8 state) {
     switch (state) {
         case HXSIM_STATE_OFFLINE:

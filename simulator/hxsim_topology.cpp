@@ -23,6 +23,7 @@
 #include "hxsim_event.h"
 #include "hxsim_level.h"
 #include "hxsim_link.h"
+#include "hxsim_plan.h"
 #include "hxsim_random.h"
 #include "hxsim_rows.h"
 #include "hxsim_space.h"
@@ -361,9 +362,6 @@ public:
         text_.ForEach("virtual_disks", [&](Object& object) { ReadVirtualDisks(object); });
         ReadBattery();
         ReadImages();
-        std::ranges::sort(adapter_.homes, {}, [](const Home& home) {
-            return std::tuple(home.of, home.owner, home.position);
-        });
         QueueStart();
     }
 
@@ -670,12 +668,6 @@ private:
         return disks;
     }
 
-    void AddHomes(Owner of, HX_U16 owner, const std::vector<HX_U16>& disks) {
-        for (std::size_t i = 0; i < disks.size(); ++i) {
-            adapter_.homes.push_back({of, owner, static_cast<HX_U8>(i), disks[i], disks[i]});
-        }
-    }
-
     void ReadGroup(Object& object) {
         DiskGroup group;
         group.id = NextId(adapter_.disk_groups);
@@ -687,7 +679,7 @@ private:
         group.width = static_cast<HX_U8>(disks.size());
         const HX_U16 id = group.id;
         Append(object, adapter_.disk_groups, std::move(group));
-        AddHomes(Owner::kDiskGroup, id, disks);
+        SetHomes(adapter_, Owner::kDiskGroup, id, disks);
     }
 
     // ---- Virtual disks ----
@@ -723,11 +715,7 @@ private:
         row.stripe_kib = group->stripe_kib;
         object.Take("slot", row.slot);
         object.Take("stripe_kib", row.stripe_kib);
-        std::vector<HX_U16> disks;
-        for (const Home& home : adapter_.homes) {
-            if (home.of == Owner::kDiskGroup && home.owner == row.group) disks.push_back(home.disk);
-        }
-        return disks;
+        return DisksOf(adapter_, Owner::kDiskGroup, row.group);
     }
 
     // The sectors of its block on each disk, from these or from the size of its data.
@@ -767,7 +755,7 @@ private:
         const HX_U16 id = row.id;
         Append(object, adapter_.virtual_disks, std::move(row));
         CutBlocks(object, id, disks, block);
-        if (first.group == kNoId) AddHomes(Owner::kVirtualDisk, id, disks);
+        if (first.group == kNoId) SetHomes(adapter_, Owner::kVirtualDisk, id, disks);
     }
 
     // At the first sector from which every disk has room: those of a disk group have their blocks

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "hxsim_activity.h"
+#include "hxsim_activity_calls.h"
 #include "hxsim_event.h"
 #include "hxsim_level.h"
 #include "hxsim_plan.h"
@@ -38,19 +39,8 @@ HX_U16 Add(Adapter& adapter, Time now, VirtualDisk virtual_disk) {
 
 void StartInit(Adapter& adapter, Time now, HX_U16 virtual_disk, HX_U8 init, Sectors block) {
     Activity activity;
-    switch (init) {
-        case HXSIM_INIT_QUICK:
-            activity.kind = HXSIM_ACTIVITY_INIT_QUICK;
-            break;
-        case HXSIM_INIT_FOREGROUND:
-            activity.kind = HXSIM_ACTIVITY_INIT_FORE;
-            break;
-        case HXSIM_INIT_BACKGROUND:
-            activity.kind = HXSIM_ACTIVITY_INIT_BACK;
-            break;
-        default:
-            return;
-    }
+    activity.kind = KindOfInitialisation(init);
+    if (activity.kind == HXSIM_ACTIVITY_NONE) return;
     activity.owner = virtual_disk;
     activity.total = block;
     Start(adapter, now, activity);
