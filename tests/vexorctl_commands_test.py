@@ -26,7 +26,8 @@ import xml.etree.ElementTree
 
 import jsonschema
 
-from vexorctl_machine import Machine
+import vexorctl_machine
+from vexorctl_machine import VexorctlCase
 
 HERE = pathlib.Path(__file__).resolve().parent
 TREE = HERE.parent
@@ -49,47 +50,7 @@ WRITE_MANUAL = ""
 WRITE = False
 
 
-class Base(unittest.TestCase):
-    maxDiff = None
-    topology = "default"
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory(prefix="vexorctl-commands-")
-        self.addCleanup(folder.cleanup)
-        self.root = pathlib.Path(folder.name)
-        shutil.copytree(TREE / "examples" / "root", self.root, dirs_exist_ok=True)
-        (self.root / "opt/kestrel/raid/db").mkdir(parents=True)
-        self.environment = {
-            **os.environ, "VEXORAPI_ROOT": str(self.root), "TZ": "UTC",
-            "HXSIM_STATE": str(self.root / "machine.db"),
-            "PATH": os.path.dirname(VEXORCTL) + os.pathsep + os.environ["PATH"],
-        }
-        self.environment.pop("NO_COLOR", None)
-        self.machine = Machine(os.path.dirname(VEXORCTL), self.root / "machine.db", self.topology)
-
-    def collect(self):
-        subprocess.run([CHECK_IN, "2"], env=self.environment, stdout=subprocess.DEVNULL, check=True)
-
-    def run_words(self, *words, **more):
-        return subprocess.run([VEXORCTL, *words], cwd=self.root, env=self.environment, text=True,
-                              stdin=subprocess.DEVNULL, capture_output=True, timeout=60,
-                              check=False, **more)
-
-    def commands(self):
-        """Every (noun, verb) of the tree; the verb is empty for a noun that is a command."""
-        top = self.run_words("--help").stdout
-        nouns = re.findall(r"^  (\w+)  +\S", top.split("Nouns:")[1].split("\n\n")[0], re.MULTILINE)
-        for noun in nouns:
-            text = self.run_words(noun, "--help").stdout
-            if "\nVerbs:\n" not in text:
-                yield noun, ""
-                continue
-            section = text.split("\nVerbs:\n")[1].split("\n\n")[0]
-            for verb in re.findall(r"^  ([\w-]+)  +\S", section, re.MULTILINE):
-                yield noun, verb
-
-
-class Output(Base):
+class Output(VexorctlCase):
     def test_every_list_in_every_format_is_its_golden_file(self):
         self.collect()
         for command in LISTS:
@@ -158,7 +119,7 @@ class Output(Base):
         self.assertEqual(run.returncode, 0)
 
 
-class Codes(Base):
+class Codes(VexorctlCase):
     def expect(self, code, error, *words):
         run = self.run_words(*words)
         self.assertEqual((run.stderr, run.returncode), (f"vexorctl: {error}\n", code))
@@ -206,7 +167,51 @@ class Codes(Base):
         self.assertEqual(process.returncode, 130)
 
 
-class WrongUse(Base):
+class EarlyEnd(VexorctlCase):
+    """What ends a command early stands in the document that was asked for."""
+
+    def test_a_refusal_is_an_error_of_the_document(self):
+        run = self.run_words("disk", "spare", "a0/pd0", "--yes", "-o", "json")
+        self.assertEqual(run.returncode, 1)
+        document = json.loads(run.stdout)
+        jsonschema.validate(document, json.loads(SCHEMA.read_text()))
+        self.assertEqual((document["command"], document["items"]), ("disk spare", []))
+        (error,) = document["errors"]
+        self.assertEqual((error["address"], error["function"], error["name"]),
+                         ("a0/pd0", "HX_PD_FreeHD2GlobalSpare", "disk_in_use"))
+        self.assertEqual(run.stderr, f"vexorctl: {error['message']}\n")
+
+    def test_what_is_not_there_and_what_is_unavailable_are_too(self):
+        for words, code in (
+            (["vd", "delete", "a0/vd9"], 3), (["event", "list"], 5), (["user", "show", "nix"], 3),
+            (["vd", "delete", "a0/vd2"], 8),
+        ):
+            with self.subTest(words=words):
+                run = self.run_words(*words, "-o", "json")
+                self.assertEqual(run.returncode, code)
+                document = json.loads(run.stdout)
+                self.assertEqual(document["items"], [])
+                self.assertEqual(run.stderr,
+                                 f"vexorctl: {document['errors'][0]['message']}\n")
+        run = self.run_words("event", "list", "-o", "jsonl")
+        self.assertIn("event store cannot be read", json.loads(run.stdout)["error"]["message"])
+        run = self.run_words("event", "list", "-o", "xml")
+        root = xml.etree.ElementTree.fromstring(run.stdout)
+        self.assertIn("event store cannot be read", root.find("error").text)
+
+    def test_a_configuration_that_cannot_be_read_is_too(self):
+        (self.root / "vexorapi.ini").write_text("<broken")
+        run = self.run_words("adapter", "list", "-o", "json")
+        self.assertEqual(run.returncode, 5)
+        self.assertIn("malformed", json.loads(run.stdout)["errors"][0]["message"])
+
+    def test_tables_and_wrong_use_print_no_document(self):
+        self.assertEqual(self.run_words("vd", "delete", "a0/vd9").stdout, "")
+        run = self.run_words("vd", "list", "-o", "json", "--columns", "nothing")
+        self.assertEqual((run.stdout, run.returncode), ("", 2))
+
+
+class WrongUse(VexorctlCase):
     def test_every_command_answers_wrong_use_with_code_2_and_one_line(self):
         for noun, verb in self.commands():
             with self.subTest(noun=noun, verb=verb):
@@ -235,7 +240,7 @@ class WrongUse(Base):
         self.assertIn("there are 2 adapters; say which with --adapter", run.stderr)
 
 
-class Examples(Base):
+class Examples(VexorctlCase):
     def test_every_example_of_every_help_runs(self):
         self.collect()
         (self.root / "password").write_text("raid & roll\n")
@@ -258,7 +263,7 @@ class Examples(Base):
         self.assertGreater(count, 100)
 
 
-class Plans(Base):
+class Plans(VexorctlCase):
     def test_a_dry_run_shows_the_command_and_the_size_and_changes_nothing(self):
         before = self.run_words("vd", "list", "-o", "json").stdout
         run = self.run_words("vd", "create", "--adapter", "1", "--raid", "5", "--disks", "4",
@@ -293,45 +298,30 @@ class Plans(Base):
         run = self.run_words("vd", "create", "--adapter", "1", "--raid", "5", "--disks", "3",
                              "--size", "100TiB", "--dry-run")
         self.assertEqual(run.returncode, 1)
-        self.assertIn("--size: 100TiB is more than the most there, ", run.stderr)
-
-    def terminal(self, words, answer, meanwhile=None):
-        """Runs with a pseudo-terminal, waits for the question and answers it."""
-        pid, master = pty.fork()
-        if pid == 0:
-            os.execve(VEXORCTL, [VEXORCTL, *words], self.environment)
-        said = b""
-        end = time.monotonic() + 20
-        while b"to go on: " not in said and time.monotonic() < end:
-            if select.select([master], [], [], 0.2)[0]:
-                said += os.read(master, 4096)
-        if meanwhile:
-            meanwhile()
-        os.write(master, answer.encode() + b"\n")
-        try:
-            while chunk := os.read(master, 4096):
-                said += chunk
-        except OSError:
-            pass
-        _, status = os.waitpid(pid, 0)
-        os.close(master)
-        return said.decode(), os.waitstatus_to_exitcode(status)
+        self.assertIn("--size: no 3 free disks of a1 give 100TiB; the most is 931.46 GiB",
+                      run.stderr)
+        run = self.run_words("vd", "create", "a1/pd3", "a1/pd4", "--raid", "1", "--size", "100TiB",
+                             "--dry-run")
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("--size: 100TiB is more than the most there, 465.73 GiB; free on a1: ",
+                      run.stderr)
 
     def test_deleting_asks_for_the_name_and_another_answer_is_no(self):
         said, code = self.terminal(["vd", "delete", "a0/vd2"], "yes")
-        self.assertIn("Delete virtual disk a0/vd2 (ARCHIVE, raid6, 3072.00 GiB)", said)
-        self.assertIn("all data on it will be lost", said)
-        self.assertIn("Type ARCHIVE to go on: ", said)
-        self.assertIn("not confirmed; nothing was changed", said)
+        self.assertIn(b"Delete virtual disk a0/vd2 (ARCHIVE, raid6, 3072.00 GiB)", said)
+        self.assertIn(b"all data on it will be lost", said)
+        self.assertIn(b"Type ARCHIVE to go on: ", said)
+        self.assertIn(b"not confirmed; nothing was changed", said)
         self.assertEqual(code, 8)
 
     def test_a_change_between_look_and_act_is_refused(self):
-        said, code = self.terminal(["vd", "delete", "a0/vd2"], "ARCHIVE", self.collect)
-        self.assertIn("something has changed since the plan was made", said)
+        said, code = self.terminal(["vd", "delete", "a0/vd2"], "ARCHIVE",
+                                   lambda pid: self.collect())
+        self.assertIn(b"something has changed since the plan was made", said)
         self.assertEqual(code, 8)
 
 
-class Terminal(Base):
+class Terminal(VexorctlCase):
     def on_terminal(self, **more):
         pid, master = pty.fork()
         if pid == 0:
@@ -353,7 +343,7 @@ class Terminal(Base):
         self.assertNotIn("\x1b", self.run_words("vd", "list").stdout)
 
 
-class Events(Base):
+class Events(VexorctlCase):
     def follow(self, *words):
         return self.run_words("event", "follow", "--once", "-o", "jsonl", *words)
 
@@ -399,8 +389,99 @@ class Events(Base):
         self.assertEqual(self.run_words("event", "reset", "--yes").returncode, 0)
         run = self.follow("--cursor", "cursor")
         self.assertEqual(run.stderr,
-                         "vexorctl: event follow: the event store was reset; going on with "
-                         "event 0\n")
+                         "vexorctl: event follow: the event store was reset, and what it held "
+                         "behind event 31 is lost; how many events that were cannot be told; going "
+                         "on with event 0\n")
+        self.assertEqual(run.stdout, "")
+
+    def many_events(self, at_least):
+        """Stores so many, or a few more."""
+        (self.root / "story").write_text(
+            "repeat 100\ndisk remove a0/pd11\ndisk insert a0/pd11\nend\n")
+        stored = 0
+        while stored < at_least:
+            self.machine.hxsimctl("scenario", "run", self.root / "story")
+            self.collect()
+            stored = int(self.run_words("event", "list", "--last", "1", "--columns", "sequence",
+                                        "--no-header").stdout) + 1
+        return stored
+
+    def test_more_events_than_a_result_holds_are_read_in_smaller_pages(self):
+        stored = self.many_events(2500)
+        self.assertEqual(self.run_words(
+            "call", "VX_HX_EVT_GetEvents", "n=2000", "s=0", "e=1999").returncode, 6)
+        run = self.follow("--from-start")
+        self.assertEqual((run.stderr, run.returncode), ("", 0))
+        self.assertEqual([json.loads(line)["sequence"] for line in run.stdout.splitlines()],
+                         list(range(stored)))
+        run = self.run_words("event", "list", "-o", "jsonl", "--columns", "sequence")
+        self.assertEqual((run.stderr, run.returncode), ("", 0))
+        self.assertEqual([json.loads(line)["sequence"] for line in run.stdout.splitlines()],
+                         list(range(stored)))
+
+    def following(self, *words):
+        """event follow in the background, once it has seen the store as it is."""
+        process = subprocess.Popen(
+            [VEXORCTL, "event", "follow", "-o", "jsonl", "--columns", "sequence,text", "--cursor",
+             "cursor", *words],
+            cwd=self.root, env=self.environment, text=True, stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE)
+        self.addCleanup(process.stdout.close)
+        self.addCleanup(process.stderr.close)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        end = time.monotonic() + 20
+        while not (self.root / "cursor").exists() and time.monotonic() < end:
+            time.sleep(0.02)
+        return process
+
+    def test_events_are_shown_as_they_come(self):
+        self.collect()
+        process = self.following()
+        self.machine.hxsimctl("disk", "fail", "a1/pd0")
+        self.collect()
+        texts = [json.loads(process.stdout.readline())["text"] for _ in range(2)]
+        self.assertEqual(texts, [
+            "Disk a1/pd0 was set down: it takes part in nothing any more",
+            "Virtual disk a1/vd0 is degraded: no redundancy is left"])
+        process.send_signal(signal.SIGINT)
+        out, err = process.communicate(timeout=20)
+        self.assertEqual((out, err, process.returncode), ("", "", 130))
+        self.assertRegex((self.root / "cursor").read_text(), r"^vexorctl-cursor 1 34 \S+\n$")
+
+    def test_a_reset_behind_the_back_of_who_follows_is_told(self):
+        self.collect()
+        process = self.following()
+        self.assertEqual(self.run_words("event", "reset", "--yes").returncode, 0)
+        self.many_events(60)  # more than there were
+        event = json.loads(process.stdout.readline())
+        self.assertEqual(event["sequence"], 0)
+        process.send_signal(signal.SIGINT)
+        _, err = process.communicate(timeout=20)
+        self.assertIn("vexorctl: event follow: the event store was reset, and what it held behind "
+                      "event 31 is lost; how many events that were cannot be told; ", err)
+
+    def test_events_overwritten_behind_the_back_of_who_follows_are_counted(self):
+        (self.root / "vexorapi.ini").write_text(
+            '<config><EventLogConfig type="config" MaxNumOfEvent="10" '
+            f'Filename="{self.root}/opt/kestrel/raid/db/vx_hx_raid.ev"/></config>')
+        self.collect()
+        process = self.following("--interval", "2")
+        self.many_events(100)
+        first = json.loads(process.stdout.readline())["sequence"]
+        process.send_signal(signal.SIGINT)
+        _, err = process.communicate(timeout=20)
+        self.assertIn(f"{first - 32} events were lost: they were overwritten", err)
+
+    def test_reset_asks_for_the_word_and_counts_what_is_lost(self):
+        self.collect()
+        self.assertEqual(self.run_words("event", "reset").returncode, 8)
+        said, code = self.terminal(["event", "reset"], "events")
+        self.assertIn(b"32 stored events will be lost", said)
+        self.assertEqual(code, 0)
+        self.assertEqual(self.run_words("event", "list", "--no-header").stdout, "")
+        run = self.run_words("event", "reset", "--dry-run")
+        self.assertIn('<VX_HX_EVT_Reset type="function"></VX_HX_EVT_Reset>', run.stdout)
 
     def test_overwritten_events_are_counted(self):
         (self.root / "vexorapi.ini").write_text(
@@ -414,7 +495,7 @@ class Events(Base):
                                      "they were overwritten before they could be read\n")
 
 
-class Completion(Base):
+class Completion(VexorctlCase):
     def candidates(self, *words):
         return self.run_words("completion", "candidates", "--", *words).stdout.split()
 
@@ -443,7 +524,7 @@ class Completion(Base):
                     self.assertEqual((run.stderr, run.returncode), ("", 0))
 
 
-class Written(Base):
+class Written(VexorctlCase):
     """What is made from the command tree is up to date."""
 
     def written(self, what):
@@ -473,6 +554,7 @@ def main():
     if len(sys.argv) < 4:
         sys.exit(__doc__)
     VEXORCTL, CHECK_IN, WRITE_MANUAL = map(os.path.abspath, sys.argv[1:4])
+    vexorctl_machine.PROGRAMS = os.path.dirname(VEXORCTL)
     rest = sys.argv[4:]
     WRITE = "--write" in rest
     unittest.main(argv=[sys.argv[0], *[word for word in rest if word != "--write"]], verbosity=2)

@@ -28,3 +28,8 @@ add_test(NAME vexorctl.Commands
     COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/vexorctl_commands_test.py"
         $<TARGET_FILE:vexorctl> $<TARGET_FILE:check_in> $<TARGET_FILE:write_manual>)
 set_tests_properties(vexorctl.Commands PROPERTIES ENVIRONMENT PYTHONDONTWRITEBYTECODE=1 TIMEOUT 600)
+
+add_test(NAME vexorctl.Changes
+    COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/vexorctl_changes_test.py"
+        $<TARGET_FILE:vexorctl>)
+set_tests_properties(vexorctl.Changes PROPERTIES ENVIRONMENT PYTHONDONTWRITEBYTECODE=1 TIMEOUT 600)

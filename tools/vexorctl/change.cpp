@@ -9,6 +9,7 @@
 #include "hxraid_codes.h"
 #include "output.h"
 #include "report.h"
+#include "transfer.h"
 #include "wait.h"
 
 namespace {
@@ -17,6 +18,7 @@ struct Done {
     const Change* change;
     std::string action;
     std::string address;
+    std::string task;
     bool dry_run;
 };
 
@@ -35,7 +37,7 @@ constexpr Column<Done> kColumns[] = {
     {{"action", "ACTION", kText, kTable, "The command"},
      [](const Done& it) { return TextCell(it.action); }},
     {{"task", "TASK", kText, kTable, "The address of the task that was started"},
-     [](const Done& it) { return TextCell(it.change->starts_task ? it.address : ""); }},
+     [](const Done& it) { return TextCell(it.task); }},
     {{"size_bytes", "SIZE", kBytes, kWide, "The resulting size"},
      [](const Done& it) {
          return it.change->size_bytes ? NumberCell(*it.change->size_bytes) : Unknown();
@@ -77,10 +79,10 @@ void Confirm(const Invocation& invocation, const Change& change) {
 }
 
 Exit PrintDone(Invocation& invocation, const Change& change, const std::string& address,
-               bool dry_run) {
+               const std::string& task, bool dry_run) {
     Report report;
     Tabulate(report, kColumns,
-             std::vector<Done>{{&change, invocation.row().Name(), address, dry_run}});
+             std::vector<Done>{{&change, invocation.row().Name(), address, task, dry_run}});
     report.command = invocation.row().Name();
     const Style style = StyleOf(invocation, "table");
     Arrange(invocation, style, report);
@@ -91,7 +93,8 @@ Exit PrintDone(Invocation& invocation, const Change& change, const std::string& 
 
 Exit ShowPlan(Invocation& invocation, const Change& change) {
     if (invocation.Has("--output") || invocation.Has("--columns")) {
-        return PrintDone(invocation, change, change.address, true);
+        return PrintDone(invocation, change, change.address,
+                         change.starts_task ? change.address : std::string(), true);
     }
     std::string text = PlanText(change, StyleOf(invocation, "table"));
     for (const Command& command : change.commands) text += CommandText(command) + "\n";
@@ -138,15 +141,25 @@ Exit CarryOut(Invocation& invocation, const Change& change) {
             Exit::kNotConfirmed,
             "something has changed since the plan was made; nothing was done, look again");
     }
+    std::optional<TransferProgress> transfer;
+    if (!change.image_file.empty()) {
+        transfer.emplace(change.address + " " + invocation.row().Name(), change.image_file,
+                         change.image_pieces);
+    }
     for (const Command& command : change.commands) {
         const Answer answer = controller.Ask(command);
         if (answer.exit == Exit::kDone) continue;
         const std::string subject = change.address.empty() ? "" : change.address + ": ";
-        throw Failure(answer.exit, subject + answer.complaint);
+        Fault fault = FaultOf(command, answer);
+        fault.address = change.address;
+        throw Failure(answer.exit, subject + answer.complaint, std::move(fault));
     }
+    transfer.reset();
     const std::string address = change.find ? change.find() : change.address;
-    const Exit exit = PrintDone(invocation, change, address, false);
-    if (timeout && change.starts_task) {
+    const bool started = change.starts_task && HasTask(controller, address);
+    const Exit exit =
+        PrintDone(invocation, change, address, started ? address : std::string(), false);
+    if (timeout && started) {
         return MoreSerious(exit, WaitForTask(invocation, address, *timeout));
     }
     return exit;

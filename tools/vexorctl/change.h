@@ -18,8 +18,10 @@ struct Change {
     std::vector<Command> commands;    // sent in order, until one fails
     std::string address;              // of the object; when it is new, `find` tells it afterwards
     std::optional<std::uint64_t> size_bytes;  // the resulting size
-    bool starts_task = false;                 // on the object; --wait waits for it
+    bool starts_task = false;                 // or may start one: it is told when it runs
     std::function<std::string()> find{};
+    std::string image_file{};        // that goes to or comes from the flash
+    std::uint64_t image_pieces = 0;  // 0: their number is not known
 };
 
 /// The columns of what every changing command prints.

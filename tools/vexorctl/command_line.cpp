@@ -9,7 +9,9 @@
 #include "command.h"
 #include "failure.h"
 #include "help.h"
+#include "output.h"
 #include "report.h"
+#include "session.h"
 
 namespace {
 
@@ -137,6 +139,23 @@ Exit Help(const std::string& text) {
     return Exit::kDone;
 }
 
+// Scripts that asked for a document get one however the command ends; wrong usage is theirs to
+// mend.
+Exit RunDocumentingFailure(const CommandRow& row, Invocation& invocation) {
+    try {
+        if (row.changes) invocation.controller().RememberCounters();
+        return row.run(invocation);
+    } catch (const Failure& failure) {
+        Fault fault = failure.fault;
+        fault.message = failure.what();
+        PrintEarlyEnd(invocation, fault);
+        throw;
+    } catch (const Unavailable& failure) {
+        PrintEarlyEnd(invocation, {.address = failure.subject, .message = failure.what()});
+        throw;
+    }
+}
+
 Exit Run(std::vector<std::string> words, std::string& where) {
     const std::size_t leading = MoveLeadingOptions(words);
     if (words.size() == leading) throw UsageError("a command is missing");
@@ -167,8 +186,7 @@ Exit Run(std::vector<std::string> words, std::string& where) {
     const auto end = std::ranges::find(words, "--");
     if (std::any_of(words.begin(), end, IsHelp)) return Help(CommandHelp(row));
     Invocation invocation = Parse(row, words);
-    if (row.changes) invocation.controller().RememberCounters();
-    return row.run(invocation);
+    return RunDocumentingFailure(row, invocation);
 }
 
 }  // namespace

@@ -70,6 +70,14 @@ std::string CommandText(const Command& command) {
     return text.append("</").append(command.function).append(">");
 }
 
+Fault FaultOf(const Command& command, const Answer& answer) {
+    const HxsimRefusal* const refusal = HxsimFindRefusal(static_cast<HX_U32>(answer.status));
+    return {.function = std::string(command.function),
+            .code = answer.status,
+            .name = refusal == nullptr ? std::string() : std::string(refusal->name),
+            .message = answer.complaint};
+}
+
 std::string RefusalText(std::uint64_t status) {
     const HxsimRefusal* const refusal = HxsimFindRefusal(static_cast<HX_U32>(status));
     if (refusal == nullptr) return "code " + std::to_string(status);
@@ -124,13 +132,9 @@ void Controller::Note(Fault fault, Exit exit) {
 void Controller::NoteAnswer(std::string_view address, std::string_view function,
                             const Answer& answer) {
     if (!chosen_ && IsAbsence(answer.status)) return;
-    const HxsimRefusal* const refusal = HxsimFindRefusal(static_cast<HX_U32>(answer.status));
-    Note({.address = std::string(address),
-          .function = std::string(function),
-          .code = answer.status,
-          .name = refusal == nullptr ? std::string() : std::string(refusal->name),
-          .message = answer.complaint},
-         answer.exit == Exit::kUnavailable ? answer.exit : Exit::kRefused);
+    Fault fault = FaultOf({function, {}}, answer);
+    fault.address = address;
+    Note(std::move(fault), answer.exit == Exit::kUnavailable ? answer.exit : Exit::kRefused);
 }
 
 std::optional<Value> Controller::Get(std::string_view address, const Command& command) {

@@ -33,6 +33,9 @@ struct Answer {
     std::string complaint;  // why it is not kDone, as a sentence
 };
 
+/// What went wrong, as documents tell it: the function, the code and its name.
+Fault FaultOf(const Command& command, const Answer& answer);
+
 /// The result's RetVal; 0 where it is a text, a count or a constant instead of a status.
 std::uint64_t StatusOf(const Value& result);
 

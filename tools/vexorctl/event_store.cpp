@@ -113,20 +113,14 @@ Extent AskExtent(Controller& controller) {
 }
 
 std::vector<StoredEvent> ReadEvents(Controller& controller, std::uint64_t first,
-                                    std::uint64_t count) {
+                                    std::uint64_t count, std::uint64_t& page) {
     std::vector<StoredEvent> events;
     while (count != 0) {
-        const std::uint64_t page = std::min(count, kEventsPerPage);
-        const Command command{"VX_HX_EVT_GetEvents", Query(page, first, first + page - 1)};
+        const std::uint64_t asked = std::min(count, page);
+        const Command command{"VX_HX_EVT_GetEvents", Query(asked, first, first + asked - 1)};
         Answer answer = controller.Ask(command);
-        if (answer.exit == Exit::kUndelivered && page > 1) {
-            std::vector<StoredEvent> half = ReadEvents(controller, first, page / 2);
-            std::vector<StoredEvent> rest =
-                ReadEvents(controller, first + page / 2, page - page / 2);
-            std::ranges::move(half, std::back_inserter(events));
-            std::ranges::move(rest, std::back_inserter(events));
-            first += page;
-            count -= page;
+        if (answer.exit == Exit::kUndelivered && asked > 1) {
+            page = asked / 2;
             continue;
         }
         if (answer.exit != Exit::kDone) {

@@ -28,10 +28,11 @@ struct Extent {
 /// Asks for the extent. Throws Failure with Exit::kUnavailable for a store that cannot be read.
 Extent AskExtent(Controller& controller);
 
-/// The events from `first` on, `count` of them, or those that are there. A page whose result was
-/// cut is asked for again in halves; one event that cannot be had is noted as a fault.
+/// The events from `first` on, `count` of them, or those that are there. `page` of them are asked
+/// for at once; when a result was cut it becomes half as many, for the next call too. One event
+/// that cannot be had is noted as a fault.
 std::vector<StoredEvent> ReadEvents(Controller& controller, std::uint64_t first,
-                                    std::uint64_t count);
+                                    std::uint64_t count, std::uint64_t& page);
 
-/// How many events one page may hold.
-inline constexpr std::uint64_t kEventsPerPage = 700;
+/// How many events are asked for at once to begin with. A result holds about a thousand.
+inline constexpr std::uint64_t kEventsPerPage = 2000;

@@ -4,7 +4,9 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
+#include "cell.h"
 #include "exit_code.h"
 
 /// The command line is no use as it stands. `hint` tells where to look: "vexorctl disk list
@@ -13,8 +15,10 @@ struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Any other end: the exit and the line that explains it.
+/// Any other end: the exit, the line that explains it, and what documents say beside the line.
 struct Failure : std::runtime_error {
-    Failure(Exit how, const std::string& message) : std::runtime_error(message), exit(how) {}
+    Failure(Exit how, const std::string& message, Fault what = {})
+        : std::runtime_error(message), exit(how), fault(std::move(what)) {}
     Exit exit;
+    Fault fault;
 };

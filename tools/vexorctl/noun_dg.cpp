@@ -5,7 +5,7 @@
 
 #include "change.h"
 #include "command.h"
-#include "duration.h"
+#include "creation.h"
 #include "failure.h"
 #include "hxraid_codes.h"
 #include "objects.h"
@@ -63,7 +63,7 @@ constexpr Column<DiskGroup> kColumns[] = {
      }},
     {{"vds", "VDS", kTexts, kTable, "The virtual disks on it"},
      [](const DiskGroup& it) {
-         return AddressesCell(it, "VDIDs", it.info.Number("VDSlotCount"), ObjectKind::kVirtualDisk);
+         return AddressesCell(it, "VDIDs", HX_MAX_VD_SLOTS, ObjectKind::kVirtualDisk);
      }},
     {{"activity", "ACTIVITY", kCode, kTable, "What is going on in the background"},
      [](const DiskGroup& it) { return CodeAt(it.info, "BgaType", kHxsimActivityNames); }},
@@ -113,119 +113,76 @@ std::string ConfirmName(const DiskGroup& group) {
     return name.empty() ? group.address.Text() : name;
 }
 
-constexpr std::size_t kMaxName = 15;
-
-std::string NameOption(const Invocation& invocation, const std::string& otherwise) {
-    std::string name = invocation.Get("--name", otherwise);
-    if (name.size() > kMaxName) {
-        throw UsageError("--name: \"" + name + "\" has more than 15 characters");
+std::string Joined(std::span<const Disk> disks) {
+    std::string text;
+    for (const Disk& disk : disks) {
+        text.append(text.empty() ? "" : ", ").append(disk.address.Text());
     }
-    return name;
-}
-
-struct LevelRow {
-    std::string_view name;
-    std::string_view code;
-    unsigned parity;
-};
-constexpr LevelRow kLevels[] = {
-    {"0", "0", 0}, {"1", "1", 0},   {"1e", "17", 0}, {"5", "5", 1},
-    {"6", "6", 2}, {"10", "16", 0}, {"50", "80", 2}, {"60", "96", 4},
-};
-
-const LevelRow& LevelOption(const Invocation& invocation) {
-    const std::string name = invocation.Get("--raid", "");
-    for (const LevelRow& row : kLevels) {
-        if (row.name == name) return row;
-    }
-    throw UsageError("--raid is missing: say one of 0, 1, 1e, 5, 6, 10, 50, 60");
-}
-
-// The numbers of the disks that were named, all on one adapter.
-struct Members {
-    unsigned adapter = 0;
-    std::size_t count = 0;
-    std::string ids;
-    std::string addresses;
-};
-
-std::vector<std::string> SplitAddresses(std::string_view list) {
-    std::vector<std::string> parts;
-    while (!list.empty()) {
-        const std::size_t comma = list.find(',');
-        parts.emplace_back(list.substr(0, comma));
-        list = comma == std::string_view::npos ? std::string_view() : list.substr(comma + 1);
-    }
-    return parts;
-}
-
-Members NamedDisks(Invocation& invocation, std::span<const std::string> typed) {
-    Members members;
-    for (const std::string& each : typed) {
-        const Address address = FindObject(invocation, ObjectKind::kDisk, each);
-        if (members.count != 0 && address.adapter != members.adapter) {
-            throw UsageError("the disks are on several adapters");
-        }
-        const char* const blank = members.count == 0 ? "" : " ";
-        members.adapter = address.adapter;
-        members.ids += blank + std::to_string(address.id);
-        members.addresses += blank + address.Text();
-        ++members.count;
-    }
-    return members;
+    return text;
 }
 
 Exit CreateDiskGroup(Invocation& invocation) {
     const LevelRow& level = LevelOption(invocation);
-    const Members disks = NamedDisks(invocation, invocation.targets());
-    std::string stripe = "64";
-    if (const std::string* const text = invocation.Get("--stripe")) {
-        const auto bytes = ParseSize(*text);
-        if (!bytes || *bytes % 1024 != 0 || *bytes / 1024 > 65535) {
-            throw UsageError("--stripe takes a size as in 64KiB, not \"" + *text + "\"");
-        }
-        stripe = std::to_string(*bytes / 1024);
-    }
+    const std::vector<Disk> disks = NamedDisks(invocation, invocation.targets());
+    // Disks that were unplugged between two looks.
+    if (disks.empty()) throw UsageError("no disks: a disk group needs one at least");
+    const unsigned adapter = disks.front().address.adapter;
     const std::string name = NameOption(invocation, "NEW_DG");
     const Fields fields{
-        {"AdapterID", std::to_string(disks.adapter)},
+        {"AdapterID", std::to_string(adapter)},
         {"Name", name},
         {"RaidMode", std::string(level.code)},
         {"SubVDCount", std::to_string(invocation.Number("--legs", 255).value_or(0))},
         {"NumParityDisk", std::to_string(level.parity)},
-        {"StripeBlockSize", stripe},
+        {"StripeBlockSize", StripeOption(invocation, "64")},
         {"Size", "0"},
         {"BlockSize", "512"},
         {"InitializationOption", "0"},
-        {"PDCount", std::to_string(disks.count)},
-        {"PDIDs", disks.ids}};
+        {"PDCount", std::to_string(disks.size())},
+        {"PDIDs", Ids(disks)}};
     Fields asking = fields;
     asking.insert(asking.begin() + 1, {"DGID", std::to_string(kNone)});
-    const Answer size = invocation.controller().Ask({"HX_DG_GetSizeOnly", asking});
+    const Command look{"HX_DG_GetSizeOnly", std::move(asking)};
+    const Answer size = invocation.controller().Ask(look);
     if (size.exit != Exit::kDone) {
-        throw Failure(size.exit, "RAID " + std::string(level.name) + " over " + disks.addresses +
-                                     ": " + size.complaint);
+        throw Failure(size.exit,
+                      "RAID " + std::string(level.name) + " over " + Joined(disks) + ": " +
+                          size.complaint + Alternatives(invocation, adapter),
+                      FaultOf(look, size));
     }
     std::vector<Address> before;
     for (const DiskGroup& group : LoadDiskGroups(invocation.controller())) {
         before.push_back(group.address);
     }
-    return CarryOut(
-        invocation,
-        {.what = "Create a RAID " + std::string(level.name) + " disk group called " + name,
-         .losses = {"its disks: " + disks.addresses},
-         .confirm = {},
-         .commands = {{"HX_DG_Create", fields}},
-         .address = {},
-         .size_bytes = 512 * size.result.Number("CreateOrModify_DG_Param/Size"),
-         .find = [&invocation, before] {
-             for (const DiskGroup& group : LoadDiskGroups(invocation.controller())) {
-                 if (std::ranges::find(before, group.address) == before.end()) {
-                     return group.address.Text();
-                 }
-             }
-             return std::string();
-         }});
+    Change change{
+        .what = "Create a RAID " + std::string(level.name) + " disk group called " + name + " on",
+        .losses = {},
+        .confirm = {},
+        .commands = {{"HX_DG_Create", fields}},
+        .address = {},
+        .size_bytes = 512 * size.result.Number("CreateOrModify_DG_Param/Size"),
+        .find = [&invocation, before] {
+            for (const DiskGroup& group : LoadDiskGroups(invocation.controller())) {
+                if (std::ranges::find(before, group.address) == before.end()) {
+                    return group.address.Text();
+                }
+            }
+            return std::string();
+        }};
+    AddDisks(change, disks, name);
+    return CarryOut(invocation, change);
+}
+
+std::vector<std::string> DisksOf(const DiskGroup& group) {
+    return AddressesCell(group, "PDIDs", group.info.Number("PDCount"), ObjectKind::kDisk).texts;
+}
+
+std::string JoinedDisks(const DiskGroup& group) {
+    std::string text;
+    for (const std::string& disk : DisksOf(group)) {
+        text.append(text.empty() ? "" : ", ").append(disk);
+    }
+    return text;
 }
 
 Exit DeleteDiskGroup(Invocation& invocation) {
@@ -236,11 +193,17 @@ Exit DeleteDiskGroup(Invocation& invocation) {
                   .commands = {{"HX_DG_Delete", AddressFields(group.address, "DG_ID")}},
                   .address = group.address.Text(),
                   .size_bytes = {}};
-    for (const std::string& disk :
-         AddressesCell(group, "VDIDs", group.info.Number("VDSlotCount"), ObjectKind::kVirtualDisk)
-             .texts) {
-        change.losses.push_back("virtual disk " + disk + " lies on it");
+    for (const VirtualDisk& disk : LoadVirtualDisks(invocation.controller())) {
+        if (disk.address.adapter != group.address.adapter ||
+            disk.info.Number("DGID") != group.address.id) {
+            continue;
+        }
+        change.losses.push_back("virtual disk " + disk.address.Text() + " (" +
+                                disk.info.Text("Name") + ", " +
+                                SizeText(512 * disk.info.Number("Size"), {}) +
+                                ") lies on it and will be lost with all its data");
     }
+    change.losses.push_back("its disks: " + JoinedDisks(group));
     return CarryOut(invocation, change);
 }
 
@@ -266,11 +229,10 @@ Exit SetDiskGroup(Invocation& invocation) {
 // Adds the disks to those that the group has.
 Exit ModifyDiskGroup(Invocation& invocation) {
     const DiskGroup group = FindDiskGroup(invocation);
-    const std::vector<std::string> typed = SplitAddresses(invocation.Get("--add", ""));
-    std::vector<std::string> members =
-        AddressesCell(group, "PDIDs", group.info.Number("PDCount"), ObjectKind::kDisk).texts;
+    const std::vector<std::string> typed = SplitList(invocation.Get("--add", ""));
+    std::vector<std::string> members = DisksOf(group);
     members.insert(members.end(), typed.begin(), typed.end());
-    const Members disks = NamedDisks(invocation, members);
+    const std::vector<Disk> disks = NamedDisks(invocation, members);
     if (typed.empty() && !invocation.Has("--name")) throw UsageError("no change was named");
     const Fields fields{{"AdapterID", std::to_string(group.address.adapter)},
                         {"DGID", std::to_string(group.address.id)},
@@ -281,41 +243,42 @@ Exit ModifyDiskGroup(Invocation& invocation) {
                         {"StripeBlockSize", group.info.Text("StripeBlockSize")},
                         {"Size", "0"},
                         {"BlockSize", group.info.Text("BlockSize")},
-                        {"PDCount", std::to_string(disks.count)},
-                        {"PDIDs", disks.ids}};
-    return CarryOut(invocation, {.what = "Modify disk group " + Described(group),
-                                 .losses = {"its disks: " + disks.addresses},
-                                 .confirm = ConfirmName(group),
-                                 .commands = {{"HX_DG_Modify", fields}},
-                                 .address = group.address.Text(),
-                                 .size_bytes = {}});
+                        {"PDCount", std::to_string(disks.size())},
+                        {"PDIDs", Ids(disks)}};
+    Change change{.what = "Modify disk group " + Described(group) + " on",
+                  .losses = {},
+                  .confirm = ConfirmName(group),
+                  .commands = {{"HX_DG_Modify", fields}},
+                  .address = group.address.Text(),
+                  .size_bytes = {},
+                  .starts_task = true};
+    AddDisks(change, disks, ConfirmName(group));
+    return CarryOut(invocation, change);
 }
 
 Exit MigrateDiskGroup(Invocation& invocation) {
     const DiskGroup group = FindDiskGroup(invocation);
     const LevelRow& level = LevelOption(invocation);
-    std::vector<std::string> typed = SplitAddresses(invocation.Get("--to", ""));
-    if (typed.empty()) {
-        typed =
-            AddressesCell(group, "PDIDs", group.info.Number("PDCount"), ObjectKind::kDisk).texts;
-    }
-    const Members disks = NamedDisks(invocation, typed);
+    std::vector<std::string> typed = SplitList(invocation.Get("--to", ""));
+    if (typed.empty()) typed = DisksOf(group);
+    const std::vector<Disk> disks = NamedDisks(invocation, typed);
     Fields fields = AddressFields(group.address, "DGID");
     fields.emplace_back("RaidMode", level.code);
     fields.emplace_back("NumParityDisk", std::to_string(level.parity));
-    fields.emplace_back("PDCount", std::to_string(disks.count));
-    fields.emplace_back("PDIDs", disks.ids);
-    return CarryOut(invocation, {.what = "Migrate disk group " + Described(group) + " to RAID " +
-                                         std::string(level.name),
-                                 .losses = {"its disks: " + disks.addresses},
-                                 .confirm = ConfirmName(group),
-                                 .commands = {{"HX_DG_StartMigration", std::move(fields)}},
-                                 .address = group.address.Text(),
-                                 .size_bytes = {},
-                                 .starts_task = true});
+    fields.emplace_back("PDCount", std::to_string(disks.size()));
+    fields.emplace_back("PDIDs", Ids(disks));
+    Change change{.what = "Migrate disk group " + Described(group) + " to RAID " +
+                          std::string(level.name) + " on",
+                  .losses = {},
+                  .confirm = ConfirmName(group),
+                  .commands = {{"HX_DG_StartMigration", std::move(fields)}},
+                  .address = group.address.Text(),
+                  .size_bytes = {},
+                  .starts_task = true};
+    AddDisks(change, disks, ConfirmName(group));
+    return CarryOut(invocation, change);
 }
 
-constexpr std::string_view kLevelNames = "0 1 1e 5 6 10 50 60";
 constexpr OptionRow kCreateOptions[] = {
     {"--raid", "LEVEL", "The RAID level", kLevelNames},
     {"--name", "NAME", "Its name, of at most 15 characters"},

@@ -155,16 +155,17 @@ Exit ListEvents(Invocation& invocation) {
     Controller& controller = invocation.controller();
     const Extent extent = AskExtent(controller);
     std::vector<StoredEvent> events;
+    std::uint64_t at_once = kEventsPerPage;
     // From the newest backwards, so that the last few of many cost one page.
     for (std::uint64_t end = extent.next; end > extent.first;) {
         if (last && events.size() >= *last) break;
         const std::uint64_t page = last && filter.lowest == 0 && filter.highest == 255 &&
                                            !filter.adapter && !filter.event_class &&
                                            filter.since == 0
-                                       ? std::min(kEventsPerPage, *last - events.size())
-                                       : kEventsPerPage;
+                                       ? std::min(at_once, *last - events.size())
+                                       : at_once;
         const std::uint64_t begin = end - std::min(end - extent.first, page);
-        std::vector<StoredEvent> older = ReadEvents(controller, begin, end - begin);
+        std::vector<StoredEvent> older = ReadEvents(controller, begin, end - begin, at_once);
         std::erase_if(older, [&](const StoredEvent& event) { return !filter.Passes(event); });
         std::ranges::reverse(older);
         std::ranges::move(older, std::back_inserter(events));
@@ -229,20 +230,31 @@ void WriteCursor(const std::string& path, const Cursor& cursor) {
 
 void Say(const std::string& message) { ReportFailure("event follow", message); }
 
+void SayLost(std::uint64_t count) {
+    Say(std::to_string(count) +
+        (count == 1 ? " event was lost: it was" : " events were lost: they were") +
+        " overwritten before " + (count == 1 ? "it" : "they") + " could be read");
+}
+
 // Brings the cursor up to the store as it is now: after a reset it starts at the oldest event, and
 // overwritten entries are stepped over. Both are told.
 void CatchUp(Controller& controller, const Extent& extent, Cursor& cursor) {
     bool reset = extent.next < cursor.next;
-    if (!reset && !cursor.before.empty() && cursor.next > extent.first && cursor.next > 0) {
-        const std::vector<StoredEvent> before = ReadEvents(controller, cursor.next - 1, 1);
-        reset = !before.empty() && before.front().Fingerprint() != cursor.before;
+    if (!reset && cursor.next > extent.first) {
+        std::uint64_t one = 1;
+        const std::vector<StoredEvent> before = ReadEvents(controller, cursor.next - 1, 1, one);
+        const std::string seen = before.empty() ? std::string() : before.front().Fingerprint();
+        if (cursor.before.empty()) cursor.before = seen;  // nothing was read yet
+        reset = seen != cursor.before;
     }
     if (reset) {
-        Say("the event store was reset; going on with event " + std::to_string(extent.first));
+        Say("the event store was reset, and what it held behind event " +
+            std::to_string(cursor.next - 1) +
+            " is lost; how many events that were cannot be told; going on with event " +
+            std::to_string(extent.first));
         cursor = {extent.first, ""};
     } else if (cursor.next < extent.first) {
-        Say(std::to_string(extent.first - cursor.next) +
-            " events were lost: they were overwritten before they could be read");
+        SayLost(extent.first - cursor.next);
         cursor = {extent.first, ""};
     }
 }
@@ -266,16 +278,19 @@ Exit FollowEvents(Invocation& invocation) {
         if (const auto kept = ReadCursor(*path)) cursor = *kept;
     }
     std::uint64_t shown = 0;
+    std::uint64_t at_once = kEventsPerPage;
     bool first = true;
     for (;;) {
         CatchUp(controller, extent, cursor);
         while (cursor.next < extent.next && !(most && shown >= *most) && !Interrupted()) {
             std::vector<StoredEvent> events = ReadEvents(
-                controller, cursor.next, std::min(kEventsPerPage, extent.next - cursor.next));
+                controller, cursor.next, std::min(at_once, extent.next - cursor.next), at_once);
             if (events.empty()) break;
             std::vector<StoredEvent> passing;
             for (StoredEvent& event : events) {
                 if (most && shown >= *most) break;
+                // Overwritten since the extent was asked for.
+                if (event.sequence > cursor.next) SayLost(event.sequence - cursor.next);
                 cursor = {event.sequence + 1, event.Fingerprint()};
                 if (!filter.Passes(event)) continue;
                 passing.push_back(std::move(event));

@@ -1,4 +1,11 @@
 // vexorctl flash ...
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
 #include <utility>
 
 #include "change.h"
@@ -8,6 +15,7 @@
 #include "objects.h"
 #include "output.h"
 #include "target.h"
+#include "transfer.h"
 
 namespace {
 
@@ -125,35 +133,75 @@ std::string InstalledVersion(Controller& controller, const std::string& image) {
     return "not told";
 }
 
-// The file goes piece by piece through the library, which reads it itself.
+// What is in the file, as far as it can be told. Throws Failure for one that cannot be sent.
+struct FileFacts {
+    std::uint64_t bytes = 0;
+    std::string version = "not told: only files of BIOS images tell theirs";
+};
+
+constexpr std::uint64_t kMostPieces = 65536;
+
+FileFacts LookAtFile(Controller& controller, const std::string& path, const std::string& image) {
+    FileFacts facts;
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
+        throw Failure(Exit::kUsage, path + ": " + std::strerror(errno));
+    }
+    facts.bytes = static_cast<std::uint64_t>(status.st_size);
+    if (!S_ISREG(status.st_mode) || facts.bytes == 0 ||
+        facts.bytes > kMostPieces * kFlashPieceBytes) {
+        throw Failure(Exit::kUsage, path + ": no file of 1 byte to 2 GiB");
+    }
+    if (access(path.c_str(), R_OK) != 0) {
+        throw Failure(Exit::kNotPermitted, path + ": " + std::strerror(errno));
+    }
+    if (image != std::to_string(HXSIM_IMAGE_BIOS)) return facts;
+    const Answer file = controller.Ask({"HX_BIOS_Version", {{"filepath", path}}});
+    const Value* const info = file.result.Find("BIOSInfo");
+    if (info == nullptr || file.exit != Exit::kDone) {
+        throw Failure(Exit::kUsage, path + ": is no BIOS image");
+    }
+    facts.version = VersionAt(*info, "BIOSVersion").text;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> head(std::fopen(path.c_str(), "re"),
+                                                               &std::fclose);
+    if (!head || std::fgetc(head.get()) != 0x55 || std::fgetc(head.get()) != 0xAA) {
+        facts.version += "; but the file does not begin with 55 AA, as BIOS images do";
+    }
+    return facts;
+}
+
+// The file goes piece by piece through the library, which reads it itself. Without a look at the
+// file nothing is erased.
 Exit UpdateFlash(Invocation& invocation) {
     const std::string* const path = invocation.Get("--file");
     if (path == nullptr) throw UsageError("--file is missing");
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
     Controller& controller = invocation.controller();
     const std::string image = CodeOption(invocation, "--image", kHxsimImageNames);
-    const Answer file = controller.Ask({"HX_BIOS_Version", {{"filepath", *path}}});
-    std::string version = "not told";
-    if (const Value* const info = file.result.Find("BIOSInfo");
-        info != nullptr && file.exit == Exit::kDone) {
-        version = VersionAt(*info, "BIOSVersion").text;
-    } else if (file.exit != Exit::kDone) {
-        throw Failure(Exit::kUsage, *path + ": cannot be read, or is no image");
-    }
+    const FileFacts file = LookAtFile(controller, *path, image);
+    const std::uint64_t pieces = (file.bytes + kFlashPieceBytes - 1) / kFlashPieceBytes;
     std::vector<Command> commands;
-    if (invocation.Has("--erase")) {
+    if (!invocation.Has("--no-erase")) {
         commands.push_back(
             {"HX_Flash_Erase", {{"AdapterID", std::to_string(adapter.adapter)}, {"Page", image}}});
     }
     commands.push_back({"HX_Flash_Option", TransferFields(adapter, kWrite, image, *path)});
-    return CarryOut(invocation,
-                    {.what = "Write " + *path + " into the flash of " + adapter.Text(),
-                     .losses = {"installed version: " + InstalledVersion(controller, image),
-                                "version in the file: " + version},
-                     .confirm = adapter.Text(),
-                     .commands = std::move(commands),
-                     .address = adapter.Text(),
-                     .size_bytes = {}});
+    return CarryOut(
+        invocation,
+        {.what = "Write " + *path + " into the flash of " + adapter.Text() + " as its " +
+                 invocation.Get("--image", "") + " image",
+         .losses = {"installed version: " + InstalledVersion(controller, image),
+                    "version in the file: " + file.version,
+                    std::to_string(file.bytes) + " bytes in " + std::to_string(pieces) +
+                        (pieces == 1 ? " piece" : " pieces"),
+                    invocation.Has("--no-erase") ? "the installed image is not erased before"
+                                                 : "the installed image is erased before"},
+         .confirm = adapter.Text(),
+         .commands = std::move(commands),
+         .address = adapter.Text(),
+         .size_bytes = {},
+         .image_file = *path,
+         .image_pieces = pieces});
 }
 
 Exit SaveFlash(Invocation& invocation) {
@@ -168,7 +216,8 @@ Exit SaveFlash(Invocation& invocation) {
          .confirm = {},
          .commands = {{"HX_Flash_Option", TransferFields(adapter, kRead, image, *path)}},
          .address = adapter.Text(),
-         .size_bytes = {}});
+         .size_bytes = {},
+         .image_file = *path});
 }
 
 Exit EraseFlash(Invocation& invocation) {
@@ -189,7 +238,7 @@ constexpr std::string_view kImageNames = "bios firmware boot_loader autoload hba
 constexpr OptionRow kUpdateOptions[] = {
     {"--image", "IMAGE", "Which image", kImageNames},
     {"--file", "FILE", "The file that holds the new image"},
-    {"--erase", "", "Erase the old one first"},
+    {"--no-erase", "", "Do not erase the old one first"},
 };
 constexpr OptionRow kSaveOptions[] = {
     {"--image", "IMAGE", "Which image", kImageNames},
@@ -227,11 +276,13 @@ constexpr CommandRow kCommands[] = {
      .options = kUpdateOptions,
      .functions = "HX_Flash_Option HX_Flash_Erase HX_BIOS_Version",
      .examples = {"vexorctl flash update a0 --image bios --file bios.rom --dry-run",
-                  "vexorctl flash update a0 --image bios --file bios.rom --erase --dry-run"},
+                  "vexorctl flash update a0 --image bios --file bios.rom --no-erase --dry-run"},
      .run = UpdateFlash,
      .columns = ChangeColumns,
      .note = "It shows the version in the file beside the installed one and asks for the address "
-             "of the adapter.",
+             "of the adapter. Of BIOS images the file tells the version; of the others only its "
+             "size is shown. A terminal shows the progress by piece. Ctrl-C does not end it: half "
+             "an image helps nobody.",
      .changes = true},
     {.noun = "flash",
      .verb = "save",

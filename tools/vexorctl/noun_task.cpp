@@ -315,6 +315,14 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
+bool IsTaskOf(const Task& task, std::string_view address) {
+    if (task.address.Text() == address) return true;
+    return task.group &&
+           Address{
+               .adapter = task.address.adapter, .kind = ObjectKind::kDiskGroup, .id = *task.group}
+                   .Text() == address;
+}
+
 std::vector<Task> LoadTasks(Controller& controller) {
     std::vector<Task> tasks;
     for (const unsigned adapter : controller.Selected()) {
@@ -329,9 +337,14 @@ std::vector<Task> LoadTasks(Controller& controller) {
                       state.Number("Bga"),
                       state.Number("BgaState"),
                       state.Number("BgaPercentage"),
+                      {},
                       {}};
             for (const Value& info : infos) {
-                if (info.Number("ID") == id) task.name = info.Text("Name");
+                if (info.Number("ID") != id) continue;
+                task.name = info.Text("Name");
+                constexpr std::uint64_t kNoGroup = 255;
+                const std::uint64_t group = info.Number("DGID");
+                if (group != kNoGroup) task.group = static_cast<unsigned>(group);
             }
             tasks.push_back(std::move(task));
         }
@@ -347,6 +360,7 @@ std::vector<Task> LoadTasks(Controller& controller) {
                              activity,
                              state.Number("BgaStatus"),
                              state.Number("Percentage"),
+                             {},
                              {}});
         }
         for (const Value& group : controller.List(adapter, "HX_DG_GetInfo", "DG_Info")) {
@@ -357,7 +371,8 @@ std::vector<Task> LoadTasks(Controller& controller) {
                              group.Number("BgaType"),
                              group.Number("BgaState"),
                              std::nullopt,
-                             group.Text("Name")});
+                             group.Text("Name"),
+                             {}});
         }
     }
     return tasks;

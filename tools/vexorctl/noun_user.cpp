@@ -56,11 +56,16 @@ Exit ShowUser(Invocation& invocation) {
         {"HX_GetUserGroup", {{"lpszUsername", user.name}, {"lpszDomain", user.domain}}});
     if (group.exit == Exit::kUndelivered) throw Failure(group.exit, group.complaint);
     if (group.exit != Exit::kDone) {
-        throw Failure(Exit::kNoObject, "there is no user \"" + user.name +
-                                           "\" with a group (code " + std::to_string(group.status) +
-                                           ")");
+        throw Failure(Exit::kRefused,
+                      "the group of \"" + user.name +
+                          "\" cannot be told: this host has no group of administrators (code " +
+                          std::to_string(group.status) + ")");
     }
     user.group = group.result.Text("UserGroup");
+    // A success all the same, for the library.
+    if (user.group == "UnknownUser") {
+        throw Failure(Exit::kNoObject, "there is no user \"" + user.name + "\"");
+    }
     return PresentUser(invocation, std::move(user));
 }
 

@@ -6,7 +6,7 @@
 
 #include "change.h"
 #include "command.h"
-#include "duration.h"
+#include "creation.h"
 #include "failure.h"
 #include "hxraid_codes.h"
 #include "objects.h"
@@ -128,12 +128,18 @@ std::string ConfirmName(const VirtualDisk& disk) {
     return name.empty() ? disk.address.Text() : name;
 }
 
-std::string JoinedAddresses(const VirtualDisk& disk) {
+std::string Joined(const std::vector<std::string>& addresses) {
     std::string text;
-    for (const std::string& address : DisksCell(disk).texts) {
+    for (const std::string& address : addresses) {
         text.append(text.empty() ? "" : ", ").append(address);
     }
     return text;
+}
+
+std::string JoinedAddresses(std::span<const Disk> disks) {
+    std::vector<std::string> addresses;
+    for (const Disk& disk : disks) addresses.push_back(disk.address.Text());
+    return Joined(addresses);
 }
 
 Exit DeleteVirtualDisk(Invocation& invocation) {
@@ -142,7 +148,7 @@ Exit DeleteVirtualDisk(Invocation& invocation) {
     fields.emplace_back("deleteMBR", invocation.Has("--keep-boot-record") ? "0" : "1");
     return CarryOut(invocation, {.what = "Delete virtual disk " + Described(disk),
                                  .losses = {"all data on it will be lost",
-                                            "its disks: " + JoinedAddresses(disk)},
+                                            "its disks: " + Joined(DisksCell(disk).texts)},
                                  .confirm = ConfirmName(disk),
                                  .commands = {{"HX_LD_Delete", std::move(fields)}},
                                  .address = disk.address.Text(),
@@ -177,14 +183,10 @@ std::string CacheOption(const std::string& text) {
     return std::to_string(bits);
 }
 
-constexpr std::size_t kMaxName = 15;
-
-std::string NameOption(const Invocation& invocation, const std::string& otherwise) {
-    std::string name = invocation.Get("--name", otherwise);
-    if (name.size() > kMaxName) {
-        throw UsageError("--name: \"" + name + "\" has more than 15 characters");
-    }
-    return name;
+// What the controller itself forces is nothing that can be asked for.
+std::string CacheThatStays(const VirtualDisk& disk) {
+    return std::to_string(disk.config.Number("CacheMode") &
+                          ~std::uint64_t{HXSIM_CACHE_FORCED_WRITE_THROUGH});
 }
 
 // The library sets all of them at once: those that are not named stay as they are.
@@ -196,10 +198,7 @@ Exit SetVirtualDisk(Invocation& invocation) {
     }
     Fields fields = AddressFields(disk.address, "LD_ID");
     const std::string* const cache = invocation.Get("--cache");
-    fields.emplace_back(
-        "CacheMode", cache != nullptr
-                         ? CacheOption(*cache)
-                         : std::to_string(disk.config.Number("CacheMode") & ~std::uint64_t{0x80}));
+    fields.emplace_back("CacheMode", cache != nullptr ? CacheOption(*cache) : CacheThatStays(disk));
     fields.emplace_back("AutoRebuildOn", SwitchOption(invocation, "--auto-rebuild",
                                                       disk.config.Number("AutoRebuildOn")));
     fields.emplace_back("Status", disk.config.Text("Status"));
@@ -215,146 +214,6 @@ Exit SetVirtualDisk(Invocation& invocation) {
 
 // ---- create -----------------------------------------------------------------------------------
 
-std::string Described(const Disk& disk) {
-    return disk.address.Text() + " (" + disk.info.Text("Model") + ", " +
-           SizeText(512 * disk.free_space.Number("Size"), {}) + " free" +
-           (disk.boot_record.value_or(false) ? ", holds a boot record" : "") + ")";
-}
-
-struct LevelRow {
-    std::string_view name;
-    std::string_view code;
-    unsigned parity;
-};
-constexpr LevelRow kLevels[] = {
-    {"0", "0", 0}, {"1", "1", 0},   {"1e", "17", 0}, {"5", "5", 1},
-    {"6", "6", 2}, {"10", "16", 0}, {"50", "80", 2}, {"60", "96", 4},
-};
-
-const LevelRow& LevelOption(const Invocation& invocation) {
-    const std::string name = invocation.Get("--raid", "");
-    for (const LevelRow& row : kLevels) {
-        if (row.name == name) return row;
-    }
-    throw UsageError("--raid is missing: say one of 0, 1, 1e, 5, 6, 10, 50, 60");
-}
-
-bool IsUsable(const Disk& disk) {
-    return DiskState(disk) == "free" && disk.info.Number("CanLogicalUsed") != 0 &&
-           disk.free_space.Number("Size") != 0;
-}
-
-std::string FreeDisksText(const std::vector<Disk>& disks) {
-    std::string text;
-    for (const Disk& disk : disks) text.append(text.empty() ? "" : ", ").append(Described(disk));
-    return text.empty() ? "none" : text;
-}
-
-// What each of the disks has room for; 0 when they are connected in different ways and may not be.
-std::uint64_t RoomOf(std::span<const Disk> disks, bool mixed) {
-    std::uint64_t room = UINT64_MAX;
-    for (const Disk& disk : disks) {
-        room = std::min(room, disk.free_space.Number("Size"));
-        if (!mixed &&
-            disk.info.Number("ConnectionType") != disks.front().info.Number("ConnectionType")) {
-            return 0;
-        }
-    }
-    return room;
-}
-
-// Of the free disks of one adapter so many that lie closest together in size: nothing of them is
-// wasted. Those without a boot record come first; the largest such disks are taken.
-std::vector<Disk> PickDisks(Invocation& invocation, std::size_t count) {
-    const unsigned adapter = FindAdapter(invocation);
-    std::vector<Disk> free_disks = LoadDisks(invocation.controller());
-    std::erase_if(free_disks, [](const Disk& disk) { return !IsUsable(disk); });
-    std::vector<Disk> candidates = free_disks;
-    std::erase_if(candidates, [](const Disk& disk) { return disk.boot_record.value_or(false); });
-    if (candidates.size() < count) {
-        throw Failure(Exit::kRefused,
-                      std::to_string(count) + " disks are needed and a" + std::to_string(adapter) +
-                          " has " + std::to_string(candidates.size()) +
-                          " free ones without a boot record; free: " + FreeDisksText(free_disks));
-    }
-    std::ranges::stable_sort(candidates, {}, [](const Disk& disk) {
-        return std::pair(disk.info.Number("ConnectionType"), disk.free_space.Number("Size"));
-    });
-    std::size_t best = 0;
-    std::uint64_t best_room = 0;
-    // Disks that are connected in different ways are mixed only where there is no other choice.
-    for (const bool mixed : {false, true}) {
-        if (best_room != 0) break;
-        for (std::size_t at = 0; at + count <= candidates.size(); ++at) {
-            const std::uint64_t room = RoomOf(std::span(candidates).subspan(at, count), mixed);
-            if (room > best_room) {
-                best = at;
-                best_room = room;
-            }
-        }
-    }
-    return {candidates.begin() + static_cast<std::ptrdiff_t>(best),
-            candidates.begin() + static_cast<std::ptrdiff_t>(best + count)};
-}
-
-std::vector<Disk> NamedDisks(Invocation& invocation, const std::vector<std::string>& typed) {
-    std::vector<Address> addresses;
-    for (const std::string& each : typed) {
-        addresses.push_back(FindObject(invocation, ObjectKind::kDisk, each));
-        if (addresses.back().adapter != addresses.front().adapter) {
-            throw UsageError("the disks are on several adapters");
-        }
-    }
-    std::vector<Disk> all = LoadDisks(invocation.controller());
-    std::vector<Disk> named;
-    for (const Address& address : addresses) {
-        for (Disk& disk : all) {
-            if (disk.address == address) named.push_back(disk);
-        }
-    }
-    return named;
-}
-
-std::string Ids(const std::vector<Disk>& disks) {
-    std::string ids;
-    for (const Disk& disk : disks) {
-        ids.append(ids.empty() ? "" : " ").append(std::to_string(disk.address.id));
-    }
-    return ids;
-}
-
-std::string StripeOption(const Invocation& invocation, const std::string& otherwise) {
-    const std::string* const text = invocation.Get("--stripe");
-    if (text == nullptr) return otherwise;
-    const auto bytes = ParseSize(*text);
-    if (!bytes || *bytes % 1024 != 0 || *bytes / 1024 > 65535) {
-        throw UsageError("--stripe takes a size as in 64KiB, not \"" + *text + "\"");
-    }
-    return std::to_string(*bytes / 1024);
-}
-
-// --size as sectors: a size, a share of the most, or the most.
-std::uint64_t SizeOption(const Invocation& invocation, std::uint64_t most_sectors) {
-    const std::string text = invocation.Get("--size", "max");
-    if (text == "max") return most_sectors;
-    if (text.ends_with('%')) {
-        const auto share = ParseDuration(std::string_view(text).substr(0, text.size() - 1));
-        if (!share || *share == 0 || *share > 100) {
-            throw UsageError("--size: a share is from 1% to 100%, not \"" + text + "\"");
-        }
-        return most_sectors / 100 * *share;
-    }
-    const auto bytes = ParseSize(text);
-    if (!bytes || *bytes < 512) {
-        throw UsageError("--size takes 10GiB, 20GB, 50% or max, not \"" + text + "\"");
-    }
-    if (*bytes / 512 > most_sectors) {
-        throw Failure(Exit::kRefused, "--size: " + text + " is more than the most there, " +
-                                          SizeText(512 * most_sectors, {}));
-    }
-    return *bytes / 512;
-}
-
 std::function<std::string()> NewestFinder(Invocation& invocation) {
     std::vector<Address> before;
     for (const VirtualDisk& disk : LoadVirtualDisks(invocation.controller())) {
@@ -368,33 +227,50 @@ std::function<std::string()> NewestFinder(Invocation& invocation) {
     };
 }
 
+// The first slot of the group that no virtual disk has.
+std::uint64_t SlotOption(const Invocation& invocation, const DiskGroup& group) {
+    if (const auto slot = invocation.Number("--slot", 255)) return *slot;
+    const std::vector<std::uint64_t> slots = group.info.Numbers("VDIDs");
+    const auto empty = std::ranges::find(slots, std::uint64_t{HX_NEW_ID});
+    return empty == slots.end() ? 0 : static_cast<std::uint64_t>(empty - slots.begin());
+}
+
 Exit CreateOnGroup(Invocation& invocation, const std::string& typed) {
     const Address address = FindObject(invocation, ObjectKind::kDiskGroup, typed);
-    std::uint64_t most = 0;
-    for (const DiskGroup& group : LoadDiskGroups(invocation.controller())) {
-        if (group.address == address) most = group.info.Number("RemainingManagedSpace");
+    DiskGroup owner;
+    std::string others;
+    for (DiskGroup& group : LoadDiskGroups(invocation.controller())) {
+        if (group.address == address) {
+            owner = std::move(group);
+        } else {
+            others += "; free on " + group.address.Text() + ": " +
+                      SizeText(512 * group.info.Number("RemainingManagedSpace"), {});
+        }
     }
-    const std::uint64_t sectors = SizeOption(invocation, most);
+    const std::uint64_t most = owner.info.Number("RemainingManagedSpace");
+    const std::uint64_t sectors = SizeOption(invocation).Of(most, others);
+    const std::string name = NameOption(invocation, "NEW_VD");
     Fields fields{
         {"AdapterID", std::to_string(address.adapter)},
         {"DGID", std::to_string(address.id)},
-        {"Name", NameOption(invocation, "NEW_VD")},
+        {"Name", name},
         {"StripeBlockSize", StripeOption(invocation, "0")},
         {"Size", std::to_string(sectors)},
         {"RoundingScheme", "0"},
         {"CachePolicy", CacheOption(invocation.Get("--cache", "read_ahead"))},
-        {"DGSlotNum", std::to_string(invocation.Number("--slot", 255).value_or(0))},
+        {"DGSlotNum", std::to_string(SlotOption(invocation, owner))},
         {"InitializationOption",
          invocation.Has("--init") ? CodeOption(invocation, "--init", kHxsimInitNames) : "0"},
         {"SectorCoefficient", "1"}};
-    return CarryOut(invocation, {.what = "Create a virtual disk on " + address.Text(),
-                                 .losses = {},
-                                 .confirm = {},
-                                 .commands = {{"HX_LD_Create_OnDG", std::move(fields)}},
-                                 .address = {},
-                                 .size_bytes = 512 * sectors,
-                                 .starts_task = true,
-                                 .find = NewestFinder(invocation)});
+    return CarryOut(invocation,
+                    {.what = "Create a virtual disk called " + name + " on " + address.Text(),
+                     .losses = {},
+                     .confirm = {},
+                     .commands = {{"HX_LD_Create_OnDG", std::move(fields)}},
+                     .address = {},
+                     .size_bytes = 512 * sectors,
+                     .starts_task = true,
+                     .find = NewestFinder(invocation)});
 }
 
 Exit CreateVirtualDisk(Invocation& invocation) {
@@ -409,53 +285,62 @@ Exit CreateVirtualDisk(Invocation& invocation) {
     if (!invocation.targets().empty() && count) {
         throw UsageError("either name the disks or say how many with --disks");
     }
-    const std::vector<Disk> disks =
-        count ? PickDisks(invocation, *count) : NamedDisks(invocation, invocation.targets());
-    // --disks 0, or disks that were unplugged between two looks.
-    if (disks.empty()) throw UsageError("no disks: a virtual disk needs one at least");
-    const unsigned adapter = disks.front().address.adapter;
-    const std::string init =
-        invocation.Has("--init") ? CodeOption(invocation, "--init", kHxsimInitNames) : "0";
-    Fields fields{
-        {"AdapterID", std::to_string(adapter)},
-        {"RaidMode", std::string(level.code)},
-        {"HDCount", std::to_string(disks.size())},
+    const SizeWish size = SizeOption(invocation);
+    const std::string name = NameOption(invocation, "NEW_VD");
+    Controller& controller = invocation.controller();
+    const Fields settings{
         {"RoundingScheme",
          invocation.Has("--round") ? CodeOption(invocation, "--round", kHxsimRoundingNames) : "0"},
         {"SubLDCount", std::to_string(invocation.Number("--legs", 255).value_or(0))},
         {"NumParityDisk", std::to_string(level.parity)},
         {"StripeBlockSize", StripeOption(invocation, "64")},
         {"CachePolicy", CacheOption(invocation.Get("--cache", "read_ahead"))},
-        {"InitializationOption", init},
-        {"HDIDs", Ids(disks)},
-        {"Name", NameOption(invocation, "NEW_VD")}};
-    Controller& controller = invocation.controller();
-    const Answer most = controller.Ask({"HX_LD_GetMaxSize", fields});
+        {"InitializationOption",
+         invocation.Has("--init") ? CodeOption(invocation, "--init", kHxsimInitNames) : "0"}};
+    const auto fields_for = [&](std::span<const Disk> disks) {
+        Fields fields{{"AdapterID", std::to_string(disks.front().address.adapter)},
+                      {"RaidMode", std::string(level.code)},
+                      {"HDCount", std::to_string(disks.size())}};
+        fields.insert(fields.end(), settings.begin(), settings.end());
+        fields.emplace_back("HDIDs", Ids(disks));
+        fields.emplace_back("Name", name);
+        return fields;
+    };
+    const auto room = [&](std::span<const Disk> disks) -> std::optional<std::uint64_t> {
+        const Answer most = controller.Ask({"HX_LD_GetMaxSize", fields_for(disks)});
+        if (most.exit != Exit::kDone) return std::nullopt;
+        return most.result.Number("CreateLDParam/Size");
+    };
+    const std::vector<Disk> disks = count ? PickDisks(invocation, *count, size, room)
+                                          : NamedDisks(invocation, invocation.targets());
+    // --disks 0, or disks that were unplugged between two looks.
+    if (disks.empty()) throw UsageError("no disks: a virtual disk needs one at least");
+    const unsigned adapter = disks.front().address.adapter;
+    Fields fields = fields_for(disks);
+    const Command asking{"HX_LD_GetMaxSize", fields};
+    const Answer most = controller.Ask(asking);
     if (most.exit != Exit::kDone) {
-        std::vector<Disk> others = LoadDisks(controller);
-        std::erase_if(others, [](const Disk& disk) { return !IsUsable(disk); });
-        throw Failure(most.exit, "RAID " + std::string(level.name) + " over " +
-                                     FreeDisksText(disks) + ": " + most.complaint +
-                                     "; free disks: " + FreeDisksText(others));
+        throw Failure(most.exit,
+                      "RAID " + std::string(level.name) + " over " + JoinedAddresses(disks) + ": " +
+                          most.complaint + Alternatives(invocation, adapter),
+                      FaultOf(asking, most));
     }
-    const std::uint64_t sectors = SizeOption(invocation, most.result.Number("CreateLDParam/Size"));
+    const std::uint64_t most_sectors = most.result.Number("CreateLDParam/Size");
+    const bool too_large = size.sectors.value_or(0) > most_sectors;
+    const std::uint64_t sectors =
+        size.Of(most_sectors, too_large ? Alternatives(invocation, adapter) : std::string());
     fields.emplace_back("SectorCoefficient", "1");
     fields.emplace_back("Size", std::to_string(sectors));
-    Change change{.what = "Create a RAID " + std::string(level.name) + " virtual disk called " +
-                          NameOption(invocation, "NEW_VD") + " on",
-                  .losses = {},
-                  .confirm = {},
-                  .commands = {{"HX_LD_Create", std::move(fields)}},
-                  .address = {},
-                  .size_bytes = 512 * sectors,
-                  .starts_task = true,
-                  .find = NewestFinder(invocation)};
-    for (const Disk& disk : disks) {
-        change.losses.push_back(Described(disk));
-        if (!disk.boot_record.value_or(false)) continue;
-        change.losses.push_back("the data on " + disk.address.Text() + " will be lost");
-        change.confirm = NameOption(invocation, "NEW_VD");
-    }
+    Change change{
+        .what = "Create a RAID " + std::string(level.name) + " virtual disk called " + name + " on",
+        .losses = {},
+        .confirm = {},
+        .commands = {{"HX_LD_Create", std::move(fields)}},
+        .address = {},
+        .size_bytes = 512 * sectors,
+        .starts_task = true,
+        .find = NewestFinder(invocation)};
+    AddDisks(change, disks, name);
     return CarryOut(invocation, change);
 }
 
@@ -479,23 +364,20 @@ Exit QuickCreate(Invocation& invocation) {
 Exit MigrateVirtualDisk(Invocation& invocation) {
     const VirtualDisk disk = FindVirtualDisk(invocation);
     const LevelRow& level = LevelOption(invocation);
-    std::vector<std::string> typed;
-    std::string_view rest;
-    const std::string list = invocation.Get("--to", "");
-    for (rest = list; !rest.empty();) {
-        const std::size_t comma = rest.find(',');
-        typed.emplace_back(rest.substr(0, comma));
-        rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
-    }
+    std::vector<std::string> typed = SplitList(invocation.Get("--to", ""));
     if (typed.empty()) typed = DisksCell(disk).texts;
     const std::vector<Disk> disks = NamedDisks(invocation, typed);
     Fields fields = AddressFields(disk.address, "LDID");
     fields.emplace_back("RaidMode", level.code);
     fields.emplace_back("HDCount", std::to_string(disks.size()));
     fields.emplace_back("HDIDs", Ids(disks));
-    const Answer size = invocation.controller().Ask({"HX_LD_GetMigratedLdSize", fields});
+    const Command asking{"HX_LD_GetMigratedLdSize", fields};
+    const Answer size = invocation.controller().Ask(asking);
     if (size.exit != Exit::kDone) {
-        throw Failure(size.exit, disk.address.Text() + ": " + size.complaint);
+        throw Failure(size.exit,
+                      disk.address.Text() + ": " + size.complaint +
+                          Alternatives(invocation, disk.address.adapter),
+                      FaultOf(asking, size));
     }
     Change change{.what = "Migrate virtual disk " + Described(disk) + " to RAID " +
                           std::string(level.name) + " on",
@@ -505,13 +387,19 @@ Exit MigrateVirtualDisk(Invocation& invocation) {
                   .address = disk.address.Text(),
                   .size_bytes = 512 * size.result.Number("CreateLDParam/Size"),
                   .starts_task = true};
-    for (const Disk& each : disks) change.losses.push_back(Described(each));
+    AddDisks(change, disks, ConfirmName(disk));
     return CarryOut(invocation, change);
 }
 
 // Of a virtual disk on a disk group: what is not named stays.
 Exit ModifyVirtualDisk(Invocation& invocation) {
     const VirtualDisk disk = FindVirtualDisk(invocation);
+    if (!invocation.Has("--size") && !invocation.Has("--name") && !invocation.Has("--cache")) {
+        throw UsageError("no change was named");
+    }
+    if (invocation.Has("--plain") && invocation.Has("--cache")) {
+        throw UsageError("--plain knows no --cache");
+    }
     if (disk.info.Number("DGID") == kNoGroup) {
         throw Failure(Exit::kRefused, disk.address.Text() +
                                           ": it lies on no disk group; see "
@@ -519,12 +407,13 @@ Exit ModifyVirtualDisk(Invocation& invocation) {
     }
     std::uint64_t room = disk.info.Number("Size");
     for (const DiskGroup& group : LoadDiskGroups(invocation.controller())) {
-        if (group.address.id == disk.info.Number("DGID")) {
+        if (group.address.adapter == disk.address.adapter &&
+            group.address.id == disk.info.Number("DGID")) {
             room += group.info.Number("RemainingManagedSpace");
         }
     }
     const std::uint64_t sectors =
-        invocation.Has("--size") ? SizeOption(invocation, room) : disk.info.Number("Size");
+        invocation.Has("--size") ? SizeOption(invocation).Of(room) : disk.info.Number("Size");
     Fields fields{{"AdapterID", std::to_string(disk.address.adapter)},
                   {"VDID", std::to_string(disk.address.id)},
                   {"DGID", disk.info.Text("DGID")},
@@ -534,21 +423,28 @@ Exit ModifyVirtualDisk(Invocation& invocation) {
                   {"NumParityDisk", disk.info.Text("NumParityDisk")},
                   {"StripeBlockSize", disk.info.Text("StripeBlockSize")},
                   {"Size", std::to_string(sectors)}};
+    const bool plain = invocation.Has("--plain");
+    std::vector<std::string> changes;
+    if (plain) {
+        changes.emplace_back("its cache will be off");
+    } else {
+        const std::string* const cache = invocation.Get("--cache");
+        fields.emplace_back("CachePolicy",
+                            cache != nullptr ? CacheOption(*cache) : CacheThatStays(disk));
+        fields.emplace_back("SectorCoefficient", disk.info.Text("SectorCoefficient"));
+    }
     const bool smaller = sectors < disk.info.Number("Size");
-    return CarryOut(invocation,
-                    {.what = "Modify virtual disk " + Described(disk),
-                     .losses = smaller ? std::vector<std::string>{"what lies behind its new end "
-                                                                  "will be lost"}
-                                       : std::vector<std::string>(),
-                     .confirm = smaller ? ConfirmName(disk) : std::string(),
-                     .commands = {{invocation.Has("--keep-cache") ? "HX_CreateOrModify_VD"
-                                                                  : "HX_LD_Modify_OnDG",
-                                   std::move(fields)}},
-                     .address = disk.address.Text(),
-                     .size_bytes = 512 * sectors});
+    if (smaller) changes.emplace_back("what lies behind its new end will be lost");
+    return CarryOut(
+        invocation,
+        {.what = "Modify virtual disk " + Described(disk),
+         .losses = std::move(changes),
+         .confirm = smaller ? ConfirmName(disk) : std::string(),
+         .commands = {{plain ? "HX_CreateOrModify_VD" : "HX_LD_Modify_OnDG", std::move(fields)}},
+         .address = disk.address.Text(),
+         .size_bytes = 512 * sectors});
 }
 
-constexpr std::string_view kLevelNames = "0 1 1e 5 6 10 50 60";
 constexpr std::string_view kInitNames = "quick foreground background none";
 constexpr OptionRow kCreateOptions[] = {
     {"--raid", "LEVEL", "The RAID level", kLevelNames},
@@ -586,7 +482,8 @@ constexpr OptionRow kMigrateOptions[] = {
 constexpr OptionRow kModifyOptions[] = {
     {"--size", "SIZE", "10GiB, 20GB, 50% of the most, or max"},
     {"--name", "NAME", "Its name, of at most 15 characters"},
-    {"--keep-cache", "", "By the function that does not touch cache and rounding"},
+    {"--cache", "MODES", "write_back, read_ahead, both with a comma, or none"},
+    {"--plain", "", "With the function that knows no cache and switches it off"},
 };
 
 constexpr OptionRow kAdapterOption[] = {{"--adapter", "NUMBER", "Only those of this adapter"}};
@@ -630,8 +527,10 @@ constexpr CommandRow kCommands[] = {
           "vexorctl vd create --dg a0/dg0 --size 10GiB --name data2 --dry-run"},
      .run = CreateVirtualDisk,
      .columns = ChangeColumns,
-     .note = "Name the disks, or say how many to pick: free ones of about the same size. When a "
-             "disk holds data it asks for the name of the virtual disk.",
+     .note = "Name the disks, or say how many to pick: free ones of about the same size, the "
+             "smallest that suffice for the --size, or those that give the most. When a disk holds "
+             "data it asks for the name of the virtual disk. Where it cannot be made, it tells "
+             "which disks are free, on the other adapters too.",
      .changes = true},
     {.noun = "vd",
      .verb = "quick-create",

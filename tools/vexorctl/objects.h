@@ -68,8 +68,13 @@ struct Task {
     std::uint64_t activity = 0;
     std::uint64_t state = 0;
     std::optional<std::uint64_t> percent;
-    std::string name;  // of the object
+    std::string name;               // of the object
+    std::optional<unsigned> group;  // on which the object lies
 };
+
+/// Whether a task of the object is meant by this address: its own, or that of the disk group on
+/// which it lies.
+bool IsTaskOf(const Task& task, std::string_view address);
 
 // Everything on the adapters that the controller has selected. What cannot be read is noted as a
 // fault.

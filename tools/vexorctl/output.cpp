@@ -280,6 +280,25 @@ bool IsOn(std::string_view address, std::string_view owner) {
            (address.size() == owner.size() || address[owner.size()] == '/');
 }
 
+// A document stands alone: what goes wrong behind it is told on standard error only.
+bool document_printed = false;
+
+void PrintDocument(const Report& report, const Style& style) {
+    document_printed = true;
+    std::string out;
+    if (style.format == "json") {
+        out = JsonDocument(report, style) + "\n";
+    } else if (style.format == "xml") {
+        PrintXml(report, style, out);
+    } else {
+        PrintMore(report, style, true);
+        for (const Fault& fault : report.faults) {
+            if (style.format == "jsonl") out += JsonFaultLine(fault) + "\n";
+        }
+    }
+    PrintText(out);
+}
+
 }  // namespace
 
 std::string SizeText(std::uint64_t bytes, const Style& style) {
@@ -392,19 +411,16 @@ void Arrange(const Invocation& invocation, const Style& style, Report& report) {
 }
 
 void Print(const Report& report, const Style& style) {
-    std::string out;
-    if (style.format == "json") {
-        out = JsonDocument(report, style) + "\n";
-    } else if (style.format == "xml") {
-        PrintXml(report, style, out);
-    } else {
-        PrintMore(report, style, true);
-        for (const Fault& fault : report.faults) {
-            if (style.format == "jsonl") out += JsonFaultLine(fault) + "\n";
-        }
-    }
-    PrintText(out);
+    PrintDocument(report, style);
     ReportFaults(report);
+}
+
+void PrintEarlyEnd(const Invocation& invocation, const Fault& fault) {
+    const Style style = StyleOf(invocation, "table");
+    const bool is_document = style.format == "json" || style.format == "xml";
+    if (!is_document && style.format != "jsonl") return;
+    if (is_document && document_printed) return;
+    PrintDocument({invocation.row().Name(), {}, {}, {fault}}, style);
 }
 
 bool CanContinue(const Style& style) { return style.format != "json" && style.format != "xml"; }

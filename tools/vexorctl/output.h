@@ -28,6 +28,11 @@ void Arrange(const Invocation& invocation, const Style& style, Report& report);
 /// Prints the report and one line on standard error for each fault. Throws OutputError.
 void Print(const Report& report, const Style& style);
 
+/// Prints the document of a command that ended early, with the fault in it, where a format for
+/// scripts was asked for and no document was printed yet. The line on standard error is the
+/// caller's.
+void PrintEarlyEnd(const Invocation& invocation, const Fault& fault);
+
 /// Prints rows that follow others of the same report: no heading again, no closing. For the formats
 /// that can be continued, which `CanContinue` tells.
 bool CanContinue(const Style& style);

@@ -70,6 +70,11 @@ bool Matches(const Candidate& candidate, const Selector& selector) {
     throw Failure(Exit::kNoObject, typed + ": there is no such " + std::string(NameOf(kind)));
 }
 
+std::string Articled(ObjectKind kind) {
+    const std::string name(NameOf(kind));
+    return (name.find_first_of("aeiou") == 0 ? "an " : "a ") + name;
+}
+
 }  // namespace
 
 Address FindObject(Invocation& invocation, ObjectKind kind, const std::string& typed) {
@@ -77,9 +82,8 @@ Address FindObject(Invocation& invocation, ObjectKind kind, const std::string& t
     Controller& controller = invocation.controller();
     if (selector.form == Selector::Form::kAddress) {
         if (selector.address.kind != kind) {
-            throw UsageError(typed + " is the address of a " +
-                             std::string(NameOf(selector.address.kind)) + "; a " +
-                             std::string(NameOf(kind)) + " is needed");
+            throw UsageError(typed + " is the address of " + Articled(selector.address.kind) +
+                             "; " + Articled(kind) + " is needed");
         }
         controller.Select({selector.address.adapter});
     } else if (const auto adapter = invocation.Number("--adapter", 254)) {

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdio>
 
+#include "bar.h"
 #include "duration.h"
 #include "failure.h"
 #include "hxraid_codes.h"
@@ -18,7 +19,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr unsigned kLookMilliseconds = 200;
-constexpr unsigned kBarWidth = 30;
 
 double SecondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
@@ -47,12 +47,9 @@ public:
             first_ = percent;
             start_ = Clock::now();
         }
-        const unsigned filled = static_cast<unsigned>(percent * kBarWidth / 100);
-        std::string line =
-            "\r\x1b[K" + task.address.Text() + " " +
-            std::string(HxraidNameOf(kHxsimActivityNames, static_cast<HX_U32>(task.activity))) +
-            " [" + std::string(filled, '#') + std::string(kBarWidth - filled, '.') + "] " +
-            std::to_string(percent) + "%";
+        const std::string activity(
+            HxraidNameOf(kHxsimActivityNames, static_cast<HX_U32>(task.activity)));
+        std::string line = BarText(task.address.Text() + " " + activity, percent);
         const double elapsed = SecondsSince(start_);
         if (percent > first_ && elapsed > 0) {
             const double rate = static_cast<double>(percent - first_) / elapsed;
@@ -66,7 +63,7 @@ public:
     }
 
     void Clear() {
-        if (shown_) std::fputs("\r\x1b[K", stderr);
+        if (shown_) std::fputs(kClearLine, stderr);
         shown_ = false;
     }
 
@@ -88,6 +85,11 @@ std::uint64_t TimeoutOf(const Invocation& invocation, std::string_view option) {
         throw UsageError(std::string(option) + " takes 90s, 15m or 2h, not \"" + text + "\"");
     }
     return *seconds;
+}
+
+bool HasTask(Controller& controller, const std::string& address) {
+    return std::ranges::any_of(LoadTasks(controller),
+                               [&](const Task& task) { return IsTaskOf(task, address); });
 }
 
 Exit WaitForTask(Invocation& invocation, const std::string& address, std::uint64_t seconds) {
@@ -114,7 +116,8 @@ Exit WaitForTasks(Invocation& invocation, std::vector<std::string> addresses,
             for (const Task& task : tasks) addresses.push_back(task.address.Text());
         }
         const auto waited_for = [&](const Task& task) {
-            return std::ranges::find(addresses, task.address.Text()) != addresses.end();
+            return std::ranges::any_of(
+                addresses, [&](const std::string& address) { return IsTaskOf(task, address); });
         };
         const auto running = std::ranges::find_if(tasks, waited_for);
         if (running == tasks.end()) return Exit::kDone;
