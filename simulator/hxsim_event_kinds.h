@@ -118,6 +118,7 @@ inline constexpr EventKind kElementOk{8, 2, kInfo};            // Params: elemen
 
 inline constexpr EventKind kBatteryPresent{9, 0, kInfo};
 inline constexpr EventKind kBatteryNotPresent{9, 1, kWarning};
+inline constexpr EventKind kBatteryNewDetected{9, 2, kInfo};
 inline constexpr EventKind kBatteryNeedsReplacement{9, 3, kMajor};
 inline constexpr EventKind kBatteryReplaced{9, 4, kInfo};
 inline constexpr EventKind kBatteryRemoved{9, 5, kMajor};

@@ -132,7 +132,8 @@ Outcome RemoveBattery(Adapter& adapter, Time now) {
 
 Outcome ReplaceBattery(Adapter& adapter, Time now) {
     if (adapter.batteries.empty()) return CheckBattery(adapter);
-    Queue(adapter, now, kBatteryReplaced, 0);
+    const bool empty = !adapter.batteries.front().present;
+    Queue(adapter, now, empty ? kBatteryNewDetected : kBatteryReplaced, 0);
     ChangeBattery(adapter, now, [](Battery& battery) {
         constexpr unsigned kAsDelivered = 40;  // percent
         BBU_Info& info = battery.info;

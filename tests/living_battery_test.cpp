@@ -298,7 +298,12 @@ TEST_F(LivingBattery, IsReplacedByANewOneThatIsChargedFirst) {
     EXPECT_EQ(0, info.recharge_cycle);
     EXPECT_EQ(0x07u, info.status);  // present, charging, safe
     EXPECT_EQ(72, info.time_to_full);
-    EXPECT_THAT(Events(), ElementsAre("9/4 of 0", "9/17 of 0", "9/29 of 0"));
+    EXPECT_THAT(Events(), ElementsAre("9/2 of 0", "9/17 of 0", "9/29 of 0"));
+}
+
+TEST_F(LivingBattery, IsReplacedWhileItIsThere) {
+    ASSERT_TRUE(hxsim::ReplaceBattery(adapter(), kNow));
+    EXPECT_THAT(Events(), ElementsAre("9/4 of 0", "9/17 of 0"));
 }
 
 TEST_F(LivingBattery, IsSetToNoMoreThanAllOfItsCharge) {
