@@ -626,6 +626,7 @@ private:
     HX_U8 BreakDisk() {
         const HX_U16 disk = DiskId();
         const auto what = Note("what", chance_.Below(12));
+        const Sectors sectors = chance_.OneIn(3) ? (5 + chance_.Below(60)) * 2097152 : 0;
         const Sectors lba = chance_.Any<std::uint64_t>() >> (chance_.OneIn(4) ? 0 : 35);
         return Happen([&](Adapter& adapter, Time now) {
             switch (what) {
@@ -646,7 +647,7 @@ private:
                 case 9:
                     return ReplaceDisk(adapter, now, disk, random_, true);
                 default:
-                    return ReplaceDisk(adapter, now, disk, random_, false);
+                    return ReplaceDisk(adapter, now, disk, random_, false, sectors);
             }
         });
     }

@@ -16,6 +16,7 @@ using living::kHundredSeconds;
 using living::SmallMachine;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 
 // ---- States ----
 
@@ -303,6 +304,19 @@ TEST_F(DoubleFailure, OnRaid6WhileOneIsRebuiltIsRebuiltNext) {
     ExpectOrder(it);
 }
 
+TEST_F(DoubleFailure, ThatIsHalfMendedIsNotToldOfAsANewLoss) {
+    SmallMachine it(5);
+    it.AddVirtualDisk(6, {0, 1, 2, 3});
+    it.MakeGlobalSpare(4);
+    it.PullOut(10, 0);
+    it.PullOut(20, 1);
+    EXPECT_THAT(it.TakeEvents(), IsSupersetOf({"10 12.17 0", "20 12.17 0"}));
+    it.At(500);
+    EXPECT_THAT(it.TakeEvents(), ElementsAre("30 1.76 0 20", "50 1.76 0 40", "70 1.76 0 60",
+                                             "90 1.76 0 80", "110 1.75 0", "110 1.5 0"));
+    ExpectOrder(it);
+}
+
 TEST_F(DoubleFailure, OfBothHalvesOfOneMirrorTakesRaid10Offline) {
     SmallMachine it(4);
     it.AddVirtualDisk(0x10, {0, 1, 2, 3});
@@ -545,6 +559,17 @@ TEST_F(OnADiskGroup, WithoutVirtualDisksADiskIsReplacedAtOnce) {
     EXPECT_THAT(it.TakeEvents(), ElementsAre("10 2.1 1", "10 2.9 3"));
     EXPECT_EQ(1, it.It().homes[1].disk);
     ExpectOrder(it);
+}
+
+TEST_F(Alarm, StaysMutedWhenOneOfTwoLostDisksIsBack) {
+    SmallMachine it(3);
+    it.AddVirtualDisk(5, {0, 1, 2});
+    it.PullOut(10, 0);
+    it.PullOut(20, 1);
+    it.It().muted = true;
+    it.PutBack(30, 1);
+    EXPECT_EQ(HXSIM_STATE_DEGRADED, it.VirtualDisk(0).state);
+    EXPECT_FALSE(it.It().alarm);
 }
 
 TEST_F(Alarm, SoundsWhileAVirtualDiskIsDegraded) {
