@@ -626,6 +626,7 @@ TEST_F(StateFile, ThatAnotherProcessKeepsIsRefusedAfterFiveSeconds) {
 
 TEST_F(StateFile, IsSoundAfterProcessesWereKilledWhileTheyWrote) {
     Make("default");
+    const std::uint64_t before = Store(File()).Current().random;
     std::mt19937 random(1);
     for (int kills = 0; kills < 200; ++kills) {
         const pid_t child = fork();
@@ -651,7 +652,8 @@ TEST_F(StateFile, IsSoundAfterProcessesWereKilledWhileTheyWrote) {
             ASSERT_EQ(disk.locate_light, machine.adapters[0].disks[0].locate_light);
         }
     }
-    EXPECT_GT(Store(File()).Current().random, 200U);
+    // How many changes there were in between is for the machine's speed to say.
+    EXPECT_NE(Store(File()).Current().random, before);
 }
 
 }  // namespace
