@@ -43,17 +43,10 @@ bool IsTaken(const Adapter& adapter, std::uint64_t wwn) {
 
 // A serial number of the series that the old one is of.
 std::string NewSerial(const Adapter& adapter, const std::string& old, std::uint64_t& random) {
-    constexpr std::string_view kDigits = "0123456789ABCDEFGHJKLMNPQRSTUVWXYZ";
-    constexpr std::size_t kDrawn = 6;
-    const std::string series = old.substr(0, 4);
+    constexpr unsigned kDrawn = 6;
     std::string serial;
     do {
-        serial = series;
-        std::uint64_t drawn = Draw(random);
-        for (std::size_t i = 0; i < kDrawn; ++i) {
-            serial += kDigits[drawn % kDigits.size()];
-            drawn /= kDigits.size();
-        }
+        serial = DrawSerial(random, old.substr(0, 4), kDrawn);
     } while (IsTaken(adapter, serial));
     return serial;
 }

@@ -381,7 +381,7 @@ private:
             Refuse(text_.Where("info.PortCount"), "at most " + std::to_string(HX_MAX_PORTS));
         }
         std::string serial;
-        if (!text_.Take("serial", serial)) serial = DrawSerial("VC", 8);
+        if (!text_.Take("serial", serial)) serial = DrawSerial(machine_.random, "VC", 8);
         SetText(adapter_.info.SerialNo, serial);
         SetWorldWideName(adapter_.info.WWN, WorldWideName(HXSIM_DEVICE_ADAPTER, adapter_.id, 0, 0));
         for (unsigned port = 0; port < adapter_.info.PortCount; ++port) {
@@ -397,18 +397,6 @@ private:
         Object object(*found, text_.Where(member));
         object.TakeAll(columns, row);
         object.Finish();
-    }
-
-    // A serial number that is left out: the series and drawn digits.
-    std::string DrawSerial(const std::string& series, unsigned digits) {
-        constexpr std::string_view kDigits = "0123456789ABCDEFGHJKLMNPQRSTUVWXYZ";
-        std::string serial = series;
-        std::uint64_t drawn = Draw(machine_.random);
-        for (unsigned i = 0; i < digits; ++i) {
-            serial += kDigits[static_cast<std::size_t>(drawn % kDigits.size())];
-            drawn /= kDigits.size();
-        }
-        return serial;
     }
 
     // ---- Devices ----
@@ -595,7 +583,7 @@ private:
         if (first.slot != kNoId) disk.slot = static_cast<HX_U16>(first.slot + i);
         if (!object.Take("serial", disk.serial)) {
             do {
-                disk.serial = DrawSerial(series_, 6);
+                disk.serial = DrawSerial(machine_.random, series_, 6);
             } while (std::ranges::count(adapter_.disks, disk.serial, &Disk::serial) != 0);
         } else if (count != 1) {
             Refuse(object.Where("serial"), "no serial number for several disks");
