@@ -456,8 +456,6 @@ bool ReturnSpare(Adapter& adapter, Time now, Disk& disk) {
     if (disk.spare_before == Spare::kNone || !IsFree(adapter, disk)) return false;
     const Spare kind = std::exchange(disk.spare_before, Spare::kNone);
     const HX_U16 group = std::exchange(disk.spare_group_before, kNoId);
-    // The disk group that it was a spare of may be gone by now.
-    if (kind == Spare::kGroup && Find(adapter.disk_groups, group) == nullptr) return true;
     disk.spare = kind;
     disk.spare_group = group;
     Queue(adapter, now, kSpareAssigned, disk.id);
