@@ -394,6 +394,28 @@ TEST(AMigration, WaitsWhileItsVirtualDiskIsRebuiltAndThenGoesOn) {
     EXPECT_THAT(hxsim::Check(it.machine), IsEmpty());
 }
 
+TEST(AMigration, LeavesAPlaceThatASpareHasTakenWhereItBelongs) {
+    SmallMachine it(5, 3 * kHundredSeconds);
+    const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
+    it.VirtualDisk(id).size = 2 * kHundredSeconds;
+    it.It().info.LogicalDriverMode = 0x017F;
+    it.It().info.StripeSizeSupported = 0xFFFF;
+    it.It().info.MaxPDPerVD = 32;
+    it.It().info.MaxParityDisks = 4;
+    it.MakeGlobalSpare(4);
+    ASSERT_EQ(0, MigrateToRaid6(it, 0, id, {0, 1, 2, 3}));
+    it.Fail(10, 1);
+    it.At(500);
+    EXPECT_EQ(4, it.BlockOf(id, 1)->disk);
+    it.TakeEvents();
+    it.Replace(600, 1);
+    EXPECT_THAT(it.TakeEvents(), ElementsAre("600 2.1 1", "600 1.90 0"));
+    it.At(900);
+    EXPECT_EQ(1, it.BlockOf(id, 1)->disk);
+    EXPECT_EQ(hxsim::Spare::kGlobal, it.Disk(4).spare);
+    EXPECT_THAT(hxsim::Check(it.machine), IsEmpty());
+}
+
 // ---- Disks ----
 
 TEST(AMediaPatrol, FindsWhatIsDamagedAndRemapsIt) {

@@ -359,6 +359,22 @@ TEST_F(LivingDisk, GroupHasAtMostEightSpares) {
     ExpectRefused(HXSIM_TOO_MANY_SPARES, hxsim::MakeGroupSpare(adapter(), kNow, 6, 0), before);
 }
 
+TEST_F(LivingDisk, GroupKeepsThePlaceOfASpareThatHasSteppedIn) {
+    for (HX_U16 id = 8; id < 15; ++id) {
+        hxsim::Disk more = disk(6);
+        more.id = id;
+        more.wwn += id;
+        more.spare_before = hxsim::Spare::kGroup;
+        more.spare_group_before = 0;
+        hxsim::Insert(adapter().disks, more);
+        hxsim::ResetDisk(adapter(), id);
+    }
+    EXPECT_EQ(HXSIM_TOO_MANY_SPARES, hxsim::MakeGroupSpare(adapter(), kNow, 6, 0));
+    disk(8).spare_before = hxsim::Spare::kNone;
+    disk(8).spare_group_before = hxsim::kNoId;
+    EXPECT_EQ(HX_SUCCESS, hxsim::MakeGroupSpare(adapter(), kNow, 6, 0));
+}
+
 TEST_F(LivingDisk, OnlyASpareIsMadeFree) {
     const std::string before = Everything();
     ExpectRefused(HXSIM_NO_DISK, hxsim::FreeSpare(adapter(), kNow, 99), before);

@@ -8,6 +8,7 @@
 #include "hxsim_activity_calls.h"
 #include "hxsim_check.h"
 #include "hxsim_event.h"
+#include "hxsim_virtual_disk.h"
 #include "living_small_machine.h"
 
 namespace {
@@ -467,6 +468,20 @@ TEST_F(Copyback, ThatIsOffTellsOfNoSmallDisk) {
     EXPECT_THAT(it.TakeEvents(), ElementsAre("200 2.1 1"));
 }
 
+TEST_F(Story, ThatBeginsWithAnImportTellsOfTheImportAlone) {
+    SmallMachine it(3);
+    const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
+    it.VirtualDisk(id).foreign = true;
+    it.VirtualDisk(id).state = HXSIM_STATE_FOREIGN;
+    for (HX_U16 disk = 0; disk < 3; ++disk) it.Disk(disk).foreign = true;
+    ASSERT_EQ(0, it.Call(10, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::ImportVirtualDisk(adapter, now, id);
+    }));
+    EXPECT_THAT(it.TakeEvents(), ElementsAre("10 1.9 0"));
+    EXPECT_EQ(kOptimal, it.VirtualDisk(id).state);
+    ExpectOrder(it);
+}
+
 TEST_F(DiskPutBack, IsRebuiltWhereItWasSinceWritesHavePassedItBy) {
     SmallMachine it(3);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
@@ -545,6 +560,24 @@ TEST_F(OnADiskGroup, AllVirtualDisksAreCopiedBackTogether) {
     EXPECT_EQ(1, it.It().homes[1].disk);
     EXPECT_EQ(hxsim::Spare::kGroup, it.Disk(3).spare);
     EXPECT_EQ(group, it.Disk(3).spare_group);
+    ExpectOrder(it);
+}
+
+TEST_F(OnADiskGroup, NoSpareStepsInBeforeEveryVirtualDiskCanBeRebuilt) {
+    SmallMachine it(4);
+    const HX_U16 group = it.AddGroup(5, {0, 1, 2});
+    const HX_U16 first = it.AddVirtualDiskTo(group);
+    it.AddVirtualDiskTo(group, kHundredSeconds / 2);
+    it.MakeGroupSpare(3, group);
+    ASSERT_EQ(0, it.Call(0, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::StartInitialisation(adapter, now, first, HXSIM_INIT_FOREGROUND);
+    }));
+    it.Fail(10, 1);
+    EXPECT_EQ(hxsim::Spare::kGroup, it.Disk(3).spare);
+    it.At(100);
+    EXPECT_EQ(hxsim::Spare::kNone, it.Disk(3).spare);
+    it.At(500);
+    EXPECT_EQ(kOptimal, it.It().disk_groups[0].state);
     ExpectOrder(it);
 }
 
