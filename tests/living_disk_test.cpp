@@ -603,6 +603,16 @@ TEST_F(LivingDisk, PowerCutLosesWhatIsCachedWithoutABattery) {
     EXPECT_EQ(0u, virtual_disk(1).errors);
 }
 
+TEST_F(LivingDisk, PowerCutLosesNothingOfWhatIsNotWrittenAnyMore) {
+    virtual_disk(0).cache = HXSIM_CACHE_WRITE_BACK;
+    adapter().batteries.clear();
+    disk(0).present = disk(1).present = false;
+    hxsim::Settle(adapter(), kNow);
+    ASSERT_EQ(HXSIM_STATE_OFFLINE, virtual_disk(0).state);
+    hxsim::CutPower(adapter(), kNow);
+    EXPECT_EQ(0u, virtual_disk(0).errors);
+}
+
 TEST_F(LivingDisk, PowerCutLosesNothingThatABatteryKeepsOrForbids) {
     virtual_disk(0).cache = HXSIM_CACHE_WRITE_BACK;
     hxsim::CutPower(adapter(), kNow);

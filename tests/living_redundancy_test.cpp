@@ -305,6 +305,20 @@ TEST_F(DoubleFailure, OnRaid6WhileOneIsRebuiltIsRebuiltNext) {
     ExpectOrder(it);
 }
 
+TEST_F(DoubleFailure, ThatHasEndedTheRebuildLetsItBeginAnewWhenTheOtherDiskIsBack) {
+    SmallMachine it(4);
+    it.AddVirtualDisk(5, {0, 1, 2});
+    it.MakeGlobalSpare(3);
+    it.Fail(10, 1);
+    it.PullOut(20, 0);
+    it.TakeEvents();
+    it.PutBack(30, 0);
+    EXPECT_THAT(it.TakeEvents(), ElementsAre("30 2.1 0", "30 1.4 0", "30 1.70 0"));
+    it.At(130);
+    EXPECT_EQ(kOptimal, it.VirtualDisk(0).state);
+    ExpectOrder(it);
+}
+
 TEST_F(DoubleFailure, ThatIsHalfMendedIsNotToldOfAsANewLoss) {
     SmallMachine it(5);
     it.AddVirtualDisk(6, {0, 1, 2, 3});
