@@ -739,6 +739,52 @@ class Waiting(VexorctlTest):
         self.expect(run, 0, '{"activity":{"code":99,"name":null}}\n', "")
 
 
+class Transfer(VexorctlTest):
+    """An image goes piece by piece to a controller that takes its time."""
+
+    def update(self, *after):
+        (self.root / "image").write_bytes(b"x" * (5 * 32768 + 1))
+        arguments = ["flash", "update", "a2", "--image", "firmware", "--file", "image", "--yes"]
+        pid, master = pty.fork()
+        if pid == 0:
+            os.chdir(self.root)
+            os.execve(VEXORCTL, [VEXORCTL, *arguments], {
+                **os.environ, "VEXORAPI_ROOT": str(self.root),
+                "LD_LIBRARY_PATH": OTHER_CONTROLLER})
+        said = b""
+        for wanted, then in after:
+            while wanted not in said:
+                said += os.read(master, 4096)
+            then(pid)
+        try:
+            while chunk := os.read(master, 4096):
+                said += chunk
+        except OSError:
+            pass
+        _, status = os.waitpid(pid, 0)
+        os.close(master)
+        return said, os.waitstatus_to_exitcode(status)
+
+    def test_a_terminal_shows_how_many_pieces_have_gone(self):
+        said, code = self.update()
+        self.assertEqual(code, 0, said)
+        for piece in (2, 3, 4, 5):
+            self.assertIn(f"% piece {piece} of 6".encode(), said)
+        self.assertIn(b"a2 flash update [###############...............] 50% piece 3 of 6", said)
+        self.assertNotIn(b"\x1b[Ka2", said.split(b"ADDRESS")[1])
+
+    def test_ctrl_c_does_not_cut_an_image_in_half(self):
+        said, code = self.update((b"piece 2", lambda pid: os.kill(pid, signal.SIGINT)))
+        self.assertIn(b"piece 5 of 6", said)
+        self.assertEqual(code, 0)
+
+    def test_a_pipe_shows_nothing_of_it(self):
+        self.write("image", b"x" * (2 * 32768))
+        run = self.vexorctl("flash", "update", "a2", "--image", "firmware", "--file", "image",
+                            "--yes", LD_LIBRARY_PATH=OTHER_CONTROLLER)
+        self.expect(run, 0, "ADDRESS  ACTION        TASK\na2       flash update  -\n", "")
+
+
 class LoadOrder(VexorctlTest):
     """A controller library that is found first takes the virtual one's place."""
 

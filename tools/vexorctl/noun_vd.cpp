@@ -73,7 +73,7 @@ constexpr Column<VirtualDisk> kColumns[] = {
      [](const VirtualDisk& it) { return DisksCell(it); }},
     {{"dg", "DG", kText, kTable, "The disk group that it lies on"},
      [](const VirtualDisk& it) { return GroupCell(it); }},
-    {{"cache", "CACHE", kBits, kTable, "Its cache"},
+    {{"cache", "CACHE", kBits, kWide, "Its cache"},
      [](const VirtualDisk& it) { return BitsAt(it.info, "CacheMode", kHxsimCacheBits); }},
     {{"activity", "ACTIVITY", kCode, kTable, "What is going on in the background"},
      [](const VirtualDisk& it) { return CodeAt(it.status, "Bga", kHxsimActivityNames); }},
