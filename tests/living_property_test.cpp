@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -52,8 +53,8 @@ class Chance {
 public:
     explicit Chance(std::uint64_t seed) : engine_(seed) {}
 
-    std::uint64_t Below(std::uint64_t end) { return engine_() % end; }
-    bool OneIn(std::uint64_t times) { return Below(times) == 0; }
+    std::size_t Below(std::size_t end) { return static_cast<std::size_t>(engine_() % end); }
+    bool OneIn(std::size_t times) { return Below(times) == 0; }
 
     template <class Number = HX_U8>
     Number Any() {
@@ -241,7 +242,7 @@ private:
         if (chance_.OneIn(3)) return 0;
         return chance_.Below(200) * 2097152 / 4;
     }
-    HX_U8 Small(std::uint64_t end) {
+    HX_U8 Small(std::size_t end) {
         return chance_.OneIn(20) ? chance_.Any() : static_cast<HX_U8>(chance_.Below(end));
     }
     HX_U16 Stripe() {
@@ -706,7 +707,7 @@ private:
         constexpr Time kSecond = 1000;
         const Time longest =
             chance_.OneOf<Time>({kSecond, 60 * kSecond, 3600 * kSecond, 100 * 3600 * kSecond});
-        const auto passed = static_cast<Time>(chance_.Below(static_cast<std::uint64_t>(longest)));
+        const auto passed = static_cast<Time>(chance_.Below(static_cast<std::size_t>(longest)));
         real_time += Note("ms", passed);
         return HX_SUCCESS;
     }
@@ -732,7 +733,7 @@ Machine Life::RandomMachine() {
     const char* const foreign_levels[] = {"raid0", "raid1e", "raid5", "raid6"};
     std::ostringstream text;
     text << R"({"name": "random", "disk_models": [)";
-    constexpr std::uint64_t kModels = 4;
+    constexpr std::size_t kModels = 4;
     for (std::uint64_t i = 0; i < kModels; ++i) {
         text << (i == 0 ? "" : ", ") << R"({"name": "MODEL)" << i << R"(", "serials": "M)" << i
              << R"(", "sectors": )" << 10 * 2097152 + chance_.Below(100) * 2097152 + i << '}';
@@ -911,12 +912,12 @@ void Life::Draw() {
 
     int weights = 0;
     for (const Row& row : rows) weights += row.weight;
-    auto drawn = static_cast<int>(chance_.Below(static_cast<std::uint64_t>(weights)));
+    auto drawn = static_cast<int>(chance_.Below(static_cast<std::size_t>(weights)));
     std::size_t place = 0;
     while (drawn >= rows[place].weight) drawn -= rows[place++].weight;
 
     // Most of the time adapter 0, which has most to lose.
-    const std::uint64_t adapters = before_.adapters.size();
+    const std::size_t adapters = before_.adapters.size();
     adapter_ = static_cast<HX_U8>(chance_.OneIn(4) ? chance_.Below(adapters) : 0);
     if (chance_.OneIn(200)) adapter_ = chance_.Any();
     done_ << rows[place].name << " a" << int{adapter_};
