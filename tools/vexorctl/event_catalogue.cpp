@@ -113,7 +113,7 @@ constexpr Row kRows[] = {
     {"MISC_SINGLE_BIT_ECC_ERR", "A memory error of one bit was corrected ({1})"},
     {"MISC_GET_SHUTDOWN_CMD", "The controller was told to shut down"},
     {"MISC_PD_MISSING_FROM_CONFIG_AT_BOOT", "Disk {1} of the configuration was missing at boot"},
-    {"MISC_VD_MISSING_DRIVES", "Virtual disk {1} misses disks"},
+    {"MISC_VD_MISSING_DRIVES", "Virtual disk {object}/vd{1} misses disks"},
     {"MISC_VD_MISSING_AT_BOOT", "Virtual disk {1} was missing at boot"},
     {"MISC_PREVIOUS_CONFIG_MISSING_AT_BOOT", "The previous configuration was missing at boot"},
     {"MISC_PD_TOO_SMALL_FOR_AUTOREBUILD", "Disk {1} is too small for an automatic rebuild"},
