@@ -20,6 +20,23 @@ void Spoil(RequestHeader& header, void* records, std::size_t bytes);
 /// What broken firmware does to records that no header counts. Stays inside `bytes` bytes.
 void SpoilRecord(void* record, std::size_t bytes);
 
+/// Says of each listed row in turn whether a request wants it.
+class Selection {
+public:
+    explicit Selection(const RequestHeader& header)
+        : by_id_(header.requestType == HX_REQUEST_BY_ID), from_(header.startingIndexOrId) {}
+
+    bool Wants(HX_U16 id) {
+        const std::size_t place = place_++;
+        return by_id_ ? id == from_ : place >= from_;
+    }
+
+private:
+    const bool by_id_;
+    const HX_U16 from_;
+    std::size_t place_ = 0;  // of the next row among those listed
+};
+
 /// Answers a list request with some of the adapter's rows, which ascend by ID.
 ///
 /// `rows` is the list in the adapter, `is_listed(adapter, row)` says which of them a caller sees,
@@ -38,17 +55,11 @@ HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request
 
         Record* const records = request->*list;
         std::size_t count = 0;
-        std::size_t place = 0;  // of the row among those listed
+        Selection selection(header);
         bool found = false;
         bool more = false;
-        const auto is_wanted = [&](const Row& row) {
-            if (!is_listed(adapter, row)) return false;
-            const std::size_t number = by_id ? row.id : place;
-            ++place;
-            return by_id ? number == header.startingIndexOrId : number >= header.startingIndexOrId;
-        };
         for (const Row& row : adapter.*rows) {
-            if (!is_wanted(row)) continue;
+            if (!is_listed(adapter, row) || !selection.Wants(row.id)) continue;
             found = true;
             if (count == header.numRequested) {
                 more = !by_id;

@@ -402,7 +402,7 @@ private:
     // ---- Devices ----
 
     // What it hangs on: a port of the adapter, a phy of an expander or a port of a port multiplier.
-    void ReadAttachment(Object& object, Attachment& at) {
+    void ReadAttachment(Object& object, Attachment& at) const {
         constexpr const char* kExpected =
             "an object with \"port\", with \"expander\" and \"phy\", or with \"port_multiplier\" "
             "and \"phy\"";
@@ -873,8 +873,9 @@ Json Parse(std::string_view text) {
         // The parser's own name stands in brackets before what it has to say.
         const std::string_view what = error.what();
         const std::size_t behind = what.find("] ");
-        throw TopologyError("Topology: no JSON text: " +
-                            std::string(behind == what.npos ? what : what.substr(behind + 2)));
+        throw TopologyError(
+            "Topology: no JSON text: " +
+            std::string(behind == std::string_view::npos ? what : what.substr(behind + 2)));
     }
 }
 

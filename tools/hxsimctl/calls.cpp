@@ -475,7 +475,7 @@ constexpr CallStep kCallSteps[] = {
 };
 
 const CallStep* FindCall(std::string_view word) {
-    const auto found = std::ranges::find(kCallSteps, word, &CallStep::word);
+    const auto* const found = std::ranges::find(kCallSteps, word, &CallStep::word);
     return found == std::end(kCallSteps) ? nullptr : &*found;
 }
 

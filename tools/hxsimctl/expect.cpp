@@ -34,7 +34,7 @@ void RequireWords(const Words& words, std::size_t count, const std::string& form
 // An expectation that one word of an object is the last of the words.
 Step OneWord(const Words& words, Kind kind, const Found& found) {
     const Address address = ParseAddress(words[1], kind);
-    const std::string wanted = words[2];
+    const std::string& wanted = words[2];
     return [address, wanted, found](Story& story) {
         Driver& driver = story.TheDriver();
         const Adapter& adapter = AdapterAt(driver.Current(), address);
@@ -155,7 +155,7 @@ Step ExpectBattery(const Words& words) {
     const bool no = words.size() == 4 && words[2] == "no";
     if (!no) RequireWords(words, 3, "battery ADDRESS [no] STATUS|PERCENT%");
     const Address address = ParseAddress(words[1], Kind::kAdapter);
-    std::string wanted = words.back();
+    const std::string& wanted = words.back();
     std::optional<std::uint64_t> percent;
     HX_U32 bit = 0;
     if (!no && wanted.ends_with('%')) {
@@ -373,7 +373,7 @@ constexpr Expectation kExpectations[] = {
 
 Step ParseExpectation(const std::vector<std::string>& words) {
     const std::string_view word = words.size() < 2 ? "" : std::string_view(words[0]);
-    const auto row = std::ranges::find(kExpectations, word, &Expectation::word);
+    const auto* const row = std::ranges::find(kExpectations, word, &Expectation::word);
     if (row != std::end(kExpectations)) return row->parse(words);
     std::string list;
     for (const Expectation& each : kExpectations) {

@@ -43,7 +43,7 @@ Step ParseStep(const Words& words);
 // A step that is to be refused by the library, with that code and no other.
 Step ParseRefused(const Words& words) {
     if (words.size() < 3) throw UsageError("write refused, the name of a code and a step");
-    const auto named = std::ranges::find(kHxsimRefusals, words[1], &HxsimRefusal::name);
+    const auto* const named = std::ranges::find(kHxsimRefusals, words[1], &HxsimRefusal::name);
     if (named == std::end(kHxsimRefusals)) {
         throw UsageError('"' + words[1] +
                          "\" is no name of a refusal; hxraid_codes.h lists them, such as no_space");
