@@ -368,7 +368,8 @@ TEST(RebuildByHand, OfADiskGroupTakesAWholeDisk) {
 
 // ---- Migrations ----
 
-TEST(AMigration, WaitsWhileItsVirtualDiskIsRebuiltAndThenGoesOn) {
+// Virtual disk 0, a RAID 5 that becomes a RAID 6, with a spare.
+SmallMachine OnItsWayToRaid6() {
     SmallMachine it(5, 3 * kHundredSeconds);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
     it.VirtualDisk(id).size = 2 * kHundredSeconds;
@@ -377,10 +378,15 @@ TEST(AMigration, WaitsWhileItsVirtualDiskIsRebuiltAndThenGoesOn) {
     it.It().info.MaxPDPerVD = 32;
     it.It().info.MaxParityDisks = 4;
     it.MakeGlobalSpare(4);
-    ASSERT_EQ(0, MigrateToRaid6(it, 0, id, {0, 1, 2, 3}));
+    EXPECT_EQ(0, MigrateToRaid6(it, 0, id, {0, 1, 2, 3}));
+    return it;
+}
+
+TEST(AMigration, WaitsWhileItsVirtualDiskIsRebuiltAndThenGoesOn) {
+    SmallMachine it = OnItsWayToRaid6();
     it.PullOut(10, 1);
-    EXPECT_EQ(HXSIM_ACTIVITY_REBUILD, it.ActivityOf(id)->kind);
-    EXPECT_EQ(kAutoPaused, hxsim::MigrationOf(it.It(), Owner::kVirtualDisk, id)->state);
+    EXPECT_EQ(HXSIM_ACTIVITY_REBUILD, it.ActivityOf(0)->kind);
+    EXPECT_EQ(kAutoPaused, hxsim::MigrationOf(it.It(), Owner::kVirtualDisk, 0)->state);
     EXPECT_THAT(hxsim::Check(it.machine), IsEmpty());
     it.At(500);
     EXPECT_THAT(
@@ -389,29 +395,21 @@ TEST(AMigration, WaitsWhileItsVirtualDiskIsRebuiltAndThenGoesOn) {
                     "10 1.70 0", "30 1.76 0 20", "50 1.76 0 40", "70 1.76 0 60", "90 1.76 0 80",
                     "110 1.75 0", "110 1.1 0", "110 1.89 0", "120 1.86 0 20", "140 1.86 0 40",
                     "160 1.86 0 60", "180 1.86 0 80", "200 1.85 0"));
-    EXPECT_EQ(6, it.VirtualDisk(id).level);
-    EXPECT_EQ(HXSIM_STATE_OPTIMAL, it.VirtualDisk(id).state);
+    EXPECT_EQ(6, it.VirtualDisk(0).level);
+    EXPECT_EQ(HXSIM_STATE_OPTIMAL, it.VirtualDisk(0).state);
     EXPECT_THAT(hxsim::Check(it.machine), IsEmpty());
 }
 
 TEST(AMigration, LeavesAPlaceThatASpareHasTakenWhereItBelongs) {
-    SmallMachine it(5, 3 * kHundredSeconds);
-    const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
-    it.VirtualDisk(id).size = 2 * kHundredSeconds;
-    it.It().info.LogicalDriverMode = 0x017F;
-    it.It().info.StripeSizeSupported = 0xFFFF;
-    it.It().info.MaxPDPerVD = 32;
-    it.It().info.MaxParityDisks = 4;
-    it.MakeGlobalSpare(4);
-    ASSERT_EQ(0, MigrateToRaid6(it, 0, id, {0, 1, 2, 3}));
+    SmallMachine it = OnItsWayToRaid6();
     it.Fail(10, 1);
     it.At(500);
-    EXPECT_EQ(4, it.BlockOf(id, 1)->disk);
+    EXPECT_EQ(4, it.BlockOf(0, 1)->disk);
     it.TakeEvents();
     it.Replace(600, 1);
     EXPECT_THAT(it.TakeEvents(), ElementsAre("600 2.1 1", "600 1.90 0"));
     it.At(900);
-    EXPECT_EQ(1, it.BlockOf(id, 1)->disk);
+    EXPECT_EQ(1, it.BlockOf(0, 1)->disk);
     EXPECT_EQ(hxsim::Spare::kGlobal, it.Disk(4).spare);
     EXPECT_THAT(hxsim::Check(it.machine), IsEmpty());
 }
