@@ -180,6 +180,9 @@ class VirtualDisk(Changes):
                 (command,) = self.plan("vd", "create", "--adapter", "0", "--raid", "1", "--disks",
                                        "2", "--size", size)
                 self.assertIn(f"<HDIDs>{ids}</HDIDs>", command)
+        (command,) = self.plan("vd", "create", "--adapter", "0", "--raid", "0", "--disks", "1",
+                               "--size", "10GiB")
+        self.assertIn("<HDIDs>16</HDIDs>", command)
 
     def test_create_mixes_links_only_where_it_has_to(self):
         (command,) = self.plan("vd", "create", "--adapter", "0", "--raid", "0", "--disks", "3")

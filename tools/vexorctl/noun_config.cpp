@@ -47,10 +47,10 @@ constexpr std::pair<const char*, const char*> kDefaults[] = {
 
 void AddConfiguration(std::vector<Setting>& settings) {
     std::vector<std::pair<std::string, std::string>> written = ReadConfiguration();
-    for (const auto& [name, value] : kDefaults) {
+    for (const auto& fallback : kDefaults) {
         const bool is_written = std::ranges::any_of(
-            written, [&](const auto& setting) { return setting.first == name; });
-        if (!is_written) settings.push_back({name, value, "default"});
+            written, [&](const auto& setting) { return setting.first == fallback.first; });
+        if (!is_written) settings.push_back({fallback.first, fallback.second, "default"});
     }
     for (auto& [name, value] : written) {
         settings.push_back({std::move(name), std::move(value), "file"});

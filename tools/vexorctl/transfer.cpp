@@ -55,13 +55,16 @@ std::string ProgressText(const std::string& label, std::uint64_t bytes, std::uin
 }  // namespace
 
 struct TransferProgress::Watcher {
+    Watcher(std::string what, std::string file, std::uint64_t count)
+        : label(std::move(what)), path(std::move(file)), pieces(count) {}
+
     std::string label;
     std::string path;
     std::uint64_t pieces;
-    std::mutex lock{};
-    std::condition_variable wake{};
+    std::mutex lock;
+    std::condition_variable wake;
     bool over = false;
-    std::thread thread{};
+    std::thread thread;
 
     void Watch() {
         std::unique_lock<std::mutex> held(lock);
@@ -78,7 +81,7 @@ struct TransferProgress::Watcher {
 TransferProgress::TransferProgress(std::string label, std::string path, std::uint64_t pieces) {
     WatchForInterrupts();
     if (isatty(STDERR_FILENO) != 1) return;
-    watcher_.reset(new Watcher{std::move(label), std::move(path), pieces});
+    watcher_ = std::make_unique<Watcher>(std::move(label), std::move(path), pieces);
     watcher_->thread = std::thread([this] { watcher_->Watch(); });
 }
 
