@@ -19,10 +19,8 @@ constexpr std::uint64_t kNone = 65535;
 Cell AddressesCell(const DiskGroup& group, std::string_view field, std::uint64_t count,
                    ObjectKind kind) {
     if (group.info.Find(field) == nullptr) return Unknown();
-    std::vector<std::uint64_t> ids = group.info.Numbers(field);
-    ids.resize(std::min<std::size_t>(ids.size(), count));
     std::vector<std::string> texts;
-    for (const std::uint64_t id : ids) {
+    for (const std::uint64_t id : group.info.Numbers(field, count)) {
         if (id == kNone) continue;
         texts.push_back(
             Address{.adapter = group.address.adapter, .kind = kind, .id = static_cast<unsigned>(id)}

@@ -563,9 +563,7 @@ void LoadDisksOf(Controller& controller, unsigned adapter, std::vector<Disk>& di
     for (const Value& group : controller.List(adapter, "HX_DG_GetInfo", "DG_Info")) {
         for (const auto& [count, ids] :
              {std::pair("PDCount", "PDIDs"), std::pair("SparePDCount", "SparePDIDs")}) {
-            std::vector<std::uint64_t> members = group.Numbers(ids);
-            members.resize(std::min<std::size_t>(members.size(), group.Number(count)));
-            for (const std::uint64_t member : members) {
+            for (const std::uint64_t member : group.Numbers(ids, group.Number(count))) {
                 groups.emplace(member, static_cast<unsigned>(group.Number("DGID")));
             }
         }

@@ -171,7 +171,7 @@ Exit ListEvents(Invocation& invocation) {
         std::ranges::move(older, std::back_inserter(events));
         end = begin;
     }
-    if (last && events.size() > *last) events.resize(*last);
+    if (last && events.size() > *last) events.resize(static_cast<std::size_t>(*last));
     std::ranges::reverse(events);
     return Show(invocation, MakeReport(invocation, std::move(events)), "table");
 }

@@ -311,8 +311,9 @@ Exit CreateVirtualDisk(Invocation& invocation) {
         if (most.exit != Exit::kDone) return std::nullopt;
         return most.result.Number("CreateLDParam/Size");
     };
-    const std::vector<Disk> disks = count ? PickDisks(invocation, *count, size, room)
-                                          : NamedDisks(invocation, invocation.targets());
+    const std::vector<Disk> disks =
+        count ? PickDisks(invocation, static_cast<std::size_t>(*count), size, room)
+              : NamedDisks(invocation, invocation.targets());
     // --disks 0, or disks that were unplugged between two looks.
     if (disks.empty()) throw UsageError("no disks: a virtual disk needs one at least");
     const unsigned adapter = disks.front().address.adapter;
@@ -643,9 +644,7 @@ std::vector<VirtualDisk> LoadVirtualDisks(Controller& controller) {
             disk.address = {.adapter = adapter,
                             .kind = ObjectKind::kVirtualDisk,
                             .id = static_cast<unsigned>(id)};
-            std::vector<std::uint64_t> blocks = info.Numbers("BlockIDs");
-            blocks.resize(std::min<std::size_t>(blocks.size(), info.Number("HDCount")));
-            for (const std::uint64_t block : blocks) {
+            for (const std::uint64_t block : info.Numbers("BlockIDs", info.Number("HDCount"))) {
                 const auto found = disk_of_block.find(block);
                 if (found != disk_of_block.end()) disk.disks.push_back(found->second);
             }

@@ -66,10 +66,8 @@ Cell VersionAt(const Value& value, std::string_view path) {
     return TextCell(std::move(text));
 }
 
-Cell NumbersAt(const Value& value, std::string_view path, std::size_t count) {
+Cell NumbersAt(const Value& value, std::string_view path, std::uint64_t count) {
     const Value* const at = Last(value, path);
     if (at == nullptr) return Unknown();
-    std::vector<std::uint64_t> numbers = at->Numbers("");
-    if (numbers.size() > count) numbers.resize(count);
-    return NumbersCell(std::move(numbers));
+    return NumbersCell(at->Numbers("", count));
 }

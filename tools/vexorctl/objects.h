@@ -101,4 +101,4 @@ Cell WwnAt(const Value& value, std::string_view path);
 /// "4.1.0.1350"
 Cell VersionAt(const Value& value, std::string_view path);
 /// The first `count` numbers of an array.
-Cell NumbersAt(const Value& value, std::string_view path, std::size_t count);
+Cell NumbersAt(const Value& value, std::string_view path, std::uint64_t count);

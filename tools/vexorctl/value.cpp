@@ -115,6 +115,12 @@ std::vector<std::uint64_t> Value::Numbers(std::string_view path) const {
     return numbers;
 }
 
+std::vector<std::uint64_t> Value::Numbers(std::string_view path, std::uint64_t count) const {
+    std::vector<std::uint64_t> numbers = Numbers(path);
+    if (count < numbers.size()) numbers.resize(static_cast<std::size_t>(count));
+    return numbers;
+}
+
 ParsedResult ParseResult(std::string_view result) {
     const Parser parser(XML_ParserCreate(nullptr), &XML_ParserFree);
     if (!parser) throw std::bad_alloc();

@@ -19,6 +19,8 @@ struct Value {
     std::uint64_t Number(std::string_view path) const;
     std::string Text(std::string_view path) const;
     std::vector<std::uint64_t> Numbers(std::string_view path) const;
+    /// The same, the first `count` of them at most.
+    std::vector<std::uint64_t> Numbers(std::string_view path, std::uint64_t count) const;
 
 private:
     const Value* At(std::string_view path) const;
