@@ -79,6 +79,19 @@ void CheckArity(const CommandRow& row, std::size_t count) {
     if (count > most) throw UsageError("too many arguments: " + UsageLine(row));
 }
 
+std::vector<std::string> ValuesOf(const OptionRow& row, const std::vector<std::string>& typed) {
+    std::vector<std::string> values;
+    for (std::string value : typed) {
+        value = value == kAlone ? std::string() : Unmarked(std::move(value));
+        if (!row.choices.empty() && !Contains(row.choices, value)) {
+            throw UsageError(std::string(row.name) + " cannot be \"" + value +
+                             "\"; say one of: " + std::string(row.choices));
+        }
+        values.push_back(std::move(value));
+    }
+    return values;
+}
+
 Invocation Parse(const CommandRow& row, const std::vector<std::string>& typed) {
     CLI::App app;
     app.set_help_flag();
@@ -118,15 +131,7 @@ Invocation Parse(const CommandRow& row, const std::vector<std::string>& typed) {
     for (std::size_t i = 0; i < rows.size(); ++i) {
         if (options[i]->count() == 0) continue;
         std::vector<std::string>& list = values[std::string(rows[i].name)];
-        if (rows[i].value.empty()) continue;
-        for (std::string value : options[i]->results()) {
-            value = value == kAlone ? std::string() : Unmarked(std::move(value));
-            if (!rows[i].choices.empty() && !Contains(rows[i].choices, value)) {
-                throw UsageError(std::string(rows[i].name) + " cannot be \"" + value +
-                                 "\"; say one of: " + std::string(rows[i].choices));
-            }
-            list.push_back(std::move(value));
-        }
+        if (!rows[i].value.empty()) list = ValuesOf(rows[i], options[i]->results());
     }
     std::vector<std::string> given;
     for (const std::string& word : targets->results()) given.push_back(Unmarked(word));

@@ -259,57 +259,90 @@ void CatchUp(Controller& controller, const Extent& extent, Cursor& cursor) {
     }
 }
 
+// One run of follow: what it shows, and how far it has come.
+class Follower {
+public:
+    Follower(Invocation& invocation, const Style& style)
+        : invocation_(invocation),
+          style_(style),
+          filter_(FilterOf(invocation)),
+          most_(invocation.Number("--count", UINT32_MAX)),
+          path_(invocation.Get("--cursor")),
+          extent_(AskExtent(invocation.controller())),
+          cursor_{invocation.Has("--from-start") ? extent_.first : extent_.next, ""} {
+        if (path_ == nullptr) return;
+        if (const auto kept = ReadCursor(*path_)) cursor_ = *kept;
+    }
+
+    /// Shows all that there is now.
+    void ShowNew() {
+        CatchUp(invocation_.controller(), extent_, cursor_);
+        while (cursor_.next < extent_.next && !IsEnough() && !Interrupted() && ShowPage()) {
+        }
+        // Whoever starts with nothing to show starts there the next time.
+        if (first_) KeepCursor();
+    }
+
+    void LookAgain() { extent_ = AskExtent(invocation_.controller()); }
+
+    bool IsEnough() const { return most_ && shown_ >= *most_; }
+
+private:
+    // False when there was nothing to be read after all.
+    bool ShowPage() {
+        std::vector<StoredEvent> events =
+            ReadEvents(invocation_.controller(), cursor_.next,
+                       std::min(at_once_, extent_.next - cursor_.next), at_once_);
+        if (events.empty()) return false;
+        std::vector<StoredEvent> passing;
+        for (StoredEvent& event : events) {
+            if (IsEnough()) break;
+            // Overwritten since the extent was asked for.
+            if (event.sequence > cursor_.next) SayLost(event.sequence - cursor_.next);
+            cursor_ = {event.sequence + 1, event.Fingerprint()};
+            if (!filter_.Passes(event)) continue;
+            passing.push_back(std::move(event));
+            ++shown_;
+        }
+        Report report = MakeReport(invocation_, std::move(passing));
+        Arrange(invocation_, style_, report);
+        PrintMore(report, style_, first_);
+        first_ = false;
+        // Kept after they were printed: an event may come twice after a crash, and is never lost.
+        KeepCursor();
+        return true;
+    }
+
+    void KeepCursor() const {
+        if (path_ != nullptr) WriteCursor(*path_, cursor_);
+    }
+
+    Invocation& invocation_;
+    const Style& style_;
+    Filter filter_;
+    std::optional<std::uint64_t> most_;
+    const std::string* path_;
+    Extent extent_;
+    Cursor cursor_;
+    std::uint64_t shown_ = 0;
+    std::uint64_t at_once_ = kEventsPerPage;
+    bool first_ = true;  // nothing was printed yet, not even a heading
+};
+
 Exit FollowEvents(Invocation& invocation) {
-    const Filter filter = FilterOf(invocation);
     const Style style = StyleOf(invocation, "table");
     if (!CanContinue(style)) {
         throw UsageError("events that go on coming cannot be one " + std::string(style.format) +
                          " document; say -o jsonl");
     }
     const std::uint64_t interval = invocation.Number("--interval", 86400).value_or(1);
-    const auto most = invocation.Number("--count", UINT32_MAX);
-    const std::string* const path = invocation.Get("--cursor");
-    Controller& controller = invocation.controller();
     WatchForInterrupts();
-
-    Extent extent = AskExtent(controller);
-    Cursor cursor{invocation.Has("--from-start") ? extent.first : extent.next, ""};
-    if (path != nullptr) {
-        if (const auto kept = ReadCursor(*path)) cursor = *kept;
-    }
-    std::uint64_t shown = 0;
-    std::uint64_t at_once = kEventsPerPage;
-    bool first = true;
-    for (;;) {
-        CatchUp(controller, extent, cursor);
-        while (cursor.next < extent.next && !(most && shown >= *most) && !Interrupted()) {
-            std::vector<StoredEvent> events = ReadEvents(
-                controller, cursor.next, std::min(at_once, extent.next - cursor.next), at_once);
-            if (events.empty()) break;
-            std::vector<StoredEvent> passing;
-            for (StoredEvent& event : events) {
-                if (most && shown >= *most) break;
-                // Overwritten since the extent was asked for.
-                if (event.sequence > cursor.next) SayLost(event.sequence - cursor.next);
-                cursor = {event.sequence + 1, event.Fingerprint()};
-                if (!filter.Passes(event)) continue;
-                passing.push_back(std::move(event));
-                ++shown;
-            }
-            Report report = MakeReport(invocation, std::move(passing));
-            Arrange(invocation, style, report);
-            PrintMore(report, style, first);
-            first = false;
-            // Kept after they were printed: an event may come twice after a crash, and is never
-            // lost.
-            if (path != nullptr) WriteCursor(*path, cursor);
-        }
-        if (path != nullptr && shown == 0 && first) WriteCursor(*path, cursor);
+    for (Follower follower(invocation, style);; follower.LookAgain()) {
+        follower.ShowNew();
         if (Interrupted()) return Exit::kInterrupted;
-        if (invocation.Has("--once") || (most && shown >= *most)) return controller.exit();
+        if (invocation.Has("--once") || follower.IsEnough()) return invocation.controller().exit();
         SleepMilliseconds(static_cast<unsigned>(interval * 1000));
         if (Interrupted()) return Exit::kInterrupted;
-        extent = AskExtent(controller);
     }
 }
 

@@ -133,6 +133,17 @@ std::string_view ColourOf(std::string_view text) {
     return {};
 }
 
+// A row's cells as tables show them; an empty one as a dash.
+std::vector<std::string> LineOf(const Report& report, const std::vector<Cell>& row,
+                                const Style& style) {
+    std::vector<std::string> line;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        line.push_back(Printable(CellText(report.columns[i], row[i], style)));
+        if (line.back().empty()) line.back() = "-";
+    }
+    return line;
+}
+
 void PrintTable(const Report& report, const Style& style, bool header, std::string& out) {
     const std::size_t count = report.columns.size();
     std::vector<std::vector<std::string>> texts;
@@ -142,11 +153,9 @@ void PrintTable(const Report& report, const Style& style, bool header, std::stri
     }
     texts.reserve(report.rows.size());
     for (const std::vector<Cell>& row : report.rows) {
-        std::vector<std::string>& line = texts.emplace_back();
+        texts.push_back(LineOf(report, row, style));
         for (std::size_t i = 0; i < count; ++i) {
-            line.push_back(Printable(CellText(report.columns[i], row[i], style)));
-            if (line.back().empty()) line.back() = "-";
-            widths[i] = std::max(widths[i], WidthOf(line.back()));
+            widths[i] = std::max(widths[i], WidthOf(texts.back()[i]));
         }
     }
     const auto append = [&](std::size_t i, std::string_view text, std::string_view colour) {
@@ -299,6 +308,69 @@ void PrintDocument(const Report& report, const Style& style) {
     PrintText(out);
 }
 
+void SortRows(Report& report, const std::string& keys) {
+    std::vector<std::pair<std::size_t, bool>> order;
+    for (const std::string& key : Split(keys, ',')) {
+        const bool reversed = key.starts_with('-');
+        order.emplace_back(ColumnOf(report, std::string_view(key).substr(reversed ? 1 : 0)),
+                           reversed);
+    }
+    std::ranges::stable_sort(report.rows, [&](const auto& one, const auto& other) {
+        for (const auto& [i, reversed] : order) {
+            const ColumnInfo& column = report.columns[i];
+            if (CellLess(column, one[i], other[i])) return !reversed;
+            if (CellLess(column, other[i], one[i])) return reversed;
+        }
+        return false;
+    });
+}
+
+std::vector<std::size_t> NamedColumns(const Report& report, const std::string& keys) {
+    std::vector<std::size_t> chosen;
+    for (const std::string& key : Split(keys, ',')) chosen.push_back(ColumnOf(report, key));
+    if (chosen.empty()) throw UsageError("--columns names no column");
+    return chosen;
+}
+
+// Those that are shown without being named.
+std::vector<std::size_t> PlacedColumns(const Report& report, const Style& style, bool all) {
+    std::vector<std::size_t> chosen;
+    for (std::size_t i = 0; i < report.columns.size(); ++i) {
+        if (all || style.format != "table" || report.columns[i].place == Place::kTable) {
+            chosen.push_back(i);
+        }
+    }
+    return chosen;
+}
+
+// Marks the rows that the target names. False when there is none.
+bool KeepNamed(const Report& report, const Selector& selector, std::vector<bool>& keep) {
+    const bool by_address = selector.form == Selector::Form::kAddress;
+    const std::string_view key = by_address                               ? "address"
+                                 : selector.form == Selector::Form::kName ? "name"
+                                                                          : "serial";
+    const auto column = std::ranges::find(report.columns, key, &ColumnInfo::key);
+    if (column == report.columns.end()) return false;
+    const auto at = static_cast<std::size_t>(column - report.columns.begin());
+    bool found = false;
+    for (std::size_t i = 0; i < report.rows.size(); ++i) {
+        const std::string& text = report.rows[i][at].text;
+        const bool matches =
+            by_address ? IsOn(text, selector.address.Text()) : text == selector.text;
+        if (matches) keep[i] = found = true;
+    }
+    return found;
+}
+
+// An adapter without such objects is an empty list, and one that is not there has its fault
+// already.
+bool IsFaultWhenAbsent(Controller& controller, const Selector& selector) {
+    if (selector.form != Selector::Form::kAddress) return true;
+    const std::vector<unsigned>& adapters = controller.Adapters();
+    return selector.address.kind != ObjectKind::kAdapter &&
+           std::ranges::find(adapters, selector.address.adapter) != adapters.end();
+}
+
 }  // namespace
 
 std::string SizeText(std::uint64_t bytes, const Style& style) {
@@ -372,35 +444,11 @@ Style StyleOf(const Invocation& invocation, std::string_view otherwise) {
 }
 
 void Arrange(const Invocation& invocation, const Style& style, Report& report) {
-    if (const std::string* const keys = invocation.Get("--sort"); keys != nullptr) {
-        std::vector<std::pair<std::size_t, bool>> order;
-        for (const std::string& key : Split(*keys, ',')) {
-            const bool reversed = key.starts_with('-');
-            order.emplace_back(ColumnOf(report, std::string_view(key).substr(reversed ? 1 : 0)),
-                               reversed);
-        }
-        std::ranges::stable_sort(report.rows, [&](const auto& one, const auto& other) {
-            for (const auto& [i, reversed] : order) {
-                const ColumnInfo& column = report.columns[i];
-                if (CellLess(column, one[i], other[i])) return !reversed;
-                if (CellLess(column, other[i], one[i])) return reversed;
-            }
-            return false;
-        });
-    }
-    std::vector<std::size_t> chosen;
+    if (const std::string* const keys = invocation.Get("--sort")) SortRows(report, *keys);
     const std::string* const keys = invocation.Get("--columns");
-    const bool all = keys != nullptr && *keys == "all";
-    if (keys != nullptr && !all) {
-        for (const std::string& key : Split(*keys, ',')) chosen.push_back(ColumnOf(report, key));
-        if (chosen.empty()) throw UsageError("--columns names no column");
-    } else {
-        for (std::size_t i = 0; i < report.columns.size(); ++i) {
-            if (all || style.format != "table" || report.columns[i].place == Place::kTable) {
-                chosen.push_back(i);
-            }
-        }
-    }
+    const std::vector<std::size_t> chosen = keys != nullptr && *keys != "all"
+                                                ? NamedColumns(report, *keys)
+                                                : PlacedColumns(report, style, keys != nullptr);
     Report arranged{report.command, {}, {}, std::move(report.faults)};
     for (const std::size_t i : chosen) arranged.columns.push_back(report.columns[i]);
     for (const std::vector<Cell>& row : report.rows) {
@@ -469,48 +517,23 @@ Exit Present(Invocation& invocation, Report report, std::string_view format) {
 }
 
 Exit Show(Invocation& invocation, Report report, std::string_view format) {
+    if (invocation.targets().empty()) return Present(invocation, std::move(report), format);
     Controller& controller = invocation.controller();
-    if (!invocation.targets().empty()) {
-        std::vector<std::vector<Cell>> kept;
-        const auto column = [&](std::string_view key) {
-            const auto found = std::ranges::find(report.columns, key, &ColumnInfo::key);
-            return found == report.columns.end() ? nullptr : &*found;
-        };
-        std::vector<bool> keep(report.rows.size(), false);
-        for (const std::string& target : invocation.targets()) {
-            const Selector selector = ParseSelector(target);
-            const bool by_address = selector.form == Selector::Form::kAddress;
-            const ColumnInfo* const key =
-                column(by_address                               ? "address"
-                       : selector.form == Selector::Form::kName ? "name"
-                                                                : "serial");
-            bool found = false;
-            for (std::size_t i = 0; key != nullptr && i < report.rows.size(); ++i) {
-                const std::string& text =
-                    report.rows[i][static_cast<std::size_t>(key - report.columns.data())].text;
-                const bool matches =
-                    by_address ? IsOn(text, selector.address.Text()) : text == selector.text;
-                if (matches) keep[i] = found = true;
-            }
-            // An adapter without such objects is an empty list, and one that is not there has its
-            // fault already.
-            const bool is_adapter = by_address && selector.address.kind == ObjectKind::kAdapter;
-            const bool on_missing =
-                by_address && std::ranges::find(controller.Adapters(), selector.address.adapter) ==
-                                  controller.Adapters().end();
-            if (!found && !is_adapter && !on_missing) {
-                controller.Note(
-                    {.address = target,
-                     .name = "no_object",
-                     .message = "there is no such " + std::string(invocation.row().noun) +
-                                "; see vexorctl " + std::string(invocation.row().noun) + " list"},
-                    Exit::kNoObject);
-            }
-        }
-        for (std::size_t i = 0; i < report.rows.size(); ++i) {
-            if (keep[i]) kept.push_back(std::move(report.rows[i]));
-        }
-        report.rows = std::move(kept);
+    std::vector<bool> keep(report.rows.size(), false);
+    for (const std::string& target : invocation.targets()) {
+        const Selector selector = ParseSelector(target);
+        if (KeepNamed(report, selector, keep) || !IsFaultWhenAbsent(controller, selector)) continue;
+        const std::string noun(invocation.row().noun);
+        controller.Note(
+            {.address = target,
+             .name = "no_object",
+             .message = "there is no such " + noun + "; see vexorctl " + noun + " list"},
+            Exit::kNoObject);
     }
+    std::vector<std::vector<Cell>> kept;
+    for (std::size_t i = 0; i < report.rows.size(); ++i) {
+        if (keep[i]) kept.push_back(std::move(report.rows[i]));
+    }
+    report.rows = std::move(kept);
     return Present(invocation, std::move(report), format);
 }
