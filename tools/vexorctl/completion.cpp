@@ -154,37 +154,40 @@ void AddOfCommand(std::vector<std::string>& candidates, Controller& controller,
     AddTargets(candidates, controller, command.target);
 }
 
-// What may follow the words, the last of which is being typed. Whatever goes wrong, nothing is
-// said: it would stand in the middle of somebody's line.
+// What may follow the words; those that led to the command are taken away.
+std::vector<std::string> CandidatesFor(Controller& controller, std::vector<std::string>& words) {
+    std::vector<std::string> candidates;
+    if (words.size() == 1) {
+        for (const NounRow& noun : Nouns()) candidates.emplace_back(noun.name);
+        Add(candidates, "--help --version");
+        return candidates;
+    }
+    const auto noun = std::ranges::find(Nouns(), words.front(), &NounRow::name);
+    if (noun == Nouns().end()) return candidates;
+    words.erase(words.begin());
+    const CommandRow* command = &noun->commands.front();
+    if (!command->verb.empty()) {
+        if (words.size() == 1) {
+            for (const CommandRow& row : noun->commands) candidates.emplace_back(row.verb);
+            return candidates;
+        }
+        const auto found = std::ranges::find(noun->commands, words.front(), &CommandRow::verb);
+        if (found == noun->commands.end()) return candidates;
+        command = &*found;
+        words.erase(words.begin());
+    }
+    AddOfCommand(candidates, controller, *command, words);
+    return candidates;
+}
+
+// The last of the words is being typed. Whatever goes wrong, nothing is said: it would stand in the
+// middle of somebody's line.
 Exit PrintCandidates(Invocation& invocation) {
     std::vector<std::string> words = invocation.targets();
     if (words.empty()) words.emplace_back();
     std::vector<std::string> candidates;
     try {
-        if (words.size() == 1) {
-            for (const NounRow& noun : Nouns()) candidates.emplace_back(noun.name);
-            Add(candidates, "--help --version");
-        } else {
-            const auto noun = std::ranges::find(Nouns(), words.front(), &NounRow::name);
-            if (noun == Nouns().end()) return Exit::kDone;
-            words.erase(words.begin());
-            const CommandRow* command = &noun->commands.front();
-            if (!command->verb.empty()) {
-                if (words.size() == 1) {
-                    for (const CommandRow& row : noun->commands) candidates.emplace_back(row.verb);
-                    command = nullptr;
-                } else {
-                    const auto found =
-                        std::ranges::find(noun->commands, words.front(), &CommandRow::verb);
-                    if (found == noun->commands.end()) return Exit::kDone;
-                    command = &*found;
-                    words.erase(words.begin());
-                }
-            }
-            if (command != nullptr) {
-                AddOfCommand(candidates, invocation.controller(), *command, words);
-            }
-        }
+        candidates = CandidatesFor(invocation.controller(), words);
     } catch (const std::exception&) {
         return Exit::kDone;
     }

@@ -236,7 +236,7 @@ Exit SetAdapter(Invocation& invocation) {
                                       : SwitchOption(invocation, setting.option.name, 0);
         for (auto& [name, old] : fields) {
             if (name != setting.element) continue;
-            changes.push_back(std::string(name) + ": " + old + " -> " + value);
+            changes.emplace_back(name).append(": ").append(old).append(" -> ").append(value);
             old = value;
         }
     }

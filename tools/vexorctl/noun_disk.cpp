@@ -345,8 +345,8 @@ Exit WipeDisk(Invocation& invocation) {
     change.commands.front().fields.emplace_back("Force", invocation.Has("--force") ? "1" : "0");
     const std::string owner = OwnerCell(disk).text;
     if (!owner.empty()) change.losses.push_back("its part of " + owner + " will be lost");
-    if (disk.boot_record.value_or(false)) change.losses.push_back("it holds a boot record");
-    change.losses.push_back("what the disk knows of virtual disks and spares will be lost");
+    if (disk.boot_record.value_or(false)) change.losses.emplace_back("it holds a boot record");
+    change.losses.emplace_back("what the disk knows of virtual disks and spares will be lost");
     change.confirm = disk.address.Text();
     return CarryOut(invocation, change);
 }
