@@ -523,12 +523,11 @@ Exit Show(Invocation& invocation, Report report, std::string_view format) {
     for (const std::string& target : invocation.targets()) {
         const Selector selector = ParseSelector(target);
         if (KeepNamed(report, selector, keep) || !IsFaultWhenAbsent(controller, selector)) continue;
-        const std::string noun(invocation.row().noun);
-        controller.Note(
-            {.address = target,
-             .name = "no_object",
-             .message = "there is no such " + noun + "; see vexorctl " + noun + " list"},
-            Exit::kNoObject);
+        std::string message = "there is no such ";
+        message.append(invocation.row().noun).append("; see vexorctl ");
+        message.append(invocation.row().noun).append(" list");
+        controller.Note({.address = target, .name = "no_object", .message = std::move(message)},
+                        Exit::kNoObject);
     }
     std::vector<std::vector<Cell>> kept;
     for (std::size_t i = 0; i < report.rows.size(); ++i) {
