@@ -260,8 +260,9 @@ std::string ExampleCommand(const FunctionText& function) {
             continue;
         }
         if (child.name == "lpszDomain") continue;
-        command += "  <" + child.name + ">" + ExampleValue(function.name, child.name) + "</" +
-                   child.name + ">\n";
+        command.append("  <").append(child.name).append(">");
+        command.append(ExampleValue(function.name, child.name));
+        command.append("</").append(child.name).append(">\n");
     }
     return command + "</" + function.name + ">\n";
 }
