@@ -211,7 +211,9 @@ const std::map<std::string, std::string> kExampleValues = {
 };
 
 std::string ExampleValue(const std::string& function, const std::string& child) {
-    for (const std::string& name : {function + "." + child, child}) {
+    std::string full = function;
+    full.append(".").append(child);
+    for (const std::string& name : {full, child}) {
         const auto value = kExampleValues.find(name);
         if (value != kExampleValues.end()) return value->second;
     }
