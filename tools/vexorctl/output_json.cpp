@@ -63,7 +63,7 @@ std::string Dump(const Json& json, int indent) {
 Json Typed(const char* type) { return {{"type", type}}; }
 
 Json KindSchema(Kind kind) {
-    const Json count = {{"type", "integer"}, {"minimum", 0}};
+    Json count = {{"type", "integer"}, {"minimum", 0}};
     switch (kind) {
         case Kind::kText:
             return Typed("string");

@@ -100,8 +100,9 @@ bool WritePages(const std::string& folder) {
         for (const CommandRow& command : noun.commands) body += Roff(UsageLine(command)) + "\n";
         body += ".fi\n";
         for (const CommandRow& command : noun.commands) body += CommandSection(command);
-        written =
-            WriteFile(folder + "/" + title + ".1", Page(title, noun.summary, body)) && written;
+        std::string path = folder;
+        path.append("/").append(title).append(".1");
+        written = WriteFile(path, Page(title, noun.summary, body)) && written;
         nouns += ".BR " + Roff(title) + " (1)\n";
     }
     return WriteFile(folder + "/vexorctl.1", Page("vexorctl", "manages RAID controllers", nouns)) &&
