@@ -38,10 +38,10 @@ PY
 
 echo "| command | median | at most | |"
 echo "|---|---|---|---|"
-median '`adapter list`, default machine' 30 default adapter list
-median '`disk list a0`, 128 disks of the machine `rack`' 60 rack disk list a0
+median "\`adapter list\`, default machine" 30 default adapter list
+median "\`disk list a0\`, 128 disks of the machine \`rack\`" 60 rack disk list a0
 median 'completion of a virtual disk, default machine' 200 default \
     completion candidates -- vd show name:A
-median 'completion of a disk, 512 disks of the machine `rack`' 200 rack \
+median "completion of a disk, 512 disks of the machine \`rack\`" 200 rack \
     completion candidates -- disk show a0/pd1
 exit $missed

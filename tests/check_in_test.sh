@@ -15,8 +15,9 @@ fail() {
 mkdir -p "$VEXORAPI_ROOT/opt/kestrel/raid/db"
 first=$("$check_in" 2)
 stored=${first%% *}
-[ "$stored" -gt 0 ] && [ "$first" = "$stored events stored, $stored in the store" ] ||
+if ! [ "$stored" -gt 0 ] || [ "$first" != "$stored events stored, $stored in the store" ]; then
     fail "the first check-in says: $first"
+fi
 # The adapter-found events come again with every start; all others are known by their number.
 second=$("$check_in" 2)
 [ "$second" = "2 events stored, $((stored + 2)) in the store" ] || fail "the second says: $second"
