@@ -13,12 +13,16 @@ int main(int argc, char** argv) {
         fprintf(stderr, "usage: check_in [ADAPTERS]   (1 to 4)\n");
         return 2;
     }
-    uint32_t first = 0, before = 0, after = 0;
+    /* A full store gives up an old event for each new one, so its number of events tells nothing
+     * of what was stored; the sequence number of the next event does. Both wrap alike. */
+    uint32_t oldest = 0, count = 0;
     vexorApiInit();
-    VX_EvGetInfo(&first, &before);
+    VX_EvGetInfo(&oldest, &count);
+    const uint32_t next_before = oldest + count;
     VX_EvFile_CheckIn((uint8_t)adapters);
-    VX_EvGetInfo(&first, &after);
+    VX_EvGetInfo(&oldest, &count);
+    const uint32_t stored = oldest + count - next_before;
     vexorApiShutdown();
-    printf("%u events stored, %u in the store\n", (unsigned)(after - before), (unsigned)after);
+    printf("%u events stored, %u in the store\n", (unsigned)stored, (unsigned)count);
     return 0;
 }

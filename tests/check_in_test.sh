@@ -21,6 +21,16 @@ fi
 # The adapter-found events come again with every start; all others are known by their number.
 second=$("$check_in" 2)
 [ "$second" = "2 events stored, $((stored + 2)) in the store" ] || fail "the second says: $second"
+# A store that is full keeps its number of events: what was stored is told by the sequence numbers.
+rm -r "$VEXORAPI_ROOT"/*
+mkdir -p "$VEXORAPI_ROOT/opt/kestrel/raid/db"
+cat >"$VEXORAPI_ROOT/vexorapi.ini" <<'EOF'
+<config><EventLogConfig type="config" MaxNumOfEvent="3"/></config>
+EOF
+first=$("$check_in" 2)
+[ "$first" = "$stored events stored, 3 in the store" ] || fail "a small store's first says: $first"
+second=$("$check_in" 2)
+[ "$second" = "2 events stored, 3 in the store" ] || fail "a full store's check-in says: $second"
 code=0
 "$check_in" 5 2>/dev/null || code=$?
 [ "$code" = 2 ] || fail "5 adapters end with code $code"
