@@ -1,9 +1,8 @@
 // Requests without memory. Every allocation of a request is made to fail, alone and with all that
 // follow; each time the request ends in one of its documented ways and keeps no memory.
 //
-// The program is linked with --wrap for the allocation functions, so that what the library and
-// expat ask for passes through here.
-#include <expat.h>
+// The program is linked with --wrap for the allocation functions, so that what the library asks for
+// passes through here, and what expat asks for as well: the library tells it whom to ask.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -24,7 +23,6 @@ void* __real_realloc(void* block, std::size_t size);
 void __real_free(void* block);
 int __real_vasprintf(char** text, const char* format, std::va_list args);
 int __real___vasprintf_chk(char** text, int flag, const char* format, std::va_list args);
-XML_Parser __real_XML_ParserCreate(const XML_Char* encoding);
 }
 
 namespace {
@@ -111,11 +109,6 @@ int __wrap___vasprintf_chk(char** text, int flag, const char* format, std::va_li
     const int length = __real___vasprintf_chk(text, flag, format, args);
     memory.Taken(length < 0 ? nullptr : *text);
     return length;
-}
-// expat is a library of its own, whose calls no linker option reaches: it is told whom to ask.
-XML_Parser __wrap_XML_ParserCreate(const XML_Char* encoding) {
-    const XML_Memory_Handling_Suite suite{__wrap_malloc, __wrap_realloc, __wrap_free};
-    return XML_ParserCreate_MM(encoding, &suite, nullptr);
 }
 }
 

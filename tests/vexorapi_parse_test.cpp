@@ -60,7 +60,7 @@ protected:
         ResetElement(elmt);
     }
     ~Parse() override {
-        std::free(elmt.Ext);
+        FreeRecord(elmt);
         calls = nullptr;
     }
 
@@ -267,6 +267,27 @@ TEST_F(Parse, FindsTheTypeBehindOtherAttributes) {
     EXPECT_EQ(1, Run("<HX_Adapter_GetInfo a=\"1\" b=\"2\" type=\"function\"/>"));
     EXPECT_NE(nullptr, elmt.Ext);
 }
+
+// ---- what stays of a password ------------------------------------------------------------------
+
+class ParsedPassword : public Parse, public testing::WithParamInterface<const char*> {};
+
+TEST_P(ParsedPassword, IsWipedFromTheContextWithTheRecord) {
+    Run(GetParam());
+    EXPECT_STREQ("wonder", elmt.CharDataBuf);
+    FreeRecord(elmt);
+    EXPECT_EQ(nullptr, elmt.Ext);
+    const std::string_view context(reinterpret_cast<const char*>(&elmt), sizeof elmt);
+    EXPECT_EQ(std::string_view::npos, context.find("onder"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    LogonCommands, ParsedPassword,
+    testing::Values("<HX_LogonUser type=\"function\"><lpszPassword>wonder</lpszPassword>"
+                    "</HX_LogonUser>",
+                    "<HX_LogonUser type=\"function\"><lpszPassword>wonder</lpszPassword></wrong>",
+                    "<HX_LogonUser type=\"function\"><lpszPassword>wonder</wrong>",
+                    "<HX_LogonUser type=\"function\"><lpszPassword>wonder"));
 
 struct Unselected {
     const char* name;

@@ -9,9 +9,11 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "failing_allocations.h"
 #include "temporary_root.h"
+#include "vexorapi.h"
 #include "xml_rapi_local.h"
 
 // What crypt_r answers instead of a hash, while `override_crypt` says so. The linker sends the
@@ -321,6 +323,83 @@ TEST_F(Password, LeavesNoCopyBehind) {
     EXPECT_EQ(blocks, 3);  // the texts of two entries, crypt's memory
     EXPECT_EQ(found, "");
 }
+
+// ---- Whole logon commands ----
+
+struct LogonCommand {
+    const char* name;
+    std::string command;
+    int ok;
+    std::uint32_t room = VEXORAPI_MAX_RESULT;  // for the result
+};
+
+void PrintTo(const LogonCommand& command, std::ostream* out) { *out << command.name; }
+
+const LogonCommand kLogonCommands[] = {
+    {"Served",
+     "<HX_LogonUser type=\"function\"><lpszUsername>alice</lpszUsername>"
+     "<lpszPassword>wonder</lpszPassword></HX_LogonUser>",
+     1},
+    {"ServedButTheResultDoesNotFit",
+     "<HX_LogonUser type=\"function\"><lpszPassword>wonder</lpszPassword></HX_LogonUser>", 1, 10},
+    {"TooLongForItsField",
+     "<HX_LogonUser type=\"function\"><lpszPassword>" + std::string(1000, 'w') +
+         "wonder</lpszPassword></HX_LogonUser>",
+     1},
+    {"InAnotherEncoding",
+     "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><HX_LogonUser type=\"function\">"
+     "<lpszPassword>wonder</lpszPassword></HX_LogonUser>",
+     1},
+    {"FromAnEntity",
+     "<!DOCTYPE HX_LogonUser [<!ENTITY p \"wonder\">]><HX_LogonUser type=\"function\">"
+     "<lpszPassword>&p;</lpszPassword></HX_LogonUser>",
+     1},
+    {"MalformedBehindThePassword",
+     "<HX_LogonUser type=\"function\"><lpszUsername>alice</lpszUsername>"
+     "<lpszPassword>wonder</lpszPassword></HX_LogonUsr>",
+     0},
+    {"MalformedInThePassword", "<HX_LogonUser type=\"function\"><lpszPassword>wonder</wrong>", 0},
+    {"CutOffInThePassword", "<HX_LogonUser type=\"function\"><lpszPassword>wonder", 0},
+    {"MalformedBeforeItsFunctionIsKnown",
+     "<HX_LogonUser type=\"function><lpszPassword>wonder</lpszPassword></HX_LogonUser>", 0},
+};
+
+class LogonMemory : public User, public testing::WithParamInterface<LogonCommand> {};
+
+TEST_P(LogonMemory, IsGivenBackWithoutThePassword) {
+    int blocks = 0;
+    int with_password = 0;
+    const auto look = [&](const char* block, std::size_t size) {
+        ++blocks;
+        if (std::string_view(block, size).find("wonder") != std::string_view::npos) ++with_password;
+    };
+    const auto& [name, command, ok, room] = GetParam();
+    std::string result(room, '\0');
+    {
+        const FreedBlocks freed(look);
+        EXPECT_EQ(vexorApi(command.c_str(), result.data(), room), ok);
+    }
+    EXPECT_GT(blocks, 5);  // the document, and the parser's blocks
+    EXPECT_EQ(with_password, 0);
+}
+
+TEST_P(LogonMemory, IsGivenBackWithoutThePasswordWhereverMemoryEnds) {
+    int with_password = 0;
+    const auto look = [&](const char* block, std::size_t size) {
+        if (std::string_view(block, size).find("wonder") != std::string_view::npos) ++with_password;
+    };
+    const auto& [name, command, ok, room] = GetParam();
+    std::string result(room, '\0');
+    for (std::size_t granted = 0; granted < 40; ++granted) {
+        const FreedBlocks freed(look);
+        const FailingAllocations no_memory(granted);
+        vexorApi(command.c_str(), result.data(), room);
+    }
+    EXPECT_EQ(with_password, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, LogonMemory, testing::ValuesIn(kLogonCommands),
+                         [](const auto& test) { return std::string(test.param.name); });
 
 // What stands in the shadow database of a user who cannot log on.
 class LockedEntry : public User, public testing::WithParamInterface<const char*> {};

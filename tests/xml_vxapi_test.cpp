@@ -79,7 +79,7 @@ TEST(ManagementTable, DeclinesEveryOtherNameAndChangesNothing) {
         EXPECT_EQ(0, VX_FuncElementDispatcher(&elmt, name, nullptr)) << name;
         EXPECT_EQ(nullptr, elmt.StartHandler) << name;
         EXPECT_EQ(nullptr, elmt.EndHandler) << name;
-        EXPECT_EQ(0u, elmt.ExtSize.bytes) << name;
+        EXPECT_EQ(0u, elmt.ExtNeeds.bytes) << name;
     }
 }
 
@@ -87,7 +87,7 @@ TEST(ManagementTable, AsksForNoMoreRecordThanTheFunctionNeeds) {
     const auto size_of = [](const char* name) {
         XMLElement elmt{};
         VX_FuncElementDispatcher(&elmt, name, nullptr);
-        return elmt.ExtSize;
+        return elmt.ExtNeeds;
     };
     EXPECT_EQ(64u + 72, size_of("VX_Module_GetInfo").bytes);
     EXPECT_EQ(64u + 68, size_of("VX_HX_EVT_GetChangeCounters").bytes);

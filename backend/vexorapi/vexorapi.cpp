@@ -4,8 +4,8 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 
+#include "heap_block.h"
 #include "hxraid.h"
 #include "vexorapi_parse.h"
 #include "vexorapi_version.h"
@@ -17,17 +17,19 @@
 
 namespace {
 
-struct Free {
-    void operator()(void* block) const { std::free(block); }
-};
-template <class T>
-using HeapPtr = std::unique_ptr<T, Free>;
-
 // The result of the last HX_API_Initialize; 0 means success, also before the first.
 constinit HX_U8 HX_API_InitializeRet = 0;
 
 // The line that the message about a failed initialisation names; readers of logs search for it.
 constexpr int kInitializeLine = 526;
+
+// The parse context of one command, with the record that the parse makes.
+struct Command : XMLElement {
+    Command() { ResetElement(*this); }
+    ~Command() { FreeRecord(*this); }
+    Command(const Command&) = delete;
+    Command& operator=(const Command&) = delete;
+};
 
 // Hands the document to the caller. One that does not fit leaves the empty string, and the request
 // counts as served all the same: its function has run.
@@ -57,19 +59,18 @@ int vexorApi(const char* XMLCmd, char* XMLRet, std::uint32_t XMLRetLen) noexcept
     if (XMLCmd == nullptr || XMLRet == nullptr) return 0;
     const std::size_t length = std::strlen(XMLCmd);
     if (length == 0 || XMLRetLen == 0) return 0;
-    const HeapPtr<XMLWR_Doc> doc(static_cast<XMLWR_Doc*>(std::malloc(sizeof(XMLWR_Doc))));
+    const HeapBlock<XMLWR_Doc> doc(static_cast<XMLWR_Doc*>(std::malloc(sizeof(XMLWR_Doc))));
     if (!doc) return 0;
 
     VX_Cfg_XmlWrapper cfg{};
     VX_CfgLoad(&cfg, "XmlWrapperLogConfig");
     if (cfg.InLogEnable != 0) VX_DBG_PrintFile(cfg.Filename, "XMLCmd = %s\n", XMLCmd);
 
-    XMLElement elmt;
-    ResetElement(elmt);
+    Command command;
+    XMLElement& elmt = command;
     const int parsed = RunExpat(XMLCmd, length, &elmt, elmt.Guard,
                                 {RA_StartElement, RA_EndElement, RA_CharacterDataHandler,
                                  DeclarationWatch<XMLElement>::Doctype});
-    const HeapPtr<void> record(elmt.Ext);
     if (parsed == 0) return 0;
 
     XMLRet[0] = '\0';

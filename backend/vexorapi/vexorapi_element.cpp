@@ -1,9 +1,11 @@
 // The expat run that commands and the configuration file share, and the attribute helpers.
 #include "vexorapi_element.h"
 
+#include <malloc.h>
 #include <sys/random.h>
 
 #include <climits>
+#include <cstdlib>
 
 namespace {
 
@@ -17,6 +19,22 @@ void SaltHashes(XML_Parser parser) {
         hash_salt = 0;  // no entropy yet: expat finds its own salt, and the next run asks again
     }
     if (hash_salt != 0) XML_SetHashSalt(parser, hash_salt);
+}
+
+// Whether the blocks of the parser that is being freed are wiped.
+constinit bool wipe_freed_blocks = false;
+
+void FreeParserBlock(void* block) {
+    if (wipe_freed_blocks && block != nullptr) explicit_bzero(block, malloc_usable_size(block));
+    std::free(block);
+}
+
+constexpr XML_Memory_Handling_Suite kParserMemory{std::malloc, std::realloc, FreeParserBlock};
+
+void FreeParser(XML_Parser parser, bool wipe) {
+    wipe_freed_blocks = wipe;
+    XML_ParserFree(parser);
+    wipe_freed_blocks = false;
 }
 
 }  // namespace
@@ -43,9 +61,9 @@ void PrintXMLAtts(const char** atts) {
 int RunExpat(const char* text, std::size_t length, void* context, ParseGuard& guard,
              const ParseHandlers& handlers) {
     if (length > INT_MAX) return 0;
-    const XML_Parser parser = XML_ParserCreate(nullptr);
+    const XML_Parser parser = XML_ParserCreate_MM(nullptr, &kParserMemory, nullptr);
     if (parser == nullptr) return 0;
-    guard = {parser, 0};
+    guard = {parser, 0, false};
     SaltHashes(parser);
     XML_SetUserData(parser, context);
     XML_SetElementHandler(parser, handlers.start, handlers.end);
@@ -57,6 +75,6 @@ int RunExpat(const char* text, std::size_t length, void* context, ParseGuard& gu
         VX_DBG_TRACE("XML_Error:%s at line %d", XML_ErrorString(XML_GetErrorCode(parser)),
                      static_cast<int>(XML_GetCurrentLineNumber(parser)));
     }
-    XML_ParserFree(parser);
+    FreeParser(parser, guard.secret || ok == 0);
     return ok;
 }

@@ -22,13 +22,16 @@ inline constexpr std::uint32_t kMaxDeclarations = 256;
 struct ParseGuard {
     XML_Parser parser;           // the run's parser
     std::uint32_t declarations;  // seen so far
+    bool secret;                 // the text holds a password: no copy of it may stay in memory
 };
 
-/// How much of a function record is allocated, and how much of that is filled with zeros: no
-/// request pays for the largest function's record.
-struct RecordSize {
+/// What a function needs of its record: how much is allocated, and how much of that is filled with
+/// zeros, so that no request pays for the largest function's record; and whether it takes a
+/// password, which is wiped when the request ends.
+struct RecordNeeds {
     std::size_t bytes;
     std::size_t zeroed;
+    bool secret = false;
 };
 
 /// The parse context of one command, expat's user data. ResetElement prepares it.
@@ -44,7 +47,7 @@ struct XMLElement {
     HX_U16 CharDataIndex;                      // bytes kept in CharDataBuf
     char CharDataBuf[kTextSize];               // the text since the last start element
     void* Ext;                                 // the function record, or null
-    RecordSize ExtSize;                        // what the selected function wants of it
+    RecordNeeds ExtNeeds;                      // what the selected function needs of it
     HX_U16 DirNameLength;                      // strlen(DirName)
     ParseGuard Guard;
 };
@@ -70,7 +73,9 @@ struct ParseHandlers {
 /// Parses `length` bytes as a whole document with `context` as the handlers' user data.
 ///
 /// Returns 1, or 0 when the text is not well-formed, declares too much, is longer than expat takes
-/// or no parser can be made. An error that expat found is told in the debug log.
+/// or no parser can be made. An error that expat found is told in the debug log. The copies that
+/// expat made of a secret text are wiped, and so are those of a text that is not well-formed, which
+/// can be a secret one whose function was not reached.
 int RunExpat(const char* text, std::size_t length, void* context, ParseGuard& guard,
              const ParseHandlers& handlers);
 

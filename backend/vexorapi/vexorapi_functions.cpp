@@ -12,17 +12,17 @@ struct TableRow {
     const char* name;
     XML_StartElementHandler start;
     XML_EndElementHandler end;
-    RecordSize size;
+    RecordNeeds needs;
 };
 
 template <class... Entry>
 consteval std::array<TableRow, sizeof...(Entry)> MakeTable(const std::tuple<Entry...>&) {
-    constexpr auto size_of = []<class R>(R XML_RA_FuncData::*) {
+    constexpr auto needs_of = []<class R>(R XML_RA_FuncData::*) {
         constexpr std::size_t header = offsetof(XML_RA_FuncData, HX_API_Version);
-        return RecordSize{header + sizeof(R), header + kZeroedBytes<R>};
+        return RecordNeeds{header + sizeof(R), header + kZeroedBytes<R>, kTakesPassword<R>};
     };
     return {
-        TableRow{Entry::kRows.name, Entry::kStart, Entry::kEnd, size_of(Entry::kRows.record)}...};
+        TableRow{Entry::kRows.name, Entry::kStart, Entry::kEnd, needs_of(Entry::kRows.record)}...};
 }
 
 constexpr auto kTable = MakeTable(kFunctions);
@@ -86,6 +86,6 @@ int RA_FuncElementDispatcher(void* userData, const XML_Char* name, const XML_Cha
     auto* const elmt = static_cast<XMLElement*>(userData);
     elmt->StartHandler = kTable[found].start;
     elmt->EndHandler = kTable[found].end;
-    elmt->ExtSize = kTable[found].size;
+    elmt->ExtNeeds = kTable[found].needs;
     return 1;
 }

@@ -20,9 +20,11 @@ void ClearHandlers(XMLElement& elmt) {
 // Makes the record that the dispatcher has asked for. Both kinds of record begin with the
 // function's name, which the tables hold to less than 64 characters.
 void AllocateRecord(XMLElement& elmt, const XML_Char* name) {
-    elmt.Ext = std::malloc(elmt.ExtSize.bytes);
+    elmt.Guard.secret =
+        elmt.ExtNeeds.secret;  // also when there is no memory: texts come all the same
+    elmt.Ext = std::malloc(elmt.ExtNeeds.bytes);
     if (elmt.Ext == nullptr) return;
-    std::memset(elmt.Ext, 0, elmt.ExtSize.zeroed);
+    std::memset(elmt.Ext, 0, elmt.ExtNeeds.zeroed);
     std::memcpy(elmt.Ext, name, std::strlen(name));
 }
 
@@ -46,8 +48,17 @@ void ResetElement(XMLElement& elmt) {
     elmt.CharDataIndex = 0;
     elmt.CharDataBuf[0] = '\0';
     elmt.Ext = nullptr;
-    elmt.ExtSize = {};
+    elmt.ExtNeeds = {};
     elmt.Guard = {};
+}
+
+void FreeRecord(XMLElement& elmt) {
+    if (elmt.Guard.secret) {
+        if (elmt.Ext != nullptr) explicit_bzero(elmt.Ext, elmt.ExtNeeds.bytes);
+        explicit_bzero(elmt.CharDataBuf, sizeof elmt.CharDataBuf);
+    }
+    std::free(elmt.Ext);
+    elmt.Ext = nullptr;
 }
 
 void XMLCALL RA_StartElement(void* userData, const XML_Char* name, const XML_Char** atts) {

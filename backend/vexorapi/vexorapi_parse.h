@@ -10,3 +10,7 @@ void XMLCALL RA_CharacterDataHandler(void* userData, const XML_Char* s, int len)
 
 /// Prepares a context for one command: no handlers, no record, empty path and text.
 void ResetElement(XMLElement& elmt);
+
+/// Frees the record at the end of a command. The record of a function that takes a password is
+/// wiped first, and so is the text of the element that was parsed last.
+void FreeRecord(XMLElement& elmt);

@@ -287,7 +287,7 @@ struct PagesCall {
     }
 
     /// Runs when the result has been written.
-    static void Release(R& record, XMLElement&) { std::free(record.Result); }
+    static void Release(R& record) { std::free(record.Result); }
 };
 
 /// Calls one function of the controller library for a page; its request begins with the header.
@@ -417,6 +417,12 @@ inline constexpr std::size_t kZeroedBytes<VX_ENC_GetElementConfig> =
 template <class Item, std::size_t limit>
 inline constexpr std::size_t kZeroedBytes<PagedRequest<Item, limit>> =
     kPageHeaderEnd<PagedRequest<Item, limit>>;
+
+/// Whether a request record takes a password, so that it is wiped when the request ends.
+template <class R>
+inline constexpr bool kTakesPassword = false;
+template <>
+inline constexpr bool kTakesPassword<VX_LogonUser> = true;
 
 /// One vendor function, wholly described by its rows.
 template <class R, class ParamRows, class Call, class ResultRows, class List = NoList>

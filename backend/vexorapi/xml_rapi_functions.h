@@ -24,9 +24,7 @@ struct TableEntry {
         auto& record = RequestRecord<kFunction>(elmt);
         if (!kFunction.call(record)) return;
         result(elmt, doc);
-        if constexpr (requires { kFunction.call.Release(record, *elmt); }) {
-            kFunction.call.Release(record, *elmt);
-        }
+        if constexpr (requires { kFunction.call.Release(record); }) kFunction.call.Release(record);
     }
 };
 

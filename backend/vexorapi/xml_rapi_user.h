@@ -2,25 +2,7 @@
 // result writer.
 #pragma once
 
-#include <cstring>
-
 #include "xml_rapi_function.h"
-
-/// Checks the password and leaves no copy of it: neither in the record nor in the parse's text.
-struct LogonCall {
-    bool operator()(VX_LogonUser& record) const {
-        record.RetVal =
-            HX_LogonUser(reinterpret_cast<HX_U8*>(record.lpszUsername),
-                         reinterpret_cast<HX_U8*>(record.lpszDomain),
-                         reinterpret_cast<HX_U8*>(record.lpszPassword), record.dwLogonType,
-                         record.dwLogonProvider, record.phToken, &record.UG);
-        return true;
-    }
-    static void Release(VX_LogonUser& record, XMLElement& elmt) {
-        explicit_bzero(record.lpszPassword, sizeof record.lpszPassword);
-        explicit_bzero(elmt.CharDataBuf, sizeof elmt.CharDataBuf);
-    }
-};
 
 // HX_LogonUser
 inline constexpr Function kHX_LogonUser{
@@ -31,7 +13,14 @@ inline constexpr Function kHX_LogonUser{
         WholeTextParam("lpszDomain", &VX_LogonUser::lpszDomain),
         WholeTextParam("lpszPassword", &VX_LogonUser::lpszPassword),
     },
-    LogonCall{},
+    [](VX_LogonUser& record) {
+        record.RetVal =
+            HX_LogonUser(reinterpret_cast<HX_U8*>(record.lpszUsername),
+                         reinterpret_cast<HX_U8*>(record.lpszDomain),
+                         reinterpret_cast<HX_U8*>(record.lpszPassword), record.dwLogonType,
+                         record.dwLogonProvider, record.phToken, &record.UG);
+        return true;
+    },
     StatusOnly<VX_LogonUser>(),
     Values<XML_RA_UserGroup_Value>(&VX_LogonUser::UG),
 };

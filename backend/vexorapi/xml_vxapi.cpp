@@ -21,20 +21,20 @@ struct ManagementFunction {
     const char* name;
     XML_StartElementHandler start;
     XML_EndElementHandler end;
-    RecordSize record;
+    RecordNeeds record;
     Function function;
 };
 
 constexpr std::size_t kFuncNameSize = sizeof(XML_VX_FuncData::FuncName);
 
-constexpr RecordSize Whole(std::size_t record) {
+constexpr RecordNeeds Whole(std::size_t record) {
     return {kFuncNameSize + record, kFuncNameSize + record};
 }
 static_assert(offsetof(XML_VX_FuncData, VX_HX_EVT_GetEvents) == kFuncNameSize);
 
 // The events are written before they are read, so that they need not be cleared.
-constexpr RecordSize kGetEventsRecord{kFuncNameSize + sizeof(VX_HX_EVT_GetEvents),
-                                      kFuncNameSize + offsetof(VX_HX_EVT_GetEvents, ev)};
+constexpr RecordNeeds kGetEventsRecord{kFuncNameSize + sizeof(VX_HX_EVT_GetEvents),
+                                       kFuncNameSize + offsetof(VX_HX_EVT_GetEvents, ev)};
 
 constexpr ManagementFunction kFunctions[] = {
     {"VX_Module_GetInfo", XML_VX_Module_GetInfo_SEH, XML_VX_Module_GetInfo_EEH,
@@ -118,7 +118,7 @@ int VX_FuncElementDispatcher(void* userData, const char* name, const char**) {
     auto& elmt = *static_cast<XMLElement*>(userData);
     elmt.StartHandler = row->start;
     elmt.EndHandler = row->end;
-    elmt.ExtSize = row->record;
+    elmt.ExtNeeds = row->record;
     return 1;
 }
 
