@@ -22,7 +22,7 @@ fi
 second=$("$check_in" 2)
 [ "$second" = "2 events stored, $((stored + 2)) in the store" ] || fail "the second says: $second"
 # A store that is full keeps its number of events: what was stored is told by the sequence numbers.
-rm -r "$VEXORAPI_ROOT"/*
+rm -r "${VEXORAPI_ROOT:?}"/*
 mkdir -p "$VEXORAPI_ROOT/opt/kestrel/raid/db"
 cat >"$VEXORAPI_ROOT/vexorapi.ini" <<'EOF'
 <config><EventLogConfig type="config" MaxNumOfEvent="3"/></config>
