@@ -40,8 +40,8 @@ RELAX NG schema of every result.
 **All adapters**: `AdapterID` 255 asks every adapter in HX_Adapter_GetInfo, HX_Adapter_GetConfig,
 HX_ENC_GetElementInfo and HX_ENC_GetElementConfig.
 
-The examples are what the virtual controller answers. It refuses to change anything, with code 202
-("not supported").
+The examples are what the virtual controller answers, each on a new machine of the default topology.
+Where that machine gives a function nothing to do, the answer is the refusal's code.
 )";
 
 std::string KindOf(const Child& child) {
