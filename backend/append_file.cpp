@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -18,32 +19,27 @@ constexpr mode_t kLogMode = 0600;
 constexpr int kLogFlags = O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
 struct OpenedLog {
-    int descriptor;  // -1: unopenable
-    bool regular;    // a file, not a character device
+    Descriptor file;
+    bool regular = false;  // a file, not a character device
 };
 
 OpenedLog OpenLog(const char* path, int access_flags) {
-    const int descriptor = open(path, access_flags | kLogFlags, kLogMode);
-    if (descriptor < 0) return {-1, false};
+    Descriptor file(open(path, access_flags | kLogFlags, kLogMode));
     struct stat status;
-    if (fstat(descriptor, &status) == 0) {
-        if (S_ISREG(status.st_mode)) return {descriptor, true};
-        if (S_ISCHR(status.st_mode)) return {descriptor, false};
-    }
-    close(descriptor);
-    return {-1, false};
+    if (!file.IsOpen() || fstat(file.Get(), &status) != 0) return {};
+    if (S_ISREG(status.st_mode)) return {std::move(file), true};
+    if (S_ISCHR(status.st_mode)) return {std::move(file), false};
+    return {};
 }
 
 }  // namespace
 
-int OpenForAppend(const char* path) { return OpenLog(path, O_RDWR | O_APPEND).descriptor; }
+Descriptor OpenForAppend(const char* path) { return OpenLog(path, O_RDWR | O_APPEND).file; }
 
 void TruncateFile(const char* path) {
     const OpenedLog log = OpenLog(path, O_WRONLY);
-    if (log.descriptor < 0) return;
     // A file that cannot be emptied keeps its text, and messages are appended behind it.
-    [[maybe_unused]] const bool emptied = log.regular && ftruncate(log.descriptor, 0) == 0;
-    close(log.descriptor);
+    [[maybe_unused]] const bool emptied = log.regular && ftruncate(log.file.Get(), 0) == 0;
 }
 
 void AppendBytes(int descriptor, const char* bytes, std::size_t length) {

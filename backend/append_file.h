@@ -4,13 +4,14 @@
 #include <cstdarg>
 #include <cstddef>
 
+#include "descriptor.h"
 #include "heap_block.h"
 
-/// Opens `path` for appending (created with mode 0600), or returns -1.
+/// Opens `path` for appending (created with mode 0600); the result is closed when that fails.
 ///
 /// A directory, FIFO, socket or block device counts as unopenable, and opening never waits. The
-/// descriptor is close-on-exec and belongs to the caller.
-[[nodiscard]] int OpenForAppend(const char* path);
+/// descriptor is close-on-exec.
+[[nodiscard]] Descriptor OpenForAppend(const char* path);
 
 /// Creates `path` with mode 0600 or empties it, under the rules of OpenForAppend: whatever is not a
 /// log stays as it is. Failure is silent.

@@ -44,7 +44,7 @@ int InitLog(void) noexcept {
     CloseLog();  // a log that its caller left open is not lost
     char path[kRootPathSize];
     if (RootPath(path, kServiceLog) == nullptr) return 1;
-    file = OpenForAppend(path);
+    file = OpenForAppend(path).Release();
     return file < 0 ? 1 : 0;
 }
 

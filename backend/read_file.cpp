@@ -7,14 +7,13 @@
 
 #include <cerrno>
 
-int OpenForRead(const char* path) {
+Descriptor OpenForRead(const char* path) {
     // Without O_NONBLOCK the opening of a FIFO would wait for somebody to write into it.
-    const int descriptor = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (descriptor < 0) return -1;
+    Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!file.IsOpen()) return file;
     struct stat status;
-    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) return descriptor;
-    close(descriptor);
-    return -1;
+    if (fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) file.Close();
+    return file;
 }
 
 std::size_t ReadBytes(int descriptor, char* buf, std::size_t size) {

@@ -3,9 +3,11 @@
 
 #include <cstddef>
 
-/// Opens `path` for reading, or returns -1. Anything but a regular file counts as unopenable, and
-/// opening never waits. The descriptor is close-on-exec and belongs to the caller.
-[[nodiscard]] int OpenForRead(const char* path);
+#include "descriptor.h"
+
+/// Opens `path` for reading; the result is closed when that fails. Anything but a regular file
+/// counts as unopenable, and opening never waits. The descriptor is close-on-exec.
+[[nodiscard]] Descriptor OpenForRead(const char* path);
 
 /// Reads the next `size` bytes into `buf`. Returns how many there were: fewer at the end of the
 /// file or at an error, which counts as the end.

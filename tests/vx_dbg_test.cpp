@@ -614,7 +614,7 @@ TEST_P(UnopenableLog, DropsPrintsWithoutWaiting) {
     EXPECT_EQ(before, OpenDescriptors());
 }
 
-TEST_P(UnopenableLog, CannotBeOpened) { EXPECT_EQ(-1, OpenForAppend(log_.c_str())); }
+TEST_P(UnopenableLog, CannotBeOpened) { EXPECT_FALSE(OpenForAppend(log_.c_str()).IsOpen()); }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, UnopenableLog,
                          testing::Values(NoLog{"Folder", Kind::kFolder, false},
@@ -640,23 +640,21 @@ TEST_F(NamedFilePrint, PutsNothingIntoAFifoThatIsBeingRead) {
 using LogFile = DebugLogTest;
 
 TEST_F(LogFile, OpenedForAppendingIsClosedOnExec) {
-    const int descriptor = OpenForAppend(log_.c_str());
-    EXPECT_EQ(FD_CLOEXEC, fcntl(descriptor, F_GETFD));
-    close(descriptor);
+    const Descriptor log = OpenForAppend(log_.c_str());
+    EXPECT_EQ(FD_CLOEXEC, fcntl(log.Get(), F_GETFD));
 }
 
 TEST_F(LogFile, OpenedForAppendingKeepsItsText) {
     root_.Write("/debug.log", "old");
-    close(OpenForAppend(log_.c_str()));
+    EXPECT_TRUE(OpenForAppend(log_.c_str()).IsOpen());
     EXPECT_EQ("old", root_.Read("/debug.log"));
 }
 
 TEST_F(LogFile, EveryAppendGoesBehindWhatOthersWrote) {
-    const int descriptor = OpenForAppend(log_.c_str());
-    AppendBytes(descriptor, "a", 1);
+    const Descriptor log = OpenForAppend(log_.c_str());
+    AppendBytes(log.Get(), "a", 1);
     root_.Write("/debug.log", "other");
-    AppendBytes(descriptor, "b", 1);
-    close(descriptor);
+    AppendBytes(log.Get(), "b", 1);
     EXPECT_EQ("otherb", root_.Read("/debug.log"));
 }
 

@@ -59,7 +59,7 @@ int vexorApi(const char* XMLCmd, char* XMLRet, std::uint32_t XMLRetLen) noexcept
     if (XMLCmd == nullptr || XMLRet == nullptr) return 0;
     const std::size_t length = std::strlen(XMLCmd);
     if (length == 0 || XMLRetLen == 0) return 0;
-    const HeapBlock<XMLWR_Doc> doc(static_cast<XMLWR_Doc*>(std::malloc(sizeof(XMLWR_Doc))));
+    const auto doc = MakeBlock<XMLWR_Doc>();
     if (!doc) return 0;
 
     VX_Cfg_XmlWrapper cfg{};

@@ -1,8 +1,6 @@
 // The version registry: four numbers per module, built in, the event service's read from its file.
 #include "vexorapi_version.h"
 
-#include <unistd.h>
-
 #include <climits>
 #include <cstddef>
 #include <cstdlib>
@@ -142,11 +140,10 @@ void VX_VER_INIT() {
 
 void getEventSvcVersion() {
     const char* const path = RootPath(m_VerFile, kVersionFile);
-    const int descriptor = path == nullptr ? -1 : OpenForRead(path);
-    if (descriptor < 0) {
+    const Descriptor file = path == nullptr ? Descriptor() : OpenForRead(path);
+    if (file.IsOpen()) {
+        ReadVersion(file.Get());
+    } else {
         StoreBuiltIn(kEventSvcBuiltIn);
-        return;
     }
-    ReadVersion(descriptor);
-    close(descriptor);
 }

@@ -122,7 +122,7 @@ void ParseSection(const char* text, std::size_t length, void* pCfg, const char* 
 
 int VX_CfgLoad(void* pCfg, const char* cfgname) {
     if (ConfigFileIsAbsent()) return 0;
-    const HeapBlock<char> text(static_cast<char*>(std::malloc(kWorkBufferSize)));
+    const auto text = MakeBlock<char>(kWorkBufferSize);
     if (text == nullptr) return 0;
     // 16 bits, on purpose: the length of a file that fills the buffer wraps to 0, which is
     // "absent".
@@ -135,11 +135,8 @@ int VX_CfgLoad(void* pCfg, const char* cfgname) {
 std::size_t VX_CfgLoadFile(char* buf, std::size_t buflen) {
     char path[kRootPathSize];
     if (RootPath(path, kConfigFile) == nullptr) return 0;
-    const int descriptor = OpenForRead(path);
-    if (descriptor < 0) return 0;
-    const std::size_t length = ReadBytes(descriptor, buf, buflen);
-    close(descriptor);
-    return length;
+    const Descriptor file = OpenForRead(path);
+    return file.IsOpen() ? ReadBytes(file.Get(), buf, buflen) : 0;
 }
 
 void XMLCALL CFG_StartElement(void* userData, const XML_Char* name, const XML_Char** atts) {

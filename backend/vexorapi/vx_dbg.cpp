@@ -31,8 +31,8 @@ void SetLogName(const char* filename) {
     std::memmove(DBG_Ext.FileName, filename, std::strlen(filename) + 1);
 }
 
-int OpenMessageFile(const char* filename) {
-    return IsStderr(filename) ? -1 : OpenForAppend(filename);
+Descriptor OpenMessageFile(const char* filename) {
+    return IsStderr(filename) ? Descriptor() : OpenForAppend(filename);
 }
 
 // Formats the message, appends it unless `descriptor` is -1, and returns the number of characters
@@ -66,7 +66,7 @@ int VX_DBG_Init(const char* filename) noexcept {
 
 int VX_DBG_Printf(const char* fmt, ...) noexcept {
     if (!VX_DBG_On()) return 0;
-    DBG_Ext.FOut = OpenMessageFile(DBG_Ext.FileName);
+    DBG_Ext.FOut = OpenMessageFile(DBG_Ext.FileName).Release();
     std::va_list args;
     va_start(args, fmt);
     const int length = WriteMessage(DBG_Ext.FOut, fmt, args);
@@ -76,12 +76,11 @@ int VX_DBG_Printf(const char* fmt, ...) noexcept {
 }
 
 int VX_DBG_PrintFile(const char* filename, const char* fmt, ...) noexcept {
-    const int descriptor = filename == nullptr ? -1 : OpenMessageFile(filename);
+    const Descriptor file = filename == nullptr ? Descriptor() : OpenMessageFile(filename);
     std::va_list args;
     va_start(args, fmt);
-    const int length = WriteMessage(descriptor, fmt, args);
+    const int length = WriteMessage(file.Get(), fmt, args);
     va_end(args);
-    if (descriptor >= 0) close(descriptor);
     return length;
 }
 

@@ -8,7 +8,9 @@
 #include <bit>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
+#include "descriptor.h"
 #include "vxevent.h"
 
 static_assert(std::endian::native == std::endian::little, "the files are little-endian");
@@ -55,17 +57,14 @@ constexpr mode_t kFileMode = 0666;  // less the umask: service and front end are
 
 // O_NONBLOCK and O_NOCTTY: opening never waits, whatever a configured name turns out to be. Where
 // pread and pwrite do not work (a FIFO, a terminal) nothing is read, and no magic found.
-int Open(const char* path, int flags) {
-    return open(path, flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kFileMode);
+Descriptor Open(const char* path, int flags) {
+    return Descriptor(open(path, flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kFileMode));
 }
 
 int OpenFlags(unsigned mode) { return (mode & kForUpdate) == kForReading ? O_RDONLY : O_RDWR; }
 
-void Close(int& file) {
-    if (file < 0) return;
-    close(file);
-    file = -1;
-}
+// Closes one of the store's two files, which stand in its state as numbers, -1 when closed.
+void Close(int& file) { Descriptor(std::exchange(file, -1)).Close(); }
 
 // Reads `size` bytes at `offset`, fewer at the end of the file or at an error. Returns how many.
 std::size_t ReadAt(int file, void* bytes, std::size_t size, std::uint64_t offset) {
@@ -179,10 +178,10 @@ void VX_EvHeader_Init(VX_EvLogHeader* header) {
 
 int VX_EvFile_Create(const char* path) {
     VX_EvHeader_Init(&g_VX_EventExt.EvLogHeader);
-    const int file = Open(path, O_RDWR | O_CREAT | O_TRUNC);
-    if (file < 0) return 0;
+    Descriptor file = Open(path, O_RDWR | O_CREAT | O_TRUNC);
+    if (!file.IsOpen()) return 0;
     Close(g_VX_EventExt.fileEv);
-    g_VX_EventExt.fileEv = file;
+    g_VX_EventExt.fileEv = file.Release();
     VX_EvFile_SaveHeader();
     return 1;
 }
@@ -191,22 +190,21 @@ int VX_EvFile_Load(unsigned mode) {
     if (g_VX_EventExt.fileEv >= 0) return 1;
     LoadConfig();
     SetEventPath();
-    int file = Open(g_VX_EventExt.Filename, OpenFlags(mode));
-    if (file < 0) {
+    Descriptor file = Open(g_VX_EventExt.Filename, OpenFlags(mode));
+    if (!file.IsOpen()) {
         VX_EvHeader_Init(&g_VX_EventExt.EvLogHeader);
         return 0;
     }
     // A header that is cut short ends in zeros, not in what was read before; counters that the
     // file does not reach keep their values.
     FileHead head{{}, g_VX_EventExt.HXChangeCounters};
-    const std::size_t length = ReadAt(file, &head, sizeof head, 0);
+    const std::size_t length = ReadAt(file.Get(), &head, sizeof head, 0);
     g_VX_EventExt.EvLogHeader = head.header;
     g_VX_EventExt.HXChangeCounters = head.counters;
     if (length < sizeof head.header || std::memcmp(head.header.Magic, kMagic, sizeof kMagic) != 0) {
-        Close(file);
         return 0;
     }
-    g_VX_EventExt.fileEv = file;
+    g_VX_EventExt.fileEv = file.Release();
     return 1;
 }
 
@@ -220,7 +218,7 @@ void VX_EvFile_SaveHeader() {
 int VX_EvSeqNoFile_Load(unsigned mode) {
     if (g_VX_EventExt.fileSeqNo >= 0) return 1;
     static_cast<void>(RootPath(g_VX_EventExt.SeqNoFilename, kSeqNoFile));  // empty when too long
-    g_VX_EventExt.fileSeqNo = Open(g_VX_EventExt.SeqNoFilename, OpenFlags(mode));
+    g_VX_EventExt.fileSeqNo = Open(g_VX_EventExt.SeqNoFilename, OpenFlags(mode)).Release();
     if (g_VX_EventExt.fileSeqNo < 0) return 0;
     ReadAt(g_VX_EventExt.fileSeqNo, &g_VX_EventExt.EvSeqNo, sizeof(VX_EvSeqNo), 0);
     return 1;
@@ -234,10 +232,10 @@ void VX_EvSeqNoFile_Save() {
 
 int VX_EvSeqNoFile_Create() {
     g_VX_EventExt.EvSeqNo = {};
-    const int file = Open(g_VX_EventExt.SeqNoFilename, O_RDWR | O_CREAT | O_TRUNC);
-    if (file < 0) return 0;
+    Descriptor file = Open(g_VX_EventExt.SeqNoFilename, O_RDWR | O_CREAT | O_TRUNC);
+    if (!file.IsOpen()) return 0;
     Close(g_VX_EventExt.fileSeqNo);
-    g_VX_EventExt.fileSeqNo = file;
+    g_VX_EventExt.fileSeqNo = file.Release();
     VX_EvSeqNoFile_Save();
     return 1;
 }

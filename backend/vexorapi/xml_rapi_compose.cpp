@@ -1,7 +1,6 @@
 // Functions made of the controller library's: disk groups, virtual disks and their quick creation,
 // and those that only give a call another name.
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <span>
 
@@ -31,11 +30,6 @@ static_assert(sizeof kQuickName <= HX_NAME_SIZE);
 
 constexpr HX_U8 kLook = 1;     // HX_DiskHasOS: the only kind of look there is
 constexpr HX_U8 kRelearn = 0;  // HX_BBU_ChangePower: a learning cycle
-
-template <class T>
-HeapBlock<T> Zeroed() {
-    return HeapBlock<T>(static_cast<T*>(std::calloc(1, sizeof(T))));
-}
 
 // A list request with room for `room` records behind the header, in the way in which Request, the
 // controller library's type for it, has room for one.
@@ -142,7 +136,7 @@ void HX_DG_Set_DefaultValue(HX_U8 AdapterID, CreateOrModify_DG_Param* pParam) {
 }
 
 HX_U8 HDisFreeDiskForSkua(HX_U8 AdapterID, HX_U16 DiskID) {
-    const auto walk = Zeroed<BlockWalk>();
+    const auto walk = MakeZeroedBlock<BlockWalk>();
     if (walk == nullptr) return kOutOfMemory;
     BlockList& page = walk->page;
     HX_U8 status;
@@ -177,7 +171,7 @@ HX_U8 GetRaidMode(HX_U8 AdapterID, HX_BOOLEAN type, Create_LD_Param* ldParams) {
 }
 
 HX_U8 HX_LD_QuickCreate(HX_U8 AdapterID, HX_BOOLEAN type) {
-    const auto disks = Zeroed<StatusList>();
+    const auto disks = MakeZeroedBlock<StatusList>();
     if (disks == nullptr) return kOutOfMemory;
     setRequestHeader(&disks->header, HX_REQUEST_BY_INDEX, 0, HX_MAX_HDS);
     // Its code is not looked at: a list that cannot be read holds no disk.

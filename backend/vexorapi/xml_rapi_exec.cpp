@@ -1,15 +1,10 @@
 // The executor: carries out a parsed vendor-function request.
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 
+#include "heap_block.h"
 #include "xml_rapi_functions.h"
 
 namespace {
-
-struct FreeBlock {
-    void operator()(void* block) const { std::free(block); }
-};
 
 template <class... Entry>
 void ExecuteAt(std::size_t wanted, XMLElement* elmt, XMLWR_Doc* doc, const std::tuple<Entry...>&) {
@@ -34,13 +29,11 @@ bool ReadRemapTable(VX_PD_GetRCT& record) {
     // At least one byte, so that a table without records is no failed allocation.
     std::size_t bytes;
     if (__builtin_mul_overflow(std::size_t{total}, sizeof(RCT_Record), &bytes)) return false;
-    const std::unique_ptr<void, FreeBlock> table(std::calloc(bytes + 1, 1));
+    const auto table = MakeZeroedBlock<RCT_Record>(bytes + 1);
     if (!table) return false;
-    const auto* const records = static_cast<RCT_Record*>(table.get());
-    record.RetVal =
-        HX_PD_GetRCT(record.AdapterID, record.HD_ID, static_cast<RCT_Record*>(table.get()), total);
+    record.RetVal = HX_PD_GetRCT(record.AdapterID, record.HD_ID, table.get(), total);
     if (record.RetVal == HX_SUCCESS) {
-        std::memcpy(record.record, records + record.s, record.n * sizeof(RCT_Record));
+        std::memcpy(record.record, table.get() + record.s, record.n * sizeof(RCT_Record));
     }
     return true;
 }

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <limits>
 
+#include "descriptor.h"
 #include "heap_block.h"
 #include "read_file.h"
 #include "root_path.h"
@@ -23,22 +24,6 @@ namespace {
 constexpr HX_U8 kFailed = 1;
 
 constexpr mode_t kImageMode = 0644;
-
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-    ~Descriptor() {
-        if (IsOpen()) close(descriptor_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    bool IsOpen() const { return descriptor_ >= 0; }
-    int Get() const { return descriptor_; }
-
-private:
-    int descriptor_;
-};
 
 // Replaces `path`, which names a symbolic link, by where the link leads. False when it is somebody
 // else's: who can put a link where an image is to go could choose the file that is overwritten.
@@ -61,31 +46,28 @@ bool FollowOwnLink(char (&path)[kRootPathSize]) {
     return true;
 }
 
-// Opens or makes the file for an image, or returns -1. Anything but a regular file counts as
-// unopenable, and opening never waits.
-int OpenImageForWrite(const char* filename) {
+// Opens or makes the file for an image; the result is closed when that fails. Anything but a
+// regular file counts as unopenable, and opening never waits.
+Descriptor OpenImageForWrite(const char* filename) {
     constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     constexpr int kMostLinks = 40;  // as many as the kernel follows
     char path[kRootPathSize];
     static_assert(kFilePathSize <= sizeof path);
     std::memcpy(path, filename, std::strlen(filename) + 1);
     for (int links = 0; links <= kMostLinks; ++links) {
-        const int file = open(path, kFlags, kImageMode);
-        if (file >= 0) {
+        Descriptor file(open(path, kFlags, kImageMode));
+        if (file.IsOpen()) {
             struct stat status;
-            if (fstat(file, &status) == 0 && S_ISREG(status.st_mode)) return file;
-            close(file);
-            return -1;
+            if (fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) file.Close();
+            return file;
         }
-        if (errno != ELOOP || !FollowOwnLink(path)) return -1;
+        if (errno != ELOOP || !FollowOwnLink(path)) return {};
     }
-    return -1;
+    return {};
 }
 
 // 32 KiB, too much for a stack that may be a thread's.
-HeapBlock<Flash_Data> MakePiece() {
-    return HeapBlock<Flash_Data>(static_cast<Flash_Data*>(std::malloc(sizeof(Flash_Data))));
-}
+HeapBlock<Flash_Data> MakePiece() { return MakeBlock<Flash_Data>(); }
 
 // Makes the piece anew: what the one before it held goes nowhere.
 void NumberPiece(Flash_Data& piece, HX_U32 number) {
@@ -96,7 +78,7 @@ void NumberPiece(Flash_Data& piece, HX_U32 number) {
 constexpr HX_U32 kMostPieces = 65536;  // their numbers have 16 bits
 
 HX_U8 SendImage(HX_U8 AdapterID, HX_U8 Type, const char* filename) {
-    const Descriptor file(OpenForRead(filename));
+    const Descriptor file = OpenForRead(filename);
     if (!file.IsOpen()) return kFailed;
     const auto piece = MakePiece();
     if (piece == nullptr) return kFailed;
@@ -116,7 +98,7 @@ HX_U8 SendImage(HX_U8 AdapterID, HX_U8 Type, const char* filename) {
 HX_U8 ReceiveImage(HX_U8 AdapterID, HX_U8 Type, const char* filename) {
     const auto piece = MakePiece();
     if (piece == nullptr) return kFailed;
-    const Descriptor file(OpenImageForWrite(filename));
+    const Descriptor file = OpenImageForWrite(filename);
     if (!file.IsOpen()) return kFailed;
     // Whatever the umask says; somebody else's file keeps its mode.
     static_cast<void>(fchmod(file.Get(), kImageMode));
@@ -161,7 +143,7 @@ HX_U8 HX_Flash_Option(HX_U8 AdapterID, HX_U8 Actions, HX_U8 Type, HX_U8* filenam
 HX_U8 HX_BIOS_Version(HX_U8* filename, VX_BIOS_Version* BiosVersion) {
     const char* const path = WholeText(filename, kFilePathSize);
     if (path == nullptr) return kFailed;
-    const Descriptor file(OpenForRead(path));
+    const Descriptor file = OpenForRead(path);
     if (!file.IsOpen()) return kFailed;
     HX_U8 header[kBiosHeaderSize];
     HX_U32 length;

@@ -4,14 +4,13 @@
 #include <grp.h>
 #include <pwd.h>
 #include <shadow.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
+#include "descriptor.h"
 #include "heap_block.h"
 #include "read_file.h"
 #include "root_path.h"
@@ -71,10 +70,10 @@ struct CloseFile {
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
 File OpenDatabase(const char* path) {
-    const int descriptor = OpenForRead(path);
-    if (descriptor < 0) return nullptr;
-    File file(fdopen(descriptor, "r"));
-    if (file == nullptr) close(descriptor);
+    Descriptor descriptor = OpenForRead(path);
+    if (!descriptor.IsOpen()) return nullptr;
+    File file(fdopen(descriptor.Get(), "r"));
+    if (file != nullptr) static_cast<void>(descriptor.Release());  // the stream's from here on
     return file;
 }
 
@@ -96,14 +95,13 @@ int FindInFile(std::FILE* file, const char* name, typename Database::Entry* entr
 constexpr std::size_t kFirstRoom = 1024;
 constexpr std::size_t kMostRoom = std::size_t{1} << 20;
 
-// One search in a database. It owns the entry found and wipes its texts, which can hold a hash.
+// One search in a database. It owns the entry found, and its texts, which can hold a hash.
 template <class Database>
 class Search {
 public:
     using Entry = typename Database::Entry;
 
     Search() = default;
-    ~Search() { Wipe(); }
     Search(const Search&) = delete;
     Search& operator=(const Search&) = delete;
 
@@ -116,7 +114,8 @@ public:
         const File file = own_root ? OpenDatabase(path) : nullptr;
         if (own_root && file == nullptr) return nullptr;
         for (std::size_t room = kFirstRoom; room <= kMostRoom; room *= 2) {
-            if (!MakeRoom(room)) return nullptr;
+            texts_ = MakeSecretBlock<char>(room);
+            if (texts_ == nullptr) return nullptr;
             Entry* found = nullptr;
             const int error = own_root ? FindInFile<Database>(file.get(), name, &entry_,
                                                               texts_.get(), room, &found)
@@ -127,19 +126,8 @@ public:
     }
 
 private:
-    bool MakeRoom(std::size_t room) {
-        Wipe();
-        texts_ = HeapBlock<char>(static_cast<char*>(std::calloc(room, 1)));
-        room_ = texts_ == nullptr ? 0 : room;
-        return room_ != 0;
-    }
-    void Wipe() {
-        if (texts_ != nullptr) explicit_bzero(texts_.get(), room_);
-    }
-
     Entry entry_{};
-    HeapBlock<char> texts_;
-    std::size_t room_ = 0;
+    SecretBlock<char> texts_;
 };
 
 // The group of a user who exists: UnknownUser when the host has no group of administrators. The
@@ -155,18 +143,10 @@ UserGroup GroupOf(const char* user) {
     return ValidUser;
 }
 
-// crypt's working memory holds the password and what was made of it.
-struct WipeAndFree {
-    void operator()(crypt_data* data) const {
-        explicit_bzero(data, sizeof *data);
-        std::free(data);
-    }
-};
-
 bool IsPassword(const char* password, const char* stored_hash) {
-    // 32 KiB and more, too much for a stack that may be a thread's.
-    const std::unique_ptr<crypt_data, WipeAndFree> data(
-        static_cast<crypt_data*>(std::calloc(1, sizeof(crypt_data))));
+    // crypt's working memory holds the password and what was made of it. It has 32 KiB and more,
+    // too much for a stack that may be a thread's.
+    const auto data = MakeSecretBlock<crypt_data>();
     if (data == nullptr) return false;
     const char* const hash = crypt_r(password, stored_hash, data.get());
     // crypt answers what is no hash (a locked or empty entry) with null or a text that begins with
