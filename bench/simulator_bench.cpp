@@ -17,9 +17,9 @@
 #include <vector>
 
 #include "hxraid.h"
-#include "hxsim_machine.h"
-#include "hxsim_store.h"
-#include "hxsim_topology.h"
+#include "model/hxsim_machine.h"
+#include "store/hxsim_store.h"
+#include "topology/hxsim_topology.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "bench.h"
 #include "hxfake.h"
-#include "temporary_root.h"
+#include "support/temporary_root.h"
 #include "vexorapi.h"
 #include "vxevent_yardsticks.h"
 

@@ -4,10 +4,10 @@
 #include <memory>
 #include <string>
 
-#include "fresh_debug_log.h"
+#include "backend/vexorapi/fresh_debug_log.h"
 #include "hostile_controller.h"
+#include "support/temporary_root.h"
 #include "targets.h"
-#include "temporary_root.h"
 #include "vexorapi.h"
 #include "vx_dbg.h"
 

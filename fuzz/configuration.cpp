@@ -2,8 +2,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "support/temporary_root.h"
 #include "targets.h"
-#include "temporary_root.h"
 #include "vx_cfg.h"
 
 namespace {

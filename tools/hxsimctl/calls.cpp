@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "codes/hxraid_codes.h"
 #include "hxraid.h"
-#include "hxraid_codes.h"
 #include "scenario.h"
 #include "words.h"
 

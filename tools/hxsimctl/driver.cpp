@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "hxraid_codes.h"
-#include "hxsim_redundancy.h"
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_redundancy.h"
 
 Driver::Driver(std::string path, std::ostream& out) : path_(std::move(path)), out_(out) {}
 

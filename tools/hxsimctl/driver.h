@@ -8,9 +8,9 @@
 
 #include "failure.h"
 #include "hxraid.h"
-#include "hxsim_incident.h"
-#include "hxsim_machine.h"
-#include "hxsim_store.h"
+#include "incidents/hxsim_incident.h"
+#include "model/hxsim_machine.h"
+#include "store/hxsim_store.h"
 #include "words.h"
 
 /// A call of the library was refused.

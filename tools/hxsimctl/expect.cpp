@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "hxraid_codes.h"
-#include "hxsim_activity.h"
-#include "hxsim_battery.h"
-#include "hxsim_disk.h"
-#include "hxsim_event_kinds.h"
-#include "hxsim_redundancy.h"
+#include "calls/hxsim_disk.h"
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_redundancy.h"
+#include "rules/hxsim_activity.h"
+#include "rules/hxsim_battery.h"
+#include "rules/hxsim_event_kinds.h"
 #include "scenario.h"
 #include "vxevent.h"
 #include "words.h"

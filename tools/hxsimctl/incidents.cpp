@@ -6,8 +6,8 @@
 #include <string>
 
 #include "commands.h"
-#include "hxsim_incident.h"
-#include "hxsim_redundancy.h"
+#include "incidents/hxsim_incident.h"
+#include "model/hxsim_redundancy.h"
 #include "words.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include "commands.h"
 #include "driver.h"
 #include "failure.h"
-#include "hxsim_store.h"
+#include "store/hxsim_store.h"
 
 namespace {
 

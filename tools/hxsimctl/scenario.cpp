@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "commands.h"
-#include "hxsim_check.h"
-#include "hxsim_event_kinds.h"
+#include "model/hxsim_invariants.h"
+#include "rules/hxsim_event_kinds.h"
 #include "words.h"
 
 namespace {

@@ -5,11 +5,11 @@
 #include <ostream>
 #include <string>
 
-#include "hxraid_codes.h"
-#include "hxsim_activity.h"
-#include "hxsim_battery.h"
-#include "hxsim_disk.h"
-#include "hxsim_redundancy.h"
+#include "calls/hxsim_disk.h"
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_redundancy.h"
+#include "rules/hxsim_activity.h"
+#include "rules/hxsim_battery.h"
 #include "words.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <iosfwd>
 
-#include "hxsim_machine.h"
+#include "model/hxsim_machine.h"
 
 /// Prints the machine as it is at `now`: adapters, what hangs on them, disk groups, virtual disks
 /// and batteries, each with its address.

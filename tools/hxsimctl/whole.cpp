@@ -10,10 +10,10 @@
 #include <string_view>
 
 #include "commands.h"
-#include "hxsim_check.h"
-#include "hxsim_topology.h"
+#include "model/hxsim_invariants.h"
 #include "scenario.h"
 #include "show.h"
+#include "topology/hxsim_topology.h"
 #include "words.h"
 
 namespace {

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "hxraid_codes.h"
-#include "hxsim_machine.h"
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_machine.h"
 
 /// What an address names.
 enum class Kind { kAdapter, kDisk, kVirtualDisk, kDiskGroup, kEnclosure, kElement };

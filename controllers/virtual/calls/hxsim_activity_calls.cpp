@@ -1,0 +1,358 @@
+// The calls that start background activities and steer them.
+#include "calls/hxsim_activity_calls.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "calls/hxsim_disk.h"
+#include "calls/hxsim_session.h"
+#include "codes/hxraid_codes.h"
+#include "hxraid.h"
+#include "model/hxsim_redundancy.h"
+#include "model/hxsim_space.h"
+#include "rules/hxsim_activity.h"
+#include "rules/hxsim_repair.h"
+
+namespace hxsim {
+namespace {
+
+constexpr HX_U8 kMediaPatrolFeature = 0x10;  // of Adapter_Info::Features
+
+Activity ActivityFor(const Adapter& adapter, const VirtualDisk& virtual_disk, HX_U8 kind) {
+    Activity activity;
+    activity.kind = kind;
+    activity.of = Owner::kVirtualDisk;
+    activity.owner = virtual_disk.id;
+    activity.total = SectorsNeeded(adapter, virtual_disk);
+    return activity;
+}
+
+// ---- Rebuilds ----
+
+HX_U8 CanBeRebuilt(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    if (!IsRedundant(virtual_disk.level)) return HXSIM_NOT_REDUNDANT;
+    const HX_U8 state = StateOf(adapter, virtual_disk);
+    if (state != HXSIM_STATE_DEGRADED && state != HXSIM_STATE_PARTIALLY_OPTIMAL) {
+        return HXSIM_WRONG_STATE;
+    }
+    return MayRebuild(adapter, virtual_disk) ? HX_U8{HX_SUCCESS} : HX_U8{HXSIM_BUSY};
+}
+
+// Whether the disk carries a lost block of the virtual disk, which can be rebuilt where it is.
+bool CarriesLost(const Adapter& adapter, HX_U16 virtual_disk, HX_U16 disk) {
+    return std::ranges::any_of(adapter.blocks, [&](const Block& block) {
+        return block.virtual_disk == virtual_disk && block.disk == disk && !block.target &&
+               block.state != HXSIM_STATE_OPTIMAL;
+    });
+}
+
+bool IsThere(const Adapter& adapter, std::span<const HX_U16> disks) {
+    return std::ranges::all_of(disks,
+                               [&](HX_U16 id) { return Find(adapter.disks, id) != nullptr; });
+}
+
+bool NamesTwice(std::span<const HX_U16> disks) {
+    std::vector<HX_U16> sorted(disks.begin(), disks.end());
+    std::ranges::sort(sorted);
+    return std::ranges::adjacent_find(sorted) != sorted.end();
+}
+
+HX_U8 CheckDisks(const Adapter& adapter, std::span<const HX_U16> disks) {
+    if (!IsThere(adapter, disks)) return HXSIM_NO_DISK;
+    return NamesTwice(disks) ? HX_U8{HXSIM_DISK_REPEATED} : HX_U8{HX_SUCCESS};
+}
+
+// Positions of a virtual disk, or of a disk group, that need a disk, from the lowest on.
+std::vector<HX_U8> Vacant(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    std::vector<HX_U8> positions;
+    for (unsigned i = 0; i < virtual_disk.width; ++i) {
+        const auto position = static_cast<HX_U8>(i);
+        if (NeedsDisk(adapter, virtual_disk, position)) positions.push_back(position);
+    }
+    return positions;
+}
+
+std::vector<HX_U8> Vacant(const Adapter& adapter, const DiskGroup& group) {
+    std::vector<HX_U8> positions;
+    for (const Home& home : adapter.homes) {
+        if (home.of == Owner::kDiskGroup && home.owner == group.id && NeedsDisk(adapter, home)) {
+            positions.push_back(home.position);
+        }
+    }
+    return positions;
+}
+
+// Puts disks that can serve into vacant positions, one into each.
+template <class Array>
+HX_U8 Occupy(Adapter& adapter, Time now, const Array& array, std::span<const HX_U16> disks) {
+    const std::vector<HX_U8> vacant = Vacant(adapter, array);
+    for (const HX_U16 disk : disks) {
+        const HX_U8 refusal = CanServe(adapter, array, *Find(adapter.disks, disk));
+        if (refusal != HX_SUCCESS) return refusal;
+    }
+    if (disks.size() > vacant.size()) return HXSIM_BAD_DISK_COUNT;
+    for (std::size_t i = 0; i < disks.size(); ++i) {
+        PutInto(adapter, now, array, vacant[i], disks[i]);
+    }
+    return HX_SUCCESS;
+}
+
+HX_U8 StartRebuildOf(Adapter& adapter, Time now, const LD_DG_Rebuild_Param& param) {
+    if (param.PDCount > HX_MAX_HDS) return HXSIM_BAD_COUNT;
+    const std::span<const HX_U16> disks(param.PDIDs, param.PDCount);
+    switch (param.RebuildType) {
+        case HXSIM_REBUILD_VIRTUAL_DISK:
+            return RebuildVirtualDisk(adapter, now, param.ID, disks);
+        case HXSIM_REBUILD_DISK_GROUP:
+            return RebuildDiskGroup(adapter, now, param.ID, disks);
+        default:
+            return HXSIM_BAD_ACTION;
+    }
+}
+
+// ---- Disks ----
+
+HX_U8 CanBeRead(const Adapter& adapter, HX_U16 id) {
+    const Disk* const disk = FindListed(adapter, id);
+    if (disk == nullptr) return HXSIM_NO_DISK;
+    if (!IsReady(*disk)) return HXSIM_DISK_NOT_READY;
+    const bool busy = ActivityOf(adapter, Owner::kDisk, id) != nullptr;
+    return busy ? HX_U8{HXSIM_BUSY} : HX_U8{HX_SUCCESS};
+}
+
+void StartOnDisk(Adapter& adapter, Time now, HX_U16 id, HX_U8 kind) {
+    Activity activity;
+    activity.kind = kind;
+    activity.of = Owner::kDisk;
+    activity.owner = id;
+    activity.total = Find(adapter.disks, id)->sectors;
+    Start(adapter, now, activity);
+}
+
+}  // namespace
+
+HX_U8 KindOfInitialisation(HX_U8 type) {
+    switch (type) {
+        case HXSIM_INIT_QUICK:
+            return HXSIM_ACTIVITY_INIT_QUICK;
+        case HXSIM_INIT_FOREGROUND:
+            return HXSIM_ACTIVITY_INIT_FORE;
+        case HXSIM_INIT_BACKGROUND:
+            return HXSIM_ACTIVITY_INIT_BACK;
+        default:
+            return HXSIM_ACTIVITY_NONE;
+    }
+}
+
+HX_U8 StartInitialisation(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
+    VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
+    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+    const HX_U8 kind = KindOfInitialisation(type);
+    if (kind == HXSIM_ACTIVITY_NONE) return HXSIM_BAD_ACTION;
+    if (IsBusy(adapter, *virtual_disk)) return HXSIM_BUSY;
+    if (StateOf(adapter, *virtual_disk) != HXSIM_STATE_OPTIMAL) return HXSIM_WRONG_STATE;
+    virtual_disk->initialised = false;
+    Start(adapter, now, ActivityFor(adapter, *virtual_disk, kind));
+    return HX_SUCCESS;
+}
+
+HX_U8 StartCheck(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
+    const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
+    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+    if (type != HXSIM_CHECK_ONLY && type != HXSIM_CHECK_AND_FIX) return HXSIM_BAD_ACTION;
+    if (!IsRedundant(virtual_disk->level)) return HXSIM_NOT_REDUNDANT;
+    if (IsBusy(adapter, *virtual_disk)) return HXSIM_BUSY;
+    // Without all its disks, or before it has been initialised, nothing is there to agree.
+    if (StateOf(adapter, *virtual_disk) != HXSIM_STATE_OPTIMAL || !virtual_disk->initialised) {
+        return HXSIM_WRONG_STATE;
+    }
+    const HX_U8 kind = type == HXSIM_CHECK_ONLY ? HXSIM_ACTIVITY_CHECK : HXSIM_ACTIVITY_FIX;
+    Start(adapter, now, ActivityFor(adapter, *virtual_disk, kind));
+    return HX_SUCCESS;
+}
+
+HX_U8 StartMediaPatrol(Adapter& adapter, Time now, HX_U16 disk) {
+    const HX_U8 refusal = CanPatrol(adapter, disk);
+    if (refusal != HX_SUCCESS) return refusal;
+    StartOnDisk(adapter, now, disk, HXSIM_ACTIVITY_MEDIA_PATROL);
+    return HX_SUCCESS;
+}
+
+HX_U8 StartDataScrub(Adapter& adapter, Time now, HX_U16 disk) {
+    const HX_U8 refusal = CanBeRead(adapter, disk);
+    if (refusal != HX_SUCCESS) return refusal;
+    StartOnDisk(adapter, now, disk, HXSIM_ACTIVITY_DATA_SCRUB);
+    return HX_SUCCESS;
+}
+
+HX_U8 RebuildVirtualDisk(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks) {
+    const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
+    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+    if (const HX_U8 refusal = CheckDisks(adapter, disks); refusal != HX_SUCCESS) return refusal;
+    if (const HX_U8 refusal = CanBeRebuilt(adapter, *virtual_disk); refusal != HX_SUCCESS) {
+        return refusal;
+    }
+    std::vector<HX_U16> others;
+    for (const HX_U16 disk : disks) {
+        if (!CarriesLost(adapter, id, disk)) {
+            others.push_back(disk);
+        } else if (!IsReady(*Find(adapter.disks, disk))) {
+            return HXSIM_DISK_NOT_READY;
+        }
+    }
+    if (!others.empty()) {
+        if (virtual_disk->group != kNoId) return HXSIM_ON_DISK_GROUP;
+        const HX_U8 refusal = Occupy(adapter, now, *virtual_disk, others);
+        if (refusal != HX_SUCCESS) return refusal;
+    }
+    if (!HasBlocksToRebuild(adapter, *virtual_disk, true)) return HXSIM_BAD_DISK_COUNT;
+    StartRebuild(adapter, now, id);
+    return HX_SUCCESS;
+}
+
+HX_U8 RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks) {
+    const DiskGroup* const group = Find(adapter.disk_groups, id);
+    if (group == nullptr) return HXSIM_NO_DISK_GROUP;
+    if (const HX_U8 refusal = CheckDisks(adapter, disks); refusal != HX_SUCCESS) return refusal;
+    if (!IsRedundant(group->level)) return HXSIM_NOT_REDUNDANT;
+    const HX_U8 state = StateOf(adapter, *group);
+    if (state != HXSIM_STATE_DEGRADED && state != HXSIM_STATE_PARTIALLY_OPTIMAL) {
+        return HXSIM_WRONG_STATE;
+    }
+    std::vector<HX_U16> members;
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        if (each.group != id) continue;
+        members.push_back(each.id);
+        // One that has been rebuilt before the others may have nothing to be done.
+        if (StateOf(adapter, each) == HXSIM_STATE_OPTIMAL) continue;
+        if (const HX_U8 refusal = CanBeRebuilt(adapter, each); refusal != HX_SUCCESS) {
+            return refusal;
+        }
+    }
+    std::vector<HX_U16> others;
+    for (const HX_U16 disk : disks) {
+        if (GroupOf(adapter, disk) != group) {
+            others.push_back(disk);
+        } else if (!IsReady(*Find(adapter.disks, disk))) {
+            return HXSIM_DISK_NOT_READY;
+        }
+    }
+    if (const HX_U8 refusal = Occupy(adapter, now, *group, others); refusal != HX_SUCCESS) {
+        return refusal;
+    }
+    bool any = members.empty() && !others.empty();
+    for (const HX_U16 member : members) {
+        if (!HasBlocksToRebuild(adapter, *Find(adapter.virtual_disks, member), true)) continue;
+        StartRebuild(adapter, now, member);
+        any = true;
+    }
+    return any ? HX_U8{HX_SUCCESS} : HX_U8{HXSIM_BAD_DISK_COUNT};
+}
+
+HX_U8 ControlGroup(Adapter& adapter, Time now, HX_U16 id, HX_U8 action) {
+    if (Find(adapter.disk_groups, id) == nullptr) return HXSIM_NO_DISK_GROUP;
+    const HX_U8 own = Control(adapter, now, Owner::kDiskGroup, id, action);
+    if (own != HXSIM_NO_ACTIVITY) return own;
+    HX_U8 result = HXSIM_NO_ACTIVITY;
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        if (each.group != id) continue;
+        const HX_U8 status = Control(adapter, now, Owner::kVirtualDisk, each.id, action);
+        // One of them is enough; when there is none, what keeps the first from it is told.
+        if (status == HX_SUCCESS || result == HXSIM_NO_ACTIVITY) result = status;
+    }
+    return result;
+}
+
+// Pausing is what is asked for: it has been done, too, when nothing runs.
+HX_U8 PauseAll(Adapter& adapter, Time now) {
+    for (Activity& each : adapter.activities) {
+        if (each.of != Owner::kDisk) Pause(adapter, now, each);
+    }
+    return HX_SUCCESS;
+}
+
+HX_U8 CanPatrol(const Adapter& adapter, HX_U16 id) {
+    const HX_U8 refusal = CanBeRead(adapter, id);
+    if (refusal != HX_SUCCESS) return refusal;
+    const bool offered = (adapter.info.Features & kMediaPatrolFeature) != 0;
+    return offered ? HX_U8{HX_SUCCESS} : HX_U8{HXSIM_NOT_SUPPORTED};
+}
+
+}  // namespace hxsim
+
+// ---- Virtual disks ----
+
+HX_U8 HX_LD_StartINIT(HX_U8 AdapterID, HX_U16 LD_ID, HX_U8 Init_Type) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::StartInitialisation(adapter, now, LD_ID, Init_Type);
+    });
+}
+
+HX_U8 HX_LD_StartConsistencyCheck(HX_U8 AdapterID, HX_U16 LD_ID, HX_U8 Type) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::StartCheck(adapter, now, LD_ID, Type);
+    });
+}
+
+HX_U8 HX_LD_StartRebuild(HX_U8 AdapterID, HX_U16 LD_ID, HX_U16 Rebuild_HD_ID) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::RebuildVirtualDisk(adapter, now, LD_ID, {&Rebuild_HD_ID, 1});
+    });
+}
+
+HX_U8 HX_LD_DG_StartRebuild(HX_U8 AdapterID, LD_DG_Rebuild_Param* param) {
+    return hxsim::Change(__func__, AdapterID,
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             return hxsim::StartRebuildOf(adapter, now, *param);
+                         });
+}
+
+HX_U8 HX_LD_BGAControl(HX_U8 AdapterID, HX_U16 LD_ID, HX_U8 Actions) {
+    return hxsim::Change(
+        __func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+            if (hxsim::Find(adapter.virtual_disks, LD_ID) == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+            return hxsim::Control(adapter, now, hxsim::Owner::kVirtualDisk, LD_ID, Actions);
+        });
+}
+
+HX_U8 HX_LD_PauseAll(HX_U8 AdapterID) {
+    return hxsim::Change(__func__, AdapterID, hxsim::PauseAll);
+}
+
+// ---- Disk groups ----
+
+HX_U8 HX_DG_BGAControl(HX_U8 AdapterID, HX_U16 DG_ID, HX_U8 Actions) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::ControlGroup(adapter, now, DG_ID, Actions);
+    });
+}
+
+// ---- Physical disks ----
+
+HX_U8 HX_PD_StartMediaPatrol(HX_U8 AdapterID, HX_U16 HD_ID) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::StartMediaPatrol(adapter, now, HD_ID);
+    });
+}
+
+HX_U8 HX_PD_HDMPCheck(HX_U8 AdapterID, HX_U16 HD_ID) {
+    return hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) {
+        return hxsim::CanPatrol(adapter, HD_ID);
+    });
+}
+
+HX_U8 HX_PD_StartDataScrub(HX_U8 AdapterID, HX_U16 HD_ID) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::StartDataScrub(adapter, now, HD_ID);
+    });
+}
+
+HX_U8 HX_PD_BGAControl(HX_U8 AdapterID, HX_U16 HD_ID, HX_U8 Action) {
+    return hxsim::Change(
+        __func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+            if (hxsim::FindListed(adapter, HD_ID) == nullptr) return HXSIM_NO_DISK;
+            return hxsim::Control(adapter, now, hxsim::Owner::kDisk, HD_ID, Action);
+        });
+}

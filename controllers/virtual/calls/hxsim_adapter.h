@@ -1,0 +1,18 @@
+// The adapters of the virtual controller: how they are set, and their alarm.
+#pragma once
+
+#include "hxraid.h"
+#include "model/hxsim_machine.h"
+
+namespace hxsim {
+
+/// Sets all of an adapter's settings, with an event for each that is another one then. Refused with
+/// HXSIM_BAD_VALUE for a rate above 100 percent or a switch that is neither 0 nor 1, and with
+/// HXSIM_NOT_SUPPORTED when something changes that the adapter does not let be set.
+HX_U8 SetAdapter(Adapter& adapter, Time now, const Adapter_Config_V2& config);
+
+/// Silences the alarm until there is a new cause. Refused with HXSIM_NOT_SUPPORTED by an adapter
+/// without one.
+HX_U8 Mute(Adapter& adapter);
+
+}  // namespace hxsim

@@ -1,0 +1,187 @@
+// What callers do to disks.
+#include "calls/hxsim_disk_calls.h"
+
+#include <algorithm>
+
+#include "calls/hxsim_disk.h"
+#include "calls/hxsim_session.h"
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_redundancy.h"
+#include "rules/hxsim_event_queue.h"
+
+namespace hxsim {
+namespace {
+
+// Whether a disk can be set offline, and from there online again.
+bool CanBeSwitched(const Disk& disk) { return Answers(disk) && !disk.foreign; }
+
+void Switch(Adapter& adapter, Time now, Disk& disk, bool online) {
+    if (disk.offline != online) return;
+    disk.offline = !online;
+    Queue(adapter, now, online ? kDiskOnline : kDiskOffline, disk.id);
+}
+
+// What it was before it stepped in is part of what is taken off it, too.
+void MakeNoSpare(Adapter& adapter, Time now, Disk& disk) {
+    if (disk.spare != Spare::kNone) Queue(adapter, now, kSpareRemoved, disk.id);
+    disk.spare = disk.spare_before = Spare::kNone;
+    disk.spare_group = disk.spare_group_before = kNoId;
+}
+
+HX_U8 SetFree(Adapter& adapter, Time now, Disk& disk) {
+    if (!disk.present) return HXSIM_DISK_NOT_READY;
+    const bool configured = IsConfigured(adapter, disk.id);
+    if (!disk.failed && !disk.foreign) {
+        if (configured) return HXSIM_DISK_IN_USE;
+        if (disk.spare != Spare::kNone) return HXSIM_WRONG_STATE;
+        if (!disk.offline) return HXSIM_NO_CHANGE;
+    }
+    if (configured) DropContents(adapter, now, disk.id);
+    MakeNoSpare(adapter, now, disk);
+    disk.failed = disk.foreign = disk.offline = false;
+    Queue(adapter, now, kDiskSetFree, disk.id);
+    return HX_SUCCESS;
+}
+
+HX_U8 Switch(Adapter& adapter, Time now, HX_U16 id, bool online) {
+    Disk& disk = *Find(adapter.disks, id);
+    if (!CanBeSwitched(disk)) return HXSIM_DISK_NOT_READY;
+    if (disk.offline != online) return HXSIM_NO_CHANGE;
+    Switch(adapter, now, disk, online);
+    return HX_SUCCESS;
+}
+
+// Whether the disk can become the spare that is asked for.
+HX_U8 CheckSpare(const Adapter& adapter, const Disk& disk, Spare spare, HX_U16 group) {
+    if (!IsReady(disk)) return HXSIM_DISK_NOT_READY;
+    if (IsConfigured(adapter, disk.id)) return HXSIM_DISK_IN_USE;
+    if (disk.spare == spare && disk.spare_group == group) return HXSIM_NO_CHANGE;
+    return disk.spare == Spare::kNone ? HX_SUCCESS : HXSIM_DISK_TAKEN;
+}
+
+// A spare that has stepped in comes back, so that its place is kept.
+bool IsSpareOf(const Disk& disk, HX_U16 group) {
+    return (disk.spare == Spare::kGroup && disk.spare_group == group) ||
+           (disk.spare_before == Spare::kGroup && disk.spare_group_before == group);
+}
+
+void MakeSpare(Adapter& adapter, Time now, Disk& disk, Spare spare, HX_U16 group) {
+    disk.spare = spare;
+    disk.spare_group = group;
+    disk.spare_before = Spare::kNone;
+    disk.spare_group_before = kNoId;
+    Queue(adapter, now, kSpareAssigned, disk.id);
+}
+
+}  // namespace
+
+HX_U8 SetDisk(Adapter& adapter, Time now, HX_U16 id, const HD_Config& config) {
+    Disk* const disk = FindListed(adapter, id);
+    if (disk == nullptr) return HXSIM_NO_DISK;
+    if (!CanBeSwitched(*disk)) return HXSIM_DISK_NOT_READY;
+    // The speed is what the two ends of the link have agreed on; it is told and not set.
+    const bool write_cache = config.WriteCacheOn != 0;
+    if (disk->write_cache != write_cache) Queue(adapter, now, kDiskCacheModeChanged, id);
+    disk->write_cache = write_cache;
+    disk->smart_on = config.SMARTOn != 0;
+    Switch(adapter, now, *disk, config.Online != 0);
+    return HX_SUCCESS;
+}
+
+HX_U8 WipeDisk(Adapter& adapter, Time now, HX_U16 id, bool force) {
+    Disk* const disk = FindListed(adapter, id);
+    if (disk == nullptr) return HXSIM_NO_DISK;
+    if (!Answers(*disk)) return HXSIM_DISK_NOT_READY;
+    const bool configured = IsConfigured(adapter, id);
+    if (configured && !force) return HXSIM_HOLDS_VIRTUAL_DISKS;
+    if (configured) DropContents(adapter, now, id);
+    MakeNoSpare(adapter, now, *disk);
+    disk->foreign = false;
+    return HX_SUCCESS;
+}
+
+HX_U8 SetDiskState(Adapter& adapter, Time now, HX_U16 id, HX_U8 action) {
+    Disk* const disk = FindListed(adapter, id);
+    if (disk == nullptr) return HXSIM_NO_DISK;
+    switch (action) {
+        case HXSIM_SET_ONLINE:
+            return Switch(adapter, now, id, true);
+        case HXSIM_SET_OFFLINE:
+            return Switch(adapter, now, id, false);
+        case HXSIM_SET_FREE:
+            return SetFree(adapter, now, *disk);
+        default:
+            return HXSIM_BAD_ACTION;
+    }
+}
+
+HX_U8 MakeGlobalSpare(Adapter& adapter, Time now, HX_U16 id) {
+    Disk* const disk = FindListed(adapter, id);
+    if (disk == nullptr) return HXSIM_NO_DISK;
+    const HX_U8 status = CheckSpare(adapter, *disk, Spare::kGlobal, kNoId);
+    if (status != HX_SUCCESS) return status;
+    MakeSpare(adapter, now, *disk, Spare::kGlobal, kNoId);
+    return HX_SUCCESS;
+}
+
+HX_U8 MakeGroupSpare(Adapter& adapter, Time now, HX_U16 id, HX_U16 group) {
+    Disk* const disk = FindListed(adapter, id);
+    if (disk == nullptr) return HXSIM_NO_DISK;
+    if (Find(adapter.disk_groups, group) == nullptr) return HXSIM_NO_DISK_GROUP;
+    const HX_U8 status = CheckSpare(adapter, *disk, Spare::kGroup, group);
+    if (status != HX_SUCCESS) return status;
+    const auto is_spare = [&](const Disk& each) { return IsSpareOf(each, group); };
+    if (std::ranges::count_if(adapter.disks, is_spare) >= HX_MAX_DG_SPARES) {
+        return HXSIM_TOO_MANY_SPARES;
+    }
+    MakeSpare(adapter, now, *disk, Spare::kGroup, group);
+    return HX_SUCCESS;
+}
+
+HX_U8 FreeSpare(Adapter& adapter, Time now, HX_U16 id) {
+    Disk* const disk = FindListed(adapter, id);
+    if (disk == nullptr) return HXSIM_NO_DISK;
+    if (disk->spare == Spare::kNone) return HXSIM_DISK_NOT_SPARE;
+    MakeNoSpare(adapter, now, *disk);
+    return HX_SUCCESS;
+}
+
+}  // namespace hxsim
+
+HX_U8 HX_PD_SetConfig(HX_U8 AdapterID, HX_U16 HD_ID, HD_Config* config) {
+    return hxsim::Change(__func__, AdapterID,
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                             if (config == nullptr) return HXSIM_NULL_ADDRESS;
+                             return hxsim::SetDisk(adapter, now, HD_ID, *config);
+                         });
+}
+
+HX_U8 HX_PD_WipeHDMDD(HX_U8 AdapterID, HX_U16 HD_ID, HX_U8 Force) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::WipeDisk(adapter, now, HD_ID, Force != 0);
+    });
+}
+
+HX_U8 HX_PD_SetHDStatus(HX_U8 AdapterID, HX_U16 HD_ID, HX_U8 Action) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::SetDiskState(adapter, now, HD_ID, Action);
+    });
+}
+
+HX_U8 HX_PD_FreeHD2GlobalSpare(HX_U8 AdapterID, HX_U16 HD_ID) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::MakeGlobalSpare(adapter, now, HD_ID);
+    });
+}
+
+HX_U8 HX_PD_FreeHD2DGSpare(HX_U8 AdapterID, HX_U16 HD_ID, HX_U16 DG_ID) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::MakeGroupSpare(adapter, now, HD_ID, DG_ID);
+    });
+}
+
+HX_U8 HX_PD_Spare2FreeHD(HX_U8 AdapterID, HX_U16 HD_ID) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::FreeSpare(adapter, now, HD_ID);
+    });
+}

@@ -1,0 +1,94 @@
+// New disk groups, and disk groups that change.
+#include <algorithm>
+#include <span>
+#include <vector>
+
+#include "calls/hxsim_disk_group.h"
+#include "model/hxsim_plan.h"
+#include "rules/hxsim_event_queue.h"
+#include "rules/hxsim_migration.h"
+
+namespace hxsim {
+namespace {
+
+constexpr std::size_t kMostDiskGroups = 32;
+
+HX_U8 PlanDiskGroup(const Adapter& adapter, const CreateOrModify_DG_Param& param, Layout& layout,
+                    Sectors& size) {
+    if (param.BlockSize != 0 && param.BlockSize != kSectorSize) return HXSIM_BAD_SECTOR_SIZE;
+    if (param.PDCount > HX_MAX_HDS) return HXSIM_BAD_DISK_COUNT;
+    const Wish wish{param.RaidMode, param.SubVDCount, param.StripeBlockSize,
+                    std::span(param.PDIDs, param.PDCount), adapter.info.MaxPDPerDG};
+    HX_U8 status = MakeLayout(adapter, wish, layout);
+    for (const HX_U16 disk : layout.disks) {
+        if (status == HX_SUCCESS) status = CheckWholeDisk(adapter, disk);
+    }
+    if (status != HX_SUCCESS) return status;
+    if (adapter.disk_groups.size() >= kMostDiskGroups) return HXSIM_TOO_MANY_DISK_GROUPS;
+    size = ManagedSpace(adapter, layout);
+    return size == 0 ? HXSIM_NO_SPACE : HX_SUCCESS;
+}
+
+HX_U8 Create(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
+    Layout layout;
+    Sectors size = 0;
+    const HX_U8 status = PlanDiskGroup(adapter, param, layout, size);
+    if (status != HX_SUCCESS) return status;
+    // Whatever goes on goes on on its virtual disks, but what is asked for has to make sense.
+    if (param.InitializationOption > HXSIM_INIT_NONE) return HXSIM_BAD_ACTION;
+    if (param.Size.value > size) return HXSIM_NO_SPACE;
+
+    DiskGroup group;
+    group.id = FreeId(adapter.disk_groups);
+    group.name = NameOf(param.Name);
+    group.level = layout.level->code;
+    group.legs = layout.legs;
+    group.width = layout.Width();
+    group.stripe_kib = layout.stripe_kib;
+    Insert(adapter.disk_groups, group);
+    SetHomes(adapter, Owner::kDiskGroup, group.id, layout.disks);
+    Queue(adapter, now, kDiskGroupCreated, group.id);
+    for (const HX_U16 disk : layout.disks) SetWriteCache(adapter, now, disk, group.write_cache);
+    param.DGID = group.id;
+    param.Size.value = size;
+    return HX_SUCCESS;
+}
+
+HX_U8 Modify(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
+    const DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
+    if (group == nullptr) return HXSIM_NO_DISK_GROUP;
+    Sectors size = ManagedSpace(adapter, LayoutOf(adapter, *group));
+    if (param.PDCount != 0) {
+        const HX_U8 status = StartGroupMigration(adapter, now, param);
+        if (status != HX_SUCCESS && status != HXSIM_NO_CHANGE) return status;
+        if (status == HX_SUCCESS) size = param.Size.value;
+    }
+    if (param.Name[0] != '\0') Find(adapter.disk_groups, param.DGID)->name = NameOf(param.Name);
+    param.Size.value = size;
+    return HX_SUCCESS;
+}
+
+}  // namespace
+
+HX_U8 CreateOrModifyDiskGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
+    if (!adapter.info.DiskGroupSupport) return HXSIM_NOT_SUPPORTED;
+    return param.DGID == HX_NEW_ID ? Create(adapter, now, param) : Modify(adapter, now, param);
+}
+
+HX_U8 SizeDiskGroup(const Adapter& adapter, CreateOrModify_DG_Param& param) {
+    if (!adapter.info.DiskGroupSupport) return HXSIM_NOT_SUPPORTED;
+    if (param.DGID != HX_NEW_ID) {
+        const DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
+        if (group == nullptr) return HXSIM_NO_DISK_GROUP;
+        if (param.PDCount != 0) return SizeGroupMigration(adapter, param);
+        param.Size.value = ManagedSpace(adapter, LayoutOf(adapter, *group));
+        return HX_SUCCESS;
+    }
+    Layout layout;
+    Sectors size = 0;
+    const HX_U8 status = PlanDiskGroup(adapter, param, layout, size);
+    if (status == HX_SUCCESS) param.Size.value = size;
+    return status;
+}
+
+}  // namespace hxsim

@@ -1,0 +1,235 @@
+// Enclosures and what they measure.
+#include "calls/hxsim_enclosure.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+#include <tuple>
+
+#include "calls/hxsim_list_page.h"
+#include "calls/hxsim_session.h"
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_link.h"
+#include "model/hxsim_text.h"
+
+namespace hxsim {
+namespace {
+
+// A fan at less than these percents of what it should turn.
+constexpr unsigned kFanWarning = 80, kFanCritical = 50;
+
+// Tone control bits of an alarm.
+constexpr HX_U8 kCriticalTone = 0x02;
+
+constexpr HX_U8 kMostElements = 255;  // that a call counts
+
+Deviation DeviationOfTemperature(const Element& element) {
+    const HX_U16 reading = element.reading;
+    const auto above = [&](HX_U8 bound) { return bound != 0 && reading > bound; };
+    const auto below = [&](HX_U8 bound) { return bound != 0 && reading < bound; };
+    if (above(element.high_critical)) return Deviation::kHighCritical;
+    if (below(element.low_critical)) return Deviation::kLowCritical;
+    if (above(element.high_warning)) return Deviation::kHighWarning;
+    if (below(element.low_warning)) return Deviation::kLowWarning;
+    return Deviation::kNone;
+}
+
+// Bounds are half percents of the nominal value.
+Deviation DeviationOfVoltage(const Element& element) {
+    const unsigned nominal = element.nominal;
+    const unsigned reading = element.reading;
+    const auto above = [&](HX_U8 bound) {
+        return bound != 0 && reading > nominal && 200 * (reading - nominal) > nominal * bound;
+    };
+    const auto below = [&](HX_U8 bound) {
+        return bound != 0 && reading < nominal && 200 * (nominal - reading) > nominal * bound;
+    };
+    if (above(element.high_critical)) return Deviation::kHighCritical;
+    if (below(element.low_critical)) return Deviation::kLowCritical;
+    if (above(element.high_warning)) return Deviation::kHighWarning;
+    if (below(element.low_warning)) return Deviation::kLowWarning;
+    return Deviation::kNone;
+}
+
+Deviation DeviationOfFan(const Element& element) {
+    const unsigned speed = 100U * element.reading;
+    if (speed == 0 || speed < kFanCritical * element.nominal) return Deviation::kLowCritical;
+    if (speed < kFanWarning * element.nominal) return Deviation::kLowWarning;
+    return Deviation::kNone;
+}
+
+HX_U8 WorstStatus(const Adapter& adapter, HX_U16 enclosure) {
+    HX_U8 worst = HXSIM_ELEMENT_OK;
+    for (const Element& element : adapter.elements) {
+        if (element.enclosure != enclosure) continue;
+        const HX_U8 status = StatusOf(element);
+        if (status == HXSIM_ELEMENT_CRITICAL) return status;
+        if (status == HXSIM_ELEMENT_NONCRITICAL) worst = status;
+    }
+    return worst;
+}
+
+void DescribeEnclosure(const Adapter& adapter, const Enclosure& enclosure, Time,
+                       Enclosure_Info& info) {
+    info.Link = LinkOf(adapter, enclosure);
+    info.AdapterID = adapter.id;
+    info.Status = WorstStatus(adapter, enclosure.id);
+    const HX_U8(&name)[8] = info.Link.Self.SAS_Address;
+    char logical_id[sizeof info.LogicalID];
+    std::snprintf(logical_id, sizeof logical_id, "%02X%02X%02X%02X%02X%02X%02X%02X", name[0],
+                  name[1], name[2], name[3], name[4], name[5], name[6], name[7]);
+    SetText(info.LogicalID, logical_id);
+    SetPaddedText(info.VendorID, enclosure.vendor, 8);
+    SetPaddedText(info.ProductID, enclosure.product, 16);
+    SetPaddedText(info.RevisionLevel, enclosure.revision, 4);
+    for (const Expander& expander : adapter.expanders) {
+        if (expander.enclosure != enclosure.id) continue;
+        if (info.ExpanderCount == std::size(info.ExpanderIDs)) break;
+        info.ExpanderIDs[info.ExpanderCount++] = expander.id;
+    }
+}
+
+// What the two kinds of record begin with.
+template <class Record>
+Record RecordOf(const Element& element) {
+    Record record{};
+    record.EnclosureID = element.enclosure;
+    record.Status = StatusOf(element);
+    record.ElementID = element.number;
+    record.Type = element.type;
+    return record;
+}
+
+void SetTemperatureFlags(const Element& element, EncElementType_Info& state) {
+    const Deviation deviation = DeviationOf(element);
+    state.OTFailure = deviation == Deviation::kHighCritical;
+    state.OTWarning = deviation == Deviation::kHighWarning;
+    state.UTFailure = deviation == Deviation::kLowCritical;
+    state.UTWarning = deviation == Deviation::kLowWarning;
+    state.Temperature = static_cast<HX_U8>(std::min<HX_U16>(element.reading, 255));
+}
+
+void SetVoltageFlags(const Element& element, EncElementType_Info& state) {
+    const Deviation deviation = DeviationOf(element);
+    state.WarnOver = deviation == Deviation::kHighWarning;
+    state.WarnUnder = deviation == Deviation::kLowWarning;
+    state.CritOver = deviation == Deviation::kHighCritical;
+    state.CritUnder = deviation == Deviation::kLowCritical;
+    state.Voltage = element.reading;
+}
+
+EncElementType_Info StateOf(const Adapter& adapter, const Element& element) {
+    auto state = RecordOf<EncElementType_Info>(element);
+    switch (element.type) {
+        case HX_ELEMENT_POWER_SUPPLY:
+            state.HotSwap = 1;
+            state.DCUnderVoltage = element.status == HXSIM_ELEMENT_CRITICAL;
+            break;
+        case HX_ELEMENT_FAN:
+            state.CurSpeedcode = element.speed_code;
+            state.CurSpeed = element.reading;
+            break;
+        case HX_ELEMENT_TEMPERATURE:
+            SetTemperatureFlags(element, state);
+            break;
+        case HX_ELEMENT_ALARM:
+            state.Mute = element.muted || adapter.muted;
+            state.Character1 = adapter.alarm && !element.muted ? kCriticalTone : HX_U8{0};
+            break;
+        case HX_ELEMENT_VOLTAGE:
+            SetVoltageFlags(element, state);
+            break;
+        default:  // a closed door
+            break;
+    }
+    return state;
+}
+
+EncElement_Config ThresholdsOf(const Adapter&, const Element& element) {
+    auto thresholds = RecordOf<EncElement_Config>(element);
+    thresholds.highCriticalThreshold = element.high_critical;
+    thresholds.highWarningThreshold = element.high_warning;
+    thresholds.lowCriticalThreshold = element.low_critical;
+    thresholds.lowWarningThreshold = element.low_warning;
+    return thresholds;
+}
+
+template <class Record, class Describe>
+HX_U8 ListElements(const Adapter& adapter, HX_U16 enclosure, Record* records, HX_U8* count,
+                   Describe describe) {
+    if (records == nullptr || count == nullptr) return HXSIM_NULL_ADDRESS;
+    *count = 0;  // also when refused: callers who ask every adapter in turn add up what they find
+    if (Find(adapter.enclosures, enclosure) == nullptr) return HXSIM_NO_ENCLOSURE;
+    std::size_t listed = 0;
+    for (const Element& element : adapter.elements) {
+        if (element.enclosure != enclosure || listed == kMostElements) continue;
+        records[listed++] = describe(adapter, element);
+    }
+    *count = static_cast<HX_U8>(listed);
+    if (IsHostile() && listed != 0) {
+        SpoilRecord(records, listed * sizeof *records);
+        *count = kMostElements;
+    }
+    return HX_SUCCESS;
+}
+
+}  // namespace
+
+Deviation DeviationOf(const Element& element) {
+    switch (element.type) {
+        case HX_ELEMENT_FAN:
+            return DeviationOfFan(element);
+        case HX_ELEMENT_TEMPERATURE:
+            return element.reading == 0 ? Deviation::kNone : DeviationOfTemperature(element);
+        case HX_ELEMENT_VOLTAGE:
+            return element.nominal == 0 ? Deviation::kNone : DeviationOfVoltage(element);
+        default:
+            return Deviation::kNone;
+    }
+}
+
+HX_U8 StatusOf(const Element& element) {
+    const bool is_measured = element.type == HX_ELEMENT_FAN ||
+                             element.type == HX_ELEMENT_TEMPERATURE ||
+                             element.type == HX_ELEMENT_VOLTAGE;
+    if (!is_measured) return element.status;
+    switch (DeviationOf(element)) {
+        case Deviation::kNone:
+            break;
+        case Deviation::kLowWarning:
+        case Deviation::kHighWarning:
+            return HXSIM_ELEMENT_NONCRITICAL;
+        case Deviation::kLowCritical:
+        case Deviation::kHighCritical:
+            return HXSIM_ELEMENT_CRITICAL;
+    }
+    return HXSIM_ELEMENT_OK;
+}
+
+Element* FindElement(Adapter& adapter, HX_U16 enclosure, HX_U8 number) {
+    const auto found = std::ranges::find_if(adapter.elements, [&](const Element& element) {
+        return element.enclosure == enclosure && element.number == number;
+    });
+    return found == adapter.elements.end() ? nullptr : &*found;
+}
+
+}  // namespace hxsim
+
+HX_U8 HX_ENC_GetEnclosureInfo(HX_U8 AdapterID, Enclosure_Info_Request* request) {
+    return hxsim::List(__func__, AdapterID, request, &Enclosure_Info_Request::enclosureInfo,
+                       &hxsim::Adapter::enclosures, HXSIM_NO_ENCLOSURE, hxsim::DescribeEnclosure);
+}
+
+HX_U8 HX_ENC_GetElementInfo(HX_U8 AdapterID, HX_U16 ENC_ID, EncElementType_Info* elements,
+                            HX_U8* count) {
+    return hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) {
+        return hxsim::ListElements(adapter, ENC_ID, elements, count, hxsim::StateOf);
+    });
+}
+
+HX_U8 HX_ENC_GetElementConfig(HX_U8 AdapterID, HX_U16 ENC_ID, EncElement_Config* elements,
+                              HX_U8* count) {
+    return hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) {
+        return hxsim::ListElements(adapter, ENC_ID, elements, count, hxsim::ThresholdsOf);
+    });
+}

@@ -1,0 +1,221 @@
+// The adapters' flash: images that are erased, written and read back in pieces.
+#include "calls/hxsim_flash.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <utility>
+
+#include "calls/hxsim_list_page.h"
+#include "calls/hxsim_session.h"
+#include "codes/hxraid_codes.h"
+#include "rules/hxsim_event_queue.h"
+
+namespace hxsim {
+namespace {
+
+// A BIOS image is an option ROM: its signature, its length in units of 512 bytes, its version and
+// the subsystem IDs of its adapter where readers of such images look for them, and bytes that mean
+// nothing; the last of them makes the sum of all a multiple of 256.
+constexpr std::size_t kUnit = 512;
+constexpr unsigned char kSampleUnits = 80;
+constexpr std::size_t kHeaderSize = 64;
+constexpr std::size_t kVersionAt = 6, kSubsystemAt = 32;
+
+constexpr std::size_t kRegion = 2 * 1024 * 1024;  // bytes that an image can have
+
+unsigned ByteAt(std::string_view image, std::size_t at) {
+    return static_cast<unsigned char>(image[at]);
+}
+
+HX_U16 WordAt(std::string_view image, std::size_t at) {
+    return static_cast<HX_U16>(ByteAt(image, at) | ByteAt(image, at + 1) << 8);
+}
+
+void PutWord(std::string& image, std::size_t at, HX_U16 word) {
+    image[at] = static_cast<char>(word & 0xFF);
+    image[at + 1] = static_cast<char>(word >> 8);
+}
+
+unsigned SumOf(std::string_view image) {
+    unsigned sum = 0;
+    for (std::size_t at = 0; at < image.size(); ++at) sum += ByteAt(image, at);
+    return sum % 256;
+}
+
+// A version is four words, or in older images digits: one, one, one and two of them.
+Version_Info_CIM VersionOf(std::string_view image) {
+    const auto digit = [&](std::size_t at) { return ByteAt(image, at) - '0'; };
+    const auto word = [&](std::size_t at) { return WordAt(image, at); };
+    Version_Info_CIM version{};
+    if (ByteAt(image, kVersionAt) < '0') {
+        version.MajorVersion = word(kVersionAt);
+        version.MinorVersion = word(kVersionAt + 2);
+        version.RevisionNumber = word(kVersionAt + 4);
+        version.BuildNumber = word(kVersionAt + 6);
+    } else {
+        version.MajorVersion = static_cast<HX_U16>(digit(kVersionAt));
+        version.MinorVersion = static_cast<HX_U16>(digit(kVersionAt + 2));
+        version.RevisionNumber = static_cast<HX_U16>(digit(kVersionAt + 4));
+        version.BuildNumber =
+            static_cast<HX_U16>(10 * digit(kVersionAt + 6) + digit(kVersionAt + 7));
+    }
+    return version;
+}
+
+// ---- The rows ----
+
+template <class Rows>
+auto FindImage(Rows& images, HX_U8 type) -> decltype(images.data()) {
+    const auto found = std::ranges::find(images, type, &FlashImage::type);
+    return found == images.end() ? nullptr : &*found;
+}
+
+// Where an adapter tells the health of a type of image.
+struct Health {
+    HX_U8 type;
+    HX_BOOLEAN Adapter_Info::*field;
+};
+constexpr Health kHealth[] = {
+    {HXSIM_IMAGE_BIOS, &Adapter_Info::boot_rom_img_health},
+    {HXSIM_IMAGE_FIRMWARE, &Adapter_Info::firmware_img_health},
+    {HXSIM_IMAGE_BOOT_LOADER, &Adapter_Info::boot_loader_img_health},
+    {HXSIM_IMAGE_AUTOLOAD, &Adapter_Info::autoload_img_health},
+    {HXSIM_IMAGE_HBA_INFO, &Adapter_Info::hba_info_img_health},
+};
+
+void SetHealth(Adapter& adapter, FlashImage& image, bool healthy) {
+    image.healthy = healthy;
+    for (const Health& each : kHealth) {
+        if (each.type == image.type) adapter.info.*each.field = healthy;
+    }
+    adapter.info.img_health = std::ranges::all_of(adapter.images, &FlashImage::healthy);
+}
+
+bool IsGood(const Adapter& adapter, HX_U8 type, std::string_view image) {
+    return type != HXSIM_IMAGE_BIOS || IsBiosFor(adapter.info, image);
+}
+
+void FinishWriting(Adapter& adapter, Time now, FlashImage& image) {
+    const bool good = IsGood(adapter, image.type, *image.data);
+    const auto size = static_cast<HX_U32>(image.data->size());
+    image.erased = false;
+    image.written = 0;
+    SetHealth(adapter, image, good);
+    Queue(adapter, now, kFlashWritten, image.type, {image.type, size});
+    if (!good) {
+        Queue(adapter, now, kFlashDamaged, image.type, {image.type});
+    } else if (image.type == HXSIM_IMAGE_BIOS) {
+        adapter.info.BIOSVersion = VersionOf(*image.data);
+    }
+}
+
+// Pieces are counted by their number alone, so that all but the last one are whole.
+bool IsNextPiece(const FlashImage& image, const Flash_Data& piece) {
+    if (piece.DataLength == 0 || piece.DataLength > HX_FLASH_PIECE_SIZE) return false;
+    if (piece.PageNum != image.written) return false;
+    if (piece.isLastPage == 0 && piece.DataLength != HX_FLASH_PIECE_SIZE) return false;
+    return std::size_t{image.written} * HX_FLASH_PIECE_SIZE + piece.DataLength <= kRegion;
+}
+
+HX_U8 MovePiece(const Adapter& adapter, HX_U8 type, Flash_Data* piece) {
+    if (piece == nullptr) return HXSIM_NULL_ADDRESS;
+    const HX_U8 status = ReadPiece(adapter, type, *piece);
+    if (status == HX_SUCCESS && IsHostile()) SpoilRecord(piece, sizeof *piece);
+    return status;
+}
+
+HX_U8 RefuseAction(const Flash_Data* piece) {
+    return piece == nullptr ? HXSIM_NULL_ADDRESS : HXSIM_BAD_ACTION;
+}
+
+}  // namespace
+
+std::string SampleBios(const Adapter_Info& info) {
+    std::string image(kSampleUnits * kUnit, '\0');
+    image[0] = '\x55';
+    image[1] = '\xAA';
+    image[2] = static_cast<char>(kSampleUnits);
+    PutWord(image, kVersionAt, info.BIOSVersion.MajorVersion);
+    PutWord(image, kVersionAt + 2, info.BIOSVersion.MinorVersion);
+    PutWord(image, kVersionAt + 4, info.BIOSVersion.RevisionNumber);
+    PutWord(image, kVersionAt + 6, info.BIOSVersion.BuildNumber);
+    PutWord(image, kSubsystemAt, info.SubVenID);
+    PutWord(image, kSubsystemAt + 2, info.SubDevID);
+    for (std::size_t at = kHeaderSize; at < image.size() - 1; ++at) {
+        image[at] = static_cast<char>(at * 167 + (at >> 8));
+    }
+    image.back() = static_cast<char>(256 - SumOf(image));
+    return image;
+}
+
+bool IsBiosFor(const Adapter_Info& info, std::string_view image) {
+    return image.size() >= kHeaderSize && WordAt(image, 0) == 0xAA55 &&
+           image.size() == ByteAt(image, 2) * kUnit && SumOf(image) == 0 &&
+           WordAt(image, kSubsystemAt) == info.SubVenID &&
+           WordAt(image, kSubsystemAt + 2) == info.SubDevID;
+}
+
+HX_U8 EraseImage(Adapter& adapter, Time now, HX_U8 type) {
+    if (HxraidNameOf(kHxsimImageNames, type).empty()) return HXSIM_BAD_ACTION;
+    FlashImage* const image = FindImage(adapter.images, type);
+    if (image == nullptr) return HXSIM_NO_IMAGE;
+    image->erased = true;
+    image->written = 0;
+    image->data = nullptr;
+    SetHealth(adapter, *image, false);
+    Queue(adapter, now, kFlashErased, type, {type});
+    return HX_SUCCESS;
+}
+
+HX_U8 WritePiece(Adapter& adapter, Time now, HX_U8 type, const Flash_Data& piece) {
+    FlashImage* const image = FindImage(adapter.images, type);
+    if (image == nullptr) return HXSIM_NO_IMAGE;
+    if (!image->erased) return HXSIM_NOT_ERASED;
+    if (!IsNextPiece(*image, piece)) return HXSIM_BAD_PIECE;
+    std::string data = image->data == nullptr ? std::string() : *image->data;
+    data.append(reinterpret_cast<const char*>(piece.Data), piece.DataLength);
+    image->data = std::make_shared<const std::string>(std::move(data));
+    ++image->written;
+    if (piece.isLastPage != 0) FinishWriting(adapter, now, *image);
+    return HX_SUCCESS;
+}
+
+HX_U8 ReadPiece(const Adapter& adapter, HX_U8 type, Flash_Data& piece) {
+    const FlashImage* const image = FindImage(adapter.images, type);
+    if (image == nullptr || image->erased) return HXSIM_NO_IMAGE;
+    if (!image->healthy) return HXSIM_BAD_IMAGE;
+    std::string made;  // what an image without data is
+    if (image->data == nullptr && type == HXSIM_IMAGE_BIOS) made = SampleBios(adapter.info);
+    const std::string_view data = image->data == nullptr ? made : *image->data;
+    if (data.empty()) return HXSIM_NO_IMAGE;
+    const std::size_t start = std::size_t{piece.PageNum} * HX_FLASH_PIECE_SIZE;
+    if (start >= data.size()) return HXSIM_NO_PIECE;
+    const std::string_view bytes = data.substr(start, HX_FLASH_PIECE_SIZE);
+    std::memcpy(piece.Data, bytes.data(), bytes.size());
+    piece.DataLength = static_cast<HX_U32>(bytes.size());
+    piece.isLastPage = start + bytes.size() == data.size();
+    return HX_SUCCESS;
+}
+
+}  // namespace hxsim
+
+HX_U8 HX_Flash_Erase(HX_U8 AdapterID, HX_U8 Page) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::EraseImage(adapter, now, Page);
+    });
+}
+
+HX_U8 HX_Flash_Bin(HX_U8 AdapterID, HX_U8 Actions, HX_U8 Type, Flash_Data* piece) {
+    if (Actions == HX_FLASH_WRITE) {
+        const auto write = [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+            if (piece == nullptr) return HXSIM_NULL_ADDRESS;
+            return hxsim::WritePiece(adapter, now, Type, *piece);
+        };
+        return hxsim::Change(__func__, AdapterID, write);
+    }
+    return hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) {
+        return Actions == HX_FLASH_READ ? hxsim::MovePiece(adapter, Type, piece)
+                                        : hxsim::RefuseAction(piece);
+    });
+}

@@ -1,0 +1,33 @@
+// The adapters' flash: images that are erased, written and read back in pieces.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "hxraid.h"
+#include "model/hxsim_machine.h"
+
+namespace hxsim {
+
+/// The BIOS image that an adapter has when it is made: an option ROM with its BIOS version and its
+/// subsystem IDs. A healthy BIOS image without data in a machine's rows is this one.
+std::string SampleBios(const Adapter_Info& info);
+
+/// Whether a BIOS image is whole and was made for that adapter: its signature, its length, the sum
+/// of its bytes and its subsystem IDs are right.
+bool IsBiosFor(const Adapter_Info& info, std::string_view image);
+
+/// Erases an image; it is damaged until another one has been written. Refused with HXSIM_BAD_ACTION
+/// for a type that is none, and with HXSIM_NO_IMAGE when the adapter has no such image.
+HX_U8 EraseImage(Adapter& adapter, Time now, HX_U8 type);
+
+/// Writes the next piece of an image that has been erased. With the last piece the image is judged:
+/// a good one is healthy, and an adapter's BIOS version is then that of its image. Refused with
+/// HXSIM_NO_IMAGE, HXSIM_NOT_ERASED or HXSIM_BAD_PIECE.
+HX_U8 WritePiece(Adapter& adapter, Time now, HX_U8 type, const Flash_Data& piece);
+
+/// Fills the piece that piece.PageNum names. Refused with HXSIM_NO_IMAGE, HXSIM_BAD_IMAGE (damaged)
+/// or HXSIM_NO_PIECE.
+HX_U8 ReadPiece(const Adapter& adapter, HX_U8 type, Flash_Data& piece);
+
+}  // namespace hxsim

@@ -1,0 +1,14 @@
+// Opening and closing the virtual controller, and its version.
+#include "calls/hxsim_library.h"
+
+#include "calls/hxsim_session.h"
+
+HX_U8 HX_API_Initialize() { return hxsim::Open(); }
+
+void HX_API_Finalize() { hxsim::Close(); }
+
+const char* HX_API_Version() { return HXSIM_VERSION " (virtual controller)"; }
+
+// A controller that has not been looked for has not been found: an unopened library has no
+// adapters.
+HX_U8 HX_Adapter_GetCount() { return hxsim::AdapterCount(); }

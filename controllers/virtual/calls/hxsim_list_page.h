@@ -1,0 +1,88 @@
+// One page of a list: the one loop behind every list function.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "calls/hxsim_session.h"
+#include "codes/hxraid_codes.h"
+#include "hxraid.h"
+#include "model/hxsim_machine.h"
+
+namespace hxsim {
+
+/// What broken firmware does to a page that has been filled: counts, indices and texts are what
+/// nobody asked for. Stays inside the header and `bytes` bytes of records.
+void Spoil(RequestHeader& header, void* records, std::size_t bytes);
+
+/// What broken firmware does to records that no header counts. Stays inside `bytes` bytes.
+void SpoilRecord(void* record, std::size_t bytes);
+
+/// Says of each listed row in turn whether a request wants it.
+class Selection {
+public:
+    explicit Selection(const RequestHeader& header)
+        : by_id_(header.requestType == HX_REQUEST_BY_ID), from_(header.startingIndexOrId) {}
+
+    bool Wants(HX_U16 id) {
+        const std::size_t place = place_++;
+        return by_id_ ? id == from_ : place >= from_;
+    }
+
+private:
+    const bool by_id_;
+    const HX_U16 from_;
+    std::size_t place_ = 0;  // of the next row among those listed
+};
+
+/// Answers a list request with some of the adapter's rows, which ascend by ID.
+///
+/// `rows` is the list in the adapter, `is_listed(adapter, row)` says which of them a caller sees,
+/// and `describe(adapter, row, now, record)` fills a record that is zero. Never writes more than
+/// numRequested records; an index past the last object is the end of the list, and an ID that no
+/// listed object has is refused with `missing`.
+template <class Request, class Record, class Row, class IsListed, class Describe>
+HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
+           std::vector<Row> Adapter::*rows, HxsimCode missing, IsListed is_listed,
+           Describe describe) {
+    return Look(call, adapter_id, [&](const Adapter& adapter, Time now) -> HX_U8 {
+        if (request == nullptr) return HXSIM_NULL_ADDRESS;
+        RequestHeader& header = request->header;
+        const bool by_id = header.requestType == HX_REQUEST_BY_ID;
+        if (!by_id && header.requestType != HX_REQUEST_BY_INDEX) return HXSIM_BAD_REQUEST_TYPE;
+
+        Record* const records = request->*list;
+        std::size_t count = 0;
+        Selection selection(header);
+        bool found = false;
+        bool more = false;
+        for (const Row& row : adapter.*rows) {
+            if (!is_listed(adapter, row) || !selection.Wants(row.id)) continue;
+            found = true;
+            if (count == header.numRequested) {
+                more = !by_id;
+                break;
+            }
+            records[count] = Record{};
+            describe(adapter, row, now, records[count]);
+            ++count;
+        }
+        if (by_id && !found) return missing;
+        header.numReturned = static_cast<HX_U16>(count);
+        header.nextStartingIndex =
+            more ? static_cast<HX_U16>(header.startingIndexOrId + count) : HX_U16{HX_LIST_COMPLETE};
+        if (IsHostile()) Spoil(header, records, count * sizeof(Record));
+        return HX_SUCCESS;
+    });
+}
+
+/// List of every row.
+template <class Request, class Record, class Row, class Describe>
+HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
+           std::vector<Row> Adapter::*rows, HxsimCode missing, Describe describe) {
+    const auto every = [](const Adapter&, const Row&) { return true; };
+    return List(call, adapter_id, request, list, rows, missing, every, describe);
+}
+
+}  // namespace hxsim

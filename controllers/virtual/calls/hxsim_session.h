@@ -1,0 +1,32 @@
+// The machine that the library works on: opened once, brought up to now before every call, and
+// saved after every call that changes it.
+#pragma once
+
+#include <functional>
+
+#include "hxraid.h"
+#include "model/hxsim_machine.h"
+
+namespace hxsim {
+
+/// A call on one adapter that only looks. Refused with HXSIM_NOT_INITIALIZED, HXSIM_NO_ADAPTER,
+/// HXSIM_NO_STATE or HXSIM_NO_MEMORY, or as an injected fault says, before `work` runs. `call` is
+/// the function's own name: pass __func__; null for a further part of a call that has been let
+/// through, which meets no fault and answers as the first part does (IsHostile). Nothing is thrown.
+HX_U8 Look(const char* call, HX_U8 adapter,
+           const std::function<HX_U8(const Adapter& adapter, Time now)>& work);
+
+/// A call on one adapter that changes it, as one transaction that no other process comes between.
+/// When `work` refuses (returns anything but HX_SUCCESS) or throws, nothing is changed. When it
+/// succeeds, what follows is drawn (Settle) and saved before this returns.
+HX_U8 Change(const char* call, HX_U8 adapter,
+             const std::function<HX_U8(Adapter& adapter, Time now)>& work);
+
+/// Whether the call that runs now is to answer as broken firmware does.
+bool IsHostile();
+
+/// Whether HX_API_Initialize has opened the library, and the number of adapters (0 while closed).
+bool IsOpen();
+HX_U8 AdapterCount();
+
+}  // namespace hxsim

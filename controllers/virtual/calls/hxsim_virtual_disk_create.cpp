@@ -1,0 +1,241 @@
+// New virtual disks, on disks of their own and on disk groups.
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "calls/hxsim_activity_calls.h"
+#include "calls/hxsim_virtual_disk.h"
+#include "model/hxsim_level.h"
+#include "model/hxsim_plan.h"
+#include "model/hxsim_redundancy.h"
+#include "model/hxsim_space.h"
+#include "rules/hxsim_activity.h"
+#include "rules/hxsim_event_queue.h"
+
+namespace hxsim {
+namespace {
+
+constexpr HX_U8 kCacheBits = HXSIM_CACHE_WRITE_BACK | HXSIM_CACHE_READ_AHEAD;
+
+// Sectors of the host that are made of 1, 2, 4 or 8 of the disks'; 0 is 1.
+bool IsCoefficient(HX_U8 coefficient) {
+    return coefficient <= 8 && (coefficient & (coefficient - 1)) == 0;
+}
+
+HX_U8 CheckSettings(HX_U8 cache, HX_U8 init, HX_U8 coefficient) {
+    if (!IsCache(cache) || !IsCoefficient(coefficient)) return HXSIM_BAD_VALUE;
+    return init > HXSIM_INIT_NONE ? HXSIM_BAD_ACTION : HX_SUCCESS;
+}
+
+// Adds the virtual disk under a free ID, which is returned. Its blocks are still to be cut.
+HX_U16 Add(Adapter& adapter, Time now, VirtualDisk virtual_disk) {
+    virtual_disk.id = FreeId(adapter.virtual_disks);
+    const HX_U16 id = virtual_disk.id;
+    Insert(adapter.virtual_disks, std::move(virtual_disk));
+    Queue(adapter, now, kVirtualDiskCreated, id);
+    return id;
+}
+
+void StartInit(Adapter& adapter, Time now, HX_U16 virtual_disk, HX_U8 init, Sectors block) {
+    Activity activity;
+    activity.kind = KindOfInitialisation(init);
+    if (activity.kind == HXSIM_ACTIVITY_NONE) return;
+    activity.owner = virtual_disk;
+    activity.total = block;
+    Start(adapter, now, activity);
+}
+
+VirtualDisk Form(const Layout& layout, Sectors size, HX_U8 cache, HX_U8 coefficient) {
+    VirtualDisk virtual_disk;
+    virtual_disk.level = layout.level->code;
+    virtual_disk.legs = layout.legs;
+    virtual_disk.width = layout.Width();
+    virtual_disk.stripe_kib = layout.stripe_kib;
+    virtual_disk.size = size;
+    virtual_disk.cache = cache & kCacheBits;
+    virtual_disk.coefficient = std::max<HX_U8>(coefficient, 1);
+    return virtual_disk;
+}
+
+// ---- On disk groups ----
+
+// Whether blocks for a virtual disk can be cut from the group's disks, and resized there, now.
+HX_U8 CheckGroup(const Adapter& adapter, const DiskGroup& group) {
+    const bool moves = std::ranges::any_of(adapter.activities, [&](const Activity& each) {
+        if (each.of == Owner::kDiskGroup) return each.owner == group.id;
+        if (each.of != Owner::kVirtualDisk) return false;
+        const VirtualDisk* const owner = Find(adapter.virtual_disks, each.owner);
+        return owner != nullptr && owner->group == group.id &&
+               (each.kind == HXSIM_ACTIVITY_REBUILD || each.kind == HXSIM_ACTIVITY_COPYBACK);
+    });
+    if (moves) return HXSIM_BUSY;
+    for (const HX_U16 id : DisksOf(adapter, Owner::kDiskGroup, group.id)) {
+        const Disk* const disk = Find(adapter.disks, id);
+        if (disk == nullptr || !IsReady(*disk)) return HXSIM_WRONG_STATE;
+    }
+    return HX_SUCCESS;
+}
+
+HX_U8 CheckSlot(const Adapter& adapter, const DiskGroup& group, HX_U8 slot) {
+    if (slot >= HX_MAX_VD_SLOTS || slot >= adapter.info.MaxVDPerDG) return HXSIM_BAD_SLOT;
+    const bool taken = std::ranges::any_of(adapter.virtual_disks, [&](const VirtualDisk& each) {
+        return each.group == group.id && each.slot == slot;
+    });
+    return taken ? HXSIM_SLOT_TAKEN : HX_SUCCESS;
+}
+
+// The group's level and disks, with the stripes that the virtual disk is to have.
+HX_U8 LayOutOnGroup(const Adapter& adapter, const DiskGroup& group,
+                    const CreateOrModify_VD_Param& param, Layout& layout) {
+    if (param.BlockSize != 0 && param.BlockSize != kSectorSize) return HXSIM_BAD_SECTOR_SIZE;
+    if (param.RaidMode != group.level) return HXSIM_BAD_LEVEL;
+    if (param.SubVDCount != 0 && param.SubVDCount != group.legs) return HXSIM_BAD_DISK_COUNT;
+    const std::vector<HX_U16> disks = DisksOf(adapter, Owner::kDiskGroup, group.id);
+    const HX_U16 stripe = param.StripeBlockSize == 0 ? group.stripe_kib : param.StripeBlockSize;
+    const Wish wish{group.level, group.legs, stripe, disks, group.width};
+    return MakeLayout(adapter, wish, layout);
+}
+
+HX_U8 CreateOnGroup(Adapter& adapter, Time now, const DiskGroup& group,
+                    CreateOrModify_VD_Param& param) {
+    HX_U8 status =
+        CheckSettings(param.CachePolicy, param.InitializationOption, param.SectorCoefficient);
+    if (status == HX_SUCCESS) status = CheckGroup(adapter, group);
+    Layout layout;
+    if (status == HX_SUCCESS) status = LayOutOnGroup(adapter, group, param, layout);
+    if (status == HX_SUCCESS) status = CheckSlot(adapter, group, param.DGSlotNum);
+    if (status == HX_SUCCESS) status = CheckVirtualDiskCount(adapter);
+    if (status != HX_SUCCESS) return status;
+
+    const std::vector<Run> runs = CommonFree(adapter, layout.disks);
+    Sectors size = 0;
+    status =
+        ChooseSize(layout, Longest(runs).sectors, param.Size.value, param.RoundingScheme, size);
+    if (status != HX_SUCCESS) return status;
+    const Sectors block = layout.Block(size);
+    const auto run =
+        std::ranges::find_if(runs, [&](const Run& each) { return each.sectors >= block; });
+    for (const HX_U16 disk : layout.disks) {
+        status = CheckCut(adapter, disk, run->start, block);
+        if (status != HX_SUCCESS) return status;
+    }
+
+    VirtualDisk virtual_disk = Form(layout, size, param.CachePolicy, param.SectorCoefficient);
+    virtual_disk.name = NameOf(param.Name);
+    virtual_disk.group = group.id;
+    virtual_disk.slot = param.DGSlotNum;
+    const HX_U16 id = Add(adapter, now, virtual_disk);
+    for (std::size_t i = 0; i < layout.disks.size(); ++i) {
+        Cut(adapter, layout.disks[i], run->start, block, id, static_cast<HX_U8>(i));
+    }
+    StartInit(adapter, now, id, param.InitializationOption, block);
+    param.VDID = id;
+    param.Size.value = size;
+    return HX_SUCCESS;
+}
+
+// The free sectors that follow a block.
+Sectors FreeBehind(const Adapter& adapter, const Block& block) {
+    for (const Block& each : adapter.blocks) {
+        if (each.disk == block.disk && each.virtual_disk == kNoVirtualDisk &&
+            each.start == block.start + block.sectors) {
+            return each.sectors;
+        }
+    }
+    return 0;
+}
+
+// Makes the virtual disk larger where it lies.
+HX_U8 Grow(Adapter& adapter, const DiskGroup& group, VirtualDisk& virtual_disk,
+           const CreateOrModify_VD_Param& param) {
+    if (IsBusy(adapter, virtual_disk)) return HXSIM_BUSY;
+    if (const HX_U8 status = CheckGroup(adapter, group); status != HX_SUCCESS) return status;
+    if (StateOf(adapter, virtual_disk) != HXSIM_STATE_OPTIMAL) return HXSIM_WRONG_STATE;
+    Layout layout = LayoutOf(adapter, group);
+    layout.stripe_kib = virtual_disk.stripe_kib;
+    std::vector<HX_U16> blocks;
+    Sectors longest = SmallestDisk(adapter, layout.disks);
+    for (const Block& block : adapter.blocks) {
+        if (block.virtual_disk != virtual_disk.id) continue;
+        blocks.push_back(block.id);
+        longest = std::min(longest, block.sectors + FreeBehind(adapter, block));
+    }
+    Sectors size = 0;
+    const HX_U8 status = ChooseSize(layout, longest, param.Size.value, param.RoundingScheme, size);
+    if (status != HX_SUCCESS) return status;
+    if (size <= virtual_disk.size) return HXSIM_TOO_SMALL;  // after rounding
+    for (const HX_U16 block : blocks) Resize(adapter, block, layout.Block(size));
+    virtual_disk.size = size;
+    return HX_SUCCESS;
+}
+
+HX_U8 ModifyOnGroup(Adapter& adapter, Time now, const DiskGroup& group,
+                    CreateOrModify_VD_Param& param) {
+    VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, param.VDID);
+    if (virtual_disk == nullptr || virtual_disk->group != group.id) return HXSIM_NO_VIRTUAL_DISK;
+    if (!IsCache(param.CachePolicy)) return HXSIM_BAD_VALUE;
+    const Sectors wanted = param.Size.value;
+    if (wanted != 0 && wanted < virtual_disk->size) return HXSIM_TOO_SMALL;
+    if (wanted > virtual_disk->size) {
+        const HX_U8 status = Grow(adapter, group, *virtual_disk, param);
+        if (status != HX_SUCCESS) return status;
+    }
+    if (param.Name[0] != '\0') virtual_disk->name = NameOf(param.Name);
+    SetCache(adapter, now, *virtual_disk, param.CachePolicy);
+    param.Size.value = virtual_disk->size;
+    return HX_SUCCESS;
+}
+
+}  // namespace
+
+bool IsCache(HX_U8 cache) {
+    return (cache & ~(kCacheBits | HXSIM_CACHE_FORCED_WRITE_THROUGH)) == 0;
+}
+
+void SetCache(Adapter& adapter, Time now, VirtualDisk& virtual_disk, HX_U8 cache) {
+    const HX_U8 kept = cache & kCacheBits;
+    if (virtual_disk.cache == kept) return;
+    virtual_disk.cache = kept;
+    Queue(adapter, now, kCacheModeChanged, virtual_disk.id);
+}
+
+HX_U8 CreateVirtualDisk(Adapter& adapter, Time now, Create_LD_Param& param) {
+    VirtualDiskPlan plan;
+    HX_U8 status = PlanVirtualDisk(adapter, param, param.Size.value, plan);
+    if (status == HX_SUCCESS) {
+        status =
+            CheckSettings(param.CachePolicy, param.InitializationOption, param.SectorCoefficient);
+    }
+    if (status != HX_SUCCESS) return status;
+
+    VirtualDisk virtual_disk =
+        Form(plan.layout, plan.size, param.CachePolicy, param.SectorCoefficient);
+    virtual_disk.name = NameOf(param.Name);
+    const HX_U16 id = Add(adapter, now, virtual_disk);
+    for (std::size_t i = 0; i < plan.layout.disks.size(); ++i) {
+        Cut(adapter, plan.layout.disks[i], plan.starts[i], plan.block, id, static_cast<HX_U8>(i));
+    }
+    SetHomes(adapter, Owner::kVirtualDisk, id, plan.layout.disks);
+    StartInit(adapter, now, id, param.InitializationOption, plan.block);
+    param.LDID = id;
+    param.Size.value = plan.size;
+    return HX_SUCCESS;
+}
+
+HX_U8 SizeVirtualDisk(const Adapter& adapter, Create_LD_Param& param) {
+    VirtualDiskPlan plan;
+    const HX_U8 status = PlanVirtualDisk(adapter, param, 0, plan);
+    if (status == HX_SUCCESS) param.Size.value = plan.size;
+    return status;
+}
+
+HX_U8 CreateOrModifyOnGroup(Adapter& adapter, Time now, CreateOrModify_VD_Param& param) {
+    if (!adapter.info.DiskGroupSupport) return HXSIM_NOT_SUPPORTED;
+    const DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
+    if (group == nullptr) return HXSIM_NO_DISK_GROUP;
+    return param.VDID == HX_NEW_ID ? CreateOnGroup(adapter, now, *group, param)
+                                   : ModifyOnGroup(adapter, now, *group, param);
+}
+
+}  // namespace hxsim

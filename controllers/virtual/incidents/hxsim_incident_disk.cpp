@@ -1,0 +1,270 @@
+// What happens to disks from outside: they fail, are pulled out, put in and replaced.
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "calls/hxsim_disk.h"
+#include "incidents/hxsim_incident.h"
+#include "model/hxsim_link.h"
+#include "model/hxsim_random.h"
+#include "model/hxsim_redundancy.h"
+#include "model/hxsim_space.h"
+#include "rules/hxsim_activity.h"
+#include "rules/hxsim_battery.h"
+#include "rules/hxsim_event_queue.h"
+#include "rules/hxsim_remap.h"
+#include "rules/hxsim_repair.h"
+
+namespace hxsim {
+namespace {
+
+Outcome Refused(HX_U16 disk, const std::string& rest) {
+    return {"Disk " + std::to_string(disk) + ' ' + rest};
+}
+
+Outcome NoSuchDisk(HX_U16 disk) {
+    return Refused(disk, "has no place in this adapter; take one that hxsimctl show lists.");
+}
+
+Outcome NotThere(HX_U16 disk) { return Refused(disk, "is not there; insert or replace it first."); }
+
+Outcome HasFailed(HX_U16 disk) { return Refused(disk, "has failed; replace it."); }
+
+// Whether a disk of the adapter has that serial number or world wide name.
+bool IsTaken(const Adapter& adapter, const std::string& serial) {
+    return std::ranges::find(adapter.disks, serial, &Disk::serial) != adapter.disks.end();
+}
+bool IsTaken(const Adapter& adapter, std::uint64_t wwn) {
+    return std::ranges::find(adapter.disks, wwn, &Disk::wwn) != adapter.disks.end();
+}
+
+// A serial number of the series that the old one is of.
+std::string NewSerial(const Adapter& adapter, const std::string& old, std::uint64_t& random) {
+    constexpr unsigned kDrawn = 6;
+    std::string serial;
+    do {
+        serial = DrawSerial(random, old.substr(0, 4), kDrawn);
+    } while (IsTaken(adapter, serial));
+    return serial;
+}
+
+std::uint64_t NewWorldWideName(const Adapter& adapter, std::uint64_t& random) {
+    std::uint64_t wwn = 0;
+    do {
+        wwn = WorldWideNameOfNewDisk(adapter.id, static_cast<HX_U16>(Draw(random) >> 48));
+    } while (IsTaken(adapter, wwn));
+    return wwn;
+}
+
+void EndActivityOf(Adapter& adapter, Time now, HX_U16 disk) {
+    const Activity* const activity = ActivityOf(adapter, Owner::kDisk, disk);
+    if (activity != nullptr) Fail(adapter, now, activity->id);
+}
+
+std::array<HX_U32, 4> AddressAnd(Sectors lba, HX_U32 third, HX_U32 fourth) {
+    return {static_cast<HX_U32>(lba >> 32), static_cast<HX_U32>(lba), third, fourth};
+}
+
+const Block* ContentAt(const Adapter& adapter, HX_U16 disk, Sectors lba) {
+    const auto found = std::ranges::find_if(adapter.blocks, [&](const Block& block) {
+        return block.disk == disk && block.virtual_disk != kNoVirtualDisk && !block.target &&
+               block.start <= lba && lba - block.start < block.sectors;
+    });
+    return found == adapter.blocks.end() ? nullptr : &*found;
+}
+
+// Whether the host reads what the virtual disk has on the disk: the error is met at once. What
+// nobody reads waits for a media patrol or a check.
+bool IsRead(const Adapter& adapter, const Disk& disk, const VirtualDisk& virtual_disk) {
+    const HX_U8 state = StateOf(adapter, virtual_disk);
+    return IsReady(disk) && state != HXSIM_STATE_OFFLINE && state != HXSIM_STATE_FOREIGN;
+}
+
+// What was in the sector is made again of what the other disks hold, where they hold enough.
+bool CanBeMadeAgain(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    const HX_U8 state = StateOf(adapter, virtual_disk);
+    return virtual_disk.level != 0 &&
+           (state == HXSIM_STATE_OPTIMAL || state == HXSIM_STATE_PARTIALLY_OPTIMAL);
+}
+
+bool IsKnownBad(const Adapter& adapter, HX_U16 disk, Sectors lba) {
+    return std::ranges::any_of(adapter.remaps, [&](const Remap& remap) {
+        return remap.disk == disk && remap.lba <= lba && lba - remap.lba < remap.sectors;
+    });
+}
+
+}  // namespace
+
+Outcome FailDisk(Adapter& adapter, Time now, HX_U16 disk) {
+    Disk* const row = Find(adapter.disks, disk);
+    if (row == nullptr) return NoSuchDisk(disk);
+    if (!row->present) return NotThere(disk);
+    if (row->failed) return HasFailed(disk);
+    row->failed = true;
+    Queue(adapter, now, kDiskSetDown, disk);
+    return {};
+}
+
+Outcome RemoveDisk(Adapter& adapter, Time now, HX_U16 disk) {
+    Disk* const row = Find(adapter.disks, disk);
+    if (row == nullptr) return NoSuchDisk(disk);
+    if (!row->present) return NotThere(disk);
+    row->present = false;
+    row->locate_light = false;
+    Queue(adapter, now, kDiskOffline, disk);
+    return {};
+}
+
+Outcome InsertDisk(Adapter& adapter, Time now, HX_U16 disk) {
+    Disk* const row = Find(adapter.disks, disk);
+    if (row == nullptr) return NoSuchDisk(disk);
+    if (row->present) return Refused(disk, "is there already; remove it first.");
+    row->present = true;
+    // What has been set offline or given up is so wherever it is put.
+    if (row->failed) {
+        Queue(adapter, now, kDiskSetDown, disk);
+    } else if (!row->offline) {
+        Queue(adapter, now, kDiskOnline, disk);
+    }
+    return {};
+}
+
+Outcome ReplaceDisk(Adapter& adapter, Time now, HX_U16 disk, std::uint64_t& random, bool foreign,
+                    Sectors sectors) {
+    Disk* const row = Find(adapter.disks, disk);
+    if (row == nullptr) return NoSuchDisk(disk);
+    if (sectors != 0 && (sectors <= kMetadata || sectors > kMostSectors)) {
+        return {"A disk has " + std::to_string(kMetadata + 1) + " to " +
+                std::to_string(kMostSectors) + " sectors, not " + std::to_string(sectors) + '.'};
+    }
+    if (row->present && !row->failed) Queue(adapter, now, kDiskOffline, disk);
+    EndActivityOf(adapter, now, disk);
+    DropContents(adapter, now, disk);
+    std::erase_if(adapter.remaps, [&](const Remap& remap) { return remap.disk == disk; });
+
+    Disk fresh;
+    static_cast<Attachment&>(fresh) = *row;
+    fresh.id = disk;
+    fresh.enclosure = row->enclosure;
+    fresh.slot = row->slot;
+    fresh.model = row->model;
+    fresh.firmware = row->firmware;
+    fresh.serial = NewSerial(adapter, row->serial, random);
+    fresh.wwn = NewWorldWideName(adapter, random);
+    fresh.sectors = sectors != 0 ? sectors : row->sectors;
+    fresh.sas = row->sas;
+    fresh.speed = row->speed;
+    fresh.foreign = foreign;
+    *row = std::move(fresh);
+    ResetDisk(adapter, disk);
+    Queue(adapter, now, kDiskOnline, disk);
+    TellOfSmallHome(adapter, now, disk);
+    return {};
+}
+
+Outcome TripSmart(Adapter& adapter, Time now, HX_U16 disk) {
+    Disk* const row = Find(adapter.disks, disk);
+    if (row == nullptr) return NoSuchDisk(disk);
+    if (!row->present) return NotThere(disk);
+    if (row->failed) return HasFailed(disk);
+    if (row->smart_exceeded) {
+        return Refused(disk, "is over its SMART threshold already; replace it.");
+    }
+    row->smart_exceeded = true;
+    if (row->smart_on && adapter.config.PollSMARTStatus != 0) {
+        Queue(adapter, now, kSmartThresholdOver, disk);
+    }
+    return {};
+}
+
+Outcome DamageSector(Adapter& adapter, Time now, HX_U16 disk, Sectors lba) {
+    const Disk* const row = Find(adapter.disks, disk);
+    if (row == nullptr) return NoSuchDisk(disk);
+    if (!row->present) return NotThere(disk);
+    if (row->failed) return HasFailed(disk);
+    if (lba >= row->sectors) {
+        return Refused(disk, "ends before sector " + std::to_string(lba) + "; its last one is " +
+                                 std::to_string(row->sectors - 1) + '.');
+    }
+    if (IsKnownBad(adapter, disk, lba)) {
+        return Refused(
+            disk, "has a damaged sector " + std::to_string(lba) + " already; take another one.");
+    }
+    const Block* const content = ContentAt(adapter, disk, lba);
+    VirtualDisk* const virtual_disk =
+        content == nullptr ? nullptr : Find(adapter.virtual_disks, content->virtual_disk);
+    if (virtual_disk == nullptr || !IsRead(adapter, *row, *virtual_disk)) {
+        SetRemap(adapter, {disk, lba, 1, kNotRemapped});
+        return {};
+    }
+    Queue(adapter, now, kDiskReadWriteError, disk);
+    const bool reassigned = Reassign(adapter, now, disk, lba, 1);
+    if (reassigned && CanBeMadeAgain(adapter, *virtual_disk)) {
+        Queue(adapter, now, kDiskErrorFixed, disk);
+        return {};
+    }
+    // A check finds the stripe.
+    if (virtual_disk->level != 0) ++virtual_disk->errors;
+    Queue(adapter, now, kInconsistentAddress, virtual_disk->id, AddressAnd(lba, 0, 0));
+    return {};
+}
+
+namespace {
+
+// What was held back in the cache, and is written nowhere now, leaves a stripe half written.
+bool LosesWhatIsCached(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    return (virtual_disk.cache & HXSIM_CACHE_WRITE_BACK) != 0 && !AllowsWriteBack(adapter) &&
+           !ForcesWriteThrough(adapter) && virtual_disk.initialised && !virtual_disk.foreign &&
+           virtual_disk.level != 0 && StateOf(adapter, virtual_disk) != HXSIM_STATE_OFFLINE;
+}
+
+// Whether a virtual disk has gone with all its disks.
+bool IsGone(const Adapter& adapter, HX_U16 virtual_disk) {
+    return std::ranges::none_of(adapter.blocks, [&](const Block& block) {
+        if (block.virtual_disk != virtual_disk) return false;
+        const Disk* const disk = Find(adapter.disks, block.disk);
+        return disk != nullptr && disk->present;
+    });
+}
+
+// What a controller finds missing when it comes up.
+void AnnounceMissing(Adapter& adapter, Time now) {
+    for (const Disk& disk : adapter.disks) {
+        if (!disk.present && IsConfigured(adapter, disk.id)) {
+            Queue(adapter, now, kDiskMissingAtBoot, disk.id);
+        }
+    }
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        const HX_U8 state = StateOf(adapter, each);
+        if (state != HXSIM_STATE_OPTIMAL && state != HXSIM_STATE_FOREIGN) {
+            const bool gone = IsGone(adapter, each.id);
+            Queue(adapter, now, gone ? kVirtualDiskMissingAtBoot : kVirtualDiskMissesDisks,
+                  each.id);
+        }
+    }
+    const bool battery_missing = std::ranges::any_of(
+        adapter.batteries, [](const Battery& battery) { return !battery.present; });
+    if (battery_missing) Queue(adapter, now, kBatteryNotPresent, 0);
+}
+
+}  // namespace
+
+void CutPower(Adapter& adapter, Time now) {
+    for (VirtualDisk& each : adapter.virtual_disks) {
+        if (LosesWhatIsCached(adapter, each)) ++each.errors;
+    }
+    const char(&serial)[20] = adapter.info.SerialNo;
+    const std::string_view text(serial, strnlen(serial, sizeof serial));
+    Queue(adapter, now, kAdapterFound, adapter.id, {}, text);
+    AnnounceMissing(adapter, now);
+    for (const Activity& activity : adapter.activities) {
+        if (activity.state == HXSIM_ACTIVITY_RUNNING) {
+            Announce(adapter, now, activity, Step::kRestart);
+        }
+    }
+}
+
+}  // namespace hxsim

@@ -1,0 +1,350 @@
+// What the virtual machine consists of: a row for each object, in lists by adapter, all values.
+//
+// A machine is plain data. It is loaded from the state file, changed by functions that take it by
+// reference, and saved row by row; nothing here knows of files or of the interface's calls. What
+// must hold of a machine between two calls is checked by hxsim_check.h.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "codes/hxraid_codes.h"
+#include "hxraid.h"
+
+namespace hxsim {
+
+using Sectors = std::uint64_t;  // of 512 bytes
+using Time = std::int64_t;      // milliseconds of virtual time since 1970-01-01 00:00 UTC
+
+inline constexpr HX_U16 kNoId = 65535;         // no object has this ID
+inline constexpr HX_U16 kNoVirtualDisk = 255;  // a block's virtual disk: none
+inline constexpr HX_U8 kNoDiskGroup = 255;     // LD_Info::DGID of a virtual disk of no group
+inline constexpr Sectors kMetadata = 65536;    // sectors at a disk's end, the controller's own
+inline constexpr Sectors kMostSectors = Sectors{1} << 48;  // of a disk
+inline constexpr std::size_t kMostEvents = 512;            // that an adapter's queue holds
+inline constexpr Time kNever = INT64_MAX;
+
+/// Virtual time: `speed` virtual milliseconds for each real one since `real`, when it was
+/// `start`. Speed 0 is a clock that stands still.
+struct Clock {
+    Time start = 0;
+    Time real = 0;  // milliseconds of real time since 1970
+    std::int64_t speed = 1;
+};
+
+/// What a device is plugged into.
+struct Attachment {
+    HX_U8 parent = 0;      // HxsimDevice
+    HX_U16 parent_id = 0;  // among the devices of its kind
+    HX_U8 phy = 0;         // the first of its phys or ports there
+    HX_U8 phys = 1;        // how many it takes
+};
+
+/// The kind of spare that a disk is.
+enum class Spare : HX_U8 { kNone, kGlobal, kGroup };
+
+/// A place for a disk and what is in it. The ID is the place's: a disk that replaces another has
+/// its ID. A place that was emptied keeps its row; it is listed while `present`, or while virtual
+/// disks still count on what was in it (a missing disk).
+struct Disk : Attachment {
+    HX_U16 id = 0;
+    HX_U16 enclosure = kNoId;
+    HX_U16 slot = kNoId;
+    std::string model;  // maker, a blank, model
+    std::string firmware;
+    std::string serial;
+    std::uint64_t wwn = 0;
+    Sectors sectors = 0;  // all of it, metadata included
+    bool sas = false;     // else SATA
+    HX_U8 speed = HXSIM_SPEED_6_GBIT;
+    bool present = true;
+    bool failed = false;
+    bool offline = false;  // set offline by a caller
+    bool foreign = false;  // carries another controller's metadata
+    Spare spare = Spare::kNone;
+    HX_U16 spare_group = kNoId;         // of Spare::kGroup
+    Spare spare_before = Spare::kNone;  // what it was before it stepped in: again after a copyback
+    HX_U16 spare_group_before = kNoId;
+    bool smart_on = true;
+    bool smart_exceeded = false;
+    bool write_cache = false;
+    bool has_mbr = false;
+    bool has_system = false;
+    bool locate_light = false;
+};
+
+/// A run of sectors of a disk. The blocks of a disk leave nothing out between sector 0 and the
+/// metadata and never overlap; a free run is a block of kNoVirtualDisk, and two free blocks never
+/// touch.
+struct Block {
+    HX_U16 id = 0;
+    HX_U16 disk = 0;
+    HX_U16 virtual_disk = kNoVirtualDisk;
+    HX_U8 position = 0;  // among the blocks of its virtual disk
+    bool target =
+        false;  // a migration or copyback writes it; it does not serve its virtual disk yet
+    HX_U8 state = HXSIM_STATE_OPTIMAL;  // OPTIMAL; REBUILDING: content is being made; DEGRADED: its
+                                        // content is out of date, since writes have passed it by
+    Sectors start = 0;
+    Sectors sectors = 0;
+};
+
+/// A virtual disk. Its content lies in blocks of one size, one for each position 0 .. width - 1; a
+/// position without a block has lost it.
+struct VirtualDisk {
+    HX_U16 id = 0;  // 0 .. 254
+    std::string name;
+    HX_U16 group = kNoId;  // kNoId: lies directly on its disks
+    HX_U8 slot = 0;        // of the group
+    HX_U8 level = 0;
+    HX_U8 legs = 0;   // 0 where the level has none
+    HX_U8 width = 0;  // positions
+    HX_U16 stripe_kib = 64;
+    HX_U8 cache = 0;        // HxsimCache, without FORCED_WRITE_THROUGH
+    HX_U8 coefficient = 1;  // sectors of 512 bytes in one as the host sees it
+    Sectors size = 0;       // of data
+    bool auto_rebuild = true;
+    bool foreign = false;
+    bool initialised = false;
+    HX_U32 errors = 0;  // stripes whose redundancy disagrees with the data, unknown until checked
+    HX_U8 state = HXSIM_STATE_OPTIMAL;  // as last announced; what it is now follows from the blocks
+};
+
+/// What an activity or a position belongs to.
+enum class Owner : HX_U8 { kVirtualDisk, kDiskGroup, kDisk };
+
+/// The disk on which a position of a virtual disk or of a disk group belongs: where a copyback
+/// returns to when a spare has stepped in.
+struct Home {
+    Owner of = Owner::kVirtualDisk;
+    HX_U16 owner = 0;  // virtual disk or disk group
+    HX_U8 position = 0;
+    HX_U16 disk = kNoId;  // that serves the position now; kNoId: lost
+    HX_U16 home = kNoId;  // that it belongs on; usually the same
+};
+
+/// A disk group. The disks that serve it are those of its Home rows, wholly.
+struct DiskGroup {
+    HX_U16 id = 0;
+    std::string name;
+    HX_U8 level = 0;
+    HX_U8 legs = 0;
+    HX_U8 width = 0;
+    HX_U16 stripe_kib = 64;
+    bool write_cache = false;
+    HX_U8 state = HXSIM_STATE_OPTIMAL;  // as last announced
+};
+
+/// A background activity. At most one is there for a virtual disk, a disk or a disk group, besides
+/// a migration that waits while its virtual disk is rebuilt.
+struct Activity {
+    HX_U16 id = 0;
+    HX_U8 kind = 0;  // HxsimActivity
+    HX_U8 state = HXSIM_ACTIVITY_RUNNING;
+    Owner of = Owner::kVirtualDisk;
+    HX_U16 owner = 0;
+    Sectors total = 0;  // sectors of each disk that it goes over
+    Sectors done = 0;   // at `since`
+    Time since = 0;
+    std::uint64_t speed = 0;  // sectors a second of virtual time; follows from the rate set
+    HX_U8 announced = 0;      // percent of the last progress event
+    HX_U32 found = 0;         // errors met so far
+    // A migration: what the virtual disk or disk group becomes.
+    HX_U8 level = 0;
+    HX_U8 legs = 0;
+    HX_U8 width = 0;
+    HX_U16 stripe_kib = 0;
+    Sectors size = 0;
+};
+
+inline constexpr HX_U8 kNotRemapped = 0;  // Remap::reason: damaged, and nobody has met it yet
+
+/// A remapped run of a disk's sectors, or a damaged one that a media patrol or a check will meet
+/// and remap. The latter is not in the remap table that callers see.
+struct Remap {
+    HX_U16 disk = 0;
+    Sectors lba = 0;
+    HX_U32 sectors = 0;
+    HX_U8 reason = HXSIM_REMAP_READ_ERROR;
+};
+
+struct Expander : Attachment {
+    HX_U16 id = 0;
+    HX_U16 enclosure = 0;
+    HX_U8 phy_count = 0;
+    HX_U16 route_indexes = 0;
+    HX_U16 changes = 0;
+    std::string vendor, product, revision, component_vendor;
+    HX_U16 component = 0;
+    HX_U8 component_revision = 0;
+};
+
+struct PortMultiplier : Attachment {
+    HX_U16 id = 0;
+    HX_U8 ports = 0;
+    HX_U8 revision = 0;
+    HX_U8 standards = 0;  // as PMSpecRevision
+    HX_U16 vendor = 0;
+    HX_U16 device = 0;
+};
+
+/// An enclosure. Its expanders are those that name it.
+struct Enclosure : Attachment {
+    HX_U16 id = 0;
+    std::string vendor, product, revision;
+};
+
+/// An element of an enclosure; an adapter's elements stand by enclosure and number.
+struct Element {
+    HX_U16 enclosure = 0;
+    HX_U8 number = 0;
+    HX_U8 type = 0;  // HX_ELEMENT_...
+    HX_U8 status = HXSIM_ELEMENT_OK;
+    HX_U16 reading = 0;    // as the field of its type has it: speed, temperature or voltage
+    HX_U16 nominal = 0;    // what a fan or a voltage has when all is well
+    HX_U8 speed_code = 0;  // fans
+    bool muted = false;    // alarms
+    HX_U8 high_critical = 0;
+    HX_U8 high_warning = 0;
+    HX_U8 low_critical = 0;
+    HX_U8 low_warning = 0;
+};
+
+/// What the battery is about.
+enum class BatteryPhase : HX_U8 {
+    kIdle,
+    kCharging,
+    kDischarging,
+    kRelearnDischarging,
+    kRelearnCharging
+};
+
+/// The battery unit. `info` is right at `since`; charge and times follow from the phase since then.
+struct Battery {
+    BBU_Info info{};
+    BatteryPhase phase = BatteryPhase::kIdle;
+    Time since = 0;
+    HX_U16 charge_at_since = 0;  // mAh
+    bool switched_on = true;     // HX_BBU_SetStatus
+    bool present = true;
+};
+
+/// Bytes that are shared by copies of a machine and never changed.
+using Bytes = std::shared_ptr<const std::string>;
+
+/// A region of the flash. The image is healthy when it is whole; while it is written, `written`
+/// pieces are there.
+struct FlashImage {
+    HX_U8 type = 0;  // HxsimImage
+    bool erased = false;
+    bool healthy = true;
+    HX_U16 written = 0;
+    Bytes data;  // null: nothing
+};
+
+/// An event on its way to whoever takes it.
+struct QueuedEvent {
+    HX_U32 number = 0;  // SequenceNo
+    Event event{};
+};
+
+/// An adapter and all that hangs on it. Lists ascend by ID (blocks, virtual disks, ...), by
+/// (of, owner, position), by (enclosure, number), by (disk, lba) or by number.
+struct Adapter {
+    HX_U8 id = 0;
+    Adapter_Info info{};  // complete, WWN, SerialNo and health included
+    Adapter_Config_V2 config{};
+    bool alarm = false;     // is sounding
+    bool muted = false;     // what sounds has been silenced
+    HX_U32 next_event = 1;  // SequenceNo of the next one
+
+    std::vector<Disk> disks;
+    std::vector<Block> blocks;
+    std::vector<VirtualDisk> virtual_disks;
+    std::vector<DiskGroup> disk_groups;
+    std::vector<Home> homes;
+    std::vector<Activity> activities;
+    std::vector<Remap> remaps;
+    std::vector<Expander> expanders;
+    std::vector<PortMultiplier> port_multipliers;
+    std::vector<Enclosure> enclosures;
+    std::vector<Element> elements;
+    std::vector<Battery> batteries;  // none or one
+    std::vector<FlashImage> images;
+    std::vector<QueuedEvent> events;
+};
+
+/// A fault that is put in the way of calls.
+struct Injection {
+    HX_U32 id = 0;
+    std::string call;  // "HX_LD_GetInfo"; empty: every call
+    HX_U8 code = 0;    // with which the call is refused; not looked at when hostile
+    HX_U32 times = 0;  // calls still to be hit; 0: all of them
+    HX_U32 after = 0;  // calls still to be let through first
+    HX_U8 adapter = HX_ALL_ADAPTERS;
+    bool hostile = false;  // counts, indices, lengths and texts are what broken firmware returns
+};
+
+struct Machine {
+    Clock clock;
+    std::uint64_t seed = 0;
+    std::uint64_t random = 0;  // state of the generator of serial numbers and the like
+    std::string topology;      // its name
+    std::vector<Adapter> adapters;
+    std::vector<Injection> injections;
+};
+
+// ---- Finding ----------------------------------------------------------------------------------
+
+/// The row with that ID; null when there is none.
+template <class Rows>
+auto Find(Rows& rows, HX_U16 id) -> decltype(rows.data()) {
+    const auto row =
+        std::ranges::lower_bound(rows, id, {}, [](const auto& each) { return each.id; });
+    return row != rows.end() && row->id == id ? &*row : nullptr;
+}
+
+/// The lowest ID from 0 on that no row has.
+template <class Rows>
+HX_U16 FreeId(const Rows& rows) {
+    HX_U16 id = 0;
+    for (const auto& row : rows) {
+        if (row.id != id) break;
+        ++id;
+    }
+    return id;
+}
+
+/// Puts a row where its ID belongs and returns it.
+template <class Rows, class Row>
+Row& Insert(Rows& rows, Row row) {
+    const auto at =
+        std::ranges::lower_bound(rows, row.id, {}, [](const auto& each) { return each.id; });
+    return *rows.insert(at, std::move(row));
+}
+
+/// Sectors of a disk before the controller's metadata.
+constexpr Sectors UsableSectors(const Disk& disk) {
+    return disk.sectors > kMetadata ? disk.sectors - kMetadata : 0;
+}
+
+/// Whether the disk can be read and written: there, sound, not set offline and ours.
+constexpr bool IsReady(const Disk& disk) {
+    return disk.present && !disk.failed && !disk.offline && !disk.foreign;
+}
+
+/// What time it is on the clock at that real time.
+Time Now(const Clock& clock, Time real);
+
+/// Real time now, in milliseconds since 1970-01-01 00:00 UTC.
+Time RealNow();
+
+/// The real time at which the clock will show `time`; kNever when it stands still.
+Time RealTimeOf(const Clock& clock, Time time);
+
+}  // namespace hxsim

@@ -1,0 +1,251 @@
+// What can be made of disks, and how large it would be.
+#include "model/hxsim_plan.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <limits>
+#include <string>
+
+#include "model/hxsim_redundancy.h"
+#include "model/hxsim_space.h"
+#include "rules/hxsim_event_queue.h"
+
+namespace hxsim {
+namespace {
+
+constexpr HX_U16 kUsualStripe = 64;  // KiB
+constexpr Sectors kGib = 2097152;
+
+// What a size is rounded down to; 0 for a code that no scheme has.
+Sectors UnitOf(HX_U8 rounding) {
+    switch (rounding) {
+        case HXSIM_ROUND_TO_STRIPE:
+            return 1;  // sizes are of whole stripes before they are rounded
+        case HXSIM_ROUND_TO_1_GIB:
+            return kGib;
+        case HXSIM_ROUND_TO_10_GIB:
+            return 10 * kGib;
+        default:
+            return 0;
+    }
+}
+
+HX_U8 CheckDisks(const Adapter& adapter, std::span<const HX_U16> disks) {
+    for (std::size_t i = 0; i < disks.size(); ++i) {
+        if (Find(adapter.disks, disks[i]) == nullptr) return HXSIM_NO_DISK;
+        if (std::ranges::count(disks.first(i), disks[i]) != 0) return HXSIM_DISK_REPEATED;
+    }
+    return HX_SUCCESS;
+}
+
+std::vector<Run> FreeRuns(const Adapter& adapter, HX_U16 disk) {
+    std::vector<Run> runs;
+    for (const Block& block : adapter.blocks) {
+        if (block.disk == disk && block.virtual_disk == kNoVirtualDisk) {
+            runs.push_back({block.start, block.sectors});
+        }
+    }
+    std::ranges::sort(runs, {}, &Run::start);
+    return runs;
+}
+
+// What lies in a run of both. Both ascend.
+std::vector<Run> Overlap(std::span<const Run> some, std::span<const Run> others) {
+    std::vector<Run> both;
+    std::size_t i = 0;
+    std::size_t j = 0;
+    while (i < some.size() && j < others.size()) {
+        const Sectors start = std::max(some[i].start, others[j].start);
+        const Sectors some_end = some[i].start + some[i].sectors;
+        const Sectors others_end = others[j].start + others[j].sectors;
+        const Sectors end = std::min(some_end, others_end);
+        if (start < end) both.push_back({start, end - start});
+        ++(some_end < others_end ? i : j);
+    }
+    return both;
+}
+
+// What each of the disks can give in one run.
+Sectors ShortestRun(const Adapter& adapter, std::span<const HX_U16> disks) {
+    Sectors shortest = std::numeric_limits<Sectors>::max();
+    for (const HX_U16 disk : disks) {
+        const Block* const longest = LongestFree(adapter, disk);
+        shortest = std::min(shortest, longest == nullptr ? 0 : longest->sectors);
+    }
+    return shortest;
+}
+
+}  // namespace
+
+Sectors Layout::Data(Sectors block) const {
+    if (level == nullptr || stripe_kib == 0) return 0;  // of a state file that somebody has changed
+    return DataSectors(*level, Width(), legs, stripe_kib, block);
+}
+
+Sectors Layout::Block(Sectors data) const {
+    return BlockSectors(*level, Width(), legs, stripe_kib, data);
+}
+
+HX_U8 MakeLayout(const Adapter& adapter, const Wish& wish, Layout& layout) {
+    const Adapter_Info& model = adapter.info;
+    const Level* const level = FindLevel(wish.level);
+    if (level == nullptr || (model.LogicalDriverMode & level->mode) == 0) return HXSIM_BAD_LEVEL;
+    // A stripe size in KiB is its own bit in the mask of those that are supported.
+    const HX_U16 stripe = wish.stripe_kib == 0 ? kUsualStripe : wish.stripe_kib;
+    if ((stripe & (stripe - 1)) != 0 || (model.StripeSizeSupported & stripe) == 0) {
+        return HXSIM_BAD_STRIPE_SIZE;
+    }
+    const auto count = static_cast<unsigned>(wish.disks.size());
+    if (count > wish.most_disks || !CanBeMade(*level, count, wish.legs) ||
+        ParityDisks(*level, wish.legs) > model.MaxParityDisks) {
+        return HXSIM_BAD_DISK_COUNT;
+    }
+    if (const HX_U8 status = CheckDisks(adapter, wish.disks); status != HX_SUCCESS) return status;
+    layout.level = level;
+    layout.legs = level->legs ? static_cast<HX_U8>(LegsOf(*level, wish.legs)) : HX_U8{0};
+    layout.stripe_kib = stripe;
+    layout.disks.assign(wish.disks.begin(), wish.disks.end());
+    return HX_SUCCESS;
+}
+
+HX_U8 CheckSharedDisk(const Adapter& adapter, HX_U16 id) {
+    const Disk* const disk = Find(adapter.disks, id);
+    if (disk == nullptr) return HXSIM_NO_DISK;
+    if (!IsReady(*disk)) return HXSIM_DISK_NOT_READY;
+    // A spare that has stepped in is to be a spare again.
+    const bool spare = disk->spare != Spare::kNone || disk->spare_before != Spare::kNone;
+    if (spare || GroupOf(adapter, id) != nullptr) return HXSIM_DISK_TAKEN;
+    if (disk->has_system) return HXSIM_HOLDS_SYSTEM;
+    return HX_SUCCESS;
+}
+
+HX_U8 CheckWholeDisk(const Adapter& adapter, HX_U16 id) {
+    const HX_U8 status = CheckSharedDisk(adapter, id);
+    if (status != HX_SUCCESS && status != HXSIM_HOLDS_SYSTEM) return status;
+    if (!IsFree(adapter, *Find(adapter.disks, id)) || CarriesBlocks(adapter, id)) {
+        return HXSIM_DISK_TAKEN;
+    }
+    return status;
+}
+
+HX_U8 ChooseSize(const Layout& layout, Sectors run, Sectors wanted, HX_U8 rounding, Sectors& size) {
+    const Sectors unit = UnitOf(rounding);
+    if (unit == 0) return HXSIM_BAD_ROUNDING;
+    const Sectors most = layout.Data(run);
+    if (most == 0 || wanted > most) return HXSIM_NO_SPACE;
+    const Sectors chosen = wanted == 0 ? most : layout.Data(layout.Block(wanted));
+    const Sectors rounded = chosen - chosen % unit;
+    if (rounded == 0) return wanted == 0 ? HXSIM_NO_SPACE : HXSIM_BAD_VALUE;
+    size = rounded;
+    return HX_SUCCESS;
+}
+
+HX_U8 CheckVirtualDiskCount(const Adapter& adapter) {
+    const bool full = adapter.virtual_disks.size() >= adapter.info.MaxLogicalDrive;
+    return full ? HXSIM_TOO_MANY_VIRTUAL_DISKS : HX_SUCCESS;
+}
+
+HX_U8 PlanVirtualDisk(const Adapter& adapter, const Create_LD_Param& param, Sectors wanted,
+                      VirtualDiskPlan& plan) {
+    if (UnitOf(param.RoundingScheme) == 0) return HXSIM_BAD_ROUNDING;
+    if (param.HDCount > HX_MAX_HDS) return HXSIM_BAD_DISK_COUNT;
+    const Wish wish{param.RaidMode, param.SubLDCount, param.StripeBlockSize,
+                    std::span(param.HDIDs, param.HDCount), adapter.info.MaxPDPerVD};
+    HX_U8 status = MakeLayout(adapter, wish, plan.layout);
+    for (const HX_U16 disk : plan.layout.disks) {
+        if (status == HX_SUCCESS) status = CheckSharedDisk(adapter, disk);
+    }
+    if (status == HX_SUCCESS) status = CheckVirtualDiskCount(adapter);
+    if (status != HX_SUCCESS) return status;
+    status = ChooseSize(plan.layout, ShortestRun(adapter, wish.disks), wanted, param.RoundingScheme,
+                        plan.size);
+    if (status != HX_SUCCESS) return status;
+    plan.block = plan.layout.Block(plan.size);
+    for (const HX_U16 disk : plan.layout.disks) {
+        const Sectors start = FirstFree(adapter, disk, plan.block)->start;
+        status = CheckCut(adapter, disk, start, plan.block);
+        if (status != HX_SUCCESS) return status;
+        plan.starts.push_back(start);
+    }
+    return HX_SUCCESS;
+}
+
+std::vector<HX_U16> DisksOf(const Adapter& adapter, Owner of, HX_U16 owner) {
+    std::vector<HX_U16> disks;
+    for (const Home& home : adapter.homes) {
+        if (home.of == of && home.owner == owner) disks.push_back(home.disk);
+    }
+    return disks;
+}
+
+Layout LayoutOf(const Adapter& adapter, const DiskGroup& group) {
+    return {FindLevel(group.level), group.legs, group.stripe_kib,
+            DisksOf(adapter, Owner::kDiskGroup, group.id)};
+}
+
+Sectors SmallestDisk(const Adapter& adapter, std::span<const HX_U16> disks) {
+    Sectors smallest = std::numeric_limits<Sectors>::max();
+    bool any = false;
+    for (const HX_U16 id : disks) {
+        const Disk* const disk = Find(adapter.disks, id);
+        if (disk == nullptr) continue;
+        smallest = std::min(smallest, UsableSectors(*disk));
+        any = true;
+    }
+    return any ? smallest : 0;
+}
+
+Sectors ManagedSpace(const Adapter& adapter, const Layout& layout) {
+    return layout.Data(SmallestDisk(adapter, layout.disks));
+}
+
+std::vector<Run> CommonFree(const Adapter& adapter, std::span<const HX_U16> disks) {
+    std::vector<Run> common;
+    bool first = true;
+    for (const HX_U16 disk : disks) {
+        if (Find(adapter.disks, disk) == nullptr) continue;  // a lost position
+        const std::vector<Run> runs = FreeRuns(adapter, disk);
+        common = first ? runs : Overlap(common, runs);
+        first = false;
+    }
+    return common;
+}
+
+Run Longest(std::span<const Run> runs) {
+    Run longest;
+    for (const Run& run : runs) {
+        if (run.sectors > longest.sectors) longest = run;
+    }
+    return longest;
+}
+
+void SetHomes(Adapter& adapter, Owner of, HX_U16 owner, std::span<const HX_U16> disks) {
+    DropHomes(adapter, of, owner);
+    const auto at = std::ranges::find_if(adapter.homes, [&](const Home& home) {
+        return home.of > of || (home.of == of && home.owner > owner);
+    });
+    std::vector<Home> homes;
+    for (const HX_U16 disk : disks) {
+        homes.push_back({of, owner, static_cast<HX_U8>(homes.size()), disk, disk});
+    }
+    adapter.homes.insert(at, homes.begin(), homes.end());
+}
+
+void SetWriteCache(Adapter& adapter, Time now, HX_U16 id, bool on) {
+    Disk* const disk = Find(adapter.disks, id);
+    if (disk == nullptr || disk->write_cache == on) return;
+    disk->write_cache = on;
+    Queue(adapter, now, kDiskCacheModeChanged, id);
+}
+
+void DropHomes(Adapter& adapter, Owner of, HX_U16 owner) {
+    std::erase_if(adapter.homes,
+                  [&](const Home& home) { return home.of == of && home.owner == owner; });
+}
+
+std::string NameOf(const char (&field)[HX_NAME_SIZE]) {
+    return {std::begin(field), std::ranges::find(field, '\0')};
+}
+
+}  // namespace hxsim

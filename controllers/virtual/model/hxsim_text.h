@@ -1,0 +1,25 @@
+// Texts in the fixed fields of the interface's records.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace hxsim {
+
+/// The text, cut to the field or filled up with NULs.
+template <std::size_t size>
+void SetText(char (&field)[size], std::string_view text) {
+    for (std::size_t i = 0; i < size; ++i) field[i] = i < text.size() ? text[i] : '\0';
+}
+
+/// The text, cut to `width` characters or filled up with blanks, as a device sends it; NULs behind
+/// them.
+template <std::size_t size>
+void SetPaddedText(char (&field)[size], std::string_view text, std::size_t width = size) {
+    for (std::size_t i = 0; i < size; ++i) {
+        const char pad = i < width ? ' ' : '\0';
+        field[i] = i < text.size() && i < width ? text[i] : pad;
+    }
+}
+
+}  // namespace hxsim

@@ -1,0 +1,374 @@
+// The battery that keeps an adapter's cache: how its charge goes with time, and what follows.
+//
+// Charge is counted in whole mAh. A battery does something by itself whenever another tenth of its
+// charge is gone or won, so that whatever depends on the charge changes at such a time.
+#include "rules/hxsim_battery.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "calls/hxsim_list_page.h"
+#include "calls/hxsim_session.h"
+#include "codes/hxraid_codes.h"
+#include "rules/hxsim_event_queue.h"
+
+namespace hxsim {
+namespace {
+
+constexpr std::uint64_t kHour = 3600 * 1000;  // milliseconds
+constexpr std::uint64_t kFullCharge = 2 * kHour;
+constexpr std::uint64_t kFullDischarge = 4 * kHour;
+constexpr unsigned kSafePercentage = 30;
+constexpr HX_U16 kNoTime = 65535;  // minutes of a thing that does not happen
+constexpr HX_U16 kBattery = 0;     // the device of its events
+
+constexpr HX_U16 kHighestTemperature = 100;
+constexpr HX_U16 kLowestVoltage = 1000, kHighestVoltage = 20000;
+
+bool Charges(BatteryPhase phase) {
+    return phase == BatteryPhase::kCharging || phase == BatteryPhase::kRelearnCharging;
+}
+bool Discharges(BatteryPhase phase) {
+    return phase == BatteryPhase::kDischarging || phase == BatteryPhase::kRelearnDischarging;
+}
+bool Relearns(BatteryPhase phase) {
+    return phase == BatteryPhase::kRelearnDischarging || phase == BatteryPhase::kRelearnCharging;
+}
+
+std::uint64_t Capacity(const Battery& battery) {
+    return std::max<std::uint64_t>(battery.info.maxCapacity, 1);
+}
+
+std::uint64_t RoundedUp(std::uint64_t dividend, std::uint64_t divisor) {
+    return (dividend + divisor - 1) / divisor;
+}
+
+// ---- Charge ----
+
+HX_U16 ChargeAt(const Battery& battery, Time now) {
+    const std::uint64_t start = std::min<std::uint64_t>(battery.charge_at_since, Capacity(battery));
+    const auto passed = static_cast<std::uint64_t>(std::max<Time>(now - battery.since, 0));
+    if (Charges(battery.phase)) {
+        const std::uint64_t won = std::min(passed, kFullCharge) * Capacity(battery) / kFullCharge;
+        return static_cast<HX_U16>(std::min(start + won, Capacity(battery)));
+    }
+    if (Discharges(battery.phase)) {
+        const std::uint64_t gone =
+            std::min(passed, kFullDischarge) * Capacity(battery) / kFullDischarge;
+        return static_cast<HX_U16>(start - std::min(start, gone));
+    }
+    return static_cast<HX_U16>(start);
+}
+
+unsigned PercentageOf(const Battery& battery, std::uint64_t charge) {
+    return static_cast<unsigned>(std::min<std::uint64_t>(charge * 100 / Capacity(battery), 100));
+}
+
+// The least charge that shows as so many percent.
+std::uint64_t ChargeOf(const Battery& battery, std::uint64_t percentage) {
+    return RoundedUp(percentage * Capacity(battery), 100);
+}
+
+// The charge at which the battery next does something by itself.
+std::uint64_t NextCharge(const Battery& battery) {
+    const unsigned percentage = PercentageOf(battery, battery.charge_at_since);
+    if (Charges(battery.phase)) {
+        return ChargeOf(battery, std::min((percentage / 10 + 1) * 10, 100U));
+    }
+    const unsigned tenth = percentage / 10 * 10;
+    return tenth == 0 ? 0 : ChargeOf(battery, tenth) - 1;
+}
+
+bool IsAtItsEnd(const Battery& battery) {
+    return Charges(battery.phase) ? battery.charge_at_since >= Capacity(battery)
+                                  : battery.charge_at_since == 0;
+}
+
+// ---- Status ----
+
+int SideOf(HX_U16 value, HX_U16 lower, HX_U16 upper) {
+    return value < lower ? -1 : value > upper ? 1 : 0;
+}
+int TemperatureSide(const Battery& battery) {
+    const BBU_Info& info = battery.info;
+    return battery.present ? SideOf(info.temperature, info.temp_lowerbound, info.temp_upperbound)
+                           : 0;
+}
+int VoltageSide(const Battery& battery) {
+    const BBU_Info& info = battery.info;
+    return battery.present ? SideOf(info.voltage, info.volt_lowerbound, info.volt_upperbound) : 0;
+}
+
+HX_U32 StatusOf(const Battery& battery) {
+    HX_U32 status = 0;
+    if (!battery.switched_on) status |= HXSIM_BATTERY_SWITCHED_OFF;
+    if (!battery.present) return status;
+    status |= HXSIM_BATTERY_PRESENT;
+    if (Charges(battery.phase)) status |= HXSIM_BATTERY_CHARGING;
+    if (Discharges(battery.phase)) status |= HXSIM_BATTERY_DISCHARGING;
+    if (Relearns(battery.phase)) status |= HXSIM_BATTERY_RELEARNING;
+    const bool temperature_is_wrong = TemperatureSide(battery) != 0;
+    const bool voltage_is_wrong = VoltageSide(battery) != 0;
+    if (temperature_is_wrong) status |= HXSIM_BATTERY_TEMPERATURE_OUT_OF_BOUNDS;
+    if (voltage_is_wrong) status |= HXSIM_BATTERY_VOLTAGE_OUT_OF_BOUNDS;
+    if (battery.info.maxCapacity <= battery.info.supportMinCapacity) {
+        status |= HXSIM_BATTERY_NEEDS_REPLACEMENT;
+    }
+    if (battery.switched_on && !temperature_is_wrong && !voltage_is_wrong &&
+        PercentageOf(battery, battery.charge_at_since) >= kSafePercentage) {
+        status |= HXSIM_BATTERY_SAFE_FOR_WRITE_BACK;
+    }
+    return status;
+}
+
+HX_U16 MinutesTo(std::uint64_t charge, std::uint64_t full_time, const Battery& battery) {
+    constexpr std::uint64_t kMinute = 60 * 1000;
+    return static_cast<HX_U16>(RoundedUp(charge * full_time, Capacity(battery) * kMinute));
+}
+
+// Whether a battery that is there is safe, as its record says.
+bool IsSafe(const Battery& battery) {
+    return (battery.info.status & HXSIM_BATTERY_SAFE_FOR_WRITE_BACK) != 0;
+}
+
+// ---- What happens by itself ----
+
+// From now on the battery is counted from here.
+void Mark(Battery& battery, Time now) {
+    battery.charge_at_since = ChargeAt(battery, now);
+    battery.since = now;
+}
+
+void StartCharging(Adapter& adapter, Time now, Battery& battery) {
+    battery.phase = BatteryPhase::kCharging;
+    Queue(adapter, now, kBatteryStartedCharging, kBattery);
+}
+
+// A cell wears with every cycle, until there is too little left of it to be of use.
+void FinishRelearn(Adapter& adapter, Time now, Battery& battery) {
+    BBU_Info& info = battery.info;
+    if (info.recharge_cycle != UINT16_MAX) ++info.recharge_cycle;
+    if (info.maxCapacity > info.supportMinCapacity) --info.maxCapacity;
+    battery.charge_at_since = info.maxCapacity;
+    Queue(adapter, now, kBatteryRelearnCompleted, kBattery);
+}
+
+void FinishPhase(Adapter& adapter, Time now, Battery& battery) {
+    switch (battery.phase) {
+        case BatteryPhase::kRelearnDischarging:
+            battery.phase = BatteryPhase::kRelearnCharging;
+            Queue(adapter, now, kBatteryRelearnInProgress, kBattery);
+            Queue(adapter, now, kBatteryStartedCharging, kBattery);
+            return;
+        case BatteryPhase::kRelearnCharging:
+            Queue(adapter, now, kBatteryChargeComplete, kBattery);
+            FinishRelearn(adapter, now, battery);
+            break;
+        case BatteryPhase::kCharging:
+            Queue(adapter, now, kBatteryChargeComplete, kBattery);
+            break;
+        case BatteryPhase::kDischarging:
+        case BatteryPhase::kIdle:
+            break;
+    }
+    battery.phase = BatteryPhase::kIdle;
+}
+
+void AnnounceSide(Adapter& adapter, Time now, int before, int after, const EventKind& low,
+                  const EventKind& normal, const EventKind& high) {
+    if (before == after) return;
+    Queue(adapter, now, after < 0 ? low : after > 0 ? high : normal, kBattery);
+}
+
+void AnnounceCharge(Adapter& adapter, Time now, unsigned before, unsigned after) {
+    if (before >= kSafePercentage && after < kSafePercentage) {
+        Queue(adapter, now, kBatteryCapacityBelowThreshold, kBattery);
+    } else if (before < kSafePercentage && after >= kSafePercentage) {
+        Queue(adapter, now, kBatteryCapacityAboveThreshold, kBattery);
+    }
+}
+
+void AnnounceStatus(Adapter& adapter, Time now, HX_U32 before, HX_U32 after) {
+    const HX_U32 gone = before & ~after;
+    const HX_U32 come = after & ~before;
+    if (come & HXSIM_BATTERY_NEEDS_REPLACEMENT) {
+        Queue(adapter, now, kBatteryNeedsReplacement, kBattery);
+    }
+    if (gone & HXSIM_BATTERY_SAFE_FOR_WRITE_BACK) {
+        Queue(adapter, now, kBatteryForceWriteThrough, kBattery);
+    }
+    if (come & HXSIM_BATTERY_SAFE_FOR_WRITE_BACK) {
+        Queue(adapter, now, kBatterySafeToUseWriteBack, kBattery);
+    }
+}
+
+bool WantsCharge(const Battery& battery) {
+    return battery.present && battery.phase == BatteryPhase::kIdle &&
+           PercentageOf(battery, battery.charge_at_since) < battery.info.percent_to_charge;
+}
+
+Battery* BatteryOf(Adapter& adapter) {
+    if (adapter.batteries.empty() || !adapter.batteries.front().present) return nullptr;
+    return &adapter.batteries.front();
+}
+
+}  // namespace
+
+BBU_Info Describe(const Battery& battery, Time now) {
+    BBU_Info info = battery.info;
+    const HX_U16 charge = ChargeAt(battery, now);
+    info.curCapacity = charge;
+    info.percentage = static_cast<HX_U8>(PercentageOf(battery, charge));
+    info.time_to_empty =
+        Discharges(battery.phase) ? MinutesTo(charge, kFullDischarge, battery) : kNoTime;
+    info.time_to_full = Charges(battery.phase)
+                            ? MinutesTo(Capacity(battery) - charge, kFullCharge, battery)
+                            : kNoTime;
+    return info;
+}
+
+bool AllowsWriteBack(const Adapter& adapter) {
+    return std::ranges::any_of(adapter.batteries, IsSafe);
+}
+
+bool ForcesWriteThrough(const Adapter& adapter) {
+    return !adapter.batteries.empty() && !AllowsWriteBack(adapter);
+}
+
+Time NextTransition(const Battery& battery) {
+    if (!battery.present || battery.phase == BatteryPhase::kIdle) return kNever;
+    const std::uint64_t next = NextCharge(battery);
+    const std::uint64_t charge = battery.charge_at_since;
+    const std::uint64_t way =
+        Charges(battery.phase) ? next - std::min(next, charge) : charge - std::min(next, charge);
+    const std::uint64_t full_time = Charges(battery.phase) ? kFullCharge : kFullDischarge;
+    return battery.since + static_cast<Time>(RoundedUp(way * full_time, Capacity(battery)));
+}
+
+void ChangeBattery(Adapter& adapter, Time now,
+                   const std::function<void(Battery& battery)>& change) {
+    Battery& battery = adapter.batteries.front();
+    const HX_U32 status = battery.info.status;
+    const unsigned percentage = battery.info.percentage;
+    const int temperature = TemperatureSide(battery);
+    const int voltage = VoltageSide(battery);
+    Mark(battery, now);
+    change(battery);
+    if (WantsCharge(battery)) StartCharging(adapter, now, battery);
+
+    battery.info = Describe(battery, now);
+    if (battery.present) {
+        AnnounceSide(adapter, now, temperature, TemperatureSide(battery), kBatteryTemperatureLow,
+                     kBatteryTemperatureNormal, kBatteryTemperatureHigh);
+        AnnounceSide(adapter, now, voltage, VoltageSide(battery), kBatteryVoltageLow,
+                     kBatteryVoltageNormal, kBatteryVoltageHigh);
+        AnnounceCharge(adapter, now, percentage, battery.info.percentage);
+    }
+    battery.info.status = StatusOf(battery);
+    if (battery.info.status != status) battery.info.prev_status = status;
+    AnnounceStatus(adapter, now, status, battery.info.status);
+}
+
+void AdvanceBattery(Adapter& adapter, Time now) {
+    if (adapter.batteries.empty()) return;
+    const Battery& battery = adapter.batteries.front();
+    for (Time due = NextTransition(battery); due <= now && due != kNever;
+         due = NextTransition(battery)) {
+        ChangeBattery(adapter, due, [&](Battery& changed) {
+            if (IsAtItsEnd(changed)) FinishPhase(adapter, due, changed);
+        });
+    }
+}
+
+HX_U8 SetThreshold(Adapter& adapter, Time now, HX_U8 kind, HX_U16 lower, HX_U16 upper) {
+    const Battery* const battery = BatteryOf(adapter);
+    if (battery == nullptr) return HXSIM_NO_BATTERY;
+    if ((battery->info.featureSupport & HXSIM_BATTERY_THRESHOLDS) == 0) return HXSIM_NOT_SUPPORTED;
+    switch (kind) {
+        case HX_BBU_THRESHOLD_TEMPERATURE:
+            if (lower >= upper || upper > kHighestTemperature) return HXSIM_BAD_VALUE;
+            ChangeBattery(adapter, now, [&](Battery& changed) {
+                changed.info.temp_lowerbound = lower;
+                changed.info.temp_upperbound = upper;
+            });
+            return HX_SUCCESS;
+        case HX_BBU_THRESHOLD_VOLTAGE:
+            if (lower >= upper || lower < kLowestVoltage || upper > kHighestVoltage) {
+                return HXSIM_BAD_VALUE;
+            }
+            ChangeBattery(adapter, now, [&](Battery& changed) {
+                changed.info.volt_lowerbound = lower;
+                changed.info.volt_upperbound = upper;
+            });
+            return HX_SUCCESS;
+        default:
+            return HXSIM_BAD_ACTION;
+    }
+}
+
+HX_U8 ChangePower(Adapter& adapter, Time now, HX_U8 action) {
+    const Battery* const battery = BatteryOf(adapter);
+    if (battery == nullptr) return HXSIM_NO_BATTERY;
+    if (action > HXSIM_POWER_DISCHARGE) return HXSIM_BAD_ACTION;
+    if (Relearns(battery->phase)) return HXSIM_BUSY;
+    const HX_U16 charge = ChargeAt(*battery, now);
+    const auto enter = [&](BatteryPhase phase, const EventKind& event) {
+        Queue(adapter, now, event, kBattery);
+        ChangeBattery(adapter, now, [&](Battery& changed) { changed.phase = phase; });
+        return HX_U8{HX_SUCCESS};
+    };
+    switch (action) {
+        case HXSIM_POWER_CHARGE:
+            if (Charges(battery->phase) || charge >= Capacity(*battery)) return HXSIM_NO_CHANGE;
+            return enter(BatteryPhase::kCharging, kBatteryStartedCharging);
+        case HXSIM_POWER_DISCHARGE:
+            if (Discharges(battery->phase) || charge == 0) return HXSIM_NO_CHANGE;
+            return enter(BatteryPhase::kDischarging, kBatteryDischarging);
+        default:
+            if ((battery->info.featureSupport & HXSIM_BATTERY_RELEARN) == 0) {
+                return HXSIM_NOT_SUPPORTED;
+            }
+            return enter(BatteryPhase::kRelearnDischarging, kBatteryRelearnStarted);
+    }
+}
+
+HX_U8 SwitchBattery(Adapter& adapter, Time now, bool on) {
+    const Battery* const battery = BatteryOf(adapter);
+    if (battery == nullptr) return HXSIM_NO_BATTERY;
+    if (battery->switched_on == on) return HXSIM_NO_CHANGE;
+    ChangeBattery(adapter, now, [&](Battery& changed) { changed.switched_on = on; });
+    return HX_SUCCESS;
+}
+
+}  // namespace hxsim
+
+HX_U8 HX_BBU_GetInfo(HX_U8 AdapterID, BBU_Info* info) {
+    const auto work = [&](const hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+        if (info == nullptr) return HXSIM_NULL_ADDRESS;
+        if (adapter.batteries.empty() || !adapter.batteries.front().present) {
+            return HXSIM_NO_BATTERY;
+        }
+        *info = hxsim::Describe(adapter.batteries.front(), now);
+        if (hxsim::IsHostile()) hxsim::SpoilRecord(info, sizeof *info);
+        return HX_SUCCESS;
+    };
+    return hxsim::Look(__func__, AdapterID, work);
+}
+
+HX_U8 HX_BBU_SetThreshold(HX_U8 AdapterID, HX_U8 kind, HX_U16 lower, HX_U16 upper) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::SetThreshold(adapter, now, kind, lower, upper);
+    });
+}
+
+HX_U8 HX_BBU_ChangePower(HX_U8 AdapterID, HX_U8 action) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::ChangePower(adapter, now, action);
+    });
+}
+
+HX_U8 HX_BBU_SetStatus(HX_U8 AdapterID, HX_BOOLEAN status) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::SwitchBattery(adapter, now, status != 0);
+    });
+}

@@ -1,0 +1,93 @@
+// The queue of events: filled by whatever happens, emptied by whoever takes them.
+#include "rules/hxsim_event_queue.h"
+
+#include <algorithm>
+
+#include "calls/hxsim_list_page.h"
+#include "calls/hxsim_session.h"
+#include "hxraid.h"
+
+namespace hxsim {
+namespace {
+
+HX_U32 SecondsOf(Time now) {
+    return static_cast<HX_U32>(std::clamp<Time>(now / 1000, 0, UINT32_MAX));
+}
+
+Event EventOf(HX_U8 adapter, Time now, EventKind kind, HX_U16 device, HX_U32 number) {
+    Event event{};
+    event.Class = kind.type;
+    event.Code = kind.code;
+    event.Severity = kind.severity;
+    event.TimeStamp = SecondsOf(now);
+    event.DeviceID = device;
+    event.AdapterID = adapter;
+    event.SequenceNo = number;
+    return event;
+}
+
+bool TellsOfLoss(const Event& event) {
+    return event.Class == kEventError.type && event.Code == kEventError.code;
+}
+
+// Drops the oldest events until one more fits beside the row that tells of them. That row stands
+// in their place and has the number of the last of them, so that numbers go on without a gap and
+// never come twice.
+void MakeRoom(Adapter& adapter, Time now) {
+    std::vector<QueuedEvent>& queue = adapter.events;
+    if (queue.size() < kMostEvents) return;
+    const bool told_before = TellsOfLoss(queue.front().event);
+    HX_U32 lost = told_before ? queue.front().event.Params[2] : 0;
+    const std::size_t dropped = queue.size() - kMostEvents + 2;  // for the new one and the telling
+    lost += static_cast<HX_U32>(told_before ? dropped - 1 : dropped);
+    const HX_U32 number = queue[dropped - 1].number;
+    queue.erase(queue.begin(), queue.begin() + static_cast<std::ptrdiff_t>(dropped - 1));
+    queue.front() = {number, EventOf(adapter.id, now, kEventError, adapter.id, number)};
+    queue.front().event.Params[2] = lost;
+}
+
+}  // namespace
+
+void Queue(Adapter& adapter, Time now, EventKind kind, HX_U16 device, std::array<HX_U32, 4> params,
+           std::string_view text) {
+    MakeRoom(adapter, now);
+    const HX_U32 number = adapter.next_event++;
+    Event event = EventOf(adapter.id, now, kind, device, number);
+    std::ranges::copy(params, event.Params);
+    text = text.substr(0, sizeof event.SenseData);
+    event.SenseDataLength = static_cast<HX_U8>(text.size());
+    std::ranges::copy(text, event.SenseData);
+    adapter.events.push_back({number, event});
+}
+
+HX_U8 Take(Adapter& adapter, HX_U8 max, Event* events) {
+    const auto count = static_cast<HX_U8>(std::min<std::size_t>(adapter.events.size(), max));
+    for (HX_U8 i = 0; i < count; ++i) events[i] = adapter.events[i].event;
+    adapter.events.erase(adapter.events.begin(), adapter.events.begin() + count);
+    return count;
+}
+
+}  // namespace hxsim
+
+HX_U8 HX_EVT_GetEvent(HX_U8 AdapterID, HX_U8 max, HX_U8* count, Event* events) {
+    // An empty queue is what a caller finds nearly always, and looking writes nothing.
+    bool empty = true;
+    const HX_U8 status =
+        hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+            if (count == nullptr || events == nullptr) return HXSIM_NULL_ADDRESS;
+            empty = max == 0 || adapter.events.empty();
+            if (empty) *count = 0;
+            return HX_SUCCESS;
+        });
+    if (status != HX_SUCCESS || empty) return status;
+    // The same call goes on: whatever fault is in its way has counted it.
+    return hxsim::Change(nullptr, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+        const HX_U8 taken = hxsim::Take(adapter, max, events);
+        *count = taken;
+        if (hxsim::IsHostile()) {
+            hxsim::SpoilRecord(events, taken * sizeof *events);
+            *count = UINT8_MAX;  // more than there was room for
+        }
+        return HX_SUCCESS;
+    });
+}

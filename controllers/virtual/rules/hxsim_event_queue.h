@@ -1,0 +1,20 @@
+// What happens in the machine, told to whoever takes events.
+#pragma once
+
+#include <array>
+#include <string_view>
+
+#include "model/hxsim_machine.h"
+#include "rules/hxsim_event_kinds.h"
+
+namespace hxsim {
+
+/// Queues an event. A full queue loses its oldest events and says so with one kEventError, whose
+/// Params[2] is the number of events lost since the last one that was taken.
+void Queue(Adapter& adapter, Time now, EventKind kind, HX_U16 device,
+           std::array<HX_U32, 4> params = {}, std::string_view text = {});
+
+/// Takes the oldest events off the queue: at most `max`. Returns how many.
+HX_U8 Take(Adapter& adapter, HX_U8 max, Event* events);
+
+}  // namespace hxsim

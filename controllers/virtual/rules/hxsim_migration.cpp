@@ -1,0 +1,451 @@
+// Migrations: virtual disks and disk groups that move to another level or to other disks.
+#include "rules/hxsim_migration.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "model/hxsim_level.h"
+#include "model/hxsim_plan.h"
+#include "model/hxsim_redundancy.h"
+#include "model/hxsim_space.h"
+#include "rules/hxsim_activity.h"
+
+namespace hxsim {
+namespace {
+
+constexpr Sectors kNoLimit = std::numeric_limits<Sectors>::max();
+
+// ---- Positions ----
+
+// The disks in the order of their new positions: unless the caller wants his own order, a disk
+// stays where it is, so that its block can.
+std::vector<HX_U16> Arrange(std::span<const HX_U16> wanted, std::span<const HX_U16> old,
+                            bool as_given) {
+    std::vector<HX_U16> order(wanted.begin(), wanted.end());
+    if (as_given) return order;
+    const auto stays = [&](std::size_t position) {
+        return position < old.size() && std::ranges::count(wanted, old[position]) != 0;
+    };
+    auto next = wanted.begin();
+    for (std::size_t position = 0; position < order.size(); ++position) {
+        if (stays(position)) {
+            order[position] = old[position];
+            continue;
+        }
+        const auto is_placed = [&](HX_U16 disk) {
+            const auto at = std::ranges::find(old, disk) - old.begin();
+            const auto place = static_cast<std::size_t>(at);
+            return place < old.size() && place < order.size();
+        };
+        while (is_placed(*next)) ++next;
+        order[position] = *next++;
+    }
+    return order;
+}
+
+bool IsKept(const Layout& layout, std::span<const HX_U16> old, std::size_t position) {
+    return position < old.size() && layout.disks[position] == old[position];
+}
+
+// The sectors that each block of the virtual disk has when the migration has ended.
+Sectors BlockAfter(const Activity& migration, const VirtualDisk& virtual_disk) {
+    const bool own = migration.of == Owner::kVirtualDisk;
+    return BlockSectors(*FindLevel(migration.level), migration.width, migration.legs,
+                        own ? migration.stripe_kib : virtual_disk.stripe_kib,
+                        own ? migration.size : virtual_disk.size);
+}
+
+bool Moves(const Activity& migration, const VirtualDisk& virtual_disk) {
+    return migration.of == Owner::kVirtualDisk ? migration.owner == virtual_disk.id
+                                               : migration.owner == virtual_disk.group;
+}
+
+Activity MigrationTo(const Layout& layout, Owner of, HX_U16 owner, Sectors size) {
+    Activity migration;
+    migration.kind = HXSIM_ACTIVITY_MIGRATION;
+    migration.of = of;
+    migration.owner = owner;
+    migration.level = layout.level->code;
+    migration.legs = layout.legs;
+    migration.width = layout.Width();
+    migration.stripe_kib = layout.stripe_kib;
+    migration.size = size;
+    return migration;
+}
+
+void CutTarget(Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors, HX_U16 virtual_disk,
+               std::size_t position) {
+    Cut(adapter, disk, start, sectors, virtual_disk, static_cast<HX_U8>(position)).target = true;
+}
+
+// ---- Virtual disks on disks of their own ----
+
+// A virtual disk's migration before it starts.
+struct Move {
+    Layout layout;
+    std::vector<HX_U16> old;  // the disks that it is on, by position
+    Sectors old_block = 0;
+    Sectors block = 0;
+    Sectors size = 0;
+};
+
+HX_U8 CheckMovable(const Adapter& adapter, const VirtualDisk* virtual_disk) {
+    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+    if (virtual_disk->foreign) return HXSIM_WRONG_STATE;
+    if (virtual_disk->group != kNoId) return HXSIM_ON_DISK_GROUP;
+    if (IsBusy(adapter, *virtual_disk)) return HXSIM_BUSY;
+    if (StateOf(adapter, *virtual_disk) != HXSIM_STATE_OPTIMAL) return HXSIM_WRONG_STATE;
+    return HX_SUCCESS;
+}
+
+// What each block can have at most: as much as the blocks that stay have, or more where every disk
+// has that much free beside them.
+Sectors LongestBlock(const Adapter& adapter, const Move& move) {
+    Sectors on_all = kNoLimit;
+    Sectors on_others = kNoLimit;
+    for (std::size_t i = 0; i < move.layout.disks.size(); ++i) {
+        const Block* const longest = LongestFree(adapter, move.layout.disks[i]);
+        const Sectors free = longest == nullptr ? 0 : longest->sectors;
+        on_all = std::min(on_all, free);
+        if (!IsKept(move.layout, move.old, i)) on_others = std::min(on_others, free);
+    }
+    return on_all > move.old_block ? on_all : std::min(move.old_block, on_others);
+}
+
+HX_U8 CheckRoom(const Adapter& adapter, const Move& move) {
+    for (std::size_t i = 0; i < move.layout.disks.size(); ++i) {
+        const HX_U16 disk = move.layout.disks[i];
+        if (IsKept(move.layout, move.old, i) && move.block <= move.old_block) {
+            const bool tail = move.block < move.old_block;
+            if (tail && !HasRoomFor(adapter, disk, 1)) return HXSIM_TOO_MANY_BLOCKS;
+            continue;
+        }
+        const Sectors start = FirstFree(adapter, disk, move.block)->start;
+        const HX_U8 status = CheckCut(adapter, disk, start, move.block);
+        if (status != HX_SUCCESS) return status;
+    }
+    return HX_SUCCESS;
+}
+
+bool IsAsItWas(const VirtualDisk& virtual_disk, const Move& move) {
+    return move.layout.level->code == virtual_disk.level && move.layout.legs == virtual_disk.legs &&
+           move.layout.stripe_kib == virtual_disk.stripe_kib && move.layout.disks == move.old &&
+           move.size == virtual_disk.size;
+}
+
+HX_U8 LayOut(const Adapter& adapter, const VirtualDisk& virtual_disk, const Create_LD_Param& param,
+             Move& move) {
+    if (param.HDCount > HX_MAX_HDS) return HXSIM_BAD_DISK_COUNT;
+    Wish wish{param.RaidMode, param.SubLDCount, param.StripeBlockSize,
+              std::span(param.HDIDs, param.HDCount), adapter.info.MaxPDPerVD};
+    // What the caller leaves out stays as it is.
+    if (wish.stripe_kib == 0) wish.stripe_kib = virtual_disk.stripe_kib;
+    if (wish.legs == 0 && wish.level == virtual_disk.level) wish.legs = virtual_disk.legs;
+    if (const HX_U8 status = MakeLayout(adapter, wish, move.layout); status != HX_SUCCESS) {
+        return status;
+    }
+    move.old = DisksOf(adapter, Owner::kVirtualDisk, virtual_disk.id);
+    move.old_block = BlockOf(adapter, virtual_disk.id, 0)->sectors;
+    for (const HX_U16 disk : move.layout.disks) {
+        if (std::ranges::count(move.old, disk) != 0) continue;
+        const HX_U8 status = CheckSharedDisk(adapter, disk);
+        if (status != HX_SUCCESS) return status;
+    }
+    move.layout.disks = Arrange(move.layout.disks, move.old, param.SpecifiedBlkSeq != 0);
+    return HX_SUCCESS;
+}
+
+// The size wanted: none for the most that fits.
+HX_U8 PlanMove(const Adapter& adapter, const Create_LD_Param& param, std::optional<Sectors> wanted,
+               Move& move) {
+    const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, param.LDID);
+    HX_U8 status = CheckMovable(adapter, virtual_disk);
+    if (status == HX_SUCCESS) status = LayOut(adapter, *virtual_disk, param, move);
+    if (status != HX_SUCCESS) return status;
+
+    const Sectors longest = LongestBlock(adapter, move);
+    if (move.layout.Data(longest) < virtual_disk->size) return HXSIM_TOO_SMALL;
+    if (wanted && *wanted != 0 && *wanted < virtual_disk->size) return HXSIM_TOO_SMALL;
+    const bool stays = wanted && *wanted <= virtual_disk->size;
+    const Sectors more = stays ? 0 : wanted.value_or(0);
+    Sectors chosen = 0;
+    status = ChooseSize(move.layout, longest, more, param.RoundingScheme, chosen);
+    // Rounding takes nothing from what is there already.
+    if (status == HXSIM_BAD_ROUNDING || (status != HX_SUCCESS && more != 0)) return status;
+    move.size = stays ? virtual_disk->size : std::max(chosen, virtual_disk->size);
+    move.block = move.layout.Block(move.size);
+    if (wanted && IsAsItWas(*virtual_disk, move)) return HXSIM_NO_CHANGE;
+    return CheckRoom(adapter, move);
+}
+
+// A disk that had stepped in as a spare belongs to the virtual disk from now on.
+void SettleDown(Adapter& adapter, Owner of, HX_U16 owner) {
+    for (Home& home : adapter.homes) {
+        if (home.of != of || home.owner != owner) continue;
+        home.home = home.disk;
+        if (Disk* const disk = Find(adapter.disks, home.disk)) {
+            disk->spare_before = Spare::kNone;
+            disk->spare_group_before = kNoId;
+        }
+    }
+}
+
+// ---- Disk groups ----
+
+HX_U8 CheckMovable(const Adapter& adapter, const DiskGroup& group) {
+    if (IsBusy(adapter, group)) return HXSIM_BUSY;
+    if (StateOf(adapter, group) != HXSIM_STATE_OPTIMAL) return HXSIM_WRONG_STATE;
+    return HX_SUCCESS;
+}
+
+HX_U8 LayOut(const Adapter& adapter, const DiskGroup& group, const CreateOrModify_DG_Param& param,
+             Layout& layout) {
+    if (param.BlockSize != 0 && param.BlockSize != kSectorSize) return HXSIM_BAD_SECTOR_SIZE;
+    if (param.PDCount > HX_MAX_HDS) return HXSIM_BAD_DISK_COUNT;
+    Wish wish{param.RaidMode, param.SubVDCount, param.StripeBlockSize,
+              std::span(param.PDIDs, param.PDCount), adapter.info.MaxPDPerDG};
+    if (wish.stripe_kib == 0) wish.stripe_kib = group.stripe_kib;
+    if (wish.legs == 0 && wish.level == group.level) wish.legs = group.legs;
+    if (const HX_U8 status = MakeLayout(adapter, wish, layout); status != HX_SUCCESS) return status;
+    const std::vector<HX_U16> old = DisksOf(adapter, Owner::kDiskGroup, group.id);
+    for (const HX_U16 disk : layout.disks) {
+        if (std::ranges::count(old, disk) != 0) continue;
+        if (const HX_U8 status = CheckWholeDisk(adapter, disk); status != HX_SUCCESS) return status;
+    }
+    layout.disks = Arrange(layout.disks, old, false);
+    return HX_SUCCESS;
+}
+
+Sectors SizeOfMembers(const Adapter& adapter, const DiskGroup& group) {
+    Sectors size = 0;
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        if (each.group == group.id) size += each.size;
+    }
+    return size;
+}
+
+// Cuts the targets of one virtual disk of the group: at its own place on the disks that are new,
+// or, when it does not fit there, on all disks at another place.
+HX_U8 CutTargets(Adapter& adapter, const Layout& layout, std::span<const HX_U16> old,
+                 const VirtualDisk& virtual_disk) {
+    Layout own = layout;
+    own.stripe_kib = virtual_disk.stripe_kib;
+    const Sectors sectors = own.Block(virtual_disk.size);
+    const Block& first = *BlockOf(adapter, virtual_disk.id, 0);
+    Sectors start = first.start;
+    bool in_place = sectors <= first.sectors;
+    for (std::size_t i = 0; in_place && i < own.disks.size(); ++i) {
+        if (IsKept(own, old, i)) continue;
+        in_place = CheckCut(adapter, own.disks[i], start, sectors) != HXSIM_NO_SPACE;
+    }
+    if (!in_place) {
+        const std::vector<Run> runs = CommonFree(adapter, own.disks);
+        const auto run =
+            std::ranges::find_if(runs, [&](const Run& each) { return each.sectors >= sectors; });
+        if (run == runs.end()) return HXSIM_NO_SPACE;
+        start = run->start;
+    }
+    for (std::size_t i = 0; i < own.disks.size(); ++i) {
+        if (in_place && IsKept(own, old, i)) continue;
+        const HX_U8 status = CheckCut(adapter, own.disks[i], start, sectors);
+        if (status != HX_SUCCESS) return status;
+        CutTarget(adapter, own.disks[i], start, sectors, virtual_disk.id, i);
+    }
+    return HX_SUCCESS;
+}
+
+void TakeForm(Adapter& adapter, DiskGroup& group, const Layout& layout) {
+    group.level = layout.level->code;
+    group.legs = layout.legs;
+    group.width = layout.Width();
+    group.stripe_kib = layout.stripe_kib;
+    SetHomes(adapter, Owner::kDiskGroup, group.id, layout.disks);
+}
+
+// Starts the migration on `adapter`, which a refusal leaves half changed.
+HX_U8 MoveGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
+    DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
+    if (group == nullptr) return HXSIM_NO_DISK_GROUP;
+    HX_U8 status = CheckMovable(adapter, *group);
+    Layout layout;
+    if (status == HX_SUCCESS) status = LayOut(adapter, *group, param, layout);
+    if (status != HX_SUCCESS) return status;
+    const Sectors space = ManagedSpace(adapter, layout);
+    if (space == 0) return HXSIM_NO_SPACE;
+    if (space < SizeOfMembers(adapter, *group)) return HXSIM_TOO_SMALL;
+
+    const std::vector<HX_U16> old = DisksOf(adapter, Owner::kDiskGroup, group->id);
+    std::vector<VirtualDisk> members;
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        if (each.group == group->id) members.push_back(each);
+    }
+    for (const HX_U16 disk : layout.disks) SetWriteCache(adapter, now, disk, group->write_cache);
+    if (members.empty()) {
+        param.Size.value = space;
+        TakeForm(adapter, *group, layout);
+        return HX_SUCCESS;
+    }
+    // From the first sectors on, so that as many as can keep their places.
+    std::ranges::sort(members, {},
+                      [&](const VirtualDisk& each) { return BlockOf(adapter, each.id, 0)->start; });
+    Activity migration = MigrationTo(layout, Owner::kDiskGroup, group->id, space);
+    for (const VirtualDisk& each : members) {
+        migration.total +=
+            std::max(BlockOf(adapter, each.id, 0)->sectors, BlockAfter(migration, each));
+        status = CutTargets(adapter, layout, old, each);
+        if (status != HX_SUCCESS) return status;
+    }
+    SettleDown(adapter, Owner::kDiskGroup, group->id);
+    Start(adapter, now, migration);
+    const bool room = std::ranges::all_of(
+        layout.disks, [&](HX_U16 disk) { return HasRoomFor(adapter, disk, 0); });
+    if (!room) return HXSIM_TOO_MANY_BLOCKS;
+    param.Size.value = space;
+    return HX_SUCCESS;
+}
+
+bool IsAsItWas(const Adapter& adapter, const CreateOrModify_DG_Param& param) {
+    const DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
+    Layout layout;
+    if (group == nullptr || LayOut(adapter, *group, param, layout) != HX_SUCCESS) return false;
+    return layout.level->code == group->level && layout.legs == group->legs &&
+           layout.stripe_kib == group->stripe_kib &&
+           layout.disks == DisksOf(adapter, Owner::kDiskGroup, group->id);
+}
+
+// ---- Ends ----
+
+// Puts the targets of a virtual disk in place and gives back what is left over.
+void TakePlaces(Adapter& adapter, VirtualDisk& virtual_disk, const Activity& migration) {
+    const Sectors sectors = BlockAfter(migration, virtual_disk);
+    std::vector<HX_U16> gone;
+    std::vector<HX_U16> kept;
+    for (Block& block : adapter.blocks) {
+        if (block.virtual_disk != virtual_disk.id || block.target) continue;
+        const bool stays = block.position < migration.width && block.sectors >= sectors &&
+                           BlockOf(adapter, virtual_disk.id, block.position, true) == nullptr;
+        (stays ? kept : gone).push_back(block.id);
+    }
+    for (const HX_U16 block : gone) Release(adapter, block);
+    for (const HX_U16 block : kept) Resize(adapter, block, sectors);
+    for (Block& block : adapter.blocks) {
+        if (block.virtual_disk == virtual_disk.id) block.target = false;
+    }
+    virtual_disk.level = migration.level;
+    virtual_disk.legs = migration.legs;
+    virtual_disk.width = migration.width;
+    if (migration.of != Owner::kVirtualDisk) return;
+    virtual_disk.stripe_kib = migration.stripe_kib;
+    virtual_disk.size = migration.size;
+}
+
+// Writes down where the positions of what has moved are now. One that is served as before still
+// belongs where it did, for a spare that has stepped in meanwhile.
+void FindHomes(Adapter& adapter, const Activity& migration) {
+    std::vector<HX_U16> disks(migration.width, kNoId);
+    for (const Block& block : adapter.blocks) {
+        const VirtualDisk* const owner = Find(adapter.virtual_disks, block.virtual_disk);
+        if (owner != nullptr && Moves(migration, *owner)) disks[block.position] = block.disk;
+    }
+    std::vector<Home> before;
+    for (const Home& home : adapter.homes) {
+        if (home.of == migration.of && home.owner == migration.owner) before.push_back(home);
+    }
+    SetHomes(adapter, migration.of, migration.owner, disks);
+    for (const Home& old : before) {
+        Home* const home = HomeOf(adapter, old.of, old.owner, old.position);
+        if (home != nullptr && (home->disk == old.disk || home->disk == kNoId)) {
+            home->home = old.home;
+        }
+    }
+}
+
+}  // namespace
+
+HX_U8 StartMigration(Adapter& adapter, Time now, Create_LD_Param& param) {
+    Move move;
+    const HX_U8 status = PlanMove(adapter, param, param.Size.value, move);
+    if (status != HX_SUCCESS) return status;
+    for (std::size_t i = 0; i < move.layout.disks.size(); ++i) {
+        if (IsKept(move.layout, move.old, i) && move.block <= move.old_block) continue;
+        const HX_U16 disk = move.layout.disks[i];
+        const Sectors start = FirstFree(adapter, disk, move.block)->start;
+        CutTarget(adapter, disk, start, move.block, param.LDID, i);
+    }
+    SettleDown(adapter, Owner::kVirtualDisk, param.LDID);
+    Activity migration = MigrationTo(move.layout, Owner::kVirtualDisk, param.LDID, move.size);
+    migration.total = std::max(move.old_block, move.block);
+    Start(adapter, now, migration);
+    param.Size.value = move.size;
+    return HX_SUCCESS;
+}
+
+HX_U8 SizeMigration(const Adapter& adapter, Create_LD_Param& param) {
+    Move move;
+    const HX_U8 status = PlanMove(adapter, param, std::nullopt, move);
+    if (status == HX_SUCCESS) param.Size.value = move.size;
+    return status;
+}
+
+HX_U8 StartGroupMigration(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
+    if (IsAsItWas(adapter, param)) return HXSIM_NO_CHANGE;
+    Adapter moved = adapter;
+    const HX_U8 status = MoveGroup(moved, now, param);
+    if (status == HX_SUCCESS) adapter = std::move(moved);
+    return status;
+}
+
+HX_U8 SizeGroupMigration(const Adapter& adapter, CreateOrModify_DG_Param& param) {
+    Adapter moved = adapter;
+    return MoveGroup(moved, 0, param);
+}
+
+void CompleteMigration(Adapter& adapter, const Activity& migration) {
+    for (VirtualDisk& each : adapter.virtual_disks) {
+        if (Moves(migration, each)) TakePlaces(adapter, each, migration);
+    }
+    if (migration.of == Owner::kVirtualDisk) {
+        FindHomes(adapter, migration);
+        return;
+    }
+    DiskGroup* const group = Find(adapter.disk_groups, migration.owner);
+    if (group == nullptr) return;
+    FindHomes(adapter, migration);
+    group->level = migration.level;
+    group->legs = migration.legs;
+    group->width = migration.width;
+    group->stripe_kib = migration.stripe_kib;
+}
+
+void AbandonMigration(Adapter& adapter, const Activity& migration) {
+    std::vector<HX_U16> targets;
+    for (const Block& block : adapter.blocks) {
+        const VirtualDisk* const owner = Find(adapter.virtual_disks, block.virtual_disk);
+        if (block.target && owner != nullptr && Moves(migration, *owner)) {
+            targets.push_back(block.id);
+        }
+    }
+    for (const HX_U16 block : targets) Release(adapter, block);
+}
+
+unsigned TailsToCome(const Adapter& adapter, HX_U16 disk) {
+    unsigned tails = 0;
+    for (const Activity& migration : adapter.activities) {
+        if (migration.kind != HXSIM_ACTIVITY_MIGRATION) continue;
+        for (const Block& block : adapter.blocks) {
+            if (block.disk != disk || block.target || block.position >= migration.width) continue;
+            const VirtualDisk* const owner = Find(adapter.virtual_disks, block.virtual_disk);
+            if (owner == nullptr || !Moves(migration, *owner)) continue;
+            const bool stays = BlockOf(adapter, owner->id, block.position, true) == nullptr;
+            if (stays && block.sectors > BlockAfter(migration, *owner)) ++tails;
+        }
+    }
+    return tails;
+}
+
+}  // namespace hxsim

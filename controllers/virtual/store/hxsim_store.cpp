@@ -1,0 +1,329 @@
+// The state file: where it is, how it comes to be, and the transactions on it.
+//
+// The database keeps its changes in a log beside it (WAL) and is asked for no more than
+// synchronous = NORMAL: a killed process loses nothing that was committed, and a power cut may take
+// back the last transactions, whole ones, never half of one. That is what a machine that is only
+// virtual is worth, and it is what keeps a change from waiting for the disk.
+#include "store/hxsim_store.h"
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/auxv.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <utility>
+
+#include "rules/hxsim_activity.h"
+#include "store/hxsim_sqlite.h"
+#include "store/hxsim_tables.h"
+#include "topology/hxsim_topology.h"
+
+namespace hxsim {
+namespace {
+
+constexpr const char* kMemory = ":memory:";
+constexpr const char* kSystemPath = "/var/lib/vexorapi/hxsim.db";
+constexpr const char* kUserPath = "/vexorapi/hxsim.db";  // below the user's state folder
+constexpr std::uint64_t kSeed = 1;  // of a machine that nobody has made: the same everywhere
+
+// ---- Paths ----
+
+std::string Environment(const char* name) {
+    const char* const value = secure_getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+std::string HomeFolder() {
+    if (std::string home = Environment("HOME"); !home.empty()) return home;
+    std::string room(16384, '\0');
+    passwd entry{};
+    passwd* found = nullptr;
+    if (getpwuid_r(getuid(), &entry, room.data(), room.size(), &found) == 0 && found != nullptr) {
+        return found->pw_dir;
+    }
+    throw StoreError(
+        "This user has no home folder for the state file; name a file in HXSIM_STATE.");
+}
+
+[[noreturn]] void ThrowSystemError(const std::string& path, const char* what) {
+    throw StoreError(path + " cannot be " + what + " (" + std::strerror(errno) +
+                     "); name another file in HXSIM_STATE.");
+}
+
+// Folders are the user's own, as the file is.
+void MakeFolders(const std::filesystem::path& folder) {
+    if (folder.empty() || std::filesystem::exists(folder)) return;
+    MakeFolders(folder.parent_path());
+    if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) ThrowSystemError(folder, "made");
+}
+
+// Makes an empty file where there is none. One that is there is not even opened: closing it would
+// give up the locks that this process has on it through other connections. The log and its index
+// get the file's mode from SQLite. What is no file is refused here, before SQLite leaves files of
+// its own beside it.
+void MakeFile(const std::string& path) {
+    MakeFolders(std::filesystem::path(path).parent_path());
+    const int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (file >= 0) {
+        close(file);
+        return;
+    }
+    if (errno != EEXIST) ThrowSystemError(path, "made");
+    struct stat found {};
+    if (stat(path.c_str(), &found) != 0) ThrowSystemError(path, "found");
+    if (!S_ISREG(found.st_mode)) {
+        throw StoreError(path + " is no regular file; name another one in HXSIM_STATE.");
+    }
+}
+
+// A folder that the process leaves later must not change which file is meant.
+std::string Absolute(const std::string& path) {
+    if (path == kMemory) return path;
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+    if (error) throw StoreError(path + " cannot be found (" + error.message() + ").");
+    return absolute;
+}
+
+// ---- Connections ----
+
+// Two processes that find a new file at once get in each other's way here, and SQLite does not wait
+// for a lock that two of them try to strengthen.
+void UseLog(const Connection& connection) {
+    constexpr int kTries = 500;
+    constexpr timespec kPause{0, 10'000'000};
+    for (int tried = 1;; ++tried) {
+        try {
+            connection.Execute("PRAGMA journal_mode = WAL");
+            return;
+        } catch (const BusyError&) {
+            if (tried == kTries) throw;
+        }
+        nanosleep(&kPause, nullptr);
+    }
+}
+
+Connection Open(const std::string& path) {
+    Connection connection(path);
+    // What the file is, is asked first: another program's database stays as it is.
+    IsStateFile(connection, path);
+    UseLog(connection);
+    connection.Execute("PRAGMA synchronous = NORMAL");
+    return connection;
+}
+
+void Fill(const Connection& connection, const Machine& machine) {
+    MakeTables(connection);
+    Tables(connection).Save(Machine{}, machine);
+}
+
+Machine DefaultMachine() { return MakeMachine(BuiltInTopology("default"), kSeed, RealNow()); }
+
+}  // namespace
+
+std::string StatePath() {
+    if (getauxval(AT_SECURE) != 0) return kSystemPath;
+    if (std::string path = Environment("HXSIM_STATE"); !path.empty()) return path;
+    if (const std::string root = Environment("VEXORAPI_ROOT"); !root.empty()) {
+        return root + kSystemPath;
+    }
+    // A folder that is not absolute is to be ignored, as its users have agreed.
+    const std::string state = Environment("XDG_STATE_HOME");
+    if (!state.empty() && state.front() == '/') return state + kUserPath;
+    return HomeFolder() + "/.local/state" + kUserPath;
+}
+
+// ---- The open file ----
+
+namespace {
+
+// A transaction that reads, to its end.
+class Reading {
+public:
+    explicit Reading(const Connection& connection) : connection_(connection) {
+        connection_.Execute("BEGIN");
+    }
+    ~Reading() {
+        try {
+            connection_.Execute("COMMIT");
+        } catch (const std::exception&) {
+            return;  // ended by the error that ended the reading
+        }
+    }
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+
+private:
+    const Connection& connection_;
+};
+
+class Marked {
+public:
+    explicit Marked(bool& flag) : flag_(flag) { flag_ = true; }
+    ~Marked() { flag_ = false; }
+    Marked(const Marked&) = delete;
+    Marked& operator=(const Marked&) = delete;
+
+private:
+    bool& flag_;
+};
+
+// A connection and the statements on it.
+struct Link {
+    explicit Link(const std::string& path)
+        : connection(Open(path)), data_version(connection.Prepare("PRAGMA data_version")) {}
+
+    // A number that is another one whenever another connection has committed something.
+    std::int64_t DataVersion() {
+        const std::int64_t version = data_version.Step() ? data_version.Integer(0) : 0;
+        data_version.Reset();
+        return version;
+    }
+
+    const Connection connection;
+    Tables tables{connection};
+    Statement data_version;
+};
+
+}  // namespace
+
+struct Store::Database {
+    explicit Database(const std::string& file) : path_(Absolute(file)) { Connect(nullptr); }
+
+    const Machine& Current() {
+        FollowFork();
+        const Marked marked(busy_);
+        if (!loaded_ || link_->DataVersion() != known_version_) {
+            const Reading reading(link_->connection);
+            Refresh();
+        }
+        if (RealNow() >= due_) Write({});
+        return machine_;
+    }
+
+    bool Change(const std::function<bool(Machine&, Time)>& work) {
+        FollowFork();
+        const Marked marked(busy_);
+        return Write(work);
+    }
+
+private:
+    // Opens the file, and makes the machine when there is none: a copy of `first`, or the default
+    // one.
+    void Connect(const Machine* first) {
+        if (path_ != kMemory) MakeFile(path_);
+        link_ = std::make_unique<Link>(path_);
+        pid_ = getpid();
+        Transaction transaction(link_->connection);
+        if (IsStateFile(link_->connection, path_)) {
+            Migrate(link_->connection, path_, kMigrations, kSchemaVersion);
+        } else {
+            Fill(link_->connection, first != nullptr ? *first : DefaultMachine());
+        }
+        transaction.Commit();
+        loaded_ = false;
+    }
+
+    // In a child process that was forked, everything is opened anew. A machine in memory goes on
+    // as it was.
+    void FollowFork() {
+        if (pid_ == getpid()) return;
+        if (busy_) {
+            // A thread of the parent's that is not there any more was in the middle of something.
+            static_cast<void>(link_.release());
+            busy_ = false;
+        } else if (link_ != nullptr) {
+            // Locks are not inherited, so that closing gives none of the parent's up, and it tidies
+            // nothing up either. To leave the connection open would be worse: SQLite knows files by
+            // their inodes, and a new connection would count on locks that only the parent holds.
+            link_->connection.LeaveLog();
+            link_.reset();
+        }
+        if (path_ == kMemory && loaded_) {
+            const Machine inherited = machine_;
+            Connect(&inherited);
+        } else {
+            Connect(nullptr);
+        }
+    }
+
+    // Reads what another process has written. Within a transaction.
+    void Refresh() {
+        const std::int64_t version = link_->DataVersion();
+        if (loaded_ && version == known_version_) return;
+        loaded_ = false;
+        Migrate(link_->connection, path_, {}, kSchemaVersion);  // somebody may have made it anew
+        machine_ = link_->tables.Load(path_);
+        known_version_ = version;
+        loaded_ = true;
+        Reckon();
+    }
+
+    // The real time at which the machine changes by itself next, so that a look need not ask.
+    void Reckon() {
+        const Time next = NextTransition(machine_);
+        const Time real = RealNow();
+        due_ = next <= Now(machine_.clock, real) ? real : RealTimeOf(machine_.clock, next);
+    }
+
+    // One transaction: up to now, then `work`, where there is one.
+    bool Write(const std::function<bool(Machine&, Time)>& work) {
+        Transaction transaction(link_->connection);
+        Refresh();
+        const Time now = Now(machine_.clock, RealNow());
+        Machine before = machine_;
+        // Whatever is thrown: what is in memory then is nothing to go on from.
+        loaded_ = false;
+        if (NextTransition(machine_) <= now) {
+            Advance(machine_, now);
+            link_->tables.Save(before, machine_);
+            before = machine_;
+        }
+        const bool done = !work || work(machine_, now);
+        if (done) {
+            link_->tables.Save(before, machine_);
+        } else {
+            machine_ = std::move(before);
+        }
+        transaction.Commit();
+        loaded_ = true;
+        Reckon();
+        return done;
+    }
+
+    const std::string path_;
+    pid_t pid_ = 0;  // of the process that has opened it
+    std::unique_ptr<Link> link_;
+    std::int64_t known_version_ = 0;
+    bool busy_ = false;    // in the middle of a call
+    bool loaded_ = false;  // whether `machine_` is what stands in the file at `known_version_`
+    Machine machine_;
+    Time due_ = kNever;  // in real time
+};
+
+Store::Store(const std::string& path) : database_(std::make_unique<Database>(path)) {}
+Store::~Store() = default;
+
+void Store::Create(const std::string& path, const Machine& machine) {
+    const std::string file = Absolute(path);
+    MakeFile(file);
+    const Connection connection = Open(file);
+    if (chmod(file.c_str(), 0600) != 0) ThrowSystemError(file, "made private");
+    Transaction transaction(connection);
+    Fill(connection, machine);
+    transaction.Commit();
+}
+
+const Machine& Store::Current() { return database_->Current(); }
+
+bool Store::Change(const std::function<bool(Machine& machine, Time now)>& work) {
+    return database_->Change(work);
+}
+
+}  // namespace hxsim

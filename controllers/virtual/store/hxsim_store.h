@@ -1,0 +1,47 @@
+// The state file: one SQLite database that holds a machine, for every process that works on it.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "model/hxsim_machine.h"
+
+namespace hxsim {
+
+/// The state file cannot be used; what() is one sentence that names the file and says what to do.
+struct StoreError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// The state file's path: HXSIM_STATE, else below the folder that VEXORAPI_ROOT names, else in the
+/// user's state folder. Set-user-ID processes look at none of them but the system's own folder.
+std::string StatePath();
+
+/// An open state file and the machine as it was last read from it or written to it.
+class Store {
+public:
+    /// Opens the file. One that is not there is made, with the default topology. Throws StoreError.
+    explicit Store(const std::string& path);
+    ~Store();
+    Store(const Store&) = delete;
+    Store& operator=(const Store&) = delete;
+
+    /// Makes the file anew, with this machine. An existing machine is replaced, in one transaction.
+    static void Create(const std::string& path, const Machine& machine);
+
+    /// The machine, brought up to now: whatever was due has happened and is saved.
+    const Machine& Current();
+
+    /// One transaction: brings the machine up to now, lets `work` change it and saves what is
+    /// different. When `work` returns false or throws, nothing of its changes stays.
+    /// Returns what `work` returned.
+    bool Change(const std::function<bool(Machine& machine, Time now)>& work);
+
+private:
+    struct Database;
+    std::unique_ptr<Database> database_;
+};
+
+}  // namespace hxsim

@@ -1,0 +1,69 @@
+// A machine in a database's tables: made, read, and written where it has changed.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <tuple>
+#include <vector>
+
+#include "model/hxsim_machine.h"
+#include "store/hxsim_sqlite.h"
+#include "store/hxsim_table_rows.h"
+
+namespace hxsim {
+
+/// What tells a state file from any other database: "VXSM".
+inline constexpr std::int64_t kApplicationId = 0x5658534D;
+
+/// What turns the tables of one version into those of the next.
+struct Migration {
+    std::int64_t from;
+    const char* sql;
+};
+
+/// The steps from the oldest version that can still be read on, one after the other. There has been
+/// one version only.
+inline constexpr std::span<const Migration> kMigrations{};
+inline constexpr std::int64_t kSchemaVersion = 1;
+
+/// Takes the tables from their version to `wanted`, step by step, and notes it in the file. Throws
+/// StoreError when no steps lead there: the file is too old, or newer than this program. Within the
+/// caller's transaction.
+void Migrate(const Connection& connection, const std::string& path,
+             std::span<const Migration> steps, std::int64_t wanted);
+
+/// Whether the database is a state file (throws StoreError when it is anything else), or empty.
+bool IsStateFile(const Connection& connection, const std::string& path);
+
+/// Makes the tables, dropping whatever was there. Within the caller's transaction.
+void MakeTables(const Connection& connection);
+
+/// The statements for the tables of one connection.
+class Tables {
+public:
+    explicit Tables(const Connection& connection) : connection_(connection) {}
+
+    /// Reads the machine. Values that cannot be are StoreError, also such as break a rule of a
+    /// machine (Check). Within a transaction of the caller's, so that all is of one moment.
+    Machine Load(const std::string& path);
+
+    /// Writes what is different in `after`. Within the caller's transaction.
+    void Save(const Machine& before, const Machine& after);
+
+private:
+    struct Statements {
+        Statement load;
+        Statement put;
+        Statement erase;
+    };
+    static constexpr std::size_t kTables = 2 + std::tuple_size_v<decltype(kMachineTables)> +
+                                           std::tuple_size_v<decltype(kAdapterTables)>;
+
+    const Connection& connection_;
+    Statements statements_[kTables];  // the machine's, the clock's, then as the tables stand
+
+    friend class Loading;
+    friend class Saving;
+};
+
+}  // namespace hxsim

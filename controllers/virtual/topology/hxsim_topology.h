@@ -1,0 +1,29 @@
+// Machines made from a topology, a JSON text that says what hangs on what, and a seed.
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/hxsim_machine.h"
+
+namespace hxsim {
+
+/// The text is no topology; what() names the member and says what is expected there.
+struct TopologyError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// The topologies that are built in: "default", "small" and "rack".
+std::vector<std::string_view> BuiltInTopologies();
+
+/// The text of a built-in topology; empty when none has that name.
+std::string_view BuiltInTopology(std::string_view name);
+
+/// The machine of a topology. The same text, seed and time make the same machine, byte for byte.
+/// `now` is what its clock starts at, in real and in virtual time. Throws TopologyError.
+Machine MakeMachine(std::string_view topology, std::uint64_t seed, Time now);
+
+}  // namespace hxsim

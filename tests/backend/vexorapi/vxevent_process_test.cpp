@@ -1,0 +1,261 @@
+// The store shared by processes: readers beside a writer, and writers that are killed.
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <new>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/child_process.h"
+#include "vxevent_store.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// Every byte follows from the serial number, so that an event tells whether it is whole.
+Event SerialEvent(HX_U32 serial) {
+    Event event = MakeEvent(2, 37, serial);
+    event.TimeStamp = serial;
+    event.DeviceID = static_cast<HX_U16>(serial);
+    event.Params[0] = serial;
+    event.Params[1] = ~serial;
+    event.Params[2] = serial * 2654435761u;
+    event.Params[3] = serial ^ 0xA5A5A5A5;
+    event.SenseDataLength = 30;
+    std::memset(event.SenseData, static_cast<int>(serial % 251), sizeof event.SenseData);
+    return event;
+}
+
+bool IsWhole(const Event& event) {
+    const Event expected = SerialEvent(event.SequenceNo);
+    return std::memcmp(&expected, &event, sizeof event) == 0;
+}
+
+struct ReaderReport {
+    HX_U32 reads, events, torn, never_delivered;
+    HX_U32 longest_us;
+};
+
+// What the processes tell each other.
+struct Shared {
+    std::atomic<HX_U32> delivered;  // serial numbers 1 to this have left the controller
+    std::atomic<bool> stop;
+    std::atomic<HX_U32> check_ins;
+    ReaderReport readers[4];
+};
+
+class Processes : public EventStore {
+protected:
+    Processes()
+        : shared_(new (mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE,
+                            MAP_SHARED | MAP_ANONYMOUS, -1, 0)) Shared{}) {
+        hxfake::NoteCalls(false);
+        hxfake::On<&HX_EVT_GetEvent>().Always([this](HX_U8, HX_U8, HX_U8* count, Event* events) {
+            *count = batch_;
+            const HX_U32 first = shared_->delivered.fetch_add(batch_) + 1;
+            for (HX_U32 i = 0; i < batch_; ++i) events[i] = SerialEvent(first + i);
+            batch_ = 0;  // the next poll of this check-in finds none
+            return HX_U8{0};
+        });
+    }
+    ~Processes() override { munmap(shared_, sizeof(Shared)); }
+
+    void CheckInBatch(HX_U8 batch) {
+        batch_ = batch;
+        VX_EvFile_CheckIn(1);
+    }
+
+    // Runs `work` in a process of its own, which initialises the store as any process does.
+    template <class Work>
+    static pid_t Start(Work work) {
+        const pid_t child = fork();
+        if (child != 0) return child;
+        VX_EvInit();
+        work();
+        _exit(0);
+    }
+
+    Shared* const shared_;
+    HX_U8 batch_ = 0;
+};
+
+// Whether the child ends by itself within the time; it is killed if it does not.
+bool EndsWithin(pid_t child, std::chrono::seconds limit) {
+    const auto deadline = Clock::now() + limit;
+    int status = 0;
+    while (waitpid(child, &status, WNOHANG) == 0) {
+        if (Clock::now() > deadline) {
+            kill(child, SIGKILL);
+            waitpid(child, &status, 0);
+            return false;
+        }
+        usleep(10000);
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+// ---- Readers beside a writer --------------------------------------------------------------------
+
+constexpr std::chrono::seconds kDuration{10};
+constexpr HX_U32 kSharedCapacity = 2000;
+
+void ReadOnce(const Shared& shared, std::mt19937& random, ReaderReport& report) {
+    HX_U32 n = 0;
+    HX_U32 s = 0;
+    HX_U32 e = 0;
+    VX_EvGet(&n, &s, &e, nullptr);
+    const HX_U32 wanted = 1 + static_cast<HX_U32>(random()) % 2000;
+    std::vector<Event> events(wanted);
+    if (random() % 3 == 0) {
+        s = e = kNewestEvents;
+    } else if (random() % 2 == 0) {
+        s += static_cast<HX_U32>(random()) % (n + 1);
+    }
+    n = wanted;
+    VX_EvGet(&n, &s, &e, events.data());
+    // Whatever has been read had been delivered before.
+    const HX_U32 delivered = shared.delivered;
+    events.resize(n);
+    for (const Event& event : events) {
+        if (!IsWhole(event)) {
+            ++report.torn;
+        } else if (event.SequenceNo == 0 || event.SequenceNo > delivered) {
+            ++report.never_delivered;
+        }
+    }
+    VX_HX_ChangeCounters counters;
+    VX_EvGetChangeCounters(&counters);
+    VX_EvGetInfo(&s, &e);
+    ++report.reads;
+    report.events += n;
+}
+
+TEST_F(Processes, FourReadBesideOneThatChecksIn) {
+    SetCapacity(kSharedCapacity);
+    CheckInBatch(50);
+    const pid_t writer = Start([this] {
+        std::mt19937 random(1);
+        while (!shared_->stop) {
+            CheckInBatch(static_cast<HX_U8>(1 + random() % 50));
+            ++shared_->check_ins;
+        }
+    });
+    pid_t readers[4];
+    for (unsigned i = 0; i < 4; ++i) {
+        readers[i] = Start([this, i] {
+            std::mt19937 random(i);
+            ReaderReport& report = shared_->readers[i];
+            while (!shared_->stop) {
+                const auto before = Clock::now();
+                ReadOnce(*shared_, random, report);
+                const auto took =
+                    std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - before);
+                report.longest_us = std::max(report.longest_us, static_cast<HX_U32>(took.count()));
+            }
+        });
+    }
+    std::this_thread::sleep_for(kDuration);
+    shared_->stop = true;
+    EXPECT_TRUE(EndsWithin(writer, std::chrono::seconds(10)));
+    for (const pid_t reader : readers) EXPECT_TRUE(EndsWithin(reader, std::chrono::seconds(10)));
+
+    EXPECT_LT(kSharedCapacity / 25, shared_->check_ins);  // the ring has wrapped
+    HX_U32 torn = 0;
+    for (const ReaderReport& report : shared_->readers) {
+        std::printf("reader: %u reads, %u events, %u torn, longest read %u us\n", report.reads,
+                    report.events, report.torn, report.longest_us);
+        EXPECT_LT(0u, report.events);
+        EXPECT_EQ(0u, report.never_delivered);
+        torn += report.torn;
+    }
+    std::printf("writer: %u check-ins, %u events\n", shared_->check_ins.load(),
+                shared_->delivered.load());
+    RecordProperty("torn_reads", static_cast<int>(torn));
+}
+
+// ---- Writers that are killed -------------------------------------------------------------------
+
+// A sanitized process is costly to fork.
+constexpr int kKills = kSanitized ? 200 : 2000;
+constexpr HX_U32 kKilledCapacity = 60;
+
+class KilledWriter : public Processes {
+protected:
+    // The store as a killed writer has left it.
+    void ExpectUsable() {
+        const std::string file = root_.Read(kEventFile);
+        if (file.size() < 52) return;  // the next check-in makes it anew
+        ASSERT_EQ(std::string("Ombra Event File v0.1") + std::string(11, '\0'), file.substr(0, 32));
+        const VX_EvLogHeader header = StoredHeader();
+        ASSERT_EQ(kKilledCapacity, header.Capacity);
+        ASSERT_LE(header.NumOfEvent, kKilledCapacity);
+        ASSERT_LE(header.Start, kKilledCapacity);
+        ASSERT_LE(header.End, kKilledCapacity);
+        ASSERT_EQ(header.End, (header.Start + header.NumOfEvent) % (kKilledCapacity + 1));
+        HX_U32 last = 0;
+        for (const Event& event : Get(100, 0, 0).events) {
+            ASSERT_TRUE(IsWhole(event)) << "a torn event behind " << last;
+            ASSERT_GT(event.SequenceNo, last);
+            ASSERT_LE(event.SequenceNo, shared_->delivered);
+            last = event.SequenceNo;
+        }
+    }
+
+    void ExpectNextCheckInWorks() {
+        CheckInBatch(1);
+        const HX_U32 serial = shared_->delivered;
+        const Page page = Get(1, kNewestEvents, kNewestEvents);
+        ASSERT_EQ(1u, page.n);
+        ASSERT_EQ(serial, page.events[0].SequenceNo);
+        ASSERT_TRUE(IsWhole(page.events[0]));
+    }
+};
+
+TEST_F(KilledWriter, LeavesAStoreThatTheNextOneUses) {
+    SetCapacity(kKilledCapacity);
+    std::mt19937 random(9);
+    int short_files = 0;
+    for (int round = 0; round < kKills; ++round) {
+        SCOPED_TRACE("kill " + std::to_string(round));
+        const bool from_nothing = random() % 4 == 0;
+        if (from_nothing) {
+            std::filesystem::remove(root_.Path(kEventFile));
+            std::filesystem::remove(root_.Path(kSeqNoFile));
+        }
+        shared_->check_ins = 0;
+        const pid_t writer = Start([this, from_nothing] {
+            for (;;) {
+                // Files are made anew over and over, so that kills hit that as well.
+                if (from_nothing) VX_EvFile_Reset();
+                CheckInBatch(50);
+                ++shared_->check_ins;
+            }
+        });
+        // Not before it has begun; then at any moment of the next few check-ins.
+        while (shared_->check_ins == 0) sched_yield();
+        const timespec pause{0, static_cast<long>(random() % 300000)};
+        nanosleep(&pause, nullptr);
+        ASSERT_EQ(0, kill(writer, SIGKILL));
+        ASSERT_EQ(writer, waitpid(writer, nullptr, 0));
+        VX_EvInit();
+        if (root_.Read(kEventFile).size() < 52) ++short_files;
+        ASSERT_NO_FATAL_FAILURE(ExpectUsable());
+        ASSERT_NO_FATAL_FAILURE(ExpectNextCheckInWorks());
+    }
+    std::printf("%d kills, %d of them before the header of a new file\n", kKills, short_files);
+}
+
+}  // namespace

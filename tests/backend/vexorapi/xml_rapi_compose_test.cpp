@@ -1,0 +1,851 @@
+// Functions made of several calls of the controller library, and the names that they go by.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "hxfake.h"
+#include "support/failing_allocations.h"
+#include "xml_rapi_local.h"
+
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StrEq;
+
+class Controller : public testing::Test {
+protected:
+    void SetUp() override { hxfake::Reset(); }
+    void TearDown() override {
+        EXPECT_EQ(hxfake::AnswersLeft(), 0U);
+        hxfake::Reset();
+    }
+};
+
+template <class T>
+bool IsZero(const T& record) {
+    const auto* const bytes = reinterpret_cast<const char*>(&record);
+    return std::all_of(bytes, bytes + sizeof record, [](char byte) { return byte == 0; });
+}
+
+// ---- Disk groups ----
+
+// A parameter in which no field is 0.
+CreateOrModify_DG_Param FilledGroupParam() {
+    CreateOrModify_DG_Param param;
+    std::memset(&param, 0x11, sizeof param);
+    return param;
+}
+
+// Keeps what the controller was given.
+class GroupCall {
+public:
+    GroupCall() {
+        hxfake::On<&HX_CreateOrModify_DG>().Inspect(
+            [this](HX_U8, const CreateOrModify_DG_Param* param, HX_U8 size_only) {
+                given = *param;
+                size_only_given = size_only;
+            });
+    }
+    std::optional<CreateOrModify_DG_Param> given;
+    int size_only_given = -1;
+};
+
+// The parameter as it was filled, but for DGID.
+void ExpectFilledWithDGID(const std::optional<CreateOrModify_DG_Param>& param, HX_U16 DGID) {
+    ASSERT_TRUE(param.has_value());
+    CreateOrModify_DG_Param expected = FilledGroupParam();
+    expected.DGID = DGID;
+    EXPECT_EQ(param->DGID, DGID);
+    EXPECT_EQ(std::memcmp(&*param, &expected, sizeof expected), 0);
+}
+
+using DG = Controller;
+
+TEST_F(DG, CreateAsksForANewGroup) {
+    const GroupCall call;
+    CreateOrModify_DG_Param param = FilledGroupParam();
+    EXPECT_EQ(HX_DG_Create(2, &param), 0);
+    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_CreateOrModify_DG(2, &, 0)"));
+    ExpectFilledWithDGID(call.given, 65535);
+}
+
+TEST_F(DG, CreateReturnsTheControllersCodeAndAnswer) {
+    CreateOrModify_DG_Param answer = FilledGroupParam();
+    answer.DGID = 5;
+    hxfake::On<&HX_CreateOrModify_DG>().Once(42, hxfake::Fill(answer));
+    CreateOrModify_DG_Param param{};
+    EXPECT_EQ(HX_DG_Create(2, &param), 42);
+    EXPECT_EQ(param.DGID, 5);
+}
+
+TEST_F(DG, GetSizeOnlyAsksForTheSizeOfTheCallersGroup) {
+    const GroupCall call;
+    CreateOrModify_DG_Param param = FilledGroupParam();
+    param.DGID = 7;
+    EXPECT_EQ(HX_DG_GetSizeOnly(1, &param), 0);
+    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_CreateOrModify_DG(1, &, 1)"));
+    ExpectFilledWithDGID(call.given, 7);
+}
+
+TEST_F(DG, GetSizeOnlyReturnsTheControllersCodeAndAnswer) {
+    CreateOrModify_DG_Param answer{};
+    answer.Size.value = 0x123456789A;
+    hxfake::On<&HX_CreateOrModify_DG>().Once(9, hxfake::Fill(answer));
+    CreateOrModify_DG_Param param{};
+    EXPECT_EQ(HX_DG_GetSizeOnly(1, &param), 9);
+    EXPECT_EQ(param.Size.value, 0x123456789AU);
+}
+
+TEST_F(DG, ModifyChangesTheCallersGroup) {
+    const GroupCall call;
+    CreateOrModify_DG_Param param = FilledGroupParam();
+    param.DGID = 7;
+    hxfake::On<&HX_CreateOrModify_DG>().Once(3);
+    EXPECT_EQ(HX_DG_Modify(1, &param), 3);
+    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_CreateOrModify_DG(1, &, 0)"));
+    ExpectFilledWithDGID(call.given, 7);
+}
+
+// ---- Virtual disks on disk groups ----
+
+DG_Info Group() {
+    DG_Info group{};
+    group.DGID = 4;
+    group.RaidMode = 0x50;
+    group.SubVDCount = 2;
+    group.NumParityDisk = 3;
+    group.StripeBlockSize = 128;
+    group.BlockSize = 4096;
+    std::strcpy(group.Name, "GROUP");
+    return group;
+}
+
+CreateOrModify_VD_Param FilledDiskParam() {
+    CreateOrModify_VD_Param param;
+    std::memset(&param, 0x11, sizeof param);
+    param.DGID = 4;
+    return param;
+}
+
+class OnGroup : public Controller {
+protected:
+    void SetUp() override {
+        Controller::SetUp();
+        hxfake::On<&HX_CreateOrModify_VD>().Inspect(
+            [this](HX_U8, const CreateOrModify_VD_Param* param) { given_ = *param; });
+    }
+    CreateOrModify_VD_Param given_{};
+};
+
+TEST_F(OnGroup, CreateReadsTheGroupThenMakesTheDisk) {
+    CreateOrModify_VD_Param param = FilledDiskParam();
+    HX_LD_Create_OnDG(2, &param);
+    EXPECT_THAT(hxfake::Calls(),
+                ElementsAre("HX_DG_GetInfo(2, {2, 4, 1})", "HX_CreateOrModify_VD(2, &)"));
+}
+
+TEST_F(OnGroup, CreateTakesTheGroupsShapeAndKeepsTheRest) {
+    hxfake::On<&HX_DG_GetInfo>().Once(0, hxfake::Page(65535, {Group()}));
+    CreateOrModify_VD_Param param = FilledDiskParam();
+    EXPECT_EQ(HX_LD_Create_OnDG(2, &param), 0);
+    CreateOrModify_VD_Param expected = FilledDiskParam();
+    expected.VDID = 65535;
+    expected.RaidMode = 0x50;
+    expected.NumParityDisk = 3;
+    expected.BlockSize = 4096;
+    expected.SubVDCount = 2;
+    EXPECT_EQ(std::memcmp(&given_, &expected, sizeof expected), 0);
+    EXPECT_EQ(given_.StripeBlockSize, 0x1111);
+}
+
+TEST_F(OnGroup, CreateTakesTheGroupsStripeSizeWhenThereIsNoOther) {
+    hxfake::On<&HX_DG_GetInfo>().Once(0, hxfake::Page(65535, {Group()}));
+    CreateOrModify_VD_Param param = FilledDiskParam();
+    param.StripeBlockSize = 0;
+    HX_LD_Create_OnDG(2, &param);
+    EXPECT_EQ(given_.StripeBlockSize, 128);
+}
+
+TEST_F(OnGroup, CreateReturnsTheControllersCode) {
+    hxfake::On<&HX_CreateOrModify_VD>().Once(77);
+    CreateOrModify_VD_Param param = FilledDiskParam();
+    EXPECT_EQ(HX_LD_Create_OnDG(2, &param), 77);
+}
+
+TEST_F(OnGroup, CreateDoesNotLookAtTheCodeOfTheReading) {
+    hxfake::On<&HX_DG_GetInfo>().Once(9, hxfake::Page(65535, {Group()}));
+    CreateOrModify_VD_Param param = FilledDiskParam();
+    EXPECT_EQ(HX_LD_Create_OnDG(2, &param), 0);
+    EXPECT_EQ(given_.RaidMode, 0x50);
+}
+
+TEST_F(OnGroup, CreateOnAGroupThatCannotBeReadSendsZeroes) {
+    hxfake::On<&HX_DG_GetInfo>().Once(9);
+    CreateOrModify_VD_Param param = FilledDiskParam();
+    HX_LD_Create_OnDG(2, &param);
+    EXPECT_EQ(given_.VDID, 65535);
+    EXPECT_EQ(given_.RaidMode, 0);
+    EXPECT_EQ(given_.NumParityDisk, 0);
+    EXPECT_EQ(given_.BlockSize, 0U);
+    EXPECT_EQ(given_.SubVDCount, 0);
+    EXPECT_EQ(given_.StripeBlockSize, 0x1111);
+}
+
+TEST_F(OnGroup, ModifyPassesTheParameterAsItStands) {
+    hxfake::On<&HX_CreateOrModify_VD>().Once(6);
+    CreateOrModify_VD_Param param = FilledDiskParam();
+    EXPECT_EQ(HX_LD_Modify_OnDG(3, &param), 6);
+    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_CreateOrModify_VD(3, &)"));
+    const CreateOrModify_VD_Param expected = FilledDiskParam();
+    EXPECT_EQ(std::memcmp(&given_, &expected, sizeof expected), 0);
+}
+
+using DefaultValue = Controller;
+
+TEST_F(DefaultValue, OverwritesSectorAndStripeSizeAndNothingElse) {
+    hxfake::On<&HX_DG_GetInfo>().Once(0, hxfake::Page(65535, {Group()}));
+    CreateOrModify_DG_Param param = FilledGroupParam();
+    param.DGID = 4;
+    HX_DG_Set_DefaultValue(1, &param);
+    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_DG_GetInfo(1, {2, 4, 1})"));
+    CreateOrModify_DG_Param expected = FilledGroupParam();
+    expected.DGID = 4;
+    expected.BlockSize = 4096;
+    expected.StripeBlockSize = 128;
+    EXPECT_EQ(std::memcmp(&param, &expected, sizeof expected), 0);
+}
+
+TEST_F(DefaultValue, OfAGroupThatCannotBeReadIsZero) {
+    hxfake::On<&HX_DG_GetInfo>().Once(9);
+    CreateOrModify_DG_Param param = FilledGroupParam();
+    HX_DG_Set_DefaultValue(1, &param);
+    EXPECT_EQ(param.BlockSize, 0U);
+    EXPECT_EQ(param.StripeBlockSize, 0);
+}
+
+TEST_F(DefaultValue, DoesNotLookAtTheCode) {
+    hxfake::On<&HX_DG_GetInfo>().Once(9, hxfake::Page(65535, {Group()}));
+    CreateOrModify_DG_Param param = FilledGroupParam();
+    HX_DG_Set_DefaultValue(1, &param);
+    EXPECT_EQ(param.BlockSize, 4096U);
+}
+
+TEST_F(DefaultValue, HandsTheControllerAZeroedRecord) {
+    DG_Info_Request given;
+    std::memset(&given, 1, sizeof given);
+    hxfake::On<&HX_DG_GetInfo>().Inspect(
+        [&](HX_U8, const DG_Info_Request* request) { given = *request; });
+    CreateOrModify_DG_Param param = FilledGroupParam();
+    HX_DG_Set_DefaultValue(1, &param);
+    EXPECT_TRUE(IsZero(given.dgInfo));
+    EXPECT_EQ(given.header.version, 0);
+    EXPECT_EQ(given.header.numReturned, 0);
+    EXPECT_EQ(given.header.nextStartingIndex, 0);
+    EXPECT_THAT(given.header.reserved1, Each(0));
+}
+
+// ---- HDisFreeDiskForSkua ----
+
+Block_Info Block(HX_U16 disk, HX_U16 virtual_disk) {
+    Block_Info block{};
+    block.HDID = disk;
+    block.LDID = virtual_disk;
+    return block;
+}
+
+constexpr HX_U16 kFree = 255;
+constexpr HX_U16 kLast = 65535;
+constexpr HX_U16 kDisk = 9;
+
+using FreeDisk = Controller;
+
+TEST_F(FreeDisk, AsksForTheBlocksThenForAnOperatingSystem) {
+    hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page<Block_Info>(kLast, {}));
+    EXPECT_EQ(HDisFreeDiskForSkua(2, 9), 0);
+    EXPECT_THAT(hxfake::Calls(),
+                ElementsAre("HX_BLK_GetInfo(2, {1, 0, 512})", "HX_DiskHasOS(2, 1, 1, [9])"));
+}
+
+TEST_F(FreeDisk, IsOneWhoseBlocksAreAllFree) {
+    hxfake::On<&HX_BLK_GetInfo>().Once(
+        0, hxfake::Page(kLast, {Block(kDisk, kFree), Block(kDisk, kFree)}));
+    EXPECT_EQ(HDisFreeDiskForSkua(0, kDisk), 0);
+}
+
+TEST_F(FreeDisk, IsNotOneWithABlockOfAVirtualDisk) {
+    hxfake::On<&HX_BLK_GetInfo>().Once(
+        0, hxfake::Page(kLast, {Block(kDisk, kFree), Block(kDisk, 0), Block(kDisk, kFree)}));
+    EXPECT_EQ(HDisFreeDiskForSkua(0, kDisk), 73);
+}
+
+TEST_F(FreeDisk, IsNotTouchedByTheBlocksOfOthers) {
+    hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page(kLast, {Block(8, 0), Block(265, 1)}));
+    EXPECT_EQ(HDisFreeDiskForSkua(0, kDisk), 0);
+}
+
+TEST_F(FreeDisk, ComparesAllSixteenBitsOfTheVirtualDisk) {
+    hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page(kLast, {Block(kDisk, 0x01FF)}));
+    EXPECT_EQ(HDisFreeDiskForSkua(0, kDisk), 73);
+}
+
+TEST_F(FreeDisk, IsNotOneWithAnOperatingSystem) {
+    hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page<Block_Info>(kLast, {}));
+    hxfake::On<&HX_DiskHasOS>().Once(1);
+    EXPECT_EQ(HDisFreeDiskForSkua(0, kDisk), 159);
+}
+
+TEST_F(FreeDisk, AnOperatingSystemOutweighsABlockAndAFailure) {
+    hxfake::On<&HX_DiskHasOS>().Always(200);
+    hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page(kLast, {Block(kDisk, 0)})).Once(5);
+    EXPECT_EQ(HDisFreeDiskForSkua(0, kDisk), 159);
+    EXPECT_EQ(HDisFreeDiskForSkua(0, kDisk), 159);
+}
+
+TEST_F(FreeDisk, WalksFromPageToPage) {
+    hxfake::On<&HX_BLK_GetInfo>()
+        .Once(0, hxfake::Page(512, {Block(1, 0)}))
+        .Once(0, hxfake::Page(700, {Block(2, 0)}))
+        .Once(0, hxfake::Page(kLast, {Block(3, 0)}));
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 0);
+    EXPECT_THAT(hxfake::Calls(),
+                ElementsAre("HX_BLK_GetInfo(1, {1, 0, 512})", "HX_BLK_GetInfo(1, {1, 512, 512})",
+                            "HX_BLK_GetInfo(1, {1, 700, 512})", "HX_DiskHasOS(1, 1, 1, [9])"));
+}
+
+// The last page alone decides. That is how it has always been.
+TEST_F(FreeDisk, ForgetsWhatAnEarlierPageSaid) {
+    hxfake::On<&HX_BLK_GetInfo>()
+        .Once(0, hxfake::Page(512, {Block(kDisk, 0)}))
+        .Once(0, hxfake::Page(kLast, {Block(3, 0)}));
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 0);
+}
+
+TEST_F(FreeDisk, HearsWhatTheLastPageSays) {
+    hxfake::On<&HX_BLK_GetInfo>()
+        .Once(0, hxfake::Page(512, {Block(3, 0)}))
+        .Once(0, hxfake::Page(kLast, {Block(kDisk, 0)}));
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 73);
+}
+
+TEST_F(FreeDisk, ReturnsTheCodeOfALastPageThatFailed) {
+    hxfake::On<&HX_BLK_GetInfo>()
+        .Once(0, hxfake::Page(512, {Block(kDisk, 0)}))
+        .Once(5, hxfake::Page(kLast, {Block(kDisk, 0)}));
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 5);
+}
+
+TEST_F(FreeDisk, ForgetsAFailureBeforeTheLastPage) {
+    hxfake::On<&HX_BLK_GetInfo>()
+        .Once(5, hxfake::Page<Block_Info>(512, {}))
+        .Once(0, hxfake::Page<Block_Info>(kLast, {}));
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 0);
+}
+
+// A controller that fails without writing leaves the index at 0, where the walk has been.
+TEST_F(FreeDisk, StopsAtAControllerThatOnlyFails) {
+    hxfake::On<&HX_BLK_GetInfo>().Always(5);
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 5);
+    EXPECT_THAT(hxfake::Calls(),
+                ElementsAre("HX_BLK_GetInfo(1, {1, 0, 512})", "HX_DiskHasOS(1, 1, 1, [9])"));
+}
+
+TEST_F(FreeDisk, StopsWhenTheSamePageComesNext) {
+    hxfake::On<&HX_BLK_GetInfo>().Always(0, hxfake::Page(0, {Block(kDisk, 0)}));
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 73);
+    EXPECT_EQ(hxfake::On<&HX_BLK_GetInfo>().CallCount(), 1U);
+}
+
+TEST_F(FreeDisk, StopsWhenThePagesComeInACircle) {
+    hxfake::On<&HX_BLK_GetInfo>()
+        .Once(0, hxfake::Page<Block_Info>(100, {}))
+        .Once(0, hxfake::Page<Block_Info>(50, {}))
+        .Once(0, hxfake::Page(100, {Block(kDisk, 0)}));
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 73);
+    EXPECT_EQ(hxfake::On<&HX_BLK_GetInfo>().CallCount(), 3U);
+}
+
+TEST_F(FreeDisk, EndsAfterEveryPageThatThereCanBe) {
+    hxfake::NoteCalls(false);
+    hxfake::On<&HX_BLK_GetInfo>().Always([](HX_U8, Info_Request* request) -> HX_U8 {
+        const HX_U16 next = static_cast<HX_U16>(request->header.startingIndexOrId + 1);
+        request->header.nextStartingIndex = next == kLast ? HX_U16{0} : next;
+        return 0;
+    });
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 0);
+    EXPECT_EQ(hxfake::On<&HX_BLK_GetInfo>().CallCount(), 65535U);
+}
+
+// Blocks of other disks, and one of ours in a virtual disk at `position`.
+std::vector<Block_Info> FullPage(std::size_t position) {
+    std::vector<Block_Info> blocks(512, Block(1, 0));
+    blocks[position] = Block(kDisk, 0);
+    return blocks;
+}
+
+TEST_F(FreeDisk, LooksAtEveryBlockOfAFullPage) {
+    for (const std::size_t position : {0U, 255U, 256U, 511U}) {
+        hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page(kLast, FullPage(position)));
+        EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 73) << position;
+    }
+}
+
+TEST_F(FreeDisk, LooksAtNoMoreThanThePageHolds) {
+    hxfake::On<&HX_BLK_GetInfo>().Once(
+        0, hxfake::Page(kLast, std::vector<Block_Info>(512, Block(1, 0)), 65535));
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 0);
+}
+
+TEST_F(FreeDisk, LooksAtNoMoreThanIsReturned) {
+    hxfake::On<&HX_BLK_GetInfo>().Once(
+        0, hxfake::Page(kLast, {Block(1, 0), Block(kDisk, 0)}, HX_U16{1}));
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 0);
+}
+
+TEST_F(FreeDisk, ClearsThePageBeforeEveryCall) {
+    int dirty = 0;
+    hxfake::On<&HX_BLK_GetInfo>().Inspect([&](HX_U8, const Info_Request* request) {
+        const auto* const bytes = reinterpret_cast<const char*>(request->blockInfo);
+        dirty += std::any_of(bytes, bytes + 512 * sizeof(Block_Info),
+                             [](char byte) { return byte != 0; });
+        dirty += request->header.version + request->header.numReturned +
+                 request->header.nextStartingIndex;
+    });
+    hxfake::On<&HX_BLK_GetInfo>()
+        .Once(0, hxfake::Page(512, FullPage(7)))
+        .Once(0, hxfake::Page<Block_Info>(kLast, {}));
+    HDisFreeDiskForSkua(1, kDisk);
+    EXPECT_EQ(dirty, 0);
+}
+
+// The second page is not written at all: what it would return must not be the first page again.
+TEST_F(FreeDisk, IsNotJudgedByWhatThePageBeforeHeld) {
+    hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page(512, {Block(0, 0), Block(0, 0)})).Once(0);
+    EXPECT_EQ(HDisFreeDiskForSkua(1, 0), 0);
+}
+
+TEST_F(FreeDisk, AsksForAFullPageEachTimeWhateverTheControllerWrites) {
+    hxfake::On<&HX_BLK_GetInfo>().Once([](HX_U8, Info_Request* request) -> HX_U8 {
+        request->header = {9, 9, 9, 65535, 0, 600, {}};
+        return 0;
+    });
+    hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page<Block_Info>(kLast, {}));
+    HDisFreeDiskForSkua(1, kDisk);
+    EXPECT_THAT(hxfake::Calls(),
+                ElementsAre("HX_BLK_GetInfo(1, {1, 0, 512})", "HX_BLK_GetInfo(1, {1, 600, 512})",
+                            "HX_DiskHasOS(1, 1, 1, [9])"));
+}
+
+TEST_F(FreeDisk, WithoutMemoryIsFour) {
+    const FailingAllocations no_memory;
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 4);
+    EXPECT_THAT(hxfake::Calls(), IsEmpty());
+}
+
+TEST_F(FreeDisk, LeavesNoMemoryBehind) {
+    const std::ptrdiff_t before = LiveBlocks();
+    hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page<Block_Info>(kLast, {})).Once(5);
+    HDisFreeDiskForSkua(1, kDisk);
+    HDisFreeDiskForSkua(1, kDisk);
+    EXPECT_EQ(LiveBlocks(), before);
+}
+
+// ---- GetRaidMode ----
+
+constexpr HX_U16 k00 = 0x0001;
+constexpr HX_U16 k01 = 0x0002;
+constexpr HX_U16 k10 = 0x0004;
+constexpr HX_U16 k11 = 0x0008;
+constexpr HX_U16 k05 = 0x0010;
+constexpr HX_U16 k06 = 0x0020;
+constexpr HX_U16 k50 = 0x0040;
+constexpr HX_U16 k60 = 0x0100;
+constexpr HX_U16 kEvery = k00 | k01 | k10 | k11 | k05 | k06 | k50 | k60;
+
+struct Choice {
+    HX_U16 offered;
+    int disks;
+    int level;
+    int disks_used;
+};
+
+void PrintTo(const Choice& choice, std::ostream* out) {
+    *out << "offered " << choice.offered << ", disks " << choice.disks;
+}
+
+Adapter_Info AdapterOffering(HX_U16 levels) {
+    Adapter_Info info{};
+    info.LogicalDriverMode = levels;
+    return info;
+}
+
+Create_LD_Param ParamOf(int disks) {
+    Create_LD_Param param{};
+    param.HDCount = static_cast<HX_U8>(disks);
+    return param;
+}
+
+class RaidModeChoice : public Controller, public testing::WithParamInterface<Choice> {};
+
+TEST_P(RaidModeChoice, FitsTheAdapterAndTheNumberOfDisks) {
+    hxfake::On<&HX_Adapter_GetInfo>().Once(0, hxfake::Fill(AdapterOffering(GetParam().offered)));
+    Create_LD_Param param = ParamOf(GetParam().disks);
+    EXPECT_EQ(GetRaidMode(2, 1, &param), GetParam().level);
+    EXPECT_EQ(param.HDCount, GetParam().disks_used);
+    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_Adapter_GetInfo(2, &, &)"));
+}
+
+// Each level alone, around the fewest disks that it takes. What no level fits is level 0x00.
+INSTANTIATE_TEST_SUITE_P(OfOne, RaidModeChoice,
+                         testing::Values(Choice{k00, 2, 0x00, 2},      //
+                                         Choice{k00, 128, 0x00, 128},  //
+                                         Choice{k01, 2, 0x01, 2},      //
+                                         Choice{k01, 3, 0x01, 2},      //
+                                         Choice{k01, 128, 0x01, 2},    //
+                                         Choice{k05, 2, 0x00, 2},      //
+                                         Choice{k05, 3, 0x05, 3},      //
+                                         Choice{k05, 4, 0x05, 4},      //
+                                         Choice{k05, 128, 0x05, 128},  //
+                                         Choice{k11, 2, 0x00, 2},      //
+                                         Choice{k11, 3, 0x11, 3},      //
+                                         Choice{k11, 4, 0x00, 4},      //
+                                         Choice{k11, 5, 0x11, 5},      //
+                                         Choice{k11, 127, 0x11, 127},  //
+                                         Choice{k06, 2, 0x00, 2},      //
+                                         Choice{k06, 3, 0x06, 3},      //
+                                         Choice{k06, 4, 0x06, 4},      //
+                                         Choice{k10, 2, 0x00, 2},      //
+                                         Choice{k10, 3, 0x00, 3},      //
+                                         Choice{k10, 4, 0x10, 4},      //
+                                         Choice{k10, 5, 0x00, 5},      //
+                                         Choice{k10, 6, 0x10, 6},      //
+                                         Choice{k50, 4, 0x00, 4},      //
+                                         Choice{k50, 5, 0x00, 5},      //
+                                         Choice{k50, 6, 0x50, 6},      //
+                                         Choice{k50, 7, 0x00, 7},      //
+                                         Choice{k50, 8, 0x50, 8},      //
+                                         Choice{k60, 4, 0x00, 4},      //
+                                         Choice{k60, 6, 0x60, 6},      //
+                                         Choice{k60, 7, 0x00, 7},      //
+                                         Choice{k60, 128, 0x60, 128}));
+
+INSTANTIATE_TEST_SUITE_P(OfAll, RaidModeChoice,
+                         testing::Values(Choice{kEvery, 2, 0x01, 2},  //
+                                         Choice{kEvery, 3, 0x06, 3},  //
+                                         Choice{kEvery, 4, 0x10, 4},  //
+                                         Choice{kEvery, 5, 0x06, 5},  //
+                                         Choice{kEvery, 6, 0x60, 6},  //
+                                         Choice{kEvery, 7, 0x06, 7},  //
+                                         Choice{kEvery, 8, 0x60, 8}));
+
+// Each level before the next less wanted one that could be made of the same disks.
+INSTANTIATE_TEST_SUITE_P(OfTwo, RaidModeChoice,
+                         testing::Values(Choice{k60 | k50, 6, 0x60, 6},  //
+                                         Choice{k50 | k10, 6, 0x50, 6},  //
+                                         Choice{k10 | k06, 4, 0x10, 4},  //
+                                         Choice{k06 | k11, 3, 0x06, 3},  //
+                                         Choice{k11 | k05, 3, 0x11, 3},  //
+                                         Choice{k05 | k01, 3, 0x05, 3},  //
+                                         Choice{k01 | k00, 2, 0x01, 2}));
+
+INSTANTIATE_TEST_SUITE_P(OfSome, RaidModeChoice,
+                         testing::Values(Choice{k00 | k01 | k05 | k10, 5, 0x05, 5},
+                                         Choice{k00 | k01 | k05 | k10, 4, 0x10, 4},
+                                         Choice{k00 | k01, 3, 0x01, 2},
+                                         Choice{k11 | k05, 4, 0x05, 4},
+                                         Choice{k01 | k50, 5, 0x01, 2}));
+
+INSTANTIATE_TEST_SUITE_P(OfNone, RaidModeChoice,
+                         testing::Values(Choice{0, 2, 0x00, 2}, Choice{0, 6, 0x00, 6},
+                                         Choice{0xFE80, 6, 0x00, 6}));
+
+INSTANTIATE_TEST_SUITE_P(OfFewerThanTwoDisks, RaidModeChoice,
+                         testing::Values(Choice{kEvery, 0, 0x00, 0}, Choice{kEvery, 1, 0x00, 1}));
+
+using RaidMode = Controller;
+
+TEST_F(RaidMode, IsPlainWhenNoBetterOneIsWanted) {
+    hxfake::On<&HX_Adapter_GetInfo>().Once(0, hxfake::Fill(AdapterOffering(kEvery)));
+    Create_LD_Param param = ParamOf(6);
+    EXPECT_EQ(GetRaidMode(2, 0, &param), 0x00);
+    EXPECT_EQ(param.HDCount, 6);
+    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_Adapter_GetInfo(2, &, &)"));
+}
+
+TEST_F(RaidMode, IsChosenWhateverTrueIsSpeltAs) {
+    hxfake::On<&HX_Adapter_GetInfo>().Always(0, hxfake::Fill(AdapterOffering(kEvery)));
+    for (const HX_BOOLEAN type : std::initializer_list<HX_BOOLEAN>{1, 2, 128, 255}) {
+        Create_LD_Param param = ParamOf(6);
+        EXPECT_EQ(GetRaidMode(2, type, &param), 0x60);
+    }
+}
+
+TEST_F(RaidMode, DoesNotLookAtTheCode) {
+    hxfake::On<&HX_Adapter_GetInfo>().Once(3, hxfake::Fill(AdapterOffering(k05)));
+    Create_LD_Param param = ParamOf(3);
+    EXPECT_EQ(GetRaidMode(2, 1, &param), 0x05);
+}
+
+TEST_F(RaidMode, IsPlainWhenTheAdapterFailsWithoutWriting) {
+    hxfake::On<&HX_Adapter_GetInfo>().Once(3);
+    Create_LD_Param param = ParamOf(6);
+    EXPECT_EQ(GetRaidMode(2, 1, &param), 0x00);
+}
+
+TEST_F(RaidMode, HandsTheControllerAZeroedRecord) {
+    Adapter_Info given;
+    std::memset(&given, 1, sizeof given);
+    hxfake::On<&HX_Adapter_GetInfo>().Inspect(
+        [&](HX_U8, HX_U8*, const Adapter_Info* info) { given = *info; });
+    Create_LD_Param param = ParamOf(6);
+    GetRaidMode(2, 1, &param);
+    EXPECT_TRUE(IsZero(given));
+}
+
+TEST_F(RaidMode, ChangesNothingButTheNumberOfDisks) {
+    hxfake::On<&HX_Adapter_GetInfo>().Once(0, hxfake::Fill(AdapterOffering(k01)));
+    Create_LD_Param param;
+    std::memset(&param, 0x11, sizeof param);
+    Create_LD_Param expected = param;
+    expected.HDCount = 2;
+    EXPECT_EQ(GetRaidMode(2, 1, &param), 0x01);
+    EXPECT_EQ(std::memcmp(&param, &expected, sizeof param), 0);
+}
+
+// ---- HX_LD_QuickCreate ----
+
+HD_RAID_Status Disk(HX_U16 id, HX_U8 status = 0) {
+    HD_RAID_Status disk{};
+    disk.HDID = id;
+    disk.Status = status;
+    return disk;
+}
+
+class QuickCreate : public Controller {
+protected:
+    void SetUp() override {
+        Controller::SetUp();
+        hxfake::On<&HX_BLK_GetInfo>().Always(0, hxfake::Page<Block_Info>(kLast, {}));
+        hxfake::On<&HX_LD_Create>().Inspect(
+            [this](HX_U8, const Create_LD_Param* param) { given_ = *param; });
+        std::memset(&given_, 0x11, sizeof given_);
+    }
+    void ThereAre(const std::vector<HD_RAID_Status>& disks, std::optional<HX_U16> returned = {}) {
+        hxfake::On<&HX_PD_GetHDRaidStatus>().Once(0, hxfake::Page(kLast, disks, returned));
+    }
+    void TheAdapterOffers(HX_U16 levels) {
+        hxfake::On<&HX_Adapter_GetInfo>().Once(0, hxfake::Fill(AdapterOffering(levels)));
+    }
+    std::vector<HX_U16> DisksGiven() const { return {given_.HDIDs, given_.HDIDs + given_.HDCount}; }
+
+    Create_LD_Param given_;
+};
+
+TEST_F(QuickCreate, ListsDisksChecksEachAndMakesTheVirtualDisk) {
+    ThereAre({Disk(3), Disk(7)});
+    TheAdapterOffers(kEvery);
+    EXPECT_EQ(HX_LD_QuickCreate(2, 1), 0);
+    EXPECT_THAT(hxfake::Calls(),
+                ElementsAre("HX_PD_GetHDRaidStatus(2, {1, 0, 128})",  //
+                            "HX_BLK_GetInfo(2, {1, 0, 512})", "HX_DiskHasOS(2, 1, 1, [3])",
+                            "HX_BLK_GetInfo(2, {1, 0, 512})", "HX_DiskHasOS(2, 1, 1, [7])",
+                            "HX_Adapter_GetInfo(2, &, &)", "HX_LD_Create(2, &)"));
+}
+
+TEST_F(QuickCreate, FillsTheParameterAndLeavesTheRestZero) {
+    ThereAre({Disk(3), Disk(7), Disk(300)});
+    TheAdapterOffers(k05);
+    HX_LD_QuickCreate(2, 1);
+    Create_LD_Param expected{};
+    expected.RaidMode = 0x05;
+    expected.HDCount = 3;
+    expected.RoundingScheme = 0;
+    expected.SubLDCount = 0;
+    expected.StripeBlockSize = 64;
+    expected.NumParityDisk = 2;
+    expected.CachePolicy = 4;
+    expected.InitializationOption = 0;
+    expected.SectorCoefficient = 1;
+    expected.HDIDs[0] = 3;
+    expected.HDIDs[1] = 7;
+    expected.HDIDs[2] = 300;
+    std::strcpy(expected.Name, "NEW_VD");
+    EXPECT_EQ(std::memcmp(&given_, &expected, sizeof expected), 0);
+    EXPECT_THAT(given_.Name, StrEq("NEW_VD"));
+}
+
+TEST_F(QuickCreate, ReturnsTheControllersCode) {
+    ThereAre({Disk(3)});
+    hxfake::On<&HX_LD_Create>().Once(42);
+    EXPECT_EQ(HX_LD_QuickCreate(2, 0), 42);
+}
+
+TEST_F(QuickCreate, AtThePlainLevelTakesAllFreeDisks) {
+    ThereAre({Disk(1), Disk(2), Disk(3)});
+    TheAdapterOffers(kEvery);
+    HX_LD_QuickCreate(2, 0);
+    EXPECT_EQ(given_.RaidMode, 0x00);
+    EXPECT_EQ(given_.NumParityDisk, 2);
+    EXPECT_THAT(DisksGiven(), ElementsAre(1, 2, 3));
+}
+
+TEST_F(QuickCreate, AtLevelOneTakesTheFirstTwoDisks) {
+    ThereAre({Disk(1), Disk(2), Disk(3)});
+    TheAdapterOffers(k00 | k01);
+    HX_LD_QuickCreate(2, 1);
+    EXPECT_EQ(given_.RaidMode, 0x01);
+    EXPECT_EQ(given_.NumParityDisk, 2);
+    EXPECT_EQ(given_.HDCount, 2);
+    EXPECT_THAT(std::vector<HX_U16>(given_.HDIDs, given_.HDIDs + 4), ElementsAre(1, 2, 3, 0));
+}
+
+TEST_F(QuickCreate, AtLevelSixtyHasFourParityDisks) {
+    ThereAre({Disk(1), Disk(2), Disk(3), Disk(4), Disk(5), Disk(6)});
+    TheAdapterOffers(kEvery);
+    HX_LD_QuickCreate(2, 1);
+    EXPECT_EQ(given_.RaidMode, 0x60);
+    EXPECT_EQ(given_.NumParityDisk, 4);
+}
+
+TEST_F(QuickCreate, TakesNoDiskWithABitThatKeepsItFromUse) {
+    ThereAre({Disk(1, 0x04), Disk(2, 0x08), Disk(3, 0x40), Disk(4, 0x80), Disk(5, 0xFF)});
+    HX_LD_QuickCreate(2, 0);
+    EXPECT_EQ(given_.HDCount, 0);
+    EXPECT_EQ(hxfake::On<&HX_BLK_GetInfo>().CallCount(), 0U);
+}
+
+TEST_F(QuickCreate, TakesADiskWithAnyOtherBit) {
+    ThereAre({Disk(1, 0x01), Disk(2, 0x02), Disk(3, 0x10), Disk(4, 0x20), Disk(5, 0x33)});
+    HX_LD_QuickCreate(2, 0);
+    EXPECT_THAT(DisksGiven(), ElementsAre(1, 2, 3, 4, 5));
+}
+
+TEST_F(QuickCreate, TakesNoDiskThatIsNotFree) {
+    ThereAre({Disk(1), Disk(2), Disk(3)});
+    hxfake::On<&HX_BLK_GetInfo>().Always(0, hxfake::Page(kLast, {Block(2, 0)}));
+    hxfake::On<&HX_DiskHasOS>().Once(0).Once(0).Once(1);
+    HX_LD_QuickCreate(2, 0);
+    EXPECT_THAT(DisksGiven(), ElementsAre(1));
+}
+
+TEST_F(QuickCreate, WithoutADiskStillAsksTheController) {
+    ThereAre({});
+    TheAdapterOffers(kEvery);
+    hxfake::On<&HX_LD_Create>().Once(17);
+    EXPECT_EQ(HX_LD_QuickCreate(2, 1), 17);
+    EXPECT_EQ(given_.HDCount, 0);
+    EXPECT_EQ(given_.RaidMode, 0);
+    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_PD_GetHDRaidStatus(2, {1, 0, 128})",
+                                             "HX_Adapter_GetInfo(2, &, &)", "HX_LD_Create(2, &)"));
+}
+
+TEST_F(QuickCreate, WithoutAListHasNoDisks) {
+    hxfake::On<&HX_PD_GetHDRaidStatus>().Once(9);
+    EXPECT_EQ(HX_LD_QuickCreate(2, 0), 0);
+    EXPECT_EQ(given_.HDCount, 0);
+}
+
+TEST_F(QuickCreate, DoesNotLookAtTheCodeOfTheList) {
+    hxfake::On<&HX_PD_GetHDRaidStatus>().Once(9, hxfake::Page(kLast, {Disk(3)}));
+    HX_LD_QuickCreate(2, 0);
+    EXPECT_THAT(DisksGiven(), ElementsAre(3));
+}
+
+std::vector<HD_RAID_Status> Disks(int count) {
+    std::vector<HD_RAID_Status> disks;
+    for (int id = 0; id < count; ++id) disks.push_back(Disk(static_cast<HX_U16>(id + 1000)));
+    return disks;
+}
+
+TEST_F(QuickCreate, TakesUpTo128Disks) {
+    ThereAre(Disks(128));
+    HX_LD_QuickCreate(2, 0);
+    EXPECT_EQ(given_.HDCount, 128);
+    EXPECT_EQ(given_.HDIDs[0], 1000);
+    EXPECT_EQ(given_.HDIDs[127], 1127);
+}
+
+TEST_F(QuickCreate, TakesNoMoreDisksThanTheListHolds) {
+    ThereAre(Disks(128), 65535);
+    HX_LD_QuickCreate(2, 0);
+    EXPECT_EQ(given_.HDCount, 128);
+    EXPECT_THAT(given_.Name, StrEq("NEW_VD"));
+}
+
+TEST_F(QuickCreate, TakesNoMoreDisksThanAreReturned) {
+    ThereAre(Disks(5), HX_U16{2});
+    HX_LD_QuickCreate(2, 0);
+    EXPECT_THAT(DisksGiven(), ElementsAre(1000, 1001));
+}
+
+TEST_F(QuickCreate, HandsTheControllerAClearedList) {
+    bool clear = false;
+    hxfake::On<&HX_PD_GetHDRaidStatus>().Inspect([&](HX_U8, const HD_RAID_Status_Request* request) {
+        const auto* const bytes = reinterpret_cast<const char*>(request->hdRaidStatus);
+        clear = std::all_of(bytes, bytes + 128 * sizeof(HD_RAID_Status),
+                            [](char byte) { return byte == 0; });
+    });
+    HX_LD_QuickCreate(2, 0);
+    EXPECT_TRUE(clear);
+}
+
+TEST_F(QuickCreate, WithoutMemoryIsFour) {
+    const FailingAllocations no_memory;
+    EXPECT_EQ(HX_LD_QuickCreate(2, 1), 4);
+    EXPECT_THAT(hxfake::Calls(), IsEmpty());
+}
+
+TEST_F(QuickCreate, TakesNoDiskThatCannotBeCheckedForLackOfMemory) {
+    ThereAre({Disk(1), Disk(2)});
+    const FailingAllocations no_memory(1);  // the list of disks
+    EXPECT_EQ(HX_LD_QuickCreate(2, 0), 0);
+    EXPECT_EQ(given_.HDCount, 0);
+}
+
+TEST_F(QuickCreate, LeavesNoMemoryBehind) {
+    ThereAre({Disk(1), Disk(2)});
+    const std::ptrdiff_t before = LiveBlocks();
+    HX_LD_QuickCreate(2, 0);
+    EXPECT_EQ(LiveBlocks(), before);
+}
+
+// ---- Calls by another name ----
+
+using OtherName = Controller;
+
+TEST_F(OtherName, SettingABatterysCapacityAsksNobody) {
+    EXPECT_EQ(HX_BBU_SetMaxCapacity(1, 1000), 0);
+    EXPECT_THAT(hxfake::Calls(), IsEmpty());
+}
+
+TEST_F(OtherName, LearningABatterysCapacityIsAPowerAction) {
+    hxfake::On<&HX_BBU_ChangePower>().Once(8);
+    EXPECT_EQ(HX_BBU_ActRelearn(3), 8);
+    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_BBU_ChangePower(3, 0)"));
+}
+
+TEST_F(OtherName, TheListOfSparesIsTheListOfWhatDisksAreUsedFor) {
+    hxfake::On<&HX_PD_GetHDRaidStatus>().Once(8, hxfake::Page(kLast, {Disk(5, 0x20)}));
+    HD_RAID_Status_Request request{};
+    request.header = {0, 1, 6, 1, 0, 0, {}};
+    EXPECT_EQ(HX_PD_GetSpareInfo(3, &request), 8);
+    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_PD_GetHDRaidStatus(3, {1, 6, 1})"));
+    EXPECT_EQ(request.hdRaidStatus[0].HDID, 5);
+}
+
+TEST_F(OtherName, ADataScrubBeginsWithDiskAndAdapterZero) {
+    VX_PD_StartDataScrub record{.HD_ID = 5, .AdapterID = 6, .RetVal = 7};
+    HX_PD_StartDataScrub_Init(&record);
+    EXPECT_EQ(record.HD_ID, 0);
+    EXPECT_EQ(record.AdapterID, 0);
+    EXPECT_EQ(record.RetVal, 7);
+}
+
+}  // namespace

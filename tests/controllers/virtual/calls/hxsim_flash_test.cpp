@@ -1,0 +1,266 @@
+// The flash: images erased, written in pieces, judged and read back.
+#include "calls/hxsim_flash.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+
+#include "controllers/virtual/support/living_parts.h"
+
+namespace {
+
+using parts::kNow;
+using testing::ElementsAre;
+
+std::string SampleFile() {
+    std::ifstream file(SAMPLE_BIOS, std::ios::binary);
+    std::string image{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_EQ(40960u, image.size()) << "the example is not where this test's source says";
+    image.resize(40960);
+    return image;
+}
+
+class LivingFlash : public parts::PartsTest {
+protected:
+    static std::unique_ptr<Flash_Data> Piece(HX_U16 number, const std::string& bytes, bool last) {
+        auto piece = std::make_unique<Flash_Data>();
+        piece->PageNum = number;
+        piece->isLastPage = last;
+        piece->DataLength = static_cast<HX_U32>(bytes.size());
+        std::memcpy(piece->Data, bytes.data(), std::min(bytes.size(), sizeof piece->Data));
+        return piece;
+    }
+
+    HX_U8 Erase(HX_U8 type) { return hxsim::EraseImage(adapter(), kNow, type); }
+
+    HX_U8 Write(HX_U8 type, HX_U16 number, const std::string& bytes, bool last) {
+        return hxsim::WritePiece(adapter(), kNow, type, *Piece(number, bytes, last));
+    }
+
+    void WriteAll(HX_U8 type, const std::string& image) {
+        for (std::size_t at = 0; at < image.size(); at += 32768) {
+            const std::string bytes = image.substr(at, 32768);
+            ASSERT_EQ(0, Write(type, static_cast<HX_U16>(at / 32768), bytes,
+                               at + bytes.size() == image.size()));
+        }
+    }
+
+    HX_U8 Read(HX_U8 type, HX_U16 number, std::string& image) {
+        const auto piece = Piece(number, "", false);
+        const HX_U8 status = hxsim::ReadPiece(adapter(), type, *piece);
+        if (status == HX_SUCCESS) {
+            image.append(reinterpret_cast<const char*>(piece->Data), piece->DataLength);
+        }
+        return status;
+    }
+
+    std::string ReadAll(HX_U8 type) {
+        std::string image;
+        for (HX_U16 number = 0; Read(type, number, image) == HX_SUCCESS;) ++number;
+        return image;
+    }
+
+    void ExpectRefused(HX_U8 code, HX_U8 status, const std::string& before) {
+        EXPECT_EQ(code, status);
+        EXPECT_EQ(before, Everything());
+    }
+};
+
+constexpr HX_U8 kBios = 1, kFirmware = 2;
+
+// ---- The image that is there at first ----
+
+TEST_F(LivingFlash, SampleIsAnOptionRomWithVersionAndSubsystem) {
+    const std::string image = ReadAll(kBios);
+    ASSERT_EQ(40960u, image.size());
+    EXPECT_EQ(std::string("\x55\xAA\x50\0\0\0\x03\0\x01\0\0\0\x1B\0", 14), image.substr(0, 14));
+    EXPECT_EQ(std::string("\xC0\xFA\x01\0", 4), image.substr(32, 4));
+    unsigned sum = 0;
+    for (const char each : image) sum += static_cast<unsigned char>(each);
+    EXPECT_EQ(0u, sum % 256);
+}
+
+TEST_F(LivingFlash, SampleIsGoodForItsAdapterAndNoOther) {
+    const std::string image = hxsim::SampleBios(adapter().info);
+    EXPECT_TRUE(hxsim::IsBiosFor(adapter().info, image));
+    Adapter_Info other = adapter().info;
+    other.SubDevID = 2;
+    EXPECT_FALSE(hxsim::IsBiosFor(other, image));
+    other = adapter().info;
+    other.SubVenID = 0xFAC1;
+    EXPECT_FALSE(hxsim::IsBiosFor(other, image));
+}
+
+TEST_F(LivingFlash, ImageThatLacksAnythingIsNotGood) {
+    const std::string good = hxsim::SampleBios(adapter().info);
+    std::string image = good;
+    image[0] = 'U' + 1;
+    image[1] = static_cast<char>(0xA9);  // the sum stays right
+    EXPECT_FALSE(hxsim::IsBiosFor(adapter().info, image));
+    image = good;
+    image[1000] = static_cast<char>(image[1000] + 1);
+    EXPECT_FALSE(hxsim::IsBiosFor(adapter().info, image));
+    EXPECT_FALSE(hxsim::IsBiosFor(adapter().info, good + std::string(512, '\0')));
+    EXPECT_FALSE(hxsim::IsBiosFor(adapter().info, good.substr(0, 40448)));
+    EXPECT_FALSE(hxsim::IsBiosFor(adapter().info, ""));
+    EXPECT_FALSE(hxsim::IsBiosFor(adapter().info, good.substr(0, 63)));
+}
+
+// ---- Erasing ----
+
+TEST_F(LivingFlash, ErasedImageIsDamaged) {
+    EXPECT_EQ(0, Erase(kBios));
+    EXPECT_EQ(0, adapter().info.boot_rom_img_health);
+    EXPECT_EQ(0, adapter().info.img_health);
+    EXPECT_EQ(1, adapter().info.firmware_img_health);
+    EXPECT_THAT(EventsWithParams(), ElementsAre("10/0 of 1 1 0 0 0"));
+}
+
+TEST_F(LivingFlash, ErasesOnlyImagesThatThereAre) {
+    const std::string before = Everything();
+    ExpectRefused(HXSIM_BAD_ACTION, Erase(0), before);
+    ExpectRefused(HXSIM_BAD_ACTION, Erase(77), before);
+    ExpectRefused(HXSIM_NO_IMAGE, Erase(HXSIM_IMAGE_AUTOLOAD), before);
+}
+
+// ---- Writing ----
+
+TEST_F(LivingFlash, WrittenImageIsReadBack) {
+    const std::string image = SampleFile();
+    ASSERT_EQ(0, Erase(kBios));
+    WriteAll(kBios, image);
+    EXPECT_EQ(image, ReadAll(kBios));
+    EXPECT_EQ(1, adapter().info.boot_rom_img_health);
+    EXPECT_EQ(1, adapter().info.img_health);
+}
+
+TEST_F(LivingFlash, BiosVersionFollowsTheImage) {
+    ASSERT_EQ(0, Erase(kBios));
+    EXPECT_EQ(27, adapter().info.BIOSVersion.BuildNumber);
+    WriteAll(kBios, SampleFile());
+    EXPECT_EQ(3, adapter().info.BIOSVersion.MajorVersion);
+    EXPECT_EQ(2, adapter().info.BIOSVersion.MinorVersion);
+    EXPECT_EQ(0, adapter().info.BIOSVersion.RevisionNumber);
+    EXPECT_EQ(28, adapter().info.BIOSVersion.BuildNumber);
+}
+
+TEST_F(LivingFlash, BiosVersionInDigitsIsUnderstood) {
+    std::string image = hxsim::SampleBios(adapter().info);
+    const std::string digits("4\0002\0001\00035", 8);
+    int sum = 0;
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        sum += digits[i] - image[6 + i];
+        image[6 + i] = digits[i];
+    }
+    image.back() = static_cast<char>(image.back() - sum);
+    ASSERT_EQ(0, Erase(kBios));
+    WriteAll(kBios, image);
+    EXPECT_EQ(4, adapter().info.BIOSVersion.MajorVersion);
+    EXPECT_EQ(2, adapter().info.BIOSVersion.MinorVersion);
+    EXPECT_EQ(1, adapter().info.BIOSVersion.RevisionNumber);
+    EXPECT_EQ(35, adapter().info.BIOSVersion.BuildNumber);
+}
+
+TEST_F(LivingFlash, TellsOfAnImageThatWasWritten) {
+    ASSERT_EQ(0, Erase(kBios));
+    WriteAll(kBios, SampleFile());
+    EXPECT_THAT(EventsWithParams(), ElementsAre("10/0 of 1 1 0 0 0", "10/1 of 1 1 40960 0 0"));
+}
+
+TEST_F(LivingFlash, DamagedImageIsNotHealthyAndNotReadBack) {
+    std::string image = SampleFile();
+    image[5000] = static_cast<char>(image[5000] + 1);
+    ASSERT_EQ(0, Erase(kBios));
+    WriteAll(kBios, image);
+    EXPECT_EQ(0, adapter().info.boot_rom_img_health);
+    EXPECT_EQ(27, adapter().info.BIOSVersion.BuildNumber);
+    EXPECT_THAT(Events(), ElementsAre("10/0 of 1", "10/1 of 1", "10/2 of 1"));
+    std::string read;
+    EXPECT_EQ(HXSIM_BAD_IMAGE, Read(kBios, 0, read));
+}
+
+TEST_F(LivingFlash, ImageOfAnotherAdapterIsDamaged) {
+    Adapter_Info other = adapter().info;
+    other.SubDevID = 2;
+    ASSERT_EQ(0, Erase(kBios));
+    WriteAll(kBios, hxsim::SampleBios(other));
+    EXPECT_FALSE(adapter().images[0].healthy);
+}
+
+TEST_F(LivingFlash, DamagedImageIsMadeGoodByAnotherOne) {
+    ASSERT_EQ(0, Erase(kBios));
+    WriteAll(kBios, "nothing of use");
+    ASSERT_EQ(0, Erase(kBios));
+    WriteAll(kBios, SampleFile());
+    EXPECT_TRUE(adapter().images[0].healthy);
+}
+
+TEST_F(LivingFlash, FirmwareIsTakenAsItIs) {
+    ASSERT_EQ(0, Erase(kFirmware));
+    WriteAll(kFirmware, "firmware");
+    EXPECT_EQ("firmware", ReadAll(kFirmware));
+    EXPECT_EQ(1, adapter().info.firmware_img_health);
+}
+
+TEST_F(LivingFlash, TwoMebibytesFitAndNotAByteMore) {
+    ASSERT_EQ(0, Erase(kFirmware));
+    const std::string whole(32768, 'x');
+    for (HX_U16 number = 0; number < 63; ++number) {
+        ASSERT_EQ(0, Write(kFirmware, number, whole, false));
+    }
+    ASSERT_EQ(0, Write(kFirmware, 63, whole, false));
+    const std::string before = Everything();
+    ExpectRefused(HXSIM_BAD_PIECE, Write(kFirmware, 64, "x", true), before);
+}
+
+// ---- Refusals ----
+
+TEST_F(LivingFlash, IsErasedBeforeItIsWritten) {
+    const std::string before = Everything();
+    ExpectRefused(HXSIM_NOT_ERASED, Write(kBios, 0, "x", true), before);
+}
+
+TEST_F(LivingFlash, TakesPiecesInTheirOrder) {
+    ASSERT_EQ(0, Erase(kFirmware));
+    std::string before = Everything();
+    ExpectRefused(HXSIM_BAD_PIECE, Write(kFirmware, 1, std::string(32768, 'x'), false), before);
+    ASSERT_EQ(0, Write(kFirmware, 0, std::string(32768, 'x'), false));
+    before = Everything();
+    ExpectRefused(HXSIM_BAD_PIECE, Write(kFirmware, 0, std::string(32768, 'x'), false), before);
+}
+
+TEST_F(LivingFlash, TakesWholePiecesBeforeTheLast) {
+    ASSERT_EQ(0, Erase(kFirmware));
+    const std::string before = Everything();
+    ExpectRefused(HXSIM_BAD_PIECE, Write(kFirmware, 0, std::string(32767, 'x'), false), before);
+    ExpectRefused(HXSIM_BAD_PIECE, Write(kFirmware, 0, "", true), before);
+    ExpectRefused(HXSIM_BAD_PIECE, Write(kFirmware, 0, std::string(32769, 'x'), true), before);
+}
+
+TEST_F(LivingFlash, HasNoImageThatIsErasedOrNeverWasThere) {
+    std::string read;
+    EXPECT_EQ(HXSIM_NO_IMAGE, Read(HXSIM_IMAGE_AUTOLOAD, 0, read));
+    EXPECT_EQ(HXSIM_NO_IMAGE, Read(kFirmware, 0, read));  // there, and nobody can read it
+    EXPECT_EQ(HXSIM_NO_IMAGE, Write(HXSIM_IMAGE_AUTOLOAD, 0, "x", true));
+    ASSERT_EQ(0, Erase(kBios));
+    EXPECT_EQ(HXSIM_NO_IMAGE, Read(kBios, 0, read));
+    ASSERT_EQ(0, Write(kBios, 0, std::string(32768, 'x'), false));
+    EXPECT_EQ(HXSIM_NO_IMAGE, Read(kBios, 0, read));
+}
+
+TEST_F(LivingFlash, EndsBehindItsLastPiece) {
+    std::string read;
+    EXPECT_EQ(0, Read(kBios, 1, read));
+    EXPECT_EQ(8192u, read.size());
+    EXPECT_EQ(HXSIM_NO_PIECE, Read(kBios, 2, read));
+    EXPECT_EQ(HXSIM_NO_PIECE, Read(kBios, 65535, read));
+}
+
+}  // namespace

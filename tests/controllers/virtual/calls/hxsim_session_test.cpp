@@ -1,0 +1,244 @@
+// The library as its callers open it, and the faults that are put in the way of their calls.
+#include "calls/hxsim_session.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdlib>
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "hxraid.h"
+#include "store/hxsim_store.h"
+#include "support/child_process.h"
+#include "support/temporary_root.h"
+#include "topology/hxsim_topology.h"
+
+namespace hxsim {
+namespace {
+
+class Session : public testing::Test {
+protected:
+    Session() { setenv("HXSIM_STATE", File().c_str(), 1); }
+    ~Session() override { HX_API_Finalize(); }
+
+    std::string File() const { return root_.Path("/hxsim.db"); }
+
+    // Opens a small machine with these faults.
+    void OpenWith(std::vector<Injection> injections) {
+        Machine machine = MakeMachine(BuiltInTopology("default"), 1, RealNow());
+        machine.injections = std::move(injections);
+        Store::Create(File(), machine);
+        ASSERT_EQ(HX_API_Initialize(), HX_SUCCESS);
+    }
+
+    std::size_t Injections() { return Store(File()).Current().injections.size(); }
+
+    static HX_U8 GetInfo(HX_U8 adapter = 0) {
+        HX_U8 count = 0;
+        Adapter_Info info;
+        return HX_Adapter_GetInfo(adapter, &count, &info);
+    }
+
+    static HX_U8 Work(HX_U8 status) {
+        return Change("HX_Work", 0, [&](Adapter& adapter, Time) {
+            adapter.disks[11].locate_light = true;
+            return status;
+        });
+    }
+    bool HasWorked() { return Store(File()).Current().adapters[0].disks[11].locate_light; }
+
+    TemporaryRoot root_;
+};
+
+TEST_F(Session, RefusesEveryCallBeforeItIsOpenAndAfterItIsClosed) {
+    EXPECT_EQ(GetInfo(), HXSIM_NOT_INITIALIZED);
+    EXPECT_EQ(HX_Adapter_GetCount(), 0);
+    EXPECT_EQ(HX_API_Initialize(), HX_SUCCESS);
+    EXPECT_EQ(GetInfo(), HX_SUCCESS);
+    EXPECT_EQ(HX_Adapter_GetCount(), 2);
+    HX_API_Finalize();
+    EXPECT_EQ(GetInfo(), HXSIM_NOT_INITIALIZED);
+    EXPECT_EQ(HX_Adapter_GetCount(), 0);
+}
+
+TEST_F(Session, MayBeOpenedTwiceAndClosedTwice) {
+    EXPECT_EQ(HX_API_Initialize(), HX_SUCCESS);
+    EXPECT_EQ(HX_API_Initialize(), HX_SUCCESS);
+    HX_API_Finalize();
+    HX_API_Finalize();
+    EXPECT_FALSE(IsOpen());
+}
+
+TEST_F(Session, IsNotOpenWhenTheStateFileCannotBeUsed) {
+    root_.Write("/hxsim.db", std::string(5000, 'x'));
+    EXPECT_EQ(HX_API_Initialize(), HXSIM_NO_STATE);
+    EXPECT_FALSE(IsOpen());
+    EXPECT_EQ(GetInfo(), HXSIM_NOT_INITIALIZED);
+}
+
+TEST_F(Session, RefusesCallsWhenTheStateFileHasBecomeUnusable) {
+    OpenWith({});
+    Store store(File());
+    store.Change([](Machine& machine, Time) {
+        machine.adapters[0].blocks[0].start = 5;
+        return true;
+    });
+    EXPECT_EQ(GetInfo(), HXSIM_NO_STATE);
+    EXPECT_EQ(Work(HX_SUCCESS), HXSIM_NO_STATE);
+    EXPECT_EQ(HX_Adapter_GetCount(), 0);
+}
+
+TEST_F(Session, KnowsItsAdapters) {
+    OpenWith({});
+    EXPECT_EQ(GetInfo(1), HX_SUCCESS);
+    EXPECT_EQ(GetInfo(2), HXSIM_NO_ADAPTER);
+    EXPECT_EQ(GetInfo(HX_ALL_ADAPTERS), HXSIM_NO_ADAPTER);
+}
+
+TEST_F(Session, SavesWhatASuccessfulCallChanges) {
+    OpenWith({});
+    EXPECT_EQ(Work(HX_SUCCESS), HX_SUCCESS);
+    EXPECT_TRUE(HasWorked());
+}
+
+TEST_F(Session, SavesNothingOfARefusedCall) {
+    OpenWith({});
+    const std::string before = root_.Read("/hxsim.db-wal");
+    EXPECT_EQ(Work(HXSIM_BUSY), HXSIM_BUSY);
+    EXPECT_FALSE(HasWorked());
+    EXPECT_EQ(root_.Read("/hxsim.db-wal"), before);
+}
+
+TEST_F(Session, CatchesWhatIsThrownAndSavesNothingOfIt) {
+    OpenWith({});
+    EXPECT_EQ(Change("HX_Work", 0,
+                     [](Adapter& adapter, Time) -> HX_U8 {
+                         adapter.disks[11].locate_light = true;
+                         throw std::bad_alloc();
+                     }),
+              HXSIM_NO_MEMORY);
+    EXPECT_EQ(
+        Look("HX_Work", 0, [](const Adapter&, Time) -> HX_U8 { throw std::logic_error("broken"); }),
+        HXSIM_NO_STATE);
+    EXPECT_FALSE(HasWorked());
+}
+
+TEST_F(Session, DrawsWhatFollowsFromAChange) {
+    OpenWith({});
+    EXPECT_EQ(Change("HX_Work", 0,
+                     [](Adapter& adapter, Time) -> HX_U8 {
+                         adapter.config.AutoRebuildOn = 0;
+                         adapter.disks[0].failed = true;
+                         return HX_SUCCESS;
+                     }),
+              HX_SUCCESS);
+    EXPECT_EQ(Store(File()).Current().adapters[0].virtual_disks[0].state, HXSIM_STATE_DEGRADED);
+}
+
+TEST_F(Session, GoesOnInAForkedChild) {
+    OpenWith({});
+    EXPECT_EQ(InChild([&] { return Work(HX_SUCCESS); }), HX_SUCCESS);
+    EXPECT_TRUE(HasWorked());
+    EXPECT_EQ(GetInfo(), HX_SUCCESS);
+}
+
+TEST_F(Session, KeepsAMachineInMemoryUntilItIsClosed) {
+    setenv("HXSIM_STATE", ":memory:", 1);
+    EXPECT_EQ(HX_API_Initialize(), HX_SUCCESS);
+    EXPECT_EQ(Work(HX_SUCCESS), HX_SUCCESS);
+    const auto located = [] {
+        return Look("HX_Work", 0, [](const Adapter& adapter, Time) {
+            return static_cast<HX_U8>(adapter.disks[11].locate_light ? 1 : 2);
+        });
+    };
+    EXPECT_EQ(located(), 1);
+    HX_API_Finalize();
+    EXPECT_EQ(HX_API_Initialize(), HX_SUCCESS);
+    EXPECT_EQ(located(), 2);
+}
+
+// ---- Faults ----
+
+TEST_F(Session, MeetsAFaultAsOftenAsItIsToAndThenNoMore) {
+    OpenWith({{.id = 1, .call = "HX_Adapter_GetInfo", .code = 7, .times = 2}});
+    EXPECT_EQ(GetInfo(), 7);
+    EXPECT_EQ(Injections(), 1U);
+    EXPECT_EQ(GetInfo(), 7);
+    EXPECT_EQ(Injections(), 0U);
+    EXPECT_EQ(GetInfo(), HX_SUCCESS);
+}
+
+TEST_F(Session, MeetsAFaultAfterTheCallsThatItLetsThrough) {
+    OpenWith({{.id = 1, .call = "HX_Adapter_GetInfo", .code = 7, .times = 1, .after = 2}});
+    EXPECT_EQ(GetInfo(), HX_SUCCESS);
+    EXPECT_EQ(GetInfo(), HX_SUCCESS);
+    EXPECT_EQ(GetInfo(), 7);
+    EXPECT_EQ(GetInfo(), HX_SUCCESS);
+}
+
+TEST_F(Session, MeetsAFaultForEver) {
+    OpenWith({{.id = 1, .call = "HX_Adapter_GetInfo", .code = 7}});
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(GetInfo(), 7);
+    EXPECT_EQ(Injections(), 1U);
+}
+
+TEST_F(Session, MeetsAFaultOfEveryCallInEachOfThem) {
+    OpenWith({{.id = 1, .call = "", .code = 9}});
+    EXPECT_EQ(GetInfo(), 9);
+    EXPECT_EQ(Work(HX_SUCCESS), 9);
+    EXPECT_FALSE(HasWorked());
+}
+
+TEST_F(Session, MeetsNoFaultOfAnotherCallOrAdapter) {
+    OpenWith({{.id = 1, .call = "HX_LD_GetInfo", .code = 7, .times = 1},
+              {.id = 2, .call = "HX_Adapter_GetInfo", .code = 8, .times = 1, .adapter = 1}});
+    EXPECT_EQ(GetInfo(0), HX_SUCCESS);
+    EXPECT_EQ(GetInfo(1), 8);
+    EXPECT_EQ(Injections(), 1U);
+}
+
+TEST_F(Session, SharesTheCountOfAFaultWithOtherProcesses) {
+    OpenWith({{.id = 1, .call = "HX_Adapter_GetInfo", .code = 7, .times = 2}});
+    EXPECT_EQ(InChild([] { return GetInfo(); }), 7);
+    EXPECT_EQ(GetInfo(), 7);
+    EXPECT_EQ(GetInfo(), HX_SUCCESS);
+}
+
+// It looks whether there are events before it takes them.
+TEST_F(Session, MeetsAFaultOfEveryCallOnceWhenItTakesEvents) {
+    OpenWith({{.id = 1, .call = "", .code = 7, .times = 1, .after = 1}});
+    std::array<Event, 2> events{};
+    HX_U8 count = 0;
+    EXPECT_EQ(HX_EVT_GetEvent(0, 2, &count, events.data()), HX_SUCCESS);
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(HX_EVT_GetEvent(0, 2, &count, events.data()), 7);
+    EXPECT_EQ(HX_EVT_GetEvent(0, 2, &count, events.data()), HX_SUCCESS);
+    EXPECT_EQ(events[0].SequenceNo, 3U);
+}
+
+TEST_F(Session, AnswersAsBrokenFirmwareWhenItTakesEvents) {
+    OpenWith({{.id = 1, .call = "", .times = 1, .hostile = true}});
+    std::array<Event, 2> events{};
+    HX_U8 count = 0;
+    EXPECT_EQ(HX_EVT_GetEvent(0, 2, &count, events.data()), HX_SUCCESS);
+    EXPECT_EQ(count, 255);
+    EXPECT_EQ(HX_EVT_GetEvent(0, 2, &count, events.data()), HX_SUCCESS);
+    EXPECT_EQ(count, 2);
+}
+
+TEST_F(Session, IsHostileForTheCallThatIsHit) {
+    OpenWith({{.id = 1, .call = "HX_Work", .times = 1, .hostile = true}});
+    const auto hostile = [] {
+        return Look("HX_Work", 0,
+                    [](const Adapter&, Time) { return static_cast<HX_U8>(IsHostile() ? 1 : 2); });
+    };
+    EXPECT_FALSE(IsHostile());
+    EXPECT_EQ(hostile(), 1);
+    EXPECT_EQ(hostile(), 2);
+}
+
+}  // namespace
+}  // namespace hxsim

@@ -1,0 +1,122 @@
+"""A virtual controller of a test's own: a state file in a temporary folder, its clock frozen; and
+vexorctl, run as a program over it.
+
+What time it is, and how far an activity has come, changes only when a test says so.
+"""
+
+import functools
+import os
+import pathlib
+import pty
+import re
+import select
+import shutil
+import subprocess
+import tempfile
+import time
+import unittest
+
+TREE = pathlib.Path(__file__).resolve().parents[3]
+
+# Set by the program that runs the tests: the folder of vexorctl, hxsimctl and check_in.
+PROGRAMS = ""
+
+
+def _hxsimctl(programs, state, *words):
+    return subprocess.run(
+        [os.path.join(programs, "hxsimctl"), *map(str, words)], text=True, capture_output=True,
+        env={**os.environ, "HXSIM_STATE": str(state)}, timeout=120, check=True).stdout
+
+
+@functools.lru_cache(maxsize=None)
+def _template(programs, topology):
+    folder = tempfile.TemporaryDirectory(prefix="vexorctl-machine-")
+    state = pathlib.Path(folder.name) / "machine.db"
+    _hxsimctl(programs, state, "init", "--topology", topology)
+    _hxsimctl(programs, state, "clock", "freeze")
+    return folder, state  # the folder goes with the cache, at the end of the program
+
+
+class Machine:
+    """A fresh machine; `programs` is the folder of hxsimctl, `topology` a name or a file."""
+
+    def __init__(self, programs, state, topology="default"):
+        self.programs = str(programs)
+        self.state = pathlib.Path(state)
+        shutil.copyfile(_template(self.programs, str(topology))[1], self.state)
+
+    def hxsimctl(self, *words):
+        return _hxsimctl(self.programs, self.state, *words)
+
+
+class VexorctlCase(unittest.TestCase):
+    """A temporary root with users and an empty folder for events, and a fresh machine."""
+
+    maxDiff = None
+    topology = "default"
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="vexorctl-")
+        self.addCleanup(folder.cleanup)
+        self.root = pathlib.Path(folder.name)
+        shutil.copytree(TREE / "examples" / "root", self.root, dirs_exist_ok=True)
+        (self.root / "opt/kestrel/raid/db").mkdir(parents=True)
+        self.vexorctl = os.path.join(PROGRAMS, "vexorctl")
+        self.environment = {
+            **os.environ, "VEXORAPI_ROOT": str(self.root), "TZ": "UTC",
+            "HXSIM_STATE": str(self.root / "machine.db"),
+            "PATH": PROGRAMS + os.pathsep + os.environ["PATH"],
+        }
+        self.environment.pop("NO_COLOR", None)
+        self.machine = Machine(PROGRAMS, self.root / "machine.db", self.topology)
+
+    def collect(self):
+        """Moves the adapters' events into the store, as the event service does."""
+        subprocess.run([os.path.join(PROGRAMS, "check_in"), "2"], env=self.environment,
+                       stdout=subprocess.DEVNULL, check=True)
+
+    def run_words(self, *words, stdin=None):
+        source = {"input": stdin} if stdin is not None else {"stdin": subprocess.DEVNULL}
+        return subprocess.run([self.vexorctl, *map(str, words)], cwd=self.root,
+                              env=self.environment, text=True, capture_output=True, timeout=60,
+                              check=False, **source)
+
+    def commands(self):
+        """Every (noun, verb) of the tree; the verb is empty for a noun that is a command."""
+        top = self.run_words("--help").stdout
+        nouns = re.findall(r"^  (\w+)  +\S", top.split("Nouns:")[1].split("\n\n")[0], re.MULTILINE)
+        for noun in nouns:
+            text = self.run_words(noun, "--help").stdout
+            if "\nVerbs:\n" not in text:
+                yield noun, ""
+                continue
+            section = text.split("\nVerbs:\n")[1].split("\n\n")[0]
+            for verb in re.findall(r"^  ([\w-]+)  +\S", section, re.MULTILINE):
+                yield noun, verb
+
+    def terminal(self, words, answer=None, meanwhile=None, until=b"to go on: "):
+        """Runs on a pseudo-terminal; waits for `until`, lets `meanwhile` happen, and answers.
+
+        Returns all that was said, as bytes, and the exit code.
+        """
+        pid, master = pty.fork()
+        if pid == 0:
+            os.chdir(self.root)
+            os.execve(self.vexorctl, [self.vexorctl, *map(str, words)], self.environment)
+        said = b""
+        end = time.monotonic() + 30
+        while (answer is not None or meanwhile) and until not in said and time.monotonic() < end:
+            if select.select([master], [], [], 0.2)[0]:
+                said += os.read(master, 4096)
+        if meanwhile:
+            meanwhile(pid)
+        if answer is not None:
+            os.write(master, answer.encode() + b"\n")
+        try:
+            while chunk := os.read(master, 4096):
+                said += chunk
+        except OSError:
+            pass
+        _, status = os.waitpid(pid, 0)
+        os.close(master)
+        return said, os.waitstatus_to_exitcode(status)

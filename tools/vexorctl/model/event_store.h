@@ -1,0 +1,38 @@
+// The event store, as the library answers for it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "model/controller.h"
+
+struct StoredEvent {
+    std::uint64_t sequence = 0;
+    Value record;
+    std::string key;                  // "EVT_CODE_LD_CREATE"; empty for an event without a text
+    std::vector<std::string> values;  // of its line, behind the severity
+    std::string object;               // its address
+
+    std::string Text() const;  // readable, from the catalogue
+    std::string Raw() const;   // the key and its values as the store has them
+    /// Tells one event from another; the same event has the same.
+    std::string Fingerprint() const;
+};
+
+struct Extent {
+    std::uint64_t first = 0;  // the oldest event's number
+    std::uint64_t next = 0;   // the number that the next event will get
+};
+
+/// Asks for the extent. Throws Failure with Exit::kUnavailable for a store that cannot be read.
+Extent AskExtent(Controller& controller);
+
+/// The events from `first` on, `count` of them, or those that are there. `page` of them are asked
+/// for at once; when a result was cut it becomes half as many, for the next call too. One event
+/// that cannot be had is noted as a fault.
+std::vector<StoredEvent> ReadEvents(Controller& controller, std::uint64_t first,
+                                    std::uint64_t count, std::uint64_t& page);
+
+/// How many events are asked for at once to begin with. A result holds about a thousand.
+inline constexpr std::uint64_t kEventsPerPage = 2000;

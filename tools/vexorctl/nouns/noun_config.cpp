@@ -1,0 +1,95 @@
+// vexorctl config ...
+#include <algorithm>
+#include <utility>
+
+#include "model/objects.h"
+#include "model/session.h"
+#include "output/output.h"
+#include "shell/command.h"
+
+namespace {
+
+struct Setting {
+    std::string name;
+    std::string value;
+    std::string source;  // where a setting of the library comes from; empty for what is none
+};
+
+using enum Kind;
+using enum Place;
+
+constexpr Column<Setting> kColumns[] = {
+    {{"setting", "SETTING", kText, kTable, "What it is"},
+     [](const Setting& it) { return TextCell(it.name); }},
+    {{"value", "VALUE", kText, kTable, "Its value"},
+     [](const Setting& it) { return TextCell(it.value); }},
+    {{"source", "SOURCE", kText, kTable, "Of a setting: the file, or the library's default"},
+     [](const Setting& it) { return TextCell(it.source); }},
+};
+
+std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
+
+// The modules whose versions the library knows, as its record calls them.
+constexpr std::pair<const char*, const char*> kModules[] = {
+    {"product", "product_version"},
+    {"vexorapi", "library_version"},
+    {"hxraidsvc", "event_service_version"},
+    {"php_vexorapi", "php_module_version"},
+};
+
+// What holds where the file says nothing.
+constexpr std::pair<const char*, const char*> kDefaults[] = {
+    {"EventLogConfig.LogEnable", "0"},         {"EventLogConfig.MaxNumOfEvent", "50000"},
+    {"EventLogConfig.Filename", ""},           {"XmlWrapperLogConfig.InLogEnable", "0"},
+    {"XmlWrapperLogConfig.OutLogEnable", "0"}, {"XmlWrapperLogConfig.Filename", ""},
+    {"DebugLogConfig.LogEnable", "0"},         {"DebugLogConfig.Filename", ""},
+};
+
+void AddConfiguration(std::vector<Setting>& settings) {
+    std::vector<std::pair<std::string, std::string>> written = ReadConfiguration();
+    for (const auto& fallback : kDefaults) {
+        const bool is_written = std::ranges::any_of(
+            written, [&](const auto& setting) { return setting.first == fallback.first; });
+        if (!is_written) settings.push_back({fallback.first, fallback.second, "default"});
+    }
+    for (auto& [name, value] : written) {
+        settings.push_back({std::move(name), std::move(value), "file"});
+    }
+    std::ranges::stable_sort(settings, {}, [](const Setting& setting) {
+        return setting.source.empty() ? std::string() : setting.name;
+    });
+}
+
+Exit ShowConfig(Invocation& invocation) {
+    Controller& controller = invocation.controller();
+    std::vector<Setting> settings{{"vexorctl_version", VEXORCTL_VERSION, {}}};
+    if (const auto result = controller.Get("", {"VX_Module_GetInfo", {}})) {
+        for (const auto& [element, name] : kModules) {
+            settings.push_back({name, VersionAt(*result, element).text, {}});
+        }
+    }
+    if (const auto result = controller.Get("", {"HX_API_Version", {}})) {
+        settings.push_back({"controller_library_version", result->Text("RetVal"), {}});
+    }
+    settings.push_back({"configuration_file", ConfigurationPath(), {}});
+    AddConfiguration(settings);
+    Report report;
+    Tabulate(report, kColumns, settings);
+    return Show(invocation, std::move(report), "table");
+}
+
+constexpr CommandRow kCommands[] = {
+    {.noun = "config",
+     .verb = "show",
+     .summary = "Show versions and the library's configuration",
+     .functions = "VX_Module_GetInfo HX_API_Version",
+     .examples = {"vexorctl config show", "vexorctl config show -o jsonl"},
+     .run = ShowConfig,
+     .columns = Columns,
+     .note = "The library has no function that changes its configuration: edit the file that is "
+             "named, and run this again to see what holds. Logs are on where the value is not 0."},
+};
+
+}  // namespace
+
+std::span<const CommandRow> ConfigCommands() { return kCommands; }

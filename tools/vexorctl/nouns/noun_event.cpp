@@ -1,0 +1,442 @@
+// vexorctl event ...
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <utility>
+
+#include "codes/hxraid_codes.h"
+#include "model/duration.h"
+#include "model/event_catalogue.h"
+#include "model/event_store.h"
+#include "model/failure.h"
+#include "model/file.h"
+#include "model/objects.h"
+#include "nouns/change.h"
+#include "output/output.h"
+#include "output/report.h"
+#include "shell/command.h"
+#include "shell/interrupt.h"
+
+namespace {
+
+struct Shown {
+    StoredEvent event;
+    bool raw;
+};
+
+std::string SenseText(const Value& record) {
+    std::string text;
+    for (const std::uint64_t byte : record.Numbers("SenseData")) {
+        char digits[3];
+        std::snprintf(digits, sizeof(digits), "%02X", static_cast<unsigned>(byte & 0xFF));
+        text += digits;
+    }
+    return text;
+}
+
+using enum Kind;
+using enum Place;
+
+constexpr Column<Shown> kColumns[] = {
+    {{"sequence", "NUMBER", kNumber, kTable, "Its number in the store"},
+     [](const Shown& it) { return NumberCell(it.event.sequence); }},
+    {{"time", "TIME", kTime, kTable, "When it happened"},
+     [](const Shown& it) { return NumberAt(it.event.record, "TimeStamp"); }},
+    {{"severity", "SEVERITY", kCode, kTable, "How grave it is"},
+     [](const Shown& it) { return CodeAt(it.event.record, "Severity", kHxraidSeverityNames); }},
+    {{"address", "ADDRESS", kText, kTable, "The object it is about"},
+     [](const Shown& it) { return TextCell(it.event.object); }},
+    {{"text", "EVENT", kText, kTable, "What happened; with --raw its key and values"},
+     [](const Shown& it) { return TextCell(it.raw ? it.event.Raw() : it.event.Text()); }},
+    {{"class", "CLASS", kCode, kWide, "The kind of object it is about"},
+     [](const Shown& it) { return CodeAt(it.event.record, "Class", kHxraidEventClassNames); }},
+    {{"code", "CODE", kNumber, kWide, "Its code, within its class"},
+     [](const Shown& it) { return NumberAt(it.event.record, "Code"); }},
+    {{"adapter", "ADAPTER", kNumber, kWide, "The number of its adapter"},
+     [](const Shown& it) { return NumberAt(it.event.record, "AdapterID"); }},
+    {{"device", "DEVICE", kNumber, kWide, "The number of its object"},
+     [](const Shown& it) { return NumberAt(it.event.record, "DeviceID"); }},
+    {{"key", "KEY", kText, kWide, "The key of its text"},
+     [](const Shown& it) { return TextCell(it.event.key); }},
+    {{"values", "VALUES", kTexts, kWide, "The values in its text"},
+     [](const Shown& it) { return TextsCell(it.event.values); }},
+    {{"params", "PARAMS", kNumbers, kWide, "Its four parameters"},
+     [](const Shown& it) { return NumbersAt(it.event.record, "Params", 4); }},
+    {{"sense_data", "SENSE DATA", kText, kWide, "The sense data that came with it, hexadecimal"},
+     [](const Shown& it) { return TextCell(SenseText(it.event.record)); }},
+};
+
+std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
+
+// ---- Filters ----------------------------------------------------------------------------------
+
+struct Filter {
+    std::uint64_t lowest = 0;
+    std::uint64_t highest = 255;
+    std::optional<std::uint64_t> adapter;
+    std::optional<std::uint64_t> event_class;
+    std::uint64_t since = 0;
+
+    bool Passes(const StoredEvent& event) const {
+        const std::uint64_t severity = event.record.Number("Severity");
+        return severity >= lowest && severity <= highest &&
+               event.record.Number("TimeStamp") >= since &&
+               (!adapter || event.record.Number("AdapterID") == *adapter) &&
+               (!event_class || event.record.Number("Class") == *event_class);
+    }
+};
+
+std::string NamesOf(std::span<const HxraidName> rows) {
+    std::string names;
+    for (const HxraidName& row : rows) names.append(names.empty() ? "" : ", ").append(row.name);
+    return names;
+}
+
+Filter FilterOf(const Invocation& invocation) {
+    Filter filter;
+    if (const std::string* const text = invocation.Get("--severity")) {
+        std::string name = *text;
+        const bool upwards = name.ends_with('+');
+        if (upwards) name.pop_back();
+        const HxraidName* const row = HxraidFind(kHxraidSeverityNames, name);
+        if (row == nullptr) {
+            throw UsageError("--severity cannot be \"" + *text + "\"; say one of " +
+                             NamesOf(kHxraidSeverityNames) + ", or one of them and a +");
+        }
+        filter.lowest = row->code;
+        if (!upwards) filter.highest = row->code;
+    }
+    if (const std::string* const text = invocation.Get("--class")) {
+        const HxraidName* const row = HxraidFind(kHxraidEventClassNames, *text);
+        if (row == nullptr) {
+            throw UsageError("--class cannot be \"" + *text + "\"; say one of " +
+                             NamesOf(kHxraidEventClassNames));
+        }
+        filter.event_class = row->code;
+    }
+    if (const std::string* const text = invocation.Get("--since")) {
+        if (const auto ago = ParseDuration(*text)) {
+            const std::uint64_t now = static_cast<std::uint64_t>(std::time(nullptr));
+            filter.since = *ago > now ? 0 : now - *ago;
+        } else if (const auto time = ParseTime(*text)) {
+            filter.since = *time;
+        } else {
+            throw UsageError("--since takes 30m, 2h, 7d or 2026-01-31T12:00:00, not \"" + *text +
+                             "\"");
+        }
+    }
+    filter.adapter = invocation.Number("--adapter", 254);
+    return filter;
+}
+
+Report MakeReport(const Invocation& invocation, std::vector<StoredEvent> events) {
+    const bool raw = invocation.Has("--raw");
+    std::vector<Shown> shown;
+    shown.reserve(events.size());
+    for (StoredEvent& event : events) shown.push_back({std::move(event), raw});
+    Report report;
+    Tabulate(report, kColumns, shown);
+    report.command = invocation.row().Name();
+    return report;
+}
+
+// ---- list -------------------------------------------------------------------------------------
+
+Exit ListEvents(Invocation& invocation) {
+    const Filter filter = FilterOf(invocation);
+    const auto last = invocation.Number("--last", UINT32_MAX);
+    Controller& controller = invocation.controller();
+    const Extent extent = AskExtent(controller);
+    std::vector<StoredEvent> events;
+    std::uint64_t at_once = kEventsPerPage;
+    // From the newest backwards, so that the last few of many cost one page.
+    for (std::uint64_t end = extent.next; end > extent.first;) {
+        if (last && events.size() >= *last) break;
+        const std::uint64_t page = last && filter.lowest == 0 && filter.highest == 255 &&
+                                           !filter.adapter && !filter.event_class &&
+                                           filter.since == 0
+                                       ? std::min(at_once, *last - events.size())
+                                       : at_once;
+        const std::uint64_t begin = end - std::min(end - extent.first, page);
+        std::vector<StoredEvent> older = ReadEvents(controller, begin, end - begin, at_once);
+        std::erase_if(older, [&](const StoredEvent& event) { return !filter.Passes(event); });
+        std::ranges::reverse(older);
+        std::ranges::move(older, std::back_inserter(events));
+        end = begin;
+    }
+    if (last && events.size() > *last) events.resize(static_cast<std::size_t>(*last));
+    std::ranges::reverse(events);
+    return Show(invocation, MakeReport(invocation, std::move(events)), "table");
+}
+
+// ---- follow -----------------------------------------------------------------------------------
+
+// Where following goes on: the number of the next event, and what the one before it was.
+struct Cursor {
+    std::uint64_t next = 0;
+    std::string before;
+};
+
+constexpr std::string_view kCursorHead = "vexorctl-cursor 1 ";
+constexpr std::size_t kMaxCursor = 4096;
+
+std::optional<Cursor> ReadCursor(const std::string& path) {
+    std::string text;
+    try {
+        text = ReadFile(path.c_str(), FileKind::kRegular, kMaxCursor);
+    } catch (const FileError& failure) {
+        if (failure.error == ENOENT) return std::nullopt;
+        throw Failure(failure.error == EACCES ? Exit::kNotPermitted : Exit::kUsage,
+                      path + ": " + failure.what());
+    }
+    Cursor cursor;
+    const char* const end = text.data() + text.size();
+    if (!text.starts_with(kCursorHead)) throw UsageError(path + " is no cursor file");
+    const auto [stop, error] = std::from_chars(text.data() + kCursorHead.size(), end, cursor.next);
+    if (error != std::errc() || stop == end || *stop != ' ') {
+        throw UsageError(path + " is no cursor file");
+    }
+    cursor.before.assign(stop + 1, end);
+    while (cursor.before.ends_with('\n')) cursor.before.pop_back();
+    return cursor;
+}
+
+// Whoever reads the file sees the old one or the new one, never a part.
+void WriteCursor(const std::string& path, const Cursor& cursor) {
+    const std::string text =
+        std::string(kCursorHead) + std::to_string(cursor.next) + " " + cursor.before + "\n";
+    std::string temporary = path + ".XXXXXX";
+    const int file = mkostemp(temporary.data(), O_CLOEXEC);
+    bool written = file >= 0;
+    if (written) {
+        written = write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+        written = fsync(file) == 0 && written;
+        written = close(file) == 0 && written;
+        written = written && std::rename(temporary.c_str(), path.c_str()) == 0;
+    }
+    if (written) return;
+    const int error = errno;
+    if (file >= 0) unlink(temporary.c_str());
+    throw Failure(error == EACCES || error == EPERM ? Exit::kNotPermitted : Exit::kUsage,
+                  path + ": the cursor cannot be kept: " + std::strerror(error));
+}
+
+void Say(const std::string& message) { ReportFailure("event follow", message); }
+
+void SayLost(std::uint64_t count) {
+    Say(std::to_string(count) +
+        (count == 1 ? " event was lost: it was" : " events were lost: they were") +
+        " overwritten before " + (count == 1 ? "it" : "they") + " could be read");
+}
+
+// Brings the cursor up to the store as it is now: after a reset it starts at the oldest event, and
+// overwritten entries are stepped over. Both are told.
+void CatchUp(Controller& controller, const Extent& extent, Cursor& cursor) {
+    bool reset = extent.next < cursor.next;
+    if (!reset && cursor.next > extent.first) {
+        std::uint64_t one = 1;
+        const std::vector<StoredEvent> before = ReadEvents(controller, cursor.next - 1, 1, one);
+        const std::string seen = before.empty() ? std::string() : before.front().Fingerprint();
+        if (cursor.before.empty()) cursor.before = seen;  // nothing was read yet
+        reset = seen != cursor.before;
+    }
+    if (reset) {
+        Say("the event store was reset, and what it held behind event " +
+            std::to_string(cursor.next - 1) +
+            " is lost; how many events that were cannot be told; going on with event " +
+            std::to_string(extent.first));
+        cursor = {extent.first, ""};
+    } else if (cursor.next < extent.first) {
+        SayLost(extent.first - cursor.next);
+        cursor = {extent.first, ""};
+    }
+}
+
+// One run of follow: what it shows, and how far it has come.
+class Follower {
+public:
+    Follower(Invocation& invocation, const Style& style)
+        : invocation_(invocation),
+          style_(style),
+          filter_(FilterOf(invocation)),
+          most_(invocation.Number("--count", UINT32_MAX)),
+          path_(invocation.Get("--cursor")),
+          extent_(AskExtent(invocation.controller())),
+          cursor_{invocation.Has("--from-start") ? extent_.first : extent_.next, ""} {
+        if (path_ == nullptr) return;
+        if (const auto kept = ReadCursor(*path_)) cursor_ = *kept;
+    }
+
+    /// Shows all that there is now.
+    void ShowNew() {
+        CatchUp(invocation_.controller(), extent_, cursor_);
+        while (cursor_.next < extent_.next && !IsEnough() && !Interrupted() && ShowPage()) {
+        }
+        // Whoever starts with nothing to show starts there the next time.
+        if (first_) KeepCursor();
+    }
+
+    void LookAgain() { extent_ = AskExtent(invocation_.controller()); }
+
+    bool IsEnough() const { return most_ && shown_ >= *most_; }
+
+private:
+    // False when there was nothing to be read after all.
+    bool ShowPage() {
+        std::vector<StoredEvent> events =
+            ReadEvents(invocation_.controller(), cursor_.next,
+                       std::min(at_once_, extent_.next - cursor_.next), at_once_);
+        if (events.empty()) return false;
+        std::vector<StoredEvent> passing;
+        for (StoredEvent& event : events) {
+            if (IsEnough()) break;
+            // Overwritten since the extent was asked for.
+            if (event.sequence > cursor_.next) SayLost(event.sequence - cursor_.next);
+            cursor_ = {event.sequence + 1, event.Fingerprint()};
+            if (!filter_.Passes(event)) continue;
+            passing.push_back(std::move(event));
+            ++shown_;
+        }
+        Report report = MakeReport(invocation_, std::move(passing));
+        Arrange(invocation_, style_, report);
+        PrintMore(report, style_, first_);
+        first_ = false;
+        // Kept after they were printed: an event may come twice after a crash, and is never lost.
+        KeepCursor();
+        return true;
+    }
+
+    void KeepCursor() const {
+        if (path_ != nullptr) WriteCursor(*path_, cursor_);
+    }
+
+    Invocation& invocation_;
+    const Style& style_;
+    Filter filter_;
+    std::optional<std::uint64_t> most_;
+    const std::string* path_;
+    Extent extent_;
+    Cursor cursor_;
+    std::uint64_t shown_ = 0;
+    std::uint64_t at_once_ = kEventsPerPage;
+    bool first_ = true;  // nothing was printed yet, not even a heading
+};
+
+Exit FollowEvents(Invocation& invocation) {
+    const Style style = StyleOf(invocation, "table");
+    if (!CanContinue(style)) {
+        throw UsageError("events that go on coming cannot be one " + std::string(style.format) +
+                         " document; say -o jsonl");
+    }
+    const std::uint64_t interval = invocation.Number("--interval", 86400).value_or(1);
+    WatchForInterrupts();
+    for (Follower follower(invocation, style);; follower.LookAgain()) {
+        follower.ShowNew();
+        if (Interrupted()) return Exit::kInterrupted;
+        if (invocation.Has("--once") || follower.IsEnough()) return invocation.controller().exit();
+        SleepMilliseconds(static_cast<unsigned>(interval * 1000));
+        if (Interrupted()) return Exit::kInterrupted;
+    }
+}
+
+// ---- keys -------------------------------------------------------------------------------------
+
+constexpr Column<EventPhrase> kKeyColumns[] = {
+    {{"key", "KEY", kText, kTable, "The key as the store has it"},
+     [](const EventPhrase& it) { return TextCell(it.key); }},
+    {{"phrase", "TEXT", kText, kTable, "Its text, with the places of its values"},
+     [](const EventPhrase& it) { return TextCell(it.phrase); }},
+};
+
+std::vector<ColumnInfo> KeyColumns() { return InfoOf(kKeyColumns); }
+
+Exit ListKeys(Invocation& invocation) {
+    Report report;
+    Tabulate(report, kKeyColumns, EventCatalogue());
+    return Show(invocation, std::move(report), "table");
+}
+
+Exit ResetEvents(Invocation& invocation) {
+    const Extent extent = AskExtent(invocation.controller());
+    return CarryOut(invocation, {.what = "Reset the event store",
+                                 .losses = {std::to_string(extent.next - extent.first) +
+                                            " stored events will be lost"},
+                                 .confirm = "events",
+                                 .commands = {{"VX_HX_EVT_Reset", {}}},
+                                 .address = {},
+                                 .size_bytes = {}});
+}
+
+constexpr OptionRow kListOptions[] = {
+    {"--last", "COUNT", "Only the newest so many"},
+    {"--severity", "SEVERITY", "Only those of it; with a +, as in warning+, and of graver ones"},
+    {"--adapter", "NUMBER", "Only those of this adapter"},
+    {"--class", "CLASS", "Only those about one kind of object, as in virtual_disk"},
+    {"--since", "TIME", "Only those since 2h ago, or since 2026-01-31T12:00:00"},
+    {"--raw", "", "Keys and values instead of readable texts"},
+};
+
+constexpr OptionRow kFollowOptions[] = {
+    {"--cursor", "FILE", "Go on where the last run with this file ended, and keep it up to date"},
+    {"--from-start", "", "Begin with the oldest event instead of the next one"},
+    {"--once", "", "End when all events that are there have been shown"},
+    {"--count", "COUNT", "End after so many events"},
+    {"--interval", "SECONDS", "How often to look for new events; 1 when not given"},
+    {"--severity", "SEVERITY", "Only those of it; with a +, as in warning+, and of graver ones"},
+    {"--adapter", "NUMBER", "Only those of this adapter"},
+    {"--class", "CLASS", "Only those about one kind of object, as in virtual_disk"},
+    {"--since", "TIME", "Only those since 2h ago, or since 2026-01-31T12:00:00"},
+    {"--raw", "", "Keys and values instead of readable texts"},
+};
+
+constexpr CommandRow kCommands[] = {
+    {.noun = "event",
+     .verb = "list",
+     .summary = "List the stored events, the newest last",
+     .options = kListOptions,
+     .functions = "VX_HX_EVT_GetEvents",
+     .examples = {"vexorctl event list --last 20 --severity warning+",
+                  "vexorctl event list --adapter 0 --since 2h --raw"},
+     .run = ListEvents,
+     .columns = Columns},
+    {.noun = "event",
+     .verb = "follow",
+     .summary = "Show events as they come",
+     .options = kFollowOptions,
+     .functions = "VX_HX_EVT_GetEvents",
+     .examples = {"vexorctl event follow --from-start --once",
+                  "vexorctl event follow --from-start --count 2 -o jsonl"},
+     .run = FollowEvents,
+     .columns = Columns,
+     .note = "It tells when events were overwritten before they could be shown, how many, and when "
+             "the store was reset. Ctrl-C ends it."},
+    {.noun = "event",
+     .verb = "keys",
+     .summary = "List every key of events with its readable text",
+     .examples = {"vexorctl event keys", "vexorctl event keys -o csv"},
+     .run = ListKeys,
+     .columns = KeyColumns},
+    {.noun = "event",
+     .verb = "reset",
+     .summary = "Empty the event store",
+     .target = Target::kNone,
+     .arity = Arity::kNone,
+     .target_name = "",
+     .functions = "VX_HX_EVT_Reset",
+     .examples = {"vexorctl event reset --dry-run", "vexorctl event reset --dry-run -o json"},
+     .run = ResetEvents,
+     .columns = ChangeColumns,
+     .note = "It asks for the word \"events\".",
+     .changes = true},
+};
+
+}  // namespace
+
+std::span<const CommandRow> EventCommands() { return kCommands; }

@@ -1,0 +1,233 @@
+// From the words that were typed to one row of the command tree and its values.
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <algorithm>
+#include <charconv>
+
+#include "model/failure.h"
+#include "model/session.h"
+#include "output/output.h"
+#include "output/report.h"
+#include "shell/arguments.h"
+#include "shell/command.h"
+#include "shell/help.h"
+
+namespace {
+
+// Stands for "given without a value".
+constexpr std::string_view kAlone = "\x02";
+
+bool IsHelp(const std::string& word) { return word == "--help" || word == "-h"; }
+
+bool Contains(std::string_view words, std::string_view word) {
+    while (!words.empty()) {
+        const std::size_t blank = words.find(' ');
+        if (words.substr(0, blank) == word) return true;
+        words = blank == std::string_view::npos ? std::string_view() : words.substr(blank + 1);
+    }
+    return false;
+}
+
+// The options of every command may stand before the noun too: they are moved behind it. Returns how
+// many words that were.
+std::size_t MoveLeadingOptions(std::vector<std::string>& words) {
+    std::vector<std::string> leading;
+    while (!words.empty() && words.front().starts_with('-')) {
+        const std::string name = words.front().substr(0, words.front().find('='));
+        const auto found = std::ranges::find_if(OutputOptions(), [&](const OptionRow& option) {
+            return option.name == name || option.letter == name;
+        });
+        if (found == OutputOptions().end()) break;
+        const bool takes_next = !found->value.empty() && name == words.front();
+        for (int i = 0; i < (takes_next ? 2 : 1) && !words.empty(); ++i) {
+            leading.push_back(words.front());
+            words.erase(words.begin());
+        }
+    }
+    const auto end = std::ranges::find(words, "--");
+    words.insert(end, leading.begin(), leading.end());
+    return leading.size();
+}
+
+const NounRow& FindNoun(const std::string& word) {
+    std::string names;
+    for (const NounRow& noun : Nouns()) {
+        if (noun.name == word) return noun;
+        names.append(names.empty() ? "" : ", ").append(noun.name);
+    }
+    throw UsageError("there is no \"" + word + "\"; say one of " + names);
+}
+
+const CommandRow& FindVerb(const NounRow& noun, const std::string& word) {
+    std::string names;
+    for (const CommandRow& command : noun.commands) {
+        if (command.verb == word) return command;
+        names.append(names.empty() ? "" : ", ").append(command.verb);
+    }
+    throw UsageError(std::string(noun.name) + " has no verb \"" + word + "\"; say one of " + names);
+}
+
+void CheckArity(const CommandRow& row, std::size_t count) {
+    const bool needs = row.arity == Arity::kOne || row.arity == Arity::kMany;
+    if (needs && count == 0) {
+        throw UsageError(std::string(row.target_name) + " is missing: " + UsageLine(row));
+    }
+    const std::size_t most = row.arity == Arity::kNone                                   ? 0
+                             : row.arity == Arity::kOne || row.arity == Arity::kOptional ? 1
+                                                                                         : count;
+    if (count > most) throw UsageError("too many arguments: " + UsageLine(row));
+}
+
+std::vector<std::string> ValuesOf(const OptionRow& row, const std::vector<std::string>& typed) {
+    std::vector<std::string> values;
+    for (std::string value : typed) {
+        value = value == kAlone ? std::string() : Unmarked(std::move(value));
+        if (!row.choices.empty() && !Contains(row.choices, value)) {
+            throw UsageError(std::string(row.name) + " cannot be \"" + value +
+                             "\"; say one of: " + std::string(row.choices));
+        }
+        values.push_back(std::move(value));
+    }
+    return values;
+}
+
+Invocation Parse(const CommandRow& row, const std::vector<std::string>& typed) {
+    CLI::App app;
+    app.set_help_flag();
+    const std::vector<OptionRow> rows = OptionsOf(row);
+    std::vector<CLI::Option*> options;
+    for (const OptionRow& option : rows) {
+        std::string names(option.name);
+        if (!option.letter.empty()) names.append(",").append(option.letter);
+        if (option.value.empty()) {
+            options.push_back(app.add_flag(names));
+        } else {
+            options.push_back(app.add_option(names)->expected(1)->multi_option_policy(
+                CLI::MultiOptionPolicy::TakeAll));
+        }
+    }
+    CLI::Option* const targets =
+        app.add_option("TARGET")->expected(CLI::detail::expected_max_vector_size);
+
+    std::vector<std::string> words = MarkedArguments(typed);
+    for (std::string& word : words) {
+        const auto alone = std::ranges::find_if(rows, [&](const OptionRow& option) {
+            return option.value_optional && option.name == word;
+        });
+        if (alone != rows.end()) word.append("=").append(kAlone);
+    }
+    std::ranges::reverse(words);
+    try {
+        app.parse(words);
+    } catch (const CLI::ArgumentMismatch& error) {
+        const std::string text = WithoutMarks(error.what());
+        throw UsageError(text.substr(0, text.find(':')) + " needs a value");
+    } catch (const CLI::ParseError& error) {
+        throw UsageError(WithoutMarks(error.what()));
+    }
+
+    std::map<std::string, std::vector<std::string>> values;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (options[i]->count() == 0) continue;
+        std::vector<std::string>& list = values[std::string(rows[i].name)];
+        if (!rows[i].value.empty()) list = ValuesOf(rows[i], options[i]->results());
+    }
+    std::vector<std::string> given;
+    for (const std::string& word : targets->results()) given.push_back(Unmarked(word));
+    CheckArity(row, given.size());
+    return {row, std::move(values), std::move(given)};
+}
+
+Exit Help(const std::string& text) {
+    PrintText(text);
+    return Exit::kDone;
+}
+
+// Scripts that asked for a document get one however the command ends; wrong usage is theirs to
+// mend.
+Exit RunDocumentingFailure(const CommandRow& row, Invocation& invocation) {
+    try {
+        if (row.changes) invocation.controller().RememberCounters();
+        return row.run(invocation);
+    } catch (const Failure& failure) {
+        Fault fault = failure.fault;
+        fault.message = failure.what();
+        PrintEarlyEnd(invocation, fault);
+        throw;
+    } catch (const Unavailable& failure) {
+        PrintEarlyEnd(invocation, {.address = failure.subject, .message = failure.what()});
+        throw;
+    }
+}
+
+Exit Run(std::vector<std::string> words, std::string& where) {
+    const std::size_t leading = MoveLeadingOptions(words);
+    if (words.size() == leading) throw UsageError("a command is missing");
+    if (words.front() == "--version") return Help("vexorctl " VEXORCTL_VERSION "\n");
+    if (IsHelp(words.front())) return Help(ProgramHelp());
+    if (words.front().starts_with('-')) {
+        throw UsageError("there is no option " + words.front().substr(0, words.front().find('=')));
+    }
+    const NounRow& noun = FindNoun(words.front());
+    words.erase(words.begin());
+    where.append(" ").append(noun.name);
+    const bool has_verbs = !noun.commands.front().verb.empty();
+    if (has_verbs) {
+        if (words.empty() || (words.front().starts_with('-') && !IsHelp(words.front()))) {
+            std::string verbs;
+            for (const CommandRow& command : noun.commands) {
+                verbs.append(verbs.empty() ? "" : ", ").append(command.verb);
+            }
+            throw UsageError("a verb is missing; say one of " + verbs);
+        }
+        if (IsHelp(words.front())) return Help(NounHelp(noun));
+    }
+    const CommandRow& row = has_verbs ? FindVerb(noun, words.front()) : noun.commands.front();
+    if (has_verbs) {
+        words.erase(words.begin());
+        where.append(" ").append(row.verb);
+    }
+    const auto end = std::ranges::find(words, "--");
+    if (std::any_of(words.begin(), end, IsHelp)) return Help(CommandHelp(row));
+    Invocation invocation = Parse(row, words);
+    return RunDocumentingFailure(row, invocation);
+}
+
+}  // namespace
+
+bool Invocation::Has(std::string_view option) const {
+    return options_.contains(std::string(option));
+}
+
+const std::string* Invocation::Get(std::string_view option) const {
+    const auto found = options_.find(std::string(option));
+    return found == options_.end() || found->second.empty() ? nullptr : &found->second.back();
+}
+
+std::string Invocation::Get(std::string_view option, std::string_view otherwise) const {
+    const std::string* const value = Get(option);
+    return value == nullptr ? std::string(otherwise) : *value;
+}
+
+std::optional<std::uint64_t> Invocation::Number(std::string_view option, std::uint64_t max) const {
+    const std::string* const value = Get(option);
+    if (value == nullptr) return std::nullopt;
+    std::uint64_t number = 0;
+    const char* const end = value->data() + value->size();
+    const auto [stop, error] = std::from_chars(value->data(), end, number);
+    if (value->empty() || error != std::errc() || stop != end || number > max) {
+        throw UsageError(std::string(option) + " takes a whole number up to " +
+                         std::to_string(max) + ", not \"" + *value + "\"");
+    }
+    return number;
+}
+
+Exit RunCommandLine(int argc, const char* const* argv) {
+    std::string where = "vexorctl";
+    try {
+        return Run(std::vector<std::string>(argv + std::min(argc, 1), argv + argc), where);
+    } catch (const UsageError& failure) {
+        throw UsageError(std::string(failure.what()) + " (see " + where + " --help)");
+    }
+}
