@@ -129,6 +129,28 @@ class Output(VexorctlCase):
         self.assertEqual(run.returncode, 0)
 
 
+class Xml(VexorctlCase):
+    """A document is well-formed and gives back every text, whatever a user typed."""
+
+    def error(self, target):
+        run = self.run_words("vd", "show", target, "-o", "xml")
+        self.assertEqual(run.returncode, 3, run.stderr)
+        return xml.etree.ElementTree.fromstring(run.stdout).find("error").get("address")
+
+    def test_values_of_attributes_come_back_as_they_were(self):
+        for name in ('a"b', "a'b", "a&b", "a<b>c", "]]>", "&quot;", '" name="x', "\u00e4\u20ac",
+                     "two\nlines\tand a tab"):
+            with self.subTest(name=name):
+                self.assertEqual(self.error("name:" + name), "name:" + name)
+
+    def test_what_xml_cannot_hold_is_replaced(self):
+        for name, shown in (("a\x01b", "a?b"), ("a\x7fb", "a\x7fb"), ("a\udcffb", "a\ufffdb"),
+                            ("a\ufffeb", "a\ufffdb"), ("a\udce2\udc82", "a\ufffd"),
+                            ("a\udcc0\udcafb", "a\ufffd\ufffdb")):
+            with self.subTest(name=name):
+                self.assertEqual(self.error("name:" + name), "name:" + shown)
+
+
 class Config(VexorctlCase):
     def settings(self):
         run = self.run_words("config", "show", "-o", "csv", "--no-header")

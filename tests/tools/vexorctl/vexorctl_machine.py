@@ -78,8 +78,8 @@ class VexorctlCase(unittest.TestCase):
     def run_words(self, *words, stdin=None):
         source = {"input": stdin} if stdin is not None else {"stdin": subprocess.DEVNULL}
         return subprocess.run([self.vexorctl, *map(str, words)], cwd=self.root,
-                              env=self.environment, text=True, capture_output=True, timeout=60,
-                              check=False, **source)
+                              env=self.environment, text=True, errors="surrogateescape",
+                              capture_output=True, timeout=60, check=False, **source)
 
     def commands(self):
         """Every (noun, verb) of the tree; the verb is empty for a noun that is a command."""

@@ -144,35 +144,55 @@ std::optional<Value> Controller::Get(std::string_view address, const Command& co
     return std::nullopt;
 }
 
-std::vector<Value> Controller::List(unsigned adapter, std::string_view function,
-                                    std::string_view item) {
+// The text is only half read where parsing ended, so the ID is told where it was whole.
+void Controller::NoteUnreadable(std::string_view address, const ListSource& source,
+                                std::uint64_t index, const Answer& answer) {
+    std::string message = "the item at index " + std::to_string(index);
+    const Value* const item = answer.result.Find(source.item);
+    const std::string id = item == nullptr ? std::string() : item->Text(source.id);
+    if (!id.empty()) message += " (ID " + id + ")";
+    Note({.address = std::string(address),
+          .function = std::string(source.function),
+          .name = "unreadable",
+          .message = message + " was left out: " + answer.complaint},
+         Exit::kRefused);
+}
+
+std::vector<Value> Controller::List(unsigned adapter, const ListSource& source) {
     const std::string address = "a" + std::to_string(adapter);
     std::vector<Value> items;
     std::uint64_t index = 0;
     unsigned page = kPage;
     while (index != kListComplete) {
-        const Command command{function,
+        const Command command{source.function,
                               {{"AdapterID", std::to_string(adapter)},
                                {"requestType", "1"},
                                {"startingIndexOrId", std::to_string(index)},
                                {"numRequested", std::to_string(page)}}};
-        const Answer answer = Ask(command);
-        // Whether a page was cut shows only when it is read; a smaller one may fit.
+        Answer answer = Ask(command);
+        // Whether a page was cut shows only when it is parsed; a smaller one may fit, or may be
+        // clear of an item that cannot be parsed.
         if (answer.exit == Exit::kUndelivered && page > 1) {
             page /= 2;
             continue;
         }
-        if (answer.exit != Exit::kDone) {
-            NoteAnswer(address, function, answer);
-            break;
-        }
-        for (const Value& each : answer.result.children) {
-            if (each.name == item) items.push_back(each);
-        }
         const std::uint64_t next = answer.result.Number("RequestHeader/nextStartingIndex");
+        // The header stands before the items: when it was read, the item alone is at fault.
+        const bool item_is_unreadable = answer.exit == Exit::kUndelivered && next > index;
+        if (item_is_unreadable) {
+            NoteUnreadable(address, source, index, answer);
+            page = kPage;
+        } else if (answer.exit != Exit::kDone) {
+            NoteAnswer(address, source.function, answer);
+            break;
+        } else {
+            for (Value& each : answer.result.children) {
+                if (each.name == source.item) items.push_back(std::move(each));
+            }
+        }
         if (next <= index) {
             Note({.address = address,
-                  .function = std::string(function),
+                  .function = std::string(source.function),
                   .message = "the list does not go on behind index " + std::to_string(index)},
                  Exit::kRefused);
             break;

@@ -23,6 +23,14 @@ struct Command {
     Fields fields;
 };
 
+/// A paged list of the library: its function, the element of one item, and the path of the field
+/// that holds an item's ID.
+struct ListSource {
+    std::string_view function;
+    std::string_view item;
+    std::string_view id;
+};
+
 /// The command's text, as it is sent.
 std::string CommandText(const Command& command);
 
@@ -52,10 +60,11 @@ public:
     /// Like Ask, but a failure is noted as a fault of `address` and null is returned.
     std::optional<Value> Get(std::string_view address, const Command& command);
 
-    /// Everything of a paged list, in the order of the controller: the elements named `item`. A
-    /// result that did not fit is asked for again in smaller pages. What cannot be had is noted as
-    /// a fault, and what came before it is returned.
-    std::vector<Value> List(unsigned adapter, std::string_view function, std::string_view item);
+    /// All items of a paged list, in the order of the controller. A page that did not fit or cannot
+    /// be parsed is asked for again in smaller ones, down to single items. An item that cannot be
+    /// parsed even so is left out and noted as a fault, and the list goes on behind it. Any other
+    /// failure is noted too and ends the list.
+    std::vector<Value> List(unsigned adapter, const ListSource& source);
 
     /// The numbers of the adapters there are.
     const std::vector<unsigned>& Adapters();
@@ -79,6 +88,8 @@ public:
 private:
     Session& Opened();
     void NoteAnswer(std::string_view address, std::string_view function, const Answer& answer);
+    void NoteUnreadable(std::string_view address, const ListSource& source, std::uint64_t index,
+                        const Answer& answer);
 
     std::optional<Session> session_;
     std::optional<std::vector<unsigned>> adapters_;

@@ -135,6 +135,8 @@ ParsedResult ParseResult(std::string_view result) {
     if (!parsed.well_formed) {
         const XML_Error error = XML_GetErrorCode(parser.get());
         if (builder.out_of_memory || error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
+        // A number or an ID that was cut would be taken for another one.
+        for (Value* const open : builder.open) open->text.clear();
         parsed.line = XML_GetCurrentLineNumber(parser.get());
         parsed.reason = XML_ErrorString(error);
     }

@@ -33,6 +33,7 @@ struct ParsedResult {
     std::string reason;
 };
 
-/// Reads the result. Of one that is not well-formed the tree holds what stands before the break.
+/// Reads the result. Of one that is not well-formed the tree holds what stands before the break;
+/// elements that it cuts have no text.
 /// Throws std::bad_alloc.
 ParsedResult ParseResult(std::string_view result);

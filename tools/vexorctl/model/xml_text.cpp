@@ -81,6 +81,58 @@ void CollectAttributes(void* user_data, const XML_Char* name, const XML_Char** a
 
 void LeaveElement(void* user_data, const XML_Char*) { --static_cast<Collector*>(user_data)->depth; }
 
+// `special` are the characters that have to be written as references.
+void AppendEscaped(std::string& out, std::string_view text, std::string_view special) {
+    for (const char c : text) {
+        if (special.find(c) == std::string_view::npos) {
+            out += c;
+            continue;
+        }
+        switch (c) {
+            case '&':
+                out += "&amp;";
+                break;
+            case '<':
+                out += "&lt;";
+                break;
+            case '>':
+                out += "&gt;";
+                break;
+            case '"':
+                out += "&quot;";
+                break;
+            default:
+                out += "&#" + std::to_string(static_cast<unsigned char>(c)) + ";";
+        }
+    }
+}
+
+// The first character of a text: how many bytes it takes, or how many belong to the beginning of
+// one that is cut off or goes wrong.
+struct Utf8Front {
+    std::size_t length;
+    bool is_valid;
+};
+
+Utf8Front FrontOf(std::string_view text) {
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char first = byte(0);
+    if (first < 0x80) return {1, true};
+    if (first < 0xC2 || first > 0xF4) return {1, false};
+    const std::size_t wanted = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    for (std::size_t i = 1; i < wanted; ++i) {
+        // The second byte's bounds keep out surrogates, overlong forms and codes past U+10FFFF.
+        const unsigned least = i == 1 && first == 0xE0   ? 0xA0
+                               : i == 1 && first == 0xF0 ? 0x90
+                                                         : 0x80;
+        const unsigned most = i == 1 && first == 0xED   ? 0x9F
+                              : i == 1 && first == 0xF4 ? 0x8F
+                                                        : 0xBF;
+        if (i == text.size() || byte(i) < least || byte(i) > most) return {i, false};
+    }
+    return {wanted, true};
+}
+
 }  // namespace
 
 XmlInspection InspectXml(std::string_view text) {
@@ -115,27 +167,42 @@ bool IsXmlName(std::string_view text) {
     return inspection.well_formed && inspection.root == text;
 }
 
-void AppendXmlElement(std::string& out, std::string_view name, std::string_view text) {
-    out.append("<").append(name).append(">");
-    for (const char c : text) {
-        switch (c) {
-            case '&':
-                out += "&amp;";
-                break;
-            case '<':
-                out += "&lt;";
-                break;
-            case '>':
-                out += "&gt;";
-                break;
-            case '\r':
-                out += "&#13;";
-                break;  // bare, it would be read as a line feed
-            default:
-                out += c;
-        }
+void AppendXmlStart(std::string& out, std::string_view name, const XmlAttributeList& attributes) {
+    out.append("<").append(name);
+    for (const auto& [attribute, value] : attributes) {
+        out.append(" ").append(attribute).append("=\"");
+        // A parser reads a bare tab or line end in an attribute as a blank.
+        AppendEscaped(out, value, "&<>\"\t\n\r");
+        out += '"';
     }
+    out += '>';
+}
+
+void AppendXmlElement(std::string& out, std::string_view name, std::string_view text,
+                      const XmlAttributeList& attributes) {
+    AppendXmlStart(out, name, attributes);
+    // A parser reads a bare carriage return as a line feed.
+    AppendEscaped(out, text, "&<>\r");
     out.append("</").append(name).append(">");
+}
+
+std::string XmlSafe(std::string_view text) {
+    constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+    std::string safe;
+    while (!text.empty()) {
+        const auto first = static_cast<unsigned char>(text.front());
+        const Utf8Front front = FrontOf(text);
+        const std::string_view character = text.substr(0, front.length);
+        if (first < ' ' && first != '\t' && first != '\n' && first != '\r') {
+            safe += '?';
+        } else if (!front.is_valid || character == "\xEF\xBF\xBE" || character == "\xEF\xBF\xBF") {
+            safe += kReplacement;
+        } else {
+            safe += character;
+        }
+        text.remove_prefix(front.length);
+    }
+    return safe;
 }
 
 std::vector<std::pair<std::string, std::string>> XmlAttributes(std::string_view text) {

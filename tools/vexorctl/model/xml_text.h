@@ -33,8 +33,19 @@ XmlInspection InspectXml(std::string_view text);
 /// Whether an element may have this name, which is at most kLongestName bytes long.
 bool IsXmlName(std::string_view text);
 
-/// Appends <name>text</name>, escaped so that a parser gives back exactly the text.
-void AppendXmlElement(std::string& out, std::string_view name, std::string_view text);
+using XmlAttributeList = std::vector<std::pair<std::string_view, std::string>>;
+
+/// Appends <name attribute="value">text</name>, escaped so that a parser gives back exactly the
+/// text and the values. What XML cannot hold is the caller's to keep out.
+void AppendXmlElement(std::string& out, std::string_view name, std::string_view text,
+                      const XmlAttributeList& attributes = {});
+
+/// Appends the start tag alone: <name attribute="value">.
+void AppendXmlStart(std::string& out, std::string_view name, const XmlAttributeList& attributes);
+
+/// The text with a "?" in the place of each control character that XML 1.0 cannot hold, and U+FFFD
+/// in that of every other thing that it cannot: bytes that are not UTF-8, U+FFFE and U+FFFF.
+std::string XmlSafe(std::string_view text);
 
 /// The attributes of the root's children, but for "type", as ELEMENT.ATTRIBUTE with their values,
 /// in order. The text must be well-formed, or empty. Throws std::bad_alloc.

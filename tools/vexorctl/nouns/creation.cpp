@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr std::size_t kMaxName = 15;
-
 constexpr LevelRow kLevels[] = {
     {"0", "0", 0}, {"1", "1", 0},   {"1e", "17", 0}, {"5", "5", 1},
     {"6", "6", 2}, {"10", "16", 0}, {"50", "80", 2}, {"60", "96", 4},
@@ -117,12 +115,13 @@ const LevelRow& LevelOption(const Invocation& invocation) {
     throw UsageError("--raid is missing: say one of 0, 1, 1e, 5, 6, 10, 50, 60");
 }
 
-std::string NameOption(const Invocation& invocation, const std::string& otherwise) {
-    std::string name = invocation.Get("--name", otherwise);
-    if (name.size() > kMaxName) {
-        throw UsageError("--name: \"" + name + "\" has more than 15 characters");
-    }
-    return name;
+std::string NameOption(const Invocation& invocation, NameMarkup markup,
+                       const std::string& otherwise) {
+    const std::string* const name = invocation.Get("--name");
+    if (name == nullptr) return otherwise;
+    const std::string fault = NameFault(*name, markup);
+    if (!fault.empty()) throw UsageError("--name: \"" + *name + "\" " + fault);
+    return *name;
 }
 
 std::string StripeOption(const Invocation& invocation, const std::string& otherwise) {

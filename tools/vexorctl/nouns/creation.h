@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "model/object_name.h"
 #include "model/objects.h"
 #include "nouns/change.h"
 #include "shell/command.h"
@@ -25,8 +26,9 @@ inline constexpr std::string_view kLevelNames = "0 1 1e 5 6 10 50 60";
 /// --raid. Throws UsageError when it was not given.
 const LevelRow& LevelOption(const Invocation& invocation);
 
-/// --name. Throws UsageError when it is too long for a record.
-std::string NameOption(const Invocation& invocation, const std::string& otherwise);
+/// --name. Throws UsageError for a name that the library's results cannot carry.
+std::string NameOption(const Invocation& invocation, NameMarkup markup,
+                       const std::string& otherwise);
 
 /// --stripe in KiB.
 std::string StripeOption(const Invocation& invocation, const std::string& otherwise);

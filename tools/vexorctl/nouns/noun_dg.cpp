@@ -125,7 +125,7 @@ Exit CreateDiskGroup(Invocation& invocation) {
     // Disks that were unplugged between two looks.
     if (disks.empty()) throw UsageError("no disks: a disk group needs one at least");
     const unsigned adapter = disks.front().address.adapter;
-    const std::string name = NameOption(invocation, "NEW_DG");
+    const std::string name = NameOption(invocation, NameMarkup::kBare, "NEW_DG");
     const Fields fields{
         {"AdapterID", std::to_string(adapter)},
         {"Name", name},
@@ -215,7 +215,7 @@ Exit SetDiskGroup(Invocation& invocation) {
     fields.emplace_back("DGID", std::to_string(group.address.id));
     fields.emplace_back("WriteCacheOn", SwitchOption(invocation, "--write-cache",
                                                      group.config.Number("WriteCacheOn")));
-    fields.emplace_back("Name", NameOption(invocation, group.info.Text("Name")));
+    fields.emplace_back("Name", NameOption(invocation, NameMarkup::kBare, group.info.Text("Name")));
     return CarryOut(invocation, {.what = "Set disk group " + Described(group),
                                  .losses = {},
                                  .confirm = {},
@@ -232,17 +232,18 @@ Exit ModifyDiskGroup(Invocation& invocation) {
     members.insert(members.end(), typed.begin(), typed.end());
     const std::vector<Disk> disks = NamedDisks(invocation, members);
     if (typed.empty() && !invocation.Has("--name")) throw UsageError("no change was named");
-    const Fields fields{{"AdapterID", std::to_string(group.address.adapter)},
-                        {"DGID", std::to_string(group.address.id)},
-                        {"Name", NameOption(invocation, group.info.Text("Name"))},
-                        {"RaidMode", group.info.Text("RaidMode")},
-                        {"SubVDCount", group.info.Text("SubVDCount")},
-                        {"NumParityDisk", group.info.Text("NumParityDisk")},
-                        {"StripeBlockSize", group.info.Text("StripeBlockSize")},
-                        {"Size", "0"},
-                        {"BlockSize", group.info.Text("BlockSize")},
-                        {"PDCount", std::to_string(disks.size())},
-                        {"PDIDs", Ids(disks)}};
+    const Fields fields{
+        {"AdapterID", std::to_string(group.address.adapter)},
+        {"DGID", std::to_string(group.address.id)},
+        {"Name", NameOption(invocation, NameMarkup::kBare, group.info.Text("Name"))},
+        {"RaidMode", group.info.Text("RaidMode")},
+        {"SubVDCount", group.info.Text("SubVDCount")},
+        {"NumParityDisk", group.info.Text("NumParityDisk")},
+        {"StripeBlockSize", group.info.Text("StripeBlockSize")},
+        {"Size", "0"},
+        {"BlockSize", group.info.Text("BlockSize")},
+        {"PDCount", std::to_string(disks.size())},
+        {"PDIDs", Ids(disks)}};
     Change change{.what = "Modify disk group " + Described(group) + " on",
                   .losses = {},
                   .confirm = ConfirmName(group),
@@ -279,17 +280,17 @@ Exit MigrateDiskGroup(Invocation& invocation) {
 
 constexpr OptionRow kCreateOptions[] = {
     {"--raid", "LEVEL", "The RAID level", kLevelNames},
-    {"--name", "NAME", "Its name, of at most 15 characters"},
+    {"--name", "NAME", "Its name, of at most 15 bytes"},
     {"--stripe", "SIZE", "Its stripe size, as in 64KiB"},
     {"--legs", "COUNT", "Of RAID 50 and 60: the number of legs"},
 };
 constexpr OptionRow kSetOptions[] = {
-    {"--name", "NAME", "Its name, of at most 15 characters"},
+    {"--name", "NAME", "Its name, of at most 15 bytes"},
     {"--write-cache", "ON", "The write cache of its disks", "on off"},
 };
 constexpr OptionRow kModifyOptions[] = {
     {"--add", "DISKS", "The disks to add, between commas"},
-    {"--name", "NAME", "Its name, of at most 15 characters"},
+    {"--name", "NAME", "Its name, of at most 15 bytes"},
 };
 constexpr OptionRow kMigrateOptions[] = {
     {"--raid", "LEVEL", "The new RAID level", kLevelNames},
@@ -397,10 +398,10 @@ constexpr CommandRow kCommands[] = {
 std::vector<DiskGroup> LoadDiskGroups(Controller& controller) {
     std::vector<DiskGroup> groups;
     for (const unsigned adapter : controller.Selected()) {
-        std::vector<Value> infos = controller.List(adapter, "HX_DG_GetInfo", "DG_Info");
+        std::vector<Value> infos = controller.List(adapter, {"HX_DG_GetInfo", "DG_Info", "DGID"});
         if (infos.empty()) continue;
         std::map<std::uint64_t, Value> configs;
-        for (Value& config : controller.List(adapter, "HX_DG_GetConfig", "DG_Config")) {
+        for (Value& config : controller.List(adapter, {"HX_DG_GetConfig", "DG_Config", "DGID"})) {
             const std::uint64_t id = config.Number("DGID");
             configs.insert_or_assign(id, std::move(config));
         }

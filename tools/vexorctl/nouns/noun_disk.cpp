@@ -210,11 +210,11 @@ Exit ListBlocks(Invocation& invocation) {
     std::vector<Block> blocks;
     for (const unsigned adapter : controller.Selected()) {
         std::map<std::uint64_t, Value> by_id;
-        for (Value& block : controller.List(adapter, "HX_BLK_GetInfo", "blockInfo")) {
+        for (Value& block : controller.List(adapter, {"HX_BLK_GetInfo", "blockInfo", "ID"})) {
             const std::uint64_t id = block.Number("ID");
             by_id.emplace(id, std::move(block));
         }
-        for (const Value& disk : controller.List(adapter, "HX_BLK_GetHDBlock", "Info")) {
+        for (const Value& disk : controller.List(adapter, {"HX_BLK_GetHDBlock", "Info", "ID"})) {
             const Address address{.adapter = adapter,
                                   .kind = ObjectKind::kDisk,
                                   .id = static_cast<unsigned>(disk.Number("ID"))};
@@ -516,11 +516,10 @@ constexpr CommandRow kCommands[] = {
 
 // What the controller tells of disks in lists of their own, by the disks' numbers.
 std::map<std::uint64_t, Value> ByDisk(Controller& controller, unsigned adapter,
-                                      std::string_view function, std::string_view item,
-                                      std::string_view id) {
+                                      const ListSource& source) {
     std::map<std::uint64_t, Value> records;
-    for (Value& record : controller.List(adapter, function, item)) {
-        const std::uint64_t number = record.Number(id);
+    for (Value& record : controller.List(adapter, source)) {
+        const std::uint64_t number = record.Number(source.id);
         records.insert_or_assign(number, std::move(record));
     }
     return records;
@@ -552,15 +551,16 @@ void LoadBootRecords(Controller& controller, unsigned adapter, std::span<Disk> d
 }
 
 void LoadDisksOf(Controller& controller, unsigned adapter, std::vector<Disk>& disks) {
-    std::vector<Value> infos = controller.List(adapter, "HX_PD_GetHDInfo_Ext", "HD_Info");
+    std::vector<Value> infos =
+        controller.List(adapter, {"HX_PD_GetHDInfo_Ext", "HD_Info", "Link/Self/DevID"});
     if (infos.empty()) return;
-    auto config = ByDisk(controller, adapter, "HX_PD_GetConfig", "Config", "HDID");
-    auto smart = ByDisk(controller, adapter, "HX_PD_GetSmartStatus", "HD_SMART_Status", "HDID");
-    auto raid = ByDisk(controller, adapter, "HX_PD_GetHDRaidStatus", "Status", "HDID");
-    auto activity = ByDisk(controller, adapter, "HX_PD_GetBGAStatus", "HD_BGA_Status", "HDID");
-    auto free_space = ByDisk(controller, adapter, "HX_PD_GetFreeSpaceInfo", "HD_Info", "ID");
+    auto config = ByDisk(controller, adapter, {"HX_PD_GetConfig", "Config", "HDID"});
+    auto smart = ByDisk(controller, adapter, {"HX_PD_GetSmartStatus", "HD_SMART_Status", "HDID"});
+    auto raid = ByDisk(controller, adapter, {"HX_PD_GetHDRaidStatus", "Status", "HDID"});
+    auto activity = ByDisk(controller, adapter, {"HX_PD_GetBGAStatus", "HD_BGA_Status", "HDID"});
+    auto free_space = ByDisk(controller, adapter, {"HX_PD_GetFreeSpaceInfo", "HD_Info", "ID"});
     std::map<std::uint64_t, unsigned> groups;
-    for (const Value& group : controller.List(adapter, "HX_DG_GetInfo", "DG_Info")) {
+    for (const Value& group : controller.List(adapter, {"HX_DG_GetInfo", "DG_Info", "DGID"})) {
         for (const auto& [count, ids] :
              {std::pair("PDCount", "PDIDs"), std::pair("SparePDCount", "SparePDIDs")}) {
             for (const std::uint64_t member : group.Numbers(ids, group.Number(count))) {

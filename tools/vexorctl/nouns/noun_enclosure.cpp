@@ -217,11 +217,10 @@ Exit ListElements(Invocation& invocation) {
     return Show(invocation, std::move(report), "table");
 }
 
-std::vector<Linked> LoadLinked(Controller& controller, std::string_view function,
-                               std::string_view item) {
+std::vector<Linked> LoadLinked(Controller& controller, const ListSource& source) {
     std::vector<Linked> all;
     for (const unsigned adapter : controller.Selected()) {
-        for (Value& info : controller.List(adapter, function, item)) {
+        for (Value& info : controller.List(adapter, source)) {
             all.push_back({{.adapter = adapter}, std::move(info)});
         }
     }
@@ -232,15 +231,17 @@ Exit ListExpanders(Invocation& invocation) {
     SelectAdapters(invocation);
     Report report;
     Tabulate(report, kExpanderColumns,
-             LoadLinked(invocation.controller(), "HX_PD_GetExpanderInfo", "ExpanderInfo"));
+             LoadLinked(invocation.controller(),
+                        {"HX_PD_GetExpanderInfo", "ExpanderInfo", "Link/Self/DevID"}));
     return Show(invocation, std::move(report), "table");
 }
 
 Exit ListMultipliers(Invocation& invocation) {
     SelectAdapters(invocation);
     Report report;
-    Tabulate(report, kMultiplierColumns,
-             LoadLinked(invocation.controller(), "HX_PD_GetPMInfo", "PM_Info"));
+    Tabulate(
+        report, kMultiplierColumns,
+        LoadLinked(invocation.controller(), {"HX_PD_GetPMInfo", "PM_Info", "Link/Self/DevID"}));
     return Show(invocation, std::move(report), "table");
 }
 
@@ -310,7 +311,8 @@ constexpr CommandRow kCommands[] = {
 std::vector<Enclosure> LoadEnclosures(Controller& controller) {
     std::vector<Enclosure> enclosures;
     for (const unsigned adapter : controller.Selected()) {
-        for (Value& info : controller.List(adapter, "HX_ENC_GetEnclosureInfo", "Enclosure_Info")) {
+        for (Value& info : controller.List(
+                 adapter, {"HX_ENC_GetEnclosureInfo", "Enclosure_Info", "Link/Self/DevID"})) {
             const Address address{.adapter = adapter,
                                   .kind = ObjectKind::kEnclosure,
                                   .id = static_cast<unsigned>(info.Number("Link/Self/DevID"))};

@@ -326,9 +326,9 @@ void Complete(Task& task, const std::vector<Value>& infos) {
 
 void LoadVirtualDiskTasks(Controller& controller, unsigned adapter, std::vector<Task>& tasks) {
     std::vector<Value> infos;
-    for (const Value& state : controller.List(adapter, "HX_LD_GetStatus", "Status")) {
+    for (const Value& state : controller.List(adapter, {"HX_LD_GetStatus", "Status", "LDID"})) {
         if (state.Number("Bga") == HXSIM_ACTIVITY_NONE) continue;
-        if (infos.empty()) infos = controller.List(adapter, "HX_LD_GetInfo", "LDInfo");
+        if (infos.empty()) infos = controller.List(adapter, {"HX_LD_GetInfo", "LDInfo", "ID"});
         Task task{{.adapter = adapter,
                    .kind = ObjectKind::kVirtualDisk,
                    .id = static_cast<unsigned>(state.Number("LDID"))},
@@ -343,7 +343,8 @@ void LoadVirtualDiskTasks(Controller& controller, unsigned adapter, std::vector<
 }
 
 void LoadDiskTasks(Controller& controller, unsigned adapter, std::vector<Task>& tasks) {
-    for (const Value& state : controller.List(adapter, "HX_PD_GetBGAStatus", "HD_BGA_Status")) {
+    for (const Value& state :
+         controller.List(adapter, {"HX_PD_GetBGAStatus", "HD_BGA_Status", "HDID"})) {
         // What a virtual disk's rebuild does to a disk is that virtual disk's task.
         const std::uint64_t activity = state.Number("Bga");
         if (activity != HXSIM_ACTIVITY_MEDIA_PATROL && activity != HXSIM_ACTIVITY_DATA_SCRUB) {
@@ -361,7 +362,7 @@ void LoadDiskTasks(Controller& controller, unsigned adapter, std::vector<Task>& 
 }
 
 void LoadDiskGroupTasks(Controller& controller, unsigned adapter, std::vector<Task>& tasks) {
-    for (const Value& group : controller.List(adapter, "HX_DG_GetInfo", "DG_Info")) {
+    for (const Value& group : controller.List(adapter, {"HX_DG_GetInfo", "DG_Info", "DGID"})) {
         if (group.Number("BgaType") == HXSIM_ACTIVITY_NONE) continue;
         tasks.push_back({{.adapter = adapter,
                           .kind = ObjectKind::kDiskGroup,

@@ -203,7 +203,8 @@ Exit SetVirtualDisk(Invocation& invocation) {
                                                       disk.config.Number("AutoRebuildOn")));
     fields.emplace_back("Status", disk.config.Text("Status"));
     fields.emplace_back("LDID", std::to_string(disk.address.id));
-    fields.emplace_back("Name", NameOption(invocation, disk.config.Text("Name")));
+    fields.emplace_back("Name",
+                        NameOption(invocation, NameMarkup::kCData, disk.config.Text("Name")));
     return CarryOut(invocation, {.what = "Set virtual disk " + Described(disk),
                                  .losses = {},
                                  .confirm = {},
@@ -249,7 +250,7 @@ Exit CreateOnGroup(Invocation& invocation, const std::string& typed) {
     }
     const std::uint64_t most = owner.info.Number("RemainingManagedSpace");
     const std::uint64_t sectors = SizeOption(invocation).Of(most, others);
-    const std::string name = NameOption(invocation, "NEW_VD");
+    const std::string name = NameOption(invocation, NameMarkup::kCData, "NEW_VD");
     Fields fields{
         {"AdapterID", std::to_string(address.adapter)},
         {"DGID", std::to_string(address.id)},
@@ -286,7 +287,7 @@ Exit CreateVirtualDisk(Invocation& invocation) {
         throw UsageError("either name the disks or say how many with --disks");
     }
     const SizeWish size = SizeOption(invocation);
-    const std::string name = NameOption(invocation, "NEW_VD");
+    const std::string name = NameOption(invocation, NameMarkup::kCData, "NEW_VD");
     Controller& controller = invocation.controller();
     const Fields settings{
         {"RoundingScheme",
@@ -418,7 +419,7 @@ Exit ModifyVirtualDisk(Invocation& invocation) {
     Fields fields{{"AdapterID", std::to_string(disk.address.adapter)},
                   {"VDID", std::to_string(disk.address.id)},
                   {"DGID", disk.info.Text("DGID")},
-                  {"Name", NameOption(invocation, disk.info.Text("Name"))},
+                  {"Name", NameOption(invocation, NameMarkup::kCData, disk.info.Text("Name"))},
                   {"RaidMode", disk.info.Text("RaidMode")},
                   {"SubVDCount", disk.info.Text("SubLDCount")},
                   {"NumParityDisk", disk.info.Text("NumParityDisk")},
@@ -453,7 +454,7 @@ constexpr OptionRow kCreateOptions[] = {
     {"--dg", "DG", "On this disk group, whose level and disks it gets"},
     {"--adapter", "NUMBER", "Pick the disks on this adapter"},
     {"--size", "SIZE", "10GiB, 20GB, 50% of the most, or max; max when not given"},
-    {"--name", "NAME", "Its name, of at most 15 characters"},
+    {"--name", "NAME", "Its name, of at most 15 bytes"},
     {"--stripe", "SIZE", "Its stripe size, as in 64KiB"},
     {"--cache", "MODES", "write_back, read_ahead, both with a comma, or none"},
     {"--init", "KIND", "How it is initialised", kInitNames},
@@ -471,7 +472,7 @@ constexpr OptionRow kDeleteOptions[] = {
     {"--keep-boot-record", "", "Leave the boot record on the disks"},
 };
 constexpr OptionRow kSetOptions[] = {
-    {"--name", "NAME", "Its name, of at most 15 characters"},
+    {"--name", "NAME", "Its name, of at most 15 bytes"},
     {"--cache", "MODES", "write_back, read_ahead, both with a comma, or none"},
     {"--auto-rebuild", "ON", "A spare is taken at once", "on off"},
 };
@@ -482,7 +483,7 @@ constexpr OptionRow kMigrateOptions[] = {
 };
 constexpr OptionRow kModifyOptions[] = {
     {"--size", "SIZE", "10GiB, 20GB, 50% of the most, or max"},
-    {"--name", "NAME", "Its name, of at most 15 characters"},
+    {"--name", "NAME", "Its name, of at most 15 bytes"},
     {"--cache", "MODES", "write_back, read_ahead, both with a comma, or none"},
     {"--plain", "", "With the function that knows no cache and switches it off"},
 };
@@ -622,20 +623,20 @@ constexpr CommandRow kCommands[] = {
 std::vector<VirtualDisk> LoadVirtualDisks(Controller& controller) {
     std::vector<VirtualDisk> all;
     for (const unsigned adapter : controller.Selected()) {
-        std::vector<Value> infos = controller.List(adapter, "HX_LD_GetInfo", "LDInfo");
+        std::vector<Value> infos = controller.List(adapter, {"HX_LD_GetInfo", "LDInfo", "ID"});
         if (infos.empty()) continue;
         std::map<std::uint64_t, Value> configs;
-        for (Value& config : controller.List(adapter, "HX_LD_GetConfig", "LDConfig")) {
+        for (Value& config : controller.List(adapter, {"HX_LD_GetConfig", "LDConfig", "LDID"})) {
             const std::uint64_t id = config.Number("LDID");
             configs.insert_or_assign(id, std::move(config));
         }
         std::map<std::uint64_t, Value> states;
-        for (Value& state : controller.List(adapter, "HX_LD_GetStatus", "Status")) {
+        for (Value& state : controller.List(adapter, {"HX_LD_GetStatus", "Status", "LDID"})) {
             const std::uint64_t id = state.Number("LDID");
             states.insert_or_assign(id, std::move(state));
         }
         std::map<std::uint64_t, std::uint64_t> disk_of_block;
-        for (const Value& block : controller.List(adapter, "HX_BLK_GetInfo", "blockInfo")) {
+        for (const Value& block : controller.List(adapter, {"HX_BLK_GetInfo", "blockInfo", "ID"})) {
             disk_of_block.insert_or_assign(block.Number("ID"), block.Number("HDID"));
         }
         for (Value& info : infos) {

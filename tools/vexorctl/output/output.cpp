@@ -234,41 +234,34 @@ void PrintCsv(const Report& report, const Style& style, bool header, std::string
     }
 }
 
-// XML has no control characters but blanks and line ends, not even escaped.
-std::string XmlSafe(std::string text) {
-    for (char& c : text) {
-        if (static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\t') c = '?';
-    }
-    return text;
-}
-
 void PrintXml(const Report& report, const Style& style, std::string& out) {
-    out += "<vexorctl schema=\"vexorctl/1\" command=\"" + report.command + "\">\n";
+    AppendXmlStart(out, "vexorctl", {{"schema", "vexorctl/1"}, {"command", report.command}});
+    out += '\n';
     for (const std::vector<Cell>& row : report.rows) {
         out += "  <item>\n";
         for (std::size_t i = 0; i < row.size(); ++i) {
             if (!row[i].known) continue;
             const ColumnInfo& column = report.columns[i];
-            std::string element;
-            AppendXmlElement(element, column.key, XmlSafe(PlainText(column, row[i], style)));
+            XmlAttributeList attributes;
             if (column.kind == Kind::kCode || column.kind == Kind::kBits) {
-                element.insert(1 + column.key.size(),
-                               " code=\"" + std::to_string(row[i].number) + "\"");
+                attributes.emplace_back("code", std::to_string(row[i].number));
             }
-            out += "    " + element + "\n";
+            out += "    ";
+            AppendXmlElement(out, column.key, XmlSafe(PlainText(column, row[i], style)),
+                             attributes);
+            out += '\n';
         }
         out += "  </item>\n";
     }
     for (const Fault& fault : report.faults) {
-        std::string element;
-        AppendXmlElement(element, "error", XmlSafe(fault.message));
-        std::string attributes;
-        if (!fault.address.empty()) attributes += " address=\"" + fault.address + "\"";
-        if (!fault.function.empty()) attributes += " function=\"" + fault.function + "\"";
-        if (fault.code != 0) attributes += " code=\"" + std::to_string(fault.code) + "\"";
-        if (!fault.name.empty()) attributes += " name=\"" + fault.name + "\"";
-        element.insert(6, attributes);
-        out += "  " + element + "\n";
+        XmlAttributeList attributes;
+        if (!fault.address.empty()) attributes.emplace_back("address", XmlSafe(fault.address));
+        if (!fault.function.empty()) attributes.emplace_back("function", XmlSafe(fault.function));
+        if (fault.code != 0) attributes.emplace_back("code", std::to_string(fault.code));
+        if (!fault.name.empty()) attributes.emplace_back("name", XmlSafe(fault.name));
+        out += "  ";
+        AppendXmlElement(out, "error", XmlSafe(fault.message), attributes);
+        out += '\n';
     }
     out += "</vexorctl>\n";
 }

@@ -1,0 +1,207 @@
+#!/usr/bin/env python3
+"""What a result cannot carry: names that vexorctl refuses, and lists that go on behind an item
+that cannot be read.
+
+usage: vexorctl_unreadable_test.py VEXORCTL SCRIPTED_LIBRARY_FOLDER [TEST]...
+"""
+
+import json
+import os
+import re
+import sys
+import unittest
+import xml.etree.ElementTree
+
+import jsonschema
+
+import vexorctl_machine
+from vexorctl_machine import TREE, VexorctlCase
+
+SCHEMA = json.loads((TREE / "docs" / "vexorctl.schema.json").read_text())
+
+# Set from the command line.
+SCRIPTED_LIBRARY = ""
+
+CANNOT_CARRY = ", which the library's results cannot carry"
+REFUSED_NAMES = (
+    ("a]]>b", 'holds "]]>"' + CANNOT_CARRY),
+    ("a\nb", "holds a control character" + CANNOT_CARRY),
+    ("a\x7fb", "holds a control character" + CANNOT_CARRY),
+    ("a\u0085b", "holds a control character" + CANNOT_CARRY),
+    ("a\ufffeb", "is not UTF-8, or holds a character that XML 1.0 forbids: the library's results "
+                 "cannot carry it"),
+    ("a\udcffb", "is not UTF-8, or holds a character that XML 1.0 forbids: the library's results "
+                 "cannot carry it"),
+    ("0123456789ABCDEF", "has 16 bytes; a name has at most 15"),
+    ("12345678901234\u00e4", "has 16 bytes; a name has at most 15"),
+)
+REFUSED_GROUP_NAMES = (
+    ("R&D", 'holds "<" or "&", which the library\'s results cannot carry in the name of a disk '
+            "group"),
+    ("a<b", 'holds "<" or "&", which the library\'s results cannot carry in the name of a disk '
+            "group"),
+)
+
+
+class Names(VexorctlCase):
+    NAMING = (
+        ["vd", "create", "a1/pd3", "a1/pd4", "--raid", "1"],
+        ["vd", "create", "--dg", "a0/dg0", "--size", "1GiB"],
+        ["vd", "set", "a0/vd2"],
+        ["vd", "modify", "a0/vd0"],
+        ["dg", "create", "a0/pd13", "a0/pd14", "--raid", "1"],
+        ["dg", "set", "a0/dg0"],
+        ["dg", "modify", "a0/dg0"],
+    )
+
+    def test_what_a_result_cannot_carry_is_refused_by_every_option_that_sets_a_name(self):
+        helps = {tuple(words): self.run_words(*words, "--help").stdout for words in self.commands()}
+        named = {words for words, text in helps.items() if "--name NAME" in text}
+        self.assertEqual(named, {tuple(words[:2]) for words in self.NAMING})
+        for words in self.NAMING:
+            names = REFUSED_NAMES + (REFUSED_GROUP_NAMES if words[0] == "dg" else ())
+            for name, reason in names:
+                with self.subTest(words=words, name=name):
+                    run = self.run_words(*words, "--name", name, "--yes")
+                    self.assertEqual(run.returncode, 2, run.stderr)
+                    self.assertIn(f'" {reason} (see vexorctl {words[0]} {words[1]} --help)\n',
+                                  run.stderr)
+                    self.assertTrue(run.stderr.startswith('vexorctl: --name: "'), run.stderr)
+
+    def test_what_a_result_carries_is_taken_and_comes_back(self):
+        for name in ("a]]b", "R&D <1>", "\u00e4\u20ac\U0001f4be x", "123456789012345", "]]"):
+            with self.subTest(name=name):
+                run = self.run_words("vd", "set", "a0/vd2", "--name", name, "--yes")
+                self.assertEqual((run.stderr, run.returncode), ("", 0))
+                run = self.run_words("vd", "list", "a0/vd2", "-o", "json")
+                self.assertEqual(json.loads(run.stdout)["items"][0]["name"], name)
+        for name in ("a]]b", "a>b", "\u00e4\u20ac"):
+            with self.subTest(group=name):
+                run = self.run_words("dg", "set", "a0/dg0", "--name", name, "--yes")
+                self.assertEqual((run.stderr, run.returncode), ("", 0))
+                run = self.run_words("dg", "list", "-o", "json")
+                self.assertEqual((run.stderr, run.returncode), ("", 0))
+                self.assertEqual(json.loads(run.stdout)["items"][0]["name"], name)
+
+
+class OneItem(VexorctlCase):
+    """Another program has given a virtual disk a name that no result can carry."""
+
+    ERROR = re.compile(r"^vexorctl: a0: (HX_\w+): the item at index 0( \(ID 0\))? was left out: "
+                       r"the result is not well-formed: line \d+: not well-formed "
+                       r"\(invalid token\)$")
+
+    def setUp(self):
+        super().setUp()
+        run = self.run_words("call", "HX_LD_SetConfig", "AdapterID=0", "LD_ID=0", "CacheMode=4",
+                             "AutoRebuildOn=1", "LDID=0", "Name=a]]>b")
+        self.assertEqual(run.returncode, 0, run.stderr)
+
+    def expect_errors(self, text, *functions):
+        found = [self.ERROR.match(line) for line in text.splitlines()]
+        self.assertTrue(all(found) and found, text)
+        self.assertEqual([match.group(1) for match in found], list(functions))
+
+    def test_a_list_goes_on_behind_it_and_reports_it(self):
+        run = self.run_words("vd", "list", "--columns", "address,name", "--no-header")
+        self.assertEqual(run.stdout, "a0/vd2  ARCHIVE\na1/vd0  MIRROR\n")
+        self.expect_errors(run.stderr, "HX_LD_GetInfo", "HX_LD_GetConfig")
+        self.assertIn("HX_LD_GetInfo: the item at index 0 (ID 0)", run.stderr)
+        self.assertEqual(run.returncode, 1)
+
+    def test_every_document_has_it_among_its_errors(self):
+        run = self.run_words("vd", "list", "-o", "json")
+        document = json.loads(run.stdout)
+        jsonschema.validate(document, SCHEMA)
+        self.assertEqual([item["address"] for item in document["items"]], ["a0/vd2", "a1/vd0"])
+        self.assertEqual([(e["address"], e["function"], e["name"]) for e in document["errors"]],
+                         [("a0", "HX_LD_GetInfo", "unreadable"),
+                          ("a0", "HX_LD_GetConfig", "unreadable")])
+        root = xml.etree.ElementTree.fromstring(self.run_words("vd", "list", "-o", "xml").stdout)
+        self.assertEqual(len(root.findall("error")), 2)
+
+    def test_check_does_not_call_it_healthy(self):
+        run = self.run_words("check")
+        self.assertTrue(run.stdout.startswith("UNKNOWN: a0 the item at index 0 (ID 0) was left "
+                                              "out: "), run.stdout)
+        self.assertEqual(run.returncode, 3)
+
+    def test_tasks_go_on_without_its_name(self):
+        self.run_words("task", "start", "a0/vd2", "--kind", "check", "--yes")
+        run = self.run_words("task", "list", "--columns", "address,name", "--no-header")
+        self.assertEqual((run.stdout, run.returncode), ("a0/vd2  ARCHIVE\n", 1))
+        self.expect_errors(run.stderr, "HX_LD_GetInfo")
+
+    def test_a_disk_group_whose_settings_cannot_be_read_is_listed_without_them(self):
+        run = self.run_words("call", "HX_DG_SetConfig", "AdapterID=0", "DG_ID=0", "DGID=0",
+                             "Name=R&D")
+        self.assertEqual(run.returncode, 0, run.stderr)
+        run = self.run_words("dg", "list", "-o", "json")
+        (item,) = json.loads(run.stdout)["items"]
+        self.assertEqual((item["name"], item["write_cache"]), ("R&D", None))
+        self.expect_errors(run.stderr, "HX_DG_GetConfig")
+
+
+class ManyItems(VexorctlCase):
+    """More items than a page holds, some of which cannot be read."""
+
+    COUNT = 300
+    BROKEN = (0, 5, 127, 128, 299)
+
+    def setUp(self):
+        super().setUp()
+        self.results = self.root / "results"
+        (self.results / "a0").mkdir(parents=True)
+        self.environment.update(
+            LD_LIBRARY_PATH=SCRIPTED_LIBRARY, STANDIN_RESULTS=str(self.results),
+            STANDIN_RESULT='<X type="function"><RetVal type="U8">202</RetVal></X>',
+            STANDIN_LOG=str(self.root / "calls"))
+        (self.results / "HX_Adapter_GetCount").write_text(
+            '<HX_Adapter_GetCount type="function"><RetVal type="U8">1</RetVal>'
+            "</HX_Adapter_GetCount>")
+
+    def script(self, number, name):
+        (self.results / "a0" / f"HX_LD_GetInfo.{number}").write_text(
+            f"<LDInfo><ID>{number}</ID><Status>1</Status><Name><![CDATA[{name}]]></Name></LDInfo>")
+
+    def test_the_pages_behind_are_asked_for_and_every_one_left_out_is_told(self):
+        for number in range(self.COUNT):
+            self.script(number, "]]>" if number in self.BROKEN else f"n{number}")
+        run = self.run_words("vd", "list", "-o", "json")
+        document = json.loads(run.stdout)
+        self.assertEqual([item["name"] for item in document["items"]],
+                         [f"n{n}" for n in range(self.COUNT) if n not in self.BROKEN])
+        self.assertEqual([e["message"].split(" was left out")[0] for e in document["errors"]],
+                         [f"the item at index {n} (ID {n})" for n in self.BROKEN])
+        self.assertEqual(run.returncode, 1)
+        calls = (self.root / "calls").read_text().count("<HX_LD_GetInfo ")
+        self.assertLess(calls, 80)
+
+    def test_an_item_whose_id_was_not_read_is_told_by_its_index(self):
+        self.script(0, "first")
+        (self.results / "a0" / "HX_LD_GetInfo.1").write_text("<LDInfo><ID>1\x01</ID></LDInfo>")
+        self.script(2, "last")
+        run = self.run_words("vd", "list", "--columns", "name", "--no-header")
+        self.assertEqual(run.stdout, "first\nlast\n")
+        self.assertIn("a0: HX_LD_GetInfo: the item at index 1 was left out: ", run.stderr)
+
+    def test_a_list_whose_header_cannot_be_read_ends(self):
+        (self.results / "a0" / "HX_LD_GetInfo").write_text(
+            '<HX_LD_GetInfo type="function"><RetVal type="U8">0</RetVal><RequestHeader>\x01')
+        run = self.run_words("vd", "list", "--no-header")
+        self.assertEqual((run.stdout, run.returncode), ("", 1))
+        self.assertEqual(run.stderr, "vexorctl: a0: HX_LD_GetInfo: the result is not well-formed: "
+                                     "line 1: not well-formed (invalid token)\n")
+
+
+def main():
+    global SCRIPTED_LIBRARY
+    if len(sys.argv) < 3:
+        sys.exit(__doc__)
+    SCRIPTED_LIBRARY = os.path.abspath(sys.argv[2])
+    vexorctl_machine.PROGRAMS = os.path.dirname(os.path.abspath(sys.argv[1]))
+    unittest.main(argv=[sys.argv[0], *sys.argv[3:]], verbosity=2)
+
+
+if __name__ == "__main__":
+    main()
