@@ -40,7 +40,7 @@ const char* NowToStr() {
     return GetNow(now) ? TimeToStr(now, now_text) : kUnknownTime;
 }
 
-int InitLog(void) noexcept {
+int InitLog() noexcept {
     CloseLog();  // a log that its caller left open is not lost
     char path[kRootPathSize];
     if (RootPath(path, kServiceLog) == nullptr) return 1;
@@ -48,7 +48,7 @@ int InitLog(void) noexcept {
     return file < 0 ? 1 : 0;
 }
 
-int CloseLog(void) noexcept {
+int CloseLog() noexcept {
     if (file < 0) return 1;
     const int failed = close(file);
     file = -1;

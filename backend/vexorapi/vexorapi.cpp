@@ -1,12 +1,11 @@
 // The entry points: the life of a process and of one request.
 #include "vexorapi.h"
 
-#include <climits>
-#include <cstdlib>
 #include <cstring>
 
 #include "heap_block.h"
 #include "hxraid.h"
+#include "log.h"
 #include "vexorapi_parse.h"
 #include "vexorapi_version.h"
 #include "vx_cfg.h"
