@@ -24,8 +24,16 @@ void SaltHashes(XML_Parser parser) {
 // Whether the blocks of the parser that is being freed are wiped.
 constinit bool wipe_freed_blocks = false;
 
+[[gnu::cold, gnu::noinline]] void WipeAndFreeParserBlock(void* block) {
+    explicit_bzero(block, malloc_usable_size(block));
+    std::free(block);
+}
+
+// Most of what a parser frees it has never made, so that null is looked at first.
 void FreeParserBlock(void* block) {
-    if (wipe_freed_blocks && block != nullptr) explicit_bzero(block, malloc_usable_size(block));
+    if (block == nullptr) return;
+    if (wipe_freed_blocks) [[unlikely]]
+        return WipeAndFreeParserBlock(block);
     std::free(block);
 }
 
