@@ -8,6 +8,7 @@
 #include "vx_dbg.h"
 #include "xml_rapi.h"
 #include "xml_rapi_records.h"
+#include "xml_rapi_row_list.h"
 
 // Request ----------------------------------------------------------------------------------------
 
@@ -42,9 +43,9 @@ constexpr WholeTextRow<R, n> WholeTextParam(const char* name, char (R::*field)[n
 template <class R, class... Row>
 struct Params {
     using Type = R;
-    std::tuple<Row...> rows;
+    RowList<Row...> rows;
 
-    constexpr explicit Params(Row... row) : rows{row...} {}
+    constexpr explicit Params(Row... row) : rows(row...) {}
 };
 template <class First, class... Row>
 Params(First, Row...) -> Params<typename First::Of, First, Row...>;
@@ -139,9 +140,8 @@ bool TakeParam(XMLElement& elmt, const char* name, R& record,
 /// The first equal name decides.
 template <class R, class... Row>
 bool ReadParam(XMLElement& elmt, const char* name, R& record, const Params<R, Row...>& params) {
-    return std::apply(
-        [&](const Row&... row) { return (TakeParam(elmt, name, record, row) || ...); },
-        params.rows);
+    return params.rows.Apply(
+        [&](const Row&... row) { return (TakeParam(elmt, name, record, row) || ...); });
 }
 
 // Call -------------------------------------------------------------------------------------------
@@ -161,11 +161,11 @@ auto Argument(T& field) {
 
 template <auto function, class R, class... T>
 struct PlainCall {
-    std::tuple<T R::*...> fields;
+    RowList<T R::*...> fields;
 
     bool operator()(R& record) const {
         record.RetVal =
-            std::apply([&](auto... field) { return function(Argument(record.*field)...); }, fields);
+            fields.Apply([&](auto... field) { return function(Argument(record.*field)...); });
         return true;
     }
 };
@@ -173,7 +173,7 @@ struct PlainCall {
 /// Passes the fields in order and keeps the returned byte in RetVal.
 template <auto function, class R, class... T>
 constexpr PlainCall<function, R, T...> Call(T R::*... fields) {
-    return {{fields...}};
+    return {RowList<T R::*...>(fields...)};
 }
 
 /// Whether each adapter's items follow those of the one before, or all go to the first element.
@@ -317,9 +317,9 @@ constexpr PagesCall<R, Fetch> PagesBy(Fetch fetch) {
 /// The elements of known size that a result begins with, RetVal first.
 template <class R, class... Row>
 struct Result {
-    std::tuple<Row...> rows;
+    RowList<Row...> rows;
 
-    constexpr explicit Result(Row... row) : rows{row...} {}
+    constexpr explicit Result(Row... row) : rows(row...) {}
 };
 template <class First, class... Row>
 Result(First, Row...) -> Result<typename First::Of, First, Row...>;
@@ -437,7 +437,7 @@ struct Function<R, Params<R, ParamRow...>, Call, Result<R, Row...>, List> {
     R XML_RA_FuncData::*record;     // its record in the request
     Params<R, ParamRow...> params;  // what a command may hold
     Call call;                      // what the controller is asked
-    std::tuple<Row...> rows;        // what the result begins with ...
+    RowList<Row...> rows;           // what the result begins with ...
     List list;                      // ... and the records that follow
 
     constexpr Function(const char* function_name, R XML_RA_FuncData::*function_record,
@@ -488,7 +488,7 @@ inline constexpr auto kFunctionOpen = MakeLiteral([](LiteralSink& sink) {
     sink.Put("<");
     sink.Put(kFunction.name);
     sink.Put(" type=\"function\">\n");
-    std::get<0>(kFunction.rows).Head(sink, kListDepth);
+    RowAt<0>(kFunction.rows).Head(sink, kListDepth);
 });
 template <const auto& kFunction>
 inline constexpr auto kEndTag = MakeLiteral([](LiteralSink& sink) {
@@ -499,7 +499,7 @@ inline constexpr auto kEndTag = MakeLiteral([](LiteralSink& sink) {
 // The last row's tail, and the end tag when no list stands between them.
 template <const auto& kFunction>
 inline constexpr auto kFunctionClose = MakeLiteral([](LiteralSink& sink) {
-    std::get<std::remove_cvref_t<decltype(kFunction)>::kRows - 1>(kFunction.rows)
+    RowAt<std::remove_cvref_t<decltype(kFunction)>::kRows - 1>(kFunction.rows)
         .Tail(sink, kListDepth);
     if constexpr (!std::remove_cvref_t<decltype(kFunction.list)>::kWrites) {
         sink.Put("</");

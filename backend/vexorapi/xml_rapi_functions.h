@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <tuple>
 
 #include "xml_rapi_adapter.h"
 #include "xml_rapi_battery_flash.h"

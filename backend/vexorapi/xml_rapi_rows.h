@@ -11,7 +11,6 @@
 #include <cstdint>
 #include <cstring>
 #include <string_view>
-#include <tuple>
 #include <type_traits>
 #include <utility>
 
@@ -19,6 +18,7 @@
 #include "XMLWriter_digits.h"
 #include "hxraid.h"
 #include "xml_rapi.h"
+#include "xml_rapi_row_list.h"
 #include "xml_rapi_text.h"
 
 // The depth at which a result lists its records: directly below the function element. Only there
@@ -342,9 +342,9 @@ struct Record {
     static constexpr std::size_t kRows = sizeof...(Row);
 
     const char* type;
-    std::tuple<Row...> rows;
+    RowList<Row...> rows;
 
-    consteval explicit Record(const char* type_name, Row... row) : type(type_name), rows{row...} {}
+    consteval explicit Record(const char* type_name, Row... row) : type(type_name), rows(row...) {}
 };
 template <class First, class... Row>
 Record(const char*, First, Row...) -> Record<typename First::Of, First, Row...>;
@@ -357,9 +357,9 @@ using RecordType = typename std::remove_cvref_t<decltype(kRecord)>::Type;
 template <const auto& kRecord, std::size_t i, int depth>
 inline constexpr std::size_t kRowBound = [] {
     LiteralSink sink;
-    std::get<i>(kRecord.rows).Head(sink, depth);
-    std::get<i>(kRecord.rows).Tail(sink, depth);
-    return sink.length + std::get<i>(kRecord.rows).template ValueBound<depth>();
+    RowAt<i>(kRecord.rows).Head(sink, depth);
+    RowAt<i>(kRecord.rows).Tail(sink, depth);
+    return sink.length + RowAt<i>(kRecord.rows).template ValueBound<depth>();
 }();
 
 template <const auto& kRecord, int depth>
@@ -373,24 +373,24 @@ inline constexpr std::size_t kRowsBound = []<std::size_t... i>(std::index_sequen
 template <const auto& kRecord, std::size_t i, int depth>
 inline constexpr auto kGap = MakeLiteral([](LiteralSink& sink) {
     constexpr std::size_t rows = std::remove_cvref_t<decltype(kRecord)>::kRows;
-    if constexpr (i > 0) std::get<i - 1>(kRecord.rows).Tail(sink, depth);
-    if constexpr (i < rows) std::get<i>(kRecord.rows).Head(sink, depth);
+    if constexpr (i > 0) RowAt<i - 1>(kRecord.rows).Tail(sink, depth);
+    if constexpr (i < rows) RowAt<i>(kRecord.rows).Head(sink, depth);
 });
 
 template <const auto& kRecord, std::size_t i, int depth>
 inline constexpr auto kRowHead = MakeLiteral([](LiteralSink& sink) {
-    std::get<i>(kRecord.rows).Head(sink, depth);
+    RowAt<i>(kRecord.rows).Head(sink, depth);
 });
 template <const auto& kRecord, std::size_t i, int depth>
 inline constexpr auto kRowTail = MakeLiteral([](LiteralSink& sink) {
-    std::get<i>(kRecord.rows).Tail(sink, depth);
+    RowAt<i>(kRecord.rows).Tail(sink, depth);
 });
 
 // The value of one row. The row is copied at compile time, because compilers read a table's fields
 // from memory, each time anew, and do not fold them.
 template <const auto& kRecord, std::size_t i, int depth>
 [[gnu::always_inline]] inline char* PutRow(char* at, const RecordType<kRecord>& record) {
-    constexpr auto row = std::get<i>(kRecord.rows);
+    constexpr auto row = RowAt<i>(kRecord.rows);
     return row.template Put<depth>(at, record);
 }
 
@@ -413,7 +413,7 @@ inline constexpr int kAnyDepth = -1;
 template <const auto& kRecord, int depth>
 [[gnu::noinline]] void WriteRowsNearEnd(XMLWR_Doc* doc, const RecordType<kRecord>& record) {
     const auto write = [&]<std::size_t i>() {
-        const auto& row = std::get<i>(kRecord.rows);
+        const auto& row = RowAt<i>(kRecord.rows);
         if constexpr (depth != kAnyDepth) {
             if (kDocCapacity - doc->CurPos >= kRowBound<kRecord, i, depth>) {
                 char* at = PutLiteral(doc->Buf + doc->CurPos, kRowHead<kRecord, i, depth>);
@@ -465,11 +465,11 @@ struct Nested {
         sink.Put(" type=\"");
         sink.Put(kInner.type);
         sink.Put("\">\n");
-        std::get<0>(kInner.rows).Head(sink, depth + 1);
+        RowAt<0>(kInner.rows).Head(sink, depth + 1);
     }
     constexpr void Tail(LiteralSink& sink, int depth) const {
         constexpr std::size_t last = std::remove_cvref_t<decltype(kInner)>::kRows - 1;
-        std::get<last>(kInner.rows).Tail(sink, depth + 1);
+        RowAt<last>(kInner.rows).Tail(sink, depth + 1);
         sink.Indent(depth);
         sink.Put("</");
         sink.Put(name);
@@ -614,11 +614,11 @@ inline constexpr auto kRecordOpen = MakeLiteral([](LiteralSink& sink) {
     sink.Put(" type=\"");
     sink.Put(kRecord.type);
     sink.Put("\">\n");
-    std::get<0>(kRecord.rows).Head(sink, depth + 1);
+    RowAt<0>(kRecord.rows).Head(sink, depth + 1);
 });
 template <const auto& kRecord, int depth>
 inline constexpr auto kRecordClose = MakeLiteral([](LiteralSink& sink) {
-    std::get<std::remove_cvref_t<decltype(kRecord)>::kRows - 1>(kRecord.rows).Tail(sink, depth + 1);
+    RowAt<std::remove_cvref_t<decltype(kRecord)>::kRows - 1>(kRecord.rows).Tail(sink, depth + 1);
     sink.Indent(depth);
     sink.Put("</");
 });

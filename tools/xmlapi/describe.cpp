@@ -42,13 +42,13 @@ void Describe(const InnerParams<R, Inner, Row...>& row, std::vector<Child>& chil
 }
 template <class R, class... Row>
 void Describe(const Params<R, Row...>& params, std::vector<Child>& children) {
-    std::apply([&](const Row&... row) { (Describe(row, children), ...); }, params.rows);
+    params.rows.Apply([&](const Row&... row) { (Describe(row, children), ...); });
 }
 
 // Result -----------------------------------------------------------------------------------------
 
-template <class Tuple>
-std::vector<Element> DescribeRows(const Tuple& rows);
+template <class Rows>
+std::vector<Element> DescribeRows(const Rows& rows);
 
 template <class R, class T, Form form>
 Element Describe(const Column<R, T, form>& row) {
@@ -92,10 +92,9 @@ Element Describe(const Nested<kInner, R, Inner>& row) {
     return DescribeRecord(row.name, kInner);
 }
 
-template <class Tuple>
-std::vector<Element> DescribeRows(const Tuple& rows) {
-    return std::apply([](const auto&... row) { return std::vector<Element>{Describe(row)...}; },
-                      rows);
+template <class Rows>
+std::vector<Element> DescribeRows(const Rows& rows) {
+    return rows.Apply([](const auto&... row) { return std::vector<Element>{Describe(row)...}; });
 }
 
 // The list behind the rows.
