@@ -1,0 +1,63 @@
+// The battery that keeps the cache's content through a power cut.
+#pragma once
+
+#include "codes/named.h"
+
+namespace hxcodes {
+
+/// Its state, as bits: status and prev_status of BBU_Info.
+struct BatteryBit {
+    enum Code : HX_U32 {
+        kPresent = 0x01,
+        kCharging = 0x02,
+        kSafeForWriteBack = 0x04,
+        kDischarging = 0x08,
+        kRelearning = 0x10,
+        kTemperatureOutOfBounds = 0x20,
+        kVoltageOutOfBounds = 0x40,
+        kNeedsReplacement = 0x80,
+        kSwitchedOff = 0x100,  // by HX_BBU_SetStatus
+    };
+};
+inline constexpr Named kBatteryBits[] = {
+    {BatteryBit::kPresent, "present"},
+    {BatteryBit::kCharging, "charging"},
+    {BatteryBit::kSafeForWriteBack, "safe_for_write_back"},
+    {BatteryBit::kDischarging, "discharging"},
+    {BatteryBit::kRelearning, "relearning"},
+    {BatteryBit::kTemperatureOutOfBounds, "temperature_out_of_bounds"},
+    {BatteryBit::kVoltageOutOfBounds, "voltage_out_of_bounds"},
+    {BatteryBit::kNeedsReplacement, "needs_replacement"},
+    {BatteryBit::kSwitchedOff, "switched_off"},
+};
+static_assert(IsTableOfBits(kBatteryBits));
+
+/// What it can do, as bits: featureSupport of BBU_Info.
+struct BatteryFeature {
+    enum Code : HX_U16 {
+        kRelearn = 0x01,
+        kThresholds = 0x02,
+    };
+};
+inline constexpr Named kBatteryFeatureBits[] = {
+    {BatteryFeature::kRelearn, "relearn"},
+    {BatteryFeature::kThresholds, "thresholds"},
+};
+static_assert(IsTableOfBits(kBatteryFeatureBits));
+
+/// Action of HX_BBU_ChangePower. That 0 starts a relearn cycle is the interface's.
+struct Power {
+    enum Code : HX_U8 {
+        kRelearn = 0,
+        kCharge = 1,
+        kDischarge = 2,
+    };
+};
+inline constexpr Named kPowerNames[] = {
+    {Power::kRelearn, "relearn"},
+    {Power::kCharge, "charge"},
+    {Power::kDischarge, "discharge"},
+};
+static_assert(IsTable(kPowerNames));
+
+}  // namespace hxcodes

@@ -1,0 +1,71 @@
+// What a device is and how it is linked.
+#pragma once
+
+#include "codes/named.h"
+
+namespace hxcodes {
+
+/// DevType of a Link_Endpoint, Type of an HD_Block_Info and deviceType of HX_LocateArrayDevice.
+struct Device {
+    enum Code : HX_U8 {
+        kAdapter = 1,
+        kExpander = 2,
+        kPortMultiplier = 3,
+        kDisk = 4,
+        kEnclosure = 5,
+    };
+};
+inline constexpr Named kDeviceNames[] = {
+    {Device::kAdapter, "adapter"},
+    {Device::kExpander, "expander"},
+    {Device::kPortMultiplier, "port_multiplier"},
+    {Device::kDisk, "disk"},
+    {Device::kEnclosure, "enclosure"},
+};
+static_assert(IsTable(kDeviceNames));
+
+/// How a disk is connected: ConnectionType of HD_Info. Bit 0x01 is ATA commands, 0x02 SCSI
+/// commands, 0x04 a serial link.
+struct Connection {
+    enum Code : HX_U8 {
+        kSata = 0x05,
+        kSas = 0x06,
+    };
+};
+inline constexpr Named kConnectionNames[] = {
+    {Connection::kSata, "sata"},
+    {Connection::kSas, "sas"},
+};
+static_assert(IsTable(kConnectionNames));
+
+/// The same for callers of older adapters, which derive ConnectionType from it: HDType of HD_Info.
+struct DiskType {
+    enum Code : HX_U8 {
+        kSata = 0x01,
+        kSas = 0x04,
+    };
+};
+inline constexpr Named kDiskTypeNames[] = {
+    {DiskType::kSata, "sata"},
+    {DiskType::kSas, "sas"},
+};
+static_assert(IsTable(kDiskTypeNames));
+
+/// The speed of a link: DriveSpeed of HD_Config. The codes are those of SAS link rates.
+struct LinkSpeed {
+    enum Code : HX_U8 {
+        k1_5Gbit = 0x08,
+        k3Gbit = 0x09,
+        k6Gbit = 0x0A,
+        k12Gbit = 0x0B,
+    };
+};
+inline constexpr Named kLinkSpeedNames[] = {
+    {LinkSpeed::k1_5Gbit, "1.5_gbit"},
+    {LinkSpeed::k3Gbit, "3_gbit"},
+    {LinkSpeed::k6Gbit, "6_gbit"},
+    {LinkSpeed::k12Gbit, "12_gbit"},
+};
+static_assert(IsTable(kLinkSpeedNames));
+
+}  // namespace hxcodes

@@ -1,0 +1,96 @@
+// Disks: their state, what they can do and what becomes of them.
+#pragma once
+
+#include "codes/named.h"
+
+namespace hxcodes {
+
+/// The state of a disk, as bits: Status of HD_Info, HD_RAID_Status and HD_BGA_Status. The bits of
+/// disks that are not free (0x04, 0x08, 0x40, 0x80) stand where callers look for them.
+struct DiskBit {
+    enum Code : HX_U8 {
+        kOnline = 0x01,
+        kForeign = 0x02,     // carries the metadata of another controller
+        kConfigured = 0x04,  // carries blocks of a virtual disk, or serves a disk group
+        kGlobalSpare = 0x08,
+        kRebuilding = 0x10,  // carries a block that is being rebuilt or copied back to
+        kFailed = 0x20,
+        kGroupSpare = 0x40,
+        kUnavailable = 0x80,  // missing, failed, offline or foreign
+    };
+};
+inline constexpr Named kDiskBits[] = {
+    {DiskBit::kOnline, "online"},          {DiskBit::kForeign, "foreign"},
+    {DiskBit::kConfigured, "configured"},  {DiskBit::kGlobalSpare, "global_spare"},
+    {DiskBit::kRebuilding, "rebuilding"},  {DiskBit::kFailed, "failed"},
+    {DiskBit::kGroupSpare, "group_spare"}, {DiskBit::kUnavailable, "unavailable"},
+};
+static_assert(IsTableOfBits(kDiskBits));
+
+/// The one word for a disk's state. The first row whose bits are all set is it.
+struct DiskWord {
+    HX_U8 bits;
+    std::string_view name;
+};
+inline constexpr DiskWord kDiskWords[] = {
+    {DiskBit::kFailed, "failed"},
+    {DiskBit::kForeign, "foreign"},
+    {DiskBit::kUnavailable | DiskBit::kOnline, "offline"},
+    {DiskBit::kUnavailable, "missing"},
+    {DiskBit::kRebuilding, "rebuilding"},
+    {DiskBit::kGlobalSpare, "global_spare"},
+    {DiskBit::kGroupSpare, "group_spare"},
+    {DiskBit::kConfigured, "configured"},
+    {0, "free"},
+};
+constexpr std::string_view DiskWordOf(std::uint64_t status) {
+    const DiskWord* word = kDiskWords;
+    while ((status & word->bits) != word->bits) ++word;  // the last row's bits are always set
+    return word->name;
+}
+static_assert(kDiskWords[std::size(kDiskWords) - 1].bits == 0);
+
+/// What a disk can do, as bits: FeatureSupport of HD_Info.
+struct DiskFeature {
+    enum Code : HX_U32 {
+        kSmart = 0x01,
+        kWriteCache = 0x02,
+        kQueueing = 0x04,
+    };
+};
+inline constexpr Named kDiskFeatureBits[] = {
+    {DiskFeature::kSmart, "smart"},
+    {DiskFeature::kWriteCache, "write_cache"},
+    {DiskFeature::kQueueing, "queueing"},
+};
+static_assert(IsTableOfBits(kDiskFeatureBits));
+
+/// What a disk is to become: Action of HX_PD_SetHDStatus.
+struct DiskAction {
+    enum Code : HX_U8 {
+        kOnline = 1,
+        kOffline = 2,
+        kFree = 3,  // takes a failed or foreign disk's configuration off
+    };
+};
+inline constexpr Named kDiskActionNames[] = {
+    {DiskAction::kOnline, "online"},
+    {DiskAction::kOffline, "offline"},
+    {DiskAction::kFree, "free"},
+};
+static_assert(IsTable(kDiskActionNames));
+
+/// Why sectors have been remapped: flag of RCT_Record.
+struct RemapReason {
+    enum Code : HX_U8 {
+        kReadError = 1,
+        kWriteError = 2,
+    };
+};
+inline constexpr Named kRemapReasonNames[] = {
+    {RemapReason::kReadError, "read_error"},
+    {RemapReason::kWriteError, "write_error"},
+};
+static_assert(IsTable(kRemapReasonNames));
+
+}  // namespace hxcodes

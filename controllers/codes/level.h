@@ -1,0 +1,107 @@
+// RAID levels: what each is made of, and how much of its disks holds data.
+#pragma once
+
+#include "codes/named.h"
+
+namespace hxcodes {
+
+/// RaidMode. The codes are the interface's.
+struct Level {
+    enum Code : HX_U8 {
+        kRaid0 = 0x00,
+        kRaid1 = 0x01,
+        kRaid5 = 0x05,
+        kRaid6 = 0x06,
+        kRaid10 = 0x10,
+        kRaid1E = 0x11,
+        kRaid50 = 0x50,
+        kRaid60 = 0x60,
+    };
+};
+
+/// How many disks make a leg, besides the fewest and the most.
+enum class Disks : HX_U8 { kAny, kEven, kOdd };
+
+/// Which disks make up for each other's loss.
+enum class Spread : HX_U8 {
+    kLegs,   // all disks of a leg, by parity; none where the level has no parity
+    kPairs,  // two disks that hold the same
+    kRing,   // neighbours: each disk shares a copy with the next one
+};
+
+struct LevelRow {
+    Level::Code code;
+    std::string_view name;
+    std::string_view number;  // as people say it: "RAID 1E"
+    HX_U16 mode;              // its bit in LogicalDriverMode of Adapter_Info
+    HX_U8 leg_least;          // the fewest disks of a leg; of the whole where there are no legs
+    HX_U8 leg_most;           // the most; 0: no limit
+    Disks leg_disks;
+    HX_U8 copies;      // disks that hold the same
+    HX_U8 leg_parity;  // disks of each leg that hold parity
+    Spread spread;
+    bool legs;  // is made of legs, two where the caller names no number
+};
+inline constexpr LevelRow kLevels[] = {
+    // disks of a leg: least, most, which; copies, parity
+    {Level::kRaid0, "raid0", "0", 0x0001, 1, 0, Disks::kAny, 1, 0, Spread::kLegs, false},
+    {Level::kRaid1, "raid1", "1", 0x0002, 2, 2, Disks::kAny, 2, 0, Spread::kPairs, false},
+    {Level::kRaid5, "raid5", "5", 0x0010, 3, 0, Disks::kAny, 1, 1, Spread::kLegs, false},
+    // Of three disks, one of data is enough to ask for.
+    {Level::kRaid6, "raid6", "6", 0x0020, 3, 0, Disks::kAny, 1, 2, Spread::kLegs, false},
+    {Level::kRaid10, "raid10", "10", 0x0004, 4, 0, Disks::kEven, 2, 0, Spread::kPairs, false},
+    {Level::kRaid1E, "raid1e", "1e", 0x0008, 3, 0, Disks::kOdd, 2, 0, Spread::kRing, false},
+    {Level::kRaid50, "raid50", "50", 0x0040, 3, 0, Disks::kAny, 1, 1, Spread::kLegs, true},
+    {Level::kRaid60, "raid60", "60", 0x0100, 3, 0, Disks::kAny, 1, 2, Spread::kLegs, true},
+};
+static_assert(IsTable(kLevels));
+
+inline constexpr auto kLevelNames = NamesOf(kLevels);
+
+/// LogicalDriverMode of Adapter_Info, bit by bit.
+inline constexpr auto kLevelBits = NamesBy<kLevels, &LevelRow::mode>();
+static_assert(IsTableOfBits(kLevelBits));
+
+/// How many disks each leg, pair or pair of neighbours can lose.
+constexpr unsigned RedundancyOf(const LevelRow& level) {
+    return level.copies - 1U + level.leg_parity;
+}
+
+/// The number of legs: 1 where the level has none, whatever is asked for.
+constexpr unsigned LegsOf(const LevelRow& level, unsigned asked) {
+    if (!level.legs) return 1;
+    return asked == 0 ? 2 : asked;
+}
+
+/// Whether the level can be made of so many disks in so many legs.
+constexpr bool CanBeMade(const LevelRow& level, unsigned disks, unsigned asked_legs) {
+    const unsigned legs = LegsOf(level, asked_legs);
+    if (level.legs && legs < 2) return false;
+    if (disks % legs != 0) return false;
+    const unsigned leg = disks / legs;
+    if (leg < level.leg_least || (level.leg_most != 0 && leg > level.leg_most)) return false;
+    if (level.leg_disks == Disks::kAny) return true;
+    return (leg % 2 == 0) == (level.leg_disks == Disks::kEven);
+}
+
+/// How many disks' worth of parity a sound virtual disk or disk group holds.
+constexpr unsigned ParityDisks(const LevelRow& level, unsigned asked_legs) {
+    return LegsOf(level, asked_legs) * level.leg_parity;
+}
+
+consteval bool AreConsistent() {
+    for (const LevelRow& level : kLevels) {
+        const bool has_copies = level.spread != Spread::kLegs;
+        if (has_copies != (level.copies == 2) || level.copies > 2) return false;
+        if (has_copies && level.leg_parity != 0) return false;
+        if (level.leg_least <= level.leg_parity || level.leg_least % level.copies != 0) {
+            if (level.spread != Spread::kRing) return false;
+        }
+        if (level.leg_most != 0 && level.leg_most < level.leg_least) return false;
+        if (level.name.substr(4) != level.number) return false;
+    }
+    return true;
+}
+static_assert(AreConsistent(), "disks suffice for copies and parity; names are raid and a number");
+
+}  // namespace hxcodes

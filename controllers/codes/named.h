@@ -1,0 +1,152 @@
+// What every table of codes is made of: rows of a code and its name, and what must hold of them.
+//
+// The codes are those of our own controllers. Another controller's may differ, so a program shows
+// the number beside the name, and the number alone where no name is known. Rows stand in the order
+// of their codes. A name is lower case with underscores, fit for scripts, and never changes.
+#pragma once
+
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <stdexcept>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+#include "hxraid.h"
+
+namespace hxcodes {
+
+template <class Code>
+concept CodeEnum = std::is_enum_v<Code>;
+
+/// The number of a code, as a record has it.
+template <CodeEnum Code>
+constexpr auto NumberOf(Code code) {
+    return static_cast<std::underlying_type_t<Code>>(code);
+}
+constexpr HX_U32 NumberOf(HX_U32 code) { return code; }
+
+/// A code and its name. Tables whose rows hold more give theirs by NamesOf.
+struct Named {
+    HX_U32 code;
+    std::string_view name;
+
+    constexpr Named(HX_U32 number, std::string_view text) : code(number), name(text) {}
+    template <CodeEnum Code>
+    constexpr Named(Code number, std::string_view text) : code(NumberOf(number)), name(text) {}
+};
+
+/// The codes and names of rows that hold more.
+template <class Row, std::size_t n>
+constexpr std::array<Named, n> NamesOf(const Row (&rows)[n]) {
+    return [&]<std::size_t... i>(std::index_sequence<i...>) {
+        return std::array<Named, n>{Named(rows[i].code, rows[i].name)...};
+    }
+    (std::make_index_sequence<n>());
+}
+
+/// The names of `rows` by another number of theirs, in its order, without rows where it is 0.
+template <const auto& rows, auto number>
+consteval auto NamesBy() {
+    constexpr auto count = [] {
+        std::size_t with = 0;
+        for (const auto& row : rows) with += row.*number != 0 ? 1U : 0U;
+        return with;
+    };
+    const auto next = [](HX_U32 after) {
+        const auto* least = std::data(rows);
+        HX_U32 best = UINT32_MAX;
+        for (const auto& row : rows) {
+            if (row.*number <= after || row.*number > best) continue;
+            best = row.*number;
+            least = &row;
+        }
+        return Named(best, least->name);
+    };
+    HX_U32 last = 0;
+    const auto take = [&](std::size_t) {
+        const Named row = next(last);
+        last = row.code;
+        return row;
+    };
+    return [&]<std::size_t... i>(std::index_sequence<i...>) {
+        return std::array<Named, sizeof...(i)>{take(i)...};
+    }
+    (std::make_index_sequence<count()>());
+}
+
+/// The row of a number; null when no row has it.
+template <class Rows>
+constexpr auto FindCode(const Rows& rows, std::uint64_t number) -> decltype(std::data(rows)) {
+    for (const auto& row : rows) {
+        if (NumberOf(row.code) == number) return &row;
+    }
+    return nullptr;
+}
+
+/// The row of a name; null when no row is called so.
+template <class Rows>
+constexpr auto FindName(const Rows& rows, std::string_view name) -> decltype(std::data(rows)) {
+    for (const auto& row : rows) {
+        if (row.name == name) return &row;
+    }
+    return nullptr;
+}
+
+/// The name of a number; empty when it has none.
+template <class Rows>
+constexpr std::string_view NameOf(const Rows& rows, std::uint64_t number) {
+    const auto* const row = FindCode(rows, number);
+    return row == nullptr ? std::string_view() : row->name;
+}
+
+/// The row of a code; every code has one. Throws std::out_of_range for a number that is no code.
+template <CodeEnum Code, class Row, std::size_t n>
+constexpr const Row& RowOf(const Row (&rows)[n], Code code) {
+    for (const Row& row : rows) {
+        if (row.code == code) return row;
+    }
+    throw std::out_of_range("a number that is no code");
+}
+
+constexpr bool IsFitForScripts(std::string_view name) {
+    for (const char each : name) {
+        const bool fits = (each >= 'a' && each <= 'z') || (each >= '0' && each <= '9') ||
+                          each == '_' || each == '.';
+        if (!fits) return false;
+    }
+    return !name.empty();
+}
+
+/// Whether the codes ascend, and so none comes twice.
+template <class Rows>
+consteval bool Ascends(const Rows& rows) {
+    for (std::size_t i = 1; i < std::size(rows); ++i) {
+        if (NumberOf(rows[i - 1].code) >= NumberOf(rows[i].code)) return false;
+    }
+    return true;
+}
+
+/// Whether the rows make a table: codes ascend, and every name is fit for scripts and no other's.
+template <class Rows>
+consteval bool IsTable(const Rows& rows) {
+    for (const auto& row : rows) {
+        if (!IsFitForScripts(row.name) || FindName(rows, row.name) != &row) return false;
+    }
+    return Ascends(rows);
+}
+
+/// The same of a table of bits: each code is a bit of its own.
+template <class Rows>
+consteval bool IsTableOfBits(const Rows& rows) {
+    for (const auto& row : rows) {
+        const auto number = NumberOf(row.code);
+        if (number == 0 || (number & (number - 1)) != 0) return false;
+    }
+    return IsTable(rows);
+}
+
+}  // namespace hxcodes

@@ -1,0 +1,54 @@
+// Virtual disks: what their blocks are for, their cache, and how their size is rounded.
+#pragma once
+
+#include "codes/named.h"
+
+namespace hxcodes {
+
+/// What a block is there for, as bits: Flags of Block_Info.
+struct BlockBit {
+    enum Code : HX_U16 {
+        kUsed = 0x0001,     // by its virtual disk
+        kOfGroup = 0x0002,  // it lies on a disk of a disk group
+        kTarget = 0x0004,   // a migration or a copyback writes it
+    };
+};
+inline constexpr Named kBlockBits[] = {
+    {BlockBit::kUsed, "used"},
+    {BlockBit::kOfGroup, "of_group"},
+    {BlockBit::kTarget, "target"},
+};
+static_assert(IsTableOfBits(kBlockBits));
+
+/// The cache of a virtual disk, as bits: CacheMode and CachePolicy.
+struct CacheBit {
+    enum Code : HX_U8 {
+        kWriteBack = 0x01,  // else write-through
+        kReadAhead = 0x04,
+        kForcedWriteThrough =
+            0x80,  // the battery does not allow write-back; a caller cannot set it
+    };
+};
+inline constexpr Named kCacheBits[] = {
+    {CacheBit::kWriteBack, "write_back"},
+    {CacheBit::kReadAhead, "read_ahead"},
+    {CacheBit::kForcedWriteThrough, "forced_write_through"},
+};
+static_assert(IsTableOfBits(kCacheBits));
+
+/// How the size of a virtual disk is rounded down: RoundingScheme.
+struct Rounding {
+    enum Code : HX_U8 {
+        kToStripe = 0,  // to whole stripes, as every size is
+        kTo1GiB = 1,
+        kTo10GiB = 2,
+    };
+};
+inline constexpr Named kRoundingNames[] = {
+    {Rounding::kToStripe, "stripe"},
+    {Rounding::kTo1GiB, "1_gib"},
+    {Rounding::kTo10GiB, "10_gib"},
+};
+static_assert(IsTable(kRoundingNames));
+
+}  // namespace hxcodes
