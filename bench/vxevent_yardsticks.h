@@ -8,6 +8,7 @@
 
 #include "hxraid.h"
 #include "vxevent.h"
+#include "vxevent_text.h"
 
 namespace yardstick {
 

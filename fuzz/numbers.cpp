@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string>
 
-#include "XMLWriter.h"
+#include "XMLWriter_scan.h"
 #include "targets.h"
 
 namespace {

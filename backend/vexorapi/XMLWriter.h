@@ -1,5 +1,4 @@
-// The document writer that every result goes through, and the scanner that reads numbers out of
-// character data.
+// The document writer that every result goes through.
 #pragma once
 
 #include <cstddef>
@@ -75,18 +74,3 @@ int XMLWR_ElmtEnd(XMLWR_Doc* Doc, HX_U16 Flags, const char* Name);
 /// Returns the number of bytes copied before the NUL. A document that is empty, or longer than
 /// `TgtSize`, leaves the empty string and returns 0: the count must never wrap or pass the target.
 std::uint32_t XMLWR_StrCpy(const XMLWR_Doc* Doc, char* TgtBuf, std::uint32_t TgtSize);
-
-/// Reads the next decimal number at the cursor `*str` and moves the cursor behind it.
-///
-/// Everything but digits separates numbers, signs included. `DataWidth` is 8, 16, 32 or 64 bits;
-/// a wider value is cut to its low bits, after a text that passes 32 bits (64 for width 64) has
-/// been taken as all ones. Returns -1 when no number is left (the target is then unchanged), else
-/// the number of characters passed, less one when the number ends the text. Any other width returns
-/// -1.
-int XMLWR_CharDataToDec(const char** str, void* tmp, int DataWidth);
-
-/// XMLWR_CharDataToDec with width 32.
-int XMLWR_CharDataToDec32(const char** str, HX_U32* tmp32);
-
-/// XMLWR_CharDataToDec with width 64.
-int XMLWR_CharDataToDec64(const char** str, HX_U64* tmp);

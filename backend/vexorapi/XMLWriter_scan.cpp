@@ -1,7 +1,9 @@
 // The number scanner: decimal numbers out of character data, one a call.
+#include "XMLWriter_scan.h"
+
+#include <cstdint>
 #include <cstring>
 
-#include "XMLWriter.h"
 #include "vx_dbg.h"
 
 namespace {

@@ -1,5 +1,5 @@
-// The parse context of a command, what every expat run of the library has in common (path, text,
-// limits), and the helpers over expat's attribute list.
+// The parse context of a command, the bookkeeping of path and text that it shares with the parse of
+// the configuration file, and the helpers over expat's attribute list.
 #pragma once
 
 #include <expat.h>
@@ -9,21 +9,9 @@
 #include <cstring>
 
 #include "hxraid.h"
+#include "vexorapi_expat.h"
+#include "vexorapi_limits.h"
 #include "vx_dbg.h"
-
-inline constexpr std::size_t kPathSize = 2048;  // DirName, its NUL included
-inline constexpr std::size_t kTextSize = 2048;  // CharDataBuf, its NUL included
-
-// A document type may declare this many items (entities, elements, attribute lists, notations).
-// Chains of thousands of entities overflow the stack of older expats.
-inline constexpr std::uint32_t kMaxDeclarations = 256;
-
-/// Watches over one expat run.
-struct ParseGuard {
-    XML_Parser parser;           // the run's parser
-    std::uint32_t declarations;  // seen so far
-    bool secret;                 // the text holds a password: no copy of it may stay in memory
-};
 
 /// What a function needs of its record: how much is allocated, and how much of that is filled with
 /// zeros, so that no request pays for the largest function's record; and whether it takes a
@@ -61,59 +49,6 @@ int StrCmpXMLAtts(const char* name, const char* value, const char** atts);
 
 /// Writes the attribute list to the debug log.
 void PrintXMLAtts(const char** atts);
-
-/// The callbacks of one expat run.
-struct ParseHandlers {
-    XML_StartElementHandler start;
-    XML_EndElementHandler end;
-    XML_CharacterDataHandler text;
-    XML_StartDoctypeDeclHandler doctype;
-};
-
-/// Parses `length` bytes as a whole document with `context` as the handlers' user data.
-///
-/// Returns 1, or 0 when the text is not well-formed, declares too much, is longer than expat takes
-/// or no parser can be made. An error that expat found is told in the debug log. The copies that
-/// expat made of a secret text are wiped, and so are those of a text that is not well-formed, which
-/// can be a secret one whose function was not reached.
-int RunExpat(const char* text, std::size_t length, void* context, ParseGuard& guard,
-             const ParseHandlers& handlers);
-
-/// The document-type callbacks of a run whose user data is a `Context` with a member `Guard`.
-template <class Context>
-struct DeclarationWatch {
-    static void XMLCALL Doctype(void* context, const XML_Char*, const XML_Char*, const XML_Char*,
-                                int) {
-        const XML_Parser parser = static_cast<Context*>(context)->Guard.parser;
-        XML_SetEntityDeclHandler(parser, Entity);
-        XML_SetElementDeclHandler(parser, Element);
-        XML_SetAttlistDeclHandler(parser, Attlist);
-        XML_SetNotationDeclHandler(parser, Notation);
-    }
-
-private:
-    static void Count(void* context) {
-        ParseGuard& guard = static_cast<Context*>(context)->Guard;
-        if (++guard.declarations > kMaxDeclarations) XML_StopParser(guard.parser, XML_FALSE);
-    }
-    static void XMLCALL Entity(void* context, const XML_Char*, int, const XML_Char*, int,
-                               const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
-        Count(context);
-    }
-    static void XMLCALL Element(void* context, const XML_Char*, XML_Content* model) {
-        // The content model is ours to free, with expat's own function.
-        XML_FreeContentModel(static_cast<Context*>(context)->Guard.parser, model);
-        Count(context);
-    }
-    static void XMLCALL Attlist(void* context, const XML_Char*, const XML_Char*, const XML_Char*,
-                                const XML_Char*, int) {
-        Count(context);
-    }
-    static void XMLCALL Notation(void* context, const XML_Char*, const XML_Char*, const XML_Char*,
-                                 const XML_Char*) {
-        Count(context);
-    }
-};
 
 // The bookkeeping that commands and the configuration file share. `Context` is XMLElement or a
 // record with the same members for depth, path and text.

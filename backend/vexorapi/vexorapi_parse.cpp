@@ -8,9 +8,6 @@
 
 namespace {
 
-// Handlers run for the root and for this many levels below it.
-constexpr std::int32_t kHandledLevels = 3;
-
 void ClearHandlers(XMLElement& elmt) {
     elmt.StartHandler = nullptr;
     elmt.EndHandler = nullptr;

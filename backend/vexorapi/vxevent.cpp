@@ -1,4 +1,4 @@
-// The event store's state and semaphore, and what runs under it: the collection of events from the
+// The event store's semaphore, and what runs under it: the collection of events from the
 // controllers, and the queries.
 #include "vxevent.h"
 
@@ -8,17 +8,6 @@
 #include <iterator>
 
 #include "vx_dbg.h"
-
-constinit VX_EventExt g_VX_EventExt{.EvLogHeader = {},
-                                    .HXChangeCounters = {},
-                                    .Flags = 0,
-                                    .Sem_RWFile = -1,
-                                    .Filename = {},
-                                    .fileEv = -1,
-                                    .EvSeqNo = {},
-                                    .SeqNoFilename = {},
-                                    .fileSeqNo = -1,
-                                    .EvLogCfg = {}};
 
 namespace {
 

@@ -1,5 +1,7 @@
 // The event store's two files: opened, created, read and written by descriptor, and the arithmetic
 // of the ring between them. What a file says is never trusted: another process writes it unlocked.
+#include "vxevent_file.h"
+
 #include <fcntl.h>
 #include <sys/types.h>
 #include <unistd.h>
@@ -11,10 +13,21 @@
 #include <utility>
 
 #include "descriptor.h"
-#include "vxevent.h"
+#include "vxevent_text.h"
 
 static_assert(std::endian::native == std::endian::little, "the files are little-endian");
 static_assert(sizeof(off_t) == 8, "a ring of 2^32 slots passes 2 GiB by far");
+
+constinit VX_EventExt g_VX_EventExt{.EvLogHeader = {},
+                                    .HXChangeCounters = {},
+                                    .Flags = 0,
+                                    .Sem_RWFile = -1,
+                                    .Filename = {},
+                                    .fileEv = -1,
+                                    .EvSeqNo = {},
+                                    .SeqNoFilename = {},
+                                    .fileSeqNo = -1,
+                                    .EvLogCfg = {}};
 
 namespace {
 
@@ -23,6 +36,8 @@ constexpr char kSeqNoFile[] = "/opt/kestrel/raid/db/vx_hx_seqnum.ev";
 
 constexpr char kMagic[] = "Ombra Event File v0.1";
 static_assert(sizeof kMagic == 22, "compared and stored with its NUL");
+
+static_assert(kLongestEventText <= kStoredTextSize, "no text is cut in the file");
 
 constexpr std::uint32_t kConfigLoaded = 1;  // bit of VX_EventExt::Flags
 constexpr HX_U16 kEntryType = 0x0101;

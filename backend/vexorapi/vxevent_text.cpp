@@ -1,6 +1,8 @@
 // The text of every event: one line of time, key, severity and numbers. Each text stands whole in a
 // row, but for the activities of a virtual disk, which follow a rule; the compiler takes the rows
 // apart into templates, so that rendering copies pieces of fixed size and reads no format.
+#include "vxevent_text.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -13,7 +15,6 @@
 #include <string_view>
 
 #include "XMLWriter_digits.h"
-#include "vxevent.h"
 
 // Never defined: a row that comes to call one of these does not compile, and the compiler's message
 // names the reason.

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdlib>
 
+#include "XMLWriter_scan.h"
 #include "vx_dbg.h"
 #include "xml_rapi.h"
 #include "xml_rapi_records.h"

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "XMLWriter_scan.h"
 #include "vexorapi_version.h"
 #include "vx_dbg.h"
 #include "xml_rapi.h"

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "vxevent.h"
+#include "vxevent_text.h"
 #include "xml_rapi_rows.h"
 #include "xml_vxapi.h"
 

@@ -11,7 +11,7 @@
 #include "rules/hxsim_battery.h"
 #include "rules/hxsim_event_kinds.h"
 #include "scenario.h"
-#include "vxevent.h"
+#include "vxevent_text.h"
 #include "words.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "XMLWriter.h"
+#include "XMLWriter_scan.h"
 #include "debug_log.h"
 #include "support/temporary_root.h"
 

@@ -10,7 +10,7 @@
 #include <set>
 #include <string>
 
-#include "vxevent.h"
+#include "vxevent_text.h"
 
 namespace {
 

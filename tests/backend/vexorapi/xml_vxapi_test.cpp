@@ -16,6 +16,7 @@
 #include "vexorapi_version.h"
 #include "vxevent_golden.h"
 #include "vxevent_store.h"
+#include "vxevent_text.h"
 
 namespace {
 
