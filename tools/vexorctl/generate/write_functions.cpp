@@ -26,7 +26,8 @@ int main() {
     std::vector<FunctionText> functions = DescribeFunctions();
     for (FunctionText& function : DescribeManagement()) functions.push_back(std::move(function));
     std::puts(
-        "#include \"generate/functions.h\"\n\nnamespace {\n\nusing enum FieldRow::Kind;\n\n"
+        "#include \"model/library_functions.h\"\n\nnamespace vexorctl {\n\nnamespace {\n\nusing "
+        "enum FieldRow::Kind;\n\n"
         "constexpr FieldRow kFields[] = {");
     for (const FunctionText& function : functions) {
         for (const Child& child : function.children) {
@@ -49,6 +50,6 @@ int main() {
         "        if (row.name == name) return &row;\n"
         "    }\n"
         "    return nullptr;\n"
-        "}");
+        "}\n\n}  // namespace vexorctl");
     return std::fflush(stdout) == 0 ? 0 : 1;
 }

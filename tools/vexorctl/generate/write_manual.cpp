@@ -8,10 +8,15 @@
 #include <map>
 #include <string>
 
-#include "generate/functions.h"
-#include "output/output_json.h"
-#include "shell/command.h"
+#include "generate/json_schema.h"
+#include "model/exit_code.h"
+#include "model/library_functions.h"
+#include "nouns/nouns.h"
+#include "output/cell.h"
+#include "shell/command_rows.h"
 #include "shell/help.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -92,7 +97,8 @@ bool WriteFile(const std::string& path, const std::string& text) {
 }
 
 bool WritePages(const std::string& folder) {
-    std::string nouns = ".SH DESCRIPTION\n.nf\n" + Roff(ProgramHelp()) + ".fi\n.SH SEE ALSO\n";
+    std::string nouns =
+        ".SH DESCRIPTION\n.nf\n" + Roff(ProgramHelp(Nouns())) + ".fi\n.SH SEE ALSO\n";
     bool written = true;
     for (const NounRow& noun : Nouns()) {
         const std::string title = "vexorctl-" + std::string(noun.name);
@@ -111,14 +117,16 @@ bool WritePages(const std::string& folder) {
 
 }  // namespace
 
+}  // namespace vexorctl
+
 int main(int argc, char** argv) {
     const std::string what = argc > 1 ? argv[1] : "";
     if (what == "schema" && argc == 2) {
-        std::puts(JsonSchema().c_str());
+        std::puts(vexorctl::JsonSchema(vexorctl::Nouns()).c_str());
     } else if (what == "functions" && argc == 2) {
-        std::fputs(FunctionTable().c_str(), stdout);
+        std::fputs(vexorctl::FunctionTable().c_str(), stdout);
     } else if (what == "man" && argc == 3) {
-        if (!WritePages(argv[2])) return 1;
+        if (!vexorctl::WritePages(argv[2])) return 1;
     } else {
         std::fputs("usage: write_manual schema | functions | man FOLDER\n", stderr);
         return 2;

@@ -4,6 +4,8 @@
 
 #include "model/failure.h"
 
+namespace vexorctl {
+
 namespace {
 
 struct Segment {
@@ -86,3 +88,5 @@ Selector ParseSelector(std::string_view text) {
     }
     return selector;
 }
+
+}  // namespace vexorctl

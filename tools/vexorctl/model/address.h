@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+namespace vexorctl {
+
 enum class ObjectKind { kAdapter, kDisk, kVirtualDisk, kDiskGroup, kEnclosure, kElement };
 
 struct Address {
@@ -31,3 +33,5 @@ struct Selector {
 
 /// Throws UsageError, with the grammar, for what is none.
 Selector ParseSelector(std::string_view text);
+
+}  // namespace vexorctl

@@ -6,6 +6,8 @@
 #include <ctime>
 #include <string>
 
+namespace vexorctl {
+
 namespace {
 
 struct Unit {
@@ -80,3 +82,5 @@ std::optional<std::uint64_t> ParseSize(std::string_view text) {
     }
     return std::nullopt;
 }
+
+}  // namespace vexorctl

@@ -2,6 +2,8 @@
 
 #include <iterator>
 
+namespace vexorctl {
+
 namespace {
 
 struct Row {
@@ -235,3 +237,5 @@ std::string FillEventPhrase(std::string_view phrase, const std::string& object,
     }
     return text;
 }
+
+}  // namespace vexorctl

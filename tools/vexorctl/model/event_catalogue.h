@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+namespace vexorctl {
+
 struct EventPhrase {
     std::string key;
     std::string phrase;  // with the places {object}, {1}, {2}, ... where its values go
@@ -20,3 +22,5 @@ std::string FindEventPhrase(std::string_view key);
 /// {1} on.
 std::string FillEventPhrase(std::string_view phrase, const std::string& object,
                             const std::vector<std::string>& values);
+
+}  // namespace vexorctl

@@ -4,7 +4,11 @@
 
 #include "model/address.h"
 #include "model/event_catalogue.h"
+#include "model/exit_code.h"
 #include "model/failure.h"
+#include "model/result_tree.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -144,3 +148,5 @@ std::vector<StoredEvent> ReadEvents(Controller& controller, std::uint64_t first,
     }
     return events;
 }
+
+}  // namespace vexorctl

@@ -5,7 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "model/controller.h"
+#include "model/ask_controller.h"
+#include "model/result_tree.h"
+
+namespace vexorctl {
 
 struct StoredEvent {
     std::uint64_t sequence = 0;
@@ -36,3 +39,5 @@ std::vector<StoredEvent> ReadEvents(Controller& controller, std::uint64_t first,
 
 /// How many events are asked for at once to begin with. A result holds about a thousand.
 inline constexpr std::uint64_t kEventsPerPage = 2000;
+
+}  // namespace vexorctl

@@ -5,6 +5,8 @@
 #include <iterator>
 #include <string>
 
+namespace vexorctl {
+
 // In the order of seriousness, not of the numbers: the earlier a command failed on its way to the
 // controller, the more serious the failure.
 enum class Exit {
@@ -58,3 +60,5 @@ inline std::string ExitCodeHelp() {
     }
     return text + "\n";
 }
+
+}  // namespace vexorctl

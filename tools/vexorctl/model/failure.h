@@ -7,10 +7,13 @@
 #include <utility>
 
 #include "model/exit_code.h"
-#include "output/cell.h"
+#include "model/fault.h"
 
-/// The command line is no use as it stands. `hint` tells where to look: "vexorctl disk list
-/// --help".
+namespace vexorctl {
+
+/// The command line cannot be used as it was typed; what() says why. RunCommandLine adds where to
+/// look:
+/// "(see vexorctl disk list --help)".
 struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
@@ -22,3 +25,5 @@ struct Failure : std::runtime_error {
     Exit exit;
     Fault fault;
 };
+
+}  // namespace vexorctl

@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <cstring>
 
+namespace vexorctl {
+
 namespace {
 
 constexpr std::size_t kPiece = 65536;
@@ -62,3 +64,5 @@ std::string ReadFile(const char* path, FileKind kind, std::size_t limit) {
         if (count == 0) return bytes;
     }
 }
+
+}  // namespace vexorctl

@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <string>
 
+namespace vexorctl {
+
 /// A file cannot be read; what() is the system's reason or ours.
 struct FileError : std::runtime_error {
     explicit FileError(int number);  // an errno
@@ -18,3 +20,5 @@ enum class FileKind { kAny, kRegular };
 /// will do. Opening a file that must be a regular one never waits (a FIFO would). Throws FileError,
 /// with EFBIG when the file holds more than `limit` bytes.
 std::string ReadFile(const char* path, FileKind kind, std::size_t limit);
+
+}  // namespace vexorctl

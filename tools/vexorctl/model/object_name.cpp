@@ -4,6 +4,8 @@
 
 #include "model/xml_text.h"
 
+namespace vexorctl {
+
 namespace {
 
 constexpr std::size_t kMaxName = 15;
@@ -47,3 +49,5 @@ std::string NameFault(std::string_view name, NameMarkup markup) {
     }
     return {};
 }
+
+}  // namespace vexorctl

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+namespace vexorctl {
+
 /// How the results write a name. All of them write it into a CDATA section; a disk group's settings
 /// write it bare as well, where "<" and "&" would be markup.
 enum class NameMarkup { kCData, kBare };
@@ -12,3 +14,5 @@ enum class NameMarkup { kCData, kBare };
 /// a name that is all right. A name that a result cannot carry would make every list that holds it
 /// unreadable.
 std::string NameFault(std::string_view name, NameMarkup markup);
+
+}  // namespace vexorctl

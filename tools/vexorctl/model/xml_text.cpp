@@ -8,6 +8,8 @@
 #include <new>
 #include <type_traits>
 
+namespace vexorctl {
+
 namespace {
 
 using Parser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)>;
@@ -215,3 +217,5 @@ std::vector<std::pair<std::string, std::string>> XmlAttributes(std::string_view 
     if (collector.out_of_memory) throw std::bad_alloc();
     return std::move(collector.attributes);
 }
+
+}  // namespace vexorctl

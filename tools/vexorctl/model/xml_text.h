@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+namespace vexorctl {
+
 // The library stops a command with more declarations than this in its document type: chains of
 // entities could overflow the stack of older parsers. It stops at the same place here.
 inline constexpr unsigned kMaxDeclarations = 256;
@@ -50,3 +52,5 @@ std::string XmlSafe(std::string_view text);
 /// The attributes of the root's children, but for "type", as ELEMENT.ATTRIBUTE with their values,
 /// in order. The text must be well-formed, or empty. Throws std::bad_alloc.
 std::vector<std::pair<std::string, std::string>> XmlAttributes(std::string_view text);
+
+}  // namespace vexorctl

@@ -4,12 +4,23 @@
 #include <utility>
 
 #include "codes/hxraid_codes.h"
+#include "model/adapters.h"
+#include "model/address.h"
+#include "model/ask_controller.h"
+#include "model/exit_code.h"
 #include "model/failure.h"
-#include "model/objects.h"
-#include "model/target.h"
-#include "nouns/change.h"
-#include "output/output.h"
-#include "shell/command.h"
+#include "model/result_tree.h"
+#include "nouns/find_object.h"
+#include "nouns/nouns.h"
+#include "nouns/plan_and_act.h"
+#include "output/cell.h"
+#include "output/record_cells.h"
+#include "output/report.h"
+#include "shell/command_rows.h"
+#include "shell/invocation.h"
+#include "shell/present.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -299,22 +310,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::vector<Adapter> LoadAdapters(Controller& controller) {
-    std::vector<Adapter> adapters;
-    for (const unsigned number : controller.Selected()) {
-        Adapter adapter{{.adapter = number}, {}, {}};
-        const std::string address = adapter.address.Text();
-        const Fields fields{{"AdapterID", std::to_string(number)}};
-        const std::optional<Value> info = controller.Get(address, {"HX_Adapter_GetInfo", fields});
-        if (!info) continue;
-        if (const Value* const record = info->Find("AdapterInfo")) adapter.info = *record;
-        const auto config = controller.Get(address, {"HX_Adapter_GetConfig", fields});
-        if (config && config->Find("AdapterInfo") != nullptr) {
-            adapter.config = *config->Find("AdapterInfo");
-        }
-        adapters.push_back(std::move(adapter));
-    }
-    return adapters;
-}
-
 std::span<const CommandRow> AdapterCommands() { return kCommands; }
+
+}  // namespace vexorctl

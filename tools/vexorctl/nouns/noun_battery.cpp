@@ -2,12 +2,22 @@
 #include <utility>
 
 #include "codes/hxraid_codes.h"
+#include "model/address.h"
+#include "model/batteries.h"
+#include "model/exit_code.h"
 #include "model/failure.h"
-#include "model/objects.h"
-#include "model/target.h"
-#include "nouns/change.h"
-#include "output/output.h"
-#include "shell/command.h"
+#include "model/result_tree.h"
+#include "nouns/find_object.h"
+#include "nouns/nouns.h"
+#include "nouns/plan_and_act.h"
+#include "output/cell.h"
+#include "output/record_cells.h"
+#include "output/report.h"
+#include "shell/command_rows.h"
+#include "shell/invocation.h"
+#include "shell/present.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -232,16 +242,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::vector<Battery> LoadBatteries(Controller& controller) {
-    std::vector<Battery> batteries;
-    for (const unsigned adapter : controller.Selected()) {
-        const Address address{.adapter = adapter};
-        const auto result = controller.Get(
-            address.Text(), {"HX_BBU_GetInfo", {{"AdapterID", std::to_string(adapter)}}});
-        if (!result || result->Find("BBU_Info") == nullptr) continue;
-        batteries.push_back({address, *result->Find("BBU_Info")});
-    }
-    return batteries;
-}
-
 std::span<const CommandRow> BatteryCommands() { return kCommands; }
+
+}  // namespace vexorctl

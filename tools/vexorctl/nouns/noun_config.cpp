@@ -2,10 +2,18 @@
 #include <algorithm>
 #include <utility>
 
-#include "model/objects.h"
-#include "model/session.h"
-#include "output/output.h"
-#include "shell/command.h"
+#include "model/ask_controller.h"
+#include "model/exit_code.h"
+#include "model/library_session.h"
+#include "nouns/nouns.h"
+#include "output/cell.h"
+#include "output/record_cells.h"
+#include "output/report.h"
+#include "shell/command_rows.h"
+#include "shell/invocation.h"
+#include "shell/present.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -93,3 +101,5 @@ constexpr CommandRow kCommands[] = {
 }  // namespace
 
 std::span<const CommandRow> ConfigCommands() { return kCommands; }
+
+}  // namespace vexorctl

@@ -1,9 +1,15 @@
 // vexorctl counters ...
 #include <utility>
 
-#include "model/objects.h"
-#include "output/output.h"
-#include "shell/command.h"
+#include "model/exit_code.h"
+#include "nouns/nouns.h"
+#include "output/cell.h"
+#include "output/report.h"
+#include "shell/command_rows.h"
+#include "shell/invocation.h"
+#include "shell/present.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -58,3 +64,5 @@ constexpr CommandRow kCommands[] = {
 }  // namespace
 
 std::span<const CommandRow> CountersCommands() { return kCommands; }
+
+}  // namespace vexorctl

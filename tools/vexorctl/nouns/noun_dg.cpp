@@ -4,13 +4,29 @@
 #include <utility>
 
 #include "codes/hxraid_codes.h"
+#include "model/address.h"
+#include "model/ask_controller.h"
+#include "model/disk_groups.h"
+#include "model/disks.h"
+#include "model/exit_code.h"
 #include "model/failure.h"
-#include "model/objects.h"
-#include "model/target.h"
-#include "nouns/change.h"
-#include "nouns/creation.h"
-#include "output/output.h"
-#include "shell/command.h"
+#include "model/object_name.h"
+#include "model/result_tree.h"
+#include "model/virtual_disks.h"
+#include "nouns/choose_disks.h"
+#include "nouns/creation_options.h"
+#include "nouns/find_object.h"
+#include "nouns/nouns.h"
+#include "nouns/plan_and_act.h"
+#include "output/cell.h"
+#include "output/cell_text.h"
+#include "output/record_cells.h"
+#include "output/report.h"
+#include "shell/command_rows.h"
+#include "shell/invocation.h"
+#include "shell/present.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -395,28 +411,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::vector<DiskGroup> LoadDiskGroups(Controller& controller) {
-    std::vector<DiskGroup> groups;
-    for (const unsigned adapter : controller.Selected()) {
-        std::vector<Value> infos = controller.List(adapter, {"HX_DG_GetInfo", "DG_Info", "DGID"});
-        if (infos.empty()) continue;
-        std::map<std::uint64_t, Value> configs;
-        for (Value& config : controller.List(adapter, {"HX_DG_GetConfig", "DG_Config", "DGID"})) {
-            const std::uint64_t id = config.Number("DGID");
-            configs.insert_or_assign(id, std::move(config));
-        }
-        for (Value& info : infos) {
-            const std::uint64_t id = info.Number("DGID");
-            DiskGroup group;
-            group.address = {.adapter = adapter,
-                             .kind = ObjectKind::kDiskGroup,
-                             .id = static_cast<unsigned>(id)};
-            group.info = std::move(info);
-            group.config = std::move(configs[id]);
-            groups.push_back(std::move(group));
-        }
-    }
-    return groups;
-}
-
 std::span<const CommandRow> DiskGroupCommands() { return kCommands; }
+
+}  // namespace vexorctl

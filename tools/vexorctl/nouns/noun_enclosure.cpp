@@ -3,10 +3,20 @@
 #include <utility>
 
 #include "codes/hxraid_codes.h"
-#include "model/objects.h"
-#include "model/target.h"
-#include "output/output.h"
-#include "shell/command.h"
+#include "model/address.h"
+#include "model/ask_controller.h"
+#include "model/enclosures.h"
+#include "model/exit_code.h"
+#include "model/result_tree.h"
+#include "nouns/nouns.h"
+#include "output/cell.h"
+#include "output/record_cells.h"
+#include "output/report.h"
+#include "shell/command_rows.h"
+#include "shell/invocation.h"
+#include "shell/present.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -308,48 +318,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::vector<Enclosure> LoadEnclosures(Controller& controller) {
-    std::vector<Enclosure> enclosures;
-    for (const unsigned adapter : controller.Selected()) {
-        for (Value& info : controller.List(
-                 adapter, {"HX_ENC_GetEnclosureInfo", "Enclosure_Info", "Link/Self/DevID"})) {
-            const Address address{.adapter = adapter,
-                                  .kind = ObjectKind::kEnclosure,
-                                  .id = static_cast<unsigned>(info.Number("Link/Self/DevID"))};
-            enclosures.push_back({address, std::move(info)});
-        }
-    }
-    return enclosures;
-}
-
-std::vector<Element> LoadElements(Controller& controller) {
-    std::vector<Element> elements;
-    for (const Enclosure& enclosure : LoadEnclosures(controller)) {
-        const Fields fields{{"AdapterID", std::to_string(enclosure.address.adapter)},
-                            {"ENC_ID", std::to_string(enclosure.address.id)}};
-        const std::string address = enclosure.address.Text();
-        auto infos = controller.Get(address, {"HX_ENC_GetElementInfo", fields});
-        if (!infos) continue;
-        auto configs = controller.Get(address, {"HX_ENC_GetElementConfig", fields});
-        std::map<std::uint64_t, Value> by_element;
-        if (configs) {
-            for (Value& config : configs->children) {
-                if (config.name != "EncElement_Config") continue;
-                const std::uint64_t id = config.Number("ElementID");
-                by_element.insert_or_assign(id, std::move(config));
-            }
-        }
-        for (Value& info : infos->children) {
-            if (info.name != "EncElementType_Info") continue;
-            const std::uint64_t id = info.Number("ElementID");
-            const Address place{.adapter = enclosure.address.adapter,
-                                .kind = ObjectKind::kElement,
-                                .id = enclosure.address.id,
-                                .element = static_cast<unsigned>(id)};
-            elements.push_back({place, std::move(info), std::move(by_element[id])});
-        }
-    }
-    return elements;
-}
-
 std::span<const CommandRow> EnclosureCommands() { return kCommands; }
+
+}  // namespace vexorctl

@@ -12,17 +12,27 @@
 #include <utility>
 
 #include "codes/hxraid_codes.h"
+#include "model/ask_controller.h"
 #include "model/duration.h"
 #include "model/event_catalogue.h"
 #include "model/event_store.h"
+#include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/file.h"
-#include "model/objects.h"
-#include "nouns/change.h"
-#include "output/output.h"
+#include "model/result_tree.h"
+#include "nouns/nouns.h"
+#include "nouns/plan_and_act.h"
+#include "output/cell.h"
+#include "output/cell_text.h"
+#include "output/record_cells.h"
 #include "output/report.h"
-#include "shell/command.h"
+#include "output/streams.h"
+#include "shell/command_rows.h"
 #include "shell/interrupt.h"
+#include "shell/invocation.h"
+#include "shell/present.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -440,3 +450,5 @@ constexpr CommandRow kCommands[] = {
 }  // namespace
 
 std::span<const CommandRow> EventCommands() { return kCommands; }
+
+}  // namespace vexorctl

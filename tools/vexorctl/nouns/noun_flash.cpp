@@ -9,13 +9,24 @@
 #include <utility>
 
 #include "codes/hxraid_codes.h"
+#include "model/adapters.h"
+#include "model/address.h"
+#include "model/ask_controller.h"
+#include "model/exit_code.h"
 #include "model/failure.h"
-#include "model/objects.h"
-#include "model/target.h"
-#include "nouns/change.h"
-#include "nouns/transfer.h"
-#include "output/output.h"
-#include "shell/command.h"
+#include "model/result_tree.h"
+#include "nouns/find_object.h"
+#include "nouns/flash_progress.h"
+#include "nouns/nouns.h"
+#include "nouns/plan_and_act.h"
+#include "output/cell.h"
+#include "output/record_cells.h"
+#include "output/report.h"
+#include "shell/command_rows.h"
+#include "shell/invocation.h"
+#include "shell/present.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -316,3 +327,5 @@ constexpr CommandRow kCommands[] = {
 }  // namespace
 
 std::span<const CommandRow> FlashCommands() { return kCommands; }
+
+}  // namespace vexorctl

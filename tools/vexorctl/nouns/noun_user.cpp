@@ -5,11 +5,17 @@
 #include <cstdio>
 #include <utility>
 
+#include "model/ask_controller.h"
+#include "model/exit_code.h"
 #include "model/failure.h"
-#include "model/file.h"
-#include "model/objects.h"
-#include "output/output.h"
-#include "shell/command.h"
+#include "nouns/nouns.h"
+#include "output/cell.h"
+#include "output/report.h"
+#include "shell/command_rows.h"
+#include "shell/invocation.h"
+#include "shell/present.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -154,3 +160,5 @@ constexpr CommandRow kCommands[] = {
 }  // namespace
 
 std::span<const CommandRow> UserCommands() { return kCommands; }
+
+}  // namespace vexorctl

@@ -5,13 +5,29 @@
 #include <utility>
 
 #include "codes/hxraid_codes.h"
+#include "model/address.h"
+#include "model/ask_controller.h"
+#include "model/disk_groups.h"
+#include "model/disks.h"
+#include "model/exit_code.h"
 #include "model/failure.h"
-#include "model/objects.h"
-#include "model/target.h"
-#include "nouns/change.h"
-#include "nouns/creation.h"
-#include "output/output.h"
-#include "shell/command.h"
+#include "model/object_name.h"
+#include "model/result_tree.h"
+#include "model/virtual_disks.h"
+#include "nouns/choose_disks.h"
+#include "nouns/creation_options.h"
+#include "nouns/find_object.h"
+#include "nouns/nouns.h"
+#include "nouns/plan_and_act.h"
+#include "output/cell.h"
+#include "output/cell_text.h"
+#include "output/record_cells.h"
+#include "output/report.h"
+#include "shell/command_rows.h"
+#include "shell/invocation.h"
+#include "shell/present.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -620,42 +636,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::vector<VirtualDisk> LoadVirtualDisks(Controller& controller) {
-    std::vector<VirtualDisk> all;
-    for (const unsigned adapter : controller.Selected()) {
-        std::vector<Value> infos = controller.List(adapter, {"HX_LD_GetInfo", "LDInfo", "ID"});
-        if (infos.empty()) continue;
-        std::map<std::uint64_t, Value> configs;
-        for (Value& config : controller.List(adapter, {"HX_LD_GetConfig", "LDConfig", "LDID"})) {
-            const std::uint64_t id = config.Number("LDID");
-            configs.insert_or_assign(id, std::move(config));
-        }
-        std::map<std::uint64_t, Value> states;
-        for (Value& state : controller.List(adapter, {"HX_LD_GetStatus", "Status", "LDID"})) {
-            const std::uint64_t id = state.Number("LDID");
-            states.insert_or_assign(id, std::move(state));
-        }
-        std::map<std::uint64_t, std::uint64_t> disk_of_block;
-        for (const Value& block : controller.List(adapter, {"HX_BLK_GetInfo", "blockInfo", "ID"})) {
-            disk_of_block.insert_or_assign(block.Number("ID"), block.Number("HDID"));
-        }
-        for (Value& info : infos) {
-            const std::uint64_t id = info.Number("ID");
-            VirtualDisk disk;
-            disk.address = {.adapter = adapter,
-                            .kind = ObjectKind::kVirtualDisk,
-                            .id = static_cast<unsigned>(id)};
-            for (const std::uint64_t block : info.Numbers("BlockIDs", info.Number("HDCount"))) {
-                const auto found = disk_of_block.find(block);
-                if (found != disk_of_block.end()) disk.disks.push_back(found->second);
-            }
-            disk.info = std::move(info);
-            disk.config = std::move(configs[id]);
-            disk.status = std::move(states[id]);
-            all.push_back(std::move(disk));
-        }
-    }
-    return all;
-}
-
 std::span<const CommandRow> VirtualDiskCommands() { return kCommands; }
+
+}  // namespace vexorctl

@@ -4,6 +4,8 @@
 
 #include "codes/hxraid_codes.h"
 
+namespace vexorctl {
+
 namespace {
 
 constexpr std::uint64_t kSectorBytes = 512;
@@ -66,3 +68,5 @@ Cell NumbersCell(std::vector<std::uint64_t> numbers) {
     cell.numbers = std::move(numbers);
     return cell;
 }
+
+}  // namespace vexorctl

@@ -11,6 +11,8 @@
 
 struct HxraidName;
 
+namespace vexorctl {
+
 /// How a field is written. In JSON kBytes, kNumber and kRatio are numbers; kCode and kBits are
 /// objects that keep the number beside the name.
 enum class Kind {
@@ -62,35 +64,4 @@ struct Column : ColumnInfo {
     Cell (*get)(const Record&);
 };
 
-/// What went wrong with one object while the others were served.
-struct Fault {
-    std::string address{};   // what it is about; may be empty
-    std::string function{};  // of the library; may be empty
-    std::uint64_t code = 0;  // the controller's, 0 when it is none
-    std::string name{};
-    std::string message{};
-};
-
-/// What a command has found.
-struct Report {
-    std::string command;  // "disk list"
-    std::vector<ColumnInfo> columns;
-    std::vector<std::vector<Cell>> rows;
-    std::vector<Fault> faults;
-};
-
-template <class Record, std::size_t n>
-std::vector<ColumnInfo> InfoOf(const Column<Record> (&columns)[n]) {
-    return {std::begin(columns), std::end(columns)};
-}
-
-template <class Record, std::size_t n>
-void Tabulate(Report& report, const Column<Record> (&columns)[n],
-              const std::vector<Record>& records) {
-    report.columns = InfoOf(columns);
-    for (const Record& record : records) {
-        std::vector<Cell>& row = report.rows.emplace_back();
-        row.reserve(n);
-        for (const Column<Record>& column : columns) row.push_back(column.get(record));
-    }
-}
+}  // namespace vexorctl

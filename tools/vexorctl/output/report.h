@@ -1,23 +1,37 @@
-// What vexorctl prints: results on standard output, one line per failure on standard error.
+// What a command has found: the columns, a row of cells for each object, and what went wrong.
 #pragma once
 
-#include <stdexcept>
-#include <string_view>
+#include <iterator>
+#include <string>
+#include <vector>
 
-/// Standard output takes no more. Nothing further is sent to the controller: its results would be
-/// lost.
-struct OutputError : std::runtime_error {
-    using std::runtime_error::runtime_error;
+#include "model/fault.h"
+#include "output/cell.h"
+
+namespace vexorctl {
+
+/// What a command has found.
+struct Report {
+    std::string command;  // "disk list"
+    std::vector<ColumnInfo> columns;
+    std::vector<std::vector<Cell>> rows;
+    std::vector<Fault> faults;
 };
 
-/// Writes the result exactly as it stands, and one line end, and flushes, so that a failure's line
-/// that follows on standard error stands behind it where both go to one place.
-/// Throws OutputError.
-void PrintResult(std::string_view result);
+template <class Record, std::size_t n>
+std::vector<ColumnInfo> InfoOf(const Column<Record> (&columns)[n]) {
+    return {std::begin(columns), std::end(columns)};
+}
 
-/// Writes the text as it stands, and flushes. Throws OutputError.
-void PrintText(std::string_view text);
+template <class Record, std::size_t n>
+void Tabulate(Report& report, const Column<Record> (&columns)[n],
+              const std::vector<Record>& records) {
+    report.columns = InfoOf(columns);
+    for (const Record& record : records) {
+        std::vector<Cell>& row = report.rows.emplace_back();
+        row.reserve(n);
+        for (const Column<Record>& column : columns) row.push_back(column.get(record));
+    }
+}
 
-/// Writes "vexorctl: SUBJECT: MESSAGE" to standard error, or "vexorctl: MESSAGE" when the subject
-/// is empty. It stays one line: control characters (a file's name may hold them) appear as "?".
-void ReportFailure(std::string_view subject, std::string_view message);
+}  // namespace vexorctl

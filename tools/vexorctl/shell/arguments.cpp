@@ -2,6 +2,8 @@
 
 #include <utility>
 
+namespace vexorctl {
+
 namespace {
 
 constexpr char kMark = '\x01';
@@ -34,3 +36,5 @@ std::string WithoutMarks(std::string message) {
     std::erase(message, kMark);
     return message;
 }
+
+}  // namespace vexorctl

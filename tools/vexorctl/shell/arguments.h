@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace vexorctl {
+
 /// The arguments without the first "--", marked for CLI11.
 std::vector<std::string> MarkedArguments(const std::vector<std::string>& typed);
 
@@ -17,3 +19,5 @@ std::string Unmarked(std::string argument);
 
 /// A message of CLI11's as a user may see it.
 std::string WithoutMarks(std::string message);
+
+}  // namespace vexorctl

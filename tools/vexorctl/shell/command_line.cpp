@@ -1,4 +1,5 @@
-// From the words that were typed to one row of the command tree and its values.
+#include "shell/command_line.h"
+
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
@@ -6,12 +7,15 @@
 #include <charconv>
 
 #include "model/failure.h"
-#include "model/session.h"
-#include "output/output.h"
-#include "output/report.h"
+#include "model/fault.h"
+#include "model/library_session.h"
+#include "output/streams.h"
 #include "shell/arguments.h"
-#include "shell/command.h"
 #include "shell/help.h"
+#include "shell/invocation.h"
+#include "shell/present.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -50,9 +54,9 @@ std::size_t MoveLeadingOptions(std::vector<std::string>& words) {
     return leading.size();
 }
 
-const NounRow& FindNoun(const std::string& word) {
+const NounRow& FindNoun(std::span<const NounRow> nouns, const std::string& word) {
     std::string names;
-    for (const NounRow& noun : Nouns()) {
+    for (const NounRow& noun : nouns) {
         if (noun.name == word) return noun;
         names.append(names.empty() ? "" : ", ").append(noun.name);
     }
@@ -161,15 +165,15 @@ Exit RunDocumentingFailure(const CommandRow& row, Invocation& invocation) {
     }
 }
 
-Exit Run(std::vector<std::string> words, std::string& where) {
+Exit Run(std::span<const NounRow> nouns, std::vector<std::string> words, std::string& where) {
     const std::size_t leading = MoveLeadingOptions(words);
     if (words.size() == leading) throw UsageError("a command is missing");
     if (words.front() == "--version") return Help("vexorctl " VEXORCTL_VERSION "\n");
-    if (IsHelp(words.front())) return Help(ProgramHelp());
+    if (IsHelp(words.front())) return Help(ProgramHelp(nouns));
     if (words.front().starts_with('-')) {
         throw UsageError("there is no option " + words.front().substr(0, words.front().find('=')));
     }
-    const NounRow& noun = FindNoun(words.front());
+    const NounRow& noun = FindNoun(nouns, words.front());
     words.erase(words.begin());
     where.append(" ").append(noun.name);
     const bool has_verbs = !noun.commands.front().verb.empty();
@@ -196,38 +200,13 @@ Exit Run(std::vector<std::string> words, std::string& where) {
 
 }  // namespace
 
-bool Invocation::Has(std::string_view option) const {
-    return options_.contains(std::string(option));
-}
-
-const std::string* Invocation::Get(std::string_view option) const {
-    const auto found = options_.find(std::string(option));
-    return found == options_.end() || found->second.empty() ? nullptr : &found->second.back();
-}
-
-std::string Invocation::Get(std::string_view option, std::string_view otherwise) const {
-    const std::string* const value = Get(option);
-    return value == nullptr ? std::string(otherwise) : *value;
-}
-
-std::optional<std::uint64_t> Invocation::Number(std::string_view option, std::uint64_t max) const {
-    const std::string* const value = Get(option);
-    if (value == nullptr) return std::nullopt;
-    std::uint64_t number = 0;
-    const char* const end = value->data() + value->size();
-    const auto [stop, error] = std::from_chars(value->data(), end, number);
-    if (value->empty() || error != std::errc() || stop != end || number > max) {
-        throw UsageError(std::string(option) + " takes a whole number up to " +
-                         std::to_string(max) + ", not \"" + *value + "\"");
-    }
-    return number;
-}
-
-Exit RunCommandLine(int argc, const char* const* argv) {
+Exit RunCommandLine(std::span<const NounRow> nouns, int argc, const char* const* argv) {
     std::string where = "vexorctl";
     try {
-        return Run(std::vector<std::string>(argv + std::min(argc, 1), argv + argc), where);
+        return Run(nouns, std::vector<std::string>(argv + std::min(argc, 1), argv + argc), where);
     } catch (const UsageError& failure) {
         throw UsageError(std::string(failure.what()) + " (see " + where + " --help)");
     }
 }
+
+}  // namespace vexorctl

@@ -3,6 +3,9 @@
 #include <algorithm>
 
 #include "model/exit_code.h"
+#include "output/cell.h"
+
+namespace vexorctl {
 
 namespace {
 
@@ -78,11 +81,11 @@ std::string UsageLine(const CommandRow& command) {
     return usage;
 }
 
-std::string ProgramHelp() {
+std::string ProgramHelp(std::span<const NounRow> nouns) {
     std::string out =
         "vexorctl manages RAID controllers through libvexorapi.\n"
         "\nUsage: vexorctl NOUN VERB [TARGET...] [OPTION...]\n\nNouns:\n";
-    for (const NounRow& noun : Nouns()) AppendRow(out, noun.name, noun.summary, 12);
+    for (const NounRow& noun : nouns) AppendRow(out, noun.name, noun.summary, 12);
     out += "\n";
     AppendRow(out, "", kSeeAlso, 0);
     out +=
@@ -146,3 +149,5 @@ std::string CommandHelp(const CommandRow& command) {
     }
     return out + "\n" + ExitCodeHelp();
 }
+
+}  // namespace vexorctl

@@ -2,12 +2,15 @@
 // table of functions.
 #pragma once
 
+#include <span>
 #include <string>
 
-#include "shell/command.h"
+#include "shell/command_rows.h"
+
+namespace vexorctl {
 
 /// vexorctl --help
-std::string ProgramHelp();
+std::string ProgramHelp(std::span<const NounRow> nouns);
 /// vexorctl disk --help
 std::string NounHelp(const NounRow& noun);
 /// vexorctl disk list --help
@@ -15,3 +18,5 @@ std::string CommandHelp(const CommandRow& command);
 
 /// "vexorctl disk list [DISK...] [OPTION...]"
 std::string UsageLine(const CommandRow& command);
+
+}  // namespace vexorctl

@@ -3,6 +3,8 @@
 #include <csignal>
 #include <ctime>
 
+namespace vexorctl {
+
 namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
@@ -28,3 +30,5 @@ void SleepMilliseconds(unsigned milliseconds) {
     while (nanosleep(&left, &left) != 0 && !Interrupted()) {
     }
 }
+
+}  // namespace vexorctl

@@ -1,6 +1,8 @@
 // Ctrl-C while waiting: the waiting ends, and the command says so.
 #pragma once
 
+namespace vexorctl {
+
 /// From now on an interrupt or a termination does not end the program but is noted.
 void WatchForInterrupts();
 
@@ -8,3 +10,5 @@ bool Interrupted();
 
 /// Sleeps, or returns earlier when interrupted.
 void SleepMilliseconds(unsigned milliseconds);
+
+}  // namespace vexorctl

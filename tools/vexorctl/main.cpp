@@ -1,0 +1,46 @@
+// vexorctl: the command line of the library.
+#include <exception>
+#include <new>
+#include <string>
+
+#include "model/exit_code.h"
+#include "model/failure.h"
+#include "model/library_session.h"
+#include "nouns/nouns.h"
+#include "output/streams.h"
+#include "shell/command_line.h"
+
+namespace vexorctl {
+
+namespace {
+
+Exit Fail(Exit exit, const std::string& subject, const std::string& message) {
+    ReportFailure(subject, message);
+    return exit;
+}
+
+Exit RunReportingFailure(int argc, const char* const* argv) {
+    try {
+        return RunCommandLine(Nouns(), argc, argv);
+    } catch (const UsageError& failure) {
+        return Fail(Exit::kUsage, "", failure.what());
+    } catch (const Failure& failure) {
+        return Fail(failure.exit, "", failure.what());
+    } catch (const Unavailable& failure) {
+        return Fail(Exit::kUnavailable, failure.subject, failure.what());
+    } catch (const OutputError& failure) {
+        return Fail(Exit::kUnavailable, "standard output", failure.what());
+    } catch (const std::bad_alloc&) {
+        return Fail(Exit::kUnavailable, "", "not enough memory");
+    } catch (const std::exception& failure) {
+        return Fail(Exit::kUnavailable, "", failure.what());
+    }
+}
+
+}  // namespace
+
+}  // namespace vexorctl
+
+int main(int argc, char** argv) {
+    return vexorctl::CodeOf(vexorctl::RunReportingFailure(argc, argv));
+}

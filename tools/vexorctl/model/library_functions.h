@@ -1,0 +1,32 @@
+// The functions of the library and the fields of each, as the library's own rows have them. The
+// table is written at build time by write_functions.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+#include "output/cell.h"
+
+namespace vexorctl {
+
+struct FieldRow {
+    enum class Kind { kNumber, kNumbers, kText, kWholeText };
+    std::string_view name;
+    Kind kind;
+    unsigned bits;      // of each number
+    std::size_t count;  // numbers, or characters of a text
+};
+
+struct FunctionRow {
+    std::string_view name;
+    std::span<const FieldRow> fields;
+};
+
+/// All of them: the controller's, then the management functions.
+std::span<const FunctionRow> Functions();
+
+/// The function of that name; null when there is none.
+const FunctionRow* FindFunction(std::string_view name);
+
+}  // namespace vexorctl

@@ -1,0 +1,45 @@
+// The disks that a virtual disk or disk group is made of: those that were named, or free ones that
+// are picked.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/disks.h"
+#include "nouns/creation_options.h"
+#include "nouns/plan_and_act.h"
+#include "shell/invocation.h"
+
+namespace vexorctl {
+
+/// "a1/pd3 (BR500D, 465.73 GiB free)"
+std::string Described(const Disk& disk);
+
+/// The disks of these addresses, all on one adapter. Throws UsageError and Failure.
+std::vector<Disk> NamedDisks(Invocation& invocation, std::span<const std::string> typed);
+
+/// Their numbers, as lists of the library have them.
+std::string Ids(std::span<const Disk> disks);
+
+/// What the disks give together, in sectors; null when the controller refuses to say.
+using RoomOfDisks = std::function<std::optional<std::uint64_t>(std::span<const Disk>)>;
+
+/// Picks `count` free disks without a boot record. For a size the smallest that suffice, otherwise
+/// those that give the most. Disks that are connected in different ways are mixed only where there
+/// is no other choice. Throws Failure, which tells the alternatives.
+std::vector<Disk> PickDisks(Invocation& invocation, std::size_t count, const SizeWish& size,
+                            const RoomOfDisks& room);
+
+/// What is free, on this adapter first and then on the others: "; free on a1: a1/pd3, a1/pd4
+/// (465.73 GiB each); free on a0: ...".
+std::string Alternatives(Invocation& invocation, unsigned adapter);
+
+/// Adds the disks to the plan. Where one holds data the plan says so and `name` has to be typed.
+void AddDisks(Change& change, std::span<const Disk> disks, const std::string& name);
+
+}  // namespace vexorctl

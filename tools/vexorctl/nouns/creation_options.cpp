@@ -1,0 +1,85 @@
+#include "nouns/creation_options.h"
+
+#include "model/duration.h"
+#include "model/exit_code.h"
+#include "model/failure.h"
+#include "output/cell_text.h"
+
+namespace vexorctl {
+
+namespace {
+
+constexpr LevelRow kLevels[] = {
+    {"0", "0", 0}, {"1", "1", 0},   {"1e", "17", 0}, {"5", "5", 1},
+    {"6", "6", 2}, {"10", "16", 0}, {"50", "80", 2}, {"60", "96", 4},
+};
+
+}  // namespace
+
+const LevelRow& LevelOption(const Invocation& invocation) {
+    const std::string name = invocation.Get("--raid", "");
+    for (const LevelRow& row : kLevels) {
+        if (row.name == name) return row;
+    }
+    throw UsageError("--raid is missing: say one of 0, 1, 1e, 5, 6, 10, 50, 60");
+}
+
+std::string NameOption(const Invocation& invocation, NameMarkup markup,
+                       const std::string& otherwise) {
+    const std::string* const name = invocation.Get("--name");
+    if (name == nullptr) return otherwise;
+    const std::string fault = NameFault(*name, markup);
+    if (!fault.empty()) throw UsageError("--name: \"" + *name + "\" " + fault);
+    return *name;
+}
+
+std::string StripeOption(const Invocation& invocation, const std::string& otherwise) {
+    const std::string* const text = invocation.Get("--stripe");
+    if (text == nullptr) return otherwise;
+    const auto bytes = ParseSize(*text);
+    if (!bytes || *bytes % 1024 != 0 || *bytes / 1024 > 65535) {
+        throw UsageError("--stripe takes a size as in 64KiB, not \"" + *text + "\"");
+    }
+    return std::to_string(*bytes / 1024);
+}
+
+std::uint64_t SizeWish::Of(std::uint64_t most_sectors, const std::string& alternatives) const {
+    if (!sectors) return percent == 100 ? most_sectors : most_sectors / 100 * percent;
+    if (*sectors > most_sectors) {
+        throw Failure(Exit::kRefused, "--size: " + typed + " is more than the most there, " +
+                                          SizeText(512 * most_sectors, {}) + alternatives);
+    }
+    return *sectors;
+}
+
+SizeWish SizeOption(const Invocation& invocation) {
+    SizeWish wish{invocation.Get("--size", "max"), {}};
+    if (wish.typed == "max") return wish;
+    if (wish.typed.ends_with('%')) {
+        const auto share =
+            ParseDuration(std::string_view(wish.typed).substr(0, wish.typed.size() - 1));
+        if (!share || *share == 0 || *share > 100) {
+            throw UsageError("--size: a share is from 1% to 100%, not \"" + wish.typed + "\"");
+        }
+        wish.percent = static_cast<unsigned>(*share);
+        return wish;
+    }
+    const auto bytes = ParseSize(wish.typed);
+    if (!bytes || *bytes < 512) {
+        throw UsageError("--size takes 10GiB, 20GB, 50% or max, not \"" + wish.typed + "\"");
+    }
+    wish.sectors = *bytes / 512;
+    return wish;
+}
+
+std::vector<std::string> SplitList(std::string_view list) {
+    std::vector<std::string> parts;
+    while (!list.empty()) {
+        const std::size_t comma = list.find(',');
+        parts.emplace_back(list.substr(0, comma));
+        list = comma == std::string_view::npos ? std::string_view() : list.substr(comma + 1);
+    }
+    return parts;
+}
+
+}  // namespace vexorctl

@@ -1,0 +1,48 @@
+// The options that creating and migrating have in common, of virtual disks and of disk groups: RAID
+// levels, sizes, stripe sizes and names as they are typed.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/object_name.h"
+#include "shell/invocation.h"
+
+namespace vexorctl {
+
+struct LevelRow {
+    std::string_view name;
+    std::string_view code;
+    unsigned parity;
+};
+
+inline constexpr std::string_view kLevelNames = "0 1 1e 5 6 10 50 60";
+
+/// --raid. Throws UsageError when it was not given.
+const LevelRow& LevelOption(const Invocation& invocation);
+
+/// --name. Throws UsageError for a name that the library's results cannot carry.
+std::string NameOption(const Invocation& invocation, NameMarkup markup,
+                       const std::string& otherwise);
+
+/// --stripe in KiB.
+std::string StripeOption(const Invocation& invocation, const std::string& otherwise);
+
+/// --size: 10GiB, 20GB, 50% of the most, or max.
+struct SizeWish {
+    std::string typed;
+    std::optional<std::uint64_t> sectors;  // a size; otherwise a share of the most
+    unsigned percent = 100;
+
+    /// Throws Failure when it is more than the most; `alternatives` tells what else there is.
+    std::uint64_t Of(std::uint64_t most_sectors, const std::string& alternatives = {}) const;
+};
+SizeWish SizeOption(const Invocation& invocation);
+
+/// What stands between commas.
+std::vector<std::string> SplitList(std::string_view list);
+
+}  // namespace vexorctl

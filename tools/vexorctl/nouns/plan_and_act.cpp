@@ -1,0 +1,178 @@
+#include "nouns/plan_and_act.h"
+
+#include <unistd.h>
+
+#include <charconv>
+#include <cstdio>
+
+#include "codes/hxraid_codes.h"
+#include "model/address.h"
+#include "model/ask_controller.h"
+#include "model/exit_code.h"
+#include "model/failure.h"
+#include "model/fault.h"
+#include "nouns/flash_progress.h"
+#include "nouns/wait_for_tasks.h"
+#include "output/cell.h"
+#include "output/cell_text.h"
+#include "output/report.h"
+#include "output/streams.h"
+#include "shell/invocation.h"
+#include "shell/present.h"
+
+namespace vexorctl {
+
+namespace {
+
+struct Done {
+    const Change* change;
+    std::string action;
+    std::string address;
+    std::string task;
+    bool dry_run;
+};
+
+Cell CommandsCell(const Change& change) {
+    std::vector<std::string> texts;
+    for (const Command& command : change.commands) texts.push_back(CommandText(command));
+    return TextsCell(std::move(texts));
+}
+
+using enum Kind;
+using enum Place;
+
+constexpr Column<Done> kColumns[] = {
+    {{"address", "ADDRESS", kText, kTable, "The address of the object"},
+     [](const Done& it) { return TextCell(it.address); }},
+    {{"action", "ACTION", kText, kTable, "The command"},
+     [](const Done& it) { return TextCell(it.action); }},
+    {{"task", "TASK", kText, kTable, "The address of the task that was started"},
+     [](const Done& it) { return TextCell(it.task); }},
+    {{"size_bytes", "SIZE", kBytes, kWide, "The resulting size"},
+     [](const Done& it) {
+         return it.change->size_bytes ? NumberCell(*it.change->size_bytes) : Unknown();
+     }},
+    {{"dry_run", "DRY RUN", kBool, kWide, "Whether nothing was changed"},
+     [](const Done& it) { return NumberCell(it.dry_run); }},
+    {{"commands", "COMMANDS", kTexts, kWide, "The commands to the library"},
+     [](const Done& it) { return CommandsCell(*it.change); }},
+};
+
+std::string PlanText(const Change& change, const Style& style) {
+    std::string text = change.what + "\n";
+    for (const std::string& loss : change.losses) text += "  " + loss + "\n";
+    if (change.size_bytes)
+        text += "  resulting size: " + SizeText(*change.size_bytes, style) + "\n";
+    return text;
+}
+
+std::string ReadLine() {
+    std::string line;
+    char c;
+    while (line.size() < 256 && read(STDIN_FILENO, &c, 1) == 1 && c != '\n') line += c;
+    return line;
+}
+
+void Confirm(const Invocation& invocation, const Change& change) {
+    if (change.confirm.empty() || invocation.Has("--yes")) return;
+    if (isatty(STDIN_FILENO) != 1) {
+        throw Failure(Exit::kNotConfirmed,
+                      "not confirmed: there is no terminal to ask; say --yes, or --dry-run to see "
+                      "the plan");
+    }
+    const std::string question =
+        PlanText(change, StyleOf(invocation, "table")) + "Type " + change.confirm + " to go on: ";
+    std::fwrite(question.data(), 1, question.size(), stderr);
+    if (ReadLine() != change.confirm) {
+        throw Failure(Exit::kNotConfirmed, "not confirmed; nothing was changed");
+    }
+}
+
+Exit PrintDone(Invocation& invocation, const Change& change, const std::string& address,
+               const std::string& task, bool dry_run) {
+    Report report;
+    Tabulate(report, kColumns,
+             std::vector<Done>{{&change, invocation.row().Name(), address, task, dry_run}});
+    report.command = invocation.row().Name();
+    const Style style = StyleOf(invocation, "table");
+    Arrange(invocation, style, report);
+    report.faults = invocation.controller().faults();
+    Print(report, style);
+    return invocation.controller().exit();
+}
+
+Exit ShowPlan(Invocation& invocation, const Change& change) {
+    if (invocation.Has("--output") || invocation.Has("--columns")) {
+        return PrintDone(invocation, change, change.address,
+                         change.starts_task ? change.address : std::string(), true);
+    }
+    std::string text = PlanText(change, StyleOf(invocation, "table"));
+    for (const Command& command : change.commands) text += CommandText(command) + "\n";
+    PrintText(text);
+    return Exit::kDone;
+}
+
+}  // namespace
+
+std::vector<ColumnInfo> ChangeColumns() { return InfoOf(kColumns); }
+
+Fields AddressFields(const Address& address, std::string_view id) {
+    return {{"AdapterID", std::to_string(address.adapter)}, {id, std::to_string(address.id)}};
+}
+
+std::string CodeOption(const Invocation& invocation, std::string_view option,
+                       std::span<const HxraidName> names) {
+    const std::string text = invocation.Get(option, "");
+    if (const HxraidName* const row = HxraidFind(names, text)) return std::to_string(row->code);
+    unsigned code = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, code);
+    if (!text.empty() && error == std::errc() && stop == end) return std::to_string(code);
+    std::string known;
+    for (const HxraidName& name : names) known.append(known.empty() ? "" : ", ").append(name.name);
+    throw UsageError(std::string(option) + " cannot be \"" + text + "\"; say one of " + known);
+}
+
+std::string SwitchOption(const Invocation& invocation, std::string_view option,
+                         std::uint64_t otherwise) {
+    const std::string* const text = invocation.Get(option);
+    if (text == nullptr) return std::to_string(otherwise);
+    return *text == "on" ? "1" : "0";
+}
+
+Exit CarryOut(Invocation& invocation, const Change& change) {
+    Controller& controller = invocation.controller();
+    std::optional<std::uint64_t> timeout;
+    if (invocation.Has("--wait")) timeout = TimeoutOf(invocation);
+    if (invocation.Has("--dry-run")) return ShowPlan(invocation, change);
+    Confirm(invocation, change);
+    if (!controller.CountersStand()) {
+        throw Failure(
+            Exit::kNotConfirmed,
+            "something has changed since the plan was made; nothing was done, look again");
+    }
+    std::optional<TransferProgress> transfer;
+    if (!change.image_file.empty()) {
+        transfer.emplace(change.address + " " + invocation.row().Name(), change.image_file,
+                         change.image_pieces);
+    }
+    for (const Command& command : change.commands) {
+        const Answer answer = controller.Ask(command);
+        if (answer.exit == Exit::kDone) continue;
+        const std::string subject = change.address.empty() ? "" : change.address + ": ";
+        Fault fault = FaultOf(command, answer);
+        fault.address = change.address;
+        throw Failure(answer.exit, subject + answer.complaint, std::move(fault));
+    }
+    transfer.reset();
+    const std::string address = change.find ? change.find() : change.address;
+    const bool started = change.starts_task && HasTask(controller, address);
+    const Exit exit =
+        PrintDone(invocation, change, address, started ? address : std::string(), false);
+    if (timeout && started) {
+        return MoreSerious(exit, WaitForTask(invocation, address, *timeout));
+    }
+    return exit;
+}
+
+}  // namespace vexorctl

@@ -1,0 +1,37 @@
+// How a cell is written where people or scripts read it as text.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "output/cell.h"
+
+namespace vexorctl {
+
+struct Style {
+    std::string_view format = "table";
+    bool header = true;
+    bool bytes = false;
+    bool si = false;
+    bool utc = false;
+    bool colour = false;
+};
+
+/// A size as tables show it.
+std::string SizeText(std::uint64_t bytes, const Style& style);
+
+/// ISO 8601 with the zone.
+std::string TimeText(std::uint64_t seconds, bool utc);
+
+/// A cell as tables show it.
+std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& style);
+
+/// A cell as scripts take it: sizes as whole bytes, ratios unrounded, no units.
+std::string PlainText(const ColumnInfo& column, const Cell& cell, const Style& style);
+
+/// The texts with `between` between them.
+std::string Joined(const std::vector<std::string>& texts, std::string_view between);
+
+}  // namespace vexorctl

@@ -1,0 +1,42 @@
+#include "output/write_csv.h"
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+#include "output/cell.h"
+
+namespace vexorctl {
+
+namespace {
+
+void AppendCsv(std::string& out, std::string_view text) {
+    if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
+        out += text;
+        return;
+    }
+    out += '"';
+    for (const char c : text) {
+        if (c == '"') out += '"';
+        out += c;
+    }
+    out += '"';
+}
+
+}  // namespace
+
+void WriteCsv(const Report& report, const Style& style, bool header, std::string& out) {
+    const auto line = [&](auto field) {
+        for (std::size_t i = 0; i < report.columns.size(); ++i) {
+            if (i != 0) out += ',';
+            AppendCsv(out, field(i));
+        }
+        out += '\n';
+    };
+    if (header) line([&](std::size_t i) { return std::string(report.columns[i].key); });
+    for (const std::vector<Cell>& row : report.rows) {
+        line([&](std::size_t i) { return PlainText(report.columns[i], row[i], style); });
+    }
+}
+
+}  // namespace vexorctl

@@ -1,0 +1,15 @@
+// From the words that were typed to one row of the command tree and its values.
+#pragma once
+
+#include <span>
+
+#include "model/exit_code.h"
+#include "shell/command_rows.h"
+
+namespace vexorctl {
+
+/// Reads the command line, finds the row among those of the nouns and runs it. Throws UsageError,
+/// Failure, Unavailable and OutputError.
+Exit RunCommandLine(std::span<const NounRow> nouns, int argc, const char* const* argv);
+
+}  // namespace vexorctl

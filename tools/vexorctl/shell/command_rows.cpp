@@ -1,0 +1,42 @@
+#include "shell/command_rows.h"
+
+#include <iterator>
+
+namespace vexorctl {
+
+namespace {
+
+constexpr std::string_view kFormats = "table wide list json jsonl csv xml";
+
+constexpr OptionRow kOutputOptions[] = {
+    {"--output", "FORMAT", "How objects are printed", kFormats, false, "-o"},
+    {"--columns", "KEYS", "The columns, by their keys, between commas; \"all\" for all of them"},
+    {"--sort", "KEYS", "The order, by keys between commas; a \"-\" before a key reverses it"},
+    {"--no-header", "", "No heading line in tables and csv"},
+    {"--bytes", "", "Sizes in tables as whole bytes"},
+    {"--si", "", "Sizes in tables in GB, of 1000^3 bytes, instead of GiB"},
+    {"--utc", "", "Times in UTC instead of local time"},
+};
+
+constexpr OptionRow kChangeOptions[] = {
+    {"--dry-run", "", "Show what would be sent and change nothing"},
+    {"--yes", "", "Go on without asking"},
+};
+
+}  // namespace
+
+std::span<const OptionRow> OutputOptions() { return kOutputOptions; }
+std::span<const OptionRow> ChangeOptions() { return kChangeOptions; }
+
+std::vector<OptionRow> OptionsOf(const CommandRow& command) {
+    std::vector<OptionRow> options(command.options.begin(), command.options.end());
+    if (command.changes) {
+        options.insert(options.end(), std::begin(kChangeOptions), std::end(kChangeOptions));
+    }
+    if (command.columns != nullptr) {
+        options.insert(options.end(), std::begin(kOutputOptions), std::end(kOutputOptions));
+    }
+    return options;
+}
+
+}  // namespace vexorctl

@@ -1,0 +1,78 @@
+// The rows of which the command tree is made. Every command is a row: what it is called, what it
+// takes, what it is for. Parsing, --help, completion, the manual pages and the table of functions
+// in the manual are made from these rows and from nothing else.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/exit_code.h"
+#include "output/cell.h"
+
+namespace vexorctl {
+
+struct OptionRow {
+    std::string_view name;   // "--size"
+    std::string_view value;  // "SIZE"; empty for a switch
+    std::string_view help;
+    std::string_view choices{};   // the values it takes, between blanks; empty: any
+    bool value_optional = false;  // --wait and --wait=10m
+    std::string_view letter{};    // "-o"
+};
+
+/// What the targets of a command are: it decides what completion offers.
+enum class Target {
+    kNone,
+    kAdapter,
+    kEnclosure,
+    kElement,
+    kDisk,
+    kVirtualDisk,
+    kDiskGroup,
+    kTask,
+    kFile,
+    kFunction,
+    kText
+};
+
+enum class Arity { kNone, kAny, kOptional, kOne, kMany };
+
+class Invocation;
+
+struct CommandRow {
+    std::string_view noun;
+    std::string_view verb;  // empty for a noun that is a command itself
+    std::string_view summary;
+    Target target = Target::kNone;
+    Arity arity = Arity::kNone;
+    std::string_view target_name{};  // "DISK", as in the usage line
+    std::span<const OptionRow> options{};
+    std::string_view functions{};  // of the library, between blanks
+    std::string_view examples[2]{};
+    Exit (*run)(Invocation&) = nullptr;
+    std::vector<ColumnInfo> (*columns)() = nullptr;  // null: it prints no objects
+    std::string_view note{};                         // a paragraph for --help and the manual page
+    bool changes = false;                            // takes --yes and --dry-run
+
+    std::string Name() const {
+        return verb.empty() ? std::string(noun) : std::string(noun) + " " + std::string(verb);
+    }
+};
+
+/// A noun, with its commands in the order of the help.
+struct NounRow {
+    std::string_view name;
+    std::string_view summary;
+    std::span<const CommandRow> commands;
+};
+
+/// The options that every command with columns takes.
+std::span<const OptionRow> OutputOptions();
+/// The options that every command takes that changes something.
+std::span<const OptionRow> ChangeOptions();
+/// All of a command's options.
+std::vector<OptionRow> OptionsOf(const CommandRow& command);
+
+}  // namespace vexorctl

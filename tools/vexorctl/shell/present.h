@@ -1,0 +1,46 @@
+// Prints what a command has found as its options say: which rows and columns, in which order and
+// format.
+#pragma once
+
+#include <string_view>
+
+#include "model/exit_code.h"
+#include "model/fault.h"
+#include "output/cell_text.h"
+#include "output/report.h"
+#include "shell/invocation.h"
+
+namespace vexorctl {
+
+/// The style that the options ask for; `otherwise` is the format when they do not say.
+Style StyleOf(const Invocation& invocation, std::string_view otherwise);
+
+/// Picks and orders the columns and sorts the rows as the options say. Throws UsageError for a key
+/// that is no column's.
+void Arrange(const Invocation& invocation, const Style& style, Report& report);
+
+/// Prints the report and one line on standard error for each fault. Throws OutputError.
+void Print(const Report& report, const Style& style);
+
+/// Prints the document of a command that ended early, with the fault in it, where a format for
+/// scripts was asked for and no document was printed yet. The line on standard error is the
+/// caller's.
+void PrintEarlyEnd(const Invocation& invocation, const Fault& fault);
+
+/// Prints rows that follow others of the same report: no heading again, no closing. For the formats
+/// that can be continued, which `CanContinue` tells.
+bool CanContinue(const Style& style);
+void PrintMore(const Report& report, const Style& style, bool first);
+
+/// Keeps the rows that the targets name (all when there are none), notes a fault for each target
+/// that names none, and prints the rest. Rows are known by their columns "address", "name" and
+/// "serial".
+Exit Show(Invocation& invocation, Report report, std::string_view format);
+
+/// Prints the report as it is, all its rows, with the controller's faults.
+Exit Present(Invocation& invocation, Report report, std::string_view format);
+
+/// Restricts the controller to the adapters that the targets and --adapter name.
+void SelectAdapters(Invocation& invocation);
+
+}  // namespace vexorctl
