@@ -3,14 +3,15 @@
 #include <utility>
 
 #include "codes/hxraid_codes.h"
-#include "model/hxsim_redundancy.h"
+#include "rules/hxsim_settle.h"
+#include "topology/hxsim_topology.h"
 
 Driver::Driver(std::string path, std::ostream& out) : path_(std::move(path)), out_(out) {}
 
 Driver::~Driver() { Restart(); }
 
 hxsim::Store& Driver::State() {
-    if (store_ == nullptr) store_ = std::make_unique<hxsim::Store>(path_);
+    if (store_ == nullptr) store_ = std::make_unique<hxsim::Store>(path_, hxsim::DefaultMachine);
     return *store_;
 }
 

@@ -4,10 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "calls/hxsim_disk.h"
 #include "codes/hxraid_codes.h"
+#include "model/hxsim_activity_row.h"
+#include "model/hxsim_disk_role.h"
 #include "model/hxsim_redundancy.h"
-#include "rules/hxsim_activity.h"
+#include "rules/hxsim_activity_end.h"
 #include "rules/hxsim_battery.h"
 #include "rules/hxsim_event_kinds.h"
 #include "scenario.h"
@@ -73,7 +74,7 @@ Step ExpectDisk(const Words& words) {
         words, Kind::kDisk, [](const Adapter& adapter, const Address& address, hxsim::Time) {
             const hxsim::Disk* const disk = hxsim::FindListed(adapter, address.id);
             if (disk == nullptr) return std::string("gone");
-            return std::string(HxsimDiskStateName(hxsim::Parts(adapter).Of(*disk).status));
+            return std::string(HxsimDiskStateName(hxsim::DiskRoles(adapter).Of(*disk).status));
         });
 }
 

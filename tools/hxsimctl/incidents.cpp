@@ -7,7 +7,11 @@
 
 #include "commands.h"
 #include "incidents/hxsim_incident.h"
-#include "model/hxsim_redundancy.h"
+#include "incidents/hxsim_incident_battery.h"
+#include "incidents/hxsim_incident_disk.h"
+#include "incidents/hxsim_incident_enclosure.h"
+#include "incidents/hxsim_incident_power.h"
+#include "rules/hxsim_settle.h"
 #include "words.h"
 
 namespace {

@@ -12,6 +12,7 @@
 #include "driver.h"
 #include "failure.h"
 #include "store/hxsim_store.h"
+#include "store/hxsim_store_error.h"
 
 namespace {
 

@@ -5,10 +5,11 @@
 #include <ostream>
 #include <string>
 
-#include "calls/hxsim_disk.h"
 #include "codes/hxraid_codes.h"
+#include "model/hxsim_activity_row.h"
+#include "model/hxsim_disk_role.h"
+#include "model/hxsim_home.h"
 #include "model/hxsim_redundancy.h"
-#include "rules/hxsim_activity.h"
 #include "rules/hxsim_battery.h"
 #include "words.h"
 
@@ -59,7 +60,7 @@ std::string ReadingOf(const Element& element) {
 class Tree {
 public:
     Tree(const Adapter& adapter, Time now, std::ostream& out)
-        : adapter_(adapter), now_(now), out_(out), parts_(adapter) {}
+        : adapter_(adapter), now_(now), out_(out), roles_(adapter) {}
 
     void Print() {
         Line(0, "") << ": adapter, serial " << FieldText(adapter_.info.SerialNo)
@@ -122,13 +123,13 @@ private:
     }
 
     void PrintDisk(int depth, const Disk& disk) {
-        const hxsim::Part& part = parts_.Of(disk);
+        const hxsim::DiskRole& role = roles_.Of(disk);
         Line(depth, "pd" + std::to_string(disk.id)) << ": ";
-        if (!hxsim::IsListed(disk, part)) {
+        if (!hxsim::IsListed(disk, role)) {
             out_ << "empty\n";
             return;
         }
-        out_ << HxsimDiskStateName(part.status) << ", " << disk.model << ", "
+        out_ << HxsimDiskStateName(role.status) << ", " << disk.model << ", "
              << SizeText(disk.sectors) << ", serial " << disk.serial;
         if (disk.smart_exceeded) out_ << ", SMART threshold exceeded";
         if (disk.locate_light) out_ << ", located";
@@ -197,7 +198,7 @@ private:
     const Adapter& adapter_;
     const Time now_;
     std::ostream& out_;
-    const hxsim::Parts parts_;
+    const hxsim::DiskRoles roles_;
 };
 
 }  // namespace

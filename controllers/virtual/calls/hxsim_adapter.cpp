@@ -3,11 +3,11 @@
 
 #include <algorithm>
 
-#include "calls/hxsim_list_page.h"
 #include "calls/hxsim_session.h"
 #include "codes/hxraid_codes.h"
-#include "model/hxsim_redundancy.h"
+#include "incidents/hxsim_hostile_answer.h"
 #include "rules/hxsim_activity.h"
+#include "rules/hxsim_alarm.h"
 #include "rules/hxsim_event_queue.h"
 
 namespace hxsim {
@@ -85,7 +85,7 @@ HX_U8 GetInfo(const Adapter& adapter, HX_U8* count, Adapter_Info* info) {
     *info = adapter.info;
     *count = 1;
     if (IsHostile()) {
-        SpoilRecord(info, sizeof *info);
+        MakeRecordHostile(info, sizeof *info);
         *count = 255;
     }
     return HX_SUCCESS;
@@ -96,7 +96,7 @@ HX_U8 GetSettings(const Adapter& adapter, HX_U8* count, Adapter_Config_V2* confi
     *config = adapter.config;
     *count = 1;
     if (IsHostile()) {
-        SpoilRecord(config, sizeof *config);
+        MakeRecordHostile(config, sizeof *config);
         *count = 255;
     }
     return HX_SUCCESS;

@@ -1,10 +1,15 @@
-// New disk groups, and disk groups that change.
-#include <algorithm>
-#include <span>
-#include <vector>
+// New disk groups, and disk groups that change in name, level and disks.
+#include "calls/hxsim_disk_group_create.h"
 
-#include "calls/hxsim_disk_group.h"
+#include <cstddef>
+#include <span>
+
+#include "calls/hxsim_session.h"
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_home.h"
 #include "model/hxsim_plan.h"
+#include "model/hxsim_text.h"
+#include "rules/hxsim_disk_write_cache.h"
 #include "rules/hxsim_event_queue.h"
 #include "rules/hxsim_migration.h"
 
@@ -40,7 +45,7 @@ HX_U8 Create(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
 
     DiskGroup group;
     group.id = FreeId(adapter.disk_groups);
-    group.name = NameOf(param.Name);
+    group.name = TextOf(param.Name);
     group.level = layout.level->code;
     group.legs = layout.legs;
     group.width = layout.Width();
@@ -63,7 +68,7 @@ HX_U8 Modify(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
         if (status != HX_SUCCESS && status != HXSIM_NO_CHANGE) return status;
         if (status == HX_SUCCESS) size = param.Size.value;
     }
-    if (param.Name[0] != '\0') Find(adapter.disk_groups, param.DGID)->name = NameOf(param.Name);
+    if (param.Name[0] != '\0') Find(adapter.disk_groups, param.DGID)->name = TextOf(param.Name);
     param.Size.value = size;
     return HX_SUCCESS;
 }
@@ -92,3 +97,26 @@ HX_U8 SizeDiskGroup(const Adapter& adapter, CreateOrModify_DG_Param& param) {
 }
 
 }  // namespace hxsim
+
+HX_U8 HX_CreateOrModify_DG(HX_U8 AdapterID, CreateOrModify_DG_Param* param, HX_U8 sizeOnly) {
+    if (sizeOnly != 0) {
+        return hxsim::Look(__func__, AdapterID,
+                           [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+                               if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                               return hxsim::SizeDiskGroup(adapter, *param);
+                           });
+    }
+    return hxsim::Change(__func__, AdapterID,
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             return hxsim::CreateOrModifyDiskGroup(adapter, now, *param);
+                         });
+}
+
+HX_U8 HX_DG_StartMigration(HX_U8 AdapterID, CreateOrModify_DG_Param* param) {
+    return hxsim::Change(__func__, AdapterID,
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             return hxsim::StartGroupMigration(adapter, now, *param);
+                         });
+}

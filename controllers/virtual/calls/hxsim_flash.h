@@ -1,21 +1,10 @@
 // The adapters' flash: images that are erased, written and read back in pieces.
 #pragma once
 
-#include <string>
-#include <string_view>
-
 #include "hxraid.h"
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
-
-/// The BIOS image that an adapter has when it is made: an option ROM with its BIOS version and its
-/// subsystem IDs. A healthy BIOS image without data in a machine's rows is this one.
-std::string SampleBios(const Adapter_Info& info);
-
-/// Whether a BIOS image is whole and was made for that adapter: its signature, its length, the sum
-/// of its bytes and its subsystem IDs are right.
-bool IsBiosFor(const Adapter_Info& info, std::string_view image);
 
 /// Erases an image; it is damaged until another one has been written. Refused with HXSIM_BAD_ACTION
 /// for a type that is none, and with HXSIM_NO_IMAGE when the adapter has no such image.

@@ -1,7 +1,6 @@
 // Opening and closing the virtual controller, and its version.
-#include "calls/hxsim_library.h"
-
 #include "calls/hxsim_session.h"
+#include "hxraid.h"
 
 HX_U8 HX_API_Initialize() { return hxsim::Open(); }
 

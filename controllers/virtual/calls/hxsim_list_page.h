@@ -8,16 +8,10 @@
 #include "calls/hxsim_session.h"
 #include "codes/hxraid_codes.h"
 #include "hxraid.h"
+#include "incidents/hxsim_hostile_answer.h"
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
-
-/// What broken firmware does to a page that has been filled: counts, indices and texts are what
-/// nobody asked for. Stays inside the header and `bytes` bytes of records.
-void Spoil(RequestHeader& header, void* records, std::size_t bytes);
-
-/// What broken firmware does to records that no header counts. Stays inside `bytes` bytes.
-void SpoilRecord(void* record, std::size_t bytes);
 
 /// Says of each listed row in turn whether a request wants it.
 class Selection {
@@ -72,7 +66,7 @@ HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request
         header.numReturned = static_cast<HX_U16>(count);
         header.nextStartingIndex =
             more ? static_cast<HX_U16>(header.startingIndexOrId + count) : HX_U16{HX_LIST_COMPLETE};
-        if (IsHostile()) Spoil(header, records, count * sizeof(Record));
+        if (IsHostile()) MakePageHostile(header, records, count * sizeof(Record));
         return HX_SUCCESS;
     });
 }

@@ -1,21 +1,22 @@
 // The one open machine of this process, and the faults that are put in the way of its calls.
-#include <algorithm>
+#include "calls/hxsim_session.h"
+
 #include <exception>
 #include <new>
 #include <optional>
-#include <string_view>
+#include <vector>
 
-#include "calls/hxsim_library.h"
-#include "calls/hxsim_session.h"
 #include "codes/hxraid_codes.h"
-#include "model/hxsim_redundancy.h"
+#include "incidents/hxsim_fault_injection.h"
+#include "rules/hxsim_settle.h"
 #include "store/hxsim_store.h"
+#include "topology/hxsim_topology.h"
 
 namespace hxsim {
 namespace {
 
 struct Session {
-    Store store{StatePath()};
+    Store store{StatePath(), DefaultMachine};
     bool hostile = false;  // the call that runs now is to answer as broken firmware does
 };
 
@@ -24,41 +25,15 @@ constinit Session* session = nullptr;
 
 // ---- Faults ----
 
-bool Meets(const Injection& injection, std::string_view call, HX_U8 adapter) {
-    return (injection.call.empty() || injection.call == call) &&
-           (injection.adapter == HX_ALL_ADAPTERS || injection.adapter == adapter);
-}
-
-// The first fault that hits the call, with what has been counted on the way; nothing when none
-// does. `counts` becomes true when some row is another one now.
-std::optional<Injection> Hit(std::vector<Injection>& injections, std::string_view call,
-                             HX_U8 adapter, bool& counts) {
-    for (auto each = injections.begin(); each != injections.end(); ++each) {
-        if (!Meets(*each, call, adapter)) continue;
-        if (each->after != 0) {
-            --each->after;
-            counts = true;
-            continue;
-        }
-        const Injection hit = *each;
-        if (each->times != 0) {
-            counts = true;
-            if (--each->times == 0) injections.erase(each);
-        }
-        return hit;
-    }
-    return std::nullopt;
-}
-
 // Counting is a change of the machine like any other; a fault that counts nothing costs none.
-std::optional<Injection> NextFault(const char* call, HX_U8 adapter) {
+std::optional<Injection> CountedFault(const char* call, HX_U8 adapter) {
     std::vector<Injection> injections = session->store.Current().injections;
     bool counts = false;
-    std::optional<Injection> hit = Hit(injections, call, adapter, counts);
+    std::optional<Injection> hit = NextFault(injections, call, adapter, counts);
     if (!counts) return hit;
     session->store.Change([&](Machine& machine, Time) {
         // Another process may have been first.
-        hit = Hit(machine.injections, call, adapter, counts);
+        hit = NextFault(machine.injections, call, adapter, counts);
         return true;
     });
     return hit;
@@ -90,7 +65,7 @@ HX_U8 OnAdapter(const char* call, HX_U8 adapter, Work work) {
         if (call == nullptr) return work(machine);
         session->hostile = false;
         if (!machine.injections.empty()) {
-            const std::optional<Injection> fault = NextFault(call, adapter);
+            const std::optional<Injection> fault = CountedFault(call, adapter);
             if (fault && !fault->hostile) return fault->code;
             session->hostile = fault.has_value();
         }

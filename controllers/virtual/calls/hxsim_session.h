@@ -25,6 +25,13 @@ HX_U8 Change(const char* call, HX_U8 adapter,
 /// Whether the call that runs now is to answer as broken firmware does.
 bool IsHostile();
 
+/// Opens the state file that StatePath names, if it is not open yet. Refused with HXSIM_NO_STATE or
+/// HXSIM_NO_MEMORY; the library is closed then.
+HX_U8 Open();
+
+/// Closes it, if it is open.
+void Close();
+
 /// Whether HX_API_Initialize has opened the library, and the number of adapters (0 while closed).
 bool IsOpen();
 HX_U8 AdapterCount();

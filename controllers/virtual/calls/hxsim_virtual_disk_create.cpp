@@ -1,22 +1,28 @@
 // New virtual disks, on disks of their own and on disk groups.
+#include "calls/hxsim_virtual_disk_create.h"
+
 #include <algorithm>
 #include <cstddef>
-#include <span>
+#include <utility>
 #include <vector>
 
-#include "calls/hxsim_activity_calls.h"
-#include "calls/hxsim_virtual_disk.h"
+#include "calls/hxsim_activity_control.h"
+#include "calls/hxsim_session.h"
+#include "calls/hxsim_virtual_disk_change.h"
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_activity_row.h"
+#include "model/hxsim_home.h"
 #include "model/hxsim_level.h"
 #include "model/hxsim_plan.h"
 #include "model/hxsim_redundancy.h"
 #include "model/hxsim_space.h"
+#include "model/hxsim_text.h"
 #include "rules/hxsim_activity.h"
 #include "rules/hxsim_event_queue.h"
+#include "rules/hxsim_migration.h"
 
 namespace hxsim {
 namespace {
-
-constexpr HX_U8 kCacheBits = HXSIM_CACHE_WRITE_BACK | HXSIM_CACHE_READ_AHEAD;
 
 // Sectors of the host that are made of 1, 2, 4 or 8 of the disks'; 0 is 1.
 bool IsCoefficient(HX_U8 coefficient) {
@@ -122,7 +128,7 @@ HX_U8 CreateOnGroup(Adapter& adapter, Time now, const DiskGroup& group,
     }
 
     VirtualDisk virtual_disk = Form(layout, size, param.CachePolicy, param.SectorCoefficient);
-    virtual_disk.name = NameOf(param.Name);
+    virtual_disk.name = TextOf(param.Name);
     virtual_disk.group = group.id;
     virtual_disk.slot = param.DGSlotNum;
     const HX_U16 id = Add(adapter, now, virtual_disk);
@@ -181,24 +187,13 @@ HX_U8 ModifyOnGroup(Adapter& adapter, Time now, const DiskGroup& group,
         const HX_U8 status = Grow(adapter, group, *virtual_disk, param);
         if (status != HX_SUCCESS) return status;
     }
-    if (param.Name[0] != '\0') virtual_disk->name = NameOf(param.Name);
+    if (param.Name[0] != '\0') virtual_disk->name = TextOf(param.Name);
     SetCache(adapter, now, *virtual_disk, param.CachePolicy);
     param.Size.value = virtual_disk->size;
     return HX_SUCCESS;
 }
 
 }  // namespace
-
-bool IsCache(HX_U8 cache) {
-    return (cache & ~(kCacheBits | HXSIM_CACHE_FORCED_WRITE_THROUGH)) == 0;
-}
-
-void SetCache(Adapter& adapter, Time now, VirtualDisk& virtual_disk, HX_U8 cache) {
-    const HX_U8 kept = cache & kCacheBits;
-    if (virtual_disk.cache == kept) return;
-    virtual_disk.cache = kept;
-    Queue(adapter, now, kCacheModeChanged, virtual_disk.id);
-}
 
 HX_U8 CreateVirtualDisk(Adapter& adapter, Time now, Create_LD_Param& param) {
     VirtualDiskPlan plan;
@@ -211,7 +206,7 @@ HX_U8 CreateVirtualDisk(Adapter& adapter, Time now, Create_LD_Param& param) {
 
     VirtualDisk virtual_disk =
         Form(plan.layout, plan.size, param.CachePolicy, param.SectorCoefficient);
-    virtual_disk.name = NameOf(param.Name);
+    virtual_disk.name = TextOf(param.Name);
     const HX_U16 id = Add(adapter, now, virtual_disk);
     for (std::size_t i = 0; i < plan.layout.disks.size(); ++i) {
         Cut(adapter, plan.layout.disks[i], plan.starts[i], plan.block, id, static_cast<HX_U8>(i));
@@ -239,3 +234,43 @@ HX_U8 CreateOrModifyOnGroup(Adapter& adapter, Time now, CreateOrModify_VD_Param&
 }
 
 }  // namespace hxsim
+
+HX_U8 HX_LD_Create(HX_U8 AdapterID, Create_LD_Param* param) {
+    return hxsim::Change(__func__, AdapterID,
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             return hxsim::CreateVirtualDisk(adapter, now, *param);
+                         });
+}
+
+HX_U8 HX_LD_GetMaxSize(HX_U8 AdapterID, Create_LD_Param* param) {
+    return hxsim::Look(__func__, AdapterID,
+                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+                           if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                           return hxsim::SizeVirtualDisk(adapter, *param);
+                       });
+}
+
+HX_U8 HX_LD_StartMigration(HX_U8 AdapterID, Create_LD_Param* param) {
+    return hxsim::Change(__func__, AdapterID,
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             return hxsim::StartMigration(adapter, now, *param);
+                         });
+}
+
+HX_U8 HX_LD_GetMigratedLdSize(HX_U8 AdapterID, Create_LD_Param* param) {
+    return hxsim::Look(__func__, AdapterID,
+                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+                           if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                           return hxsim::SizeMigration(adapter, *param);
+                       });
+}
+
+HX_U8 HX_CreateOrModify_VD(HX_U8 AdapterID, CreateOrModify_VD_Param* param) {
+    return hxsim::Change(__func__, AdapterID,
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             return hxsim::CreateOrModifyOnGroup(adapter, now, *param);
+                         });
+}

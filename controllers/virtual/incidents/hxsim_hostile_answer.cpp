@@ -1,11 +1,11 @@
 // Answers as broken firmware gives them, for callers that have to survive them.
 //
-// Every call is spoiled in the next of a few ways, so that a caller who asks again and again meets
-// them all, in the same order every time.
+// Every answer is made wrong in the next of a few ways, so that a caller who asks again and again
+// meets them all, in the same order every time.
+#include "incidents/hxsim_hostile_answer.h"
+
 #include <array>
 #include <cstring>
-
-#include "calls/hxsim_list_page.h"
 
 namespace hxsim {
 namespace {
@@ -49,19 +49,19 @@ constexpr std::array kWays = {
     Way{FillWithEverything, FirstPageAgain}, Way{FillWithOnes, NothingButMore},
 };
 
-constinit std::size_t spoiled = 0;  // answers so far
+constinit std::size_t answers = 0;  // made hostile so far
 
-const Way& NextWay() { return kWays[spoiled++ % kWays.size()]; }
+const Way& NextWay() { return kWays[answers++ % kWays.size()]; }
 
 }  // namespace
 
-void Spoil(RequestHeader& header, void* records, std::size_t bytes) {
+void MakePageHostile(RequestHeader& header, void* records, std::size_t bytes) {
     const Way& way = NextWay();
     if (bytes != 0) way.fill(static_cast<unsigned char*>(records), bytes);
     way.lie(header);
 }
 
-void SpoilRecord(void* record, std::size_t bytes) {
+void MakeRecordHostile(void* record, std::size_t bytes) {
     NextWay().fill(static_cast<unsigned char*>(record), bytes);
 }
 

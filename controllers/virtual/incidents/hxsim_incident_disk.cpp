@@ -1,22 +1,22 @@
 // What happens to disks from outside: they fail, are pulled out, put in and replaced.
+#include "incidents/hxsim_incident_disk.h"
+
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <string>
-#include <string_view>
 #include <utility>
 
-#include "calls/hxsim_disk.h"
-#include "incidents/hxsim_incident.h"
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_activity_row.h"
 #include "model/hxsim_link.h"
 #include "model/hxsim_random.h"
 #include "model/hxsim_redundancy.h"
 #include "model/hxsim_space.h"
-#include "rules/hxsim_activity.h"
-#include "rules/hxsim_battery.h"
+#include "rules/hxsim_activity_end.h"
+#include "rules/hxsim_copyback.h"
+#include "rules/hxsim_disk_contents.h"
 #include "rules/hxsim_event_queue.h"
 #include "rules/hxsim_remap.h"
-#include "rules/hxsim_repair.h"
 
 namespace hxsim {
 namespace {
@@ -211,60 +211,4 @@ Outcome DamageSector(Adapter& adapter, Time now, HX_U16 disk, Sectors lba) {
     Queue(adapter, now, kInconsistentAddress, virtual_disk->id, AddressAnd(lba, 0, 0));
     return {};
 }
-
-namespace {
-
-// What was held back in the cache, and is written nowhere now, leaves a stripe half written.
-bool LosesWhatIsCached(const Adapter& adapter, const VirtualDisk& virtual_disk) {
-    return (virtual_disk.cache & HXSIM_CACHE_WRITE_BACK) != 0 && !AllowsWriteBack(adapter) &&
-           !ForcesWriteThrough(adapter) && virtual_disk.initialised && !virtual_disk.foreign &&
-           virtual_disk.level != 0 && StateOf(adapter, virtual_disk) != HXSIM_STATE_OFFLINE;
-}
-
-// Whether a virtual disk has gone with all its disks.
-bool IsGone(const Adapter& adapter, HX_U16 virtual_disk) {
-    return std::ranges::none_of(adapter.blocks, [&](const Block& block) {
-        if (block.virtual_disk != virtual_disk) return false;
-        const Disk* const disk = Find(adapter.disks, block.disk);
-        return disk != nullptr && disk->present;
-    });
-}
-
-// What a controller finds missing when it comes up.
-void AnnounceMissing(Adapter& adapter, Time now) {
-    for (const Disk& disk : adapter.disks) {
-        if (!disk.present && IsConfigured(adapter, disk.id)) {
-            Queue(adapter, now, kDiskMissingAtBoot, disk.id);
-        }
-    }
-    for (const VirtualDisk& each : adapter.virtual_disks) {
-        const HX_U8 state = StateOf(adapter, each);
-        if (state != HXSIM_STATE_OPTIMAL && state != HXSIM_STATE_FOREIGN) {
-            const bool gone = IsGone(adapter, each.id);
-            Queue(adapter, now, gone ? kVirtualDiskMissingAtBoot : kVirtualDiskMissesDisks,
-                  each.id);
-        }
-    }
-    const bool battery_missing = std::ranges::any_of(
-        adapter.batteries, [](const Battery& battery) { return !battery.present; });
-    if (battery_missing) Queue(adapter, now, kBatteryNotPresent, 0);
-}
-
-}  // namespace
-
-void CutPower(Adapter& adapter, Time now) {
-    for (VirtualDisk& each : adapter.virtual_disks) {
-        if (LosesWhatIsCached(adapter, each)) ++each.errors;
-    }
-    const char(&serial)[20] = adapter.info.SerialNo;
-    const std::string_view text(serial, strnlen(serial, sizeof serial));
-    Queue(adapter, now, kAdapterFound, adapter.id, {}, text);
-    AnnounceMissing(adapter, now);
-    for (const Activity& activity : adapter.activities) {
-        if (activity.state == HXSIM_ACTIVITY_RUNNING) {
-            Announce(adapter, now, activity, Step::kRestart);
-        }
-    }
-}
-
 }  // namespace hxsim

@@ -1,13 +1,12 @@
 // Virtual time, as it follows from real time.
-#include <ctime>
+#include "model/hxsim_clock.h"
 
-#include "model/hxsim_machine.h"
+#include <ctime>
 
 namespace hxsim {
 namespace {
 
-// A clock that somebody has set far ahead, or sped up without measure, comes to a stop at the ends
-// of time instead of running around them.
+// A clock that was set far ahead or runs very fast saturates instead of wrapping.
 Time Plus(Time time, Time more) {
     Time sum = 0;
     if (!__builtin_add_overflow(time, more, &sum)) return sum;
@@ -20,7 +19,7 @@ Time Minus(Time time, Time less) {
     return less < 0 ? INT64_MAX : INT64_MIN;
 }
 
-// Of two numbers that are not negative.
+// Neither number is negative.
 Time Times(Time time, Time factor) {
     Time product = 0;
     return __builtin_mul_overflow(time, factor, &product) ? INT64_MAX : product;
@@ -29,7 +28,7 @@ Time Times(Time time, Time factor) {
 }  // namespace
 
 Time Now(const Clock& clock, Time real) {
-    // A real clock that is set back takes no virtual time back beyond the start.
+    // A real clock that is set back never makes virtual time earlier than the start.
     const Time passed = Minus(real, clock.real);
     if (passed <= 0 || clock.speed <= 0) return clock.start;
     return Plus(clock.start, Times(passed, clock.speed));

@@ -2,7 +2,7 @@
 //
 // A machine is plain data. It is loaded from the state file, changed by functions that take it by
 // reference, and saved row by row; nothing here knows of files or of the interface's calls. What
-// must hold of a machine between two calls is checked by hxsim_check.h.
+// must hold of a machine between two calls is checked by hxsim_invariants.h.
 #pragma once
 
 #include <algorithm>
@@ -15,11 +15,11 @@
 
 #include "codes/hxraid_codes.h"
 #include "hxraid.h"
+#include "model/hxsim_clock.h"
 
 namespace hxsim {
 
 using Sectors = std::uint64_t;  // of 512 bytes
-using Time = std::int64_t;      // milliseconds of virtual time since 1970-01-01 00:00 UTC
 
 inline constexpr HX_U16 kNoId = 65535;         // no object has this ID
 inline constexpr HX_U16 kNoVirtualDisk = 255;  // a block's virtual disk: none
@@ -27,15 +27,6 @@ inline constexpr HX_U8 kNoDiskGroup = 255;     // LD_Info::DGID of a virtual dis
 inline constexpr Sectors kMetadata = 65536;    // sectors at a disk's end, the controller's own
 inline constexpr Sectors kMostSectors = Sectors{1} << 48;  // of a disk
 inline constexpr std::size_t kMostEvents = 512;            // that an adapter's queue holds
-inline constexpr Time kNever = INT64_MAX;
-
-/// Virtual time: `speed` virtual milliseconds for each real one since `real`, when it was
-/// `start`. Speed 0 is a clock that stands still.
-struct Clock {
-    Time start = 0;
-    Time real = 0;  // milliseconds of real time since 1970
-    std::int64_t speed = 1;
-};
 
 /// What a device is plugged into.
 struct Attachment {
@@ -338,13 +329,10 @@ constexpr bool IsReady(const Disk& disk) {
     return disk.present && !disk.failed && !disk.offline && !disk.foreign;
 }
 
-/// What time it is on the clock at that real time.
-Time Now(const Clock& clock, Time real);
-
-/// Real time now, in milliseconds since 1970-01-01 00:00 UTC.
-Time RealNow();
-
-/// The real time at which the clock will show `time`; kNever when it stands still.
-Time RealTimeOf(const Clock& clock, Time time);
+/// Whether there is such a disk and it can be read and written.
+inline bool IsReady(const Adapter& adapter, HX_U16 disk) {
+    const Disk* const row = Find(adapter.disks, disk);
+    return row != nullptr && IsReady(*row);
+}
 
 }  // namespace hxsim

@@ -3,13 +3,12 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <limits>
-#include <string>
 
-#include "model/hxsim_redundancy.h"
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_disk_role.h"
+#include "model/hxsim_home.h"
 #include "model/hxsim_space.h"
-#include "rules/hxsim_event_queue.h"
 
 namespace hxsim {
 namespace {
@@ -171,14 +170,6 @@ HX_U8 PlanVirtualDisk(const Adapter& adapter, const Create_LD_Param& param, Sect
     return HX_SUCCESS;
 }
 
-std::vector<HX_U16> DisksOf(const Adapter& adapter, Owner of, HX_U16 owner) {
-    std::vector<HX_U16> disks;
-    for (const Home& home : adapter.homes) {
-        if (home.of == of && home.owner == owner) disks.push_back(home.disk);
-    }
-    return disks;
-}
-
 Layout LayoutOf(const Adapter& adapter, const DiskGroup& group) {
     return {FindLevel(group.level), group.legs, group.stripe_kib,
             DisksOf(adapter, Owner::kDiskGroup, group.id)};
@@ -218,34 +209,6 @@ Run Longest(std::span<const Run> runs) {
         if (run.sectors > longest.sectors) longest = run;
     }
     return longest;
-}
-
-void SetHomes(Adapter& adapter, Owner of, HX_U16 owner, std::span<const HX_U16> disks) {
-    DropHomes(adapter, of, owner);
-    const auto at = std::ranges::find_if(adapter.homes, [&](const Home& home) {
-        return home.of > of || (home.of == of && home.owner > owner);
-    });
-    std::vector<Home> homes;
-    for (const HX_U16 disk : disks) {
-        homes.push_back({of, owner, static_cast<HX_U8>(homes.size()), disk, disk});
-    }
-    adapter.homes.insert(at, homes.begin(), homes.end());
-}
-
-void SetWriteCache(Adapter& adapter, Time now, HX_U16 id, bool on) {
-    Disk* const disk = Find(adapter.disks, id);
-    if (disk == nullptr || disk->write_cache == on) return;
-    disk->write_cache = on;
-    Queue(adapter, now, kDiskCacheModeChanged, id);
-}
-
-void DropHomes(Adapter& adapter, Owner of, HX_U16 owner) {
-    std::erase_if(adapter.homes,
-                  [&](const Home& home) { return home.of == of && home.owner == owner; });
-}
-
-std::string NameOf(const char (&field)[HX_NAME_SIZE]) {
-    return {std::begin(field), std::ranges::find(field, '\0')};
 }
 
 }  // namespace hxsim

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <span>
-#include <string>
 #include <vector>
 
 #include "hxraid.h"
@@ -71,10 +70,6 @@ struct VirtualDiskPlan {
 HX_U8 PlanVirtualDisk(const Adapter& adapter, const Create_LD_Param& param, Sectors wanted,
                       VirtualDiskPlan& plan);
 
-/// The disks that serve the positions of a disk group, or of a virtual disk on disks of its own;
-/// kNoId for one that is lost.
-std::vector<HX_U16> DisksOf(const Adapter& adapter, Owner of, HX_U16 owner);
-
 /// What a disk group consists of, with its lost positions.
 Layout LayoutOf(const Adapter& adapter, const DiskGroup& group);
 
@@ -89,17 +84,5 @@ std::vector<Run> CommonFree(const Adapter& adapter, std::span<const HX_U16> disk
 
 /// The longest of the runs, the first of equals; an empty one when there is none.
 Run Longest(std::span<const Run> runs);
-
-/// Writes down which disks serve the positions, each at home there.
-void SetHomes(Adapter& adapter, Owner of, HX_U16 owner, std::span<const HX_U16> disks);
-
-/// Switches a disk's write cache and tells of it when it was otherwise.
-void SetWriteCache(Adapter& adapter, Time now, HX_U16 id, bool on);
-
-/// Forgets the positions.
-void DropHomes(Adapter& adapter, Owner of, HX_U16 owner);
-
-/// The text of a name field.
-std::string NameOf(const char (&field)[HX_NAME_SIZE]);
 
 }  // namespace hxsim

@@ -1,24 +1,10 @@
-// What lost disks mean for virtual disks and disk groups, and whom a disk serves.
+// The states of arrays, from the positions that they have lost.
 #include "model/hxsim_redundancy.h"
 
 #include <algorithm>
-#include <tuple>
-
-#include "model/hxsim_space.h"
 
 namespace hxsim {
 namespace {
-
-template <class Rows>
-auto FindHome(Rows& homes, Owner of, HX_U16 owner, HX_U8 position) -> decltype(homes.data()) {
-    const std::tuple key(of, owner, position);
-    const auto row = std::ranges::lower_bound(homes, key, {}, [](const Home& each) {
-        return std::tuple(each.of, each.owner, each.position);
-    });
-    const bool found =
-        row != homes.end() && row->of == of && row->owner == owner && row->position == position;
-    return found ? &*row : nullptr;
-}
 
 // How many of the positions first .. first + count - 1 are lost.
 unsigned CountLost(const Positions& lost, unsigned first, unsigned count) {
@@ -48,8 +34,7 @@ HX_U8 StateOfRing(const Positions& lost, unsigned width) {
 }
 
 bool IsGood(const Adapter& adapter, const Block& block) {
-    const Disk* const disk = Find(adapter.disks, block.disk);
-    return block.state == HXSIM_STATE_OPTIMAL && disk != nullptr && IsReady(*disk);
+    return block.state == HXSIM_STATE_OPTIMAL && IsReady(adapter, block.disk);
 }
 
 // What a disk group's disks make of it, whatever lies on them.
@@ -58,15 +43,9 @@ HX_U8 StateOfDisks(const Adapter& adapter, const DiskGroup& group) {
     lost.set();
     for (const Home& home : adapter.homes) {
         if (home.of != Owner::kDiskGroup || home.owner != group.id) continue;
-        const Disk* const disk = Find(adapter.disks, home.disk);
-        lost[home.position] = disk == nullptr || !IsReady(*disk);
+        lost[home.position] = !IsReady(adapter, home.disk);
     }
     return StateOfArray(group.level, group.legs, group.width, lost);
-}
-
-bool IsWrong(const Element& element) {
-    return element.status == HXSIM_ELEMENT_CRITICAL ||
-           element.status == HXSIM_ELEMENT_UNRECOVERABLE;
 }
 
 }  // namespace
@@ -89,10 +68,6 @@ HX_U8 StateOfArray(HX_U8 level, HX_U8 legs, HX_U8 width, const Positions& lost) 
         default:
             return StateOfLegs(lost, width, 1, 0);
     }
-}
-
-bool CausesAlarm(HX_U8 state) {
-    return state == HXSIM_STATE_DEGRADED || state == HXSIM_STATE_OFFLINE;
 }
 
 bool IsRedundant(HX_U8 level) { return level != 0x00; }
@@ -120,48 +95,6 @@ HX_U8 StateOf(const Adapter& adapter, const DiskGroup& group) {
         if (each.group == group.id) worst = std::max(worst, StateOf(adapter, each));
     }
     return worst != 0 ? worst : StateOfDisks(adapter, group);
-}
-
-Home* HomeOf(Adapter& adapter, Owner of, HX_U16 owner, HX_U8 position) {
-    return FindHome(adapter.homes, of, owner, position);
-}
-
-const Home* HomeOf(const Adapter& adapter, Owner of, HX_U16 owner, HX_U8 position) {
-    return FindHome(adapter.homes, of, owner, position);
-}
-
-const DiskGroup* GroupOf(const Adapter& adapter, HX_U16 disk) {
-    for (const Home& home : adapter.homes) {
-        if (home.of == Owner::kDiskGroup && home.disk == disk) {
-            return Find(adapter.disk_groups, home.owner);
-        }
-    }
-    // One that is written for the group already, by a migration or a copyback.
-    for (const Block& block : adapter.blocks) {
-        if (block.disk != disk || block.virtual_disk == kNoVirtualDisk) continue;
-        const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, block.virtual_disk);
-        if (virtual_disk == nullptr || virtual_disk->group == kNoId) continue;
-        return Find(adapter.disk_groups, virtual_disk->group);
-    }
-    return nullptr;
-}
-
-bool IsConfigured(const Adapter& adapter, HX_U16 disk) {
-    return GroupOf(adapter, disk) != nullptr || CarriesBlocks(adapter, disk);
-}
-
-bool IsFree(const Adapter& adapter, const Disk& disk) {
-    return IsReady(disk) && disk.spare == Spare::kNone && !IsConfigured(adapter, disk.id);
-}
-
-void UpdateAlarm(Adapter& adapter, bool new_cause) {
-    const bool cause =
-        std::ranges::any_of(adapter.virtual_disks,
-                            [](const VirtualDisk& each) { return CausesAlarm(each.state); }) ||
-        std::ranges::any_of(adapter.elements, IsWrong);
-    if (!cause || new_cause) adapter.muted = false;
-    adapter.alarm =
-        cause && !adapter.muted && adapter.info.AlarmSupport != 0 && adapter.config.AlarmOn != 0;
 }
 
 }  // namespace hxsim

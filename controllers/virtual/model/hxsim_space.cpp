@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "rules/hxsim_migration.h"
+#include "model/hxsim_migration_row.h"
 
 namespace hxsim {
 namespace {
@@ -74,6 +74,23 @@ auto FindBlock(AnyAdapter& adapter, HX_U16 virtual_disk, HX_U8 position, bool ta
                block.target == target;
     });
     return found == adapter.blocks.end() ? nullptr : &*found;
+}
+
+// Free blocks that running migrations will leave on the disk beyond those that are there: ends of
+// blocks that stay and become shorter.
+unsigned TailsToCome(const Adapter& adapter, HX_U16 disk) {
+    unsigned tails = 0;
+    for (const Activity& migration : adapter.activities) {
+        if (migration.kind != HXSIM_ACTIVITY_MIGRATION) continue;
+        for (const Block& block : adapter.blocks) {
+            if (block.disk != disk || block.target || block.position >= migration.width) continue;
+            const VirtualDisk* const owner = Find(adapter.virtual_disks, block.virtual_disk);
+            if (owner == nullptr || !Moves(migration, *owner)) continue;
+            const bool stays = BlockOf(adapter, owner->id, block.position, true) == nullptr;
+            if (stays && block.sectors > BlockAfter(migration, *owner)) ++tails;
+        }
+    }
+    return tails;
 }
 
 }  // namespace
@@ -192,6 +209,13 @@ Block* BlockOf(Adapter& adapter, HX_U16 virtual_disk, HX_U8 position, bool targe
 
 const Block* BlockOf(const Adapter& adapter, HX_U16 virtual_disk, HX_U8 position, bool target) {
     return FindBlock(adapter, virtual_disk, position, target);
+}
+
+const Block* AnyBlockOf(const Adapter& adapter, HX_U16 virtual_disk) {
+    const auto found = std::ranges::find_if(adapter.blocks, [&](const Block& block) {
+        return block.virtual_disk == virtual_disk && !block.target;
+    });
+    return found == adapter.blocks.end() ? nullptr : &*found;
 }
 
 bool CarriesBlocks(const Adapter& adapter, HX_U16 disk) {

@@ -1,8 +1,6 @@
 // The space on the disks: blocks cut out of free runs and given back.
 #pragma once
 
-#include <optional>
-
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
@@ -54,6 +52,9 @@ void ResetDisk(Adapter& adapter, HX_U16 disk);
 Block* BlockOf(Adapter& adapter, HX_U16 virtual_disk, HX_U8 position, bool target = false);
 const Block* BlockOf(const Adapter& adapter, HX_U16 virtual_disk, HX_U8 position,
                      bool target = false);
+
+/// Any block that serves the virtual disk: all have the same size. Null when none is left.
+const Block* AnyBlockOf(const Adapter& adapter, HX_U16 virtual_disk);
 
 /// Whether a block of any virtual disk lies on the disk.
 bool CarriesBlocks(const Adapter& adapter, HX_U16 disk);

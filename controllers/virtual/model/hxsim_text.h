@@ -1,7 +1,10 @@
 // Texts in the fixed fields of the interface's records.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
+#include <string>
 #include <string_view>
 
 namespace hxsim {
@@ -20,6 +23,12 @@ void SetPaddedText(char (&field)[size], std::string_view text, std::size_t width
         const char pad = i < width ? ' ' : '\0';
         field[i] = i < text.size() && i < width ? text[i] : pad;
     }
+}
+
+/// The text of a field, which ends at its first NUL or with the field.
+template <std::size_t size>
+std::string TextOf(const char (&field)[size]) {
+    return {std::begin(field), std::find(std::begin(field), std::end(field), '\0')};
 }
 
 }  // namespace hxsim

@@ -1,15 +1,15 @@
 // The machine brought up to now: whatever was due happens, in the order of its time.
+#include "rules/hxsim_advance.h"
+
 #include <algorithm>
-#include <optional>
+#include <cstddef>
 #include <tuple>
 
-#include "model/hxsim_redundancy.h"
+#include "codes/hxraid_codes.h"
 #include "rules/hxsim_activity.h"
+#include "rules/hxsim_activity_end.h"
 #include "rules/hxsim_battery.h"
-#include "rules/hxsim_event_queue.h"
-#include "rules/hxsim_migration.h"
-#include "rules/hxsim_remap.h"
-#include "rules/hxsim_repair.h"
+#include "rules/hxsim_settle.h"
 
 namespace hxsim {
 namespace {
@@ -63,79 +63,6 @@ Due NextDue(const Machine& machine) {
     return next;
 }
 
-// ---- What completion brings about ----
-
-void FinishInitialisation(Adapter& adapter, HX_U16 id) {
-    VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
-    if (virtual_disk == nullptr) return;
-    virtual_disk->initialised = true;
-    virtual_disk->errors = 0;
-}
-
-// Every sector of the virtual disk has been read.
-void MeetDamage(Adapter& adapter, Time now, HX_U16 virtual_disk) {
-    for (const Block& block : adapter.blocks) {
-        if (block.virtual_disk == virtual_disk && !block.target) {
-            RemapDamage(adapter, now, block.disk, block.start, block.sectors);
-        }
-    }
-}
-
-void FinishCheck(Adapter& adapter, Time now, HX_U16 id) {
-    MeetDamage(adapter, now, id);
-    const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
-    if (virtual_disk == nullptr || virtual_disk->errors == 0) return;
-    Queue(adapter, now, kErrorsFound, id, {virtual_disk->errors});
-}
-
-void FinishFix(Adapter& adapter, Time now, HX_U16 id) {
-    MeetDamage(adapter, now, id);
-    VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
-    if (virtual_disk == nullptr || virtual_disk->errors == 0) return;
-    Queue(adapter, now, kErrorsFixed, id, {virtual_disk->errors});
-    virtual_disk->errors = 0;
-}
-
-// A scrub tells of damage and leaves it as it is.
-void FinishScrub(Adapter& adapter, Time now, HX_U16 disk) {
-    const Remap* first = nullptr;
-    HX_U32 count = 0;
-    for (const Remap& each : adapter.remaps) {
-        if (each.disk != disk || each.reason != kNotRemapped) continue;
-        if (first == nullptr) first = &each;
-        ++count;
-    }
-    if (first == nullptr) return;
-    const auto high = static_cast<HX_U32>(first->lba >> 32);
-    Queue(adapter, now, kScrubError, disk, {count, high, static_cast<HX_U32>(first->lba)});
-}
-
-void TakeEffect(Adapter& adapter, Time now, const Activity& activity) {
-    switch (activity.kind) {
-        case HXSIM_ACTIVITY_CHECK:
-            return FinishCheck(adapter, now, activity.owner);
-        case HXSIM_ACTIVITY_FIX:
-            return FinishFix(adapter, now, activity.owner);
-        case HXSIM_ACTIVITY_INIT_QUICK:
-        case HXSIM_ACTIVITY_INIT_BACK:
-        case HXSIM_ACTIVITY_INIT_FORE:
-            return FinishInitialisation(adapter, activity.owner);
-        case HXSIM_ACTIVITY_REBUILD:
-            return FinishRebuild(adapter, now, activity.owner);
-        case HXSIM_ACTIVITY_MIGRATION:
-            return CompleteMigration(adapter, activity);
-        case HXSIM_ACTIVITY_COPYBACK:
-            return FinishCopyback(adapter, activity);
-        case HXSIM_ACTIVITY_MEDIA_PATROL:
-            RemapDamage(adapter, now, activity.owner, 0, UINT64_MAX);
-            return;
-        case HXSIM_ACTIVITY_DATA_SCRUB:
-            return FinishScrub(adapter, now, activity.owner);
-        default:
-            return;
-    }
-}
-
 // Lets an activity announce its progress, or come to its end.
 void TakeStep(Adapter& adapter, Time now, HX_U16 id) {
     Activity* const activity = Find(adapter.activities, id);
@@ -144,10 +71,7 @@ void TakeStep(Adapter& adapter, Time now, HX_U16 id) {
         Announce(adapter, now, *activity, Step::kProgress, activity->announced);
         return;
     }
-    const Activity complete = *activity;
-    adapter.activities.erase(adapter.activities.begin() + (activity - adapter.activities.data()));
-    TakeEffect(adapter, now, complete);
-    Announce(adapter, now, complete, Step::kComplete);
+    Complete(adapter, now, id);
 }
 
 }  // namespace

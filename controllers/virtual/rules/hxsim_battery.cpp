@@ -5,10 +5,7 @@
 #include "rules/hxsim_battery.h"
 
 #include <algorithm>
-#include <cstdint>
 
-#include "calls/hxsim_list_page.h"
-#include "calls/hxsim_session.h"
 #include "codes/hxraid_codes.h"
 #include "rules/hxsim_event_queue.h"
 
@@ -20,45 +17,12 @@ constexpr std::uint64_t kFullCharge = 2 * kHour;
 constexpr std::uint64_t kFullDischarge = 4 * kHour;
 constexpr unsigned kSafePercentage = 30;
 constexpr HX_U16 kNoTime = 65535;  // minutes of a thing that does not happen
-constexpr HX_U16 kBattery = 0;     // the device of its events
-
-constexpr HX_U16 kHighestTemperature = 100;
-constexpr HX_U16 kLowestVoltage = 1000, kHighestVoltage = 20000;
-
-bool Charges(BatteryPhase phase) {
-    return phase == BatteryPhase::kCharging || phase == BatteryPhase::kRelearnCharging;
-}
-bool Discharges(BatteryPhase phase) {
-    return phase == BatteryPhase::kDischarging || phase == BatteryPhase::kRelearnDischarging;
-}
-bool Relearns(BatteryPhase phase) {
-    return phase == BatteryPhase::kRelearnDischarging || phase == BatteryPhase::kRelearnCharging;
-}
-
-std::uint64_t Capacity(const Battery& battery) {
-    return std::max<std::uint64_t>(battery.info.maxCapacity, 1);
-}
 
 std::uint64_t RoundedUp(std::uint64_t dividend, std::uint64_t divisor) {
     return (dividend + divisor - 1) / divisor;
 }
 
 // ---- Charge ----
-
-HX_U16 ChargeAt(const Battery& battery, Time now) {
-    const std::uint64_t start = std::min<std::uint64_t>(battery.charge_at_since, Capacity(battery));
-    const auto passed = static_cast<std::uint64_t>(std::max<Time>(now - battery.since, 0));
-    if (Charges(battery.phase)) {
-        const std::uint64_t won = std::min(passed, kFullCharge) * Capacity(battery) / kFullCharge;
-        return static_cast<HX_U16>(std::min(start + won, Capacity(battery)));
-    }
-    if (Discharges(battery.phase)) {
-        const std::uint64_t gone =
-            std::min(passed, kFullDischarge) * Capacity(battery) / kFullDischarge;
-        return static_cast<HX_U16>(start - std::min(start, gone));
-    }
-    return static_cast<HX_U16>(start);
-}
 
 unsigned PercentageOf(const Battery& battery, std::uint64_t charge) {
     return static_cast<unsigned>(std::min<std::uint64_t>(charge * 100 / Capacity(battery), 100));
@@ -207,12 +171,26 @@ bool WantsCharge(const Battery& battery) {
            PercentageOf(battery, battery.charge_at_since) < battery.info.percent_to_charge;
 }
 
-Battery* BatteryOf(Adapter& adapter) {
-    if (adapter.batteries.empty() || !adapter.batteries.front().present) return nullptr;
-    return &adapter.batteries.front();
+}  // namespace
+
+std::uint64_t Capacity(const Battery& battery) {
+    return std::max<std::uint64_t>(battery.info.maxCapacity, 1);
 }
 
-}  // namespace
+HX_U16 ChargeAt(const Battery& battery, Time now) {
+    const std::uint64_t start = std::min<std::uint64_t>(battery.charge_at_since, Capacity(battery));
+    const auto passed = static_cast<std::uint64_t>(std::max<Time>(now - battery.since, 0));
+    if (Charges(battery.phase)) {
+        const std::uint64_t won = std::min(passed, kFullCharge) * Capacity(battery) / kFullCharge;
+        return static_cast<HX_U16>(std::min(start + won, Capacity(battery)));
+    }
+    if (Discharges(battery.phase)) {
+        const std::uint64_t gone =
+            std::min(passed, kFullDischarge) * Capacity(battery) / kFullDischarge;
+        return static_cast<HX_U16>(start - std::min(start, gone));
+    }
+    return static_cast<HX_U16>(start);
+}
 
 BBU_Info Describe(const Battery& battery, Time now) {
     BBU_Info info = battery.info;
@@ -280,95 +258,4 @@ void AdvanceBattery(Adapter& adapter, Time now) {
     }
 }
 
-HX_U8 SetThreshold(Adapter& adapter, Time now, HX_U8 kind, HX_U16 lower, HX_U16 upper) {
-    const Battery* const battery = BatteryOf(adapter);
-    if (battery == nullptr) return HXSIM_NO_BATTERY;
-    if ((battery->info.featureSupport & HXSIM_BATTERY_THRESHOLDS) == 0) return HXSIM_NOT_SUPPORTED;
-    switch (kind) {
-        case HX_BBU_THRESHOLD_TEMPERATURE:
-            if (lower >= upper || upper > kHighestTemperature) return HXSIM_BAD_VALUE;
-            ChangeBattery(adapter, now, [&](Battery& changed) {
-                changed.info.temp_lowerbound = lower;
-                changed.info.temp_upperbound = upper;
-            });
-            return HX_SUCCESS;
-        case HX_BBU_THRESHOLD_VOLTAGE:
-            if (lower >= upper || lower < kLowestVoltage || upper > kHighestVoltage) {
-                return HXSIM_BAD_VALUE;
-            }
-            ChangeBattery(adapter, now, [&](Battery& changed) {
-                changed.info.volt_lowerbound = lower;
-                changed.info.volt_upperbound = upper;
-            });
-            return HX_SUCCESS;
-        default:
-            return HXSIM_BAD_ACTION;
-    }
-}
-
-HX_U8 ChangePower(Adapter& adapter, Time now, HX_U8 action) {
-    const Battery* const battery = BatteryOf(adapter);
-    if (battery == nullptr) return HXSIM_NO_BATTERY;
-    if (action > HXSIM_POWER_DISCHARGE) return HXSIM_BAD_ACTION;
-    if (Relearns(battery->phase)) return HXSIM_BUSY;
-    const HX_U16 charge = ChargeAt(*battery, now);
-    const auto enter = [&](BatteryPhase phase, const EventKind& event) {
-        Queue(adapter, now, event, kBattery);
-        ChangeBattery(adapter, now, [&](Battery& changed) { changed.phase = phase; });
-        return HX_U8{HX_SUCCESS};
-    };
-    switch (action) {
-        case HXSIM_POWER_CHARGE:
-            if (Charges(battery->phase) || charge >= Capacity(*battery)) return HXSIM_NO_CHANGE;
-            return enter(BatteryPhase::kCharging, kBatteryStartedCharging);
-        case HXSIM_POWER_DISCHARGE:
-            if (Discharges(battery->phase) || charge == 0) return HXSIM_NO_CHANGE;
-            return enter(BatteryPhase::kDischarging, kBatteryDischarging);
-        default:
-            if ((battery->info.featureSupport & HXSIM_BATTERY_RELEARN) == 0) {
-                return HXSIM_NOT_SUPPORTED;
-            }
-            return enter(BatteryPhase::kRelearnDischarging, kBatteryRelearnStarted);
-    }
-}
-
-HX_U8 SwitchBattery(Adapter& adapter, Time now, bool on) {
-    const Battery* const battery = BatteryOf(adapter);
-    if (battery == nullptr) return HXSIM_NO_BATTERY;
-    if (battery->switched_on == on) return HXSIM_NO_CHANGE;
-    ChangeBattery(adapter, now, [&](Battery& changed) { changed.switched_on = on; });
-    return HX_SUCCESS;
-}
-
 }  // namespace hxsim
-
-HX_U8 HX_BBU_GetInfo(HX_U8 AdapterID, BBU_Info* info) {
-    const auto work = [&](const hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-        if (info == nullptr) return HXSIM_NULL_ADDRESS;
-        if (adapter.batteries.empty() || !adapter.batteries.front().present) {
-            return HXSIM_NO_BATTERY;
-        }
-        *info = hxsim::Describe(adapter.batteries.front(), now);
-        if (hxsim::IsHostile()) hxsim::SpoilRecord(info, sizeof *info);
-        return HX_SUCCESS;
-    };
-    return hxsim::Look(__func__, AdapterID, work);
-}
-
-HX_U8 HX_BBU_SetThreshold(HX_U8 AdapterID, HX_U8 kind, HX_U16 lower, HX_U16 upper) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::SetThreshold(adapter, now, kind, lower, upper);
-    });
-}
-
-HX_U8 HX_BBU_ChangePower(HX_U8 AdapterID, HX_U8 action) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::ChangePower(adapter, now, action);
-    });
-}
-
-HX_U8 HX_BBU_SetStatus(HX_U8 AdapterID, HX_BOOLEAN status) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::SwitchBattery(adapter, now, status != 0);
-    });
-}

@@ -1,6 +1,7 @@
 // The battery unit: charge, relearn cycles, thresholds, and what they mean for the write cache.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 
 #include "hxraid.h"
@@ -10,6 +11,19 @@ namespace hxsim {
 
 /// The battery's record as it is now.
 BBU_Info Describe(const Battery& battery, Time now);
+
+constexpr bool Charges(BatteryPhase phase) {
+    return phase == BatteryPhase::kCharging || phase == BatteryPhase::kRelearnCharging;
+}
+constexpr bool Discharges(BatteryPhase phase) {
+    return phase == BatteryPhase::kDischarging || phase == BatteryPhase::kRelearnDischarging;
+}
+constexpr bool Relearns(BatteryPhase phase) {
+    return phase == BatteryPhase::kRelearnDischarging || phase == BatteryPhase::kRelearnCharging;
+}
+
+/// The device of the battery's events.
+inline constexpr HX_U16 kBattery = 0;
 
 /// Whether the adapter's virtual disks may keep written data in the cache now: it has a battery
 /// that is safe. An adapter that never had one may not, but nothing is forced on it.
@@ -29,9 +43,8 @@ void AdvanceBattery(Adapter& adapter, Time now);
 /// adapter must have one.
 void ChangeBattery(Adapter& adapter, Time now, const std::function<void(Battery& battery)>& change);
 
-/// What callers do to the battery. Each returns HX_SUCCESS, or refuses with the battery as it was.
-HX_U8 SetThreshold(Adapter& adapter, Time now, HX_U8 kind, HX_U16 lower, HX_U16 upper);
-HX_U8 ChangePower(Adapter& adapter, Time now, HX_U8 action);  // HxsimPower
-HX_U8 SwitchBattery(Adapter& adapter, Time now, bool on);
+/// The charge in mAh, and what a full one is.
+HX_U16 ChargeAt(const Battery& battery, Time now);
+std::uint64_t Capacity(const Battery& battery);
 
 }  // namespace hxsim

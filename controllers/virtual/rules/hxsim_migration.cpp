@@ -9,11 +9,16 @@
 #include <utility>
 #include <vector>
 
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_activity_row.h"
+#include "model/hxsim_home.h"
 #include "model/hxsim_level.h"
+#include "model/hxsim_migration_row.h"
 #include "model/hxsim_plan.h"
 #include "model/hxsim_redundancy.h"
 #include "model/hxsim_space.h"
 #include "rules/hxsim_activity.h"
+#include "rules/hxsim_disk_write_cache.h"
 
 namespace hxsim {
 namespace {
@@ -50,19 +55,6 @@ std::vector<HX_U16> Arrange(std::span<const HX_U16> wanted, std::span<const HX_U
 
 bool IsKept(const Layout& layout, std::span<const HX_U16> old, std::size_t position) {
     return position < old.size() && layout.disks[position] == old[position];
-}
-
-// The sectors that each block of the virtual disk has when the migration has ended.
-Sectors BlockAfter(const Activity& migration, const VirtualDisk& virtual_disk) {
-    const bool own = migration.of == Owner::kVirtualDisk;
-    return BlockSectors(*FindLevel(migration.level), migration.width, migration.legs,
-                        own ? migration.stripe_kib : virtual_disk.stripe_kib,
-                        own ? migration.size : virtual_disk.size);
-}
-
-bool Moves(const Activity& migration, const VirtualDisk& virtual_disk) {
-    return migration.of == Owner::kVirtualDisk ? migration.owner == virtual_disk.id
-                                               : migration.owner == virtual_disk.group;
 }
 
 Activity MigrationTo(const Layout& layout, Owner of, HX_U16 owner, Sectors size) {
@@ -431,21 +423,6 @@ void AbandonMigration(Adapter& adapter, const Activity& migration) {
         }
     }
     for (const HX_U16 block : targets) Release(adapter, block);
-}
-
-unsigned TailsToCome(const Adapter& adapter, HX_U16 disk) {
-    unsigned tails = 0;
-    for (const Activity& migration : adapter.activities) {
-        if (migration.kind != HXSIM_ACTIVITY_MIGRATION) continue;
-        for (const Block& block : adapter.blocks) {
-            if (block.disk != disk || block.target || block.position >= migration.width) continue;
-            const VirtualDisk* const owner = Find(adapter.virtual_disks, block.virtual_disk);
-            if (owner == nullptr || !Moves(migration, *owner)) continue;
-            const bool stays = BlockOf(adapter, owner->id, block.position, true) == nullptr;
-            if (stays && block.sectors > BlockAfter(migration, *owner)) ++tails;
-        }
-    }
-    return tails;
 }
 
 }  // namespace hxsim

@@ -32,8 +32,4 @@ void CompleteMigration(Adapter& adapter, const Activity& migration);
 /// Gives back what a migration has taken: called when its activity ends before its time.
 void AbandonMigration(Adapter& adapter, const Activity& migration);
 
-/// Free blocks that running migrations will leave on the disk beyond those that are there: ends of
-/// blocks that stay and become shorter.
-unsigned TailsToCome(const Adapter& adapter, HX_U16 disk);
-
 }  // namespace hxsim

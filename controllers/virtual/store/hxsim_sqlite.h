@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "store/hxsim_store.h"
+#include "store/hxsim_store_error.h"
 
 namespace hxsim {
 

@@ -19,10 +19,9 @@
 #include <filesystem>
 #include <utility>
 
-#include "rules/hxsim_activity.h"
+#include "rules/hxsim_advance.h"
 #include "store/hxsim_sqlite.h"
 #include "store/hxsim_tables.h"
-#include "topology/hxsim_topology.h"
 
 namespace hxsim {
 namespace {
@@ -30,7 +29,6 @@ namespace {
 constexpr const char* kMemory = ":memory:";
 constexpr const char* kSystemPath = "/var/lib/vexorapi/hxsim.db";
 constexpr const char* kUserPath = "/vexorapi/hxsim.db";  // below the user's state folder
-constexpr std::uint64_t kSeed = 1;  // of a machine that nobody has made: the same everywhere
 
 // ---- Paths ----
 
@@ -123,8 +121,6 @@ void Fill(const Connection& connection, const Machine& machine) {
     Tables(connection).Save(Machine{}, machine);
 }
 
-Machine DefaultMachine() { return MakeMachine(BuiltInTopology("default"), kSeed, RealNow()); }
-
 }  // namespace
 
 std::string StatePath() {
@@ -194,7 +190,10 @@ struct Link {
 }  // namespace
 
 struct Store::Database {
-    explicit Database(const std::string& file) : path_(Absolute(file)) { Connect(nullptr); }
+    Database(const std::string& file, std::function<Machine()> first)
+        : path_(Absolute(file)), first_(std::move(first)) {
+        Connect(nullptr);
+    }
 
     const Machine& Current() {
         FollowFork();
@@ -214,9 +213,9 @@ struct Store::Database {
     }
 
 private:
-    // Opens the file, and makes the machine when there is none: a copy of `first`, or the default
+    // Opens the file, and makes the machine when there is none: a copy of `inherited`, or the first
     // one.
-    void Connect(const Machine* first) {
+    void Connect(const Machine* inherited) {
         if (path_ != kMemory) MakeFile(path_);
         link_ = std::make_unique<Link>(path_);
         pid_ = getpid();
@@ -224,7 +223,7 @@ private:
         if (IsStateFile(link_->connection, path_)) {
             Migrate(link_->connection, path_, kMigrations, kSchemaVersion);
         } else {
-            Fill(link_->connection, first != nullptr ? *first : DefaultMachine());
+            Fill(link_->connection, inherited != nullptr ? *inherited : first_());
         }
         transaction.Commit();
         loaded_ = false;
@@ -298,7 +297,8 @@ private:
     }
 
     const std::string path_;
-    pid_t pid_ = 0;  // of the process that has opened it
+    const std::function<Machine()> first_;  // of a file that is not there
+    pid_t pid_ = 0;                         // of the process that has opened it
     std::unique_ptr<Link> link_;
     std::int64_t known_version_ = 0;
     bool busy_ = false;    // in the middle of a call
@@ -307,7 +307,8 @@ private:
     Time due_ = kNever;  // in real time
 };
 
-Store::Store(const std::string& path) : database_(std::make_unique<Database>(path)) {}
+Store::Store(const std::string& path, std::function<Machine()> first)
+    : database_(std::make_unique<Database>(path, std::move(first))) {}
 Store::~Store() = default;
 
 void Store::Create(const std::string& path, const Machine& machine) {

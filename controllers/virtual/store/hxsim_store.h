@@ -3,17 +3,12 @@
 
 #include <functional>
 #include <memory>
-#include <stdexcept>
 #include <string>
 
 #include "model/hxsim_machine.h"
+#include "store/hxsim_store_error.h"
 
 namespace hxsim {
-
-/// The state file cannot be used; what() is one sentence that names the file and says what to do.
-struct StoreError : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 /// The state file's path: HXSIM_STATE, else below the folder that VEXORAPI_ROOT names, else in the
 /// user's state folder. Set-user-ID processes look at none of them but the system's own folder.
@@ -22,8 +17,9 @@ std::string StatePath();
 /// An open state file and the machine as it was last read from it or written to it.
 class Store {
 public:
-    /// Opens the file. One that is not there is made, with the default topology. Throws StoreError.
-    explicit Store(const std::string& path);
+    /// Opens the file. One that is not there is made, with the machine that `first` makes. Throws
+    /// StoreError.
+    Store(const std::string& path, std::function<Machine()> first);
     ~Store();
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;

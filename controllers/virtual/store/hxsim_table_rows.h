@@ -8,19 +8,10 @@
 #include <tuple>
 #include <vector>
 
+#include "model/hxsim_column.h"
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
-
-template <class Class, class Value>
-struct Column {
-    const char* name;
-    Value Class::*field;
-};
-template <class Class, class Value>
-constexpr Column<Class, Value> Col(const char* name, Value Class::*field) {
-    return {name, field};
-}
 
 /// A table that has a row for each entry of a list. Its first `keys` columns name the entry among
 /// those of the list and stand in the list's order; without any there is one entry at most.

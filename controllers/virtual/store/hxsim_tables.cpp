@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "model/hxsim_invariants.h"
-#include "store/hxsim_store.h"
+#include "store/hxsim_store_error.h"
 
 namespace hxsim {
 namespace {

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstring>
 #include <initializer_list>
 #include <iterator>
 #include <limits>
@@ -20,6 +19,8 @@
 
 #include "hxsim_topologies.h"
 #include "model/hxsim_adapter_model.h"
+#include "model/hxsim_column.h"
+#include "model/hxsim_home.h"
 #include "model/hxsim_invariants.h"
 #include "model/hxsim_level.h"
 #include "model/hxsim_link.h"
@@ -28,7 +29,6 @@
 #include "model/hxsim_space.h"
 #include "model/hxsim_text.h"
 #include "rules/hxsim_event_queue.h"
-#include "store/hxsim_table_rows.h"
 
 namespace hxsim {
 namespace {
@@ -829,9 +829,7 @@ private:
     // What a controller tells when it comes up, in that order.
     void QueueStart() {
         const Time now = machine_.clock.start;
-        const char* const serial = adapter_.info.SerialNo;
-        Queue(adapter_, now, kAdapterFound, adapter_.id, {},
-              {serial, strnlen(serial, sizeof adapter_.info.SerialNo)});
+        Queue(adapter_, now, kAdapterFound, adapter_.id, {}, TextOf(adapter_.info.SerialNo));
         QueueForEach(adapter_.expanders, kExpanderPluggedIn);
         QueueForEach(adapter_.disks, kDiskOnline);
         if (!adapter_.batteries.empty()) Queue(adapter_, now, kBatteryPresent, 0);
@@ -928,6 +926,11 @@ Machine MakeMachine(std::string_view topology, std::uint64_t seed, Time now) {
     if (!broken.empty())
         throw TopologyError("Topology: the machine would not be sound: " + broken[0]);
     return machine;
+}
+
+Machine DefaultMachine() {
+    constexpr std::uint64_t kSeed = 1;  // the same machine everywhere
+    return MakeMachine(BuiltInTopology("default"), kSeed, RealNow());
 }
 
 }  // namespace hxsim

@@ -26,4 +26,7 @@ std::string_view BuiltInTopology(std::string_view name);
 /// `now` is what its clock starts at, in real and in virtual time. Throws TopologyError.
 Machine MakeMachine(std::string_view topology, std::uint64_t seed, Time now);
 
+/// The machine of a state file that nobody has made: of the topology "default", from now on.
+Machine DefaultMachine();
+
 }  // namespace hxsim

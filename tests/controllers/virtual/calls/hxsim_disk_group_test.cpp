@@ -1,5 +1,7 @@
 // Disk groups and the virtual disks in their slots: made, changed, moved and deleted.
-#include "calls/hxsim_disk_group.h"
+#include "calls/hxsim_disk_group_change.h"
+#include "calls/hxsim_disk_group_create.h"
+#include "calls/hxsim_disk_group_list.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,8 +10,13 @@
 #include <ostream>
 #include <string>
 
-#include "calls/hxsim_virtual_disk.h"
+#include "calls/hxsim_activity_control.h"
+#include "calls/hxsim_virtual_disk_change.h"
+#include "calls/hxsim_virtual_disk_create.h"
 #include "controllers/virtual/support/living_machine.h"
+#include "model/hxsim_activity_row.h"
+#include "rules/hxsim_activity.h"
+#include "rules/hxsim_activity_end.h"
 #include "rules/hxsim_migration.h"
 
 namespace hxsim {

@@ -1,5 +1,5 @@
 // Disks: what callers and hands do to them, and what becomes of what lay on them.
-#include "calls/hxsim_disk.h"
+#include "model/hxsim_disk_role.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,9 +7,12 @@
 #include <cstring>
 #include <string>
 
-#include "calls/hxsim_disk_calls.h"
+#include "calls/hxsim_disk_change.h"
 #include "controllers/virtual/support/living_parts.h"
 #include "incidents/hxsim_incident.h"
+#include "incidents/hxsim_incident_battery.h"
+#include "incidents/hxsim_incident_disk.h"
+#include "incidents/hxsim_incident_power.h"
 #include "model/hxsim_link.h"
 #include "model/hxsim_space.h"
 #include "rules/hxsim_activity.h"
@@ -22,9 +25,9 @@ using testing::IsEmpty;
 
 class LivingDisk : public parts::PartsTest {
 protected:
-    HX_U8 StatusOf(HX_U16 id) { return hxsim::Parts(adapter()).Of(disk(id)).status; }
-    HX_U16 Serves(HX_U16 id) { return hxsim::Parts(adapter()).Of(disk(id)).serves; }
-    hxsim::Sectors FreeOn(HX_U16 id) { return hxsim::Parts(adapter()).Of(disk(id)).free; }
+    HX_U8 StatusOf(HX_U16 id) { return hxsim::DiskRoles(adapter()).Of(disk(id)).status; }
+    HX_U16 Serves(HX_U16 id) { return hxsim::DiskRoles(adapter()).Of(disk(id)).serves; }
+    hxsim::Sectors FreeOn(HX_U16 id) { return hxsim::DiskRoles(adapter()).Of(disk(id)).free; }
 
     HX_U8 Set(HX_U16 id, HX_U8 action) { return hxsim::SetDiskState(adapter(), kNow, id, action); }
     HX_U8 Wipe(HX_U16 id, bool force) { return hxsim::WipeDisk(adapter(), kNow, id, force); }
@@ -104,8 +107,8 @@ TEST_F(LivingDisk, StatusOfARebuildingDiskSaysSo) {
 TEST_F(LivingDisk, ServesAGroupOrAVirtualDiskOrNothing) {
     EXPECT_EQ(0, Serves(2));
     EXPECT_EQ(0, Serves(4));
-    EXPECT_TRUE(hxsim::Parts(adapter()).Of(disk(4)).of_group);
-    EXPECT_FALSE(hxsim::Parts(adapter()).Of(disk(2)).of_group);
+    EXPECT_TRUE(hxsim::DiskRoles(adapter()).Of(disk(4)).of_group);
+    EXPECT_FALSE(hxsim::DiskRoles(adapter()).Of(disk(2)).of_group);
     EXPECT_EQ(65535, Serves(5));
     EXPECT_EQ(65535, Serves(6));
     EXPECT_EQ(0, Serves(7));

@@ -1,5 +1,5 @@
 // Enclosures: what their sensors read, what that means, and whom it calls.
-#include "calls/hxsim_enclosure.h"
+#include "rules/hxsim_enclosure_sensors.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 
 #include "calls/hxsim_adapter.h"
 #include "controllers/virtual/support/living_parts.h"
-#include "incidents/hxsim_incident.h"
+#include "incidents/hxsim_incident_enclosure.h"
 
 namespace {
 

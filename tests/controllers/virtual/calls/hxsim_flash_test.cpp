@@ -1,5 +1,6 @@
 // The flash: images erased, written in pieces, judged and read back.
 #include "calls/hxsim_flash.h"
+#include "model/hxsim_bios_image.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

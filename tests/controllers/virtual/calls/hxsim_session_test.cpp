@@ -34,7 +34,7 @@ protected:
         ASSERT_EQ(HX_API_Initialize(), HX_SUCCESS);
     }
 
-    std::size_t Injections() { return Store(File()).Current().injections.size(); }
+    std::size_t Injections() { return Store(File(), DefaultMachine).Current().injections.size(); }
 
     static HX_U8 GetInfo(HX_U8 adapter = 0) {
         HX_U8 count = 0;
@@ -48,7 +48,9 @@ protected:
             return status;
         });
     }
-    bool HasWorked() { return Store(File()).Current().adapters[0].disks[11].locate_light; }
+    bool HasWorked() {
+        return Store(File(), DefaultMachine).Current().adapters[0].disks[11].locate_light;
+    }
 
     TemporaryRoot root_;
 };
@@ -81,7 +83,7 @@ TEST_F(Session, IsNotOpenWhenTheStateFileCannotBeUsed) {
 
 TEST_F(Session, RefusesCallsWhenTheStateFileHasBecomeUnusable) {
     OpenWith({});
-    Store store(File());
+    Store store(File(), DefaultMachine);
     store.Change([](Machine& machine, Time) {
         machine.adapters[0].blocks[0].start = 5;
         return true;
@@ -135,7 +137,8 @@ TEST_F(Session, DrawsWhatFollowsFromAChange) {
                          return HX_SUCCESS;
                      }),
               HX_SUCCESS);
-    EXPECT_EQ(Store(File()).Current().adapters[0].virtual_disks[0].state, HXSIM_STATE_DEGRADED);
+    EXPECT_EQ(Store(File(), DefaultMachine).Current().adapters[0].virtual_disks[0].state,
+              HXSIM_STATE_DEGRADED);
 }
 
 TEST_F(Session, GoesOnInAForkedChild) {

@@ -1,5 +1,7 @@
 // Virtual disks on disks of their own: made, set, imported, moved and deleted.
-#include "calls/hxsim_virtual_disk.h"
+#include "calls/hxsim_virtual_disk_change.h"
+#include "calls/hxsim_virtual_disk_create.h"
+#include "calls/hxsim_virtual_disk_list.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,10 +10,15 @@
 #include <ostream>
 #include <string>
 
+#include "calls/hxsim_activity_control.h"
 #include "controllers/virtual/support/living_machine.h"
+#include "model/hxsim_activity_row.h"
+#include "model/hxsim_disk_role.h"
+#include "model/hxsim_home.h"
 #include "model/hxsim_redundancy.h"
 #include "model/hxsim_space.h"
 #include "rules/hxsim_migration.h"
+#include "rules/hxsim_settle.h"
 
 namespace hxsim {
 namespace {

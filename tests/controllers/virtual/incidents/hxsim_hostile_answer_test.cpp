@@ -1,4 +1,6 @@
 // Answers of broken firmware: what nobody asked for, and never a byte outside the answer.
+#include "incidents/hxsim_hostile_answer.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -7,8 +9,6 @@
 #include <cstddef>
 #include <cstring>
 #include <vector>
-
-#include "calls/hxsim_list_page.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ struct Answer {
 std::vector<Answer> Spoiled() {
     std::vector<Answer> answers(kRounds);
     for (Answer& answer : answers) {
-        hxsim::Spoil(answer.header, answer.records.data(), answer.records.size());
+        hxsim::MakePageHostile(answer.header, answer.records.data(), answer.records.size());
     }
     return answers;
 }
@@ -87,7 +87,7 @@ TEST(Spoil, TakesAnAnswerWithoutRecords) {
     for (int round = 0; round < kRounds; ++round) {
         RequestHeader header{};
         header.numRequested = 65535;
-        hxsim::Spoil(header, nullptr, 0);
+        hxsim::MakePageHostile(header, nullptr, 0);
         EXPECT_EQ(65535, header.numRequested);
     }
 }
@@ -95,7 +95,7 @@ TEST(Spoil, TakesAnAnswerWithoutRecords) {
 TEST(Spoil, OfRecordsAloneStaysInsideThem) {
     for (int round = 0; round < kRounds; ++round) {
         Answer answer;
-        hxsim::SpoilRecord(answer.records.data(), answer.records.size());
+        hxsim::MakeRecordHostile(answer.records.data(), answer.records.size());
         EXPECT_THAT(answer.behind, Each(0xA5));
     }
 }

@@ -6,9 +6,10 @@
 #include <sstream>
 #include <string>
 
-#include "calls/hxsim_activity_calls.h"
-#include "calls/hxsim_disk_calls.h"
+#include "calls/hxsim_activity_control.h"
+#include "calls/hxsim_disk_change.h"
 #include "controllers/virtual/support/living_small_machine.h"
+#include "model/hxsim_home.h"
 #include "model/hxsim_invariants.h"
 #include "rules/hxsim_migration.h"
 

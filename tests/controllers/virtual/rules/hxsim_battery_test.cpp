@@ -1,12 +1,13 @@
 // The battery: how its charge goes with time, its bounds, and what it means for the write cache.
 #include "rules/hxsim_battery.h"
+#include "calls/hxsim_battery_control.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "calls/hxsim_virtual_disk.h"
+#include "calls/hxsim_virtual_disk_list.h"
 #include "controllers/virtual/support/living_parts.h"
-#include "incidents/hxsim_incident.h"
+#include "incidents/hxsim_incident_battery.h"
 
 namespace {
 

@@ -5,10 +5,13 @@
 #include <array>
 #include <string>
 
-#include "calls/hxsim_activity_calls.h"
-#include "calls/hxsim_virtual_disk.h"
+#include "calls/hxsim_activity_control.h"
+#include "calls/hxsim_virtual_disk_change.h"
 #include "controllers/virtual/support/living_small_machine.h"
+#include "model/hxsim_disk_role.h"
 #include "model/hxsim_invariants.h"
+#include "model/hxsim_redundancy.h"
+#include "rules/hxsim_alarm.h"
 #include "rules/hxsim_event_queue.h"
 
 namespace {

@@ -23,6 +23,7 @@
 
 #include "model/hxsim_invariants.h"
 #include "store/hxsim_sqlite.h"
+#include "store/hxsim_store_error.h"
 #include "store/hxsim_tables.h"
 #include "support/child_process.h"
 #include "support/temporary_root.h"
@@ -47,7 +48,7 @@ protected:
     // The sentence with which opening and reading is refused; empty when it is not.
     std::string Refusal() const {
         try {
-            Store(File()).Current();
+            Store(File(), DefaultMachine).Current();
         } catch (const StoreError& error) {
             return error.what();
         }
@@ -94,7 +95,7 @@ TEST_F(StateFile, HoldsEveryRowOfTheMachineThatWasPutIn) {
                                   .found = 6});
     Store::Create(File(), machine);
 
-    Store store(File());
+    Store store(File(), DefaultMachine);
     const Machine& read = store.Current();
     EXPECT_EQ(read.clock.start, 1000);
     EXPECT_EQ(read.clock.speed, 0);
@@ -131,12 +132,12 @@ TEST_F(StateFile, HoldsEveryRowOfTheMachineThatWasPutIn) {
 }
 
 TEST_F(StateFile, IsMadeWithTheDefaultMachineWhereThereIsNone) {
-    EXPECT_EQ(Store(File()).Current().topology, "default");
-    EXPECT_EQ(Store(File()).Current().adapters.size(), 2U);
+    EXPECT_EQ(Store(File(), DefaultMachine).Current().topology, "default");
+    EXPECT_EQ(Store(File(), DefaultMachine).Current().adapters.size(), 2U);
 }
 
 TEST_F(StateFile, AndItsFolderAndItsLogAreTheUsersOwn) {
-    Store store(File());
+    Store store(File(), DefaultMachine);
     Locate(store, 0, true);
     EXPECT_EQ(ModeOf(root_.Path("/state")), 0700U);
     EXPECT_EQ(ModeOf(File()), 0600U);
@@ -147,10 +148,10 @@ TEST_F(StateFile, AndItsFolderAndItsLogAreTheUsersOwn) {
 TEST_F(StateFile, KeepsAChangeForTheNextStore) {
     Make();
     {
-        Store store(File());
+        Store store(File(), DefaultMachine);
         Locate(store, 3, true);
     }
-    Store store(File());
+    Store store(File(), DefaultMachine);
     EXPECT_TRUE(IsLocated(store, 3));
     EXPECT_FALSE(IsLocated(store, 2));
 }
@@ -158,7 +159,7 @@ TEST_F(StateFile, KeepsAChangeForTheNextStore) {
 TEST_F(StateFile, LosesTheRowsThatAChangeRemoves) {
     Make("default");
     {
-        Store store(File());
+        Store store(File(), DefaultMachine);
         store.Change([](Machine& machine, Time) {
             machine.adapters[0].events.erase(machine.adapters[0].events.begin());
             machine.adapters[0].remaps.clear();
@@ -166,7 +167,7 @@ TEST_F(StateFile, LosesTheRowsThatAChangeRemoves) {
             return true;
         });
     }
-    const Machine machine = Store(File()).Current();
+    const Machine machine = Store(File(), DefaultMachine).Current();
     EXPECT_EQ(machine.adapters[0].events.front().number, 2U);
     EXPECT_THAT(machine.adapters[0].remaps, IsEmpty());
     EXPECT_THAT(machine.adapters[0].batteries, IsEmpty());
@@ -174,32 +175,32 @@ TEST_F(StateFile, LosesTheRowsThatAChangeRemoves) {
 
 TEST_F(StateFile, IsAsItWasAfterARefusedChange) {
     Make();
-    Store store(File());
+    Store store(File(), DefaultMachine);
     const auto refuse = [](Machine& machine, Time) {
         machine.adapters[0].disks[1].failed = true;
         return false;
     };
     EXPECT_FALSE(store.Change(refuse));
     EXPECT_FALSE(store.Current().adapters[0].disks[1].failed);
-    EXPECT_FALSE(Store(File()).Current().adapters[0].disks[1].failed);
+    EXPECT_FALSE(Store(File(), DefaultMachine).Current().adapters[0].disks[1].failed);
 }
 
 TEST_F(StateFile, IsAsItWasAfterAChangeThatThrows) {
     Make();
-    Store store(File());
+    Store store(File(), DefaultMachine);
     const auto fail = [](Machine& machine, Time) -> bool {
         machine.adapters[0].disks[1].failed = true;
         throw std::runtime_error("broken");
     };
     EXPECT_THROW(store.Change(fail), std::runtime_error);
     EXPECT_FALSE(store.Current().adapters[0].disks[1].failed);
-    EXPECT_FALSE(Store(File()).Current().adapters[0].disks[1].failed);
+    EXPECT_FALSE(Store(File(), DefaultMachine).Current().adapters[0].disks[1].failed);
 }
 
 TEST_F(StateFile, IsNotWrittenByAChangeThatLeavesEverythingAsItWas) {
     Make();
-    Store watching(File());
-    Store store(File());
+    Store watching(File(), DefaultMachine);
+    Store store(File(), DefaultMachine);
     const Machine* const before = &watching.Current();
     const HX_U16* const row = &before->adapters[0].disks[0].id;
     store.Change([](Machine&, Time) { return true; });
@@ -209,10 +210,10 @@ TEST_F(StateFile, IsNotWrittenByAChangeThatLeavesEverythingAsItWas) {
 
 TEST_F(StateFile, ShowsEachProcessWhatTheOtherHasDone) {
     Make();
-    Store store(File());
+    Store store(File(), DefaultMachine);
     EXPECT_FALSE(IsLocated(store, 5));
     EXPECT_EQ(InChild([&] {
-                  Store other(File());
+                  Store other(File(), DefaultMachine);
                   Locate(other, 5, true);
                   return 0;
               }),
@@ -223,7 +224,7 @@ TEST_F(StateFile, ShowsEachProcessWhatTheOtherHasDone) {
 TEST_F(StateFile, CountsEveryChangeOfTwoProcessesThatChangeItAtOnce) {
     Make();
     const auto add = [&] {
-        Store store(File());
+        Store store(File(), DefaultMachine);
         for (int i = 0; i < 100; ++i) {
             store.Change([](Machine& machine, Time) {
                 ++machine.random;
@@ -232,7 +233,7 @@ TEST_F(StateFile, CountsEveryChangeOfTwoProcessesThatChangeItAtOnce) {
         }
         return 0;
     };
-    const std::uint64_t before = Store(File()).Current().random;
+    const std::uint64_t before = Store(File(), DefaultMachine).Current().random;
     const pid_t child = fork();
     if (child == 0) _exit(add());
     ASSERT_GT(child, 0);
@@ -240,7 +241,7 @@ TEST_F(StateFile, CountsEveryChangeOfTwoProcessesThatChangeItAtOnce) {
     int status = 0;
     ASSERT_EQ(waitpid(child, &status, 0), child);
     EXPECT_EQ(status, 0);
-    EXPECT_EQ(Store(File()).Current().random, before + 200);
+    EXPECT_EQ(Store(File(), DefaultMachine).Current().random, before + 200);
 }
 
 TEST_F(StateFile, CanBeMadeByTwoProcessesAtOnce) {
@@ -258,7 +259,7 @@ TEST_F(StateFile, CanBeMadeByTwoProcessesAtOnce) {
 
 TEST_F(StateFile, IsReplacedAsAWholeForThoseWhoHaveItOpen) {
     Make("small");
-    Store store(File());
+    Store store(File(), DefaultMachine);
     EXPECT_EQ(store.Current().topology, "small");
     Make("default");
     EXPECT_EQ(store.Current().topology, "default");
@@ -269,7 +270,7 @@ TEST_F(StateFile, IsReplacedAsAWholeForThoseWhoHaveItOpen) {
 
 TEST_F(StateFile, IsOpenedAnewByAForkedChild) {
     Make();
-    Store store(File());
+    Store store(File(), DefaultMachine);
     Locate(store, 1, true);
     EXPECT_EQ(InChild([&] {
                   const bool seen = IsLocated(store, 1);
@@ -289,7 +290,7 @@ TEST_F(StateFile, KeepsTheChangesOfAForkedChildWhoseParentIsGone) {
     ASSERT_EQ(pipe(ready), 0);
     const pid_t parent = fork();
     if (parent == 0) {
-        auto store = std::make_unique<Store>(File());
+        auto store = std::make_unique<Store>(File(), DefaultMachine);
         Locate(*store, 1, true);
         const pid_t child = fork();
         if (child != 0) {
@@ -309,7 +310,7 @@ TEST_F(StateFile, KeepsTheChangesOfAForkedChildWhoseParentIsGone) {
     close(ready[1]);
     ASSERT_EQ(waitpid(parent, nullptr, 0), parent);
     for (HX_U16 i = 0; i < 20; ++i) {
-        Store other(File());
+        Store other(File(), DefaultMachine);
         Locate(other, 4, true);
         usleep(1000);
     }
@@ -317,14 +318,14 @@ TEST_F(StateFile, KeepsTheChangesOfAForkedChildWhoseParentIsGone) {
     EXPECT_EQ(read(ready[0], &answer, 1), 1);
     EXPECT_EQ(answer, 'y');
     close(ready[0]);
-    Store store(File());
+    Store store(File(), DefaultMachine);
     EXPECT_TRUE(IsLocated(store, 2));
     EXPECT_TRUE(IsLocated(store, 3));
     EXPECT_TRUE(IsLocated(store, 4));
 }
 
 TEST_F(StateFile, InMemoryGoesOnInAForkedChild) {
-    Store store(":memory:");
+    Store store(":memory:", DefaultMachine);
     Locate(store, 1, true);
     EXPECT_EQ(InChild([&] {
                   const bool seen = IsLocated(store, 1);
@@ -336,7 +337,7 @@ TEST_F(StateFile, InMemoryGoesOnInAForkedChild) {
 }
 
 TEST_F(StateFile, InMemoryIsNoFile) {
-    Store store(":memory:");
+    Store store(":memory:", DefaultMachine);
     Locate(store, 1, true);
     EXPECT_TRUE(IsLocated(store, 1));
     EXPECT_FALSE(root_.Exists("/state"));
@@ -351,12 +352,12 @@ TEST_F(StateFile, BringsTheMachineUpToNowWhenItIsLookedAt) {
     battery.phase = BatteryPhase::kDischarging;
     Store::Create(File(), machine);
 
-    Store store(File());
+    Store store(File(), DefaultMachine);
     EXPECT_LT(store.Current().adapters[0].batteries.at(0).info.curCapacity, 1680);
     // It is saved: another process need not do it again.
     const Time since = store.Current().adapters[0].batteries[0].since;
     EXPECT_GT(since, machine.clock.start);
-    EXPECT_EQ(Store(File()).Current().adapters[0].batteries.at(0).since, since);
+    EXPECT_EQ(Store(File(), DefaultMachine).Current().adapters[0].batteries.at(0).since, since);
 }
 
 TEST(VirtualTime, GoesAsFastAsItsSpeed) {
@@ -497,7 +498,7 @@ TEST_F(StateFile, ThatIsNoDatabaseIsRefusedAndLeftAsItIs) {
 
 TEST_F(StateFile, ThatIsEmptyGetsTheDefaultMachine) {
     root_.Write("/state/hxsim.db", "");
-    EXPECT_EQ(Store(File()).Current().topology, "default");
+    EXPECT_EQ(Store(File(), DefaultMachine).Current().topology, "default");
 }
 
 // Bytes that no program has written: nothing crashes, and what is read is sound or refused.
@@ -514,7 +515,7 @@ TEST_F(StateFile, ThatIsDamagedAnywhereIsRefusedOrSound) {
         root_.Write("/state/hxsim.db", damaged);
         std::filesystem::remove(File() + "-wal");
         try {
-            EXPECT_THAT(Check(Store(File()).Current()), IsEmpty());
+            EXPECT_THAT(Check(Store(File(), DefaultMachine).Current()), IsEmpty());
         } catch (const StoreError& error) {
             EXPECT_THAT(error.what(), HasSubstr("hxsim"));
         }
@@ -594,7 +595,7 @@ TEST_F(StateFile, ThatCannotGrowIsRefusedAndAsItWas) {
     Make();
     EXPECT_EQ(InChild([&] {
                   signal(SIGXFSZ, SIG_IGN);
-                  Store store(File());
+                  Store store(File(), DefaultMachine);
                   store.Current();
                   const rlimit none{1, 1};
                   setrlimit(RLIMIT_FSIZE, &none);
@@ -606,13 +607,13 @@ TEST_F(StateFile, ThatCannotGrowIsRefusedAndAsItWas) {
                   return 1;
               }),
               0);
-    Store store(File());
+    Store store(File(), DefaultMachine);
     EXPECT_FALSE(IsLocated(store, 1));
 }
 
 TEST_F(StateFile, ThatAnotherProcessKeepsIsRefusedAfterFiveSeconds) {
     Make();
-    Store store(File());
+    Store store(File(), DefaultMachine);
     store.Current();
     const Connection keeper(File());
     const Transaction transaction(keeper);
@@ -626,12 +627,12 @@ TEST_F(StateFile, ThatAnotherProcessKeepsIsRefusedAfterFiveSeconds) {
 
 TEST_F(StateFile, IsSoundAfterProcessesWereKilledWhileTheyWrote) {
     Make("default");
-    const std::uint64_t before = Store(File()).Current().random;
+    const std::uint64_t before = Store(File(), DefaultMachine).Current().random;
     std::mt19937 random(1);
     for (int kills = 0; kills < 200; ++kills) {
         const pid_t child = fork();
         if (child == 0) {
-            Store store(File());
+            Store store(File(), DefaultMachine);
             for (bool on = true;; on = !on) {
                 store.Change([&](Machine& machine, Time) {
                     // Two rows that must go together, and some that make the log grow.
@@ -645,7 +646,7 @@ TEST_F(StateFile, IsSoundAfterProcessesWereKilledWhileTheyWrote) {
         usleep(static_cast<useconds_t>(random() % 15000));
         kill(child, SIGKILL);
         ASSERT_EQ(waitpid(child, nullptr, 0), child);
-        Store store(File());
+        Store store(File(), DefaultMachine);
         const Machine& machine = store.Current();
         ASSERT_THAT(Check(machine), IsEmpty()) << "after kill " << kills;
         for (const Disk& disk : machine.adapters[0].disks) {
@@ -653,7 +654,7 @@ TEST_F(StateFile, IsSoundAfterProcessesWereKilledWhileTheyWrote) {
         }
     }
     // How many changes there were in between is for the machine's speed to say.
-    EXPECT_NE(Store(File()).Current().random, before);
+    EXPECT_NE(Store(File(), DefaultMachine).Current().random, before);
 }
 
 }  // namespace

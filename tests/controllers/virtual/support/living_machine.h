@@ -12,8 +12,8 @@
 #include "hxraid.h"
 #include "model/hxsim_invariants.h"
 #include "model/hxsim_machine.h"
-#include "model/hxsim_redundancy.h"
-#include "rules/hxsim_activity.h"
+#include "rules/hxsim_advance.h"
+#include "rules/hxsim_settle.h"
 
 using Ids = std::vector<HX_U16>;
 

@@ -12,7 +12,7 @@
 #include "hxraid.h"
 #include "model/hxsim_invariants.h"
 #include "model/hxsim_machine.h"
-#include "model/hxsim_redundancy.h"
+#include "rules/hxsim_settle.h"
 
 namespace parts {
 

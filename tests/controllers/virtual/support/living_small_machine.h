@@ -8,12 +8,16 @@
 #include <tuple>
 #include <vector>
 
+#include "calls/hxsim_activity_control.h"
 #include "hxraid.h"
-#include "incidents/hxsim_incident.h"
+#include "incidents/hxsim_incident_disk.h"
+#include "model/hxsim_activity_row.h"
 #include "model/hxsim_machine.h"
-#include "model/hxsim_redundancy.h"
 #include "model/hxsim_space.h"
 #include "rules/hxsim_activity.h"
+#include "rules/hxsim_activity_end.h"
+#include "rules/hxsim_advance.h"
+#include "rules/hxsim_settle.h"
 
 namespace living {
 

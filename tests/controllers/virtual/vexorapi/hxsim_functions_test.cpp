@@ -16,6 +16,7 @@
 #include "store/hxsim_store.h"
 #include "support/request.h"
 #include "support/temporary_root.h"
+#include "topology/hxsim_topology.h"
 
 // Firmware may claim more than there is memory for, which is refused and no fault of the caller's.
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();
@@ -125,10 +126,11 @@ protected:
         hxsim::Injection injection;
         injection.id = 1;
         injection.hostile = true;
-        hxsim::Store(State()).Change([&](hxsim::Machine& machine, hxsim::Time) {
-            machine.injections.push_back(injection);
-            return true;
-        });
+        hxsim::Store(State(), hxsim::DefaultMachine)
+            .Change([&](hxsim::Machine& machine, hxsim::Time) {
+                machine.injections.push_back(injection);
+                return true;
+            });
     }
 };
 
@@ -144,7 +146,7 @@ TEST_P(EveryFunctionOfBrokenFirmware, EndsWithAWholeResult) {
         if (result.size() + kLongestLine > VEXORAPI_MAX_RESULT) continue;
         ASSERT_THAT(result, EndsWith("</" + name + ">"));
     }
-    EXPECT_THAT(hxsim::Check(hxsim::Store(State()).Current()), IsEmpty());
+    EXPECT_THAT(hxsim::Check(hxsim::Store(State(), hxsim::DefaultMachine).Current()), IsEmpty());
 }
 
 constexpr std::string_view kNoAutomaticRebuild =
@@ -591,7 +593,7 @@ protected:
     Import() {
         const std::string state = root_.Path("/hxsim.db");
         setenv("HXSIM_STATE", state.c_str(), 1);
-        hxsim::Store(state).Change([](hxsim::Machine& machine, hxsim::Time) {
+        hxsim::Store(state, hxsim::DefaultMachine).Change([](hxsim::Machine& machine, hxsim::Time) {
             hxsim::Adapter& adapter = machine.adapters[0];
             hxsim::VirtualDisk* const archive = hxsim::Find(adapter.virtual_disks, 2);
             archive->foreign = true;

@@ -10,7 +10,6 @@
 
 #include "codes/hxraid_codes.h"
 #include "model/hxsim_machine.h"
-#include "rules/hxsim_activity.h"
 #include "rules/hxsim_event_queue.h"
 #include "store/hxsim_store.h"
 #include "support/request.h"
@@ -66,8 +65,10 @@ protected:
     ~QuickCreate() override { vexorApiShutdown(); }
 
     hxsim::VirtualDisk TheOne() {
-        const auto rows =
-            hxsim::Store(root_.Path("/hxsim.db")).Current().adapters.at(0).virtual_disks;
+        const auto rows = hxsim::Store(root_.Path("/hxsim.db"), hxsim::DefaultMachine)
+                              .Current()
+                              .adapters.at(0)
+                              .virtual_disks;
         EXPECT_EQ(rows.size(), 1U);
         return rows.empty() ? hxsim::VirtualDisk{} : rows.front();
     }
@@ -130,13 +131,14 @@ protected:
 
     // So many events, of devices that are numbered from `first` on.
     void Happen(HX_U16 first, HX_U16 count) {
-        hxsim::Store(State()).Change([&](hxsim::Machine& machine, hxsim::Time now) {
-            for (HX_U16 i = 0; i < count; ++i) {
-                hxsim::Queue(machine.adapters[0], now, hxsim::kDiskOnline,
-                             static_cast<HX_U16>(first + i));
-            }
-            return true;
-        });
+        hxsim::Store(State(), hxsim::DefaultMachine)
+            .Change([&](hxsim::Machine& machine, hxsim::Time now) {
+                for (HX_U16 i = 0; i < count; ++i) {
+                    hxsim::Queue(machine.adapters[0], now, hxsim::kDiskOnline,
+                                 static_cast<HX_U16>(first + i));
+                }
+                return true;
+            });
     }
 
     static std::string Newest(unsigned count) {

@@ -16,6 +16,7 @@
 #include "support/child_process.h"
 #include "support/request.h"
 #include "support/temporary_root.h"
+#include "topology/hxsim_topology.h"
 
 namespace {
 
@@ -77,7 +78,7 @@ bool CreateAndDelete() {
 }
 
 TEST_F(OneMachine, StaysSoundWhileEventsAreTakenAndVirtualDisksComeAndGo) {
-    hxsim::Store(State()).Current();  // both find the machine made
+    hxsim::Store(State(), hxsim::DefaultMachine).Current();  // both find the machine made
 
     const pid_t service = fork();
     if (service == 0) Repeat(CheckIn);
@@ -92,12 +93,13 @@ TEST_F(OneMachine, StaysSoundWhileEventsAreTakenAndVirtualDisksComeAndGo) {
             << (child == service ? "the event service" : "the client") << " failed: " << status;
     }
 
-    const std::vector<std::string> broken = hxsim::Check(hxsim::Store(State()).Current());
+    const std::vector<std::string> broken =
+        hxsim::Check(hxsim::Store(State(), hxsim::DefaultMachine).Current());
     EXPECT_TRUE(broken.empty()) << broken.front();
 }
 
 TEST_F(OneMachine, IsWholeAfterItsClientWasKilledAtAnyTime) {
-    hxsim::Store(State()).Current();
+    hxsim::Store(State(), hxsim::DefaultMachine).Current();
     for (int kill_number = 0; kill_number < 200; ++kill_number) {
         const pid_t client = fork();
         if (client == 0) {
@@ -120,7 +122,8 @@ TEST_F(OneMachine, IsWholeAfterItsClientWasKilledAtAnyTime) {
         kill(client, SIGKILL);
         ASSERT_EQ(waitpid(client, nullptr, 0), client);
 
-        const std::vector<std::string> broken = hxsim::Check(hxsim::Store(State()).Current());
+        const std::vector<std::string> broken =
+            hxsim::Check(hxsim::Store(State(), hxsim::DefaultMachine).Current());
         ASSERT_TRUE(broken.empty()) << "after kill " << kill_number << ": " << broken.front();
     }
 }

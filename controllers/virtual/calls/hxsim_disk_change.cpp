@@ -1,12 +1,13 @@
 // What callers do to disks.
-#include "calls/hxsim_disk_calls.h"
+#include "calls/hxsim_disk_change.h"
 
 #include <algorithm>
 
-#include "calls/hxsim_disk.h"
 #include "calls/hxsim_session.h"
 #include "codes/hxraid_codes.h"
-#include "model/hxsim_redundancy.h"
+#include "model/hxsim_disk_role.h"
+#include "rules/hxsim_disk_contents.h"
+#include "rules/hxsim_disk_write_cache.h"
 #include "rules/hxsim_event_queue.h"
 
 namespace hxsim {
@@ -80,9 +81,7 @@ HX_U8 SetDisk(Adapter& adapter, Time now, HX_U16 id, const HD_Config& config) {
     if (disk == nullptr) return HXSIM_NO_DISK;
     if (!CanBeSwitched(*disk)) return HXSIM_DISK_NOT_READY;
     // The speed is what the two ends of the link have agreed on; it is told and not set.
-    const bool write_cache = config.WriteCacheOn != 0;
-    if (disk->write_cache != write_cache) Queue(adapter, now, kDiskCacheModeChanged, id);
-    disk->write_cache = write_cache;
+    SetWriteCache(adapter, now, id, config.WriteCacheOn != 0);
     disk->smart_on = config.SMARTOn != 0;
     Switch(adapter, now, *disk, config.Online != 0);
     return HX_SUCCESS;

@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "calls/hxsim_disk.h"
+#include "calls/hxsim_disk_list.h"
 #include "calls/hxsim_list_page.h"
 #include "codes/hxraid_codes.h"
 #include "hxraid.h"
@@ -18,11 +18,11 @@ HX_U8 StateOn(const Disk& disk, const Block& block) {
     return IsReady(disk) ? block.state : HX_U8{HXSIM_STATE_OFFLINE};
 }
 
-void DescribeBlock(const Disk& disk, const Part& part, const Block& block, Block_Info& info) {
+void DescribeBlock(const Disk& disk, const DiskRole& role, const Block& block, Block_Info& info) {
     info.ID = block.id;
     info.HDID = block.disk;
     if (block.virtual_disk != kNoVirtualDisk) info.Flags |= HXSIM_BLOCK_USED;
-    if (part.of_group) info.Flags |= HXSIM_BLOCK_OF_GROUP;
+    if (role.of_group) info.Flags |= HXSIM_BLOCK_OF_GROUP;
     if (block.target) info.Flags |= HXSIM_BLOCK_TARGET;
     info.LDID = block.virtual_disk;
     info.Status = StateOn(disk, block);
@@ -55,16 +55,16 @@ std::vector<HD_Block_Info> BlocksByDisk(const Adapter& adapter) {
 }  // namespace hxsim
 
 HX_U8 HX_BLK_GetInfo(HX_U8 AdapterID, Info_Request* request) {
-    std::optional<hxsim::Parts> parts;
+    std::optional<hxsim::DiskRoles> roles;
     const auto is_listed = [&](const hxsim::Adapter& adapter, const hxsim::Block& block) {
-        if (!parts) parts.emplace(adapter);
+        if (!roles) roles.emplace(adapter);
         const hxsim::Disk* const disk = hxsim::Find(adapter.disks, block.disk);
-        return disk != nullptr && hxsim::IsListed(*disk, parts->Of(*disk));
+        return disk != nullptr && hxsim::IsListed(*disk, roles->Of(*disk));
     };
     const auto describe = [&](const hxsim::Adapter& adapter, const hxsim::Block& block, hxsim::Time,
                               Block_Info& info) {
         const hxsim::Disk& disk = *hxsim::Find(adapter.disks, block.disk);
-        hxsim::DescribeBlock(disk, parts->Of(disk), block, info);
+        hxsim::DescribeBlock(disk, roles->Of(disk), block, info);
     };
     return hxsim::List(__func__, AdapterID, request, &Info_Request::blockInfo,
                        &hxsim::Adapter::blocks, HXSIM_NO_BLOCK, is_listed, describe);
@@ -73,7 +73,7 @@ HX_U8 HX_BLK_GetInfo(HX_U8 AdapterID, Info_Request* request) {
 HX_U8 HX_BLK_GetHDBlock(HX_U8 AdapterID, HD_Block_Info_Request* request) {
     std::optional<std::vector<HD_Block_Info>> blocks;
     const auto describe = [&](const hxsim::Adapter& adapter, const hxsim::Disk& disk,
-                              const hxsim::Part&, hxsim::Time, HD_Block_Info& record) {
+                              const hxsim::DiskRole&, hxsim::Time, HD_Block_Info& record) {
         if (!blocks) blocks = hxsim::BlocksByDisk(adapter);
         record = (*blocks)[static_cast<std::size_t>(&disk - adapter.disks.data())];
     };

@@ -1,4 +1,4 @@
-// Enclosures: their elements, and what their sensors read means.
+// The elements of enclosures, and what the readings of their sensors mean.
 #pragma once
 
 #include "hxraid.h"

@@ -1,48 +1,24 @@
-// The disks: what they are, how they are set and what they are used for.
-#include "calls/hxsim_disk.h"
+// The records of disks, and their lights.
+#include "calls/hxsim_disk_list.h"
 
 #include <algorithm>
 #include <span>
+#include <vector>
 
 #include "calls/hxsim_session.h"
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_activity_row.h"
 #include "model/hxsim_link.h"
-#include "model/hxsim_redundancy.h"
-#include "model/hxsim_space.h"
 #include "model/hxsim_text.h"
-#include "rules/hxsim_activity.h"
 
 namespace hxsim {
 namespace {
 
-HX_U8 StatusOf(const Disk& disk) {
-    HX_U8 status = 0;
-    if (Answers(disk)) status |= HXSIM_DISK_ONLINE;
-    if (disk.present && disk.failed) status |= HXSIM_DISK_FAILED;
-    if (disk.present && disk.foreign) status |= HXSIM_DISK_FOREIGN;
-    if (!IsReady(disk)) status |= HXSIM_DISK_UNAVAILABLE;
-    if (disk.spare == Spare::kGlobal) status |= HXSIM_DISK_GLOBAL_SPARE;
-    if (disk.spare == Spare::kGroup) status |= HXSIM_DISK_GROUP_SPARE;
-    return status;
-}
-
-bool IsKind(const Activity* activity, HX_U8 kind) {
-    return activity != nullptr && activity->kind == kind;
-}
-
-bool IsCopiedBack(const Adapter& adapter, HX_U16 virtual_disk) {
-    const VirtualDisk* const row = Find(adapter.virtual_disks, virtual_disk);
-    if (row == nullptr) return false;
-    const auto runs_on = [&](Owner of, HX_U16 owner) {
-        return IsKind(ActivityOf(adapter, of, owner), HXSIM_ACTIVITY_COPYBACK);
-    };
-    return runs_on(Owner::kVirtualDisk, row->id) ||
-           (row->group != kNoId && runs_on(Owner::kDiskGroup, row->group));
-}
-
-void DescribeDisk(const Adapter& adapter, const Disk& disk, const Part& part, Time, HD_Info& info) {
+void DescribeDisk(const Adapter& adapter, const Disk& disk, const DiskRole& role, Time,
+                  HD_Info& info) {
     info.Link = LinkOf(adapter, disk);
     info.AdapterID = adapter.id;
-    info.Status = part.status;
+    info.Status = role.status;
     info.HDType = disk.sas ? HXSIM_TYPE_SAS : HXSIM_TYPE_SATA;
     info.ConnectionType = disk.sas ? HXSIM_CONNECTION_SAS : HXSIM_CONNECTION_SATA;
     if (!disk.sas) {
@@ -61,15 +37,15 @@ void DescribeDisk(const Adapter& adapter, const Disk& disk, const Part& part, Ti
     info.ErrorLEDStatus = disk.failed;
 }
 
-void DescribeFreeSpace(const Adapter& adapter, const Disk& disk, const Part& part, Time,
+void DescribeFreeSpace(const Adapter& adapter, const Disk& disk, const DiskRole& role, Time,
                        HD_FreeSpaceInfo& space) {
     space.ID = disk.id;
     space.AdapterID = adapter.id;
     space.isFixed = 1;
-    space.Size.value = part.free;
+    space.Size.value = role.free;
 }
 
-void DescribeSettings(const Adapter&, const Disk& disk, const Part&, Time, HD_Config& config) {
+void DescribeSettings(const Adapter&, const Disk& disk, const DiskRole&, Time, HD_Config& config) {
     config.WriteCacheOn = disk.write_cache;
     config.SMARTOn = disk.smart_on;
     config.Online = Answers(disk) && !disk.offline;
@@ -77,10 +53,10 @@ void DescribeSettings(const Adapter&, const Disk& disk, const Part&, Time, HD_Co
     config.HDID = disk.id;
 }
 
-void DescribeActivity(const Adapter& adapter, const Disk& disk, const Part& part, Time now,
+void DescribeActivity(const Adapter& adapter, const Disk& disk, const DiskRole& role, Time now,
                       HD_BGA_Status& status) {
     status.HDID = disk.id;
-    status.Status = part.status;
+    status.Status = role.status;
     const Activity* const activity = ActivityOf(adapter, Owner::kDisk, disk.id);
     if (activity == nullptr) return;
     status.Percentage = Percentage(*activity, now);
@@ -88,17 +64,18 @@ void DescribeActivity(const Adapter& adapter, const Disk& disk, const Part& part
     status.BgaStatus = activity->state;
 }
 
-void DescribeSmart(const Adapter&, const Disk& disk, const Part&, Time, HD_SMART_Status& smart) {
+void DescribeSmart(const Adapter&, const Disk& disk, const DiskRole&, Time,
+                   HD_SMART_Status& smart) {
     // What nobody measures is not known to be over its threshold.
     smart.SmartThresholdExceeded = disk.smart_on && disk.smart_exceeded;
     smart.HDID = disk.id;
 }
 
-void DescribePart(const Adapter&, const Disk& disk, const Part& part, Time,
+void DescribeRole(const Adapter&, const Disk& disk, const DiskRole& role, Time,
                   HD_RAID_Status& status) {
     status.HDID = disk.id;
-    status.DGID = part.serves;
-    status.Status = part.status;
+    status.DGID = role.serves;
+    status.Status = role.status;
 }
 
 std::vector<RCT_Record> RemapTable(const Adapter& adapter, HX_U16 disk) {
@@ -113,35 +90,11 @@ std::vector<RCT_Record> RemapTable(const Adapter& adapter, HX_U16 disk) {
     return table;
 }
 
-void FailWhatWrites(Adapter& adapter, Time now, Owner of, HX_U16 owner, bool target) {
-    const Activity* const activity = ActivityOf(adapter, of, owner);
-    if (IsKind(activity, target ? HXSIM_ACTIVITY_COPYBACK : HXSIM_ACTIVITY_REBUILD)) {
-        Fail(adapter, now, activity->id);
-    }
-    const Activity* const migration = MigrationOf(adapter, of, owner);
-    if (target && migration != nullptr) Fail(adapter, now, migration->id);
-}
-
-// A rebuild, copyback or migration whose blocks go away under it cannot go on.
-void EndWritesTo(Adapter& adapter, Time now, HX_U16 disk) {
-    std::vector<Block> written;
-    for (const Block& block : adapter.blocks) {
-        const bool is_written = block.target || block.state == HXSIM_STATE_REBUILDING;
-        if (block.disk == disk && is_written) written.push_back(block);
-    }
-    for (const Block& block : written) {
-        FailWhatWrites(adapter, now, Owner::kVirtualDisk, block.virtual_disk, block.target);
-        const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, block.virtual_disk);
-        if (virtual_disk == nullptr || virtual_disk->group == kNoId) continue;
-        FailWhatWrites(adapter, now, Owner::kDiskGroup, virtual_disk->group, block.target);
-    }
-}
-
 HX_U8 CountRemaps(const Adapter& adapter, HX_U16 disk, HX_U32* count) {
     if (count == nullptr) return HXSIM_NULL_ADDRESS;
     if (FindListed(adapter, disk) == nullptr) return HXSIM_NO_DISK;
     *count = static_cast<HX_U32>(RemapTable(adapter, disk).size());
-    if (IsHostile()) SpoilRecord(count, sizeof *count);
+    if (IsHostile()) MakeRecordHostile(count, sizeof *count);
     return HX_SUCCESS;
 }
 
@@ -151,7 +104,7 @@ HX_U8 CopyRemaps(const Adapter& adapter, HX_U16 disk, RCT_Record* records, HX_U3
     const std::vector<RCT_Record> table = RemapTable(adapter, disk);
     if (count > table.size()) return HXSIM_BAD_COUNT;
     std::copy_n(table.begin(), count, records);
-    if (IsHostile() && count != 0) SpoilRecord(records, count * sizeof *records);
+    if (IsHostile() && count != 0) MakeRecordHostile(records, count * sizeof *records);
     return HX_SUCCESS;
 }
 
@@ -188,91 +141,7 @@ HX_U8 FindSystem(const Adapter& adapter, HX_U8 kind, HX_U8 count, const HX_U16* 
     return HX_SUCCESS;
 }
 
-void DropForeign(Adapter& adapter, HX_U16 virtual_disk) {
-    std::erase_if(adapter.homes, [&](const Home& home) {
-        return home.of == Owner::kVirtualDisk && home.owner == virtual_disk;
-    });
-    std::erase_if(adapter.virtual_disks,
-                  [&](const VirtualDisk& each) { return each.id == virtual_disk; });
-}
-
 }  // namespace
-
-// ---- Parts ----
-
-Parts::Parts(const Adapter& adapter) : adapter_(adapter), parts_(adapter.disks.size()) {
-    const auto part_of = [&](HX_U16 id) -> Part* {
-        const Disk* const disk = Find(adapter.disks, id);
-        return disk == nullptr ? nullptr
-                               : &parts_[static_cast<std::size_t>(disk - adapter.disks.data())];
-    };
-    for (std::size_t place = 0; place < parts_.size(); ++place) {
-        const Disk& disk = adapter.disks[place];
-        parts_[place].status = StatusOf(disk);
-        if (disk.spare == Spare::kGroup) parts_[place].serves = disk.spare_group;
-    }
-    for (const Home& home : adapter.homes) {
-        Part* const part = home.of == Owner::kDiskGroup ? part_of(home.disk) : nullptr;
-        if (part == nullptr) continue;
-        part->status |= HXSIM_DISK_CONFIGURED;
-        part->serves = home.owner;
-        part->of_group = true;
-    }
-    for (const Block& block : adapter.blocks) {
-        Part* const part = part_of(block.disk);
-        if (part == nullptr) continue;
-        if (block.virtual_disk == kNoVirtualDisk) {
-            part->free += block.sectors;
-            continue;
-        }
-        part->status |= HXSIM_DISK_CONFIGURED;
-        if (!part->of_group) part->serves = std::min(part->serves, block.virtual_disk);
-        if (block.state == HXSIM_STATE_REBUILDING ||
-            (block.target && IsCopiedBack(adapter, block.virtual_disk))) {
-            part->status |= HXSIM_DISK_REBUILDING;
-        }
-    }
-    constexpr HX_U8 kReserved =
-        HXSIM_DISK_UNAVAILABLE | HXSIM_DISK_GLOBAL_SPARE | HXSIM_DISK_GROUP_SPARE;
-    for (Part& part : parts_) {
-        if (part.of_group || (part.status & kReserved) != 0) part.free = 0;
-    }
-}
-
-const Part& Parts::Of(const Disk& disk) const {
-    return parts_[static_cast<std::size_t>(&disk - adapter_.disks.data())];
-}
-
-bool IsListed(const Disk& disk, const Part& part) {
-    return disk.present || (part.status & HXSIM_DISK_CONFIGURED) != 0;
-}
-
-const Disk* FindListed(const Adapter& adapter, HX_U16 id) {
-    const Disk* const disk = Find(adapter.disks, id);
-    if (disk == nullptr) return nullptr;
-    return disk->present || IsConfigured(adapter, id) ? disk : nullptr;
-}
-
-Disk* FindListed(Adapter& adapter, HX_U16 id) {
-    const Adapter& read_only = adapter;
-    return FindListed(read_only, id) == nullptr ? nullptr : Find(adapter.disks, id);
-}
-
-void DropContents(Adapter& adapter, Time now, HX_U16 disk) {
-    EndWritesTo(adapter, now, disk);
-    ResetDisk(adapter, disk);
-    for (Home& home : adapter.homes) {
-        if (home.disk == disk) home.disk = kNoId;
-    }
-    std::vector<HX_U16> gone;
-    for (const VirtualDisk& each : adapter.virtual_disks) {
-        if (!each.foreign) continue;
-        const auto is_left = [&](const Block& block) { return block.virtual_disk == each.id; };
-        if (std::ranges::none_of(adapter.blocks, is_left)) gone.push_back(each.id);
-    }
-    for (const HX_U16 virtual_disk : gone) DropForeign(adapter, virtual_disk);
-}
-
 }  // namespace hxsim
 
 // ---- Lists ----
@@ -310,7 +179,7 @@ HX_U8 HX_PD_GetSmartStatus(HX_U8 AdapterID, HD_SMART_Status_Request* request) {
 
 HX_U8 HX_PD_GetHDRaidStatus(HX_U8 AdapterID, HD_RAID_Status_Request* request) {
     return hxsim::ListDisks(__func__, AdapterID, request, &HD_RAID_Status_Request::hdRaidStatus,
-                            hxsim::DescribePart);
+                            hxsim::DescribeRole);
 }
 
 // ---- One disk ----

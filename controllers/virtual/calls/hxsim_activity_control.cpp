@@ -1,18 +1,21 @@
 // The calls that start background activities and steer them.
-#include "calls/hxsim_activity_calls.h"
+#include "calls/hxsim_activity_control.h"
 
 #include <algorithm>
 #include <utility>
 #include <vector>
 
-#include "calls/hxsim_disk.h"
 #include "calls/hxsim_session.h"
 #include "codes/hxraid_codes.h"
 #include "hxraid.h"
+#include "model/hxsim_activity_row.h"
+#include "model/hxsim_disk_fit.h"
+#include "model/hxsim_disk_role.h"
 #include "model/hxsim_redundancy.h"
-#include "model/hxsim_space.h"
 #include "rules/hxsim_activity.h"
-#include "rules/hxsim_repair.h"
+#include "rules/hxsim_activity_end.h"
+#include "rules/hxsim_hot_spare.h"
+#include "rules/hxsim_rebuild.h"
 
 namespace hxsim {
 namespace {
@@ -248,6 +251,29 @@ HX_U8 RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX
         any = true;
     }
     return any ? HX_U8{HX_SUCCESS} : HX_U8{HXSIM_BAD_DISK_COUNT};
+}
+
+HX_U8 Control(Adapter& adapter, Time now, Owner of, HX_U16 owner, HX_U8 action) {
+    if (action != HXSIM_CONTROL_PAUSE && action != HXSIM_CONTROL_RESUME &&
+        action != HXSIM_CONTROL_ABORT) {
+        return HXSIM_BAD_ACTION;
+    }
+    Activity* const activity = ActivityOf(adapter, of, owner);
+    if (activity == nullptr) return HXSIM_NO_ACTIVITY;
+    const HX_U8 state = activity->state;
+    switch (action) {
+        case HXSIM_CONTROL_PAUSE:
+            return Pause(adapter, now, *activity);
+        case HXSIM_CONTROL_RESUME:
+            if (state == HXSIM_ACTIVITY_RUNNING) return HXSIM_NO_CHANGE;
+            // What has made the controller pause it is still there.
+            if (state == HXSIM_ACTIVITY_AUTO_PAUSED) return HXSIM_WRONG_STATE;
+            Resume(adapter, now, *activity);
+            return HX_SUCCESS;
+        default:
+            Abort(adapter, now, activity->id);
+            return HX_SUCCESS;
+    }
 }
 
 HX_U8 ControlGroup(Adapter& adapter, Time now, HX_U16 id, HX_U8 action) {

@@ -1,4 +1,4 @@
-// What callers start in the background.
+// What callers start in the background, pause, resume and abort.
 #pragma once
 
 #include <span>
@@ -24,6 +24,10 @@ HX_U8 StartDataScrub(Adapter& adapter, Time now, HX_U16 disk);
 /// are rebuilt where they are, the others get one vacant position each, from the lowest on.
 HX_U8 RebuildVirtualDisk(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks);
 HX_U8 RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks);
+
+/// Pauses, resumes or aborts (HxsimControl) what runs on an object, for a caller. Refused with
+/// HXSIM_NO_ACTIVITY, HXSIM_BAD_ACTION, HXSIM_WRONG_STATE or HXSIM_NO_CHANGE.
+HX_U8 Control(Adapter& adapter, Time now, Owner of, HX_U16 owner, HX_U8 action);
 
 /// Controls (HxsimControl) what runs on a disk group itself, or else on its virtual disks.
 HX_U8 ControlGroup(Adapter& adapter, Time now, HX_U16 id, HX_U8 action);

@@ -1,4 +1,4 @@
-// The disk groups of the virtual controller: made, changed, described, set and deleted.
+// Disk groups: made, and changed in name, level and disks.
 //
 // Every function here that refuses leaves the adapter and what it was given as they are.
 #pragma once
@@ -15,14 +15,5 @@ HX_U8 CreateOrModifyDiskGroup(Adapter& adapter, Time now, CreateOrModify_DG_Para
 
 /// Sets param.Size as CreateOrModifyDiskGroup would, whatever size is asked for.
 HX_U8 SizeDiskGroup(const Adapter& adapter, CreateOrModify_DG_Param& param);
-
-/// Sets name and write cache, the latter on each of its disks.
-HX_U8 SetDiskGroup(Adapter& adapter, Time now, HX_U16 id, const DG_Config& config);
-
-/// Deletes a disk group and its virtual disks, with what goes on on them; its spares are free.
-HX_U8 DeleteDiskGroup(Adapter& adapter, Time now, HX_U16 id);
-
-/// The group's record: what HX_DG_GetInfo says of it.
-DG_Info DescribeDiskGroup(const Adapter& adapter, const DiskGroup& group);
 
 }  // namespace hxsim

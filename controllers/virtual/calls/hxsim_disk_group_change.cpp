@@ -1,0 +1,73 @@
+// Disk groups: set and deleted.
+#include "calls/hxsim_disk_group_change.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "calls/hxsim_session.h"
+#include "calls/hxsim_virtual_disk_change.h"
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_activity_row.h"
+#include "model/hxsim_home.h"
+#include "model/hxsim_text.h"
+#include "rules/hxsim_activity_end.h"
+#include "rules/hxsim_disk_write_cache.h"
+#include "rules/hxsim_event_queue.h"
+#include "rules/hxsim_hot_spare.h"
+
+namespace hxsim {
+
+HX_U8 SetDiskGroup(Adapter& adapter, Time now, HX_U16 id, const DG_Config& config) {
+    DiskGroup* const group = Find(adapter.disk_groups, id);
+    if (group == nullptr) return HXSIM_NO_DISK_GROUP;
+    group->name = TextOf(config.Name);
+    group->write_cache = config.WriteCacheOn != 0;
+    for (const HX_U16 disk : DisksOf(adapter, Owner::kDiskGroup, id)) {
+        SetWriteCache(adapter, now, disk, group->write_cache);
+    }
+    return HX_SUCCESS;
+}
+
+HX_U8 DeleteDiskGroup(Adapter& adapter, Time now, HX_U16 id) {
+    if (Find(adapter.disk_groups, id) == nullptr) return HXSIM_NO_DISK_GROUP;
+    while (const Activity* const activity = ActivityOf(adapter, Owner::kDiskGroup, id)) {
+        Abort(adapter, now, activity->id);
+    }
+    std::vector<HX_U16> members;
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        if (each.group == id) members.push_back(each.id);
+    }
+    for (const HX_U16 member : members) RemoveVirtualDisk(adapter, now, member);
+    DropHomes(adapter, Owner::kDiskGroup, id);
+    std::erase_if(adapter.disk_groups, [&](const DiskGroup& each) { return each.id == id; });
+    for (Disk& disk : adapter.disks) {
+        if (disk.spare_before == Spare::kGroup && disk.spare_group_before == id) {
+            disk.spare_before = Spare::kNone;
+            disk.spare_group_before = kNoId;
+        }
+        if (disk.spare == Spare::kGroup && disk.spare_group == id) {
+            disk.spare = Spare::kNone;
+            disk.spare_group = kNoId;
+            Queue(adapter, now, kSpareRemoved, disk.id);
+        }
+        ReturnSpare(adapter, now, disk);
+    }
+    Queue(adapter, now, kDiskGroupDeleted, id);
+    return HX_SUCCESS;
+}
+
+}  // namespace hxsim
+
+HX_U8 HX_DG_SetConfig(HX_U8 AdapterID, HX_U16 DG_ID, DG_Config* config) {
+    return hxsim::Change(__func__, AdapterID,
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                             if (config == nullptr) return HXSIM_NULL_ADDRESS;
+                             return hxsim::SetDiskGroup(adapter, now, DG_ID, *config);
+                         });
+}
+
+HX_U8 HX_DG_Delete(HX_U8 AdapterID, HX_U16 DG_ID) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::DeleteDiskGroup(adapter, now, DG_ID);
+    });
+}

@@ -1,0 +1,28 @@
+// Callers take events off the queue.
+#include "calls/hxsim_session.h"
+#include "hxraid.h"
+#include "incidents/hxsim_hostile_answer.h"
+#include "rules/hxsim_event_queue.h"
+
+HX_U8 HX_EVT_GetEvent(HX_U8 AdapterID, HX_U8 max, HX_U8* count, Event* events) {
+    // An empty queue is what a caller finds nearly always, and looking writes nothing.
+    bool empty = true;
+    const HX_U8 status =
+        hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+            if (count == nullptr || events == nullptr) return HXSIM_NULL_ADDRESS;
+            empty = max == 0 || adapter.events.empty();
+            if (empty) *count = 0;
+            return HX_SUCCESS;
+        });
+    if (status != HX_SUCCESS || empty) return status;
+    // The same call goes on: whatever fault is in its way has counted it.
+    return hxsim::Change(nullptr, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+        const HX_U8 taken = hxsim::Take(adapter, max, events);
+        *count = taken;
+        if (hxsim::IsHostile()) {
+            hxsim::MakeRecordHostile(events, taken * sizeof *events);
+            *count = UINT8_MAX;  // more than there was room for
+        }
+        return HX_SUCCESS;
+    });
+}

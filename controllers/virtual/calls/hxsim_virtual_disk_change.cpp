@@ -1,0 +1,115 @@
+// Virtual disks: set, imported and deleted.
+#include "calls/hxsim_virtual_disk_change.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "calls/hxsim_session.h"
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_activity_row.h"
+#include "model/hxsim_home.h"
+#include "model/hxsim_space.h"
+#include "model/hxsim_text.h"
+#include "rules/hxsim_activity_end.h"
+#include "rules/hxsim_event_queue.h"
+#include "rules/hxsim_hot_spare.h"
+
+namespace hxsim {
+namespace {
+
+std::vector<HX_U16> DisksWithBlocks(const Adapter& adapter, HX_U16 virtual_disk) {
+    std::vector<HX_U16> disks;
+    for (const Block& block : adapter.blocks) {
+        if (block.virtual_disk == virtual_disk) disks.push_back(block.disk);
+    }
+    return disks;
+}
+
+}  // namespace
+
+bool IsCache(HX_U8 cache) {
+    return (cache & ~(kCacheBits | HXSIM_CACHE_FORCED_WRITE_THROUGH)) == 0;
+}
+
+void SetCache(Adapter& adapter, Time now, VirtualDisk& virtual_disk, HX_U8 cache) {
+    const HX_U8 kept = cache & kCacheBits;
+    if (virtual_disk.cache == kept) return;
+    virtual_disk.cache = kept;
+    Queue(adapter, now, kCacheModeChanged, virtual_disk.id);
+}
+
+HX_U8 SetVirtualDisk(Adapter& adapter, Time now, HX_U16 id, const LD_Config& config) {
+    VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
+    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+    if (virtual_disk->foreign) return HXSIM_WRONG_STATE;
+    if (!IsCache(config.CacheMode)) return HXSIM_BAD_VALUE;
+    virtual_disk->name = TextOf(config.Name);
+    virtual_disk->auto_rebuild = config.AutoRebuildOn != 0;
+    SetCache(adapter, now, *virtual_disk, config.CacheMode);
+    return HX_SUCCESS;
+}
+
+HX_U8 DeleteVirtualDisk(Adapter& adapter, Time now, HX_U16 id, bool erase_mbr) {
+    const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
+    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+    if (virtual_disk->foreign) return HXSIM_WRONG_STATE;
+    // A migration of its group counts on every virtual disk of it.
+    if (virtual_disk->group != kNoId &&
+        ActivityOf(adapter, Owner::kDiskGroup, virtual_disk->group) != nullptr) {
+        return HXSIM_BUSY;
+    }
+    if (erase_mbr) {
+        for (const HX_U16 disk : DisksWithBlocks(adapter, id)) {
+            Find(adapter.disks, disk)->has_mbr = false;
+        }
+    }
+    RemoveVirtualDisk(adapter, now, id);
+    return HX_SUCCESS;
+}
+
+HX_U8 ImportVirtualDisk(Adapter& adapter, Time now, HX_U16 id) {
+    VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
+    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+    if (!virtual_disk->foreign) return HXSIM_NOT_FOREIGN;
+    for (const HX_U16 disk : DisksWithBlocks(adapter, id)) {
+        Find(adapter.disks, disk)->foreign = false;
+    }
+    virtual_disk->foreign = false;
+    Queue(adapter, now, kVirtualDiskImported, id, {id});
+    return HX_SUCCESS;
+}
+
+void RemoveVirtualDisk(Adapter& adapter, Time now, HX_U16 id) {
+    // A migration can wait behind a rebuild.
+    while (const Activity* const activity = ActivityOf(adapter, Owner::kVirtualDisk, id)) {
+        Abort(adapter, now, activity->id);
+    }
+    const std::vector<HX_U16> disks = DisksWithBlocks(adapter, id);
+    ReleaseAll(adapter, id);
+    DropHomes(adapter, Owner::kVirtualDisk, id);
+    std::erase_if(adapter.virtual_disks, [&](const VirtualDisk& each) { return each.id == id; });
+    Queue(adapter, now, kVirtualDiskDeleted, id);
+    for (const HX_U16 disk : disks) ReturnSpare(adapter, now, *Find(adapter.disks, disk));
+}
+
+}  // namespace hxsim
+
+HX_U8 HX_LD_SetConfig(HX_U8 AdapterID, HX_U16 LD_ID, LD_Config* config) {
+    return hxsim::Change(__func__, AdapterID,
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                             if (config == nullptr) return HXSIM_NULL_ADDRESS;
+                             return hxsim::SetVirtualDisk(adapter, now, LD_ID, *config);
+                         });
+}
+
+HX_U8 HX_LD_Delete(HX_U8 AdapterID, HX_U16 LD_ID, HX_U8 deleteMBR) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::DeleteVirtualDisk(adapter, now, LD_ID, deleteMBR != 0);
+    });
+}
+
+HX_U8 HX_LD_Import(HX_U8 AdapterID, HX_U16 LD_ID) {
+    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
+        return hxsim::ImportVirtualDisk(adapter, now, LD_ID);
+    });
+}

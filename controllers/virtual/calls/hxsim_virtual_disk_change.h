@@ -1,0 +1,36 @@
+// Virtual disks: set, imported and deleted.
+//
+// Every function here that refuses leaves the adapter as it is.
+#pragma once
+
+#include "codes/hxraid_codes.h"
+#include "hxraid.h"
+#include "model/hxsim_machine.h"
+
+namespace hxsim {
+
+/// The bits of a cache that a caller sets.
+inline constexpr HX_U8 kCacheBits = HXSIM_CACHE_WRITE_BACK | HXSIM_CACHE_READ_AHEAD;
+
+/// Sets name, cache and automatic rebuild. HXSIM_CACHE_FORCED_WRITE_THROUGH may be set, as it is in
+/// what is read, and counts for nothing.
+HX_U8 SetVirtualDisk(Adapter& adapter, Time now, HX_U16 id, const LD_Config& config);
+
+/// Deletes a virtual disk, with what goes on on it. With `erase_mbr` its disks lose their master
+/// boot records.
+HX_U8 DeleteVirtualDisk(Adapter& adapter, Time now, HX_U16 id, bool erase_mbr);
+
+/// Takes a virtual disk and its disks over from another controller.
+HX_U8 ImportVirtualDisk(Adapter& adapter, Time now, HX_U16 id);
+
+/// Whether these are bits of a cache that a caller may send.
+bool IsCache(HX_U8 cache);
+
+/// Sets the cache, which IsCache, and tells of it when it is another one.
+void SetCache(Adapter& adapter, Time now, VirtualDisk& virtual_disk, HX_U8 cache);
+
+/// Takes a virtual disk away: its activities are aborted, its blocks are free and its disks are
+/// what they were before. It exists.
+void RemoveVirtualDisk(Adapter& adapter, Time now, HX_U16 id);
+
+}  // namespace hxsim

@@ -1,0 +1,68 @@
+// A power cut, and what a controller finds when it comes up again.
+#include "incidents/hxsim_incident_power.h"
+
+#include <algorithm>
+
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_disk_role.h"
+#include "model/hxsim_redundancy.h"
+#include "model/hxsim_text.h"
+#include "rules/hxsim_activity.h"
+#include "rules/hxsim_battery.h"
+#include "rules/hxsim_event_queue.h"
+
+namespace hxsim {
+namespace {
+
+// What was held back in the cache, and is written nowhere now, leaves a stripe half written.
+bool LosesWhatIsCached(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    return (virtual_disk.cache & HXSIM_CACHE_WRITE_BACK) != 0 && !AllowsWriteBack(adapter) &&
+           !ForcesWriteThrough(adapter) && virtual_disk.initialised && !virtual_disk.foreign &&
+           virtual_disk.level != 0 && StateOf(adapter, virtual_disk) != HXSIM_STATE_OFFLINE;
+}
+
+// Whether a virtual disk has gone with all its disks.
+bool IsGone(const Adapter& adapter, HX_U16 virtual_disk) {
+    return std::ranges::none_of(adapter.blocks, [&](const Block& block) {
+        if (block.virtual_disk != virtual_disk) return false;
+        const Disk* const disk = Find(adapter.disks, block.disk);
+        return disk != nullptr && disk->present;
+    });
+}
+
+// What a controller finds missing when it comes up.
+void AnnounceMissing(Adapter& adapter, Time now) {
+    for (const Disk& disk : adapter.disks) {
+        if (!disk.present && IsConfigured(adapter, disk.id)) {
+            Queue(adapter, now, kDiskMissingAtBoot, disk.id);
+        }
+    }
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        const HX_U8 state = StateOf(adapter, each);
+        if (state != HXSIM_STATE_OPTIMAL && state != HXSIM_STATE_FOREIGN) {
+            const bool gone = IsGone(adapter, each.id);
+            Queue(adapter, now, gone ? kVirtualDiskMissingAtBoot : kVirtualDiskMissesDisks,
+                  each.id);
+        }
+    }
+    const bool battery_missing = std::ranges::any_of(
+        adapter.batteries, [](const Battery& battery) { return !battery.present; });
+    if (battery_missing) Queue(adapter, now, kBatteryNotPresent, kBattery);
+}
+
+}  // namespace
+
+void CutPower(Adapter& adapter, Time now) {
+    for (VirtualDisk& each : adapter.virtual_disks) {
+        if (LosesWhatIsCached(adapter, each)) ++each.errors;
+    }
+    Queue(adapter, now, kAdapterFound, adapter.id, {}, TextOf(adapter.info.SerialNo));
+    AnnounceMissing(adapter, now);
+    for (const Activity& activity : adapter.activities) {
+        if (activity.state == HXSIM_ACTIVITY_RUNNING) {
+            Announce(adapter, now, activity, Step::kRestart);
+        }
+    }
+}
+
+}  // namespace hxsim

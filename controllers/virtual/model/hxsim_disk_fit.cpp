@@ -1,0 +1,86 @@
+// Whether a disk can serve a position of a virtual disk or of a disk group.
+#include "model/hxsim_disk_fit.h"
+
+#include <algorithm>
+
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_disk_role.h"
+#include "model/hxsim_members.h"
+#include "model/hxsim_space.h"
+
+namespace hxsim {
+namespace {
+
+template <class Array>
+const Disk* HomeDiskOf(const Adapter& adapter, const Array& array, HX_U16 id) {
+    const Disk* const disk = Find(adapter.disks, id);
+    const bool serves = disk != nullptr && disk->spare == Spare::kNone &&
+                        CanServe(adapter, array, *disk) == HX_SUCCESS;
+    return serves ? disk : nullptr;
+}
+
+}  // namespace
+
+bool NeedsDisk(const Adapter& adapter, const VirtualDisk& virtual_disk, HX_U8 position) {
+    const Block* const block = BlockOf(adapter, virtual_disk.id, position);
+    return block == nullptr || !IsReady(adapter, block->disk);
+}
+
+bool NeedsDisk(const Adapter& adapter, const Home& home) { return !IsReady(adapter, home.disk); }
+
+Sectors SectorsNeeded(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    const Block* const block = AnyBlockOf(adapter, virtual_disk.id);
+    return block == nullptr ? 0 : block->sectors;
+}
+
+Sectors SectorsNeeded(const Adapter& adapter, const DiskGroup& group) {
+    // As much as the smallest of its disks has, so that the group does not shrink, and no less than
+    // its virtual disks have taken.
+    Sectors smallest = UINT64_MAX;
+    for (const Home& home : adapter.homes) {
+        if (home.of != Owner::kDiskGroup || home.owner != group.id) continue;
+        const Disk* const disk = Find(adapter.disks, home.disk != kNoId ? home.disk : home.home);
+        if (disk != nullptr) smallest = std::min(smallest, UsableSectors(*disk));
+    }
+    Sectors taken = 0;
+    for (const VirtualDisk* const each : MembersOf(adapter, group.id)) {
+        const Block* const block = AnyBlockOf(adapter, each->id);
+        if (block != nullptr) taken = std::max(taken, block->start + block->sectors);
+    }
+    return smallest == UINT64_MAX ? taken : std::max(taken, smallest);
+}
+
+HX_U8 CanServe(const Adapter& adapter, const VirtualDisk& virtual_disk, const Disk& disk) {
+    if (!IsReady(disk)) return HXSIM_DISK_NOT_READY;
+    if (disk.spare == Spare::kGroup || GroupOf(adapter, disk.id) != nullptr) {
+        return HXSIM_DISK_TAKEN;
+    }
+    const bool in_use = std::ranges::any_of(adapter.blocks, [&](const Block& block) {
+        return block.disk == disk.id && block.virtual_disk == virtual_disk.id;
+    });
+    if (in_use) return HXSIM_DISK_IN_USE;
+    const Sectors sectors = SectorsNeeded(adapter, virtual_disk);
+    const Block* const free = FirstFree(adapter, disk.id, sectors);
+    if (free == nullptr || sectors == 0) return HXSIM_NO_SPACE;
+    const bool one_more = free->sectors != sectors;
+    return one_more && IsFullOfBlocks(adapter, disk.id) ? HX_U8{HXSIM_TOO_MANY_BLOCKS}
+                                                        : HX_U8{HX_SUCCESS};
+}
+
+HX_U8 CanServe(const Adapter& adapter, const DiskGroup& group, const Disk& disk) {
+    if (!IsReady(disk)) return HXSIM_DISK_NOT_READY;
+    if (disk.spare == Spare::kGroup && disk.spare_group != group.id) return HXSIM_DISK_TAKEN;
+    if (IsConfigured(adapter, disk.id)) return HXSIM_DISK_TAKEN;
+    return UsableSectors(disk) < SectorsNeeded(adapter, group) ? HX_U8{HXSIM_NO_SPACE}
+                                                               : HX_U8{HX_SUCCESS};
+}
+
+const Disk* FindHomeDisk(const Adapter& adapter, const VirtualDisk& virtual_disk, HX_U16 id) {
+    return HomeDiskOf(adapter, virtual_disk, id);
+}
+
+const Disk* FindHomeDisk(const Adapter& adapter, const DiskGroup& group, HX_U16 id) {
+    return HomeDiskOf(adapter, group, id);
+}
+
+}  // namespace hxsim

@@ -1,0 +1,97 @@
+// The states of virtual disks and disk groups as disks are lost and come back.
+#include "rules/hxsim_array_state.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_home.h"
+#include "model/hxsim_redundancy.h"
+#include "model/hxsim_space.h"
+#include "rules/hxsim_alarm.h"
+#include "rules/hxsim_event_queue.h"
+
+namespace hxsim {
+namespace {
+
+EventKind EventOf(HX_U8 state) {
+    switch (state) {
+        case HXSIM_STATE_OFFLINE:
+            return kVirtualDiskOffline;
+        case HXSIM_STATE_DEGRADED:
+            return kVirtualDiskDegraded;
+        case HXSIM_STATE_PARTIALLY_OPTIMAL:
+            return kVirtualDiskPartiallyOptimal;
+        default:
+            return kVirtualDiskOnline;
+    }
+}
+
+bool MissesDisk(const Adapter& adapter, HX_U16 virtual_disk) {
+    return std::ranges::any_of(adapter.blocks, [&](const Block& block) {
+        if (block.virtual_disk != virtual_disk || block.target) return false;
+        const Disk* const disk = Find(adapter.disks, block.disk);
+        return disk == nullptr || !disk->present;
+    });
+}
+
+}  // namespace
+
+bool LetBlocksFallOutOfDate(Settling& settling) {
+    Adapter& adapter = settling.adapter;
+    bool changed = false;
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        if (!IsUsable(StateOf(adapter, each))) continue;
+        for (Block& block : adapter.blocks) {
+            if (block.virtual_disk != each.id || block.state == HXSIM_STATE_DEGRADED ||
+                IsReady(adapter, block.disk)) {
+                continue;
+            }
+            block.state = HXSIM_STATE_DEGRADED;
+            settling.losses.insert(each.id);
+            changed = true;
+        }
+    }
+    return changed;
+}
+
+bool FollowBlocks(Settling& settling) {
+    Adapter& adapter = settling.adapter;
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        for (unsigned i = 0; i < each.width; ++i) {
+            const auto position = static_cast<HX_U8>(i);
+            Home* const home = HomeOf(adapter, each, position);
+            const Block* const block = BlockOf(adapter, each.id, position);
+            if (home != nullptr) home->disk = block == nullptr ? kNoId : block->disk;
+        }
+    }
+    return false;
+}
+
+bool AnnounceStates(Settling& settling) {
+    Adapter& adapter = settling.adapter;
+    bool changed = false;
+    for (VirtualDisk& each : adapter.virtual_disks) {
+        const HX_U8 state = StateOf(adapter, each);
+        const HX_U8 before = std::exchange(each.state, state);
+        if (state == before) continue;
+        changed = true;
+        if (state == HXSIM_STATE_FOREIGN) continue;
+        // The import has announced a foreign one.
+        if (before == HXSIM_STATE_FOREIGN && state == HXSIM_STATE_OPTIMAL) continue;
+        Queue(adapter, settling.now, EventOf(state), each.id);
+        if (state < before) continue;
+        settling.losses.insert(each.id);
+        settling.new_alarm_cause = settling.new_alarm_cause || CausesAlarm(state);
+        if (MissesDisk(adapter, each.id)) {
+            Queue(adapter, settling.now, kVirtualDiskMissesDisks, each.id);
+        }
+    }
+    return changed;
+}
+
+void SetGroupStates(Adapter& adapter) {
+    for (DiskGroup& group : adapter.disk_groups) group.state = StateOf(adapter, group);
+}
+
+}  // namespace hxsim

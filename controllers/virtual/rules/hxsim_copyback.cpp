@@ -1,0 +1,197 @@
+// Copyback: what a disk serves that has stepped in returns to the disk where it belongs.
+#include "rules/hxsim_copyback.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_activity_row.h"
+#include "model/hxsim_disk_fit.h"
+#include "model/hxsim_home.h"
+#include "model/hxsim_members.h"
+#include "model/hxsim_redundancy.h"
+#include "model/hxsim_space.h"
+#include "rules/hxsim_activity.h"
+#include "rules/hxsim_event_queue.h"
+
+namespace hxsim {
+namespace {
+
+// A disk on which a position now belongs for good is no spare that will be one again, unless it
+// stands in for yet another disk.
+void SettleDown(Adapter& adapter, HX_U16 id) {
+    const bool stands_in = std::ranges::any_of(adapter.homes, [&](const Home& each) {
+        return each.disk == id && each.home != id && each.home != kNoId;
+    });
+    Disk* const disk = Find(adapter.disks, id);
+    if (disk == nullptr || stands_in) return;
+    disk->spare_before = Spare::kNone;
+    disk->spare_group_before = kNoId;
+}
+
+void SwapIn(Adapter& adapter, HX_U16 virtual_disk) {
+    for (bool found = true; found;) {
+        const auto target = std::ranges::find_if(adapter.blocks, [&](const Block& block) {
+            return block.virtual_disk == virtual_disk && block.target;
+        });
+        found = target != adapter.blocks.end();
+        if (!found) break;
+        const HX_U16 id = target->id;
+        if (const Block* const old = BlockOf(adapter, virtual_disk, target->position)) {
+            Release(adapter, old->id);
+        }
+        Find(adapter.blocks, id)->target = false;
+    }
+}
+
+void ReturnHome(Adapter& adapter, Owner of, HX_U16 owner, HX_U16 disk) {
+    for (Home& home : adapter.homes) {
+        if (home.of == of && home.owner == owner && home.home == disk) home.disk = disk;
+    }
+}
+
+// The disks on which targets of a virtual disk lie.
+std::vector<HX_U16> TargetDisks(const Adapter& adapter, HX_U16 virtual_disk) {
+    std::vector<HX_U16> disks;
+    for (const Block& block : adapter.blocks) {
+        if (block.virtual_disk == virtual_disk && block.target) disks.push_back(block.disk);
+    }
+    return disks;
+}
+
+// The virtual disks that a copyback is about.
+std::vector<HX_U16> Concerned(const Adapter& adapter, const Activity& copyback) {
+    if (copyback.of == Owner::kVirtualDisk) return {copyback.owner};
+    std::vector<HX_U16> ids;
+    for (const VirtualDisk* const each : MembersOf(adapter, copyback.owner)) {
+        ids.push_back(each->id);
+    }
+    return ids;
+}
+
+// Whether what serves a position is whole and larger than a disk that it might return to.
+bool IsTooLargeFor(const Adapter& adapter, const Home& home, const Disk& disk) {
+    if (home.of == Owner::kVirtualDisk) {
+        const VirtualDisk* const row = Find(adapter.virtual_disks, home.owner);
+        return row != nullptr && StateOf(adapter, *row) == HXSIM_STATE_OPTIMAL &&
+               SectorsNeeded(adapter, *row) > UsableSectors(disk);
+    }
+    const DiskGroup* const group = Find(adapter.disk_groups, home.owner);
+    return group != nullptr && StateOf(adapter, *group) == HXSIM_STATE_OPTIMAL &&
+           SectorsNeeded(adapter, *group) > UsableSectors(disk);
+}
+
+bool MayCopyBack(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    return StateOf(adapter, virtual_disk) == HXSIM_STATE_OPTIMAL && !IsBusy(adapter, virtual_disk);
+}
+
+bool StartCopyback(Adapter& adapter, Time now, const VirtualDisk& virtual_disk) {
+    if (virtual_disk.group != kNoId || !MayCopyBack(adapter, virtual_disk)) return false;
+    Activity copyback;
+    copyback.kind = HXSIM_ACTIVITY_COPYBACK;
+    copyback.of = Owner::kVirtualDisk;
+    copyback.owner = virtual_disk.id;
+    copyback.total = SectorsNeeded(adapter, virtual_disk);
+    bool any = false;
+    for (unsigned position = 0; position < virtual_disk.width; ++position) {
+        const auto place = static_cast<HX_U8>(position);
+        const Home* const home = HomeOf(std::as_const(adapter), virtual_disk, place);
+        if (home == nullptr || !IsDisplaced(*home)) continue;
+        const Disk* const disk = FindHomeDisk(adapter, virtual_disk, home->home);
+        if (disk == nullptr) continue;
+        const HX_U16 id = disk->id;
+        const Sectors start = FirstFree(adapter, id, copyback.total)->start;
+        Cut(adapter, id, start, copyback.total, virtual_disk.id, place).target = true;
+        any = true;
+    }
+    if (any) Start(adapter, now, copyback);
+    return any;
+}
+
+bool StartCopyback(Adapter& adapter, Time now, const DiskGroup& group) {
+    const std::vector<const VirtualDisk*> members = MembersOf(adapter, group.id);
+    const bool may =
+        StateOf(adapter, group) == HXSIM_STATE_OPTIMAL && !IsBusy(adapter, group) &&
+        std::ranges::all_of(members, [&](const auto* each) { return MayCopyBack(adapter, *each); });
+    if (!may) return false;
+    Activity copyback;
+    copyback.kind = HXSIM_ACTIVITY_COPYBACK;
+    copyback.of = Owner::kDiskGroup;
+    copyback.owner = group.id;
+    for (const VirtualDisk* const each : members) copyback.total += SectorsNeeded(adapter, *each);
+    bool any = false;
+    for (Home& home : adapter.homes) {
+        if (home.of != Owner::kDiskGroup || home.owner != group.id || !IsDisplaced(home)) continue;
+        const Disk* const disk = FindHomeDisk(adapter, group, home.home);
+        if (disk == nullptr) continue;
+        any = true;
+        if (members.empty()) home.disk = home.home;  // nothing to copy
+        for (const VirtualDisk* const each : members) {
+            const Block* const like = AnyBlockOf(adapter, each->id);
+            const Sectors start = like->start;
+            const Sectors sectors = like->sectors;
+            Cut(adapter, home.home, start, sectors, each->id, home.position).target = true;
+        }
+    }
+    if (any && !members.empty()) Start(adapter, now, copyback);
+    return any;
+}
+
+}  // namespace
+
+void TellOfSmallHome(Adapter& adapter, Time now, HX_U16 id) {
+    const Disk* const disk = Find(adapter.disks, id);
+    if (adapter.config.CopyBack == 0 || disk == nullptr || !IsReady(*disk)) return;
+    const bool too_small = std::ranges::any_of(adapter.homes, [&](const Home& home) {
+        return home.home == id && IsDisplaced(home) && IsTooLargeFor(adapter, home, *disk);
+    });
+    if (too_small) Queue(adapter, now, kDiskTooSmallForCopyback, id);
+}
+
+bool StartCopybacks(Settling& settling) {
+    Adapter& adapter = settling.adapter;
+    if (adapter.config.CopyBack == 0) return false;
+    bool changed = false;
+    for (const DiskGroup& group : adapter.disk_groups) {
+        changed = StartCopyback(adapter, settling.now, group) || changed;
+    }
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        changed = StartCopyback(adapter, settling.now, each) || changed;
+    }
+    return changed;
+}
+
+void FinishCopyback(Adapter& adapter, const Activity& copyback) {
+    for (const HX_U16 virtual_disk : Concerned(adapter, copyback)) {
+        const std::vector<HX_U16> disks = TargetDisks(adapter, virtual_disk);
+        SwapIn(adapter, virtual_disk);
+        for (const HX_U16 disk : disks) ReturnHome(adapter, copyback.of, copyback.owner, disk);
+    }
+}
+
+void DropCopyback(Adapter& adapter, const Activity& copyback, bool settle_down) {
+    for (const HX_U16 virtual_disk : Concerned(adapter, copyback)) {
+        for (bool found = true; found;) {
+            const auto target = std::ranges::find_if(adapter.blocks, [&](const Block& block) {
+                return block.virtual_disk == virtual_disk && block.target;
+            });
+            found = target != adapter.blocks.end();
+            if (!found) break;
+            if (settle_down) {
+                const VirtualDisk* const row = Find(adapter.virtual_disks, virtual_disk);
+                Home* const home = HomeOf(adapter, *row, target->position);
+                if (home != nullptr) BelongThere(adapter, *home);
+            }
+            Release(adapter, target->id);
+        }
+    }
+}
+
+void BelongThere(Adapter& adapter, Home& home) {
+    if (home.disk == kNoId) return;
+    home.home = home.disk;
+    SettleDown(adapter, home.disk);
+}
+
+}  // namespace hxsim

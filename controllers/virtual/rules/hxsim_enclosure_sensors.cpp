@@ -1,0 +1,89 @@
+// The elements of enclosures, and what the readings of their sensors mean.
+#include "rules/hxsim_enclosure_sensors.h"
+
+#include <algorithm>
+
+#include "codes/hxraid_codes.h"
+
+namespace hxsim {
+namespace {
+
+// A fan at less than these percents of what it should turn.
+constexpr unsigned kFanWarning = 80, kFanCritical = 50;
+
+Deviation DeviationOfTemperature(const Element& element) {
+    const HX_U16 reading = element.reading;
+    const auto above = [&](HX_U8 bound) { return bound != 0 && reading > bound; };
+    const auto below = [&](HX_U8 bound) { return bound != 0 && reading < bound; };
+    if (above(element.high_critical)) return Deviation::kHighCritical;
+    if (below(element.low_critical)) return Deviation::kLowCritical;
+    if (above(element.high_warning)) return Deviation::kHighWarning;
+    if (below(element.low_warning)) return Deviation::kLowWarning;
+    return Deviation::kNone;
+}
+
+// Bounds are half percents of the nominal value.
+Deviation DeviationOfVoltage(const Element& element) {
+    const unsigned nominal = element.nominal;
+    const unsigned reading = element.reading;
+    const auto above = [&](HX_U8 bound) {
+        return bound != 0 && reading > nominal && 200 * (reading - nominal) > nominal * bound;
+    };
+    const auto below = [&](HX_U8 bound) {
+        return bound != 0 && reading < nominal && 200 * (nominal - reading) > nominal * bound;
+    };
+    if (above(element.high_critical)) return Deviation::kHighCritical;
+    if (below(element.low_critical)) return Deviation::kLowCritical;
+    if (above(element.high_warning)) return Deviation::kHighWarning;
+    if (below(element.low_warning)) return Deviation::kLowWarning;
+    return Deviation::kNone;
+}
+
+Deviation DeviationOfFan(const Element& element) {
+    const unsigned speed = 100U * element.reading;
+    if (speed == 0 || speed < kFanCritical * element.nominal) return Deviation::kLowCritical;
+    if (speed < kFanWarning * element.nominal) return Deviation::kLowWarning;
+    return Deviation::kNone;
+}
+
+}  // namespace
+
+Deviation DeviationOf(const Element& element) {
+    switch (element.type) {
+        case HX_ELEMENT_FAN:
+            return DeviationOfFan(element);
+        case HX_ELEMENT_TEMPERATURE:
+            return element.reading == 0 ? Deviation::kNone : DeviationOfTemperature(element);
+        case HX_ELEMENT_VOLTAGE:
+            return element.nominal == 0 ? Deviation::kNone : DeviationOfVoltage(element);
+        default:
+            return Deviation::kNone;
+    }
+}
+
+HX_U8 StatusOf(const Element& element) {
+    const bool is_measured = element.type == HX_ELEMENT_FAN ||
+                             element.type == HX_ELEMENT_TEMPERATURE ||
+                             element.type == HX_ELEMENT_VOLTAGE;
+    if (!is_measured) return element.status;
+    switch (DeviationOf(element)) {
+        case Deviation::kNone:
+            break;
+        case Deviation::kLowWarning:
+        case Deviation::kHighWarning:
+            return HXSIM_ELEMENT_NONCRITICAL;
+        case Deviation::kLowCritical:
+        case Deviation::kHighCritical:
+            return HXSIM_ELEMENT_CRITICAL;
+    }
+    return HXSIM_ELEMENT_OK;
+}
+
+Element* FindElement(Adapter& adapter, HX_U16 enclosure, HX_U8 number) {
+    const auto found = std::ranges::find_if(adapter.elements, [&](const Element& element) {
+        return element.enclosure == enclosure && element.number == number;
+    });
+    return found == adapter.elements.end() ? nullptr : &*found;
+}
+
+}  // namespace hxsim

@@ -1,0 +1,105 @@
+// Rebuilds: the content of lost blocks is made again on the disks that have taken their place.
+#include "rules/hxsim_rebuild.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_activity_row.h"
+#include "model/hxsim_home.h"
+#include "model/hxsim_redundancy.h"
+#include "rules/hxsim_activity.h"
+#include "rules/hxsim_copyback.h"
+
+namespace hxsim {
+
+bool MayRebuild(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    const HX_U8 state = StateOf(adapter, virtual_disk);
+    if (state != HXSIM_STATE_DEGRADED && state != HXSIM_STATE_PARTIALLY_OPTIMAL) return false;
+    if (const Activity* const group = ActivityOf(adapter, Owner::kDiskGroup, virtual_disk.group);
+        virtual_disk.group != kNoId && group != nullptr &&
+        group->kind != HXSIM_ACTIVITY_MIGRATION) {
+        return false;
+    }
+    const Activity* const activity = ActivityOf(adapter, Owner::kVirtualDisk, virtual_disk.id);
+    if (activity == nullptr) return true;
+    switch (activity->kind) {
+        case HXSIM_ACTIVITY_CHECK:
+        case HXSIM_ACTIVITY_FIX:
+        case HXSIM_ACTIVITY_INIT_BACK:  // these end for it
+        case HXSIM_ACTIVITY_MIGRATION:  // this waits for it
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool HasBlocksToRebuild(const Adapter& adapter, const VirtualDisk& virtual_disk, bool held) {
+    return std::ranges::any_of(adapter.blocks, [&](const Block& block) {
+        return block.virtual_disk == virtual_disk.id && !block.target &&
+               (block.state == HXSIM_STATE_DEGRADED ||
+                (held && block.state == HXSIM_STATE_REBUILDING)) &&
+               IsReady(adapter, block.disk);
+    });
+}
+
+void StartRebuild(Adapter& adapter, Time now, HX_U16 virtual_disk) {
+    const Activity* const lesser = ActivityOf(adapter, Owner::kVirtualDisk, virtual_disk);
+    if (lesser != nullptr && lesser->kind != HXSIM_ACTIVITY_MIGRATION) {
+        // A check, fix or initialisation leaves nothing behind that would have to be undone.
+        Announce(adapter, now, Remove(adapter, lesser->id), Step::kAbort);
+    }
+    Activity rebuild;
+    rebuild.kind = HXSIM_ACTIVITY_REBUILD;
+    rebuild.of = Owner::kVirtualDisk;
+    rebuild.owner = virtual_disk;
+    for (Block& block : adapter.blocks) {
+        if (block.virtual_disk != virtual_disk || block.target) continue;
+        if (block.state == HXSIM_STATE_DEGRADED && IsReady(adapter, block.disk)) {
+            block.state = HXSIM_STATE_REBUILDING;
+        }
+        rebuild.total = block.sectors;
+    }
+    Start(adapter, now, rebuild);
+}
+
+void FinishRebuild(Adapter& adapter, Time now, HX_U16 virtual_disk) {
+    const VirtualDisk* const row = Find(adapter.virtual_disks, virtual_disk);
+    if (row == nullptr) return;
+    std::vector<HX_U16> homes;
+    for (Block& block : adapter.blocks) {
+        if (block.virtual_disk != virtual_disk || block.target ||
+            block.state != HXSIM_STATE_REBUILDING) {
+            continue;
+        }
+        block.state = HXSIM_STATE_OPTIMAL;
+        Home* const home = HomeOf(adapter, *row, block.position);
+        if (home == nullptr || !IsDisplaced(*home)) continue;
+        if (adapter.config.CopyBack == 0) {
+            BelongThere(adapter, *home);
+        } else {
+            homes.push_back(home->home);
+        }
+    }
+    for (const HX_U16 home : homes) TellOfSmallHome(adapter, now, home);
+}
+
+bool RebuildsByItself(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    return adapter.config.AutoRebuildOn != 0 && virtual_disk.auto_rebuild;
+}
+
+bool StartRebuilds(Settling& settling) {
+    Adapter& adapter = settling.adapter;
+    bool changed = false;
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        if (!RebuildsByItself(adapter, each) || !MayRebuild(adapter, each) ||
+            !HasBlocksToRebuild(adapter, each, false)) {
+            continue;
+        }
+        StartRebuild(adapter, settling.now, each.id);
+        changed = true;
+    }
+    return changed;
+}
+
+}  // namespace hxsim

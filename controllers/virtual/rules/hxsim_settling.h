@@ -1,0 +1,17 @@
+// What the settling rules know of the change whose consequences they draw (hxsim_settle.h).
+#pragma once
+
+#include <set>
+
+#include "model/hxsim_machine.h"
+
+namespace hxsim {
+
+struct Settling {
+    Adapter& adapter;
+    const Time now;
+    bool new_alarm_cause = false;  // a virtual disk has just become degraded or offline
+    std::set<HX_U16> losses{};     // virtual disks that have just lost something
+};
+
+}  // namespace hxsim
