@@ -2,19 +2,14 @@
 #pragma once
 
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "model/hxsim_machine.h"
+#include "topology/hxsim_topology_error.h"
 
 namespace hxsim {
-
-/// The text is no topology; what() names the member and says what is expected there.
-struct TopologyError : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 /// The topologies that are built in: "default", "small" and "rack".
 std::vector<std::string_view> BuiltInTopologies();

@@ -1,0 +1,640 @@
+// One adapter of a topology, and what its text leaves out.
+#include "topology/hxsim_topology_adapter.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <optional>
+#include <set>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "codes/hxraid_codes.h"
+#include "model/hxsim_adapter_model.h"
+#include "model/hxsim_column.h"
+#include "model/hxsim_home.h"
+#include "model/hxsim_level.h"
+#include "model/hxsim_link.h"
+#include "model/hxsim_random.h"
+#include "model/hxsim_space.h"
+#include "model/hxsim_text.h"
+#include "rules/hxsim_event_queue.h"
+
+namespace hxsim {
+namespace {
+
+constexpr Sectors kGib = 2097152;
+constexpr std::size_t kMostElements = 255;  // of an enclosure
+
+// ---- Columns that a topology may set ----
+
+constexpr std::tuple kInfoColumns{
+    Col("DriverVersion", &Adapter_Info::DriverVersion),
+    Col("BIOSVersion", &Adapter_Info::BIOSVersion),
+    Col("FirmwareVersion", &Adapter_Info::FirmwareVersion),
+    Col("BootLoaderVersion", &Adapter_Info::BootLoaderVersion),
+    Col("SystemIOBusNumber", &Adapter_Info::SystemIOBusNumber),
+    Col("SlotNumber", &Adapter_Info::SlotNumber),
+    Col("InterruptLevel", &Adapter_Info::InterruptLevel),
+    Col("InterruptVector", &Adapter_Info::InterruptVector),
+    Col("VenID", &Adapter_Info::VenID),
+    Col("SubVenID", &Adapter_Info::SubVenID),
+    Col("DevID", &Adapter_Info::DevID),
+    Col("SubDevID", &Adapter_Info::SubDevID),
+    Col("RevisionID", &Adapter_Info::RevisionID),
+    Col("MaxPDPerVD", &Adapter_Info::MaxPDPerVD),
+    Col("StripeSizeSupported", &Adapter_Info::StripeSizeSupported),
+    Col("AdvancedFeatures", &Adapter_Info::AdvancedFeatures),
+    Col("MaxPDPerDG", &Adapter_Info::MaxPDPerDG),
+    Col("MaxVDPerDG", &Adapter_Info::MaxVDPerDG),
+    Col("MaxParityDisks", &Adapter_Info::MaxParityDisks),
+    Col("PortCount", &Adapter_Info::PortCount),
+    Col("PortSupportType", &Adapter_Info::PortSupportType),
+    Col("Features", &Adapter_Info::Features),
+    Col("AlarmSupport", &Adapter_Info::AlarmSupport),
+    Col("MaxBlockPerPD", &Adapter_Info::MaxBlockPerPD),
+    Col("MaxHD", &Adapter_Info::MaxHD),
+    Col("MaxHD_Ext", &Adapter_Info::MaxHD_Ext),
+    Col("MaxExpander", &Adapter_Info::MaxExpander),
+    Col("MaxPM", &Adapter_Info::MaxPM),
+    Col("MaxLogicalDrive", &Adapter_Info::MaxLogicalDrive),
+    Col("LogicalDriverMode", &Adapter_Info::LogicalDriverMode),
+    Col("DiskGroupSupport", &Adapter_Info::DiskGroupSupport),
+    Col("MaxBufferSize", &Adapter_Info::MaxBufferSize),
+};
+
+constexpr std::tuple kConfigColumns{
+    Col("AlarmOn", &Adapter_Config_V2::AlarmOn),
+    Col("AutoRebuildOn", &Adapter_Config_V2::AutoRebuildOn),
+    Col("BGARate", &Adapter_Config_V2::BGARate),
+    Col("SyncRate", &Adapter_Config_V2::SyncRate),
+    Col("InitRate", &Adapter_Config_V2::InitRate),
+    Col("RebuildRate", &Adapter_Config_V2::RebuildRate),
+    Col("MigrationRate", &Adapter_Config_V2::MigrationRate),
+    Col("CopybackRate", &Adapter_Config_V2::CopybackRate),
+    Col("PollSMARTStatus", &Adapter_Config_V2::PollSMARTStatus),
+    Col("MediaPatrolRate", &Adapter_Config_V2::MediaPatrolRate),
+    Col("CopyBack", &Adapter_Config_V2::CopyBack),
+    Col("InterruptCoalescing", &Adapter_Config_V2::InterruptCoalescing),
+    Col("ModuleConsolidate", &Adapter_Config_V2::ModuleConsolidate),
+    Col("v_atapi_disable", &Adapter_Config_V2::v_atapi_disable),
+};
+
+constexpr std::tuple kExpanderColumns{
+    Col("id", &Expander::id),
+    Col("enclosure", &Expander::enclosure),
+    Col("phys", &Expander::phy_count),
+    Col("route_indexes", &Expander::route_indexes),
+    Col("changes", &Expander::changes),
+    Col("vendor", &Expander::vendor),
+    Col("product", &Expander::product),
+    Col("revision", &Expander::revision),
+    Col("component_vendor", &Expander::component_vendor),
+    Col("component", &Expander::component),
+    Col("component_revision", &Expander::component_revision),
+};
+
+constexpr std::tuple kPortMultiplierColumns{
+    Col("id", &PortMultiplier::id),
+    Col("ports", &PortMultiplier::ports),
+    Col("revision", &PortMultiplier::revision),
+    Col("standards", &PortMultiplier::standards),
+    Col("vendor", &PortMultiplier::vendor),
+    Col("device", &PortMultiplier::device),
+};
+
+constexpr std::tuple kEnclosureColumns{
+    Col("id", &Enclosure::id),
+    Col("vendor", &Enclosure::vendor),
+    Col("product", &Enclosure::product),
+    Col("revision", &Enclosure::revision),
+};
+
+constexpr std::tuple kThresholdColumns{
+    Col("high_critical", &Element::high_critical),
+    Col("high_warning", &Element::high_warning),
+    Col("low_critical", &Element::low_critical),
+    Col("low_warning", &Element::low_warning),
+};
+
+constexpr std::tuple kBatteryColumns{
+    Col("voltage", &BBU_Info::voltage),
+    Col("supportMaxCapacity", &BBU_Info::supportMaxCapacity),
+    Col("supportMinCapacity", &BBU_Info::supportMinCapacity),
+    Col("maxCapacity", &BBU_Info::maxCapacity),
+    Col("curCapacity", &BBU_Info::curCapacity),
+    Col("recharge_cycle", &BBU_Info::recharge_cycle),
+    Col("temperature", &BBU_Info::temperature),
+    Col("volt_lowerbound", &BBU_Info::volt_lowerbound),
+    Col("volt_upperbound", &BBU_Info::volt_upperbound),
+    Col("temp_lowerbound", &BBU_Info::temp_lowerbound),
+    Col("temp_upperbound", &BBU_Info::temp_upperbound),
+    Col("percent_to_charge", &BBU_Info::percent_to_charge),
+};
+
+class AdapterReader {
+public:
+    AdapterReader(TopologyObject& text, const DiskModels& models, Machine& machine,
+                  Adapter& adapter)
+        : text_(text), models_(models), machine_(machine), adapter_(adapter) {}
+
+    void Run() {
+        ReadInfo();
+        text_.ForEach("port_multipliers",
+                      [&](TopologyObject& object) { ReadPortMultiplier(object); });
+        text_.ForEach("expanders", [&](TopologyObject& object) { ReadExpander(object); });
+        text_.ForEach("enclosures", [&](TopologyObject& object) { ReadEnclosure(object); });
+        text_.ForEach("disks", [&](TopologyObject& object) { ReadDisks(object); });
+        text_.ForEach("disk_groups", [&](TopologyObject& object) { ReadGroup(object); });
+        text_.ForEach("virtual_disks", [&](TopologyObject& object) { ReadVirtualDisks(object); });
+        ReadBattery();
+        ReadImages();
+        QueueStart();
+    }
+
+private:
+    // ---- What it is ----
+
+    void ReadInfo() {
+        std::string name = "large";
+        text_.Take("model", name);
+        const AdapterModel* const model = FindAdapterModel(name);
+        if (model == nullptr) text_.Refuse("model", std::string(kAdapterModelNames));
+        adapter_.info = model->info;
+        adapter_.config = model->config;
+        TakeObject("info", kInfoColumns, adapter_.info);
+        TakeObject("config", kConfigColumns, adapter_.config);
+        if (adapter_.info.PortCount > HX_MAX_PORTS) {
+            text_.Refuse("info.PortCount", "at most " + std::to_string(HX_MAX_PORTS));
+        }
+        std::string serial;
+        if (!text_.Take("serial", serial)) serial = DrawSerial(machine_.random, "VC", 8);
+        SetText(adapter_.info.SerialNo, serial);
+        SetWorldWideName(adapter_.info.WWN, WorldWideName(HXSIM_DEVICE_ADAPTER, adapter_.id, 0, 0));
+        for (unsigned port = 0; port < adapter_.info.PortCount; ++port) {
+            SetWorldWideName(adapter_.info.PortSasAddress[port],
+                             WorldWideName(HXSIM_DEVICE_ADAPTER, adapter_.id, 0, port + 1));
+        }
+    }
+
+    template <class Columns, class Row>
+    void TakeObject(const char* member, const Columns& columns, Row& row) {
+        std::optional<TopologyObject> object = text_.TakeObject(member);
+        if (!object) return;
+        object->TakeAll(columns, row);
+        object->Finish();
+    }
+
+    // ---- Devices ----
+
+    // What it hangs on: a port of the adapter, a phy of an expander or a port of a port multiplier.
+    void ReadAttachment(TopologyObject& object, Attachment& at) const {
+        constexpr const char* kExpected =
+            "an object with \"port\", with \"expander\" and \"phy\", or with \"port_multiplier\" "
+            "and \"phy\"";
+        TopologyObject place = object.NeedObject("at", kExpected);
+        if (place.Take("port", at.phy)) {
+            at.parent = HXSIM_DEVICE_ADAPTER;
+            at.parent_id = adapter_.id;
+        } else if (place.Take("expander", at.parent_id)) {
+            at.parent = HXSIM_DEVICE_EXPANDER;
+            place.TakeNeeded("phy", at.phy);
+        } else if (place.Take("port_multiplier", at.parent_id)) {
+            at.parent = HXSIM_DEVICE_PORT_MULTIPLIER;
+            place.TakeNeeded("phy", at.phy);
+        } else {
+            object.Refuse("at", kExpected);
+        }
+        place.Take("phys", at.phys);
+        place.Finish();
+    }
+
+    // Its ID, when the text leaves it out, follows that of the one before.
+    template <class Rows>
+    static HX_U16 NextId(const Rows& rows) {
+        return rows.empty() ? HX_U16{0} : static_cast<HX_U16>(rows.back().id + 1);
+    }
+
+    // Lists ascend by ID, in the text as in the machine.
+    template <class Rows, class Row>
+    static void Append(const TopologyObject& object, Rows& rows, Row row) {
+        if (row.id == kNoId || (!rows.empty() && row.id <= rows.back().id)) {
+            object.Refuse("id", "a number above that of the one before, below 65535");
+        }
+        rows.push_back(std::move(row));
+    }
+
+    void ReadPortMultiplier(TopologyObject& object) {
+        PortMultiplier row;
+        row.id = NextId(adapter_.port_multipliers);
+        ReadAttachment(object, row);
+        object.TakeAll(kPortMultiplierColumns, row);
+        Append(object, adapter_.port_multipliers, row);
+    }
+
+    void ReadExpander(TopologyObject& object) {
+        Expander row;
+        row.id = NextId(adapter_.expanders);
+        ReadAttachment(object, row);
+        object.TakeAll(kExpanderColumns, row);
+        Append(object, adapter_.expanders, row);
+    }
+
+    void ReadEnclosure(TopologyObject& object) {
+        Enclosure row;
+        row.id = NextId(adapter_.enclosures);
+        ReadAttachment(object, row);
+        object.TakeAll(kEnclosureColumns, row);
+        std::size_t number = 0;
+        object.ForEach("elements", [&](TopologyObject& element) {
+            for (unsigned count = CountOf(element); count > 0; --count) {
+                if (number == kMostElements) {
+                    object.Refuse("elements", "at most 255 elements");
+                }
+                Element each = ReadElement(element);
+                each.enclosure = row.id;
+                each.number = static_cast<HX_U8>(number++);
+                adapter_.elements.push_back(each);
+            }
+        });
+        Append(object, adapter_.enclosures, row);
+    }
+
+    // How many alike.
+    static unsigned CountOf(TopologyObject& object) {
+        HX_U8 count = 1;
+        object.Take("count", count);
+        if (count == 0) object.Refuse("count", "at least 1");
+        return count;
+    }
+
+    static Element ReadElement(TopologyObject& object) {
+        Element element;
+        element.type = object.NeedCode("type", "the kind of element", kHxsimElementTypeNames);
+        if (element.type == HX_ELEMENT_FAN) {
+            object.TakeNeeded("rpm", element.reading);
+            element.nominal = element.reading;
+            element.speed_code = 3;
+            object.Take("nominal", element.nominal);
+            object.Take("speed_code", element.speed_code);
+        } else if (element.type == HX_ELEMENT_TEMPERATURE) {
+            ReadTemperature(object, element);
+        } else if (element.type == HX_ELEMENT_VOLTAGE) {
+            object.TakeNeeded("centivolts", element.reading);
+            element.nominal = element.reading;
+            object.Take("nominal", element.nominal);
+            // Half percents of the nominal voltage.
+            element.high_critical = element.low_critical = 20;
+            element.high_warning = element.low_warning = 10;
+            object.TakeAll(kThresholdColumns, element);
+        }
+        return element;
+    }
+
+    // The text has degrees Celsius, the interface 20 more, so that a byte suffices.
+    static void ReadTemperature(TopologyObject& object, Element& element) {
+        constexpr HX_U8 kShift = 20;
+        constexpr HX_U8 kMost = 235;
+        element.high_critical = 60;
+        element.high_warning = 50;
+        element.low_critical = 0;
+        element.low_warning = 5;
+        object.TakeAll(kThresholdColumns, element);
+        HX_U8 celsius = 0;
+        object.TakeNeeded("celsius", celsius);
+        for (HX_U8* const each : {&element.high_critical, &element.high_warning,
+                                  &element.low_critical, &element.low_warning, &celsius}) {
+            if (*each > kMost) object.Refuse("celsius", "temperatures up to 235");
+            *each = static_cast<HX_U8>(*each + kShift);
+        }
+        element.reading = celsius;
+    }
+
+    // ---- Disks ----
+
+    void ReadDisks(TopologyObject& object) {
+        Disk first;
+        first.id = NextId(adapter_.disks);
+        object.Take("id", first.id);
+        ReadAttachment(object, first);
+        if (first.parent == HXSIM_DEVICE_EXPANDER) {
+            const Expander* const expander = Find(adapter_.expanders, first.parent_id);
+            if (expander == nullptr) object.Refuse("at", "an expander that there is");
+            first.enclosure = expander->enclosure;
+        }
+        object.Take("enclosure", first.enclosure);
+        object.Take("slot", first.slot);
+        ReadModel(object, first);
+        ReadSpare(object, first);
+        object.Take("write_cache", first.write_cache);
+        object.Take("has_mbr", first.has_mbr);
+        object.Take("has_system", first.has_system);
+        object.Take("foreign", first.foreign);
+        const unsigned count = CountOf(object);
+        for (unsigned i = 0; i < count; ++i) AddDisk(object, first, i, count);
+    }
+
+    void ReadModel(TopologyObject& object, Disk& disk) {
+        constexpr const char* kExpected = "the name of one of disk_models";
+        object.TakeNeeded("model", disk.model, kExpected);
+        const auto found = models_.find(disk.model);
+        if (found == models_.end()) object.Refuse("model", kExpected);
+        const DiskModel& model = found->second;
+        disk.firmware = model.firmware;
+        disk.sectors = model.sectors;
+        disk.sas = model.sas;
+        disk.speed = model.speed;
+        // The same calls for the same text, so that all disks are drawn alike.
+        series_ = model.serials;
+    }
+
+    static void ReadSpare(TopologyObject& object, Disk& disk) {
+        bool global = false;
+        object.Take("global_spare", global);
+        if (global) disk.spare = Spare::kGlobal;
+        // That the group is there is checked when all are read.
+        if (object.Take("group_spare", disk.spare_group)) disk.spare = Spare::kGroup;
+    }
+
+    // Of several disks alike, each has the phy and the slot behind the last one's.
+    void AddDisk(TopologyObject& object, const Disk& first, unsigned i, unsigned count) {
+        Disk disk = first;
+        const unsigned phy = first.phy + i * first.phys;
+        if (phy > 255 || first.id + i >= kNoId) {
+            object.Refuse("count", "as many as there are phys and numbers");
+        }
+        disk.id = static_cast<HX_U16>(first.id + i);
+        disk.phy = static_cast<HX_U8>(phy);
+        if (first.slot != kNoId) disk.slot = static_cast<HX_U16>(first.slot + i);
+        if (!object.Take("serial", disk.serial)) {
+            do {
+                disk.serial = DrawSerial(machine_.random, series_, 6);
+            } while (std::ranges::count(adapter_.disks, disk.serial, &Disk::serial) != 0);
+        } else if (count != 1) {
+            object.Refuse("serial", "no serial number for several disks");
+        }
+        disk.wwn = WorldWideName(HXSIM_DEVICE_DISK, adapter_.id, disk.id, 0);
+        TakeHexadecimal(object, "wwn", disk.wwn);
+        if (adapter_.disks.size() == adapter_.info.MaxHD_Ext) {
+            object.Refuse("count", "at most " + std::to_string(adapter_.info.MaxHD_Ext) +
+                                       " disks, as MaxHD_Ext");
+        }
+        const HX_U16 id = disk.id;
+        Append(object, adapter_.disks, std::move(disk));
+        ResetDisk(adapter_, id);
+        object.ForEach("remaps", [&](TopologyObject& remap) { ReadRemap(remap, id); });
+    }
+
+    static void TakeHexadecimal(TopologyObject& object, const char* member, std::uint64_t& number) {
+        std::string digits;
+        if (!object.Take(member, digits)) return;
+        const char* const end = digits.data() + digits.size();
+        const auto [last, error] = std::from_chars(digits.data(), end, number, 16);
+        if (error != std::errc{} || last != end) {
+            object.Refuse(member, "a text of up to 16 hexadecimal digits");
+        }
+    }
+
+    void ReadRemap(TopologyObject& object, HX_U16 disk) {
+        Remap remap;
+        remap.disk = disk;
+        remap.sectors = 1;
+        object.TakeNeeded("lba", remap.lba);
+        object.Take("sectors", remap.sectors);
+        object.TakeCode("reason", kHxsimRemapReasonNames, remap.reason);
+        adapter_.remaps.push_back(remap);
+        std::ranges::sort(adapter_.remaps, {},
+                          [](const Remap& each) { return std::tuple(each.disk, each.lba); });
+    }
+
+    // ---- Disk groups ----
+
+    // Level, legs and stripes, of a disk group or a virtual disk.
+    template <class Row>
+    static void ReadLevel(TopologyObject& object, Row& row) {
+        row.level = object.NeedCode("level", "a RAID level", kHxsimLevelNames);
+        const bool asked = object.Take("legs", row.legs);
+        object.Take("stripe_kib", row.stripe_kib);
+        if (!asked && FindLevel(row.level)->legs) row.legs = 2;
+    }
+
+    // The disks that something is made of.
+    std::vector<HX_U16> ReadMembers(TopologyObject& object, HX_U8 level, HX_U8 legs) {
+        std::vector<HX_U16> disks;
+        object.TakeNeeded("disks", disks, "a list of disks");
+        std::vector<HX_U16> sorted = disks;
+        std::ranges::sort(sorted);
+        if (std::ranges::adjacent_find(sorted) != sorted.end()) {
+            object.Refuse("disks", "no disk twice");
+        }
+        for (const HX_U16 disk : disks) {
+            if (Find(adapter_.disks, disk) == nullptr) {
+                object.Refuse("disks",
+                              "disks that there are; " + std::to_string(disk) + " is none");
+            }
+        }
+        if (disks.size() > HX_MAX_HDS ||
+            !CanBeMade(*FindLevel(level), static_cast<unsigned>(disks.size()), legs)) {
+            object.Refuse("disks", "as many disks as the level can be made of");
+        }
+        return disks;
+    }
+
+    void ReadGroup(TopologyObject& object) {
+        DiskGroup group;
+        group.id = NextId(adapter_.disk_groups);
+        object.Take("id", group.id);
+        object.Take("name", group.name);
+        object.Take("write_cache", group.write_cache);
+        ReadLevel(object, group);
+        const std::vector<HX_U16> disks = ReadMembers(object, group.level, group.legs);
+        group.width = static_cast<HX_U8>(disks.size());
+        const HX_U16 id = group.id;
+        Append(object, adapter_.disk_groups, std::move(group));
+        SetHomes(adapter_, Owner::kDiskGroup, id, disks);
+    }
+
+    // ---- Virtual disks ----
+
+    void ReadVirtualDisks(TopologyObject& object) {
+        VirtualDisk first;
+        first.id = NextId(adapter_.virtual_disks);
+        object.Take("id", first.id);
+        object.Take("name", first.name);
+        if (const auto bits = object.TakeCodes("cache", kHxsimCacheBits)) {
+            first.cache = 0;
+            for (const HX_U8 bit : *bits) first.cache |= bit;
+        }
+        object.Take("foreign", first.foreign);
+        object.Take("auto_rebuild", first.auto_rebuild);
+        first.initialised = true;
+        object.Take("initialised", first.initialised);
+        if (first.foreign) first.state = HXSIM_STATE_FOREIGN;
+        const std::vector<HX_U16> disks = ReadPlace(object, first);
+        first.width = static_cast<HX_U8>(disks.size());
+        const Sectors block = ReadBlock(object, first);
+        const unsigned count = CountOf(object);
+        for (unsigned i = 0; i < count; ++i) AddVirtualDisk(object, first, i, count, disks, block);
+    }
+
+    // The disks, the virtual disk's own or its group's.
+    std::vector<HX_U16> ReadPlace(TopologyObject& object, VirtualDisk& row) {
+        if (!object.Take("disk_group", row.group)) {
+            ReadLevel(object, row);
+            return ReadMembers(object, row.level, row.legs);
+        }
+        const DiskGroup* const group = Find(adapter_.disk_groups, row.group);
+        if (group == nullptr) object.Refuse("disk_group", "a disk group that there is");
+        row.level = group->level;
+        row.legs = group->legs;
+        row.stripe_kib = group->stripe_kib;
+        object.Take("slot", row.slot);
+        object.Take("stripe_kib", row.stripe_kib);
+        return DisksOf(adapter_, Owner::kDiskGroup, row.group);
+    }
+
+    // The sectors of its block on each disk, from these or from the size of its data.
+    static Sectors ReadBlock(TopologyObject& object, VirtualDisk& row) {
+        constexpr Sectors kMost = Sectors{1} << 50;
+        const Level& level = *FindLevel(row.level);
+        if (row.stripe_kib == 0) object.Refuse("stripe_kib", "at least 1");
+        Sectors block = 0;
+        HX_U32 gib = 0;
+        if (object.Take("gib", gib)) {
+            block = BlockSectors(level, row.width, row.legs, row.stripe_kib, gib * kGib);
+            row.size = gib * kGib;
+        }
+        if (object.Take("block_sectors", block) && block <= kMost) {
+            row.size = DataSectors(level, row.width, row.legs, row.stripe_kib, block);
+        }
+        if (block == 0 || block > kMost || row.size == 0) {
+            object.Refuse("gib", "a size in GiB, or block_sectors of at least a stripe");
+        }
+        return block;
+    }
+
+    // Of several virtual disks alike, each has the slot behind the last one's, and its number
+    // behind the name.
+    void AddVirtualDisk(TopologyObject& object, const VirtualDisk& first, unsigned i,
+                        unsigned count, const std::vector<HX_U16>& disks, Sectors block) {
+        VirtualDisk row = first;
+        if (first.id + i >= kNoVirtualDisk) {
+            object.Refuse("id", "numbers of virtual disks from 0 to 254");
+        }
+        row.id = static_cast<HX_U16>(first.id + i);
+        row.slot = static_cast<HX_U8>(first.slot + i);
+        if (count > 1) row.name += std::to_string(i);
+        if (row.name.size() > HX_NAME_SIZE) {
+            object.Refuse("name", "at most " + std::to_string(HX_NAME_SIZE) + " bytes");
+        }
+        const HX_U16 id = row.id;
+        Append(object, adapter_.virtual_disks, std::move(row));
+        CutBlocks(object, id, disks, block);
+        if (first.group == kNoId) SetHomes(adapter_, Owner::kVirtualDisk, id, disks);
+    }
+
+    // At the first sector from which every disk has room: those of a disk group have their blocks
+    // at the same place.
+    void CutBlocks(const TopologyObject& object, HX_U16 id, const std::vector<HX_U16>& disks,
+                   Sectors block) {
+        for (std::size_t position = 0; position < disks.size(); ++position) {
+            const Block* const free = FirstFree(adapter_, disks[position], block);
+            const HX_U8 refusal = free == nullptr
+                                      ? HX_U8{HXSIM_NO_SPACE}
+                                      : CheckCut(adapter_, disks[position], free->start, block);
+            if (refusal != HX_SUCCESS) {
+                object.Refuse("disks", "room for a block of " + std::to_string(block) +
+                                           " sectors on disk " + std::to_string(disks[position]));
+            }
+            Cut(adapter_, disks[position], free->start, block, id, static_cast<HX_U8>(position));
+        }
+    }
+
+    // ---- Battery and flash ----
+
+    void ReadBattery() {
+        std::optional<TopologyObject> object = text_.TakeObject("battery");
+        if (!object) return;
+        Battery battery;
+        BBU_Info& info = battery.info;
+        info.status = HXSIM_BATTERY_PRESENT | HXSIM_BATTERY_SAFE_FOR_WRITE_BACK;
+        info.prev_status = HXSIM_BATTERY_PRESENT | HXSIM_BATTERY_CHARGING;
+        info.voltage = 4012;
+        info.supportMaxCapacity = 1900;
+        info.supportMinCapacity = 600;
+        info.maxCapacity = 1750;
+        info.curCapacity = 1680;
+        info.time_to_empty = 65535;
+        info.time_to_full = 65535;
+        info.recharge_cycle = 23;
+        info.featureSupport = HXSIM_BATTERY_RELEARN | HXSIM_BATTERY_THRESHOLDS;
+        info.temperature = 29;
+        info.volt_lowerbound = 3600;
+        info.volt_upperbound = 4250;
+        info.temp_lowerbound = 5;
+        info.temp_upperbound = 50;
+        info.percent_to_charge = 80;
+        object->TakeAll(kBatteryColumns, info);
+        object->Finish();
+        if (info.maxCapacity == 0 || info.curCapacity > info.maxCapacity) {
+            object->Refuse("curCapacity", "a charge of at most maxCapacity, above 0");
+        }
+        info.percentage = static_cast<HX_U8>(100U * info.curCapacity / info.maxCapacity);
+        battery.since = machine_.clock.start;
+        battery.charge_at_since = info.curCapacity;
+        adapter_.batteries.push_back(battery);
+    }
+
+    // All of them, as long as the text does not say otherwise. What they hold follows from the
+    // adapter until somebody writes another one.
+    void ReadImages() {
+        std::set<HX_U8> types;
+        if (const auto named = text_.TakeCodes("images", kHxsimImageNames)) {
+            types.insert(named->begin(), named->end());
+        } else {
+            for (const HxraidName& each : kHxsimImageNames) {
+                types.insert(static_cast<HX_U8>(each.code));
+            }
+        }
+        for (const HX_U8 type : types) {
+            FlashImage image;
+            image.type = type;
+            adapter_.images.push_back(image);
+        }
+    }
+
+    // ---- Events ----
+
+    // What a controller tells when it comes up, in that order.
+    void QueueStart() {
+        const Time now = machine_.clock.start;
+        Queue(adapter_, now, kAdapterFound, adapter_.id, {}, TextOf(adapter_.info.SerialNo));
+        QueueForEach(adapter_.expanders, kExpanderPluggedIn);
+        QueueForEach(adapter_.disks, kDiskOnline);
+        if (!adapter_.batteries.empty()) Queue(adapter_, now, kBatteryPresent, 0);
+        QueueForEach(adapter_.disk_groups, kDiskGroupCreated);
+        QueueForEach(adapter_.virtual_disks, kVirtualDiskCreated);
+    }
+
+    template <class Rows>
+    void QueueForEach(const Rows& rows, EventKind kind) {
+        for (const auto& row : rows) Queue(adapter_, machine_.clock.start, kind, row.id);
+    }
+
+    TopologyObject& text_;
+    const DiskModels& models_;
+    Machine& machine_;
+    Adapter& adapter_;
+    std::string series_;  // of the serial numbers of the disks being read
+};
+
+}  // namespace
+
+void ReadAdapter(TopologyObject& text, const DiskModels& models, Machine& machine,
+                 Adapter& adapter) {
+    AdapterReader(text, models, machine, adapter).Run();
+}
+
+}  // namespace hxsim

@@ -1,0 +1,45 @@
+// The models of disks that a topology names.
+#include "topology/hxsim_topology_disk_models.h"
+
+#include "codes/hxraid_codes.h"
+
+namespace hxsim {
+namespace {
+
+constexpr HxraidName kInterfaceNames[] = {{0, "sata"}, {1, "sas"}};
+
+// The sectors of a disk of so many gigabytes (of 10^9 bytes), as the makers have agreed on them.
+constexpr Sectors SectorsOf(std::uint64_t gigabytes) {
+    return 97696368 + 1953504 * (gigabytes - 50);
+}
+
+}  // namespace
+
+DiskModels ReadDiskModels(TopologyObject& text) {
+    DiskModels models;
+    text.ForEach("disk_models", [&](TopologyObject& object) {
+        std::string name;
+        object.TakeNeeded("name", name);
+        DiskModel model;
+        object.Take("firmware", model.firmware);
+        object.Take("serials", model.serials);
+        HX_U32 gigabytes = 0;
+        if (object.Take("gigabytes", gigabytes)) {
+            if (gigabytes < 50) object.Refuse("gigabytes", "at least 50");
+            model.sectors = SectorsOf(gigabytes);
+        }
+        object.Take("sectors", model.sectors);
+        if (model.sectors <= kMetadata || model.sectors > kMostSectors) {
+            object.Refuse("sectors", "gigabytes, or sectors from " + std::to_string(kMetadata + 1) +
+                                         " to " + std::to_string(kMostSectors));
+        }
+        HX_U8 sas = 0;
+        object.TakeCode("interface", kInterfaceNames, sas);
+        model.sas = sas != 0;
+        object.TakeCode("speed", kHxsimLinkSpeedNames, model.speed);
+        models[name] = model;
+    });
+    return models;
+}
+
+}  // namespace hxsim

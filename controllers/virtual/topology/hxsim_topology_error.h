@@ -1,0 +1,13 @@
+// What a text that is no topology throws.
+#pragma once
+
+#include <stdexcept>
+
+namespace hxsim {
+
+/// The text is no topology; what() names the member and says what is expected there.
+struct TopologyError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+}  // namespace hxsim

@@ -1,0 +1,124 @@
+// The JSON text of a topology, read member by member.
+//
+// A member that is not known is an error like a wrong value: it is most likely misspelt, and the
+// machine would not be what was meant.
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <limits>
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "codes/hxraid_codes.h"
+#include "hxraid.h"
+#include "model/hxsim_column.h"
+#include "topology/hxsim_topology_error.h"
+
+namespace hxsim {
+
+/// An object of the text, and which of its members are known.
+class TopologyObject {
+public:
+    using Visit = std::function<void(TopologyObject& object)>;
+
+    /// `where` is the object's place in the text; empty for the text itself.
+    TopologyObject(const nlohmann::json& json, std::string where);
+
+    /// Throws the TopologyError that says what is expected of the member.
+    [[noreturn]] void Refuse(std::string_view member, const std::string& expected) const;
+
+    /// Reads the member; one that is left out leaves the value as it is, and false is returned.
+    template <class Value>
+    bool Take(const char* member, Value& value) {
+        const nlohmann::json* const found = Find(member);
+        if (found == nullptr) return false;
+        Read(*found, Where(member), value);
+        return true;
+    }
+    template <class Value>
+    void TakeNeeded(const char* member, Value& value, const std::string& expected = "a value") {
+        Read(Need(member, expected), Where(member), value);
+    }
+    template <class Row, class... Columns>
+    void TakeAll(const std::tuple<Columns...>& columns, Row& row) {
+        std::apply([&](const Columns&... column) { (Take(column.name, row.*column.field), ...); },
+                   columns);
+    }
+
+    /// A code by its name.
+    void TakeCode(const char* member, std::span<const HxraidName> names, HX_U8& code);
+    HX_U8 NeedCode(const char* member, const std::string& expected,
+                   std::span<const HxraidName> names);
+    /// A list of codes by their names; nothing when it is left out.
+    std::optional<std::vector<HX_U8>> TakeCodes(const char* member,
+                                                std::span<const HxraidName> names);
+
+    /// An object of its own, to be finished by the caller; nothing when it is left out.
+    std::optional<TopologyObject> TakeObject(const char* member);
+    TopologyObject NeedObject(const char* member, const std::string& expected);
+
+    /// Visits each object of a list, and finishes it.
+    void ForEach(const char* member, const Visit& visit);
+    /// The same for a list of 1 to `most` objects that is needed. An object that is `like` an
+    /// earlier one has what that one has, but for the members that it names; one that is null is as
+    /// if left out.
+    void ForEachLike(const char* member, std::size_t most, const std::string& expected,
+                     const Visit& visit);
+
+    /// Refuses members that nobody has asked for.
+    void Finish() const;
+
+private:
+    static void Read(const nlohmann::json& json, const std::string& where, bool& value);
+    static void Read(const nlohmann::json& json, const std::string& where, std::string& value);
+    static void Read(const nlohmann::json& json, const std::string& where, Version_Info& version);
+    static void Read(const nlohmann::json& json, const std::string& where,
+                     Version_Info_CIM& version);
+    static void Read(const nlohmann::json& json, const std::string& where,
+                     std::vector<HX_U16>& values);
+    template <std::unsigned_integral Value>
+    static void Read(const nlohmann::json& json, const std::string& where, Value& value) {
+        value = static_cast<Value>(Number(json, where, std::numeric_limits<Value>::max()));
+    }
+    static std::uint64_t Number(const nlohmann::json& json, const std::string& where,
+                                std::uint64_t most);
+    template <class Version, class Part>
+    static void ReadVersion(const nlohmann::json& json, const std::string& where, Version& version,
+                            std::initializer_list<Part Version::*> parts);
+
+    std::string Where(std::string_view member) const;
+    const nlohmann::json* Find(const char* member);
+    const nlohmann::json& Need(const char* member, const std::string& expected);
+
+    const nlohmann::json& json_;
+    const std::string where_;
+    std::set<std::string_view> known_;
+};
+
+/// A text that has been parsed.
+class TopologyText {
+public:
+    /// Throws TopologyError when the text is no JSON.
+    explicit TopologyText(std::string_view text);
+    ~TopologyText();
+    TopologyText(const TopologyText&) = delete;
+    TopologyText& operator=(const TopologyText&) = delete;
+
+    TopologyObject Root() const;
+
+private:
+    const std::unique_ptr<const nlohmann::json> json_;
+};
+
+}  // namespace hxsim
