@@ -1,576 +1,211 @@
-// The rows of the controller library's records, in the order in which they are written.
+// The binding of the controller library: the record of a request, the writers of its records, and
+// the executor.
 #pragma once
 
-#include "xml_rapi_rows.h"
+#include <cstddef>
 
-inline constexpr Record kVersion_Info{
-    "struct Version_Info",
-    Col("VerMajor", kU32, &Version_Info::VerMajor),
-    Col("VerMinor", kU32, &Version_Info::VerMinor),
-    Col("VerOEM", kU32, &Version_Info::VerOEM),
-    Col("VerBuild", kU32, &Version_Info::VerBuild),
+#include "XMLWriter.h"
+#include "hxraid.h"
+#include "vexorapi_element.h"
+#include "xml_rapi_requests.h"
+
+/// One vendor-function request: the function's name, and the parameters and results of that
+/// function. Only as much of it is allocated as the named function's record needs.
+struct XML_RA_FuncData {
+    char FuncName[64];
+    union {
+        VX_API_Version HX_API_Version;
+        VX_Adapter_GetCount HX_Adapter_GetCount;
+        VX_Adapter_GetInfo HX_Adapter_GetInfo;
+        VX_Adapter_SetConfig HX_Adapter_SetConfig;
+        VX_Adapter_GetConfig HX_Adapter_GetConfig;
+        VX_AdapterMute HX_AdapterMute;
+        VX_PD_GetHDInfo HX_PD_GetHDInfo;
+        VX_PD_GetHDInfo_Ext HX_PD_GetHDInfo_Ext;
+        VX_PD_GetExpanderInfo HX_PD_GetExpanderInfo;
+        VX_PD_GetPMInfo HX_PD_GetPMInfo;
+        VX_PD_GetFreeSpaceInfo HX_PD_GetFreeSpaceInfo;
+        VX_PD_GetConfig HX_PD_GetConfig;
+        VX_PD_GetSmartStatus HX_PD_GetSmartStatus;
+        VX_PD_GetRCT HX_PD_GetRCT;
+        VX_PD_SetConfig HX_PD_SetConfig;
+        VX_LocateArrayDevice HX_LocateArrayDevice;
+        VX_ENC_GetEnclosureInfo HX_ENC_GetEnclosureInfo;
+        VX_ENC_GetElementInfo HX_ENC_GetElementInfo;
+        VX_ENC_GetElementConfig HX_ENC_GetElementConfig;
+        VX_PD_WipeHDMDD HX_PD_WipeHDMDD;
+        VX_PD_SetHDStatus HX_PD_SetHDStatus;
+        VX_PD_FreeHD2GlobalSpare HX_PD_FreeHD2GlobalSpare;
+        VX_PD_Spare2FreeHD HX_PD_Spare2FreeHD;
+        VX_PD_GetHDRaidStatus HX_PD_GetHDRaidStatus;
+        VX_PD_GetMBRInfo HX_PD_GetMBRInfo;
+        VX_BLK_GetInfo HX_BLK_GetInfo;
+        VX_BLK_GetHDBlock HX_BLK_GetHDBlock;
+        VX_LD_GetInfo HX_LD_GetInfo;
+        VX_LD_GetTargetLDInfo HX_LD_GetTargetLDInfo;
+        VX_LD_Delete HX_LD_Delete;
+        VX_LD_Create HX_LD_Create;
+        VX_LD_QuickCreate HX_LD_QuickCreate;
+        VX_LD_GetMaxSize HX_LD_GetMaxSize;
+        VX_LD_PauseAll HX_LD_PauseAll;
+        VX_LD_GetStatus HX_LD_GetStatus;
+        VX_LD_GetConfig HX_LD_GetConfig;
+        VX_LD_SetConfig HX_LD_SetConfig;
+        VX_LD_StartRebuild HX_LD_StartRebuild;
+        VX_LD_StartConsistencyCheck HX_LD_StartConsistencyCheck;
+        VX_LD_StartINIT HX_LD_StartINIT;
+        VX_LD_StartMigration HX_LD_StartMigration;
+        VX_LD_GetMigratedLdSize HX_LD_GetMigratedLdSize;
+        VX_LD_BGAControl HX_LD_BGAControl;
+        VX_LD_Import HX_LD_Import;
+        VX_Flash_Erase HX_Flash_Erase;
+        VX_LogonUser HX_LogonUser;
+        VX_GetUserName HX_GetUserName;
+        VX_GetUserGroup HX_GetUserGroup;
+        VX_DG_Create HX_DG_Create;
+        VX_DG_GetSizeOnly HX_DG_GetSizeOnly;
+        VX_DG_Modify HX_DG_Modify;
+        VX_DG_GetInfo HX_DG_GetInfo;
+        VX_DG_Delete HX_DG_Delete;
+        VX_CreateOrModify_VD HX_CreateOrModify_VD;
+        VX_LD_DG_StartRebuild HX_LD_DG_StartRebuild;
+        VX_DG_StartMigration HX_DG_StartMigration;
+        VX_DG_BGAControl HX_DG_BGAControl;
+        VX_DG_GetConfig HX_DG_GetConfig;
+        VX_DG_SetConfig HX_DG_SetConfig;
+        VX_Flash_Option HX_Flash_Option;
+        VX_BIOS_Version HX_BIOS_Version;
+        VX_PD_FreeHD2DGSpare HX_PD_FreeHD2DGSpare;
+        VX_BBU_GetInfo HX_BBU_GetInfo;
+        VX_BBU_SetThreshold HX_BBU_SetThreshold;
+        VX_BBU_ChangePower HX_BBU_ChangePower;
+        VX_BBU_SetStatus HX_BBU_SetStatus;
+        VX_BBU_SetMaxCapacity HX_BBU_SetMaxCapacity;
+        VX_BBU_ActRelearn HX_BBU_ActRelearn;
+        VX_PD_StartDataScrub HX_PD_StartDataScrub;
+        VX_LD_Create_OnDG HX_LD_Create_OnDG;
+        VX_LD_Modify_OnDG HX_LD_Modify_OnDG;
+        VX_PD_GetSpareInfo HX_PD_GetSpareInfo;
+        VX_PD_GetBGAStatus HX_PD_GetBGAStatus;
+        VX_PD_BGAControl HX_PD_BGAControl;
+        VX_PD_StartMediaPatrol HX_PD_StartMediaPatrol;
+        VX_PD_HDMPCheck HX_PD_HDMPCheck;
+        VX_CreateOrModify_DG HX_CreateOrModify_DG;
+    };
 };
 
-// The 16-bit version goes under the same type name; readers tell the two apart by the element name.
-inline constexpr Record kVersion_Info_CIM{
-    "struct Version_Info",
-    Col("VerMajor", kU16, &Version_Info_CIM::MajorVersion),
-    Col("VerMinor", kU16, &Version_Info_CIM::MinorVersion),
-    Col("VerOEM", kU16, &Version_Info_CIM::RevisionNumber),
-    Col("VerBuild", kU16, &Version_Info_CIM::BuildNumber),
-};
+// The function table and the executor -----------------------------------------------------------
 
-// A BIOS image's version. Its identifiers are hexadecimal here, and decimal in an adapter's record.
-inline constexpr Record kVersion_Info_BIOS{
-    "struct VX_BIOS_Version",
-    Nest<kVersion_Info_CIM>("BIOSVersion", &VX_BIOS_Version::VersionInfo),
-    Hex("VenID", kU16, &VX_BIOS_Version::SubVenID),
-    Hex("DevID", kU16, &VX_BIOS_Version::SubDevID),
-};
+/// Selects the vendor function called `name`: stores its handlers and its record's size in the
+/// XMLElement `userData` and returns 1, or changes nothing and returns 0.
+int RA_FuncElementDispatcher(void* userData, const XML_Char* name, const XML_Char** atts);
 
-// A user's name goes without a record element of its own.
-inline constexpr Record kUserName_Value{
-    "",
-    Bare("UserName", &VX_GetUserName::UserName),
-    Bare("DomainName", &VX_GetUserName::DomaimName),
-};
+/// Carries out the request in `elmt` and writes its result into `doc`.
+/// Returns 1 when the function is one of the vendor's, whatever its RetVal, 0 otherwise.
+int VX_XMLFunc_HX_RApi(XMLElement* elmt, XMLWR_Doc* doc);
 
-// One array element per port, its number in its name. A port beyond the record's capacity has no
-// address to write.
-struct PortAddresses {
-    using Of = Adapter_Info;
-    static constexpr std::size_t kPorts = HX_MAX_PORTS;
-    static_assert(kPorts <= 10, "a port's number is one digit");
+// Typed elements
+// -----------------------------------------------------------------------------------
 
-    constexpr void Head(LiteralSink&, int) const {}
-    constexpr void Tail(LiteralSink&, int) const {}
-    template <int depth>
-    constexpr std::size_t ValueBound() const {
-        LiteralSink sink;
-        Element(sink, depth, "0");
-        return kPorts * (sink.length + 8 * 4) + kDigitSlack;
-    }
-    template <int depth>
-    char* Put(char* at, const Adapter_Info& record) const {
-        for (std::size_t port = 0; port < Ports(record); ++port) {
-            const char digit = static_cast<char>('0' + port);
-            at = PutLiteral(at, kStart<depth>);
-            *at++ = digit;
-            at = PutItems(PutLiteral(at, kItems<depth>), record.PortSasAddress[port]) - 1;
-            at = PutLiteral(at, kEnd<depth>);
-            *at++ = digit;
-            *at++ = '>';
-            *at++ = '\n';
-        }
-        return at;
-    }
-    template <int depth>
-    void WriteExact(XMLWR_Doc* doc, const Adapter_Info& record) const {
-        char name[] = "PortSasAddress0";
-        for (std::size_t port = 0; port < Ports(record); ++port) {
-            name[sizeof name - 2] = static_cast<char>('0' + port);
-            WriteItemsExact(doc, name, kU8.name, record.PortSasAddress[port]);
-        }
-    }
+/// Writes one scalar element on a line of its own; `fmt` formats the value, at most 511 bytes of
+/// it. Returns 1.
+[[gnu::format(printf, 4, 5)]] int XML_RA_ElmtNonArrayData(XMLWR_Doc* doc, const char* elmt,
+                                                          const char* type, const char* fmt, ...);
 
-private:
-    static std::size_t Ports(const Adapter_Info& record) {
-        return record.PortCount < kPorts ? record.PortCount : kPorts;
-    }
-    // A whole element but its items, to be measured; `name` ends in the port's number.
-    static constexpr void Element(LiteralSink& sink, int depth, std::string_view number) {
-        ArrayHead(sink, depth, "PortSasAddress", kU8.name, 8);
-        sink.Put(number);
-        ArrayTail(sink, depth, "PortSasAddress");
-        sink.Put(number);
-    }
-    template <int depth>
-    static constexpr auto kStart = MakeLiteral([](LiteralSink& sink) {
-        sink.Indent(depth);
-        sink.Put("<PortSasAddress");
-    });
-    template <int depth>
-    static constexpr auto kItems = MakeLiteral([](LiteralSink& sink) {
-        sink.Put(" type=\"U8\" width=\"8\">\n");
-        sink.Indent(depth + 1);
-    });
-    template <int depth>
-    static constexpr auto kEnd = MakeLiteral([](LiteralSink& sink) {
-        sink.Put("\n");
-        sink.Indent(depth);
-        sink.Put("</PortSasAddress");
-    });
-};
+/// Opens an array element of `width` items; the caller writes them and closes it. Returns 1.
+int XML_RA_ElmtStartArrayData(XMLWR_Doc* doc, const char* elmt, const char* type,
+                              std::size_t width);
 
-inline constexpr Record kAdapter_Info{
-    "struct Adapter_Info",
-    Nest<kVersion_Info>("DriverVersion", &Adapter_Info::DriverVersion),
-    Nest<kVersion_Info_CIM>("BIOSVersion", &Adapter_Info::BIOSVersion),
-    Nest<kVersion_Info_CIM>("FirmwareVersion", &Adapter_Info::FirmwareVersion),
-    Nest<kVersion_Info_CIM>("BootLoaderVersion", &Adapter_Info::BootLoaderVersion),
-    Col("SystemIOBusNumber", kU32, &Adapter_Info::SystemIOBusNumber),
-    Col("SlotNumber", kU32, &Adapter_Info::SlotNumber),
-    Col("InterruptLevel", kU32, &Adapter_Info::InterruptLevel),
-    Col("InterruptVector", kU32, &Adapter_Info::InterruptVector),
-    Col("VenID", kU16, &Adapter_Info::VenID),
-    Col("SubVenID", kU16, &Adapter_Info::SubVenID),
-    Col("DevID", kU16, &Adapter_Info::DevID),
-    Col("SubDevID", kU16, &Adapter_Info::SubDevID),
-    Col("RevisionID", kU8, &Adapter_Info::RevisionID),
-    Col("MaxPDPerVD", kU8, &Adapter_Info::MaxPDPerVD),
-    Col("StripeSizeSupported", kU16, &Adapter_Info::StripeSizeSupported),
-    Col("AdvancedFeatures", kU32, &Adapter_Info::AdvancedFeatures),
-    Col("MaxPDPerDG", kU8, &Adapter_Info::MaxPDPerDG),
-    Col("MaxVDPerDG", kU8, &Adapter_Info::MaxVDPerDG),
-    Col("MaxParityDisks", kU8, &Adapter_Info::MaxParityDisks),
-    Col("PortCount", kU8, &Adapter_Info::PortCount),
-    Col("PortSupportType", kU8, &Adapter_Info::PortSupportType),
-    Col("Features", kU8, &Adapter_Info::Features),
-    Col("AlarmSupport", kBOOL, &Adapter_Info::AlarmSupport),
-    Col("MaxBlockPerPD", kU8, &Adapter_Info::MaxBlockPerPD),
-    Col("MaxHD", kU8, &Adapter_Info::MaxHD),
-    Col("MaxHD_Ext", kU16, &Adapter_Info::MaxHD_Ext),
-    Col("MaxExpander", kU8, &Adapter_Info::MaxExpander),
-    Col("MaxPM", kU8, &Adapter_Info::MaxPM),
-    Col("MaxLogicalDrive", kU8, &Adapter_Info::MaxLogicalDrive),
-    Col("LogicalDriverMode", kU16, &Adapter_Info::LogicalDriverMode),
-    Flag("DiskGroupSupport", kBOOL, &Adapter_Info::DiskGroupSupport),
-    Col("WWN", kU8, &Adapter_Info::WWN),
-    Col("MaxBufferSize", kU16, &Adapter_Info::MaxBufferSize),
-    CData<DigitText>("SerialNo", &Adapter_Info::SerialNo),
-    PortAddresses{},
-    Col("img_health", kBOOL, &Adapter_Info::img_health),
-    Col("autoload_img_health", kBOOL, &Adapter_Info::autoload_img_health),
-    Col("boot_loader_img_health", kBOOL, &Adapter_Info::boot_loader_img_health),
-    Col("firmware_img_health", kBOOL, &Adapter_Info::firmware_img_health),
-    Col("boot_rom_img_health", kBOOL, &Adapter_Info::boot_rom_img_health),
-    Col("hba_info_img_health", kBOOL, &Adapter_Info::hba_info_img_health),
-};
+// Record writers: each writes `count` elements called `elmt`, one after the other, and returns 1.
 
-// Links, disks and what they hang on -------------------------------------------------------------
+int XML_RA_RequestHeader_Entity_Info(XMLWR_Doc* doc, const char* elmt, const RequestHeader* records,
+                                     HX_U32 count);
+int XML_RA_Link_Endpoint_Info(XMLWR_Doc* doc, const char* elmt, const Link_Endpoint* records,
+                              HX_U32 count);
+int XML_RA_Link_Entity_Info(XMLWR_Doc* doc, const char* elmt, const Link_Entity* records,
+                            HX_U32 count);
+int XML_RA_PM_Info(XMLWR_Doc* doc, const char* elmt, const PM_Info* records, HX_U32 count);
+int XML_RA_HD_Config(XMLWR_Doc* doc, const char* elmt, const HD_Config* records, HX_U32 count);
+int XML_RA_HD_SMART_Status(XMLWR_Doc* doc, const char* elmt, const HD_SMART_Status* records,
+                           HX_U32 count);
+int XML_RA_HD_RCT_Records(XMLWR_Doc* doc, const char* elmt, const RCT_Record* records,
+                          HX_U32 count);
+int XML_RA_HD_RAID_Status(XMLWR_Doc* doc, const char* elmt, const HD_RAID_Status* records,
+                          HX_U32 count);
+int XML_RA_Create_LD_Param(XMLWR_Doc* doc, const char* elmt, const Create_LD_Param* records,
+                           HX_U32 count);
+int XML_RA_LD_Status(XMLWR_Doc* doc, const char* elmt, const LD_Status* records, HX_U32 count);
+int XML_RA_LD_Config(XMLWR_Doc* doc, const char* elmt, const LD_Config* records, HX_U32 count);
+int XML_RA_Version_Info(XMLWR_Doc* doc, const char* elmt, const Version_Info* records,
+                        HX_U32 count);
+int XML_RA_Version_Info_CIM(XMLWR_Doc* doc, const char* elmt, const Version_Info_CIM* records,
+                            HX_U32 count);
+int XML_RA_Version_Info_BIOS(XMLWR_Doc* doc, const char* elmt, const VX_BIOS_Version* records,
+                             HX_U32 count);
+int XML_RA_Adapter_Info(XMLWR_Doc* doc, const char* elmt, const Adapter_Info* records,
+                        HX_U32 count);
+int XML_RA_DG_Config(XMLWR_Doc* doc, const char* elmt, const DG_Config* records, HX_U32 count);
+int XML_RA_Adapter_Config_V2(XMLWR_Doc* doc, const char* elmt, const Adapter_Config_V2* records,
+                             HX_U32 count);
+int XML_RA_BBU_GetInfo(XMLWR_Doc* doc, const char* elmt, const BBU_Info* records, HX_U32 count);
+int XML_RA_Enclosure_Info(XMLWR_Doc* doc, const char* elmt, const Enclosure_Info* records,
+                          HX_U32 count);
+int XML_RA_ENC_ElementInfo(XMLWR_Doc* doc, const char* elmt, const EncElementType_Info* records,
+                           HX_U32 count);
+int XML_RA_ENC_ElementConfig(XMLWR_Doc* doc, const char* elmt, const EncElement_Config* records,
+                             HX_U32 count);
+int XML_RA_HD_BGA_Status(XMLWR_Doc* doc, const char* elmt, const HD_BGA_Status* records,
+                         HX_U32 count);
+int XML_RA_HD_MBR_Info(XMLWR_Doc* doc, const char* elmt, const HD_MBR_Info* records, HX_U32 count);
+int XML_RA_HD_FreeSpaceInfo(XMLWR_Doc* doc, const char* elmt, const HD_FreeSpaceInfo* records,
+                            HX_U32 count);
+int XML_RA_HD_Block_Info(XMLWR_Doc* doc, const char* elmt, const HD_Block_Info* records,
+                         HX_U32 count);
+int XML_RA_Exp_Info(XMLWR_Doc* doc, const char* elmt, const Exp_Info* records, HX_U32 count);
+int XML_RA_Block_Info(XMLWR_Doc* doc, const char* elmt, const Block_Info* records, HX_U32 count);
+int XML_RA_LD_Info(XMLWR_Doc* doc, const char* elmt, const LD_Info* records, HX_U32 count);
+int XML_RA_DG_Info(XMLWR_Doc* doc, const char* elmt, const DG_Info* records, HX_U32 count);
+int XML_RA_Create_DG_Param(XMLWR_Doc* doc, const char* elmt, const CreateOrModify_DG_Param* records,
+                           HX_U32 count);
+int XML_RA_DG_Size(XMLWR_Doc* doc, const char* elmt, const CreateOrModify_DG_Param* records,
+                   HX_U32 count);
 
-inline constexpr Record kRequestHeader_Entity_Info{
-    "struct RequestHeader",
-    Col("version", kU8, &RequestHeader::version),
-    Col("requestType", kU8, &RequestHeader::requestType),
-    Col("startingIndexOrId", kU16, &RequestHeader::startingIndexOrId),
-    Col("numRequested", kU16, &RequestHeader::numRequested),
-    Col("numReturned", kU16, &RequestHeader::numReturned),
-    Col("nextStartingIndex", kU16, &RequestHeader::nextStartingIndex),
-};
+/// Completes each disk's ConnectionType and DeviceType from its HDType first, where they are 0; the
+/// change stays in the caller's records.
+int XML_RA_HD_Info(XMLWR_Doc* doc, const char* elmt, HD_Info* records, HX_U32 count);
 
-inline constexpr Record kLink_Endpoint_Info{
-    "struct Link_Endpoint",
-    Col("DevID", kU16, &Link_Endpoint::DevID),
-    Col("DevType", kU8, &Link_Endpoint::DevType),
-    Col("PhyCnt", kU8, &Link_Endpoint::PhyCnt),
-    Col("PhyID", kU8, &Link_Endpoint::PhyID),
-    Col("SAS_Address", kU8, &Link_Endpoint::SAS_Address),
-    Col("EnclosureID", kU16, &Link_Endpoint::EnclosureID),
-};
+/// Writes each user's scalars and closes the element `elmt`, which the caller has opened.
+int XML_RA_UserName_Value(XMLWR_Doc* doc, const char* elmt, const VX_GetUserName* values,
+                          HX_U32 count);
+int XML_RA_UserGroup_Value(XMLWR_Doc* doc, const char* elmt, const UserGroup* values, HX_U32 count);
 
-inline constexpr Record kLink_Entity_Info{
-    "struct Link_Entity",
-    Nest<kLink_Endpoint_Info>("Parent", &Link_Entity::Parent),
-    Nest<kLink_Endpoint_Info>("Self", &Link_Entity::Self),
-};
+// Writers of paged replies: for each of `count` replies (a header, behind it the items that it
+// counts) the header as "RequestHeader" and the items. `elmt` is not written. Each returns 1.
 
-inline constexpr Record kPM_Info{
-    "struct PM_Info",
-    Nest<kLink_Entity_Info>("Link", &PM_Info::Link),
-    Col("AdapterID", kU8, &PM_Info::AdapterID),
-    Col("ProductRevision", kU8, &PM_Info::ProductRevision),
-    Col("PMSpecRevision", kU8, &PM_Info::PMSpecRevision),
-    Col("NumberOfPorts", kU8, &PM_Info::NumberOfPorts),
-    Col("VendorId", kU16, &PM_Info::VendorId),
-    Col("DeviceId", kU16, &PM_Info::DeviceId),
-};
-
-// Whether the disk can be used for virtual disks: the SCSI peripheral device type 0 is a disk.
-inline constexpr auto kCanLogicalUsed = [](const HD_Info& disk) {
-    return disk.DeviceType == 0 ? 1 : 0;
-};
-
-inline constexpr Record kHD_Info{
-    "struct HD_Info",
-    Nest<kLink_Entity_Info>("Link", &HD_Info::Link),
-    Col("AdapterID", kU8, &HD_Info::AdapterID),
-    Col("Status", kU8, &HD_Info::Status),
-    Col("HDType", kU8, &HD_Info::HDType),
-    Col("PIOMode", kU8, &HD_Info::PIOMode),
-    Col("MDMAMode", kU8, &HD_Info::MDMAMode),
-    Col("UDMAMode", kU8, &HD_Info::UDMAMode),
-    Col("ConnectionType", kU8, &HD_Info::ConnectionType),
-    Col("DeviceType", kU8, &HD_Info::DeviceType),
-    Computed<HD_Info>("CanLogicalUsed", kCanLogicalUsed),
-    Col("FeatureSupport", kU32, &HD_Info::FeatureSupport),
-    Col("CurrentPIOMode", kU8, &HD_Info::CurrentPIOMode),
-    Col("CurrentMDMAMode", kU8, &HD_Info::CurrentMDMAMode),
-    Col("CurrentUDMAMode", kU8, &HD_Info::CurrentUDMAMode),
-    CData<ModelText>("Model", &HD_Info::Model),
-    CData<TrimmedText>("SerialNo", &HD_Info::SerialNo),
-    CData<TrimmedText>("FWVersion", &HD_Info::FWVersion),
-    Col("WWN", kU8, &HD_Info::WWN),
-    Col("Size", kU64, &HD_Info::Size),
-    Col("ActivityLEDStatus", kU8, &HD_Info::ActivityLEDStatus),
-    Col("LocateLEDStatus", kU8, &HD_Info::LocateLEDStatus),
-    Col("ErrorLEDStatus", kU8, &HD_Info::ErrorLEDStatus),
-};
-
-inline constexpr Record kHD_Config{
-    "struct HD_Config",
-    Col("WriteCacheOn", kBOOL, &HD_Config::WriteCacheOn),
-    Col("SMARTOn", kBOOL, &HD_Config::SMARTOn),
-    Col("Online", kBOOL, &HD_Config::Online),
-    Col("DriveSpeed", kU8, &HD_Config::DriveSpeed),
-    Col("HDID", kU16, &HD_Config::HDID),
-};
-
-inline constexpr Record kHD_SMART_Status{
-    "struct HD_SMART_Status",
-    Col("SmartThresholdExceeded", kBOOL, &HD_SMART_Status::SmartThresholdExceeded),
-    Col("HDID", kU16, &HD_SMART_Status::HDID),
-};
-
-inline constexpr Record kHD_RCT_Records{
-    "struct RCT_Record",
-    Col("lba", kU64, &RCT_Record::lba),
-    Col("sec", kU32, &RCT_Record::sec),
-    Col("flag", kU8, &RCT_Record::flag),
-};
-
-inline constexpr Record kHD_RAID_Status{
-    "struct HD_RAID_Status",
-    Col("HDID", kU16, &HD_RAID_Status::HDID),
-    Col("LDID", kU16, &HD_RAID_Status::DGID),
-    Col("Status", kU8, &HD_RAID_Status::Status),
-};
-
-inline constexpr Record kHD_BGA_Status{
-    "struct HD_BGA_Status",
-    Col("HDID", kU16, &HD_BGA_Status::HDID),
-    Col("Percentage", kU16, &HD_BGA_Status::Percentage),
-    Col("Bga", kU8, &HD_BGA_Status::Bga),
-    Col("Status", kU8, &HD_BGA_Status::Status),
-    Col("BgaStatus", kU8, &HD_BGA_Status::BgaStatus),
-};
-
-inline constexpr Record kHD_MBR_Info{
-    "struct HD_MBR_Info",
-    Col("HDCount", kU8, &HD_MBR_Info::HDCount),
-    Col("HDIDs", kU16, &HD_MBR_Info::HDIDs),
-    Col("hasMBR", kBOOL, &HD_MBR_Info::hasMBR),
-};
-
-inline constexpr Record kHD_FreeSpaceInfo{
-    "struct HD_FreeSpaceInfo",
-    Col("ID", kU16, &HD_FreeSpaceInfo::ID),
-    Col("AdapterID", kU8, &HD_FreeSpaceInfo::AdapterID),
-    Col("isFixed", kBOOL, &HD_FreeSpaceInfo::isFixed),
-    Col("Size", kU64, &HD_FreeSpaceInfo::Size),
-};
-
-inline constexpr Record kHD_Block_Info{
-    "struct HD_Block_Info",
-    Col("ID", kU16, &HD_Block_Info::ID),
-    Col("Type", kU8, &HD_Block_Info::Type),
-    Col("BlockIDs", kU16, &HD_Block_Info::BlockIDs),
-};
-
-inline constexpr Record kExp_Info{
-    "struct Exp_Info",
-    Nest<kLink_Entity_Info>("Link", &Exp_Info::Link),
-    Col("AdapterID", kU8, &Exp_Info::AdapterID),
-    Col("Configuring", kBOOL, &Exp_Info::Configuring),
-    Col("RouteTableConfigurable", kBOOL, &Exp_Info::RouteTableConfigurable),
-    Col("PhyCount", kU8, &Exp_Info::PhyCount),
-    Col("ExpChangeCount", kU16, &Exp_Info::ExpChangeCount),
-    Col("MaxRouteIndexes", kU16, &Exp_Info::MaxRouteIndexes),
-    CData("VendorID", &Exp_Info::VendorID),
-    CData("ProductID", &Exp_Info::ProductID),
-    CData("ProductRev", &Exp_Info::ProductRev),
-    CData("ComponentVendorID", &Exp_Info::ComponentVendorID),
-    Col("ComponentID", kHX_U16, &Exp_Info::ComponentID),
-    Col("ComponentRevisionID", kHX_U8, &Exp_Info::ComponentRevisionID),
-};
-
-inline constexpr Record kBlock_Info{
-    "struct Block_Info",
-    Col("ID", kU16, &Block_Info::ID),
-    Col("HDID", kU16, &Block_Info::HDID),
-    Col("Flags", kU16, &Block_Info::Flags),
-    Col("LDID", kU16, &Block_Info::LDID),
-    Col("Status", kU8, &Block_Info::Status),
-    Col("StartLBA", kU64, &Block_Info::StartLBA),
-    Col("Size", kU64, &Block_Info::Size),
-};
-
-// Enclosures -------------------------------------------------------------------------------------
-
-inline constexpr Record kEnclosure_Info{
-    "struct Enclosure_Info",
-    Nest<kLink_Entity_Info>("Link", &Enclosure_Info::Link),
-    Col("AdapterID", kU8, &Enclosure_Info::AdapterID),
-    Col("Status", kU8, &Enclosure_Info::Status),
-    CData("LogicalID", &Enclosure_Info::LogicalID),
-    CData("VendorID", &Enclosure_Info::VendorID),
-    CData("ProductID", &Enclosure_Info::ProductID),
-    CData("RevisionLevel", &Enclosure_Info::RevisionLevel),
-    Col("ExpanderCount", kU8, &Enclosure_Info::ExpanderCount),
-    Col("ExpanderIDs", kU16, &Enclosure_Info::ExpanderIDs),
-};
-
-// Every group is written whatever the element's type; a reader takes the one of that type.
-inline constexpr Record kENC_ElementInfo{
-    "struct EncElementType_Info",
-    Col("EnclosureID", kU16, &EncElementType_Info::EnclosureID),
-    Col("Status", kU8, &EncElementType_Info::Status),
-    Col("ElementID", kU8, &EncElementType_Info::ElementID),
-    Col("Type", kU8, &EncElementType_Info::Type),
-    Col("TempWarn", kU16, &EncElementType_Info::TempWarn),
-    Col("HotSwap", kU8, &EncElementType_Info::HotSwap),
-    Col("DCOverCurrent", kU8, &EncElementType_Info::DCOverCurrent),
-    Col("DCOverVoltage", kU8, &EncElementType_Info::DCOverVoltage),
-    Col("DCUnderVoltage", kU8, &EncElementType_Info::DCUnderVoltage),
-    Col("CurSpeedcode", kU16, &EncElementType_Info::CurSpeedcode),
-    Col("CurSpeed", kU16, &EncElementType_Info::CurSpeed),
-    Col("OTFailure", kU8, &EncElementType_Info::OTFailure),
-    Col("OTWarning", kU8, &EncElementType_Info::OTWarning),
-    Col("UTFailure", kU8, &EncElementType_Info::UTFailure),
-    Col("UTWarning", kU8, &EncElementType_Info::UTWarning),
-    Col("Temperature", kU8, &EncElementType_Info::Temperature),
-    Col("Unlocked", kU8, &EncElementType_Info::Unlocked),
-    Col("Mute", kU8, &EncElementType_Info::Mute),
-    Col("Remind", kU8, &EncElementType_Info::Remind),
-    Col("Character1", kU8, &EncElementType_Info::Character1),
-    Col("Mode", kU8, &EncElementType_Info::Mode),
-    Col("WarnOver", kU8, &EncElementType_Info::WarnOver),
-    Col("WarnUnder", kU8, &EncElementType_Info::WarnUnder),
-    Col("CritOver", kU8, &EncElementType_Info::CritOver),
-    Col("CritUnder", kU8, &EncElementType_Info::CritUnder),
-    Col("Voltage", kU16, &EncElementType_Info::Voltage),
-};
-
-inline constexpr Record kENC_ElementConfig{
-    "struct EncElement_Config",
-    Col("EnclosureID", kU16, &EncElement_Config::EnclosureID),
-    Col("Status", kU8, &EncElement_Config::Status),
-    Col("ElementID", kU8, &EncElement_Config::ElementID),
-    Col("Type", kU8, &EncElement_Config::Type),
-    Col("highCriticalThreshold", kU8, &EncElement_Config::highCriticalThreshold),
-    Col("highWarningThreshold", kU8, &EncElement_Config::highWarningThreshold),
-    Col("lowCriticalThreshold", kU8, &EncElement_Config::lowCriticalThreshold),
-    Col("lowWarningThreshold", kU8, &EncElement_Config::lowWarningThreshold),
-};
-
-// Virtual disks ----------------------------------------------------------------------------------
-
-inline constexpr Record kCreate_LD_Param{
-    "struct Create_LD_Param",
-    Col("RaidMode", kU8, &Create_LD_Param::RaidMode),
-    Col("HDCount", kU8, &Create_LD_Param::HDCount),
-    Col("RoundingScheme", kU8, &Create_LD_Param::RoundingScheme),
-    Col("SubLDCount", kU8, &Create_LD_Param::SubLDCount),
-    Col("StripeBlockSize", kU16, &Create_LD_Param::StripeBlockSize),
-    Col("NumParityDisk", kU8, &Create_LD_Param::NumParityDisk),
-    Col("CachePolicy", kU8, &Create_LD_Param::CachePolicy),
-    Col("InitializationOption", kU8, &Create_LD_Param::InitializationOption),
-    Col("SectorCoefficient", kU8, &Create_LD_Param::SectorCoefficient),
-    Col("HDIDs", kU16, &Create_LD_Param::HDIDs),
-    CData("Name", &Create_LD_Param::Name),
-    Col("Size", kU64, &Create_LD_Param::Size),
-};
-
-inline constexpr Record kLD_Status{
-    "struct LD_Status",
-    Col("Status", kU8, &LD_Status::Status),
-    Col("Bga", kU8, &LD_Status::Bga),
-    Col("BgaPercentage", kU16, &LD_Status::BgaPercentage),
-    Col("BgaState", kU8, &LD_Status::BgaState),
-    Col("LDID", kU16, &LD_Status::LDID),
-};
-
-inline constexpr Record kLD_Config{
-    "struct LD_Config",
-    Col("CacheMode", kU8, &LD_Config::CacheMode),
-    Col("AutoRebuildOn", kBOOL, &LD_Config::AutoRebuildOn),
-    Col("Status", kU8, &LD_Config::Status),
-    Col("LDID", kU16, &LD_Config::LDID),
-    CData("Name", &LD_Config::Name),
-};
-
-inline constexpr Record kLD_Info{
-    "struct LD_Info",
-    Col("ID", kU16, &LD_Info::ID),
-    Col("AdapterID", kU8, &LD_Info::AdapterID),
-    Col("DGID", kU8, &LD_Info::DGID),
-    Col("Status", kU8, &LD_Info::Status),
-    Col("BGAStatus", kU8, &LD_Info::BGAStatus),
-    Col("StripeBlockSize", kU16, &LD_Info::StripeBlockSize),
-    Col("RaidMode", kU8, &LD_Info::RaidMode),
-    Col("HDCount", kU8, &LD_Info::HDCount),
-    Col("CacheMode", kU8, &LD_Info::CacheMode),
-    Col("SectorCoefficient", kU8, &LD_Info::SectorCoefficient),
-    Col("Size", kU64, &LD_Info::Size),
-    CData("Name", &LD_Info::Name),
-    Col("BlockIDs", kU16, &LD_Info::BlockIDs),
-    Col("SubLDCount", kU8, &LD_Info::SubLDCount),
-    Col("NumParityDisk", kU8, &LD_Info::NumParityDisk),
-};
-
-// Disk groups ------------------------------------------------------------------------------------
-
-// The name is written bare here, and in CDATA everywhere else.
-inline constexpr Record kDG_Config{
-    "struct DG_Config",
-    Col("DGID", kHX_U16, &DG_Config::DGID),
-    Col("WriteCacheOn", kHX_BOOLEAN, &DG_Config::WriteCacheOn),
-    Bare("Name", &DG_Config::Name),
-};
-
-inline constexpr Record kDG_Info{
-    "struct DG_Info",
-    Col("DGID", kHX_U16, &DG_Info::DGID),
-    CData("Name", &DG_Info::Name),
-    Col("RaidMode", kHX_U8, &DG_Info::RaidMode),
-    Col("SubVDCount", kHX_U8, &DG_Info::SubVDCount),
-    Col("NumParityDisk", kHX_U8, &DG_Info::NumParityDisk),
-    Col("AdapterID", kHX_U8, &DG_Info::AdapterID),
-    Col("StripeBlockSize", kHX_U16, &DG_Info::StripeBlockSize),
-    Col("BlockSize", kHX_U32, &DG_Info::BlockSize),
-    Col("TotalManagedSpace", kU64, &DG_Info::TotalManagedSpace),
-    Col("RemainingManagedSpace", kU64, &DG_Info::RemainingManagedSpace),
-    Col("SmallestAvailablePDSize", kU64, &DG_Info::SmallestAvailablePDSize),
-    Col("Status", kHX_U8, &DG_Info::Status),
-    Col("PDCount", kHX_U8, &DG_Info::PDCount),
-    Col("PDIDs", kHX_U16, &DG_Info::PDIDs),
-    Col("VDSlotCount", kHX_U8, &DG_Info::VDSlotCount),
-    // The one array whose last item is followed by a blank.
-    ColWithLastBlank("VDSlotSize", kU64, &DG_Info::VDSlotSize),
-    Col("VDIDs", kHX_U16, &DG_Info::VDIDs),
-    Col("SparePDCount", kHX_U8, &DG_Info::SparePDCount),
-    Col("SparePDIDs", kHX_U16, &DG_Info::SparePDIDs),
-    Col("BgaType", kHX_U16, &DG_Info::BgaType),
-    Col("BgaState", kHX_U8, &DG_Info::BgaState),
-};
-
-// Of a disk group's parameters a creation answers with its number, a question for the size with
-// that.
-inline constexpr Record kCreate_DG_Param{
-    "struct CreateOrModify_DG_Param",
-    Col("DGID", kHX_U16, &CreateOrModify_DG_Param::DGID),
-};
-
-inline constexpr Record kDG_Size{
-    "struct CreateOrModify_DG_Param",
-    Col("Size", kU64, &CreateOrModify_DG_Param::Size),
-};
-
-// Adapter settings, battery ----------------------------------------------------------------------
-
-inline constexpr Record kAdapter_Config_V2{
-    "struct Adapter_Config_V2",
-    Col("AlarmOn", kBOOL, &Adapter_Config_V2::AlarmOn),
-    Col("AutoRebuildOn", kBOOL, &Adapter_Config_V2::AutoRebuildOn),
-    Col("BGARate", kU8, &Adapter_Config_V2::BGARate),
-    Col("SyncRate", kU8, &Adapter_Config_V2::SyncRate),
-    Col("InitRate", kU8, &Adapter_Config_V2::InitRate),
-    Col("RebuildRate", kU8, &Adapter_Config_V2::RebuildRate),
-    Col("MigrationRate", kU8, &Adapter_Config_V2::MigrationRate),
-    Col("CopybackRate", kU8, &Adapter_Config_V2::CopybackRate),
-    Col("PollSMARTStatus", kU8, &Adapter_Config_V2::PollSMARTStatus),
-    Col("MediaPatrolRate", kU8, &Adapter_Config_V2::MediaPatrolRate),
-    Col("CopyBack", kU8, &Adapter_Config_V2::CopyBack),
-    Col("InterruptCoalescing", kU8, &Adapter_Config_V2::InterruptCoalescing),
-    Col("ModuleConsolidate", kU8, &Adapter_Config_V2::ModuleConsolidate),
-    Col("v_atapi_disable", kBOOL, &Adapter_Config_V2::v_atapi_disable),
-    Col("port_phy_ctrl", kU8, &Adapter_Config_V2::port_phy_ctrl),
-};
-
-inline constexpr Record kBBU_GetInfo{
-    "struct BBU_Info",
-    Col("status", kU32, &BBU_Info::status),
-    Col("prev_status", kU32, &BBU_Info::prev_status),
-    Col("voltage", kU16, &BBU_Info::voltage),
-    Col("supportMaxCapacity", kU16, &BBU_Info::supportMaxCapacity),
-    Col("supportMinCapacity", kU16, &BBU_Info::supportMinCapacity),
-    Col("maxCapacity", kU16, &BBU_Info::maxCapacity),
-    Col("curCapacity", kU16, &BBU_Info::curCapacity),
-    Col("time_to_empty", kU16, &BBU_Info::time_to_empty),
-    Col("time_to_full", kU16, &BBU_Info::time_to_full),
-    Col("recharge_cycle", kU16, &BBU_Info::recharge_cycle),
-    Col("featureSupport", kU16, &BBU_Info::featureSupport),
-    Col("temperature", kU16, &BBU_Info::temperature),
-    Col("volt_lowerbound", kU16, &BBU_Info::volt_lowerbound),
-    Col("volt_upperbound", kU16, &BBU_Info::volt_upperbound),
-    Col("temp_lowerbound", kU16, &BBU_Info::temp_lowerbound),
-    Col("temp_upperbound", kU16, &BBU_Info::temp_upperbound),
-    Col("percentage", kU8, &BBU_Info::percentage),
-    Col("percent_to_charge", kU8, &BBU_Info::percent_to_charge),
-    Col("flags", kU8, &BBU_Info::flags),
-};
-
-// Paged replies ----------------------------------------------------------------------------------
-
-/// What a paged reply lists: the rows of an item, the writer of its items and that of whole
-/// replies, and the items' element name.
-template <const auto& kItem, auto item_writer, auto reply_writer>
-struct PagedReply {
-    using Item = RecordType<kItem>;
-    static constexpr const auto& kRows = kItem;
-    static constexpr auto WriteItems = item_writer;
-    static constexpr auto WriteReply = reply_writer;
-
-    const char* name;
-};
-
-inline constexpr PagedReply<kPM_Info, XML_RA_PM_Info, XML_RA_PM_Info_Request> kPM_Info_Reply{
-    "PM_Info"};
-inline constexpr PagedReply<kHD_Config, XML_RA_HD_Config, XML_RA_HD_Config_Request>
-    kHD_Config_Reply{"Config"};
-inline constexpr PagedReply<kHD_SMART_Status, XML_RA_HD_SMART_Status,
-                            XML_RA_HD_Smart_Status_Request>
-    kHD_Smart_Status_Reply{"HD_SMART_Status"};
-inline constexpr PagedReply<kHD_RAID_Status, XML_RA_HD_RAID_Status, XML_RA_HD_RAID_Status_Request>
-    kHD_RAID_Status_Reply{"Status"};
-inline constexpr PagedReply<kLD_Status, XML_RA_LD_Status, XML_RA_LD_Status_Request>
-    kLD_Status_Reply{"Status"};
-inline constexpr PagedReply<kLD_Config, XML_RA_LD_Config, XML_RA_LD_Config_Request>
-    kLD_Config_Reply{"LDConfig"};
-inline constexpr PagedReply<kDG_Config, XML_RA_DG_Config, XML_RA_DG_Config_Request>
-    kDG_Config_Reply{"DG_Config"};
-inline constexpr PagedReply<kHD_Info, XML_RA_HD_Info, XML_RA_HD_Info_Request> kHD_Info_Reply{
-    "HD_Info"};
-inline constexpr PagedReply<kHD_BGA_Status, XML_RA_HD_BGA_Status, XML_RA_HD_BGA_Status_Request>
-    kHD_BGA_Status_Reply{"HD_BGA_Status"};
-// Free space goes under the name of the disks' own list.
-inline constexpr PagedReply<kHD_FreeSpaceInfo, XML_RA_HD_FreeSpaceInfo,
-                            XML_RA_HD_FreeSpaceInfo_Request>
-    kHD_FreeSpaceInfo_Reply{"HD_Info"};
-inline constexpr PagedReply<kHD_Block_Info, XML_RA_HD_Block_Info, XML_RA_HD_Block_Info_Request>
-    kHD_Block_Info_Reply{"Info"};
-inline constexpr PagedReply<kExp_Info, XML_RA_Exp_Info, XML_RA_Exp_Info_Request> kExp_Info_Reply{
-    "ExpanderInfo"};
-inline constexpr PagedReply<kBlock_Info, XML_RA_Block_Info, XML_RA_Block_Info_Request>
-    kBlock_Info_Reply{"blockInfo"};
-inline constexpr PagedReply<kLD_Info, XML_RA_LD_Info, XML_RA_LD_Info_Request> kLD_Info_Reply{
-    "LDInfo"};
-inline constexpr PagedReply<kEnclosure_Info, XML_RA_Enclosure_Info,
-                            XML_RA_ENC_Enclosure_Info_Request>
-    kENC_Enclosure_Info_Reply{"Enclosure_Info"};
-inline constexpr PagedReply<kDG_Info, XML_RA_DG_Info, XML_RA_DG_Info_Request> kDG_Info_Reply{
-    "DG_Info"};
-
-/// Writes each of `count` replies: its header, and the items that the header counts. A reply ends
-/// where its items end. Returns 1.
-template <const auto& kReply>
-int WriteReplies(XMLWR_Doc* doc, RequestHeader* replies, HX_U32 count) {
-    using Item = typename std::remove_cvref_t<decltype(kReply)>::Item;
-    for (HX_U32 i = 0; i < count; ++i) {
-        auto* const items = reinterpret_cast<Item*>(replies + 1);
-        XML_RA_RequestHeader_Entity_Info(doc, "RequestHeader", replies, 1);
-        kReply.WriteItems(doc, kReply.name, items, replies->numReturned);
-        replies = reinterpret_cast<RequestHeader*>(items + replies->numReturned);
-    }
-    return 1;
-}
+int XML_RA_PM_Info_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies, HX_U32 count);
+int XML_RA_HD_Config_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies,
+                             HX_U32 count);
+int XML_RA_HD_Smart_Status_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies,
+                                   HX_U32 count);
+int XML_RA_HD_RAID_Status_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies,
+                                  HX_U32 count);
+int XML_RA_LD_Status_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies,
+                             HX_U32 count);
+int XML_RA_LD_Config_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies,
+                             HX_U32 count);
+int XML_RA_DG_Config_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies,
+                             HX_U32 count);
+int XML_RA_HD_Info_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies, HX_U32 count);
+int XML_RA_HD_BGA_Status_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies,
+                                 HX_U32 count);
+int XML_RA_HD_FreeSpaceInfo_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies,
+                                    HX_U32 count);
+int XML_RA_HD_Block_Info_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies,
+                                 HX_U32 count);
+int XML_RA_Exp_Info_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies, HX_U32 count);
+int XML_RA_Block_Info_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies,
+                              HX_U32 count);
+int XML_RA_LD_Info_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies, HX_U32 count);
+int XML_RA_ENC_Enclosure_Info_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies,
+                                      HX_U32 count);
+int XML_RA_DG_Info_Request(XMLWR_Doc* doc, const char* elmt, RequestHeader* replies, HX_U32 count);

@@ -10,6 +10,7 @@ namespace {
 bool failing = false;
 std::size_t granted_before = 0;
 std::ptrdiff_t live = 0;
+std::size_t allocated = 0;
 FreedBlocks::Look freed;
 
 bool Refused() {
@@ -20,7 +21,10 @@ bool Refused() {
 }
 
 void* Counted(void* block) {
-    if (block != nullptr) ++live;
+    if (block != nullptr) {
+        ++live;
+        ++allocated;
+    }
     return block;
 }
 
@@ -56,3 +60,5 @@ FreedBlocks::FreedBlocks(Look look) { freed = std::move(look); }
 FreedBlocks::~FreedBlocks() { freed = nullptr; }
 
 std::ptrdiff_t LiveBlocks() { return live; }
+
+std::size_t AllocatedBlocks() { return allocated; }

@@ -27,3 +27,6 @@ public:
 
 /// Blocks that are allocated and not yet freed.
 std::ptrdiff_t LiveBlocks();
+
+/// Blocks that have been allocated, whether or not they were freed since.
+std::size_t AllocatedBlocks();

@@ -9,14 +9,29 @@
 #include "support/failing_allocations.h"
 #include "support/request.h"
 #include "support/temporary_root.h"
+#include "vexorapi_expat.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// What every request takes: the document and the function's record.
+// What every request takes beside its parser's blocks: the document and the function's record.
 constexpr std::size_t kRequest = 2;
+
+// The blocks that the parser of a command takes.
+std::size_t ParserBlocks(const std::string& command) {
+    ParseGuard guard;
+    const ParseHandlers handlers{
+        .start = [](void*, const XML_Char*, const XML_Char**) {},
+        .end = [](void*, const XML_Char*) {},
+        .text = [](void*, const XML_Char*, int) {},
+        .doctype = nullptr,
+    };
+    const std::size_t before = AllocatedBlocks();
+    EXPECT_EQ(1, RunExpat(command.data(), command.size(), nullptr, guard, handlers));
+    return AllocatedBlocks() - before;
+}
 
 class WithoutMemory : public testing::Test {
 protected:
@@ -28,9 +43,10 @@ protected:
                      std::size_t granted = 0) {
         const std::string command =
             "<" + name + " type=\"function\">" + children + "</" + name + ">";
+        const std::size_t parsing = ParserBlocks(command);
         const std::ptrdiff_t before = LiveBlocks();
         const Reply reply = [&] {
-            const FailingAllocations failing(kRequest + granted);
+            const FailingAllocations failing(kRequest + parsing + granted);
             return Send(command);
         }();
         EXPECT_EQ(before, LiveBlocks());
