@@ -11,7 +11,7 @@
 #include "vexorapi.h"
 #include "vxevent_yardsticks.h"
 #include "written.h"
-#include "xml_rapi.h"
+#include "xml_rapi_records.h"
 #include "yardsticks.h"
 
 namespace {

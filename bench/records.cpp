@@ -4,7 +4,7 @@
 #include "bench.h"
 #include "reference_writer.h"
 #include "written.h"
-#include "xml_rapi.h"
+#include "xml_rapi_records.h"
 #include "yardsticks.h"
 
 namespace bench {

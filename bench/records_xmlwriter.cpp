@@ -3,7 +3,7 @@
 
 #include "bench.h"
 #include "written.h"
-#include "xml_rapi.h"
+#include "xml_rapi_records.h"
 #include "yardsticks.h"
 
 namespace bench {

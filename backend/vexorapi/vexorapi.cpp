@@ -11,7 +11,7 @@
 #include "vx_cfg.h"
 #include "vx_dbg.h"
 #include "vxevent.h"
-#include "xml_rapi.h"
+#include "xml_rapi_executor.h"
 #include "xml_vxapi.h"
 
 namespace {

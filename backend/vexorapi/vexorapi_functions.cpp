@@ -1,9 +1,13 @@
 // The vendor function table: a function's name to its handlers and the size of its record.
-#include <algorithm>
+#include "vexorapi_functions.h"
+
 #include <array>
 #include <bit>
+#include <cstdint>
 #include <cstring>
+#include <string_view>
 
+#include "vexorapi_element.h"
 #include "xml_rapi_functions.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <cstdlib>
 
-#include "xml_rapi.h"
+#include "vexorapi_functions.h"
 #include "xml_vxapi.h"
 
 namespace {

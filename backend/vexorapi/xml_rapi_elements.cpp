@@ -1,8 +1,8 @@
-// Typed elements, piece by piece through the document writer.
+// Typed elements.
+#include "xml_rapi_elements.h"
+
 #include <cstdarg>
 #include <cstdio>
-
-#include "xml_rapi.h"
 
 int XML_RA_ElmtNonArrayData(XMLWR_Doc* doc, const char* elmt, const char* type, const char* fmt,
                             ...) {

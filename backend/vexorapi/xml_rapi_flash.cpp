@@ -1,5 +1,6 @@
-// Flash images on their way between a file and an adapter, the version in a BIOS image's header,
-// and the file functions that both use.
+// Flash images go in pieces of 32 KiB; a BIOS image's version stands in its header.
+#include "xml_rapi_flash.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,7 +15,7 @@
 #include "heap_block.h"
 #include "read_file.h"
 #include "root_path.h"
-#include "xml_rapi_local.h"
+#include "xml_rapi_text.h"
 
 static_assert(sizeof(off_t) == 8,
               "an image beyond 2 GiB would fail to open instead of to transfer");

@@ -4,13 +4,14 @@
 #include <cstddef>
 #include <tuple>
 
-#include "xml_rapi_adapter.h"
-#include "xml_rapi_battery_flash.h"
-#include "xml_rapi_disk.h"
-#include "xml_rapi_disk_group.h"
-#include "xml_rapi_enclosure.h"
-#include "xml_rapi_user.h"
-#include "xml_rapi_virtual_disk.h"
+#include "xml_rapi_functions_adapter.h"
+#include "xml_rapi_functions_battery.h"
+#include "xml_rapi_functions_disk.h"
+#include "xml_rapi_functions_disk_group.h"
+#include "xml_rapi_functions_enclosure.h"
+#include "xml_rapi_functions_flash.h"
+#include "xml_rapi_functions_user.h"
+#include "xml_rapi_functions_virtual_disk.h"
 
 /// One function with the names of its handlers and its result writer.
 template <const auto& kFunction, XML_StartElementHandler start, XML_EndElementHandler end,
@@ -174,7 +175,3 @@ inline constexpr std::tuple<
 
 inline constexpr std::size_t kFunctionCount = std::tuple_size_v<decltype(kFunctions)>;
 static_assert(kFunctionCount == 75);
-
-/// The position in kFunctions of the function called `name`, exactly; kFunctionCount when it is
-/// none of them.
-std::size_t FindFunction(const char* name);

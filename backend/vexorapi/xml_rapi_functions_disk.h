@@ -3,10 +3,7 @@
 #pragma once
 
 #include "xml_rapi_function.h"
-
-/// Reads the wanted window of a disk's remap table. Returns false, with no result to write, when
-/// there is no memory for the table.
-bool ReadRemapTable(VX_PD_GetRCT& record);
+#include "xml_rapi_remap_table.h"
 
 // HX_PD_GetHDInfo: the extended call first, the plain one where an adapter does not know it.
 inline constexpr Function kHX_PD_GetHDInfo{

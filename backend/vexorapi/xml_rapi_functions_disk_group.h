@@ -2,6 +2,7 @@
 // names of its handlers and its result writer.
 #pragma once
 
+#include "xml_rapi_disk_group.h"
 #include "xml_rapi_function.h"
 
 /// A disk group's parameters but its number.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "xml_rapi_function.h"
+#include "xml_rapi_user.h"
 
 // HX_LogonUser
 inline constexpr Function kHX_LogonUser{

@@ -2,7 +2,9 @@
 // names of its handlers and its result writer.
 #pragma once
 
+#include "xml_rapi_disk_group.h"
 #include "xml_rapi_function.h"
+#include "xml_rapi_quick_create.h"
 
 // HX_LD_GetInfo
 inline constexpr Function kHX_LD_GetInfo{

@@ -1,7 +1,7 @@
 // The headers of list requests: where a page starts and how many entries it may hold.
-#include <algorithm>
+#include "xml_rapi_paging.h"
 
-#include "xml_rapi_local.h"
+#include <algorithm>
 
 void setRequestHeader(RequestHeader* pReq, HX_U8 requestType, HX_U16 startingIndexOrId,
                       HX_U16 numRequested) {

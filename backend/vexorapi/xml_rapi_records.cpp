@@ -1,6 +1,10 @@
 // The record writers, each one line over its record's rows, and the writers of paged replies.
 #include "xml_rapi_records.h"
 
+#include "xml_rapi_elements.h"
+#include "xml_rapi_record_rows.h"
+#include "xml_rapi_reply_rows.h"
+
 int XML_RA_RequestHeader_Entity_Info(XMLWR_Doc* doc, const char* elmt, const RequestHeader* records,
                                      HX_U32 count) {
     return WriteRecords<kRequestHeader_Entity_Info>(doc, elmt, records, count);

@@ -5,7 +5,9 @@
 #include <cstddef>
 
 #include "hxraid.h"
-#include "xml_rapi_local.h"
+#include "xml_rapi_flash.h"
+#include "xml_rapi_user.h"
+#include "xml_rapi_wrappers.h"
 
 /// What the executor's sum over all adapters can reach: it counts in 8 bits, so the last adapter's
 /// items begin at element 255 at the most, and a controller can return 255 of them.
@@ -380,4 +382,91 @@ struct VX_Flash_Erase {
     HX_U8 RetVal;
     HX_U8 AdapterID;
     HX_U8 Page;
+};
+
+// Any of them -----------------------------------------------------------------------------------
+
+/// One vendor-function request: the function's name, and the parameters and results of that
+/// function. Only as much of it is allocated as the named function's record needs.
+struct XML_RA_FuncData {
+    char FuncName[64];
+    union {
+        VX_API_Version HX_API_Version;
+        VX_Adapter_GetCount HX_Adapter_GetCount;
+        VX_Adapter_GetInfo HX_Adapter_GetInfo;
+        VX_Adapter_SetConfig HX_Adapter_SetConfig;
+        VX_Adapter_GetConfig HX_Adapter_GetConfig;
+        VX_AdapterMute HX_AdapterMute;
+        VX_PD_GetHDInfo HX_PD_GetHDInfo;
+        VX_PD_GetHDInfo_Ext HX_PD_GetHDInfo_Ext;
+        VX_PD_GetExpanderInfo HX_PD_GetExpanderInfo;
+        VX_PD_GetPMInfo HX_PD_GetPMInfo;
+        VX_PD_GetFreeSpaceInfo HX_PD_GetFreeSpaceInfo;
+        VX_PD_GetConfig HX_PD_GetConfig;
+        VX_PD_GetSmartStatus HX_PD_GetSmartStatus;
+        VX_PD_GetRCT HX_PD_GetRCT;
+        VX_PD_SetConfig HX_PD_SetConfig;
+        VX_LocateArrayDevice HX_LocateArrayDevice;
+        VX_ENC_GetEnclosureInfo HX_ENC_GetEnclosureInfo;
+        VX_ENC_GetElementInfo HX_ENC_GetElementInfo;
+        VX_ENC_GetElementConfig HX_ENC_GetElementConfig;
+        VX_PD_WipeHDMDD HX_PD_WipeHDMDD;
+        VX_PD_SetHDStatus HX_PD_SetHDStatus;
+        VX_PD_FreeHD2GlobalSpare HX_PD_FreeHD2GlobalSpare;
+        VX_PD_Spare2FreeHD HX_PD_Spare2FreeHD;
+        VX_PD_GetHDRaidStatus HX_PD_GetHDRaidStatus;
+        VX_PD_GetMBRInfo HX_PD_GetMBRInfo;
+        VX_BLK_GetInfo HX_BLK_GetInfo;
+        VX_BLK_GetHDBlock HX_BLK_GetHDBlock;
+        VX_LD_GetInfo HX_LD_GetInfo;
+        VX_LD_GetTargetLDInfo HX_LD_GetTargetLDInfo;
+        VX_LD_Delete HX_LD_Delete;
+        VX_LD_Create HX_LD_Create;
+        VX_LD_QuickCreate HX_LD_QuickCreate;
+        VX_LD_GetMaxSize HX_LD_GetMaxSize;
+        VX_LD_PauseAll HX_LD_PauseAll;
+        VX_LD_GetStatus HX_LD_GetStatus;
+        VX_LD_GetConfig HX_LD_GetConfig;
+        VX_LD_SetConfig HX_LD_SetConfig;
+        VX_LD_StartRebuild HX_LD_StartRebuild;
+        VX_LD_StartConsistencyCheck HX_LD_StartConsistencyCheck;
+        VX_LD_StartINIT HX_LD_StartINIT;
+        VX_LD_StartMigration HX_LD_StartMigration;
+        VX_LD_GetMigratedLdSize HX_LD_GetMigratedLdSize;
+        VX_LD_BGAControl HX_LD_BGAControl;
+        VX_LD_Import HX_LD_Import;
+        VX_Flash_Erase HX_Flash_Erase;
+        VX_LogonUser HX_LogonUser;
+        VX_GetUserName HX_GetUserName;
+        VX_GetUserGroup HX_GetUserGroup;
+        VX_DG_Create HX_DG_Create;
+        VX_DG_GetSizeOnly HX_DG_GetSizeOnly;
+        VX_DG_Modify HX_DG_Modify;
+        VX_DG_GetInfo HX_DG_GetInfo;
+        VX_DG_Delete HX_DG_Delete;
+        VX_CreateOrModify_VD HX_CreateOrModify_VD;
+        VX_LD_DG_StartRebuild HX_LD_DG_StartRebuild;
+        VX_DG_StartMigration HX_DG_StartMigration;
+        VX_DG_BGAControl HX_DG_BGAControl;
+        VX_DG_GetConfig HX_DG_GetConfig;
+        VX_DG_SetConfig HX_DG_SetConfig;
+        VX_Flash_Option HX_Flash_Option;
+        VX_BIOS_Version HX_BIOS_Version;
+        VX_PD_FreeHD2DGSpare HX_PD_FreeHD2DGSpare;
+        VX_BBU_GetInfo HX_BBU_GetInfo;
+        VX_BBU_SetThreshold HX_BBU_SetThreshold;
+        VX_BBU_ChangePower HX_BBU_ChangePower;
+        VX_BBU_SetStatus HX_BBU_SetStatus;
+        VX_BBU_SetMaxCapacity HX_BBU_SetMaxCapacity;
+        VX_BBU_ActRelearn HX_BBU_ActRelearn;
+        VX_PD_StartDataScrub HX_PD_StartDataScrub;
+        VX_LD_Create_OnDG HX_LD_Create_OnDG;
+        VX_LD_Modify_OnDG HX_LD_Modify_OnDG;
+        VX_PD_GetSpareInfo HX_PD_GetSpareInfo;
+        VX_PD_GetBGAStatus HX_PD_GetBGAStatus;
+        VX_PD_BGAControl HX_PD_BGAControl;
+        VX_PD_StartMediaPatrol HX_PD_StartMediaPatrol;
+        VX_PD_HDMPCheck HX_PD_HDMPCheck;
+        VX_CreateOrModify_DG HX_CreateOrModify_DG;
+    };
 };

@@ -17,7 +17,7 @@
 #include "XMLWriter.h"
 #include "XMLWriter_digits.h"
 #include "hxraid.h"
-#include "xml_rapi.h"
+#include "xml_rapi_elements.h"
 #include "xml_rapi_row_list.h"
 #include "xml_rapi_text.h"
 

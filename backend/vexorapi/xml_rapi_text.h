@@ -1,4 +1,5 @@
-// Texts of fixed-width fields: how a controller's characters become the text that is written.
+// Texts of fixed-width fields: how a request's become arguments, and how a controller's characters
+// become the text that is written.
 //
 // A cleaner's Put(at, field) writes the text of an n-character field at `at` and returns its end;
 // n + 1 bytes from `at` on may be overwritten.
@@ -35,6 +36,15 @@ void CutText(char (&field)[n], const char* text, std::size_t length) {
     const std::size_t kept = length < n ? length : n - 1;
     std::memcpy(field, text, kept);
     field[kept] = '\0';
+}
+
+/// The text in a request's field of `size` bytes.
+///
+/// Null when there is none, or when no NUL ends it within the field: what was sent was longer, and
+/// a name, password or path is never taken for a prefix of itself.
+inline const char* WholeText(const HX_U8* field, std::size_t size) {
+    if (field == nullptr || std::memchr(field, '\0', size) == nullptr) return nullptr;
+    return reinterpret_cast<const char*>(field);
 }
 
 /// The text as it stands.

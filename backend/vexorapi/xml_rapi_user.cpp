@@ -1,5 +1,7 @@
 // Users: logon and groups against the host's user, shadow and group databases. Under a root prefix
 // the databases are the files below that root, so that a test brings its own users.
+#include "xml_rapi_user.h"
+
 #include <crypt.h>
 #include <grp.h>
 #include <pwd.h>
@@ -14,7 +16,7 @@
 #include "heap_block.h"
 #include "read_file.h"
 #include "root_path.h"
-#include "xml_rapi_local.h"
+#include "xml_rapi_text.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include "XMLWriter_scan.h"
 #include "vexorapi_version.h"
 #include "vx_dbg.h"
-#include "xml_rapi.h"
+#include "xml_rapi_elements.h"
 #include "xml_rapi_text.h"
-#include "xml_vxapi_records.h"
+#include "xml_vxapi_record_rows.h"
 
 namespace {
 

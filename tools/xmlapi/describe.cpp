@@ -5,7 +5,7 @@
 #include <map>
 
 #include "xml_rapi_functions.h"
-#include "xml_vxapi_records.h"
+#include "xml_vxapi_record_rows.h"
 
 namespace {
 

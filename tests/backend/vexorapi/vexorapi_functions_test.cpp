@@ -9,6 +9,7 @@
 #include <tuple>
 #include <utility>
 
+#include "vexorapi_functions.h"
 #include "xml_rapi_functions.h"
 
 namespace {
@@ -172,6 +173,41 @@ TEST(FunctionTable, DeclinesNamesThatAreShorterOrLonger) {
         EXPECT_EQ(0, Offer(elmt, name.substr(0, name.size() - 1).c_str())) << name;
         EXPECT_EQ(0, Offer(elmt, name.substr(1).c_str())) << name;
     }
+}
+
+TEST(FunctionTable, TakesEachNameExactlyOnly) {
+    for (const char* name :
+         {"hx_api_version", "HX_API_VERSION", "HX_API_Versio", "HX_API_Version ", " HX_API_Version",
+          "HX_API_Version2", "API_Version", "HX_", "", "VX_Module_GetInfo"}) {
+        XMLElement elmt{};
+        EXPECT_EQ(0, Offer(elmt, name)) << name;
+    }
+}
+
+TEST(FunctionTable, HasNoEntryForWhatOnlyHasARecord) {
+    XMLElement elmt{};
+    EXPECT_EQ(0, Offer(elmt, "HX_PD_HDMPCheck"));
+    EXPECT_EQ(0, Offer(elmt, "HX_CreateOrModify_DG"));
+}
+
+TEST(FunctionTable, ChangesNothingWhenItDeclines) {
+    const auto start = [](void*, const XML_Char*, const XML_Char**) {};
+    const auto end = [](void*, const XML_Char*) {};
+    XMLElement elmt{};
+    elmt.StartHandler = start;
+    elmt.EndHandler = end;
+    EXPECT_EQ(0, Offer(elmt, "HX_PD_HDMPCheck"));
+    EXPECT_EQ(+start, elmt.StartHandler);
+    EXPECT_EQ(+end, elmt.EndHandler);
+    EXPECT_EQ(nullptr, elmt.Ext);
+}
+
+TEST(FunctionTable, LeavesTheTextHandlerAsItIs) {
+    const auto text = [](void*, const XML_Char*, int) {};
+    XMLElement elmt{};
+    elmt.CharDataHandler = text;
+    EXPECT_EQ(1, Offer(elmt, "HX_Adapter_GetInfo"));
+    EXPECT_EQ(+text, elmt.CharDataHandler);
 }
 
 }  // namespace

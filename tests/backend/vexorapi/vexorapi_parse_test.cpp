@@ -15,7 +15,6 @@
 
 #include "debug_log.h"
 #include "support/temporary_root.h"
-#include "xml_rapi.h"
 
 namespace {
 

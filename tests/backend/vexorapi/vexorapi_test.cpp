@@ -19,7 +19,8 @@
 #include "support/request.h"
 #include "support/temporary_root.h"
 #include "vexorapi_version.h"
-#include "xml_rapi.h"
+#include "xml_rapi_executor.h"
+#include "xml_rapi_requests.h"
 #include "xml_vxapi.h"
 
 namespace {

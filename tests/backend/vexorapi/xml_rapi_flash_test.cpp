@@ -20,7 +20,7 @@
 #include "hxfake.h"
 #include "support/failing_allocations.h"
 #include "support/temporary_root.h"
-#include "xml_rapi_local.h"
+#include "xml_rapi_flash.h"
 
 namespace {
 

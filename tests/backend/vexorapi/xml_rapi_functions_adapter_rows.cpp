@@ -1,5 +1,5 @@
 // The library itself, the adapters, their enclosures, batteries and flash memory.
-#include "functions_rows.h"
+#include "xml_rapi_functions_rows.h"
 
 using enum Holds;
 

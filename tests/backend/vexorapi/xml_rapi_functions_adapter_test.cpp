@@ -1,7 +1,5 @@
-// The vendor functions from command to result: what the controller is asked, and the literal text
-// that its answer becomes.
-#include "xml_rapi.h"
-
+// The functions of the library itself and of the adapters, from command to result: what the
+// controller is asked, and the literal text that its answer becomes.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -16,7 +14,7 @@
 #include "reference_writer.h"
 #include "support/request.h"
 #include "support/temporary_root.h"
-#include "xml_rapi_test_adapter.h"
+#include "xml_rapi_functions_adapter_sample.h"
 
 namespace {
 
@@ -461,60 +459,6 @@ TEST_F(EveryAdapter, BeginsAnewWithEachRequest) {
     Install(2);
     AskAll();
     EXPECT_EQ(ReferenceResult(0, 2, Installed(2)), AskAll().text);
-}
-
-// ---- the function table ------------------------------------------------------------------------
-
-class FunctionTable : public testing::Test {
-protected:
-    int Offer(const char* name) {
-        const char* const none[] = {nullptr};
-        return RA_FuncElementDispatcher(elmt.get(), name, const_cast<const char**>(none));
-    }
-
-    std::unique_ptr<XMLElement> elmt{new XMLElement{}};
-};
-
-TEST_F(FunctionTable, TakesItsFunctions) {
-    for (const char* name : {"HX_API_Version", "HX_Adapter_GetCount", "HX_Adapter_GetInfo"}) {
-        elmt->StartHandler = nullptr;
-        elmt->EndHandler = nullptr;
-        EXPECT_EQ(1, Offer(name)) << name;
-        EXPECT_NE(nullptr, elmt->StartHandler) << name;
-        EXPECT_NE(nullptr, elmt->EndHandler) << name;
-        EXPECT_EQ(nullptr, elmt->CharDataHandler) << name;
-    }
-}
-
-TEST_F(FunctionTable, TakesEachNameExactlyOnly) {
-    for (const char* name :
-         {"hx_api_version", "HX_API_VERSION", "HX_API_Versio", "HX_API_Version ", " HX_API_Version",
-          "HX_API_Version2", "API_Version", "HX_", "", "VX_Module_GetInfo"}) {
-        EXPECT_EQ(0, Offer(name)) << name;
-    }
-}
-
-TEST_F(FunctionTable, HasNoEntryForWhatOnlyHasARecord) {
-    EXPECT_EQ(0, Offer("HX_PD_HDMPCheck"));
-    EXPECT_EQ(0, Offer("HX_CreateOrModify_DG"));
-}
-
-TEST_F(FunctionTable, ChangesNothingWhenItDeclines) {
-    const auto start = [](void*, const XML_Char*, const XML_Char**) {};
-    const auto end = [](void*, const XML_Char*) {};
-    elmt->StartHandler = start;
-    elmt->EndHandler = end;
-    EXPECT_EQ(0, Offer("HX_PD_HDMPCheck"));
-    EXPECT_EQ(+start, elmt->StartHandler);
-    EXPECT_EQ(+end, elmt->EndHandler);
-    EXPECT_EQ(nullptr, elmt->Ext);
-}
-
-TEST_F(FunctionTable, LeavesTheTextHandlerAsItIs) {
-    const auto text = [](void*, const XML_Char*, int) {};
-    elmt->CharDataHandler = text;
-    EXPECT_EQ(1, Offer("HX_Adapter_GetInfo"));
-    EXPECT_EQ(+text, elmt->CharDataHandler);
 }
 
 }  // namespace

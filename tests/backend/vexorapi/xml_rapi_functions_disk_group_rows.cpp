@@ -1,5 +1,5 @@
 // The disk groups.
-#include "functions_rows.h"
+#include "xml_rapi_functions_rows.h"
 
 using enum Holds;
 

@@ -1,5 +1,5 @@
 // The physical disks and the blocks on them.
-#include "functions_rows.h"
+#include "xml_rapi_functions_rows.h"
 
 using enum Holds;
 

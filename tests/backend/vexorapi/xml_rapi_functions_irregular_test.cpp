@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "functions_records.h"
 #include "hxfake.h"
 #include "support/request.h"
 #include "support/temporary_root.h"
+#include "xml_rapi_functions_records.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "hxraid.h"
-#include "xml_rapi_local.h"
+#include "xml_rapi_user.h"
 
 /// A record's numbers: byte i is 37 i + 5 (i / 256) + 11, and 101 more for each `seed`.
 template <class R>

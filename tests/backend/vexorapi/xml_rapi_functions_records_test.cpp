@@ -9,9 +9,9 @@
 
 #include "XMLWriter.h"
 #include "XMLWriter_document.h"
-#include "functions_records.h"
 #include "vxevent_golden.h"
-#include "xml_rapi.h"
+#include "xml_rapi_functions_records.h"
+#include "xml_rapi_records.h"
 
 namespace {
 

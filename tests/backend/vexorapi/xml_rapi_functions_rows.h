@@ -12,8 +12,8 @@
 #include <type_traits>
 #include <vector>
 
-#include "functions_records.h"
 #include "hxfake.h"
+#include "xml_rapi_functions_records.h"
 
 /// What a child holds: a number, a text of up to 15 characters, or as many numbers as its field has
 /// room for.

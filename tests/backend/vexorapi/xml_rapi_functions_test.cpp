@@ -11,11 +11,11 @@
 #include <utility>
 #include <vector>
 
-#include "functions_rows.h"
 #include "hxfake.h"
 #include "support/request.h"
 #include "support/temporary_root.h"
 #include "vxevent_golden.h"
+#include "xml_rapi_functions_rows.h"
 
 namespace {
 

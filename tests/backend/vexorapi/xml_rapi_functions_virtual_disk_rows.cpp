@@ -1,5 +1,5 @@
 // The virtual disks, made from disks or on a disk group.
-#include "functions_rows.h"
+#include "xml_rapi_functions_rows.h"
 
 using enum Holds;
 

@@ -6,7 +6,7 @@
 #include <initializer_list>
 
 #include "hxfake.h"
-#include "xml_rapi_local.h"
+#include "xml_rapi_paging.h"
 
 namespace {
 

@@ -1,4 +1,6 @@
-// Functions made of several calls of the controller library, and the names that they go by.
+// Quick creation: which disks are free, which level is chosen, what the controller is asked for.
+#include "xml_rapi_quick_create.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -6,251 +8,17 @@
 #include <cstring>
 #include <initializer_list>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "hxfake.h"
+#include "scripted_controller.h"
 #include "support/failing_allocations.h"
-#include "xml_rapi_local.h"
 
 namespace {
 
-using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StrEq;
-
-class Controller : public testing::Test {
-protected:
-    void SetUp() override { hxfake::Reset(); }
-    void TearDown() override {
-        EXPECT_EQ(hxfake::AnswersLeft(), 0U);
-        hxfake::Reset();
-    }
-};
-
-template <class T>
-bool IsZero(const T& record) {
-    const auto* const bytes = reinterpret_cast<const char*>(&record);
-    return std::all_of(bytes, bytes + sizeof record, [](char byte) { return byte == 0; });
-}
-
-// ---- Disk groups ----
-
-// A parameter in which no field is 0.
-CreateOrModify_DG_Param FilledGroupParam() {
-    CreateOrModify_DG_Param param;
-    std::memset(&param, 0x11, sizeof param);
-    return param;
-}
-
-// Keeps what the controller was given.
-class GroupCall {
-public:
-    GroupCall() {
-        hxfake::On<&HX_CreateOrModify_DG>().Inspect(
-            [this](HX_U8, const CreateOrModify_DG_Param* param, HX_U8 size_only) {
-                given = *param;
-                size_only_given = size_only;
-            });
-    }
-    std::optional<CreateOrModify_DG_Param> given;
-    int size_only_given = -1;
-};
-
-// The parameter as it was filled, but for DGID.
-void ExpectFilledWithDGID(const std::optional<CreateOrModify_DG_Param>& param, HX_U16 DGID) {
-    ASSERT_TRUE(param.has_value());
-    CreateOrModify_DG_Param expected = FilledGroupParam();
-    expected.DGID = DGID;
-    EXPECT_EQ(param->DGID, DGID);
-    EXPECT_EQ(std::memcmp(&*param, &expected, sizeof expected), 0);
-}
-
-using DG = Controller;
-
-TEST_F(DG, CreateAsksForANewGroup) {
-    const GroupCall call;
-    CreateOrModify_DG_Param param = FilledGroupParam();
-    EXPECT_EQ(HX_DG_Create(2, &param), 0);
-    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_CreateOrModify_DG(2, &, 0)"));
-    ExpectFilledWithDGID(call.given, 65535);
-}
-
-TEST_F(DG, CreateReturnsTheControllersCodeAndAnswer) {
-    CreateOrModify_DG_Param answer = FilledGroupParam();
-    answer.DGID = 5;
-    hxfake::On<&HX_CreateOrModify_DG>().Once(42, hxfake::Fill(answer));
-    CreateOrModify_DG_Param param{};
-    EXPECT_EQ(HX_DG_Create(2, &param), 42);
-    EXPECT_EQ(param.DGID, 5);
-}
-
-TEST_F(DG, GetSizeOnlyAsksForTheSizeOfTheCallersGroup) {
-    const GroupCall call;
-    CreateOrModify_DG_Param param = FilledGroupParam();
-    param.DGID = 7;
-    EXPECT_EQ(HX_DG_GetSizeOnly(1, &param), 0);
-    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_CreateOrModify_DG(1, &, 1)"));
-    ExpectFilledWithDGID(call.given, 7);
-}
-
-TEST_F(DG, GetSizeOnlyReturnsTheControllersCodeAndAnswer) {
-    CreateOrModify_DG_Param answer{};
-    answer.Size.value = 0x123456789A;
-    hxfake::On<&HX_CreateOrModify_DG>().Once(9, hxfake::Fill(answer));
-    CreateOrModify_DG_Param param{};
-    EXPECT_EQ(HX_DG_GetSizeOnly(1, &param), 9);
-    EXPECT_EQ(param.Size.value, 0x123456789AU);
-}
-
-TEST_F(DG, ModifyChangesTheCallersGroup) {
-    const GroupCall call;
-    CreateOrModify_DG_Param param = FilledGroupParam();
-    param.DGID = 7;
-    hxfake::On<&HX_CreateOrModify_DG>().Once(3);
-    EXPECT_EQ(HX_DG_Modify(1, &param), 3);
-    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_CreateOrModify_DG(1, &, 0)"));
-    ExpectFilledWithDGID(call.given, 7);
-}
-
-// ---- Virtual disks on disk groups ----
-
-DG_Info Group() {
-    DG_Info group{};
-    group.DGID = 4;
-    group.RaidMode = 0x50;
-    group.SubVDCount = 2;
-    group.NumParityDisk = 3;
-    group.StripeBlockSize = 128;
-    group.BlockSize = 4096;
-    std::strcpy(group.Name, "GROUP");
-    return group;
-}
-
-CreateOrModify_VD_Param FilledDiskParam() {
-    CreateOrModify_VD_Param param;
-    std::memset(&param, 0x11, sizeof param);
-    param.DGID = 4;
-    return param;
-}
-
-class OnGroup : public Controller {
-protected:
-    void SetUp() override {
-        Controller::SetUp();
-        hxfake::On<&HX_CreateOrModify_VD>().Inspect(
-            [this](HX_U8, const CreateOrModify_VD_Param* param) { given_ = *param; });
-    }
-    CreateOrModify_VD_Param given_{};
-};
-
-TEST_F(OnGroup, CreateReadsTheGroupThenMakesTheDisk) {
-    CreateOrModify_VD_Param param = FilledDiskParam();
-    HX_LD_Create_OnDG(2, &param);
-    EXPECT_THAT(hxfake::Calls(),
-                ElementsAre("HX_DG_GetInfo(2, {2, 4, 1})", "HX_CreateOrModify_VD(2, &)"));
-}
-
-TEST_F(OnGroup, CreateTakesTheGroupsShapeAndKeepsTheRest) {
-    hxfake::On<&HX_DG_GetInfo>().Once(0, hxfake::Page(65535, {Group()}));
-    CreateOrModify_VD_Param param = FilledDiskParam();
-    EXPECT_EQ(HX_LD_Create_OnDG(2, &param), 0);
-    CreateOrModify_VD_Param expected = FilledDiskParam();
-    expected.VDID = 65535;
-    expected.RaidMode = 0x50;
-    expected.NumParityDisk = 3;
-    expected.BlockSize = 4096;
-    expected.SubVDCount = 2;
-    EXPECT_EQ(std::memcmp(&given_, &expected, sizeof expected), 0);
-    EXPECT_EQ(given_.StripeBlockSize, 0x1111);
-}
-
-TEST_F(OnGroup, CreateTakesTheGroupsStripeSizeWhenThereIsNoOther) {
-    hxfake::On<&HX_DG_GetInfo>().Once(0, hxfake::Page(65535, {Group()}));
-    CreateOrModify_VD_Param param = FilledDiskParam();
-    param.StripeBlockSize = 0;
-    HX_LD_Create_OnDG(2, &param);
-    EXPECT_EQ(given_.StripeBlockSize, 128);
-}
-
-TEST_F(OnGroup, CreateReturnsTheControllersCode) {
-    hxfake::On<&HX_CreateOrModify_VD>().Once(77);
-    CreateOrModify_VD_Param param = FilledDiskParam();
-    EXPECT_EQ(HX_LD_Create_OnDG(2, &param), 77);
-}
-
-TEST_F(OnGroup, CreateDoesNotLookAtTheCodeOfTheReading) {
-    hxfake::On<&HX_DG_GetInfo>().Once(9, hxfake::Page(65535, {Group()}));
-    CreateOrModify_VD_Param param = FilledDiskParam();
-    EXPECT_EQ(HX_LD_Create_OnDG(2, &param), 0);
-    EXPECT_EQ(given_.RaidMode, 0x50);
-}
-
-TEST_F(OnGroup, CreateOnAGroupThatCannotBeReadSendsZeroes) {
-    hxfake::On<&HX_DG_GetInfo>().Once(9);
-    CreateOrModify_VD_Param param = FilledDiskParam();
-    HX_LD_Create_OnDG(2, &param);
-    EXPECT_EQ(given_.VDID, 65535);
-    EXPECT_EQ(given_.RaidMode, 0);
-    EXPECT_EQ(given_.NumParityDisk, 0);
-    EXPECT_EQ(given_.BlockSize, 0U);
-    EXPECT_EQ(given_.SubVDCount, 0);
-    EXPECT_EQ(given_.StripeBlockSize, 0x1111);
-}
-
-TEST_F(OnGroup, ModifyPassesTheParameterAsItStands) {
-    hxfake::On<&HX_CreateOrModify_VD>().Once(6);
-    CreateOrModify_VD_Param param = FilledDiskParam();
-    EXPECT_EQ(HX_LD_Modify_OnDG(3, &param), 6);
-    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_CreateOrModify_VD(3, &)"));
-    const CreateOrModify_VD_Param expected = FilledDiskParam();
-    EXPECT_EQ(std::memcmp(&given_, &expected, sizeof expected), 0);
-}
-
-using DefaultValue = Controller;
-
-TEST_F(DefaultValue, OverwritesSectorAndStripeSizeAndNothingElse) {
-    hxfake::On<&HX_DG_GetInfo>().Once(0, hxfake::Page(65535, {Group()}));
-    CreateOrModify_DG_Param param = FilledGroupParam();
-    param.DGID = 4;
-    HX_DG_Set_DefaultValue(1, &param);
-    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_DG_GetInfo(1, {2, 4, 1})"));
-    CreateOrModify_DG_Param expected = FilledGroupParam();
-    expected.DGID = 4;
-    expected.BlockSize = 4096;
-    expected.StripeBlockSize = 128;
-    EXPECT_EQ(std::memcmp(&param, &expected, sizeof expected), 0);
-}
-
-TEST_F(DefaultValue, OfAGroupThatCannotBeReadIsZero) {
-    hxfake::On<&HX_DG_GetInfo>().Once(9);
-    CreateOrModify_DG_Param param = FilledGroupParam();
-    HX_DG_Set_DefaultValue(1, &param);
-    EXPECT_EQ(param.BlockSize, 0U);
-    EXPECT_EQ(param.StripeBlockSize, 0);
-}
-
-TEST_F(DefaultValue, DoesNotLookAtTheCode) {
-    hxfake::On<&HX_DG_GetInfo>().Once(9, hxfake::Page(65535, {Group()}));
-    CreateOrModify_DG_Param param = FilledGroupParam();
-    HX_DG_Set_DefaultValue(1, &param);
-    EXPECT_EQ(param.BlockSize, 4096U);
-}
-
-TEST_F(DefaultValue, HandsTheControllerAZeroedRecord) {
-    DG_Info_Request given;
-    std::memset(&given, 1, sizeof given);
-    hxfake::On<&HX_DG_GetInfo>().Inspect(
-        [&](HX_U8, const DG_Info_Request* request) { given = *request; });
-    CreateOrModify_DG_Param param = FilledGroupParam();
-    HX_DG_Set_DefaultValue(1, &param);
-    EXPECT_TRUE(IsZero(given.dgInfo));
-    EXPECT_EQ(given.header.version, 0);
-    EXPECT_EQ(given.header.numReturned, 0);
-    EXPECT_EQ(given.header.nextStartingIndex, 0);
-    EXPECT_THAT(given.header.reserved1, Each(0));
-}
 
 // ---- HDisFreeDiskForSkua ----
 
@@ -265,7 +33,7 @@ constexpr HX_U16 kFree = 255;
 constexpr HX_U16 kLast = 65535;
 constexpr HX_U16 kDisk = 9;
 
-using FreeDisk = Controller;
+using FreeDisk = ScriptedController;
 
 TEST_F(FreeDisk, AsksForTheBlocksThenForAnOperatingSystem) {
     hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page<Block_Info>(kLast, {}));
@@ -492,7 +260,7 @@ Create_LD_Param ParamOf(int disks) {
     return param;
 }
 
-class RaidModeChoice : public Controller, public testing::WithParamInterface<Choice> {};
+class RaidModeChoice : public ScriptedController, public testing::WithParamInterface<Choice> {};
 
 TEST_P(RaidModeChoice, FitsTheAdapterAndTheNumberOfDisks) {
     hxfake::On<&HX_Adapter_GetInfo>().Once(0, hxfake::Fill(AdapterOffering(GetParam().offered)));
@@ -569,7 +337,7 @@ INSTANTIATE_TEST_SUITE_P(OfNone, RaidModeChoice,
 INSTANTIATE_TEST_SUITE_P(OfFewerThanTwoDisks, RaidModeChoice,
                          testing::Values(Choice{kEvery, 0, 0x00, 0}, Choice{kEvery, 1, 0x00, 1}));
 
-using RaidMode = Controller;
+using RaidMode = ScriptedController;
 
 TEST_F(RaidMode, IsPlainWhenNoBetterOneIsWanted) {
     hxfake::On<&HX_Adapter_GetInfo>().Once(0, hxfake::Fill(AdapterOffering(kEvery)));
@@ -628,10 +396,10 @@ HD_RAID_Status Disk(HX_U16 id, HX_U8 status = 0) {
     return disk;
 }
 
-class QuickCreate : public Controller {
+class QuickCreate : public ScriptedController {
 protected:
     void SetUp() override {
-        Controller::SetUp();
+        ScriptedController::SetUp();
         hxfake::On<&HX_BLK_GetInfo>().Always(0, hxfake::Page<Block_Info>(kLast, {}));
         hxfake::On<&HX_LD_Create>().Inspect(
             [this](HX_U8, const Create_LD_Param* param) { given_ = *param; });
@@ -814,38 +582,6 @@ TEST_F(QuickCreate, LeavesNoMemoryBehind) {
     const std::ptrdiff_t before = LiveBlocks();
     HX_LD_QuickCreate(2, 0);
     EXPECT_EQ(LiveBlocks(), before);
-}
-
-// ---- Calls by another name ----
-
-using OtherName = Controller;
-
-TEST_F(OtherName, SettingABatterysCapacityAsksNobody) {
-    EXPECT_EQ(HX_BBU_SetMaxCapacity(1, 1000), 0);
-    EXPECT_THAT(hxfake::Calls(), IsEmpty());
-}
-
-TEST_F(OtherName, LearningABatterysCapacityIsAPowerAction) {
-    hxfake::On<&HX_BBU_ChangePower>().Once(8);
-    EXPECT_EQ(HX_BBU_ActRelearn(3), 8);
-    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_BBU_ChangePower(3, 0)"));
-}
-
-TEST_F(OtherName, TheListOfSparesIsTheListOfWhatDisksAreUsedFor) {
-    hxfake::On<&HX_PD_GetHDRaidStatus>().Once(8, hxfake::Page(kLast, {Disk(5, 0x20)}));
-    HD_RAID_Status_Request request{};
-    request.header = {0, 1, 6, 1, 0, 0, {}};
-    EXPECT_EQ(HX_PD_GetSpareInfo(3, &request), 8);
-    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_PD_GetHDRaidStatus(3, {1, 6, 1})"));
-    EXPECT_EQ(request.hdRaidStatus[0].HDID, 5);
-}
-
-TEST_F(OtherName, ADataScrubBeginsWithDiskAndAdapterZero) {
-    VX_PD_StartDataScrub record{.HD_ID = 5, .AdapterID = 6, .RetVal = 7};
-    HX_PD_StartDataScrub_Init(&record);
-    EXPECT_EQ(record.HD_ID, 0);
-    EXPECT_EQ(record.AdapterID, 0);
-    EXPECT_EQ(record.RetVal, 7);
 }
 
 }  // namespace

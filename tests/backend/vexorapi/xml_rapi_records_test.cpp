@@ -12,8 +12,9 @@
 #include "XMLWriter_document.h"
 #include "reference_writer.h"
 #include "support/child_process.h"
-#include "xml_rapi.h"
-#include "xml_rapi_test_adapter.h"
+#include "xml_rapi_elements.h"
+#include "xml_rapi_functions_adapter_sample.h"
+#include "xml_rapi_records.h"
 #include "xml_rapi_text.h"
 
 namespace {

@@ -14,7 +14,7 @@
 #include "support/failing_allocations.h"
 #include "support/temporary_root.h"
 #include "vexorapi.h"
-#include "xml_rapi_local.h"
+#include "xml_rapi_user.h"
 
 // What crypt_r answers instead of a hash, while `override_crypt` says so. The linker sends the
 // library's calls here (--wrap).

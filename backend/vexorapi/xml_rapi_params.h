@@ -1,0 +1,146 @@
+// What a command may hold: a row for each child of its root, and the loop that stores a child in
+// the field of its row.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <type_traits>
+
+#include "XMLWriter_scan.h"
+#include "hxraid.h"
+#include "vexorapi_element.h"
+#include "vx_dbg.h"
+#include "xml_rapi_row_list.h"
+#include "xml_rapi_text.h"
+
+/// A request child, stored in the field of the same name; the field's type chooses how.
+template <class R, class T>
+struct RequestParam {
+    using Of = R;
+    const char* name;
+    T R::*field;
+};
+
+template <class R, class T>
+constexpr RequestParam<R, T> Param(const char* name, T R::*field) {
+    return {name, field};
+}
+
+/// A text that is taken whole or not at all, because a path, name or password that is cut would be
+/// another one: a longer text fills its field without a NUL, which its reader refuses.
+template <class R, std::size_t n>
+struct WholeTextRow {
+    using Of = R;
+    const char* name;
+    char (R::*field)[n];
+};
+
+template <class R, std::size_t n>
+constexpr WholeTextRow<R, n> WholeTextParam(const char* name, char (R::*field)[n]) {
+    return {name, field};
+}
+
+/// The children of a request, or of a record within it.
+template <class R, class... Row>
+struct Params {
+    using Type = R;
+    RowList<Row...> rows;
+
+    constexpr explicit Params(Row... row) : rows(row...) {}
+};
+template <class First, class... Row>
+Params(First, Row...) -> Params<typename First::Of, First, Row...>;
+
+/// Children that are stored in a record within the request.
+template <class R, class Inner, class... Row>
+struct InnerParams {
+    using Of = R;
+    Inner R::*field;
+    Params<Inner, Row...> params;
+};
+
+template <class R, class Inner, class... Row>
+constexpr InnerParams<R, Inner, Row...> Within(Inner R::*field, Params<Inner, Row...> params) {
+    return {field, params};
+}
+
+/// The paging header's fields: in a request they are plain children.
+inline constexpr Params kRequestHeader{
+    Param("version", &RequestHeader::version),
+    Param("requestType", &RequestHeader::requestType),
+    Param("startingIndexOrId", &RequestHeader::startingIndexOrId),
+    Param("numRequested", &RequestHeader::numRequested),
+    Param("numReturned", &RequestHeader::numReturned),
+    Param("nextStartingIndex", &RequestHeader::nextStartingIndex),
+};
+
+/// The children of every paged function.
+template <class R>
+constexpr auto PagedParams() {
+    using Page = decltype(R::Request);
+    return Params{
+        Param("AdapterID", &R::AdapterID),
+        Within(&R::Request, Params{Within(&Page::header, kRequestHeader)}),
+    };
+}
+
+// Stores one value; `name` is the child's, for the log. A number: its low bits; a text without a
+// digit leaves the field as it was.
+template <class T>
+requires std::is_unsigned_v<T>
+void StoreParam(XMLElement& elmt, const char*, T& field) {
+    const char* cursor = elmt.CharDataBuf;
+    HX_U32 number;
+    if (XMLWR_CharDataToDec32(&cursor, &number) != -1) field = static_cast<T>(number);
+}
+inline void StoreParam(XMLElement& elmt, const char*, HX_U64& field) {
+    const char* cursor = elmt.CharDataBuf;
+    XMLWR_CharDataToDec64(&cursor, &field);
+}
+// An array: as many numbers as there are and as the field holds; the rest of it stays.
+template <class T, std::size_t n>
+requires std::is_unsigned_v<T>
+void StoreParam(XMLElement& elmt, const char*, T (&field)[n]) {
+    const char* cursor = elmt.CharDataBuf;
+    for (T& item : field) {
+        HX_U32 number;
+        if (XMLWR_CharDataToDec32(&cursor, &number) == -1) break;
+        item = static_cast<T>(number);
+    }
+}
+// A text, cut to its field.
+template <std::size_t n>
+void StoreParam(XMLElement& elmt, const char* name, char (&field)[n]) {
+    CutText(field, elmt.CharDataBuf, elmt.CharDataIndex);
+    VX_DBG_TRACE("%s = %s\n", name, elmt.CharDataBuf);
+}
+
+template <class R, class... Row>
+bool ReadParam(XMLElement& elmt, const char* name, R& record, const Params<R, Row...>& params);
+
+template <class R, class T>
+bool TakeParam(XMLElement& elmt, const char* name, R& record, const RequestParam<R, T>& row) {
+    if (std::strcmp(name, row.name) != 0) return false;
+    StoreParam(elmt, name, record.*row.field);
+    return true;
+}
+template <class R, std::size_t n>
+bool TakeParam(XMLElement& elmt, const char* name, R& record, const WholeTextRow<R, n>& row) {
+    if (std::strcmp(name, row.name) != 0) return false;
+    StoreParam(elmt, name, record.*row.field);
+    if (elmt.CharDataIndex >= n) (record.*row.field)[n - 1] = elmt.CharDataBuf[n - 1];
+    return true;
+}
+template <class R, class Inner, class... Row>
+bool TakeParam(XMLElement& elmt, const char* name, R& record,
+               const InnerParams<R, Inner, Row...>& row) {
+    return ReadParam(elmt, name, record.*row.field, row.params);
+}
+
+/// Stores the child that has just ended when one of the rows is its, and returns whether one was.
+/// The first equal name decides.
+template <class R, class... Row>
+bool ReadParam(XMLElement& elmt, const char* name, R& record, const Params<R, Row...>& params) {
+    return params.rows.Apply(
+        [&](const Row&... row) { return (TakeParam(elmt, name, record, row) || ...); });
+}

@@ -1,0 +1,32 @@
+// Quick creation: one virtual disk of all free disks, at a level that is chosen for them.
+//
+// Functions called HX_ stand beside the controller library's own in every respect: they return its
+// codes, 0 for success, and the executor calls them with the fields of their request's record.
+#pragma once
+
+#include "hxraid.h"
+
+/// Whether a new virtual disk can have the disk: 0 when it can.
+///
+/// 73 when a block of a virtual disk lies on it, as far as the last page of the adapter's blocks
+/// tells; 159 when it holds an operating system; 4 when there is no memory; else the code with
+/// which that page failed.
+HX_U8 HDisFreeDiskForSkua(HX_U8 AdapterID, HX_U16 DiskID);
+
+/// A RAID level and the disks that it can be made of.
+struct RaidSupport {
+    HX_U8 raidmode;    // level code of the controller
+    HX_U8 minhdcount;  // the fewest disks that it takes
+    HX_BOOLEAN isEvenNum;
+    HX_BOOLEAN isOddNum;
+    HX_BOOLEAN isExactNum;  // never more than minhdcount
+};
+
+/// Chooses the level for a virtual disk of HDCount disks: 0 when `type` is false or nothing better
+/// can be made of them, otherwise the best that the adapter offers. A level of a fixed number of
+/// disks cuts HDCount to that number.
+HX_U8 GetRaidMode(HX_U8 AdapterID, HX_BOOLEAN type, Create_LD_Param* ldParams);
+
+/// Makes one virtual disk of all free disks (of the first 128 that the adapter lists), at the level
+/// that GetRaidMode chooses. Returns the controller's code, or 4 when there is no memory.
+HX_U8 HX_LD_QuickCreate(HX_U8 AdapterID, HX_BOOLEAN type);

@@ -1,0 +1,26 @@
+// Functions that the controller library has under another name, or not at all.
+//
+// Functions called HX_ stand beside the controller library's own in every respect: they return its
+// codes, 0 for success, and the executor calls them with the fields of their request's record.
+#pragma once
+
+#include "hxraid.h"
+
+/// The controller keeps a battery's capacity to itself: does nothing and returns 0.
+HX_U8 HX_BBU_SetMaxCapacity(HX_U8 BBU_ID, HX_U16 maxCapacity);
+
+/// Starts a learning cycle of the battery, which is power action 0.
+HX_U8 HX_BBU_ActRelearn(HX_U8 AdapterID);
+
+/// Lists spare disks: the list of what disks are used for, which holds them too.
+HX_U8 HX_PD_GetSpareInfo(HX_U8 AdapterID, HD_RAID_Status_Request* pHdRaidStatusReq);
+
+/// The record of HX_PD_StartDataScrub.
+struct VX_PD_StartDataScrub {
+    HX_U16 HD_ID;
+    HX_U8 AdapterID;
+    HX_U8 RetVal;
+};
+
+/// Sets the disk and the adapter of a request to 0.
+void HX_PD_StartDataScrub_Init(VX_PD_StartDataScrub* pData);
