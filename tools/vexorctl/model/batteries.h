@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "model/address.h"
+#include "common/address.h"
 #include "model/ask_controller.h"
 #include "model/result_tree.h"
 

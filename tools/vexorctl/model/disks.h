@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "model/address.h"
+#include "common/address.h"
 #include "model/ask_controller.h"
 #include "model/result_tree.h"
 

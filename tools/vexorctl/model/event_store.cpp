@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "model/address.h"
+#include "common/address.h"
 #include "model/event_catalogue.h"
 #include "model/exit_code.h"
 #include "model/failure.h"

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "model/address.h"
+#include "common/address.h"
 #include "model/ask_controller.h"
 
 namespace vexorctl {

@@ -8,9 +8,14 @@
 #include <new>
 #include <type_traits>
 
+#include "common/utf8.h"
+
 namespace vexorctl {
 
 namespace {
+
+using vexortools::TakeUtf8;
+using vexortools::Utf8Character;
 
 using Parser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)>;
 
@@ -109,32 +114,6 @@ void AppendEscaped(std::string& out, std::string_view text, std::string_view spe
     }
 }
 
-// The first character of a text: how many bytes it takes, or how many belong to the beginning of
-// one that is cut off or goes wrong.
-struct Utf8Front {
-    std::size_t length;
-    bool is_valid;
-};
-
-Utf8Front FrontOf(std::string_view text) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char first = byte(0);
-    if (first < 0x80) return {1, true};
-    if (first < 0xC2 || first > 0xF4) return {1, false};
-    const std::size_t wanted = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    for (std::size_t i = 1; i < wanted; ++i) {
-        // The second byte's bounds keep out surrogates, overlong forms and codes past U+10FFFF.
-        const unsigned least = i == 1 && first == 0xE0   ? 0xA0
-                               : i == 1 && first == 0xF0 ? 0x90
-                                                         : 0x80;
-        const unsigned most = i == 1 && first == 0xED   ? 0x9F
-                              : i == 1 && first == 0xF4 ? 0x8F
-                                                        : 0xBF;
-        if (i == text.size() || byte(i) < least || byte(i) > most) return {i, false};
-    }
-    return {wanted, true};
-}
-
 }  // namespace
 
 XmlInspection InspectXml(std::string_view text) {
@@ -189,20 +168,18 @@ void AppendXmlElement(std::string& out, std::string_view name, std::string_view 
 }
 
 std::string XmlSafe(std::string_view text) {
-    constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
     std::string safe;
     while (!text.empty()) {
-        const auto first = static_cast<unsigned char>(text.front());
-        const Utf8Front front = FrontOf(text);
-        const std::string_view character = text.substr(0, front.length);
-        if (first < ' ' && first != '\t' && first != '\n' && first != '\r') {
+        const Utf8Character character = TakeUtf8(text);
+        const char32_t code = character.code;
+        const bool is_blank = code == '\t' || code == '\n' || code == '\r';
+        if (!character.is_valid || code == 0xFFFE || code == 0xFFFF) {
+            safe += "\xEF\xBF\xBD";
+        } else if (code < ' ' && !is_blank) {
             safe += '?';
-        } else if (!front.is_valid || character == "\xEF\xBF\xBE" || character == "\xEF\xBF\xBF") {
-            safe += kReplacement;
         } else {
-            safe += character;
+            safe += character.bytes;
         }
-        text.remove_prefix(front.length);
     }
     return safe;
 }

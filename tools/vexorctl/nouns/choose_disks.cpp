@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "model/address.h"
+#include "common/address.h"
 #include "model/ask_controller.h"
 #include "model/disks.h"
 #include "model/exit_code.h"

@@ -1,9 +1,10 @@
 #include "nouns/creation_options.h"
 
-#include "model/duration.h"
+#include "common/size.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "output/cell_text.h"
+#include "shell/option_value.h"
 
 namespace vexorctl {
 
@@ -36,11 +37,11 @@ std::string NameOption(const Invocation& invocation, NameMarkup markup,
 std::string StripeOption(const Invocation& invocation, const std::string& otherwise) {
     const std::string* const text = invocation.Get("--stripe");
     if (text == nullptr) return otherwise;
-    const auto bytes = ParseSize(*text);
-    if (!bytes || *bytes % 1024 != 0 || *bytes / 1024 > 65535) {
+    const std::uint64_t bytes = ReadOption("--stripe", *text, ParseSize);
+    if (bytes % 1024 != 0 || bytes / 1024 > 65535) {
         throw UsageError("--stripe takes a size as in 64KiB, not \"" + *text + "\"");
     }
-    return std::to_string(*bytes / 1024);
+    return std::to_string(bytes / 1024);
 }
 
 std::uint64_t SizeWish::Of(std::uint64_t most_sectors, const std::string& alternatives) const {
@@ -54,21 +55,9 @@ std::uint64_t SizeWish::Of(std::uint64_t most_sectors, const std::string& altern
 
 SizeWish SizeOption(const Invocation& invocation) {
     SizeWish wish{invocation.Get("--size", "max"), {}};
-    if (wish.typed == "max") return wish;
-    if (wish.typed.ends_with('%')) {
-        const auto share =
-            ParseDuration(std::string_view(wish.typed).substr(0, wish.typed.size() - 1));
-        if (!share || *share == 0 || *share > 100) {
-            throw UsageError("--size: a share is from 1% to 100%, not \"" + wish.typed + "\"");
-        }
-        wish.percent = static_cast<unsigned>(*share);
-        return wish;
-    }
-    const auto bytes = ParseSize(wish.typed);
-    if (!bytes || *bytes < 512) {
-        throw UsageError("--size takes 10GiB, 20GB, 50% or max, not \"" + wish.typed + "\"");
-    }
-    wish.sectors = *bytes / 512;
+    const auto [bytes, percent] = ReadOption("--size", wish.typed, ParseSizeOrShare);
+    if (bytes) wish.sectors = *bytes / kSectorBytes;
+    wish.percent = percent;
     return wish;
 }
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "common/address.h"
 #include "model/adapters.h"
-#include "model/address.h"
 #include "model/ask_controller.h"
 #include "model/disk_groups.h"
 #include "model/disks.h"
@@ -81,21 +81,12 @@ bool Matches(const Candidate& candidate, const Selector& selector) {
     throw Failure(Exit::kNoObject, typed + ": there is no such " + std::string(NameOf(kind)));
 }
 
-std::string Articled(ObjectKind kind) {
-    const std::string name(NameOf(kind));
-    return (name.find_first_of("aeiou") == 0 ? "an " : "a ") + name;
-}
-
 }  // namespace
 
 Address FindObject(Invocation& invocation, ObjectKind kind, const std::string& typed) {
-    const Selector selector = ParseSelector(typed);
+    const Selector selector = ParseSelector(typed, kind);
     Controller& controller = invocation.controller();
     if (selector.form == Selector::Form::kAddress) {
-        if (selector.address.kind != kind) {
-            throw UsageError(typed + " is the address of " + Articled(selector.address.kind) +
-                             "; " + Articled(kind) + " is needed");
-        }
         controller.Select({selector.address.adapter});
     } else if (const auto adapter = invocation.Number("--adapter", 254)) {
         controller.Select({static_cast<unsigned>(*adapter)});

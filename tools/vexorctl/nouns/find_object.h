@@ -1,7 +1,7 @@
 // From what was typed to the one object that a command works on.
 #pragma once
 
-#include "model/address.h"
+#include "common/address.h"
 #include "shell/invocation.h"
 
 namespace vexorctl {

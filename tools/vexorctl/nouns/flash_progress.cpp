@@ -12,6 +12,7 @@
 #include <thread>
 #include <utility>
 
+#include "common/terminal_text.h"
 #include "output/progress_bar.h"
 #include "shell/interrupt.h"
 
@@ -49,7 +50,8 @@ std::optional<std::uint64_t> PositionIn(const std::string& path) {
 
 std::string ProgressText(const std::string& label, std::uint64_t bytes, std::uint64_t pieces) {
     const std::uint64_t done = (bytes + kFlashPieceBytes - 1) / kFlashPieceBytes;
-    if (pieces == 0) return kClearLine + label + " piece " + std::to_string(done);
+    if (pieces == 0)
+        return kClearLine + vexortools::Printable(label) + " piece " + std::to_string(done);
     return BarText(label, 100 * done / pieces) + " piece " + std::to_string(done) + " of " +
            std::to_string(pieces);
 }

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "codes/hxraid_codes.h"
+#include "common/address.h"
 #include "model/adapters.h"
-#include "model/address.h"
 #include "model/ask_controller.h"
 #include "model/exit_code.h"
 #include "model/failure.h"

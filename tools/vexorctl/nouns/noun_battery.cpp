@@ -2,7 +2,7 @@
 #include <utility>
 
 #include "codes/hxraid_codes.h"
-#include "model/address.h"
+#include "common/address.h"
 #include "model/batteries.h"
 #include "model/exit_code.h"
 #include "model/failure.h"

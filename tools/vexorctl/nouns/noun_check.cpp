@@ -3,8 +3,9 @@
 #include <utility>
 
 #include "codes/hxraid_codes.h"
+#include "common/address.h"
+#include "common/terminal_text.h"
 #include "model/adapters.h"
-#include "model/address.h"
 #include "model/ask_controller.h"
 #include "model/batteries.h"
 #include "model/disk_groups.h"
@@ -199,13 +200,10 @@ Exit Check(Invocation& invocation) {
         if (!findings.empty()) line += "; ";
         line += Counted(adapters.size(), "adapter") + ", " + Counted(disks.size(), "disk") + ", " +
                 Counted(virtual_disks.size(), "virtual disk");
-        PrintText(line + "\n");
+        PrintText(Printable(line) + "\n");
     }
     // The levels are the codes 0 to 3, whatever these mean elsewhere.
-    for (const ExitCode& row : kExitCodes) {
-        if (row.code == static_cast<int>(worst)) return row.exit;
-    }
-    return Exit::kRefused;
+    return static_cast<Exit>(worst);
 }
 
 constexpr OptionRow kOptions[] = {{"--adapter", "NUMBER", "Only this adapter"}};

@@ -2,6 +2,7 @@
 // that they never differ from the command tree and know the objects that are there.
 #include <algorithm>
 
+#include "common/terminal_text.h"
 #include "model/adapters.h"
 #include "model/ask_controller.h"
 #include "model/disk_groups.h"
@@ -204,8 +205,7 @@ Exit PrintCandidates(Invocation& invocation) {
     }
     std::string out;
     for (const std::string& candidate : candidates) {
-        const bool printable = std::ranges::none_of(
-            candidate, [](char c) { return static_cast<unsigned char>(c) < ' '; });
+        const bool printable = candidate == Printable(candidate);
         if (printable && candidate.starts_with(words.back())) out += candidate + "\n";
     }
     PrintText(out);

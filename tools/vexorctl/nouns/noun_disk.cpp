@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "codes/hxraid_codes.h"
-#include "model/address.h"
+#include "common/address.h"
 #include "model/ask_controller.h"
 #include "model/disks.h"
 #include "model/exit_code.h"

@@ -5,15 +5,17 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <chrono>
 #include <climits>
 #include <cstdio>
 #include <cstring>
-#include <ctime>
 #include <utility>
+#include <variant>
 
 #include "codes/hxraid_codes.h"
+#include "common/duration.h"
+#include "common/timestamp.h"
 #include "model/ask_controller.h"
-#include "model/duration.h"
 #include "model/event_catalogue.h"
 #include "model/event_store.h"
 #include "model/exit_code.h"
@@ -30,6 +32,7 @@
 #include "shell/command_rows.h"
 #include "shell/interrupt.h"
 #include "shell/invocation.h"
+#include "shell/option_value.h"
 #include "shell/present.h"
 
 namespace vexorctl {
@@ -109,6 +112,16 @@ std::string NamesOf(std::span<const HxraidName> rows) {
     return names;
 }
 
+// A time, or one so long ago, in the seconds since 1970 that events are stamped with.
+std::uint64_t SinceOf(const std::string& text) {
+    const auto typed = ParseDurationOrTime(text);
+    const auto* const ago = std::get_if<Duration>(&typed);
+    const auto now = std::chrono::floor<Duration>(std::chrono::system_clock::now());
+    const auto since = ago == nullptr ? std::get<Timestamp>(typed) : now - *ago;
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(since).time_since_epoch();
+    return static_cast<std::uint64_t>(std::max<std::int64_t>(seconds.count(), 0));
+}
+
 Filter FilterOf(const Invocation& invocation) {
     Filter filter;
     if (const std::string* const text = invocation.Get("--severity")) {
@@ -132,15 +145,7 @@ Filter FilterOf(const Invocation& invocation) {
         filter.event_class = row->code;
     }
     if (const std::string* const text = invocation.Get("--since")) {
-        if (const auto ago = ParseDuration(*text)) {
-            const std::uint64_t now = static_cast<std::uint64_t>(std::time(nullptr));
-            filter.since = *ago > now ? 0 : now - *ago;
-        } else if (const auto time = ParseTime(*text)) {
-            filter.since = *time;
-        } else {
-            throw UsageError("--since takes 30m, 2h, 7d or 2026-01-31T12:00:00, not \"" + *text +
-                             "\"");
-        }
+        filter.since = ReadOption("--since", *text, SinceOf);
     }
     filter.adapter = invocation.Number("--adapter", 254);
     return filter;
@@ -389,7 +394,7 @@ constexpr OptionRow kListOptions[] = {
     {"--severity", "SEVERITY", "Only those of it; with a +, as in warning+, and of graver ones"},
     {"--adapter", "NUMBER", "Only those of this adapter"},
     {"--class", "CLASS", "Only those about one kind of object, as in virtual_disk"},
-    {"--since", "TIME", "Only those since 2h ago, or since 2026-01-31T12:00:00"},
+    {"--since", "TIME", "Only those since 2h30m ago, or since 2026-01-31T12:00:00+01:00"},
     {"--raw", "", "Keys and values instead of readable texts"},
 };
 
@@ -402,7 +407,7 @@ constexpr OptionRow kFollowOptions[] = {
     {"--severity", "SEVERITY", "Only those of it; with a +, as in warning+, and of graver ones"},
     {"--adapter", "NUMBER", "Only those of this adapter"},
     {"--class", "CLASS", "Only those about one kind of object, as in virtual_disk"},
-    {"--since", "TIME", "Only those since 2h ago, or since 2026-01-31T12:00:00"},
+    {"--since", "TIME", "Only those since 2h30m ago, or since 2026-01-31T12:00:00+01:00"},
     {"--raw", "", "Keys and values instead of readable texts"},
 };
 

@@ -6,7 +6,9 @@
 #include <cstdio>
 
 #include "codes/hxraid_codes.h"
-#include "model/address.h"
+#include "common/address.h"
+#include "common/duration.h"
+#include "common/terminal_text.h"
 #include "model/ask_controller.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
@@ -59,8 +61,8 @@ constexpr Column<Done> kColumns[] = {
 };
 
 std::string PlanText(const Change& change, const Style& style) {
-    std::string text = change.what + "\n";
-    for (const std::string& loss : change.losses) text += "  " + loss + "\n";
+    std::string text = Printable(change.what) + "\n";
+    for (const std::string& loss : change.losses) text += "  " + Printable(loss) + "\n";
     if (change.size_bytes)
         text += "  resulting size: " + SizeText(*change.size_bytes, style) + "\n";
     return text;
@@ -80,10 +82,13 @@ void Confirm(const Invocation& invocation, const Change& change) {
                       "not confirmed: there is no terminal to ask; say --yes, or --dry-run to see "
                       "the plan");
     }
+    // Whoever cannot type a name as it is types it as it is shown.
+    const std::string shown = Printable(change.confirm);
     const std::string question =
-        PlanText(change, StyleOf(invocation, "table")) + "Type " + change.confirm + " to go on: ";
+        PlanText(change, StyleOf(invocation, "table")) + "Type " + shown + " to go on: ";
     std::fwrite(question.data(), 1, question.size(), stderr);
-    if (ReadLine() != change.confirm) {
+    const std::string line = ReadLine();
+    if (line != change.confirm && line != shown) {
         throw Failure(Exit::kNotConfirmed, "not confirmed; nothing was changed");
     }
 }
@@ -107,7 +112,7 @@ Exit ShowPlan(Invocation& invocation, const Change& change) {
                          change.starts_task ? change.address : std::string(), true);
     }
     std::string text = PlanText(change, StyleOf(invocation, "table"));
-    for (const Command& command : change.commands) text += CommandText(command) + "\n";
+    for (const Command& command : change.commands) text += Printable(CommandText(command)) + "\n";
     PrintText(text);
     return Exit::kDone;
 }
@@ -142,7 +147,7 @@ std::string SwitchOption(const Invocation& invocation, std::string_view option,
 
 Exit CarryOut(Invocation& invocation, const Change& change) {
     Controller& controller = invocation.controller();
-    std::optional<std::uint64_t> timeout;
+    std::optional<Duration> timeout;
     if (invocation.Has("--wait")) timeout = TimeoutOf(invocation);
     if (invocation.Has("--dry-run")) return ShowPlan(invocation, change);
     Confirm(invocation, change);

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "model/address.h"
+#include "common/address.h"
 #include "model/ask_controller.h"
 #include "model/exit_code.h"
 #include "output/cell.h"

@@ -7,8 +7,8 @@
 #include <cstdio>
 
 #include "codes/hxraid_codes.h"
+#include "common/duration.h"
 #include "model/ask_controller.h"
-#include "model/duration.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/fault.h"
@@ -17,6 +17,7 @@
 #include "output/streams.h"
 #include "shell/interrupt.h"
 #include "shell/invocation.h"
+#include "shell/option_value.h"
 
 namespace vexorctl {
 
@@ -83,14 +84,10 @@ private:
 
 }  // namespace
 
-std::uint64_t TimeoutOf(const Invocation& invocation, std::string_view option) {
+Duration TimeoutOf(const Invocation& invocation, std::string_view option) {
     const std::string text = invocation.Get(option, "");
     if (text.empty()) return kForever;
-    const auto seconds = ParseDuration(text);
-    if (!seconds) {
-        throw UsageError(std::string(option) + " takes 90s, 15m or 2h, not \"" + text + "\"");
-    }
-    return *seconds;
+    return ReadOption(option, text, ParseDuration);
 }
 
 bool HasTask(Controller& controller, const std::string& address) {
@@ -98,12 +95,11 @@ bool HasTask(Controller& controller, const std::string& address) {
                                [&](const Task& task) { return IsTaskOf(task, address); });
 }
 
-Exit WaitForTask(Invocation& invocation, const std::string& address, std::uint64_t seconds) {
-    return WaitForTasks(invocation, {address}, seconds);
+Exit WaitForTask(Invocation& invocation, const std::string& address, Duration timeout) {
+    return WaitForTasks(invocation, {address}, timeout);
 }
 
-Exit WaitForTasks(Invocation& invocation, std::vector<std::string> addresses,
-                  std::uint64_t seconds) {
+Exit WaitForTasks(Invocation& invocation, std::vector<std::string> addresses, Duration timeout) {
     WatchForInterrupts();
     Controller& controller = invocation.controller();
     const Clock::time_point start = Clock::now();
@@ -129,8 +125,8 @@ Exit WaitForTasks(Invocation& invocation, std::vector<std::string> addresses,
         if (running == tasks.end()) return Exit::kDone;
         bar.Draw(*running);
         const std::string where = running->address.Text();
-        if (!Interrupted() && seconds != kForever &&
-            SecondsSince(start) >= static_cast<double>(seconds)) {
+        const auto waited = std::chrono::duration_cast<Duration>(Clock::now() - start);
+        if (!Interrupted() && timeout != kForever && waited >= timeout) {
             bar.Clear();
             ReportFailure(where, "the wait timed out; the task goes on");
             return Exit::kWaiting;

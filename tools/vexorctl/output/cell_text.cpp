@@ -1,7 +1,8 @@
 #include "output/cell_text.h"
 
 #include <cstdio>
-#include <ctime>
+
+#include "common/timestamp.h"
 
 namespace vexorctl {
 
@@ -32,23 +33,6 @@ std::string SizeText(std::uint64_t bytes, const Style& style) {
     return Scaled(bytes, 1024.0 * 1024 * 1024, "GiB");
 }
 
-std::string TimeText(std::uint64_t seconds, bool utc) {
-    const std::time_t time = static_cast<std::time_t>(seconds);
-    std::tm parts{};
-    char text[64];
-    if (utc) {
-        if (gmtime_r(&time, &parts) == nullptr) return std::to_string(seconds);
-        std::strftime(text, sizeof(text), "%Y-%m-%dT%H:%M:%SZ", &parts);
-        return text;
-    }
-    if (localtime_r(&time, &parts) == nullptr) return std::to_string(seconds);
-    char zone[8];
-    std::strftime(zone, sizeof(zone), "%z", &parts);  // +0100
-    std::strftime(text, sizeof(text), "%Y-%m-%dT%H:%M:%S", &parts);
-    const std::string_view offset = zone;
-    return text + std::string(offset.substr(0, 3)) + ":" + std::string(offset.substr(3));
-}
-
 std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& style) {
     if (!cell.known) return {};
     switch (column.kind) {
@@ -66,7 +50,7 @@ std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& st
             return text;
         }
         case Kind::kTime:
-            return TimeText(cell.number, style.utc);
+            return vexortools::TimeText(static_cast<std::int64_t>(cell.number), style.utc);
         case Kind::kCode:
             return cell.text.empty() ? std::to_string(cell.number) : cell.text;
         case Kind::kBits:

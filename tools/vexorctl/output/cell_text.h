@@ -22,9 +22,6 @@ struct Style {
 /// A size as tables show it.
 std::string SizeText(std::uint64_t bytes, const Style& style);
 
-/// ISO 8601 with the zone.
-std::string TimeText(std::uint64_t seconds, bool utc);
-
 /// A cell as tables show it.
 std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& style);
 

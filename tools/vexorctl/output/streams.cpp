@@ -5,6 +5,8 @@
 #include <cstring>
 #include <string>
 
+#include "common/terminal_text.h"
+
 namespace vexorctl {
 
 void PrintResult(std::string_view result) {
@@ -23,10 +25,7 @@ void ReportFailure(std::string_view subject, std::string_view message) {
     std::string line = "vexorctl: ";
     if (!subject.empty()) line.append(subject).append(": ");
     line += message;
-    for (char& c : line) {
-        if (static_cast<unsigned char>(c) < ' ' || c == '\x7f') c = '?';
-    }
-    line += '\n';
+    line = vexortools::Printable(line) + '\n';
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

@@ -21,7 +21,7 @@ void PrintResult(std::string_view result);
 void PrintText(std::string_view text);
 
 /// Writes "vexorctl: SUBJECT: MESSAGE" to standard error, or "vexorctl: MESSAGE" when the subject
-/// is empty. It stays one line: control characters (a file's name may hold them) appear as "?".
+/// is empty. It stays one line, whatever a file's or an object's name holds: it is Printable.
 void ReportFailure(std::string_view subject, std::string_view message);
 
 }  // namespace vexorctl

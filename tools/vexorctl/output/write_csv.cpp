@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/utf8.h"
 #include "output/cell.h"
 
 namespace vexorctl {
@@ -29,7 +30,7 @@ void WriteCsv(const Report& report, const Style& style, bool header, std::string
     const auto line = [&](auto field) {
         for (std::size_t i = 0; i < report.columns.size(); ++i) {
             if (i != 0) out += ',';
-            AppendCsv(out, field(i));
+            AppendCsv(out, vexortools::ValidUtf8(field(i)));
         }
         out += '\n';
     };

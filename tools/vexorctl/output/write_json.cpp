@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "common/timestamp.h"
 #include "model/fault.h"
 #include "output/cell.h"
 
@@ -24,7 +25,7 @@ Json CellJson(const ColumnInfo& column, const Cell& cell, const Style& style) {
         case Kind::kRatio:
             return cell.ratio;
         case Kind::kTime:
-            return TimeText(cell.number, style.utc);
+            return vexortools::TimeText(static_cast<std::int64_t>(cell.number), style.utc);
         case Kind::kCode:
             return {{"code", cell.number},
                     {"name", cell.text.empty() ? Json(nullptr) : Json(cell.text)}};

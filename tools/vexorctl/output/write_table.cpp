@@ -5,27 +5,18 @@
 #include <string_view>
 #include <vector>
 
+#include "common/terminal_text.h"
 #include "output/cell.h"
 
 namespace vexorctl {
 
 namespace {
 
+using vexortools::DisplayWidth;
+using vexortools::Printable;
+
 bool IsRightAligned(Kind kind) {
     return kind == Kind::kNumber || kind == Kind::kBytes || kind == Kind::kRatio;
-}
-
-// Characters, of which a terminal shows one column each; control characters never get there.
-std::size_t WidthOf(std::string_view text) {
-    return static_cast<std::size_t>(std::ranges::count_if(
-        text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
-std::string Printable(std::string text) {
-    for (char& c : text) {
-        if (static_cast<unsigned char>(c) < ' ' || c == '\x7f') c = '?';
-    }
-    return text;
 }
 
 struct StateColour {
@@ -69,17 +60,17 @@ void WriteTable(const Report& report, const Style& style, bool header, std::stri
     std::vector<std::vector<std::string>> texts;
     std::vector<std::size_t> widths(count, 0);
     if (header) {
-        for (std::size_t i = 0; i < count; ++i) widths[i] = WidthOf(report.columns[i].header);
+        for (std::size_t i = 0; i < count; ++i) widths[i] = DisplayWidth(report.columns[i].header);
     }
     texts.reserve(report.rows.size());
     for (const std::vector<Cell>& row : report.rows) {
         texts.push_back(LineOf(report, row, style));
         for (std::size_t i = 0; i < count; ++i) {
-            widths[i] = std::max(widths[i], WidthOf(texts.back()[i]));
+            widths[i] = std::max(widths[i], DisplayWidth(texts.back()[i]));
         }
     }
     const auto append = [&](std::size_t i, std::string_view text, std::string_view colour) {
-        const std::string blanks(widths[i] - WidthOf(text), ' ');
+        const std::string blanks(widths[i] - DisplayWidth(text), ' ');
         const bool right = IsRightAligned(report.columns[i].kind);
         if (i != 0) out += "  ";
         if (right) out += blanks;

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <tuple>
 
-#include "model/address.h"
+#include "common/address.h"
 #include "model/ask_controller.h"
 #include "model/failure.h"
 #include "output/cell.h"

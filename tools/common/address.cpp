@@ -1,19 +1,21 @@
-#include "model/address.h"
+#include "common/address.h"
 
 #include <charconv>
+#include <cstddef>
+#include <iterator>
 
-#include "model/failure.h"
+#include "common/failure.h"
 
-namespace vexorctl {
+namespace vexortools {
 
 namespace {
 
-struct Segment {
+struct KindRow {
     ObjectKind kind;
     std::string_view prefix;
     std::string_view name;
 };
-constexpr Segment kSegments[] = {
+constexpr KindRow kKinds[] = {
     {ObjectKind::kAdapter, "a", "adapter"},
     {ObjectKind::kDisk, "pd", "disk"},
     {ObjectKind::kVirtualDisk, "vd", "virtual disk"},
@@ -21,18 +23,23 @@ constexpr Segment kSegments[] = {
     {ObjectKind::kEnclosure, "enc", "enclosure"},
     {ObjectKind::kElement, "el", "enclosure element"},
 };
+consteval bool ARowsPlaceIsItsKind() {
+    for (std::size_t i = 0; i < std::size(kKinds); ++i) {
+        if (static_cast<std::size_t>(kKinds[i].kind) != i) return false;
+    }
+    return true;
+}
+static_assert(ARowsPlaceIsItsKind());
 
-// The library knows adapters by 8 bits, 255 meaning all of them, and objects by 16.
+// The library counts adapters by 8 bits, of which 255 means all of them, and objects by 16.
 constexpr unsigned kMaxAdapter = 254;
 constexpr unsigned kMaxId = 65534;
 
-constexpr const Segment& SegmentOf(ObjectKind kind) {
-    return kSegments[static_cast<std::size_t>(kind)];
-}
+constexpr const KindRow& RowOf(ObjectKind kind) { return kKinds[static_cast<std::size_t>(kind)]; }
 
 // Takes PREFIX and a number off the front of the text; false when it does not begin so.
 bool Take(std::string_view& text, ObjectKind kind, unsigned max, unsigned& number) {
-    const std::string_view prefix = SegmentOf(kind).prefix;
+    const std::string_view prefix = RowOf(kind).prefix;
     if (!text.starts_with(prefix)) return false;
     const char* const begin = text.data() + prefix.size();
     const char* const end = text.data() + text.size();
@@ -59,28 +66,41 @@ bool ParseAddress(std::string_view text, Address& address) {
     return false;
 }
 
+// Whether the text is PREFIX and something behind it, which is then left in `rest`.
+bool IsCalled(std::string_view text, std::string_view prefix, std::string& rest) {
+    if (!text.starts_with(prefix) || text.size() == prefix.size()) return false;
+    rest = text.substr(prefix.size());
+    return true;
+}
+
 }  // namespace
 
 std::string Address::Text() const {
     std::string text = "a" + std::to_string(adapter);
     if (kind == ObjectKind::kAdapter) return text;
     const ObjectKind owner = kind == ObjectKind::kElement ? ObjectKind::kEnclosure : kind;
-    text.append("/").append(SegmentOf(owner).prefix).append(std::to_string(id));
-    if (kind == ObjectKind::kElement) text += "/el" + std::to_string(element);
+    text.append("/").append(RowOf(owner).prefix).append(std::to_string(id));
+    if (kind == ObjectKind::kElement) {
+        text.append("/").append(RowOf(kind).prefix).append(std::to_string(element));
+    }
     return text;
 }
 
-std::string_view NameOf(ObjectKind kind) { return SegmentOf(kind).name; }
+std::string_view NameOf(ObjectKind kind) { return RowOf(kind).name; }
+
+std::string NameWithArticle(ObjectKind kind) {
+    const std::string_view name = NameOf(kind);
+    const bool begins_with_vowel = name.find_first_of("aeiou") == 0;
+    return (begins_with_vowel ? "an " : "a ") + std::string(name);
+}
 
 Selector ParseSelector(std::string_view text) {
     Selector selector;
     selector.typed = text;
-    if (text.starts_with("name:") && text.size() > 5) {
+    if (IsCalled(text, "name:", selector.text)) {
         selector.form = Selector::Form::kName;
-        selector.text = text.substr(5);
-    } else if (text.starts_with("serial:") && text.size() > 7) {
+    } else if (IsCalled(text, "serial:", selector.text)) {
         selector.form = Selector::Form::kSerial;
-        selector.text = text.substr(7);
     } else if (!ParseAddress(text, selector.address)) {
         throw UsageError("\"" + std::string(text) +
                          "\" is no address; say a0, a0/pd12, a0/vd1, a0/dg2, a0/enc0, a0/enc0/el3, "
@@ -89,4 +109,14 @@ Selector ParseSelector(std::string_view text) {
     return selector;
 }
 
-}  // namespace vexorctl
+Selector ParseSelector(std::string_view text, ObjectKind kind) {
+    Selector selector = ParseSelector(text);
+    if (selector.form == Selector::Form::kAddress && selector.address.kind != kind) {
+        throw UsageError(selector.typed + " is the address of " +
+                         NameWithArticle(selector.address.kind) + "; " + NameWithArticle(kind) +
+                         " is needed");
+    }
+    return selector;
+}
+
+}  // namespace vexortools

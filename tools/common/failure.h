@@ -1,0 +1,23 @@
+// How a command of the tools ends early: main() turns what is thrown into one line on standard
+// error and an exit code.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "common/exit_code.h"
+
+namespace vexortools {
+
+/// The command ends with this exit code; what() says what is wrong, why, and what to do instead.
+struct Failure : std::runtime_error {
+    Failure(Exit how, const std::string& message) : std::runtime_error(message), exit(how) {}
+    Exit exit;
+};
+
+/// What was typed cannot be understood. Nothing was done.
+struct UsageError : Failure {
+    explicit UsageError(const std::string& message) : Failure(Exit::kUsage, message) {}
+};
+
+}  // namespace vexortools

@@ -1,0 +1,125 @@
+#include "common/size.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <iterator>
+#include <string>
+
+#include "common/failure.h"
+
+namespace vexortools {
+
+namespace {
+
+struct Unit {
+    std::string_view name;
+    std::uint64_t bytes;
+};
+constexpr Unit kUnits[] = {
+    {"", 1},
+    {"B", 1},
+    {"kB", 1000},
+    {"MB", 1000000},
+    {"GB", 1000000000},
+    {"TB", 1000000000000},
+    {"KiB", 1024},
+    {"MiB", 1024 * 1024},
+    {"GiB", 1024 * 1024 * 1024},
+    {"TiB", std::uint64_t{1} << 40},
+    {"s", kSectorBytes},
+};
+
+// One less than 8 EiB, so that no sum of two sizes passes 64 bits.
+constexpr std::uint64_t kLargest = INT64_MAX;
+
+constexpr std::string_view kDigits = "0123456789";
+
+std::string_view TakeDigits(std::string_view& text) {
+    const std::string_view digits =
+        text.substr(0, std::min(text.find_first_not_of(kDigits), text.size()));
+    text.remove_prefix(digits.size());
+    return digits;
+}
+
+std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+
+[[noreturn]] void ThrowTooLarge(std::string_view text) {
+    throw UsageError(Quoted(text) + " is too large a size; write one of less than " +
+                     std::to_string((kLargest >> 40) + 1) + "TiB");
+}
+
+// The bytes that DIGITS of a unit are, where the unit is counted whole: without losing any as a
+// floating-point number would.
+std::uint64_t WholeUnits(std::string_view digits, const Unit& unit, std::string_view text) {
+    std::uint64_t number = 0;
+    if (digits.empty()) return 0;
+    const auto [stop, error] =
+        std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (error != std::errc() || number > kLargest / unit.bytes) ThrowTooLarge(text);
+    return number * unit.bytes;
+}
+
+std::uint64_t PartOfUnit(std::string_view digits, const Unit& unit) {
+    double part = 0;
+    double place = 1;
+    for (const char digit : digits) part += (digit - '0') * (place /= 10);
+    return static_cast<std::uint64_t>(std::llround(part * static_cast<double>(unit.bytes)));
+}
+
+// Null when the text is no size.
+std::optional<std::uint64_t> ReadSize(std::string_view text) {
+    std::string_view rest = text;
+    const std::string_view whole = TakeDigits(rest);
+    std::string_view part;
+    if (rest.starts_with('.')) {
+        rest.remove_prefix(1);
+        part = TakeDigits(rest);
+    }
+    const auto* const unit = std::ranges::find(kUnits, rest, &Unit::name);
+    if (unit == std::end(kUnits) || (whole.empty() && part.empty())) return std::nullopt;
+    const std::uint64_t bytes = WholeUnits(whole, *unit, text) + PartOfUnit(part, *unit);
+    if (bytes > kLargest) ThrowTooLarge(text);
+    return bytes;
+}
+
+unsigned ParsePercent(std::string_view text) {
+    const char* const sign = text.data() + text.size() - 1;
+    unsigned percent = 0;
+    const auto [stop, error] = std::from_chars(text.data(), sign, percent);
+    if (error != std::errc() || stop != sign || percent == 0 || percent > 100) {
+        throw UsageError("a share is from 1% to 100%, not " + Quoted(text));
+    }
+    return percent;
+}
+
+}  // namespace
+
+std::uint64_t ParseSize(std::string_view text) {
+    if (const std::optional<std::uint64_t> bytes = ReadSize(text)) return *bytes;
+    throw UsageError(Quoted(text) +
+                     " is no size; write one such as 10GiB, 20GB, 1.5TiB, 4096s (sectors) or "
+                     "1000000 (bytes)");
+}
+
+SizeOrShare ParseSizeOrShare(std::string_view text) {
+    SizeOrShare wish;
+    if (text == "max") return wish;
+    if (text.ends_with('%')) {
+        wish.percent = ParsePercent(text);
+        return wish;
+    }
+    wish.bytes = ReadSize(text);
+    if (!wish.bytes) {
+        throw UsageError(Quoted(text) +
+                         " is no size; write one such as 10GiB, 20GB, 50% of the most, or max");
+    }
+    if (*wish.bytes < kSectorBytes) {
+        throw UsageError(Quoted(text) + " is less than a sector, which has " +
+                         std::to_string(kSectorBytes) + " bytes");
+    }
+    return wish;
+}
+
+}  // namespace vexortools

@@ -1,0 +1,88 @@
+#include "common/terminal_text.h"
+
+#include <locale.h>
+#include <wchar.h>
+
+#include "common/utf8.h"
+
+namespace vexortools {
+
+namespace {
+
+// The C library's table of characters, whatever the locale of the environment is: a terminal shows
+// UTF-8 where LANG says nothing, too. The C library itself brings this locale along. While one of
+// these is alive, wcwidth reads it.
+class CharacterTable {
+public:
+    CharacterTable() : former_(uselocale(Table())) {}
+    ~CharacterTable() { uselocale(former_); }
+    CharacterTable(const CharacterTable&) = delete;
+    CharacterTable& operator=(const CharacterTable&) = delete;
+
+    /// The columns of a character; -1 for one that is not to be printed. Where the table is missing
+    /// every character but ASCII is such a one.
+    int WidthOf(char32_t code) const { return wcwidth(static_cast<wchar_t>(code)); }
+
+private:
+    static locale_t Table() {
+        static const locale_t table = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+        return table;  // null leaves the locale as it is
+    }
+
+    locale_t former_;
+};
+
+// Characters that the table has take no column, and that do something to the text around them.
+struct Range {
+    char32_t first;
+    char32_t last;
+};
+constexpr Range kTricks[] = {
+    {0x0000, 0x0000},    // NUL
+    {0x061C, 0x061C},    // Arabic letter mark: direction
+    {0x180E, 0x180E},    // Mongolian vowel separator: invisible
+    {0x200B, 0x200B},    // zero width space
+    {0x200E, 0x200F},    // marks of direction
+    {0x202A, 0x202E},    // embeddings and overrides of direction
+    {0x2060, 0x2064},    // word joiner and invisible operators
+    {0x2066, 0x206F},    // isolates of direction, and what is deprecated
+    {0xFEFF, 0xFEFF},    // byte order mark
+    {0xFFF9, 0xFFFB},    // annotations
+    {0xE0000, 0xE007F},  // tags
+};
+
+bool IsTrick(char32_t code) {
+    for (const Range& range : kTricks) {
+        if (code >= range.first && code <= range.last) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+std::string Printable(std::string_view text) {
+    const CharacterTable table;
+    std::string printable;
+    printable.reserve(text.size());
+    while (!text.empty()) {
+        const Utf8Character character = TakeUtf8(text);
+        const bool is_harmless =
+            character.is_valid && table.WidthOf(character.code) >= 0 && !IsTrick(character.code);
+        printable += is_harmless ? character.bytes : std::string_view("?");
+    }
+    return printable;
+}
+
+std::size_t DisplayWidth(std::string_view text) {
+    const CharacterTable table;
+    std::size_t width = 0;
+    while (!text.empty()) {
+        const Utf8Character character = TakeUtf8(text);
+        const int columns = character.is_valid ? table.WidthOf(character.code) : -1;
+        // What is not printable has no width of its own, and would be shown as one thing.
+        width += columns < 0 ? 1 : static_cast<std::size_t>(columns);
+    }
+    return width;
+}
+
+}  // namespace vexortools
