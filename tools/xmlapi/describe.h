@@ -52,16 +52,3 @@ std::vector<FunctionText> DescribeManagement();
 
 /// An example command: every child once.
 std::string ExampleCommand(const FunctionText& function);
-
-/// A chapter of the reference. `results` holds each function's example result.
-struct Chapter {
-    std::string title;
-    std::vector<FunctionText> functions;
-    std::vector<std::string> results;
-};
-
-/// The reference for those who write front ends.
-std::string Markdown(const std::vector<Chapter>& chapters);
-
-/// A RELAX NG schema (XML syntax) of every result.
-std::string RelaxNg(const std::vector<Chapter>& chapters);

@@ -1,7 +1,7 @@
 // docs/xml-api.md.
-#include <cctype>
+#include "markdown.h"
 
-#include "describe.h"
+#include <cctype>
 
 namespace {
 

@@ -1,8 +1,8 @@
 // docs/vexorapi-results.rng.
+#include "relaxng.h"
+
 #include <map>
 #include <stdexcept>
-
-#include "describe.h"
 
 namespace {
 

@@ -12,7 +12,10 @@
 #include <string>
 #include <string_view>
 
+#include "chapter.h"
 #include "describe.h"
+#include "markdown.h"
+#include "relaxng.h"
 #include "root_path.h"
 #include "vexorapi.h"
 #include "vxevent.h"

@@ -1,0 +1,13 @@
+// A chapter of the reference, from which each kind of document is written.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "describe.h"
+
+struct Chapter {
+    std::string title;
+    std::vector<FunctionText> functions;
+    std::vector<std::string> results;  // of the functions' example commands, in their order
+};
