@@ -1,15 +1,18 @@
 // The tables of the state file, row by row: how tables and columns are called, and what of a
 // machine stands in them. All that is read, compared and written follows from these rows.
 //
-// Whoever adds a member to a row of the machine adds its column here and a step to kMigrations.
+// A member that is added to a row of the machine needs its column here, which the compiler asks
+// for, and a step in kMigrations (hxsim_tables.h).
 #pragma once
 
 #include <cstddef>
 #include <tuple>
+#include <type_traits>
 #include <vector>
 
 #include "model/hxsim_column.h"
 #include "model/hxsim_machine.h"
+#include "store/hxsim_member_count.h"
 
 namespace hxsim {
 
@@ -23,10 +26,29 @@ struct Table {
     std::vector<Entry> Holder::*list;
     std::tuple<Columns...> columns;
 };
+
+/// The number of members that a row has, those of its attachment included.
+template <class Row>
+consteval std::size_t RowMembers() {
+    if constexpr (std::is_base_of_v<Attachment, Row>) {
+        return MemberCountWith<Row, Attachment>();
+    } else {
+        return MemberCount<Row>();
+    }
+}
+
+/// Members of a row that stand in tables of their own.
+template <class Row>
+inline constexpr std::size_t kLists = 0;
+template <>
+inline constexpr std::size_t kLists<Adapter> = 14;
+
 template <std::size_t keys, class Holder, class Entry, class... Columns>
 constexpr Table<keys, Holder, Entry, Columns...> Rows(const char* name,
                                                       std::vector<Entry> Holder::*list,
                                                       std::tuple<Columns...> columns) {
+    static_assert(sizeof...(Columns) + kLists<Entry> == RowMembers<Entry>(),
+                  "every member of the row has one column");
     return {name, list, columns};
 }
 
@@ -253,6 +275,15 @@ inline constexpr std::tuple kAdapterTables{
                 Col("event", &QueuedEvent::event),
             }),  // an Event
 };
+
+static_assert(std::tuple_size_v<decltype(kClockColumns)> == MemberCount<Clock>(),
+              "every member of the clock has one column");
+static_assert(std::tuple_size_v<decltype(kMachineColumns)> + 1 +
+                      std::tuple_size_v<decltype(kMachineTables)> ==
+                  MemberCount<Machine>(),
+              "every member of the machine has a column, or a table; the clock has its own");
+static_assert(std::tuple_size_v<decltype(kAdapterTables)> == kLists<Adapter>,
+              "every list of an adapter has a table");
 
 // The last value of each kind: what a file says beyond it is no such kind.
 constexpr Spare LastOf(Spare) { return Spare::kGroup; }

@@ -43,9 +43,12 @@ class Tables {
 public:
     explicit Tables(const Connection& connection) : connection_(connection) {}
 
-    /// Reads the machine. Values that cannot be are StoreError, also such as break a rule of a
-    /// machine (Check). Within a transaction of the caller's, so that all is of one moment.
+    /// Reads the machine. Throws StoreError for an impossible value or a broken rule (Check). Runs
+    /// within a transaction of the caller's, so that all is of one moment.
     Machine Load(const std::string& path);
+
+    /// The same without a look at the rules.
+    Machine LoadUnchecked(const std::string& path);
 
     /// Writes what is different in `after`. Within the caller's transaction.
     void Save(const Machine& before, const Machine& after);
