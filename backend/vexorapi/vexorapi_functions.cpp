@@ -5,10 +5,15 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 
 #include "vexorapi_element.h"
 #include "xml_rapi_functions.h"
+
+// Never defined: a function whose rows come to call it does not compile, and the compiler's message
+// names the reason.
+void RowsBearAnotherName();
 
 namespace {
 
@@ -19,20 +24,26 @@ struct TableRow {
     RecordNeeds needs;
 };
 
-template <class... Entry>
-consteval std::array<TableRow, sizeof...(Entry)> MakeTable(const std::tuple<Entry...>&) {
-    constexpr auto needs_of = []<class R>(R XML_RA_FuncData::*) {
-        constexpr std::size_t header = offsetof(XML_RA_FuncData, HX_API_Version);
-        return RecordNeeds{header + sizeof(R), header + kZeroedBytes<R>, kTakesPassword<R>};
-    };
-    return {
-        TableRow{Entry::kRows.name, Entry::kStart, Entry::kEnd, needs_of(Entry::kRows.record)}...};
+template <class R>
+consteval RecordNeeds NeedsOf(R XML_RA_FuncData::*) {
+    constexpr std::size_t header = offsetof(XML_RA_FuncData, HX_API_Version);
+    return {header + sizeof(R), header + kZeroedBytes<R>, kTakesPassword<R>};
 }
 
-constexpr auto kTable = MakeTable(kFunctions);
+template <const auto& kFunction>
+consteval TableRow MakeRow(const char* name, XML_StartElementHandler start,
+                           XML_EndElementHandler end) {
+    if (std::string_view(kFunction.name) != name) RowsBearAnotherName();
+    return {name, start, end, NeedsOf(kFunction.record)};
+}
+
+#define ROW(function) MakeRow<k##function>(#function, XML_##function##_SEH, XML_##function##_EEH),
+constexpr TableRow kTable[] = {VENDOR_FUNCTIONS(ROW)};
+#undef ROW
+static_assert(std::size(kTable) == kFunctionCount);
 
 constexpr bool NamesAreSound() {
-    for (std::size_t i = 0; i < kTable.size(); ++i) {
+    for (std::size_t i = 0; i < kFunctionCount; ++i) {
         const std::string_view name = kTable[i].name;
         if (name.size() >= sizeof XML_RA_FuncData::FuncName) return false;
         for (std::size_t k = 0; k < i; ++k) {
@@ -61,11 +72,11 @@ struct HashTable {
 };
 
 consteval HashTable MakeHashTable() {
-    static_assert(kTable.size() < 255);
+    static_assert(kFunctionCount < 255);
     for (std::uint32_t seed = 0x9E3779B1;; seed += 2) {
         HashTable table{seed};
         bool distinct = true;
-        for (std::size_t i = 0; distinct && i < kTable.size(); ++i) {
+        for (std::size_t i = 0; distinct && i < kFunctionCount; ++i) {
             HX_U8& slot = table.rows[Hash(seed, kTable[i].name)];
             distinct = slot == 0;
             slot = static_cast<HX_U8>(i + 1);
@@ -78,18 +89,29 @@ constexpr HashTable kHashTable = MakeHashTable();
 
 }  // namespace
 
-std::size_t FindFunction(const char* name) {
+std::optional<VendorFunction> FindFunction(const char* name) {
     const HX_U8 slot = kHashTable.rows[Hash(kHashTable.seed, name)];
-    if (slot == 0 || std::strcmp(name, kTable[slot - 1u].name) != 0) return kFunctionCount;
-    return slot - 1u;
+    if (slot == 0 || std::strcmp(name, kTable[slot - 1u].name) != 0) return std::nullopt;
+    return static_cast<VendorFunction>(slot - 1u);
 }
 
 int RA_FuncElementDispatcher(void* userData, const XML_Char* name, const XML_Char**) {
-    const std::size_t found = FindFunction(name);
-    if (found == kFunctionCount) return 0;
+    const std::optional<VendorFunction> found = FindFunction(name);
+    if (!found) return 0;
+    const TableRow& row = kTable[static_cast<std::size_t>(*found)];
     auto* const elmt = static_cast<XMLElement*>(userData);
-    elmt->StartHandler = kTable[found].start;
-    elmt->EndHandler = kTable[found].end;
-    elmt->ExtNeeds = kTable[found].needs;
+    elmt->StartHandler = row.start;
+    elmt->EndHandler = row.end;
+    elmt->ExtNeeds = row.needs;
     return 1;
 }
+
+#define DEFINE_HANDLERS(function)                                                      \
+    void XMLCALL XML_##function##_SEH(void*, const XML_Char*, const XML_Char** atts) { \
+        PrintXMLAtts(atts);                                                            \
+    }                                                                                  \
+    void XMLCALL XML_##function##_EEH(void* userData, const XML_Char* name) {          \
+        EndParameter<k##function>(userData, name);                                     \
+    }
+VENDOR_FUNCTIONS(DEFINE_HANDLERS)
+#undef DEFINE_HANDLERS

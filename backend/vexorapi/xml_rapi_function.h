@@ -87,11 +87,6 @@ auto& RequestRecord(XMLElement* elmt) {
     return static_cast<XML_RA_FuncData*>(elmt->Ext)->*kFunction.record;
 }
 
-/// Every start-element handler: attributes are logged and never interpreted.
-inline void XMLCALL StartParameter(void*, const XML_Char*, const XML_Char** atts) {
-    PrintXMLAtts(atts);
-}
-
 /// Every end-element handler.
 template <const auto& kFunction>
 void XMLCALL EndParameter(void* userData, const XML_Char* name) {

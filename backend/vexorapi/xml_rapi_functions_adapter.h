@@ -1,5 +1,4 @@
-// The functions of the library itself and of the adapters: for each its rows, then the
-// names of its handlers and its result writer.
+// The functions of the library itself and of the adapters: the rows of each.
 #pragma once
 
 #include "xml_rapi_function.h"
@@ -16,9 +15,6 @@ inline constexpr Function kHX_API_Version{
     },
     Result{Bare("RetVal", &VX_API_Version::RetVal)},
 };
-inline constexpr auto& XML_HX_API_Version_SEH = StartParameter;
-inline constexpr auto& XML_HX_API_Version_EEH = EndParameter<kHX_API_Version>;
-inline constexpr auto& XML_HX_API_Version_Ret = WriteResult<kHX_API_Version>;
 
 // HX_Adapter_GetCount: RetVal is the number of adapters.
 inline constexpr Function kHX_Adapter_GetCount{
@@ -28,9 +24,6 @@ inline constexpr Function kHX_Adapter_GetCount{
     Call<HX_Adapter_GetCount, VX_Adapter_GetCount>(),
     StatusOnly<VX_Adapter_GetCount>(),
 };
-inline constexpr auto& XML_HX_Adapter_GetCount_SEH = StartParameter;
-inline constexpr auto& XML_HX_Adapter_GetCount_EEH = EndParameter<kHX_Adapter_GetCount>;
-inline constexpr auto& XML_HX_Adapter_GetCount_Ret = WriteResult<kHX_Adapter_GetCount>;
 
 // HX_Adapter_GetInfo: one adapter, or all of them packed in adapter order.
 inline constexpr Function kHX_Adapter_GetInfo{
@@ -50,9 +43,6 @@ inline constexpr Function kHX_Adapter_GetInfo{
     Records<kAdapter_Info, XML_RA_Adapter_Info>("AdapterInfo", &VX_Adapter_GetInfo::AdapterInfo,
                                                 &VX_Adapter_GetInfo::Count),
 };
-inline constexpr auto& XML_HX_Adapter_GetInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_Adapter_GetInfo_EEH = EndParameter<kHX_Adapter_GetInfo>;
-inline constexpr auto& XML_HX_Adapter_GetInfo_Ret = WriteResult<kHX_Adapter_GetInfo>;
 
 /// The settings that a command can set, under the fields' own names.
 inline constexpr Params kAdapterConfigParams{
@@ -108,9 +98,6 @@ inline constexpr Function kHX_Adapter_SetConfig{
     },
     StatusOnly<VX_Adapter_SetConfig>(),
 };
-inline constexpr auto& XML_HX_Adapter_SetConfig_SEH = StartParameter;
-inline constexpr auto& XML_HX_Adapter_SetConfig_EEH = EndParameter<kHX_Adapter_SetConfig>;
-inline constexpr auto& XML_HX_Adapter_SetConfig_Ret = WriteResult<kHX_Adapter_SetConfig>;
 
 // HX_Adapter_GetConfig: of all adapters the last one's settings remain, under the total count.
 inline constexpr Function kHX_Adapter_GetConfig{
@@ -131,9 +118,6 @@ inline constexpr Function kHX_Adapter_GetConfig{
     Records<kAdapter_Config_V2, XML_RA_Adapter_Config_V2>(
         "AdapterInfo", &VX_Adapter_GetConfig::AdapterConfig, &VX_Adapter_GetConfig::Count),
 };
-inline constexpr auto& XML_HX_Adapter_GetConfig_SEH = StartParameter;
-inline constexpr auto& XML_HX_Adapter_GetConfig_EEH = EndParameter<kHX_Adapter_GetConfig>;
-inline constexpr auto& XML_HX_Adapter_GetConfig_Ret = WriteResult<kHX_Adapter_GetConfig>;
 
 // HX_AdapterMute
 inline constexpr Function kHX_AdapterMute{
@@ -145,9 +129,6 @@ inline constexpr Function kHX_AdapterMute{
     Call<HX_AdapterMute>(&VX_AdapterMute::AdapterID),
     StatusOnly<VX_AdapterMute>(),
 };
-inline constexpr auto& XML_HX_AdapterMute_SEH = StartParameter;
-inline constexpr auto& XML_HX_AdapterMute_EEH = EndParameter<kHX_AdapterMute>;
-inline constexpr auto& XML_HX_AdapterMute_Ret = WriteResult<kHX_AdapterMute>;
 
 // HX_LocateArrayDevice
 inline constexpr Function kHX_LocateArrayDevice{
@@ -163,6 +144,3 @@ inline constexpr Function kHX_LocateArrayDevice{
                                &VX_LocateArrayDevice::deviceId, &VX_LocateArrayDevice::ledStatus),
     StatusOnly<VX_LocateArrayDevice>(),
 };
-inline constexpr auto& XML_HX_LocateArrayDevice_SEH = StartParameter;
-inline constexpr auto& XML_HX_LocateArrayDevice_EEH = EndParameter<kHX_LocateArrayDevice>;
-inline constexpr auto& XML_HX_LocateArrayDevice_Ret = WriteResult<kHX_LocateArrayDevice>;

@@ -1,5 +1,4 @@
-// The functions of the battery: for each its rows, then the names of its handlers and its
-// result writer.
+// The functions of the battery: the rows of each.
 #pragma once
 
 #include "xml_rapi_function.h"
@@ -18,9 +17,6 @@ inline constexpr Function kHX_BBU_GetInfo{
         Nest<kBBU_GetInfo>("BBU_Info", &VX_BBU_GetInfo::BbuInfo),
     },
 };
-inline constexpr auto& XML_HX_BBU_GetInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_BBU_GetInfo_EEH = EndParameter<kHX_BBU_GetInfo>;
-inline constexpr auto& XML_HX_BBU_GetInfo_Ret = WriteResult<kHX_BBU_GetInfo>;
 
 // HX_BBU_SetThreshold: both calls are made and the second one's code is reported.
 inline constexpr Function kHX_BBU_SetThreshold{
@@ -42,9 +38,6 @@ inline constexpr Function kHX_BBU_SetThreshold{
     },
     StatusOnly<VX_BBU_SetThreshold>(),
 };
-inline constexpr auto& XML_HX_BBU_SetThreshold_SEH = StartParameter;
-inline constexpr auto& XML_HX_BBU_SetThreshold_EEH = EndParameter<kHX_BBU_SetThreshold>;
-inline constexpr auto& XML_HX_BBU_SetThreshold_Ret = WriteResult<kHX_BBU_SetThreshold>;
 
 // HX_BBU_ChangePower
 inline constexpr Function kHX_BBU_ChangePower{
@@ -57,9 +50,6 @@ inline constexpr Function kHX_BBU_ChangePower{
     Call<HX_BBU_ChangePower>(&VX_BBU_ChangePower::AdapterID, &VX_BBU_ChangePower::action),
     StatusOnly<VX_BBU_ChangePower>(),
 };
-inline constexpr auto& XML_HX_BBU_ChangePower_SEH = StartParameter;
-inline constexpr auto& XML_HX_BBU_ChangePower_EEH = EndParameter<kHX_BBU_ChangePower>;
-inline constexpr auto& XML_HX_BBU_ChangePower_Ret = WriteResult<kHX_BBU_ChangePower>;
 
 // HX_BBU_SetStatus
 inline constexpr Function kHX_BBU_SetStatus{
@@ -72,9 +62,6 @@ inline constexpr Function kHX_BBU_SetStatus{
     Call<HX_BBU_SetStatus>(&VX_BBU_SetStatus::AdapterID, &VX_BBU_SetStatus::status),
     StatusOnly<VX_BBU_SetStatus>(),
 };
-inline constexpr auto& XML_HX_BBU_SetStatus_SEH = StartParameter;
-inline constexpr auto& XML_HX_BBU_SetStatus_EEH = EndParameter<kHX_BBU_SetStatus>;
-inline constexpr auto& XML_HX_BBU_SetStatus_Ret = WriteResult<kHX_BBU_SetStatus>;
 
 // HX_BBU_SetMaxCapacity
 inline constexpr Function kHX_BBU_SetMaxCapacity{
@@ -88,9 +75,6 @@ inline constexpr Function kHX_BBU_SetMaxCapacity{
                                 &VX_BBU_SetMaxCapacity::maxCapacity),
     StatusOnly<VX_BBU_SetMaxCapacity>(),
 };
-inline constexpr auto& XML_HX_BBU_SetMaxCapacity_SEH = StartParameter;
-inline constexpr auto& XML_HX_BBU_SetMaxCapacity_EEH = EndParameter<kHX_BBU_SetMaxCapacity>;
-inline constexpr auto& XML_HX_BBU_SetMaxCapacity_Ret = WriteResult<kHX_BBU_SetMaxCapacity>;
 
 // HX_BBU_ActRelearn
 inline constexpr Function kHX_BBU_ActRelearn{
@@ -102,6 +86,3 @@ inline constexpr Function kHX_BBU_ActRelearn{
     Call<HX_BBU_ActRelearn>(&VX_BBU_ActRelearn::AdapterID),
     StatusOnly<VX_BBU_ActRelearn>(),
 };
-inline constexpr auto& XML_HX_BBU_ActRelearn_SEH = StartParameter;
-inline constexpr auto& XML_HX_BBU_ActRelearn_EEH = EndParameter<kHX_BBU_ActRelearn>;
-inline constexpr auto& XML_HX_BBU_ActRelearn_Ret = WriteResult<kHX_BBU_ActRelearn>;

@@ -1,5 +1,4 @@
-// The functions of the physical disks and their blocks: for each its rows, then the
-// names of its handlers and its result writer.
+// The functions of the physical disks and their blocks: the rows of each.
 #pragma once
 
 #include "xml_rapi_function.h"
@@ -18,9 +17,6 @@ inline constexpr Function kHX_PD_GetHDInfo{
     StatusOnly<VX_PD_GetHDInfo>(),
     Reply<kHD_Info_Reply, VX_PD_GetHDInfo>(),
 };
-inline constexpr auto& XML_HX_PD_GetHDInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_GetHDInfo_EEH = EndParameter<kHX_PD_GetHDInfo>;
-inline constexpr auto& XML_HX_PD_GetHDInfo_Ret = WriteResult<kHX_PD_GetHDInfo>;
 
 // HX_PD_GetHDInfo_Ext
 inline constexpr Function kHX_PD_GetHDInfo_Ext{
@@ -31,9 +27,6 @@ inline constexpr Function kHX_PD_GetHDInfo_Ext{
     StatusOnly<VX_PD_GetHDInfo_Ext>(),
     Reply<kHD_Info_Reply, VX_PD_GetHDInfo_Ext>(),
 };
-inline constexpr auto& XML_HX_PD_GetHDInfo_Ext_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_GetHDInfo_Ext_EEH = EndParameter<kHX_PD_GetHDInfo_Ext>;
-inline constexpr auto& XML_HX_PD_GetHDInfo_Ext_Ret = WriteResult<kHX_PD_GetHDInfo_Ext>;
 
 // HX_PD_GetExpanderInfo
 inline constexpr Function kHX_PD_GetExpanderInfo{
@@ -44,9 +37,6 @@ inline constexpr Function kHX_PD_GetExpanderInfo{
     StatusOnly<VX_PD_GetExpanderInfo>(),
     Reply<kExp_Info_Reply, VX_PD_GetExpanderInfo>(),
 };
-inline constexpr auto& XML_HX_PD_GetExpanderInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_GetExpanderInfo_EEH = EndParameter<kHX_PD_GetExpanderInfo>;
-inline constexpr auto& XML_HX_PD_GetExpanderInfo_Ret = WriteResult<kHX_PD_GetExpanderInfo>;
 
 // HX_PD_GetPMInfo
 inline constexpr Function kHX_PD_GetPMInfo{
@@ -57,9 +47,6 @@ inline constexpr Function kHX_PD_GetPMInfo{
     StatusOnly<VX_PD_GetPMInfo>(),
     Reply<kPM_Info_Reply, VX_PD_GetPMInfo>(),
 };
-inline constexpr auto& XML_HX_PD_GetPMInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_GetPMInfo_EEH = EndParameter<kHX_PD_GetPMInfo>;
-inline constexpr auto& XML_HX_PD_GetPMInfo_Ret = WriteResult<kHX_PD_GetPMInfo>;
 
 // HX_PD_GetFreeSpaceInfo
 inline constexpr Function kHX_PD_GetFreeSpaceInfo{
@@ -70,9 +57,6 @@ inline constexpr Function kHX_PD_GetFreeSpaceInfo{
     StatusOnly<VX_PD_GetFreeSpaceInfo>(),
     Reply<kHD_FreeSpaceInfo_Reply, VX_PD_GetFreeSpaceInfo>(),
 };
-inline constexpr auto& XML_HX_PD_GetFreeSpaceInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_GetFreeSpaceInfo_EEH = EndParameter<kHX_PD_GetFreeSpaceInfo>;
-inline constexpr auto& XML_HX_PD_GetFreeSpaceInfo_Ret = WriteResult<kHX_PD_GetFreeSpaceInfo>;
 
 // HX_PD_GetConfig
 inline constexpr Function kHX_PD_GetConfig{
@@ -83,9 +67,6 @@ inline constexpr Function kHX_PD_GetConfig{
     StatusOnly<VX_PD_GetConfig>(),
     Reply<kHD_Config_Reply, VX_PD_GetConfig>(),
 };
-inline constexpr auto& XML_HX_PD_GetConfig_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_GetConfig_EEH = EndParameter<kHX_PD_GetConfig>;
-inline constexpr auto& XML_HX_PD_GetConfig_Ret = WriteResult<kHX_PD_GetConfig>;
 
 // HX_PD_GetSmartStatus
 inline constexpr Function kHX_PD_GetSmartStatus{
@@ -96,9 +77,6 @@ inline constexpr Function kHX_PD_GetSmartStatus{
     StatusOnly<VX_PD_GetSmartStatus>(),
     Reply<kHD_Smart_Status_Reply, VX_PD_GetSmartStatus>(),
 };
-inline constexpr auto& XML_HX_PD_GetSmartStatus_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_GetSmartStatus_EEH = EndParameter<kHX_PD_GetSmartStatus>;
-inline constexpr auto& XML_HX_PD_GetSmartStatus_Ret = WriteResult<kHX_PD_GetSmartStatus>;
 
 // HX_PD_GetHDRaidStatus
 inline constexpr Function kHX_PD_GetHDRaidStatus{
@@ -109,9 +87,6 @@ inline constexpr Function kHX_PD_GetHDRaidStatus{
     StatusOnly<VX_PD_GetHDRaidStatus>(),
     Reply<kHD_RAID_Status_Reply, VX_PD_GetHDRaidStatus>(),
 };
-inline constexpr auto& XML_HX_PD_GetHDRaidStatus_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_GetHDRaidStatus_EEH = EndParameter<kHX_PD_GetHDRaidStatus>;
-inline constexpr auto& XML_HX_PD_GetHDRaidStatus_Ret = WriteResult<kHX_PD_GetHDRaidStatus>;
 
 // HX_PD_GetSpareInfo
 inline constexpr Function kHX_PD_GetSpareInfo{
@@ -122,9 +97,6 @@ inline constexpr Function kHX_PD_GetSpareInfo{
     StatusOnly<VX_PD_GetSpareInfo>(),
     Reply<kHD_RAID_Status_Reply, VX_PD_GetSpareInfo>(),
 };
-inline constexpr auto& XML_HX_PD_GetSpareInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_GetSpareInfo_EEH = EndParameter<kHX_PD_GetSpareInfo>;
-inline constexpr auto& XML_HX_PD_GetSpareInfo_Ret = WriteResult<kHX_PD_GetSpareInfo>;
 
 // HX_PD_GetBGAStatus
 inline constexpr Function kHX_PD_GetBGAStatus{
@@ -135,9 +107,6 @@ inline constexpr Function kHX_PD_GetBGAStatus{
     StatusOnly<VX_PD_GetBGAStatus>(),
     Reply<kHD_BGA_Status_Reply, VX_PD_GetBGAStatus>(),
 };
-inline constexpr auto& XML_HX_PD_GetBGAStatus_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_GetBGAStatus_EEH = EndParameter<kHX_PD_GetBGAStatus>;
-inline constexpr auto& XML_HX_PD_GetBGAStatus_Ret = WriteResult<kHX_PD_GetBGAStatus>;
 
 // HX_PD_GetRCT: a window of the disk's remap table. Records are written as many as were asked for.
 inline constexpr Function kHX_PD_GetRCT{
@@ -162,9 +131,6 @@ inline constexpr Function kHX_PD_GetRCT{
     Records<kHD_RCT_Records, XML_RA_HD_RCT_Records>("Record", &VX_PD_GetRCT::record,
                                                     &VX_PD_GetRCT::n),
 };
-inline constexpr auto& XML_HX_PD_GetRCT_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_GetRCT_EEH = EndParameter<kHX_PD_GetRCT>;
-inline constexpr auto& XML_HX_PD_GetRCT_Ret = WriteResult<kHX_PD_GetRCT>;
 
 // HX_PD_SetConfig
 inline constexpr Function kHX_PD_SetConfig{
@@ -186,9 +152,6 @@ inline constexpr Function kHX_PD_SetConfig{
                           &VX_PD_SetConfig::Config),
     StatusOnly<VX_PD_SetConfig>(),
 };
-inline constexpr auto& XML_HX_PD_SetConfig_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_SetConfig_EEH = EndParameter<kHX_PD_SetConfig>;
-inline constexpr auto& XML_HX_PD_SetConfig_Ret = WriteResult<kHX_PD_SetConfig>;
 
 // HX_PD_WipeHDMDD
 inline constexpr Function kHX_PD_WipeHDMDD{
@@ -203,9 +166,6 @@ inline constexpr Function kHX_PD_WipeHDMDD{
                           &VX_PD_WipeHDMDD::Force),
     StatusOnly<VX_PD_WipeHDMDD>(),
 };
-inline constexpr auto& XML_HX_PD_WipeHDMDD_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_WipeHDMDD_EEH = EndParameter<kHX_PD_WipeHDMDD>;
-inline constexpr auto& XML_HX_PD_WipeHDMDD_Ret = WriteResult<kHX_PD_WipeHDMDD>;
 
 // HX_PD_SetHDStatus
 inline constexpr Function kHX_PD_SetHDStatus{
@@ -220,9 +180,6 @@ inline constexpr Function kHX_PD_SetHDStatus{
                             &VX_PD_SetHDStatus::Action),
     StatusOnly<VX_PD_SetHDStatus>(),
 };
-inline constexpr auto& XML_HX_PD_SetHDStatus_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_SetHDStatus_EEH = EndParameter<kHX_PD_SetHDStatus>;
-inline constexpr auto& XML_HX_PD_SetHDStatus_Ret = WriteResult<kHX_PD_SetHDStatus>;
 
 // HX_PD_FreeHD2GlobalSpare
 inline constexpr Function kHX_PD_FreeHD2GlobalSpare{
@@ -236,9 +193,6 @@ inline constexpr Function kHX_PD_FreeHD2GlobalSpare{
                                    &VX_PD_FreeHD2GlobalSpare::HD_ID),
     StatusOnly<VX_PD_FreeHD2GlobalSpare>(),
 };
-inline constexpr auto& XML_HX_PD_FreeHD2GlobalSpare_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_FreeHD2GlobalSpare_EEH = EndParameter<kHX_PD_FreeHD2GlobalSpare>;
-inline constexpr auto& XML_HX_PD_FreeHD2GlobalSpare_Ret = WriteResult<kHX_PD_FreeHD2GlobalSpare>;
 
 // HX_PD_FreeHD2DGSpare
 inline constexpr Function kHX_PD_FreeHD2DGSpare{
@@ -253,9 +207,6 @@ inline constexpr Function kHX_PD_FreeHD2DGSpare{
                                &VX_PD_FreeHD2DGSpare::DG_ID),
     StatusOnly<VX_PD_FreeHD2DGSpare>(),
 };
-inline constexpr auto& XML_HX_PD_FreeHD2DGSpare_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_FreeHD2DGSpare_EEH = EndParameter<kHX_PD_FreeHD2DGSpare>;
-inline constexpr auto& XML_HX_PD_FreeHD2DGSpare_Ret = WriteResult<kHX_PD_FreeHD2DGSpare>;
 
 // HX_PD_Spare2FreeHD
 inline constexpr Function kHX_PD_Spare2FreeHD{
@@ -268,9 +219,6 @@ inline constexpr Function kHX_PD_Spare2FreeHD{
     Call<HX_PD_Spare2FreeHD>(&VX_PD_Spare2FreeHD::AdapterID, &VX_PD_Spare2FreeHD::HD_ID),
     StatusOnly<VX_PD_Spare2FreeHD>(),
 };
-inline constexpr auto& XML_HX_PD_Spare2FreeHD_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_Spare2FreeHD_EEH = EndParameter<kHX_PD_Spare2FreeHD>;
-inline constexpr auto& XML_HX_PD_Spare2FreeHD_Ret = WriteResult<kHX_PD_Spare2FreeHD>;
 
 // HX_PD_GetMBRInfo
 inline constexpr Function kHX_PD_GetMBRInfo{
@@ -293,9 +241,6 @@ inline constexpr Function kHX_PD_GetMBRInfo{
         Nest<kHD_MBR_Info>("MBRInfo", &VX_PD_GetMBRInfo::MBRInfo),
     },
 };
-inline constexpr auto& XML_HX_PD_GetMBRInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_GetMBRInfo_EEH = EndParameter<kHX_PD_GetMBRInfo>;
-inline constexpr auto& XML_HX_PD_GetMBRInfo_Ret = WriteResult<kHX_PD_GetMBRInfo>;
 
 // HX_PD_StartDataScrub
 inline constexpr Function kHX_PD_StartDataScrub{
@@ -308,9 +253,6 @@ inline constexpr Function kHX_PD_StartDataScrub{
     Call<HX_PD_StartDataScrub>(&VX_PD_StartDataScrub::AdapterID, &VX_PD_StartDataScrub::HD_ID),
     StatusOnly<VX_PD_StartDataScrub>(),
 };
-inline constexpr auto& XML_HX_PD_StartDataScrub_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_StartDataScrub_EEH = EndParameter<kHX_PD_StartDataScrub>;
-inline constexpr auto& XML_HX_PD_StartDataScrub_Ret = WriteResult<kHX_PD_StartDataScrub>;
 
 // HX_PD_StartMediaPatrol
 inline constexpr Function kHX_PD_StartMediaPatrol{
@@ -324,9 +266,6 @@ inline constexpr Function kHX_PD_StartMediaPatrol{
                                  &VX_PD_StartMediaPatrol::HD_ID),
     StatusOnly<VX_PD_StartMediaPatrol>(),
 };
-inline constexpr auto& XML_HX_PD_StartMediaPatrol_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_StartMediaPatrol_EEH = EndParameter<kHX_PD_StartMediaPatrol>;
-inline constexpr auto& XML_HX_PD_StartMediaPatrol_Ret = WriteResult<kHX_PD_StartMediaPatrol>;
 
 // HX_PD_BGAControl
 inline constexpr Function kHX_PD_BGAControl{
@@ -341,9 +280,6 @@ inline constexpr Function kHX_PD_BGAControl{
                            &VX_PD_BGAControl::Action),
     StatusOnly<VX_PD_BGAControl>(),
 };
-inline constexpr auto& XML_HX_PD_BGAControl_SEH = StartParameter;
-inline constexpr auto& XML_HX_PD_BGAControl_EEH = EndParameter<kHX_PD_BGAControl>;
-inline constexpr auto& XML_HX_PD_BGAControl_Ret = WriteResult<kHX_PD_BGAControl>;
 
 // HX_BLK_GetInfo
 inline constexpr Function kHX_BLK_GetInfo{
@@ -354,9 +290,6 @@ inline constexpr Function kHX_BLK_GetInfo{
     StatusOnly<VX_BLK_GetInfo>(),
     Reply<kBlock_Info_Reply, VX_BLK_GetInfo>(),
 };
-inline constexpr auto& XML_HX_BLK_GetInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_BLK_GetInfo_EEH = EndParameter<kHX_BLK_GetInfo>;
-inline constexpr auto& XML_HX_BLK_GetInfo_Ret = WriteResult<kHX_BLK_GetInfo>;
 
 // HX_BLK_GetHDBlock: no more than 512 bytes are cleared before each page, whatever its size.
 inline constexpr Function kHX_BLK_GetHDBlock{
@@ -367,6 +300,3 @@ inline constexpr Function kHX_BLK_GetHDBlock{
     StatusOnly<VX_BLK_GetHDBlock>(),
     Reply<kHD_Block_Info_Reply, VX_BLK_GetHDBlock>(),
 };
-inline constexpr auto& XML_HX_BLK_GetHDBlock_SEH = StartParameter;
-inline constexpr auto& XML_HX_BLK_GetHDBlock_EEH = EndParameter<kHX_BLK_GetHDBlock>;
-inline constexpr auto& XML_HX_BLK_GetHDBlock_Ret = WriteResult<kHX_BLK_GetHDBlock>;

@@ -1,5 +1,4 @@
-// The functions of the disk groups: for each its rows, then the
-// names of its handlers and its result writer.
+// The functions of the disk groups: the rows of each.
 #pragma once
 
 #include "xml_rapi_disk_group.h"
@@ -34,9 +33,6 @@ inline constexpr Function kHX_DG_Create{
         Nest<kCreate_DG_Param>("CreateOrModifyDGParam", &VX_DG_Create::CreateOrModifyDGParam),
     },
 };
-inline constexpr auto& XML_HX_DG_Create_SEH = StartParameter;
-inline constexpr auto& XML_HX_DG_Create_EEH = EndParameter<kHX_DG_Create>;
-inline constexpr auto& XML_HX_DG_Create_Ret = WriteResult<kHX_DG_Create>;
 
 // HX_DG_GetSizeOnly
 inline constexpr Function kHX_DG_GetSizeOnly{
@@ -54,9 +50,6 @@ inline constexpr Function kHX_DG_GetSizeOnly{
         Nest<kDG_Size>("CreateOrModify_DG_Param", &VX_DG_GetSizeOnly::CreateOrModifyDGParam),
     },
 };
-inline constexpr auto& XML_HX_DG_GetSizeOnly_SEH = StartParameter;
-inline constexpr auto& XML_HX_DG_GetSizeOnly_EEH = EndParameter<kHX_DG_GetSizeOnly>;
-inline constexpr auto& XML_HX_DG_GetSizeOnly_Ret = WriteResult<kHX_DG_GetSizeOnly>;
 
 // HX_DG_Modify
 inline constexpr Function kHX_DG_Modify{
@@ -70,9 +63,6 @@ inline constexpr Function kHX_DG_Modify{
     Call<HX_DG_Modify>(&VX_DG_Modify::AdapterID, &VX_DG_Modify::CreateOrModifyDGParam),
     StatusOnly<VX_DG_Modify>(),
 };
-inline constexpr auto& XML_HX_DG_Modify_SEH = StartParameter;
-inline constexpr auto& XML_HX_DG_Modify_EEH = EndParameter<kHX_DG_Modify>;
-inline constexpr auto& XML_HX_DG_Modify_Ret = WriteResult<kHX_DG_Modify>;
 
 // HX_DG_GetInfo
 inline constexpr Function kHX_DG_GetInfo{
@@ -83,9 +73,6 @@ inline constexpr Function kHX_DG_GetInfo{
     StatusOnly<VX_DG_GetInfo>(),
     Reply<kDG_Info_Reply, VX_DG_GetInfo>(),
 };
-inline constexpr auto& XML_HX_DG_GetInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_DG_GetInfo_EEH = EndParameter<kHX_DG_GetInfo>;
-inline constexpr auto& XML_HX_DG_GetInfo_Ret = WriteResult<kHX_DG_GetInfo>;
 
 // HX_DG_Delete
 inline constexpr Function kHX_DG_Delete{
@@ -98,9 +85,6 @@ inline constexpr Function kHX_DG_Delete{
     Call<HX_DG_Delete>(&VX_DG_Delete::AdapterID, &VX_DG_Delete::DG_ID),
     StatusOnly<VX_DG_Delete>(),
 };
-inline constexpr auto& XML_HX_DG_Delete_SEH = StartParameter;
-inline constexpr auto& XML_HX_DG_Delete_EEH = EndParameter<kHX_DG_Delete>;
-inline constexpr auto& XML_HX_DG_Delete_Ret = WriteResult<kHX_DG_Delete>;
 
 // HX_LD_DG_StartRebuild
 inline constexpr Function kHX_LD_DG_StartRebuild{
@@ -120,9 +104,6 @@ inline constexpr Function kHX_LD_DG_StartRebuild{
                                 &VX_LD_DG_StartRebuild::RebuildParam),
     StatusOnly<VX_LD_DG_StartRebuild>(),
 };
-inline constexpr auto& XML_HX_LD_DG_StartRebuild_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_DG_StartRebuild_EEH = EndParameter<kHX_LD_DG_StartRebuild>;
-inline constexpr auto& XML_HX_LD_DG_StartRebuild_Ret = WriteResult<kHX_LD_DG_StartRebuild>;
 
 // HX_DG_StartMigration: block and stripe size are the group's own, whatever the command says.
 inline constexpr Function kHX_DG_StartMigration{
@@ -146,9 +127,6 @@ inline constexpr Function kHX_DG_StartMigration{
     },
     StatusOnly<VX_DG_StartMigration>(),
 };
-inline constexpr auto& XML_HX_DG_StartMigration_SEH = StartParameter;
-inline constexpr auto& XML_HX_DG_StartMigration_EEH = EndParameter<kHX_DG_StartMigration>;
-inline constexpr auto& XML_HX_DG_StartMigration_Ret = WriteResult<kHX_DG_StartMigration>;
 
 // HX_DG_BGAControl
 inline constexpr Function kHX_DG_BGAControl{
@@ -163,9 +141,6 @@ inline constexpr Function kHX_DG_BGAControl{
                            &VX_DG_BGAControl::Actions),
     StatusOnly<VX_DG_BGAControl>(),
 };
-inline constexpr auto& XML_HX_DG_BGAControl_SEH = StartParameter;
-inline constexpr auto& XML_HX_DG_BGAControl_EEH = EndParameter<kHX_DG_BGAControl>;
-inline constexpr auto& XML_HX_DG_BGAControl_Ret = WriteResult<kHX_DG_BGAControl>;
 
 // HX_DG_GetConfig
 inline constexpr Function kHX_DG_GetConfig{
@@ -176,9 +151,6 @@ inline constexpr Function kHX_DG_GetConfig{
     StatusOnly<VX_DG_GetConfig>(),
     Reply<kDG_Config_Reply, VX_DG_GetConfig>(),
 };
-inline constexpr auto& XML_HX_DG_GetConfig_SEH = StartParameter;
-inline constexpr auto& XML_HX_DG_GetConfig_EEH = EndParameter<kHX_DG_GetConfig>;
-inline constexpr auto& XML_HX_DG_GetConfig_Ret = WriteResult<kHX_DG_GetConfig>;
 
 // HX_DG_SetConfig: a group that does not exist is refused here, with 1.
 inline constexpr Function kHX_DG_SetConfig{
@@ -206,6 +178,3 @@ inline constexpr Function kHX_DG_SetConfig{
     },
     StatusOnly<VX_DG_SetConfig>(),
 };
-inline constexpr auto& XML_HX_DG_SetConfig_SEH = StartParameter;
-inline constexpr auto& XML_HX_DG_SetConfig_EEH = EndParameter<kHX_DG_SetConfig>;
-inline constexpr auto& XML_HX_DG_SetConfig_Ret = WriteResult<kHX_DG_SetConfig>;

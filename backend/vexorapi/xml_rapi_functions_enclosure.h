@@ -1,5 +1,4 @@
-// The functions of the enclosures: for each its rows, then the
-// names of its handlers and its result writer.
+// The functions of the enclosures: the rows of each.
 #pragma once
 
 #include "xml_rapi_function.h"
@@ -13,9 +12,6 @@ inline constexpr Function kHX_ENC_GetEnclosureInfo{
     StatusOnly<VX_ENC_GetEnclosureInfo>(),
     Reply<kENC_Enclosure_Info_Reply, VX_ENC_GetEnclosureInfo>(),
 };
-inline constexpr auto& XML_HX_ENC_GetEnclosureInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_ENC_GetEnclosureInfo_EEH = EndParameter<kHX_ENC_GetEnclosureInfo>;
-inline constexpr auto& XML_HX_ENC_GetEnclosureInfo_Ret = WriteResult<kHX_ENC_GetEnclosureInfo>;
 
 // HX_ENC_GetElementInfo
 inline constexpr Function kHX_ENC_GetElementInfo{
@@ -37,9 +33,6 @@ inline constexpr Function kHX_ENC_GetElementInfo{
     Records<kENC_ElementInfo, XML_RA_ENC_ElementInfo>(
         "EncElementType_Info", &VX_ENC_GetElementInfo::ElementInfo, &VX_ENC_GetElementInfo::Count),
 };
-inline constexpr auto& XML_HX_ENC_GetElementInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_ENC_GetElementInfo_EEH = EndParameter<kHX_ENC_GetElementInfo>;
-inline constexpr auto& XML_HX_ENC_GetElementInfo_Ret = WriteResult<kHX_ENC_GetElementInfo>;
 
 // HX_ENC_GetElementConfig
 inline constexpr Function kHX_ENC_GetElementConfig{
@@ -61,6 +54,3 @@ inline constexpr Function kHX_ENC_GetElementConfig{
     Records<kENC_ElementConfig, XML_RA_ENC_ElementConfig>(
         "EncElement_Config", &VX_ENC_GetElementConfig::ElementCfg, &VX_ENC_GetElementConfig::Count),
 };
-inline constexpr auto& XML_HX_ENC_GetElementConfig_SEH = StartParameter;
-inline constexpr auto& XML_HX_ENC_GetElementConfig_EEH = EndParameter<kHX_ENC_GetElementConfig>;
-inline constexpr auto& XML_HX_ENC_GetElementConfig_Ret = WriteResult<kHX_ENC_GetElementConfig>;

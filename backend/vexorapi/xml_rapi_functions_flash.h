@@ -1,5 +1,4 @@
-// The functions of the flash memory: for each its rows, then the names of its handlers and its
-// result writer.
+// The functions of the flash memory: the rows of each.
 #pragma once
 
 #include "xml_rapi_flash.h"
@@ -16,9 +15,6 @@ inline constexpr Function kHX_Flash_Erase{
     Call<HX_Flash_Erase>(&VX_Flash_Erase::AdapterID, &VX_Flash_Erase::Page),
     StatusOnly<VX_Flash_Erase>(),
 };
-inline constexpr auto& XML_HX_Flash_Erase_SEH = StartParameter;
-inline constexpr auto& XML_HX_Flash_Erase_EEH = EndParameter<kHX_Flash_Erase>;
-inline constexpr auto& XML_HX_Flash_Erase_Ret = WriteResult<kHX_Flash_Erase>;
 
 // HX_Flash_Option
 inline constexpr Function kHX_Flash_Option{
@@ -37,9 +33,6 @@ inline constexpr Function kHX_Flash_Option{
     },
     StatusOnly<VX_Flash_Option>(),
 };
-inline constexpr auto& XML_HX_Flash_Option_SEH = StartParameter;
-inline constexpr auto& XML_HX_Flash_Option_EEH = EndParameter<kHX_Flash_Option>;
-inline constexpr auto& XML_HX_Flash_Option_Ret = WriteResult<kHX_Flash_Option>;
 
 // HX_BIOS_Version
 inline constexpr Function kHX_BIOS_Version{
@@ -55,6 +48,3 @@ inline constexpr Function kHX_BIOS_Version{
         NestSelf<kVersion_Info_BIOS>("BIOSInfo"),
     },
 };
-inline constexpr auto& XML_HX_BIOS_Version_SEH = StartParameter;
-inline constexpr auto& XML_HX_BIOS_Version_EEH = EndParameter<kHX_BIOS_Version>;
-inline constexpr auto& XML_HX_BIOS_Version_Ret = WriteResult<kHX_BIOS_Version>;

@@ -1,5 +1,4 @@
-// The functions of the host's users: for each its rows, then the names of its handlers and its
-// result writer.
+// The functions of the host's users: the rows of each.
 #pragma once
 
 #include "xml_rapi_function.h"
@@ -25,9 +24,6 @@ inline constexpr Function kHX_LogonUser{
     StatusOnly<VX_LogonUser>(),
     Values<XML_RA_UserGroup_Value>(&VX_LogonUser::UG),
 };
-inline constexpr auto& XML_HX_LogonUser_SEH = StartParameter;
-inline constexpr auto& XML_HX_LogonUser_EEH = EndParameter<kHX_LogonUser>;
-inline constexpr auto& XML_HX_LogonUser_Ret = WriteResult<kHX_LogonUser>;
 
 // HX_GetUserGroup
 inline constexpr Function kHX_GetUserGroup{
@@ -45,9 +41,6 @@ inline constexpr Function kHX_GetUserGroup{
     StatusOnly<VX_GetUserGroup>(),
     Values<XML_RA_UserGroup_Value>(&VX_GetUserGroup::UG),
 };
-inline constexpr auto& XML_HX_GetUserGroup_SEH = StartParameter;
-inline constexpr auto& XML_HX_GetUserGroup_EEH = EndParameter<kHX_GetUserGroup>;
-inline constexpr auto& XML_HX_GetUserGroup_Ret = WriteResult<kHX_GetUserGroup>;
 
 // HX_GetUserName
 inline constexpr Function kHX_GetUserName{
@@ -65,6 +58,3 @@ inline constexpr Function kHX_GetUserName{
     StatusOnly<VX_GetUserName>(),
     Values<XML_RA_UserName_Value, VX_GetUserName>(),
 };
-inline constexpr auto& XML_HX_GetUserName_SEH = StartParameter;
-inline constexpr auto& XML_HX_GetUserName_EEH = EndParameter<kHX_GetUserName>;
-inline constexpr auto& XML_HX_GetUserName_Ret = WriteResult<kHX_GetUserName>;

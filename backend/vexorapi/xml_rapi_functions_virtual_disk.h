@@ -1,5 +1,4 @@
-// The functions of the virtual disks: for each its rows, then the
-// names of its handlers and its result writer.
+// The functions of the virtual disks: the rows of each.
 #pragma once
 
 #include "xml_rapi_disk_group.h"
@@ -15,9 +14,6 @@ inline constexpr Function kHX_LD_GetInfo{
     StatusOnly<VX_LD_GetInfo>(),
     Reply<kLD_Info_Reply, VX_LD_GetInfo>(),
 };
-inline constexpr auto& XML_HX_LD_GetInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_GetInfo_EEH = EndParameter<kHX_LD_GetInfo>;
-inline constexpr auto& XML_HX_LD_GetInfo_Ret = WriteResult<kHX_LD_GetInfo>;
 
 // HX_LD_GetTargetLDInfo
 inline constexpr Function kHX_LD_GetTargetLDInfo{
@@ -34,9 +30,6 @@ inline constexpr Function kHX_LD_GetTargetLDInfo{
         Nest<kLD_Info>("LDInfo", &VX_LD_GetTargetLDInfo::LDInfo),
     },
 };
-inline constexpr auto& XML_HX_LD_GetTargetLDInfo_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_GetTargetLDInfo_EEH = EndParameter<kHX_LD_GetTargetLDInfo>;
-inline constexpr auto& XML_HX_LD_GetTargetLDInfo_Ret = WriteResult<kHX_LD_GetTargetLDInfo>;
 
 // HX_LD_Delete
 inline constexpr Function kHX_LD_Delete{
@@ -50,9 +43,6 @@ inline constexpr Function kHX_LD_Delete{
     Call<HX_LD_Delete>(&VX_LD_Delete::AdapterID, &VX_LD_Delete::LD_ID, &VX_LD_Delete::deleteMBR),
     StatusOnly<VX_LD_Delete>(),
 };
-inline constexpr auto& XML_HX_LD_Delete_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_Delete_EEH = EndParameter<kHX_LD_Delete>;
-inline constexpr auto& XML_HX_LD_Delete_Ret = WriteResult<kHX_LD_Delete>;
 
 // HX_LD_Create
 inline constexpr Function kHX_LD_Create{
@@ -79,9 +69,6 @@ inline constexpr Function kHX_LD_Create{
     Call<HX_LD_Create>(&VX_LD_Create::AdapterID, &VX_LD_Create::CreateLDParam),
     StatusOnly<VX_LD_Create>(),
 };
-inline constexpr auto& XML_HX_LD_Create_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_Create_EEH = EndParameter<kHX_LD_Create>;
-inline constexpr auto& XML_HX_LD_Create_Ret = WriteResult<kHX_LD_Create>;
 
 // HX_LD_QuickCreate: one virtual disk over all free disks.
 inline constexpr Function kHX_LD_QuickCreate{
@@ -94,9 +81,6 @@ inline constexpr Function kHX_LD_QuickCreate{
     Call<HX_LD_QuickCreate>(&VX_LD_QuickCreate::AdapterID, &VX_LD_QuickCreate::Type),
     StatusOnly<VX_LD_QuickCreate>(),
 };
-inline constexpr auto& XML_HX_LD_QuickCreate_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_QuickCreate_EEH = EndParameter<kHX_LD_QuickCreate>;
-inline constexpr auto& XML_HX_LD_QuickCreate_Ret = WriteResult<kHX_LD_QuickCreate>;
 
 // HX_LD_GetMaxSize
 inline constexpr Function kHX_LD_GetMaxSize{
@@ -125,9 +109,6 @@ inline constexpr Function kHX_LD_GetMaxSize{
         Nest<kCreate_LD_Param>("CreateLDParam", &VX_LD_GetMaxSize::CreateLDParam),
     },
 };
-inline constexpr auto& XML_HX_LD_GetMaxSize_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_GetMaxSize_EEH = EndParameter<kHX_LD_GetMaxSize>;
-inline constexpr auto& XML_HX_LD_GetMaxSize_Ret = WriteResult<kHX_LD_GetMaxSize>;
 
 // HX_LD_PauseAll
 inline constexpr Function kHX_LD_PauseAll{
@@ -139,9 +120,6 @@ inline constexpr Function kHX_LD_PauseAll{
     Call<HX_LD_PauseAll>(&VX_LD_PauseAll::AdapterID),
     StatusOnly<VX_LD_PauseAll>(),
 };
-inline constexpr auto& XML_HX_LD_PauseAll_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_PauseAll_EEH = EndParameter<kHX_LD_PauseAll>;
-inline constexpr auto& XML_HX_LD_PauseAll_Ret = WriteResult<kHX_LD_PauseAll>;
 
 // HX_LD_GetStatus
 inline constexpr Function kHX_LD_GetStatus{
@@ -152,9 +130,6 @@ inline constexpr Function kHX_LD_GetStatus{
     StatusOnly<VX_LD_GetStatus>(),
     Reply<kLD_Status_Reply, VX_LD_GetStatus>(),
 };
-inline constexpr auto& XML_HX_LD_GetStatus_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_GetStatus_EEH = EndParameter<kHX_LD_GetStatus>;
-inline constexpr auto& XML_HX_LD_GetStatus_Ret = WriteResult<kHX_LD_GetStatus>;
 
 // HX_LD_GetConfig
 inline constexpr Function kHX_LD_GetConfig{
@@ -165,9 +140,6 @@ inline constexpr Function kHX_LD_GetConfig{
     StatusOnly<VX_LD_GetConfig>(),
     Reply<kLD_Config_Reply, VX_LD_GetConfig>(),
 };
-inline constexpr auto& XML_HX_LD_GetConfig_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_GetConfig_EEH = EndParameter<kHX_LD_GetConfig>;
-inline constexpr auto& XML_HX_LD_GetConfig_Ret = WriteResult<kHX_LD_GetConfig>;
 
 // HX_LD_SetConfig
 inline constexpr Function kHX_LD_SetConfig{
@@ -189,9 +161,6 @@ inline constexpr Function kHX_LD_SetConfig{
                           &VX_LD_SetConfig::LDConfig),
     StatusOnly<VX_LD_SetConfig>(),
 };
-inline constexpr auto& XML_HX_LD_SetConfig_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_SetConfig_EEH = EndParameter<kHX_LD_SetConfig>;
-inline constexpr auto& XML_HX_LD_SetConfig_Ret = WriteResult<kHX_LD_SetConfig>;
 
 // HX_LD_StartRebuild
 inline constexpr Function kHX_LD_StartRebuild{
@@ -206,9 +175,6 @@ inline constexpr Function kHX_LD_StartRebuild{
                              &VX_LD_StartRebuild::Rebuild_HD_ID),
     StatusOnly<VX_LD_StartRebuild>(),
 };
-inline constexpr auto& XML_HX_LD_StartRebuild_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_StartRebuild_EEH = EndParameter<kHX_LD_StartRebuild>;
-inline constexpr auto& XML_HX_LD_StartRebuild_Ret = WriteResult<kHX_LD_StartRebuild>;
 
 // HX_LD_StartConsistencyCheck
 inline constexpr Function kHX_LD_StartConsistencyCheck{
@@ -224,11 +190,6 @@ inline constexpr Function kHX_LD_StartConsistencyCheck{
                                       &VX_LD_StartConsistencyCheck::Type),
     StatusOnly<VX_LD_StartConsistencyCheck>(),
 };
-inline constexpr auto& XML_HX_LD_StartConsistencyCheck_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_StartConsistencyCheck_EEH =
-    EndParameter<kHX_LD_StartConsistencyCheck>;
-inline constexpr auto& XML_HX_LD_StartConsistencyCheck_Ret =
-    WriteResult<kHX_LD_StartConsistencyCheck>;
 
 // HX_LD_StartINIT
 inline constexpr Function kHX_LD_StartINIT{
@@ -243,9 +204,6 @@ inline constexpr Function kHX_LD_StartINIT{
                           &VX_LD_StartINIT::Init_Type),
     StatusOnly<VX_LD_StartINIT>(),
 };
-inline constexpr auto& XML_HX_LD_StartINIT_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_StartINIT_EEH = EndParameter<kHX_LD_StartINIT>;
-inline constexpr auto& XML_HX_LD_StartINIT_Ret = WriteResult<kHX_LD_StartINIT>;
 
 /// What a migration changes: the level and the disks of a virtual disk.
 inline constexpr Params kMigrationParams{
@@ -267,9 +225,6 @@ inline constexpr Function kHX_LD_StartMigration{
                                &VX_LD_StartMigration::CreateLDParam),
     StatusOnly<VX_LD_StartMigration>(),
 };
-inline constexpr auto& XML_HX_LD_StartMigration_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_StartMigration_EEH = EndParameter<kHX_LD_StartMigration>;
-inline constexpr auto& XML_HX_LD_StartMigration_Ret = WriteResult<kHX_LD_StartMigration>;
 
 // HX_LD_GetMigratedLdSize
 inline constexpr Function kHX_LD_GetMigratedLdSize{
@@ -286,9 +241,6 @@ inline constexpr Function kHX_LD_GetMigratedLdSize{
         Nest<kCreate_LD_Param>("CreateLDParam", &VX_LD_GetMigratedLdSize::CreateLDParam),
     },
 };
-inline constexpr auto& XML_HX_LD_GetMigratedLdSize_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_GetMigratedLdSize_EEH = EndParameter<kHX_LD_GetMigratedLdSize>;
-inline constexpr auto& XML_HX_LD_GetMigratedLdSize_Ret = WriteResult<kHX_LD_GetMigratedLdSize>;
 
 // HX_LD_BGAControl
 inline constexpr Function kHX_LD_BGAControl{
@@ -303,9 +255,6 @@ inline constexpr Function kHX_LD_BGAControl{
                            &VX_LD_BGAControl::Actions),
     StatusOnly<VX_LD_BGAControl>(),
 };
-inline constexpr auto& XML_HX_LD_BGAControl_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_BGAControl_EEH = EndParameter<kHX_LD_BGAControl>;
-inline constexpr auto& XML_HX_LD_BGAControl_Ret = WriteResult<kHX_LD_BGAControl>;
 
 // HX_LD_Import
 inline constexpr Function kHX_LD_Import{
@@ -318,9 +267,6 @@ inline constexpr Function kHX_LD_Import{
     Call<HX_LD_Import>(&VX_LD_Import::AdapterID, &VX_LD_Import::LD_ID),
     StatusOnly<VX_LD_Import>(),
 };
-inline constexpr auto& XML_HX_LD_Import_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_Import_EEH = EndParameter<kHX_LD_Import>;
-inline constexpr auto& XML_HX_LD_Import_Ret = WriteResult<kHX_LD_Import>;
 
 // HX_LD_Create_OnDG
 inline constexpr Function kHX_LD_Create_OnDG{
@@ -345,9 +291,6 @@ inline constexpr Function kHX_LD_Create_OnDG{
                             &VX_LD_Create_OnDG::CreateOrModifyVDParam),
     StatusOnly<VX_LD_Create_OnDG>(),
 };
-inline constexpr auto& XML_HX_LD_Create_OnDG_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_Create_OnDG_EEH = EndParameter<kHX_LD_Create_OnDG>;
-inline constexpr auto& XML_HX_LD_Create_OnDG_Ret = WriteResult<kHX_LD_Create_OnDG>;
 
 // HX_LD_Modify_OnDG
 inline constexpr Function kHX_LD_Modify_OnDG{
@@ -376,9 +319,6 @@ inline constexpr Function kHX_LD_Modify_OnDG{
                             &VX_LD_Modify_OnDG::CreateOrModifyVDParam),
     StatusOnly<VX_LD_Modify_OnDG>(),
 };
-inline constexpr auto& XML_HX_LD_Modify_OnDG_SEH = StartParameter;
-inline constexpr auto& XML_HX_LD_Modify_OnDG_EEH = EndParameter<kHX_LD_Modify_OnDG>;
-inline constexpr auto& XML_HX_LD_Modify_OnDG_Ret = WriteResult<kHX_LD_Modify_OnDG>;
 
 // HX_CreateOrModify_VD
 inline constexpr Function kHX_CreateOrModify_VD{
@@ -404,6 +344,3 @@ inline constexpr Function kHX_CreateOrModify_VD{
                                &VX_CreateOrModify_VD::CreateOrModify_VD_Param),
     StatusOnly<VX_CreateOrModify_VD>(),
 };
-inline constexpr auto& XML_HX_CreateOrModify_VD_SEH = StartParameter;
-inline constexpr auto& XML_HX_CreateOrModify_VD_EEH = EndParameter<kHX_CreateOrModify_VD>;
-inline constexpr auto& XML_HX_CreateOrModify_VD_Ret = WriteResult<kHX_CreateOrModify_VD>;

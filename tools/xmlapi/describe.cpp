@@ -222,9 +222,9 @@ std::string ExampleValue(const std::string& function, const std::string& child) 
 }  // namespace
 
 std::vector<FunctionText> DescribeFunctions() {
-    return []<class... Entry>(const std::tuple<Entry...>&) {
-        return std::vector<FunctionText>{DescribeFunction<Entry::kRows>()...};
-    }(kFunctions);
+#define DESCRIBE(function) DescribeFunction<k##function>(),
+    return {VENDOR_FUNCTIONS(DESCRIBE)};
+#undef DESCRIBE
 }
 
 std::vector<FunctionText> DescribeManagement() {
