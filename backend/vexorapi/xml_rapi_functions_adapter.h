@@ -46,6 +46,7 @@ inline constexpr Function kHX_Adapter_GetInfo{
 
 /// The settings that a command can set, under the fields' own names.
 inline constexpr Params kAdapterConfigParams{
+    Without(&Adapter_Config_V2::Reserved),
     Param("AlarmOn", &Adapter_Config_V2::AlarmOn),
     Param("AutoRebuildOn", &Adapter_Config_V2::AutoRebuildOn),
     Param("BGARate", &Adapter_Config_V2::BGARate),

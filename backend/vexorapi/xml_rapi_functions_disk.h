@@ -141,6 +141,7 @@ inline constexpr Function kHX_PD_SetConfig{
         Param("HD_ID", &VX_PD_SetConfig::HD_ID),
         Within(&VX_PD_SetConfig::Config,
                Params{
+                   Without(&HD_Config::Reserved),
                    Param("WriteCacheOn", &HD_Config::WriteCacheOn),
                    Param("SMARTOn", &HD_Config::SMARTOn),
                    Param("Online", &HD_Config::Online),

@@ -6,6 +6,9 @@
 
 /// A disk group's parameters but its number.
 inline constexpr Params kDiskGroupParams{
+    Without(&CreateOrModify_DG_Param::DGID, &CreateOrModify_DG_Param::Reserved1,
+            &CreateOrModify_DG_Param::Reserved2, &CreateOrModify_DG_Param::Reserved3,
+            &CreateOrModify_DG_Param::Reserved4),
     Param("Name", &CreateOrModify_DG_Param::Name),
     Param("RaidMode", &CreateOrModify_DG_Param::RaidMode),
     Param("SubVDCount", &CreateOrModify_DG_Param::SubVDCount),
@@ -94,6 +97,7 @@ inline constexpr Function kHX_LD_DG_StartRebuild{
         Param("AdapterID", &VX_LD_DG_StartRebuild::AdapterID),
         Within(&VX_LD_DG_StartRebuild::RebuildParam,
                Params{
+                   Without<LD_DG_Rebuild_Param>(),
                    Param("ID", &LD_DG_Rebuild_Param::ID),
                    Param("RebuildType", &LD_DG_Rebuild_Param::RebuildType),
                    Param("PDCount", &LD_DG_Rebuild_Param::PDCount),
@@ -161,6 +165,7 @@ inline constexpr Function kHX_DG_SetConfig{
         Param("DG_ID", &VX_DG_SetConfig::DG_ID),
         Within(&VX_DG_SetConfig::Config,
                Params{
+                   Without(&DG_Config::Reserved),
                    Param("DGID", &DG_Config::DGID),
                    Param("WriteCacheOn", &DG_Config::WriteCacheOn),
                    Param("Name", &DG_Config::Name),

@@ -52,6 +52,9 @@ inline constexpr Function kHX_LD_Create{
         Param("AdapterID", &VX_LD_Create::AdapterID),
         Within(&VX_LD_Create::CreateLDParam,
                Params{
+                   Without(&Create_LD_Param::LDID, &Create_LD_Param::SpecifiedBlkSeq,
+                           &Create_LD_Param::Reserved2, &Create_LD_Param::ReservedForApp,
+                           &Create_LD_Param::Reserved3),
                    Param("RaidMode", &Create_LD_Param::RaidMode),
                    Param("HDCount", &Create_LD_Param::HDCount),
                    Param("RoundingScheme", &Create_LD_Param::RoundingScheme),
@@ -90,6 +93,9 @@ inline constexpr Function kHX_LD_GetMaxSize{
         Param("AdapterID", &VX_LD_GetMaxSize::AdapterID),
         Within(&VX_LD_GetMaxSize::CreateLDParam,
                Params{
+                   Without(&Create_LD_Param::SectorCoefficient, &Create_LD_Param::LDID,
+                           &Create_LD_Param::SpecifiedBlkSeq, &Create_LD_Param::Reserved2,
+                           &Create_LD_Param::ReservedForApp, &Create_LD_Param::Reserved3),
                    Param("RaidMode", &Create_LD_Param::RaidMode),
                    Param("HDCount", &Create_LD_Param::HDCount),
                    Param("RoundingScheme", &Create_LD_Param::RoundingScheme),
@@ -150,6 +156,7 @@ inline constexpr Function kHX_LD_SetConfig{
         Param("LD_ID", &VX_LD_SetConfig::LD_ID),
         Within(&VX_LD_SetConfig::LDConfig,
                Params{
+                   Without(&LD_Config::Reserved1, &LD_Config::Reserved2),
                    Param("CacheMode", &LD_Config::CacheMode),
                    Param("AutoRebuildOn", &LD_Config::AutoRebuildOn),
                    Param("Status", &LD_Config::Status),
@@ -276,6 +283,12 @@ inline constexpr Function kHX_LD_Create_OnDG{
         Param("AdapterID", &VX_LD_Create_OnDG::AdapterID),
         Within(&VX_LD_Create_OnDG::CreateOrModifyVDParam,
                Params{
+                   Without(&::CreateOrModify_VD_Param::VDID, &::CreateOrModify_VD_Param::RaidMode,
+                           &::CreateOrModify_VD_Param::SubVDCount,
+                           &::CreateOrModify_VD_Param::NumParityDisk,
+                           &::CreateOrModify_VD_Param::Reserved1,
+                           &::CreateOrModify_VD_Param::BlockSize,
+                           &::CreateOrModify_VD_Param::Reserved),
                    Param("DGID", &::CreateOrModify_VD_Param::DGID),
                    Param("Name", &::CreateOrModify_VD_Param::Name),
                    Param("StripeBlockSize", &::CreateOrModify_VD_Param::StripeBlockSize),
@@ -300,6 +313,9 @@ inline constexpr Function kHX_LD_Modify_OnDG{
         Param("AdapterID", &VX_LD_Modify_OnDG::AdapterID),
         Within(&VX_LD_Modify_OnDG::CreateOrModifyVDParam,
                Params{
+                   Without(&::CreateOrModify_VD_Param::DGSlotNum,
+                           &::CreateOrModify_VD_Param::Reserved1,
+                           &::CreateOrModify_VD_Param::Reserved),
                    Param("VDID", &::CreateOrModify_VD_Param::VDID),
                    Param("DGID", &::CreateOrModify_VD_Param::DGID),
                    Param("Name", &::CreateOrModify_VD_Param::Name),
@@ -328,6 +344,12 @@ inline constexpr Function kHX_CreateOrModify_VD{
         Param("AdapterID", &VX_CreateOrModify_VD::AdapterID),
         Within(&VX_CreateOrModify_VD::CreateOrModify_VD_Param,
                Params{
+                   Without(&::CreateOrModify_VD_Param::DGSlotNum,
+                           &::CreateOrModify_VD_Param::Reserved1,
+                           &::CreateOrModify_VD_Param::RoundingScheme,
+                           &::CreateOrModify_VD_Param::CachePolicy,
+                           &::CreateOrModify_VD_Param::SectorCoefficient,
+                           &::CreateOrModify_VD_Param::Reserved),
                    Param("VDID", &::CreateOrModify_VD_Param::VDID),
                    Param("DGID", &::CreateOrModify_VD_Param::DGID),
                    Param("Name", &::CreateOrModify_VD_Param::Name),

@@ -10,6 +10,7 @@
 #include "hxraid.h"
 #include "vexorapi_element.h"
 #include "vx_dbg.h"
+#include "xml_rapi_coverage.h"
 #include "xml_rapi_row_list.h"
 #include "xml_rapi_text.h"
 
@@ -17,6 +18,7 @@
 template <class R, class T>
 struct RequestParam {
     using Of = R;
+    static constexpr std::size_t kWidth = sizeof(T);
     const char* name;
     T R::*field;
 };
@@ -40,16 +42,22 @@ constexpr WholeTextRow<R, n> WholeTextParam(const char* name, char (R::*field)[n
     return {name, field};
 }
 
-/// The children of a request, or of a record within it.
+/// The children of a request, or of a record within it. Where they begin with the members that are
+/// left out, they must fill all others: so it is for records of the controller library.
 template <class R, class... Row>
 struct Params {
     using Type = R;
     RowList<Row...> rows;
 
     constexpr explicit Params(Row... row) : rows(row...) {}
+    consteval explicit Params(LeftOut<R> left_out, Row... row) : rows(row...) {
+        CheckThatRowsCover<R, Row...>(left_out);
+    }
 };
 template <class First, class... Row>
 Params(First, Row...) -> Params<typename First::Of, First, Row...>;
+template <class R, class... Row>
+Params(LeftOut<R>, Row...) -> Params<R, Row...>;
 
 /// Children that are stored in a record within the request.
 template <class R, class Inner, class... Row>

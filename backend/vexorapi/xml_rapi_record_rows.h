@@ -26,6 +26,7 @@ inline constexpr Record kVersion_Info_CIM{
 // A BIOS image's version. Its identifiers are hexadecimal here, and decimal in an adapter's record.
 inline constexpr Record kVersion_Info_BIOS{
     "struct VX_BIOS_Version",
+    PartOf<VX_BIOS_Version>(),
     Nest<kVersion_Info_CIM>("BIOSVersion", &VX_BIOS_Version::VersionInfo),
     Hex("VenID", kU16, &VX_BIOS_Version::SubVenID),
     Hex("DevID", kU16, &VX_BIOS_Version::SubDevID),
@@ -34,6 +35,7 @@ inline constexpr Record kVersion_Info_BIOS{
 // A user's name goes without a record element of its own.
 inline constexpr Record kUserName_Value{
     "",
+    PartOf<VX_GetUserName>(),
     Bare("UserName", &VX_GetUserName::UserName),
     Bare("DomainName", &VX_GetUserName::DomaimName),
 };
@@ -42,6 +44,7 @@ inline constexpr Record kUserName_Value{
 // address to write.
 struct PortAddresses {
     using Of = Adapter_Info;
+    static constexpr std::size_t kWidth = sizeof(Adapter_Info::PortSasAddress);
     static constexpr std::size_t kPorts = HX_MAX_PORTS;
     static_assert(kPorts <= 10, "a port's number is one digit");
 
@@ -107,6 +110,8 @@ private:
 
 inline constexpr Record kAdapter_Info{
     "struct Adapter_Info",
+    Without(&Adapter_Info::Reserved1, &Adapter_Info::Reserved2, &Adapter_Info::Reserved3,
+            &Adapter_Info::Reserved4),
     Nest<kVersion_Info>("DriverVersion", &Adapter_Info::DriverVersion),
     Nest<kVersion_Info_CIM>("BIOSVersion", &Adapter_Info::BIOSVersion),
     Nest<kVersion_Info_CIM>("FirmwareVersion", &Adapter_Info::FirmwareVersion),
@@ -154,6 +159,7 @@ inline constexpr Record kAdapter_Info{
 
 inline constexpr Record kRequestHeader_Entity_Info{
     "struct RequestHeader",
+    Without(&RequestHeader::reserved1),
     Col("version", kU8, &RequestHeader::version),
     Col("requestType", kU8, &RequestHeader::requestType),
     Col("startingIndexOrId", kU16, &RequestHeader::startingIndexOrId),
@@ -164,6 +170,7 @@ inline constexpr Record kRequestHeader_Entity_Info{
 
 inline constexpr Record kLink_Endpoint_Info{
     "struct Link_Endpoint",
+    Without(&Link_Endpoint::Reserved),
     Col("DevID", kU16, &Link_Endpoint::DevID),
     Col("DevType", kU8, &Link_Endpoint::DevType),
     Col("PhyCnt", kU8, &Link_Endpoint::PhyCnt),
@@ -180,6 +187,7 @@ inline constexpr Record kLink_Entity_Info{
 
 inline constexpr Record kPM_Info{
     "struct PM_Info",
+    Without(&PM_Info::Reserved),
     Nest<kLink_Entity_Info>("Link", &PM_Info::Link),
     Col("AdapterID", kU8, &PM_Info::AdapterID),
     Col("ProductRevision", kU8, &PM_Info::ProductRevision),
@@ -196,6 +204,7 @@ inline constexpr auto kCanLogicalUsed = [](const HD_Info& disk) {
 
 inline constexpr Record kHD_Info{
     "struct HD_Info",
+    Without(&HD_Info::Reserved1, &HD_Info::Reserved2, &HD_Info::Reserved3),
     Nest<kLink_Entity_Info>("Link", &HD_Info::Link),
     Col("AdapterID", kU8, &HD_Info::AdapterID),
     Col("Status", kU8, &HD_Info::Status),
@@ -222,6 +231,7 @@ inline constexpr Record kHD_Info{
 
 inline constexpr Record kHD_Config{
     "struct HD_Config",
+    Without(&HD_Config::Reserved),
     Col("WriteCacheOn", kBOOL, &HD_Config::WriteCacheOn),
     Col("SMARTOn", kBOOL, &HD_Config::SMARTOn),
     Col("Online", kBOOL, &HD_Config::Online),
@@ -231,12 +241,14 @@ inline constexpr Record kHD_Config{
 
 inline constexpr Record kHD_SMART_Status{
     "struct HD_SMART_Status",
+    Without(&HD_SMART_Status::Reserved1, &HD_SMART_Status::Reserved2),
     Col("SmartThresholdExceeded", kBOOL, &HD_SMART_Status::SmartThresholdExceeded),
     Col("HDID", kU16, &HD_SMART_Status::HDID),
 };
 
 inline constexpr Record kHD_RCT_Records{
     "struct RCT_Record",
+    Without(&RCT_Record::Reserved),
     Col("lba", kU64, &RCT_Record::lba),
     Col("sec", kU32, &RCT_Record::sec),
     Col("flag", kU8, &RCT_Record::flag),
@@ -244,6 +256,7 @@ inline constexpr Record kHD_RCT_Records{
 
 inline constexpr Record kHD_RAID_Status{
     "struct HD_RAID_Status",
+    Without(&HD_RAID_Status::Reserved),
     Col("HDID", kU16, &HD_RAID_Status::HDID),
     Col("LDID", kU16, &HD_RAID_Status::DGID),
     Col("Status", kU8, &HD_RAID_Status::Status),
@@ -251,6 +264,7 @@ inline constexpr Record kHD_RAID_Status{
 
 inline constexpr Record kHD_BGA_Status{
     "struct HD_BGA_Status",
+    Without(&HD_BGA_Status::Reserved),
     Col("HDID", kU16, &HD_BGA_Status::HDID),
     Col("Percentage", kU16, &HD_BGA_Status::Percentage),
     Col("Bga", kU8, &HD_BGA_Status::Bga),
@@ -260,6 +274,7 @@ inline constexpr Record kHD_BGA_Status{
 
 inline constexpr Record kHD_MBR_Info{
     "struct HD_MBR_Info",
+    Without(&HD_MBR_Info::Reserved),
     Col("HDCount", kU8, &HD_MBR_Info::HDCount),
     Col("HDIDs", kU16, &HD_MBR_Info::HDIDs),
     Col("hasMBR", kBOOL, &HD_MBR_Info::hasMBR),
@@ -267,6 +282,7 @@ inline constexpr Record kHD_MBR_Info{
 
 inline constexpr Record kHD_FreeSpaceInfo{
     "struct HD_FreeSpaceInfo",
+    Without(&HD_FreeSpaceInfo::Reserved),
     Col("ID", kU16, &HD_FreeSpaceInfo::ID),
     Col("AdapterID", kU8, &HD_FreeSpaceInfo::AdapterID),
     Col("isFixed", kBOOL, &HD_FreeSpaceInfo::isFixed),
@@ -275,6 +291,7 @@ inline constexpr Record kHD_FreeSpaceInfo{
 
 inline constexpr Record kHD_Block_Info{
     "struct HD_Block_Info",
+    Without(&HD_Block_Info::Reserved1, &HD_Block_Info::Reserved2),
     Col("ID", kU16, &HD_Block_Info::ID),
     Col("Type", kU8, &HD_Block_Info::Type),
     Col("BlockIDs", kU16, &HD_Block_Info::BlockIDs),
@@ -282,6 +299,7 @@ inline constexpr Record kHD_Block_Info{
 
 inline constexpr Record kExp_Info{
     "struct Exp_Info",
+    Without(&Exp_Info::Reserved),
     Nest<kLink_Entity_Info>("Link", &Exp_Info::Link),
     Col("AdapterID", kU8, &Exp_Info::AdapterID),
     Col("Configuring", kBOOL, &Exp_Info::Configuring),
@@ -299,6 +317,7 @@ inline constexpr Record kExp_Info{
 
 inline constexpr Record kBlock_Info{
     "struct Block_Info",
+    Without(&Block_Info::Reserved, &Block_Info::BlockSize, &Block_Info::ReservedSpaceForMigration),
     Col("ID", kU16, &Block_Info::ID),
     Col("HDID", kU16, &Block_Info::HDID),
     Col("Flags", kU16, &Block_Info::Flags),
@@ -312,6 +331,7 @@ inline constexpr Record kBlock_Info{
 
 inline constexpr Record kEnclosure_Info{
     "struct Enclosure_Info",
+    Without(&Enclosure_Info::Reserved1, &Enclosure_Info::Reserved2),
     Nest<kLink_Entity_Info>("Link", &Enclosure_Info::Link),
     Col("AdapterID", kU8, &Enclosure_Info::AdapterID),
     Col("Status", kU8, &Enclosure_Info::Status),
@@ -323,9 +343,11 @@ inline constexpr Record kEnclosure_Info{
     Col("ExpanderIDs", kU16, &Enclosure_Info::ExpanderIDs),
 };
 
-// Every group is written whatever the element's type; a reader takes the one of that type.
+// Every group is written whatever the element's type; a reader takes the one of that type. The
+// groups lie over each other, so that their widths add up to more than the record.
 inline constexpr Record kENC_ElementInfo{
     "struct EncElementType_Info",
+    PartOf<EncElementType_Info>(),
     Col("EnclosureID", kU16, &EncElementType_Info::EnclosureID),
     Col("Status", kU8, &EncElementType_Info::Status),
     Col("ElementID", kU8, &EncElementType_Info::ElementID),
@@ -356,6 +378,7 @@ inline constexpr Record kENC_ElementInfo{
 
 inline constexpr Record kENC_ElementConfig{
     "struct EncElement_Config",
+    Without(&EncElement_Config::Reserved),
     Col("EnclosureID", kU16, &EncElement_Config::EnclosureID),
     Col("Status", kU8, &EncElement_Config::Status),
     Col("ElementID", kU8, &EncElement_Config::ElementID),
@@ -370,6 +393,8 @@ inline constexpr Record kENC_ElementConfig{
 
 inline constexpr Record kCreate_LD_Param{
     "struct Create_LD_Param",
+    Without(&Create_LD_Param::LDID, &Create_LD_Param::SpecifiedBlkSeq, &Create_LD_Param::Reserved2,
+            &Create_LD_Param::ReservedForApp, &Create_LD_Param::Reserved3),
     Col("RaidMode", kU8, &Create_LD_Param::RaidMode),
     Col("HDCount", kU8, &Create_LD_Param::HDCount),
     Col("RoundingScheme", kU8, &Create_LD_Param::RoundingScheme),
@@ -386,6 +411,7 @@ inline constexpr Record kCreate_LD_Param{
 
 inline constexpr Record kLD_Status{
     "struct LD_Status",
+    Without(&LD_Status::Reserved),
     Col("Status", kU8, &LD_Status::Status),
     Col("Bga", kU8, &LD_Status::Bga),
     Col("BgaPercentage", kU16, &LD_Status::BgaPercentage),
@@ -395,6 +421,7 @@ inline constexpr Record kLD_Status{
 
 inline constexpr Record kLD_Config{
     "struct LD_Config",
+    Without(&LD_Config::Reserved1, &LD_Config::Reserved2),
     Col("CacheMode", kU8, &LD_Config::CacheMode),
     Col("AutoRebuildOn", kBOOL, &LD_Config::AutoRebuildOn),
     Col("Status", kU8, &LD_Config::Status),
@@ -404,6 +431,7 @@ inline constexpr Record kLD_Config{
 
 inline constexpr Record kLD_Info{
     "struct LD_Info",
+    Without(&LD_Info::Reserved1, &LD_Info::Reserved2),
     Col("ID", kU16, &LD_Info::ID),
     Col("AdapterID", kU8, &LD_Info::AdapterID),
     Col("DGID", kU8, &LD_Info::DGID),
@@ -426,6 +454,7 @@ inline constexpr Record kLD_Info{
 // The name is written bare here, and in CDATA everywhere else.
 inline constexpr Record kDG_Config{
     "struct DG_Config",
+    Without(&DG_Config::Reserved),
     Col("DGID", kHX_U16, &DG_Config::DGID),
     Col("WriteCacheOn", kHX_BOOLEAN, &DG_Config::WriteCacheOn),
     Bare("Name", &DG_Config::Name),
@@ -433,6 +462,8 @@ inline constexpr Record kDG_Config{
 
 inline constexpr Record kDG_Info{
     "struct DG_Info",
+    Without(&DG_Info::Reserved1, &DG_Info::Reserved2, &DG_Info::Reserved3, &DG_Info::Reserved4,
+            &DG_Info::Reserved5, &DG_Info::Reserved6),
     Col("DGID", kHX_U16, &DG_Info::DGID),
     CData("Name", &DG_Info::Name),
     Col("RaidMode", kHX_U8, &DG_Info::RaidMode),
@@ -461,11 +492,13 @@ inline constexpr Record kDG_Info{
 // that.
 inline constexpr Record kCreate_DG_Param{
     "struct CreateOrModify_DG_Param",
+    PartOf<CreateOrModify_DG_Param>(),
     Col("DGID", kHX_U16, &CreateOrModify_DG_Param::DGID),
 };
 
 inline constexpr Record kDG_Size{
     "struct CreateOrModify_DG_Param",
+    PartOf<CreateOrModify_DG_Param>(),
     Col("Size", kU64, &CreateOrModify_DG_Param::Size),
 };
 
@@ -473,6 +506,7 @@ inline constexpr Record kDG_Size{
 
 inline constexpr Record kAdapter_Config_V2{
     "struct Adapter_Config_V2",
+    Without(&Adapter_Config_V2::Reserved),
     Col("AlarmOn", kBOOL, &Adapter_Config_V2::AlarmOn),
     Col("AutoRebuildOn", kBOOL, &Adapter_Config_V2::AutoRebuildOn),
     Col("BGARate", kU8, &Adapter_Config_V2::BGARate),
@@ -492,6 +526,7 @@ inline constexpr Record kAdapter_Config_V2{
 
 inline constexpr Record kBBU_GetInfo{
     "struct BBU_Info",
+    Without(&BBU_Info::Reserved),
     Col("status", kU32, &BBU_Info::status),
     Col("prev_status", kU32, &BBU_Info::prev_status),
     Col("voltage", kU16, &BBU_Info::voltage),

@@ -17,6 +17,7 @@
 #include "XMLWriter.h"
 #include "XMLWriter_digits.h"
 #include "hxraid.h"
+#include "xml_rapi_coverage.h"
 #include "xml_rapi_elements.h"
 #include "xml_rapi_row_list.h"
 #include "xml_rapi_text.h"
@@ -93,9 +94,10 @@ template <std::size_t n>
 
 // Rows -----------------------------------------------------------------------------------------
 //
-// A row of record R has: Head and Tail, the text before and behind its value when its line starts
-// at a depth; ValueBound, the most bytes that the value may take (garbage behind it included); Put,
-// the value for the fast writer; WriteExact, the whole line piece by piece.
+// A row of record R has: kWidth, the bytes of the record that it shows; Head and Tail, the text
+// before and behind its value when its line starts at a depth; ValueBound, the most bytes that the
+// value may take (garbage behind it included); Put, the value for the fast writer; WriteExact, the
+// whole line piece by piece.
 
 enum class Form : std::uint8_t {
     Decimal,
@@ -138,6 +140,7 @@ constexpr void ScalarTail(LiteralSink& sink, const char* name) {
 template <class R, class T, Form form>
 struct Column {
     using Of = R;
+    static constexpr std::size_t kWidth = sizeof(T);
     const char* name;
     const char* type;
     T R::*field;
@@ -272,6 +275,7 @@ void WriteItemsExact(XMLWR_Doc* doc, const char* name, const char* type, const T
 template <class R, class T, std::size_t n, LastBlank last_blank>
 struct ArrayColumn {
     using Of = R;
+    static constexpr std::size_t kWidth = n * sizeof(T);
     const char* name;
     const char* type;
     T (R::*field)[n];
@@ -304,6 +308,7 @@ enum class Markup : bool {
 template <class R, class C, std::size_t n, class Cleaner, Markup markup>
 struct TextColumn {
     using Of = R;
+    static constexpr std::size_t kWidth = n * sizeof(C);
     const char* name;
     C (R::*field)[n];
 
@@ -335,7 +340,8 @@ struct TextColumn {
     }
 };
 
-/// A record: the value of its element's type attribute, and its rows, all over the same `R`.
+/// A record: the value of its element's type attribute, and its rows, all over the same `R`, which
+/// show every member that is not left out by name.
 template <class R, class... Row>
 struct Record {
     using Type = R;
@@ -344,10 +350,16 @@ struct Record {
     const char* type;
     RowList<Row...> rows;
 
-    consteval explicit Record(const char* type_name, Row... row) : type(type_name), rows(row...) {}
+    consteval explicit Record(const char* type_name, Row... row) : Record(type_name, {0}, row...) {}
+    consteval Record(const char* type_name, LeftOut<R> left_out, Row... row)
+        : type(type_name), rows(row...) {
+        CheckThatRowsCover<R, Row...>(left_out);
+    }
 };
 template <class First, class... Row>
 Record(const char*, First, Row...) -> Record<typename First::Of, First, Row...>;
+template <class R, class... Row>
+Record(const char*, LeftOut<R>, Row...) -> Record<R, Row...>;
 
 template <const auto& kRecord>
 using RecordType = typename std::remove_cvref_t<decltype(kRecord)>::Type;
@@ -443,11 +455,13 @@ void WriteRowsAt(XMLWR_Doc* doc, const RecordType<kRecord>& record) {
 /// itself.
 template <class Inner, class R>
 struct InnerField {
+    static constexpr std::size_t kWidth = sizeof(Inner);
     Inner R::*field;
     const Inner& operator()(const R& record) const { return record.*field; }
 };
 template <class R>
 struct InnerSelf {
+    static constexpr std::size_t kWidth = 0;
     const R& operator()(const R& record) const { return record; }
 };
 
@@ -455,6 +469,7 @@ struct InnerSelf {
 template <const auto& kInner, class R, class Inner>
 struct Nested {
     using Of = R;
+    static constexpr std::size_t kWidth = Inner::kWidth;
     const char* name;
     Inner inner;
 
@@ -495,6 +510,7 @@ struct Nested {
 template <class R, class Value>
 struct ComputedByte {
     using Of = R;
+    static constexpr std::size_t kWidth = 0;
     const char* name;
     Value value;
 

@@ -39,6 +39,7 @@ inline constexpr Record kChangeCounters{
 // the event's, the whole element is this row's value.
 struct SenseDataRow {
     using Of = Event;
+    static constexpr std::size_t kWidth = sizeof(Event::SenseData);
 
     static HX_U32 Width(const Event& event) {
         return std::min<HX_U32>(event.SenseDataLength, sizeof event.SenseData);
@@ -99,6 +100,7 @@ private:
 // The event's text, its line end included, rendered where it is to stand.
 struct EventTextRow {
     using Of = Event;
+    static constexpr std::size_t kWidth = 0;
 
     constexpr void Head(LiteralSink& sink, int depth) const {
         sink.Indent(depth);
@@ -124,6 +126,7 @@ struct EventTextRow {
 // The controller's own sequence number is not told: events are counted by the store's.
 inline constexpr Record kEvent{
     "struct Event",
+    Without(&Event::SequenceNo, &Event::Reserved2),
     Col("Class", kU16, &Event::Class),
     Col("Code", kU16, &Event::Code),
     Col("TimeStamp", kU32, &Event::TimeStamp),

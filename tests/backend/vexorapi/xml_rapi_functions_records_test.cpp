@@ -2,6 +2,7 @@
 // depth and at the document's end; the completion of disks; users; paged replies.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -24,6 +25,9 @@ struct Writer {
     int (*write_three)(XMLWR_Doc* doc);
     int (*write_distinct)(XMLWR_Doc* doc);
     int (*write_none)(XMLWR_Doc* doc);
+    int (*write_without)(XMLWR_Doc* doc, std::size_t byte);
+    std::size_t bytes;    // of the record
+    std::size_t unshown;  // of them: reserved, or left out
     friend void PrintTo(const Writer& it, std::ostream* os) { *os << it.name; }
 };
 
@@ -44,48 +48,57 @@ struct Writing<writer> {
         Record record = Distinct<Record>();
         return writer(doc, "Record", &record, 1);
     }
+    // A record of letters, but for one byte of 0, which changes every kind of value: a number, a
+    // flag, and a text, which it ends.
+    static int Without(XMLWR_Doc* doc, std::size_t byte) {
+        Record record;
+        std::memset(static_cast<void*>(&record), 'A', sizeof record);
+        if (byte < sizeof record) reinterpret_cast<char*>(&record)[byte] = 0;
+        return writer(doc, "Record", &record, 1);
+    }
     static int None(XMLWR_Doc* doc) { return writer(doc, "Record", nullptr, 0); }
 };
 
 template <auto writer>
-constexpr Writer Of(const char* name) {
+constexpr Writer Of(const char* name, std::size_t unshown) {
     using It = Writing<writer>;
-    return {name, It::Three, It::OneDistinct, It::None};
+    return {name,   It::Three, It::OneDistinct, It::None, It::Without, sizeof(typename It::Record),
+            unshown};
 }
 
 constexpr Writer kWriters[] = {
-    Of<&XML_RA_RequestHeader_Entity_Info>("RequestHeader_Entity_Info"),
-    Of<&XML_RA_Link_Endpoint_Info>("Link_Endpoint_Info"),
-    Of<&XML_RA_Link_Entity_Info>("Link_Entity_Info"),
-    Of<&XML_RA_PM_Info>("PM_Info"),
-    Of<&XML_RA_HD_Config>("HD_Config"),
-    Of<&XML_RA_HD_SMART_Status>("HD_SMART_Status"),
-    Of<&XML_RA_HD_RCT_Records>("HD_RCT_Records"),
-    Of<&XML_RA_HD_RAID_Status>("HD_RAID_Status"),
-    Of<&XML_RA_Create_LD_Param>("Create_LD_Param"),
-    Of<&XML_RA_LD_Status>("LD_Status"),
-    Of<&XML_RA_LD_Config>("LD_Config"),
-    Of<&XML_RA_Version_Info>("Version_Info"),
-    Of<&XML_RA_Version_Info_CIM>("Version_Info_CIM"),
-    Of<&XML_RA_Version_Info_BIOS>("Version_Info_BIOS"),
-    Of<&XML_RA_Adapter_Info>("Adapter_Info"),
-    Of<&XML_RA_DG_Config>("DG_Config"),
-    Of<&XML_RA_Adapter_Config_V2>("Adapter_Config_V2"),
-    Of<&XML_RA_BBU_GetInfo>("BBU_GetInfo"),
-    Of<&XML_RA_Enclosure_Info>("Enclosure_Info"),
-    Of<&XML_RA_ENC_ElementInfo>("ENC_ElementInfo"),
-    Of<&XML_RA_ENC_ElementConfig>("ENC_ElementConfig"),
-    Of<&XML_RA_HD_Info>("HD_Info"),
-    Of<&XML_RA_HD_BGA_Status>("HD_BGA_Status"),
-    Of<&XML_RA_HD_MBR_Info>("HD_MBR_Info"),
-    Of<&XML_RA_HD_FreeSpaceInfo>("HD_FreeSpaceInfo"),
-    Of<&XML_RA_HD_Block_Info>("HD_Block_Info"),
-    Of<&XML_RA_Exp_Info>("Exp_Info"),
-    Of<&XML_RA_Block_Info>("Block_Info"),
-    Of<&XML_RA_LD_Info>("LD_Info"),
-    Of<&XML_RA_DG_Info>("DG_Info"),
-    Of<&XML_RA_Create_DG_Param>("Create_DG_Param"),
-    Of<&XML_RA_DG_Size>("DG_Size"),
+    Of<&XML_RA_RequestHeader_Entity_Info>("RequestHeader_Entity_Info", 6),
+    Of<&XML_RA_Link_Endpoint_Info>("Link_Endpoint_Info", 2),
+    Of<&XML_RA_Link_Entity_Info>("Link_Entity_Info", 4),
+    Of<&XML_RA_PM_Info>("PM_Info", 28),
+    Of<&XML_RA_HD_Config>("HD_Config", 2),
+    Of<&XML_RA_HD_SMART_Status>("HD_SMART_Status", 5),
+    Of<&XML_RA_HD_RCT_Records>("HD_RCT_Records", 3),
+    Of<&XML_RA_HD_RAID_Status>("HD_RAID_Status", 3),
+    Of<&XML_RA_Create_LD_Param>("Create_LD_Param", 222),
+    Of<&XML_RA_LD_Status>("LD_Status", 1),
+    Of<&XML_RA_LD_Config>("LD_Config", 3),
+    Of<&XML_RA_Version_Info>("Version_Info", 0),
+    Of<&XML_RA_Version_Info_CIM>("Version_Info_CIM", 0),
+    Of<&XML_RA_Version_Info_BIOS>("Version_Info_BIOS", 264),
+    Of<&XML_RA_Adapter_Info>("Adapter_Info", 67),
+    Of<&XML_RA_DG_Config>("DG_Config", 13),
+    Of<&XML_RA_Adapter_Config_V2>("Adapter_Config_V2", 10),
+    Of<&XML_RA_BBU_GetInfo>("BBU_GetInfo", 25),
+    Of<&XML_RA_Enclosure_Info>("Enclosure_Info", 41),
+    Of<&XML_RA_ENC_ElementInfo>("ENC_ElementInfo", 5),
+    Of<&XML_RA_ENC_ElementConfig>("ENC_ElementConfig", 7),
+    Of<&XML_RA_HD_Info>("HD_Info", 102),
+    Of<&XML_RA_HD_BGA_Status>("HD_BGA_Status", 57),
+    Of<&XML_RA_HD_MBR_Info>("HD_MBR_Info", 1),
+    Of<&XML_RA_HD_FreeSpaceInfo>("HD_FreeSpaceInfo", 4),
+    Of<&XML_RA_HD_Block_Info>("HD_Block_Info", 5),
+    Of<&XML_RA_Exp_Info>("Exp_Info", 37),
+    Of<&XML_RA_Block_Info>("Block_Info", 7),
+    Of<&XML_RA_LD_Info>("LD_Info", 18),
+    Of<&XML_RA_DG_Info>("DG_Info", 37),
+    Of<&XML_RA_Create_DG_Param>("Create_DG_Param", 430),
+    Of<&XML_RA_DG_Size>("DG_Size", 424),
 };
 
 std::vector<std::string> Lines(const std::string& text) {
@@ -133,6 +146,21 @@ TEST_P(RecordWriter, WritesTheSameAtEveryDepth) {
         EXPECT_EQ(AtDepth(Expected(), depth), doc.Text());
         EXPECT_EQ(depth, doc->Depth);
     }
+}
+
+TEST_P(RecordWriter, ShowsEachByteOfTheRecordThatIsNotLeftOut) {
+    const auto text_without = [&](std::size_t byte) {
+        XMLWR_Init(doc);
+        doc->Depth = 1;
+        GetParam().write_without(doc, byte);
+        return std::string(doc.Text());
+    };
+    const std::string whole = text_without(GetParam().bytes);
+    std::size_t unshown = 0;
+    for (std::size_t byte = 0; byte < GetParam().bytes; ++byte) {
+        unshown += text_without(byte) == whole;
+    }
+    EXPECT_EQ(GetParam().unshown, unshown);
 }
 
 TEST_P(RecordWriter, WritesNothingForNoRecord) {
