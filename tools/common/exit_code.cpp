@@ -1,40 +1,22 @@
 #include "common/exit_code.h"
 
+#include <algorithm>
+
 namespace vexortools {
 
 namespace {
 
-int SeriousnessOf(Exit exit) {
-    switch (exit) {
-        case Exit::kDone:
-            return 0;
-        case Exit::kRefused:
-            return 1;
-        case Exit::kNoObject:
-            return 2;
-        case Exit::kWaiting:
-            return 3;
-        case Exit::kNotConfirmed:
-            return 4;
-        case Exit::kNotPermitted:
-            return 5;
-        case Exit::kUndelivered:
-            return 6;
-        case Exit::kUsage:
-            return 7;
-        case Exit::kUnavailable:
-            return 8;
-        case Exit::kInterrupted:
-            return 9;
-    }
-    return 9;
-}
+constexpr Exit kBySeriousness[] = {
+    Exit::kDone,         Exit::kRefused,      Exit::kNoObject,    Exit::kWaiting,
+    Exit::kNotConfirmed, Exit::kNotPermitted, Exit::kUndelivered, Exit::kUsage,
+    Exit::kUnavailable,  Exit::kInterrupted,
+};
+
+auto RankOf(Exit exit) { return std::ranges::find(kBySeriousness, exit) - kBySeriousness; }
 
 }  // namespace
 
-Exit MoreSerious(Exit one, Exit other) {
-    return SeriousnessOf(one) < SeriousnessOf(other) ? other : one;
-}
+Exit MoreSerious(Exit one, Exit other) { return RankOf(one) < RankOf(other) ? other : one; }
 
 std::string ExitCodeHelp(std::span<const ExitMeaning> rows) {
     std::string text = "Exit codes:";

@@ -2,9 +2,11 @@
 
 #include <utility>
 
-#include "codes/hxraid_codes.h"
+#include "codes/status.h"
 #include "rules/hxsim_settle.h"
 #include "topology/hxsim_topology.h"
+
+namespace hxsimctl {
 
 Driver::Driver(std::string path, std::ostream& out) : path_(std::move(path)), out_(out) {}
 
@@ -19,17 +21,18 @@ const hxsim::Machine& Driver::Current() { return State().Current(); }
 
 hxsim::Time Driver::Now() { return hxsim::Now(Current().clock, hxsim::RealNow()); }
 
-void Driver::Happen(const Address& address, const Incident& incident) {
+void Driver::Happen(const Target& target, const Incident& incident) {
     hxsim::Outcome outcome;
+    Object object;
     State().Change([&](hxsim::Machine& machine, hxsim::Time now) {
-        RequireObject(machine, address);
-        hxsim::Adapter& adapter = AdapterAt(machine, address);
-        outcome = incident(machine, adapter, now);
+        object = RequireObject(machine, target);
+        hxsim::Adapter& adapter = AdapterAt(machine, object);
+        outcome = incident(machine, adapter, now, object);
         if (!outcome) return false;
         hxsim::Settle(adapter, now);
         return true;
     });
-    if (!outcome) throw Refused(address.text + ": " + outcome.refusal);
+    if (!outcome) throw Refused(object.text + ": " + outcome.refusal);
 }
 
 void Driver::Change(const std::function<void(hxsim::Machine&, hxsim::Time)>& work) {
@@ -44,7 +47,7 @@ void Driver::Call(const std::string& name, const std::function<HX_U8()>& call) {
     library_open_ = status == HX_SUCCESS;
     if (library_open_) status = call();
     if (status == HX_SUCCESS) return;
-    const HxsimRefusal* const refusal = HxsimFindRefusal(status);
+    const hxcodes::StatusRow* const refusal = hxcodes::FindCode(hxcodes::kRefusals, status);
     throw CallRefused(
         name + " was refused with " + std::to_string(status) +
             (refusal == nullptr
@@ -69,3 +72,5 @@ void Driver::SetClock(std::int64_t speed, hxsim::Time forward) {
     });
     Current();  // whatever is due by the new time happens
 }
+
+}  // namespace hxsimctl

@@ -7,11 +7,13 @@
 #include <string>
 
 #include "failure.h"
+#include "find_object.h"
 #include "hxraid.h"
 #include "incidents/hxsim_incident.h"
 #include "model/hxsim_machine.h"
 #include "store/hxsim_store.h"
-#include "words.h"
+
+namespace hxsimctl {
 
 /// A call of the library was refused.
 struct CallRefused : Refused {
@@ -36,10 +38,11 @@ public:
     /// What the machine's clock shows.
     hxsim::Time Now();
 
-    /// Lets something happen to an object and draws the consequences. Throws NoObject, or Refused
-    /// when it does not happen.
-    using Incident = std::function<hxsim::Outcome(hxsim::Machine&, hxsim::Adapter&, hxsim::Time)>;
-    void Happen(const Address& address, const Incident& incident);
+    /// Lets something happen to an object and settles what follows from it. Throws NoObject, or
+    /// Refused when it does not happen.
+    using Incident =
+        std::function<hxsim::Outcome(hxsim::Machine&, hxsim::Adapter&, hxsim::Time, const Object&)>;
+    void Happen(const Target& target, const Incident& incident);
 
     /// Changes the machine itself: its clock and its injections.
     void Change(const std::function<void(hxsim::Machine&, hxsim::Time)>& work);
@@ -51,8 +54,8 @@ public:
     /// Closes the library and the state file, as if the program ended. The next use opens them.
     void Restart();
 
-    /// Sets the clock: to go on from now on at that speed, `forward` later than it is. Throws
-    /// Refused when that is beyond the year 9999.
+    /// Sets the clock `forward` and lets it go on at that speed. Throws Refused when that is beyond
+    /// the year 9999.
     void SetClock(std::int64_t speed, hxsim::Time forward = 0);
 
 private:
@@ -66,3 +69,5 @@ private:
 
 /// What a command does, once its words have been understood.
 using Action = std::function<void(Driver&)>;
+
+}  // namespace hxsimctl

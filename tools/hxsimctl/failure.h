@@ -1,44 +1,24 @@
-// How hxsimctl fails: the exit codes, and what is thrown on the way to them.
+// How hxsimctl's commands fail. main() turns each into one line on standard error and an exit code.
 #pragma once
 
-#include <stdexcept>
 #include <string>
 
-enum class Exit {
-    kDone = 0,
-    kRefused = 1,
-    kUsage = 2,
-    kNoObject = 3,
-    kUnusable = 5,
-};
+#include "common/failure.h"
 
-/// A row of the closing text of --help.
-struct ExitMeaning {
-    Exit exit;
-    const char* meaning;
-};
-inline constexpr ExitMeaning kExitMeanings[] = {
-    {Exit::kDone, "done"},
-    {Exit::kRefused, "refused, an expectation failed, or check found something"},
-    {Exit::kUsage, "wrong usage, or a file that cannot be read"},
-    {Exit::kNoObject, "the machine has no such object"},
-    {Exit::kUnusable, "the state file or standard output cannot be used"},
-};
+namespace hxsimctl {
 
-/// The command fails with this exit code; what() says what, why, and what to do instead.
-struct Failure : std::runtime_error {
-    Failure(Exit how, const std::string& message) : std::runtime_error(message), exit(how) {}
-    Exit exit;
-};
+using vexortools::Exit;
+using vexortools::Failure;
+using vexortools::UsageError;
 
-struct UsageError : Failure {
-    explicit UsageError(const std::string& message) : Failure(Exit::kUsage, message) {}
-};
-
+/// The machine has no such object.
 struct NoObject : Failure {
     explicit NoObject(const std::string& message) : Failure(Exit::kNoObject, message) {}
 };
 
+/// What was asked for does not happen, or is not as it was expected.
 struct Refused : Failure {
     explicit Refused(const std::string& message) : Failure(Exit::kRefused, message) {}
 };
+
+}  // namespace hxsimctl

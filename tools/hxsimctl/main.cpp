@@ -6,27 +6,28 @@
 #include <exception>
 #include <iostream>
 #include <string>
-#include <vector>
 
-#include "commands.h"
-#include "driver.h"
-#include "failure.h"
-#include "store/hxsim_store.h"
-#include "store/hxsim_store_error.h"
+#include "clock_commands.h"
+#include "common/terminal_text.h"
+#include "incident_commands.h"
+#include "machine_commands.h"
+#include "scenario_command.h"
+
+namespace hxsimctl {
 
 namespace {
 
-std::string ExitCodeHelp() {
-    std::string text = "Exit codes:";
-    for (const ExitMeaning& row : kExitMeanings) {
-        text += "\n  " + std::to_string(static_cast<int>(row.exit)) + "  " + row.meaning;
-    }
-    return text;
-}
+constexpr vexortools::ExitMeaning kExitMeanings[] = {
+    {Exit::kDone, "done"},
+    {Exit::kRefused, "refused, an expectation failed, or check found something"},
+    {Exit::kUsage, "wrong usage, or a file that cannot be read"},
+    {Exit::kNoObject, "the machine has no such object"},
+    {Exit::kUnavailable, "the state file or standard output cannot be used"},
+};
 
 void RequireOutput() {
     if (!std::cout.flush()) {
-        throw Failure(Exit::kUnusable,
+        throw Failure(Exit::kUnavailable,
                       "standard output cannot be written; look at what it was sent to");
     }
 }
@@ -35,17 +36,19 @@ void Run(int argc, char** argv) {
     CLI::App app("Drives the virtual RAID controller: makes a machine, breaks and mends its parts.",
                  "hxsimctl");
     app.set_version_flag("--version", "hxsimctl " HXSIMCTL_VERSION, "Print the version and exit");
-    app.footer(ExitCodeHelp());
+    app.footer(vexortools::ExitCodeHelp(kExitMeanings));
     app.require_subcommand(1);
     app.fallthrough();  // --state may stand behind the command, too
     std::string state;
     app.add_option("--state", state,
                    "the state file; else what HXSIM_STATE names, else the user's");
     Action action;
-    AddWhole(app, action);
-    AddIncidents(app, action);
+    AddMachineCommands(app, action);
+    AddClockCommands(app, action);
+    AddScenarioCommand(app, action);
+    AddIncidentCommands(app, action);
     try {
-        Parse(app, {argv + 1, argv + argc});
+        ParseWords(app, {argv + 1, argv + argc});
     } catch (const CLI::ParseError& help) {
         app.exit(help);
         return RequireOutput();
@@ -58,23 +61,25 @@ void Run(int argc, char** argv) {
 }
 
 int Fail(Exit exit, const std::string& message) {
-    std::cerr << "hxsimctl: " << message << '\n';
-    return static_cast<int>(exit);
+    std::cerr << "hxsimctl: " << vexortools::Printable(message) << '\n';
+    return CodeOf(exit);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int RunReportingFailure(int argc, char** argv) {
     try {
         Run(argc, argv);
-        return static_cast<int>(Exit::kDone);
+        return CodeOf(Exit::kDone);
     } catch (const UsageError& failure) {
         return Fail(failure.exit, std::string(failure.what()) + " (see hxsimctl --help)");
     } catch (const Failure& failure) {
         return Fail(failure.exit, failure.what());
-    } catch (const hxsim::StoreError& failure) {
-        return Fail(Exit::kUnusable, failure.what());
-    } catch (const std::exception& failure) {
-        return Fail(Exit::kUnusable, failure.what());
+    } catch (const std::exception& failure) {  // hxsim::StoreError among them
+        return Fail(Exit::kUnavailable, failure.what());
     }
 }
+
+}  // namespace
+
+}  // namespace hxsimctl
+
+int main(int argc, char** argv) { return hxsimctl::RunReportingFailure(argc, argv); }

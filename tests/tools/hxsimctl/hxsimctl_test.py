@@ -3,6 +3,7 @@
 Usage: hxsimctl_test.py HXSIMCTL SOURCE_FOLDER
 """
 
+import json
 import os
 import pathlib
 import re
@@ -128,6 +129,73 @@ class Scenarios(InFolder):
                 self.assertTrue(said.startswith("hxsimctl: " + complaint), said)
         self.assertIn("a0/pd0: free", self.expect(0, "show"))
 
+    def test_objects_are_found_by_name_and_serial_number_when_a_step_is_done(self):
+        self.expect(0, "init", "--topology", "small")
+        serial = re.search("a0/pd5: .* serial (\\S+)", self.expect(0, "show")).group(1)
+        self.run_scenario(
+            "create vd a0 name=DATA raid=5 disks=0,1,2 size=1GiB init=none\n"
+            "create dg a0 name=GROUP raid=0 disks=4,6\n"
+            "create vd name:GROUP name=INSIDE size=1GiB init=none\n"
+            "expect vd name:DATA optimal\n"
+            "disk fail a0/pd0\n"
+            "expect vd name:DATA degraded\n"
+            "expect level name:DATA raid5\n"
+            f"start rebuild name:DATA serial:{serial}\n"
+            "+1ms expect activity name:DATA rebuild running\n"
+            "pause name:DATA\n"
+            "expect activity a0/vd0 rebuild paused\n"
+            f"expect disk serial:{serial} rebuilding\n"
+            "delete vd name:INSIDE\n"
+            "expect vd name:INSIDE gone\n"
+            "expect vd a0/vd9 gone\n", 0)
+        self.expect(0, "smart", "trip", f"serial:{serial}")
+        self.assertIn(f"{serial}, SMART threshold exceeded", self.expect(0, "show"))
+
+    def test_a_name_that_none_or_several_have_is_told(self):
+        self.expect(0, "init", "--topology", "small")
+        self.run_scenario("create vd a0 name=TWIN raid=0 disks=0 size=1GiB init=none\n"
+                          "create vd a0 name=TWIN raid=0 disks=1 size=1GiB init=none\n", 0)
+        self.assertEqual(self.run_scenario("delete vd name:NOBODY\n", 3),
+                         "hxsimctl: story.txt:1: name:NOBODY: the machine has no such virtual disk; "
+                         "hxsimctl show lists what there is\n")
+        self.assertEqual(self.run_scenario("delete vd name:TWIN\n", 2),
+                         "hxsimctl: story.txt:1: name:TWIN means several: a0/vd0, a0/vd1; give an "
+                         "address\n")
+        self.assertEqual(self.expect(3, "disk", "fail", "serial:NOBODY"),
+                         "hxsimctl: serial:NOBODY: the machine has no such disk; hxsimctl show "
+                         "lists what there is\n")
+        self.assertEqual(self.expect(2, "disk", "fail", "a0/vd0"),
+                         "hxsimctl: a0/vd0 is the address of a virtual disk; a disk is needed "
+                         "(see hxsimctl --help)\n")
+
+    def test_sizes_are_written_as_in_vexorctl(self):
+        for size, sectors in [("1GiB", 2097152), ("2097152s", 2097152), ("1073741824", 2097152),
+                              ("0.5GiB", 1048576), ("2GB", 3906304)]:
+            with self.subTest(size):
+                self.expect(0, "init", "--force", "--topology", "small")
+                self.run_scenario(
+                    f"create vd a0 raid=0 disks=0 stripe=64 size={size} init=none\n"
+                    f"expect size a0/vd0 {sectors}s\n", 0)
+
+    def test_a_share_is_of_the_largest_size(self):
+        self.expect(0, "init", "--topology", "small")
+        self.run_scenario("create vd a0 raid=0 disks=0 size=max init=none\n"
+                          "create vd a0 raid=0 disks=1 init=none\n"
+                          "create vd a0 raid=0 disks=2 size=50% init=none\n"
+                          "create dg a0 raid=0 disks=4,5\n"
+                          "create vd a0/dg0 size=25% init=none\n"
+                          "create vd a0/dg0 size=max slot=1 init=none\n", 0)
+        sizes = re.findall(r"a0/vd\d: .* (\d+\.\d) [GT]iB", self.expect(0, "show"))
+        self.assertEqual(sizes, ["931.5", "2.7", "558.9", "558.9", "279.4"])
+
+    def test_a_scenario_is_read_from_standard_input(self):
+        self.expect(0, "init", "--topology", "small")
+        done = subprocess.run([PROGRAM, "scenario", "run", "-"], cwd=self.folder,
+                              env=self.environment, text=True, capture_output=True, timeout=60,
+                              check=False, input="expect disk a0/pd0 free\n\nexpect disk a0/pd0 failed\n")
+        self.assertEqual((done.returncode, done.stderr),
+                         (1, "hxsimctl: -:3: a0/pd0 is free; failed was expected\n"))
+
     def test_a_refusal_other_than_the_expected_one_ends_it(self):
         self.expect(0, "init", "--topology", "small")
         said = self.run_scenario("refused no_space create vd a0 raid=5 disks=0,0,1\n", 1)
@@ -223,6 +291,59 @@ class Commands(InFolder):
                          "time pass\n")
         self.expect(1, "clock", "advance", "36500d")
         self.expect(0, "clock", "show")
+
+    def test_the_clock_advances_by_a_duration_or_until_a_time(self):
+        self.environment["TZ"] = "CET-1CEST,M3.5.0,M10.5.0/3"
+        self.expect(0, "init", "--topology", "small")
+        self.expect(0, "clock", "freeze")
+        for word, shown in [("2031-01-31", "2031-01-30 23:00:00 UTC"),
+                            ("2h30m", "2031-01-31 01:30:00 UTC"),
+                            ("90", "2031-01-31 01:31:30 UTC"),
+                            ("2031-01-31 01:31:30 UTC", "2031-01-31 01:31:30 UTC"),
+                            ("2031-01-31T12:00:00+0100", "2031-01-31 11:00:00 UTC"),
+                            ("1w1ms", "2031-02-07 11:00:00 UTC")]:
+            with self.subTest(word):
+                self.expect(0, "clock", "advance", word)
+                self.assertEqual(self.expect(0, "clock", "show"), shown + ", frozen\n")
+        self.assertEqual(self.expect(1, "clock", "advance", "2031-02-07T11:00:00Z"),
+                         "hxsimctl: it is 2031-02-07 11:00:00 UTC already, and time does not go "
+                         "back; write a later time\n")
+
+    def test_times_that_do_not_exist_and_long_ones_are_refused(self):
+        self.expect(0, "init", "--topology", "small")
+        for word, complaint in [
+                ("2031-13-45", '"2031-13-45" is no time: there is no month 13'),
+                ("2031-02-30", '"2031-02-30" is no time: there is no day 30 in month 2 of 2031, '
+                               "which has 28 days"),
+                ("36501d", "36501d are too long; let at most 36500 days pass at once"),
+                ("99999999999999999999w", '"99999999999999999999w" is too long a duration; the '
+                                          "longest that can be counted is 106751991167d")]:
+            self.assertEqual(self.expect(2, "clock", "advance", word),
+                             f"hxsimctl: {complaint} (see hxsimctl --help)\n")
+
+    def test_nothing_that_a_machine_is_called_reaches_the_terminal_unseen(self):
+        topology = json.loads((SOURCE / "controllers/virtual/topology/topologies/small.json")
+                              .read_text(encoding="utf-8"))
+        topology["name"] = "small\u009b"
+        model = "QUORLAN\x1b[2J \u202etxt"
+        topology["disk_models"][1]["name"] = model
+        topology["adapters"][0]["disks"][1]["model"] = model
+        (self.folder / "hostile.json").write_text(json.dumps(topology), encoding="utf-8")
+        self.expect(0, "init", "--topology", "hostile.json")
+        (self.folder / "story.txt").write_bytes(
+            b'create vd a0 raid=0 disks=0 size=1GiB init=none name="A\xc2\x9b31m"\n'
+            b'create vd a0 raid=0 disks=1 size=1GiB init=none name="B\xff\xe2\x80\xae\xe6\x97"\n'
+            b'create vd a0 raid=0 disks=2 size=1GiB init=none name="\xe6\x97\xa5\xe6\x9c\xac"\n')
+        said = self.expect(0, "scenario", "run", "--verbose", "story.txt")
+        self.assertIn('name=B???\n', said)
+        tree = self.expect(0, "show")
+        self.assertIn("topology small?, seed 1\n", tree)
+        self.assertIn("a0/pd4: free, QUORLAN?[2J ?txt, 1.8 TiB", tree)
+        self.assertIn('raid0 "A?31m"', tree)
+        self.assertIn('raid0 "B???"', tree)
+        self.assertIn('raid0 "\u65e5\u672c"', tree)
+        complaint = self.expect(3, "disk", "fail", "serial:\u009b2J")
+        self.assertTrue(complaint.startswith("hxsimctl: serial:?2J: the machine has no such disk"))
 
     def test_an_output_that_cannot_be_written_is_told(self):
         self.expect(0, "init", "--topology", "small")

@@ -1,17 +1,28 @@
-#include "show.h"
+#include "show_machine.h"
 
 #include <array>
 #include <cstdio>
+#include <ctime>
 #include <ostream>
 #include <string>
 
-#include "codes/hxraid_codes.h"
+#include "code_names.h"
+#include "codes/activity.h"
+#include "codes/battery.h"
+#include "codes/device.h"
+#include "codes/disk.h"
+#include "codes/enclosure.h"
+#include "codes/level.h"
+#include "codes/state.h"
+#include "common/terminal_text.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_disk_role.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_redundancy.h"
+#include "model/hxsim_text.h"
 #include "rules/hxsim_battery.h"
-#include "words.h"
+
+namespace hxsimctl {
 
 namespace {
 
@@ -24,18 +35,25 @@ using hxsim::Owner;
 using hxsim::Time;
 using hxsim::VirtualDisk;
 
-// The texts of a record's field, which ends with a NUL only when it is not full.
-template <std::size_t size>
-std::string FieldText(const char (&field)[size]) {
-    std::size_t length = 0;
-    while (length < size && field[length] != '\0') ++length;
-    while (length > 0 && field[length - 1] == ' ') --length;
-    return {field, length};
+// A text of a device, as it may be shown: without the blanks that fill its field.
+std::string Shown(std::string text) {
+    text.erase(text.find_last_not_of(' ') + 1);
+    return vexortools::Printable(text);
 }
 
-std::string Trimmed(std::string text) {
-    text.erase(text.find_last_not_of(' ') + 1);
-    return text;
+// A size in the largest unit in which it is 1 or more.
+std::string SizeText(hxsim::Sectors sectors) {
+    struct Unit {
+        const char* name;
+        hxsim::Sectors sectors;
+    };
+    constexpr Unit kUnits[] = {{"TiB", 2147483648}, {"GiB", 2097152}, {"MiB", 2048}, {"KiB", 2}};
+    const Unit* unit = kUnits;
+    while (unit->sectors > 2 && sectors < unit->sectors) ++unit;
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%.1f %s",
+                  static_cast<double>(sectors) / static_cast<double>(unit->sectors), unit->name);
+    return text.data();
 }
 
 std::string ReadingOf(const Element& element) {
@@ -63,11 +81,11 @@ public:
         : adapter_(adapter), now_(now), out_(out), roles_(adapter) {}
 
     void Print() {
-        Line(0, "") << ": adapter, serial " << FieldText(adapter_.info.SerialNo)
+        Line(0, "") << ": adapter, serial " << Shown(hxsim::TextOf(adapter_.info.SerialNo))
                     << (adapter_.alarm ? ", alarm sounding" : "")
                     << (adapter_.muted ? ", alarm muted" : "") << ", " << adapter_.events.size()
                     << " events waiting\n";
-        PrintDevices(1, HXSIM_DEVICE_ADAPTER, adapter_.id);
+        PrintDevices(1, hxcodes::Device::kAdapter, adapter_.id);
         for (const DiskGroup& group : adapter_.disk_groups) PrintGroup(group);
         for (const VirtualDisk& virtual_disk : adapter_.virtual_disks) {
             if (virtual_disk.group == hxsim::kNoId) PrintVirtualDisk(1, virtual_disk);
@@ -92,15 +110,15 @@ private:
         for (const hxsim::Expander& expander : adapter_.expanders) {
             if (!hangs(expander)) continue;
             Line(depth, "exp" + std::to_string(expander.id))
-                << ": expander, " << Trimmed(expander.vendor) << ' ' << Trimmed(expander.product)
+                << ": expander, " << Shown(expander.vendor) << ' ' << Shown(expander.product)
                 << ", " << int{expander.phy_count} << " phys\n";
-            PrintDevices(depth + 1, HXSIM_DEVICE_EXPANDER, expander.id);
+            PrintDevices(depth + 1, hxcodes::Device::kExpander, expander.id);
         }
         for (const hxsim::PortMultiplier& multiplier : adapter_.port_multipliers) {
             if (!hangs(multiplier)) continue;
             Line(depth, "pm" + std::to_string(multiplier.id))
                 << ": port multiplier, " << int{multiplier.ports} << " ports\n";
-            PrintDevices(depth + 1, HXSIM_DEVICE_PORT_MULTIPLIER, multiplier.id);
+            PrintDevices(depth + 1, hxcodes::Device::kPortMultiplier, multiplier.id);
         }
         for (const hxsim::Enclosure& enclosure : adapter_.enclosures) {
             if (hangs(enclosure)) PrintEnclosure(depth, enclosure);
@@ -112,13 +130,14 @@ private:
 
     void PrintEnclosure(int depth, const hxsim::Enclosure& enclosure) {
         const std::string address = "enc" + std::to_string(enclosure.id);
-        Line(depth, address) << ": enclosure, " << Trimmed(enclosure.vendor) << ' '
-                             << Trimmed(enclosure.product) << '\n';
+        Line(depth, address) << ": enclosure, " << Shown(enclosure.vendor) << ' '
+                             << Shown(enclosure.product) << '\n';
         for (const Element& element : adapter_.elements) {
             if (element.enclosure != enclosure.id) continue;
             Line(depth + 1, address + "/el" + std::to_string(element.number))
-                << ": " << NameText(kHxsimElementTypeNames, element.type) << ", "
-                << NameText(kHxsimElementStatusNames, element.status) << ReadingOf(element) << '\n';
+                << ": " << NameText(hxcodes::kElementTypeNames, element.type) << ", "
+                << NameText(hxcodes::kElementStatusNames, element.status) << ReadingOf(element)
+                << '\n';
         }
     }
 
@@ -129,8 +148,8 @@ private:
             out_ << "empty\n";
             return;
         }
-        out_ << HxsimDiskStateName(role.status) << ", " << disk.model << ", "
-             << SizeText(disk.sectors) << ", serial " << disk.serial;
+        out_ << hxcodes::DiskWordOf(role.status) << ", " << Shown(disk.model) << ", "
+             << SizeText(disk.sectors) << ", serial " << Shown(disk.serial);
         if (disk.smart_exceeded) out_ << ", SMART threshold exceeded";
         if (disk.locate_light) out_ << ", located";
         PrintActivity(Owner::kDisk, disk.id);
@@ -138,8 +157,8 @@ private:
 
     void PrintGroup(const DiskGroup& group) {
         Line(1, "dg" + std::to_string(group.id))
-            << ": " << NameText(kHxsimStateNames, hxsim::StateOf(adapter_, group)) << ", "
-            << NameText(kHxsimLevelNames, group.level) << " \"" << group.name << "\" on";
+            << ": " << NameText(hxcodes::kStateNames, hxsim::StateOf(adapter_, group)) << ", "
+            << NameText(hxcodes::kLevelNames, group.level) << " \"" << Shown(group.name) << "\" on";
         PrintDisks(Owner::kDiskGroup, group.id, group.width);
         PrintActivity(Owner::kDiskGroup, group.id);
         for (const VirtualDisk& virtual_disk : adapter_.virtual_disks) {
@@ -149,9 +168,9 @@ private:
 
     void PrintVirtualDisk(int depth, const VirtualDisk& virtual_disk) {
         Line(depth, "vd" + std::to_string(virtual_disk.id))
-            << ": " << NameText(kHxsimStateNames, hxsim::StateOf(adapter_, virtual_disk)) << ", "
-            << NameText(kHxsimLevelNames, virtual_disk.level) << " \"" << virtual_disk.name
-            << "\", " << SizeText(virtual_disk.size);
+            << ": " << NameText(hxcodes::kStateNames, hxsim::StateOf(adapter_, virtual_disk))
+            << ", " << NameText(hxcodes::kLevelNames, virtual_disk.level) << " \""
+            << Shown(virtual_disk.name) << "\", " << SizeText(virtual_disk.size);
         if (virtual_disk.group == hxsim::kNoId) {
             out_ << " on";
             PrintDisks(Owner::kVirtualDisk, virtual_disk.id, virtual_disk.width);
@@ -173,10 +192,10 @@ private:
 
     void PrintActivity(Owner of, HX_U16 owner) {
         if (const Activity* const activity = hxsim::ActivityOf(adapter_, of, owner)) {
-            out_ << ", " << NameText(kHxsimActivityNames, activity->kind) << ' '
+            out_ << ", " << NameText(hxcodes::kActivityNames, activity->kind) << ' '
                  << hxsim::Percentage(*activity, now_) << '%';
-            if (activity->state != HXSIM_ACTIVITY_RUNNING) {
-                out_ << ' ' << NameText(kHxsimActivityStateNames, activity->state);
+            if (activity->state != hxcodes::ActivityState::kRunning) {
+                out_ << ' ' << NameText(hxcodes::kActivityStateNames, activity->state);
             }
         }
         out_ << '\n';
@@ -185,7 +204,7 @@ private:
     void PrintBattery(const hxsim::Battery& battery) {
         const BBU_Info info = hxsim::Describe(battery, now_);
         Line(1, "bbu") << ": battery";
-        for (const HxraidName& bit : kHxsimBatteryStatusBits) {
+        for (const hxcodes::Named& bit : hxcodes::kBatteryBits) {
             if ((info.status & bit.code) != 0) out_ << ", " << bit.name;
         }
         if (battery.present) {
@@ -203,8 +222,17 @@ private:
 
 }  // namespace
 
-void Show(const hxsim::Machine& machine, Time now, std::ostream& out) {
-    out << "topology " << machine.topology << ", seed " << machine.seed << '\n';
+std::string TimeText(Time time) {
+    const std::time_t seconds = time / 1000;
+    std::tm date{};
+    gmtime_r(&seconds, &date);
+    std::array<char, 64> text{};
+    std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S UTC", &date);
+    return text.data();
+}
+
+void ShowMachine(const hxsim::Machine& machine, Time now, std::ostream& out) {
+    out << "topology " << Shown(machine.topology) << ", seed " << machine.seed << '\n';
     ShowClock(machine.clock, now, out);
     for (const Adapter& adapter : machine.adapters) Tree(adapter, now, out).Print();
 }
@@ -219,3 +247,5 @@ void ShowClock(const hxsim::Clock& clock, Time now, std::ostream& out) {
         out << ", " << clock.speed << " times as fast as real time\n";
     }
 }
+
+}  // namespace hxsimctl

@@ -1,34 +1,37 @@
-// inject: faults that are put in the way of the library's calls.
+#include "inject_commands.h"
+
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <ostream>
-#include <string>
-#include <string_view>
 
-#include "commands.h"
-#include "hxraid_calls.h"  // kCalls, made of hxraid.h when hxsimctl is built
-#include "words.h"
+#include "adapter_functions.h"  // made of hxraid.h when hxsimctl is built
+#include "codes/status.h"
+#include "common/number.h"
+
+namespace hxsimctl {
 
 namespace {
 
 using hxsim::Injection;
 using hxsim::Machine;
+using vexortools::ParseNumber;
 
-struct Words {
+// What was typed.
+struct InjectWords {
     std::string call, code, times = "0", after = "0", adapter;
     bool hostile = false;
 };
 
 std::string CallOf(const std::string& word) {
-    if (word.empty() || std::ranges::find(kCalls, std::string_view(word)) != std::end(kCalls)) {
-        return word;
-    }
+    const auto* const end = std::end(kAdapterFunctions);
+    if (word.empty() || std::ranges::find(kAdapterFunctions, word) != end) return word;
     throw UsageError('"' + word +
                      "\" is no function of the library that can be hit; write one of hxraid.h "
                      "that takes an AdapterID, such as HX_LD_GetInfo");
 }
 
-Injection InjectionOf(const Words& words) {
+Injection InjectionOf(const InjectWords& words) {
     if (words.hostile == !words.code.empty()) {
         throw UsageError(
             words.hostile ? "--hostile and --code exclude each other; a hostile call is answered"
@@ -73,7 +76,8 @@ std::string LineOf(const Injection& injection) {
     if (injection.hostile) {
         line += " answers as broken firmware does";
     } else {
-        const HxsimRefusal* const refusal = HxsimFindRefusal(injection.code);
+        const hxcodes::StatusRow* const refusal =
+            hxcodes::FindCode(hxcodes::kRefusals, injection.code);
         line += " is refused with " + std::to_string(injection.code);
         if (refusal != nullptr) line += " (" + std::string(refusal->name) + ')';
     }
@@ -107,11 +111,11 @@ void AddClear(CLI::App& inject, Action& action) {
 
 }  // namespace
 
-void AddInject(CLI::App& app, Action& action) {
+void AddInjectCommands(CLI::App& app, Action& action) {
     CLI::App* const inject =
         app.add_subcommand("inject", "Put a fault in the way of the library's calls");
     inject->require_subcommand(0, 1);
-    const auto words = std::make_shared<Words>();
+    const auto words = std::make_shared<InjectWords>();
     inject->add_option("--call", words->call, "the function that is hit; every one when left out");
     inject->add_option("--code", words->code, "with which it is refused");
     inject->add_flag("--hostile", words->hostile, "it answers as broken firmware does");
@@ -133,3 +137,5 @@ void AddInject(CLI::App& app, Action& action) {
         action = [injection](Driver& driver) { Add(driver, injection); };
     });
 }
+
+}  // namespace hxsimctl

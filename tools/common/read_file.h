@@ -1,0 +1,24 @@
+// Reads whole files.
+#pragma once
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+
+namespace vexortools {
+
+/// A file cannot be read; what() is the system's reason or ours.
+struct FileError : std::runtime_error {
+    explicit FileError(int number);  // an errno
+    FileError(int number, const char* reason);
+    int error;  // the errno that fits best
+};
+
+enum class FileKind { kAny, kRegular };
+
+/// Returns all bytes of the file at `path`, or of standard input when the path is "-" and any kind
+/// will do. Opening a file that must be a regular one never waits (a FIFO would). Throws FileError,
+/// with EFBIG when the file holds more than `limit` bytes.
+std::string ReadFile(const char* path, FileKind kind, std::size_t limit);
+
+}  // namespace vexortools

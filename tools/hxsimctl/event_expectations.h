@@ -1,0 +1,16 @@
+// The steps of scenarios that expect events, or none.
+#pragma once
+
+#include "step_values.h"
+#include "story.h"
+
+namespace hxsimctl {
+
+/// event a0 KEY [DEVICE]: there has been such an event that no earlier step expected. Throws
+/// UsageError.
+Step ExpectEvent(const Words& words);
+
+/// no event a0 KEY [DEVICE]: there has been none. Throws UsageError.
+Step ExpectNoEvent(const Words& words);
+
+}  // namespace hxsimctl

@@ -1,0 +1,14 @@
+// The steps of scenarios that expect: what is to be seen of the machine, word for word. Those about
+// events stand in event_expectations.h.
+#pragma once
+
+#include "step_values.h"
+#include "story.h"
+
+namespace hxsimctl {
+
+/// The step that the words behind `expect` say. It throws Refused, with what is there instead, when
+/// the expectation fails. Throws UsageError.
+Step ParseExpectation(const Words& words);
+
+}  // namespace hxsimctl

@@ -1,0 +1,18 @@
+// What happens to a machine from outside: disk, smart, battery, fan, temp, psu and power-cut, and
+// inject. These commands are steps of scenarios, too.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "command_parser.h"
+
+namespace hxsimctl {
+
+void AddIncidentCommands(CLI::App& app, Action& action);
+
+/// What the words of one of these commands do; empty when the first word is none of them. Throws
+/// UsageError.
+Action ParseIncident(const std::vector<std::string>& words);
+
+}  // namespace hxsimctl

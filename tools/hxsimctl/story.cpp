@@ -1,0 +1,45 @@
+#include "story.h"
+
+#include "rules/hxsim_event_kinds.h"
+
+namespace hxsimctl {
+
+Story::Story(Driver& driver) : driver_(driver) {
+    for (const hxsim::Adapter& adapter : driver.Current().adapters) {
+        next_.push_back(adapter.next_event);
+    }
+}
+
+void Story::Keep(const Event& event) {
+    if (event.Class == hxsim::kEventError.type && event.Code == hxsim::kEventError.code) {
+        return KeepLoss(event);
+    }
+    if (event.AdapterID >= next_.size() || event.SequenceNo < next_[event.AdapterID]) return;
+    next_[event.AdapterID] = event.SequenceNo + 1;
+    events_.push_back({event, false});
+}
+
+// A full queue has one event in the place of those that it lost. Its number was another event's
+// before, and it changes with every further loss, so the one noted last is replaced.
+void Story::KeepLoss(const Event& event) {
+    for (Seen& each : events_) {
+        if (each.event.AdapterID != event.AdapterID || each.event.Class != event.Class ||
+            each.event.Code != event.Code) {
+            continue;
+        }
+        if (!each.expected || each.event.SequenceNo == event.SequenceNo) {
+            each.event = event;
+            return;
+        }
+    }
+    events_.push_back({event, false});
+}
+
+std::vector<Story::Seen>& Story::Events() {
+    for (const hxsim::Adapter& adapter : driver_.Current().adapters) {
+        for (const hxsim::QueuedEvent& queued : adapter.events) Keep(queued.event);
+    }
+    return events_;
+}
+
+}  // namespace hxsimctl
