@@ -7,32 +7,17 @@
 #include <cerrno>
 #include <cstring>
 
+#include "descriptor.h"
+
 namespace vexorctl {
 
 namespace {
 
 constexpr std::size_t kPiece = 65536;
 
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    ~Descriptor() {
-        if (number_ > STDIN_FILENO) close(number_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int number() const { return number_; }
-
-private:
-    int number_;
-};
-
-int Open(const char* path, FileKind kind) {
-    if (kind == FileKind::kAny) {
-        if (std::strcmp(path, "-") == 0) return STDIN_FILENO;
-        return open(path, O_RDONLY | O_CLOEXEC);
-    }
-    return open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+Descriptor Open(const char* path, FileKind kind) {
+    const int flags = O_RDONLY | O_CLOEXEC | (kind == FileKind::kRegular ? O_NONBLOCK : 0);
+    return Descriptor(open(path, flags));
 }
 
 }  // namespace
@@ -42,11 +27,14 @@ FileError::FileError(int number) : FileError(number, std::strerror(number)) {}
 FileError::FileError(int number, const char* reason) : std::runtime_error(reason), error(number) {}
 
 std::string ReadFile(const char* path, FileKind kind, std::size_t limit) {
-    const Descriptor file(Open(path, kind));
-    if (file.number() < 0) throw FileError(errno);
+    // Standard input is not ours to close.
+    const bool input = kind == FileKind::kAny && std::strcmp(path, "-") == 0;
+    const Descriptor owned = input ? Descriptor() : Open(path, kind);
+    const int file = input ? STDIN_FILENO : owned.Get();
+    if (file < 0) throw FileError(errno);
     if (kind == FileKind::kRegular) {
         struct stat status;
-        if (fstat(file.number(), &status) != 0) throw FileError(errno);
+        if (fstat(file, &status) != 0) throw FileError(errno);
         if (S_ISDIR(status.st_mode)) throw FileError(EISDIR);
         if (!S_ISREG(status.st_mode)) throw FileError(EINVAL, "Not a regular file");
     }
@@ -56,7 +44,7 @@ std::string ReadFile(const char* path, FileKind kind, std::size_t limit) {
         bytes.resize(filled + kPiece);
         ssize_t count;
         do {
-            count = read(file.number(), bytes.data() + filled, kPiece);
+            count = read(file, bytes.data() + filled, kPiece);
         } while (count < 0 && errno == EINTR);
         if (count < 0) throw FileError(errno);
         bytes.resize(filled + static_cast<std::size_t>(count));
