@@ -1,6 +1,5 @@
 // The configuration file, read from where it always is.
 #include <cstring>
-#include <string_view>
 
 #include "support/temporary_root.h"
 #include "targets.h"

@@ -1,7 +1,6 @@
 #include "hostile_controller.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <type_traits>
 

@@ -6,7 +6,6 @@
 // their codes. A name is lower case with underscores, fit for scripts, and never changes.
 #pragma once
 
-#include <cstddef>
 #include <span>
 #include <string_view>
 

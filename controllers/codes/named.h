@@ -6,14 +6,12 @@
 #pragma once
 
 #include <array>
-#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <stdexcept>
 #include <string_view>
 #include <type_traits>
-#include <utility>
 
 #include "hxraid.h"
 

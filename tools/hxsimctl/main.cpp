@@ -1,7 +1,7 @@
 // hxsimctl: drives the virtual controller.
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
+#include <CLI/Config.hpp>     // IWYU pragma: keep (App.hpp calls what it defines)
+#include <CLI/Formatter.hpp>  // IWYU pragma: keep (likewise)
 #include <cstdlib>
 #include <exception>
 #include <iostream>

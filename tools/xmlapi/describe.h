@@ -1,7 +1,6 @@
 // The functions' rows as plain data: what a command may hold and what its result is made of.
 #pragma once
 
-#include <memory>
 #include <string>
 #include <vector>
 

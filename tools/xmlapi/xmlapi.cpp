@@ -2,7 +2,6 @@
 // xmlapi --check DIR: writes nothing; exits 1 and names the file when one of them is out of date.
 #include <crypt.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>

@@ -2,7 +2,6 @@
 #include "calls/hxsim_activity_control.h"
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 #include "calls/hxsim_session.h"

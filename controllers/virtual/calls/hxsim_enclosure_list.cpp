@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
-#include <tuple>
 
 #include "calls/hxsim_list_page.h"
 #include "calls/hxsim_session.h"

@@ -1,7 +1,6 @@
 // One page of a list: the one loop behind every list function.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <vector>
 

@@ -3,7 +3,6 @@
 
 #include <vector>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_machine.h"
 
 namespace hxsim {

@@ -1,8 +1,6 @@
 // The elements of enclosures, and what the readings of their sensors mean.
 #include "rules/hxsim_enclosure_sensors.h"
 
-#include <algorithm>
-
 #include "codes/hxraid_codes.h"
 
 namespace hxsim {

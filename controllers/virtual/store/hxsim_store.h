@@ -6,7 +6,7 @@
 #include <string>
 
 #include "model/hxsim_machine.h"
-#include "store/hxsim_store_error.h"
+#include "store/hxsim_store_error.h"  // IWYU pragma: export (what is thrown)
 
 namespace hxsim {
 

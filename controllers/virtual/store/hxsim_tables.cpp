@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <concepts>
 #include <cstring>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <string_view>

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <span>
 #include <tuple>
-#include <vector>
 
 #include "model/hxsim_machine.h"
 #include "store/hxsim_sqlite.h"

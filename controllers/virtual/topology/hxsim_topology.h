@@ -2,12 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 
 #include "model/hxsim_machine.h"
-#include "topology/hxsim_topology_error.h"
+#include "topology/hxsim_topology_error.h"  // IWYU pragma: export (what is thrown)
 
 namespace hxsim {
 

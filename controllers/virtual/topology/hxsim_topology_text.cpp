@@ -4,6 +4,8 @@
 #include <initializer_list>
 #include <nlohmann/json.hpp>
 
+#include "topology/hxsim_topology_error.h"
+
 namespace hxsim {
 namespace {
 

@@ -4,7 +4,6 @@
 // machine would not be what was meant.
 #pragma once
 
-#include <concepts>
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
@@ -17,13 +16,10 @@
 #include <string>
 #include <string_view>
 #include <tuple>
-#include <utility>
 #include <vector>
 
 #include "codes/hxraid_codes.h"
 #include "hxraid.h"
-#include "model/hxsim_column.h"
-#include "topology/hxsim_topology_error.h"
 
 namespace hxsim {
 

@@ -3,7 +3,6 @@
 //
 // usage: write_manual schema | functions | man FOLDER
 #include <cstdio>
-#include <cstring>
 #include <fstream>
 #include <map>
 #include <string>

@@ -1,7 +1,5 @@
 #include "model/event_catalogue.h"
 
-#include <iterator>
-
 namespace vexorctl {
 
 namespace {

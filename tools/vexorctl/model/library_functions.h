@@ -6,8 +6,6 @@
 #include <span>
 #include <string_view>
 
-#include "output/cell.h"
-
 namespace vexorctl {
 
 struct FieldRow {

@@ -1,7 +1,5 @@
 #include "model/object_name.h"
 
-#include <algorithm>
-
 #include "model/xml_text.h"
 
 namespace vexorctl {

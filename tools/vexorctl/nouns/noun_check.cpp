@@ -14,7 +14,6 @@
 #include "model/exit_code.h"
 #include "model/fault.h"
 #include "model/virtual_disks.h"
-#include "nouns/creation_options.h"
 #include "nouns/nouns.h"
 #include "output/cell.h"
 #include "output/cell_text.h"

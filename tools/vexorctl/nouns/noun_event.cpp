@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <charconv>
 #include <chrono>
-#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <utility>

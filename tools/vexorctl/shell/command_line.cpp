@@ -1,10 +1,9 @@
 #include "shell/command_line.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
+#include <CLI/Config.hpp>     // IWYU pragma: keep (App.hpp calls what it defines)
+#include <CLI/Formatter.hpp>  // IWYU pragma: keep (likewise)
 #include <algorithm>
-#include <charconv>
 
 #include "model/failure.h"
 #include "model/fault.h"
