@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "codes/event.h"
-#include "vexorapi/vxevent.h"
+#include "vexorapi/vxevent_text.h"
 
 namespace {
 
