@@ -141,7 +141,7 @@ void WriteResult(XMLElement* elmt, XMLWR_Doc* doc) {
         ++doc->Depth;
     } else {
         XMLWR_ElmtStartPrintf(doc, 0, kFunction.name, " %s=\"%s\"", "type", "function");
-        WriteRowsAt<kFunction, kListDepth>(doc, record);
+        WriteRowsExact<kFunction>(doc, record);
     }
     if constexpr (list) kFunction.list.Write(doc, kFunction.name, record);
     if (fast && !closed && kDocCapacity - doc->CurPos >= kEndTag<kFunction>.size()) [[likely]] {

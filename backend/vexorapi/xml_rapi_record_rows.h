@@ -70,7 +70,6 @@ struct PortAddresses {
         }
         return at;
     }
-    template <int depth>
     void WriteExact(XMLWR_Doc* doc, const Adapter_Info& record) const {
         char name[] = "PortSasAddress0";
         for (std::size_t port = 0; port < Ports(record); ++port) {

@@ -180,7 +180,7 @@ int XML_RA_HD_Info(XMLWR_Doc* doc, const char* elmt, HD_Info* records, HX_U32 co
 int XML_RA_UserName_Value(XMLWR_Doc* doc, const char* elmt, const VX_GetUserName* values,
                           HX_U32 count) {
     for (HX_U32 i = 0; i < count; ++i) {
-        WriteRowsAt<kUserName_Value, kListDepth>(doc, values[i]);
+        WriteRowsExact<kUserName_Value>(doc, values[i]);
         XMLWR_ElmtEnd(doc, 0, elmt);
     }
     return 1;

@@ -2,7 +2,7 @@
 //
 // The list drives two writers whose bytes are equal. The fast one joins, at compile time, each
 // field's end tag with the line end, indentation and start tag of the next, checks the room once a
-// record (or once a line, near the document's end) and copies. The exact one goes piece by piece
+// record and copies. The exact one, for the records at the document's end, goes piece by piece
 // through the document writer, which alone decides what is dropped when the document is full.
 #pragma once
 
@@ -168,7 +168,6 @@ struct Column {
             return PutDecimal(at, Value(record));
         }
     }
-    template <int depth>
     void WriteExact(XMLWR_Doc* doc, const R& record) const {
         if constexpr (sizeof(T) == 8) {
             XML_RA_ElmtNonArrayData(doc, name, type, "%llu",
@@ -293,7 +292,6 @@ struct ArrayColumn {
         at = PutItems(at, record.*field);
         return last_blank == LastBlank::Yes ? at : at - 1;
     }
-    template <int depth>
     void WriteExact(XMLWR_Doc* doc, const R& record) const {
         WriteItemsExact(doc, name, type, record.*field, last_blank);
     }
@@ -328,7 +326,6 @@ struct TextColumn {
     [[gnu::always_inline]] char* Put(char* at, const R& record) const {
         return Cleaner::Put(at, record.*field);
     }
-    template <int depth>
     void WriteExact(XMLWR_Doc* doc, const R& record) const {
         char text[n + 1];
         *Cleaner::Put(text, record.*field) = '\0';
@@ -389,15 +386,6 @@ inline constexpr auto kGap = MakeLiteral([](LiteralSink& sink) {
     if constexpr (i < rows) RowAt<i>(kRecord.rows).Head(sink, depth);
 });
 
-template <const auto& kRecord, std::size_t i, int depth>
-inline constexpr auto kRowHead = MakeLiteral([](LiteralSink& sink) {
-    RowAt<i>(kRecord.rows).Head(sink, depth);
-});
-template <const auto& kRecord, std::size_t i, int depth>
-inline constexpr auto kRowTail = MakeLiteral([](LiteralSink& sink) {
-    RowAt<i>(kRecord.rows).Tail(sink, depth);
-});
-
 // The value of one row. The row is copied at compile time, because compilers read a table's fields
 // from memory, each time anew, and do not fold them.
 template <const auto& kRecord, std::size_t i, int depth>
@@ -418,37 +406,10 @@ template <const auto& kRecord, int depth>
     return at;
 }
 
-// `depth` of WriteRowsNearEnd when it is not known at compile time: every row goes piece by piece.
-inline constexpr int kAnyDepth = -1;
-
-// Line by line: the rows whose whole line fits are copied, the others go piece by piece.
-template <const auto& kRecord, int depth>
-[[gnu::noinline]] void WriteRowsNearEnd(XMLWR_Doc* doc, const RecordType<kRecord>& record) {
-    const auto write = [&]<std::size_t i>() {
-        const auto& row = RowAt<i>(kRecord.rows);
-        if constexpr (depth != kAnyDepth) {
-            if (kDocCapacity - doc->CurPos >= kRowBound<kRecord, i, depth>) {
-                char* at = PutLiteral(doc->Buf + doc->CurPos, kRowHead<kRecord, i, depth>);
-                at = row.template Put<depth>(at, record);
-                at = PutLiteral(at, kRowTail<kRecord, i, depth>);
-                doc->CurPos = static_cast<std::uint32_t>(at - doc->Buf);
-                return;
-            }
-        }
-        row.template WriteExact<depth>(doc, record);
-    };
-    [&]<std::size_t... i>(std::index_sequence<i...>) { (write.template operator()<i>(), ...); }
-    (std::make_index_sequence<std::remove_cvref_t<decltype(kRecord)>::kRows>{});
-}
-
-/// WriteRowsNearEnd for rows that usually stand at `depth`, at whatever depth the document is.
-template <const auto& kRecord, int depth>
-void WriteRowsAt(XMLWR_Doc* doc, const RecordType<kRecord>& record) {
-    if (doc->Depth == depth) {
-        WriteRowsNearEnd<kRecord, depth>(doc, record);
-    } else {
-        WriteRowsNearEnd<kRecord, kAnyDepth>(doc, record);
-    }
+/// Writes a record's rows piece by piece, at whatever depth the document is.
+template <const auto& kRecord>
+[[gnu::noinline]] void WriteRowsExact(XMLWR_Doc* doc, const RecordType<kRecord>& record) {
+    kRecord.rows.Apply([&](const auto&... row) { (row.WriteExact(doc, record), ...); });
 }
 
 /// The record within `R` that a nested element shows: a field, or (for rows over the same record) R
@@ -498,10 +459,9 @@ struct Nested {
     [[gnu::always_inline]] char* Put(char* at, const R& record) const {
         return PutRows<kInner, depth + 1>(at, inner(record));
     }
-    template <int depth>
     void WriteExact(XMLWR_Doc* doc, const R& record) const {
         XMLWR_ElmtStartPrintf(doc, 0, name, " %s=\"%s\"", "type", kInner.type);
-        WriteRowsNearEnd<kInner, depth == kAnyDepth ? kAnyDepth : depth + 1>(doc, inner(record));
+        WriteRowsExact<kInner>(doc, inner(record));
         XMLWR_ElmtEnd(doc, 0, name);
     }
 };
@@ -524,7 +484,6 @@ struct ComputedByte {
     [[gnu::always_inline]] char* Put(char* at, const R& record) const {
         return PutDecimal(at, static_cast<HX_U8>(value(record)));
     }
-    template <int depth>
     void WriteExact(XMLWR_Doc* doc, const R& record) const {
         XML_RA_ElmtNonArrayData(doc, name, "U8", "%u", static_cast<unsigned>(value(record)));
     }
@@ -668,7 +627,7 @@ int WriteRecords(XMLWR_Doc* doc, const char* elmt, const RecordType<kRecord>* re
         }
         if (doc->CurPos == kDocCapacity) break;  // not even a line end fits any more
         XMLWR_ElmtStartPrintf(doc, 0, elmt, " %s=\"%s\"", "type", kRecord.type);
-        WriteRowsAt<kRecord, kListDepth + 1>(doc, *record);
+        WriteRowsExact<kRecord>(doc, *record);
         XMLWR_ElmtEnd(doc, 0, elmt);
     }
     return 1;

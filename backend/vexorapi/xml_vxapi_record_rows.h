@@ -64,7 +64,6 @@ struct SenseDataRow {
         }
         return PutLiteral(at - 1, kClose<depth>);
     }
-    template <int depth>
     void WriteExact(XMLWR_Doc* doc, const Event& event) const {
         if (event.SenseDataLength == 0) return;
         const HX_U32 width = Width(event);
@@ -115,7 +114,6 @@ struct EventTextRow {
     [[gnu::always_inline]] char* Put(char* at, const Event& event) const {
         return at + VX_HX_EVT_Sprintf(&event, at);
     }
-    template <int depth>
     void WriteExact(XMLWR_Doc* doc, const Event& event) const {
         char text[kEventTextSize];
         VX_HX_EVT_Sprintf(&event, text);
