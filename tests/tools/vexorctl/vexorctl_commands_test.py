@@ -159,7 +159,7 @@ class Config(VexorctlCase):
 
     def test_what_the_file_does_not_say_has_its_default(self):
         settings = self.settings()
-        self.assertEqual(settings["vexorctl_version"], ("1.2.0", ""))
+        self.assertEqual(settings["vexorctl_version"], (vexorctl_machine.VERSION, ""))
         self.assertEqual(settings["EventLogConfig.MaxNumOfEvent"], ("50000", "default"))
         self.assertEqual(settings["DebugLogConfig.LogEnable"], ("0", "default"))
         self.assertEqual(sum(source == "default" for _, source in settings.values()), 8)

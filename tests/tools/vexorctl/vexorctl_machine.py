@@ -17,6 +17,7 @@ import time
 import unittest
 
 TREE = pathlib.Path(__file__).resolve().parents[3]
+VERSION = re.search(r"project\(.* VERSION ([0-9.]+)", (TREE / "CMakeLists.txt").read_text())[1]
 
 # Set by the program that runs the tests: the folder of vexorctl, hxsimctl and check_in.
 PROGRAMS = ""

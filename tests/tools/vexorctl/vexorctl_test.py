@@ -21,7 +21,7 @@ import tempfile
 import time
 import unittest
 
-from vexorctl_machine import Machine
+from vexorctl_machine import VERSION, Machine
 
 HERE = pathlib.Path(__file__).resolve().parent
 TREE = HERE.parents[2]
@@ -32,7 +32,7 @@ RESULTS = HERE / "data" / "results"
 VERSION_COMMAND = '<HX_API_Version type="function"/>'
 VERSION_RESULT = (
     '<HX_API_Version type="function">\n'
-    '  <RetVal type="string">1.2.0 (virtual controller)</RetVal>\n'
+    f'  <RetVal type="string">{VERSION} (virtual controller)</RetVal>\n'
     "</HX_API_Version>\n"
 )
 COUNT_RESULT = (
@@ -116,7 +116,8 @@ class Xml(VexorctlTest):
         for name in names:
             with self.subTest(example=name):
                 run = self.vexorctl("xml", str(EXAMPLES / name))
-                self.expect(run, 0, (RESULTS / name).read_text(), "")
+                result = (RESULTS / name).read_text().replace("@PROJECT_VERSION@", VERSION)
+                self.expect(run, 0, result, "")
 
     def test_without_a_file_reads_standard_input(self):
         run = self.vexorctl("xml", stdin=VERSION_COMMAND.encode())
@@ -577,7 +578,7 @@ class Usage(VexorctlTest):
                 self.assertEqual((run.code, run.err), (0, ""))
 
     def test_version_prints_one_line(self):
-        self.expect(self.vexorctl("--version"), 0, "vexorctl 1.2.0\n", "")
+        self.expect(self.vexorctl("--version"), 0, f"vexorctl {VERSION}\n", "")
 
     def test_wrong_usage_is_one_line_and_runs_nothing(self):
         self.write("command", VERSION_COMMAND)
