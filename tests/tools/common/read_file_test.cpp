@@ -6,8 +6,9 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
 #include <fstream>
+
+#include "tools/common/folder_case.h"
 
 namespace {
 
@@ -15,14 +16,8 @@ using vexortools::FileError;
 using vexortools::FileKind;
 using vexortools::ReadFile;
 
-class FileToRead : public testing::Test {
+class FileToRead : public FolderCase {
 protected:
-    FileToRead() {
-        char folder[] = "/tmp/read-file-XXXXXX";
-        folder_ = mkdtemp(folder);
-    }
-    ~FileToRead() override { std::filesystem::remove_all(folder_); }
-
     std::string Write(const std::string& content) {
         std::ofstream(folder_ / "file", std::ios::binary) << content;
         return folder_ / "file";
@@ -37,8 +32,6 @@ protected:
         }
         return 0;
     }
-
-    std::filesystem::path folder_;
 };
 
 TEST_F(FileToRead, IsReturnedToTheLastByte) {

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "model/file.h"
+#include "common/read_file.h"
 #include "model/xml_text.h"
 
 #include "vexorapi.h"
@@ -26,8 +26,9 @@ std::string CheckedConfiguration() {
     const std::string path = ConfigurationPath();
     std::string text;
     try {
-        text = ReadFile(path.c_str(), FileKind::kRegular, kMaxConfiguration);
-    } catch (const FileError& failure) {
+        text =
+            vexortools::ReadFile(path.c_str(), vexortools::FileKind::kRegular, kMaxConfiguration);
+    } catch (const vexortools::FileError& failure) {
         if (failure.error == ENOENT || failure.error == ENOTDIR) return {};
         if (failure.error == EFBIG) {
             throw Unavailable(path, "configuration too large: more than " +

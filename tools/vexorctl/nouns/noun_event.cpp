@@ -1,7 +1,4 @@
 // vexorctl event ...
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
@@ -13,13 +10,14 @@
 
 #include "codes/hxraid_codes.h"
 #include "common/duration.h"
+#include "common/read_file.h"
+#include "common/replace_file.h"
 #include "common/timestamp.h"
 #include "model/ask_controller.h"
 #include "model/event_catalogue.h"
 #include "model/event_store.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
-#include "model/file.h"
 #include "model/result_tree.h"
 #include "nouns/nouns.h"
 #include "nouns/plan_and_act.h"
@@ -222,24 +220,15 @@ std::optional<Cursor> ReadCursor(const std::string& path) {
     return cursor;
 }
 
-// Whoever reads the file sees the old one or the new one, never a part.
 void WriteCursor(const std::string& path, const Cursor& cursor) {
-    const std::string text =
-        std::string(kCursorHead) + std::to_string(cursor.next) + " " + cursor.before + "\n";
-    std::string temporary = path + ".XXXXXX";
-    const int file = mkostemp(temporary.data(), O_CLOEXEC);
-    bool written = file >= 0;
-    if (written) {
-        written = write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
-        written = fsync(file) == 0 && written;
-        written = close(file) == 0 && written;
-        written = written && std::rename(temporary.c_str(), path.c_str()) == 0;
+    try {
+        ReplaceFile(path, std::string(kCursorHead) + std::to_string(cursor.next) + " " +
+                              cursor.before + "\n");
+    } catch (const FileError& failure) {
+        const bool is_denied = failure.error == EACCES || failure.error == EPERM;
+        throw Failure(is_denied ? Exit::kNotPermitted : Exit::kUsage,
+                      path + ": the cursor cannot be kept: " + failure.what());
     }
-    if (written) return;
-    const int error = errno;
-    if (file >= 0) unlink(temporary.c_str());
-    throw Failure(error == EACCES || error == EPERM ? Exit::kNotPermitted : Exit::kUsage,
-                  path + ": the cursor cannot be kept: " + std::strerror(error));
 }
 
 void Say(const std::string& message) { ReportFailure("event follow", message); }

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "common/read_file.h"
 #include "model/exit_code.h"
-#include "model/file.h"
 #include "model/library_session.h"
 #include "nouns/nouns.h"
 #include "nouns/raw_command.h"

@@ -1,7 +1,6 @@
 #include "shell/invocation.h"
 
-#include <charconv>
-
+#include "common/number.h"
 #include "model/failure.h"
 
 namespace vexorctl {
@@ -23,10 +22,8 @@ std::string Invocation::Get(std::string_view option, std::string_view otherwise)
 std::optional<std::uint64_t> Invocation::Number(std::string_view option, std::uint64_t max) const {
     const std::string* const value = Get(option);
     if (value == nullptr) return std::nullopt;
-    std::uint64_t number = 0;
-    const char* const end = value->data() + value->size();
-    const auto [stop, error] = std::from_chars(value->data(), end, number);
-    if (value->empty() || error != std::errc() || stop != end || number > max) {
+    const std::optional<std::uint64_t> number = vexortools::ReadNumber(*value, max);
+    if (!number) {
         throw UsageError(std::string(option) + " takes a whole number up to " +
                          std::to_string(max) + ", not \"" + *value + "\"");
     }
