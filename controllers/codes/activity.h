@@ -151,19 +151,19 @@ inline constexpr Named kActivityStateNames[] = {
 static_assert(IsTable(kActivityStateNames));
 
 /// Action of HX_PD_BGAControl, HX_LD_BGAControl and HX_DG_BGAControl.
-struct Control {
+struct ControlAction {
     enum Code : HX_U8 {
         kPause = 1,
         kResume = 2,
         kAbort = 3,
     };
 };
-inline constexpr Named kControlNames[] = {
-    {Control::kPause, "pause"},
-    {Control::kResume, "resume"},
-    {Control::kAbort, "abort"},
+inline constexpr Named kControlActionNames[] = {
+    {ControlAction::kPause, "pause"},
+    {ControlAction::kResume, "resume"},
+    {ControlAction::kAbort, "abort"},
 };
-static_assert(IsTable(kControlNames));
+static_assert(IsTable(kControlActionNames));
 
 /// InitializationOption of what is created and Init_Type of HX_LD_StartINIT, which does not take
 /// kNone.

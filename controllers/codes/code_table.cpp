@@ -102,8 +102,8 @@ CodeTable MakeOwnCodes() {
     table.battery_features = kBatteryFeatureBits;
     table.block_bits = kBlockBits;
     table.cache_bits = kCacheBits;
-    table.connections = kConnectionNames;
-    table.controls = kControlNames;
+    table.connections = kConnectionTypeNames;
+    table.controls = kControlActionNames;
     table.devices = kDeviceNames;
     table.disk_actions = kDiskActionNames;
     table.disk_bits = kDiskBits;

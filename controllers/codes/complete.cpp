@@ -20,8 +20,8 @@ namespace {
 static_assert(IsComplete<ActivityKind::Code, kActivities>());
 static_assert(IsComplete<ActivityState::Code, kActivityStateNames>());
 static_assert(IsComplete<CheckType::Code, kCheckTypeNames>());
-static_assert(IsComplete<Connection::Code, kConnectionNames>());
-static_assert(IsComplete<Control::Code, kControlNames>());
+static_assert(IsComplete<ConnectionType::Code, kConnectionTypeNames>());
+static_assert(IsComplete<ControlAction::Code, kControlActionNames>());
 static_assert(IsComplete<Device::Code, kDeviceNames>());
 static_assert(IsComplete<DiskAction::Code, kDiskActionNames>());
 static_assert(IsComplete<DiskType::Code, kDiskTypeNames>());

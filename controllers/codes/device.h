@@ -26,17 +26,17 @@ static_assert(IsTable(kDeviceNames));
 
 /// How a disk is connected: ConnectionType of HD_Info. Bit 0x01 is ATA commands, 0x02 SCSI
 /// commands, 0x04 a serial link.
-struct Connection {
+struct ConnectionType {
     enum Code : HX_U8 {
         kSata = 0x05,
         kSas = 0x06,
     };
 };
-inline constexpr Named kConnectionNames[] = {
-    {Connection::kSata, "sata"},
-    {Connection::kSas, "sas"},
+inline constexpr Named kConnectionTypeNames[] = {
+    {ConnectionType::kSata, "sata"},
+    {ConnectionType::kSas, "sas"},
 };
-static_assert(IsTable(kConnectionNames));
+static_assert(IsTable(kConnectionTypeNames));
 
 /// The same for callers of older adapters, which derive ConnectionType from it: HDType of HD_Info.
 struct DiskType {

@@ -127,7 +127,7 @@ Step ParseControl(const Words& words) {
     RequireWords(words, 2, words[0] + " and the address of a disk, virtual disk or disk group");
     const Target target = ParseTarget(words[1]);
     const auto action = static_cast<HX_U8>(
-        ParseName(hxcodes::kControlNames, words[0], "way to control an activity"));
+        ParseName(hxcodes::kControlActionNames, words[0], "way to control an activity"));
     const auto* const row = std::ranges::find(kControls, target.kind, &ControlRow::kind);
     if (row == std::end(kControls)) {
         throw UsageError(target.selector.typed +

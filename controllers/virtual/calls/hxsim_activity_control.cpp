@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "calls/hxsim_session.h"
-#include "codes/hxraid_codes.h"
 #include "hxraid.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_disk_fit.h"
@@ -33,19 +32,19 @@ Activity ActivityFor(const Adapter& adapter, const VirtualDisk& virtual_disk, HX
 // ---- Rebuilds ----
 
 HX_U8 CanBeRebuilt(const Adapter& adapter, const VirtualDisk& virtual_disk) {
-    if (!IsRedundant(virtual_disk.level)) return HXSIM_NOT_REDUNDANT;
+    if (!IsRedundant(virtual_disk.level)) return Status::kNotRedundant;
     const HX_U8 state = StateOf(adapter, virtual_disk);
-    if (state != HXSIM_STATE_DEGRADED && state != HXSIM_STATE_PARTIALLY_OPTIMAL) {
-        return HXSIM_WRONG_STATE;
+    if (state != State::kDegraded && state != State::kPartiallyOptimal) {
+        return Status::kWrongState;
     }
-    return MayRebuild(adapter, virtual_disk) ? HX_U8{HX_SUCCESS} : HX_U8{HXSIM_BUSY};
+    return MayRebuild(adapter, virtual_disk) ? HX_U8{HX_SUCCESS} : HX_U8{Status::kBusy};
 }
 
 // Whether the disk carries a lost block of the virtual disk, which can be rebuilt where it is.
 bool CarriesLost(const Adapter& adapter, HX_U16 virtual_disk, HX_U16 disk) {
     return std::ranges::any_of(adapter.blocks, [&](const Block& block) {
         return block.virtual_disk == virtual_disk && block.disk == disk && !block.target &&
-               block.state != HXSIM_STATE_OPTIMAL;
+               block.state != State::kOptimal;
     });
 }
 
@@ -61,8 +60,8 @@ bool NamesTwice(std::span<const HX_U16> disks) {
 }
 
 HX_U8 CheckDisks(const Adapter& adapter, std::span<const HX_U16> disks) {
-    if (!IsThere(adapter, disks)) return HXSIM_NO_DISK;
-    return NamesTwice(disks) ? HX_U8{HXSIM_DISK_REPEATED} : HX_U8{HX_SUCCESS};
+    if (!IsThere(adapter, disks)) return Status::kNoDisk;
+    return NamesTwice(disks) ? HX_U8{Status::kDiskRepeated} : HX_U8{HX_SUCCESS};
 }
 
 // Positions of a virtual disk, or of a disk group, that need a disk, from the lowest on.
@@ -93,7 +92,7 @@ HX_U8 Occupy(Adapter& adapter, Time now, const Array& array, std::span<const HX_
         const HX_U8 refusal = CanServe(adapter, array, *Find(adapter.disks, disk));
         if (refusal != HX_SUCCESS) return refusal;
     }
-    if (disks.size() > vacant.size()) return HXSIM_BAD_DISK_COUNT;
+    if (disks.size() > vacant.size()) return Status::kBadDiskCount;
     for (std::size_t i = 0; i < disks.size(); ++i) {
         PutInto(adapter, now, array, vacant[i], disks[i]);
     }
@@ -101,15 +100,15 @@ HX_U8 Occupy(Adapter& adapter, Time now, const Array& array, std::span<const HX_
 }
 
 HX_U8 StartRebuildOf(Adapter& adapter, Time now, const LD_DG_Rebuild_Param& param) {
-    if (param.PDCount > HX_MAX_HDS) return HXSIM_BAD_COUNT;
+    if (param.PDCount > HX_MAX_HDS) return Status::kBadCount;
     const std::span<const HX_U16> disks(param.PDIDs, param.PDCount);
     switch (param.RebuildType) {
-        case HXSIM_REBUILD_VIRTUAL_DISK:
+        case RebuildType::kVirtualDisk:
             return RebuildVirtualDisk(adapter, now, param.ID, disks);
-        case HXSIM_REBUILD_DISK_GROUP:
+        case RebuildType::kDiskGroup:
             return RebuildDiskGroup(adapter, now, param.ID, disks);
         default:
-            return HXSIM_BAD_ACTION;
+            return Status::kBadAction;
     }
 }
 
@@ -117,10 +116,10 @@ HX_U8 StartRebuildOf(Adapter& adapter, Time now, const LD_DG_Rebuild_Param& para
 
 HX_U8 CanBeRead(const Adapter& adapter, HX_U16 id) {
     const Disk* const disk = FindListed(adapter, id);
-    if (disk == nullptr) return HXSIM_NO_DISK;
-    if (!IsReady(*disk)) return HXSIM_DISK_NOT_READY;
+    if (disk == nullptr) return Status::kNoDisk;
+    if (!IsReady(*disk)) return Status::kDiskNotReady;
     const bool busy = ActivityOf(adapter, Owner::kDisk, id) != nullptr;
-    return busy ? HX_U8{HXSIM_BUSY} : HX_U8{HX_SUCCESS};
+    return busy ? HX_U8{Status::kBusy} : HX_U8{HX_SUCCESS};
 }
 
 void StartOnDisk(Adapter& adapter, Time now, HX_U16 id, HX_U8 kind) {
@@ -136,24 +135,24 @@ void StartOnDisk(Adapter& adapter, Time now, HX_U16 id, HX_U8 kind) {
 
 HX_U8 KindOfInitialisation(HX_U8 type) {
     switch (type) {
-        case HXSIM_INIT_QUICK:
-            return HXSIM_ACTIVITY_INIT_QUICK;
-        case HXSIM_INIT_FOREGROUND:
-            return HXSIM_ACTIVITY_INIT_FORE;
-        case HXSIM_INIT_BACKGROUND:
-            return HXSIM_ACTIVITY_INIT_BACK;
+        case Init::kQuick:
+            return ActivityKind::kInitQuick;
+        case Init::kForeground:
+            return ActivityKind::kInitForeground;
+        case Init::kBackground:
+            return ActivityKind::kInitBackground;
         default:
-            return HXSIM_ACTIVITY_NONE;
+            return ActivityKind::kNone;
     }
 }
 
 HX_U8 StartInitialisation(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
     VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
-    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+    if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
     const HX_U8 kind = KindOfInitialisation(type);
-    if (kind == HXSIM_ACTIVITY_NONE) return HXSIM_BAD_ACTION;
-    if (IsBusy(adapter, *virtual_disk)) return HXSIM_BUSY;
-    if (StateOf(adapter, *virtual_disk) != HXSIM_STATE_OPTIMAL) return HXSIM_WRONG_STATE;
+    if (kind == ActivityKind::kNone) return Status::kBadAction;
+    if (IsBusy(adapter, *virtual_disk)) return Status::kBusy;
+    if (StateOf(adapter, *virtual_disk) != State::kOptimal) return Status::kWrongState;
     virtual_disk->initialised = false;
     Start(adapter, now, ActivityFor(adapter, *virtual_disk, kind));
     return HX_SUCCESS;
@@ -161,15 +160,15 @@ HX_U8 StartInitialisation(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
 
 HX_U8 StartCheck(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
     const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
-    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
-    if (type != HXSIM_CHECK_ONLY && type != HXSIM_CHECK_AND_FIX) return HXSIM_BAD_ACTION;
-    if (!IsRedundant(virtual_disk->level)) return HXSIM_NOT_REDUNDANT;
-    if (IsBusy(adapter, *virtual_disk)) return HXSIM_BUSY;
+    if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
+    if (type != CheckType::kOnly && type != CheckType::kAndFix) return Status::kBadAction;
+    if (!IsRedundant(virtual_disk->level)) return Status::kNotRedundant;
+    if (IsBusy(adapter, *virtual_disk)) return Status::kBusy;
     // Without all its disks, or before it has been initialised, nothing is there to agree.
-    if (StateOf(adapter, *virtual_disk) != HXSIM_STATE_OPTIMAL || !virtual_disk->initialised) {
-        return HXSIM_WRONG_STATE;
+    if (StateOf(adapter, *virtual_disk) != State::kOptimal || !virtual_disk->initialised) {
+        return Status::kWrongState;
     }
-    const HX_U8 kind = type == HXSIM_CHECK_ONLY ? HXSIM_ACTIVITY_CHECK : HXSIM_ACTIVITY_FIX;
+    const HX_U8 kind = type == CheckType::kOnly ? ActivityKind::kCheck : ActivityKind::kFix;
     Start(adapter, now, ActivityFor(adapter, *virtual_disk, kind));
     return HX_SUCCESS;
 }
@@ -177,20 +176,20 @@ HX_U8 StartCheck(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
 HX_U8 StartMediaPatrol(Adapter& adapter, Time now, HX_U16 disk) {
     const HX_U8 refusal = CanPatrol(adapter, disk);
     if (refusal != HX_SUCCESS) return refusal;
-    StartOnDisk(adapter, now, disk, HXSIM_ACTIVITY_MEDIA_PATROL);
+    StartOnDisk(adapter, now, disk, ActivityKind::kMediaPatrol);
     return HX_SUCCESS;
 }
 
 HX_U8 StartDataScrub(Adapter& adapter, Time now, HX_U16 disk) {
     const HX_U8 refusal = CanBeRead(adapter, disk);
     if (refusal != HX_SUCCESS) return refusal;
-    StartOnDisk(adapter, now, disk, HXSIM_ACTIVITY_DATA_SCRUB);
+    StartOnDisk(adapter, now, disk, ActivityKind::kDataScrub);
     return HX_SUCCESS;
 }
 
 HX_U8 RebuildVirtualDisk(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks) {
     const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
-    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+    if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
     if (const HX_U8 refusal = CheckDisks(adapter, disks); refusal != HX_SUCCESS) return refusal;
     if (const HX_U8 refusal = CanBeRebuilt(adapter, *virtual_disk); refusal != HX_SUCCESS) {
         return refusal;
@@ -200,34 +199,34 @@ HX_U8 RebuildVirtualDisk(Adapter& adapter, Time now, HX_U16 id, std::span<const 
         if (!CarriesLost(adapter, id, disk)) {
             others.push_back(disk);
         } else if (!IsReady(*Find(adapter.disks, disk))) {
-            return HXSIM_DISK_NOT_READY;
+            return Status::kDiskNotReady;
         }
     }
     if (!others.empty()) {
-        if (virtual_disk->group != kNoId) return HXSIM_ON_DISK_GROUP;
+        if (virtual_disk->group != kNoId) return Status::kOnDiskGroup;
         const HX_U8 refusal = Occupy(adapter, now, *virtual_disk, others);
         if (refusal != HX_SUCCESS) return refusal;
     }
-    if (!HasBlocksToRebuild(adapter, *virtual_disk, true)) return HXSIM_BAD_DISK_COUNT;
+    if (!HasBlocksToRebuild(adapter, *virtual_disk, true)) return Status::kBadDiskCount;
     StartRebuild(adapter, now, id);
     return HX_SUCCESS;
 }
 
 HX_U8 RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks) {
     const DiskGroup* const group = Find(adapter.disk_groups, id);
-    if (group == nullptr) return HXSIM_NO_DISK_GROUP;
+    if (group == nullptr) return Status::kNoDiskGroup;
     if (const HX_U8 refusal = CheckDisks(adapter, disks); refusal != HX_SUCCESS) return refusal;
-    if (!IsRedundant(group->level)) return HXSIM_NOT_REDUNDANT;
+    if (!IsRedundant(group->level)) return Status::kNotRedundant;
     const HX_U8 state = StateOf(adapter, *group);
-    if (state != HXSIM_STATE_DEGRADED && state != HXSIM_STATE_PARTIALLY_OPTIMAL) {
-        return HXSIM_WRONG_STATE;
+    if (state != State::kDegraded && state != State::kPartiallyOptimal) {
+        return Status::kWrongState;
     }
     std::vector<HX_U16> members;
     for (const VirtualDisk& each : adapter.virtual_disks) {
         if (each.group != id) continue;
         members.push_back(each.id);
         // One that has been rebuilt before the others may have nothing to be done.
-        if (StateOf(adapter, each) == HXSIM_STATE_OPTIMAL) continue;
+        if (StateOf(adapter, each) == State::kOptimal) continue;
         if (const HX_U8 refusal = CanBeRebuilt(adapter, each); refusal != HX_SUCCESS) {
             return refusal;
         }
@@ -237,7 +236,7 @@ HX_U8 RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX
         if (GroupOf(adapter, disk) != group) {
             others.push_back(disk);
         } else if (!IsReady(*Find(adapter.disks, disk))) {
-            return HXSIM_DISK_NOT_READY;
+            return Status::kDiskNotReady;
         }
     }
     if (const HX_U8 refusal = Occupy(adapter, now, *group, others); refusal != HX_SUCCESS) {
@@ -249,24 +248,24 @@ HX_U8 RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX
         StartRebuild(adapter, now, member);
         any = true;
     }
-    return any ? HX_U8{HX_SUCCESS} : HX_U8{HXSIM_BAD_DISK_COUNT};
+    return any ? HX_U8{HX_SUCCESS} : HX_U8{Status::kBadDiskCount};
 }
 
 HX_U8 Control(Adapter& adapter, Time now, Owner of, HX_U16 owner, HX_U8 action) {
-    if (action != HXSIM_CONTROL_PAUSE && action != HXSIM_CONTROL_RESUME &&
-        action != HXSIM_CONTROL_ABORT) {
-        return HXSIM_BAD_ACTION;
+    if (action != ControlAction::kPause && action != ControlAction::kResume &&
+        action != ControlAction::kAbort) {
+        return Status::kBadAction;
     }
     Activity* const activity = ActivityOf(adapter, of, owner);
-    if (activity == nullptr) return HXSIM_NO_ACTIVITY;
+    if (activity == nullptr) return Status::kNoActivity;
     const HX_U8 state = activity->state;
     switch (action) {
-        case HXSIM_CONTROL_PAUSE:
+        case ControlAction::kPause:
             return Pause(adapter, now, *activity);
-        case HXSIM_CONTROL_RESUME:
-            if (state == HXSIM_ACTIVITY_RUNNING) return HXSIM_NO_CHANGE;
+        case ControlAction::kResume:
+            if (state == ActivityState::kRunning) return Status::kNoChange;
             // What has made the controller pause it is still there.
-            if (state == HXSIM_ACTIVITY_AUTO_PAUSED) return HXSIM_WRONG_STATE;
+            if (state == ActivityState::kAutoPaused) return Status::kWrongState;
             Resume(adapter, now, *activity);
             return HX_SUCCESS;
         default:
@@ -276,15 +275,15 @@ HX_U8 Control(Adapter& adapter, Time now, Owner of, HX_U16 owner, HX_U8 action) 
 }
 
 HX_U8 ControlGroup(Adapter& adapter, Time now, HX_U16 id, HX_U8 action) {
-    if (Find(adapter.disk_groups, id) == nullptr) return HXSIM_NO_DISK_GROUP;
+    if (Find(adapter.disk_groups, id) == nullptr) return Status::kNoDiskGroup;
     const HX_U8 own = Control(adapter, now, Owner::kDiskGroup, id, action);
-    if (own != HXSIM_NO_ACTIVITY) return own;
-    HX_U8 result = HXSIM_NO_ACTIVITY;
+    if (own != Status::kNoActivity) return own;
+    HX_U8 result = Status::kNoActivity;
     for (const VirtualDisk& each : adapter.virtual_disks) {
         if (each.group != id) continue;
         const HX_U8 status = Control(adapter, now, Owner::kVirtualDisk, each.id, action);
         // One of them is enough; when there is none, what keeps the first from it is told.
-        if (status == HX_SUCCESS || result == HXSIM_NO_ACTIVITY) result = status;
+        if (status == HX_SUCCESS || result == Status::kNoActivity) result = status;
     }
     return result;
 }
@@ -301,7 +300,7 @@ HX_U8 CanPatrol(const Adapter& adapter, HX_U16 id) {
     const HX_U8 refusal = CanBeRead(adapter, id);
     if (refusal != HX_SUCCESS) return refusal;
     const bool offered = (adapter.info.Features & kMediaPatrolFeature) != 0;
-    return offered ? HX_U8{HX_SUCCESS} : HX_U8{HXSIM_NOT_SUPPORTED};
+    return offered ? HX_U8{HX_SUCCESS} : HX_U8{Status::kNotSupported};
 }
 
 }  // namespace hxsim
@@ -329,7 +328,7 @@ HX_U8 HX_LD_StartRebuild(HX_U8 AdapterID, HX_U16 LD_ID, HX_U16 Rebuild_HD_ID) {
 HX_U8 HX_LD_DG_StartRebuild(HX_U8 AdapterID, LD_DG_Rebuild_Param* param) {
     return hxsim::Change(__func__, AdapterID,
                          [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             if (param == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::StartRebuildOf(adapter, now, *param);
                          });
 }
@@ -337,7 +336,8 @@ HX_U8 HX_LD_DG_StartRebuild(HX_U8 AdapterID, LD_DG_Rebuild_Param* param) {
 HX_U8 HX_LD_BGAControl(HX_U8 AdapterID, HX_U16 LD_ID, HX_U8 Actions) {
     return hxsim::Change(
         __func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-            if (hxsim::Find(adapter.virtual_disks, LD_ID) == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+            if (hxsim::Find(adapter.virtual_disks, LD_ID) == nullptr)
+                return hxcodes::Status::kNoVirtualDisk;
             return hxsim::Control(adapter, now, hxsim::Owner::kVirtualDisk, LD_ID, Actions);
         });
 }
@@ -377,7 +377,7 @@ HX_U8 HX_PD_StartDataScrub(HX_U8 AdapterID, HX_U16 HD_ID) {
 HX_U8 HX_PD_BGAControl(HX_U8 AdapterID, HX_U16 HD_ID, HX_U8 Action) {
     return hxsim::Change(
         __func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-            if (hxsim::FindListed(adapter, HD_ID) == nullptr) return HXSIM_NO_DISK;
+            if (hxsim::FindListed(adapter, HD_ID) == nullptr) return hxcodes::Status::kNoDisk;
             return hxsim::Control(adapter, now, hxsim::Owner::kDisk, HD_ID, Action);
         });
 }

@@ -8,7 +8,7 @@
 
 namespace hxsim {
 
-/// The activity that initialises a virtual disk so (HxsimInit): HxsimActivity, none for a way that
+/// The activity that initialises a virtual disk so (Init): ActivityKind, none for a way that
 /// is none.
 HX_U8 KindOfInitialisation(HX_U8 type);
 
@@ -25,11 +25,11 @@ HX_U8 StartDataScrub(Adapter& adapter, Time now, HX_U16 disk);
 HX_U8 RebuildVirtualDisk(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks);
 HX_U8 RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks);
 
-/// Pauses, resumes or aborts (HxsimControl) what runs on an object, for a caller. Refused with
-/// HXSIM_NO_ACTIVITY, HXSIM_BAD_ACTION, HXSIM_WRONG_STATE or HXSIM_NO_CHANGE.
+/// Pauses, resumes or aborts (ControlAction) what runs on an object, for a caller. Refused with
+/// Status::kNoActivity, Status::kBadAction, Status::kWrongState or Status::kNoChange.
 HX_U8 Control(Adapter& adapter, Time now, Owner of, HX_U16 owner, HX_U8 action);
 
-/// Controls (HxsimControl) what runs on a disk group itself, or else on its virtual disks.
+/// Controls (ControlAction) what runs on a disk group itself, or else on its virtual disks.
 HX_U8 ControlGroup(Adapter& adapter, Time now, HX_U16 id, HX_U8 action);
 
 /// Pauses what runs on virtual disks and disk groups.

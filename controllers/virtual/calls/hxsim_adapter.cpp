@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "calls/hxsim_session.h"
-#include "codes/hxraid_codes.h"
 #include "incidents/hxsim_hostile_answer.h"
+#include "model/hxsim_codes.h"
 #include "rules/hxsim_activity.h"
 #include "rules/hxsim_alarm.h"
 #include "rules/hxsim_event_queue.h"
@@ -52,18 +52,18 @@ constexpr HX_BOOLEAN Adapter_Config_V2::*kBooleans[] = {&Adapter_Config_V2::Alar
 
 HX_U8 CheckSettings(const Adapter& adapter, const Adapter_Config_V2& config) {
     for (const Rate& rate : kRates) {
-        if (config.*rate.setting > 100) return HXSIM_BAD_VALUE;
+        if (config.*rate.setting > 100) return Status::kBadValue;
     }
     for (const auto setting : kZeroOrOne) {
-        if (config.*setting > 1) return HXSIM_BAD_VALUE;
+        if (config.*setting > 1) return Status::kBadValue;
     }
     for (const Rate& rate : kRates) {
         const bool can_be_set = (adapter.info.Features & rate.feature) == rate.feature;
         const bool changes = config.*rate.setting != adapter.config.*rate.setting;
-        if (changes && !can_be_set) return HXSIM_NOT_SUPPORTED;
+        if (changes && !can_be_set) return Status::kNotSupported;
     }
     const bool wants_alarm = config.AlarmOn != 0 && adapter.config.AlarmOn == 0;
-    return wants_alarm && adapter.info.AlarmSupport == 0 ? HX_U8{HXSIM_NOT_SUPPORTED}
+    return wants_alarm && adapter.info.AlarmSupport == 0 ? HX_U8{Status::kNotSupported}
                                                          : HX_U8{HX_SUCCESS};
 }
 
@@ -81,7 +81,7 @@ void AnnounceSettings(Adapter& adapter, Time now, const Adapter_Config_V2& befor
 }
 
 HX_U8 GetInfo(const Adapter& adapter, HX_U8* count, Adapter_Info* info) {
-    if (count == nullptr || info == nullptr) return HXSIM_NULL_ADDRESS;
+    if (count == nullptr || info == nullptr) return Status::kNullAddress;
     *info = adapter.info;
     *count = 1;
     if (IsHostile()) {
@@ -92,7 +92,7 @@ HX_U8 GetInfo(const Adapter& adapter, HX_U8* count, Adapter_Info* info) {
 }
 
 HX_U8 GetSettings(const Adapter& adapter, HX_U8* count, Adapter_Config_V2* config) {
-    if (count == nullptr || config == nullptr) return HXSIM_NULL_ADDRESS;
+    if (count == nullptr || config == nullptr) return Status::kNullAddress;
     *config = adapter.config;
     *count = 1;
     if (IsHostile()) {
@@ -118,7 +118,7 @@ HX_U8 SetAdapter(Adapter& adapter, Time now, const Adapter_Config_V2& config) {
 }
 
 HX_U8 Mute(Adapter& adapter) {
-    if (adapter.info.AlarmSupport == 0) return HXSIM_NOT_SUPPORTED;
+    if (adapter.info.AlarmSupport == 0) return Status::kNotSupported;
     adapter.muted = true;
     // With nothing wrong there is nothing to be silenced, and the next alarm sounds.
     UpdateAlarm(adapter, false);
@@ -141,7 +141,7 @@ HX_U8 HX_Adapter_GetConfig(HX_U8 AdapterID, HX_U8* count, Adapter_Config_V2* con
 
 HX_U8 HX_Adapter_SetConfig(HX_U8 AdapterID, Adapter_Config_V2* config) {
     const auto work = [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-        if (config == nullptr) return HXSIM_NULL_ADDRESS;
+        if (config == nullptr) return hxcodes::Status::kNullAddress;
         return hxsim::SetAdapter(adapter, now, *config);
     };
     return hxsim::Change(__func__, AdapterID, work);

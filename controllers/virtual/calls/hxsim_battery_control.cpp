@@ -2,9 +2,9 @@
 #include "calls/hxsim_battery_control.h"
 
 #include "calls/hxsim_session.h"
-#include "codes/hxraid_codes.h"
 #include "hxraid.h"
 #include "incidents/hxsim_hostile_answer.h"
+#include "model/hxsim_codes.h"
 #include "rules/hxsim_battery.h"
 #include "rules/hxsim_event_queue.h"
 
@@ -23,11 +23,12 @@ Battery* BatteryOf(Adapter& adapter) {
 
 HX_U8 SetThreshold(Adapter& adapter, Time now, HX_U8 kind, HX_U16 lower, HX_U16 upper) {
     const Battery* const battery = BatteryOf(adapter);
-    if (battery == nullptr) return HXSIM_NO_BATTERY;
-    if ((battery->info.featureSupport & HXSIM_BATTERY_THRESHOLDS) == 0) return HXSIM_NOT_SUPPORTED;
+    if (battery == nullptr) return Status::kNoBattery;
+    if ((battery->info.featureSupport & BatteryFeature::kThresholds) == 0)
+        return Status::kNotSupported;
     switch (kind) {
         case HX_BBU_THRESHOLD_TEMPERATURE:
-            if (lower >= upper || upper > kHighestTemperature) return HXSIM_BAD_VALUE;
+            if (lower >= upper || upper > kHighestTemperature) return Status::kBadValue;
             ChangeBattery(adapter, now, [&](Battery& changed) {
                 changed.info.temp_lowerbound = lower;
                 changed.info.temp_upperbound = upper;
@@ -35,7 +36,7 @@ HX_U8 SetThreshold(Adapter& adapter, Time now, HX_U8 kind, HX_U16 lower, HX_U16 
             return HX_SUCCESS;
         case HX_BBU_THRESHOLD_VOLTAGE:
             if (lower >= upper || lower < kLowestVoltage || upper > kHighestVoltage) {
-                return HXSIM_BAD_VALUE;
+                return Status::kBadValue;
             }
             ChangeBattery(adapter, now, [&](Battery& changed) {
                 changed.info.volt_lowerbound = lower;
@@ -43,15 +44,15 @@ HX_U8 SetThreshold(Adapter& adapter, Time now, HX_U8 kind, HX_U16 lower, HX_U16 
             });
             return HX_SUCCESS;
         default:
-            return HXSIM_BAD_ACTION;
+            return Status::kBadAction;
     }
 }
 
 HX_U8 ChangePower(Adapter& adapter, Time now, HX_U8 action) {
     const Battery* const battery = BatteryOf(adapter);
-    if (battery == nullptr) return HXSIM_NO_BATTERY;
-    if (action > HXSIM_POWER_DISCHARGE) return HXSIM_BAD_ACTION;
-    if (Relearns(battery->phase)) return HXSIM_BUSY;
+    if (battery == nullptr) return Status::kNoBattery;
+    if (action > Power::kDischarge) return Status::kBadAction;
+    if (Relearns(battery->phase)) return Status::kBusy;
     const HX_U16 charge = ChargeAt(*battery, now);
     const auto enter = [&](BatteryPhase phase, const EventKind& event) {
         Queue(adapter, now, event, kBattery);
@@ -59,15 +60,15 @@ HX_U8 ChangePower(Adapter& adapter, Time now, HX_U8 action) {
         return HX_U8{HX_SUCCESS};
     };
     switch (action) {
-        case HXSIM_POWER_CHARGE:
-            if (Charges(battery->phase) || charge >= Capacity(*battery)) return HXSIM_NO_CHANGE;
+        case Power::kCharge:
+            if (Charges(battery->phase) || charge >= Capacity(*battery)) return Status::kNoChange;
             return enter(BatteryPhase::kCharging, kBatteryStartedCharging);
-        case HXSIM_POWER_DISCHARGE:
-            if (Discharges(battery->phase) || charge == 0) return HXSIM_NO_CHANGE;
+        case Power::kDischarge:
+            if (Discharges(battery->phase) || charge == 0) return Status::kNoChange;
             return enter(BatteryPhase::kDischarging, kBatteryDischarging);
         default:
-            if ((battery->info.featureSupport & HXSIM_BATTERY_RELEARN) == 0) {
-                return HXSIM_NOT_SUPPORTED;
+            if ((battery->info.featureSupport & BatteryFeature::kRelearn) == 0) {
+                return Status::kNotSupported;
             }
             return enter(BatteryPhase::kRelearnDischarging, kBatteryRelearnStarted);
     }
@@ -75,8 +76,8 @@ HX_U8 ChangePower(Adapter& adapter, Time now, HX_U8 action) {
 
 HX_U8 SwitchBattery(Adapter& adapter, Time now, bool on) {
     const Battery* const battery = BatteryOf(adapter);
-    if (battery == nullptr) return HXSIM_NO_BATTERY;
-    if (battery->switched_on == on) return HXSIM_NO_CHANGE;
+    if (battery == nullptr) return Status::kNoBattery;
+    if (battery->switched_on == on) return Status::kNoChange;
     ChangeBattery(adapter, now, [&](Battery& changed) { changed.switched_on = on; });
     return HX_SUCCESS;
 }
@@ -85,9 +86,9 @@ HX_U8 SwitchBattery(Adapter& adapter, Time now, bool on) {
 
 HX_U8 HX_BBU_GetInfo(HX_U8 AdapterID, BBU_Info* info) {
     const auto work = [&](const hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-        if (info == nullptr) return HXSIM_NULL_ADDRESS;
+        if (info == nullptr) return hxcodes::Status::kNullAddress;
         if (adapter.batteries.empty() || !adapter.batteries.front().present) {
-            return HXSIM_NO_BATTERY;
+            return hxcodes::Status::kNoBattery;
         }
         *info = hxsim::Describe(adapter.batteries.front(), now);
         if (hxsim::IsHostile()) hxsim::MakeRecordHostile(info, sizeof *info);

@@ -6,7 +6,6 @@
 
 #include "calls/hxsim_disk_list.h"
 #include "calls/hxsim_list_page.h"
-#include "codes/hxraid_codes.h"
 #include "hxraid.h"
 #include "model/hxsim_machine.h"
 
@@ -14,16 +13,16 @@ namespace hxsim {
 namespace {
 
 HX_U8 StateOn(const Disk& disk, const Block& block) {
-    if (disk.foreign) return HXSIM_STATE_FOREIGN;
-    return IsReady(disk) ? block.state : HX_U8{HXSIM_STATE_OFFLINE};
+    if (disk.foreign) return State::kForeign;
+    return IsReady(disk) ? block.state : HX_U8{State::kOffline};
 }
 
 void DescribeBlock(const Disk& disk, const DiskRole& role, const Block& block, Block_Info& info) {
     info.ID = block.id;
     info.HDID = block.disk;
-    if (block.virtual_disk != kNoVirtualDisk) info.Flags |= HXSIM_BLOCK_USED;
-    if (role.of_group) info.Flags |= HXSIM_BLOCK_OF_GROUP;
-    if (block.target) info.Flags |= HXSIM_BLOCK_TARGET;
+    if (block.virtual_disk != kNoVirtualDisk) info.Flags |= BlockBit::kUsed;
+    if (role.of_group) info.Flags |= BlockBit::kOfGroup;
+    if (block.target) info.Flags |= BlockBit::kTarget;
     info.LDID = block.virtual_disk;
     info.Status = StateOn(disk, block);
     info.BlockSize = 512;
@@ -37,7 +36,7 @@ std::vector<HD_Block_Info> BlocksByDisk(const Adapter& adapter) {
     for (const Disk& disk : adapter.disks) {
         HD_Block_Info& blocks = all.emplace_back();
         blocks.ID = disk.id;
-        blocks.Type = HXSIM_DEVICE_DISK;
+        blocks.Type = Device::kDisk;
         std::ranges::fill(blocks.BlockIDs, kNoId);
     }
     std::vector<std::size_t> listed(all.size());
@@ -67,7 +66,7 @@ HX_U8 HX_BLK_GetInfo(HX_U8 AdapterID, Info_Request* request) {
         hxsim::DescribeBlock(disk, roles->Of(disk), block, info);
     };
     return hxsim::List(__func__, AdapterID, request, &Info_Request::blockInfo,
-                       &hxsim::Adapter::blocks, HXSIM_NO_BLOCK, is_listed, describe);
+                       &hxsim::Adapter::blocks, hxcodes::Status::kNoBlock, is_listed, describe);
 }
 
 HX_U8 HX_BLK_GetHDBlock(HX_U8 AdapterID, HD_Block_Info_Request* request) {

@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "calls/hxsim_session.h"
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_disk_role.h"
 #include "rules/hxsim_disk_contents.h"
 #include "rules/hxsim_disk_write_cache.h"
@@ -30,12 +29,12 @@ void MakeNoSpare(Adapter& adapter, Time now, Disk& disk) {
 }
 
 HX_U8 SetFree(Adapter& adapter, Time now, Disk& disk) {
-    if (!disk.present) return HXSIM_DISK_NOT_READY;
+    if (!disk.present) return Status::kDiskNotReady;
     const bool configured = IsConfigured(adapter, disk.id);
     if (!disk.failed && !disk.foreign) {
-        if (configured) return HXSIM_DISK_IN_USE;
-        if (disk.spare != Spare::kNone) return HXSIM_WRONG_STATE;
-        if (!disk.offline) return HXSIM_NO_CHANGE;
+        if (configured) return Status::kDiskInUse;
+        if (disk.spare != Spare::kNone) return Status::kWrongState;
+        if (!disk.offline) return Status::kNoChange;
     }
     if (configured) DropContents(adapter, now, disk.id);
     MakeNoSpare(adapter, now, disk);
@@ -46,18 +45,18 @@ HX_U8 SetFree(Adapter& adapter, Time now, Disk& disk) {
 
 HX_U8 Switch(Adapter& adapter, Time now, HX_U16 id, bool online) {
     Disk& disk = *Find(adapter.disks, id);
-    if (!CanBeSwitched(disk)) return HXSIM_DISK_NOT_READY;
-    if (disk.offline != online) return HXSIM_NO_CHANGE;
+    if (!CanBeSwitched(disk)) return Status::kDiskNotReady;
+    if (disk.offline != online) return Status::kNoChange;
     Switch(adapter, now, disk, online);
     return HX_SUCCESS;
 }
 
 // Whether the disk can become the spare that is asked for.
 HX_U8 CheckSpare(const Adapter& adapter, const Disk& disk, Spare spare, HX_U16 group) {
-    if (!IsReady(disk)) return HXSIM_DISK_NOT_READY;
-    if (IsConfigured(adapter, disk.id)) return HXSIM_DISK_IN_USE;
-    if (disk.spare == spare && disk.spare_group == group) return HXSIM_NO_CHANGE;
-    return disk.spare == Spare::kNone ? HX_SUCCESS : HXSIM_DISK_TAKEN;
+    if (!IsReady(disk)) return Status::kDiskNotReady;
+    if (IsConfigured(adapter, disk.id)) return Status::kDiskInUse;
+    if (disk.spare == spare && disk.spare_group == group) return Status::kNoChange;
+    return disk.spare == Spare::kNone ? HX_SUCCESS : Status::kDiskTaken;
 }
 
 // A spare that has stepped in comes back, so that its place is kept.
@@ -78,8 +77,8 @@ void MakeSpare(Adapter& adapter, Time now, Disk& disk, Spare spare, HX_U16 group
 
 HX_U8 SetDisk(Adapter& adapter, Time now, HX_U16 id, const HD_Config& config) {
     Disk* const disk = FindListed(adapter, id);
-    if (disk == nullptr) return HXSIM_NO_DISK;
-    if (!CanBeSwitched(*disk)) return HXSIM_DISK_NOT_READY;
+    if (disk == nullptr) return Status::kNoDisk;
+    if (!CanBeSwitched(*disk)) return Status::kDiskNotReady;
     // The speed is what the two ends of the link have agreed on; it is told and not set.
     SetWriteCache(adapter, now, id, config.WriteCacheOn != 0);
     disk->smart_on = config.SMARTOn != 0;
@@ -89,10 +88,10 @@ HX_U8 SetDisk(Adapter& adapter, Time now, HX_U16 id, const HD_Config& config) {
 
 HX_U8 WipeDisk(Adapter& adapter, Time now, HX_U16 id, bool force) {
     Disk* const disk = FindListed(adapter, id);
-    if (disk == nullptr) return HXSIM_NO_DISK;
-    if (!Answers(*disk)) return HXSIM_DISK_NOT_READY;
+    if (disk == nullptr) return Status::kNoDisk;
+    if (!Answers(*disk)) return Status::kDiskNotReady;
     const bool configured = IsConfigured(adapter, id);
-    if (configured && !force) return HXSIM_HOLDS_VIRTUAL_DISKS;
+    if (configured && !force) return Status::kHoldsVirtualDisks;
     if (configured) DropContents(adapter, now, id);
     MakeNoSpare(adapter, now, *disk);
     disk->foreign = false;
@@ -101,22 +100,22 @@ HX_U8 WipeDisk(Adapter& adapter, Time now, HX_U16 id, bool force) {
 
 HX_U8 SetDiskState(Adapter& adapter, Time now, HX_U16 id, HX_U8 action) {
     Disk* const disk = FindListed(adapter, id);
-    if (disk == nullptr) return HXSIM_NO_DISK;
+    if (disk == nullptr) return Status::kNoDisk;
     switch (action) {
-        case HXSIM_SET_ONLINE:
+        case DiskAction::kOnline:
             return Switch(adapter, now, id, true);
-        case HXSIM_SET_OFFLINE:
+        case DiskAction::kOffline:
             return Switch(adapter, now, id, false);
-        case HXSIM_SET_FREE:
+        case DiskAction::kFree:
             return SetFree(adapter, now, *disk);
         default:
-            return HXSIM_BAD_ACTION;
+            return Status::kBadAction;
     }
 }
 
 HX_U8 MakeGlobalSpare(Adapter& adapter, Time now, HX_U16 id) {
     Disk* const disk = FindListed(adapter, id);
-    if (disk == nullptr) return HXSIM_NO_DISK;
+    if (disk == nullptr) return Status::kNoDisk;
     const HX_U8 status = CheckSpare(adapter, *disk, Spare::kGlobal, kNoId);
     if (status != HX_SUCCESS) return status;
     MakeSpare(adapter, now, *disk, Spare::kGlobal, kNoId);
@@ -125,13 +124,13 @@ HX_U8 MakeGlobalSpare(Adapter& adapter, Time now, HX_U16 id) {
 
 HX_U8 MakeGroupSpare(Adapter& adapter, Time now, HX_U16 id, HX_U16 group) {
     Disk* const disk = FindListed(adapter, id);
-    if (disk == nullptr) return HXSIM_NO_DISK;
-    if (Find(adapter.disk_groups, group) == nullptr) return HXSIM_NO_DISK_GROUP;
+    if (disk == nullptr) return Status::kNoDisk;
+    if (Find(adapter.disk_groups, group) == nullptr) return Status::kNoDiskGroup;
     const HX_U8 status = CheckSpare(adapter, *disk, Spare::kGroup, group);
     if (status != HX_SUCCESS) return status;
     const auto is_spare = [&](const Disk& each) { return IsSpareOf(each, group); };
     if (std::ranges::count_if(adapter.disks, is_spare) >= HX_MAX_DG_SPARES) {
-        return HXSIM_TOO_MANY_SPARES;
+        return Status::kTooManySpares;
     }
     MakeSpare(adapter, now, *disk, Spare::kGroup, group);
     return HX_SUCCESS;
@@ -139,8 +138,8 @@ HX_U8 MakeGroupSpare(Adapter& adapter, Time now, HX_U16 id, HX_U16 group) {
 
 HX_U8 FreeSpare(Adapter& adapter, Time now, HX_U16 id) {
     Disk* const disk = FindListed(adapter, id);
-    if (disk == nullptr) return HXSIM_NO_DISK;
-    if (disk->spare == Spare::kNone) return HXSIM_DISK_NOT_SPARE;
+    if (disk == nullptr) return Status::kNoDisk;
+    if (disk->spare == Spare::kNone) return Status::kDiskNotSpare;
     MakeNoSpare(adapter, now, *disk);
     return HX_SUCCESS;
 }
@@ -150,7 +149,7 @@ HX_U8 FreeSpare(Adapter& adapter, Time now, HX_U16 id) {
 HX_U8 HX_PD_SetConfig(HX_U8 AdapterID, HX_U16 HD_ID, HD_Config* config) {
     return hxsim::Change(__func__, AdapterID,
                          [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-                             if (config == nullptr) return HXSIM_NULL_ADDRESS;
+                             if (config == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::SetDisk(adapter, now, HD_ID, *config);
                          });
 }

@@ -10,7 +10,7 @@ namespace hxsim {
 /// caller (Settle).
 HX_U8 SetDisk(Adapter& adapter, Time now, HX_U16 id, const HD_Config& config);
 HX_U8 WipeDisk(Adapter& adapter, Time now, HX_U16 id, bool force);
-HX_U8 SetDiskState(Adapter& adapter, Time now, HX_U16 id, HX_U8 action);  // HxsimDiskAction
+HX_U8 SetDiskState(Adapter& adapter, Time now, HX_U16 id, HX_U8 action);  // DiskAction
 HX_U8 MakeGlobalSpare(Adapter& adapter, Time now, HX_U16 id);
 HX_U8 MakeGroupSpare(Adapter& adapter, Time now, HX_U16 id, HX_U16 group);
 HX_U8 FreeSpare(Adapter& adapter, Time now, HX_U16 id);

@@ -6,7 +6,6 @@
 
 #include "calls/hxsim_session.h"
 #include "calls/hxsim_virtual_disk_change.h"
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_text.h"
@@ -19,7 +18,7 @@ namespace hxsim {
 
 HX_U8 SetDiskGroup(Adapter& adapter, Time now, HX_U16 id, const DG_Config& config) {
     DiskGroup* const group = Find(adapter.disk_groups, id);
-    if (group == nullptr) return HXSIM_NO_DISK_GROUP;
+    if (group == nullptr) return Status::kNoDiskGroup;
     group->name = TextOf(config.Name);
     group->write_cache = config.WriteCacheOn != 0;
     for (const HX_U16 disk : DisksOf(adapter, Owner::kDiskGroup, id)) {
@@ -29,7 +28,7 @@ HX_U8 SetDiskGroup(Adapter& adapter, Time now, HX_U16 id, const DG_Config& confi
 }
 
 HX_U8 DeleteDiskGroup(Adapter& adapter, Time now, HX_U16 id) {
-    if (Find(adapter.disk_groups, id) == nullptr) return HXSIM_NO_DISK_GROUP;
+    if (Find(adapter.disk_groups, id) == nullptr) return Status::kNoDiskGroup;
     while (const Activity* const activity = ActivityOf(adapter, Owner::kDiskGroup, id)) {
         Abort(adapter, now, activity->id);
     }
@@ -61,7 +60,7 @@ HX_U8 DeleteDiskGroup(Adapter& adapter, Time now, HX_U16 id) {
 HX_U8 HX_DG_SetConfig(HX_U8 AdapterID, HX_U16 DG_ID, DG_Config* config) {
     return hxsim::Change(__func__, AdapterID,
                          [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-                             if (config == nullptr) return HXSIM_NULL_ADDRESS;
+                             if (config == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::SetDiskGroup(adapter, now, DG_ID, *config);
                          });
 }

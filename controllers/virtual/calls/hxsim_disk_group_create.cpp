@@ -5,7 +5,6 @@
 #include <span>
 
 #include "calls/hxsim_session.h"
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_plan.h"
 #include "model/hxsim_text.h"
@@ -20,8 +19,8 @@ constexpr std::size_t kMostDiskGroups = 32;
 
 HX_U8 PlanDiskGroup(const Adapter& adapter, const CreateOrModify_DG_Param& param, Layout& layout,
                     Sectors& size) {
-    if (param.BlockSize != 0 && param.BlockSize != kSectorSize) return HXSIM_BAD_SECTOR_SIZE;
-    if (param.PDCount > HX_MAX_HDS) return HXSIM_BAD_DISK_COUNT;
+    if (param.BlockSize != 0 && param.BlockSize != kSectorSize) return Status::kBadSectorSize;
+    if (param.PDCount > HX_MAX_HDS) return Status::kBadDiskCount;
     const Wish wish{param.RaidMode, param.SubVDCount, param.StripeBlockSize,
                     std::span(param.PDIDs, param.PDCount), adapter.info.MaxPDPerDG};
     HX_U8 status = MakeLayout(adapter, wish, layout);
@@ -29,9 +28,9 @@ HX_U8 PlanDiskGroup(const Adapter& adapter, const CreateOrModify_DG_Param& param
         if (status == HX_SUCCESS) status = CheckWholeDisk(adapter, disk);
     }
     if (status != HX_SUCCESS) return status;
-    if (adapter.disk_groups.size() >= kMostDiskGroups) return HXSIM_TOO_MANY_DISK_GROUPS;
+    if (adapter.disk_groups.size() >= kMostDiskGroups) return Status::kTooManyDiskGroups;
     size = ManagedSpace(adapter, layout);
-    return size == 0 ? HXSIM_NO_SPACE : HX_SUCCESS;
+    return size == 0 ? Status::kNoSpace : HX_SUCCESS;
 }
 
 HX_U8 Create(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
@@ -40,8 +39,8 @@ HX_U8 Create(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
     const HX_U8 status = PlanDiskGroup(adapter, param, layout, size);
     if (status != HX_SUCCESS) return status;
     // Whatever goes on goes on on its virtual disks, but what is asked for has to make sense.
-    if (param.InitializationOption > HXSIM_INIT_NONE) return HXSIM_BAD_ACTION;
-    if (param.Size.value > size) return HXSIM_NO_SPACE;
+    if (param.InitializationOption > Init::kNone) return Status::kBadAction;
+    if (param.Size.value > size) return Status::kNoSpace;
 
     DiskGroup group;
     group.id = FreeId(adapter.disk_groups);
@@ -61,11 +60,11 @@ HX_U8 Create(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
 
 HX_U8 Modify(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
     const DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
-    if (group == nullptr) return HXSIM_NO_DISK_GROUP;
+    if (group == nullptr) return Status::kNoDiskGroup;
     Sectors size = ManagedSpace(adapter, LayoutOf(adapter, *group));
     if (param.PDCount != 0) {
         const HX_U8 status = StartGroupMigration(adapter, now, param);
-        if (status != HX_SUCCESS && status != HXSIM_NO_CHANGE) return status;
+        if (status != HX_SUCCESS && status != Status::kNoChange) return status;
         if (status == HX_SUCCESS) size = param.Size.value;
     }
     if (param.Name[0] != '\0') Find(adapter.disk_groups, param.DGID)->name = TextOf(param.Name);
@@ -76,15 +75,15 @@ HX_U8 Modify(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
 }  // namespace
 
 HX_U8 CreateOrModifyDiskGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
-    if (!adapter.info.DiskGroupSupport) return HXSIM_NOT_SUPPORTED;
+    if (!adapter.info.DiskGroupSupport) return Status::kNotSupported;
     return param.DGID == HX_NEW_ID ? Create(adapter, now, param) : Modify(adapter, now, param);
 }
 
 HX_U8 SizeDiskGroup(const Adapter& adapter, CreateOrModify_DG_Param& param) {
-    if (!adapter.info.DiskGroupSupport) return HXSIM_NOT_SUPPORTED;
+    if (!adapter.info.DiskGroupSupport) return Status::kNotSupported;
     if (param.DGID != HX_NEW_ID) {
         const DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
-        if (group == nullptr) return HXSIM_NO_DISK_GROUP;
+        if (group == nullptr) return Status::kNoDiskGroup;
         if (param.PDCount != 0) return SizeGroupMigration(adapter, param);
         param.Size.value = ManagedSpace(adapter, LayoutOf(adapter, *group));
         return HX_SUCCESS;
@@ -102,13 +101,13 @@ HX_U8 HX_CreateOrModify_DG(HX_U8 AdapterID, CreateOrModify_DG_Param* param, HX_U
     if (sizeOnly != 0) {
         return hxsim::Look(__func__, AdapterID,
                            [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
-                               if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                               if (param == nullptr) return hxcodes::Status::kNullAddress;
                                return hxsim::SizeDiskGroup(adapter, *param);
                            });
     }
     return hxsim::Change(__func__, AdapterID,
                          [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             if (param == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::CreateOrModifyDiskGroup(adapter, now, *param);
                          });
 }
@@ -116,7 +115,7 @@ HX_U8 HX_CreateOrModify_DG(HX_U8 AdapterID, CreateOrModify_DG_Param* param, HX_U
 HX_U8 HX_DG_StartMigration(HX_U8 AdapterID, CreateOrModify_DG_Param* param) {
     return hxsim::Change(__func__, AdapterID,
                          [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             if (param == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::StartGroupMigration(adapter, now, *param);
                          });
 }

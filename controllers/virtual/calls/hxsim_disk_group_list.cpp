@@ -5,7 +5,6 @@
 #include <iterator>
 
 #include "calls/hxsim_list_page.h"
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_level.h"
 #include "model/hxsim_plan.h"
@@ -82,10 +81,11 @@ HX_U8 HX_DG_GetInfo(HX_U8 AdapterID, DG_Info_Request* request) {
                              hxsim::Time,
                              DG_Info& info) { info = hxsim::DescribeDiskGroup(adapter, group); };
     return hxsim::List(__func__, AdapterID, request, &DG_Info_Request::dgInfo,
-                       &hxsim::Adapter::disk_groups, HXSIM_NO_DISK_GROUP, describe);
+                       &hxsim::Adapter::disk_groups, hxcodes::Status::kNoDiskGroup, describe);
 }
 
 HX_U8 HX_DG_GetConfig(HX_U8 AdapterID, DG_Config_Request* request) {
     return hxsim::List(__func__, AdapterID, request, &DG_Config_Request::dgConfig,
-                       &hxsim::Adapter::disk_groups, HXSIM_NO_DISK_GROUP, hxsim::FillSettings);
+                       &hxsim::Adapter::disk_groups, hxcodes::Status::kNoDiskGroup,
+                       hxsim::FillSettings);
 }

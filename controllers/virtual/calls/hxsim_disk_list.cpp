@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "calls/hxsim_session.h"
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_link.h"
 #include "model/hxsim_text.h"
@@ -19,14 +18,14 @@ void DescribeDisk(const Adapter& adapter, const Disk& disk, const DiskRole& role
     info.Link = LinkOf(adapter, disk);
     info.AdapterID = adapter.id;
     info.Status = role.status;
-    info.HDType = disk.sas ? HXSIM_TYPE_SAS : HXSIM_TYPE_SATA;
-    info.ConnectionType = disk.sas ? HXSIM_CONNECTION_SAS : HXSIM_CONNECTION_SATA;
+    info.HDType = disk.sas ? DiskType::kSas : DiskType::kSata;
+    info.ConnectionType = disk.sas ? ConnectionType::kSas : ConnectionType::kSata;
     if (!disk.sas) {
         info.PIOMode = info.CurrentPIOMode = 4;
         info.MDMAMode = info.CurrentMDMAMode = 2;
         info.UDMAMode = info.CurrentUDMAMode = 6;
     }
-    info.FeatureSupport = HXSIM_FEATURE_SMART | HXSIM_FEATURE_WRITE_CACHE | HXSIM_FEATURE_QUEUEING;
+    info.FeatureSupport = DiskFeature::kSmart | DiskFeature::kWriteCache | DiskFeature::kQueueing;
     SetPaddedText(info.Model, disk.model);
     SetPaddedText(info.SerialNo, disk.serial);
     SetPaddedText(info.FWVersion, disk.firmware);
@@ -91,38 +90,38 @@ std::vector<RCT_Record> RemapTable(const Adapter& adapter, HX_U16 disk) {
 }
 
 HX_U8 CountRemaps(const Adapter& adapter, HX_U16 disk, HX_U32* count) {
-    if (count == nullptr) return HXSIM_NULL_ADDRESS;
-    if (FindListed(adapter, disk) == nullptr) return HXSIM_NO_DISK;
+    if (count == nullptr) return Status::kNullAddress;
+    if (FindListed(adapter, disk) == nullptr) return Status::kNoDisk;
     *count = static_cast<HX_U32>(RemapTable(adapter, disk).size());
     if (IsHostile()) MakeRecordHostile(count, sizeof *count);
     return HX_SUCCESS;
 }
 
 HX_U8 CopyRemaps(const Adapter& adapter, HX_U16 disk, RCT_Record* records, HX_U32 count) {
-    if (records == nullptr && count != 0) return HXSIM_NULL_ADDRESS;
-    if (FindListed(adapter, disk) == nullptr) return HXSIM_NO_DISK;
+    if (records == nullptr && count != 0) return Status::kNullAddress;
+    if (FindListed(adapter, disk) == nullptr) return Status::kNoDisk;
     const std::vector<RCT_Record> table = RemapTable(adapter, disk);
-    if (count > table.size()) return HXSIM_BAD_COUNT;
+    if (count > table.size()) return Status::kBadCount;
     std::copy_n(table.begin(), count, records);
     if (IsHostile() && count != 0) MakeRecordHostile(records, count * sizeof *records);
     return HX_SUCCESS;
 }
 
 HX_U8 Locate(Adapter& adapter, HX_U8 kind, HX_U16 id, HX_U8 light) {
-    if (kind != HXSIM_DEVICE_DISK) return HXSIM_NO_LIGHT;
+    if (kind != Device::kDisk) return Status::kNoLight;
     Disk* const disk = FindListed(adapter, id);
-    if (disk == nullptr) return HXSIM_NO_DISK;
-    if (light > 1) return HXSIM_BAD_ACTION;
+    if (disk == nullptr) return Status::kNoDisk;
+    if (light > 1) return Status::kBadAction;
     disk->locate_light = light != 0;
     return HX_SUCCESS;
 }
 
 HX_U8 FindBootRecords(const Adapter& adapter, HD_MBR_Info* info) {
-    if (info == nullptr) return HXSIM_NULL_ADDRESS;
-    if (info->HDCount > HX_MAX_HDS) return HXSIM_BAD_COUNT;
+    if (info == nullptr) return Status::kNullAddress;
+    if (info->HDCount > HX_MAX_HDS) return Status::kBadCount;
     const std::span asked(info->HDIDs, info->HDCount);
     const auto is_missing = [&](HX_U16 id) { return FindListed(adapter, id) == nullptr; };
-    if (std::ranges::any_of(asked, is_missing)) return HXSIM_NO_DISK;
+    if (std::ranges::any_of(asked, is_missing)) return Status::kNoDisk;
     std::ranges::transform(asked, info->hasMBR, [&](HX_U16 id) {
         const Disk& disk = *Find(adapter.disks, id);
         return HX_BOOLEAN{Answers(disk) && disk.has_mbr};
@@ -131,12 +130,12 @@ HX_U8 FindBootRecords(const Adapter& adapter, HD_MBR_Info* info) {
 }
 
 HX_U8 FindSystem(const Adapter& adapter, HX_U8 kind, HX_U8 count, const HX_U16* ids) {
-    if (ids == nullptr && count != 0) return HXSIM_NULL_ADDRESS;
-    if (kind != 1) return HXSIM_BAD_ACTION;
+    if (ids == nullptr && count != 0) return Status::kNullAddress;
+    if (kind != 1) return Status::kBadAction;
     for (const HX_U16 id : std::span(ids, count)) {
         const Disk* const disk = FindListed(adapter, id);
-        if (disk == nullptr) return HXSIM_NO_DISK;
-        if (Answers(*disk) && disk->has_system) return HXSIM_HOLDS_SYSTEM;
+        if (disk == nullptr) return Status::kNoDisk;
+        if (Answers(*disk) && disk->has_system) return Status::kHoldsSystem;
     }
     return HX_SUCCESS;
 }

@@ -19,7 +19,7 @@ HX_U8 ListDisks(const char* call, HX_U8 adapter_id, Request* request, Record (Re
         return roles->Of(disk);
     };
     return List(
-        call, adapter_id, request, list, &Adapter::disks, HXSIM_NO_DISK,
+        call, adapter_id, request, list, &Adapter::disks, Status::kNoDisk,
         [&](const Adapter& adapter, const Disk& disk) {
             return IsListed(disk, role_of(adapter, disk));
         },

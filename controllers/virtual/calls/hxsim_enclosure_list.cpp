@@ -5,7 +5,6 @@
 
 #include "calls/hxsim_list_page.h"
 #include "calls/hxsim_session.h"
-#include "codes/hxraid_codes.h"
 #include "hxraid.h"
 #include "incidents/hxsim_hostile_answer.h"
 #include "model/hxsim_link.h"
@@ -21,12 +20,12 @@ constexpr HX_U8 kCriticalTone = 0x02;
 constexpr HX_U8 kMostElements = 255;  // that a call counts
 
 HX_U8 WorstStatus(const Adapter& adapter, HX_U16 enclosure) {
-    HX_U8 worst = HXSIM_ELEMENT_OK;
+    HX_U8 worst = ElementStatus::kOk;
     for (const Element& element : adapter.elements) {
         if (element.enclosure != enclosure) continue;
         const HX_U8 status = StatusOf(element);
-        if (status == HXSIM_ELEMENT_CRITICAL) return status;
-        if (status == HXSIM_ELEMENT_NONCRITICAL) worst = status;
+        if (status == ElementStatus::kCritical) return status;
+        if (status == ElementStatus::kNoncritical) worst = status;
     }
     return worst;
 }
@@ -85,7 +84,7 @@ EncElementType_Info StateOf(const Adapter& adapter, const Element& element) {
     switch (element.type) {
         case HX_ELEMENT_POWER_SUPPLY:
             state.HotSwap = 1;
-            state.DCUnderVoltage = element.status == HXSIM_ELEMENT_CRITICAL;
+            state.DCUnderVoltage = element.status == ElementStatus::kCritical;
             break;
         case HX_ELEMENT_FAN:
             state.CurSpeedcode = element.speed_code;
@@ -119,9 +118,9 @@ EncElement_Config ThresholdsOf(const Adapter&, const Element& element) {
 template <class Record, class Describe>
 HX_U8 ListElements(const Adapter& adapter, HX_U16 enclosure, Record* records, HX_U8* count,
                    Describe describe) {
-    if (records == nullptr || count == nullptr) return HXSIM_NULL_ADDRESS;
+    if (records == nullptr || count == nullptr) return Status::kNullAddress;
     *count = 0;  // also when refused: callers who ask every adapter in turn add up what they find
-    if (Find(adapter.enclosures, enclosure) == nullptr) return HXSIM_NO_ENCLOSURE;
+    if (Find(adapter.enclosures, enclosure) == nullptr) return Status::kNoEnclosure;
     std::size_t listed = 0;
     for (const Element& element : adapter.elements) {
         if (element.enclosure != enclosure || listed == kMostElements) continue;
@@ -140,7 +139,8 @@ HX_U8 ListElements(const Adapter& adapter, HX_U16 enclosure, Record* records, HX
 
 HX_U8 HX_ENC_GetEnclosureInfo(HX_U8 AdapterID, Enclosure_Info_Request* request) {
     return hxsim::List(__func__, AdapterID, request, &Enclosure_Info_Request::enclosureInfo,
-                       &hxsim::Adapter::enclosures, HXSIM_NO_ENCLOSURE, hxsim::DescribeEnclosure);
+                       &hxsim::Adapter::enclosures, hxcodes::Status::kNoEnclosure,
+                       hxsim::DescribeEnclosure);
 }
 
 HX_U8 HX_ENC_GetElementInfo(HX_U8 AdapterID, HX_U16 ENC_ID, EncElementType_Info* elements,

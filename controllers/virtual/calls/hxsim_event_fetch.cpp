@@ -9,7 +9,7 @@ HX_U8 HX_EVT_GetEvent(HX_U8 AdapterID, HX_U8 max, HX_U8* count, Event* events) {
     bool empty = true;
     const HX_U8 status =
         hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
-            if (count == nullptr || events == nullptr) return HXSIM_NULL_ADDRESS;
+            if (count == nullptr || events == nullptr) return hxcodes::Status::kNullAddress;
             empty = max == 0 || adapter.events.empty();
             if (empty) *count = 0;
             return HX_SUCCESS;

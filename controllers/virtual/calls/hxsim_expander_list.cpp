@@ -39,11 +39,12 @@ void DescribePortMultiplier(const Adapter& adapter, const PortMultiplier& port_m
 
 HX_U8 HX_PD_GetExpanderInfo(HX_U8 AdapterID, Exp_Info_Request* request) {
     return hxsim::List(__func__, AdapterID, request, &Exp_Info_Request::expInfo,
-                       &hxsim::Adapter::expanders, HXSIM_NO_EXPANDER, hxsim::DescribeExpander);
+                       &hxsim::Adapter::expanders, hxcodes::Status::kNoExpander,
+                       hxsim::DescribeExpander);
 }
 
 HX_U8 HX_PD_GetPMInfo(HX_U8 AdapterID, PM_Info_Request* request) {
     return hxsim::List(__func__, AdapterID, request, &PM_Info_Request::pmInfo,
-                       &hxsim::Adapter::port_multipliers, HXSIM_NO_PORT_MULTIPLIER,
+                       &hxsim::Adapter::port_multipliers, hxcodes::Status::kNoPortMultiplier,
                        hxsim::DescribePortMultiplier);
 }

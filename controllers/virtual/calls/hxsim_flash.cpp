@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "calls/hxsim_session.h"
-#include "codes/hxraid_codes.h"
 #include "incidents/hxsim_hostile_answer.h"
 #include "model/hxsim_bios_image.h"
 #include "rules/hxsim_event_queue.h"
@@ -33,11 +32,11 @@ struct Health {
     HX_BOOLEAN Adapter_Info::*field;
 };
 constexpr Health kHealth[] = {
-    {HXSIM_IMAGE_BIOS, &Adapter_Info::boot_rom_img_health},
-    {HXSIM_IMAGE_FIRMWARE, &Adapter_Info::firmware_img_health},
-    {HXSIM_IMAGE_BOOT_LOADER, &Adapter_Info::boot_loader_img_health},
-    {HXSIM_IMAGE_AUTOLOAD, &Adapter_Info::autoload_img_health},
-    {HXSIM_IMAGE_HBA_INFO, &Adapter_Info::hba_info_img_health},
+    {Image::kBios, &Adapter_Info::boot_rom_img_health},
+    {Image::kFirmware, &Adapter_Info::firmware_img_health},
+    {Image::kBootLoader, &Adapter_Info::boot_loader_img_health},
+    {Image::kAutoload, &Adapter_Info::autoload_img_health},
+    {Image::kHbaInfo, &Adapter_Info::hba_info_img_health},
 };
 
 void SetHealth(Adapter& adapter, FlashImage& image, bool healthy) {
@@ -49,7 +48,7 @@ void SetHealth(Adapter& adapter, FlashImage& image, bool healthy) {
 }
 
 bool IsGood(const Adapter& adapter, HX_U8 type, std::string_view image) {
-    return type != HXSIM_IMAGE_BIOS || IsBiosFor(adapter.info, image);
+    return type != Image::kBios || IsBiosFor(adapter.info, image);
 }
 
 void FinishWriting(Adapter& adapter, Time now, FlashImage& image) {
@@ -61,7 +60,7 @@ void FinishWriting(Adapter& adapter, Time now, FlashImage& image) {
     Queue(adapter, now, kFlashWritten, image.type, {image.type, size});
     if (!good) {
         Queue(adapter, now, kFlashDamaged, image.type, {image.type});
-    } else if (image.type == HXSIM_IMAGE_BIOS) {
+    } else if (image.type == Image::kBios) {
         adapter.info.BIOSVersion = VersionOf(*image.data);
     }
 }
@@ -75,22 +74,22 @@ bool IsNextPiece(const FlashImage& image, const Flash_Data& piece) {
 }
 
 HX_U8 MovePiece(const Adapter& adapter, HX_U8 type, Flash_Data* piece) {
-    if (piece == nullptr) return HXSIM_NULL_ADDRESS;
+    if (piece == nullptr) return Status::kNullAddress;
     const HX_U8 status = ReadPiece(adapter, type, *piece);
     if (status == HX_SUCCESS && IsHostile()) MakeRecordHostile(piece, sizeof *piece);
     return status;
 }
 
 HX_U8 RefuseAction(const Flash_Data* piece) {
-    return piece == nullptr ? HXSIM_NULL_ADDRESS : HXSIM_BAD_ACTION;
+    return piece == nullptr ? Status::kNullAddress : Status::kBadAction;
 }
 
 }  // namespace
 
 HX_U8 EraseImage(Adapter& adapter, Time now, HX_U8 type) {
-    if (HxraidNameOf(kHxsimImageNames, type).empty()) return HXSIM_BAD_ACTION;
+    if (hxcodes::NameOf(hxcodes::kImageNames, type).empty()) return Status::kBadAction;
     FlashImage* const image = FindImage(adapter.images, type);
-    if (image == nullptr) return HXSIM_NO_IMAGE;
+    if (image == nullptr) return Status::kNoImage;
     image->erased = true;
     image->written = 0;
     image->data = nullptr;
@@ -101,9 +100,9 @@ HX_U8 EraseImage(Adapter& adapter, Time now, HX_U8 type) {
 
 HX_U8 WritePiece(Adapter& adapter, Time now, HX_U8 type, const Flash_Data& piece) {
     FlashImage* const image = FindImage(adapter.images, type);
-    if (image == nullptr) return HXSIM_NO_IMAGE;
-    if (!image->erased) return HXSIM_NOT_ERASED;
-    if (!IsNextPiece(*image, piece)) return HXSIM_BAD_PIECE;
+    if (image == nullptr) return Status::kNoImage;
+    if (!image->erased) return Status::kNotErased;
+    if (!IsNextPiece(*image, piece)) return Status::kBadPiece;
     std::string data = image->data == nullptr ? std::string() : *image->data;
     data.append(reinterpret_cast<const char*>(piece.Data), piece.DataLength);
     image->data = std::make_shared<const std::string>(std::move(data));
@@ -114,14 +113,14 @@ HX_U8 WritePiece(Adapter& adapter, Time now, HX_U8 type, const Flash_Data& piece
 
 HX_U8 ReadPiece(const Adapter& adapter, HX_U8 type, Flash_Data& piece) {
     const FlashImage* const image = FindImage(adapter.images, type);
-    if (image == nullptr || image->erased) return HXSIM_NO_IMAGE;
-    if (!image->healthy) return HXSIM_BAD_IMAGE;
+    if (image == nullptr || image->erased) return Status::kNoImage;
+    if (!image->healthy) return Status::kBadImage;
     std::string made;  // what an image without data is
-    if (image->data == nullptr && type == HXSIM_IMAGE_BIOS) made = SampleBios(adapter.info);
+    if (image->data == nullptr && type == Image::kBios) made = SampleBios(adapter.info);
     const std::string_view data = image->data == nullptr ? made : *image->data;
-    if (data.empty()) return HXSIM_NO_IMAGE;
+    if (data.empty()) return Status::kNoImage;
     const std::size_t start = std::size_t{piece.PageNum} * HX_FLASH_PIECE_SIZE;
-    if (start >= data.size()) return HXSIM_NO_PIECE;
+    if (start >= data.size()) return Status::kNoPiece;
     const std::string_view bytes = data.substr(start, HX_FLASH_PIECE_SIZE);
     std::memcpy(piece.Data, bytes.data(), bytes.size());
     piece.DataLength = static_cast<HX_U32>(bytes.size());
@@ -140,7 +139,7 @@ HX_U8 HX_Flash_Erase(HX_U8 AdapterID, HX_U8 Page) {
 HX_U8 HX_Flash_Bin(HX_U8 AdapterID, HX_U8 Actions, HX_U8 Type, Flash_Data* piece) {
     if (Actions == HX_FLASH_WRITE) {
         const auto write = [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-            if (piece == nullptr) return HXSIM_NULL_ADDRESS;
+            if (piece == nullptr) return hxcodes::Status::kNullAddress;
             return hxsim::WritePiece(adapter, now, Type, *piece);
         };
         return hxsim::Change(__func__, AdapterID, write);

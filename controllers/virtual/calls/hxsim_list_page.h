@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "calls/hxsim_session.h"
-#include "codes/hxraid_codes.h"
 #include "hxraid.h"
 #include "incidents/hxsim_hostile_answer.h"
+#include "model/hxsim_codes.h"
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
@@ -37,13 +37,13 @@ private:
 /// listed object has is refused with `missing`.
 template <class Request, class Record, class Row, class IsListed, class Describe>
 HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
-           std::vector<Row> Adapter::*rows, HxsimCode missing, IsListed is_listed,
+           std::vector<Row> Adapter::*rows, Status::Code missing, IsListed is_listed,
            Describe describe) {
     return Look(call, adapter_id, [&](const Adapter& adapter, Time now) -> HX_U8 {
-        if (request == nullptr) return HXSIM_NULL_ADDRESS;
+        if (request == nullptr) return Status::kNullAddress;
         RequestHeader& header = request->header;
         const bool by_id = header.requestType == HX_REQUEST_BY_ID;
-        if (!by_id && header.requestType != HX_REQUEST_BY_INDEX) return HXSIM_BAD_REQUEST_TYPE;
+        if (!by_id && header.requestType != HX_REQUEST_BY_INDEX) return Status::kBadRequestType;
 
         Record* const records = request->*list;
         std::size_t count = 0;
@@ -73,7 +73,7 @@ HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request
 /// List of every row.
 template <class Request, class Record, class Row, class Describe>
 HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
-           std::vector<Row> Adapter::*rows, HxsimCode missing, Describe describe) {
+           std::vector<Row> Adapter::*rows, Status::Code missing, Describe describe) {
     const auto every = [](const Adapter&, const Row&) { return true; };
     return List(call, adapter_id, request, list, rows, missing, every, describe);
 }

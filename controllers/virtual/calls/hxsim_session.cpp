@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
-#include "codes/hxraid_codes.h"
 #include "incidents/hxsim_fault_injection.h"
+#include "model/hxsim_codes.h"
 #include "rules/hxsim_settle.h"
 #include "store/hxsim_store.h"
 #include "topology/hxsim_topology.h"
@@ -47,10 +47,10 @@ HX_U8 Caught(Work work) {
     try {
         return work();
     } catch (const std::bad_alloc&) {
-        return HXSIM_NO_MEMORY;
+        return Status::kNoMemory;
     } catch (const std::exception&) {
         // The file, or a machine that cannot be saved: the state cannot be used either way.
-        return HXSIM_NO_STATE;
+        return Status::kNoState;
     }
 }
 
@@ -58,10 +58,10 @@ HX_U8 Caught(Work work) {
 // `work` is given the machine.
 template <class Work>
 HX_U8 OnAdapter(const char* call, HX_U8 adapter, Work work) {
-    if (session == nullptr) return HXSIM_NOT_INITIALIZED;
+    if (session == nullptr) return Status::kNotInitialized;
     return Caught([&]() -> HX_U8 {
         const Machine& machine = session->store.Current();
-        if (adapter >= machine.adapters.size()) return HXSIM_NO_ADAPTER;
+        if (adapter >= machine.adapters.size()) return Status::kNoAdapter;
         if (call == nullptr) return work(machine);
         session->hostile = false;
         if (!machine.injections.empty()) {
@@ -117,7 +117,7 @@ HX_U8 Look(const char* call, HX_U8 adapter,
 HX_U8 Change(const char* call, HX_U8 adapter,
              const std::function<HX_U8(Adapter& adapter, Time now)>& work) {
     return OnAdapter(call, adapter, [&](const Machine&) -> HX_U8 {
-        HX_U8 status = HXSIM_NO_ADAPTER;  // gone since, with the whole machine
+        HX_U8 status = Status::kNoAdapter;  // gone since, with the whole machine
         session->store.Change([&](Machine& machine, Time now) {
             if (adapter >= machine.adapters.size()) return false;
             Adapter& row = machine.adapters[adapter];

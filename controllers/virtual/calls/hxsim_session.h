@@ -9,9 +9,9 @@
 
 namespace hxsim {
 
-/// A call on one adapter that only looks. Refused with HXSIM_NOT_INITIALIZED, HXSIM_NO_ADAPTER,
-/// HXSIM_NO_STATE or HXSIM_NO_MEMORY, or as an injected fault says, before `work` runs. `call` is
-/// the function's own name: pass __func__; null for a further part of a call that has been let
+/// A call on one adapter that only looks. Refused with Status::kNotInitialized, Status::kNoAdapter,
+/// Status::kNoState or Status::kNoMemory, or as an injected fault says, before `work` runs. `call`
+/// is the function's own name: pass __func__; null for a further part of a call that has been let
 /// through, which meets no fault and answers as the first part does (IsHostile). Nothing is thrown.
 HX_U8 Look(const char* call, HX_U8 adapter,
            const std::function<HX_U8(const Adapter& adapter, Time now)>& work);
@@ -25,8 +25,8 @@ HX_U8 Change(const char* call, HX_U8 adapter,
 /// Whether the call that runs now is to answer as broken firmware does.
 bool IsHostile();
 
-/// Opens the state file that StatePath names, if it is not open yet. Refused with HXSIM_NO_STATE or
-/// HXSIM_NO_MEMORY; the library is closed then.
+/// Opens the state file that StatePath names, if it is not open yet. Refused with Status::kNoState
+/// or Status::kNoMemory; the library is closed then.
 HX_U8 Open();
 
 /// Closes it, if it is open.

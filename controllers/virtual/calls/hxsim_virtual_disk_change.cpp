@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "calls/hxsim_session.h"
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_space.h"
@@ -27,9 +26,7 @@ std::vector<HX_U16> DisksWithBlocks(const Adapter& adapter, HX_U16 virtual_disk)
 
 }  // namespace
 
-bool IsCache(HX_U8 cache) {
-    return (cache & ~(kCacheBits | HXSIM_CACHE_FORCED_WRITE_THROUGH)) == 0;
-}
+bool IsCache(HX_U8 cache) { return (cache & ~(kCacheBits | CacheBit::kForcedWriteThrough)) == 0; }
 
 void SetCache(Adapter& adapter, Time now, VirtualDisk& virtual_disk, HX_U8 cache) {
     const HX_U8 kept = cache & kCacheBits;
@@ -40,9 +37,9 @@ void SetCache(Adapter& adapter, Time now, VirtualDisk& virtual_disk, HX_U8 cache
 
 HX_U8 SetVirtualDisk(Adapter& adapter, Time now, HX_U16 id, const LD_Config& config) {
     VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
-    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
-    if (virtual_disk->foreign) return HXSIM_WRONG_STATE;
-    if (!IsCache(config.CacheMode)) return HXSIM_BAD_VALUE;
+    if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
+    if (virtual_disk->foreign) return Status::kWrongState;
+    if (!IsCache(config.CacheMode)) return Status::kBadValue;
     virtual_disk->name = TextOf(config.Name);
     virtual_disk->auto_rebuild = config.AutoRebuildOn != 0;
     SetCache(adapter, now, *virtual_disk, config.CacheMode);
@@ -51,12 +48,12 @@ HX_U8 SetVirtualDisk(Adapter& adapter, Time now, HX_U16 id, const LD_Config& con
 
 HX_U8 DeleteVirtualDisk(Adapter& adapter, Time now, HX_U16 id, bool erase_mbr) {
     const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
-    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
-    if (virtual_disk->foreign) return HXSIM_WRONG_STATE;
+    if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
+    if (virtual_disk->foreign) return Status::kWrongState;
     // A migration of its group counts on every virtual disk of it.
     if (virtual_disk->group != kNoId &&
         ActivityOf(adapter, Owner::kDiskGroup, virtual_disk->group) != nullptr) {
-        return HXSIM_BUSY;
+        return Status::kBusy;
     }
     if (erase_mbr) {
         for (const HX_U16 disk : DisksWithBlocks(adapter, id)) {
@@ -69,8 +66,8 @@ HX_U8 DeleteVirtualDisk(Adapter& adapter, Time now, HX_U16 id, bool erase_mbr) {
 
 HX_U8 ImportVirtualDisk(Adapter& adapter, Time now, HX_U16 id) {
     VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
-    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
-    if (!virtual_disk->foreign) return HXSIM_NOT_FOREIGN;
+    if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
+    if (!virtual_disk->foreign) return Status::kNotForeign;
     for (const HX_U16 disk : DisksWithBlocks(adapter, id)) {
         Find(adapter.disks, disk)->foreign = false;
     }
@@ -97,7 +94,7 @@ void RemoveVirtualDisk(Adapter& adapter, Time now, HX_U16 id) {
 HX_U8 HX_LD_SetConfig(HX_U8 AdapterID, HX_U16 LD_ID, LD_Config* config) {
     return hxsim::Change(__func__, AdapterID,
                          [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-                             if (config == nullptr) return HXSIM_NULL_ADDRESS;
+                             if (config == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::SetVirtualDisk(adapter, now, LD_ID, *config);
                          });
 }

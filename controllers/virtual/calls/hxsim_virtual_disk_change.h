@@ -3,16 +3,16 @@
 // Every function here that refuses leaves the adapter as it is.
 #pragma once
 
-#include "codes/hxraid_codes.h"
 #include "hxraid.h"
+#include "model/hxsim_codes.h"
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
 
 /// The bits of a cache that a caller sets.
-inline constexpr HX_U8 kCacheBits = HXSIM_CACHE_WRITE_BACK | HXSIM_CACHE_READ_AHEAD;
+inline constexpr HX_U8 kCacheBits = CacheBit::kWriteBack | CacheBit::kReadAhead;
 
-/// Sets name, cache and automatic rebuild. HXSIM_CACHE_FORCED_WRITE_THROUGH may be set, as it is in
+/// Sets name, cache and automatic rebuild. CacheBit::kForcedWriteThrough may be set, as it is in
 /// what is read, and counts for nothing.
 HX_U8 SetVirtualDisk(Adapter& adapter, Time now, HX_U16 id, const LD_Config& config);
 

@@ -9,7 +9,6 @@
 #include "calls/hxsim_activity_control.h"
 #include "calls/hxsim_session.h"
 #include "calls/hxsim_virtual_disk_change.h"
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_level.h"
@@ -30,8 +29,8 @@ bool IsCoefficient(HX_U8 coefficient) {
 }
 
 HX_U8 CheckSettings(HX_U8 cache, HX_U8 init, HX_U8 coefficient) {
-    if (!IsCache(cache) || !IsCoefficient(coefficient)) return HXSIM_BAD_VALUE;
-    return init > HXSIM_INIT_NONE ? HXSIM_BAD_ACTION : HX_SUCCESS;
+    if (!IsCache(cache) || !IsCoefficient(coefficient)) return Status::kBadValue;
+    return init > Init::kNone ? Status::kBadAction : HX_SUCCESS;
 }
 
 // Adds the virtual disk under a free ID, which is returned. Its blocks are still to be cut.
@@ -46,7 +45,7 @@ HX_U16 Add(Adapter& adapter, Time now, VirtualDisk virtual_disk) {
 void StartInit(Adapter& adapter, Time now, HX_U16 virtual_disk, HX_U8 init, Sectors block) {
     Activity activity;
     activity.kind = KindOfInitialisation(init);
-    if (activity.kind == HXSIM_ACTIVITY_NONE) return;
+    if (activity.kind == ActivityKind::kNone) return;
     activity.owner = virtual_disk;
     activity.total = block;
     Start(adapter, now, activity);
@@ -73,30 +72,30 @@ HX_U8 CheckGroup(const Adapter& adapter, const DiskGroup& group) {
         if (each.of != Owner::kVirtualDisk) return false;
         const VirtualDisk* const owner = Find(adapter.virtual_disks, each.owner);
         return owner != nullptr && owner->group == group.id &&
-               (each.kind == HXSIM_ACTIVITY_REBUILD || each.kind == HXSIM_ACTIVITY_COPYBACK);
+               (each.kind == ActivityKind::kRebuild || each.kind == ActivityKind::kCopyback);
     });
-    if (moves) return HXSIM_BUSY;
+    if (moves) return Status::kBusy;
     for (const HX_U16 id : DisksOf(adapter, Owner::kDiskGroup, group.id)) {
         const Disk* const disk = Find(adapter.disks, id);
-        if (disk == nullptr || !IsReady(*disk)) return HXSIM_WRONG_STATE;
+        if (disk == nullptr || !IsReady(*disk)) return Status::kWrongState;
     }
     return HX_SUCCESS;
 }
 
 HX_U8 CheckSlot(const Adapter& adapter, const DiskGroup& group, HX_U8 slot) {
-    if (slot >= HX_MAX_VD_SLOTS || slot >= adapter.info.MaxVDPerDG) return HXSIM_BAD_SLOT;
+    if (slot >= HX_MAX_VD_SLOTS || slot >= adapter.info.MaxVDPerDG) return Status::kBadSlot;
     const bool taken = std::ranges::any_of(adapter.virtual_disks, [&](const VirtualDisk& each) {
         return each.group == group.id && each.slot == slot;
     });
-    return taken ? HXSIM_SLOT_TAKEN : HX_SUCCESS;
+    return taken ? Status::kSlotTaken : HX_SUCCESS;
 }
 
 // The group's level and disks, with the stripes that the virtual disk is to have.
 HX_U8 LayOutOnGroup(const Adapter& adapter, const DiskGroup& group,
                     const CreateOrModify_VD_Param& param, Layout& layout) {
-    if (param.BlockSize != 0 && param.BlockSize != kSectorSize) return HXSIM_BAD_SECTOR_SIZE;
-    if (param.RaidMode != group.level) return HXSIM_BAD_LEVEL;
-    if (param.SubVDCount != 0 && param.SubVDCount != group.legs) return HXSIM_BAD_DISK_COUNT;
+    if (param.BlockSize != 0 && param.BlockSize != kSectorSize) return Status::kBadSectorSize;
+    if (param.RaidMode != group.level) return Status::kBadLevel;
+    if (param.SubVDCount != 0 && param.SubVDCount != group.legs) return Status::kBadDiskCount;
     const std::vector<HX_U16> disks = DisksOf(adapter, Owner::kDiskGroup, group.id);
     const HX_U16 stripe = param.StripeBlockSize == 0 ? group.stripe_kib : param.StripeBlockSize;
     const Wish wish{group.level, group.legs, stripe, disks, group.width};
@@ -155,9 +154,9 @@ Sectors FreeBehind(const Adapter& adapter, const Block& block) {
 // Makes the virtual disk larger where it lies.
 HX_U8 Grow(Adapter& adapter, const DiskGroup& group, VirtualDisk& virtual_disk,
            const CreateOrModify_VD_Param& param) {
-    if (IsBusy(adapter, virtual_disk)) return HXSIM_BUSY;
+    if (IsBusy(adapter, virtual_disk)) return Status::kBusy;
     if (const HX_U8 status = CheckGroup(adapter, group); status != HX_SUCCESS) return status;
-    if (StateOf(adapter, virtual_disk) != HXSIM_STATE_OPTIMAL) return HXSIM_WRONG_STATE;
+    if (StateOf(adapter, virtual_disk) != State::kOptimal) return Status::kWrongState;
     Layout layout = LayoutOf(adapter, group);
     layout.stripe_kib = virtual_disk.stripe_kib;
     std::vector<HX_U16> blocks;
@@ -170,7 +169,7 @@ HX_U8 Grow(Adapter& adapter, const DiskGroup& group, VirtualDisk& virtual_disk,
     Sectors size = 0;
     const HX_U8 status = ChooseSize(layout, longest, param.Size.value, param.RoundingScheme, size);
     if (status != HX_SUCCESS) return status;
-    if (size <= virtual_disk.size) return HXSIM_TOO_SMALL;  // after rounding
+    if (size <= virtual_disk.size) return Status::kTooSmall;  // after rounding
     for (const HX_U16 block : blocks) Resize(adapter, block, layout.Block(size));
     virtual_disk.size = size;
     return HX_SUCCESS;
@@ -179,10 +178,10 @@ HX_U8 Grow(Adapter& adapter, const DiskGroup& group, VirtualDisk& virtual_disk,
 HX_U8 ModifyOnGroup(Adapter& adapter, Time now, const DiskGroup& group,
                     CreateOrModify_VD_Param& param) {
     VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, param.VDID);
-    if (virtual_disk == nullptr || virtual_disk->group != group.id) return HXSIM_NO_VIRTUAL_DISK;
-    if (!IsCache(param.CachePolicy)) return HXSIM_BAD_VALUE;
+    if (virtual_disk == nullptr || virtual_disk->group != group.id) return Status::kNoVirtualDisk;
+    if (!IsCache(param.CachePolicy)) return Status::kBadValue;
     const Sectors wanted = param.Size.value;
-    if (wanted != 0 && wanted < virtual_disk->size) return HXSIM_TOO_SMALL;
+    if (wanted != 0 && wanted < virtual_disk->size) return Status::kTooSmall;
     if (wanted > virtual_disk->size) {
         const HX_U8 status = Grow(adapter, group, *virtual_disk, param);
         if (status != HX_SUCCESS) return status;
@@ -226,9 +225,9 @@ HX_U8 SizeVirtualDisk(const Adapter& adapter, Create_LD_Param& param) {
 }
 
 HX_U8 CreateOrModifyOnGroup(Adapter& adapter, Time now, CreateOrModify_VD_Param& param) {
-    if (!adapter.info.DiskGroupSupport) return HXSIM_NOT_SUPPORTED;
+    if (!adapter.info.DiskGroupSupport) return Status::kNotSupported;
     const DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
-    if (group == nullptr) return HXSIM_NO_DISK_GROUP;
+    if (group == nullptr) return Status::kNoDiskGroup;
     return param.VDID == HX_NEW_ID ? CreateOnGroup(adapter, now, *group, param)
                                    : ModifyOnGroup(adapter, now, *group, param);
 }
@@ -238,7 +237,7 @@ HX_U8 CreateOrModifyOnGroup(Adapter& adapter, Time now, CreateOrModify_VD_Param&
 HX_U8 HX_LD_Create(HX_U8 AdapterID, Create_LD_Param* param) {
     return hxsim::Change(__func__, AdapterID,
                          [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             if (param == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::CreateVirtualDisk(adapter, now, *param);
                          });
 }
@@ -246,7 +245,7 @@ HX_U8 HX_LD_Create(HX_U8 AdapterID, Create_LD_Param* param) {
 HX_U8 HX_LD_GetMaxSize(HX_U8 AdapterID, Create_LD_Param* param) {
     return hxsim::Look(__func__, AdapterID,
                        [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
-                           if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                           if (param == nullptr) return hxcodes::Status::kNullAddress;
                            return hxsim::SizeVirtualDisk(adapter, *param);
                        });
 }
@@ -254,7 +253,7 @@ HX_U8 HX_LD_GetMaxSize(HX_U8 AdapterID, Create_LD_Param* param) {
 HX_U8 HX_LD_StartMigration(HX_U8 AdapterID, Create_LD_Param* param) {
     return hxsim::Change(__func__, AdapterID,
                          [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             if (param == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::StartMigration(adapter, now, *param);
                          });
 }
@@ -262,7 +261,7 @@ HX_U8 HX_LD_StartMigration(HX_U8 AdapterID, Create_LD_Param* param) {
 HX_U8 HX_LD_GetMigratedLdSize(HX_U8 AdapterID, Create_LD_Param* param) {
     return hxsim::Look(__func__, AdapterID,
                        [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
-                           if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                           if (param == nullptr) return hxcodes::Status::kNullAddress;
                            return hxsim::SizeMigration(adapter, *param);
                        });
 }
@@ -270,7 +269,7 @@ HX_U8 HX_LD_GetMigratedLdSize(HX_U8 AdapterID, Create_LD_Param* param) {
 HX_U8 HX_CreateOrModify_VD(HX_U8 AdapterID, CreateOrModify_VD_Param* param) {
     return hxsim::Change(__func__, AdapterID,
                          [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
-                             if (param == nullptr) return HXSIM_NULL_ADDRESS;
+                             if (param == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::CreateOrModifyOnGroup(adapter, now, *param);
                          });
 }

@@ -7,7 +7,6 @@
 
 #include "calls/hxsim_list_page.h"
 #include "calls/hxsim_session.h"
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_level.h"
 #include "model/hxsim_text.h"
@@ -44,8 +43,8 @@ private:
 
 HX_U8 CacheNow(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     const bool forced =
-        (virtual_disk.cache & HXSIM_CACHE_WRITE_BACK) != 0 && ForcesWriteThrough(adapter);
-    const HX_U8 force = forced ? HXSIM_CACHE_FORCED_WRITE_THROUGH : 0;
+        (virtual_disk.cache & CacheBit::kWriteBack) != 0 && ForcesWriteThrough(adapter);
+    const HX_U8 force = forced ? CacheBit::kForcedWriteThrough : 0;
     return static_cast<HX_U8>(virtual_disk.cache | force);
 }
 
@@ -56,7 +55,7 @@ void FillInfo(const Adapter& adapter, const VirtualDisk& virtual_disk, BlocksByP
     info.DGID = virtual_disk.group == kNoId ? kNoDiskGroup : static_cast<HX_U8>(virtual_disk.group);
     info.Status = virtual_disk.state;
     const Activity* const activity = ActivityOf(adapter, Owner::kVirtualDisk, virtual_disk.id);
-    info.BGAStatus = activity == nullptr ? HX_U8{HXSIM_ACTIVITY_NONE} : activity->kind;
+    info.BGAStatus = activity == nullptr ? HX_U8{ActivityKind::kNone} : activity->kind;
     info.StripeBlockSize = virtual_disk.stripe_kib;
     info.RaidMode = virtual_disk.level;
     info.HDCount = virtual_disk.width;
@@ -116,7 +115,7 @@ HX_U8 HX_LD_GetInfo(HX_U8 AdapterID, LD_Info_Request* request) {
         hxsim::FillInfo(adapter, virtual_disk, blocks, info);
     };
     return hxsim::List(__func__, AdapterID, request, &LD_Info_Request::ldInfo,
-                       &hxsim::Adapter::virtual_disks, HXSIM_NO_VIRTUAL_DISK, describe);
+                       &hxsim::Adapter::virtual_disks, hxcodes::Status::kNoVirtualDisk, describe);
 }
 
 HX_U8 HX_LD_GetStatus(HX_U8 AdapterID, LD_Status_Request* request) {
@@ -125,7 +124,7 @@ HX_U8 HX_LD_GetStatus(HX_U8 AdapterID, LD_Status_Request* request) {
         status = hxsim::DescribeStatus(adapter, virtual_disk, now);
     };
     return hxsim::List(__func__, AdapterID, request, &LD_Status_Request::ldStatus,
-                       &hxsim::Adapter::virtual_disks, HXSIM_NO_VIRTUAL_DISK, describe);
+                       &hxsim::Adapter::virtual_disks, hxcodes::Status::kNoVirtualDisk, describe);
 }
 
 HX_U8 HX_LD_GetConfig(HX_U8 AdapterID, LD_Config_Request* request) {
@@ -134,7 +133,7 @@ HX_U8 HX_LD_GetConfig(HX_U8 AdapterID, LD_Config_Request* request) {
         config = hxsim::DescribeSettings(adapter, virtual_disk);
     };
     return hxsim::List(__func__, AdapterID, request, &LD_Config_Request::ldConfig,
-                       &hxsim::Adapter::virtual_disks, HXSIM_NO_VIRTUAL_DISK, describe);
+                       &hxsim::Adapter::virtual_disks, hxcodes::Status::kNoVirtualDisk, describe);
 }
 
 // ---- One virtual disk ----
@@ -142,9 +141,9 @@ HX_U8 HX_LD_GetConfig(HX_U8 AdapterID, LD_Config_Request* request) {
 HX_U8 HX_LD_GetTargetLDInfo(HX_U8 AdapterID, HX_U16 LD_ID, LD_Info* info) {
     return hxsim::Look(
         __func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
-            if (info == nullptr) return HXSIM_NULL_ADDRESS;
+            if (info == nullptr) return hxcodes::Status::kNullAddress;
             const auto* const virtual_disk = hxsim::Find(adapter.virtual_disks, LD_ID);
-            if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
+            if (virtual_disk == nullptr) return hxcodes::Status::kNoVirtualDisk;
             *info = hxsim::DescribeVirtualDisk(adapter, *virtual_disk);
             if (hxsim::IsHostile()) hxsim::MakeRecordHostile(info, sizeof *info);
             return HX_SUCCESS;

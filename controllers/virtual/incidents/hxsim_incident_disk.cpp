@@ -6,7 +6,6 @@
 #include <string>
 #include <utility>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_link.h"
 #include "model/hxsim_random.h"
@@ -80,14 +79,14 @@ const Block* ContentAt(const Adapter& adapter, HX_U16 disk, Sectors lba) {
 // nobody reads waits for a media patrol or a check.
 bool IsRead(const Adapter& adapter, const Disk& disk, const VirtualDisk& virtual_disk) {
     const HX_U8 state = StateOf(adapter, virtual_disk);
-    return IsReady(disk) && state != HXSIM_STATE_OFFLINE && state != HXSIM_STATE_FOREIGN;
+    return IsReady(disk) && state != State::kOffline && state != State::kForeign;
 }
 
 // What was in the sector is made again of what the other disks hold, where they hold enough.
 bool CanBeMadeAgain(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     const HX_U8 state = StateOf(adapter, virtual_disk);
     return virtual_disk.level != 0 &&
-           (state == HXSIM_STATE_OPTIMAL || state == HXSIM_STATE_PARTIALLY_OPTIMAL);
+           (state == State::kOptimal || state == State::kPartiallyOptimal);
 }
 
 bool IsKnownBad(const Adapter& adapter, HX_U16 disk, Sectors lba) {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <string>
 
-#include "codes/hxraid_codes.h"
+#include "model/hxsim_codes.h"
 #include "rules/hxsim_alarm.h"
 #include "rules/hxsim_enclosure_sensors.h"
 #include "rules/hxsim_event_queue.h"
@@ -13,7 +13,7 @@ namespace hxsim {
 namespace {
 
 Outcome Check(const Element* element, HX_U16 enclosure, HX_U8 number, HX_U8 type) {
-    const std::string kind(HxraidNameOf(kHxsimElementTypeNames, type));
+    const std::string kind(hxcodes::NameOf(hxcodes::kElementTypeNames, type));
     if (element != nullptr && element->type == type) return {};
     return {"Element " + std::to_string(number) + " of enclosure " + std::to_string(enclosure) +
             (element == nullptr ? " is not there" : " is no " + kind) + "; take a " + kind +
@@ -21,8 +21,8 @@ Outcome Check(const Element* element, HX_U16 enclosure, HX_U8 number, HX_U8 type
 }
 
 EventKind EventOf(HX_U8 status) {
-    if (status == HXSIM_ELEMENT_CRITICAL) return kElementCritical;
-    return status == HXSIM_ELEMENT_OK ? kElementOk : kElementWarning;
+    if (status == ElementStatus::kCritical) return kElementCritical;
+    return status == ElementStatus::kOk ? kElementOk : kElementWarning;
 }
 
 void SetStatus(Adapter& adapter, Time now, Element& element, HX_U8 status) {
@@ -30,7 +30,7 @@ void SetStatus(Adapter& adapter, Time now, Element& element, HX_U8 status) {
     element.status = status;
     Queue(adapter, now, EventOf(status), element.enclosure,
           {element.number, element.type, element.reading});
-    UpdateAlarm(adapter, status == HXSIM_ELEMENT_CRITICAL);
+    UpdateAlarm(adapter, status == ElementStatus::kCritical);
 }
 
 void SetReading(Adapter& adapter, Time now, Element& element, HX_U16 reading) {
@@ -71,7 +71,7 @@ Outcome SetPowerSupply(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 eleme
     Element* const supply = FindElement(adapter, enclosure, element);
     Outcome outcome = Check(supply, enclosure, element, HX_ELEMENT_POWER_SUPPLY);
     if (!outcome) return outcome;
-    SetStatus(adapter, now, *supply, works ? HXSIM_ELEMENT_OK : HXSIM_ELEMENT_CRITICAL);
+    SetStatus(adapter, now, *supply, works ? ElementStatus::kOk : ElementStatus::kCritical);
     return {};
 }
 

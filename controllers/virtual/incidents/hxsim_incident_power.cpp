@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_disk_role.h"
 #include "model/hxsim_redundancy.h"
 #include "model/hxsim_text.h"
@@ -16,9 +15,9 @@ namespace {
 
 // What was held back in the cache, and is written nowhere now, leaves a stripe half written.
 bool LosesWhatIsCached(const Adapter& adapter, const VirtualDisk& virtual_disk) {
-    return (virtual_disk.cache & HXSIM_CACHE_WRITE_BACK) != 0 && !AllowsWriteBack(adapter) &&
+    return (virtual_disk.cache & CacheBit::kWriteBack) != 0 && !AllowsWriteBack(adapter) &&
            !ForcesWriteThrough(adapter) && virtual_disk.initialised && !virtual_disk.foreign &&
-           virtual_disk.level != 0 && StateOf(adapter, virtual_disk) != HXSIM_STATE_OFFLINE;
+           virtual_disk.level != 0 && StateOf(adapter, virtual_disk) != State::kOffline;
 }
 
 // Whether a virtual disk has gone with all its disks.
@@ -39,7 +38,7 @@ void AnnounceMissing(Adapter& adapter, Time now) {
     }
     for (const VirtualDisk& each : adapter.virtual_disks) {
         const HX_U8 state = StateOf(adapter, each);
-        if (state != HXSIM_STATE_OPTIMAL && state != HXSIM_STATE_FOREIGN) {
+        if (state != State::kOptimal && state != State::kForeign) {
             const bool gone = IsGone(adapter, each.id);
             Queue(adapter, now, gone ? kVirtualDiskMissingAtBoot : kVirtualDiskMissesDisks,
                   each.id);
@@ -59,7 +58,7 @@ void CutPower(Adapter& adapter, Time now) {
     Queue(adapter, now, kAdapterFound, adapter.id, {}, TextOf(adapter.info.SerialNo));
     AnnounceMissing(adapter, now);
     for (const Activity& activity : adapter.activities) {
-        if (activity.state == HXSIM_ACTIVITY_RUNNING) {
+        if (activity.state == ActivityState::kRunning) {
             Announce(adapter, now, activity, Step::kRestart);
         }
     }

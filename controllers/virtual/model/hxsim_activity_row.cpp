@@ -10,7 +10,7 @@ template <class Rows>
 auto FindActivity(Rows& rows, Owner of, HX_U16 owner, bool migration) -> decltype(rows.data()) {
     const auto row = std::ranges::find_if(rows, [&](const Activity& each) {
         return each.of == of && each.owner == owner &&
-               (each.kind == HXSIM_ACTIVITY_MIGRATION) == migration;
+               (each.kind == ActivityKind::kMigration) == migration;
     });
     return row != rows.end() ? &*row : nullptr;
 }
@@ -54,7 +54,7 @@ bool IsBusy(const Adapter& adapter, const DiskGroup& group) {
 }
 
 Sectors Done(const Activity& activity, Time now) {
-    if (activity.state != HXSIM_ACTIVITY_RUNNING || now <= activity.since) return activity.done;
+    if (activity.state != ActivityState::kRunning || now <= activity.since) return activity.done;
     const Sectors left = activity.total - std::min(activity.done, activity.total);
     const auto milliseconds = static_cast<std::uint64_t>(now - activity.since);
     const std::uint64_t speed = std::max<std::uint64_t>(activity.speed, 1);

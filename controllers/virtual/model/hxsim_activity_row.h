@@ -24,7 +24,7 @@ bool IsBusy(const Adapter& adapter, const DiskGroup& group);
 Sectors Done(const Activity& activity, Time now);
 HX_U16 Percentage(const Activity& activity, Time now);
 
-/// Whether there is an activity and it is of that kind (HxsimActivity).
+/// Whether there is an activity and it is of that kind (ActivityKind).
 bool IsKind(const Activity* activity, HX_U8 kind);
 
 }  // namespace hxsim

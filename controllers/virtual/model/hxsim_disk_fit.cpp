@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_disk_role.h"
 #include "model/hxsim_members.h"
 #include "model/hxsim_space.h"
@@ -51,27 +50,27 @@ Sectors SectorsNeeded(const Adapter& adapter, const DiskGroup& group) {
 }
 
 HX_U8 CanServe(const Adapter& adapter, const VirtualDisk& virtual_disk, const Disk& disk) {
-    if (!IsReady(disk)) return HXSIM_DISK_NOT_READY;
+    if (!IsReady(disk)) return Status::kDiskNotReady;
     if (disk.spare == Spare::kGroup || GroupOf(adapter, disk.id) != nullptr) {
-        return HXSIM_DISK_TAKEN;
+        return Status::kDiskTaken;
     }
     const bool in_use = std::ranges::any_of(adapter.blocks, [&](const Block& block) {
         return block.disk == disk.id && block.virtual_disk == virtual_disk.id;
     });
-    if (in_use) return HXSIM_DISK_IN_USE;
+    if (in_use) return Status::kDiskInUse;
     const Sectors sectors = SectorsNeeded(adapter, virtual_disk);
     const Block* const free = FirstFree(adapter, disk.id, sectors);
-    if (free == nullptr || sectors == 0) return HXSIM_NO_SPACE;
+    if (free == nullptr || sectors == 0) return Status::kNoSpace;
     const bool one_more = free->sectors != sectors;
-    return one_more && IsFullOfBlocks(adapter, disk.id) ? HX_U8{HXSIM_TOO_MANY_BLOCKS}
+    return one_more && IsFullOfBlocks(adapter, disk.id) ? HX_U8{Status::kTooManyBlocks}
                                                         : HX_U8{HX_SUCCESS};
 }
 
 HX_U8 CanServe(const Adapter& adapter, const DiskGroup& group, const Disk& disk) {
-    if (!IsReady(disk)) return HXSIM_DISK_NOT_READY;
-    if (disk.spare == Spare::kGroup && disk.spare_group != group.id) return HXSIM_DISK_TAKEN;
-    if (IsConfigured(adapter, disk.id)) return HXSIM_DISK_TAKEN;
-    return UsableSectors(disk) < SectorsNeeded(adapter, group) ? HX_U8{HXSIM_NO_SPACE}
+    if (!IsReady(disk)) return Status::kDiskNotReady;
+    if (disk.spare == Spare::kGroup && disk.spare_group != group.id) return Status::kDiskTaken;
+    if (IsConfigured(adapter, disk.id)) return Status::kDiskTaken;
+    return UsableSectors(disk) < SectorsNeeded(adapter, group) ? HX_U8{Status::kNoSpace}
                                                                : HX_U8{HX_SUCCESS};
 }
 

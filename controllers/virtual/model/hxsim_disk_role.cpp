@@ -12,12 +12,12 @@ namespace {
 
 HX_U8 StatusOf(const Disk& disk) {
     HX_U8 status = 0;
-    if (Answers(disk)) status |= HXSIM_DISK_ONLINE;
-    if (disk.present && disk.failed) status |= HXSIM_DISK_FAILED;
-    if (disk.present && disk.foreign) status |= HXSIM_DISK_FOREIGN;
-    if (!IsReady(disk)) status |= HXSIM_DISK_UNAVAILABLE;
-    if (disk.spare == Spare::kGlobal) status |= HXSIM_DISK_GLOBAL_SPARE;
-    if (disk.spare == Spare::kGroup) status |= HXSIM_DISK_GROUP_SPARE;
+    if (Answers(disk)) status |= DiskBit::kOnline;
+    if (disk.present && disk.failed) status |= DiskBit::kFailed;
+    if (disk.present && disk.foreign) status |= DiskBit::kForeign;
+    if (!IsReady(disk)) status |= DiskBit::kUnavailable;
+    if (disk.spare == Spare::kGlobal) status |= DiskBit::kGlobalSpare;
+    if (disk.spare == Spare::kGroup) status |= DiskBit::kGroupSpare;
     return status;
 }
 
@@ -25,7 +25,7 @@ bool IsCopiedBack(const Adapter& adapter, HX_U16 virtual_disk) {
     const VirtualDisk* const row = Find(adapter.virtual_disks, virtual_disk);
     if (row == nullptr) return false;
     const auto runs_on = [&](Owner of, HX_U16 owner) {
-        return IsKind(ActivityOf(adapter, of, owner), HXSIM_ACTIVITY_COPYBACK);
+        return IsKind(ActivityOf(adapter, of, owner), ActivityKind::kCopyback);
     };
     return runs_on(Owner::kVirtualDisk, row->id) ||
            (row->group != kNoId && runs_on(Owner::kDiskGroup, row->group));
@@ -47,7 +47,7 @@ DiskRoles::DiskRoles(const Adapter& adapter) : adapter_(adapter), roles_(adapter
     for (const Home& home : adapter.homes) {
         DiskRole* const role = home.of == Owner::kDiskGroup ? role_of(home.disk) : nullptr;
         if (role == nullptr) continue;
-        role->status |= HXSIM_DISK_CONFIGURED;
+        role->status |= DiskBit::kConfigured;
         role->serves = home.owner;
         role->of_group = true;
     }
@@ -58,15 +58,15 @@ DiskRoles::DiskRoles(const Adapter& adapter) : adapter_(adapter), roles_(adapter
             role->free += block.sectors;
             continue;
         }
-        role->status |= HXSIM_DISK_CONFIGURED;
+        role->status |= DiskBit::kConfigured;
         if (!role->of_group) role->serves = std::min(role->serves, block.virtual_disk);
-        if (block.state == HXSIM_STATE_REBUILDING ||
+        if (block.state == State::kRebuilding ||
             (block.target && IsCopiedBack(adapter, block.virtual_disk))) {
-            role->status |= HXSIM_DISK_REBUILDING;
+            role->status |= DiskBit::kRebuilding;
         }
     }
     constexpr HX_U8 kReserved =
-        HXSIM_DISK_UNAVAILABLE | HXSIM_DISK_GLOBAL_SPARE | HXSIM_DISK_GROUP_SPARE;
+        DiskBit::kUnavailable | DiskBit::kGlobalSpare | DiskBit::kGroupSpare;
     for (DiskRole& role : roles_) {
         if (role.of_group || (role.status & kReserved) != 0) role.free = 0;
     }
@@ -77,7 +77,7 @@ const DiskRole& DiskRoles::Of(const Disk& disk) const {
 }
 
 bool IsListed(const Disk& disk, const DiskRole& role) {
-    return disk.present || (role.status & HXSIM_DISK_CONFIGURED) != 0;
+    return disk.present || (role.status & DiskBit::kConfigured) != 0;
 }
 
 const Disk* FindListed(const Adapter& adapter, HX_U16 id) {

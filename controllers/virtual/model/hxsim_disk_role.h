@@ -9,7 +9,7 @@ namespace hxsim {
 
 /// The role of one disk.
 struct DiskRole {
-    HX_U8 status = 0;       // HxsimDiskStatus
+    HX_U8 status = 0;       // DiskBit
     HX_U16 serves = kNoId;  // disk group or, on a disk of none, virtual disk; kNoId neither
     bool of_group = false;  // it serves a disk group; false for spares, too
     Sectors free = 0;       // that virtual disks can still have which lie directly on disks

@@ -31,8 +31,8 @@ requires std::is_integral_v<Number> std::string Text(Number number) {
 }
 
 // An element's status, a state or a level: its name, or its number when it has none.
-std::string NameOr(std::span<const HxraidName> names, HX_U8 code) {
-    const std::string_view name = HxraidNameOf(names, code);
+std::string NameOr(std::span<const hxcodes::Named> names, HX_U8 code) {
+    const std::string_view name = hxcodes::NameOf(names, code);
     return name.empty() ? "code " + std::to_string(code) : std::string(name);
 }
 
@@ -181,12 +181,12 @@ private:
     }
 
     const Activity* Migration(const VirtualDisk& virtual_disk) const {
-        return FindMove(HXSIM_ACTIVITY_MIGRATION, virtual_disk);
+        return FindMove(ActivityKind::kMigration, virtual_disk);
     }
 
     bool WritesTargets(const VirtualDisk& virtual_disk) const {
         return Migration(virtual_disk) != nullptr ||
-               FindMove(HXSIM_ACTIVITY_COPYBACK, virtual_disk) != nullptr;
+               FindMove(ActivityKind::kCopyback, virtual_disk) != nullptr;
     }
 
     void CheckBlocks() {
@@ -195,9 +195,9 @@ private:
             if (Find(adapter_.disks, block.disk) == nullptr) {
                 Say(Of(block), " lies on disk ", block.disk, ", which is not there.");
             }
-            if (block.state != HXSIM_STATE_OPTIMAL && block.state != HXSIM_STATE_REBUILDING &&
-                block.state != HXSIM_STATE_DEGRADED) {
-                Say(Of(block), " is ", NameOr(kHxsimStateNames, block.state),
+            if (block.state != State::kOptimal && block.state != State::kRebuilding &&
+                block.state != State::kDegraded) {
+                Say(Of(block), " is ", NameOr(hxcodes::kStateNames, block.state),
                     "; a block is optimal, rebuilding or degraded.");
             }
             if (block.virtual_disk == kNoVirtualDisk) {
@@ -213,7 +213,7 @@ private:
     }
 
     void CheckFree(const Block& block) {
-        if (block.target || block.position != 0 || block.state != HXSIM_STATE_OPTIMAL) {
+        if (block.target || block.position != 0 || block.state != State::kOptimal) {
             Say(Of(block), " is free and has a state, a position or a purpose.");
         }
     }
@@ -367,7 +367,7 @@ private:
     bool CheckLevel(const Row& row) {
         const Level* const level = FindLevel(row.level);
         if (level == nullptr || !CanBeMade(*level, row.width, row.legs)) {
-            Say(Of(row), " is ", NameOr(kHxsimLevelNames, row.level), " of ", row.width,
+            Say(Of(row), " is ", NameOr(hxcodes::kLevelNames, row.level), " of ", row.width,
                 " disks, which that level cannot be made of.");
             return false;
         }
@@ -510,8 +510,8 @@ private:
     void CheckState(const Row& row) {
         const HX_U8 state = StateOf(adapter_, row);
         if (row.state == state) return;
-        Say(Of(row), " was announced as ", NameOr(kHxsimStateNames, row.state), " and is ",
-            NameOr(kHxsimStateNames, state), ".");
+        Say(Of(row), " was announced as ", NameOr(hxcodes::kStateNames, row.state), " and is ",
+            NameOr(hxcodes::kStateNames, state), ".");
     }
 
     // ---- Activities ----
@@ -520,7 +520,7 @@ private:
         std::set<std::pair<Owner, HX_U16>> busy;  // not counting migrations that wait
         for (const Activity& activity : adapter_.activities) {
             const std::string address = Of(activity.of, activity.owner);
-            const std::string what = NameOr(kHxsimActivityNames, activity.kind);
+            const std::string what = NameOr(hxcodes::kActivityNames, activity.kind);
             if (!WaitsForRebuild(activity) && !busy.insert({activity.of, activity.owner}).second) {
                 Say(address, " has two activities.");
             }
@@ -530,11 +530,11 @@ private:
             if (!Suits(activity.kind, activity.of)) {
                 Say("A ", what, " goes on on ", address, ", which has no such activity.");
             }
-            if (activity.state != HXSIM_ACTIVITY_RUNNING &&
-                activity.state != HXSIM_ACTIVITY_PAUSED &&
-                activity.state != HXSIM_ACTIVITY_AUTO_PAUSED) {
+            if (activity.state != ActivityState::kRunning &&
+                activity.state != ActivityState::kPaused &&
+                activity.state != ActivityState::kAutoPaused) {
                 Say("The ", what, " of ", address, " is ",
-                    NameOr(kHxsimActivityStateNames, activity.state),
+                    NameOr(hxcodes::kActivityStateNames, activity.state),
                     "; an activity is running, paused or auto_paused.");
             }
             if (activity.done > activity.total) {
@@ -549,9 +549,9 @@ private:
     }
 
     bool WaitsForRebuild(const Activity& activity) const {
-        return activity.kind == HXSIM_ACTIVITY_MIGRATION &&
-               activity.state != HXSIM_ACTIVITY_RUNNING &&
-               FindActivity(HXSIM_ACTIVITY_REBUILD, activity.of, activity.owner) != nullptr;
+        return activity.kind == ActivityKind::kMigration &&
+               activity.state != ActivityState::kRunning &&
+               FindActivity(ActivityKind::kRebuild, activity.of, activity.owner) != nullptr;
     }
 
     bool IsThere(Owner of, HX_U16 owner) const {
@@ -568,9 +568,9 @@ private:
 
     static bool Suits(HX_U8 kind, Owner of) {
         if (of == Owner::kDisk) {
-            return kind == HXSIM_ACTIVITY_MEDIA_PATROL || kind == HXSIM_ACTIVITY_DATA_SCRUB;
+            return kind == ActivityKind::kMediaPatrol || kind == ActivityKind::kDataScrub;
         }
-        return kind >= HXSIM_ACTIVITY_CHECK && kind <= HXSIM_ACTIVITY_COPYBACK;
+        return kind >= ActivityKind::kCheck && kind <= ActivityKind::kCopyback;
     }
 
     // ---- Remapped sectors ----
@@ -599,13 +599,13 @@ private:
 
     bool HasDevice(HX_U8 kind, HX_U16 id) const {
         switch (kind) {
-            case HXSIM_DEVICE_ADAPTER:
+            case Device::kAdapter:
                 return true;
-            case HXSIM_DEVICE_EXPANDER:
+            case Device::kExpander:
                 return Find(adapter_.expanders, id) != nullptr;
-            case HXSIM_DEVICE_PORT_MULTIPLIER:
+            case Device::kPortMultiplier:
                 return Find(adapter_.port_multipliers, id) != nullptr;
-            case HXSIM_DEVICE_ENCLOSURE:
+            case Device::kEnclosure:
                 return Find(adapter_.enclosures, id) != nullptr;
             default:
                 return false;
@@ -616,8 +616,8 @@ private:
     void CheckAttachments(const Rows& rows, std::string_view kind) {
         for (const auto& row : rows) {
             if (!HasDevice(row.parent, row.parent_id)) {
-                Say(Address(kind, row.id), " hangs on ", NameOr(kHxsimDeviceNames, row.parent), " ",
-                    row.parent_id, ", which is not there.");
+                Say(Address(kind, row.id), " hangs on ", NameOr(hxcodes::kDeviceNames, row.parent),
+                    " ", row.parent_id, ", which is not there.");
             }
         }
     }
@@ -630,7 +630,7 @@ private:
         for (const Expander& expander : adapter_.expanders) {
             const Expander* up = &expander;
             std::size_t steps = 0;
-            while (up != nullptr && up->parent == HXSIM_DEVICE_EXPANDER &&
+            while (up != nullptr && up->parent == Device::kExpander &&
                    steps <= adapter_.expanders.size()) {
                 up = Find(adapter_.expanders, up->parent_id);
                 ++steps;
@@ -653,10 +653,10 @@ private:
                                        std::tuple(element.enclosure, element.number)) {
                 Say(Of(element), " stands behind ", Of(*last), "; elements are unique and ascend.");
             }
-            if (HxraidNameOf(kHxsimElementTypeNames, element.type).empty()) {
+            if (hxcodes::NameOf(hxcodes::kElementTypeNames, element.type).empty()) {
                 Say(Of(element), " is of type ", element.type, ", which is none.");
             }
-            if (HxraidNameOf(kHxsimElementStatusNames, element.status).empty()) {
+            if (hxcodes::NameOf(hxcodes::kElementStatusNames, element.status).empty()) {
                 Say(Of(element), " has the status ", element.status, ", which is none.");
             }
             last = &element;
@@ -702,8 +702,8 @@ private:
     void CheckImages() {
         std::set<HX_U8> types;
         for (const FlashImage& image : adapter_.images) {
-            const std::string name = NameOr(kHxsimImageNames, image.type);
-            if (HxraidNameOf(kHxsimImageNames, image.type).empty()) {
+            const std::string name = NameOr(hxcodes::kImageNames, image.type);
+            if (hxcodes::NameOf(hxcodes::kImageNames, image.type).empty()) {
                 Say(Adapters(), " has a flash image of type ", image.type, ", which is none.");
             }
             if (!types.insert(image.type).second) {

@@ -33,23 +33,23 @@ Link_Endpoint Endpoint(HX_U8 kind, HX_U16 id, HX_U8 phy, HX_U8 phys, HX_U16 encl
 
 Link_Endpoint Parent(const Adapter& adapter, const Attachment& at) {
     const Expander* const expander =
-        at.parent == HXSIM_DEVICE_EXPANDER ? Find(adapter.expanders, at.parent_id) : nullptr;
+        at.parent == Device::kExpander ? Find(adapter.expanders, at.parent_id) : nullptr;
     Link_Endpoint parent = Endpoint(at.parent, at.parent_id, at.phy, at.phys,
                                     expander == nullptr ? kNoId : expander->enclosure);
     if (expander != nullptr) {
         SetWorldWideName(parent.SAS_Address,
-                         WorldWideName(HXSIM_DEVICE_EXPANDER, adapter.id, at.parent_id, 0));
-    } else if (at.parent == HXSIM_DEVICE_ADAPTER) {
+                         WorldWideName(Device::kExpander, adapter.id, at.parent_id, 0));
+    } else if (at.parent == Device::kAdapter) {
         SetWorldWideName(parent.SAS_Address,
-                         WorldWideName(HXSIM_DEVICE_ADAPTER, adapter.id, 0, at.phy + 1U));
+                         WorldWideName(Device::kAdapter, adapter.id, 0, at.phy + 1U));
     }
     return parent;
 }
 
 }  // namespace
 
-std::uint64_t WorldWideName(HxsimDevice kind, HX_U8 adapter, HX_U16 id, unsigned port) {
-    return Name(std::uint64_t{kind} - HXSIM_DEVICE_ADAPTER, adapter, id, port);
+std::uint64_t WorldWideName(Device::Code kind, HX_U8 adapter, HX_U16 id, unsigned port) {
+    return Name(std::uint64_t{kind} - Device::kAdapter, adapter, id, port);
 }
 
 std::uint64_t WorldWideNameOfNewDisk(HX_U8 adapter, HX_U16 drawn) {
@@ -63,11 +63,11 @@ void SetWorldWideName(HX_U8 (&field)[8], std::uint64_t name) {
 }
 
 Link_Entity LinkOf(const Adapter& adapter, const Disk& disk) {
-    Link_Endpoint self = Endpoint(HXSIM_DEVICE_DISK, disk.id, 0, disk.phys, disk.enclosure);
+    Link_Endpoint self = Endpoint(Device::kDisk, disk.id, 0, disk.phys, disk.enclosure);
     if (disk.sas) {
         SetWorldWideName(self.SAS_Address, disk.wwn + 1);  // of its first port
-    } else if (disk.parent == HXSIM_DEVICE_EXPANDER) {
-        SetWorldWideName(self.SAS_Address, WorldWideName(HXSIM_DEVICE_EXPANDER, adapter.id,
+    } else if (disk.parent == Device::kExpander) {
+        SetWorldWideName(self.SAS_Address, WorldWideName(Device::kExpander, adapter.id,
                                                          disk.parent_id, disk.phy + 1U));
     }
     return {Parent(adapter, disk), self};
@@ -75,23 +75,22 @@ Link_Entity LinkOf(const Adapter& adapter, const Disk& disk) {
 
 Link_Entity LinkOf(const Adapter& adapter, const Expander& expander) {
     Link_Endpoint self =
-        Endpoint(HXSIM_DEVICE_EXPANDER, expander.id, 0, expander.phys, expander.enclosure);
+        Endpoint(Device::kExpander, expander.id, 0, expander.phys, expander.enclosure);
     SetWorldWideName(self.SAS_Address,
-                     WorldWideName(HXSIM_DEVICE_EXPANDER, adapter.id, expander.id, 0));
+                     WorldWideName(Device::kExpander, adapter.id, expander.id, 0));
     return {Parent(adapter, expander), self};
 }
 
 Link_Entity LinkOf(const Adapter& adapter, const PortMultiplier& port_multiplier) {
-    return {
-        Parent(adapter, port_multiplier),
-        Endpoint(HXSIM_DEVICE_PORT_MULTIPLIER, port_multiplier.id, 0, port_multiplier.phys, kNoId)};
+    return {Parent(adapter, port_multiplier),
+            Endpoint(Device::kPortMultiplier, port_multiplier.id, 0, port_multiplier.phys, kNoId)};
 }
 
 Link_Entity LinkOf(const Adapter& adapter, const Enclosure& enclosure) {
     Link_Endpoint self =
-        Endpoint(HXSIM_DEVICE_ENCLOSURE, enclosure.id, 0, enclosure.phys, enclosure.id);
+        Endpoint(Device::kEnclosure, enclosure.id, 0, enclosure.phys, enclosure.id);
     SetWorldWideName(self.SAS_Address,
-                     WorldWideName(HXSIM_DEVICE_ENCLOSURE, adapter.id, enclosure.id, 0));
+                     WorldWideName(Device::kEnclosure, adapter.id, enclosure.id, 0));
     return {Parent(adapter, enclosure), self};
 }
 

@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "codes/hxraid_codes.h"
 #include "hxraid.h"
 #include "model/hxsim_clock.h"
+#include "model/hxsim_codes.h"
 
 namespace hxsim {
 
@@ -29,7 +29,7 @@ inline constexpr std::size_t kMostEvents = 512;            // that an adapter's 
 
 /// What a device is plugged into.
 struct Attachment {
-    HX_U8 parent = 0;      // HxsimDevice
+    HX_U8 parent = 0;      // Device
     HX_U16 parent_id = 0;  // among the devices of its kind
     HX_U8 phy = 0;         // the first of its phys or ports there
     HX_U8 phys = 1;        // how many it takes
@@ -51,7 +51,7 @@ struct Disk : Attachment {
     std::uint64_t wwn = 0;
     Sectors sectors = 0;  // all of it, metadata included
     bool sas = false;     // else SATA
-    HX_U8 speed = HXSIM_SPEED_6_GBIT;
+    HX_U8 speed = LinkSpeed::k6Gbit;
     bool present = true;
     bool failed = false;
     bool offline = false;  // set offline by a caller
@@ -78,8 +78,8 @@ struct Block {
     HX_U8 position = 0;  // among the blocks of its virtual disk
     bool target =
         false;  // a migration or copyback writes it; it does not serve its virtual disk yet
-    HX_U8 state = HXSIM_STATE_OPTIMAL;  // OPTIMAL; REBUILDING: content is being made; DEGRADED: its
-                                        // content is out of date, since writes have passed it by
+    HX_U8 state = State::kOptimal;  // OPTIMAL; REBUILDING: content is being made; DEGRADED: its
+                                    // content is out of date, since writes have passed it by
     Sectors start = 0;
     Sectors sectors = 0;
 };
@@ -95,14 +95,14 @@ struct VirtualDisk {
     HX_U8 legs = 0;   // 0 where the level has none
     HX_U8 width = 0;  // positions
     HX_U16 stripe_kib = 64;
-    HX_U8 cache = 0;        // HxsimCache, without FORCED_WRITE_THROUGH
+    HX_U8 cache = 0;        // CacheBit, without FORCED_WRITE_THROUGH
     HX_U8 coefficient = 1;  // sectors of 512 bytes in one as the host sees it
     Sectors size = 0;       // of data
     bool auto_rebuild = true;
     bool foreign = false;
     bool initialised = false;
     HX_U32 errors = 0;  // stripes whose redundancy disagrees with the data, unknown until checked
-    HX_U8 state = HXSIM_STATE_OPTIMAL;  // as last announced; what it is now follows from the blocks
+    HX_U8 state = State::kOptimal;  // as last announced; what it is now follows from the blocks
 };
 
 /// What an activity or a position belongs to.
@@ -127,15 +127,15 @@ struct DiskGroup {
     HX_U8 width = 0;
     HX_U16 stripe_kib = 64;
     bool write_cache = false;
-    HX_U8 state = HXSIM_STATE_OPTIMAL;  // as last announced
+    HX_U8 state = State::kOptimal;  // as last announced
 };
 
 /// A background activity. At most one is there for a virtual disk, a disk or a disk group, besides
 /// a migration that waits while its virtual disk is rebuilt.
 struct Activity {
     HX_U16 id = 0;
-    HX_U8 kind = 0;  // HxsimActivity
-    HX_U8 state = HXSIM_ACTIVITY_RUNNING;
+    HX_U8 kind = 0;  // ActivityKind
+    HX_U8 state = ActivityState::kRunning;
     Owner of = Owner::kVirtualDisk;
     HX_U16 owner = 0;
     Sectors total = 0;  // sectors of each disk that it goes over
@@ -160,7 +160,7 @@ struct Remap {
     HX_U16 disk = 0;
     Sectors lba = 0;
     HX_U32 sectors = 0;
-    HX_U8 reason = HXSIM_REMAP_READ_ERROR;
+    HX_U8 reason = RemapReason::kReadError;
 };
 
 struct Expander : Attachment {
@@ -194,7 +194,7 @@ struct Element {
     HX_U16 enclosure = 0;
     HX_U8 number = 0;
     HX_U8 type = 0;  // HX_ELEMENT_...
-    HX_U8 status = HXSIM_ELEMENT_OK;
+    HX_U8 status = ElementStatus::kOk;
     HX_U16 reading = 0;    // as the field of its type has it: speed, temperature or voltage
     HX_U16 nominal = 0;    // what a fan or a voltage has when all is well
     HX_U8 speed_code = 0;  // fans
@@ -230,7 +230,7 @@ using Bytes = std::shared_ptr<const std::string>;
 /// A region of the flash. The image is healthy when it is whole; while it is written, `written`
 /// pieces are there.
 struct FlashImage {
-    HX_U8 type = 0;  // HxsimImage
+    HX_U8 type = 0;  // Image
     bool erased = false;
     bool healthy = true;
     HX_U16 written = 0;

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <limits>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_disk_role.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_space.h"
@@ -19,11 +18,11 @@ constexpr Sectors kGib = 2097152;
 // What a size is rounded down to; 0 for a code that no scheme has.
 Sectors UnitOf(HX_U8 rounding) {
     switch (rounding) {
-        case HXSIM_ROUND_TO_STRIPE:
+        case Rounding::kToStripe:
             return 1;  // sizes are of whole stripes before they are rounded
-        case HXSIM_ROUND_TO_1_GIB:
+        case Rounding::kTo1GiB:
             return kGib;
-        case HXSIM_ROUND_TO_10_GIB:
+        case Rounding::kTo10GiB:
             return 10 * kGib;
         default:
             return 0;
@@ -32,8 +31,8 @@ Sectors UnitOf(HX_U8 rounding) {
 
 HX_U8 CheckDisks(const Adapter& adapter, std::span<const HX_U16> disks) {
     for (std::size_t i = 0; i < disks.size(); ++i) {
-        if (Find(adapter.disks, disks[i]) == nullptr) return HXSIM_NO_DISK;
-        if (std::ranges::count(disks.first(i), disks[i]) != 0) return HXSIM_DISK_REPEATED;
+        if (Find(adapter.disks, disks[i]) == nullptr) return Status::kNoDisk;
+        if (std::ranges::count(disks.first(i), disks[i]) != 0) return Status::kDiskRepeated;
     }
     return HX_SUCCESS;
 }
@@ -89,16 +88,16 @@ Sectors Layout::Block(Sectors data) const {
 HX_U8 MakeLayout(const Adapter& adapter, const Wish& wish, Layout& layout) {
     const Adapter_Info& model = adapter.info;
     const Level* const level = FindLevel(wish.level);
-    if (level == nullptr || (model.LogicalDriverMode & level->mode) == 0) return HXSIM_BAD_LEVEL;
+    if (level == nullptr || (model.LogicalDriverMode & level->mode) == 0) return Status::kBadLevel;
     // A stripe size in KiB is its own bit in the mask of those that are supported.
     const HX_U16 stripe = wish.stripe_kib == 0 ? kUsualStripe : wish.stripe_kib;
     if ((stripe & (stripe - 1)) != 0 || (model.StripeSizeSupported & stripe) == 0) {
-        return HXSIM_BAD_STRIPE_SIZE;
+        return Status::kBadStripeSize;
     }
     const auto count = static_cast<unsigned>(wish.disks.size());
     if (count > wish.most_disks || !CanBeMade(*level, count, wish.legs) ||
         ParityDisks(*level, wish.legs) > model.MaxParityDisks) {
-        return HXSIM_BAD_DISK_COUNT;
+        return Status::kBadDiskCount;
     }
     if (const HX_U8 status = CheckDisks(adapter, wish.disks); status != HX_SUCCESS) return status;
     layout.level = level;
@@ -110,45 +109,45 @@ HX_U8 MakeLayout(const Adapter& adapter, const Wish& wish, Layout& layout) {
 
 HX_U8 CheckSharedDisk(const Adapter& adapter, HX_U16 id) {
     const Disk* const disk = Find(adapter.disks, id);
-    if (disk == nullptr) return HXSIM_NO_DISK;
-    if (!IsReady(*disk)) return HXSIM_DISK_NOT_READY;
+    if (disk == nullptr) return Status::kNoDisk;
+    if (!IsReady(*disk)) return Status::kDiskNotReady;
     // A spare that has stepped in is to be a spare again.
     const bool spare = disk->spare != Spare::kNone || disk->spare_before != Spare::kNone;
-    if (spare || GroupOf(adapter, id) != nullptr) return HXSIM_DISK_TAKEN;
-    if (disk->has_system) return HXSIM_HOLDS_SYSTEM;
+    if (spare || GroupOf(adapter, id) != nullptr) return Status::kDiskTaken;
+    if (disk->has_system) return Status::kHoldsSystem;
     return HX_SUCCESS;
 }
 
 HX_U8 CheckWholeDisk(const Adapter& adapter, HX_U16 id) {
     const HX_U8 status = CheckSharedDisk(adapter, id);
-    if (status != HX_SUCCESS && status != HXSIM_HOLDS_SYSTEM) return status;
+    if (status != HX_SUCCESS && status != Status::kHoldsSystem) return status;
     if (!IsFree(adapter, *Find(adapter.disks, id)) || CarriesBlocks(adapter, id)) {
-        return HXSIM_DISK_TAKEN;
+        return Status::kDiskTaken;
     }
     return status;
 }
 
 HX_U8 ChooseSize(const Layout& layout, Sectors run, Sectors wanted, HX_U8 rounding, Sectors& size) {
     const Sectors unit = UnitOf(rounding);
-    if (unit == 0) return HXSIM_BAD_ROUNDING;
+    if (unit == 0) return Status::kBadRounding;
     const Sectors most = layout.Data(run);
-    if (most == 0 || wanted > most) return HXSIM_NO_SPACE;
+    if (most == 0 || wanted > most) return Status::kNoSpace;
     const Sectors chosen = wanted == 0 ? most : layout.Data(layout.Block(wanted));
     const Sectors rounded = chosen - chosen % unit;
-    if (rounded == 0) return wanted == 0 ? HXSIM_NO_SPACE : HXSIM_BAD_VALUE;
+    if (rounded == 0) return wanted == 0 ? Status::kNoSpace : Status::kBadValue;
     size = rounded;
     return HX_SUCCESS;
 }
 
 HX_U8 CheckVirtualDiskCount(const Adapter& adapter) {
     const bool full = adapter.virtual_disks.size() >= adapter.info.MaxLogicalDrive;
-    return full ? HXSIM_TOO_MANY_VIRTUAL_DISKS : HX_SUCCESS;
+    return full ? Status::kTooManyVirtualDisks : HX_SUCCESS;
 }
 
 HX_U8 PlanVirtualDisk(const Adapter& adapter, const Create_LD_Param& param, Sectors wanted,
                       VirtualDiskPlan& plan) {
-    if (UnitOf(param.RoundingScheme) == 0) return HXSIM_BAD_ROUNDING;
-    if (param.HDCount > HX_MAX_HDS) return HXSIM_BAD_DISK_COUNT;
+    if (UnitOf(param.RoundingScheme) == 0) return Status::kBadRounding;
+    if (param.HDCount > HX_MAX_HDS) return Status::kBadDiskCount;
     const Wish wish{param.RaidMode, param.SubLDCount, param.StripeBlockSize,
                     std::span(param.HDIDs, param.HDCount), adapter.info.MaxPDPerVD};
     HX_U8 status = MakeLayout(adapter, wish, plan.layout);

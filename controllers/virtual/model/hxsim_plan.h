@@ -53,8 +53,8 @@ HX_U8 CheckSharedDisk(const Adapter& adapter, HX_U16 id);
 HX_U8 CheckWholeDisk(const Adapter& adapter, HX_U16 id);
 
 /// Sets the size that a virtual disk gets when its blocks can have `run` sectors and `wanted`
-/// sectors of data are asked for (0: as many as fit). Refused with HXSIM_BAD_ROUNDING,
-/// HXSIM_NO_SPACE or, for less than rounding leaves, HXSIM_BAD_VALUE.
+/// sectors of data are asked for (0: as many as fit). Refused with Status::kBadRounding,
+/// Status::kNoSpace or, for less than rounding leaves, Status::kBadValue.
 HX_U8 ChooseSize(const Layout& layout, Sectors run, Sectors wanted, HX_U8 rounding, Sectors& size);
 
 /// Whether the adapter can have one virtual disk more.

@@ -20,21 +20,21 @@ HX_U8 StateOfLegs(const Positions& lost, unsigned width, unsigned legs, unsigned
     for (unsigned first = 0; leg != 0 && first + leg <= width; first += leg) {
         worst = std::max(worst, CountLost(lost, first, leg));
     }
-    if (worst == 0) return HXSIM_STATE_OPTIMAL;
-    if (worst > redundancy) return HXSIM_STATE_OFFLINE;
-    return worst < redundancy ? HXSIM_STATE_PARTIALLY_OPTIMAL : HXSIM_STATE_DEGRADED;
+    if (worst == 0) return State::kOptimal;
+    if (worst > redundancy) return State::kOffline;
+    return worst < redundancy ? State::kPartiallyOptimal : State::kDegraded;
 }
 
 // The state of a ring in which each position's content lies on its neighbour as well.
 HX_U8 StateOfRing(const Positions& lost, unsigned width) {
     for (unsigned i = 0; i < width; ++i) {
-        if (lost[i] && lost[(i + 1) % width]) return HXSIM_STATE_OFFLINE;
+        if (lost[i] && lost[(i + 1) % width]) return State::kOffline;
     }
-    return CountLost(lost, 0, width) == 0 ? HXSIM_STATE_OPTIMAL : HXSIM_STATE_DEGRADED;
+    return CountLost(lost, 0, width) == 0 ? State::kOptimal : State::kDegraded;
 }
 
 bool IsGood(const Adapter& adapter, const Block& block) {
-    return block.state == HXSIM_STATE_OPTIMAL && IsReady(adapter, block.disk);
+    return block.state == State::kOptimal && IsReady(adapter, block.disk);
 }
 
 // What a disk group's disks make of it, whatever lies on them.
@@ -84,7 +84,7 @@ Positions LostPositions(const Adapter& adapter, HX_U16 virtual_disk, bool target
 }
 
 HX_U8 StateOf(const Adapter& adapter, const VirtualDisk& virtual_disk) {
-    if (virtual_disk.foreign) return HXSIM_STATE_FOREIGN;
+    if (virtual_disk.foreign) return State::kForeign;
     return StateOfArray(virtual_disk.level, virtual_disk.legs, virtual_disk.width,
                         LostPositions(adapter, virtual_disk.id));
 }

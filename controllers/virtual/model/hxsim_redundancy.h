@@ -3,7 +3,7 @@
 
 #include <bitset>
 
-#include "codes/hxraid_codes.h"
+#include "model/hxsim_codes.h"
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
@@ -15,7 +15,7 @@ using Positions = std::bitset<256>;
 HX_U8 StateOfArray(HX_U8 level, HX_U8 legs, HX_U8 width, const Positions& lost);
 
 /// Whether an array in that state can be read and written.
-constexpr bool IsUsable(HX_U8 state) { return state < HXSIM_STATE_OFFLINE; }
+constexpr bool IsUsable(HX_U8 state) { return state < State::kOffline; }
 
 /// Whether the level keeps anything twice, or parity.
 bool IsRedundant(HX_U8 level);
@@ -24,7 +24,7 @@ bool IsRedundant(HX_U8 level);
 /// with content that is not what it should be. With `target`, of what it is to become.
 Positions LostPositions(const Adapter& adapter, HX_U16 virtual_disk, bool target = false);
 
-/// The state that follows from a virtual disk's blocks and their disks: HxsimState.
+/// The state that follows from a virtual disk's blocks and their disks: State.
 HX_U8 StateOf(const Adapter& adapter, const VirtualDisk& virtual_disk);
 
 /// The state of a disk group: the worst of its virtual disks and, for one without, what its

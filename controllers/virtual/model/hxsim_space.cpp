@@ -81,7 +81,7 @@ auto FindBlock(AnyAdapter& adapter, HX_U16 virtual_disk, HX_U8 position, bool ta
 unsigned TailsToCome(const Adapter& adapter, HX_U16 disk) {
     unsigned tails = 0;
     for (const Activity& migration : adapter.activities) {
-        if (migration.kind != HXSIM_ACTIVITY_MIGRATION) continue;
+        if (migration.kind != ActivityKind::kMigration) continue;
         for (const Block& block : adapter.blocks) {
             if (block.disk != disk || block.target || block.position >= migration.width) continue;
             const VirtualDisk* const owner = Find(adapter.virtual_disks, block.virtual_disk);
@@ -134,11 +134,11 @@ bool HasRoomFor(const Adapter& adapter, HX_U16 disk, unsigned more) {
 
 HX_U8 CheckCut(const Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors) {
     const Block* const free = FreeBlockWith(adapter, disk, start, sectors);
-    if (free == nullptr) return HXSIM_NO_SPACE;
+    if (free == nullptr) return Status::kNoSpace;
     const bool before = free->start != start;
     const bool behind = free->start + free->sectors != start + sectors;
     const unsigned left = (before ? 1U : 0U) + (behind ? 1U : 0U);
-    if (left != 0 && !HasRoomFor(adapter, disk, left)) return HXSIM_TOO_MANY_BLOCKS;
+    if (left != 0 && !HasRoomFor(adapter, disk, left)) return Status::kTooManyBlocks;
     return HX_SUCCESS;
 }
 

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "rules/hxsim_event_queue.h"
 
@@ -14,19 +13,19 @@ constexpr std::uint64_t kQuickSeconds = 5;  // that a quick initialisation takes
 
 HX_U8 RateOf(const Adapter_Config_V2& config, HX_U8 kind) {
     switch (kind) {
-        case HXSIM_ACTIVITY_CHECK:
-        case HXSIM_ACTIVITY_FIX:
+        case ActivityKind::kCheck:
+        case ActivityKind::kFix:
             return config.SyncRate;
-        case HXSIM_ACTIVITY_INIT_BACK:
-        case HXSIM_ACTIVITY_INIT_FORE:
+        case ActivityKind::kInitBackground:
+        case ActivityKind::kInitForeground:
             return config.InitRate;
-        case HXSIM_ACTIVITY_REBUILD:
+        case ActivityKind::kRebuild:
             return config.RebuildRate;
-        case HXSIM_ACTIVITY_MIGRATION:
+        case ActivityKind::kMigration:
             return config.MigrationRate;
-        case HXSIM_ACTIVITY_COPYBACK:
+        case ActivityKind::kCopyback:
             return config.CopybackRate;
-        case HXSIM_ACTIVITY_MEDIA_PATROL:
+        case ActivityKind::kMediaPatrol:
             return config.MediaPatrolRate;
         default:
             return config.BGARate;
@@ -34,7 +33,7 @@ HX_U8 RateOf(const Adapter_Config_V2& config, HX_U8 kind) {
 }
 
 std::uint64_t SpeedOf(const Adapter& adapter, const Activity& activity) {
-    if (activity.kind == HXSIM_ACTIVITY_INIT_QUICK) return activity.total / kQuickSeconds;
+    if (activity.kind == ActivityKind::kInitQuick) return activity.total / kQuickSeconds;
     return kFullSpeed * std::max<HX_U8>(RateOf(adapter.config, activity.kind), 1) / 100;
 }
 
@@ -44,7 +43,7 @@ void Mark(Activity& activity, Time now) {
     activity.since = now;
 }
 
-void Stop(Adapter& adapter, Time now, Activity& activity, HxsimActivityState state, Step step) {
+void Stop(Adapter& adapter, Time now, Activity& activity, ActivityState::Code state, Step step) {
     Mark(activity, now);
     activity.state = state;
     Announce(adapter, now, activity, step);
@@ -52,7 +51,7 @@ void Stop(Adapter& adapter, Time now, Activity& activity, HxsimActivityState sta
 
 void Resume(Adapter& adapter, Time now, Activity& activity, Step step) {
     activity.since = now;
-    activity.state = HXSIM_ACTIVITY_RUNNING;
+    activity.state = ActivityState::kRunning;
     Announce(adapter, now, activity, step);
 }
 
@@ -70,7 +69,7 @@ void Announce(Adapter& adapter, Time now, const Activity& activity, Step step, H
             }
             break;
         case Owner::kDisk:
-            if (activity.kind != HXSIM_ACTIVITY_MEDIA_PATROL) break;
+            if (activity.kind != ActivityKind::kMediaPatrol) break;
             Queue(adapter, now, MediaPatrolStep(step), activity.owner, {param});
             break;
     }
@@ -78,9 +77,9 @@ void Announce(Adapter& adapter, Time now, const Activity& activity, Step step, H
 
 Activity& Start(Adapter& adapter, Time now, Activity activity) {
     activity.id = FreeId(adapter.activities);
-    activity.state = HXSIM_ACTIVITY_RUNNING;
+    activity.state = ActivityState::kRunning;
     activity.total = std::max<Sectors>(activity.total, 1);
-    if (activity.kind == HXSIM_ACTIVITY_INIT_QUICK) {
+    if (activity.kind == ActivityKind::kInitQuick) {
         activity.total = std::max(activity.total - activity.total % kQuickSeconds, kQuickSeconds);
     }
     activity.done = 0;
@@ -100,8 +99,8 @@ Activity Remove(Adapter& adapter, HX_U16 id) {
 }
 
 HX_U8 Pause(Adapter& adapter, Time now, Activity& activity) {
-    if (activity.state == HXSIM_ACTIVITY_PAUSED) return HXSIM_NO_CHANGE;
-    Stop(adapter, now, activity, HXSIM_ACTIVITY_PAUSED, Step::kPause);
+    if (activity.state == ActivityState::kPaused) return Status::kNoChange;
+    Stop(adapter, now, activity, ActivityState::kPaused, Step::kPause);
     return HX_SUCCESS;
 }
 
@@ -110,7 +109,7 @@ void Resume(Adapter& adapter, Time now, Activity& activity) {
 }
 
 void AutoPause(Adapter& adapter, Time now, Activity& activity) {
-    Stop(adapter, now, activity, HXSIM_ACTIVITY_AUTO_PAUSED, Step::kAutoPaused);
+    Stop(adapter, now, activity, ActivityState::kAutoPaused, Step::kAutoPaused);
 }
 
 void AutoResume(Adapter& adapter, Time now, Activity& activity) {
@@ -121,7 +120,7 @@ void Reschedule(Adapter& adapter, Time now) {
     for (Activity& activity : adapter.activities) {
         const std::uint64_t speed = SpeedOf(adapter, activity);
         if (speed == activity.speed) continue;
-        if (activity.state == HXSIM_ACTIVITY_RUNNING) Mark(activity, now);
+        if (activity.state == ActivityState::kRunning) Mark(activity, now);
         activity.speed = speed;
     }
 }

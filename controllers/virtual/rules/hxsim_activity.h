@@ -19,7 +19,7 @@ Activity& Start(Adapter& adapter, Time now, Activity activity);
 /// Takes the row of an activity away and returns it; what it leaves behind is the caller's.
 Activity Remove(Adapter& adapter, HX_U16 id);
 
-/// Pauses an activity for a caller and announces it. Returns HXSIM_NO_CHANGE when it is paused.
+/// Pauses an activity for a caller and announces it. Returns Status::kNoChange when it is paused.
 HX_U8 Pause(Adapter& adapter, Time now, Activity& activity);
 
 /// Resumes an activity for a caller and announces it. The activity is paused.

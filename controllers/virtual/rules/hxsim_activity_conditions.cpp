@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_redundancy.h"
 #include "rules/hxsim_activity.h"
@@ -27,11 +26,11 @@ bool IsThere(const Adapter& adapter, Owner of, HX_U16 owner) {
 
 // Pauses the activity, or resumes one that the controller has paused. Returns whether it did.
 bool PauseWhile(Settling& settling, Activity& activity, bool pause) {
-    if (pause && activity.state == HXSIM_ACTIVITY_RUNNING) {
+    if (pause && activity.state == ActivityState::kRunning) {
         AutoPause(settling.adapter, settling.now, activity);
         return true;
     }
-    if (!pause && activity.state == HXSIM_ACTIVITY_AUTO_PAUSED) {
+    if (!pause && activity.state == ActivityState::kAutoPaused) {
         AutoResume(settling.adapter, settling.now, activity);
         return true;
     }
@@ -48,7 +47,7 @@ bool IsInVain(const Adapter& adapter, const Activity& migration, HX_U16 virtual_
     Positions lost;
     for (const Block& block : adapter.blocks) {
         if (block.virtual_disk != virtual_disk || !block.target) continue;
-        lost[block.position] = block.state != HXSIM_STATE_OPTIMAL || !IsReady(adapter, block.disk);
+        lost[block.position] = block.state != State::kOptimal || !IsReady(adapter, block.disk);
     }
     return !IsUsable(StateOfArray(migration.level, migration.legs, migration.width, lost));
 }
@@ -84,7 +83,7 @@ bool ForEachActivity(Adapter& adapter, Settle settle) {
 bool HasRebuildingBlock(const Adapter& adapter, HX_U16 virtual_disk) {
     return std::ranges::any_of(adapter.blocks, [&](const Block& block) {
         return block.virtual_disk == virtual_disk && !block.target &&
-               block.state == HXSIM_STATE_REBUILDING;
+               block.state == State::kRebuilding;
     });
 }
 
@@ -101,10 +100,10 @@ bool HasBadTarget(const Adapter& adapter, const Activity& copyback) {
 bool CanGoOn(const Adapter& adapter, const Activity& activity) {
     const HX_U8 state = StateOfOwner(adapter, activity);
     switch (activity.kind) {
-        case HXSIM_ACTIVITY_REBUILD:
+        case ActivityKind::kRebuild:
             return IsUsable(state) && HasRebuildingBlock(adapter, activity.owner);
-        case HXSIM_ACTIVITY_COPYBACK:
-            return state == HXSIM_STATE_OPTIMAL && !HasBadTarget(adapter, activity);
+        case ActivityKind::kCopyback:
+            return state == State::kOptimal && !HasBadTarget(adapter, activity);
         default:
             return IsUsable(state);
     }
@@ -114,7 +113,7 @@ bool TakesPartInRebuild(const Adapter& adapter, HX_U16 disk) {
     return std::ranges::any_of(adapter.blocks, [&](const Block& block) {
         return block.disk == disk && block.virtual_disk != kNoVirtualDisk &&
                IsKind(ActivityOf(adapter, Owner::kVirtualDisk, block.virtual_disk),
-                      HXSIM_ACTIVITY_REBUILD);
+                      ActivityKind::kRebuild);
     });
 }
 
@@ -129,16 +128,16 @@ bool DropOrphans(Settling& settling) {
 
 bool SettleMigrations(Settling& settling) {
     return ForEachActivity(settling.adapter, [&](Activity& each) {
-        if (each.kind != HXSIM_ACTIVITY_MIGRATION) return false;
+        if (each.kind != ActivityKind::kMigration) return false;
         if (IsInVain(settling.adapter, each)) return End(settling, each);
-        const bool waits = StateOfOwner(settling.adapter, each) != HXSIM_STATE_OPTIMAL;
+        const bool waits = StateOfOwner(settling.adapter, each) != State::kOptimal;
         return PauseWhile(settling, each, waits);
     });
 }
 
 bool SettleActivities(Settling& settling) {
     return ForEachActivity(settling.adapter, [&](Activity& each) {
-        if (each.of == Owner::kDisk || each.kind == HXSIM_ACTIVITY_MIGRATION) return false;
+        if (each.of == Owner::kDisk || each.kind == ActivityKind::kMigration) return false;
         return !CanGoOn(settling.adapter, each) && End(settling, each);
     });
 }

@@ -1,7 +1,7 @@
 // How activities end: completed with their effect, aborted, or failed.
 #include "rules/hxsim_activity_end.h"
 
-#include "codes/hxraid_codes.h"
+#include "model/hxsim_codes.h"
 #include "rules/hxsim_activity.h"
 #include "rules/hxsim_copyback.h"
 #include "rules/hxsim_event_queue.h"
@@ -61,24 +61,24 @@ void FinishScrub(Adapter& adapter, Time now, HX_U16 disk) {
 
 void TakeEffect(Adapter& adapter, Time now, const Activity& activity) {
     switch (activity.kind) {
-        case HXSIM_ACTIVITY_CHECK:
+        case ActivityKind::kCheck:
             return FinishCheck(adapter, now, activity.owner);
-        case HXSIM_ACTIVITY_FIX:
+        case ActivityKind::kFix:
             return FinishFix(adapter, now, activity.owner);
-        case HXSIM_ACTIVITY_INIT_QUICK:
-        case HXSIM_ACTIVITY_INIT_BACK:
-        case HXSIM_ACTIVITY_INIT_FORE:
+        case ActivityKind::kInitQuick:
+        case ActivityKind::kInitBackground:
+        case ActivityKind::kInitForeground:
             return FinishInitialisation(adapter, activity.owner);
-        case HXSIM_ACTIVITY_REBUILD:
+        case ActivityKind::kRebuild:
             return FinishRebuild(adapter, now, activity.owner);
-        case HXSIM_ACTIVITY_MIGRATION:
+        case ActivityKind::kMigration:
             return CompleteMigration(adapter, activity);
-        case HXSIM_ACTIVITY_COPYBACK:
+        case ActivityKind::kCopyback:
             return FinishCopyback(adapter, activity);
-        case HXSIM_ACTIVITY_MEDIA_PATROL:
+        case ActivityKind::kMediaPatrol:
             RemapDamage(adapter, now, activity.owner, 0, UINT64_MAX);
             return;
-        case HXSIM_ACTIVITY_DATA_SCRUB:
+        case ActivityKind::kDataScrub:
             return FinishScrub(adapter, now, activity.owner);
         default:
             return;
@@ -90,8 +90,8 @@ void TakeEffect(Adapter& adapter, Time now, const Activity& activity) {
 // What is left behind by a rebuild that cannot go on: blocks that another one begins anew.
 void ForgetRebuild(Adapter& adapter, HX_U16 virtual_disk) {
     for (Block& block : adapter.blocks) {
-        if (block.virtual_disk == virtual_disk && block.state == HXSIM_STATE_REBUILDING) {
-            block.state = HXSIM_STATE_DEGRADED;
+        if (block.virtual_disk == virtual_disk && block.state == State::kRebuilding) {
+            block.state = State::kDegraded;
         }
     }
 }
@@ -107,17 +107,17 @@ void Complete(Adapter& adapter, Time now, HX_U16 activity_id) {
 void Abort(Adapter& adapter, Time now, HX_U16 activity_id) {
     if (Find(adapter.activities, activity_id) == nullptr) return;
     const Activity activity = Remove(adapter, activity_id);
-    if (activity.kind == HXSIM_ACTIVITY_COPYBACK) DropCopyback(adapter, activity, true);
-    if (activity.kind == HXSIM_ACTIVITY_MIGRATION) AbandonMigration(adapter, activity);
+    if (activity.kind == ActivityKind::kCopyback) DropCopyback(adapter, activity, true);
+    if (activity.kind == ActivityKind::kMigration) AbandonMigration(adapter, activity);
     Announce(adapter, now, activity, Step::kAbort);
 }
 
 void Fail(Adapter& adapter, Time now, HX_U16 activity_id) {
     if (Find(adapter.activities, activity_id) == nullptr) return;
     const Activity activity = Remove(adapter, activity_id);
-    if (activity.kind == HXSIM_ACTIVITY_REBUILD) ForgetRebuild(adapter, activity.owner);
-    if (activity.kind == HXSIM_ACTIVITY_COPYBACK) DropCopyback(adapter, activity, false);
-    if (activity.kind == HXSIM_ACTIVITY_MIGRATION) AbandonMigration(adapter, activity);
+    if (activity.kind == ActivityKind::kRebuild) ForgetRebuild(adapter, activity.owner);
+    if (activity.kind == ActivityKind::kCopyback) DropCopyback(adapter, activity, false);
+    if (activity.kind == ActivityKind::kMigration) AbandonMigration(adapter, activity);
     Announce(adapter, now, activity, Step::kError);
 }
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <tuple>
 
-#include "codes/hxraid_codes.h"
+#include "model/hxsim_codes.h"
 #include "rules/hxsim_activity.h"
 #include "rules/hxsim_activity_end.h"
 #include "rules/hxsim_battery.h"
@@ -25,7 +25,7 @@ Sectors NextMark(const Activity& activity) {
 }
 
 Time NextTransitionOf(const Activity& activity) {
-    if (activity.state != HXSIM_ACTIVITY_RUNNING) return kNever;
+    if (activity.state != ActivityState::kRunning) return kNever;
     const Sectors mark = NextMark(activity);
     if (mark <= activity.done) return activity.since;
     const Sectors left = mark - activity.done;

@@ -3,21 +3,19 @@
 
 #include <algorithm>
 
-#include "codes/hxraid_codes.h"
+#include "model/hxsim_codes.h"
 
 namespace hxsim {
 namespace {
 
 bool IsWrong(const Element& element) {
-    return element.status == HXSIM_ELEMENT_CRITICAL ||
-           element.status == HXSIM_ELEMENT_UNRECOVERABLE;
+    return element.status == ElementStatus::kCritical ||
+           element.status == ElementStatus::kUnrecoverable;
 }
 
 }  // namespace
 
-bool CausesAlarm(HX_U8 state) {
-    return state == HXSIM_STATE_DEGRADED || state == HXSIM_STATE_OFFLINE;
-}
+bool CausesAlarm(HX_U8 state) { return state == State::kDegraded || state == State::kOffline; }
 
 void UpdateAlarm(Adapter& adapter, bool new_cause) {
     const bool cause =

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_redundancy.h"
 #include "model/hxsim_space.h"
@@ -16,11 +15,11 @@ namespace {
 
 EventKind EventOf(HX_U8 state) {
     switch (state) {
-        case HXSIM_STATE_OFFLINE:
+        case State::kOffline:
             return kVirtualDiskOffline;
-        case HXSIM_STATE_DEGRADED:
+        case State::kDegraded:
             return kVirtualDiskDegraded;
-        case HXSIM_STATE_PARTIALLY_OPTIMAL:
+        case State::kPartiallyOptimal:
             return kVirtualDiskPartiallyOptimal;
         default:
             return kVirtualDiskOnline;
@@ -43,11 +42,11 @@ bool LetBlocksFallOutOfDate(Settling& settling) {
     for (const VirtualDisk& each : adapter.virtual_disks) {
         if (!IsUsable(StateOf(adapter, each))) continue;
         for (Block& block : adapter.blocks) {
-            if (block.virtual_disk != each.id || block.state == HXSIM_STATE_DEGRADED ||
+            if (block.virtual_disk != each.id || block.state == State::kDegraded ||
                 IsReady(adapter, block.disk)) {
                 continue;
             }
-            block.state = HXSIM_STATE_DEGRADED;
+            block.state = State::kDegraded;
             settling.losses.insert(each.id);
             changed = true;
         }
@@ -76,9 +75,9 @@ bool AnnounceStates(Settling& settling) {
         const HX_U8 before = std::exchange(each.state, state);
         if (state == before) continue;
         changed = true;
-        if (state == HXSIM_STATE_FOREIGN) continue;
+        if (state == State::kForeign) continue;
         // The import has announced a foreign one.
-        if (before == HXSIM_STATE_FOREIGN && state == HXSIM_STATE_OPTIMAL) continue;
+        if (before == State::kForeign && state == State::kOptimal) continue;
         Queue(adapter, settling.now, EventOf(state), each.id);
         if (state < before) continue;
         settling.losses.insert(each.id);

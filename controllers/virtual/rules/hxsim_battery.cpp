@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-#include "codes/hxraid_codes.h"
+#include "model/hxsim_codes.h"
 #include "rules/hxsim_event_queue.h"
 
 namespace hxsim {
@@ -65,22 +65,22 @@ int VoltageSide(const Battery& battery) {
 
 HX_U32 StatusOf(const Battery& battery) {
     HX_U32 status = 0;
-    if (!battery.switched_on) status |= HXSIM_BATTERY_SWITCHED_OFF;
+    if (!battery.switched_on) status |= BatteryBit::kSwitchedOff;
     if (!battery.present) return status;
-    status |= HXSIM_BATTERY_PRESENT;
-    if (Charges(battery.phase)) status |= HXSIM_BATTERY_CHARGING;
-    if (Discharges(battery.phase)) status |= HXSIM_BATTERY_DISCHARGING;
-    if (Relearns(battery.phase)) status |= HXSIM_BATTERY_RELEARNING;
+    status |= BatteryBit::kPresent;
+    if (Charges(battery.phase)) status |= BatteryBit::kCharging;
+    if (Discharges(battery.phase)) status |= BatteryBit::kDischarging;
+    if (Relearns(battery.phase)) status |= BatteryBit::kRelearning;
     const bool temperature_is_wrong = TemperatureSide(battery) != 0;
     const bool voltage_is_wrong = VoltageSide(battery) != 0;
-    if (temperature_is_wrong) status |= HXSIM_BATTERY_TEMPERATURE_OUT_OF_BOUNDS;
-    if (voltage_is_wrong) status |= HXSIM_BATTERY_VOLTAGE_OUT_OF_BOUNDS;
+    if (temperature_is_wrong) status |= BatteryBit::kTemperatureOutOfBounds;
+    if (voltage_is_wrong) status |= BatteryBit::kVoltageOutOfBounds;
     if (battery.info.maxCapacity <= battery.info.supportMinCapacity) {
-        status |= HXSIM_BATTERY_NEEDS_REPLACEMENT;
+        status |= BatteryBit::kNeedsReplacement;
     }
     if (battery.switched_on && !temperature_is_wrong && !voltage_is_wrong &&
         PercentageOf(battery, battery.charge_at_since) >= kSafePercentage) {
-        status |= HXSIM_BATTERY_SAFE_FOR_WRITE_BACK;
+        status |= BatteryBit::kSafeForWriteBack;
     }
     return status;
 }
@@ -92,7 +92,7 @@ HX_U16 MinutesTo(std::uint64_t charge, std::uint64_t full_time, const Battery& b
 
 // Whether a battery that is there is safe, as its record says.
 bool IsSafe(const Battery& battery) {
-    return (battery.info.status & HXSIM_BATTERY_SAFE_FOR_WRITE_BACK) != 0;
+    return (battery.info.status & BatteryBit::kSafeForWriteBack) != 0;
 }
 
 // ---- What happens by itself ----
@@ -155,13 +155,13 @@ void AnnounceCharge(Adapter& adapter, Time now, unsigned before, unsigned after)
 void AnnounceStatus(Adapter& adapter, Time now, HX_U32 before, HX_U32 after) {
     const HX_U32 gone = before & ~after;
     const HX_U32 come = after & ~before;
-    if (come & HXSIM_BATTERY_NEEDS_REPLACEMENT) {
+    if (come & BatteryBit::kNeedsReplacement) {
         Queue(adapter, now, kBatteryNeedsReplacement, kBattery);
     }
-    if (gone & HXSIM_BATTERY_SAFE_FOR_WRITE_BACK) {
+    if (gone & BatteryBit::kSafeForWriteBack) {
         Queue(adapter, now, kBatteryForceWriteThrough, kBattery);
     }
-    if (come & HXSIM_BATTERY_SAFE_FOR_WRITE_BACK) {
+    if (come & BatteryBit::kSafeForWriteBack) {
         Queue(adapter, now, kBatterySafeToUseWriteBack, kBattery);
     }
 }

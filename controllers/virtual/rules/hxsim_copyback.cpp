@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_disk_fit.h"
 #include "model/hxsim_home.h"
@@ -74,22 +73,22 @@ std::vector<HX_U16> Concerned(const Adapter& adapter, const Activity& copyback) 
 bool IsTooLargeFor(const Adapter& adapter, const Home& home, const Disk& disk) {
     if (home.of == Owner::kVirtualDisk) {
         const VirtualDisk* const row = Find(adapter.virtual_disks, home.owner);
-        return row != nullptr && StateOf(adapter, *row) == HXSIM_STATE_OPTIMAL &&
+        return row != nullptr && StateOf(adapter, *row) == State::kOptimal &&
                SectorsNeeded(adapter, *row) > UsableSectors(disk);
     }
     const DiskGroup* const group = Find(adapter.disk_groups, home.owner);
-    return group != nullptr && StateOf(adapter, *group) == HXSIM_STATE_OPTIMAL &&
+    return group != nullptr && StateOf(adapter, *group) == State::kOptimal &&
            SectorsNeeded(adapter, *group) > UsableSectors(disk);
 }
 
 bool MayCopyBack(const Adapter& adapter, const VirtualDisk& virtual_disk) {
-    return StateOf(adapter, virtual_disk) == HXSIM_STATE_OPTIMAL && !IsBusy(adapter, virtual_disk);
+    return StateOf(adapter, virtual_disk) == State::kOptimal && !IsBusy(adapter, virtual_disk);
 }
 
 bool StartCopyback(Adapter& adapter, Time now, const VirtualDisk& virtual_disk) {
     if (virtual_disk.group != kNoId || !MayCopyBack(adapter, virtual_disk)) return false;
     Activity copyback;
-    copyback.kind = HXSIM_ACTIVITY_COPYBACK;
+    copyback.kind = ActivityKind::kCopyback;
     copyback.of = Owner::kVirtualDisk;
     copyback.owner = virtual_disk.id;
     copyback.total = SectorsNeeded(adapter, virtual_disk);
@@ -112,11 +111,11 @@ bool StartCopyback(Adapter& adapter, Time now, const VirtualDisk& virtual_disk) 
 bool StartCopyback(Adapter& adapter, Time now, const DiskGroup& group) {
     const std::vector<const VirtualDisk*> members = MembersOf(adapter, group.id);
     const bool may =
-        StateOf(adapter, group) == HXSIM_STATE_OPTIMAL && !IsBusy(adapter, group) &&
+        StateOf(adapter, group) == State::kOptimal && !IsBusy(adapter, group) &&
         std::ranges::all_of(members, [&](const auto* each) { return MayCopyBack(adapter, *each); });
     if (!may) return false;
     Activity copyback;
-    copyback.kind = HXSIM_ACTIVITY_COPYBACK;
+    copyback.kind = ActivityKind::kCopyback;
     copyback.of = Owner::kDiskGroup;
     copyback.owner = group.id;
     for (const VirtualDisk* const each : members) copyback.total += SectorsNeeded(adapter, *each);

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_space.h"
@@ -15,7 +14,7 @@ namespace {
 
 void FailWhatWrites(Adapter& adapter, Time now, Owner of, HX_U16 owner, bool target) {
     const Activity* const activity = ActivityOf(adapter, of, owner);
-    if (IsKind(activity, target ? HXSIM_ACTIVITY_COPYBACK : HXSIM_ACTIVITY_REBUILD)) {
+    if (IsKind(activity, target ? ActivityKind::kCopyback : ActivityKind::kRebuild)) {
         Fail(adapter, now, activity->id);
     }
     const Activity* const migration = MigrationOf(adapter, of, owner);
@@ -26,7 +25,7 @@ void FailWhatWrites(Adapter& adapter, Time now, Owner of, HX_U16 owner, bool tar
 void EndWritesTo(Adapter& adapter, Time now, HX_U16 disk) {
     std::vector<Block> written;
     for (const Block& block : adapter.blocks) {
-        const bool is_written = block.target || block.state == HXSIM_STATE_REBUILDING;
+        const bool is_written = block.target || block.state == State::kRebuilding;
         if (block.disk == disk && is_written) written.push_back(block);
     }
     for (const Block& block : written) {

@@ -1,7 +1,7 @@
 // The elements of enclosures, and what the readings of their sensors mean.
 #include "rules/hxsim_enclosure_sensors.h"
 
-#include "codes/hxraid_codes.h"
+#include "model/hxsim_codes.h"
 
 namespace hxsim {
 namespace {
@@ -69,12 +69,12 @@ HX_U8 StatusOf(const Element& element) {
             break;
         case Deviation::kLowWarning:
         case Deviation::kHighWarning:
-            return HXSIM_ELEMENT_NONCRITICAL;
+            return ElementStatus::kNoncritical;
         case Deviation::kLowCritical:
         case Deviation::kHighCritical:
-            return HXSIM_ELEMENT_CRITICAL;
+            return ElementStatus::kCritical;
     }
-    return HXSIM_ELEMENT_OK;
+    return ElementStatus::kOk;
 }
 
 Element* FindElement(Adapter& adapter, HX_U16 enclosure, HX_U8 number) {

@@ -12,7 +12,7 @@ enum class Deviation : HX_U8 { kNone, kLowWarning, kHighWarning, kLowCritical, k
 /// Of a temperature, voltage or fan; kNone of what is not measured. A threshold of 0 is none.
 Deviation DeviationOf(const Element& element);
 
-/// The status that follows from an element's reading: HxsimElementStatus. Elements without one have
+/// The status that follows from an element's reading: ElementStatus. Elements without one have
 /// the status that they have been given.
 HX_U8 StatusOf(const Element& element);
 

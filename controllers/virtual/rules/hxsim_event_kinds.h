@@ -68,8 +68,8 @@ constexpr HX_U8 SeverityOf(Step step) {
     return step == Step::kError ? kMajor : step == Step::kAbort ? kWarning : kInfo;
 }
 
-/// A step of a virtual disk's activity, an HxsimActivity from HXSIM_ACTIVITY_CHECK to
-/// HXSIM_ACTIVITY_COPYBACK: ten codes each, from 20 on.
+/// A step of a virtual disk's activity, an ActivityKind from ActivityKind::kCheck to
+/// ActivityKind::kCopyback: ten codes each, from 20 on.
 constexpr EventKind VirtualDiskStep(HX_U8 activity, Step step) {
     const auto code = static_cast<HX_U16>(10 + 10 * activity + static_cast<HX_U16>(step));
     return {1, code, SeverityOf(step)};

@@ -4,7 +4,6 @@
 #include <set>
 #include <utility>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_disk_fit.h"
 #include "model/hxsim_disk_role.h"
@@ -130,7 +129,7 @@ void PutInto(Adapter& adapter, Time now, const VirtualDisk& virtual_disk, HX_U8 
     StepIn(adapter, now, disk);
     ReleaseIfThere(adapter, BlockOf(adapter, virtual_disk.id, position));
     const Sectors start = FirstFree(adapter, disk, sectors)->start;
-    Cut(adapter, disk, start, sectors, virtual_disk.id, position).state = HXSIM_STATE_DEGRADED;
+    Cut(adapter, disk, start, sectors, virtual_disk.id, position).state = State::kDegraded;
     MoveIn(adapter, HomeOf(adapter, virtual_disk, position), disk);
 }
 
@@ -142,7 +141,7 @@ void PutInto(Adapter& adapter, Time now, const DiskGroup& group, HX_U8 position,
         const Sectors start = like->start;
         const Sectors sectors = like->sectors;
         ReleaseIfThere(adapter, BlockOf(adapter, each->id, position));
-        Cut(adapter, disk, start, sectors, each->id, position).state = HXSIM_STATE_DEGRADED;
+        Cut(adapter, disk, start, sectors, each->id, position).state = State::kDegraded;
     }
     MoveIn(adapter, HomeOf(adapter, Owner::kDiskGroup, group.id, position), disk);
 }

@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_level.h"
@@ -59,7 +58,7 @@ bool IsKept(const Layout& layout, std::span<const HX_U16> old, std::size_t posit
 
 Activity MigrationTo(const Layout& layout, Owner of, HX_U16 owner, Sectors size) {
     Activity migration;
-    migration.kind = HXSIM_ACTIVITY_MIGRATION;
+    migration.kind = ActivityKind::kMigration;
     migration.of = of;
     migration.owner = owner;
     migration.level = layout.level->code;
@@ -87,11 +86,11 @@ struct Move {
 };
 
 HX_U8 CheckMovable(const Adapter& adapter, const VirtualDisk* virtual_disk) {
-    if (virtual_disk == nullptr) return HXSIM_NO_VIRTUAL_DISK;
-    if (virtual_disk->foreign) return HXSIM_WRONG_STATE;
-    if (virtual_disk->group != kNoId) return HXSIM_ON_DISK_GROUP;
-    if (IsBusy(adapter, *virtual_disk)) return HXSIM_BUSY;
-    if (StateOf(adapter, *virtual_disk) != HXSIM_STATE_OPTIMAL) return HXSIM_WRONG_STATE;
+    if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
+    if (virtual_disk->foreign) return Status::kWrongState;
+    if (virtual_disk->group != kNoId) return Status::kOnDiskGroup;
+    if (IsBusy(adapter, *virtual_disk)) return Status::kBusy;
+    if (StateOf(adapter, *virtual_disk) != State::kOptimal) return Status::kWrongState;
     return HX_SUCCESS;
 }
 
@@ -114,7 +113,7 @@ HX_U8 CheckRoom(const Adapter& adapter, const Move& move) {
         const HX_U16 disk = move.layout.disks[i];
         if (IsKept(move.layout, move.old, i) && move.block <= move.old_block) {
             const bool tail = move.block < move.old_block;
-            if (tail && !HasRoomFor(adapter, disk, 1)) return HXSIM_TOO_MANY_BLOCKS;
+            if (tail && !HasRoomFor(adapter, disk, 1)) return Status::kTooManyBlocks;
             continue;
         }
         const Sectors start = FirstFree(adapter, disk, move.block)->start;
@@ -132,7 +131,7 @@ bool IsAsItWas(const VirtualDisk& virtual_disk, const Move& move) {
 
 HX_U8 LayOut(const Adapter& adapter, const VirtualDisk& virtual_disk, const Create_LD_Param& param,
              Move& move) {
-    if (param.HDCount > HX_MAX_HDS) return HXSIM_BAD_DISK_COUNT;
+    if (param.HDCount > HX_MAX_HDS) return Status::kBadDiskCount;
     Wish wish{param.RaidMode, param.SubLDCount, param.StripeBlockSize,
               std::span(param.HDIDs, param.HDCount), adapter.info.MaxPDPerVD};
     // What the caller leaves out stays as it is.
@@ -161,17 +160,17 @@ HX_U8 PlanMove(const Adapter& adapter, const Create_LD_Param& param, std::option
     if (status != HX_SUCCESS) return status;
 
     const Sectors longest = LongestBlock(adapter, move);
-    if (move.layout.Data(longest) < virtual_disk->size) return HXSIM_TOO_SMALL;
-    if (wanted && *wanted != 0 && *wanted < virtual_disk->size) return HXSIM_TOO_SMALL;
+    if (move.layout.Data(longest) < virtual_disk->size) return Status::kTooSmall;
+    if (wanted && *wanted != 0 && *wanted < virtual_disk->size) return Status::kTooSmall;
     const bool stays = wanted && *wanted <= virtual_disk->size;
     const Sectors more = stays ? 0 : wanted.value_or(0);
     Sectors chosen = 0;
     status = ChooseSize(move.layout, longest, more, param.RoundingScheme, chosen);
     // Rounding takes nothing from what is there already.
-    if (status == HXSIM_BAD_ROUNDING || (status != HX_SUCCESS && more != 0)) return status;
+    if (status == Status::kBadRounding || (status != HX_SUCCESS && more != 0)) return status;
     move.size = stays ? virtual_disk->size : std::max(chosen, virtual_disk->size);
     move.block = move.layout.Block(move.size);
-    if (wanted && IsAsItWas(*virtual_disk, move)) return HXSIM_NO_CHANGE;
+    if (wanted && IsAsItWas(*virtual_disk, move)) return Status::kNoChange;
     return CheckRoom(adapter, move);
 }
 
@@ -190,15 +189,15 @@ void SettleDown(Adapter& adapter, Owner of, HX_U16 owner) {
 // ---- Disk groups ----
 
 HX_U8 CheckMovable(const Adapter& adapter, const DiskGroup& group) {
-    if (IsBusy(adapter, group)) return HXSIM_BUSY;
-    if (StateOf(adapter, group) != HXSIM_STATE_OPTIMAL) return HXSIM_WRONG_STATE;
+    if (IsBusy(adapter, group)) return Status::kBusy;
+    if (StateOf(adapter, group) != State::kOptimal) return Status::kWrongState;
     return HX_SUCCESS;
 }
 
 HX_U8 LayOut(const Adapter& adapter, const DiskGroup& group, const CreateOrModify_DG_Param& param,
              Layout& layout) {
-    if (param.BlockSize != 0 && param.BlockSize != kSectorSize) return HXSIM_BAD_SECTOR_SIZE;
-    if (param.PDCount > HX_MAX_HDS) return HXSIM_BAD_DISK_COUNT;
+    if (param.BlockSize != 0 && param.BlockSize != kSectorSize) return Status::kBadSectorSize;
+    if (param.PDCount > HX_MAX_HDS) return Status::kBadDiskCount;
     Wish wish{param.RaidMode, param.SubVDCount, param.StripeBlockSize,
               std::span(param.PDIDs, param.PDCount), adapter.info.MaxPDPerDG};
     if (wish.stripe_kib == 0) wish.stripe_kib = group.stripe_kib;
@@ -233,13 +232,13 @@ HX_U8 CutTargets(Adapter& adapter, const Layout& layout, std::span<const HX_U16>
     bool in_place = sectors <= first.sectors;
     for (std::size_t i = 0; in_place && i < own.disks.size(); ++i) {
         if (IsKept(own, old, i)) continue;
-        in_place = CheckCut(adapter, own.disks[i], start, sectors) != HXSIM_NO_SPACE;
+        in_place = CheckCut(adapter, own.disks[i], start, sectors) != Status::kNoSpace;
     }
     if (!in_place) {
         const std::vector<Run> runs = CommonFree(adapter, own.disks);
         const auto run =
             std::ranges::find_if(runs, [&](const Run& each) { return each.sectors >= sectors; });
-        if (run == runs.end()) return HXSIM_NO_SPACE;
+        if (run == runs.end()) return Status::kNoSpace;
         start = run->start;
     }
     for (std::size_t i = 0; i < own.disks.size(); ++i) {
@@ -262,14 +261,14 @@ void TakeForm(Adapter& adapter, DiskGroup& group, const Layout& layout) {
 // Starts the migration on `adapter`, which a refusal leaves half changed.
 HX_U8 MoveGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
     DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
-    if (group == nullptr) return HXSIM_NO_DISK_GROUP;
+    if (group == nullptr) return Status::kNoDiskGroup;
     HX_U8 status = CheckMovable(adapter, *group);
     Layout layout;
     if (status == HX_SUCCESS) status = LayOut(adapter, *group, param, layout);
     if (status != HX_SUCCESS) return status;
     const Sectors space = ManagedSpace(adapter, layout);
-    if (space == 0) return HXSIM_NO_SPACE;
-    if (space < SizeOfMembers(adapter, *group)) return HXSIM_TOO_SMALL;
+    if (space == 0) return Status::kNoSpace;
+    if (space < SizeOfMembers(adapter, *group)) return Status::kTooSmall;
 
     const std::vector<HX_U16> old = DisksOf(adapter, Owner::kDiskGroup, group->id);
     std::vector<VirtualDisk> members;
@@ -296,7 +295,7 @@ HX_U8 MoveGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
     Start(adapter, now, migration);
     const bool room = std::ranges::all_of(
         layout.disks, [&](HX_U16 disk) { return HasRoomFor(adapter, disk, 0); });
-    if (!room) return HXSIM_TOO_MANY_BLOCKS;
+    if (!room) return Status::kTooManyBlocks;
     param.Size.value = space;
     return HX_SUCCESS;
 }
@@ -385,7 +384,7 @@ HX_U8 SizeMigration(const Adapter& adapter, Create_LD_Param& param) {
 }
 
 HX_U8 StartGroupMigration(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
-    if (IsAsItWas(adapter, param)) return HXSIM_NO_CHANGE;
+    if (IsAsItWas(adapter, param)) return Status::kNoChange;
     Adapter moved = adapter;
     const HX_U8 status = MoveGroup(moved, now, param);
     if (status == HX_SUCCESS) adapter = std::move(moved);

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_redundancy.h"
@@ -15,19 +14,19 @@ namespace hxsim {
 
 bool MayRebuild(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     const HX_U8 state = StateOf(adapter, virtual_disk);
-    if (state != HXSIM_STATE_DEGRADED && state != HXSIM_STATE_PARTIALLY_OPTIMAL) return false;
+    if (state != State::kDegraded && state != State::kPartiallyOptimal) return false;
     if (const Activity* const group = ActivityOf(adapter, Owner::kDiskGroup, virtual_disk.group);
         virtual_disk.group != kNoId && group != nullptr &&
-        group->kind != HXSIM_ACTIVITY_MIGRATION) {
+        group->kind != ActivityKind::kMigration) {
         return false;
     }
     const Activity* const activity = ActivityOf(adapter, Owner::kVirtualDisk, virtual_disk.id);
     if (activity == nullptr) return true;
     switch (activity->kind) {
-        case HXSIM_ACTIVITY_CHECK:
-        case HXSIM_ACTIVITY_FIX:
-        case HXSIM_ACTIVITY_INIT_BACK:  // these end for it
-        case HXSIM_ACTIVITY_MIGRATION:  // this waits for it
+        case ActivityKind::kCheck:
+        case ActivityKind::kFix:
+        case ActivityKind::kInitBackground:  // these end for it
+        case ActivityKind::kMigration:       // this waits for it
             return true;
         default:
             return false;
@@ -37,26 +36,25 @@ bool MayRebuild(const Adapter& adapter, const VirtualDisk& virtual_disk) {
 bool HasBlocksToRebuild(const Adapter& adapter, const VirtualDisk& virtual_disk, bool held) {
     return std::ranges::any_of(adapter.blocks, [&](const Block& block) {
         return block.virtual_disk == virtual_disk.id && !block.target &&
-               (block.state == HXSIM_STATE_DEGRADED ||
-                (held && block.state == HXSIM_STATE_REBUILDING)) &&
+               (block.state == State::kDegraded || (held && block.state == State::kRebuilding)) &&
                IsReady(adapter, block.disk);
     });
 }
 
 void StartRebuild(Adapter& adapter, Time now, HX_U16 virtual_disk) {
     const Activity* const lesser = ActivityOf(adapter, Owner::kVirtualDisk, virtual_disk);
-    if (lesser != nullptr && lesser->kind != HXSIM_ACTIVITY_MIGRATION) {
+    if (lesser != nullptr && lesser->kind != ActivityKind::kMigration) {
         // A check, fix or initialisation leaves nothing behind that would have to be undone.
         Announce(adapter, now, Remove(adapter, lesser->id), Step::kAbort);
     }
     Activity rebuild;
-    rebuild.kind = HXSIM_ACTIVITY_REBUILD;
+    rebuild.kind = ActivityKind::kRebuild;
     rebuild.of = Owner::kVirtualDisk;
     rebuild.owner = virtual_disk;
     for (Block& block : adapter.blocks) {
         if (block.virtual_disk != virtual_disk || block.target) continue;
-        if (block.state == HXSIM_STATE_DEGRADED && IsReady(adapter, block.disk)) {
-            block.state = HXSIM_STATE_REBUILDING;
+        if (block.state == State::kDegraded && IsReady(adapter, block.disk)) {
+            block.state = State::kRebuilding;
         }
         rebuild.total = block.sectors;
     }
@@ -69,10 +67,10 @@ void FinishRebuild(Adapter& adapter, Time now, HX_U16 virtual_disk) {
     std::vector<HX_U16> homes;
     for (Block& block : adapter.blocks) {
         if (block.virtual_disk != virtual_disk || block.target ||
-            block.state != HXSIM_STATE_REBUILDING) {
+            block.state != State::kRebuilding) {
             continue;
         }
-        block.state = HXSIM_STATE_OPTIMAL;
+        block.state = State::kOptimal;
         Home* const home = HomeOf(adapter, *row, block.position);
         if (home == nullptr || !IsDisplaced(*home)) continue;
         if (adapter.config.CopyBack == 0) {

@@ -36,11 +36,11 @@ bool Reassign(Adapter& adapter, Time now, HX_U16 disk, Sectors lba, HX_U32 secto
         Queue(adapter, now, kRemapTableFull, disk);
         return false;
     }
-    SetRemap(adapter, {disk, lba, sectors, HXSIM_REMAP_READ_ERROR});
+    SetRemap(adapter, {disk, lba, sectors, RemapReason::kReadError});
     Queue(adapter, now, kSectorReassigned, disk);
     Queue(adapter, now, kRemapAdded, disk,
           {static_cast<HX_U32>(lba >> 32), static_cast<HX_U32>(lba), sectors,
-           HXSIM_REMAP_READ_ERROR});
+           RemapReason::kReadError});
     if (used + 1 == kRemapRoom) {
         Queue(adapter, now, kRemapTableFull, disk);
     } else if (used < kRemapWarning && used + 1 >= kRemapWarning) {

@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_adapter_model.h"
 #include "model/hxsim_column.h"
 #include "model/hxsim_home.h"
@@ -172,10 +171,10 @@ private:
         std::string serial;
         if (!text_.Take("serial", serial)) serial = DrawSerial(machine_.random, "VC", 8);
         SetText(adapter_.info.SerialNo, serial);
-        SetWorldWideName(adapter_.info.WWN, WorldWideName(HXSIM_DEVICE_ADAPTER, adapter_.id, 0, 0));
+        SetWorldWideName(adapter_.info.WWN, WorldWideName(Device::kAdapter, adapter_.id, 0, 0));
         for (unsigned port = 0; port < adapter_.info.PortCount; ++port) {
             SetWorldWideName(adapter_.info.PortSasAddress[port],
-                             WorldWideName(HXSIM_DEVICE_ADAPTER, adapter_.id, 0, port + 1));
+                             WorldWideName(Device::kAdapter, adapter_.id, 0, port + 1));
         }
     }
 
@@ -196,13 +195,13 @@ private:
             "and \"phy\"";
         TopologyObject place = object.NeedObject("at", kExpected);
         if (place.Take("port", at.phy)) {
-            at.parent = HXSIM_DEVICE_ADAPTER;
+            at.parent = Device::kAdapter;
             at.parent_id = adapter_.id;
         } else if (place.Take("expander", at.parent_id)) {
-            at.parent = HXSIM_DEVICE_EXPANDER;
+            at.parent = Device::kExpander;
             place.TakeNeeded("phy", at.phy);
         } else if (place.Take("port_multiplier", at.parent_id)) {
-            at.parent = HXSIM_DEVICE_PORT_MULTIPLIER;
+            at.parent = Device::kPortMultiplier;
             place.TakeNeeded("phy", at.phy);
         } else {
             object.Refuse("at", kExpected);
@@ -272,7 +271,7 @@ private:
 
     static Element ReadElement(TopologyObject& object) {
         Element element;
-        element.type = object.NeedCode("type", "the kind of element", kHxsimElementTypeNames);
+        element.type = object.NeedCode("type", "the kind of element", hxcodes::kElementTypeNames);
         if (element.type == HX_ELEMENT_FAN) {
             object.TakeNeeded("rpm", element.reading);
             element.nominal = element.reading;
@@ -319,7 +318,7 @@ private:
         first.id = NextId(adapter_.disks);
         object.Take("id", first.id);
         ReadAttachment(object, first);
-        if (first.parent == HXSIM_DEVICE_EXPANDER) {
+        if (first.parent == Device::kExpander) {
             const Expander* const expander = Find(adapter_.expanders, first.parent_id);
             if (expander == nullptr) object.Refuse("at", "an expander that there is");
             first.enclosure = expander->enclosure;
@@ -375,7 +374,7 @@ private:
         } else if (count != 1) {
             object.Refuse("serial", "no serial number for several disks");
         }
-        disk.wwn = WorldWideName(HXSIM_DEVICE_DISK, adapter_.id, disk.id, 0);
+        disk.wwn = WorldWideName(Device::kDisk, adapter_.id, disk.id, 0);
         TakeHexadecimal(object, "wwn", disk.wwn);
         if (adapter_.disks.size() == adapter_.info.MaxHD_Ext) {
             object.Refuse("count", "at most " + std::to_string(adapter_.info.MaxHD_Ext) +
@@ -403,7 +402,7 @@ private:
         remap.sectors = 1;
         object.TakeNeeded("lba", remap.lba);
         object.Take("sectors", remap.sectors);
-        object.TakeCode("reason", kHxsimRemapReasonNames, remap.reason);
+        object.TakeCode("reason", hxcodes::kRemapReasonNames, remap.reason);
         adapter_.remaps.push_back(remap);
         std::ranges::sort(adapter_.remaps, {},
                           [](const Remap& each) { return std::tuple(each.disk, each.lba); });
@@ -414,7 +413,7 @@ private:
     // Level, legs and stripes, of a disk group or a virtual disk.
     template <class Row>
     static void ReadLevel(TopologyObject& object, Row& row) {
-        row.level = object.NeedCode("level", "a RAID level", kHxsimLevelNames);
+        row.level = object.NeedCode("level", "a RAID level", hxcodes::kLevelNames);
         const bool asked = object.Take("legs", row.legs);
         object.Take("stripe_kib", row.stripe_kib);
         if (!asked && FindLevel(row.level)->legs) row.legs = 2;
@@ -463,7 +462,7 @@ private:
         first.id = NextId(adapter_.virtual_disks);
         object.Take("id", first.id);
         object.Take("name", first.name);
-        if (const auto bits = object.TakeCodes("cache", kHxsimCacheBits)) {
+        if (const auto bits = object.TakeCodes("cache", hxcodes::kCacheBits)) {
             first.cache = 0;
             for (const HX_U8 bit : *bits) first.cache |= bit;
         }
@@ -471,7 +470,7 @@ private:
         object.Take("auto_rebuild", first.auto_rebuild);
         first.initialised = true;
         object.Take("initialised", first.initialised);
-        if (first.foreign) first.state = HXSIM_STATE_FOREIGN;
+        if (first.foreign) first.state = State::kForeign;
         const std::vector<HX_U16> disks = ReadPlace(object, first);
         first.width = static_cast<HX_U8>(disks.size());
         const Sectors block = ReadBlock(object, first);
@@ -542,7 +541,7 @@ private:
         for (std::size_t position = 0; position < disks.size(); ++position) {
             const Block* const free = FirstFree(adapter_, disks[position], block);
             const HX_U8 refusal = free == nullptr
-                                      ? HX_U8{HXSIM_NO_SPACE}
+                                      ? HX_U8{Status::kNoSpace}
                                       : CheckCut(adapter_, disks[position], free->start, block);
             if (refusal != HX_SUCCESS) {
                 object.Refuse("disks", "room for a block of " + std::to_string(block) +
@@ -559,8 +558,8 @@ private:
         if (!object) return;
         Battery battery;
         BBU_Info& info = battery.info;
-        info.status = HXSIM_BATTERY_PRESENT | HXSIM_BATTERY_SAFE_FOR_WRITE_BACK;
-        info.prev_status = HXSIM_BATTERY_PRESENT | HXSIM_BATTERY_CHARGING;
+        info.status = BatteryBit::kPresent | BatteryBit::kSafeForWriteBack;
+        info.prev_status = BatteryBit::kPresent | BatteryBit::kCharging;
         info.voltage = 4012;
         info.supportMaxCapacity = 1900;
         info.supportMinCapacity = 600;
@@ -569,7 +568,7 @@ private:
         info.time_to_empty = 65535;
         info.time_to_full = 65535;
         info.recharge_cycle = 23;
-        info.featureSupport = HXSIM_BATTERY_RELEARN | HXSIM_BATTERY_THRESHOLDS;
+        info.featureSupport = BatteryFeature::kRelearn | BatteryFeature::kThresholds;
         info.temperature = 29;
         info.volt_lowerbound = 3600;
         info.volt_upperbound = 4250;
@@ -591,10 +590,10 @@ private:
     // adapter until somebody writes another one.
     void ReadImages() {
         std::set<HX_U8> types;
-        if (const auto named = text_.TakeCodes("images", kHxsimImageNames)) {
+        if (const auto named = text_.TakeCodes("images", hxcodes::kImageNames)) {
             types.insert(named->begin(), named->end());
         } else {
-            for (const HxraidName& each : kHxsimImageNames) {
+            for (const hxcodes::Named& each : hxcodes::kImageNames) {
                 types.insert(static_cast<HX_U8>(each.code));
             }
         }

@@ -1,12 +1,12 @@
 // The models of disks that a topology names.
 #include "topology/hxsim_topology_disk_models.h"
 
-#include "codes/hxraid_codes.h"
+#include "model/hxsim_codes.h"
 
 namespace hxsim {
 namespace {
 
-constexpr HxraidName kInterfaceNames[] = {{0, "sata"}, {1, "sas"}};
+constexpr hxcodes::Named kInterfaceNames[] = {{0, "sata"}, {1, "sas"}};
 
 // The sectors of a disk of so many gigabytes (of 10^9 bytes), as the makers have agreed on them.
 constexpr Sectors SectorsOf(std::uint64_t gigabytes) {
@@ -36,7 +36,7 @@ DiskModels ReadDiskModels(TopologyObject& text) {
         HX_U8 sas = 0;
         object.TakeCode("interface", kInterfaceNames, sas);
         model.sas = sas != 0;
-        object.TakeCode("speed", kHxsimLinkSpeedNames, model.speed);
+        object.TakeCode("speed", hxcodes::kLinkSpeedNames, model.speed);
         models[name] = model;
     });
     return models;

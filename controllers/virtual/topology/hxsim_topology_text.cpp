@@ -15,18 +15,18 @@ using Json = nlohmann::json;
     throw TopologyError("Topology: " + where + ": expected " + expected + '.');
 }
 
-std::string Listed(std::span<const HxraidName> names) {
+std::string Listed(std::span<const hxcodes::Named> names) {
     std::string list;
-    for (const HxraidName& each : names) {
+    for (const hxcodes::Named& each : names) {
         list += (list.empty() ? "\"" : ", \"") + std::string(each.name) + '"';
     }
     return list;
 }
 
 // A code by its name.
-HX_U8 CodeOf(const Json& json, const std::string& where, std::span<const HxraidName> names) {
-    const HxraidName* const found =
-        json.is_string() ? HxraidFind(names, json.get_ref<const std::string&>()) : nullptr;
+HX_U8 CodeOf(const Json& json, const std::string& where, std::span<const hxcodes::Named> names) {
+    const hxcodes::Named* const found =
+        json.is_string() ? hxcodes::FindName(names, json.get_ref<const std::string&>()) : nullptr;
     if (found == nullptr) RefuseAt(where, "one of " + Listed(names));
     return static_cast<HX_U8>(found->code);
 }
@@ -137,17 +137,18 @@ const Json& TopologyObject::Need(const char* member, const std::string& expected
     return *found;
 }
 
-void TopologyObject::TakeCode(const char* member, std::span<const HxraidName> names, HX_U8& code) {
+void TopologyObject::TakeCode(const char* member, std::span<const hxcodes::Named> names,
+                              HX_U8& code) {
     if (const Json* const found = Find(member)) code = CodeOf(*found, Where(member), names);
 }
 
 HX_U8 TopologyObject::NeedCode(const char* member, const std::string& expected,
-                               std::span<const HxraidName> names) {
+                               std::span<const hxcodes::Named> names) {
     return CodeOf(Need(member, expected), Where(member), names);
 }
 
 std::optional<std::vector<HX_U8>> TopologyObject::TakeCodes(const char* member,
-                                                            std::span<const HxraidName> names) {
+                                                            std::span<const hxcodes::Named> names) {
     const Json* const found = Find(member);
     if (found == nullptr) return std::nullopt;
     if (!found->is_array()) Refuse(member, "a list of " + Listed(names));

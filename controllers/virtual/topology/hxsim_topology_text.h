@@ -18,8 +18,8 @@
 #include <tuple>
 #include <vector>
 
-#include "codes/hxraid_codes.h"
 #include "hxraid.h"
+#include "model/hxsim_codes.h"
 
 namespace hxsim {
 
@@ -53,12 +53,12 @@ public:
     }
 
     /// A code by its name.
-    void TakeCode(const char* member, std::span<const HxraidName> names, HX_U8& code);
+    void TakeCode(const char* member, std::span<const hxcodes::Named> names, HX_U8& code);
     HX_U8 NeedCode(const char* member, const std::string& expected,
-                   std::span<const HxraidName> names);
+                   std::span<const hxcodes::Named> names);
     /// A list of codes by their names; nothing when it is left out.
     std::optional<std::vector<HX_U8>> TakeCodes(const char* member,
-                                                std::span<const HxraidName> names);
+                                                std::span<const hxcodes::Named> names);
 
     /// An object of its own, to be finished by the caller; nothing when it is left out.
     std::optional<TopologyObject> TakeObject(const char* member);

@@ -24,7 +24,13 @@
 #include <vector>
 
 #include "calls/hxsim_session.h"
-#include "codes/hxraid_codes.h"
+#include "codes/activity.h"
+#include "codes/device.h"
+#include "codes/disk.h"
+#include "codes/flash.h"
+#include "codes/state.h"
+#include "codes/status.h"
+#include "codes/virtual_disk.h"
 #include "hxraid.h"
 #include "incidents/hxsim_incident.h"
 #include "incidents/hxsim_incident_battery.h"
@@ -49,6 +55,14 @@ extern "C" hxsim::Time __wrap__ZN5hxsim7RealNowEv() { return real_time; }
 
 namespace hxsim {
 namespace {
+
+using hxcodes::Device;
+using hxcodes::DiskAction;
+using hxcodes::Image;
+using hxcodes::RebuildType;
+using hxcodes::Rounding;
+using hxcodes::State;
+using hxcodes::Status;
 
 // ---- Chance ----
 
@@ -109,11 +123,11 @@ std::string Fingerprint(const Machine& machine) {
 // The event that tells of a virtual disk's new state.
 EventKind EventOf(HX_U8 state) {
     switch (state) {
-        case HXSIM_STATE_OFFLINE:
+        case State::kOffline:
             return kVirtualDiskOffline;
-        case HXSIM_STATE_DEGRADED:
+        case State::kDegraded:
             return kVirtualDiskDegraded;
-        case HXSIM_STATE_PARTIALLY_OPTIMAL:
+        case State::kPartiallyOptimal:
             return kVirtualDiskPartiallyOptimal;
         default:
             return kVirtualDiskOnline;
@@ -138,10 +152,10 @@ void ExpectToldOf(const Adapter& before, const Adapter& after) {
         const VirtualDisk* const then = Find(before.virtual_disks, now.id);
         if (then == nullptr) {
             EXPECT_TRUE(now.foreign || told(kVirtualDiskCreated, now.id)) << "created " << now.id;
-        } else if (then->state == HXSIM_STATE_FOREIGN && now.state != HXSIM_STATE_FOREIGN) {
+        } else if (then->state == State::kForeign && now.state != State::kForeign) {
             EXPECT_TRUE(told(kVirtualDiskImported, now.id) || told(kVirtualDiskCreated, now.id))
                 << "imported " << now.id;
-        } else if (now.state != then->state && now.state != HXSIM_STATE_FOREIGN) {
+        } else if (now.state != then->state && now.state != State::kForeign) {
             EXPECT_TRUE(told(EventOf(now.state), now.id) || told(kVirtualDiskCreated, now.id))
                 << "virtual disk " << now.id << " became " << int{now.state};
         }
@@ -424,7 +438,7 @@ private:
         const VirtualDisk* const row = Find(Chosen().virtual_disks, param.LDID);
         if (row == nullptr || row->group != kNoId || chance_.OneIn(4)) return param;
         param.SubLDCount = 0;
-        param.RoundingScheme = HXSIM_ROUND_TO_STRIPE;
+        param.RoundingScheme = Rounding::kToStripe;
         param.StripeBlockSize = row->stripe_kib;
         param.SectorCoefficient = row->coefficient;
         param.CachePolicy = row->cache;
@@ -466,7 +480,7 @@ private:
     // A virtual disk that has lost something, where there is one.
     HX_U16 DamagedId() {
         for (const VirtualDisk& each : Chosen().virtual_disks) {
-            if (each.state != HXSIM_STATE_OPTIMAL && chance_.OneIn(2)) return Note("vd", each.id);
+            if (each.state != State::kOptimal && chance_.OneIn(2)) return Note("vd", each.id);
         }
         return VirtualDiskId();
     }
@@ -503,7 +517,7 @@ private:
         param.StripeBlockSize = group != nullptr ? group->stripe_kib : Stripe();
         param.Size.value = Note("size", Size());
         if (!chance_.OneIn(4)) param.Size.value = (1 + chance_.Below(4)) * 2097152;
-        param.RoundingScheme = chance_.OneIn(4) ? Small(3) : HX_U8{HXSIM_ROUND_TO_STRIPE};
+        param.RoundingScheme = chance_.OneIn(4) ? Small(3) : HX_U8{Rounding::kToStripe};
         param.CachePolicy = chance_.OneOf<HX_U8>({0, 1, 4, 5, Small(6)});
         param.InitializationOption = Small(4);
         param.SectorCoefficient = 1;
@@ -514,7 +528,7 @@ private:
     HX_U8 Rebuild() {
         LD_DG_Rebuild_Param param{};
         param.RebuildType = Note("type", Small(2));
-        param.ID = param.RebuildType == HXSIM_REBUILD_VIRTUAL_DISK ? DamagedId() : GroupId();
+        param.ID = param.RebuildType == RebuildType::kVirtualDisk ? DamagedId() : GroupId();
         param.PDCount = chance_.OneIn(2) ? HX_U8{1} : HX_U8{0};
         if (param.PDCount == 1) {
             param.PDIDs[0] = EmptyDiskId();
@@ -605,7 +619,7 @@ private:
         if (chance_.OneIn(2)) {
             // The only image that is there before one has been written, which an erased one is not.
             piece->PageNum = 0;
-            return HX_Flash_Bin(adapter_, HX_FLASH_READ, HXSIM_IMAGE_BIOS, piece.get());
+            return HX_Flash_Bin(adapter_, HX_FLASH_READ, Image::kBios, piece.get());
         }
         const HX_U8 action = chance_.OneOf<HX_U8>({HX_FLASH_READ, HX_FLASH_WRITE, chance_.Any()});
         return HX_Flash_Bin(adapter_, action, Small(6), piece.get());
@@ -624,7 +638,7 @@ private:
 
     HX_U8 Happen(const std::function<Outcome(Adapter&, Time)>& incident) {
         return hxsim::Change("property", adapter_, [&](Adapter& adapter, Time now) -> HX_U8 {
-            return incident(adapter, now) ? HX_U8{HX_SUCCESS} : HX_U8{HXSIM_WRONG_STATE};
+            return incident(adapter, now) ? HX_U8{HX_SUCCESS} : HX_U8{Status::kWrongState};
         });
     }
 
@@ -666,7 +680,7 @@ private:
             if (IsReady(disk) || (disk.foreign && !chance_.OneIn(20))) continue;
             Note("pd", id);
             if (disk.present && disk.offline && !disk.failed) {
-                return HX_PD_SetHDStatus(adapter_, id, HXSIM_SET_ONLINE);
+                return HX_PD_SetHDStatus(adapter_, id, DiskAction::kOnline);
             }
             return Happen([&](Adapter& adapter, Time now) {
                 return !disk.present && !disk.failed
@@ -858,7 +872,7 @@ void Life::Draw() {
         {"HX_AdapterMute", 1, [&] { return HX_AdapterMute(adapter_); }},
         {"HX_LocateArrayDevice", 2,
          [&] {
-             const HX_U8 kind = chance_.OneIn(2) ? Small(6) : HX_U8{HXSIM_DEVICE_DISK};
+             const HX_U8 kind = chance_.OneIn(2) ? Small(6) : HX_U8{Device::kDisk};
              return HX_LocateArrayDevice(adapter_, kind, DiskId(), Small(3));
          }},
         {"HX_ENC_GetElementInfo", 1, [&] { return Elements(); }},

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "codes/hxraid_codes.h"
+#include "codes/status.h"
 #include "model/failure.h"
 #include "model/xml_text.h"
 
@@ -24,19 +24,19 @@ Exit ExitOf(std::uint64_t status) {
     switch (status) {
         case 0:
             return Exit::kDone;
-        case HXSIM_NOT_INITIALIZED:
-        case HXSIM_NO_STATE:
-        case HXSIM_NO_MEMORY:
+        case hxcodes::Status::kNotInitialized:
+        case hxcodes::Status::kNoState:
+        case hxcodes::Status::kNoMemory:
             return Exit::kUnavailable;
-        case HXSIM_NO_ADAPTER:
-        case HXSIM_NO_DISK:
-        case HXSIM_NO_BLOCK:
-        case HXSIM_NO_VIRTUAL_DISK:
-        case HXSIM_NO_DISK_GROUP:
-        case HXSIM_NO_ENCLOSURE:
-        case HXSIM_NO_EXPANDER:
-        case HXSIM_NO_PORT_MULTIPLIER:
-        case HXSIM_NO_BATTERY:
+        case hxcodes::Status::kNoAdapter:
+        case hxcodes::Status::kNoDisk:
+        case hxcodes::Status::kNoBlock:
+        case hxcodes::Status::kNoVirtualDisk:
+        case hxcodes::Status::kNoDiskGroup:
+        case hxcodes::Status::kNoEnclosure:
+        case hxcodes::Status::kNoExpander:
+        case hxcodes::Status::kNoPortMultiplier:
+        case hxcodes::Status::kNoBattery:
             return Exit::kNoObject;
         default:
             return Exit::kRefused;
@@ -45,7 +45,7 @@ Exit ExitOf(std::uint64_t status) {
 
 // What an adapter simply does not have is nothing to complain about when nobody asked for it.
 bool IsAbsence(std::uint64_t status) {
-    return status == HXSIM_NOT_SUPPORTED || status == HXSIM_NO_BATTERY;
+    return status == hxcodes::Status::kNotSupported || status == hxcodes::Status::kNoBattery;
 }
 
 std::string CountersText(const Answer& answer) {
@@ -73,7 +73,8 @@ std::string CommandText(const Command& command) {
 }
 
 Fault FaultOf(const Command& command, const Answer& answer) {
-    const HxsimRefusal* const refusal = HxsimFindRefusal(static_cast<HX_U32>(answer.status));
+    const hxcodes::StatusRow* const refusal =
+        hxcodes::FindCode(hxcodes::kRefusals, static_cast<HX_U32>(answer.status));
     return {.function = std::string(command.function),
             .code = answer.status,
             .name = refusal == nullptr ? std::string() : std::string(refusal->name),
@@ -81,7 +82,8 @@ Fault FaultOf(const Command& command, const Answer& answer) {
 }
 
 std::string RefusalText(std::uint64_t status) {
-    const HxsimRefusal* const refusal = HxsimFindRefusal(static_cast<HX_U32>(status));
+    const hxcodes::StatusRow* const refusal =
+        hxcodes::FindCode(hxcodes::kRefusals, static_cast<HX_U32>(status));
     if (refusal == nullptr) return "code " + std::to_string(status);
     return std::string(refusal->sentence) + " (" + std::string(refusal->name) + ", code " +
            std::to_string(status) + ")";

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "codes/hxraid_codes.h"
+#include "codes/disk.h"
 
 namespace vexorctl {
 
@@ -90,7 +90,7 @@ void LoadDisksOf(Controller& controller, unsigned adapter, std::vector<Disk>& di
 }  // namespace
 
 std::string DiskState(const Disk& disk) {
-    return std::string(HxsimDiskStateName(static_cast<HX_U8>(disk.info.Number("Status"))));
+    return std::string(hxcodes::DiskWordOf(static_cast<HX_U8>(disk.info.Number("Status"))));
 }
 
 std::vector<Disk> LoadDisks(Controller& controller) {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "codes/hxraid_codes.h"
+#include "codes/activity.h"
 #include "model/result_tree.h"
 
 namespace vexorctl {
@@ -23,7 +23,7 @@ void Complete(Task& task, const std::vector<Value>& infos) {
 void LoadVirtualDiskTasks(Controller& controller, unsigned adapter, std::vector<Task>& tasks) {
     std::vector<Value> infos;
     for (const Value& state : controller.List(adapter, {"HX_LD_GetStatus", "Status", "LDID"})) {
-        if (state.Number("Bga") == HXSIM_ACTIVITY_NONE) continue;
+        if (state.Number("Bga") == hxcodes::ActivityKind::kNone) continue;
         if (infos.empty()) infos = controller.List(adapter, {"HX_LD_GetInfo", "LDInfo", "ID"});
         Task task{{.adapter = adapter,
                    .kind = ObjectKind::kVirtualDisk,
@@ -43,7 +43,8 @@ void LoadDiskTasks(Controller& controller, unsigned adapter, std::vector<Task>& 
          controller.List(adapter, {"HX_PD_GetBGAStatus", "HD_BGA_Status", "HDID"})) {
         // What a virtual disk's rebuild does to a disk is that virtual disk's task.
         const std::uint64_t activity = state.Number("Bga");
-        if (activity != HXSIM_ACTIVITY_MEDIA_PATROL && activity != HXSIM_ACTIVITY_DATA_SCRUB) {
+        if (activity != hxcodes::ActivityKind::kMediaPatrol &&
+            activity != hxcodes::ActivityKind::kDataScrub) {
             continue;
         }
         tasks.push_back({{.adapter = adapter,
@@ -59,7 +60,7 @@ void LoadDiskTasks(Controller& controller, unsigned adapter, std::vector<Task>& 
 
 void LoadDiskGroupTasks(Controller& controller, unsigned adapter, std::vector<Task>& tasks) {
     for (const Value& group : controller.List(adapter, {"HX_DG_GetInfo", "DG_Info", "DGID"})) {
-        if (group.Number("BgaType") == HXSIM_ACTIVITY_NONE) continue;
+        if (group.Number("BgaType") == hxcodes::ActivityKind::kNone) continue;
         tasks.push_back({{.adapter = adapter,
                           .kind = ObjectKind::kDiskGroup,
                           .id = static_cast<unsigned>(group.Number("DGID"))},

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "codes/hxraid_codes.h"
+#include "codes/named.h"
 #include "common/address.h"
 #include "model/adapters.h"
 #include "model/ask_controller.h"
@@ -25,11 +25,11 @@ namespace vexorctl {
 namespace {
 
 // LogicalDriverMode and Features of Adapter_Info.
-constexpr HxraidName kLevelBits[] = {
+constexpr hxcodes::Named kLevelBits[] = {
     {0x0001, "raid0"}, {0x0002, "raid1"}, {0x0004, "raid10"}, {0x0008, "raid1e"},
     {0x0010, "raid5"}, {0x0020, "raid6"}, {0x0040, "raid50"}, {0x0100, "raid60"},
 };
-constexpr HxraidName kRateBits[] = {
+constexpr hxcodes::Named kRateBits[] = {
     {0x01, "rebuild"},   {0x02, "init"},         {0x04, "sync"},
     {0x08, "migration"}, {0x10, "media_patrol"}, {0x40, "copyback"},
 };

@@ -1,7 +1,7 @@
 // vexorctl battery ...
 #include <utility>
 
-#include "codes/hxraid_codes.h"
+#include "codes/battery.h"
 #include "common/address.h"
 #include "model/batteries.h"
 #include "model/exit_code.h"
@@ -21,9 +21,9 @@ namespace vexorctl {
 
 namespace {
 
-constexpr HxraidName kFeatureBits[] = {
-    {HXSIM_BATTERY_RELEARN, "relearn"},
-    {HXSIM_BATTERY_THRESHOLDS, "thresholds"},
+constexpr hxcodes::Named kFeatureBits[] = {
+    {hxcodes::BatteryFeature::kRelearn, "relearn"},
+    {hxcodes::BatteryFeature::kThresholds, "thresholds"},
 };
 
 Cell PercentAt(const Value& value, std::string_view path) {
@@ -43,7 +43,7 @@ constexpr Column<Battery> kColumns[] = {
     {{"address", "ADDRESS", kText, kTable, "The address of its adapter"},
      [](const Battery& it) { return TextCell(it.address.Text()); }},
     {{"status", "STATUS", kBits, kTable, "Its state as bits"},
-     [](const Battery& it) { return BitsAt(it.info, "status", kHxsimBatteryStatusBits); }},
+     [](const Battery& it) { return BitsAt(it.info, "status", hxcodes::kBatteryBits); }},
     {{"charge_ratio", "CHARGE", kRatio, kTable, "How full it is"},
      [](const Battery& it) { return PercentAt(it.info, "percentage"); }},
     {{"temperature_celsius", "CELSIUS", kNumber, kTable, "Its temperature"},
@@ -57,7 +57,7 @@ constexpr Column<Battery> kColumns[] = {
     {{"cycles", "CYCLES", kNumber, kTable, "Its charge cycles so far"},
      [](const Battery& it) { return NumberAt(it.info, "recharge_cycle"); }},
     {{"previous_status", "BEFORE", kBits, kWide, "Its state before the last change"},
-     [](const Battery& it) { return BitsAt(it.info, "prev_status", kHxsimBatteryStatusBits); }},
+     [](const Battery& it) { return BitsAt(it.info, "prev_status", hxcodes::kBatteryBits); }},
     {{"minutes_to_empty", "EMPTY IN", kNumber, kWide,
       "Minutes until it is empty, when it is discharging"},
      [](const Battery& it) { return MinutesAt(it.info, "time_to_empty"); }},
@@ -123,7 +123,7 @@ Exit PowerBattery(Invocation& invocation) {
     if (!invocation.Has("--action")) throw UsageError("--action is missing: charge or discharge");
     Change change = ChangeOf(battery, "Change the power of", "HX_BBU_ChangePower");
     change.commands.front().fields.emplace_back(
-        "action", CodeOption(invocation, "--action", kHxsimPowerNames));
+        "action", CodeOption(invocation, "--action", hxcodes::kPowerNames));
     return CarryOut(invocation, change);
 }
 

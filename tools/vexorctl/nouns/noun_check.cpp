@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "codes/hxraid_codes.h"
+#include "codes/battery.h"
+#include "codes/enclosure.h"
+#include "codes/state.h"
 #include "common/address.h"
 #include "common/terminal_text.h"
 #include "model/adapters.h"
@@ -29,7 +31,7 @@ namespace {
 
 // As monitoring systems have them; they are this command's exit codes too.
 enum Level : unsigned { kOk = 0, kWarning = 1, kCritical = 2, kUnknown = 3 };
-constexpr HxraidName kLevelNames[] = {
+constexpr hxcodes::Named kLevelNames[] = {
     {kOk, "ok"},
     {kWarning, "warning"},
     {kCritical, "critical"},
@@ -65,18 +67,18 @@ constexpr Column<Finding> kColumns[] = {
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
 void CheckState(std::vector<Finding>& findings, const Address& address, std::uint64_t state) {
-    const std::string_view name = HxraidNameOf(kHxsimStateNames, static_cast<HX_U32>(state));
+    const std::string_view name = hxcodes::NameOf(hxcodes::kStateNames, static_cast<HX_U32>(state));
     Level level = kUnknown;
     switch (state) {
-        case HXSIM_STATE_OPTIMAL:
+        case hxcodes::State::kOptimal:
             return;
-        case HXSIM_STATE_PARTIALLY_OPTIMAL:
-        case HXSIM_STATE_REBUILDING:
-        case HXSIM_STATE_FOREIGN:
+        case hxcodes::State::kPartiallyOptimal:
+        case hxcodes::State::kRebuilding:
+        case hxcodes::State::kForeign:
             level = kWarning;
             break;
-        case HXSIM_STATE_DEGRADED:
-        case HXSIM_STATE_OFFLINE:
+        case hxcodes::State::kDegraded:
+        case hxcodes::State::kOffline:
             level = kCritical;
             break;
         default:
@@ -108,10 +110,11 @@ void CheckBatteries(std::vector<Finding>& findings, const std::vector<Battery>& 
         const char* message;
     };
     constexpr Complaint kComplaints[] = {
-        {HXSIM_BATTERY_NEEDS_REPLACEMENT, kCritical, "the battery needs to be replaced"},
-        {HXSIM_BATTERY_TEMPERATURE_OUT_OF_BOUNDS, kWarning,
+        {hxcodes::BatteryBit::kNeedsReplacement, kCritical, "the battery needs to be replaced"},
+        {hxcodes::BatteryBit::kTemperatureOutOfBounds, kWarning,
          "the battery's temperature is out of bounds"},
-        {HXSIM_BATTERY_VOLTAGE_OUT_OF_BOUNDS, kWarning, "the battery's voltage is out of bounds"},
+        {hxcodes::BatteryBit::kVoltageOutOfBounds, kWarning,
+         "the battery's voltage is out of bounds"},
     };
     for (const Battery& battery : batteries) {
         const std::uint64_t status = battery.info.Number("status");
@@ -119,8 +122,8 @@ void CheckBatteries(std::vector<Finding>& findings, const std::vector<Battery>& 
             if ((status & complaint.bit) == 0) continue;
             findings.push_back({complaint.level, battery.address.Text(), complaint.message});
         }
-        if ((status & HXSIM_BATTERY_PRESENT) != 0 &&
-            (status & HXSIM_BATTERY_SAFE_FOR_WRITE_BACK) == 0) {
+        if ((status & hxcodes::BatteryBit::kPresent) != 0 &&
+            (status & hxcodes::BatteryBit::kSafeForWriteBack) == 0) {
             findings.push_back({kWarning, battery.address.Text(),
                                 "the battery does not allow write-back caching"});
         }
@@ -130,18 +133,20 @@ void CheckBatteries(std::vector<Finding>& findings, const std::vector<Battery>& 
 void CheckElements(std::vector<Finding>& findings, const std::vector<Element>& elements) {
     for (const Element& element : elements) {
         const HX_U32 status = static_cast<HX_U32>(element.info.Number("Status"));
-        if (status == HXSIM_ELEMENT_OK || status == HXSIM_ELEMENT_NOT_INSTALLED ||
-            status == HXSIM_ELEMENT_UNSUPPORTED || status == HXSIM_ELEMENT_NOT_AVAILABLE) {
+        if (status == hxcodes::ElementStatus::kOk ||
+            status == hxcodes::ElementStatus::kNotInstalled ||
+            status == hxcodes::ElementStatus::kUnsupported ||
+            status == hxcodes::ElementStatus::kNotAvailable) {
             continue;
         }
-        const bool grave =
-            status == HXSIM_ELEMENT_CRITICAL || status == HXSIM_ELEMENT_UNRECOVERABLE;
-        const Level level = grave                                 ? kCritical
-                            : status == HXSIM_ELEMENT_NONCRITICAL ? kWarning
-                                                                  : kUnknown;
-        const std::string type(
-            HxraidNameOf(kHxsimElementTypeNames, static_cast<HX_U32>(element.info.Number("Type"))));
-        const std::string_view name = HxraidNameOf(kHxsimElementStatusNames, status);
+        const bool grave = status == hxcodes::ElementStatus::kCritical ||
+                           status == hxcodes::ElementStatus::kUnrecoverable;
+        const Level level = grave                                            ? kCritical
+                            : status == hxcodes::ElementStatus::kNoncritical ? kWarning
+                                                                             : kUnknown;
+        const std::string type(hxcodes::NameOf(hxcodes::kElementTypeNames,
+                                               static_cast<HX_U32>(element.info.Number("Type"))));
+        const std::string_view name = hxcodes::NameOf(hxcodes::kElementStatusNames, status);
         findings.push_back(
             {level, element.address.Text(),
              type + " " + (name.empty() ? "state " + std::to_string(status) : std::string(name))});

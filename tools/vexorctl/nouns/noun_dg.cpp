@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "codes/hxraid_codes.h"
+#include "codes/activity.h"
+#include "codes/level.h"
+#include "codes/state.h"
 #include "common/address.h"
 #include "model/ask_controller.h"
 #include "model/disk_groups.h"
@@ -59,9 +61,9 @@ constexpr Column<DiskGroup> kColumns[] = {
     {{"name", "NAME", kText, kTable, "Its name"},
      [](const DiskGroup& it) { return TextAt(it.info, "Name"); }},
     {{"state", "STATE", kCode, kTable, "Its state"},
-     [](const DiskGroup& it) { return CodeAt(it.info, "Status", kHxsimStateNames); }},
+     [](const DiskGroup& it) { return CodeAt(it.info, "Status", hxcodes::kStateNames); }},
     {{"level", "LEVEL", kCode, kTable, "Its RAID level"},
-     [](const DiskGroup& it) { return CodeAt(it.info, "RaidMode", kHxsimLevelNames); }},
+     [](const DiskGroup& it) { return CodeAt(it.info, "RaidMode", hxcodes::kLevelNames); }},
     {{"size_bytes", "SIZE", kBytes, kTable, "What virtual disks can take of it in all"},
      [](const DiskGroup& it) { return SectorsAt(it.info, "TotalManagedSpace"); }},
     {{"free_bytes", "FREE", kBytes, kTable, "What new virtual disks can take"},
@@ -79,9 +81,9 @@ constexpr Column<DiskGroup> kColumns[] = {
          return AddressesCell(it, "VDIDs", HX_MAX_VD_SLOTS, ObjectKind::kVirtualDisk);
      }},
     {{"activity", "ACTIVITY", kCode, kTable, "What is going on in the background"},
-     [](const DiskGroup& it) { return CodeAt(it.info, "BgaType", kHxsimActivityNames); }},
+     [](const DiskGroup& it) { return CodeAt(it.info, "BgaType", hxcodes::kActivityNames); }},
     {{"activity_state", "ACTIVITY STATE", kCode, kWide, "How that stands"},
-     [](const DiskGroup& it) { return CodeAt(it.info, "BgaState", kHxsimActivityStateNames); }},
+     [](const DiskGroup& it) { return CodeAt(it.info, "BgaState", hxcodes::kActivityStateNames); }},
     {{"smallest_disk_free_bytes", "SMALLEST", kBytes, kWide,
       "The room on the smallest of its disks"},
      [](const DiskGroup& it) { return SectorsAt(it.info, "SmallestAvailablePDSize"); }},

@@ -3,7 +3,11 @@
 #include <map>
 #include <utility>
 
-#include "codes/hxraid_codes.h"
+#include "codes/activity.h"
+#include "codes/device.h"
+#include "codes/disk.h"
+#include "codes/state.h"
+#include "codes/virtual_disk.h"
 #include "common/address.h"
 #include "model/ask_controller.h"
 #include "model/disks.h"
@@ -84,7 +88,9 @@ constexpr Column<Disk> kColumns[] = {
     {{"serial", "SERIAL", kText, kTable, "Its serial number"},
      [](const Disk& it) { return TextAt(it.info, "SerialNo"); }},
     {{"connection", "LINK", kCode, kTable, "How it is connected"},
-     [](const Disk& it) { return CodeAt(it.info, "ConnectionType", kHxsimConnectionNames); }},
+     [](const Disk& it) {
+         return CodeAt(it.info, "ConnectionType", hxcodes::kConnectionTypeNames);
+     }},
     {{"enclosure", "ENCLOSURE", kText, kTable, "The enclosure that it is in"},
      [](const Disk& it) { return EnclosureCell(it); }},
     {{"phy", "PHY", kNumber, kTable, "The phy of its parent to which it is connected"},
@@ -92,7 +98,7 @@ constexpr Column<Disk> kColumns[] = {
     {{"smart_alarm", "SMART ALARM", kBool, kTable, "Whether a SMART threshold is exceeded"},
      [](const Disk& it) { return NumberAt(it.smart, "SmartThresholdExceeded"); }},
     {{"status", "STATUS", kBits, kWide, "Its state as bits"},
-     [](const Disk& it) { return BitsAt(it.info, "Status", kHxsimDiskStatusBits); }},
+     [](const Disk& it) { return BitsAt(it.info, "Status", hxcodes::kDiskBits); }},
     {{"firmware_version", "FIRMWARE", kText, kWide, "The version of its firmware"},
      [](const Disk& it) { return TextAt(it.info, "FWVersion"); }},
     {{"wwn", "WWN", kText, kWide, "Its world wide name"},
@@ -100,11 +106,11 @@ constexpr Column<Disk> kColumns[] = {
     {{"sas_address", "SAS ADDRESS", kText, kWide, "Its SAS address"},
      [](const Disk& it) { return WwnAt(it.info, "Link/Self/SAS_Address"); }},
     {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to"},
-     [](const Disk& it) { return CodeAt(it.info, "Link/Parent/DevType", kHxsimDeviceNames); }},
+     [](const Disk& it) { return CodeAt(it.info, "Link/Parent/DevType", hxcodes::kDeviceNames); }},
     {{"parent_id", "PARENT ID", kNumber, kWide, "The number of that device"},
      [](const Disk& it) { return NumberAt(it.info, "Link/Parent/DevID"); }},
     {{"features", "FEATURES", kBits, kWide, "What it can do"},
-     [](const Disk& it) { return BitsAt(it.info, "FeatureSupport", kHxsimDiskFeatureBits); }},
+     [](const Disk& it) { return BitsAt(it.info, "FeatureSupport", hxcodes::kDiskFeatureBits); }},
     {{"type_code", "TYPE", kNumber, kWide, "Its type, as bits of the controller"},
      [](const Disk& it) { return NumberAt(it.info, "HDType"); }},
     {{"device_type_code", "DEVICE TYPE", kNumber, kWide, "Its kind, a code of the controller"},
@@ -122,11 +128,11 @@ constexpr Column<Disk> kColumns[] = {
     {{"online", "ONLINE", kBool, kWide, "Setting: it is online"},
      [](const Disk& it) { return NumberAt(it.config, "Online"); }},
     {{"link_speed", "SPEED", kCode, kWide, "The speed of its link"},
-     [](const Disk& it) { return CodeAt(it.config, "DriveSpeed", kHxsimLinkSpeedNames); }},
+     [](const Disk& it) { return CodeAt(it.config, "DriveSpeed", hxcodes::kLinkSpeedNames); }},
     {{"activity", "ACTIVITY", kCode, kWide, "What is going on in the background"},
-     [](const Disk& it) { return CodeAt(it.activity, "Bga", kHxsimActivityNames); }},
+     [](const Disk& it) { return CodeAt(it.activity, "Bga", hxcodes::kActivityNames); }},
     {{"activity_state", "ACTIVITY STATE", kCode, kWide, "How that stands"},
-     [](const Disk& it) { return CodeAt(it.activity, "BgaStatus", kHxsimActivityStateNames); }},
+     [](const Disk& it) { return CodeAt(it.activity, "BgaStatus", hxcodes::kActivityStateNames); }},
     {{"progress_ratio", "PROGRESS", kRatio, kWide, "How far it is"},
      [](const Disk& it) { return ProgressCell(it); }},
     {{"locate_light_code", "LOCATE", kNumber, kWide, "The locate light, a code of the controller"},
@@ -193,9 +199,9 @@ constexpr Column<Block> kBlockColumns[] = {
                              .Text());
      }},
     {{"state", "STATE", kCode, kTable, "Its state"},
-     [](const Block& it) { return CodeAt(it.info, "Status", kHxsimStateNames); }},
+     [](const Block& it) { return CodeAt(it.info, "Status", hxcodes::kStateNames); }},
     {{"flags", "FLAGS", kBits, kTable, "What it is there for"},
-     [](const Block& it) { return BitsAt(it.info, "Flags", kHxsimBlockFlagBits); }},
+     [](const Block& it) { return BitsAt(it.info, "Flags", hxcodes::kBlockBits); }},
 };
 
 std::vector<ColumnInfo> BlockColumns() { return InfoOf(kBlockColumns); }
@@ -257,7 +263,7 @@ constexpr Column<Remapped> kRemappedColumns[] = {
     {{"sectors", "SECTORS", kNumber, kTable, "Their number"},
      [](const Remapped& it) { return NumberAt(it.record, "sec"); }},
     {{"reason", "REASON", kCode, kTable, "Why they have been remapped"},
-     [](const Remapped& it) { return CodeAt(it.record, "flag", kHxsimRemapReasonNames); }},
+     [](const Remapped& it) { return CodeAt(it.record, "flag", hxcodes::kRemapReasonNames); }},
 };
 
 std::vector<ColumnInfo> RemappedColumns() { return InfoOf(kRemappedColumns); }
@@ -317,17 +323,18 @@ Change ChangeOf(const Disk& disk, std::string what, std::string_view function) {
 Exit LocateDisk(Invocation& invocation) {
     const Address address = FindTarget(invocation, ObjectKind::kDisk);
     const bool off = invocation.Has("--off");
-    return CarryOut(invocation, {.what = "Switch the locate light of " + address.Text() +
-                                         (off ? " off" : " on"),
-                                 .losses = {},
-                                 .confirm = {},
-                                 .commands = {{"HX_LocateArrayDevice",
-                                               {{"AdapterID", std::to_string(address.adapter)},
-                                                {"deviceType", std::to_string(HXSIM_DEVICE_DISK)},
-                                                {"deviceId", std::to_string(address.id)},
-                                                {"ledStatus", off ? "0" : "1"}}}},
-                                 .address = address.Text(),
-                                 .size_bytes = {}});
+    return CarryOut(
+        invocation,
+        {.what = "Switch the locate light of " + address.Text() + (off ? " off" : " on"),
+         .losses = {},
+         .confirm = {},
+         .commands = {{"HX_LocateArrayDevice",
+                       {{"AdapterID", std::to_string(address.adapter)},
+                        {"deviceType", std::to_string(hxcodes::Device::kDisk)},
+                        {"deviceId", std::to_string(address.id)},
+                        {"ledStatus", off ? "0" : "1"}}}},
+         .address = address.Text(),
+         .size_bytes = {}});
 }
 
 Exit SpareDisk(Invocation& invocation) {
@@ -370,7 +377,7 @@ Exit SetDisk(Invocation& invocation) {
     change.commands.clear();
     if (invocation.Has("--state")) {
         Fields fields = AddressFields(disk.address, "HD_ID");
-        fields.emplace_back("Action", CodeOption(invocation, "--state", kHxsimDiskActionNames));
+        fields.emplace_back("Action", CodeOption(invocation, "--state", hxcodes::kDiskActionNames));
         change.commands.push_back({"HX_PD_SetHDStatus", std::move(fields)});
         change.losses.push_back("state: " + DiskState(disk) + " -> " +
                                 invocation.Get("--state", ""));

@@ -1,7 +1,8 @@
 // vexorctl enclosure ...
 #include <utility>
 
-#include "codes/hxraid_codes.h"
+#include "codes/device.h"
+#include "codes/enclosure.h"
 #include "common/address.h"
 #include "model/ask_controller.h"
 #include "model/enclosures.h"
@@ -97,7 +98,7 @@ constexpr Column<Enclosure> kColumns[] = {
     {{"address", "ADDRESS", kText, kTable, "Its address"},
      [](const Enclosure& it) { return TextCell(it.address.Text()); }},
     {{"state", "STATE", kCode, kTable, "Its state"},
-     [](const Enclosure& it) { return CodeAt(it.info, "Status", kHxsimElementStatusNames); }},
+     [](const Enclosure& it) { return CodeAt(it.info, "Status", hxcodes::kElementStatusNames); }},
     {{"vendor", "VENDOR", kText, kTable, "Its vendor"},
      [](const Enclosure& it) { return TextAt(it.info, "VendorID"); }},
     {{"product", "PRODUCT", kText, kTable, "Its product name"},
@@ -113,7 +114,9 @@ constexpr Column<Enclosure> kColumns[] = {
     {{"sas_address", "SAS ADDRESS", kText, kWide, "Its SAS address"},
      [](const Enclosure& it) { return WwnAt(it.info, "Link/Self/SAS_Address"); }},
     {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to"},
-     [](const Enclosure& it) { return CodeAt(it.info, "Link/Parent/DevType", kHxsimDeviceNames); }},
+     [](const Enclosure& it) {
+         return CodeAt(it.info, "Link/Parent/DevType", hxcodes::kDeviceNames);
+     }},
     {{"parent_id", "PARENT ID", kNumber, kWide, "The number of that device"},
      [](const Enclosure& it) { return NumberAt(it.info, "Link/Parent/DevID"); }},
 };
@@ -122,9 +125,9 @@ constexpr Column<Element> kElementColumns[] = {
     {{"address", "ADDRESS", kText, kTable, "Its address"},
      [](const Element& it) { return TextCell(it.address.Text()); }},
     {{"type", "TYPE", kCode, kTable, "What it is"},
-     [](const Element& it) { return CodeAt(it.info, "Type", kHxsimElementTypeNames); }},
+     [](const Element& it) { return CodeAt(it.info, "Type", hxcodes::kElementTypeNames); }},
     {{"state", "STATE", kCode, kTable, "Its state"},
-     [](const Element& it) { return CodeAt(it.info, "Status", kHxsimElementStatusNames); }},
+     [](const Element& it) { return CodeAt(it.info, "Status", hxcodes::kElementStatusNames); }},
     {{"temperature_celsius", "CELSIUS", kNumber, kTable, "The temperature of a sensor"},
      [](const Element& it) { return TemperatureCell(it); }},
     {{"speed_rpm", "RPM", kNumber, kTable, "The turns per minute of a fan"},
@@ -164,7 +167,9 @@ constexpr Column<Linked> kExpanderColumns[] = {
     {{"sas_address", "SAS ADDRESS", kText, kTable, "Its SAS address"},
      [](const Linked& it) { return WwnAt(it.info, "Link/Self/SAS_Address"); }},
     {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to"},
-     [](const Linked& it) { return CodeAt(it.info, "Link/Parent/DevType", kHxsimDeviceNames); }},
+     [](const Linked& it) {
+         return CodeAt(it.info, "Link/Parent/DevType", hxcodes::kDeviceNames);
+     }},
     {{"parent_id", "PARENT ID", kNumber, kWide, "The number of that device"},
      [](const Linked& it) { return NumberAt(it.info, "Link/Parent/DevID"); }},
     {{"enclosure_id", "ENCLOSURE", kNumber, kWide, "The number of its enclosure; 65535 none"},
@@ -202,7 +207,9 @@ constexpr Column<Linked> kMultiplierColumns[] = {
       "The revision of the standard that it keeps, as bits"},
      [](const Linked& it) { return NumberAt(it.info, "PMSpecRevision"); }},
     {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to"},
-     [](const Linked& it) { return CodeAt(it.info, "Link/Parent/DevType", kHxsimDeviceNames); }},
+     [](const Linked& it) {
+         return CodeAt(it.info, "Link/Parent/DevType", hxcodes::kDeviceNames);
+     }},
     {{"parent_id", "PARENT ID", kNumber, kWide, "The number of that device"},
      [](const Linked& it) { return NumberAt(it.info, "Link/Parent/DevID"); }},
 };

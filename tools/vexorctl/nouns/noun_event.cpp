@@ -8,7 +8,7 @@
 #include <utility>
 #include <variant>
 
-#include "codes/hxraid_codes.h"
+#include "codes/event_class.h"
 #include "common/duration.h"
 #include "common/read_file.h"
 #include "common/replace_file.h"
@@ -60,13 +60,13 @@ constexpr Column<Shown> kColumns[] = {
     {{"time", "TIME", kTime, kTable, "When it happened"},
      [](const Shown& it) { return NumberAt(it.event.record, "TimeStamp"); }},
     {{"severity", "SEVERITY", kCode, kTable, "How grave it is"},
-     [](const Shown& it) { return CodeAt(it.event.record, "Severity", kHxraidSeverityNames); }},
+     [](const Shown& it) { return CodeAt(it.event.record, "Severity", hxcodes::kSeverityNames); }},
     {{"address", "ADDRESS", kText, kTable, "The object it is about"},
      [](const Shown& it) { return TextCell(it.event.object); }},
     {{"text", "EVENT", kText, kTable, "What happened; with --raw its key and values"},
      [](const Shown& it) { return TextCell(it.raw ? it.event.Raw() : it.event.Text()); }},
     {{"class", "CLASS", kCode, kWide, "The kind of object it is about"},
-     [](const Shown& it) { return CodeAt(it.event.record, "Class", kHxraidEventClassNames); }},
+     [](const Shown& it) { return CodeAt(it.event.record, "Class", hxcodes::kEventClassNames); }},
     {{"code", "CODE", kNumber, kWide, "Its code, within its class"},
      [](const Shown& it) { return NumberAt(it.event.record, "Code"); }},
     {{"adapter", "ADAPTER", kNumber, kWide, "The number of its adapter"},
@@ -103,9 +103,9 @@ struct Filter {
     }
 };
 
-std::string NamesOf(std::span<const HxraidName> rows) {
+std::string NameList(std::span<const hxcodes::Named> rows) {
     std::string names;
-    for (const HxraidName& row : rows) names.append(names.empty() ? "" : ", ").append(row.name);
+    for (const hxcodes::Named& row : rows) names.append(names.empty() ? "" : ", ").append(row.name);
     return names;
 }
 
@@ -125,19 +125,19 @@ Filter FilterOf(const Invocation& invocation) {
         std::string name = *text;
         const bool upwards = name.ends_with('+');
         if (upwards) name.pop_back();
-        const HxraidName* const row = HxraidFind(kHxraidSeverityNames, name);
+        const hxcodes::Named* const row = hxcodes::FindName(hxcodes::kSeverityNames, name);
         if (row == nullptr) {
             throw UsageError("--severity cannot be \"" + *text + "\"; say one of " +
-                             NamesOf(kHxraidSeverityNames) + ", or one of them and a +");
+                             NameList(hxcodes::kSeverityNames) + ", or one of them and a +");
         }
         filter.lowest = row->code;
         if (!upwards) filter.highest = row->code;
     }
     if (const std::string* const text = invocation.Get("--class")) {
-        const HxraidName* const row = HxraidFind(kHxraidEventClassNames, *text);
+        const hxcodes::Named* const row = hxcodes::FindName(hxcodes::kEventClassNames, *text);
         if (row == nullptr) {
             throw UsageError("--class cannot be \"" + *text + "\"; say one of " +
-                             NamesOf(kHxraidEventClassNames));
+                             NameList(hxcodes::kEventClassNames));
         }
         filter.event_class = row->code;
     }

@@ -8,7 +8,7 @@
 #include <memory>
 #include <utility>
 
-#include "codes/hxraid_codes.h"
+#include "codes/flash.h"
 #include "common/address.h"
 #include "model/adapters.h"
 #include "model/ask_controller.h"
@@ -43,14 +43,14 @@ struct ImageRow {
     const char* health;
 };
 constexpr ImageRow kImages[] = {
-    {HXSIM_IMAGE_BIOS, "BIOSVersion", "boot_rom_img_health"},
-    {HXSIM_IMAGE_FIRMWARE, "FirmwareVersion", "firmware_img_health"},
-    {HXSIM_IMAGE_BOOT_LOADER, "BootLoaderVersion", "boot_loader_img_health"},
-    {HXSIM_IMAGE_AUTOLOAD, "", "autoload_img_health"},
-    {HXSIM_IMAGE_HBA_INFO, "", "hba_info_img_health"},
+    {hxcodes::Image::kBios, "BIOSVersion", "boot_rom_img_health"},
+    {hxcodes::Image::kFirmware, "FirmwareVersion", "firmware_img_health"},
+    {hxcodes::Image::kBootLoader, "BootLoaderVersion", "boot_loader_img_health"},
+    {hxcodes::Image::kAutoload, "", "autoload_img_health"},
+    {hxcodes::Image::kHbaInfo, "", "hba_info_img_health"},
 };
 
-const ImageRow& RowOf(const Image& image) { return kImages[image.type - HXSIM_IMAGE_BIOS]; }
+const ImageRow& RowOf(const Image& image) { return kImages[image.type - hxcodes::Image::kBios]; }
 
 using enum Kind;
 using enum Place;
@@ -59,7 +59,7 @@ constexpr Column<Image> kColumns[] = {
     {{"address", "ADDRESS", kText, kTable, "The address of its adapter"},
      [](const Image& it) { return TextCell(it.adapter.Text()); }},
     {{"image", "IMAGE", kCode, kTable, "Which image it is"},
-     [](const Image& it) { return CodeCell(kHxsimImageNames, it.type); }},
+     [](const Image& it) { return CodeCell(hxcodes::kImageNames, it.type); }},
     {{"version", "VERSION", kText, kTable, "Its version, where the adapter tells it"},
      [](const Image& it) {
          return *RowOf(it).version == '\0' ? Unknown() : VersionAt(*it.info, RowOf(it).version);
@@ -166,7 +166,7 @@ FileFacts LookAtFile(Controller& controller, const std::string& path, const std:
     if (access(path.c_str(), R_OK) != 0) {
         throw Failure(Exit::kNotPermitted, path + ": " + std::strerror(errno));
     }
-    if (image != std::to_string(HXSIM_IMAGE_BIOS)) return facts;
+    if (image != std::to_string(hxcodes::Image::kBios)) return facts;
     const Answer file = controller.Ask({"HX_BIOS_Version", {{"filepath", path}}});
     const Value* const info = file.result.Find("BIOSInfo");
     if (info == nullptr || file.exit != Exit::kDone) {
@@ -188,7 +188,7 @@ Exit UpdateFlash(Invocation& invocation) {
     if (path == nullptr) throw UsageError("--file is missing");
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
     Controller& controller = invocation.controller();
-    const std::string image = CodeOption(invocation, "--image", kHxsimImageNames);
+    const std::string image = CodeOption(invocation, "--image", hxcodes::kImageNames);
     const FileFacts file = LookAtFile(controller, *path, image);
     const std::uint64_t pieces = (file.bytes + kFlashPieceBytes - 1) / kFlashPieceBytes;
     std::vector<Command> commands;
@@ -219,7 +219,7 @@ Exit SaveFlash(Invocation& invocation) {
     const std::string* const path = invocation.Get("--file");
     if (path == nullptr) throw UsageError("--file is missing");
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
-    const std::string image = CodeOption(invocation, "--image", kHxsimImageNames);
+    const std::string image = CodeOption(invocation, "--image", hxcodes::kImageNames);
     return CarryOut(
         invocation,
         {.what = "Save an image of the flash of " + adapter.Text() + " to " + *path,
@@ -233,7 +233,7 @@ Exit SaveFlash(Invocation& invocation) {
 
 Exit EraseFlash(Invocation& invocation) {
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
-    const std::string image = CodeOption(invocation, "--image", kHxsimImageNames);
+    const std::string image = CodeOption(invocation, "--image", hxcodes::kImageNames);
     return CarryOut(
         invocation,
         {.what = "Erase an image in the flash of " + adapter.Text(),

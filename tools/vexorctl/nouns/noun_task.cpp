@@ -1,7 +1,7 @@
 // vexorctl task ...
 #include <utility>
 
-#include "codes/hxraid_codes.h"
+#include "codes/activity.h"
 #include "common/address.h"
 #include "model/ask_controller.h"
 #include "model/exit_code.h"
@@ -30,9 +30,9 @@ constexpr Column<Task> kColumns[] = {
     {{"name", "NAME", kText, kTable, "The name of that object"},
      [](const Task& it) { return TextCell(it.name); }},
     {{"activity", "ACTIVITY", kCode, kTable, "What it does"},
-     [](const Task& it) { return CodeCell(kHxsimActivityNames, it.activity); }},
+     [](const Task& it) { return CodeCell(hxcodes::kActivityNames, it.activity); }},
     {{"state", "STATE", kCode, kTable, "How it stands"},
-     [](const Task& it) { return CodeCell(kHxsimActivityStateNames, it.state); }},
+     [](const Task& it) { return CodeCell(hxcodes::kActivityStateNames, it.state); }},
     {{"progress_ratio", "PROGRESS", kRatio, kTable, "How far it is"},
      [](const Task& it) {
          return it.percent ? RatioCell(static_cast<double>(*it.percent) / 100) : Unknown();
@@ -85,7 +85,7 @@ constexpr ControlRow kControls[] = {
 Exit ControlTask(Invocation& invocation) {
     const std::string verb(invocation.row().verb);
     const Named place = FindPlace(invocation);
-    const HxraidName* const action = HxraidFind(kHxsimControlNames, verb);
+    const hxcodes::Named* const action = hxcodes::FindName(hxcodes::kControlActionNames, verb);
     for (const ControlRow& row : kControls) {
         if (row.kind != place.address.kind || action == nullptr) continue;
         Fields fields = AddressFields(place.address, row.id);
@@ -125,15 +125,15 @@ struct StartRow {
 };
 constexpr StartRow kStarts[] = {
     {"check", ObjectKind::kVirtualDisk, "HX_LD_StartConsistencyCheck", "LD_ID", "Type",
-     HXSIM_CHECK_ONLY, false},
+     hxcodes::CheckType::kOnly, false},
     {"fix", ObjectKind::kVirtualDisk, "HX_LD_StartConsistencyCheck", "LD_ID", "Type",
-     HXSIM_CHECK_AND_FIX, false},
+     hxcodes::CheckType::kAndFix, false},
     {"init-quick", ObjectKind::kVirtualDisk, "HX_LD_StartINIT", "LD_ID", "Init_Type",
-     HXSIM_INIT_QUICK, true},
+     hxcodes::Init::kQuick, true},
     {"init-foreground", ObjectKind::kVirtualDisk, "HX_LD_StartINIT", "LD_ID", "Init_Type",
-     HXSIM_INIT_FOREGROUND, true},
+     hxcodes::Init::kForeground, true},
     {"init-background", ObjectKind::kVirtualDisk, "HX_LD_StartINIT", "LD_ID", "Init_Type",
-     HXSIM_INIT_BACKGROUND, false},
+     hxcodes::Init::kBackground, false},
     {"media-patrol", ObjectKind::kDisk, "HX_PD_StartMediaPatrol", "HD_ID", "", 0, false},
     {"data-scrub", ObjectKind::kDisk, "HX_PD_StartDataScrub", "HD_ID", "", 0, false},
 };
@@ -149,7 +149,8 @@ Exit StartRebuild(Invocation& invocation, const Named& place) {
         command.fields.emplace_back("Rebuild_HD_ID", std::to_string(target.id));
     } else {
         command = {"HX_LD_DG_StartRebuild", AddressFields(place.address, "ID")};
-        command.fields.emplace_back("RebuildType", std::to_string(HXSIM_REBUILD_DISK_GROUP));
+        command.fields.emplace_back("RebuildType",
+                                    std::to_string(hxcodes::RebuildType::kDiskGroup));
         command.fields.emplace_back("PDCount", "1");
         command.fields.emplace_back("PDIDs", std::to_string(target.id));
     }

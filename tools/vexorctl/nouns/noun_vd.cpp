@@ -3,7 +3,10 @@
 #include <span>
 #include <utility>
 
-#include "codes/hxraid_codes.h"
+#include "codes/activity.h"
+#include "codes/level.h"
+#include "codes/state.h"
+#include "codes/virtual_disk.h"
 #include "common/address.h"
 #include "model/ask_controller.h"
 #include "model/disk_groups.h"
@@ -79,9 +82,9 @@ constexpr Column<VirtualDisk> kColumns[] = {
     {{"name", "NAME", kText, kTable, "Its name"},
      [](const VirtualDisk& it) { return TextAt(it.info, "Name"); }},
     {{"state", "STATE", kCode, kTable, "Its state"},
-     [](const VirtualDisk& it) { return CodeAt(it.info, "Status", kHxsimStateNames); }},
+     [](const VirtualDisk& it) { return CodeAt(it.info, "Status", hxcodes::kStateNames); }},
     {{"level", "LEVEL", kCode, kTable, "Its RAID level"},
-     [](const VirtualDisk& it) { return CodeAt(it.info, "RaidMode", kHxsimLevelNames); }},
+     [](const VirtualDisk& it) { return CodeAt(it.info, "RaidMode", hxcodes::kLevelNames); }},
     {{"size_bytes", "SIZE", kBytes, kTable, "Its size"},
      [](const VirtualDisk& it) { return SectorsAt(it.info, "Size"); }},
     {{"disks", "DISKS", kTexts, kTable, "The disks that it lies on"},
@@ -89,13 +92,15 @@ constexpr Column<VirtualDisk> kColumns[] = {
     {{"dg", "DG", kText, kTable, "The disk group that it lies on"},
      [](const VirtualDisk& it) { return GroupCell(it); }},
     {{"cache", "CACHE", kBits, kWide, "Its cache"},
-     [](const VirtualDisk& it) { return BitsAt(it.info, "CacheMode", kHxsimCacheBits); }},
+     [](const VirtualDisk& it) { return BitsAt(it.info, "CacheMode", hxcodes::kCacheBits); }},
     {{"activity", "ACTIVITY", kCode, kTable, "What is going on in the background"},
-     [](const VirtualDisk& it) { return CodeAt(it.status, "Bga", kHxsimActivityNames); }},
+     [](const VirtualDisk& it) { return CodeAt(it.status, "Bga", hxcodes::kActivityNames); }},
     {{"progress_ratio", "PROGRESS", kRatio, kTable, "How far that is"},
      [](const VirtualDisk& it) { return ProgressCell(it); }},
     {{"activity_state", "ACTIVITY STATE", kCode, kWide, "How it stands"},
-     [](const VirtualDisk& it) { return CodeAt(it.status, "BgaState", kHxsimActivityStateNames); }},
+     [](const VirtualDisk& it) {
+         return CodeAt(it.status, "BgaState", hxcodes::kActivityStateNames);
+     }},
     {{"stripe_bytes", "STRIPE", kBytes, kWide, "Its stripe size"},
      [](const VirtualDisk& it) { return StripeCell(it.info); }},
     {{"disk_count", "DISK COUNT", kNumber, kWide, "The number of its disks"},
@@ -130,10 +135,11 @@ VirtualDisk FindVirtualDisk(Invocation& invocation) {
 }
 
 std::string Described(const VirtualDisk& disk) {
-    std::string text = disk.address.Text() + " (" + disk.info.Text("Name") + ", " +
-                       std::string(HxraidNameOf(
-                           kHxsimLevelNames, static_cast<HX_U32>(disk.info.Number("RaidMode")))) +
-                       ", " + SizeText(512 * disk.info.Number("Size"), {}) + ")";
+    std::string text =
+        disk.address.Text() + " (" + disk.info.Text("Name") + ", " +
+        std::string(hxcodes::NameOf(hxcodes::kLevelNames,
+                                    static_cast<HX_U32>(disk.info.Number("RaidMode")))) +
+        ", " + SizeText(512 * disk.info.Number("Size"), {}) + ")";
     return text;
 }
 
@@ -187,8 +193,9 @@ std::string CacheOption(const std::string& text) {
     std::string_view rest = text;
     while (!rest.empty() && rest != "none") {
         const std::size_t comma = rest.find(',');
-        const HxraidName* const row = HxraidFind(kHxsimCacheBits, rest.substr(0, comma));
-        if (row == nullptr || row->code == HXSIM_CACHE_FORCED_WRITE_THROUGH) {
+        const hxcodes::Named* const row =
+            hxcodes::FindName(hxcodes::kCacheBits, rest.substr(0, comma));
+        if (row == nullptr || row->code == hxcodes::CacheBit::kForcedWriteThrough) {
             throw UsageError("--cache cannot be \"" + text +
                              "\"; say write_back, read_ahead, both with a comma, or none");
         }
@@ -201,7 +208,7 @@ std::string CacheOption(const std::string& text) {
 // What the controller itself forces is nothing that can be asked for.
 std::string CacheThatStays(const VirtualDisk& disk) {
     return std::to_string(disk.config.Number("CacheMode") &
-                          ~std::uint64_t{HXSIM_CACHE_FORCED_WRITE_THROUGH});
+                          ~std::uint64_t{hxcodes::CacheBit::kForcedWriteThrough});
 }
 
 // The library sets all of them at once: those that are not named stay as they are.
@@ -276,7 +283,7 @@ Exit CreateOnGroup(Invocation& invocation, const std::string& typed) {
         {"CachePolicy", CacheOption(invocation.Get("--cache", "read_ahead"))},
         {"DGSlotNum", std::to_string(SlotOption(invocation, owner))},
         {"InitializationOption",
-         invocation.Has("--init") ? CodeOption(invocation, "--init", kHxsimInitNames) : "0"},
+         invocation.Has("--init") ? CodeOption(invocation, "--init", hxcodes::kInitNames) : "0"},
         {"SectorCoefficient", "1"}};
     return CarryOut(invocation,
                     {.what = "Create a virtual disk called " + name + " on " + address.Text(),
@@ -305,14 +312,15 @@ Exit CreateVirtualDisk(Invocation& invocation) {
     const std::string name = NameOption(invocation, NameMarkup::kCData, "NEW_VD");
     Controller& controller = invocation.controller();
     const Fields settings{
-        {"RoundingScheme",
-         invocation.Has("--round") ? CodeOption(invocation, "--round", kHxsimRoundingNames) : "0"},
+        {"RoundingScheme", invocation.Has("--round")
+                               ? CodeOption(invocation, "--round", hxcodes::kRoundingNames)
+                               : "0"},
         {"SubLDCount", std::to_string(invocation.Number("--legs", 255).value_or(0))},
         {"NumParityDisk", std::to_string(level.parity)},
         {"StripeBlockSize", StripeOption(invocation, "64")},
         {"CachePolicy", CacheOption(invocation.Get("--cache", "read_ahead"))},
         {"InitializationOption",
-         invocation.Has("--init") ? CodeOption(invocation, "--init", kHxsimInitNames) : "0"}};
+         invocation.Has("--init") ? CodeOption(invocation, "--init", hxcodes::kInitNames) : "0"}};
     const auto fields_for = [&](std::span<const Disk> disks) {
         Fields fields{{"AdapterID", std::to_string(disks.front().address.adapter)},
                       {"RaidMode", std::string(level.code)},

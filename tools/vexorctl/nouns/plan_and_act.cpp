@@ -5,7 +5,7 @@
 #include <charconv>
 #include <cstdio>
 
-#include "codes/hxraid_codes.h"
+#include "codes/named.h"
 #include "common/address.h"
 #include "common/duration.h"
 #include "common/terminal_text.h"
@@ -126,15 +126,17 @@ Fields AddressFields(const Address& address, std::string_view id) {
 }
 
 std::string CodeOption(const Invocation& invocation, std::string_view option,
-                       std::span<const HxraidName> names) {
+                       std::span<const hxcodes::Named> names) {
     const std::string text = invocation.Get(option, "");
-    if (const HxraidName* const row = HxraidFind(names, text)) return std::to_string(row->code);
+    if (const hxcodes::Named* const row = hxcodes::FindName(names, text))
+        return std::to_string(row->code);
     unsigned code = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, code);
     if (!text.empty() && error == std::errc() && stop == end) return std::to_string(code);
     std::string known;
-    for (const HxraidName& name : names) known.append(known.empty() ? "" : ", ").append(name.name);
+    for (const hxcodes::Named& name : names)
+        known.append(known.empty() ? "" : ", ").append(name.name);
     throw UsageError(std::string(option) + " cannot be \"" + text + "\"; say one of " + known);
 }
 

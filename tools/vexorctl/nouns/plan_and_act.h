@@ -43,7 +43,7 @@ Fields AddressFields(const Address& address, std::string_view id);
 /// The code of an option's value. Throws UsageError for a name that is none; the number itself is
 /// taken too.
 std::string CodeOption(const Invocation& invocation, std::string_view option,
-                       std::span<const HxraidName> names);
+                       std::span<const hxcodes::Named> names);
 
 /// "1" for "on", "0" for "off"; `otherwise` when the option was not given.
 std::string SwitchOption(const Invocation& invocation, std::string_view option,

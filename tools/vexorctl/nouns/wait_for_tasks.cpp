@@ -6,7 +6,7 @@
 #include <chrono>
 #include <cstdio>
 
-#include "codes/hxraid_codes.h"
+#include "codes/activity.h"
 #include "common/duration.h"
 #include "model/ask_controller.h"
 #include "model/exit_code.h"
@@ -55,7 +55,7 @@ public:
             start_ = Clock::now();
         }
         const std::string activity(
-            HxraidNameOf(kHxsimActivityNames, static_cast<HX_U32>(task.activity)));
+            hxcodes::NameOf(hxcodes::kActivityNames, static_cast<HX_U32>(task.activity)));
         std::string line = BarText(task.address.Text() + " " + activity, percent);
         const double elapsed = SecondsSince(start_);
         if (percent > first_ && elapsed > 0) {

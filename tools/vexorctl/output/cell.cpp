@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "codes/hxraid_codes.h"
+#include "codes/named.h"
 
 namespace vexorctl {
 
@@ -37,19 +37,19 @@ Cell RatioCell(double ratio) {
     return cell;
 }
 
-Cell CodeCell(std::span<const HxraidName> names, std::uint64_t code) {
+Cell CodeCell(std::span<const hxcodes::Named> names, std::uint64_t code) {
     Cell cell = NumberCell(code);
-    cell.text = HxraidNameOf(names, static_cast<HX_U32>(code));
+    cell.text = hxcodes::NameOf(names, static_cast<HX_U32>(code));
     return cell;
 }
 
-Cell BitsCell(std::span<const HxraidName> names, std::uint64_t bits) {
+Cell BitsCell(std::span<const hxcodes::Named> names, std::uint64_t bits) {
     Cell cell = NumberCell(bits);
     for (unsigned bit = 0; bit < 64; ++bit) {
         const std::uint64_t mask = std::uint64_t{1} << bit;
         if ((bits & mask) == 0) continue;
         const std::string_view name =
-            bit < 32 ? HxraidNameOf(names, static_cast<HX_U32>(mask)) : std::string_view();
+            bit < 32 ? hxcodes::NameOf(names, static_cast<HX_U32>(mask)) : std::string_view();
         cell.texts.push_back(name.empty() ? std::to_string(mask) : std::string(name));
     }
     return cell;

@@ -9,7 +9,9 @@
 #include <string_view>
 #include <vector>
 
-struct HxraidName;
+namespace hxcodes {
+struct Named;
+}
 
 namespace vexorctl {
 
@@ -43,8 +45,8 @@ Cell TextCell(std::string text);
 Cell NumberCell(std::uint64_t number);  // kNumber, kBool, kBytes, kTime
 Cell SectorsCell(std::uint64_t sectors);
 Cell RatioCell(double ratio);
-Cell CodeCell(std::span<const HxraidName> names, std::uint64_t code);
-Cell BitsCell(std::span<const HxraidName> names, std::uint64_t bits);
+Cell CodeCell(std::span<const hxcodes::Named> names, std::uint64_t code);
+Cell BitsCell(std::span<const hxcodes::Named> names, std::uint64_t bits);
 Cell TextsCell(std::vector<std::string> texts);
 Cell NumbersCell(std::vector<std::uint64_t> numbers);
 

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "codes/hxraid_codes.h"
+#include "codes/named.h"
 
 namespace vexorctl {
 
@@ -45,12 +45,12 @@ Cell TextAt(const Value& value, std::string_view path) {
     return at == nullptr ? Unknown() : TextCell(at->text);
 }
 
-Cell CodeAt(const Value& value, std::string_view path, std::span<const HxraidName> names) {
+Cell CodeAt(const Value& value, std::string_view path, std::span<const hxcodes::Named> names) {
     const Value* const at = Last(value, path);
     return at == nullptr ? Unknown() : CodeCell(names, at->Number(""));
 }
 
-Cell BitsAt(const Value& value, std::string_view path, std::span<const HxraidName> names) {
+Cell BitsAt(const Value& value, std::string_view path, std::span<const hxcodes::Named> names) {
     const Value* const at = Last(value, path);
     return at == nullptr ? Unknown() : BitsCell(names, at->Number(""));
 }

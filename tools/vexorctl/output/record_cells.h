@@ -13,8 +13,8 @@ namespace vexorctl {
 Cell NumberAt(const Value& value, std::string_view path);
 Cell SectorsAt(const Value& value, std::string_view path);
 Cell TextAt(const Value& value, std::string_view path);
-Cell CodeAt(const Value& value, std::string_view path, std::span<const HxraidName> names);
-Cell BitsAt(const Value& value, std::string_view path, std::span<const HxraidName> names);
+Cell CodeAt(const Value& value, std::string_view path, std::span<const hxcodes::Named> names);
+Cell BitsAt(const Value& value, std::string_view path, std::span<const hxcodes::Named> names);
 /// Eight bytes as sixteen hexadecimal digits.
 Cell WwnAt(const Value& value, std::string_view path);
 /// "4.1.0.1350"

@@ -7,11 +7,17 @@
 #include <functional>
 #include <string>
 
+#include "codes/activity.h"
+#include "codes/state.h"
+#include "codes/status.h"
 #include "controllers/virtual/support/living_parts.h"
 #include "rules/hxsim_activity.h"
 
 namespace {
 
+using hxcodes::ActivityKind;
+using hxcodes::State;
+using hxcodes::Status;
 using parts::kNow;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -90,7 +96,7 @@ TEST_F(LivingAdapter, RefusesRatesAboveAHundredPercent) {
          {&Adapter_Config_V2::BGARate, &Adapter_Config_V2::SyncRate, &Adapter_Config_V2::InitRate,
           &Adapter_Config_V2::RebuildRate, &Adapter_Config_V2::MigrationRate,
           &Adapter_Config_V2::CopybackRate, &Adapter_Config_V2::MediaPatrolRate}) {
-        ExpectRefused(HXSIM_BAD_VALUE, [&](Adapter_Config_V2& config) { config.*rate = 101; });
+        ExpectRefused(Status::kBadValue, [&](Adapter_Config_V2& config) { config.*rate = 101; });
     }
 }
 
@@ -98,13 +104,13 @@ TEST_F(LivingAdapter, RefusesSwitchesThatAreNeitherOnNorOff) {
     for (const auto setting :
          {&Adapter_Config_V2::PollSMARTStatus, &Adapter_Config_V2::CopyBack,
           &Adapter_Config_V2::InterruptCoalescing, &Adapter_Config_V2::ModuleConsolidate}) {
-        ExpectRefused(HXSIM_BAD_VALUE, [&](Adapter_Config_V2& config) { config.*setting = 2; });
+        ExpectRefused(Status::kBadValue, [&](Adapter_Config_V2& config) { config.*setting = 2; });
     }
 }
 
 TEST_F(LivingAdapter, RefusesARateThatItsModelDoesNotLetBeSet) {
     adapter().info.Features = 0x5F & ~0x08;
-    ExpectRefused(HXSIM_NOT_SUPPORTED,
+    ExpectRefused(Status::kNotSupported,
                   [](Adapter_Config_V2& config) { config.MigrationRate = 10; });
     EXPECT_EQ(0, Set([](Adapter_Config_V2& config) { config.RebuildRate = 10; }));
 }
@@ -112,13 +118,13 @@ TEST_F(LivingAdapter, RefusesARateThatItsModelDoesNotLetBeSet) {
 TEST_F(LivingAdapter, RefusesAnAlarmThatItDoesNotHave) {
     adapter().info.AlarmSupport = 0;
     adapter().config.AlarmOn = 0;
-    ExpectRefused(HXSIM_NOT_SUPPORTED, [](Adapter_Config_V2& config) { config.AlarmOn = 1; });
+    ExpectRefused(Status::kNotSupported, [](Adapter_Config_V2& config) { config.AlarmOn = 1; });
 }
 
 TEST_F(LivingAdapter, LetsWhatRunsGoOnAtItsNewRate) {
     adapter().config.SyncRate = 10;
     hxsim::Activity check;
-    check.kind = HXSIM_ACTIVITY_CHECK;
+    check.kind = ActivityKind::kCheck;
     check.owner = 0;
     check.total = 640000;
     hxsim::Start(adapter(), kNow, check);
@@ -129,11 +135,11 @@ TEST_F(LivingAdapter, LetsWhatRunsGoOnAtItsNewRate) {
 
 TEST_F(LivingAdapter, WithoutAnAlarmHasNothingToMute) {
     adapter().info.AlarmSupport = 0;
-    EXPECT_EQ(HXSIM_NOT_SUPPORTED, hxsim::Mute(adapter()));
+    EXPECT_EQ(Status::kNotSupported, hxsim::Mute(adapter()));
 }
 
 TEST_F(LivingAdapter, SwitchingTheAlarmOffSilencesIt) {
-    virtual_disk(0).state = HXSIM_STATE_DEGRADED;
+    virtual_disk(0).state = State::kDegraded;
     adapter().alarm = true;
     EXPECT_EQ(0, Set([](Adapter_Config_V2& config) { config.AlarmOn = 0; }));
     EXPECT_FALSE(adapter().alarm);

@@ -13,6 +13,9 @@
 #include "calls/hxsim_activity_control.h"
 #include "calls/hxsim_virtual_disk_change.h"
 #include "calls/hxsim_virtual_disk_create.h"
+#include "codes/activity.h"
+#include "codes/state.h"
+#include "codes/status.h"
 #include "controllers/virtual/support/living_machine.h"
 #include "model/hxsim_activity_row.h"
 #include "rules/hxsim_activity.h"
@@ -22,6 +25,12 @@
 namespace hxsim {
 namespace {
 
+using hxcodes::ActivityKind;
+using hxcodes::ActivityState;
+using hxcodes::ControlAction;
+using hxcodes::Init;
+using hxcodes::State;
+using hxcodes::Status;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -137,61 +146,61 @@ Disk& DiskIn(Adapter& adapter, HX_U16 id) { return *Find(adapter.disks, id); }
 
 const RefusedCase kRefused[] = {
     {"NoDiskGroupsAtAll",
-     HXSIM_NOT_SUPPORTED,
+     Status::kNotSupported,
      0x05,
      {0, 1, 2},
      [](auto&, auto& a) { a.info.DiskGroupSupport = 0; }},
     {"GroupThatIsNotThere",
-     HXSIM_NO_DISK_GROUP,
+     Status::kNoDiskGroup,
      0x05,
      {0, 1, 2},
      [](auto& p, auto&) { p.DGID = 7; }},
     {"SectorsOf4096Bytes",
-     HXSIM_BAD_SECTOR_SIZE,
+     Status::kBadSectorSize,
      0x05,
      {0, 1, 2},
      [](auto& p, auto&) { p.BlockSize = 4096; }},
-    {"LevelThatIsNone", HXSIM_BAD_LEVEL, 0x07, {0, 1, 2}},
+    {"LevelThatIsNone", Status::kBadLevel, 0x07, {0, 1, 2}},
     {"StripeThatIsNotOffered",
-     HXSIM_BAD_STRIPE_SIZE,
+     Status::kBadStripeSize,
      0x05,
      {0, 1, 2},
      [](auto& p, auto&) { p.StripeBlockSize = 8; }},
-    {"TooFewDisks", HXSIM_BAD_DISK_COUNT, 0x05, {0, 1}},
+    {"TooFewDisks", Status::kBadDiskCount, 0x05, {0, 1}},
     {"MoreDisksThanTheRecordHolds",
-     HXSIM_BAD_DISK_COUNT,
+     Status::kBadDiskCount,
      0x00,
      {0},
      [](auto& p, auto&) { p.PDCount = 129; }},
     {"MoreDisksThanTheAdapterJoins",
-     HXSIM_BAD_DISK_COUNT,
+     Status::kBadDiskCount,
      0x05,
      {0, 1, 2},
      [](auto&, auto& a) { a.info.MaxPDPerDG = 2; }},
-    {"DiskThatIsNotThere", HXSIM_NO_DISK, 0x05, {0, 1, 99}},
-    {"DiskTwice", HXSIM_DISK_REPEATED, 0x05, {0, 1, 1}},
+    {"DiskThatIsNotThere", Status::kNoDisk, 0x05, {0, 1, 99}},
+    {"DiskTwice", Status::kDiskRepeated, 0x05, {0, 1, 1}},
     {"FailedDisk",
-     HXSIM_DISK_NOT_READY,
+     Status::kDiskNotReady,
      0x05,
      {0, 1, 2},
      [](auto&, auto& a) { DiskIn(a, 2).failed = true; }},
     {"SpareForAll",
-     HXSIM_DISK_TAKEN,
+     Status::kDiskTaken,
      0x05,
      {0, 1, 2},
      [](auto&, auto& a) { DiskIn(a, 2).spare = Spare::kGlobal; }},
     {"DiskWithASystem",
-     HXSIM_HOLDS_SYSTEM,
+     Status::kHoldsSystem,
      0x05,
      {0, 1, 2},
      [](auto&, auto& a) { DiskIn(a, 2).has_system = true; }},
     {"InitialisationThatIsNone",
-     HXSIM_BAD_ACTION,
+     Status::kBadAction,
      0x05,
      {0, 1, 2},
      [](auto& p, auto&) { p.InitializationOption = 4; }},
     {"MoreSpaceThanThereIs",
-     HXSIM_NO_SPACE,
+     Status::kNoSpace,
      0x05,
      {0, 1, 2},
      [](auto& p, auto&) { p.Size.value = 1999873; }},
@@ -215,8 +224,8 @@ TEST_F(LivingDiskGroup, IsNotMadeOfDisksThatOthersHave) {
     Made(GroupOn(HX_NEW_ID, 0x01, {0, 1}));
     Create_LD_Param alone = WantedOn(0x00, {2}, 128);
     EXPECT_EQ(HX_SUCCESS, CreateVirtualDisk(adapter(), kNow, alone));
-    EXPECT_EQ(HXSIM_DISK_TAKEN, Refusal(GroupOn(HX_NEW_ID, 0x01, {1, 3})));
-    EXPECT_EQ(HXSIM_DISK_TAKEN, Refusal(GroupOn(HX_NEW_ID, 0x01, {2, 3})));
+    EXPECT_EQ(Status::kDiskTaken, Refusal(GroupOn(HX_NEW_ID, 0x01, {1, 3})));
+    EXPECT_EQ(Status::kDiskTaken, Refusal(GroupOn(HX_NEW_ID, 0x01, {2, 3})));
 }
 
 TEST(LivingDiskGroups, EndWithTheThirtySecond) {
@@ -226,7 +235,7 @@ TEST(LivingDiskGroups, EndWithTheThirtySecond) {
         }
         void TestBody() override {
             for (HX_U16 id = 0; id < 32; ++id) Made(GroupOn(HX_NEW_ID, 0x00, {id}));
-            EXPECT_EQ(HXSIM_TOO_MANY_DISK_GROUPS, Refusal(GroupOn(HX_NEW_ID, 0x00, {32})));
+            EXPECT_EQ(Status::kTooManyDiskGroups, Refusal(GroupOn(HX_NEW_ID, 0x00, {32})));
             TearDown();
         }
     };
@@ -247,7 +256,7 @@ TEST_F(LivingDiskGroup, IsSetWithItsDisks) {
     EXPECT_TRUE(DiskOf(1).write_cache);
     EXPECT_FALSE(DiskOf(2).write_cache);
     EXPECT_THAT(Events(), ElementsAre("2/16 of 0", "2/16 of 1"));
-    EXPECT_EQ(HXSIM_NO_DISK_GROUP, SetDiskGroup(adapter(), kNow, 1, config));
+    EXPECT_EQ(Status::kNoDiskGroup, SetDiskGroup(adapter(), kNow, 1, config));
 }
 
 TEST_F(LivingDiskGroup, IsRenamed) {
@@ -275,7 +284,7 @@ TEST_F(LivingSlots, HoldVirtualDisksOfTheGroupsLevel) {
     std::memcpy(param.Name, "SIXTEEN LETTERS!", 16);
     param.CachePolicy = 0x05;
     param.SectorCoefficient = 4;
-    param.InitializationOption = HXSIM_INIT_BACKGROUND;
+    param.InitializationOption = Init::kBackground;
     EXPECT_EQ(1024u, Made(param).Size.value);  // eight stripes of 128 sectors
     const VirtualDisk& made = VirtualDiskOf(0);
     EXPECT_EQ("SIXTEEN LETTERS!", made.name);
@@ -286,7 +295,7 @@ TEST_F(LivingSlots, HoldVirtualDisksOfTheGroupsLevel) {
     EXPECT_EQ(0x05, made.cache);
     EXPECT_EQ(4, made.coefficient);
     EXPECT_EQ("vd0.1 0+512, free 512+999488", BlocksOn(1));
-    EXPECT_EQ(HXSIM_ACTIVITY_INIT_BACK, ActivityOf(adapter(), Owner::kVirtualDisk, 0)->kind);
+    EXPECT_EQ(ActivityKind::kInitBackground, ActivityOf(adapter(), Owner::kVirtualDisk, 0)->kind);
     EXPECT_THAT(Serving(Owner::kVirtualDisk, 0), IsEmpty());  // its homes are the group's
 }
 
@@ -309,7 +318,7 @@ TEST_F(LivingSlots, GetWhatRemains) {
     EXPECT_EQ(1998848u, Info().RemainingManagedSpace.value);
     EXPECT_EQ(1998848u, Made(InSlot(0, 0x05, 1)).Size.value);
     EXPECT_EQ(0u, Info().RemainingManagedSpace.value);
-    EXPECT_EQ(HXSIM_NO_SPACE, Refusal(InSlot(0, 0x05, 2)));
+    EXPECT_EQ(Status::kNoSpace, Refusal(InSlot(0, 0x05, 2)));
 }
 
 TEST_F(LivingSlots, HaveStripesOfTheirOwn) {
@@ -338,27 +347,28 @@ struct RefusedSlotCase {
 void PrintTo(const RefusedSlotCase& each, std::ostream* out) { *out << each.name; }
 
 const RefusedSlotCase kRefusedSlots[] = {
-    {"NoDiskGroupsAtAll", HXSIM_NOT_SUPPORTED, [](auto&, auto& a) { a.info.DiskGroupSupport = 0; }},
-    {"GroupThatIsNotThere", HXSIM_NO_DISK_GROUP, [](auto& p, auto&) { p.DGID = 7; }},
-    {"VirtualDiskThatIsNotThere", HXSIM_NO_VIRTUAL_DISK, [](auto& p, auto&) { p.VDID = 7; }},
-    {"AnotherLevel", HXSIM_BAD_LEVEL, [](auto& p, auto&) { p.RaidMode = 0x00; }},
-    {"OtherLegs", HXSIM_BAD_DISK_COUNT, [](auto& p, auto&) { p.SubVDCount = 2; }},
-    {"SectorsOf4096Bytes", HXSIM_BAD_SECTOR_SIZE, [](auto& p, auto&) { p.BlockSize = 4096; }},
-    {"StripeThatIsNotOffered", HXSIM_BAD_STRIPE_SIZE,
+    {"NoDiskGroupsAtAll", Status::kNotSupported,
+     [](auto&, auto& a) { a.info.DiskGroupSupport = 0; }},
+    {"GroupThatIsNotThere", Status::kNoDiskGroup, [](auto& p, auto&) { p.DGID = 7; }},
+    {"VirtualDiskThatIsNotThere", Status::kNoVirtualDisk, [](auto& p, auto&) { p.VDID = 7; }},
+    {"AnotherLevel", Status::kBadLevel, [](auto& p, auto&) { p.RaidMode = 0x00; }},
+    {"OtherLegs", Status::kBadDiskCount, [](auto& p, auto&) { p.SubVDCount = 2; }},
+    {"SectorsOf4096Bytes", Status::kBadSectorSize, [](auto& p, auto&) { p.BlockSize = 4096; }},
+    {"StripeThatIsNotOffered", Status::kBadStripeSize,
      [](auto& p, auto&) { p.StripeBlockSize = 512; }},
-    {"RoundingThatIsNone", HXSIM_BAD_ROUNDING, [](auto& p, auto&) { p.RoundingScheme = 3; }},
-    {"SlotThatIsNone", HXSIM_BAD_SLOT, [](auto& p, auto&) { p.DGSlotNum = 32; }},
-    {"SlotThatTheAdapterLacks", HXSIM_BAD_SLOT, [](auto&, auto& a) { a.info.MaxVDPerDG = 1; }},
-    {"SlotThatIsTaken", HXSIM_SLOT_TAKEN, [](auto& p, auto&) { p.DGSlotNum = 0; }},
-    {"MoreThanRemains", HXSIM_NO_SPACE, [](auto& p, auto&) { p.Size.value = 1998849; }},
-    {"OneMoreThanTheAdapterHas", HXSIM_TOO_MANY_VIRTUAL_DISKS,
+    {"RoundingThatIsNone", Status::kBadRounding, [](auto& p, auto&) { p.RoundingScheme = 3; }},
+    {"SlotThatIsNone", Status::kBadSlot, [](auto& p, auto&) { p.DGSlotNum = 32; }},
+    {"SlotThatTheAdapterLacks", Status::kBadSlot, [](auto&, auto& a) { a.info.MaxVDPerDG = 1; }},
+    {"SlotThatIsTaken", Status::kSlotTaken, [](auto& p, auto&) { p.DGSlotNum = 0; }},
+    {"MoreThanRemains", Status::kNoSpace, [](auto& p, auto&) { p.Size.value = 1998849; }},
+    {"OneMoreThanTheAdapterHas", Status::kTooManyVirtualDisks,
      [](auto&, auto& a) { a.info.MaxLogicalDrive = 1; }},
-    {"OneBlockMoreThanADiskHas", HXSIM_TOO_MANY_BLOCKS,
+    {"OneBlockMoreThanADiskHas", Status::kTooManyBlocks,
      [](auto&, auto& a) { a.info.MaxBlockPerPD = 2; }},
-    {"CacheThatIsNone", HXSIM_BAD_VALUE, [](auto& p, auto&) { p.CachePolicy = 0x02; }},
-    {"InitialisationThatIsNone", HXSIM_BAD_ACTION,
+    {"CacheThatIsNone", Status::kBadValue, [](auto& p, auto&) { p.CachePolicy = 0x02; }},
+    {"InitialisationThatIsNone", Status::kBadAction,
      [](auto& p, auto&) { p.InitializationOption = 4; }},
-    {"DiskThatIsLost", HXSIM_WRONG_STATE, [](auto&, auto& a) { DiskIn(a, 2).failed = true; }},
+    {"DiskThatIsLost", Status::kWrongState, [](auto&, auto& a) { DiskIn(a, 2).failed = true; }},
 };
 
 class RefusedLivingSlot : public LivingSlots, public testing::WithParamInterface<RefusedSlotCase> {
@@ -406,32 +416,32 @@ TEST_F(LivingSlots, LetTheirVirtualDisksGrowIntoWhatFollows) {
 TEST_F(LivingSlots, DoNotLetThemGrowOverOthers) {
     Made(InSlot(0, 0x05, 0, 1024));
     Made(InSlot(0, 0x05, 1, 1024));
-    EXPECT_EQ(HXSIM_NO_SPACE, Refusal(Change(0, 1025)));
-    EXPECT_EQ(HXSIM_TOO_SMALL, Refusal(Change(1, 1023)));
+    EXPECT_EQ(Status::kNoSpace, Refusal(Change(0, 1025)));
+    EXPECT_EQ(Status::kTooSmall, Refusal(Change(1, 1023)));
     CreateOrModify_VD_Param cache = Change(0, 0);
     cache.CachePolicy = 0x02;
-    EXPECT_EQ(HXSIM_BAD_VALUE, Refusal(cache));
+    EXPECT_EQ(Status::kBadValue, Refusal(cache));
 }
 
 TEST_F(LivingSlots, DoNotLetThemGrowWhileSomethingGoesOn) {
     CreateOrModify_VD_Param param = InSlot(0, 0x05, 0, 1024);
-    param.InitializationOption = HXSIM_INIT_BACKGROUND;
+    param.InitializationOption = Init::kBackground;
     Made(param);
-    EXPECT_EQ(HXSIM_BUSY, Refusal(Change(0, 2048)));
+    EXPECT_EQ(Status::kBusy, Refusal(Change(0, 2048)));
 }
 
 TEST_F(LivingSlots, DoNotChangeVirtualDisksOfOthers) {
     Create_LD_Param alone = WantedOn(0x00, {5}, 128);
     EXPECT_EQ(HX_SUCCESS, CreateVirtualDisk(adapter(), kNow, alone));
-    EXPECT_EQ(HXSIM_NO_VIRTUAL_DISK, Refusal(Change(alone.LDID, 0)));
+    EXPECT_EQ(Status::kNoVirtualDisk, Refusal(Change(alone.LDID, 0)));
 }
 
 TEST_F(LivingSlots, DoNotMoveTheirVirtualDisksAlone) {
     Made(InSlot(0, 0x05, 0, 1024));
     Create_LD_Param param = WantedOn(0x00, {5, 6});
     param.LDID = 0;
-    EXPECT_EQ(HXSIM_ON_DISK_GROUP, StartMigration(adapter(), kNow, param));
-    EXPECT_EQ(HXSIM_ON_DISK_GROUP, SizeMigration(adapter(), param));
+    EXPECT_EQ(Status::kOnDiskGroup, StartMigration(adapter(), kNow, param));
+    EXPECT_EQ(Status::kOnDiskGroup, SizeMigration(adapter(), param));
 }
 
 TEST_F(LivingSlots, TakeNothingNewWhileTheGroupIsRebuilt) {
@@ -439,7 +449,7 @@ TEST_F(LivingSlots, TakeNothingNewWhileTheGroupIsRebuilt) {
     DiskOf(7).spare = Spare::kGlobal;
     DiskOf(1).failed = true;
     Settle(adapter(), kNow);
-    EXPECT_EQ(HXSIM_BUSY, Refusal(InSlot(0, 0x05, 1, 1024)));
+    EXPECT_EQ(Status::kBusy, Refusal(InSlot(0, 0x05, 1, 1024)));
     Finish();
     Made(InSlot(0, 0x05, 1, 1024));
     EXPECT_EQ("vd0.1 0+512, vd1.1 512+512, free 1024+998976", BlocksOn(7));
@@ -463,8 +473,8 @@ TEST_F(LivingMove, GrowsTheGroupByADiskInPlace) {
     EXPECT_EQ(2999808u, Made(GroupOn(0, 0x05, {0, 1, 2, 3})).Size.value);
     EXPECT_EQ("vd0.0 0+512, vd1.0 512+768, free 1280+998720", BlocksOn(0));
     EXPECT_EQ("target0.3 0+384, free 384+128, target1.3 512+512, free 1024+998976", BlocksOn(3));
-    EXPECT_EQ(HXSIM_ACTIVITY_MIGRATION, Info().BgaType);
-    EXPECT_EQ(HXSIM_ACTIVITY_RUNNING, Info().BgaState);
+    EXPECT_EQ(ActivityKind::kMigration, Info().BgaType);
+    EXPECT_EQ(ActivityState::kRunning, Info().BgaState);
     Finish();
     EXPECT_EQ("vd0.0 0+384, free 384+128, vd1.0 512+512, free 1024+998976", BlocksOn(0));
     EXPECT_EQ("vd0.3 0+384, free 384+128, vd1.3 512+512, free 1024+998976", BlocksOn(3));
@@ -490,7 +500,7 @@ TEST_F(LivingMove, TakesTheGroupToAnotherLevelBesideItself) {
 TEST_F(LivingMove, ReturnsToWhatItWasWhenItIsAborted) {
     const std::string before = BlocksOn(0);
     EXPECT_EQ(HX_SUCCESS, Move(GroupOn(0, 0x05, {0, 1, 2, 3})));
-    EXPECT_EQ(HX_SUCCESS, Control(adapter(), kNow, Owner::kDiskGroup, 0, HXSIM_CONTROL_ABORT));
+    EXPECT_EQ(HX_SUCCESS, Control(adapter(), kNow, Owner::kDiskGroup, 0, ControlAction::kAbort));
     EXPECT_EQ(before, BlocksOn(0));
     EXPECT_EQ("free 0+1000000", BlocksOn(3));
     EXPECT_THAT(Serving(Owner::kDiskGroup, 0), ElementsAre(0, 1, 2));
@@ -500,17 +510,17 @@ TEST_F(LivingMove, ReturnsToWhatItWasWhenItIsAborted) {
 TEST_F(LivingMove, KeepsOthersOffItsNewDisks) {
     EXPECT_EQ(HX_SUCCESS, Move(GroupOn(0, 0x05, {0, 1, 2, 3})));
     Create_LD_Param alone = WantedOn(0x00, {3}, 128);
-    EXPECT_EQ(HXSIM_DISK_TAKEN, CreateVirtualDisk(adapter(), kNow, alone));
-    EXPECT_EQ(HXSIM_DISK_TAKEN, Refusal(GroupOn(HX_NEW_ID, 0x01, {3, 4})));
+    EXPECT_EQ(Status::kDiskTaken, CreateVirtualDisk(adapter(), kNow, alone));
+    EXPECT_EQ(Status::kDiskTaken, Refusal(GroupOn(HX_NEW_ID, 0x01, {3, 4})));
 }
 
 TEST_F(LivingMove, LeavesAloneWhatLiesOnTheGroup) {
     EXPECT_EQ(HX_SUCCESS, Move(GroupOn(0, 0x05, {0, 1, 2, 3})));
     const std::string before = Everything();
-    EXPECT_EQ(HXSIM_BUSY, DeleteVirtualDisk(adapter(), kNow, 0, false));
+    EXPECT_EQ(Status::kBusy, DeleteVirtualDisk(adapter(), kNow, 0, false));
     EXPECT_EQ(before, Everything());
-    EXPECT_EQ(HXSIM_BUSY, Refusal(InSlot(0, 0x05, 2, 1024)));
-    EXPECT_EQ(HXSIM_BUSY, RefusedMove(GroupOn(0, 0x05, {0, 1, 2, 3, 4})));
+    EXPECT_EQ(Status::kBusy, Refusal(InSlot(0, 0x05, 2, 1024)));
+    EXPECT_EQ(Status::kBusy, RefusedMove(GroupOn(0, 0x05, {0, 1, 2, 3, 4})));
 }
 
 TEST_F(LivingMove, OfAnEmptyGroupIsDoneAtOnce) {
@@ -525,39 +535,39 @@ TEST_F(LivingMove, IsRefusedWhereItCannotBe) {
     DiskOf(4).spare = Spare::kGroup;
     DiskOf(4).spare_group = 0;
     AddDisk(20, 700);  // too small even for the first virtual disk
-    EXPECT_EQ(HXSIM_NO_DISK_GROUP, RefusedMove(GroupOn(9, 0x05, {0, 1, 2, 3})));
-    EXPECT_EQ(HXSIM_NO_CHANGE, RefusedMove(GroupOn(0, 0x05, {2, 1, 0})));
-    EXPECT_EQ(HXSIM_BAD_LEVEL, RefusedMove(GroupOn(0, 0x07, {0, 1, 2})));
-    EXPECT_EQ(HXSIM_BAD_DISK_COUNT, RefusedMove(GroupOn(0, 0x05, {0, 1})));
-    EXPECT_EQ(HXSIM_DISK_TAKEN, RefusedMove(GroupOn(0, 0x05, {0, 1, 2, 4})));
-    EXPECT_EQ(HXSIM_TOO_SMALL, RefusedMove(GroupOn(0, 0x05, {0, 1, 20})));
+    EXPECT_EQ(Status::kNoDiskGroup, RefusedMove(GroupOn(9, 0x05, {0, 1, 2, 3})));
+    EXPECT_EQ(Status::kNoChange, RefusedMove(GroupOn(0, 0x05, {2, 1, 0})));
+    EXPECT_EQ(Status::kBadLevel, RefusedMove(GroupOn(0, 0x07, {0, 1, 2})));
+    EXPECT_EQ(Status::kBadDiskCount, RefusedMove(GroupOn(0, 0x05, {0, 1})));
+    EXPECT_EQ(Status::kDiskTaken, RefusedMove(GroupOn(0, 0x05, {0, 1, 2, 4})));
+    EXPECT_EQ(Status::kTooSmall, RefusedMove(GroupOn(0, 0x05, {0, 1, 20})));
     CreateOrModify_DG_Param sectors = GroupOn(0, 0x05, {0, 1, 2, 3});
     sectors.BlockSize = 4096;
-    EXPECT_EQ(HXSIM_BAD_SECTOR_SIZE, RefusedMove(sectors));
+    EXPECT_EQ(Status::kBadSectorSize, RefusedMove(sectors));
 }
 
 TEST_F(LivingMove, IsRefusedWhereSomethingIsLostOrGoesOn) {
     Activity check;
-    check.kind = HXSIM_ACTIVITY_CHECK;
+    check.kind = ActivityKind::kCheck;
     check.owner = 0;
     check.total = 512;
     const HX_U16 id = Start(adapter(), kNow, check).id;
-    EXPECT_EQ(HXSIM_BUSY, RefusedMove(GroupOn(0, 0x05, {0, 1, 2, 3})));
+    EXPECT_EQ(Status::kBusy, RefusedMove(GroupOn(0, 0x05, {0, 1, 2, 3})));
     Abort(adapter(), kNow, id);
     DiskOf(1).failed = true;
     Settle(adapter(), kNow);
-    EXPECT_EQ(HXSIM_WRONG_STATE, RefusedMove(GroupOn(0, 0x05, {0, 1, 2, 3})));
+    EXPECT_EQ(Status::kWrongState, RefusedMove(GroupOn(0, 0x05, {0, 1, 2, 3})));
 }
 
 TEST_F(LivingMove, IsRefusedWhereBlocksFindNoPlace) {
     // Its blocks of 498176 sectors become blocks of 996224, and about 500000 are free.
     Made(InSlot(0, 0x05, 2, 996224));
-    EXPECT_EQ(HXSIM_NO_SPACE, RefusedMove(GroupOn(0, 0x06, {0, 1, 2})));
+    EXPECT_EQ(Status::kNoSpace, RefusedMove(GroupOn(0, 0x06, {0, 1, 2})));
 }
 
 TEST_F(LivingMove, IsRefusedWhereTooManyBlocksAre) {
     adapter().info.MaxBlockPerPD = 4;  // two virtual disks, two ends to come, and what is free
-    EXPECT_EQ(HXSIM_TOO_MANY_BLOCKS, RefusedMove(GroupOn(0, 0x05, {0, 1, 2, 3})));
+    EXPECT_EQ(Status::kTooManyBlocks, RefusedMove(GroupOn(0, 0x05, {0, 1, 2, 3})));
     adapter().info.MaxBlockPerPD = 5;
     EXPECT_EQ(HX_SUCCESS, Move(GroupOn(0, 0x05, {0, 1, 2, 3})));
     Finish();
@@ -580,7 +590,7 @@ TEST_F(LivingMove, EndsWithTheGroup) {
     EXPECT_EQ(Spare::kNone, DiskOf(4).spare);
     EXPECT_THAT(Events(), ElementsAre("1/84 of 0", "1/84 of 1", "1/3 of 0", "1/3 of 1", "2/10 of 4",
                                       "13/1 of 0"));
-    EXPECT_EQ(HXSIM_NO_DISK_GROUP, DeleteDiskGroup(adapter(), kNow, 0));
+    EXPECT_EQ(Status::kNoDiskGroup, DeleteDiskGroup(adapter(), kNow, 0));
 }
 
 // ---- Records ----
@@ -595,7 +605,7 @@ TEST_F(LivingSlots, AreDescribedWithTheirGroup) {
     EXPECT_EQ(1, info.NumParityDisk);
     EXPECT_EQ(64, info.StripeBlockSize);
     EXPECT_EQ(512u, info.BlockSize);
-    EXPECT_EQ(HXSIM_STATE_OPTIMAL, info.Status);
+    EXPECT_EQ(State::kOptimal, info.Status);
     EXPECT_EQ(3, info.PDCount);
     EXPECT_THAT(Ids(info.PDIDs, info.PDIDs + 4), ElementsAre(0, 1, 2, 0));
     EXPECT_EQ(2, info.SparePDCount);

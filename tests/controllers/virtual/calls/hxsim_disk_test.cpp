@@ -8,6 +8,12 @@
 #include <string>
 
 #include "calls/hxsim_disk_change.h"
+#include "codes/activity.h"
+#include "codes/device.h"
+#include "codes/disk.h"
+#include "codes/state.h"
+#include "codes/status.h"
+#include "codes/virtual_disk.h"
 #include "controllers/virtual/support/living_parts.h"
 #include "incidents/hxsim_incident.h"
 #include "incidents/hxsim_incident_battery.h"
@@ -19,6 +25,14 @@
 
 namespace {
 
+using hxcodes::ActivityKind;
+using hxcodes::ActivityState;
+using hxcodes::CacheBit;
+using hxcodes::Device;
+using hxcodes::DiskAction;
+using hxcodes::RemapReason;
+using hxcodes::State;
+using hxcodes::Status;
 using parts::kNow;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -56,7 +70,7 @@ protected:
         foreign.width = 1;
         foreign.size = 128;
         foreign.foreign = true;
-        foreign.state = HXSIM_STATE_FOREIGN;
+        foreign.state = State::kForeign;
         adapter().virtual_disks.push_back(foreign);
         hxsim::Cut(adapter(), 6, 0, 128, 2, 0);
         adapter().homes.insert(adapter().homes.begin() + 3,
@@ -99,9 +113,9 @@ TEST_F(LivingDisk, StatusSaysWhyItCannotBeHad) {
 }
 
 TEST_F(LivingDisk, StatusOfARebuildingDiskSaysSo) {
-    hxsim::BlockOf(adapter(), 0, 1)->state = HXSIM_STATE_REBUILDING;
+    hxsim::BlockOf(adapter(), 0, 1)->state = State::kRebuilding;
     EXPECT_EQ(0x15, StatusOf(1));
-    hxsim::BlockOf(adapter(), 0, 1)->state = HXSIM_STATE_OPTIMAL;
+    hxsim::BlockOf(adapter(), 0, 1)->state = State::kOptimal;
 }
 
 TEST_F(LivingDisk, ServesAGroupOrAVirtualDiskOrNothing) {
@@ -159,34 +173,34 @@ TEST_F(LivingDisk, IsNotSetWhileItCannotAnswer) {
     disk(1).failed = true;
     disk(6).foreign = true;
     const std::string before = Everything();
-    ExpectRefused(HXSIM_NO_DISK, Configure(99, 0, 1, 1), before);
-    ExpectRefused(HXSIM_DISK_NOT_READY, Configure(0, 0, 1, 1), before);
-    ExpectRefused(HXSIM_DISK_NOT_READY, Configure(1, 0, 1, 1), before);
-    ExpectRefused(HXSIM_DISK_NOT_READY, Configure(6, 0, 1, 1), before);
+    ExpectRefused(Status::kNoDisk, Configure(99, 0, 1, 1), before);
+    ExpectRefused(Status::kDiskNotReady, Configure(0, 0, 1, 1), before);
+    ExpectRefused(Status::kDiskNotReady, Configure(1, 0, 1, 1), before);
+    ExpectRefused(Status::kDiskNotReady, Configure(6, 0, 1, 1), before);
 }
 
 // ---- States ----
 
 TEST_F(LivingDisk, GoesOfflineAndComesBack) {
-    EXPECT_EQ(0, Set(0, HXSIM_SET_OFFLINE));
+    EXPECT_EQ(0, Set(0, DiskAction::kOffline));
     EXPECT_TRUE(disk(0).offline);
-    EXPECT_EQ(0, Set(0, HXSIM_SET_ONLINE));
+    EXPECT_EQ(0, Set(0, DiskAction::kOnline));
     EXPECT_FALSE(disk(0).offline);
     EXPECT_THAT(Events(), ElementsAre("2/0 of 0", "2/1 of 0"));
 }
 
 TEST_F(LivingDisk, DegradesItsVirtualDiskWhenItGoesOffline) {
-    EXPECT_EQ(0, Set(0, HXSIM_SET_OFFLINE));
+    EXPECT_EQ(0, Set(0, DiskAction::kOffline));
     hxsim::Settle(adapter(), kNow);
-    EXPECT_EQ(HXSIM_STATE_DEGRADED, virtual_disk(0).state);
+    EXPECT_EQ(State::kDegraded, virtual_disk(0).state);
 }
 
 TEST_F(LivingDisk, IsNotSetToWhatItIs) {
     disk(5).offline = true;
     const std::string before = Everything();
-    ExpectRefused(HXSIM_NO_CHANGE, Set(0, HXSIM_SET_ONLINE), before);
-    ExpectRefused(HXSIM_NO_CHANGE, Set(5, HXSIM_SET_OFFLINE), before);
-    ExpectRefused(HXSIM_NO_CHANGE, Set(6, HXSIM_SET_FREE), before);
+    ExpectRefused(Status::kNoChange, Set(0, DiskAction::kOnline), before);
+    ExpectRefused(Status::kNoChange, Set(5, DiskAction::kOffline), before);
+    ExpectRefused(Status::kNoChange, Set(6, DiskAction::kFree), before);
 }
 
 TEST_F(LivingDisk, IsNotSwitchedWhileItCannotAnswer) {
@@ -194,25 +208,25 @@ TEST_F(LivingDisk, IsNotSwitchedWhileItCannotAnswer) {
     disk(1).failed = true;
     disk(6).foreign = true;
     const std::string before = Everything();
-    for (const HX_U8 action : {HX_U8{HXSIM_SET_ONLINE}, HX_U8{HXSIM_SET_OFFLINE}}) {
-        ExpectRefused(HXSIM_DISK_NOT_READY, Set(0, action), before);
-        ExpectRefused(HXSIM_DISK_NOT_READY, Set(1, action), before);
-        ExpectRefused(HXSIM_DISK_NOT_READY, Set(6, action), before);
-        ExpectRefused(HXSIM_NO_DISK, Set(99, action), before);
+    for (const HX_U8 action : {HX_U8{DiskAction::kOnline}, HX_U8{DiskAction::kOffline}}) {
+        ExpectRefused(Status::kDiskNotReady, Set(0, action), before);
+        ExpectRefused(Status::kDiskNotReady, Set(1, action), before);
+        ExpectRefused(Status::kDiskNotReady, Set(6, action), before);
+        ExpectRefused(Status::kNoDisk, Set(99, action), before);
     }
-    ExpectRefused(HXSIM_DISK_NOT_READY, Set(0, HXSIM_SET_FREE), before);
+    ExpectRefused(Status::kDiskNotReady, Set(0, DiskAction::kFree), before);
 }
 
 TEST_F(LivingDisk, KnowsNoOtherStates) {
     const std::string before = Everything();
-    ExpectRefused(HXSIM_BAD_ACTION, Set(6, 0), before);
-    ExpectRefused(HXSIM_BAD_ACTION, Set(6, 4), before);
-    ExpectRefused(HXSIM_BAD_ACTION, Set(6, 255), before);
+    ExpectRefused(Status::kBadAction, Set(6, 0), before);
+    ExpectRefused(Status::kBadAction, Set(6, 4), before);
+    ExpectRefused(Status::kBadAction, Set(6, 255), before);
 }
 
 TEST_F(LivingDisk, FailedDiskIsSetFreeWithNothingOnIt) {
     disk(0).failed = true;
-    EXPECT_EQ(0, Set(0, HXSIM_SET_FREE));
+    EXPECT_EQ(0, Set(0, DiskAction::kFree));
     EXPECT_EQ(0x01, StatusOf(0));
     EXPECT_EQ("free 0+1000000", BlocksOn(0));
     EXPECT_EQ(65535, adapter().homes[0].disk);
@@ -222,7 +236,7 @@ TEST_F(LivingDisk, FailedDiskIsSetFreeWithNothingOnIt) {
 
 TEST_F(LivingDisk, ForeignDiskIsSetFreeAndItsVirtualDiskGoes) {
     BringForeign();
-    EXPECT_EQ(0, Set(6, HXSIM_SET_FREE));
+    EXPECT_EQ(0, Set(6, DiskAction::kFree));
     EXPECT_EQ(0x01, StatusOf(6));
     EXPECT_EQ("free 0+1000000", BlocksOn(6));
     EXPECT_EQ(2u, adapter().virtual_disks.size());
@@ -231,27 +245,27 @@ TEST_F(LivingDisk, ForeignDiskIsSetFreeAndItsVirtualDiskGoes) {
 
 TEST_F(LivingDisk, OfflineDiskWithoutUseIsSetFree) {
     disk(6).offline = true;
-    EXPECT_EQ(0, Set(6, HXSIM_SET_FREE));
+    EXPECT_EQ(0, Set(6, DiskAction::kFree));
     EXPECT_EQ(0x01, StatusOf(6));
 }
 
 TEST_F(LivingDisk, DiskThatServesIsNotSetFree) {
     const std::string before = Everything();
-    ExpectRefused(HXSIM_DISK_IN_USE, Set(0, HXSIM_SET_FREE), before);
-    ExpectRefused(HXSIM_DISK_IN_USE, Set(3, HXSIM_SET_FREE), before);
-    ExpectRefused(HXSIM_WRONG_STATE, Set(5, HXSIM_SET_FREE), before);
+    ExpectRefused(Status::kDiskInUse, Set(0, DiskAction::kFree), before);
+    ExpectRefused(Status::kDiskInUse, Set(3, DiskAction::kFree), before);
+    ExpectRefused(Status::kWrongState, Set(5, DiskAction::kFree), before);
 }
 
 // ---- Wiping ----
 
 TEST_F(LivingDisk, IsWipedWithForceWhileItIsInUse) {
     const std::string before = Everything();
-    ExpectRefused(HXSIM_HOLDS_VIRTUAL_DISKS, Wipe(0, false), before);
-    ExpectRefused(HXSIM_HOLDS_VIRTUAL_DISKS, Wipe(3, false), before);
+    ExpectRefused(Status::kHoldsVirtualDisks, Wipe(0, false), before);
+    ExpectRefused(Status::kHoldsVirtualDisks, Wipe(3, false), before);
     EXPECT_EQ(0, Wipe(0, true));
     EXPECT_EQ("free 0+1000000", BlocksOn(0));
     hxsim::Settle(adapter(), kNow);
-    EXPECT_EQ(HXSIM_STATE_DEGRADED, virtual_disk(0).state);
+    EXPECT_EQ(State::kDegraded, virtual_disk(0).state);
 }
 
 TEST_F(LivingDisk, IsWipedOutOfItsGroup) {
@@ -259,7 +273,7 @@ TEST_F(LivingDisk, IsWipedOutOfItsGroup) {
     EXPECT_EQ(0x01, StatusOf(3));
     EXPECT_EQ(65535, adapter().homes[3].disk);
     hxsim::Settle(adapter(), kNow);
-    EXPECT_EQ(HXSIM_STATE_DEGRADED, virtual_disk(1).state);
+    EXPECT_EQ(State::kDegraded, virtual_disk(1).state);
 }
 
 TEST_F(LivingDisk, IsNoSpareOnceItIsWiped) {
@@ -278,7 +292,7 @@ TEST_F(LivingDisk, IsOursOnceItIsWiped) {
 TEST_F(LivingDisk, ForeignVirtualDiskIsWipedWithForce) {
     BringForeign();
     const std::string before = Everything();
-    ExpectRefused(HXSIM_HOLDS_VIRTUAL_DISKS, Wipe(6, false), before);
+    ExpectRefused(Status::kHoldsVirtualDisks, Wipe(6, false), before);
     EXPECT_EQ(0, Wipe(6, true));
     EXPECT_EQ(nullptr, hxsim::Find(adapter().virtual_disks, 2));
 }
@@ -287,14 +301,14 @@ TEST_F(LivingDisk, IsNotWipedWhileItCannotAnswer) {
     disk(0).present = false;
     disk(6).failed = true;
     const std::string before = Everything();
-    ExpectRefused(HXSIM_NO_DISK, Wipe(99, true), before);
-    ExpectRefused(HXSIM_DISK_NOT_READY, Wipe(0, true), before);
-    ExpectRefused(HXSIM_DISK_NOT_READY, Wipe(6, true), before);
+    ExpectRefused(Status::kNoDisk, Wipe(99, true), before);
+    ExpectRefused(Status::kDiskNotReady, Wipe(0, true), before);
+    ExpectRefused(Status::kDiskNotReady, Wipe(6, true), before);
 }
 
 TEST_F(LivingDisk, RebuildFailsWhoseDiskIsWiped) {
-    hxsim::BlockOf(adapter(), 0, 1)->state = HXSIM_STATE_REBUILDING;
-    Run(HXSIM_ACTIVITY_REBUILD, hxsim::Owner::kVirtualDisk, 0);
+    hxsim::BlockOf(adapter(), 0, 1)->state = State::kRebuilding;
+    Run(ActivityKind::kRebuild, hxsim::Owner::kVirtualDisk, 0);
     EXPECT_EQ(0, Wipe(1, true));
     EXPECT_THAT(adapter().activities, IsEmpty());
     EXPECT_THAT(Events(), ElementsAre("1/77 of 0"));
@@ -327,12 +341,12 @@ TEST_F(LivingDisk, OnlyAFreeDiskBecomesASpareOfTheAdapter) {
     disk(6).offline = true;
     const std::string before = Everything();
     const auto make = [&](HX_U16 id) { return hxsim::MakeGlobalSpare(adapter(), kNow, id); };
-    ExpectRefused(HXSIM_NO_DISK, make(99), before);
-    ExpectRefused(HXSIM_DISK_NOT_READY, make(6), before);
-    ExpectRefused(HXSIM_DISK_IN_USE, make(0), before);
-    ExpectRefused(HXSIM_DISK_IN_USE, make(3), before);
-    ExpectRefused(HXSIM_NO_CHANGE, make(5), before);
-    ExpectRefused(HXSIM_DISK_TAKEN, make(7), before);
+    ExpectRefused(Status::kNoDisk, make(99), before);
+    ExpectRefused(Status::kDiskNotReady, make(6), before);
+    ExpectRefused(Status::kDiskInUse, make(0), before);
+    ExpectRefused(Status::kDiskInUse, make(3), before);
+    ExpectRefused(Status::kNoChange, make(5), before);
+    ExpectRefused(Status::kDiskTaken, make(7), before);
 }
 
 TEST_F(LivingDisk, OnlyAFreeDiskBecomesASpareOfAGroup) {
@@ -341,12 +355,12 @@ TEST_F(LivingDisk, OnlyAFreeDiskBecomesASpareOfAGroup) {
     const auto make = [&](HX_U16 id, HX_U16 group) {
         return hxsim::MakeGroupSpare(adapter(), kNow, id, group);
     };
-    ExpectRefused(HXSIM_NO_DISK, make(99, 0), before);
-    ExpectRefused(HXSIM_NO_DISK_GROUP, make(6, 9), before);
-    ExpectRefused(HXSIM_DISK_NOT_READY, make(6, 0), before);
-    ExpectRefused(HXSIM_DISK_IN_USE, make(0, 0), before);
-    ExpectRefused(HXSIM_DISK_TAKEN, make(5, 0), before);
-    ExpectRefused(HXSIM_NO_CHANGE, make(7, 0), before);
+    ExpectRefused(Status::kNoDisk, make(99, 0), before);
+    ExpectRefused(Status::kNoDiskGroup, make(6, 9), before);
+    ExpectRefused(Status::kDiskNotReady, make(6, 0), before);
+    ExpectRefused(Status::kDiskInUse, make(0, 0), before);
+    ExpectRefused(Status::kDiskTaken, make(5, 0), before);
+    ExpectRefused(Status::kNoChange, make(7, 0), before);
 }
 
 TEST_F(LivingDisk, GroupHasAtMostEightSpares) {
@@ -359,7 +373,7 @@ TEST_F(LivingDisk, GroupHasAtMostEightSpares) {
         ASSERT_EQ(0, hxsim::MakeGroupSpare(adapter(), kNow, id, 0));
     }
     const std::string before = Everything();
-    ExpectRefused(HXSIM_TOO_MANY_SPARES, hxsim::MakeGroupSpare(adapter(), kNow, 6, 0), before);
+    ExpectRefused(Status::kTooManySpares, hxsim::MakeGroupSpare(adapter(), kNow, 6, 0), before);
 }
 
 TEST_F(LivingDisk, GroupKeepsThePlaceOfASpareThatHasSteppedIn) {
@@ -372,7 +386,7 @@ TEST_F(LivingDisk, GroupKeepsThePlaceOfASpareThatHasSteppedIn) {
         hxsim::Insert(adapter().disks, more);
         hxsim::ResetDisk(adapter(), id);
     }
-    EXPECT_EQ(HXSIM_TOO_MANY_SPARES, hxsim::MakeGroupSpare(adapter(), kNow, 6, 0));
+    EXPECT_EQ(Status::kTooManySpares, hxsim::MakeGroupSpare(adapter(), kNow, 6, 0));
     disk(8).spare_before = hxsim::Spare::kNone;
     disk(8).spare_group_before = hxsim::kNoId;
     EXPECT_EQ(HX_SUCCESS, hxsim::MakeGroupSpare(adapter(), kNow, 6, 0));
@@ -380,9 +394,9 @@ TEST_F(LivingDisk, GroupKeepsThePlaceOfASpareThatHasSteppedIn) {
 
 TEST_F(LivingDisk, OnlyASpareIsMadeFree) {
     const std::string before = Everything();
-    ExpectRefused(HXSIM_NO_DISK, hxsim::FreeSpare(adapter(), kNow, 99), before);
-    ExpectRefused(HXSIM_DISK_NOT_SPARE, hxsim::FreeSpare(adapter(), kNow, 6), before);
-    ExpectRefused(HXSIM_DISK_NOT_SPARE, hxsim::FreeSpare(adapter(), kNow, 0), before);
+    ExpectRefused(Status::kNoDisk, hxsim::FreeSpare(adapter(), kNow, 99), before);
+    ExpectRefused(Status::kDiskNotSpare, hxsim::FreeSpare(adapter(), kNow, 6), before);
+    ExpectRefused(Status::kDiskNotSpare, hxsim::FreeSpare(adapter(), kNow, 0), before);
 }
 
 // ---- Hands ----
@@ -415,7 +429,7 @@ TEST_F(LivingDisk, FailedDiskThatIsPutBackHasStillFailed) {
 
 TEST_F(LivingDisk, ReplacementIsEmptyAndAnotherDiskOfTheSameModel) {
     disk(0).failed = disk(0).smart_exceeded = disk(0).has_mbr = disk(0).has_system = true;
-    adapter().remaps.push_back({0, 100, 1, HXSIM_REMAP_READ_ERROR});
+    adapter().remaps.push_back({0, 100, 1, RemapReason::kReadError});
     ASSERT_TRUE(Replace(0));
     EXPECT_EQ(0x01, StatusOf(0));
     EXPECT_EQ("free 0+1000000", BlocksOn(0));
@@ -466,7 +480,7 @@ TEST_F(LivingDisk, ReplacedSpareIsNoSpare) {
 }
 
 TEST_F(LivingDisk, PatrolEndsWithTheDiskThatIsReplaced) {
-    Run(HXSIM_ACTIVITY_MEDIA_PATROL, hxsim::Owner::kDisk, 6);
+    Run(ActivityKind::kMediaPatrol, hxsim::Owner::kDisk, 6);
     ASSERT_TRUE(Replace(6));
     EXPECT_THAT(adapter().activities, IsEmpty());
     EXPECT_THAT(Events(), ElementsAre("2/0 of 6", "2/24 of 6", "2/1 of 6"));
@@ -520,7 +534,7 @@ TEST_F(LivingDisk, SectorThatIsReadIsRemappedAndMadeAgain) {
     ASSERT_TRUE(hxsim::DamageSector(adapter(), kNow, 0, 5000));
     ASSERT_EQ(1u, adapter().remaps.size());
     EXPECT_EQ(5000u, adapter().remaps[0].lba);
-    EXPECT_EQ(HXSIM_REMAP_READ_ERROR, adapter().remaps[0].reason);
+    EXPECT_EQ(RemapReason::kReadError, adapter().remaps[0].reason);
     EXPECT_EQ(0u, virtual_disk(0).errors);
     EXPECT_THAT(EventsWithParams(), ElementsAre("2/4 of 0 0 0 0 0", "2/15 of 0 0 0 0 0",
                                                 "2/37 of 0 0 5000 1 1", "2/6 of 0 0 0 0 0"));
@@ -591,15 +605,15 @@ TEST_F(LivingDisk, PowerCutTellsOfAVirtualDiskThatIsGoneWithAllItsDisks) {
 }
 
 TEST_F(LivingDisk, PowerCutRestartsWhatRanWhereItWas) {
-    Run(HXSIM_ACTIVITY_CHECK, hxsim::Owner::kVirtualDisk, 0).done = 700;
-    Run(HXSIM_ACTIVITY_MEDIA_PATROL, hxsim::Owner::kDisk, 6).state = HXSIM_ACTIVITY_PAUSED;
+    Run(ActivityKind::kCheck, hxsim::Owner::kVirtualDisk, 0).done = 700;
+    Run(ActivityKind::kMediaPatrol, hxsim::Owner::kDisk, 6).state = ActivityState::kPaused;
     hxsim::CutPower(adapter(), kNow);
     EXPECT_THAT(Events(), ElementsAre("0/9 of 0", "1/21 of 0"));
     EXPECT_EQ(700u, adapter().activities[0].done);
 }
 
 TEST_F(LivingDisk, PowerCutLosesWhatIsCachedWithoutABattery) {
-    virtual_disk(0).cache = HXSIM_CACHE_WRITE_BACK;
+    virtual_disk(0).cache = CacheBit::kWriteBack;
     adapter().batteries.clear();
     hxsim::CutPower(adapter(), kNow);
     EXPECT_EQ(1u, virtual_disk(0).errors);
@@ -607,17 +621,17 @@ TEST_F(LivingDisk, PowerCutLosesWhatIsCachedWithoutABattery) {
 }
 
 TEST_F(LivingDisk, PowerCutLosesNothingOfWhatIsNotWrittenAnyMore) {
-    virtual_disk(0).cache = HXSIM_CACHE_WRITE_BACK;
+    virtual_disk(0).cache = CacheBit::kWriteBack;
     adapter().batteries.clear();
     disk(0).present = disk(1).present = false;
     hxsim::Settle(adapter(), kNow);
-    ASSERT_EQ(HXSIM_STATE_OFFLINE, virtual_disk(0).state);
+    ASSERT_EQ(State::kOffline, virtual_disk(0).state);
     hxsim::CutPower(adapter(), kNow);
     EXPECT_EQ(0u, virtual_disk(0).errors);
 }
 
 TEST_F(LivingDisk, PowerCutLosesNothingThatABatteryKeepsOrForbids) {
-    virtual_disk(0).cache = HXSIM_CACHE_WRITE_BACK;
+    virtual_disk(0).cache = CacheBit::kWriteBack;
     hxsim::CutPower(adapter(), kNow);
     EXPECT_EQ(0u, virtual_disk(0).errors);
     ASSERT_TRUE(hxsim::RemoveBattery(adapter(), kNow));
@@ -630,8 +644,8 @@ TEST_F(LivingDisk, PowerCutLosesNothingThatABatteryKeepsOrForbids) {
 // ---- Names ----
 
 TEST_F(LivingDisk, NameSaysWhichDeviceItIs) {
-    EXPECT_EQ(0x50A4858000000000u, hxsim::WorldWideName(HXSIM_DEVICE_ADAPTER, 0, 0, 0));
-    EXPECT_EQ(0x50A4858300050102u, hxsim::WorldWideName(HXSIM_DEVICE_DISK, 1, 5, 2));
+    EXPECT_EQ(0x50A4858000000000u, hxsim::WorldWideName(Device::kAdapter, 0, 0, 0));
+    EXPECT_EQ(0x50A4858300050102u, hxsim::WorldWideName(Device::kDisk, 1, 5, 2));
     EXPECT_EQ(0x50A4858812340100u, hxsim::WorldWideNameOfNewDisk(1, 0x1234));
 }
 

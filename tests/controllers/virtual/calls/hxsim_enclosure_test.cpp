@@ -7,11 +7,13 @@
 #include <string>
 
 #include "calls/hxsim_adapter.h"
+#include "codes/enclosure.h"
 #include "controllers/virtual/support/living_parts.h"
 #include "incidents/hxsim_incident_enclosure.h"
 
 namespace {
 
+using hxcodes::ElementStatus;
 using parts::kAlarm;
 using parts::kFan;
 using parts::kNow;
@@ -42,17 +44,17 @@ protected:
 // ---- Readings ----
 
 TEST_F(LivingEnclosure, SensorIsNoncriticalAboveAndBelowItsWarnings) {
-    EXPECT_EQ(HXSIM_ELEMENT_OK, SetCelsius(50));
-    EXPECT_EQ(HXSIM_ELEMENT_NONCRITICAL, SetCelsius(51));
-    EXPECT_EQ(HXSIM_ELEMENT_OK, SetCelsius(5));
-    EXPECT_EQ(HXSIM_ELEMENT_NONCRITICAL, SetCelsius(4));
+    EXPECT_EQ(ElementStatus::kOk, SetCelsius(50));
+    EXPECT_EQ(ElementStatus::kNoncritical, SetCelsius(51));
+    EXPECT_EQ(ElementStatus::kOk, SetCelsius(5));
+    EXPECT_EQ(ElementStatus::kNoncritical, SetCelsius(4));
 }
 
 TEST_F(LivingEnclosure, SensorIsCriticalAboveAndBelowItsBounds) {
-    EXPECT_EQ(HXSIM_ELEMENT_NONCRITICAL, SetCelsius(60));
-    EXPECT_EQ(HXSIM_ELEMENT_CRITICAL, SetCelsius(61));
-    EXPECT_EQ(HXSIM_ELEMENT_NONCRITICAL, SetCelsius(0));
-    EXPECT_EQ(HXSIM_ELEMENT_CRITICAL, SetCelsius(-1));
+    EXPECT_EQ(ElementStatus::kNoncritical, SetCelsius(60));
+    EXPECT_EQ(ElementStatus::kCritical, SetCelsius(61));
+    EXPECT_EQ(ElementStatus::kNoncritical, SetCelsius(0));
+    EXPECT_EQ(ElementStatus::kCritical, SetCelsius(-1));
 }
 
 TEST_F(LivingEnclosure, SensorReadsTwentyAboveItsTemperature) {
@@ -61,11 +63,11 @@ TEST_F(LivingEnclosure, SensorReadsTwentyAboveItsTemperature) {
 }
 
 TEST_F(LivingEnclosure, FanIsNoncriticalBelowFourFifthsAndCriticalBelowHalfOfItsSpeed) {
-    EXPECT_EQ(HXSIM_ELEMENT_OK, SetSpeed(3200));
-    EXPECT_EQ(HXSIM_ELEMENT_NONCRITICAL, SetSpeed(3199));
-    EXPECT_EQ(HXSIM_ELEMENT_NONCRITICAL, SetSpeed(2000));
-    EXPECT_EQ(HXSIM_ELEMENT_CRITICAL, SetSpeed(1999));
-    EXPECT_EQ(HXSIM_ELEMENT_CRITICAL, SetSpeed(0));
+    EXPECT_EQ(ElementStatus::kOk, SetSpeed(3200));
+    EXPECT_EQ(ElementStatus::kNoncritical, SetSpeed(3199));
+    EXPECT_EQ(ElementStatus::kNoncritical, SetSpeed(2000));
+    EXPECT_EQ(ElementStatus::kCritical, SetSpeed(1999));
+    EXPECT_EQ(ElementStatus::kCritical, SetSpeed(0));
 }
 
 TEST_F(LivingEnclosure, FanHasTheSpeedCodeOfItsSpeed) {
@@ -80,28 +82,28 @@ TEST_F(LivingEnclosure, FanHasTheSpeedCodeOfItsSpeed) {
 }
 
 TEST_F(LivingEnclosure, VoltageIsMeasuredInHalfPercentsOfWhatItShouldBe) {
-    EXPECT_EQ(HXSIM_ELEMENT_OK, StatusOfVoltage(1260));
-    EXPECT_EQ(HXSIM_ELEMENT_NONCRITICAL, StatusOfVoltage(1261));
-    EXPECT_EQ(HXSIM_ELEMENT_NONCRITICAL, StatusOfVoltage(1320));
-    EXPECT_EQ(HXSIM_ELEMENT_CRITICAL, StatusOfVoltage(1321));
-    EXPECT_EQ(HXSIM_ELEMENT_NONCRITICAL, StatusOfVoltage(1139));
-    EXPECT_EQ(HXSIM_ELEMENT_CRITICAL, StatusOfVoltage(1079));
+    EXPECT_EQ(ElementStatus::kOk, StatusOfVoltage(1260));
+    EXPECT_EQ(ElementStatus::kNoncritical, StatusOfVoltage(1261));
+    EXPECT_EQ(ElementStatus::kNoncritical, StatusOfVoltage(1320));
+    EXPECT_EQ(ElementStatus::kCritical, StatusOfVoltage(1321));
+    EXPECT_EQ(ElementStatus::kNoncritical, StatusOfVoltage(1139));
+    EXPECT_EQ(ElementStatus::kCritical, StatusOfVoltage(1079));
 }
 
 TEST_F(LivingEnclosure, ElementWithoutBoundsIsWellWhateverItReads) {
     hxsim::Element sensor;
     sensor.type = HX_ELEMENT_TEMPERATURE;
     sensor.reading = 250;
-    EXPECT_EQ(HXSIM_ELEMENT_OK, hxsim::StatusOf(sensor));
+    EXPECT_EQ(ElementStatus::kOk, hxsim::StatusOf(sensor));
     sensor.type = HX_ELEMENT_VOLTAGE;
-    EXPECT_EQ(HXSIM_ELEMENT_OK, hxsim::StatusOf(sensor));
+    EXPECT_EQ(ElementStatus::kOk, hxsim::StatusOf(sensor));
 }
 
 TEST_F(LivingEnclosure, PowerSupplyWorksOrDoesNot) {
     ASSERT_TRUE(hxsim::SetPowerSupply(adapter(), kNow, 0, kSupply, false));
-    EXPECT_EQ(HXSIM_ELEMENT_CRITICAL, element(kSupply).status);
+    EXPECT_EQ(ElementStatus::kCritical, element(kSupply).status);
     ASSERT_TRUE(hxsim::SetPowerSupply(adapter(), kNow, 0, kSupply, true));
-    EXPECT_EQ(HXSIM_ELEMENT_OK, element(kSupply).status);
+    EXPECT_EQ(ElementStatus::kOk, element(kSupply).status);
 }
 
 // ---- Events ----

@@ -13,10 +13,14 @@
 #include <memory>
 #include <string>
 
+#include "codes/flash.h"
+#include "codes/status.h"
 #include "controllers/virtual/support/living_parts.h"
 
 namespace {
 
+using hxcodes::Image;
+using hxcodes::Status;
 using parts::kNow;
 using testing::ElementsAre;
 
@@ -126,9 +130,9 @@ TEST_F(LivingFlash, ErasedImageIsDamaged) {
 
 TEST_F(LivingFlash, ErasesOnlyImagesThatThereAre) {
     const std::string before = Everything();
-    ExpectRefused(HXSIM_BAD_ACTION, Erase(0), before);
-    ExpectRefused(HXSIM_BAD_ACTION, Erase(77), before);
-    ExpectRefused(HXSIM_NO_IMAGE, Erase(HXSIM_IMAGE_AUTOLOAD), before);
+    ExpectRefused(Status::kBadAction, Erase(0), before);
+    ExpectRefused(Status::kBadAction, Erase(77), before);
+    ExpectRefused(Status::kNoImage, Erase(Image::kAutoload), before);
 }
 
 // ---- Writing ----
@@ -184,7 +188,7 @@ TEST_F(LivingFlash, DamagedImageIsNotHealthyAndNotReadBack) {
     EXPECT_EQ(27, adapter().info.BIOSVersion.BuildNumber);
     EXPECT_THAT(Events(), ElementsAre("10/0 of 1", "10/1 of 1", "10/2 of 1"));
     std::string read;
-    EXPECT_EQ(HXSIM_BAD_IMAGE, Read(kBios, 0, read));
+    EXPECT_EQ(Status::kBadImage, Read(kBios, 0, read));
 }
 
 TEST_F(LivingFlash, ImageOfAnotherAdapterIsDamaged) {
@@ -218,50 +222,50 @@ TEST_F(LivingFlash, TwoMebibytesFitAndNotAByteMore) {
     }
     ASSERT_EQ(0, Write(kFirmware, 63, whole, false));
     const std::string before = Everything();
-    ExpectRefused(HXSIM_BAD_PIECE, Write(kFirmware, 64, "x", true), before);
+    ExpectRefused(Status::kBadPiece, Write(kFirmware, 64, "x", true), before);
 }
 
 // ---- Refusals ----
 
 TEST_F(LivingFlash, IsErasedBeforeItIsWritten) {
     const std::string before = Everything();
-    ExpectRefused(HXSIM_NOT_ERASED, Write(kBios, 0, "x", true), before);
+    ExpectRefused(Status::kNotErased, Write(kBios, 0, "x", true), before);
 }
 
 TEST_F(LivingFlash, TakesPiecesInTheirOrder) {
     ASSERT_EQ(0, Erase(kFirmware));
     std::string before = Everything();
-    ExpectRefused(HXSIM_BAD_PIECE, Write(kFirmware, 1, std::string(32768, 'x'), false), before);
+    ExpectRefused(Status::kBadPiece, Write(kFirmware, 1, std::string(32768, 'x'), false), before);
     ASSERT_EQ(0, Write(kFirmware, 0, std::string(32768, 'x'), false));
     before = Everything();
-    ExpectRefused(HXSIM_BAD_PIECE, Write(kFirmware, 0, std::string(32768, 'x'), false), before);
+    ExpectRefused(Status::kBadPiece, Write(kFirmware, 0, std::string(32768, 'x'), false), before);
 }
 
 TEST_F(LivingFlash, TakesWholePiecesBeforeTheLast) {
     ASSERT_EQ(0, Erase(kFirmware));
     const std::string before = Everything();
-    ExpectRefused(HXSIM_BAD_PIECE, Write(kFirmware, 0, std::string(32767, 'x'), false), before);
-    ExpectRefused(HXSIM_BAD_PIECE, Write(kFirmware, 0, "", true), before);
-    ExpectRefused(HXSIM_BAD_PIECE, Write(kFirmware, 0, std::string(32769, 'x'), true), before);
+    ExpectRefused(Status::kBadPiece, Write(kFirmware, 0, std::string(32767, 'x'), false), before);
+    ExpectRefused(Status::kBadPiece, Write(kFirmware, 0, "", true), before);
+    ExpectRefused(Status::kBadPiece, Write(kFirmware, 0, std::string(32769, 'x'), true), before);
 }
 
 TEST_F(LivingFlash, HasNoImageThatIsErasedOrNeverWasThere) {
     std::string read;
-    EXPECT_EQ(HXSIM_NO_IMAGE, Read(HXSIM_IMAGE_AUTOLOAD, 0, read));
-    EXPECT_EQ(HXSIM_NO_IMAGE, Read(kFirmware, 0, read));  // there, and nobody can read it
-    EXPECT_EQ(HXSIM_NO_IMAGE, Write(HXSIM_IMAGE_AUTOLOAD, 0, "x", true));
+    EXPECT_EQ(Status::kNoImage, Read(Image::kAutoload, 0, read));
+    EXPECT_EQ(Status::kNoImage, Read(kFirmware, 0, read));  // there, and nobody can read it
+    EXPECT_EQ(Status::kNoImage, Write(Image::kAutoload, 0, "x", true));
     ASSERT_EQ(0, Erase(kBios));
-    EXPECT_EQ(HXSIM_NO_IMAGE, Read(kBios, 0, read));
+    EXPECT_EQ(Status::kNoImage, Read(kBios, 0, read));
     ASSERT_EQ(0, Write(kBios, 0, std::string(32768, 'x'), false));
-    EXPECT_EQ(HXSIM_NO_IMAGE, Read(kBios, 0, read));
+    EXPECT_EQ(Status::kNoImage, Read(kBios, 0, read));
 }
 
 TEST_F(LivingFlash, EndsBehindItsLastPiece) {
     std::string read;
     EXPECT_EQ(0, Read(kBios, 1, read));
     EXPECT_EQ(8192u, read.size());
-    EXPECT_EQ(HXSIM_NO_PIECE, Read(kBios, 2, read));
-    EXPECT_EQ(HXSIM_NO_PIECE, Read(kBios, 65535, read));
+    EXPECT_EQ(Status::kNoPiece, Read(kBios, 2, read));
+    EXPECT_EQ(Status::kNoPiece, Read(kBios, 65535, read));
 }
 
 }  // namespace

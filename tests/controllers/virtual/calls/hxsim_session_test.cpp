@@ -10,6 +10,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "codes/state.h"
+#include "codes/status.h"
 #include "hxraid.h"
 #include "store/hxsim_store.h"
 #include "support/child_process.h"
@@ -18,6 +20,9 @@
 
 namespace hxsim {
 namespace {
+
+using hxcodes::State;
+using hxcodes::Status;
 
 class Session : public testing::Test {
 protected:
@@ -56,13 +61,13 @@ protected:
 };
 
 TEST_F(Session, RefusesEveryCallBeforeItIsOpenAndAfterItIsClosed) {
-    EXPECT_EQ(GetInfo(), HXSIM_NOT_INITIALIZED);
+    EXPECT_EQ(GetInfo(), Status::kNotInitialized);
     EXPECT_EQ(HX_Adapter_GetCount(), 0);
     EXPECT_EQ(HX_API_Initialize(), HX_SUCCESS);
     EXPECT_EQ(GetInfo(), HX_SUCCESS);
     EXPECT_EQ(HX_Adapter_GetCount(), 2);
     HX_API_Finalize();
-    EXPECT_EQ(GetInfo(), HXSIM_NOT_INITIALIZED);
+    EXPECT_EQ(GetInfo(), Status::kNotInitialized);
     EXPECT_EQ(HX_Adapter_GetCount(), 0);
 }
 
@@ -76,9 +81,9 @@ TEST_F(Session, MayBeOpenedTwiceAndClosedTwice) {
 
 TEST_F(Session, IsNotOpenWhenTheStateFileCannotBeUsed) {
     root_.Write("/hxsim.db", std::string(5000, 'x'));
-    EXPECT_EQ(HX_API_Initialize(), HXSIM_NO_STATE);
+    EXPECT_EQ(HX_API_Initialize(), Status::kNoState);
     EXPECT_FALSE(IsOpen());
-    EXPECT_EQ(GetInfo(), HXSIM_NOT_INITIALIZED);
+    EXPECT_EQ(GetInfo(), Status::kNotInitialized);
 }
 
 TEST_F(Session, RefusesCallsWhenTheStateFileHasBecomeUnusable) {
@@ -88,16 +93,16 @@ TEST_F(Session, RefusesCallsWhenTheStateFileHasBecomeUnusable) {
         machine.adapters[0].blocks[0].start = 5;
         return true;
     });
-    EXPECT_EQ(GetInfo(), HXSIM_NO_STATE);
-    EXPECT_EQ(Work(HX_SUCCESS), HXSIM_NO_STATE);
+    EXPECT_EQ(GetInfo(), Status::kNoState);
+    EXPECT_EQ(Work(HX_SUCCESS), Status::kNoState);
     EXPECT_EQ(HX_Adapter_GetCount(), 0);
 }
 
 TEST_F(Session, KnowsItsAdapters) {
     OpenWith({});
     EXPECT_EQ(GetInfo(1), HX_SUCCESS);
-    EXPECT_EQ(GetInfo(2), HXSIM_NO_ADAPTER);
-    EXPECT_EQ(GetInfo(HX_ALL_ADAPTERS), HXSIM_NO_ADAPTER);
+    EXPECT_EQ(GetInfo(2), Status::kNoAdapter);
+    EXPECT_EQ(GetInfo(HX_ALL_ADAPTERS), Status::kNoAdapter);
 }
 
 TEST_F(Session, SavesWhatASuccessfulCallChanges) {
@@ -109,7 +114,7 @@ TEST_F(Session, SavesWhatASuccessfulCallChanges) {
 TEST_F(Session, SavesNothingOfARefusedCall) {
     OpenWith({});
     const std::string before = root_.Read("/hxsim.db-wal");
-    EXPECT_EQ(Work(HXSIM_BUSY), HXSIM_BUSY);
+    EXPECT_EQ(Work(Status::kBusy), Status::kBusy);
     EXPECT_FALSE(HasWorked());
     EXPECT_EQ(root_.Read("/hxsim.db-wal"), before);
 }
@@ -121,10 +126,10 @@ TEST_F(Session, CatchesWhatIsThrownAndSavesNothingOfIt) {
                          adapter.disks[11].locate_light = true;
                          throw std::bad_alloc();
                      }),
-              HXSIM_NO_MEMORY);
+              Status::kNoMemory);
     EXPECT_EQ(
         Look("HX_Work", 0, [](const Adapter&, Time) -> HX_U8 { throw std::logic_error("broken"); }),
-        HXSIM_NO_STATE);
+        Status::kNoState);
     EXPECT_FALSE(HasWorked());
 }
 
@@ -138,7 +143,7 @@ TEST_F(Session, DrawsWhatFollowsFromAChange) {
                      }),
               HX_SUCCESS);
     EXPECT_EQ(Store(File(), DefaultMachine).Current().adapters[0].virtual_disks[0].state,
-              HXSIM_STATE_DEGRADED);
+              State::kDegraded);
 }
 
 TEST_F(Session, GoesOnInAForkedChild) {

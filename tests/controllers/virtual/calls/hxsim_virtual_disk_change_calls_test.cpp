@@ -7,13 +7,18 @@
 #include <cstring>
 #include <vector>
 
-#include "codes/hxraid_codes.h"
+#include "codes/activity.h"
+#include "codes/state.h"
+#include "codes/status.h"
 #include "controllers/virtual/support/living_machine.h"
 #include "controllers/virtual/support/simulator_lists.h"
 #include "hxraid.h"
 
 namespace {
 
+using hxcodes::ActivityKind;
+using hxcodes::State;
+using hxcodes::Status;
 using testing::ElementsAre;
 
 // Adapter 0 has disk group 0 (RAID 5 of disks 0 to 3) with virtual disk 0, virtual disk 2 (RAID 6
@@ -40,10 +45,10 @@ TEST_F(LivingCalls, MakeListAndDeleteAVirtualDisk) {
     LD_Info alone;
     ASSERT_EQ(0, HX_LD_GetTargetLDInfo(0, 1, &alone));
     EXPECT_EQ(0, std::memcmp(&listed, &alone, sizeof alone));
-    EXPECT_EQ(HXSIM_STATE_OPTIMAL, TheOne(HX_LD_GetStatus, 0, 1).Status);
+    EXPECT_EQ(State::kOptimal, TheOne(HX_LD_GetStatus, 0, 1).Status);
     ASSERT_EQ(0, HX_LD_Delete(0, 1, 1));
     EXPECT_EQ(2u, All(HX_LD_GetInfo, 0).size());
-    EXPECT_EQ(HXSIM_NO_VIRTUAL_DISK, HX_LD_Delete(0, 1, 1));
+    EXPECT_EQ(Status::kNoVirtualDisk, HX_LD_Delete(0, 1, 1));
 }
 
 TEST_F(LivingCalls, SizeAVirtualDiskAndMakeItSo) {
@@ -62,7 +67,7 @@ TEST_F(LivingCalls, SetAVirtualDisk) {
     ASSERT_EQ(0, HX_LD_SetConfig(0, 2, &config));
     EXPECT_STREQ("OTHER", TheOne(HX_LD_GetConfig, 0, 2).Name);
     EXPECT_EQ(0, TheOne(HX_LD_GetConfig, 0, 2).AutoRebuildOn);
-    EXPECT_EQ(HXSIM_NO_VIRTUAL_DISK, HX_LD_SetConfig(0, 1, &config));
+    EXPECT_EQ(Status::kNoVirtualDisk, HX_LD_SetConfig(0, 1, &config));
 }
 
 TEST_F(LivingCalls, MoveAVirtualDisk) {
@@ -73,13 +78,13 @@ TEST_F(LivingCalls, MoveAVirtualDisk) {
     EXPECT_EQ(8589934592u, sized.Size.value);  // four times 1 TiB
     ASSERT_EQ(0, HX_LD_StartMigration(0, &param));
     EXPECT_EQ(6442450944u, param.Size.value);
-    EXPECT_EQ(HXSIM_ACTIVITY_MIGRATION, TheOne(HX_LD_GetStatus, 0, 2).Bga);
-    EXPECT_EQ(HXSIM_BUSY, HX_LD_StartMigration(0, &param));
+    EXPECT_EQ(ActivityKind::kMigration, TheOne(HX_LD_GetStatus, 0, 2).Bga);
+    EXPECT_EQ(Status::kBusy, HX_LD_StartMigration(0, &param));
 }
 
 TEST_F(LivingCalls, ImportOnlyWhatIsForeign) {
-    EXPECT_EQ(HXSIM_NOT_FOREIGN, HX_LD_Import(0, 2));
-    EXPECT_EQ(HXSIM_NO_VIRTUAL_DISK, HX_LD_Import(0, 1));
+    EXPECT_EQ(Status::kNotForeign, HX_LD_Import(0, 2));
+    EXPECT_EQ(Status::kNoVirtualDisk, HX_LD_Import(0, 1));
 }
 
 TEST_F(LivingCalls, MakeAndDeleteADiskGroupWithAVirtualDisk) {
@@ -96,7 +101,7 @@ TEST_F(LivingCalls, MakeAndDeleteADiskGroupWithAVirtualDisk) {
     ASSERT_EQ(0, HX_DG_Delete(0, 1));
     EXPECT_EQ(1u, All(HX_DG_GetInfo, 0).size());
     EXPECT_EQ(2u, All(HX_LD_GetInfo, 0).size());
-    EXPECT_EQ(HXSIM_NO_DISK_GROUP, HX_DG_Delete(0, 1));
+    EXPECT_EQ(Status::kNoDiskGroup, HX_DG_Delete(0, 1));
 }
 
 TEST_F(LivingCalls, SetADiskGroup) {
@@ -104,54 +109,54 @@ TEST_F(LivingCalls, SetADiskGroup) {
     config.WriteCacheOn = 1;
     ASSERT_EQ(0, HX_DG_SetConfig(0, 0, &config));
     EXPECT_EQ(1, TheOne(HX_DG_GetConfig, 0, 0).WriteCacheOn);
-    EXPECT_EQ(HXSIM_NO_DISK_GROUP, HX_DG_SetConfig(0, 1, &config));
+    EXPECT_EQ(Status::kNoDiskGroup, HX_DG_SetConfig(0, 1, &config));
 }
 
 TEST_F(LivingCalls, MoveADiskGroup) {
     CreateOrModify_DG_Param param = GroupOn(0, 0x05, {0, 1, 2, 3, 11});
     ASSERT_EQ(0, HX_DG_StartMigration(0, &param));
     EXPECT_EQ(4688231424u, param.Size.value);
-    EXPECT_EQ(HXSIM_ACTIVITY_MIGRATION, TheOne(HX_DG_GetInfo, 0, 0).BgaType);
-    EXPECT_EQ(HXSIM_BUSY, HX_DG_StartMigration(0, &param));
+    EXPECT_EQ(ActivityKind::kMigration, TheOne(HX_DG_GetInfo, 0, 0).BgaType);
+    EXPECT_EQ(Status::kBusy, HX_DG_StartMigration(0, &param));
 }
 
 TEST_F(LivingCalls, HaveNoDiskGroupsOnTheSmallAdapter) {
     CreateOrModify_DG_Param group = GroupOn(HX_NEW_ID, 0x05, {3, 4, 5});
-    EXPECT_EQ(HXSIM_NOT_SUPPORTED, HX_CreateOrModify_DG(1, &group, 0));
-    EXPECT_EQ(HXSIM_NOT_SUPPORTED, HX_CreateOrModify_DG(1, &group, 1));
+    EXPECT_EQ(Status::kNotSupported, HX_CreateOrModify_DG(1, &group, 0));
+    EXPECT_EQ(Status::kNotSupported, HX_CreateOrModify_DG(1, &group, 1));
     CreateOrModify_VD_Param slot = InSlot(0, 0x05, 0);
-    EXPECT_EQ(HXSIM_NOT_SUPPORTED, HX_CreateOrModify_VD(1, &slot));
-    EXPECT_EQ(HXSIM_NO_DISK_GROUP, HX_DG_StartMigration(1, &group));
+    EXPECT_EQ(Status::kNotSupported, HX_CreateOrModify_VD(1, &slot));
+    EXPECT_EQ(Status::kNoDiskGroup, HX_DG_StartMigration(1, &group));
     EXPECT_EQ(0u, All(HX_DG_GetInfo, 1).size());
 }
 
 TEST_F(LivingCalls, NeedAnAddress) {
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_LD_GetInfo(0, nullptr));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_LD_GetTargetLDInfo(0, 0, nullptr));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_LD_GetStatus(0, nullptr));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_LD_GetConfig(0, nullptr));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_LD_SetConfig(0, 0, nullptr));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_LD_Create(0, nullptr));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_LD_GetMaxSize(0, nullptr));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_LD_StartMigration(0, nullptr));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_LD_GetMigratedLdSize(0, nullptr));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_CreateOrModify_VD(0, nullptr));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_DG_GetInfo(0, nullptr));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_DG_GetConfig(0, nullptr));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_DG_SetConfig(0, 0, nullptr));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_CreateOrModify_DG(0, nullptr, 0));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_CreateOrModify_DG(0, nullptr, 1));
-    EXPECT_EQ(HXSIM_NULL_ADDRESS, HX_DG_StartMigration(0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_LD_GetInfo(0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_LD_GetTargetLDInfo(0, 0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_LD_GetStatus(0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_LD_GetConfig(0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_LD_SetConfig(0, 0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_LD_Create(0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_LD_GetMaxSize(0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_LD_StartMigration(0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_LD_GetMigratedLdSize(0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_CreateOrModify_VD(0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_DG_GetInfo(0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_DG_GetConfig(0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_DG_SetConfig(0, 0, nullptr));
+    EXPECT_EQ(Status::kNullAddress, HX_CreateOrModify_DG(0, nullptr, 0));
+    EXPECT_EQ(Status::kNullAddress, HX_CreateOrModify_DG(0, nullptr, 1));
+    EXPECT_EQ(Status::kNullAddress, HX_DG_StartMigration(0, nullptr));
 }
 
 TEST_F(LivingCalls, NeedAnAdapter) {
     Create_LD_Param param = WantedOn(0x05, {11, 12, 13});
     CreateOrModify_DG_Param group = GroupOn(HX_NEW_ID, 0x05, {11, 12, 13});
-    EXPECT_EQ(HXSIM_NO_ADAPTER, HX_LD_Create(2, &param));
-    EXPECT_EQ(HXSIM_NO_ADAPTER, HX_LD_GetMaxSize(2, &param));
-    EXPECT_EQ(HXSIM_NO_ADAPTER, HX_LD_Delete(2, 0, 0));
-    EXPECT_EQ(HXSIM_NO_ADAPTER, HX_CreateOrModify_DG(2, &group, 0));
-    EXPECT_EQ(HXSIM_NO_ADAPTER, HX_DG_Delete(255, 0));
+    EXPECT_EQ(Status::kNoAdapter, HX_LD_Create(2, &param));
+    EXPECT_EQ(Status::kNoAdapter, HX_LD_GetMaxSize(2, &param));
+    EXPECT_EQ(Status::kNoAdapter, HX_LD_Delete(2, 0, 0));
+    EXPECT_EQ(Status::kNoAdapter, HX_CreateOrModify_DG(2, &group, 0));
+    EXPECT_EQ(Status::kNoAdapter, HX_DG_Delete(255, 0));
 }
 
 }  // namespace

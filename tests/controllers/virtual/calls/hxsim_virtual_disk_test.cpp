@@ -11,6 +11,10 @@
 #include <string>
 
 #include "calls/hxsim_activity_control.h"
+#include "codes/activity.h"
+#include "codes/state.h"
+#include "codes/status.h"
+#include "codes/virtual_disk.h"
 #include "controllers/virtual/support/living_machine.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_disk_role.h"
@@ -23,6 +27,14 @@
 namespace hxsim {
 namespace {
 
+using hxcodes::ActivityKind;
+using hxcodes::ActivityState;
+using hxcodes::CacheBit;
+using hxcodes::ControlAction;
+using hxcodes::Init;
+using hxcodes::Rounding;
+using hxcodes::State;
+using hxcodes::Status;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -131,8 +143,8 @@ TEST_F(LivingVirtualDisk, TakesNoMoreThanTheSizeThatIsAskedFor) {
 }
 
 TEST_F(LivingVirtualDisk, CanHaveAllThatFitsAndNotASectorMore) {
-    EXPECT_EQ(HXSIM_NO_SPACE, Refusal(WantedOn(0x00, {0, 1}, 1999873)));
-    EXPECT_EQ(HXSIM_NO_SPACE, Refusal(WantedOn(0x01, {0, 1}, UINT64_MAX)));
+    EXPECT_EQ(Status::kNoSpace, Refusal(WantedOn(0x00, {0, 1}, 1999873)));
+    EXPECT_EQ(Status::kNoSpace, Refusal(WantedOn(0x01, {0, 1}, UINT64_MAX)));
     EXPECT_EQ(1999872u, Made(WantedOn(0x00, {0, 1}, 1999872)).Size.value);
 }
 
@@ -140,7 +152,7 @@ TEST_F(LivingVirtualDisk, IsRoundedDownToGibibytes) {
     // 5000000 sectors are 2.38 GiB; two of them are 4194304 sectors, 32768 stripes of 64 KiB.
     AddDisk(20, 5000000);
     Create_LD_Param param = WantedOn(0x00, {20});
-    param.RoundingScheme = HXSIM_ROUND_TO_1_GIB;
+    param.RoundingScheme = Rounding::kTo1GiB;
     EXPECT_EQ(4194304u, Made(param).Size.value);
     EXPECT_EQ("vd0.0 0+4194304, free 4194304+805696", BlocksOn(20));
 }
@@ -148,18 +160,18 @@ TEST_F(LivingVirtualDisk, IsRoundedDownToGibibytes) {
 TEST_F(LivingVirtualDisk, RoundsWhatIsAskedForDownAsWell) {
     AddDisk(20, 5000000);
     Create_LD_Param param = WantedOn(0x00, {20}, 3000000);  // 1.43 GiB
-    param.RoundingScheme = HXSIM_ROUND_TO_1_GIB;
+    param.RoundingScheme = Rounding::kTo1GiB;
     EXPECT_EQ(2097152u, Made(param).Size.value);
 }
 
 TEST_F(LivingVirtualDisk, OfLessThanItIsRoundedToIsRefused) {
     AddDisk(20, 5000000);
     Create_LD_Param param = WantedOn(0x00, {20}, 2000000);
-    param.RoundingScheme = HXSIM_ROUND_TO_1_GIB;
-    EXPECT_EQ(HXSIM_BAD_VALUE, Refusal(param));
+    param.RoundingScheme = Rounding::kTo1GiB;
+    EXPECT_EQ(Status::kBadValue, Refusal(param));
     param.Size.value = 0;
-    param.RoundingScheme = HXSIM_ROUND_TO_10_GIB;
-    EXPECT_EQ(HXSIM_NO_SPACE, Refusal(param));
+    param.RoundingScheme = Rounding::kTo10GiB;
+    EXPECT_EQ(Status::kNoSpace, Refusal(param));
 }
 
 TEST_F(LivingVirtualDisk, LiesWhereTheFirstRunIsLongEnough) {
@@ -209,9 +221,9 @@ TEST_F(LivingVirtualDisk, HasTheFirstFreeNumber) {
 }
 
 TEST_F(LivingVirtualDisk, IsInitialisedAsAskedFor) {
-    const HX_U8 kinds[][2] = {{HXSIM_INIT_QUICK, HXSIM_ACTIVITY_INIT_QUICK},
-                              {HXSIM_INIT_FOREGROUND, HXSIM_ACTIVITY_INIT_FORE},
-                              {HXSIM_INIT_BACKGROUND, HXSIM_ACTIVITY_INIT_BACK}};
+    const HX_U8 kinds[][2] = {{Init::kQuick, ActivityKind::kInitQuick},
+                              {Init::kForeground, ActivityKind::kInitForeground},
+                              {Init::kBackground, ActivityKind::kInitBackground}};
     for (const auto& [option, kind] : kinds) {
         Create_LD_Param param = WantedOn(0x05, {0, 1, 2}, 25600);
         param.InitializationOption = option;
@@ -255,8 +267,8 @@ TEST_P(QuickLivingVirtualDisk, IsMade) {
     for (HX_U16 id = 0; id < GetParam().disks; ++id) disks.push_back(id);
     Create_LD_Param param = WantedOn(GetParam().level, disks);
     param.StripeBlockSize = 64;
-    param.CachePolicy = HXSIM_CACHE_READ_AHEAD;
-    param.InitializationOption = HXSIM_INIT_QUICK;
+    param.CachePolicy = CacheBit::kReadAhead;
+    param.InitializationOption = Init::kQuick;
     param.NumParityDisk = GetParam().level == 0x60 ? 4 : 2;
     std::strcpy(param.Name, "NEW_VD");
     EXPECT_EQ(GetParam().sectors, Made(param).Size.value);
@@ -277,7 +289,7 @@ TEST_F(LivingVirtualDisk, IsDescribed) {
     const LD_Info info = DescribeVirtualDisk(adapter(), VirtualDiskOf(0));
     EXPECT_EQ(0, info.ID);
     EXPECT_EQ(255, info.DGID);
-    EXPECT_EQ(HXSIM_STATE_OPTIMAL, info.Status);
+    EXPECT_EQ(State::kOptimal, info.Status);
     EXPECT_EQ(0, info.BGAStatus);
     EXPECT_EQ(64, info.StripeBlockSize);
     EXPECT_EQ(0x60, info.RaidMode);
@@ -299,18 +311,19 @@ TEST_F(LivingVirtualDisk, HasNoBlockWhereADiskIsLost) {
     Settle(adapter(), kNow);
     const LD_Info info = DescribeVirtualDisk(adapter(), VirtualDiskOf(0));
     EXPECT_THAT(Ids(info.BlockIDs, info.BlockIDs + 3), ElementsAre(0, 65535, 2));
-    EXPECT_EQ(HXSIM_STATE_DEGRADED, info.Status);
+    EXPECT_EQ(State::kDegraded, info.Status);
 }
 
 TEST_F(LivingVirtualDisk, TellsWhatItIsDoing) {
     Create_LD_Param param = WantedOn(0x00, {0}, 409600);
-    param.InitializationOption = HXSIM_INIT_BACKGROUND;
+    param.InitializationOption = Init::kBackground;
     Made(param);  // 204800 sectors a second
     const LD_Status status = DescribeStatus(adapter(), VirtualDiskOf(0), kNow + 500);
-    EXPECT_EQ(HXSIM_ACTIVITY_INIT_BACK, status.Bga);
+    EXPECT_EQ(ActivityKind::kInitBackground, status.Bga);
     EXPECT_EQ(25, status.BgaPercentage);
-    EXPECT_EQ(HXSIM_ACTIVITY_RUNNING, status.BgaState);
-    EXPECT_EQ(HXSIM_ACTIVITY_INIT_BACK, DescribeVirtualDisk(adapter(), VirtualDiskOf(0)).BGAStatus);
+    EXPECT_EQ(ActivityState::kRunning, status.BgaState);
+    EXPECT_EQ(ActivityKind::kInitBackground,
+              DescribeVirtualDisk(adapter(), VirtualDiskOf(0)).BGAStatus);
     Finish();
     const LD_Status idle = DescribeStatus(adapter(), VirtualDiskOf(0), kNow);
     EXPECT_EQ(0, idle.Bga);
@@ -348,95 +361,99 @@ void PrintTo(const RefusedCase& each, std::ostream* out) { *out << each.name; }
 Disk& DiskIn(Adapter& adapter, HX_U16 id) { return *Find(adapter.disks, id); }
 
 const RefusedCase kRefused[] = {
-    {"LevelThatIsNone", HXSIM_BAD_LEVEL, 0x07, {0, 1, 2}},
+    {"LevelThatIsNone", Status::kBadLevel, 0x07, {0, 1, 2}},
     {"LevelThatTheAdapterLacks",
-     HXSIM_BAD_LEVEL,
+     Status::kBadLevel,
      0x11,
      {0, 1, 2},
      [](auto&, auto& a) { a.info.LogicalDriverMode = 0x0177; }},
     {"StripeThatIsTooLarge",
-     HXSIM_BAD_STRIPE_SIZE,
+     Status::kBadStripeSize,
      0x00,
      {0},
      [](auto& p, auto&) { p.StripeBlockSize = 512; }},
     {"StripeThatIsNoPowerOfTwo",
-     HXSIM_BAD_STRIPE_SIZE,
+     Status::kBadStripeSize,
      0x00,
      {0},
      [](auto& p, auto&) { p.StripeBlockSize = 48; }},
     {"RoundingThatIsNone",
-     HXSIM_BAD_ROUNDING,
+     Status::kBadRounding,
      0x00,
      {0},
      [](auto& p, auto&) { p.RoundingScheme = 3; }},
-    {"NoDisks", HXSIM_BAD_DISK_COUNT, 0x00, {}},
-    {"EvenDisksOfRaid1e", HXSIM_BAD_DISK_COUNT, 0x11, {0, 1, 2, 3}},
+    {"NoDisks", Status::kBadDiskCount, 0x00, {}},
+    {"EvenDisksOfRaid1e", Status::kBadDiskCount, 0x11, {0, 1, 2, 3}},
     {"MoreDisksThanTheRecordHolds",
-     HXSIM_BAD_DISK_COUNT,
+     Status::kBadDiskCount,
      0x00,
      {0},
      [](auto& p, auto&) { p.HDCount = 129; }},
     {"MoreDisksThanTheAdapterJoins",
-     HXSIM_BAD_DISK_COUNT,
+     Status::kBadDiskCount,
      0x00,
      {0, 1, 2},
      [](auto&, auto& a) { a.info.MaxPDPerVD = 2; }},
     {"MoreParityThanTheAdapterKeeps",
-     HXSIM_BAD_DISK_COUNT,
+     Status::kBadDiskCount,
      0x60,
      {0, 1, 2, 3, 4, 5},
      [](auto&, auto& a) { a.info.MaxParityDisks = 3; }},
-    {"DiskThatIsNotThere", HXSIM_NO_DISK, 0x00, {0, 99}},
-    {"DiskTwice", HXSIM_DISK_REPEATED, 0x00, {0, 1, 0}},
+    {"DiskThatIsNotThere", Status::kNoDisk, 0x00, {0, 99}},
+    {"DiskTwice", Status::kDiskRepeated, 0x00, {0, 1, 0}},
     {"FailedDisk",
-     HXSIM_DISK_NOT_READY,
+     Status::kDiskNotReady,
      0x00,
      {0, 1},
      [](auto&, auto& a) { DiskIn(a, 1).failed = true; }},
     {"MissingDisk",
-     HXSIM_DISK_NOT_READY,
+     Status::kDiskNotReady,
      0x00,
      {0, 1},
      [](auto&, auto& a) { DiskIn(a, 1).present = false; }},
     {"OfflineDisk",
-     HXSIM_DISK_NOT_READY,
+     Status::kDiskNotReady,
      0x00,
      {0, 1},
      [](auto&, auto& a) { DiskIn(a, 1).offline = true; }},
     {"ForeignDisk",
-     HXSIM_DISK_NOT_READY,
+     Status::kDiskNotReady,
      0x00,
      {0, 1},
      [](auto&, auto& a) { DiskIn(a, 1).foreign = true; }},
     {"Spare",
-     HXSIM_DISK_TAKEN,
+     Status::kDiskTaken,
      0x00,
      {0, 1},
      [](auto&, auto& a) { DiskIn(a, 1).spare = Spare::kGlobal; }},
     {"DiskWithASystem",
-     HXSIM_HOLDS_SYSTEM,
+     Status::kHoldsSystem,
      0x00,
      {0, 1},
      [](auto&, auto& a) { DiskIn(a, 1).has_system = true; }},
     {"OneMoreThanTheAdapterHas",
-     HXSIM_TOO_MANY_VIRTUAL_DISKS,
+     Status::kTooManyVirtualDisks,
      0x00,
      {0, 1},
      [](auto&, auto& a) { a.info.MaxLogicalDrive = 0; }},
     {"OneBlockMoreThanADiskHas",
-     HXSIM_TOO_MANY_BLOCKS,
+     Status::kTooManyBlocks,
      0x00,
      {0},
      [](auto&, auto& a) { a.info.MaxBlockPerPD = 1; }},
-    {"CacheThatIsNone", HXSIM_BAD_VALUE, 0x00, {0}, [](auto& p, auto&) { p.CachePolicy = 0x02; }},
-    {"SectorsOfThree", HXSIM_BAD_VALUE, 0x00, {0}, [](auto& p, auto&) { p.SectorCoefficient = 3; }},
+    {"CacheThatIsNone", Status::kBadValue, 0x00, {0}, [](auto& p, auto&) { p.CachePolicy = 0x02; }},
+    {"SectorsOfThree",
+     Status::kBadValue,
+     0x00,
+     {0},
+     [](auto& p, auto&) { p.SectorCoefficient = 3; }},
     {"SectorsOfSixteen",
-     HXSIM_BAD_VALUE,
+     Status::kBadValue,
      0x00,
      {0},
      [](auto& p, auto&) { p.SectorCoefficient = 16; }},
     {"InitialisationThatIsNone",
-     HXSIM_BAD_ACTION,
+     Status::kBadAction,
      0x00,
      {0},
      [](auto& p, auto&) { p.InitializationOption = 4; }},
@@ -458,8 +475,8 @@ INSTANTIATE_TEST_SUITE_P(Each, RefusedLivingVirtualDisk, testing::ValuesIn(kRefu
 
 TEST_F(LivingVirtualDisk, IsNotMadeOfLessThanAStripe) {
     Made(WantedOn(0x00, {0}));  // 64 sectors are left
-    EXPECT_EQ(HXSIM_NO_SPACE, Refusal(WantedOn(0x00, {0})));
-    EXPECT_EQ(HXSIM_NO_SPACE, Refusal(WantedOn(0x00, {0, 1})));
+    EXPECT_EQ(Status::kNoSpace, Refusal(WantedOn(0x00, {0})));
+    EXPECT_EQ(Status::kNoSpace, Refusal(WantedOn(0x00, {0, 1})));
 }
 
 TEST_F(LivingVirtualDisk, IsNotMadeOnDisksOfADiskGroup) {
@@ -467,7 +484,7 @@ TEST_F(LivingVirtualDisk, IsNotMadeOnDisksOfADiskGroup) {
     adapter().disk_groups[0].level = 0x01;
     adapter().disk_groups[0].width = 2;
     adapter().homes = {{Owner::kDiskGroup, 0, 0, 3, 3}, {Owner::kDiskGroup, 0, 1, 4, 4}};
-    EXPECT_EQ(HXSIM_DISK_TAKEN, Refusal(WantedOn(0x00, {2, 3})));
+    EXPECT_EQ(Status::kDiskTaken, Refusal(WantedOn(0x00, {2, 3})));
 }
 
 // ---- Settings ----
@@ -501,8 +518,8 @@ TEST_F(LivingVirtualDisk, TellsNothingOfACacheThatStaysAsItIs) {
 TEST_F(LivingVirtualDisk, IsNotSetToWhatIsNone) {
     Made(WantedOn(0x00, {0}));
     const std::string before = Everything();
-    EXPECT_EQ(HXSIM_NO_VIRTUAL_DISK, SetVirtualDisk(adapter(), kNow, 1, Settings("X", 0, 1)));
-    EXPECT_EQ(HXSIM_BAD_VALUE, SetVirtualDisk(adapter(), kNow, 0, Settings("X", 0x10, 1)));
+    EXPECT_EQ(Status::kNoVirtualDisk, SetVirtualDisk(adapter(), kNow, 1, Settings("X", 0, 1)));
+    EXPECT_EQ(Status::kBadValue, SetVirtualDisk(adapter(), kNow, 0, Settings("X", 0x10, 1)));
     EXPECT_EQ(before, Everything());
 }
 
@@ -530,7 +547,7 @@ TEST_F(LivingVirtualDisk, TakesTheMasterBootRecordsWithIt) {
 
 TEST_F(LivingVirtualDisk, AbortsWhatGoesOnWhenItIsDeleted) {
     Create_LD_Param param = WantedOn(0x05, {0, 1, 2});
-    param.InitializationOption = HXSIM_INIT_FOREGROUND;
+    param.InitializationOption = Init::kForeground;
     Made(param);
     adapter().events.clear();
     EXPECT_EQ(HX_SUCCESS, DeleteVirtualDisk(adapter(), kNow, 0, false));
@@ -539,7 +556,7 @@ TEST_F(LivingVirtualDisk, AbortsWhatGoesOnWhenItIsDeleted) {
 }
 
 TEST_F(LivingVirtualDisk, ThatIsNotThereIsNotDeleted) {
-    EXPECT_EQ(HXSIM_NO_VIRTUAL_DISK, DeleteVirtualDisk(adapter(), kNow, 0, false));
+    EXPECT_EQ(Status::kNoVirtualDisk, DeleteVirtualDisk(adapter(), kNow, 0, false));
 }
 
 TEST_F(LivingVirtualDisk, GivesASpareThatSteppedInBack) {
@@ -566,26 +583,26 @@ protected:
 };
 
 TEST_F(LivingForeign, IsTakenOverWithItsDisks) {
-    EXPECT_EQ(HXSIM_STATE_FOREIGN, StateOf(adapter(), VirtualDiskOf(0)));
+    EXPECT_EQ(State::kForeign, StateOf(adapter(), VirtualDiskOf(0)));
     EXPECT_EQ(HX_SUCCESS, ImportVirtualDisk(adapter(), kNow, 0));
     EXPECT_FALSE(VirtualDiskOf(0).foreign);
     EXPECT_FALSE(DiskOf(4).foreign);
     EXPECT_FALSE(DiskOf(5).foreign);
-    EXPECT_EQ(HXSIM_STATE_OPTIMAL, StateOf(adapter(), VirtualDiskOf(0)));
+    EXPECT_EQ(State::kOptimal, StateOf(adapter(), VirtualDiskOf(0)));
     EXPECT_THAT(Events(), ElementsAre("1/9 of 0"));
 }
 
 TEST_F(LivingForeign, IsNotTakenOverTwice) {
     EXPECT_EQ(HX_SUCCESS, ImportVirtualDisk(adapter(), kNow, 0));
-    EXPECT_EQ(HXSIM_NOT_FOREIGN, ImportVirtualDisk(adapter(), kNow, 0));
-    EXPECT_EQ(HXSIM_NO_VIRTUAL_DISK, ImportVirtualDisk(adapter(), kNow, 1));
+    EXPECT_EQ(Status::kNotForeign, ImportVirtualDisk(adapter(), kNow, 0));
+    EXPECT_EQ(Status::kNoVirtualDisk, ImportVirtualDisk(adapter(), kNow, 1));
 }
 
 TEST_F(LivingForeign, IsNotSetMovedOrDeletedBefore) {
     const std::string before = Everything();
-    EXPECT_EQ(HXSIM_WRONG_STATE, SetVirtualDisk(adapter(), kNow, 0, Settings("X", 0, 1)));
-    EXPECT_EQ(HXSIM_WRONG_STATE, DeleteVirtualDisk(adapter(), kNow, 0, false));
-    EXPECT_EQ(HXSIM_WRONG_STATE, RefusedMove(MovedTo(0, 0x00, {4, 5})));
+    EXPECT_EQ(Status::kWrongState, SetVirtualDisk(adapter(), kNow, 0, Settings("X", 0, 1)));
+    EXPECT_EQ(Status::kWrongState, DeleteVirtualDisk(adapter(), kNow, 0, false));
+    EXPECT_EQ(Status::kWrongState, RefusedMove(MovedTo(0, 0x00, {4, 5})));
     EXPECT_EQ(before, Everything());
 }
 
@@ -654,7 +671,7 @@ TEST_F(LivingVirtualDisk, GrowsByMigrationAsFarAsWasSaidBefore) {
     Made(WantedOn(0x00, {0}));  // takes what else there is on disk 0
     const Create_LD_Param wider = MovedTo(0, 0x05, {0, 1, 2, 3});
     EXPECT_EQ(1536u, MostAfterMove(wider));
-    EXPECT_EQ(HXSIM_NO_SPACE, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 3}, 1537)));
+    EXPECT_EQ(Status::kNoSpace, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 3}, 1537)));
     EXPECT_EQ(HX_SUCCESS, Move(MovedTo(0, 0x05, {0, 1, 2, 3}, 1536)));
     Finish();
     EXPECT_EQ(1536u, VirtualDiskOf(0).size);
@@ -687,7 +704,7 @@ TEST_F(LivingVirtualDisk, ReturnsToWhatItWasWhenAMigrationIsAborted) {
     Made(WantedOn(0x05, {0, 1, 2}, 1024));
     adapter().events.clear();
     EXPECT_EQ(HX_SUCCESS, Move(MovedTo(0, 0x06, {0, 1, 2, 3})));
-    EXPECT_EQ(HX_SUCCESS, Control(adapter(), kNow, Owner::kVirtualDisk, 0, HXSIM_CONTROL_ABORT));
+    EXPECT_EQ(HX_SUCCESS, Control(adapter(), kNow, Owner::kVirtualDisk, 0, ControlAction::kAbort));
     EXPECT_EQ("free 0+1000000", BlocksOn(3));
     EXPECT_EQ("vd0.0 0+512, free 512+999488", BlocksOn(0));
     EXPECT_EQ(0x05, VirtualDiskOf(0).level);
@@ -708,7 +725,7 @@ TEST_F(LivingVirtualDisk, KeepsABlockFreeForTheEndThatAMigrationWillGiveBack) {
     Made(WantedOn(0x05, {0, 1, 2}, 1536));
     Made(WantedOn(0x00, {0}, 128));
     EXPECT_EQ(HX_SUCCESS, Move(MovedTo(0, 0x05, {0, 1, 2, 3})));
-    EXPECT_EQ(HXSIM_TOO_MANY_BLOCKS, Refusal(WantedOn(0x00, {0}, 128)));
+    EXPECT_EQ(Status::kTooManyBlocks, Refusal(WantedOn(0x00, {0}, 128)));
     Finish();
     EXPECT_EQ("vd0.0 0+512, free 512+256, vd1.0 768+128, free 896+999104", BlocksOn(0));
 }
@@ -717,8 +734,8 @@ TEST_F(LivingVirtualDisk, DoesNotMoveWhereTooManyBlocksAre) {
     adapter().info.MaxBlockPerPD = 3;
     Made(WantedOn(0x05, {0, 1, 2}, 1536));
     Made(WantedOn(0x00, {0}, 128));
-    EXPECT_EQ(HXSIM_TOO_MANY_BLOCKS, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 3})));
-    EXPECT_EQ(HXSIM_TOO_MANY_BLOCKS, RefusedMove(MovedTo(0, 0x06, {0, 1, 2})));
+    EXPECT_EQ(Status::kTooManyBlocks, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 3})));
+    EXPECT_EQ(Status::kTooManyBlocks, RefusedMove(MovedTo(0, 0x06, {0, 1, 2})));
 }
 
 TEST_F(LivingVirtualDisk, LosesNothingWhenItsTargetIsLost) {
@@ -730,39 +747,39 @@ TEST_F(LivingVirtualDisk, LosesNothingWhenItsTargetIsLost) {
     CompleteMigration(adapter(), migration);
     EXPECT_THAT(Serving(Owner::kVirtualDisk, 0), ElementsAre(0, 1, 2, kNoId));
     Settle(adapter(), kNow);
-    EXPECT_EQ(HXSIM_STATE_PARTIALLY_OPTIMAL, VirtualDiskOf(0).state);
+    EXPECT_EQ(State::kPartiallyOptimal, VirtualDiskOf(0).state);
 }
 
 TEST_F(LivingVirtualDisk, DoesNotMoveToWhatItIs) {
     Made(WantedOn(0x05, {0, 1, 2}, 1024));
-    EXPECT_EQ(HXSIM_NO_CHANGE, RefusedMove(MovedTo(0, 0x05, {2, 1, 0})));
-    EXPECT_EQ(HXSIM_NO_CHANGE, RefusedMove(MovedTo(0, 0x05, {0, 1, 2}, 1024)));
+    EXPECT_EQ(Status::kNoChange, RefusedMove(MovedTo(0, 0x05, {2, 1, 0})));
+    EXPECT_EQ(Status::kNoChange, RefusedMove(MovedTo(0, 0x05, {0, 1, 2}, 1024)));
 }
 
 TEST_F(LivingVirtualDisk, DoesNotShrinkByMigration) {
     Made(WantedOn(0x00, {0, 1}));
-    EXPECT_EQ(HXSIM_TOO_SMALL, RefusedMove(MovedTo(0, 0x01, {0, 1})));
-    EXPECT_EQ(HXSIM_TOO_SMALL, RefusedMove(MovedTo(0, 0x00, {0, 1, 2}, 1024)));
+    EXPECT_EQ(Status::kTooSmall, RefusedMove(MovedTo(0, 0x01, {0, 1})));
+    EXPECT_EQ(Status::kTooSmall, RefusedMove(MovedTo(0, 0x00, {0, 1, 2}, 1024)));
     Create_LD_Param sized = MovedTo(0, 0x01, {0, 1});
-    EXPECT_EQ(HXSIM_TOO_SMALL, SizeMigration(adapter(), sized));
+    EXPECT_EQ(Status::kTooSmall, SizeMigration(adapter(), sized));
 }
 
 TEST_F(LivingVirtualDisk, ThatIsNotThereDoesNotMove) {
-    EXPECT_EQ(HXSIM_NO_VIRTUAL_DISK, RefusedMove(MovedTo(0, 0x05, {0, 1, 2})));
+    EXPECT_EQ(Status::kNoVirtualDisk, RefusedMove(MovedTo(0, 0x05, {0, 1, 2})));
 }
 
 TEST_F(LivingVirtualDisk, DoesNotMoveWhileSomethingGoesOn) {
     Create_LD_Param param = WantedOn(0x05, {0, 1, 2}, 1024);
-    param.InitializationOption = HXSIM_INIT_BACKGROUND;
+    param.InitializationOption = Init::kBackground;
     Made(param);
-    EXPECT_EQ(HXSIM_BUSY, RefusedMove(MovedTo(0, 0x06, {0, 1, 2, 3})));
+    EXPECT_EQ(Status::kBusy, RefusedMove(MovedTo(0, 0x06, {0, 1, 2, 3})));
 }
 
 TEST_F(LivingVirtualDisk, DoesNotMoveWhileItIsDegraded) {
     Made(WantedOn(0x05, {0, 1, 2}, 1024));
     DiskOf(1).failed = true;
     Settle(adapter(), kNow);
-    EXPECT_EQ(HXSIM_WRONG_STATE, RefusedMove(MovedTo(0, 0x06, {0, 1, 2, 3})));
+    EXPECT_EQ(Status::kWrongState, RefusedMove(MovedTo(0, 0x06, {0, 1, 2, 3})));
 }
 
 TEST_F(LivingVirtualDisk, DoesNotMoveToDisksThatItMayNotHave) {
@@ -770,20 +787,20 @@ TEST_F(LivingVirtualDisk, DoesNotMoveToDisksThatItMayNotHave) {
     DiskOf(3).spare = Spare::kGlobal;
     DiskOf(4).has_system = true;
     DiskOf(5).offline = true;
-    EXPECT_EQ(HXSIM_DISK_TAKEN, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 3})));
-    EXPECT_EQ(HXSIM_HOLDS_SYSTEM, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 4})));
-    EXPECT_EQ(HXSIM_DISK_NOT_READY, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 5})));
-    EXPECT_EQ(HXSIM_NO_DISK, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 77})));
-    EXPECT_EQ(HXSIM_DISK_REPEATED, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 2})));
-    EXPECT_EQ(HXSIM_BAD_DISK_COUNT, RefusedMove(MovedTo(0, 0x05, {0, 1})));
-    EXPECT_EQ(HXSIM_BAD_LEVEL, RefusedMove(MovedTo(0, 0x07, {0, 1, 2})));
+    EXPECT_EQ(Status::kDiskTaken, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 3})));
+    EXPECT_EQ(Status::kHoldsSystem, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 4})));
+    EXPECT_EQ(Status::kDiskNotReady, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 5})));
+    EXPECT_EQ(Status::kNoDisk, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 77})));
+    EXPECT_EQ(Status::kDiskRepeated, RefusedMove(MovedTo(0, 0x05, {0, 1, 2, 2})));
+    EXPECT_EQ(Status::kBadDiskCount, RefusedMove(MovedTo(0, 0x05, {0, 1})));
+    EXPECT_EQ(Status::kBadLevel, RefusedMove(MovedTo(0, 0x07, {0, 1, 2})));
 }
 
 TEST_F(LivingVirtualDisk, MovesAtNoOtherRoundingThanThereIs) {
     Made(WantedOn(0x05, {0, 1, 2}, 1024));
     Create_LD_Param param = MovedTo(0, 0x06, {0, 1, 2, 3});
     param.RoundingScheme = 3;
-    EXPECT_EQ(HXSIM_BAD_ROUNDING, RefusedMove(param));
+    EXPECT_EQ(Status::kBadRounding, RefusedMove(param));
 }
 
 }  // namespace

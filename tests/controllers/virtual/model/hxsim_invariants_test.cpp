@@ -10,11 +10,22 @@
 #include <utility>
 #include <vector>
 
+#include "codes/activity.h"
+#include "codes/device.h"
+#include "codes/disk.h"
+#include "codes/flash.h"
+#include "codes/state.h"
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
 namespace {
 
+using hxcodes::ActivityKind;
+using hxcodes::ActivityState;
+using hxcodes::Device;
+using hxcodes::Image;
+using hxcodes::RemapReason;
+using hxcodes::State;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
@@ -23,7 +34,7 @@ constexpr Sectors kUsable = 1000000;
 void AddDisk(Adapter& adapter, HX_U16 id) {
     Disk disk;
     disk.id = id;
-    disk.parent = HXSIM_DEVICE_EXPANDER;
+    disk.parent = Device::kExpander;
     disk.enclosure = 0;
     disk.slot = id;
     disk.wwn = 0x5000C50000000000 + id;
@@ -102,18 +113,18 @@ Machine Sound() {
     AddBlock(adapter, 6, 0, kUsable);
 
     Activity check;
-    check.kind = HXSIM_ACTIVITY_CHECK;
+    check.kind = ActivityKind::kCheck;
     check.owner = 0;
     check.total = 640000;
     adapter.activities.push_back(check);
-    adapter.remaps.push_back({0, 1000, 8, HXSIM_REMAP_READ_ERROR});
-    adapter.remaps.push_back({0, 2000, 8, HXSIM_REMAP_READ_ERROR});
+    adapter.remaps.push_back({0, 1000, 8, RemapReason::kReadError});
+    adapter.remaps.push_back({0, 2000, 8, RemapReason::kReadError});
 
     Expander expander;
-    expander.parent = HXSIM_DEVICE_ADAPTER;
+    expander.parent = Device::kAdapter;
     adapter.expanders.push_back(expander);
     Enclosure enclosure;
-    enclosure.parent = HXSIM_DEVICE_EXPANDER;
+    enclosure.parent = Device::kExpander;
     adapter.enclosures.push_back(enclosure);
     Element fan;
     fan.type = HX_ELEMENT_FAN;
@@ -133,8 +144,8 @@ Machine Sound() {
     battery.info.temp_upperbound = 60;
     battery.charge_at_since = 1500;
     adapter.batteries.push_back(battery);
-    adapter.images.push_back({HXSIM_IMAGE_BIOS, false, true, 0, nullptr});
-    adapter.images.push_back({HXSIM_IMAGE_FIRMWARE, false, true, 0, nullptr});
+    adapter.images.push_back({Image::kBios, false, true, 0, nullptr});
+    adapter.images.push_back({Image::kFirmware, false, true, 0, nullptr});
     adapter.events = {Numbered(1), Numbered(2)};
     machine.adapters.push_back(adapter);
     return machine;
@@ -199,7 +210,7 @@ const Broken kDisks[] = {
      [](Machine&, Adapter& a) { a.disks[6].parent_id = 9; },
      {"a0/pd6 hangs on expander 9, which is not there."}},
     {"DiskOnDisk",
-     [](Machine&, Adapter& a) { a.disks[6].parent = HXSIM_DEVICE_DISK; },
+     [](Machine&, Adapter& a) { a.disks[6].parent = Device::kDisk; },
      {"a0/pd6 hangs on disk 0, which is not there."}},
     {"RemapOfNoDisk",
      [](Machine&, Adapter& a) { a.remaps[1].disk = 9; },
@@ -240,7 +251,7 @@ const Broken kBlocks[] = {
      [](Machine&, Adapter& a) {
          AddBlock(a, 0, kUsable, 0, 0, 0);
          a.blocks.back().target = true;
-         a.activities[0].kind = HXSIM_ACTIVITY_COPYBACK;
+         a.activities[0].kind = ActivityKind::kCopyback;
      },
      {"a0/blk12 has no sectors."}},
     {"FreeBlocksTouch",
@@ -261,7 +272,7 @@ const Broken kBlocks[] = {
      [](Machine&, Adapter& a) { a.blocks[11].virtual_disk = 7; },
      {"a0/blk11 belongs to virtual disk 7, which is not there."}},
     {"BlockState",
-     [](Machine&, Adapter& a) { a.blocks[0].state = HXSIM_STATE_OFFLINE; },
+     [](Machine&, Adapter& a) { a.blocks[0].state = State::kOffline; },
      {"a0/blk0 is offline; a block is optimal, rebuilding or degraded."}},
     {"FreeBlockWithAPosition",
      [](Machine&, Adapter& a) { a.blocks[11].position = 1; },
@@ -359,7 +370,7 @@ const Broken kVirtualDisks[] = {
      [](Machine&, Adapter& a) { a.virtual_disks[0].size += 1; },
      {"a0/vd0 has 1280001 sectors; its blocks hold 1280000."}},
     {"AnnouncedState",
-     [](Machine&, Adapter& a) { a.virtual_disks[0].state = HXSIM_STATE_DEGRADED; },
+     [](Machine&, Adapter& a) { a.virtual_disks[0].state = State::kDegraded; },
      {"a0/vd0 was announced as degraded and is optimal."}},
 };
 const Broken kGroupsAndHomes[] = {
@@ -378,11 +389,11 @@ const Broken kGroupsAndHomes[] = {
          a.blocks[7].virtual_disk = 0;
 
          a.blocks[7].target = true;
-         a.activities[0].kind = HXSIM_ACTIVITY_COPYBACK;
+         a.activities[0].kind = ActivityKind::kCopyback;
      },
      {"a0/pd3 serves a0/dg0 and carries a0/blk7 of a0/vd0."}},
     {"GroupState",
-     [](Machine&, Adapter& a) { a.disk_groups[0].state = HXSIM_STATE_OFFLINE; },
+     [](Machine&, Adapter& a) { a.disk_groups[0].state = State::kOffline; },
      {"a0/dg0 was announced as offline and is optimal."}},
     {"HomeTwice",
      [](Machine&, Adapter& a) { a.homes.insert(a.homes.begin(), a.homes[0]); },
@@ -443,7 +454,7 @@ const Broken kTheRest[] = {
      [](Machine&, Adapter& a) { a.activities[0].of = Owner::kDisk; },
      {"A check goes on on a0/pd0, which has no such activity."}},
     {"IdleActivity",
-     [](Machine&, Adapter& a) { a.activities[0].state = HXSIM_ACTIVITY_IDLE; },
+     [](Machine&, Adapter& a) { a.activities[0].state = ActivityState::kIdle; },
      {"The check of a0/vd0 is idle; an activity is running, paused or auto_paused."}},
     {"MoreThanAll",
      [](Machine&, Adapter& a) { a.activities[0].done = 640001; },
@@ -452,7 +463,7 @@ const Broken kTheRest[] = {
      [](Machine&, Adapter& a) { a.activities[0].announced = 101; },
      {"The check of a0/vd0 was announced at 101 percent."}},
     {"ExpanderInACircle",
-     [](Machine&, Adapter& a) { a.expanders[0].parent = HXSIM_DEVICE_EXPANDER; },
+     [](Machine&, Adapter& a) { a.expanders[0].parent = Device::kExpander; },
      {"a0/exp0 hangs on itself."}},
     {"EnclosureOnNothing",
      [](Machine&, Adapter& a) { a.enclosures[0].parent_id = 7; },
@@ -497,7 +508,7 @@ const Broken kTheRest[] = {
      [](Machine&, Adapter& a) { a.images[1].type = 9; },
      {"a0 has a flash image of type 9, which is none."}},
     {"ImageTwice",
-     [](Machine&, Adapter& a) { a.images[1].type = HXSIM_IMAGE_BIOS; },
+     [](Machine&, Adapter& a) { a.images[1].type = Image::kBios; },
      {"a0 has the flash image bios twice."}},
     {"ErasedAndHealthy",
      [](Machine&, Adapter& a) { a.images[0].erased = true; },

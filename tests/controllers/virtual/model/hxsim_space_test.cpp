@@ -8,11 +8,14 @@
 #include <stdexcept>
 #include <string>
 
+#include "codes/status.h"
 #include "controllers/virtual/support/living_machine.h"
 #include "model/hxsim_level.h"
 
 namespace hxsim {
 namespace {
+
+using hxcodes::Status;
 
 // A disk of 1000 sectors for a virtual disk that is only a number: the machine is not looked at as
 // a whole.
@@ -134,13 +137,13 @@ TEST_F(LivingSpace, ShrinksABlockAndFreesItsEnd) {
 TEST_F(LivingSpace, EndsWithAsManyBlocksAsTheAdapterAllows) {
     adapter().info.MaxBlockPerPD = 2;
     EXPECT_FALSE(IsFullOfBlocks(adapter(), 0));
-    EXPECT_EQ(HXSIM_TOO_MANY_BLOCKS, CheckCut(adapter(), 0, 100, 100));  // three
+    EXPECT_EQ(Status::kTooManyBlocks, CheckCut(adapter(), 0, 100, 100));  // three
     EXPECT_EQ(HX_SUCCESS, CheckCut(adapter(), 0, 0, 100));
     Cut(adapter(), 0, 0, 100, 7, 0);
     EXPECT_TRUE(IsFullOfBlocks(adapter(), 0));
-    EXPECT_EQ(HXSIM_TOO_MANY_BLOCKS, CheckCut(adapter(), 0, 100, 100));
+    EXPECT_EQ(Status::kTooManyBlocks, CheckCut(adapter(), 0, 100, 100));
     EXPECT_EQ(HX_SUCCESS, CheckCut(adapter(), 0, 100, 900));  // takes the last free block whole
-    EXPECT_EQ(HXSIM_NO_SPACE, CheckCut(adapter(), 0, 50, 100));
+    EXPECT_EQ(Status::kNoSpace, CheckCut(adapter(), 0, 50, 100));
 }
 
 // ---- Levels ----

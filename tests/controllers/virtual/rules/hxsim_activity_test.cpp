@@ -8,6 +8,10 @@
 
 #include "calls/hxsim_activity_control.h"
 #include "calls/hxsim_disk_change.h"
+#include "codes/activity.h"
+#include "codes/disk.h"
+#include "codes/state.h"
+#include "codes/status.h"
 #include "controllers/virtual/support/living_small_machine.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_invariants.h"
@@ -15,6 +19,12 @@
 
 namespace {
 
+using hxcodes::ActivityKind;
+using hxcodes::CheckType;
+using hxcodes::ControlAction;
+using hxcodes::RemapReason;
+using hxcodes::State;
+using hxcodes::Status;
 using hxsim::Owner;
 using living::kHundredSeconds;
 using living::SmallMachine;
@@ -76,7 +86,7 @@ TEST(Initialisation, InTheForegroundTellsOfItsProgress) {
     SmallMachine it(3);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
     it.VirtualDisk(id).errors = 4;
-    EXPECT_EQ(0, Init(it, 0, id, HXSIM_INIT_FOREGROUND));
+    EXPECT_EQ(0, Init(it, 0, id, hxcodes::Init::kForeground));
     EXPECT_FALSE(it.VirtualDisk(id).initialised);
     it.At(99);
     EXPECT_FALSE(it.VirtualDisk(id).initialised);
@@ -92,7 +102,7 @@ TEST(Initialisation, InTheBackgroundGoesAtTheRateThatIsSet) {
     SmallMachine it(3);
     it.It().config.InitRate = 50;
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
-    EXPECT_EQ(0, Init(it, 0, id, HXSIM_INIT_BACKGROUND));
+    EXPECT_EQ(0, Init(it, 0, id, hxcodes::Init::kBackground));
     it.At(1000);
     EXPECT_EQ("200 1.55 0", it.TakeEvents().back());
 }
@@ -101,7 +111,7 @@ TEST(Initialisation, AtARateOfZeroGoesAsAtOne) {
     SmallMachine it(3);
     it.It().config.InitRate = 0;
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
-    EXPECT_EQ(0, Init(it, 0, id, HXSIM_INIT_BACKGROUND));
+    EXPECT_EQ(0, Init(it, 0, id, hxcodes::Init::kBackground));
     it.At(100000);
     EXPECT_EQ("10000 1.55 0", it.TakeEvents().back());
 }
@@ -110,8 +120,8 @@ TEST(Initialisation, ThatIsQuickTakesFiveSecondsWhateverTheSize) {
     SmallMachine it(3);
     const HX_U16 small = it.AddVirtualDisk(0, {0}, 0, 1);
     const HX_U16 large = it.AddVirtualDisk(0, {1}, 0, 2 * kHundredSeconds);
-    EXPECT_EQ(0, Init(it, 0, small, HXSIM_INIT_QUICK));
-    EXPECT_EQ(0, Init(it, 0, large, HXSIM_INIT_QUICK));
+    EXPECT_EQ(0, Init(it, 0, small, hxcodes::Init::kQuick));
+    EXPECT_EQ(0, Init(it, 0, large, hxcodes::Init::kQuick));
     it.At(1000);
     EXPECT_THAT(it.TakeEvents(),
                 ElementsAre("0 1.40 0", "0 1.40 1", "1 1.46 0 20", "1 1.46 1 20", "2 1.46 0 40",
@@ -122,19 +132,19 @@ TEST(Initialisation, ThatIsQuickTakesFiveSecondsWhateverTheSize) {
 TEST(Initialisation, IsRefusedWithAReason) {
     SmallMachine it(3);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
-    EXPECT_EQ(HXSIM_NO_VIRTUAL_DISK, Init(it, 0, 7, HXSIM_INIT_QUICK));
-    EXPECT_EQ(HXSIM_BAD_ACTION, Init(it, 0, id, HXSIM_INIT_NONE));
-    EXPECT_EQ(0, Init(it, 0, id, HXSIM_INIT_QUICK));
-    EXPECT_EQ(HXSIM_BUSY, Init(it, 1, id, HXSIM_INIT_QUICK));
+    EXPECT_EQ(Status::kNoVirtualDisk, Init(it, 0, 7, hxcodes::Init::kQuick));
+    EXPECT_EQ(Status::kBadAction, Init(it, 0, id, hxcodes::Init::kNone));
+    EXPECT_EQ(0, Init(it, 0, id, hxcodes::Init::kQuick));
+    EXPECT_EQ(Status::kBusy, Init(it, 1, id, hxcodes::Init::kQuick));
     it.Fail(50, 0);
-    EXPECT_EQ(HXSIM_WRONG_STATE, Init(it, 60, id, HXSIM_INIT_QUICK));
+    EXPECT_EQ(Status::kWrongState, Init(it, 60, id, hxcodes::Init::kQuick));
 }
 
 TEST(Initialisation, InTheBackgroundEndsForARebuild) {
     SmallMachine it(4);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
     it.MakeGlobalSpare(3);
-    Init(it, 0, id, HXSIM_INIT_BACKGROUND);
+    Init(it, 0, id, hxcodes::Init::kBackground);
     it.Fail(10, 0);
     EXPECT_THAT(it.TakeEvents(), ElementsAre("0 1.50 0", "10 2.2 0", "10 1.4 0", "10 2.10 3",
                                              "10 1.54 0", "10 1.70 0"));
@@ -144,7 +154,7 @@ TEST(Initialisation, InTheForegroundKeepsARebuildWaiting) {
     SmallMachine it(4);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
     it.MakeGlobalSpare(3);
-    Init(it, 0, id, HXSIM_INIT_FOREGROUND);
+    Init(it, 0, id, hxcodes::Init::kForeground);
     it.Fail(90, 0);
     it.TakeEvents();
     it.At(110);
@@ -154,7 +164,7 @@ TEST(Initialisation, InTheForegroundKeepsARebuildWaiting) {
 TEST(Initialisation, FailsWithItsVirtualDisk) {
     SmallMachine it(1);
     const HX_U16 id = it.AddVirtualDisk(0, {0});
-    Init(it, 0, id, HXSIM_INIT_BACKGROUND);
+    Init(it, 0, id, hxcodes::Init::kBackground);
     it.Fail(10, 0);
     EXPECT_THAT(it.TakeEvents(), ElementsAre("0 1.50 0", "10 2.2 0", "10 1.0 0", "10 1.57 0"));
 }
@@ -165,7 +175,7 @@ TEST(ConsistencyCheck, FindsWhatDisagrees) {
     SmallMachine it(3);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
     it.VirtualDisk(id).errors = 3;
-    EXPECT_EQ(0, Check(it, 0, id, HXSIM_CHECK_ONLY));
+    EXPECT_EQ(0, Check(it, 0, id, CheckType::kOnly));
     it.At(99);
     it.TakeEvents();
     it.At(100);
@@ -177,7 +187,7 @@ TEST(ConsistencyCheck, ThatFixesLeavesNothingThatDisagrees) {
     SmallMachine it(3);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
     it.VirtualDisk(id).errors = 3;
-    EXPECT_EQ(0, Check(it, 0, id, HXSIM_CHECK_AND_FIX));
+    EXPECT_EQ(0, Check(it, 0, id, CheckType::kAndFix));
     it.At(99);
     it.TakeEvents();
     it.At(100);
@@ -188,7 +198,7 @@ TEST(ConsistencyCheck, ThatFixesLeavesNothingThatDisagrees) {
 TEST(ConsistencyCheck, SaysNothingWhenAllAgrees) {
     SmallMachine it(3);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
-    EXPECT_EQ(0, Check(it, 0, id, HXSIM_CHECK_ONLY));
+    EXPECT_EQ(0, Check(it, 0, id, CheckType::kOnly));
     it.At(99);
     it.TakeEvents();
     it.At(100);
@@ -199,13 +209,13 @@ TEST(ConsistencyCheck, IsRefusedWithAReason) {
     SmallMachine it(4);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
     const HX_U16 plain = it.AddVirtualDisk(0, {3});
-    EXPECT_EQ(HXSIM_NO_VIRTUAL_DISK, Check(it, 0, 7, HXSIM_CHECK_ONLY));
-    EXPECT_EQ(HXSIM_BAD_ACTION, Check(it, 0, id, 2));
-    EXPECT_EQ(HXSIM_NOT_REDUNDANT, Check(it, 0, plain, HXSIM_CHECK_ONLY));
-    EXPECT_EQ(0, Check(it, 0, id, HXSIM_CHECK_ONLY));
-    EXPECT_EQ(HXSIM_BUSY, Check(it, 1, id, HXSIM_CHECK_ONLY));
+    EXPECT_EQ(Status::kNoVirtualDisk, Check(it, 0, 7, CheckType::kOnly));
+    EXPECT_EQ(Status::kBadAction, Check(it, 0, id, 2));
+    EXPECT_EQ(Status::kNotRedundant, Check(it, 0, plain, CheckType::kOnly));
+    EXPECT_EQ(0, Check(it, 0, id, CheckType::kOnly));
+    EXPECT_EQ(Status::kBusy, Check(it, 1, id, CheckType::kOnly));
     it.VirtualDisk(id).initialised = false;
-    EXPECT_EQ(HXSIM_WRONG_STATE, Check(it, 200, id, HXSIM_CHECK_ONLY));
+    EXPECT_EQ(Status::kWrongState, Check(it, 200, id, CheckType::kOnly));
 }
 
 // ---- Steering ----
@@ -213,13 +223,13 @@ TEST(ConsistencyCheck, IsRefusedWithAReason) {
 TEST(AnActivity, PausedStandsStillAndGoesOnWhereItWasOverAReload) {
     SmallMachine it(3);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
-    Init(it, 0, id, HXSIM_INIT_FOREGROUND);
-    EXPECT_EQ(0, it.Control(30, id, HXSIM_CONTROL_PAUSE));
+    Init(it, 0, id, hxcodes::Init::kForeground);
+    EXPECT_EQ(0, it.Control(30, id, ControlAction::kPause));
     EXPECT_EQ(kPaused, it.ActivityOf(id)->state);
     SmallMachine reloaded = it;
     const hxsim::Time later = reloaded.At(1000);
     EXPECT_EQ(30, Percentage(*reloaded.ActivityOf(id), later));
-    EXPECT_EQ(0, reloaded.Control(1000, id, HXSIM_CONTROL_RESUME));
+    EXPECT_EQ(0, reloaded.Control(1000, id, ControlAction::kResume));
     reloaded.At(2000);
     EXPECT_THAT(reloaded.TakeEvents(),
                 ElementsAre("0 1.60 0", "20 1.66 0 20", "30 1.62 0", "1000 1.63 0",
@@ -229,8 +239,8 @@ TEST(AnActivity, PausedStandsStillAndGoesOnWhereItWasOverAReload) {
 TEST(AnActivity, AbortedEndsWithoutItsEffect) {
     SmallMachine it(3);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
-    Init(it, 0, id, HXSIM_INIT_FOREGROUND);
-    EXPECT_EQ(0, it.Control(10, id, HXSIM_CONTROL_ABORT));
+    Init(it, 0, id, hxcodes::Init::kForeground);
+    EXPECT_EQ(0, it.Control(10, id, ControlAction::kAbort));
     it.At(1000);
     EXPECT_THAT(it.TakeEvents(), ElementsAre("0 1.60 0", "10 1.64 0"));
     EXPECT_FALSE(it.VirtualDisk(id).initialised);
@@ -239,19 +249,19 @@ TEST(AnActivity, AbortedEndsWithoutItsEffect) {
 TEST(AnActivity, CannotBeControlledInVain) {
     SmallMachine it(3);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
-    EXPECT_EQ(HXSIM_NO_ACTIVITY, it.Control(0, id, HXSIM_CONTROL_PAUSE));
-    Init(it, 0, id, HXSIM_INIT_FOREGROUND);
-    EXPECT_EQ(HXSIM_BAD_ACTION, it.Control(1, id, 0));
-    EXPECT_EQ(HXSIM_BAD_ACTION, it.Control(1, id, 4));
-    EXPECT_EQ(HXSIM_NO_CHANGE, it.Control(1, id, HXSIM_CONTROL_RESUME));
-    it.Control(2, id, HXSIM_CONTROL_PAUSE);
-    EXPECT_EQ(HXSIM_NO_CHANGE, it.Control(3, id, HXSIM_CONTROL_PAUSE));
+    EXPECT_EQ(Status::kNoActivity, it.Control(0, id, ControlAction::kPause));
+    Init(it, 0, id, hxcodes::Init::kForeground);
+    EXPECT_EQ(Status::kBadAction, it.Control(1, id, 0));
+    EXPECT_EQ(Status::kBadAction, it.Control(1, id, 4));
+    EXPECT_EQ(Status::kNoChange, it.Control(1, id, ControlAction::kResume));
+    it.Control(2, id, ControlAction::kPause);
+    EXPECT_EQ(Status::kNoChange, it.Control(3, id, ControlAction::kPause));
 }
 
 TEST(AnActivity, GoesOnAtTheNewSpeedWhenTheRateIsSet) {
     SmallMachine it(3);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
-    Init(it, 0, id, HXSIM_INIT_FOREGROUND);
+    Init(it, 0, id, hxcodes::Init::kForeground);
     const hxsim::Time now = it.At(50);
     it.It().config.InitRate = 25;
     hxsim::Reschedule(it.It(), now);
@@ -264,8 +274,8 @@ TEST(AnActivity, OfEveryVirtualDiskIsPausedAtOnce) {
     SmallMachine it(4);
     const HX_U16 first = it.AddVirtualDisk(0, {0});
     const HX_U16 second = it.AddVirtualDisk(0, {1});
-    Init(it, 0, first, HXSIM_INIT_FOREGROUND);
-    Init(it, 0, second, HXSIM_INIT_FOREGROUND);
+    Init(it, 0, first, hxcodes::Init::kForeground);
+    Init(it, 0, second, hxcodes::Init::kForeground);
     Patrol(it, 0, 3);
     it.TakeEvents();
     EXPECT_EQ(0, it.Call(5, hxsim::PauseAll));
@@ -282,14 +292,14 @@ TEST(AnActivity, OfAllVirtualDisksOfADiskGroupIsControlledByTheGroup) {
     const HX_U16 second = it.AddVirtualDiskTo(group, kHundredSeconds / 2);
     it.MakeGlobalSpare(3);
     const auto pause = [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::ControlGroup(adapter, now, group, HXSIM_CONTROL_PAUSE);
+        return hxsim::ControlGroup(adapter, now, group, ControlAction::kPause);
     };
-    EXPECT_EQ(HXSIM_NO_ACTIVITY, it.Call(0, pause));
+    EXPECT_EQ(Status::kNoActivity, it.Call(0, pause));
     it.Fail(0, 1);
     EXPECT_EQ(0, it.Call(10, pause));
     EXPECT_EQ(kPaused, it.ActivityOf(first)->state);
     EXPECT_EQ(kPaused, it.ActivityOf(second)->state);
-    EXPECT_EQ(HXSIM_NO_CHANGE, it.Call(20, pause));
+    EXPECT_EQ(Status::kNoChange, it.Call(20, pause));
 }
 
 // ---- Rebuilds by hand ----
@@ -315,11 +325,11 @@ TEST(RebuildByHand, StartsAnAbortedOneAgainWhichDoesNotStartByItself) {
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
     it.MakeGlobalSpare(3);
     it.Fail(0, 1);
-    it.Control(10, id, HXSIM_CONTROL_ABORT);
+    it.Control(10, id, ControlAction::kAbort);
     it.TakeEvents();
     hxsim::Settle(it.It(), it.At(500));
     EXPECT_THAT(it.TakeEvents(), IsEmpty());
-    EXPECT_EQ(HXSIM_STATE_REBUILDING, it.BlockOf(id, 1)->state);
+    EXPECT_EQ(State::kRebuilding, it.BlockOf(id, 1)->state);
     EXPECT_EQ(0, Rebuild(it, 500, id, {3}));
     it.At(600);
     EXPECT_EQ("600 1.1 0", it.TakeEvents().back());
@@ -332,21 +342,21 @@ TEST(RebuildByHand, IsRefusedWithAReason) {
     const HX_U16 plain = it.AddVirtualDisk(0, {3});
     const HX_U16 small = it.AddDisk(kHundredSeconds - 1);
     it.It().config.AutoRebuildOn = 0;
-    EXPECT_EQ(HXSIM_NO_VIRTUAL_DISK, Rebuild(it, 0, 9, {4}));
-    EXPECT_EQ(HXSIM_NO_DISK, Rebuild(it, 0, id, {99}));
-    EXPECT_EQ(HXSIM_DISK_REPEATED, Rebuild(it, 0, id, {4, 4}));
-    EXPECT_EQ(HXSIM_WRONG_STATE, Rebuild(it, 0, id, {4}));
-    EXPECT_EQ(HXSIM_NOT_REDUNDANT, Rebuild(it, 0, plain, {4}));
+    EXPECT_EQ(Status::kNoVirtualDisk, Rebuild(it, 0, 9, {4}));
+    EXPECT_EQ(Status::kNoDisk, Rebuild(it, 0, id, {99}));
+    EXPECT_EQ(Status::kDiskRepeated, Rebuild(it, 0, id, {4, 4}));
+    EXPECT_EQ(Status::kWrongState, Rebuild(it, 0, id, {4}));
+    EXPECT_EQ(Status::kNotRedundant, Rebuild(it, 0, plain, {4}));
     it.Fail(0, 1);
-    EXPECT_EQ(HXSIM_DISK_IN_USE, Rebuild(it, 0, id, {0}));
-    EXPECT_EQ(HXSIM_DISK_NOT_READY, Rebuild(it, 0, id, {1}));
-    EXPECT_EQ(HXSIM_NO_SPACE, Rebuild(it, 0, id, {small}));
-    EXPECT_EQ(HXSIM_BAD_DISK_COUNT, Rebuild(it, 0, id, {4, 5}));
-    EXPECT_EQ(HXSIM_BAD_DISK_COUNT, Rebuild(it, 0, id, {}));
+    EXPECT_EQ(Status::kDiskInUse, Rebuild(it, 0, id, {0}));
+    EXPECT_EQ(Status::kDiskNotReady, Rebuild(it, 0, id, {1}));
+    EXPECT_EQ(Status::kNoSpace, Rebuild(it, 0, id, {small}));
+    EXPECT_EQ(Status::kBadDiskCount, Rebuild(it, 0, id, {4, 5}));
+    EXPECT_EQ(Status::kBadDiskCount, Rebuild(it, 0, id, {}));
     it.Disk(4).offline = true;
-    EXPECT_EQ(HXSIM_DISK_NOT_READY, Rebuild(it, 0, id, {4}));
+    EXPECT_EQ(Status::kDiskNotReady, Rebuild(it, 0, id, {4}));
     EXPECT_EQ(0, Rebuild(it, 0, id, {5}));
-    EXPECT_EQ(HXSIM_BUSY, Rebuild(it, 0, id, {5}));
+    EXPECT_EQ(Status::kBusy, Rebuild(it, 0, id, {5}));
 }
 
 TEST(RebuildByHand, OfADiskGroupTakesAWholeDisk) {
@@ -355,14 +365,14 @@ TEST(RebuildByHand, OfADiskGroupTakesAWholeDisk) {
     const HX_U16 id = it.AddVirtualDiskTo(group);
     it.AddVirtualDisk(0, {3}, 0, 1000);
     it.It().config.AutoRebuildOn = 0;
-    EXPECT_EQ(HXSIM_NO_DISK_GROUP, RebuildGroup(it, 0, 7, {4}));
-    EXPECT_EQ(HXSIM_WRONG_STATE, RebuildGroup(it, 0, group, {4}));
+    EXPECT_EQ(Status::kNoDiskGroup, RebuildGroup(it, 0, 7, {4}));
+    EXPECT_EQ(Status::kWrongState, RebuildGroup(it, 0, group, {4}));
     it.Fail(0, 1);
-    EXPECT_EQ(HXSIM_ON_DISK_GROUP, Rebuild(it, 0, id, {4}));
-    EXPECT_EQ(HXSIM_DISK_TAKEN, RebuildGroup(it, 0, group, {3}));
+    EXPECT_EQ(Status::kOnDiskGroup, Rebuild(it, 0, id, {4}));
+    EXPECT_EQ(Status::kDiskTaken, RebuildGroup(it, 0, group, {3}));
     EXPECT_EQ(0, RebuildGroup(it, 0, group, {4}));
     it.At(100);
-    EXPECT_EQ(HXSIM_STATE_OPTIMAL, it.VirtualDisk(id).state);
+    EXPECT_EQ(State::kOptimal, it.VirtualDisk(id).state);
     EXPECT_EQ(4, hxsim::HomeOf(it.It(), Owner::kDiskGroup, group, 1)->home);
     EXPECT_THAT(hxsim::Check(it.machine), IsEmpty());
 }
@@ -386,7 +396,7 @@ SmallMachine OnItsWayToRaid6() {
 TEST(AMigration, WaitsWhileItsVirtualDiskIsRebuiltAndThenGoesOn) {
     SmallMachine it = OnItsWayToRaid6();
     it.PullOut(10, 1);
-    EXPECT_EQ(HXSIM_ACTIVITY_REBUILD, it.ActivityOf(0)->kind);
+    EXPECT_EQ(ActivityKind::kRebuild, it.ActivityOf(0)->kind);
     EXPECT_EQ(kAutoPaused, hxsim::MigrationOf(it.It(), Owner::kVirtualDisk, 0)->state);
     EXPECT_THAT(hxsim::Check(it.machine), IsEmpty());
     it.At(500);
@@ -397,7 +407,7 @@ TEST(AMigration, WaitsWhileItsVirtualDiskIsRebuiltAndThenGoesOn) {
                     "110 1.75 0", "110 1.1 0", "110 1.89 0", "120 1.86 0 20", "140 1.86 0 40",
                     "160 1.86 0 60", "180 1.86 0 80", "200 1.85 0"));
     EXPECT_EQ(6, it.VirtualDisk(0).level);
-    EXPECT_EQ(HXSIM_STATE_OPTIMAL, it.VirtualDisk(0).state);
+    EXPECT_EQ(State::kOptimal, it.VirtualDisk(0).state);
     EXPECT_THAT(hxsim::Check(it.machine), IsEmpty());
 }
 
@@ -420,7 +430,7 @@ TEST(AMigration, LeavesAPlaceThatASpareHasTakenWhereItBelongs) {
 TEST(AMediaPatrol, FindsWhatIsDamagedAndRemapsIt) {
     SmallMachine it(1);
     it.It().remaps.push_back({0, 0x200000005, 2, hxsim::kNotRemapped});
-    it.It().remaps.push_back({0, 0x200000009, 1, HXSIM_REMAP_WRITE_ERROR});
+    it.It().remaps.push_back({0, 0x200000009, 1, RemapReason::kWriteError});
     EXPECT_EQ(0, Patrol(it, 0, 0));
     it.At(199);
     it.TakeEvents();
@@ -428,8 +438,8 @@ TEST(AMediaPatrol, FindsWhatIsDamagedAndRemapsIt) {
     const Event found = it.It().events[1].event;
     EXPECT_THAT(it.TakeEvents(), ElementsAre("200 2.15 0", "200 2.37 0 2", "200 2.22 0"));
     EXPECT_THAT(found.Params, ElementsAre(2u, 5u, 2u, 1u));
-    EXPECT_EQ(HXSIM_REMAP_READ_ERROR, it.It().remaps[0].reason);
-    EXPECT_EQ(HXSIM_REMAP_WRITE_ERROR, it.It().remaps[1].reason);
+    EXPECT_EQ(RemapReason::kReadError, it.It().remaps[0].reason);
+    EXPECT_EQ(RemapReason::kWriteError, it.It().remaps[1].reason);
 }
 
 TEST(AMediaPatrol, LeavesDamagedWhatTheDiskHasNoRoomFor) {
@@ -439,7 +449,7 @@ TEST(AMediaPatrol, LeavesDamagedWhatTheDiskHasNoRoomFor) {
     }
     EXPECT_EQ(0, Patrol(it, 0, 0));
     it.At(1000);
-    EXPECT_EQ(HXSIM_REMAP_READ_ERROR, it.It().remaps[63].reason);
+    EXPECT_EQ(RemapReason::kReadError, it.It().remaps[63].reason);
     EXPECT_EQ(hxsim::kNotRemapped, it.It().remaps[64].reason);
     const std::vector<std::string> events = it.TakeEvents();
     EXPECT_EQ(1, std::ranges::count(events, "200 2.13 0"));  // 80 percent full
@@ -451,9 +461,9 @@ TEST(ConsistencyCheck, RemapsTheDamageThatItMeets) {
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
     it.It().remaps.push_back({1, kHundredSeconds - 1, 1, hxsim::kNotRemapped});
     it.It().remaps.push_back({1, kHundredSeconds, 1, hxsim::kNotRemapped});
-    EXPECT_EQ(0, Check(it, 0, id, HXSIM_CHECK_ONLY));
+    EXPECT_EQ(0, Check(it, 0, id, CheckType::kOnly));
     it.At(1000);
-    EXPECT_EQ(HXSIM_REMAP_READ_ERROR, it.It().remaps[0].reason);
+    EXPECT_EQ(RemapReason::kReadError, it.It().remaps[0].reason);
     EXPECT_EQ(hxsim::kNotRemapped, it.It().remaps[1].reason);  // behind its block
 }
 
@@ -482,18 +492,18 @@ TEST(AMediaPatrol, FailsWithItsDisk) {
 
 TEST(AMediaPatrol, IsRefusedWithAReason) {
     SmallMachine it(2);
-    EXPECT_EQ(HXSIM_NO_DISK, Patrol(it, 0, 9));
+    EXPECT_EQ(Status::kNoDisk, Patrol(it, 0, 9));
     it.Disk(1).present = false;
-    EXPECT_EQ(HXSIM_NO_DISK, Patrol(it, 0, 1));
+    EXPECT_EQ(Status::kNoDisk, Patrol(it, 0, 1));
     it.Disk(1).present = true;
     it.Disk(1).failed = true;
-    EXPECT_EQ(HXSIM_DISK_NOT_READY, Patrol(it, 0, 1));
+    EXPECT_EQ(Status::kDiskNotReady, Patrol(it, 0, 1));
     EXPECT_EQ(0, hxsim::CanPatrol(it.It(), 0));
     EXPECT_EQ(0, Patrol(it, 0, 0));
-    EXPECT_EQ(HXSIM_BUSY, hxsim::CanPatrol(it.It(), 0));
+    EXPECT_EQ(Status::kBusy, hxsim::CanPatrol(it.It(), 0));
     it.It().info.Features = 0;
     it.Disk(1).failed = false;
-    EXPECT_EQ(HXSIM_NOT_SUPPORTED, Patrol(it, 0, 1));
+    EXPECT_EQ(Status::kNotSupported, Patrol(it, 0, 1));
 }
 
 TEST(ADataScrub, TellsOfDamageAndLeavesItAsItIs) {
@@ -501,7 +511,7 @@ TEST(ADataScrub, TellsOfDamageAndLeavesItAsItIs) {
     it.It().remaps.push_back({0, 0x200000005, 1, hxsim::kNotRemapped});
     it.It().remaps.push_back({0, 0x200000007, 1, hxsim::kNotRemapped});
     EXPECT_EQ(0, Scrub(it, 0, 0));
-    EXPECT_EQ(HXSIM_BUSY, Scrub(it, 0, 0));
+    EXPECT_EQ(Status::kBusy, Scrub(it, 0, 0));
     it.At(1000);
     ASSERT_EQ(1u, it.It().events.size());
     EXPECT_THAT(it.It().events[0].event.Params, ElementsAre(2u, 2u, 5u, 0u));
@@ -519,9 +529,9 @@ TEST(TheNextTransition, IsNeverWhenNothingRuns) {
 TEST(TheNextTransition, IsTheFirstProgressOfWhatRuns) {
     SmallMachine it(1);
     const HX_U16 id = it.AddVirtualDisk(0, {0});
-    Init(it, 0, id, HXSIM_INIT_FOREGROUND);
+    Init(it, 0, id, hxcodes::Init::kForeground);
     EXPECT_EQ(living::kStart + 20'000, hxsim::NextTransition(it.machine));
-    it.Control(1, id, HXSIM_CONTROL_PAUSE);
+    it.Control(1, id, ControlAction::kPause);
     EXPECT_EQ(hxsim::kNever, hxsim::NextTransition(it.machine));
 }
 

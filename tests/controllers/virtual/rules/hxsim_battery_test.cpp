@@ -6,11 +6,17 @@
 #include <gtest/gtest.h>
 
 #include "calls/hxsim_virtual_disk_list.h"
+#include "codes/battery.h"
+#include "codes/status.h"
+#include "codes/virtual_disk.h"
 #include "controllers/virtual/support/living_parts.h"
 #include "incidents/hxsim_incident_battery.h"
 
 namespace {
 
+using hxcodes::CacheBit;
+using hxcodes::Power;
+using hxcodes::Status;
 using parts::kNow;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -45,7 +51,7 @@ TEST_F(LivingBattery, DoesNothingByItselfWhileItIsFull) {
 }
 
 TEST_F(LivingBattery, LosesHalfOfItsChargeInTwoHours) {
-    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, HXSIM_POWER_DISCHARGE));
+    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, Power::kDischarge));
     const BBU_Info info = At(kNow + 2 * kHour);
     EXPECT_EQ(500, info.curCapacity);
     EXPECT_EQ(50, info.percentage);
@@ -55,14 +61,14 @@ TEST_F(LivingBattery, LosesHalfOfItsChargeInTwoHours) {
 }
 
 TEST_F(LivingBattery, ActsAtEachTenthOfItsCharge) {
-    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, HXSIM_POWER_DISCHARGE));
+    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, Power::kDischarge));
     EXPECT_EQ(kNow + 14'400, hxsim::NextTransition(battery()));  // one mAh below all of it
     At(kNow + 14'400);
     EXPECT_EQ(kNow + 101 * 14'400, hxsim::NextTransition(battery()));
 }
 
 TEST_F(LivingBattery, IsChargedByItselfOnceItIsEmpty) {
-    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, HXSIM_POWER_DISCHARGE));
+    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, Power::kDischarge));
     const BBU_Info info = At(kNow + 4 * kHour);
     EXPECT_EQ(0, info.curCapacity);
     EXPECT_EQ(0x03u, info.status);  // present, charging
@@ -88,7 +94,7 @@ TEST_F(LivingBattery, IsLeftAloneAtItsMark) {
 
 TEST_F(LivingBattery, IsChargedAboveItsMarkWhenAskedTo) {
     ASSERT_TRUE(hxsim::SetBatteryCharge(adapter(), kNow, 90));
-    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, HXSIM_POWER_CHARGE));
+    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, Power::kCharge));
     EXPECT_EQ(12, At(kNow).time_to_full);
     EXPECT_EQ(100, At(kNow + 12 * kMinute).percentage);
     EXPECT_THAT(Events(), ElementsAre("9/17 of 0", "9/18 of 0"));
@@ -97,7 +103,7 @@ TEST_F(LivingBattery, IsChargedAboveItsMarkWhenAskedTo) {
 // ---- Relearn cycles ----
 
 TEST_F(LivingBattery, RelearnsByLosingAllChargeAndWinningItAgain) {
-    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, HXSIM_POWER_RELEARN));
+    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, Power::kRelearn));
     EXPECT_EQ(0x1Du, At(kNow + kHour).status);  // present, safe, discharging, relearning
     const BBU_Info halfway = At(kNow + 5 * kHour);
     EXPECT_EQ(500, halfway.curCapacity);
@@ -111,7 +117,7 @@ TEST_F(LivingBattery, RelearnsByLosingAllChargeAndWinningItAgain) {
 }
 
 TEST_F(LivingBattery, TellsOfTheStepsOfARelearnCycle) {
-    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, HXSIM_POWER_RELEARN));
+    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, Power::kRelearn));
     At(kNow + 6 * kHour);
     EXPECT_THAT(Events(), ElementsAre("9/6 of 0", "9/20 of 0", "9/28 of 0", "9/7 of 0", "9/17 of 0",
                                       "9/21 of 0", "9/29 of 0", "9/18 of 0", "9/8 of 0"));
@@ -119,12 +125,12 @@ TEST_F(LivingBattery, TellsOfTheStepsOfARelearnCycle) {
 
 // 30 percent of the charge are gone through after 2.8 hours, and won again at 4.6.
 TEST_F(LivingBattery, TakesTheCacheFromVirtualDisksWhileItsRelearnCycleHasItEmpty) {
-    virtual_disk(0).cache = HXSIM_CACHE_WRITE_BACK | HXSIM_CACHE_READ_AHEAD;
+    virtual_disk(0).cache = CacheBit::kWriteBack | CacheBit::kReadAhead;
     const auto cache_at = [&](hxsim::Time time) {
         At(time);
         return hxsim::DescribeVirtualDisk(adapter(), virtual_disk(0)).CacheMode;
     };
-    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, HXSIM_POWER_RELEARN));
+    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, Power::kRelearn));
     EXPECT_EQ(0x05, cache_at(kNow + 2 * kHour));
     EXPECT_EQ(0x85, cache_at(kNow + 3 * kHour));
     EXPECT_EQ(0x85, cache_at(kNow + 4 * kHour + 30 * kMinute));
@@ -133,21 +139,21 @@ TEST_F(LivingBattery, TakesTheCacheFromVirtualDisksWhileItsRelearnCycleHasItEmpt
 }
 
 TEST_F(LivingBattery, IsNotInterruptedWhileItRelearns) {
-    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, HXSIM_POWER_RELEARN));
+    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, Power::kRelearn));
     const std::string before = Everything();
     for (const HX_U8 action : {HX_U8{0}, HX_U8{1}, HX_U8{2}}) {
-        ExpectRefused(HXSIM_BUSY, hxsim::ChangePower(adapter(), kNow, action), before);
+        ExpectRefused(Status::kBusy, hxsim::ChangePower(adapter(), kNow, action), before);
     }
 }
 
 TEST_F(LivingBattery, WearsNoFurtherThanItsLowestCapacity) {
     battery().info.maxCapacity = battery().charge_at_since = 601;
     battery().info.curCapacity = 601;
-    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, HXSIM_POWER_RELEARN));
+    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, Power::kRelearn));
     At(kNow + 7 * kHour);
     EXPECT_EQ(600, battery().info.maxCapacity);
     EXPECT_EQ("9/3 of 0", Events().back());
-    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow + 7 * kHour, HXSIM_POWER_RELEARN));
+    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow + 7 * kHour, Power::kRelearn));
     EXPECT_EQ(600, At(kNow + 14 * kHour).maxCapacity);
 }
 
@@ -184,7 +190,7 @@ TEST_F(LivingBattery, ProtectsNothingWhileItIsSwitchedOff) {
 
 TEST_F(LivingBattery, IsNotSwitchedToWhatItIs) {
     const std::string before = Everything();
-    ExpectRefused(HXSIM_NO_CHANGE, hxsim::SwitchBattery(adapter(), kNow, true), before);
+    ExpectRefused(Status::kNoChange, hxsim::SwitchBattery(adapter(), kNow, true), before);
 }
 
 // ---- Bounds ----
@@ -228,13 +234,13 @@ TEST_F(LivingBattery, TakesNoBoundsThatMakeNoSense) {
     const auto set = [&](HX_U8 kind, HX_U16 lower, HX_U16 upper) {
         return hxsim::SetThreshold(adapter(), kNow, kind, lower, upper);
     };
-    ExpectRefused(HXSIM_BAD_VALUE, set(1, 50, 50), before);
-    ExpectRefused(HXSIM_BAD_VALUE, set(1, 5, 101), before);
-    ExpectRefused(HXSIM_BAD_VALUE, set(2, 4300, 3500), before);
-    ExpectRefused(HXSIM_BAD_VALUE, set(2, 999, 4300), before);
-    ExpectRefused(HXSIM_BAD_VALUE, set(2, 3500, 20001), before);
-    ExpectRefused(HXSIM_BAD_ACTION, set(0, 5, 50), before);
-    ExpectRefused(HXSIM_BAD_ACTION, set(3, 5, 50), before);
+    ExpectRefused(Status::kBadValue, set(1, 50, 50), before);
+    ExpectRefused(Status::kBadValue, set(1, 5, 101), before);
+    ExpectRefused(Status::kBadValue, set(2, 4300, 3500), before);
+    ExpectRefused(Status::kBadValue, set(2, 999, 4300), before);
+    ExpectRefused(Status::kBadValue, set(2, 3500, 20001), before);
+    ExpectRefused(Status::kBadAction, set(0, 5, 50), before);
+    ExpectRefused(Status::kBadAction, set(3, 5, 50), before);
 }
 
 // ---- Refusals ----
@@ -242,37 +248,37 @@ TEST_F(LivingBattery, TakesNoBoundsThatMakeNoSense) {
 TEST_F(LivingBattery, HasNoBoundsAndNoRelearnCycleWithoutTheFeature) {
     battery().info.featureSupport = 0;
     const std::string before = Everything();
-    ExpectRefused(HXSIM_NOT_SUPPORTED, hxsim::SetThreshold(adapter(), kNow, 1, 5, 50), before);
-    ExpectRefused(HXSIM_NOT_SUPPORTED, hxsim::ChangePower(adapter(), kNow, 0), before);
+    ExpectRefused(Status::kNotSupported, hxsim::SetThreshold(adapter(), kNow, 1, 5, 50), before);
+    ExpectRefused(Status::kNotSupported, hxsim::ChangePower(adapter(), kNow, 0), before);
 }
 
 TEST_F(LivingBattery, IsNotChargedWhenFullAndNotEmptiedWhenEmpty) {
     std::string before = Everything();
-    ExpectRefused(HXSIM_NO_CHANGE, hxsim::ChangePower(adapter(), kNow, 1), before);
+    ExpectRefused(Status::kNoChange, hxsim::ChangePower(adapter(), kNow, 1), before);
     ASSERT_TRUE(hxsim::SetBatteryCharge(adapter(), kNow, 0));
     before = Everything();
-    ExpectRefused(HXSIM_NO_CHANGE, hxsim::ChangePower(adapter(), kNow, 2), before);
-    ExpectRefused(HXSIM_NO_CHANGE, hxsim::ChangePower(adapter(), kNow, 1), before);
+    ExpectRefused(Status::kNoChange, hxsim::ChangePower(adapter(), kNow, 2), before);
+    ExpectRefused(Status::kNoChange, hxsim::ChangePower(adapter(), kNow, 1), before);
 }
 
 TEST_F(LivingBattery, KnowsNoOtherActions) {
     const std::string before = Everything();
-    ExpectRefused(HXSIM_BAD_ACTION, hxsim::ChangePower(adapter(), kNow, 3), before);
-    ExpectRefused(HXSIM_BAD_ACTION, hxsim::ChangePower(adapter(), kNow, 255), before);
+    ExpectRefused(Status::kBadAction, hxsim::ChangePower(adapter(), kNow, 3), before);
+    ExpectRefused(Status::kBadAction, hxsim::ChangePower(adapter(), kNow, 255), before);
 }
 
 TEST_F(LivingBattery, CanBeAskedNothingOnceItIsRemoved) {
     ASSERT_TRUE(hxsim::RemoveBattery(adapter(), kNow));
     const std::string before = Everything();
-    ExpectRefused(HXSIM_NO_BATTERY, hxsim::SetThreshold(adapter(), kNow, 1, 5, 50), before);
-    ExpectRefused(HXSIM_NO_BATTERY, hxsim::ChangePower(adapter(), kNow, 0), before);
-    ExpectRefused(HXSIM_NO_BATTERY, hxsim::SwitchBattery(adapter(), kNow, false), before);
+    ExpectRefused(Status::kNoBattery, hxsim::SetThreshold(adapter(), kNow, 1, 5, 50), before);
+    ExpectRefused(Status::kNoBattery, hxsim::ChangePower(adapter(), kNow, 0), before);
+    ExpectRefused(Status::kNoBattery, hxsim::SwitchBattery(adapter(), kNow, false), before);
 }
 
 // ---- Hands ----
 
 TEST_F(LivingBattery, LeavesTheCacheUnprotectedWhenItIsRemoved) {
-    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, HXSIM_POWER_DISCHARGE));
+    ASSERT_EQ(0, hxsim::ChangePower(adapter(), kNow, Power::kDischarge));
     ASSERT_TRUE(hxsim::RemoveBattery(adapter(), kNow));
     EXPECT_TRUE(hxsim::ForcesWriteThrough(adapter()));
     EXPECT_EQ(hxsim::kNever, hxsim::NextTransition(battery()));

@@ -7,6 +7,9 @@
 
 #include "calls/hxsim_activity_control.h"
 #include "calls/hxsim_virtual_disk_change.h"
+#include "codes/activity.h"
+#include "codes/enclosure.h"
+#include "codes/state.h"
 #include "controllers/virtual/support/living_small_machine.h"
 #include "model/hxsim_disk_role.h"
 #include "model/hxsim_invariants.h"
@@ -16,6 +19,9 @@
 
 namespace {
 
+using hxcodes::ControlAction;
+using hxcodes::ElementStatus;
+using hxcodes::Init;
 using living::kHundredSeconds;
 using living::SmallMachine;
 using testing::ElementsAre;
@@ -94,7 +100,7 @@ TEST(StateOfADiskGroup, IsTheWorstOfItsVirtualDisks) {
     const HX_U16 group = it.AddGroup(5, {0, 1, 2});
     it.AddVirtualDiskTo(group);
     const HX_U16 second = it.AddVirtualDiskTo(group);
-    it.BlockOf(second, 1)->state = HXSIM_STATE_DEGRADED;
+    it.BlockOf(second, 1)->state = hxcodes::State::kDegraded;
     EXPECT_EQ(kDegraded, StateOf(it.It(), it.It().disk_groups[group]));
 }
 
@@ -394,7 +400,7 @@ TEST_F(Copyback, ThatIsAbortedIsNotTriedAgain) {
     it.Replace(200, 1);
     it.TakeEvents();
     EXPECT_EQ(0, it.Call(210, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::Control(adapter, now, hxsim::Owner::kVirtualDisk, id, HXSIM_CONTROL_ABORT);
+        return hxsim::Control(adapter, now, hxsim::Owner::kVirtualDisk, id, ControlAction::kAbort);
     }));
     it.At(500);
     EXPECT_THAT(it.TakeEvents(), ElementsAre("210 1.94 0"));
@@ -489,7 +495,7 @@ TEST_F(Story, ThatBeginsWithAnImportTellsOfTheImportAlone) {
     SmallMachine it(3);
     const HX_U16 id = it.AddVirtualDisk(5, {0, 1, 2});
     it.VirtualDisk(id).foreign = true;
-    it.VirtualDisk(id).state = HXSIM_STATE_FOREIGN;
+    it.VirtualDisk(id).state = hxcodes::State::kForeign;
     for (HX_U16 disk = 0; disk < 3; ++disk) it.Disk(disk).foreign = true;
     ASSERT_EQ(0, it.Call(10, [&](hxsim::Adapter& adapter, hxsim::Time now) {
         return hxsim::ImportVirtualDisk(adapter, now, id);
@@ -587,7 +593,7 @@ TEST_F(OnADiskGroup, NoSpareStepsInBeforeEveryVirtualDiskCanBeRebuilt) {
     it.AddVirtualDiskTo(group, kHundredSeconds / 2);
     it.MakeGroupSpare(3, group);
     ASSERT_EQ(0, it.Call(0, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::StartInitialisation(adapter, now, first, HXSIM_INIT_FOREGROUND);
+        return hxsim::StartInitialisation(adapter, now, first, Init::kForeground);
     }));
     it.Fail(10, 1);
     EXPECT_EQ(hxsim::Spare::kGroup, it.Disk(3).spare);
@@ -618,7 +624,7 @@ TEST_F(Alarm, StaysMutedWhenOneOfTwoLostDisksIsBack) {
     it.PullOut(20, 1);
     it.It().muted = true;
     it.PutBack(30, 1);
-    EXPECT_EQ(HXSIM_STATE_DEGRADED, it.VirtualDisk(0).state);
+    EXPECT_EQ(hxcodes::State::kDegraded, it.VirtualDisk(0).state);
     EXPECT_FALSE(it.It().alarm);
 }
 
@@ -660,7 +666,7 @@ TEST_F(Alarm, IsSilentWhenItIsOffOrNotThere) {
 TEST_F(Alarm, SoundsForACriticalElement) {
     SmallMachine it(0);
     it.It().elements.push_back({});
-    it.It().elements[0].status = HXSIM_ELEMENT_CRITICAL;
+    it.It().elements[0].status = ElementStatus::kCritical;
     hxsim::UpdateAlarm(it.It(), true);
     EXPECT_TRUE(it.It().alarm);
 }

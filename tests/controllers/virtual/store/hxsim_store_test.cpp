@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "codes/activity.h"
 #include "model/hxsim_invariants.h"
 #include "store/hxsim_sqlite.h"
 #include "store/hxsim_store_error.h"
@@ -32,6 +33,8 @@
 namespace hxsim {
 namespace {
 
+using hxcodes::ActivityKind;
+using hxcodes::ActivityState;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -84,8 +87,8 @@ TEST_F(StateFile, HoldsEveryRowOfTheMachineThatWasPutIn) {
     adapter.disks[11].serial = std::string("a\0b", 3);
     adapter.images[0].data = std::make_shared<const std::string>("image\0bytes", 11);
     adapter.activities.push_back({.id = 4,
-                                  .kind = HXSIM_ACTIVITY_CHECK,
-                                  .state = HXSIM_ACTIVITY_PAUSED,
+                                  .kind = ActivityKind::kCheck,
+                                  .state = ActivityState::kPaused,
                                   .owner = 2,
                                   .total = 2147483648,
                                   .done = 5,

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "codes/activity.h"
+#include "codes/device.h"
 #include "hxraid.h"
 #include "model/hxsim_invariants.h"
 #include "model/hxsim_machine.h"
@@ -54,7 +56,7 @@ protected:
     void AddDisk(HX_U16 id, hxsim::Sectors usable) {
         hxsim::Disk disk;
         disk.id = id;
-        disk.parent = HXSIM_DEVICE_ADAPTER;
+        disk.parent = hxcodes::Device::kAdapter;
         disk.wwn = 0x5000C50000000000 + id;
         disk.sectors = usable + hxsim::kMetadata;
         hxsim::Insert(adapter().disks, disk);
@@ -162,7 +164,7 @@ inline Create_LD_Param WantedOn(HX_U8 level, const Ids& disks, uint64_t size = 0
     param.HDCount = static_cast<HX_U8>(disks.size());
     std::copy(disks.begin(), disks.end(), param.HDIDs);
     param.NumParityDisk = 2;  // as callers send it for every level
-    param.InitializationOption = HXSIM_INIT_NONE;
+    param.InitializationOption = hxcodes::Init::kNone;
     param.SectorCoefficient = 1;
     param.Size.value = size;
     return param;
@@ -185,7 +187,7 @@ inline CreateOrModify_VD_Param InSlot(HX_U16 group, HX_U8 level, HX_U8 slot, uin
     param.DGID = group;
     param.RaidMode = level;
     param.DGSlotNum = slot;
-    param.InitializationOption = HXSIM_INIT_NONE;
+    param.InitializationOption = hxcodes::Init::kNone;
     param.Size.value = size;
     return param;
 }

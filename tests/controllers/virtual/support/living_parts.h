@@ -9,6 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "codes/battery.h"
+#include "codes/device.h"
+#include "codes/flash.h"
 #include "hxraid.h"
 #include "model/hxsim_invariants.h"
 #include "model/hxsim_machine.h"
@@ -36,8 +39,8 @@ protected:
         AddVirtualDisks();
         AddEnclosure();
         AddBattery();
-        adapter().images.push_back({HXSIM_IMAGE_BIOS, false, true, 0, nullptr});
-        adapter().images.push_back({HXSIM_IMAGE_FIRMWARE, false, true, 0, nullptr});
+        adapter().images.push_back({hxcodes::Image::kBios, false, true, 0, nullptr});
+        adapter().images.push_back({hxcodes::Image::kFirmware, false, true, 0, nullptr});
     }
 
     void TearDown() override {
@@ -145,7 +148,7 @@ private:
     void AddDisk(HX_U16 id) {
         hxsim::Disk row;
         row.id = id;
-        row.parent = HXSIM_DEVICE_ADAPTER;
+        row.parent = hxcodes::Device::kAdapter;
         row.model = "TARNWELL TW600S10";
         row.firmware = "K2A4";
         row.serial = "6TW0D21" + std::to_string(id);
@@ -213,7 +216,7 @@ private:
 
     void AddEnclosure() {
         hxsim::Enclosure enclosure;
-        enclosure.parent = HXSIM_DEVICE_ADAPTER;
+        enclosure.parent = hxcodes::Device::kAdapter;
         adapter().enclosures.push_back(enclosure);
         AddElement(kFan, HX_ELEMENT_FAN, 4000, 4000);
         element(kFan).speed_code = 3;
@@ -231,13 +234,14 @@ private:
 
     void AddBattery() {
         hxsim::Battery row;
-        row.info.status = HXSIM_BATTERY_PRESENT | HXSIM_BATTERY_SAFE_FOR_WRITE_BACK;
+        row.info.status = hxcodes::BatteryBit::kPresent | hxcodes::BatteryBit::kSafeForWriteBack;
         row.info.supportMinCapacity = 600;
         row.info.supportMaxCapacity = 1100;
         row.info.maxCapacity = row.info.curCapacity = row.charge_at_since = 1000;
         row.info.percentage = 100;
         row.info.percent_to_charge = 80;
-        row.info.featureSupport = HXSIM_BATTERY_RELEARN | HXSIM_BATTERY_THRESHOLDS;
+        row.info.featureSupport =
+            hxcodes::BatteryFeature::kRelearn | hxcodes::BatteryFeature::kThresholds;
         row.info.temperature = 29;
         row.info.voltage = 4000;
         row.info.temp_lowerbound = 5;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "calls/hxsim_activity_control.h"
+#include "codes/device.h"
 #include "hxraid.h"
 #include "incidents/hxsim_incident_disk.h"
 #include "model/hxsim_activity_row.h"
@@ -48,7 +49,7 @@ public:
         hxsim::Disk disk;
         const auto id = static_cast<HX_U16>(It().disks.size());
         disk.id = id;
-        disk.parent = HXSIM_DEVICE_ADAPTER;
+        disk.parent = hxcodes::Device::kAdapter;
         disk.serial = "SN0" + std::to_string(id);
         disk.wwn = 0x5000000000000000U + id;
         disk.sectors = usable + hxsim::kMetadata;

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "codes/device.h"
+#include "codes/state.h"
 #include "model/hxsim_invariants.h"
 #include "rules/hxsim_event_kinds.h"
 #include "store/hxsim_store.h"
@@ -19,6 +21,8 @@
 namespace hxsim {
 namespace {
 
+using hxcodes::Device;
+using hxcodes::State;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::Field;
@@ -85,7 +89,7 @@ TEST(Default, HasTwoAdaptersWithTheirDisks) {
     EXPECT_EQ(first.disks[10].spare_group, 0);
     EXPECT_EQ(machine.adapters[1].disks.size(), 8U);
     EXPECT_TRUE(machine.adapters[1].disks[2].has_system);
-    EXPECT_EQ(machine.adapters[1].disks[7].parent, HXSIM_DEVICE_PORT_MULTIPLIER);
+    EXPECT_EQ(machine.adapters[1].disks[7].parent, Device::kPortMultiplier);
     EXPECT_EQ(first.batteries.size(), 1U);
     EXPECT_THAT(machine.adapters[1].batteries, IsEmpty());
 }
@@ -102,7 +106,7 @@ TEST(Default, HasItsVirtualDisksOptimalAndInitialised) {
     EXPECT_EQ(rows[1].size, 6442450944U);  // 3 TiB
     for (const VirtualDisk& row : rows) {
         EXPECT_TRUE(row.initialised);
-        EXPECT_EQ(row.state, HXSIM_STATE_OPTIMAL);
+        EXPECT_EQ(row.state, State::kOptimal);
     }
     EXPECT_EQ(machine.adapters[1].virtual_disks.at(0).name, "MIRROR");
 }
@@ -144,7 +148,7 @@ TEST(Rack, HasFourAdaptersFullOfDisks) {
     for (const Adapter& adapter : machine.adapters) {
         EXPECT_EQ(adapter.disks.size(), 128U);
         EXPECT_EQ(adapter.expanders.size(), 8U);
-        EXPECT_EQ(adapter.expanders[3].parent, HXSIM_DEVICE_EXPANDER);
+        EXPECT_EQ(adapter.expanders[3].parent, Device::kExpander);
         EXPECT_EQ(adapter.expanders[3].parent_id, 2);
         EXPECT_EQ(adapter.enclosures.size(), 8U);
         EXPECT_EQ(adapter.elements.size(), 96U);

@@ -8,7 +8,6 @@
 #include <string>
 #include <string_view>
 
-#include "codes/hxraid_codes.h"
 #include "model/hxsim_machine.h"
 #include "rules/hxsim_event_queue.h"
 #include "store/hxsim_store.h"

@@ -1,0 +1,43 @@
+// The codes that the machine's rows, rules and calls speak of.
+#pragma once
+
+#include "codes/activity.h"
+#include "codes/battery.h"
+#include "codes/device.h"
+#include "codes/disk.h"
+#include "codes/enclosure.h"
+#include "codes/flash.h"
+#include "codes/level.h"
+#include "codes/state.h"
+#include "codes/status.h"
+#include "codes/virtual_disk.h"
+
+namespace hxsim {
+
+using hxcodes::ActivityKind;
+using hxcodes::ActivityState;
+using hxcodes::BatteryBit;
+using hxcodes::BatteryFeature;
+using hxcodes::BlockBit;
+using hxcodes::CacheBit;
+using hxcodes::CheckType;
+using hxcodes::ConnectionType;
+using hxcodes::ControlAction;
+using hxcodes::Device;
+using hxcodes::DiskAction;
+using hxcodes::DiskBit;
+using hxcodes::DiskFeature;
+using hxcodes::DiskType;
+using hxcodes::ElementStatus;
+using hxcodes::ElementType;
+using hxcodes::Image;
+using hxcodes::Init;
+using hxcodes::LinkSpeed;
+using hxcodes::Power;
+using hxcodes::RebuildType;
+using hxcodes::RemapReason;
+using hxcodes::Rounding;
+using hxcodes::State;
+using hxcodes::Status;
+
+}  // namespace hxsim
