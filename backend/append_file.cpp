@@ -1,4 +1,4 @@
-// Opening, emptying and appending to a log file, whatever its configured name turns out to be.
+// Log files are opened so that a wrongly configured name does no harm.
 #include "append_file.h"
 
 #include <fcntl.h>

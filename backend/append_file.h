@@ -13,12 +13,12 @@
 /// descriptor is close-on-exec.
 [[nodiscard]] Descriptor OpenForAppend(const char* path);
 
-/// Creates `path` with mode 0600 or empties it, under the rules of OpenForAppend: whatever is not a
-/// log stays as it is. Failure is silent.
+/// Creates `path` with mode 0600, or empties it. What OpenForAppend would not open stays unchanged.
+/// Failure is silent.
 void TruncateFile(const char* path);
 
-/// Appends `length` bytes in one write where the file system takes them at once. What a full disk
-/// or a terminal that would have to be waited for does not take is dropped.
+/// Appends `length` bytes, in one write where the file system takes them at once. The rest is
+/// dropped when the disk is full or when writing would block.
 void AppendBytes(int descriptor, const char* bytes, std::size_t length);
 
 /// Formats into a heap block of the text's own size, so that no message is ever cut.

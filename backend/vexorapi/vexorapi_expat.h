@@ -26,9 +26,9 @@ struct ParseHandlers {
 /// Parses `length` bytes as a whole document with `context` as the handlers' user data.
 ///
 /// Returns 1, or 0 when the text is not well-formed, declares too much, is longer than expat takes
-/// or no parser can be made. An error that expat found is told in the debug log. The copies that
-/// expat made of a secret text are wiped, and so are those of a text that is not well-formed, which
-/// can be a secret one whose function was not reached.
+/// or no parser can be made. expat's error is written to the debug log. Expat's copies of the text
+/// are wiped when it is secret, and also when it is not well-formed: then it may be a logon command
+/// whose root element was not reached.
 int RunExpat(const char* text, std::size_t length, void* context, ParseGuard& guard,
              const ParseHandlers& handlers);
 

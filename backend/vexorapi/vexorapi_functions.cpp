@@ -1,4 +1,4 @@
-// The vendor function table: a function's name to its handlers and the size of its record.
+// The vendor function table: a function's name, its handlers and what its record needs.
 #include "vexorapi_functions.h"
 
 #include <array>
@@ -61,7 +61,7 @@ constexpr std::size_t kSlots = 1u << kSlotBits;
 // `seed` is odd.
 constexpr std::uint32_t Hash(std::uint32_t seed, const char* name) {
     std::uint32_t hash = 0;
-    // Multiplied once behind the loop and not in every step, each of which would wait for the last.
+    // Multiplied once after the loop: in each step it would make the next one wait.
     for (; *name != '\0'; ++name) hash = std::rotl(hash, 5) ^ static_cast<unsigned char>(*name);
     return hash * seed >> (32 - kSlotBits);
 }

@@ -14,11 +14,11 @@ void ClearHandlers(XMLElement& elmt) {
     elmt.CharDataHandler = nullptr;
 }
 
-// Makes the record that the dispatcher has asked for. Both kinds of record begin with the
-// function's name, which the tables hold to less than 64 characters.
+// Allocates the record that the dispatcher has asked for. Both kinds of record begin with the
+// function's name, which is shorter than its 64 characters: the tables check that.
 void AllocateRecord(XMLElement& elmt, const XML_Char* name) {
-    elmt.Guard.secret =
-        elmt.ExtNeeds.secret;  // also when there is no memory: texts come all the same
+    // Set even if there is no memory for the record: the password is parsed all the same.
+    elmt.Guard.secret = elmt.ExtNeeds.secret;
     elmt.Ext = std::malloc(elmt.ExtNeeds.bytes);
     if (elmt.Ext == nullptr) return;
     std::memset(elmt.Ext, 0, elmt.ExtNeeds.zeroed);

@@ -23,7 +23,7 @@ namespace {
 
 constexpr char kVersionFile[] = "/hxraidver.dat";
 
-// Of a file that goes on and on, the version is what stands in this many bytes.
+// At most this many bytes are read, so that an endless file ends.
 constexpr std::size_t kVersionFileLimit = std::size_t{1} << 20;
 
 struct Module {
@@ -62,14 +62,13 @@ void StoreBuiltIn(const BuiltIn& version) {
 // The characters of one field.
 class FieldText {
 public:
-    // Drops what does not fit, and 0xFF, which looks like the end of the file where characters are
-    // signed.
+    // Drops what does not fit, and 0xFF, which equals EOF where characters are signed.
     void Append(unsigned char byte) {
         if (byte < 0xFF && length_ < kCapacity) text_[length_++] = static_cast<char>(byte);
     }
 
-    // The number at the start of the text, as atoi reads it. It is cut to an int here: what atoi
-    // does with more is undefined and differs between word sizes.
+    // The number at the start of the text, as atoi reads it. Larger numbers become the largest int:
+    // atoi's result for them is undefined and differs between word sizes.
     int TakeNumber() {
         text_[length_] = '\0';
         length_ = 0;
@@ -100,7 +99,7 @@ public:
     void End() { eventSvcVersionBuild = field_.TakeNumber(); }
 
 private:
-    // The fields that end with a dot; what a fourth or later dot ends is stored nowhere.
+    // The fields that end with a dot. A fourth one and those after it are ignored.
     static constexpr int* kBeforeDot[] = {&eventSvcVersionMajor, &eventSvcVersionMinor,
                                           &eventSvcVersionOEM};
     static constexpr std::size_t kFieldsBeforeDot = sizeof kBeforeDot / sizeof kBeforeDot[0];

@@ -23,7 +23,7 @@ void STORE_KEY(int module, int Major, int Minor, int OEM, int Build);
 /// Stores the built-in versions of all four modules.
 void VX_VER_INIT();
 
-/// Takes the event service's version from "/hxraidver.dat" (four numbers joined by dots), or the
-/// built-in one when that is no regular file that can be opened. Of numbers too large for an int
-/// the largest int is stored. Fields that the file does not reach keep their values.
+/// Reads the event service's version from "/hxraidver.dat" (four numbers joined by dots), or takes
+/// the built-in one when that is no regular file or cannot be opened. A number too large for an int
+/// becomes the largest int. Fields that the file does not have keep their values.
 void getEventSvcVersion();

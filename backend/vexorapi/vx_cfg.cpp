@@ -17,11 +17,11 @@ namespace {
 
 constexpr char kConfigFile[] = "/vexorapi.ini";
 
-// One byte more than the longest file that counts.
+// A file that fills the buffer counts as absent, so the largest one that is read has 65535 bytes.
 constexpr std::size_t kWorkBufferSize = 65536;
 
-// Nearly every request finds no file. This one question is all that it then costs; any other
-// obstacle is left to the opening of the file.
+// Most installations have no file; then one call of access is all that a request costs. Every other
+// error is left to the opening of the file.
 bool ConfigFileIsAbsent() {
     char path[kRootPathSize];
     if (RootPath(path, kConfigFile) == nullptr) return true;
@@ -31,10 +31,10 @@ bool ConfigFileIsAbsent() {
 void ParseSection(const char* text, std::size_t length, void* pCfg, const char* cfgname) {
     XMLElmtCfg elmt{};
     elmt.Ext = pCfg;
-    // A name too long for its field is no section's.
+    // No section has a name that is too long for the field.
     const std::size_t name_length = std::strlen(cfgname);
     if (name_length < sizeof elmt.CfgName) std::memcpy(elmt.CfgName, cfgname, name_length);
-    // A malformed file has been told in the debug log; what was stored before the error stays.
+    // RunExpat logs a malformed file; what was stored before the error stays.
     RunExpat(text, length, &elmt, elmt.Guard,
              {CFG_StartElement, CFG_EndElement, CFG_CharacterDataHandler,
               DeclarationWatch<XMLElmtCfg>::Doctype});
@@ -46,7 +46,7 @@ int VX_CfgLoad(void* pCfg, const char* cfgname) {
     if (ConfigFileIsAbsent()) return 0;
     const auto text = MakeBlock<char>(kWorkBufferSize);
     if (text == nullptr) return 0;
-    // 16 bits, on purpose: the length of a file that fills the buffer wraps to 0, which is
+    // Cut to 16 bits on purpose: the length of a file that fills the buffer becomes 0, which means
     // "absent".
     const auto length = static_cast<std::uint16_t>(VX_CfgLoadFile(text.get(), kWorkBufferSize));
     if (length == 0) return 0;

@@ -59,7 +59,8 @@ void Store(const char*, const char* value, T& field) {
     field = static_cast<T>(number);
 }
 
-// A path. One that is too long for its field counts as absent: cut, it would be another file's.
+// A path. One that is too long for its field counts as absent, because a cut path names another
+// file.
 template <std::size_t size>
 void Store(const char* name, const char* value, char (&field)[size]) {
     const std::size_t length = std::strlen(value);
@@ -68,8 +69,8 @@ void Store(const char* name, const char* value, char (&field)[size]) {
     VX_DBG_TRACE("%s %s\n", name, value);
 }
 
-// The record is zeroed as a whole first, so that of a section that occurs twice the later one wins
-// and that attributes which it lacks read as 0.
+// The whole record is zeroed first, so that the later one of two sections of the same name wins and
+// attributes that it lacks are 0.
 template <class R, class... T>
 void ReadSection(void* userData, const XML_Char** atts,
                  const std::tuple<Setting<R, T>...>& settings) {
@@ -97,7 +98,7 @@ void XMLCALL CFG_StartElement(void* userData, const XML_Char* name, const XML_Ch
         ClearHandlers(elmt);
         CFG_FuncElementDispatcher(&elmt, name, atts);
     }
-    // An element inside of a section runs the section's handler again, on its own attributes.
+    // An element within a section runs the section's handler again, with its own attributes.
     if ((elmt.Depth == 1 || elmt.Depth == 2) && elmt.StartHandler != nullptr) {
         elmt.StartHandler(&elmt, name, atts);
     }

@@ -20,7 +20,7 @@ constexpr std::uint32_t kSectionLoaded = 1;  // of Flags
 bool IsStderr(const char* filename) { return std::strcmp(filename, "stderr") == 0; }
 
 // Whether `filename` names a log. One that is too long for its field names none, because a cut name
-// is another file's.
+// would be another file's.
 bool IsLogName(const char* filename) {
     return filename != nullptr && filename[0] != '\0' &&
            strnlen(filename, sizeof DBG_Ext.FileName) < sizeof DBG_Ext.FileName;

@@ -11,21 +11,21 @@
 
 namespace {
 
-// Process-shared and five wide, though it lies in each process's own data: it orders neither
-// processes nor threads. A stopped service must never block the front end.
+// Created process-shared with the value 5, but in each process's own memory: it excludes neither
+// other processes nor threads. A stopped service can therefore not block the front end.
 constinit sem_t sem{};
 constexpr unsigned kSemaphoreValue = 5;
 
-// A wait that fails is followed by a post all the same.
+// Each wait is followed by a post, also when it failed.
 bool WaitStore() { return g_VX_EventExt.Sem_RWFile == 0 && sem_wait(&sem) == 0; }
 
 void PostStore() {
     if (g_VX_EventExt.Sem_RWFile == 0) sem_post(&sem);
 }
 
-// The events of one poll. It lives for the process and is never cleared, because the second count
-// of a check-in looks at what earlier polls have left behind the events of this one; with room for
-// twice what an 8-bit count can say, it never looks further.
+// The events of one poll. It is never cleared: the second count in StorePoll reads what earlier
+// polls left behind this poll's events. It has twice 255 elements, the most that that count can
+// reach.
 constexpr HX_U32 kMaxCount = 255;
 constinit Event poll[2 * kMaxCount]{};
 
@@ -57,8 +57,8 @@ constexpr HX_U32 VX_HX_ChangeCounters::*kClassCounters[] = {
 // Stores the `count` events at the start of the poll buffer. Returns false when a file can be
 // neither opened nor created; the events are lost then.
 bool StorePoll(HX_U8 adapter, HX_U8 count) {
-    // A load that opens the file reads the stored counters over those that this adapter's events
-    // have just raised; for the adapters after it the file is open and theirs stand.
+    // Opening the file replaces the counters, which this adapter's events have just raised, by the
+    // stored ones. For the adapters after it the file is open already, so their counts stay.
     if (!VX_EvFile_Load(kForUpdate) && !VX_EvFile_Create(g_VX_EventExt.Filename)) return false;
     if (!VX_EvSeqNoFile_Load(kForUpdate) && !VX_EvSeqNoFile_Create()) return false;
     for (HX_U32 stored = 0; stored < count;) {
@@ -66,16 +66,16 @@ bool StorePoll(HX_U8 adapter, HX_U8 count) {
         VX_EvFile_SaveEvents(adapter, poll + stored, block);
         stored += block;
     }
-    // Counted a second time, and from behind the events instead of from their start: front ends
-    // only ask whether the counters have moved, and have always seen them move like this.
+    // Counts a second time, and the elements behind the events instead of the events. It is kept:
+    // front ends only compare the counters, and these are the values that they have always seen.
     VX_EvFilter(poll + count, count);
     VX_EvFile_SaveHeader();
     VX_EvSeqNoFile_Save();
     return true;
 }
 
-// Polls each adapter once. Returns whether any of them had events; the total is counted in 8 bits,
-// so that 256 events in one round end the check-in as none do.
+// Polls each adapter once. Returns whether any of them had events. The total has 8 bits, so that a
+// round of exactly 256 events ends the check-in like a round without any.
 bool PollAll(HX_U8 adapters) {
     HX_U8 total = 0;
     for (HX_U8 adapter = 0; adapter < adapters; ++adapter) {
@@ -89,7 +89,7 @@ bool PollAll(HX_U8 adapters) {
     return total != 0;
 }
 
-// Reads no more than `room` events, whatever the numbers tell.
+// Reads at most `room` events; n, s and e are set as if all were read.
 void Query(HX_U32& n, HX_U32& s, HX_U32& e, Event* ev, HX_U32 room) {
     const HX_U32 oldest = g_VX_EventExt.EvLogHeader.SeqStart;
     const HX_U32 count = g_VX_EventExt.EvLogHeader.NumOfEvent;
@@ -162,7 +162,7 @@ HX_U8 VX_EvGetFirst(HX_U32* n, HX_U32* s, HX_U32* e, Event* ev, HX_U32 room) {
         VX_EvFile_Close();
     }
     PostStore();
-    // The caller goes on to tell n events, so that they must be something.
+    // The caller writes n events all the same.
     if (!read) std::fill_n(ev, std::min(*n, room), Event{});
     return 0;
 }

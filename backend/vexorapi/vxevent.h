@@ -25,14 +25,14 @@ void VX_EvFilter(const Event* events, HX_U32 count);
 /// Reads a page of the store into `ev`, which has room for `*n` records on entry.
 ///
 /// In: `*n` events from store sequence number `*s` upward, or, with kNewestEvents in `*s`, the `*n`
-/// up to `*e`. Out: the number read, the first and the last of them. Numbers below the oldest
-/// start at the oldest; past the newest `*n` becomes 0 and `*e` stays. Asked for 0 events, or with
-/// an empty store, it reads nothing and tells the extent: number, oldest, newest.
+/// up to `*e`. Out: the number read, the first and the last of them. A start below the oldest event
+/// becomes the oldest; past the newest, `*n` becomes 0 and `*e` stays. For 0 events, or an empty
+/// store, it reads none and sets the three to the extent: number, oldest, newest.
 /// Returns 0 always; an unreadable store leaves the three unchanged and gives `*n` events of zeros.
 HX_U8 VX_EvGet(HX_U32* n, HX_U32* s, HX_U32* e, Event* ev);
 
-/// VX_EvGet for a caller who looks at the first `room` events alone: no more are read, and `ev` has
-/// room for no more. The numbers are those of VX_EvGet.
+/// VX_EvGet for a caller who needs only the first `room` events: no more are read into `ev`. The
+/// numbers are those of VX_EvGet.
 HX_U8 VX_EvGetFirst(HX_U32* n, HX_U32* s, HX_U32* e, Event* ev, HX_U32 room);
 
 /// Empties the event file, which starts again at sequence number 0 and keeps its counters. A

@@ -47,10 +47,10 @@ constexpr HX_U16 kEntryType = 0x0101;
 constexpr HX_U16 kAdapterClass = 0;
 constexpr HX_U16 kAdapterFound = 9;
 
-// Slots on their way to or from the ring. A poll's are one batch by far; a page is read faster in
-// few large pieces than in many small ones.
+// The buffer for slots that are read or written. The events of a poll fit into one batch; a page is
+// read faster in few large pieces than in many small ones.
 constexpr HX_U32 kBatch = 1000;
-// The events, which stand 8 bytes into their slots, fill whole cache lines, and pages of them are
+// Aligned so that the events, 8 bytes into their slots, fill whole cache lines: pages of them are
 // copied a little faster.
 constexpr std::size_t kCacheLine = 64;
 struct SlotBuffer {
@@ -70,8 +70,8 @@ static_assert(sizeof(FileHead) == 112 && offsetof(FileHead, counters) == 52);
 
 constexpr mode_t kFileMode = 0666;  // less the umask: service and front end are different users
 
-// O_NONBLOCK and O_NOCTTY: opening never waits, whatever a configured name turns out to be. Where
-// pread and pwrite do not work (a FIFO, a terminal) nothing is read, and no magic found.
+// O_NONBLOCK and O_NOCTTY: opening never waits, whatever the configured name is. From a FIFO or a
+// terminal, which pread refuses, nothing is read, so that the magic is missing.
 Descriptor Open(const char* path, int flags) {
     return Descriptor(open(path, flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kFileMode));
 }
@@ -95,7 +95,7 @@ std::size_t ReadAt(int file, void* bytes, std::size_t size, std::uint64_t offset
     return total;
 }
 
-// Writes as much as can be written; a full disk is nobody's to hear of.
+// Writes as much as can be written. A full disk is not reported.
 void WriteAt(int file, const void* bytes, std::size_t size, std::uint64_t offset) {
     const char* const at = static_cast<const char*>(bytes);
     std::size_t total = 0;
@@ -122,7 +122,7 @@ std::uint64_t FileOffset(std::uint64_t slot) {
     return kFirstSlot + sizeof(VX_EvEntryHeader) * slot;
 }
 
-// Where the next entry goes: an End beyond the ring is another writer's accident and means 0.
+// The slot of the next entry. An End beyond the ring, in a damaged file, counts as 0.
 HX_U32 WriteSlot() { return Header().End < RingSize() ? Header().End : 0; }
 
 void LoadConfig() {
@@ -144,7 +144,7 @@ void SetEventPath() {
 // Whether the event is new, by the number of the last one stored from its adapter.
 bool TakeNumber(HX_U32& last, const Event& event) {
     if (event.Class == kAdapterClass && event.Code == kAdapterFound) return true;
-    // None is below a remembered 0, and an event without a number is always new.
+    // With nothing remembered (0) every event is new, and so is one without a number.
     if (event.SequenceNo != 0 && event.SequenceNo <= last) return false;
     last = event.SequenceNo;
     return true;
@@ -169,9 +169,9 @@ void Advance(VX_EvLogHeader& header) {
     header.Start = std::uint64_t{header.Start} + 1 >= ring ? 0 : header.Start + 1;
 }
 
-// Takes the oldest entries, whose slots are about to be overwritten, out of the file's header. A
-// writer that is killed between two pages of its slots thus leaves no entry that is half of one
-// event and half of another; a reader that comes in the middle finds fewer entries.
+// Removes the oldest entries, whose slots are about to be overwritten, from the file's header. If
+// the writer is killed between two pages of a slot, no entry is then half of one event and half of
+// another; a reader in between finds fewer entries.
 void GiveUpOldest(VX_EvLogHeader& written, HX_U32 count) {
     count = std::min(count, written.NumOfEvent);
     if (count == 0) return;
@@ -210,8 +210,8 @@ int VX_EvFile_Load(unsigned mode) {
         VX_EvHeader_Init(&g_VX_EventExt.EvLogHeader);
         return 0;
     }
-    // A header that is cut short ends in zeros, not in what was read before; counters that the
-    // file does not reach keep their values.
+    // The rest of a header that is cut short is zero; counters that the file does not have keep
+    // their values.
     FileHead head{{}, g_VX_EventExt.HXChangeCounters};
     const std::size_t length = ReadAt(file.Get(), &head, sizeof head, 0);
     g_VX_EventExt.EvLogHeader = head.header;

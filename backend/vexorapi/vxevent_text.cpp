@@ -203,8 +203,8 @@ constexpr EventText kInconsistentLba64{
 constexpr EventText kInconsistentLba32{
     100, "EVT_CODE_LD_INCONSISTENT_LBA|%s|%d|%08x ", {DeviceID, P1}};
 
-// What the codes that a class does not list give. Some classes have no text at all: front ends show
-// such an event by its numbers.
+// The texts of codes that a class does not list. Some classes have no text at all: front ends show
+// the numbers of such an event.
 constexpr EventText kUnknownAdapter{0, "EVT_Unknown_Adpt| |%d|%d", {Code, DeviceID}};
 constexpr EventText kUnknownVirtualDisk{0, "EVT_Unknown_LD| |%d|%d", {Code, DeviceID}};
 constexpr EventText kUnknownHardDisk{0, "EVT_Unknown_HD| |%d|%d", {Code, DeviceID}};
@@ -218,7 +218,7 @@ constexpr EventText kUnknownMisc{0, "EVT_Unknown_MISC| |%d|%d", {Code, DeviceID}
 constexpr EventText kUnknownClass{0, "EVT_Unknown| |%d|%d", {Class, AdapterID}};
 constexpr EventText kNoText{0, ""};
 
-// What asctime would not give for a time that no calendar holds.
+// Stands for a time that has no calendar date.
 constexpr std::string_view kNoTime = "??? ??? ?? ??:??:?? ????";
 
 // ---- Templates: rows taken apart ----------------------------------------------------------------
@@ -343,8 +343,8 @@ consteval Template TakeApartActivity(std::size_t activity, const EventText& step
     return TakeApart({form.data(), end}, step.args);
 }
 
-// The templates of one class, and which of them a code selects. Number 0 is what unlisted codes
-// give.
+// The templates of one class, and which of them a code selects. Number 0 is for codes that are not
+// listed.
 constexpr std::size_t kCodes = 128;
 template <std::size_t n>
 struct ClassTexts {

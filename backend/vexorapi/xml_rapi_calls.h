@@ -58,7 +58,8 @@ struct AdaptersCall {
     bool operator()(R& record) const {
         Item* const first = record.*items;
         std::size_t zeroed = 0;
-        // What the controller may fill is zeroed before it is asked: any 8-bit count from here on.
+        // Zeroes the items that the controller may fill: 255 from `at` on, the most that it can
+        // count.
         const auto zero_from = [&](std::size_t at) {
             const std::size_t from = at < zeroed ? zeroed : at;
             const std::size_t end = at + 255;

@@ -13,7 +13,7 @@ constexpr HX_U8 kSizeOnly = 1;
 DG_Info ReadDiskGroup(HX_U8 AdapterID, HX_U16 DGID) {
     DG_Info_Request request{};
     setRequestHeader(&request.header, HX_REQUEST_BY_ID, DGID, 1);
-    // Its code is not looked at: a group that cannot be read is the controller's to refuse.
+    // The code is ignored: the controller itself refuses a group that cannot be read.
     static_cast<void>(HX_DG_GetInfo(AdapterID, &request));
     return request.dgInfo[0];
 }

@@ -16,13 +16,13 @@ HX_U8 HX_DG_GetSizeOnly(HX_U8 AdapterID, CreateOrModify_DG_Param* pParam);
 HX_U8 HX_DG_Modify(HX_U8 AdapterID, CreateOrModify_DG_Param* pParam);
 
 /// Makes a virtual disk on the disk group DGID, with that group's level, parity disks, legs and
-/// sector size, and with its stripe size when the caller gives none. Whatever the group cannot be
-/// asked for is 0.
+/// sector size, and with its stripe size when the caller gives none. They are 0 when the group
+/// cannot be read.
 HX_U8 HX_LD_Create_OnDG(HX_U8 AdapterID, CreateOrModify_VD_Param* pParam);
 
 /// Changes the virtual disk VDID.
 HX_U8 HX_LD_Modify_OnDG(HX_U8 AdapterID, CreateOrModify_VD_Param* pParam);
 
-/// Overwrites the parameter's sector and stripe size with those of the disk group DGID, with 0 when
-/// it cannot be asked.
+/// Overwrites the parameter's sector and stripe size with those of the disk group DGID, or with 0
+/// when it cannot be read.
 void HX_DG_Set_DefaultValue(HX_U8 AdapterID, CreateOrModify_DG_Param* pParam);

@@ -26,8 +26,8 @@ constexpr HX_U8 kFailed = 1;
 
 constexpr mode_t kImageMode = 0644;
 
-// Replaces `path`, which names a symbolic link, by where the link leads. False when it is somebody
-// else's: who can put a link where an image is to go could choose the file that is overwritten.
+// Replaces `path`, which names a symbolic link, by the link's target. Returns false when the link
+// belongs to another user, who could otherwise choose the file that is overwritten.
 bool FollowOwnLink(char (&path)[kRootPathSize]) {
     // The link itself is opened, so that what is checked is what is read.
     const Descriptor link(open(path, O_PATH | O_NOFOLLOW | O_CLOEXEC));
@@ -70,7 +70,7 @@ Descriptor OpenImageForWrite(const char* filename) {
 // 32 KiB, too much for a stack that may be a thread's.
 HeapBlock<Flash_Data> MakePiece() { return MakeBlock<Flash_Data>(); }
 
-// Makes the piece anew: what the one before it held goes nowhere.
+// Clears the piece, so that nothing of the one before is sent with it.
 void NumberPiece(Flash_Data& piece, HX_U32 number) {
     std::memset(&piece, 0, sizeof piece);
     piece.PageNum = static_cast<HX_U16>(number);
@@ -87,7 +87,7 @@ HX_U8 SendImage(HX_U8 AdapterID, HX_U8 Type, const char* filename) {
         NumberPiece(*piece, number);
         ReadFromFile(file.Get(), piece->Data, sizeof piece->Data, &piece->DataLength);
         if (piece->DataLength == 0) return kFailed;
-        // The position is at most 2 GiB, so that it never meets a length that 32 bits do not hold.
+        // The position is at most 2 GiB, so it never equals the all-ones length of a larger file.
         const bool last = FileSeek(file.Get(), 0, SEEK_CUR) == GetFileLen(file.Get());
         piece->isLastPage = last ? 1 : 0;
         const HX_U8 status = HX_Flash_Bin(AdapterID, HX_FLASH_WRITE, Type, piece.get());
@@ -101,13 +101,13 @@ HX_U8 ReceiveImage(HX_U8 AdapterID, HX_U8 Type, const char* filename) {
     if (piece == nullptr) return kFailed;
     const Descriptor file = OpenImageForWrite(filename);
     if (!file.IsOpen()) return kFailed;
-    // Whatever the umask says; somebody else's file keeps its mode.
+    // Whatever the umask is. A file of another user keeps its mode.
     static_cast<void>(fchmod(file.Get(), kImageMode));
     for (HX_U32 number = 0; number < kMostPieces; ++number) {
         NumberPiece(*piece, number);
         const HX_U8 status = HX_Flash_Bin(AdapterID, HX_FLASH_READ, Type, piece.get());
         if (status != HX_SUCCESS) return status;
-        // A failed write is not reported: the code is the controller's.
+        // A failed write is not reported: the function returns the controller's code.
         WriteToFile(file.Get(), piece->Data,
                     std::min<HX_U32>(piece->DataLength, sizeof piece->Data));
         if (piece->isLastPage != 0) return status;
@@ -119,13 +119,13 @@ constexpr std::size_t kBiosHeaderSize = 64;
 
 HX_U16 LittleEndian16(const HX_U8* at) { return static_cast<HX_U16>(at[0] | at[1] << 8); }
 
-// Whatever byte stands where a digit belongs counts as one; the numbers wrap at 16 bits.
+// Other bytes than digits are not refused; the numbers wrap at 16 bits.
 HX_U16 Digit(const HX_U8* at) { return static_cast<HX_U16>(at[0] - '0'); }
 HX_U16 TwoDigits(const HX_U8* at) {
     return static_cast<HX_U16>(10 * (at[0] - '0') + (at[1] - '0'));
 }
 
-// What 32 bits say of a file position.
+// A file position in 32 bits: all ones when it does not fit.
 HX_U32 Position(off_t position) {
     constexpr HX_U32 kNone = std::numeric_limits<HX_U32>::max();
     return position < 0 || position > off_t{kNone} ? kNone : static_cast<HX_U32>(position);

@@ -35,8 +35,8 @@ struct VX_BIOS_Version {
 /// from the adapter to the file when it is 240; every other action does nothing and returns 0.
 ///
 /// Returns 1 without a path (also one that fills its 256 bytes without a NUL), when the file cannot
-/// be opened, when it ends before the piece that is marked last, when the pieces cannot be numbered
-/// in 16 bits and when there is no memory; otherwise the controller's code for the last piece.
+/// be opened, when it ends before the piece that is marked last, when it has more than 65536 pieces
+/// and when there is no memory; otherwise the controller's code for the last piece.
 ///
 /// Only regular files are opened. The file of an image that is read is made when it is missing, and
 /// its mode becomes 0644. It is overwritten from its start and not shortened, and a failed write is

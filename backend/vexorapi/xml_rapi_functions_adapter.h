@@ -100,7 +100,8 @@ inline constexpr Function kHX_Adapter_SetConfig{
     StatusOnly<VX_Adapter_SetConfig>(),
 };
 
-// HX_Adapter_GetConfig: of all adapters the last one's settings remain, under the total count.
+// HX_Adapter_GetConfig: asked for all adapters, each one's settings overwrite the last one's, and
+// Count is the total.
 inline constexpr Function kHX_Adapter_GetConfig{
     "HX_Adapter_GetConfig",
     &XML_RA_FuncData::HX_Adapter_GetConfig,

@@ -108,7 +108,7 @@ inline constexpr Function kHX_PD_GetBGAStatus{
     Reply<kHD_BGA_Status_Reply, VX_PD_GetBGAStatus>(),
 };
 
-// HX_PD_GetRCT: a window of the disk's remap table. Records are written as many as were asked for.
+// HX_PD_GetRCT: a window of the disk's remap table. As many records are written as were asked for.
 inline constexpr Function kHX_PD_GetRCT{
     "HX_PD_GetRCT",
     &XML_RA_FuncData::HX_PD_GetRCT,

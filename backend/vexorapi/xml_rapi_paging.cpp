@@ -23,7 +23,8 @@ void AdjustRequestNum(RequestHeader* pReq, HX_U16 maxAdapterSupport, HX_U16 maxA
 void ResetnumRequestOfRequestHead(RequestHeader* pReq, HX_U16 maxAdapterSupport,
                                   HX_U16 maxRequested, HX_U16 numreturned, HX_U16 maxAPISupport) {
     if (pReq->nextStartingIndex == HX_LIST_COMPLETE) return;
-    // More entries than were wanted must not turn into a request for nearly 65536.
+    // Never negative: a controller that returned too many entries is not asked for nearly 65536
+    // more.
     const int missing = std::max(0, maxRequested - numreturned);
     pReq->numRequested = static_cast<HX_U16>(missing);
     AdjustRequestNum(pReq, maxAdapterSupport, maxAPISupport);
@@ -33,7 +34,7 @@ HX_U16 Get_Adapter_MaxBuffersize(HX_U8 AdapterID) {
     if (AdapterID == HX_ALL_ADAPTERS) return 0;
     HX_U8 count = 0;
     Adapter_Info info{};
-    // An adapter that fails leaves the record as it is: 0, no limit.
+    // When the call fails the record stays 0: no limit.
     static_cast<void>(HX_Adapter_GetInfo(AdapterID, &count, &info));
     return info.MaxBufferSize;
 }

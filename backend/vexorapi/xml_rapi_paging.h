@@ -27,8 +27,8 @@ void AdjustRequestNum(RequestHeader* pReq, HX_U16 maxAdapterSupport, HX_U16 maxA
 void ResetnumRequestOfRequestHead(RequestHeader* pReq, HX_U16 maxAdapterSupport,
                                   HX_U16 maxRequested, HX_U16 numreturned, HX_U16 maxAPISupport);
 
-/// KiB that the adapter can move in one call; 0 when it names no limit, when it does not answer,
-/// and for all adapters together.
+/// KiB that the adapter can move in one call; 0 when it has no limit, when the call fails, and for
+/// HX_ALL_ADAPTERS.
 HX_U16 Get_Adapter_MaxBuffersize(HX_U8 AdapterID);
 
 /// Collects a list page by page. `fetch` is called with the adapter and the request's header,
@@ -45,16 +45,16 @@ struct PagesCall {
     bool operator()(R& record) const {
         RequestHeader& header = record.Request.header;
         const HX_U16 requested = header.numRequested;
-        // The controller's pages and the list's room are both counted in items of the header's 16
-        // bits. calloc: the room that stays unused costs no memory.
+        // Room for all items that were requested, at most 65535. calloc, because unused room of it
+        // costs no memory.
         auto* const list = static_cast<std::byte*>(
             std::calloc(1, sizeof(RequestHeader) + std::size_t{requested} * sizeof(Item)));
         if (list == nullptr) return false;
         record.Result = reinterpret_cast<RequestHeader*>(list);
 
         const HX_U16 kibibytes = Get_Adapter_MaxBuffersize(record.AdapterID);
-        // Narrowed to 16 bits on purpose, as controllers have always been asked: 65536 items wrap
-        // to none, so that a buffer of 1024 KiB lists nothing when its items have 8 bytes or 16.
+        // Cut to 16 bits on purpose, because controllers have always been asked so: 65536 items
+        // become 0, and a buffer of 1024 KiB lists nothing when an item has 8 or 16 bytes.
         const auto page_limit = static_cast<HX_U16>(
             kibibytes == 0 ? kLimit : std::size_t{kibibytes} * 1024 / sizeof(Item));
         AdjustRequestNum(&header, page_limit, kLimit);

@@ -28,8 +28,8 @@ constexpr RequestParam<R, T> Param(const char* name, T R::*field) {
     return {name, field};
 }
 
-/// A text that is taken whole or not at all, because a path, name or password that is cut would be
-/// another one: a longer text fills its field without a NUL, which its reader refuses.
+/// A text that must not be cut: a path, name or password. A text that is too long fills the field
+/// without a NUL, which the function refuses.
 template <class R, std::size_t n>
 struct WholeTextRow {
     using Of = R;
@@ -42,8 +42,8 @@ constexpr WholeTextRow<R, n> WholeTextParam(const char* name, char (R::*field)[n
     return {name, field};
 }
 
-/// The children of a request, or of a record within it. Where they begin with the members that are
-/// left out, they must fill all others: so it is for records of the controller library.
+/// The children of a request, or of a record within it. For a record of the controller library they
+/// begin with the members that are left out, and must then fill all others.
 template <class R, class... Row>
 struct Params {
     using Type = R;
@@ -105,7 +105,7 @@ inline void StoreParam(XMLElement& elmt, const char*, HX_U64& field) {
     const char* cursor = elmt.CharDataBuf;
     XMLWR_CharDataToDec64(&cursor, &field);
 }
-// An array: as many numbers as there are and as the field holds; the rest of it stays.
+// An array: as many numbers as the text has and the field holds; the rest of the field stays.
 template <class T, std::size_t n>
 requires std::is_unsigned_v<T>
 void StoreParam(XMLElement& elmt, const char*, T (&field)[n]) {
@@ -145,8 +145,8 @@ bool TakeParam(XMLElement& elmt, const char* name, R& record,
     return ReadParam(elmt, name, record.*row.field, row.params);
 }
 
-/// Stores the child that has just ended when one of the rows is its, and returns whether one was.
-/// The first equal name decides.
+/// Stores the child that has just ended in the field of the first row with its name. Returns
+/// whether there is one.
 template <class R, class... Row>
 bool ReadParam(XMLElement& elmt, const char* name, R& record, const Params<R, Row...>& params) {
     return params.rows.Apply(

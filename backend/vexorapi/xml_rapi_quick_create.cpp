@@ -28,8 +28,8 @@ static_assert(sizeof kQuickName <= HX_NAME_SIZE);
 
 constexpr HX_U8 kLook = 1;  // HX_DiskHasOS: the only kind of look there is
 
-// A list request with room for `room` records behind the header, in the way in which Request, the
-// controller library's type for it, has room for one.
+// A list request with room for `room` records behind the header; Request, the controller library's
+// own type, has room for one.
 template <class Request, class Item, HX_U16 room>
 struct List {
     RequestHeader header;
@@ -55,7 +55,7 @@ bool IsInUse(HX_U16 DiskID, std::span<const Block_Info> blocks) {
     });
 }
 
-// What a walk over the blocks needs: a page, and the start indices at which it has been.
+// A walk over the blocks: a page, and the start indices visited.
 struct BlockWalk {
     BlockList page;
     bool visited[HX_LIST_COMPLETE];
@@ -66,8 +66,8 @@ struct RaidLevel {
     RaidSupport support;
 };
 
-// The most wanted first. A pair is made of more disks by leaving some out, and RAID 6 is made of
-// three disks already.
+// The best level first. RAID 1 takes the first two disks and leaves the others; RAID 6 is offered
+// from three disks on.
 constexpr RaidLevel kRaidLevels[] = {
     // bit, {raidmode, minhdcount, isEvenNum, isOddNum, isExactNum}
     {0x0100, {kRaid60, 6, 1, 0, 0}},      // RAID 60
@@ -99,11 +99,11 @@ HX_U8 HDisFreeDiskForSkua(HX_U8 AdapterID, HX_U16 DiskID) {
         walk->visited[start] = true;
         std::memset(&page, 0, sizeof page);
         setRequestHeader(&page.header, HX_REQUEST_BY_INDEX, start, kBlocksPerPage);
-        // Every page overwrites the status: what counts in the end is the last page alone.
+        // Each page overwrites the status, so that the last page alone decides.
         status = HX_BLK_GetInfo(AdapterID, page.AsRequest());
         if (status == HX_SUCCESS && IsInUse(DiskID, page.Returned())) status = kDiskInUse;
         start = page.header.nextStartingIndex;
-        // A list that leads back to where it has been would never end.
+        // A list that leads back to a page that was visited would never end.
     } while (start != HX_LIST_COMPLETE && !walk->visited[start]);
     if (HX_DiskHasOS(AdapterID, kLook, 1, &DiskID) != 0) status = kDiskHasOS;
     return status;
@@ -128,7 +128,7 @@ HX_U8 HX_LD_QuickCreate(HX_U8 AdapterID, HX_BOOLEAN type) {
     const auto disks = MakeZeroedBlock<StatusList>();
     if (disks == nullptr) return kOutOfMemory;
     setRequestHeader(&disks->header, HX_REQUEST_BY_INDEX, 0, HX_MAX_HDS);
-    // Its code is not looked at: a list that cannot be read holds no disk.
+    // The code is ignored: a list that cannot be read holds no disk.
     static_cast<void>(HX_PD_GetHDRaidStatus(AdapterID, disks->AsRequest()));
 
     Create_LD_Param param{};

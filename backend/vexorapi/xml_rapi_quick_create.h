@@ -6,11 +6,10 @@
 
 #include "hxraid.h"
 
-/// Whether a new virtual disk can have the disk: 0 when it can.
+/// Whether the disk can be used for a new virtual disk: 0 when it can.
 ///
-/// 73 when a block of a virtual disk lies on it, as far as the last page of the adapter's blocks
-/// tells; 159 when it holds an operating system; 4 when there is no memory; else the code with
-/// which that page failed.
+/// 73 when the last page of the adapter's blocks lists a block of a virtual disk on it; 159 when it
+/// holds an operating system; 4 when there is no memory; else the code with which that page failed.
 HX_U8 HDisFreeDiskForSkua(HX_U8 AdapterID, HX_U16 DiskID);
 
 /// A RAID level and the disks that it can be made of.

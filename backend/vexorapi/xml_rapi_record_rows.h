@@ -32,7 +32,7 @@ inline constexpr Record kVersion_Info_BIOS{
     Hex("DevID", kU16, &VX_BIOS_Version::SubDevID),
 };
 
-// A user's name goes without a record element of its own.
+// A user's name has no record element of its own.
 inline constexpr Record kUserName_Value{
     "",
     PartOf<VX_GetUserName>(),
@@ -82,7 +82,7 @@ private:
     static std::size_t Ports(const Adapter_Info& record) {
         return record.PortCount < kPorts ? record.PortCount : kPorts;
     }
-    // A whole element but its items, to be measured; `name` ends in the port's number.
+    // A whole element without its items, to be measured; the names end in the port's number.
     static constexpr void Element(LiteralSink& sink, int depth, std::string_view number) {
         ArrayHead(sink, depth, "PortSasAddress", kU8.name, 8);
         sink.Put(number);
@@ -154,7 +154,7 @@ inline constexpr Record kAdapter_Info{
     Col("hba_info_img_health", kBOOL, &Adapter_Info::hba_info_img_health),
 };
 
-// Links, disks and what they hang on -------------------------------------------------------------
+// Links, disks, expanders and port multipliers ----------------------------------------------------
 
 inline constexpr Record kRequestHeader_Entity_Info{
     "struct RequestHeader",
@@ -487,8 +487,7 @@ inline constexpr Record kDG_Info{
     Col("BgaState", kHX_U8, &DG_Info::BgaState),
 };
 
-// Of a disk group's parameters a creation answers with its number, a question for the size with
-// that.
+// The result of creating a disk group is its number, the result of sizing one is its size.
 inline constexpr Record kCreate_DG_Param{
     "struct CreateOrModify_DG_Param",
     PartOf<CreateOrModify_DG_Param>(),

@@ -149,8 +149,7 @@ int XML_RA_DG_Size(XMLWR_Doc* doc, const char* elmt, const CreateOrModify_DG_Par
     return WriteRecords<kDG_Size>(doc, elmt, records, count);
 }
 
-// Which bits a disk's ConnectionType and DeviceType get when the controller tells them by HDType
-// alone.
+// The ConnectionType and DeviceType of a disk for which the controller sets only HDType.
 struct TypeBits {
     HX_U8 hd_type;
     HX_U8 value;

@@ -35,7 +35,7 @@ inline constexpr PagedReply<kHD_Info, XML_RA_HD_Info, XML_RA_HD_Info_Request> kH
     "HD_Info"};
 inline constexpr PagedReply<kHD_BGA_Status, XML_RA_HD_BGA_Status, XML_RA_HD_BGA_Status_Request>
     kHD_BGA_Status_Reply{"HD_BGA_Status"};
-// Free space goes under the name of the disks' own list.
+// Free space is listed under the same element name as disks.
 inline constexpr PagedReply<kHD_FreeSpaceInfo, XML_RA_HD_FreeSpaceInfo,
                             XML_RA_HD_FreeSpaceInfo_Request>
     kHD_FreeSpaceInfo_Reply{"HD_Info"};
@@ -53,8 +53,8 @@ inline constexpr PagedReply<kEnclosure_Info, XML_RA_Enclosure_Info,
 inline constexpr PagedReply<kDG_Info, XML_RA_DG_Info, XML_RA_DG_Info_Request> kDG_Info_Reply{
     "DG_Info"};
 
-/// Writes each of `count` replies: its header, and the items that the header counts. A reply ends
-/// where its items end. Returns 1.
+/// Writes each of `count` replies: its header, and as many items as the header counts. The next
+/// reply begins behind them. Returns 1.
 template <const auto& kReply>
 int WriteReplies(XMLWR_Doc* doc, RequestHeader* replies, HX_U32 count) {
     using Item = typename std::remove_cvref_t<decltype(kReply)>::Item;

@@ -9,8 +9,8 @@
 #include "xml_rapi_user.h"
 #include "xml_rapi_wrappers.h"
 
-/// What the executor's sum over all adapters can reach: it counts in 8 bits, so the last adapter's
-/// items begin at element 255 at the most, and a controller can return 255 of them.
+/// Room for the items of all adapters: their sum has 8 bits, so that the last adapter's items begin
+/// at element 255 at most, and a controller can return 255 of them.
 inline constexpr std::size_t kAdapterRoom = 255 + 255;
 
 /// Elements of an enclosure request's array; every pair of 8-bit counts fits.
@@ -74,8 +74,8 @@ struct PagedRequest {
     };
     HX_U8 RetVal;
     HX_U8 AdapterID;
-    HX_U16 ID;              // not looked at
-    HX_U32 Count;           // not looked at
+    HX_U16 ID;              // ignored
+    HX_U32 Count;           // ignored
     RequestHeader* Result;  // the collected list: a header and its items; the executor's
     Page Request;           // what the controller is called with
 };
@@ -179,7 +179,7 @@ struct VX_PD_StartMediaPatrol {
     HX_U16 HD_ID;
 };
 
-// No command reaches it.
+// The function is not in the table: no command can call it.
 struct VX_PD_HDMPCheck {
     HX_U8 RetVal;
     HX_U8 AdapterID;
@@ -304,7 +304,7 @@ struct DG_ParamRequest {
 using VX_DG_Create = DG_ParamRequest;
 using VX_DG_GetSizeOnly = DG_ParamRequest;
 using VX_DG_Modify = DG_ParamRequest;
-using VX_CreateOrModify_DG = DG_ParamRequest;  // no command reaches it
+using VX_CreateOrModify_DG = DG_ParamRequest;  // not in the table
 
 struct VX_DG_Delete {
     HX_U8 RetVal;
@@ -384,7 +384,7 @@ struct VX_Flash_Erase {
     HX_U8 Page;
 };
 
-// Any of them -----------------------------------------------------------------------------------
+// The request ------------------------------------------------------------------------------------
 
 /// One vendor-function request: the function's name, and the parameters and results of that
 /// function. Only as much of it is allocated as the named function's record needs.

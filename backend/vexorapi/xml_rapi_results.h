@@ -31,7 +31,7 @@ struct NoList {
     static constexpr bool kWrites = false;
 };
 
-/// As many records as the request's record counts, and never more than it holds.
+/// As many records as `number` says, at most as many as the field holds.
 template <const auto& kRecord, auto writer, class R, std::size_t room, class Number>
 struct CountedList {
     static constexpr bool kWrites = true;
@@ -58,7 +58,7 @@ struct CollectedList {
     static constexpr bool kWrites = true;
     static constexpr const auto& kItems = kReply;
 
-    // Header and items bear their own names.
+    // The reply's writer names its elements itself.
     void Write(XMLWR_Doc* doc, const char*, R& record) const {
         kReply.WriteReply(doc, nullptr, record.Result, 1);
     }
@@ -69,8 +69,8 @@ constexpr CollectedList<kReply, R> Reply() {
     return {};
 }
 
-/// A user's values. Their writer is given the function element's own name and closes it; the
-/// closing call that ends every result then finds no element open and writes nothing.
+/// A user's values. Their writer closes the function element itself, so that the closing call at
+/// the end of every result finds no element open and writes nothing.
 template <auto writer, class R, class Inner>
 struct UserValues {
     static constexpr bool kWrites = true;

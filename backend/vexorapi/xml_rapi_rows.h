@@ -77,8 +77,7 @@ consteval auto MakeLiteral(Fill fill) {
     return text;
 }
 
-/// Copies a literal. In pieces, because compilers copy a few dozen bytes of known number in place
-/// and call a function for more.
+/// Copies a literal, in pieces of 64 bytes: compilers copy those in place and call memcpy for more.
 template <std::size_t n>
 [[gnu::always_inline]] inline char* PutLiteral(char* at, const std::array<char, n>& text) {
     constexpr std::size_t kPiece = 64;
@@ -183,8 +182,8 @@ struct Column {
 /// Whether the last item of an array is followed by a blank, as every other one is.
 enum class LastBlank : bool { No, Yes };
 
-// Whether each item of a word (8 bytes of them) is a single digit: none has a bit above its low
-// four, nor gets one when 6 is added.
+// Whether all items in a word of 8 bytes are single digits: no item has a bit above its low four,
+// and none gets one when 6 is added.
 template <class T>
 [[gnu::always_inline]] inline bool AreDigits(const T* items) {
     constexpr std::uint64_t kOnes = UINT64_MAX / static_cast<T>(-1);
@@ -215,8 +214,8 @@ template <class T>
 // The items of an array on one line, each followed by a blank.
 template <class T, std::size_t n>
 [[gnu::always_inline]] inline char* PutItems(char* at, const T (&items)[n]) {
-    // Most arrays are unused, and written whole all the same; flags and small codes fill others. So
-    // a word of single digits is one step.
+    // A word of single digits is one step: most arrays are all zero, others hold flags or small
+    // codes.
     constexpr std::size_t kItemsOfWord = sizeof(std::uint64_t) / sizeof(T);
     constexpr bool kByWords = sizeof(T) <= 2 && n >= 8 && n % kItemsOfWord == 0;
     constexpr std::size_t kStep = kByWords ? kItemsOfWord : 1;

@@ -1,5 +1,5 @@
-// Texts of fixed-width fields: how a request's become arguments, and how a controller's characters
-// become the text that is written.
+// Texts in fixed-width fields: those of a request, and those of a controller as a result shows
+// them.
 //
 // A cleaner's Put(at, field) writes the text of an n-character field at `at` and returns its end;
 // n + 1 bytes from `at` on may be overwritten.
@@ -40,8 +40,8 @@ void CutText(char (&field)[n], const char* text, std::size_t length) {
 
 /// The text in a request's field of `size` bytes.
 ///
-/// Null when there is none, or when no NUL ends it within the field: what was sent was longer, and
-/// a name, password or path is never taken for a prefix of itself.
+/// Null when there is none, or when the field has no NUL: then the text was too long, and a name,
+/// password or path must not be cut.
 inline const char* WholeText(const HX_U8* field, std::size_t size) {
     if (field == nullptr || std::memchr(field, '\0', size) == nullptr) return nullptr;
     return reinterpret_cast<const char*>(field);
@@ -51,7 +51,7 @@ inline const char* WholeText(const HX_U8* field, std::size_t size) {
 struct PlainText {
     template <class C, std::size_t n>
     static char* Put(char* at, const C (&field)[n]) {
-        // The field's NUL is not relied on: the whole width is text when there is none.
+        // Without a NUL the whole field is text.
         std::memcpy(at, field, n);
         return TextEnd<n>(at);
     }

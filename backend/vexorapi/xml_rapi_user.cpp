@@ -79,8 +79,8 @@ File OpenDatabase(const char* path) {
     return file;
 }
 
-// The first entry of that name, as the system's lookup takes it. A reading that found too little
-// room may have used its line up, so that every search begins at the start.
+// Finds the first entry of that name, as the system's lookup does. Each search starts at the
+// beginning of the file, because a read that had too little room may have consumed its line.
 template <class Database>
 int FindInFile(std::FILE* file, const char* name, typename Database::Entry* entry, char* texts,
                std::size_t room, typename Database::Entry** found) {
@@ -92,8 +92,8 @@ int FindInFile(std::FILE* file, const char* name, typename Database::Entry* entr
     }
 }
 
-// Room for the texts of one entry. A group of some fifty thousand members fits into the most;
-// an entry that needs more counts as missing.
+// Room for the texts of one entry: enough for a group of some fifty thousand members. An entry that
+// needs more counts as missing.
 constexpr std::size_t kFirstRoom = 1024;
 constexpr std::size_t kMostRoom = std::size_t{1} << 20;
 
@@ -151,8 +151,8 @@ bool IsPassword(const char* password, const char* stored_hash) {
     const auto data = MakeSecretBlock<crypt_data>();
     if (data == nullptr) return false;
     const char* const hash = crypt_r(password, stored_hash, data.get());
-    // crypt answers what is no hash (a locked or empty entry) with null or a text that begins with
-    // an asterisk. No hash begins so: what stands in the entry must not match it by accident.
+    // For an entry that is no hash (locked or empty) crypt returns null or a text that begins with
+    // an asterisk, as no hash does. That text must not equal the entry by accident.
     if (hash == nullptr || *hash == '*') return false;
     return std::strcmp(hash, stored_hash) == 0;
 }

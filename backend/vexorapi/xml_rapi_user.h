@@ -42,7 +42,7 @@ using VX_GetUserGroup = VX_HX_GetUserGroup;
 /// The record of HX_GetUserName.
 struct VX_HX_GetUserName {
     char UserName[kUserTextSize];
-    char DomaimName[kUserTextSize];  // The m is how the field's users spell it.
+    char DomaimName[kUserTextSize];  // The interface spells it so.
     HX_U32 nsize;
     HX_U32 dsize;
     HX_U8 RetVal;
@@ -54,9 +54,8 @@ using VX_GetUserName = VX_HX_GetUserName;
 /// Returns 0 when the password is right, 2 when the user has no shadow entry (*UG is UnknownUser),
 /// 3 when the password is wrong; a locked or empty stored hash takes none. *UG depends on the user
 /// alone, so it is the user's group also when the password is wrong, and UnknownUser when the host
-/// has no group "root". A user name that fills its 128 bytes without a NUL is nobody's, such a
-/// password is wrong. The texts remain the caller's: it wipes the password, of which no copy stays
-/// behind here.
+/// has no group "root". A user name that fills its 128 bytes without a NUL has no shadow entry,
+/// such a password is wrong. No copy of the password stays in memory; the caller wipes its own.
 HX_BOOLEAN HX_LogonUser(HX_U8* lpszUsername, HX_U8* lpszDomain, HX_U8* lpszPassword,
                         HX_U32 dwLogonType, HX_U32 dwLogonProvider, void* phToken, UserGroup* UG);
 

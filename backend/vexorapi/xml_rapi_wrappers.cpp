@@ -1,4 +1,4 @@
-// Functions by another name.
+// Each calls the controller library's function of the other name.
 #include "xml_rapi_wrappers.h"
 
 namespace {

@@ -6,13 +6,13 @@
 
 #include "hxraid.h"
 
-/// The controller keeps a battery's capacity to itself: does nothing and returns 0.
+/// Does nothing and returns 0: the controller library has no call for it.
 HX_U8 HX_BBU_SetMaxCapacity(HX_U8 BBU_ID, HX_U16 maxCapacity);
 
 /// Starts a learning cycle of the battery, which is power action 0.
 HX_U8 HX_BBU_ActRelearn(HX_U8 AdapterID);
 
-/// Lists spare disks: the list of what disks are used for, which holds them too.
+/// Lists spare disks: returns the list of what disks are used for, spares among them.
 HX_U8 HX_PD_GetSpareInfo(HX_U8 AdapterID, HD_RAID_Status_Request* pHdRaidStatusReq);
 
 /// The record of HX_PD_StartDataScrub.

@@ -91,9 +91,9 @@ void ReadVersions(VX_Module_GetInfo& info) {
                              eventSvcVersionBuild);
 }
 
-// A larger page fills the document before its last event is reached, so that the events behind are
-// not even read. The shortest event element has 430 bytes; a few events more are for the last bytes
-// of the document, which take only the smallest of their pieces.
+// More events than these never fit into a document, so they are not read. The shortest event
+// element has 430 bytes; ten more are allowed for, because small pieces of further elements still
+// fit into the last bytes.
 constexpr HX_U32 kMostListed = kDocCapacity / 430 + 10;
 static_assert(kMostListed < kMaxEvents);
 
@@ -105,8 +105,8 @@ void ReadEvents(VX_HX_EVT_GetEvents& query) {
     query.RetVal = VX_EvGetFirst(&query.n, &query.s, &query.e, query.ev, kMostListed);
 }
 
-// How many of the events are told: a query for the extent, which comes back with their number in n,
-// lists none.
+// The number of events that the result lists: none for a query for the extent, although their
+// number is in n.
 HX_U32 ListedEvents(const VX_HX_EVT_GetEvents& query) {
     return query.nn == 0 ? 0 : std::min(query.n, kMostListed);
 }

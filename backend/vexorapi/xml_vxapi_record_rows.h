@@ -35,8 +35,8 @@ inline constexpr Record kChangeCounters{
     Col("ARRAY_Change", kU32, &VX_HX_ChangeCounters::ARRAY_Change),
 };
 
-// The sense data as far as it is valid: no element at all when there is none. Because its width is
-// the event's, the whole element is this row's value.
+// The valid part of the sense data; no element at all when there is none. Its width differs from
+// event to event, so that the whole element is the row's value.
 struct SenseDataRow {
     using Of = Event;
     static constexpr std::size_t kWidth = sizeof(Event::SenseData);
@@ -96,7 +96,7 @@ private:
     });
 };
 
-// The event's text, its line end included, rendered where it is to stand.
+// The event's text, its line end included, rendered into the document.
 struct EventTextRow {
     using Of = Event;
     static constexpr std::size_t kWidth = 0;
@@ -121,7 +121,7 @@ struct EventTextRow {
     }
 };
 
-// The controller's own sequence number is not told: events are counted by the store's.
+// The controller's own sequence number is left out: events are counted by the store's.
 inline constexpr Record kEvent{
     "struct Event",
     Without(&Event::SequenceNo, &Event::Reserved2),
