@@ -15,10 +15,19 @@ target_compile_options(vexor_hardening INTERFACE -fstack-protector-strong -fstac
 
 # Fortified calls need the optimiser: without it glibc only warns. The sanitizers see the plain
 # calls better than their fortified forms. -U first, for compilers that define it by themselves.
+set(optimised "$<CONFIG:Release,RelWithDebInfo,MinSizeRel>")
+set(optimised "$<AND:${optimised},$<NOT:$<BOOL:$<TARGET_PROPERTY:VEXOR_UNOPTIMISED>>>>")
 if(NOT VEXORAPI_SANITIZED)
     target_compile_options(vexor_hardening INTERFACE
-        "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+        "$<${optimised}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
 endif()
+
+# vexor_unoptimised(TARGET): for what is compiled more often than it runs, such as tests and programs
+# that only serve the build. It is quickly compiled and says where it crashed, in every build.
+function(vexor_unoptimised target)
+    set_target_properties(${target} PROPERTIES VEXOR_UNOPTIMISED ON)
+    target_compile_options(${target} PRIVATE -O0 -g1)
+endfunction()
 
 # A 32-bit program sees files past 2 GiB and dates past 2038 only when it asks for both.
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)

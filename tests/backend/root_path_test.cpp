@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "support/child_process.h"
+#include "support/folders.h"
 #include "support/temporary_root.h"
 
 namespace {
@@ -88,7 +89,9 @@ TEST_F(RootPathTest, IsNullForAPathThatDoesNotFitByItself) {
 // A copy of a program that prints its path, in a folder that VEXORAPI_ROOT names.
 class PrivilegedRootPathTest : public testing::Test {
 protected:
-    PrivilegedRootPathTest() { std::filesystem::copy_file(PRINT_ROOT_PATH, program_); }
+    PrivilegedRootPathTest() {
+        std::filesystem::copy_file(std::string(kProgramFolder) + "/print_root_path", program_);
+    }
 
     // Lends the copy to another user (root may) or to another of our groups (anybody may). Returns
     // false when neither can be done here.

@@ -7,6 +7,7 @@
 #include <iterator>
 #include <string>
 
+#include "support/folders.h"
 #include "targets.h"
 
 namespace {
@@ -16,7 +17,8 @@ using Target = const char* (*)(const std::uint8_t* data, std::size_t size);
 // Replays one folder of the corpus and returns the number of its inputs.
 int Replay(const std::string& folder, Target target) {
     int inputs = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(FUZZ_CORPUS "/" + folder)) {
+    const std::string path = std::string(kSourceFolder) + "/fuzz/corpus/" + folder;
+    for (const auto& entry : std::filesystem::directory_iterator(path)) {
         std::ifstream file(entry.path(), std::ios::binary);
         const std::string bytes{std::istreambuf_iterator<char>(file), {}};
         EXPECT_STREQ(nullptr,

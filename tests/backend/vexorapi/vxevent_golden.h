@@ -7,9 +7,16 @@
 #include <iterator>
 #include <string>
 
+#include "support/folders.h"
+
+/// The path of a file below golden/.
+inline std::string GoldenPath(const std::string& name) {
+    return std::string(kSourceFolder) + "/tests/backend/vexorapi/golden/" + name;
+}
+
 /// A file below golden/ as it stands.
 inline std::string GoldenText(const std::string& name) {
-    std::ifstream file(std::string(GOLDEN_FOLDER) + "/" + name, std::ios::binary);
+    std::ifstream file(GoldenPath(name), std::ios::binary);
     EXPECT_TRUE(file.is_open()) << name;
     return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -17,7 +24,7 @@ inline std::string GoldenText(const std::string& name) {
 /// The bytes that a file below golden/ tells: pairs of hexadecimal digits, "texts" as they
 /// stand, "@n" (zeros up to offset n, in decimal), and comments from "#" to the line's end.
 inline std::string GoldenBytes(const std::string& name) {
-    std::ifstream file(std::string(GOLDEN_FOLDER) + "/" + name);
+    std::ifstream file(GoldenPath(name));
     EXPECT_TRUE(file.is_open()) << name;
     std::string bytes;
     char first;

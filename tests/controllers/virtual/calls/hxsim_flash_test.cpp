@@ -16,6 +16,7 @@
 #include "codes/flash.h"
 #include "codes/status.h"
 #include "controllers/virtual/support/living_parts.h"
+#include "support/folders.h"
 
 namespace {
 
@@ -25,7 +26,7 @@ using parts::kNow;
 using testing::ElementsAre;
 
 std::string SampleFile() {
-    std::ifstream file(SAMPLE_BIOS, std::ios::binary);
+    std::ifstream file(std::string(kSourceFolder) + "/examples/sample-bios.bin", std::ios::binary);
     std::string image{std::istreambuf_iterator<char>(file), {}};
     EXPECT_EQ(40960u, image.size()) << "the example is not where this test's source says";
     image.resize(40960);
