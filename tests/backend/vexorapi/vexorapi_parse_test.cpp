@@ -1,99 +1,22 @@
 // The parse of a command: path and depth, the selection of the function at the root, what reaches
-// the function's handlers, the collected text, and the bounds of all of it.
+// the function's handlers, the collected text, and the bounds of both.
 #include "vexorapi_parse.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <climits>
-#include <cstdlib>
 #include <ostream>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "debug_log.h"
-#include "support/temporary_root.h"
+#include "vexorapi_parse_fixture.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
-
-std::string Times(int count, std::string_view text) {
-    std::string all;
-    for (int i = 0; i < count; ++i) all += text;
-    return all;
-}
-
-std::string Position(const XMLElement& elmt) {
-    return std::to_string(elmt.Depth) + " " + elmt.DirName;
-}
-
-// What the function's handlers were called with, one line a call.
-std::vector<std::string>* calls = nullptr;
-
-void XMLCALL NoteStart(void* userData, const XML_Char* name, const XML_Char** atts) {
-    std::string line = std::string("start ") + name;
-    for (; *atts != nullptr; atts += 2) line += std::string(" ") + atts[0] + "=" + atts[1];
-    calls->push_back(line + " at " + Position(*static_cast<XMLElement*>(userData)));
-}
-
-void XMLCALL NoteEnd(void* userData, const XML_Char* name) {
-    const auto& elmt = *static_cast<XMLElement*>(userData);
-    calls->push_back(std::string("end ") + name + " at " + Position(elmt) + " text " +
-                     std::to_string(elmt.CharDataIndex) + " [" + elmt.CharDataBuf + "]");
-}
-
-void XMLCALL NoteText(void* userData, const XML_Char* s, int len) {
-    calls->push_back("text [" + std::string(s, static_cast<std::size_t>(len)) + "] after " +
-                     std::to_string(static_cast<XMLElement*>(userData)->CharDataIndex));
-}
-
-class Parse : public testing::Test {
-protected:
-    Parse() {
-        calls = &handler_calls;
-        ResetElement(elmt);
-    }
-    ~Parse() override {
-        FreeRecord(elmt);
-        calls = nullptr;
-    }
-
-    // Without type="function" at the root the handler slots stay as they are, so that handlers
-    // installed beforehand see what a function's would.
-    void InstallHandlers() {
-        elmt.StartHandler = NoteStart;
-        elmt.EndHandler = NoteEnd;
-    }
-
-    int Run(std::string_view text) {
-        return RunExpat(text.data(), text.size(), &elmt, elmt.Guard,
-                        {RA_StartElement, RA_EndElement, RA_CharacterDataHandler,
-                         DeclarationWatch<XMLElement>::Doctype});
-    }
-
-    // The text that an element's end handler is given.
-    std::string TextAtEnd(std::string_view document) {
-        InstallHandlers();
-        EXPECT_EQ(1, Run(document));
-        return handler_calls.back();
-    }
-
-    const char* FunctionName() const { return static_cast<const char*>(elmt.Ext); }
-
-    std::vector<std::string> handler_calls;
-    XMLElement elmt;
-};
-
-class ParseLog : public Parse {
-protected:
-    TemporaryRoot root;
-    DebugLog log{root};
-};
 
 // ---- the path ----------------------------------------------------------------------------------
 
@@ -453,169 +376,6 @@ TEST_F(ParseLog, TellsTheKeptText) {
 TEST_F(ParseLog, TellsTextWithoutFormattingItAgain) {
     EXPECT_EQ(1, Run("<r>%s%n%d</r>"));
     EXPECT_EQ("Dir = r\nDir = r\n[CD 6]:%s%n%d\n", log.Text());
-}
-
-// ---- document types ----------------------------------------------------------------------------
-
-std::string Declaring(int count, const std::string& declaration) {
-    std::string text = "<!DOCTYPE r [";
-    for (int i = 0; i < count; ++i) {
-        std::string one = declaration;
-        for (std::size_t at; (at = one.find('@')) != std::string::npos;) {
-            one.replace(at, 1, std::to_string(i));
-        }
-        text += one;
-    }
-    return text + "]><r/>";
-}
-
-struct Declared {
-    const char* name;
-    const char* form;
-    friend void PrintTo(const Declared& it, std::ostream* os) { *os << it.form; }
-};
-
-class ParseOfDeclarations : public ParseLog, public testing::WithParamInterface<Declared> {};
-
-TEST_P(ParseOfDeclarations, Passes256) {
-    EXPECT_EQ(1, Run(Declaring(256, GetParam().form)));
-    EXPECT_EQ("Dir = r\nDir = r\n", log.Text());
-}
-
-TEST_P(ParseOfDeclarations, StopsAtThe257th) {
-    EXPECT_EQ(0, Run(Declaring(257, GetParam().form)));
-    EXPECT_EQ("XML_Error:parsing aborted at line 1", log.Text());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, ParseOfDeclarations,
-    testing::Values(Declared{"Entities", "<!ENTITY e@ \"text\">"},
-                    Declared{"ExternalEntities", "<!ENTITY e@ SYSTEM \"file\">"},
-                    Declared{"ParameterEntities", "<!ENTITY % e@ \"text\">"},
-                    Declared{"Elements", "<!ELEMENT e@ (#PCDATA)>"},
-                    Declared{"AttributeLists", "<!ATTLIST e@ a CDATA #IMPLIED>"},
-                    Declared{"Notations", "<!NOTATION n@ SYSTEM \"file\">"}),
-    [](const testing::TestParamInfo<Declared>& at) { return std::string(at.param.name); });
-
-TEST_F(Parse, CountsDeclarationsOfAllKindsTogether) {
-    const char* const four =
-        "<!ENTITY e@ \"t\"><!ELEMENT e@ EMPTY><!ATTLIST e@ a CDATA \"\"><!NOTATION n@ SYSTEM "
-        "\"f\">";
-    EXPECT_EQ(1, Run(Declaring(64, four)));
-    ResetElement(elmt);
-    EXPECT_EQ(0, Run(Declaring(65, four)));
-}
-
-TEST_F(Parse, CountsAnewForEachCommand) {
-    for (int i = 0; i < 3; ++i) {
-        ResetElement(elmt);
-        EXPECT_EQ(1, Run(Declaring(200, "<!ENTITY e@ \"text\">")));
-    }
-}
-
-TEST_F(Parse, SurvivesALongChainOfEntities) {
-    std::string text = "<!DOCTYPE r [<!ENTITY e0 \"x\">";
-    for (int i = 1; i < 100000; ++i) {
-        text += "<!ENTITY e" + std::to_string(i) + " \"&e" + std::to_string(i - 1) + ";\">";
-    }
-    EXPECT_EQ(0, Run(text + "]><r>&e99999;</r>"));
-}
-
-TEST_F(Parse, SurvivesTheLongestChainOfEntitiesThatPasses) {
-    std::string text = "<!DOCTYPE r [<!ENTITY e0 \"x\">";
-    for (int i = 1; i < 256; ++i) {
-        text += "<!ENTITY e" + std::to_string(i) + " \"&e" + std::to_string(i - 1) + ";\">";
-    }
-    EXPECT_EQ("end a at 1 r text 1 [x]", TextAtEnd(text + "]><r><a>&e255;</a></r>"));
-}
-
-TEST_F(Parse, RefusesAnEntityThatHoldsItself) {
-    EXPECT_EQ(0, Run("<!DOCTYPE r [<!ENTITY a \"&b;\"><!ENTITY b \"&a;\">]><r>&a;</r>"));
-}
-
-TEST_F(Parse, NeverReadsAnExternalEntity) {
-    const TemporaryRoot root;
-    root.Write("/secret", "secret");
-    EXPECT_EQ("end a at 1 r text 2 [12]",
-              TextAtEnd("<!DOCTYPE r [<!ENTITY e SYSTEM \"" + root.Path("/secret") +
-                        "\">]><r><a>1&e;2</a></r>"));
-}
-
-TEST_F(Parse, NeverReadsAnExternalSubset) {
-    const TemporaryRoot root;
-    root.Write("/types", "<!ENTITY e \"secret\">");
-    EXPECT_EQ("end a at 1 r text 2 [12]",
-              TextAtEnd("<!DOCTYPE r SYSTEM \"" + root.Path("/types") + "\"><r><a>1&e;2</a></r>"));
-}
-
-// ---- texts that are no document ----------------------------------------------------------------
-
-TEST_F(ParseLog, TellsWhatIsWrongAndInWhichLine) {
-    EXPECT_EQ(0, Run("<r>\n\n<a></b></r>"));
-    EXPECT_EQ("Dir = r\nDir = r.a\nXML_Error:mismatched tag at line 3", log.Text());
-}
-
-TEST_F(ParseLog, TellsThatThereIsNoElement) {
-    EXPECT_EQ(0, Run(""));
-    EXPECT_EQ("XML_Error:no element found at line 1", log.Text());
-}
-
-TEST_F(ParseLog, TellsOfJunkBehindTheRoot) {
-    EXPECT_EQ(0, Run("<r/>\n<r/>"));
-    EXPECT_EQ("Dir = r\nDir = r\nXML_Error:junk after document element at line 2", log.Text());
-}
-
-TEST_F(ParseLog, TellsOfAMissingEnd) {
-    EXPECT_EQ(0, Run("<r>"));
-    EXPECT_EQ("Dir = r\nXML_Error:no element found at line 1", log.Text());
-}
-
-TEST_F(Parse, RefusesATextLongerThanExpatTakes) {
-    EXPECT_EQ(0, RunExpat("<r/>", std::size_t{INT_MAX} + 1, &elmt, elmt.Guard,
-                          {RA_StartElement, RA_EndElement, RA_CharacterDataHandler,
-                           DeclarationWatch<XMLElement>::Doctype}));
-    EXPECT_EQ(0, elmt.Depth);
-}
-
-// ---- attribute helpers -------------------------------------------------------------------------
-
-const char* kAttributes[] = {"name",  "first", "Name", "second", "name",
-                             "third", "empty", "",     nullptr};
-const char* kNoAttributes[] = {nullptr};
-
-TEST(Attributes, AreFoundByTheirExactName) {
-    EXPECT_STREQ("first", GetXMLAtts("name", kAttributes));
-    EXPECT_STREQ("second", GetXMLAtts("Name", kAttributes));
-    EXPECT_STREQ("", GetXMLAtts("empty", kAttributes));
-}
-
-TEST(Attributes, AreNullWhenMissing) {
-    EXPECT_EQ(nullptr, GetXMLAtts("nam", kAttributes));
-    EXPECT_EQ(nullptr, GetXMLAtts("names", kAttributes));
-    EXPECT_EQ(nullptr, GetXMLAtts("first", kAttributes));
-    EXPECT_EQ(nullptr, GetXMLAtts("name", kNoAttributes));
-}
-
-TEST(Attributes, CompareAsStrcmpDoes) {
-    EXPECT_EQ(0, StrCmpXMLAtts("name", "first", kAttributes));
-    EXPECT_LT(StrCmpXMLAtts("name", "g", kAttributes), 0);
-    EXPECT_GT(StrCmpXMLAtts("name", "firs", kAttributes), 0);
-    EXPECT_EQ(0, StrCmpXMLAtts("empty", "", kAttributes));
-}
-
-TEST(Attributes, CompareAsMinusOneWhenMissing) {
-    EXPECT_EQ(-1, StrCmpXMLAtts("nothing", "", kAttributes));
-    EXPECT_EQ(-1, StrCmpXMLAtts("name", "first", kNoAttributes));
-}
-
-TEST_F(ParseLog, TellsAListOfAttributesInOrder) {
-    PrintXMLAtts(kAttributes);
-    EXPECT_EQ("[Atts]name:first Name:second name:third empty: \n", log.Text());
-}
-
-TEST_F(ParseLog, TellsAnEmptyListOfAttributes) {
-    PrintXMLAtts(kNoAttributes);
-    EXPECT_EQ("[Atts]\n", log.Text());
 }
 
 }  // namespace
