@@ -1,6 +1,8 @@
 // RAID levels: what each is made of, and how much of its disks holds data.
 #pragma once
 
+#include <algorithm>
+
 #include "codes/named.h"
 
 namespace hxcodes {
@@ -89,19 +91,17 @@ constexpr unsigned ParityDisks(const LevelRow& level, unsigned asked_legs) {
     return LegsOf(level, asked_legs) * level.leg_parity;
 }
 
-consteval bool AreConsistent() {
-    for (const LevelRow& level : kLevels) {
-        const bool has_copies = level.spread != Spread::kLegs;
-        if (has_copies != (level.copies == 2) || level.copies > 2) return false;
-        if (has_copies && level.leg_parity != 0) return false;
-        if (level.leg_least <= level.leg_parity || level.leg_least % level.copies != 0) {
-            if (level.spread != Spread::kRing) return false;
-        }
-        if (level.leg_most != 0 && level.leg_most < level.leg_least) return false;
-        if (level.name.substr(4) != level.number) return false;
+constexpr bool IsConsistent(const LevelRow& level) {
+    const bool has_copies = level.spread != Spread::kLegs;
+    if (has_copies != (level.copies == 2) || level.copies > 2) return false;
+    if (has_copies && level.leg_parity != 0) return false;
+    if (level.leg_least <= level.leg_parity || level.leg_least % level.copies != 0) {
+        if (level.spread != Spread::kRing) return false;
     }
-    return true;
+    if (level.leg_most != 0 && level.leg_most < level.leg_least) return false;
+    return level.name.substr(4) == level.number;
 }
-static_assert(AreConsistent(), "disks suffice for copies and parity; names are raid and a number");
+static_assert(std::ranges::all_of(kLevels, IsConsistent),
+              "disks suffice for copies and parity; names are raid and a number");
 
 }  // namespace hxcodes
