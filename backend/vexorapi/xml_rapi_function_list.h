@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <iterator>
 
 #include "hxraid.h"
 
@@ -93,7 +94,9 @@ enum class VendorFunction : HX_U8 {
 #undef ENUMERATOR
 };
 
-#define ONE_MORE(name) +1
-inline constexpr std::size_t kFunctionCount = 0 VENDOR_FUNCTIONS(ONE_MORE);
-#undef ONE_MORE
+#define NAME(name) #name,
+inline constexpr const char* kFunctionNames[] = {VENDOR_FUNCTIONS(NAME)};
+#undef NAME
+
+inline constexpr std::size_t kFunctionCount = std::size(kFunctionNames);
 static_assert(kFunctionCount == 75);
