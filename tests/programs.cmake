@@ -39,7 +39,7 @@ function(vexor_googletest name)
     set(shard 0)
     foreach(test IN LISTS tests)
         add_test(NAME ${test} COMMAND ${name})
-        set_tests_properties(${test} PROPERTIES TIMEOUT 600)
+        set_tests_properties(${test} PROPERTIES TIMEOUT 1500)
         if(program_SHARDS)
             set_tests_properties(${test} PROPERTIES ENVIRONMENT
                 "GTEST_TOTAL_SHARDS=${program_SHARDS};GTEST_SHARD_INDEX=${shard}")
@@ -59,6 +59,6 @@ function(python_test name script)
     set_tests_properties(${name} PROPERTIES
         ENVIRONMENT PYTHONDONTWRITEBYTECODE=1
         FAIL_REGULAR_EXPRESSION "Ran 0 tests"
-        TIMEOUT 600)
+        TIMEOUT 1500)
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${environment}")
 endfunction()
