@@ -7,12 +7,14 @@
 
 // The three entry points of the log. vexorapi.h, the public header, declares them for C as well and
 // says what they promise; vexorapi.cpp includes both headers, so that the compiler compares them.
+// NOLINTBEGIN(readability-redundant-declaration)
 extern "C" {
 [[gnu::visibility("default")]] int InitLog() noexcept;
 [[gnu::visibility("default"), gnu::format(printf, 1, 2)]] int LogPrintf(const char* fmt,
                                                                         ...) noexcept;
 [[gnu::visibility("default")]] int CloseLog() noexcept;
 }
+// NOLINTEND(readability-redundant-declaration)
 
 // Room for a time as text: "Thu Jan  1 00:00:00 1970", a line end and a NUL.
 inline constexpr std::size_t kTimeTextSize = 26;

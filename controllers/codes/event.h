@@ -6,6 +6,8 @@
 // to.
 #pragma once
 
+#include <algorithm>
+
 #include "codes/activity.h"
 #include "codes/event_class.h"
 
@@ -478,7 +480,7 @@ constexpr Severity::Code SeverityOf(EventKind kind) {
 static_assert(Ascends(kEvents), "codes ascend, and no two events have the same");
 
 /// Whether every place in a sentence is {object} or {1} to {9}.
-consteval bool HasGoodPlaces(std::string_view sentence) {
+constexpr bool HasGoodPlaces(std::string_view sentence) {
     for (std::size_t open = sentence.find('{'); open != std::string_view::npos;
          open = sentence.find('{', open + 1)) {
         const std::string_view place = sentence.substr(open, sentence.find('}', open) - open);
@@ -487,13 +489,11 @@ consteval bool HasGoodPlaces(std::string_view sentence) {
     }
     return true;
 }
-consteval bool AreTextsGood() {
-    for (const EventRow& row : kEvents) {
-        if (row.key.empty() != row.sentence.empty() || !HasGoodPlaces(row.sentence)) return false;
-    }
-    return true;
+constexpr bool HasGoodTexts(const EventRow& row) {
+    return row.key.empty() == row.sentence.empty() && HasGoodPlaces(row.sentence);
 }
-static_assert(AreTextsGood(), "a key has its sentence, whose places can be filled");
+static_assert(std::ranges::all_of(kEvents, HasGoodTexts),
+              "a key has its sentence, whose places can be filled");
 
 /// Whether each step of each activity has exactly one text: by the rule, or by a row of its own.
 consteval bool StepsHaveOneTextEach() {
@@ -513,15 +513,10 @@ static_assert(StepsHaveOneTextEach(),
               "the codes of an activity's steps and those of other events do not meet");
 
 /// The library makes the texts of virtual disks' activities by this rule.
-consteval bool FollowRuleOfTexts() {
-    for (const ActivityRow& row : kActivities) {
-        if (row.runs_on != RunsOn::kVirtualDisk) continue;
-        if (!row.events || row.events->first != 10 + kCodesPerActivity * NumberOf(row.code)) {
-            return false;
-        }
-    }
-    return true;
+constexpr bool FollowsRuleOfTexts(const ActivityRow& row) {
+    if (row.runs_on != RunsOn::kVirtualDisk) return true;
+    return row.events && row.events->first == 10 + kCodesPerActivity * NumberOf(row.code);
 }
-static_assert(FollowRuleOfTexts());
+static_assert(std::ranges::all_of(kActivities, FollowsRuleOfTexts));
 
 }  // namespace hxcodes
