@@ -2,6 +2,7 @@
 
 #include <locale.h>
 #include <wchar.h>
+#include <algorithm>
 
 #include "common/utf8.h"
 
@@ -52,10 +53,8 @@ constexpr Range kTricks[] = {
 };
 
 bool IsTrick(char32_t code) {
-    for (const Range& range : kTricks) {
-        if (code >= range.first && code <= range.last) return true;
-    }
-    return false;
+    return std::ranges::any_of(
+        kTricks, [code](const Range& range) { return code >= range.first && code <= range.last; });
 }
 
 }  // namespace
