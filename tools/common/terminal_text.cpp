@@ -2,6 +2,7 @@
 
 #include <locale.h>
 #include <wchar.h>
+
 #include <algorithm>
 
 #include "common/utf8.h"

@@ -26,6 +26,7 @@ StepValues::StepValues(const Words& words, std::size_t first,
         if (equals == std::string::npos ||
             std::ranges::find(known, std::string_view(name)) == known.end()) {
             std::vector<std::string> forms;
+            forms.reserve(known.size());
             for (const std::string_view each : known) forms.push_back(std::string(each) + '=');
             throw UsageError('"' + words[i] + "\" is nothing that can be set; take one of " +
                              ListOf({forms.begin(), forms.end()}));
