@@ -29,7 +29,7 @@ consteval bool HasRowForEach() {
     }
     (std::make_index_sequence<count>());
     for (std::size_t i = 0; i < count; ++i) {
-        if (are[i] != (FindCode(rows, first + i) != nullptr)) return false;
+        if (are[i] != HasCode(rows, first + i)) return false;
     }
     return true;
 }
@@ -46,7 +46,7 @@ consteval bool IsCompleteInBits() {
     }
     (std::make_index_sequence<8 * sizeof(Code)>());
     for (std::size_t i = 0; i < are.size(); ++i) {
-        if (are[i] != (FindCode(rows, 1U << i) != nullptr)) return false;
+        if (are[i] != HasCode(rows, 1U << i)) return false;
     }
     return true;
 }

@@ -501,9 +501,9 @@ consteval bool StepsHaveOneTextEach() {
         for (const StepRow& step : kSteps) {
             const auto kind = EventOf(activity.code, step.code);
             if (!kind) continue;
-            const EventRow* const row = FindCode(kEvents, NumberOf(*kind));
-            if ((row != nullptr) != activity.events->key.empty()) return false;
-            if (row != nullptr && row->severity != step.severity) return false;
+            const bool listed = HasCode(kEvents, NumberOf(*kind));
+            if (listed != activity.events->key.empty()) return false;
+            if (listed && RowOf(kEvents, *kind).severity != step.severity) return false;
             if (ActivityOf(*kind) != &activity) return false;
         }
     }

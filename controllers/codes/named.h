@@ -87,6 +87,18 @@ constexpr auto FindCode(const Rows& rows, std::uint64_t number) -> decltype(std:
     return nullptr;
 }
 
+/// Whether a row has the number. The tables check themselves with this rather than by comparing
+/// FindCode's address with null, which g++ does not take for a constant under -fsanitize=undefined;
+/// a plain loop, because clang's limit of steps in a constant does not reach for std::ranges.
+template <class Rows>
+constexpr bool HasCode(const Rows& rows, std::uint64_t number) {
+    // NOLINTNEXTLINE(readability-use-anyofallof)
+    for (const auto& row : rows) {
+        if (NumberOf(row.code) == number) return true;
+    }
+    return false;
+}
+
 /// The row of a name; null when no row is called so.
 template <class Rows>
 constexpr auto FindName(const Rows& rows, std::string_view name) -> decltype(std::data(rows)) {
