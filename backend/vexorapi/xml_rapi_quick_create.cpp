@@ -55,11 +55,35 @@ bool IsInUse(HX_U16 DiskID, std::span<const Block_Info> blocks) {
     });
 }
 
-// A walk over the blocks: a page, and the start indices visited.
-struct BlockWalk {
-    BlockList page;
-    bool visited[HX_LIST_COMPLETE];
-};
+// A list of blocks may never end. No adapter needs more pages than this for all disks of a request;
+// beyond them every walk counts as ended.
+constexpr HX_U32 kMostPages = 65536;
+
+// Walks over the adapter's blocks until the list ends or `pages`, what the request may still read,
+// is down to `kept`, and then looks for an operating system. At least one page is read. Returns as
+// HDisFreeDiskForSkua does.
+HX_U8 LookAtDisk(HX_U8 adapter, HX_U16 disk, HX_U32& pages, HX_U32 kept) {
+    const auto page = MakeBlock<BlockList>();
+    if (page == nullptr) return kOutOfMemory;
+    RequestHeader& header = page->header;
+    setRequestHeader(&header, HX_REQUEST_BY_INDEX, 0, kBlocksPerPage);
+    HX_U8 status;
+    do {
+        std::memset(static_cast<void*>(page->items), 0, sizeof page->items);
+        // Each page overwrites the status, so that the last page alone decides.
+        status = HX_BLK_GetInfo(adapter, page->AsRequest());
+        if (status == HX_SUCCESS && IsInUse(disk, page->Returned())) status = kDiskInUse;
+        // The rest of the header goes back as the controller left it, but for the number of blocks
+        // to be filled in: there is no room for more.
+        header.numRequested = std::min(header.numRequested, kBlocksPerPage);
+        header.startingIndexOrId = header.nextStartingIndex;
+        --pages;
+        // An index that comes again is no end: a page that failed without being written leads back
+        // to itself, and may come the next time.
+    } while (header.nextStartingIndex != HX_LIST_COMPLETE && pages > kept);
+    if (HX_DiskHasOS(adapter, kLook, 1, &disk) != 0) status = kDiskHasOS;
+    return status;
+}
 
 struct RaidLevel {
     HX_U16 bit;  // of LogicalDriverMode: the adapter offers the level
@@ -90,23 +114,8 @@ bool CanBeMadeOf(const RaidSupport& level, HX_U8 disks) {
 }  // namespace
 
 HX_U8 HDisFreeDiskForSkua(HX_U8 AdapterID, HX_U16 DiskID) {
-    const auto walk = MakeZeroedBlock<BlockWalk>();
-    if (walk == nullptr) return kOutOfMemory;
-    BlockList& page = walk->page;
-    HX_U8 status;
-    HX_U16 start = 0;
-    do {
-        walk->visited[start] = true;
-        std::memset(&page, 0, sizeof page);
-        setRequestHeader(&page.header, HX_REQUEST_BY_INDEX, start, kBlocksPerPage);
-        // Each page overwrites the status, so that the last page alone decides.
-        status = HX_BLK_GetInfo(AdapterID, page.AsRequest());
-        if (status == HX_SUCCESS && IsInUse(DiskID, page.Returned())) status = kDiskInUse;
-        start = page.header.nextStartingIndex;
-        // A list that leads back to a page that was visited would never end.
-    } while (start != HX_LIST_COMPLETE && !walk->visited[start]);
-    if (HX_DiskHasOS(AdapterID, kLook, 1, &DiskID) != 0) status = kDiskHasOS;
-    return status;
+    HX_U32 pages = kMostPages;
+    return LookAtDisk(AdapterID, DiskID, pages, 0);
 }
 
 HX_U8 GetRaidMode(HX_U8 AdapterID, HX_BOOLEAN type, Create_LD_Param* ldParams) {
@@ -136,9 +145,13 @@ HX_U8 HX_LD_QuickCreate(HX_U8 AdapterID, HX_BOOLEAN type) {
     param.CachePolicy = 4;
     param.SectorCoefficient = 1;
     std::memcpy(param.Name, kQuickName, sizeof kQuickName);
+    HX_U32 pages = kMostPages;
+    auto disks_left = static_cast<HX_U32>(disks->Returned().size());
     for (const HD_RAID_Status& disk : disks->Returned()) {
+        --disks_left;
         if ((disk.Status & kNotFree) != 0) continue;
-        if (HDisFreeDiskForSkua(AdapterID, disk.HDID) != 0) continue;
+        // A page is kept back for each disk to come, so that none is taken unseen.
+        if (LookAtDisk(AdapterID, disk.HDID, pages, disks_left) != HX_SUCCESS) continue;
         param.HDIDs[param.HDCount++] = disk.HDID;
     }
     param.RaidMode = GetRaidMode(AdapterID, type, &param);

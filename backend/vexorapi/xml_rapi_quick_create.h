@@ -10,6 +10,7 @@
 ///
 /// 73 when the last page of the adapter's blocks lists a block of a virtual disk on it; 159 when it
 /// holds an operating system; 4 when there is no memory; else the code with which that page failed.
+/// A list that has not ended by then counts as ended after 65536 pages.
 HX_U8 HDisFreeDiskForSkua(HX_U8 AdapterID, HX_U16 DiskID);
 
 /// A RAID level and the disks that it can be made of.
@@ -27,5 +28,6 @@ struct RaidSupport {
 HX_U8 GetRaidMode(HX_U8 AdapterID, HX_BOOLEAN type, Create_LD_Param* ldParams);
 
 /// Makes one virtual disk of all free disks (of the first 128 that the adapter lists), at the level
-/// that GetRaidMode chooses. Returns the controller's code, or 4 when there is no memory.
+/// that GetRaidMode chooses. Returns the controller's code, or 4 when there is no memory. At most
+/// 65536 pages of blocks are read for all disks together, and one at least for each.
 HX_U8 HX_LD_QuickCreate(HX_U8 AdapterID, HX_BOOLEAN type);

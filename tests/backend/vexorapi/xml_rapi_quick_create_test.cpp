@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstring>
 #include <initializer_list>
 #include <optional>
@@ -72,7 +74,9 @@ TEST_F(FreeDisk, IsNotOneWithAnOperatingSystem) {
 
 TEST_F(FreeDisk, AnOperatingSystemOutweighsABlockAndAFailure) {
     hxfake::On<&HX_DiskHasOS>().Always(200);
-    hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page(kLast, {Block(kDisk, 0)})).Once(5);
+    hxfake::On<&HX_BLK_GetInfo>()
+        .Once(0, hxfake::Page(kLast, {Block(kDisk, 0)}))
+        .Once(5, hxfake::Page<Block_Info>(kLast, {}));
     EXPECT_EQ(HDisFreeDiskForSkua(0, kDisk), 159);
     EXPECT_EQ(HDisFreeDiskForSkua(0, kDisk), 159);
 }
@@ -117,38 +121,54 @@ TEST_F(FreeDisk, ForgetsAFailureBeforeTheLastPage) {
     EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 0);
 }
 
-// A controller that fails without writing leaves the index at 0, where the walk has been.
-TEST_F(FreeDisk, StopsAtAControllerThatOnlyFails) {
-    hxfake::On<&HX_BLK_GetInfo>().Always(5);
-    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 5);
+// A page that failed without being written leaves the index where it was, so that it comes again.
+TEST_F(FreeDisk, AsksAgainForAPageThatFailedOnce) {
+    hxfake::On<&HX_BLK_GetInfo>().Once(5).Once(0, hxfake::Page<Block_Info>(kLast, {}));
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 0);
     EXPECT_THAT(hxfake::Calls(),
-                ElementsAre("HX_BLK_GetInfo(1, {1, 0, 512})", "HX_DiskHasOS(1, 1, 1, [9])"));
+                ElementsAre("HX_BLK_GetInfo(1, {1, 0, 512})", "HX_BLK_GetInfo(1, {1, 0, 512})",
+                            "HX_DiskHasOS(1, 1, 1, [9])"));
 }
 
-TEST_F(FreeDisk, StopsWhenTheSamePageComesNext) {
-    hxfake::On<&HX_BLK_GetInfo>().Always(0, hxfake::Page(0, {Block(kDisk, 0)}));
-    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 73);
-    EXPECT_EQ(hxfake::On<&HX_BLK_GetInfo>().CallCount(), 1U);
-}
-
-TEST_F(FreeDisk, StopsWhenThePagesComeInACircle) {
+TEST_F(FreeDisk, GoesOnWhenAnIndexComesAgain) {
     hxfake::On<&HX_BLK_GetInfo>()
         .Once(0, hxfake::Page<Block_Info>(100, {}))
         .Once(0, hxfake::Page<Block_Info>(50, {}))
-        .Once(0, hxfake::Page(100, {Block(kDisk, 0)}));
+        .Once(0, hxfake::Page<Block_Info>(100, {}))
+        .Once(0, hxfake::Page(kLast, {Block(kDisk, 0)}));
     EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 73);
-    EXPECT_EQ(hxfake::On<&HX_BLK_GetInfo>().CallCount(), 3U);
+    EXPECT_THAT(hxfake::Calls(),
+                ElementsAre("HX_BLK_GetInfo(1, {1, 0, 512})", "HX_BLK_GetInfo(1, {1, 100, 512})",
+                            "HX_BLK_GetInfo(1, {1, 50, 512})", "HX_BLK_GetInfo(1, {1, 100, 512})",
+                            "HX_DiskHasOS(1, 1, 1, [9])"));
 }
 
-TEST_F(FreeDisk, EndsAfterEveryPageThatThereCanBe) {
+constexpr std::size_t kMostPages = 65536;
+
+TEST_F(FreeDisk, CountsAWalkThatNeverEndsAsEndedAfter65536Pages) {
     hxfake::NoteCalls(false);
-    hxfake::On<&HX_BLK_GetInfo>().Always([](HX_U8, Info_Request* request) -> HX_U8 {
-        const HX_U16 next = static_cast<HX_U16>(request->header.startingIndexOrId + 1);
-        request->header.nextStartingIndex = next == kLast ? HX_U16{0} : next;
-        return 0;
+    hxfake::On<&HX_BLK_GetInfo>().Always(0, hxfake::Page<Block_Info>(0, {}));
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 0);
+    EXPECT_EQ(hxfake::On<&HX_BLK_GetInfo>().CallCount(), kMostPages);
+}
+
+TEST_F(FreeDisk, ReadsTheLastPageThatItMay) {
+    hxfake::NoteCalls(false);
+    std::size_t page = 0;
+    hxfake::On<&HX_BLK_GetInfo>().Always([&](HX_U8, Info_Request* request) -> HX_U8 {
+        request->header.nextStartingIndex = ++page == kMostPages ? kLast : HX_U16{0};
+        return page == kMostPages ? HX_U8{0} : HX_U8{5};
     });
     EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 0);
-    EXPECT_EQ(hxfake::On<&HX_BLK_GetInfo>().CallCount(), 65535U);
+    EXPECT_EQ(page, kMostPages);
+}
+
+TEST_F(FreeDisk, ReturnsTheCodeOfTheLastPageOfAControllerThatOnlyFails) {
+    hxfake::NoteCalls(false);
+    hxfake::On<&HX_BLK_GetInfo>().Always(5);
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 5);
+    EXPECT_EQ(hxfake::On<&HX_BLK_GetInfo>().CallCount(), kMostPages);
+    EXPECT_EQ(hxfake::On<&HX_DiskHasOS>().CallCount(), 1U);
 }
 
 // Blocks of other disks, and one of ours in a virtual disk at `position`.
@@ -177,38 +197,68 @@ TEST_F(FreeDisk, LooksAtNoMoreThanIsReturned) {
     EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 0);
 }
 
-TEST_F(FreeDisk, ClearsThePageBeforeEveryCall) {
+TEST_F(FreeDisk, ClearsTheEntriesBeforeEveryCall) {
     int dirty = 0;
     hxfake::On<&HX_BLK_GetInfo>().Inspect([&](HX_U8, const Info_Request* request) {
         const auto* const bytes = reinterpret_cast<const char*>(request->blockInfo);
         dirty += std::any_of(bytes, bytes + 512 * sizeof(Block_Info),
                              [](char byte) { return byte != 0; });
-        dirty += request->header.version + request->header.numReturned +
-                 request->header.nextStartingIndex;
     });
     hxfake::On<&HX_BLK_GetInfo>()
         .Once(0, hxfake::Page(512, FullPage(7)))
+        .Once(0, hxfake::Page(512, FullPage(511)))
         .Once(0, hxfake::Page<Block_Info>(kLast, {}));
     HDisFreeDiskForSkua(1, kDisk);
     EXPECT_EQ(dirty, 0);
 }
 
-// The second page is not written at all: what it would return must not be the first page again.
-TEST_F(FreeDisk, IsNotJudgedByWhatThePageBeforeHeld) {
-    hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page(512, {Block(0, 0), Block(0, 0)})).Once(0);
-    EXPECT_EQ(HDisFreeDiskForSkua(1, 0), 0);
+using HeaderBytes = std::array<HX_U8, sizeof(RequestHeader)>;
+
+HeaderBytes BytesOf(const RequestHeader& header) { return std::bit_cast<HeaderBytes>(header); }
+
+// The header is set up once. Of each answer only the next index is carried over to where the next
+// page starts; all else goes back to the controller as it was left.
+TEST_F(FreeDisk, SendsTheHeaderBackAsTheControllerLeftIt) {
+    std::vector<HeaderBytes> sent;
+    hxfake::On<&HX_BLK_GetInfo>().Inspect(
+        [&](HX_U8, const Info_Request* request) { sent.push_back(BytesOf(request->header)); });
+    hxfake::On<&HX_BLK_GetInfo>()
+        .Once(0, hxfake::Page(512, {Block(1, 0), Block(2, 0)}))
+        .Once([](HX_U8, Info_Request* request) -> HX_U8 {
+            request->header = {9, 8, 7, 300, 6, 600, {1, 2, 3, 4, 5, 6}};
+            return 0;
+        })
+        .Once(0, hxfake::Page<Block_Info>(kLast, {}));
+    HDisFreeDiskForSkua(1, kDisk);
+    EXPECT_THAT(
+        sent, ElementsAre(BytesOf({0, 1, 0, 512, 0, 0, {}}), BytesOf({0, 1, 512, 512, 2, 512, {}}),
+                          BytesOf({9, 8, 600, 300, 6, 600, {1, 2, 3, 4, 5, 6}})));
 }
 
-TEST_F(FreeDisk, AsksForAFullPageEachTimeWhateverTheControllerWrites) {
-    hxfake::On<&HX_BLK_GetInfo>().Once([](HX_U8, Info_Request* request) -> HX_U8 {
-        request->header = {9, 9, 9, 65535, 0, 600, {}};
-        return 0;
-    });
-    hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page<Block_Info>(kLast, {}));
+// The controller fills as many entries as the header asks for.
+TEST_F(FreeDisk, NeverAsksForMoreThanThePageHolds) {
+    hxfake::On<&HX_BLK_GetInfo>()
+        .Once([](HX_U8, Info_Request* request) -> HX_U8 {
+            request->header.numRequested = 65535;
+            request->header.nextStartingIndex = 600;
+            return 0;
+        })
+        .Once(0, hxfake::Page<Block_Info>(kLast, {}));
     HDisFreeDiskForSkua(1, kDisk);
     EXPECT_THAT(hxfake::Calls(),
                 ElementsAre("HX_BLK_GetInfo(1, {1, 0, 512})", "HX_BLK_GetInfo(1, {1, 600, 512})",
                             "HX_DiskHasOS(1, 1, 1, [9])"));
+}
+
+// The second page is not written at all: its entries must not be those of the first page again.
+TEST_F(FreeDisk, IsNotJudgedByWhatThePageBeforeHeld) {
+    hxfake::On<&HX_BLK_GetInfo>()
+        .Once(0, hxfake::Page(512, {Block(kDisk, 0)}))
+        .Once([](HX_U8, Info_Request* request) -> HX_U8 {
+            request->header.nextStartingIndex = kLast;
+            return 0;
+        });
+    EXPECT_EQ(HDisFreeDiskForSkua(1, kDisk), 0);
 }
 
 TEST_F(FreeDisk, WithoutMemoryIsFour) {
@@ -219,7 +269,9 @@ TEST_F(FreeDisk, WithoutMemoryIsFour) {
 
 TEST_F(FreeDisk, LeavesNoMemoryBehind) {
     const std::ptrdiff_t before = LiveBlocks();
-    hxfake::On<&HX_BLK_GetInfo>().Once(0, hxfake::Page<Block_Info>(kLast, {})).Once(5);
+    hxfake::On<&HX_BLK_GetInfo>()
+        .Once(0, hxfake::Page<Block_Info>(kLast, {}))
+        .Once(5, hxfake::Page<Block_Info>(kLast, {}));
     HDisFreeDiskForSkua(1, kDisk);
     HDisFreeDiskForSkua(1, kDisk);
     EXPECT_EQ(LiveBlocks(), before);
@@ -538,6 +590,51 @@ TEST_F(QuickCreate, TakesUpTo128Disks) {
     EXPECT_EQ(given_.HDCount, 128);
     EXPECT_EQ(given_.HDIDs[0], 1000);
     EXPECT_EQ(given_.HDIDs[127], 1127);
+}
+
+// All walks of a request share its pages, and each disk that is still to come has one of them.
+TEST_F(QuickCreate, ReadsNoMoreThan65536PagesForAllDisks) {
+    hxfake::NoteCalls(false);
+    ThereAre(Disks(128));
+    std::vector<std::size_t> pages(1, 0);
+    hxfake::On<&HX_BLK_GetInfo>().Always([&](HX_U8, Info_Request* request) -> HX_U8 {
+        request->header.nextStartingIndex = 0;
+        ++pages.back();
+        return 0;
+    });
+    hxfake::On<&HX_DiskHasOS>().Inspect(
+        [&](HX_U8, HX_U8, HX_U8, const HX_U16*) { pages.push_back(0); });
+    HX_LD_QuickCreate(2, 0);
+    EXPECT_EQ(hxfake::On<&HX_BLK_GetInfo>().CallCount(), kMostPages);
+    ASSERT_EQ(pages.size(), 129U);
+    EXPECT_EQ(pages[0], kMostPages - 127);
+    EXPECT_TRUE(
+        std::all_of(pages.begin() + 1, pages.end() - 1, [](std::size_t n) { return n == 1; }));
+}
+
+TEST_F(QuickCreate, JudgesEachDiskByAPageOfItsOwnWhenTheListNeverEnds) {
+    hxfake::NoteCalls(false);
+    ThereAre(Disks(3));
+    hxfake::On<&HX_BLK_GetInfo>().Always(0, hxfake::Page(0, {Block(1001, 4)}));
+    HX_LD_QuickCreate(2, 0);
+    EXPECT_THAT(DisksGiven(), ElementsAre(1000, 1002));
+}
+
+TEST_F(QuickCreate, StartsEveryRequestWithAllItsPages) {
+    hxfake::NoteCalls(false);
+    hxfake::On<&HX_BLK_GetInfo>().Always(5);
+    for (int request = 0; request < 2; ++request) {
+        ThereAre(Disks(1));
+        HX_LD_QuickCreate(2, 0);
+    }
+    EXPECT_EQ(hxfake::On<&HX_BLK_GetInfo>().CallCount(), 2 * kMostPages);
+}
+
+TEST_F(QuickCreate, TakesADiskWhoseListFailedOnceAndThenCame) {
+    ThereAre({Disk(3)});
+    hxfake::On<&HX_BLK_GetInfo>().Once(5).Once(0, hxfake::Page<Block_Info>(kLast, {}));
+    HX_LD_QuickCreate(2, 0);
+    EXPECT_THAT(DisksGiven(), ElementsAre(3));
 }
 
 TEST_F(QuickCreate, TakesNoMoreDisksThanTheListHolds) {
