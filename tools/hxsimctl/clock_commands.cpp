@@ -12,6 +12,7 @@ namespace hxsimctl {
 
 namespace {
 
+using vexortools::Command;
 using vexortools::Duration;
 using vexortools::Timestamp;
 
@@ -40,31 +41,30 @@ Action ParseAdvance(const std::string& word) {
 
 }  // namespace
 
-void AddClockCommands(CLI::App& app, Action& action) {
-    CLI::App* const clock = app.add_subcommand("clock", "Show or set the machine's clock");
-    clock->require_subcommand(1);
-    clock->add_subcommand("show", "Show the time and how fast it passes")->callback([&action] {
+void AddClockCommands(const Command& app, Action& action) {
+    const Command clock = app.AddCommand("clock", "Show or set the machine's clock");
+    clock.RequireCommands(1, 1);
+    clock.AddCommand("show", "Show the time and how fast it passes").WhenTyped([&action] {
         action = [](Driver& driver) {
             const hxsim::Clock set = driver.Current().clock;
             ShowClock(set, driver.Now(), driver.Out());
         };
     });
-    clock->add_subcommand("freeze", "Let it stand still")->callback([&action] {
+    clock.AddCommand("freeze", "Let it stand still").WhenTyped([&action] {
         action = [](Driver& driver) { driver.SetClock(0); };
     });
 
-    CLI::App* const advance = clock->add_subcommand("advance", "Let time pass at once");
+    const Command advance = clock.AddCommand("advance", "Let time pass at once");
     const auto duration = std::make_shared<std::string>();
-    advance
-        ->add_option("DURATION", *duration,
-                     "such as 2h30m, 10s or 1d; or until when, such as 2027-01-31T12:00:00Z")
-        ->required();
-    advance->callback([duration, &action] { action = ParseAdvance(*duration); });
+    advance.AddRequiredText(
+        "DURATION", *duration,
+        "such as 2h30m, 10s or 1d; or until when, such as 2027-01-31T12:00:00Z");
+    advance.WhenTyped([duration, &action] { action = ParseAdvance(*duration); });
 
-    CLI::App* const speed = clock->add_subcommand("speed", "Set how fast it goes");
+    const Command speed = clock.AddCommand("speed", "Set how fast it goes");
     const auto times = std::make_shared<std::string>();
-    speed->add_option("TIMES", *times, "as fast as real time; 1 is its speed")->required();
-    speed->callback([times, &action] {
+    speed.AddRequiredText("TIMES", *times, "as fast as real time; 1 is its speed");
+    speed.WhenTyped([times, &action] {
         constexpr std::uint64_t kFastest = 1000000;
         const auto number = static_cast<std::int64_t>(
             vexortools::ParseNumber(*times, kFastest, "speed of a clock"));

@@ -1,10 +1,11 @@
 // clock: how virtual time passes.
 #pragma once
 
-#include "command_parser.h"
+#include "common/command_parser.h"
+#include "driver.h"
 
 namespace hxsimctl {
 
-void AddClockCommands(CLI::App& app, Action& action);
+void AddClockCommands(const vexortools::Command& app, Action& action);
 
 }  // namespace hxsimctl

@@ -20,17 +20,21 @@ using hxsim::Adapter;
 using hxsim::Machine;
 using hxsim::Outcome;
 using hxsim::Time;
+using vexortools::Command;
+using vexortools::CommandParser;
 
 // A command with the address of one object.
-void AddOnObject(CLI::App& app, const std::string& name, const std::string& help, ObjectKind kind,
-                 const std::string& example, Action& action, const Driver::Incident& incident) {
-    CLI::App* const command = app.add_subcommand(name, help);
+Command AddOnObject(const Command& app, const std::string& name, const std::string& help,
+                    ObjectKind kind, const std::string& example, Action& action,
+                    const Driver::Incident& incident) {
+    const Command command = app.AddCommand(name, help);
     const auto word = std::make_shared<std::string>();
-    command->add_option("ADDRESS", *word, "such as " + example)->required();
-    command->callback([word, kind, incident, &action] {
+    command.AddRequiredText("ADDRESS", *word, "such as " + example);
+    command.WhenTyped([word, kind, incident, &action] {
         const Target target = ParseTarget(*word, kind);
         action = [target, incident](Driver& driver) { driver.Happen(target, incident); };
     });
+    return command;
 }
 
 struct NumberWord {
@@ -42,15 +46,15 @@ struct NumberWord {
 using NumberIncident = std::function<Outcome(Adapter&, Time, const Object&, std::uint64_t number)>;
 
 // A command with the address of one object and a number.
-void AddOnObjectAndNumber(CLI::App& app, const std::string& name, const std::string& help,
+void AddOnObjectAndNumber(const Command& app, const std::string& name, const std::string& help,
                           ObjectKind kind, const std::string& example, const NumberWord& number,
                           Action& action, const NumberIncident& incident) {
-    CLI::App* const command = app.add_subcommand(name, help);
+    const Command command = app.AddCommand(name, help);
     const auto word = std::make_shared<std::string>();
     const auto digits = std::make_shared<std::string>();
-    command->add_option("ADDRESS", *word, "such as " + example)->required();
-    command->add_option(number.name, *digits, number.what)->required();
-    command->callback([word, digits, number, kind, incident, &action] {
+    command.AddRequiredText("ADDRESS", *word, "such as " + example);
+    command.AddRequiredText(number.name, *digits, number.what);
+    command.WhenTyped([word, digits, number, kind, incident, &action] {
         const Target target = ParseTarget(*word, kind);
         const std::uint64_t value = vexortools::ParseNumber(*digits, number.most, number.what);
         action = [target, value, incident](Driver& driver) {
@@ -63,57 +67,54 @@ void AddOnObjectAndNumber(CLI::App& app, const std::string& name, const std::str
 
 // ---- disk and smart ----
 
-void AddDiskReplace(CLI::App& disk, Action& action) {
+void AddDiskReplace(const Command& disk, Action& action) {
     const auto foreign = std::make_shared<bool>(false);
     const auto sectors = std::make_shared<hxsim::Sectors>(0);  // 0: as many as the old one
-    AddOnObject(
+    const Command replace = AddOnObject(
         disk, "replace", "A new one of the same model is put in its place", ObjectKind::kDisk,
         "a0/pd12", action, [=](Machine& machine, Adapter& adapter, Time now, const Object& object) {
             return hxsim::ReplaceDisk(adapter, now, object.id, machine.random, *foreign, *sectors);
         });
-    disk.get_subcommand("replace")->add_option_function<std::string>(
-        "--size",
-        [sectors](const std::string& word) {
-            *sectors = vexortools::ParseSize(word) / vexortools::kSectorBytes;
-        },
-        "of another size, such as 300GiB");
-    disk.get_subcommand("replace")->add_flag("--foreign", *foreign,
-                                             "with another controller's metadata on it");
+    const auto take_size = [sectors](const std::string& word) {
+        *sectors = vexortools::ParseSize(word) / vexortools::kSectorBytes;
+    };
+    replace.AddText("--size", take_size, "of another size, such as 300GiB");
+    replace.AddFlag("--foreign", *foreign, "with another controller's metadata on it");
 }
 
-void AddDisk(CLI::App& app, Action& action) {
-    CLI::App* const disk = app.add_subcommand("disk", "Let something happen to a disk");
-    disk->require_subcommand(1);
-    const auto add = [&](CLI::App& to, const char* name, const char* help,
+void AddDisk(const Command& app, Action& action) {
+    const Command disk = app.AddCommand("disk", "Let something happen to a disk");
+    disk.RequireCommands(1, 1);
+    const auto add = [&](const Command& to, const char* name, const char* help,
                          Outcome (*happens)(Adapter&, Time, HX_U16)) {
         AddOnObject(to, name, help, ObjectKind::kDisk, "a0/pd12", action,
                     [happens](Machine&, Adapter& adapter, Time now, const Object& object) {
                         return happens(adapter, now, object.id);
                     });
     };
-    add(*disk, "fail", "It breaks", hxsim::FailDisk);
-    add(*disk, "remove", "It is pulled out", hxsim::RemoveDisk);
-    add(*disk, "insert", "The one that was pulled out is put back", hxsim::InsertDisk);
-    AddDiskReplace(*disk, action);
+    add(disk, "fail", "It breaks", hxsim::FailDisk);
+    add(disk, "remove", "It is pulled out", hxsim::RemoveDisk);
+    add(disk, "insert", "The one that was pulled out is put back", hxsim::InsertDisk);
+    AddDiskReplace(disk, action);
     AddOnObjectAndNumber(
-        *disk, "damage", "A sector of it can no longer be read", ObjectKind::kDisk, "a0/pd12",
+        disk, "damage", "A sector of it can no longer be read", ObjectKind::kDisk, "a0/pd12",
         {"SECTOR", "number of a sector", INT64_MAX}, action,
         [](Adapter& adapter, Time now, const Object& object, std::uint64_t sector) {
             return hxsim::DamageSector(adapter, now, object.id, sector);
         });
 
-    CLI::App* const smart = app.add_subcommand("smart", "What disks say of themselves");
-    smart->require_subcommand(1);
-    add(*smart, "trip", "A disk announces its failure", hxsim::TripSmart);
+    const Command smart = app.AddCommand("smart", "What disks say of themselves");
+    smart.RequireCommands(1, 1);
+    add(smart, "trip", "A disk announces its failure", hxsim::TripSmart);
 }
 
 // ---- battery ----
 
-void AddBattery(CLI::App& app, Action& action) {
-    CLI::App* const battery = app.add_subcommand("battery", "Let something happen to the battery");
-    battery->require_subcommand(1);
+void AddBattery(const Command& app, Action& action) {
+    const Command battery = app.AddCommand("battery", "Let something happen to the battery");
+    battery.RequireCommands(1, 1);
     const auto add = [&](const char* name, const char* help, const NumberWord& number, auto set) {
-        AddOnObjectAndNumber(*battery, name, help, ObjectKind::kAdapter, "a0", number, action,
+        AddOnObjectAndNumber(battery, name, help, ObjectKind::kAdapter, "a0", number, action,
                              [set](Adapter& adapter, Time now, const Object&, std::uint64_t value) {
                                  return set(adapter, now, static_cast<HX_U16>(value));
                              });
@@ -128,7 +129,7 @@ void AddBattery(CLI::App& app, Action& action) {
         hxsim::SetBatteryVoltage);
     const auto add_plain = [&](const char* name, const char* help,
                                Outcome (*happens)(Adapter&, Time)) {
-        AddOnObject(*battery, name, help, ObjectKind::kAdapter, "a0", action,
+        AddOnObject(battery, name, help, ObjectKind::kAdapter, "a0", action,
                     [happens](Machine&, Adapter& adapter, Time now, const Object&) {
                         return happens(adapter, now);
                     });
@@ -142,14 +143,14 @@ void AddBattery(CLI::App& app, Action& action) {
 // The machine has the element, whose number therefore fits.
 HX_U8 ElementOf(const Object& object) { return static_cast<HX_U8>(object.element); }
 
-void AddPowerSupply(CLI::App& app, Action& action) {
-    CLI::App* const command =
-        app.add_subcommand("psu", "A power supply of an enclosure breaks or works again");
+void AddPowerSupply(const Command& app, Action& action) {
+    const Command command =
+        app.AddCommand("psu", "A power supply of an enclosure breaks or works again");
     const auto word = std::make_shared<std::string>();
     const auto state = std::make_shared<std::string>();
-    command->add_option("ADDRESS", *word, "such as a0/enc0/el3")->required();
-    command->add_option("STATE", *state, "fail or ok")->required();
-    command->callback([word, state, &action] {
+    command.AddRequiredText("ADDRESS", *word, "such as a0/enc0/el3");
+    command.AddRequiredText("STATE", *state, "fail or ok");
+    command.WhenTyped([word, state, &action] {
         const Target target = ParseTarget(*word, ObjectKind::kElement);
         if (*state != "fail" && *state != "ok") {
             throw UsageError('"' + *state + "\" is no state of a power supply; write fail or ok");
@@ -163,7 +164,7 @@ void AddPowerSupply(CLI::App& app, Action& action) {
     });
 }
 
-void AddElements(CLI::App& app, Action& action) {
+void AddElements(const Command& app, Action& action) {
     AddOnObjectAndNumber(app, "fan", "Set the speed of an enclosure's fan", ObjectKind::kElement,
                          "a0/enc0/el3", {"RPM", "speed in turns per minute", 65535}, action,
                          [](Adapter& adapter, Time now, const Object& object, std::uint64_t rpm) {
@@ -193,24 +194,23 @@ void CutPower(Driver& driver) {
 
 }  // namespace
 
-void AddIncidentCommands(CLI::App& app, Action& action) {
+void AddIncidentCommands(const Command& app, Action& action) {
     AddDisk(app, action);
     AddBattery(app, action);
     AddElements(app, action);
-    app.add_subcommand("power-cut", "The power of all adapters fails and comes back")
-        ->callback([&action] { action = CutPower; });
+    app.AddCommand("power-cut", "The power of all adapters fails and comes back")
+        .WhenTyped([&action] { action = CutPower; });
     AddInjectCommands(app, action);
 }
 
 Action ParseIncident(const std::vector<std::string>& words) {
-    CLI::App app;
-    app.set_help_flag();
-    app.require_subcommand(1);
+    const CommandParser parser;
+    const Command& program = parser.Program();
+    program.RequireCommands(1, 1);
     Action action;
-    AddIncidentCommands(app, action);
-    const auto is_called = [&](const CLI::App* each) { return each->get_name() == words[0]; };
-    if (std::as_const(app).get_subcommands(is_called).empty()) return {};
-    ParseWords(app, words);
+    AddIncidentCommands(program, action);
+    if (!program.HasCommand(words[0])) return {};
+    parser.Parse(words);
     return action;
 }
 

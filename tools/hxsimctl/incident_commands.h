@@ -5,11 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "command_parser.h"
+#include "common/command_parser.h"
+#include "driver.h"
 
 namespace hxsimctl {
 
-void AddIncidentCommands(CLI::App& app, Action& action);
+void AddIncidentCommands(const vexortools::Command& app, Action& action);
 
 /// What the words of one of these commands do; empty when the first word is none of them. Throws
 /// UsageError.

@@ -15,6 +15,7 @@ namespace {
 
 using hxsim::Injection;
 using hxsim::Machine;
+using vexortools::Command;
 using vexortools::ParseNumber;
 
 // What was typed.
@@ -86,11 +87,11 @@ std::string LineOf(const Injection& injection) {
     return line;
 }
 
-void AddClear(CLI::App& inject, Action& action) {
-    CLI::App* const clear = inject.add_subcommand("clear", "Take one out of the way, or all");
+void AddClear(const Command& inject, Action& action) {
+    const Command clear = inject.AddCommand("clear", "Take one out of the way, or all");
     const auto number = std::make_shared<std::string>();
-    clear->add_option("NUMBER", *number, "as inject list shows it; all when left out");
-    clear->callback([number, &action] {
+    clear.AddText("NUMBER", *number, "as inject list shows it; all when left out");
+    clear.WhenTyped([number, &action] {
         const bool all = number->empty();
         const auto id =
             all ? HX_U32{0}
@@ -111,28 +112,28 @@ void AddClear(CLI::App& inject, Action& action) {
 
 }  // namespace
 
-void AddInjectCommands(CLI::App& app, Action& action) {
-    CLI::App* const inject =
-        app.add_subcommand("inject", "Put a fault in the way of the library's calls");
-    inject->require_subcommand(0, 1);
+void AddInjectCommands(const Command& app, Action& action) {
+    const Command inject =
+        app.AddCommand("inject", "Put a fault in the way of the library's calls");
+    inject.RequireCommands(0, 1);
     const auto words = std::make_shared<InjectWords>();
-    inject->add_option("--call", words->call, "the function that is hit; every one when left out");
-    inject->add_option("--code", words->code, "with which it is refused");
-    inject->add_flag("--hostile", words->hostile, "it answers as broken firmware does");
-    inject->add_option("--times", words->times, "calls that are hit; all of them when left out");
-    inject->add_option("--after", words->after, "calls that are let through before");
-    inject->add_option("--adapter", words->adapter, "number of the adapter; all when left out");
+    inject.AddText("--call", words->call, "the function that is hit; every one when left out");
+    inject.AddText("--code", words->code, "with which it is refused");
+    inject.AddFlag("--hostile", words->hostile, "it answers as broken firmware does");
+    inject.AddText("--times", words->times, "calls that are hit; all of them when left out");
+    inject.AddText("--after", words->after, "calls that are let through before");
+    inject.AddText("--adapter", words->adapter, "number of the adapter; all when left out");
 
-    inject->add_subcommand("list", "Show what is in the way")->callback([&action] {
+    inject.AddCommand("list", "Show what is in the way").WhenTyped([&action] {
         action = [](Driver& driver) {
             for (const Injection& each : driver.Current().injections) {
                 driver.Out() << LineOf(each) << '\n';
             }
         };
     });
-    AddClear(*inject, action);
-    inject->callback([inject, words, &action] {
-        if (!inject->get_subcommands().empty()) return;
+    AddClear(inject, action);
+    inject.WhenTyped([inject, words, &action] {
+        if (inject.CommandTyped()) return;
         const Injection injection = InjectionOf(*words);
         action = [injection](Driver& driver) { Add(driver, injection); };
     });

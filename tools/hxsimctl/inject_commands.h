@@ -1,10 +1,11 @@
 // inject: faults that are put in the way of the library's calls.
 #pragma once
 
-#include "command_parser.h"
+#include "common/command_parser.h"
+#include "driver.h"
 
 namespace hxsimctl {
 
-void AddInjectCommands(CLI::App& app, Action& action);
+void AddInjectCommands(const vexortools::Command& app, Action& action);
 
 }  // namespace hxsimctl

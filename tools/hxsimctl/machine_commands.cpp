@@ -18,6 +18,8 @@ namespace hxsimctl {
 
 namespace {
 
+using vexortools::Command;
+
 std::string TopologyText(const std::string& name) {
     const std::string_view built_in = hxsim::BuiltInTopology(name);
     if (!built_in.empty()) return std::string(built_in);
@@ -40,18 +42,18 @@ void Init(Driver& driver, const std::string& topology, std::uint64_t seed, bool 
     }
 }
 
-void AddInit(CLI::App& app, Action& action) {
-    CLI::App* const command = app.add_subcommand("init", "Make a machine");
+void AddInit(const Command& app, Action& action) {
+    const Command command = app.AddCommand("init", "Make a machine");
     const auto topology = std::make_shared<std::string>("default");
     const auto seed = std::make_shared<std::string>("1");
     const auto force = std::make_shared<bool>(false);
-    command->add_option("--topology", *topology,
-                        "a topology file, or the name of one that is built in: default, small, "
-                        "rack");
-    command->add_option("--seed", *seed,
-                        "number that serial numbers and the like are drawn from; 1 when left out");
-    command->add_flag("--force", *force, "also where a machine is already, which is then gone");
-    command->callback([=, &action] {
+    command.AddText("--topology", *topology,
+                    "a topology file, or the name of one that is built in: default, small, "
+                    "rack");
+    command.AddText("--seed", *seed,
+                    "number that serial numbers and the like are drawn from; 1 when left out");
+    command.AddFlag("--force", *force, "also where a machine is already, which is then gone");
+    command.WhenTyped([=, &action] {
         const std::uint64_t number = vexortools::ParseNumber(*seed, INT64_MAX, "seed");
         action = [topology = *topology, number, force = *force](Driver& driver) {
             Init(driver, topology, number, force);
@@ -73,16 +75,16 @@ void Check(Driver& driver) {
 
 }  // namespace
 
-void AddMachineCommands(CLI::App& app, Action& action) {
+void AddMachineCommands(const Command& app, Action& action) {
     AddInit(app, action);
-    app.add_subcommand("show", "Show the machine as a tree")->callback([&action] {
+    app.AddCommand("show", "Show the machine as a tree").WhenTyped([&action] {
         action = [](Driver& driver) {
             const hxsim::Machine& machine = driver.Current();
             ShowMachine(machine, driver.Now(), driver.Out());
         };
     });
-    app.add_subcommand("check", "Look whether all that must hold of the machine does")
-        ->callback([&action] { action = Check; });
+    app.AddCommand("check", "Look whether all that must hold of the machine does")
+        .WhenTyped([&action] { action = Check; });
 }
 
 }  // namespace hxsimctl

@@ -1,10 +1,11 @@
 // init, show and check: the commands for the machine as a whole.
 #pragma once
 
-#include "command_parser.h"
+#include "common/command_parser.h"
+#include "driver.h"
 
 namespace hxsimctl {
 
-void AddMachineCommands(CLI::App& app, Action& action);
+void AddMachineCommands(const vexortools::Command& app, Action& action);
 
 }  // namespace hxsimctl

@@ -1,7 +1,4 @@
 // hxsimctl: drives the virtual controller.
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>     // IWYU pragma: keep (App.hpp calls what it defines)
-#include <CLI/Formatter.hpp>  // IWYU pragma: keep (likewise)
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -33,24 +30,25 @@ void RequireOutput() {
 }
 
 void Run(int argc, char** argv) {
-    CLI::App app("Drives the virtual RAID controller: makes a machine, breaks and mends its parts.",
-                 "hxsimctl");
-    app.set_version_flag("--version", "hxsimctl " HXSIMCTL_VERSION, "Print the version and exit");
-    app.footer(vexortools::ExitCodeHelp(kExitMeanings));
-    app.require_subcommand(1);
-    app.fallthrough();  // --state may stand behind the command, too
+    const vexortools::CommandParser parser(
+        "hxsimctl", "hxsimctl " HXSIMCTL_VERSION,
+        "Drives the virtual RAID controller: makes a machine, breaks and mends its parts.",
+        vexortools::ExitCodeHelp(kExitMeanings));
+    const vexortools::Command& program = parser.Program();
+    program.RequireCommands(1, 1);
+    parser.OptionsMayFollow();  // --state may stand behind the command, too
     std::string state;
-    app.add_option("--state", state,
-                   "the state file; else what HXSIM_STATE names, else the user's");
+    program.AddText("--state", state,
+                    "the state file; else what HXSIM_STATE names, else the user's");
     Action action;
-    AddMachineCommands(app, action);
-    AddClockCommands(app, action);
-    AddScenarioCommand(app, action);
-    AddIncidentCommands(app, action);
+    AddMachineCommands(program, action);
+    AddClockCommands(program, action);
+    AddScenarioCommand(program, action);
+    AddIncidentCommands(program, action);
     try {
-        ParseWords(app, {argv + 1, argv + argc});
-    } catch (const CLI::ParseError& help) {
-        app.exit(help);
+        parser.Parse({argv + 1, argv + argc});
+    } catch (const vexortools::HelpAsked& help) {
+        std::cout << help.text;
         return RequireOutput();
     }
     // The library in this process works on the same file.

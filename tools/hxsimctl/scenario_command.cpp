@@ -8,15 +8,17 @@
 
 namespace hxsimctl {
 
-void AddScenarioCommand(CLI::App& app, Action& action) {
-    CLI::App* const scenario = app.add_subcommand("scenario", "Let a story happen");
-    scenario->require_subcommand(1);
-    CLI::App* const run = scenario->add_subcommand("run", "Run the steps of a file");
+using vexortools::Command;
+
+void AddScenarioCommand(const Command& app, Action& action) {
+    const Command scenario = app.AddCommand("scenario", "Let a story happen");
+    scenario.RequireCommands(1, 1);
+    const Command run = scenario.AddCommand("run", "Run the steps of a file");
     const auto file = std::make_shared<std::string>();
     const auto verbose = std::make_shared<bool>(false);
-    run->add_option("FILE", *file, "with a step on each line")->required();
-    run->add_flag("--verbose,-v", *verbose, "print each step");
-    run->callback([=, &action] {
+    run.AddRequiredText("FILE", *file, "with a step on each line");
+    run.AddFlag("--verbose,-v", *verbose, "print each step");
+    run.WhenTyped([=, &action] {
         action = [file = *file, verbose = *verbose](Driver& driver) {
             const std::string text = ReadInput(file, "examples/scenarios has some that can be run");
             RunScenario(driver, ReadScenario(file, text), verbose);

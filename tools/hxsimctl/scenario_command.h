@@ -1,10 +1,11 @@
 // scenario run.
 #pragma once
 
-#include "command_parser.h"
+#include "common/command_parser.h"
+#include "driver.h"
 
 namespace hxsimctl {
 
-void AddScenarioCommand(CLI::App& app, Action& action);
+void AddScenarioCommand(const vexortools::Command& app, Action& action);
 
 }  // namespace hxsimctl

@@ -1,10 +1,8 @@
 #include "shell/command_line.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>     // IWYU pragma: keep (App.hpp calls what it defines)
-#include <CLI/Formatter.hpp>  // IWYU pragma: keep (likewise)
 #include <algorithm>
 
+#include "common/command_parser.h"
 #include "model/failure.h"
 #include "model/fault.h"
 #include "model/library_session.h"
@@ -96,22 +94,16 @@ std::vector<std::string> ValuesOf(const OptionRow& row, const std::vector<std::s
 }
 
 Invocation Parse(const CommandRow& row, const std::vector<std::string>& typed) {
-    CLI::App app;
-    app.set_help_flag();
+    const vexortools::CommandParser parser;
+    const vexortools::Command& program = parser.Program();
     const std::vector<OptionRow> rows = OptionsOf(row);
-    std::vector<CLI::Option*> options;
+    std::vector<vexortools::Typed> options;
     for (const OptionRow& option : rows) {
         std::string names(option.name);
         if (!option.letter.empty()) names.append(",").append(option.letter);
-        if (option.value.empty()) {
-            options.push_back(app.add_flag(names));
-        } else {
-            options.push_back(app.add_option(names)->expected(1)->multi_option_policy(
-                CLI::MultiOptionPolicy::TakeAll));
-        }
+        options.push_back(option.value.empty() ? program.AddFlag(names) : program.AddOption(names));
     }
-    CLI::Option* const targets =
-        app.add_option("TARGET")->expected(CLI::detail::expected_max_vector_size);
+    const vexortools::Typed targets = program.AddArguments("TARGET");
 
     std::vector<std::string> words = MarkedArguments(typed);
     for (std::string& word : words) {
@@ -120,24 +112,23 @@ Invocation Parse(const CommandRow& row, const std::vector<std::string>& typed) {
         });
         if (alone != rows.end()) word.append("=").append(kAlone);
     }
-    std::ranges::reverse(words);
     try {
-        app.parse(words);
-    } catch (const CLI::ArgumentMismatch& error) {
+        parser.Parse(words);
+    } catch (const vexortools::ValueMissing& error) {
         const std::string text = WithoutMarks(error.what());
         throw UsageError(text.substr(0, text.find(':')) + " needs a value");
-    } catch (const CLI::ParseError& error) {
+    } catch (const UsageError& error) {
         throw UsageError(WithoutMarks(error.what()));
     }
 
     std::map<std::string, std::vector<std::string>> values;
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (options[i]->count() == 0) continue;
+        if (options[i].Count() == 0) continue;
         std::vector<std::string>& list = values[std::string(rows[i].name)];
-        if (!rows[i].value.empty()) list = ValuesOf(rows[i], options[i]->results());
+        if (!rows[i].value.empty()) list = ValuesOf(rows[i], options[i].Values());
     }
     std::vector<std::string> given;
-    for (const std::string& word : targets->results()) given.push_back(Unmarked(word));
+    for (const std::string& word : targets.Values()) given.push_back(Unmarked(word));
     CheckArity(row, given.size());
     return {row, std::move(values), std::move(given)};
 }
