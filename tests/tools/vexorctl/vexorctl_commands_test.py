@@ -216,8 +216,7 @@ class Codes(VexorctlCase):
         self.collect()
         process = subprocess.Popen([VEXORCTL, "event", "follow"], env=self.environment,
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        time.sleep(0.5)
-        process.send_signal(signal.SIGINT)
+        vexorctl_machine.interrupt(process)
         process.communicate(timeout=20)
         self.assertEqual(process.returncode, 130)
 

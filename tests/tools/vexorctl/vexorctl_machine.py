@@ -11,6 +11,7 @@ import pty
 import re
 import select
 import shutil
+import signal
 import subprocess
 import tempfile
 import time
@@ -36,6 +37,20 @@ def _template(programs, topology):
     _hxsimctl(programs, state, "init", "--topology", topology)
     _hxsimctl(programs, state, "clock", "freeze")
     return folder, state  # the folder goes with the cache, at the end of the program
+
+
+def interrupt(process):
+    """Sends SIGINT to a program, once it catches it."""
+    status = pathlib.Path(f"/proc/{process.pid}/status")
+    end = time.monotonic() + 20
+    while time.monotonic() < end:
+        caught = int(re.search(r"^SigCgt:\s*(\w+)$", status.read_text(), re.M)[1], 16)
+        if caught & 1 << (signal.SIGINT - 1):
+            process.send_signal(signal.SIGINT)
+            return
+        time.sleep(0.01)
+    process.kill()
+    raise AssertionError("the program never caught SIGINT")
 
 
 class Machine:

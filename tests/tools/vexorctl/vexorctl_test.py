@@ -18,9 +18,9 @@ import signal
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 
+import vexorctl_machine
 from vexorctl_machine import VERSION, Machine
 
 HERE = pathlib.Path(__file__).resolve().parent
@@ -709,8 +709,7 @@ class Waiting(VexorctlTest):
     def test_ctrl_c_ends_the_waiting_and_says_that_the_task_goes_on(self):
         process = subprocess.Popen([VEXORCTL, "task", "watch"], env=self.environment(),
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        time.sleep(0.5)
-        process.send_signal(signal.SIGINT)
+        vexorctl_machine.interrupt(process)
         out, err = process.communicate(timeout=20)
         self.assertEqual(err, b"vexorctl: a0/vd0: interrupted; the task goes on\n")
         self.assertEqual((out, process.returncode), (b"", 130))
