@@ -109,6 +109,20 @@ class Durations(vexorctl_machine.VexorctlCase):
                              "90s or 1w (see vexorctl task wait --help)\n"))
 
 
+    def test_are_the_interval_at_which_events_are_looked_for(self):
+        self.collect()
+        for text in "1", "10ms", "1m30s", "1d":
+            run = self.run_words("event", "follow", "--from-start", "--once", "--interval", text)
+            self.assertEqual((run.returncode, run.stderr), (0, ""))
+        for text, complaint in (("25h", "the longest interval is 1d, not 25h"),
+                                ("often", '"often" is no duration; write one such as 2h30m, 90s or '
+                                          "1w")):
+            run = self.run_words("event", "follow", "--once", "--interval", text)
+            self.assertEqual((run.returncode, run.stderr),
+                             (2, f"vexorctl: --interval: {complaint} (see vexorctl event follow "
+                                 "--help)\n"))
+
+
 class Sizes(vexorctl_machine.VexorctlCase):
     def commands_for(self, size):
         run = self.run_words("vd", "create", "--adapter", "1", "--raid", "0", "--disks", "1",

@@ -332,19 +332,27 @@ private:
     bool first_ = true;  // nothing was printed yet, not even a heading
 };
 
+Duration IntervalOf(const std::string& text) {
+    const Duration interval = ParseDuration(text);
+    if (interval > std::chrono::days(1))
+        throw UsageError("the longest interval is 1d, not " + text);
+    return interval;
+}
+
 Exit FollowEvents(Invocation& invocation) {
     const Style style = StyleOf(invocation, "table");
     if (!CanContinue(style)) {
         throw UsageError("events that go on coming cannot be one " + std::string(style.format) +
                          " document; say -o jsonl");
     }
-    const std::uint64_t interval = invocation.Number("--interval", 86400).value_or(1);
+    const Duration interval =
+        ReadOption("--interval", invocation.Get("--interval", "1s"), IntervalOf);
     WatchForInterrupts();
     for (Follower follower(invocation, style);; follower.LookAgain()) {
         follower.ShowNew();
         if (Interrupted()) return Exit::kInterrupted;
         if (invocation.Has("--once") || follower.IsEnough()) return invocation.controller().exit();
-        SleepMilliseconds(static_cast<unsigned>(interval * 1000));
+        SleepMilliseconds(static_cast<unsigned>(interval.count()));
         if (Interrupted()) return Exit::kInterrupted;
     }
 }
@@ -391,7 +399,7 @@ constexpr OptionRow kFollowOptions[] = {
     {"--from-start", "", "Begin with the oldest event instead of the next one"},
     {"--once", "", "End when all events that are there have been shown"},
     {"--count", "COUNT", "End after so many events"},
-    {"--interval", "SECONDS", "How often to look for new events; 1 when not given"},
+    {"--interval", "DURATION", "How often to look for new events, such as 30s; 1s when not given"},
     {"--severity", "SEVERITY", "Only those of it; with a +, as in warning+, and of graver ones"},
     {"--adapter", "NUMBER", "Only those of this adapter"},
     {"--class", "CLASS", "Only those about one kind of object, as in virtual_disk"},
