@@ -8,6 +8,7 @@
 #include "adapter_functions.h"  // made of hxraid.h when hxsimctl is built
 #include "codes/status.h"
 #include "common/number.h"
+#include "common/terminal_text.h"
 
 namespace hxsimctl {
 
@@ -127,7 +128,7 @@ void AddInjectCommands(const Command& app, Action& action) {
     inject.AddCommand("list", "Show what is in the way").WhenTyped([&action] {
         action = [](Driver& driver) {
             for (const Injection& each : driver.Current().injections) {
-                driver.Out() << LineOf(each) << '\n';
+                driver.Out() << vexortools::Printable(LineOf(each)) << '\n';
             }
         };
     });
