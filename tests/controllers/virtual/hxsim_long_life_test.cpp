@@ -950,7 +950,7 @@ std::uint64_t NumberFrom(const char* name, std::uint64_t otherwise) {
     return text == nullptr ? otherwise : std::strtoull(text, nullptr, 10);
 }
 
-TEST(LivingMachine, StaysSoundWhateverHappensToIt) {
+TEST(LongLife, StaysSoundWhateverHappensToIt) {
     constexpr std::uint64_t kLivesOf = 2000;  // calls; then another machine
     using std::chrono::steady_clock;
     // A sanitized build does less in the same time.

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string>
 
-#include "controllers/virtual/support/simulator_lists.h"
+#include "controllers/virtual/support/list_calls.h"
 #include "hxraid.h"
 
 namespace {

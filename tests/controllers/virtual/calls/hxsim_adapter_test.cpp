@@ -7,37 +7,32 @@
 #include <functional>
 #include <string>
 
-#include "codes/activity.h"
-#include "codes/state.h"
-#include "codes/status.h"
-#include "controllers/virtual/support/living_parts.h"
+#include "controllers/virtual/support/test_machine.h"
+#include "model/hxsim_codes.h"
 #include "rules/hxsim_activity.h"
 
+namespace hxsim {
 namespace {
 
-using hxcodes::ActivityKind;
-using hxcodes::State;
-using hxcodes::Status;
-using parts::kNow;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class LivingAdapter : public parts::PartsTest {
+class AdapterSettings : public MixedMachineTest {
 protected:
     HX_U8 Set(const std::function<void(Adapter_Config_V2& config)>& change) {
         Adapter_Config_V2 config = adapter().config;
         change(config);
-        return hxsim::SetAdapter(adapter(), kNow, config);
+        return SetAdapter(adapter(), kNow, config);
     }
 
-    void ExpectRefused(HX_U8 code, const std::function<void(Adapter_Config_V2& config)>& change) {
+    void ExpectRefusal(HX_U8 code, const std::function<void(Adapter_Config_V2& config)>& change) {
         const std::string before = Everything();
-        EXPECT_EQ(code, Set(change));
-        EXPECT_EQ(before, Everything());
+        ExpectRefused(code, Set(change), before);
     }
 };
 
-TEST_F(LivingAdapter, AnnouncesEachRateThatChangesWithItsPercentage) {
+TEST_F(AdapterSettings, AnnouncesEachRateThatChangesWithItsPercentage) {
+    adapter().config.MediaPatrolRate = 50;
     EXPECT_EQ(0, Set([](Adapter_Config_V2& config) {
                   config.BGARate = 1;
                   config.SyncRate = 2;
@@ -53,7 +48,7 @@ TEST_F(LivingAdapter, AnnouncesEachRateThatChangesWithItsPercentage) {
                             "12/27 of 0 100 0 0 0"));
 }
 
-TEST_F(LivingAdapter, AnnouncesWhatIsSwitchedOn) {
+TEST_F(AdapterSettings, AnnouncesWhatIsSwitchedOn) {
     adapter().config.AlarmOn = adapter().config.PollSMARTStatus = 0;
     EXPECT_EQ(0, Set([](Adapter_Config_V2& config) {
                   config.AlarmOn = config.AutoRebuildOn = config.PollSMARTStatus = config.CopyBack =
@@ -62,7 +57,7 @@ TEST_F(LivingAdapter, AnnouncesWhatIsSwitchedOn) {
     EXPECT_THAT(Events(), ElementsAre("0/2 of 0", "0/4 of 0", "0/0 of 0", "0/7 of 0"));
 }
 
-TEST_F(LivingAdapter, AnnouncesWhatIsSwitchedOff) {
+TEST_F(AdapterSettings, AnnouncesWhatIsSwitchedOff) {
     adapter().config.AutoRebuildOn = adapter().config.CopyBack = 1;
     EXPECT_EQ(0, Set([](Adapter_Config_V2& config) {
                   config.AlarmOn = config.AutoRebuildOn = config.PollSMARTStatus = config.CopyBack =
@@ -71,12 +66,12 @@ TEST_F(LivingAdapter, AnnouncesWhatIsSwitchedOff) {
     EXPECT_THAT(Events(), ElementsAre("0/3 of 0", "0/5 of 0", "0/1 of 0", "0/8 of 0"));
 }
 
-TEST_F(LivingAdapter, AnnouncesNothingThatStaysAsItIs) {
+TEST_F(AdapterSettings, AnnouncesNothingThatStaysAsItIs) {
     EXPECT_EQ(0, Set([](Adapter_Config_V2&) {}));
     EXPECT_THAT(Events(), IsEmpty());
 }
 
-TEST_F(LivingAdapter, KeepsWhatHasNoEvent) {
+TEST_F(AdapterSettings, KeepsWhatHasNoEvent) {
     EXPECT_EQ(0, Set([](Adapter_Config_V2& config) {
                   config.InterruptCoalescing = config.ModuleConsolidate = 1;
                   config.v_atapi_disable = 7;
@@ -91,54 +86,54 @@ TEST_F(LivingAdapter, KeepsWhatHasNoEvent) {
     EXPECT_THAT(Events(), IsEmpty());
 }
 
-TEST_F(LivingAdapter, RefusesRatesAboveAHundredPercent) {
+TEST_F(AdapterSettings, RefusesRatesAboveAHundredPercent) {
     for (const auto rate :
          {&Adapter_Config_V2::BGARate, &Adapter_Config_V2::SyncRate, &Adapter_Config_V2::InitRate,
           &Adapter_Config_V2::RebuildRate, &Adapter_Config_V2::MigrationRate,
           &Adapter_Config_V2::CopybackRate, &Adapter_Config_V2::MediaPatrolRate}) {
-        ExpectRefused(Status::kBadValue, [&](Adapter_Config_V2& config) { config.*rate = 101; });
+        ExpectRefusal(Status::kBadValue, [&](Adapter_Config_V2& config) { config.*rate = 101; });
     }
 }
 
-TEST_F(LivingAdapter, RefusesSwitchesThatAreNeitherOnNorOff) {
+TEST_F(AdapterSettings, RefusesSwitchesThatAreNeitherOnNorOff) {
     for (const auto setting :
          {&Adapter_Config_V2::PollSMARTStatus, &Adapter_Config_V2::CopyBack,
           &Adapter_Config_V2::InterruptCoalescing, &Adapter_Config_V2::ModuleConsolidate}) {
-        ExpectRefused(Status::kBadValue, [&](Adapter_Config_V2& config) { config.*setting = 2; });
+        ExpectRefusal(Status::kBadValue, [&](Adapter_Config_V2& config) { config.*setting = 2; });
     }
 }
 
-TEST_F(LivingAdapter, RefusesARateThatItsModelDoesNotLetBeSet) {
+TEST_F(AdapterSettings, RefusesARateThatItsModelDoesNotLetBeSet) {
     adapter().info.Features = 0x5F & ~0x08;
-    ExpectRefused(Status::kNotSupported,
+    ExpectRefusal(Status::kNotSupported,
                   [](Adapter_Config_V2& config) { config.MigrationRate = 10; });
     EXPECT_EQ(0, Set([](Adapter_Config_V2& config) { config.RebuildRate = 10; }));
 }
 
-TEST_F(LivingAdapter, RefusesAnAlarmThatItDoesNotHave) {
+TEST_F(AdapterSettings, RefusesAnAlarmThatItDoesNotHave) {
     adapter().info.AlarmSupport = 0;
     adapter().config.AlarmOn = 0;
-    ExpectRefused(Status::kNotSupported, [](Adapter_Config_V2& config) { config.AlarmOn = 1; });
+    ExpectRefusal(Status::kNotSupported, [](Adapter_Config_V2& config) { config.AlarmOn = 1; });
 }
 
-TEST_F(LivingAdapter, LetsWhatRunsGoOnAtItsNewRate) {
+TEST_F(AdapterSettings, LetsWhatRunsGoOnAtItsNewRate) {
     adapter().config.SyncRate = 10;
-    hxsim::Activity check;
+    Activity check;
     check.kind = ActivityKind::kCheck;
     check.owner = 0;
     check.total = 640000;
-    hxsim::Start(adapter(), kNow, check);
+    Start(adapter(), kNow, check);
     EXPECT_EQ(20480u, adapter().activities[0].speed);
     EXPECT_EQ(0, Set([](Adapter_Config_V2& config) { config.SyncRate = 50; }));
     EXPECT_EQ(102400u, adapter().activities[0].speed);
 }
 
-TEST_F(LivingAdapter, WithoutAnAlarmHasNothingToMute) {
+TEST_F(AdapterSettings, WithoutAnAlarmHasNothingToMute) {
     adapter().info.AlarmSupport = 0;
-    EXPECT_EQ(Status::kNotSupported, hxsim::Mute(adapter()));
+    EXPECT_EQ(Status::kNotSupported, Mute(adapter()));
 }
 
-TEST_F(LivingAdapter, SwitchingTheAlarmOffSilencesIt) {
+TEST_F(AdapterSettings, SwitchingTheAlarmOffSilencesIt) {
     virtual_disk(0).state = State::kDegraded;
     adapter().alarm = true;
     EXPECT_EQ(0, Set([](Adapter_Config_V2& config) { config.AlarmOn = 0; }));
@@ -146,3 +141,4 @@ TEST_F(LivingAdapter, SwitchingTheAlarmOffSilencesIt) {
 }
 
 }  // namespace
+}  // namespace hxsim

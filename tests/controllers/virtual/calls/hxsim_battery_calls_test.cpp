@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "controllers/virtual/support/simulator_lists.h"
+#include "controllers/virtual/support/list_calls.h"
 #include "hxraid.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "controllers/virtual/support/simulator_lists.h"
+#include "controllers/virtual/support/list_calls.h"
 #include "hxraid.h"
 
 namespace {
@@ -134,7 +134,7 @@ struct RefusedCase {
     HX_U16 id;
     HX_U8 level;
     Ids disks;
-    void (*spoil)(CreateOrModify_DG_Param&) = [](CreateOrModify_DG_Param&) {};
+    void (*change)(CreateOrModify_DG_Param&) = [](CreateOrModify_DG_Param&) {};
 };
 void PrintTo(const RefusedCase& refused, std::ostream* out) { *out << refused.name; }
 
@@ -167,7 +167,7 @@ protected:
 
 TEST_P(RefusedDiskGroup, HasNoSize) {
     CreateOrModify_DG_Param param = Wanted(GetParam().id, GetParam().level, GetParam().disks);
-    GetParam().spoil(param);
+    GetParam().change(param);
     EXPECT_EQ(GetParam().status, HX_CreateOrModify_DG(0, &param, 1));
     EXPECT_EQ(kUntouched.value, param.Size.value);
 }

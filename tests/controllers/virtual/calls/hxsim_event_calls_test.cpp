@@ -9,7 +9,7 @@
 #include <tuple>
 #include <vector>
 
-#include "controllers/virtual/support/simulator_lists.h"
+#include "controllers/virtual/support/list_calls.h"
 #include "hxraid.h"
 
 namespace {

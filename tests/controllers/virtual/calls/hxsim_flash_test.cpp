@@ -1,28 +1,24 @@
 // The flash: images erased, written in pieces, judged and read back.
 #include "calls/hxsim_flash.h"
-#include "model/hxsim_bios_image.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <string>
 
-#include "codes/flash.h"
-#include "codes/status.h"
-#include "controllers/virtual/support/living_parts.h"
+#include "controllers/virtual/support/test_machine.h"
+#include "model/hxsim_bios_image.h"
+#include "model/hxsim_codes.h"
 #include "support/folders.h"
 
+namespace hxsim {
 namespace {
 
-using hxcodes::Image;
-using hxcodes::Status;
-using parts::kNow;
 using testing::ElementsAre;
 
 std::string SampleFile() {
@@ -33,7 +29,7 @@ std::string SampleFile() {
     return image;
 }
 
-class LivingFlash : public parts::PartsTest {
+class Flash : public MixedMachineTest {
 protected:
     static std::unique_ptr<Flash_Data> Piece(HX_U16 number, const std::string& bytes, bool last) {
         auto piece = std::make_unique<Flash_Data>();
@@ -44,10 +40,10 @@ protected:
         return piece;
     }
 
-    HX_U8 Erase(HX_U8 type) { return hxsim::EraseImage(adapter(), kNow, type); }
+    HX_U8 Erase(HX_U8 type) { return EraseImage(adapter(), kNow, type); }
 
     HX_U8 Write(HX_U8 type, HX_U16 number, const std::string& bytes, bool last) {
-        return hxsim::WritePiece(adapter(), kNow, type, *Piece(number, bytes, last));
+        return WritePiece(adapter(), kNow, type, *Piece(number, bytes, last));
     }
 
     void WriteAll(HX_U8 type, const std::string& image) {
@@ -60,7 +56,7 @@ protected:
 
     HX_U8 Read(HX_U8 type, HX_U16 number, std::string& image) {
         const auto piece = Piece(number, "", false);
-        const HX_U8 status = hxsim::ReadPiece(adapter(), type, *piece);
+        const HX_U8 status = ReadPiece(adapter(), type, *piece);
         if (status == HX_SUCCESS) {
             image.append(reinterpret_cast<const char*>(piece->Data), piece->DataLength);
         }
@@ -72,56 +68,15 @@ protected:
         for (HX_U16 number = 0; Read(type, number, image) == HX_SUCCESS;) ++number;
         return image;
     }
-
-    void ExpectRefused(HX_U8 code, HX_U8 status, const std::string& before) {
-        EXPECT_EQ(code, status);
-        EXPECT_EQ(before, Everything());
-    }
 };
 
 constexpr HX_U8 kBios = 1, kFirmware = 2;
 
-// ---- The image that is there at first ----
-
-TEST_F(LivingFlash, SampleIsAnOptionRomWithVersionAndSubsystem) {
-    const std::string image = ReadAll(kBios);
-    ASSERT_EQ(40960u, image.size());
-    EXPECT_EQ(std::string("\x55\xAA\x50\0\0\0\x03\0\x01\0\0\0\x1B\0", 14), image.substr(0, 14));
-    EXPECT_EQ(std::string("\xC0\xFA\x01\0", 4), image.substr(32, 4));
-    unsigned sum = 0;
-    for (const char each : image) sum += static_cast<unsigned char>(each);
-    EXPECT_EQ(0u, sum % 256);
-}
-
-TEST_F(LivingFlash, SampleIsGoodForItsAdapterAndNoOther) {
-    const std::string image = hxsim::SampleBios(adapter().info);
-    EXPECT_TRUE(hxsim::IsBiosFor(adapter().info, image));
-    Adapter_Info other = adapter().info;
-    other.SubDevID = 2;
-    EXPECT_FALSE(hxsim::IsBiosFor(other, image));
-    other = adapter().info;
-    other.SubVenID = 0xFAC1;
-    EXPECT_FALSE(hxsim::IsBiosFor(other, image));
-}
-
-TEST_F(LivingFlash, ImageThatLacksAnythingIsNotGood) {
-    const std::string good = hxsim::SampleBios(adapter().info);
-    std::string image = good;
-    image[0] = 'U' + 1;
-    image[1] = static_cast<char>(0xA9);  // the sum stays right
-    EXPECT_FALSE(hxsim::IsBiosFor(adapter().info, image));
-    image = good;
-    image[1000] = static_cast<char>(image[1000] + 1);
-    EXPECT_FALSE(hxsim::IsBiosFor(adapter().info, image));
-    EXPECT_FALSE(hxsim::IsBiosFor(adapter().info, good + std::string(512, '\0')));
-    EXPECT_FALSE(hxsim::IsBiosFor(adapter().info, good.substr(0, 40448)));
-    EXPECT_FALSE(hxsim::IsBiosFor(adapter().info, ""));
-    EXPECT_FALSE(hxsim::IsBiosFor(adapter().info, good.substr(0, 63)));
-}
-
 // ---- Erasing ----
 
-TEST_F(LivingFlash, ErasedImageIsDamaged) {
+TEST_F(Flash, HoldsTheSampleAtFirst) { EXPECT_EQ(SampleBios(adapter().info), ReadAll(kBios)); }
+
+TEST_F(Flash, ErasedImageIsDamaged) {
     EXPECT_EQ(0, Erase(kBios));
     EXPECT_EQ(0, adapter().info.boot_rom_img_health);
     EXPECT_EQ(0, adapter().info.img_health);
@@ -129,7 +84,7 @@ TEST_F(LivingFlash, ErasedImageIsDamaged) {
     EXPECT_THAT(EventsWithParams(), ElementsAre("10/0 of 1 1 0 0 0"));
 }
 
-TEST_F(LivingFlash, ErasesOnlyImagesThatThereAre) {
+TEST_F(Flash, ErasesOnlyImagesThatThereAre) {
     const std::string before = Everything();
     ExpectRefused(Status::kBadAction, Erase(0), before);
     ExpectRefused(Status::kBadAction, Erase(77), before);
@@ -138,7 +93,7 @@ TEST_F(LivingFlash, ErasesOnlyImagesThatThereAre) {
 
 // ---- Writing ----
 
-TEST_F(LivingFlash, WrittenImageIsReadBack) {
+TEST_F(Flash, WrittenImageIsReadBack) {
     const std::string image = SampleFile();
     ASSERT_EQ(0, Erase(kBios));
     WriteAll(kBios, image);
@@ -147,7 +102,7 @@ TEST_F(LivingFlash, WrittenImageIsReadBack) {
     EXPECT_EQ(1, adapter().info.img_health);
 }
 
-TEST_F(LivingFlash, BiosVersionFollowsTheImage) {
+TEST_F(Flash, BiosVersionFollowsTheImage) {
     ASSERT_EQ(0, Erase(kBios));
     EXPECT_EQ(27, adapter().info.BIOSVersion.BuildNumber);
     WriteAll(kBios, SampleFile());
@@ -157,8 +112,8 @@ TEST_F(LivingFlash, BiosVersionFollowsTheImage) {
     EXPECT_EQ(28, adapter().info.BIOSVersion.BuildNumber);
 }
 
-TEST_F(LivingFlash, BiosVersionInDigitsIsUnderstood) {
-    std::string image = hxsim::SampleBios(adapter().info);
+TEST_F(Flash, BiosVersionInDigitsIsUnderstood) {
+    std::string image = SampleBios(adapter().info);
     const std::string digits("4\0002\0001\00035", 8);
     int sum = 0;
     for (std::size_t i = 0; i < digits.size(); ++i) {
@@ -174,13 +129,13 @@ TEST_F(LivingFlash, BiosVersionInDigitsIsUnderstood) {
     EXPECT_EQ(35, adapter().info.BIOSVersion.BuildNumber);
 }
 
-TEST_F(LivingFlash, TellsOfAnImageThatWasWritten) {
+TEST_F(Flash, TellsOfAnImageThatWasWritten) {
     ASSERT_EQ(0, Erase(kBios));
     WriteAll(kBios, SampleFile());
     EXPECT_THAT(EventsWithParams(), ElementsAre("10/0 of 1 1 0 0 0", "10/1 of 1 1 40960 0 0"));
 }
 
-TEST_F(LivingFlash, DamagedImageIsNotHealthyAndNotReadBack) {
+TEST_F(Flash, DamagedImageIsNotHealthyAndNotReadBack) {
     std::string image = SampleFile();
     image[5000] = static_cast<char>(image[5000] + 1);
     ASSERT_EQ(0, Erase(kBios));
@@ -192,15 +147,15 @@ TEST_F(LivingFlash, DamagedImageIsNotHealthyAndNotReadBack) {
     EXPECT_EQ(Status::kBadImage, Read(kBios, 0, read));
 }
 
-TEST_F(LivingFlash, ImageOfAnotherAdapterIsDamaged) {
+TEST_F(Flash, ImageOfAnotherAdapterIsDamaged) {
     Adapter_Info other = adapter().info;
     other.SubDevID = 2;
     ASSERT_EQ(0, Erase(kBios));
-    WriteAll(kBios, hxsim::SampleBios(other));
+    WriteAll(kBios, SampleBios(other));
     EXPECT_FALSE(adapter().images[0].healthy);
 }
 
-TEST_F(LivingFlash, DamagedImageIsMadeGoodByAnotherOne) {
+TEST_F(Flash, DamagedImageIsMadeGoodByAnotherOne) {
     ASSERT_EQ(0, Erase(kBios));
     WriteAll(kBios, "nothing of use");
     ASSERT_EQ(0, Erase(kBios));
@@ -208,14 +163,14 @@ TEST_F(LivingFlash, DamagedImageIsMadeGoodByAnotherOne) {
     EXPECT_TRUE(adapter().images[0].healthy);
 }
 
-TEST_F(LivingFlash, FirmwareIsTakenAsItIs) {
+TEST_F(Flash, FirmwareIsTakenAsItIs) {
     ASSERT_EQ(0, Erase(kFirmware));
     WriteAll(kFirmware, "firmware");
     EXPECT_EQ("firmware", ReadAll(kFirmware));
     EXPECT_EQ(1, adapter().info.firmware_img_health);
 }
 
-TEST_F(LivingFlash, TwoMebibytesFitAndNotAByteMore) {
+TEST_F(Flash, TwoMebibytesFitAndNotAByteMore) {
     ASSERT_EQ(0, Erase(kFirmware));
     const std::string whole(32768, 'x');
     for (HX_U16 number = 0; number < 63; ++number) {
@@ -228,12 +183,12 @@ TEST_F(LivingFlash, TwoMebibytesFitAndNotAByteMore) {
 
 // ---- Refusals ----
 
-TEST_F(LivingFlash, IsErasedBeforeItIsWritten) {
+TEST_F(Flash, IsErasedBeforeItIsWritten) {
     const std::string before = Everything();
     ExpectRefused(Status::kNotErased, Write(kBios, 0, "x", true), before);
 }
 
-TEST_F(LivingFlash, TakesPiecesInTheirOrder) {
+TEST_F(Flash, TakesPiecesInTheirOrder) {
     ASSERT_EQ(0, Erase(kFirmware));
     std::string before = Everything();
     ExpectRefused(Status::kBadPiece, Write(kFirmware, 1, std::string(32768, 'x'), false), before);
@@ -242,7 +197,7 @@ TEST_F(LivingFlash, TakesPiecesInTheirOrder) {
     ExpectRefused(Status::kBadPiece, Write(kFirmware, 0, std::string(32768, 'x'), false), before);
 }
 
-TEST_F(LivingFlash, TakesWholePiecesBeforeTheLast) {
+TEST_F(Flash, TakesWholePiecesBeforeTheLast) {
     ASSERT_EQ(0, Erase(kFirmware));
     const std::string before = Everything();
     ExpectRefused(Status::kBadPiece, Write(kFirmware, 0, std::string(32767, 'x'), false), before);
@@ -250,7 +205,7 @@ TEST_F(LivingFlash, TakesWholePiecesBeforeTheLast) {
     ExpectRefused(Status::kBadPiece, Write(kFirmware, 0, std::string(32769, 'x'), true), before);
 }
 
-TEST_F(LivingFlash, HasNoImageThatIsErasedOrNeverWasThere) {
+TEST_F(Flash, HasNoImageThatIsErasedOrNeverWasThere) {
     std::string read;
     EXPECT_EQ(Status::kNoImage, Read(Image::kAutoload, 0, read));
     EXPECT_EQ(Status::kNoImage, Read(kFirmware, 0, read));  // there, and nobody can read it
@@ -261,7 +216,7 @@ TEST_F(LivingFlash, HasNoImageThatIsErasedOrNeverWasThere) {
     EXPECT_EQ(Status::kNoImage, Read(kBios, 0, read));
 }
 
-TEST_F(LivingFlash, EndsBehindItsLastPiece) {
+TEST_F(Flash, EndsBehindItsLastPiece) {
     std::string read;
     EXPECT_EQ(0, Read(kBios, 1, read));
     EXPECT_EQ(8192u, read.size());
@@ -270,3 +225,4 @@ TEST_F(LivingFlash, EndsBehindItsLastPiece) {
 }
 
 }  // namespace
+}  // namespace hxsim

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "controllers/virtual/support/simulator_lists.h"
+#include "controllers/virtual/support/list_calls.h"
 #include "hxraid.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "controllers/virtual/support/simulator_lists.h"
+#include "controllers/virtual/support/list_calls.h"
 #include "hxraid.h"
 
 namespace {

@@ -27,7 +27,10 @@ using hxcodes::Status;
 class Session : public testing::Test {
 protected:
     Session() { setenv("HXSIM_STATE", File().c_str(), 1); }
-    ~Session() override { HX_API_Finalize(); }
+    ~Session() override {
+        HX_API_Finalize();
+        setenv("HXSIM_STATE", ":memory:", 1);
+    }
 
     std::string File() const { return root_.Path("/hxsim.db"); }
 

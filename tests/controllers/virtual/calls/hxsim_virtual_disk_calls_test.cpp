@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "controllers/virtual/support/simulator_lists.h"
+#include "controllers/virtual/support/list_calls.h"
 #include "hxraid.h"
 
 namespace {
@@ -210,7 +210,7 @@ struct RefusedCase {
     HX_U8 status;
     HX_U8 level;
     Ids disks;
-    void (*spoil)(Create_LD_Param&) = [](Create_LD_Param&) {};
+    void (*change)(Create_LD_Param&) = [](Create_LD_Param&) {};
 };
 void PrintTo(const RefusedCase& refused, std::ostream* out) { *out << refused.name; }
 
@@ -267,7 +267,7 @@ protected:
 
 TEST_P(RefusedVirtualDisk, HasNoSize) {
     Create_LD_Param param = Wanted(GetParam().level, GetParam().disks);
-    GetParam().spoil(param);
+    GetParam().change(param);
     EXPECT_EQ(GetParam().status, HX_LD_GetMaxSize(GetParam().adapter, &param));
     EXPECT_EQ(kUntouched.value, param.Size.value);
 }

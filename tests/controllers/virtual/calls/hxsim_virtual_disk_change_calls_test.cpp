@@ -3,15 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 #include "codes/activity.h"
 #include "codes/state.h"
 #include "codes/status.h"
-#include "controllers/virtual/support/living_machine.h"
-#include "controllers/virtual/support/simulator_lists.h"
+#include "controllers/virtual/support/list_calls.h"
+#include "controllers/virtual/support/requests.h"
 #include "hxraid.h"
 
 namespace {
@@ -23,19 +22,9 @@ using testing::ElementsAre;
 
 // Adapter 0 has disk group 0 (RAID 5 of disks 0 to 3) with virtual disk 0, virtual disk 2 (RAID 6
 // of disks 4 to 8), and the free disks 11 to 14 and 16; adapter 1 has no disk groups.
-class LivingCalls : public testing::Test {
-protected:
-    void SetUp() override {
-        setenv("HXSIM_STATE", ":memory:", 1);
-        ASSERT_EQ(0, HX_API_Initialize());
-    }
-    void TearDown() override {
-        HX_API_Finalize();
-        unsetenv("HXSIM_STATE");
-    }
-};
+using ChangeOfVirtualDisks = SimulatorTest;
 
-TEST_F(LivingCalls, MakeListAndDeleteAVirtualDisk) {
+TEST_F(ChangeOfVirtualDisks, MakeListAndDeleteAVirtualDisk) {
     Create_LD_Param param = WantedOn(0x05, {11, 12, 13}, 1024);
     ASSERT_EQ(0, HX_LD_Create(0, &param));
     EXPECT_EQ(1, param.LDID);
@@ -51,7 +40,7 @@ TEST_F(LivingCalls, MakeListAndDeleteAVirtualDisk) {
     EXPECT_EQ(Status::kNoVirtualDisk, HX_LD_Delete(0, 1, 1));
 }
 
-TEST_F(LivingCalls, SizeAVirtualDiskAndMakeItSo) {
+TEST_F(ChangeOfVirtualDisks, SizeAVirtualDiskAndMakeItSo) {
     Create_LD_Param sized = WantedOn(0x05, {11, 12, 13});
     Create_LD_Param made = sized;
     ASSERT_EQ(0, HX_LD_GetMaxSize(0, &sized));
@@ -60,7 +49,7 @@ TEST_F(LivingCalls, SizeAVirtualDiskAndMakeItSo) {
     EXPECT_EQ(3516218368u, made.Size.value);
 }
 
-TEST_F(LivingCalls, SetAVirtualDisk) {
+TEST_F(ChangeOfVirtualDisks, SetAVirtualDisk) {
     LD_Config config = TheOne(HX_LD_GetConfig, 0, 2);
     std::strcpy(config.Name, "OTHER");
     config.AutoRebuildOn = 0;
@@ -70,7 +59,7 @@ TEST_F(LivingCalls, SetAVirtualDisk) {
     EXPECT_EQ(Status::kNoVirtualDisk, HX_LD_SetConfig(0, 1, &config));
 }
 
-TEST_F(LivingCalls, MoveAVirtualDisk) {
+TEST_F(ChangeOfVirtualDisks, MoveAVirtualDisk) {
     Create_LD_Param param = WantedOn(0x06, {4, 5, 6, 7, 8, 13});
     param.LDID = 2;
     Create_LD_Param sized = param;
@@ -82,12 +71,12 @@ TEST_F(LivingCalls, MoveAVirtualDisk) {
     EXPECT_EQ(Status::kBusy, HX_LD_StartMigration(0, &param));
 }
 
-TEST_F(LivingCalls, ImportOnlyWhatIsForeign) {
+TEST_F(ChangeOfVirtualDisks, ImportOnlyWhatIsForeign) {
     EXPECT_EQ(Status::kNotForeign, HX_LD_Import(0, 2));
     EXPECT_EQ(Status::kNoVirtualDisk, HX_LD_Import(0, 1));
 }
 
-TEST_F(LivingCalls, MakeAndDeleteADiskGroupWithAVirtualDisk) {
+TEST_F(ChangeOfVirtualDisks, MakeAndDeleteADiskGroupWithAVirtualDisk) {
     CreateOrModify_DG_Param group = GroupOn(HX_NEW_ID, 0x05, {11, 12, 13});
     ASSERT_EQ(0, HX_CreateOrModify_DG(0, &group, 1));
     EXPECT_EQ(3516218368u, group.Size.value);
@@ -104,7 +93,7 @@ TEST_F(LivingCalls, MakeAndDeleteADiskGroupWithAVirtualDisk) {
     EXPECT_EQ(Status::kNoDiskGroup, HX_DG_Delete(0, 1));
 }
 
-TEST_F(LivingCalls, SetADiskGroup) {
+TEST_F(ChangeOfVirtualDisks, SetADiskGroup) {
     DG_Config config = TheOne(HX_DG_GetConfig, 0, 0);
     config.WriteCacheOn = 1;
     ASSERT_EQ(0, HX_DG_SetConfig(0, 0, &config));
@@ -112,7 +101,7 @@ TEST_F(LivingCalls, SetADiskGroup) {
     EXPECT_EQ(Status::kNoDiskGroup, HX_DG_SetConfig(0, 1, &config));
 }
 
-TEST_F(LivingCalls, MoveADiskGroup) {
+TEST_F(ChangeOfVirtualDisks, MoveADiskGroup) {
     CreateOrModify_DG_Param param = GroupOn(0, 0x05, {0, 1, 2, 3, 11});
     ASSERT_EQ(0, HX_DG_StartMigration(0, &param));
     EXPECT_EQ(4688231424u, param.Size.value);
@@ -120,7 +109,7 @@ TEST_F(LivingCalls, MoveADiskGroup) {
     EXPECT_EQ(Status::kBusy, HX_DG_StartMigration(0, &param));
 }
 
-TEST_F(LivingCalls, HaveNoDiskGroupsOnTheSmallAdapter) {
+TEST_F(ChangeOfVirtualDisks, HaveNoDiskGroupsOnTheSmallAdapter) {
     CreateOrModify_DG_Param group = GroupOn(HX_NEW_ID, 0x05, {3, 4, 5});
     EXPECT_EQ(Status::kNotSupported, HX_CreateOrModify_DG(1, &group, 0));
     EXPECT_EQ(Status::kNotSupported, HX_CreateOrModify_DG(1, &group, 1));
@@ -130,7 +119,7 @@ TEST_F(LivingCalls, HaveNoDiskGroupsOnTheSmallAdapter) {
     EXPECT_EQ(0u, All(HX_DG_GetInfo, 1).size());
 }
 
-TEST_F(LivingCalls, NeedAnAddress) {
+TEST_F(ChangeOfVirtualDisks, NeedAnAddress) {
     EXPECT_EQ(Status::kNullAddress, HX_LD_GetInfo(0, nullptr));
     EXPECT_EQ(Status::kNullAddress, HX_LD_GetTargetLDInfo(0, 0, nullptr));
     EXPECT_EQ(Status::kNullAddress, HX_LD_GetStatus(0, nullptr));
@@ -149,7 +138,7 @@ TEST_F(LivingCalls, NeedAnAddress) {
     EXPECT_EQ(Status::kNullAddress, HX_DG_StartMigration(0, nullptr));
 }
 
-TEST_F(LivingCalls, NeedAnAdapter) {
+TEST_F(ChangeOfVirtualDisks, NeedAnAdapter) {
     Create_LD_Param param = WantedOn(0x05, {11, 12, 13});
     CreateOrModify_DG_Param group = GroupOn(HX_NEW_ID, 0x05, {11, 12, 13});
     EXPECT_EQ(Status::kNoAdapter, HX_LD_Create(2, &param));

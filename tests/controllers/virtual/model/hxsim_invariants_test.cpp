@@ -15,7 +15,9 @@
 #include "codes/disk.h"
 #include "codes/flash.h"
 #include "codes/state.h"
+#include "controllers/virtual/support/test_machine.h"
 #include "model/hxsim_machine.h"
+#include "rules/hxsim_event_queue.h"
 
 namespace hxsim {
 namespace {
@@ -29,18 +31,7 @@ using hxcodes::State;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-constexpr Sectors kUsable = 1000000;
-
-void AddDisk(Adapter& adapter, HX_U16 id) {
-    Disk disk;
-    disk.id = id;
-    disk.parent = Device::kExpander;
-    disk.enclosure = 0;
-    disk.slot = id;
-    disk.wwn = 0x5000C50000000000 + id;
-    disk.sectors = kUsable + kMetadata;
-    adapter.disks.push_back(disk);
-}
+constexpr Sectors kUsable = TestMachine::kUsable;
 
 void AddBlock(Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors,
               HX_U16 virtual_disk = kNoVirtualDisk, HX_U8 position = 0) {
@@ -65,93 +56,37 @@ QueuedEvent Numbered(HX_U32 number) {
     return queued;
 }
 
-// Disks 0 to 2 carry virtual disk 0 (RAID 5), disks 3 and 4 serve disk group 0 (RAID 1) with
-// virtual disk 1, disk 5 is a global spare and disk 6 is free. Blocks 0 to 5 lie on disks 0 to 2,
-// two on each, 6 to 9 on the group's, 10 and 11 on the last two.
+// The arrays of AddArrays and a free disk 6, all on an expander: blocks 0 to 5 lie on disks 0 to 2,
+// two on each, 6 to 9 on the group's, 10 and 11 on the last two. A check of virtual disk 0, two
+// remaps of disk 0, two events, an enclosure with two elements.
 Machine Sound() {
-    Machine machine;
-    Adapter adapter;
-    adapter.info.MaxBlockPerPD = 16;
+    TestMachine machine(7);
+    machine.AddArrays();
+    machine.AddEnclosure();
+    machine.AddBattery();
+    machine.AddFlash();
+    machine.StartActivity(ActivityKind::kCheck, Owner::kVirtualDisk, 0).total = 640000;
+    Adapter& adapter = machine.adapter();
     adapter.info.MaxLogicalDrive = 8;
-    adapter.next_event = 3;
-    for (HX_U16 id = 0; id < 7; ++id) AddDisk(adapter, id);
-    adapter.disks[5].spare = Spare::kGlobal;
-
-    VirtualDisk alone;
-    alone.id = 0;
-    alone.name = "ALONE";
-    alone.level = 0x05;
-    alone.width = 3;
-    alone.size = 2 * 640000;
-    adapter.virtual_disks.push_back(alone);
-    VirtualDisk grouped;
-    grouped.id = 1;
-    grouped.name = "GROUPED";
-    grouped.group = 0;
-    grouped.level = 0x01;
-    grouped.width = 2;
-    grouped.size = 400000;
-    adapter.virtual_disks.push_back(grouped);
-    DiskGroup group;
-    group.name = "GROUP";
-    group.level = 0x01;
-    group.width = 2;
-    adapter.disk_groups.push_back(group);
-
-    for (HX_U8 disk = 0; disk < 3; ++disk) {
-        AddBlock(adapter, disk, 0, 640000, 0, disk);
-        AddBlock(adapter, disk, 640000, 360000);
-        AddHome(adapter, Owner::kVirtualDisk, 0, disk, disk);
-    }
-    for (HX_U8 disk = 3; disk < 5; ++disk) {
-        const auto position = static_cast<HX_U8>(disk - 3);
-        AddBlock(adapter, disk, 0, 400000, 1, position);
-        AddBlock(adapter, disk, 400000, 600000);
-        AddHome(adapter, Owner::kDiskGroup, 0, position, disk);
-    }
-    AddBlock(adapter, 5, 0, kUsable);
-    AddBlock(adapter, 6, 0, kUsable);
-
-    Activity check;
-    check.kind = ActivityKind::kCheck;
-    check.owner = 0;
-    check.total = 640000;
-    adapter.activities.push_back(check);
     adapter.remaps.push_back({0, 1000, 8, RemapReason::kReadError});
     adapter.remaps.push_back({0, 2000, 8, RemapReason::kReadError});
-
     Expander expander;
     expander.parent = Device::kAdapter;
     adapter.expanders.push_back(expander);
-    Enclosure enclosure;
-    enclosure.parent = Device::kExpander;
-    adapter.enclosures.push_back(enclosure);
-    Element fan;
-    fan.type = HX_ELEMENT_FAN;
-    adapter.elements.push_back(fan);
-    fan.number = 1;
-    adapter.elements.push_back(fan);
-
-    Battery battery;
-    battery.info.supportMinCapacity = 500;
-    battery.info.supportMaxCapacity = 2000;
-    battery.info.maxCapacity = 1500;
-    battery.info.curCapacity = 1500;
-    battery.info.percentage = 100;
-    battery.info.percent_to_charge = 80;
-    battery.info.volt_lowerbound = 3600;
-    battery.info.volt_upperbound = 4200;
-    battery.info.temp_upperbound = 60;
-    battery.charge_at_since = 1500;
-    adapter.batteries.push_back(battery);
-    adapter.images.push_back({Image::kBios, false, true, 0, nullptr});
-    adapter.images.push_back({Image::kFirmware, false, true, 0, nullptr});
-    adapter.events = {Numbered(1), Numbered(2)};
-    machine.adapters.push_back(adapter);
-    return machine;
+    adapter.enclosures[0].parent = Device::kExpander;
+    adapter.elements.resize(2);
+    for (Disk& disk : adapter.disks) {
+        disk.parent = Device::kExpander;
+        disk.enclosure = 0;
+        disk.slot = disk.id;
+    }
+    adapter.next_event = 1;
+    Queue(adapter, TestMachine::kNow, kDiskOnline, 0);
+    Queue(adapter, TestMachine::kNow, kDiskOnline, 1);
+    return machine.rows;
 }
 
-TEST(LivingCheck, FindsNothingOnASoundMachine) { EXPECT_THAT(Check(Sound()), IsEmpty()); }
+TEST(SoundMachine, FindsNothingOnASoundMachine) { EXPECT_THAT(Check(Sound()), IsEmpty()); }
 
 struct Broken {
     const char* name;
@@ -161,9 +96,9 @@ struct Broken {
 
 void PrintTo(const Broken& broken, std::ostream* out) { *out << broken.name; }
 
-class LivingCheckOf : public testing::TestWithParam<Broken> {};
+class BrokenMachine : public testing::TestWithParam<Broken> {};
 
-TEST_P(LivingCheckOf, SaysWhatIsBroken) {
+TEST_P(BrokenMachine, SaysWhatIsBroken) {
     Machine machine = Sound();
     GetParam().breaks(machine, machine.adapters[0]);
     EXPECT_THAT(Check(machine), ElementsAreArray(GetParam().sentences));
@@ -490,16 +425,16 @@ const Broken kTheRest[] = {
      [](Machine&, Adapter& a) { a.batteries[0].info.percent_to_charge = 101; },
      {"a0/bbu is to be charged below 101 percent."}},
     {"BatteryHoldsTooMuch",
-     [](Machine&, Adapter& a) { a.batteries[0].info.maxCapacity = 2001; },
-     {"a0/bbu holds 2001 mAh; what can be set is 500 to 2000."}},
+     [](Machine&, Adapter& a) { a.batteries[0].info.maxCapacity = 1101; },
+     {"a0/bbu holds 1101 mAh; what can be set is 600 to 1100."}},
     {"BatteryHasTooMuch",
-     [](Machine&, Adapter& a) { a.batteries[0].info.curCapacity = 1501; },
-     {"a0/bbu has 1501 of 1500 mAh."}},
+     [](Machine&, Adapter& a) { a.batteries[0].info.curCapacity = 1001; },
+     {"a0/bbu has 1001 of 1000 mAh."}},
     {"BatteryHadTooMuch",
-     [](Machine&, Adapter& a) { a.batteries[0].charge_at_since = 1501; },
-     {"a0/bbu had 1501 of 1500 mAh."}},
+     [](Machine&, Adapter& a) { a.batteries[0].charge_at_since = 1001; },
+     {"a0/bbu had 1001 of 1000 mAh."}},
     {"BatteryVoltages",
-     [](Machine&, Adapter& a) { a.batteries[0].info.volt_lowerbound = 4201; },
+     [](Machine&, Adapter& a) { a.batteries[0].info.volt_lowerbound = 4251; },
      {"a0/bbu has a lowest voltage above its highest."}},
     {"BatteryTemperatures",
      [](Machine&, Adapter& a) { a.batteries[0].info.temp_lowerbound = 61; },
@@ -536,12 +471,12 @@ const Broken kTheRest[] = {
 
 std::string NameOf(const testing::TestParamInfo<Broken>& info) { return info.param.name; }
 
-INSTANTIATE_TEST_SUITE_P(Machines, LivingCheckOf, testing::ValuesIn(kMachines), NameOf);
-INSTANTIATE_TEST_SUITE_P(Disks, LivingCheckOf, testing::ValuesIn(kDisks), NameOf);
-INSTANTIATE_TEST_SUITE_P(Blocks, LivingCheckOf, testing::ValuesIn(kBlocks), NameOf);
-INSTANTIATE_TEST_SUITE_P(VirtualDisks, LivingCheckOf, testing::ValuesIn(kVirtualDisks), NameOf);
-INSTANTIATE_TEST_SUITE_P(GroupsAndHomes, LivingCheckOf, testing::ValuesIn(kGroupsAndHomes), NameOf);
-INSTANTIATE_TEST_SUITE_P(TheRest, LivingCheckOf, testing::ValuesIn(kTheRest), NameOf);
+INSTANTIATE_TEST_SUITE_P(Machines, BrokenMachine, testing::ValuesIn(kMachines), NameOf);
+INSTANTIATE_TEST_SUITE_P(Disks, BrokenMachine, testing::ValuesIn(kDisks), NameOf);
+INSTANTIATE_TEST_SUITE_P(Blocks, BrokenMachine, testing::ValuesIn(kBlocks), NameOf);
+INSTANTIATE_TEST_SUITE_P(VirtualDisks, BrokenMachine, testing::ValuesIn(kVirtualDisks), NameOf);
+INSTANTIATE_TEST_SUITE_P(GroupsAndHomes, BrokenMachine, testing::ValuesIn(kGroupsAndHomes), NameOf);
+INSTANTIATE_TEST_SUITE_P(TheRest, BrokenMachine, testing::ValuesIn(kTheRest), NameOf);
 
 }  // namespace
 }  // namespace hxsim

@@ -1,34 +1,32 @@
 // The queue of events.
+#include "rules/hxsim_event_queue.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdlib>
 #include <cstring>
 
-#include "rules/hxsim_event_queue.h"
-
+namespace hxsim {
 namespace {
 
-using hxsim::Queue;
-using hxsim::Take;
-
-class Events : public testing::Test {
+class EventQueue : public testing::Test {
 protected:
     // Queues so many events, with the devices from 1 on.
     void Fill(unsigned count) {
         for (unsigned i = 1; i <= count; ++i) {
-            Queue(adapter, i * 1000, hxsim::kDiskOnline, static_cast<HX_U16>(i));
+            Queue(adapter, i * 1000, kDiskOnline, static_cast<HX_U16>(i));
         }
     }
 
-    hxsim::Adapter adapter{};
+    Adapter adapter{};
     std::array<Event, 255> taken{};
 };
 
-TEST_F(Events, SayWhatHappenedToWhomAndWhen) {
+TEST_F(EventQueue, SayWhatHappenedToWhomAndWhen) {
     adapter.id = 3;
     adapter.next_event = 77;
-    Queue(adapter, 1234567, hxsim::kRemapAdded, 9, {1, 2, 3, 4});
+    Queue(adapter, 1234567, kRemapAdded, 9, {1, 2, 3, 4});
     ASSERT_EQ(1, Take(adapter, 50, taken.data()));
     const Event& event = taken[0];
     EXPECT_EQ(2, event.Class);
@@ -44,9 +42,9 @@ TEST_F(Events, SayWhatHappenedToWhomAndWhen) {
     EXPECT_EQ(78u, adapter.next_event);
 }
 
-TEST_F(Events, CarryATextCutToItsField) {
-    Queue(adapter, 0, hxsim::kAdapterFound, 0, {}, "abc");
-    Queue(adapter, 0, hxsim::kAdapterFound, 0, {}, "0123456789012345678901234567890123456789");
+TEST_F(EventQueue, CarryATextCutToItsField) {
+    Queue(adapter, 0, kAdapterFound, 0, {}, "abc");
+    Queue(adapter, 0, kAdapterFound, 0, {}, "0123456789012345678901234567890123456789");
     ASSERT_EQ(2, Take(adapter, 50, taken.data()));
     EXPECT_EQ(3, taken[0].SenseDataLength);
     EXPECT_STREQ("abc", reinterpret_cast<const char*>(taken[0].SenseData));
@@ -54,7 +52,7 @@ TEST_F(Events, CarryATextCutToItsField) {
     EXPECT_EQ(0, std::memcmp("012345678901234567890123456789", taken[1].SenseData, 30));
 }
 
-TEST_F(Events, AreTakenOnceAndTheOldestFirst) {
+TEST_F(EventQueue, AreTakenOnceAndTheOldestFirst) {
     Fill(5);
     ASSERT_EQ(2, Take(adapter, 2, taken.data()));
     EXPECT_EQ(1, taken[0].DeviceID);
@@ -64,20 +62,20 @@ TEST_F(Events, AreTakenOnceAndTheOldestFirst) {
     EXPECT_EQ(0, Take(adapter, 50, taken.data()));
 }
 
-TEST_F(Events, NoneIsTakenWhenNoneIsAskedFor) {
+TEST_F(EventQueue, NoneIsTakenWhenNoneIsAskedFor) {
     Fill(1);
     EXPECT_EQ(0, Take(adapter, 0, taken.data()));
     EXPECT_EQ(1u, adapter.events.size());
 }
 
-TEST_F(Events, FillTheQueueWithoutALoss) {
+TEST_F(EventQueue, FillTheQueueWithoutALoss) {
     Fill(512);
     EXPECT_EQ(512u, adapter.events.size());
     EXPECT_EQ(1u, adapter.events.front().number);
     EXPECT_EQ(1, adapter.events.front().event.Code);
 }
 
-TEST_F(Events, OneTooManyLosesTheOldestAndSaysSo) {
+TEST_F(EventQueue, OneTooManyLosesTheOldestAndSaysSo) {
     Fill(513);
     EXPECT_EQ(512u, adapter.events.size());
     const Event& told = adapter.events.front().event;
@@ -89,7 +87,7 @@ TEST_F(Events, OneTooManyLosesTheOldestAndSaysSo) {
     EXPECT_EQ(513u, adapter.events.back().event.SequenceNo);
 }
 
-TEST_F(Events, ThousandTooManyAreToldOfInOneRow) {
+TEST_F(EventQueue, ThousandTooManyAreToldOfInOneRow) {
     Fill(1512);
     EXPECT_EQ(512u, adapter.events.size());
     EXPECT_EQ(1001u, adapter.events[0].event.Params[2]);
@@ -99,7 +97,7 @@ TEST_F(Events, ThousandTooManyAreToldOfInOneRow) {
     EXPECT_EQ(1002u, adapter.events[1].event.SequenceNo);
 }
 
-TEST_F(Events, LostAfterTheTellingWasTakenAreCountedAnew) {
+TEST_F(EventQueue, LostAfterTheTellingWasTakenAreCountedAnew) {
     Fill(513);
     Take(adapter, 1, taken.data());
     EXPECT_EQ(511u, adapter.events.size());
@@ -109,56 +107,10 @@ TEST_F(Events, LostAfterTheTellingWasTakenAreCountedAnew) {
     EXPECT_EQ(2u, adapter.events[0].event.Params[2]);
 }
 
-TEST_F(Events, FromBeforeTheEpochHaveTheTimeZero) {
-    Queue(adapter, -5000, hxsim::kDiskOnline, 0);
+TEST_F(EventQueue, FromBeforeTheEpochHaveTheTimeZero) {
+    Queue(adapter, -5000, kDiskOnline, 0);
     EXPECT_EQ(0u, adapter.events[0].event.TimeStamp);
 }
 
-// ---- Through the library ----
-
-class GetEvent : public testing::Test {
-protected:
-    void SetUp() override {
-        setenv("HXSIM_STATE", ":memory:", 1);
-        HX_API_Initialize();
-    }
-    void TearDown() override {
-        HX_API_Finalize();
-        unsetenv("HXSIM_STATE");
-    }
-
-    HX_U8 count = 77;
-    std::array<Event, 50> events{};
-};
-
-TEST_F(GetEvent, GivesEachEventOnce) {
-    ASSERT_EQ(0, HX_EVT_GetEvent(0, 2, &count, events.data()));
-    EXPECT_EQ(2, count);
-    EXPECT_EQ(0, events[0].Class);
-    EXPECT_EQ(9, events[0].Code);
-    EXPECT_EQ(1u, events[0].SequenceNo);
-    ASSERT_EQ(0, HX_EVT_GetEvent(0, 2, &count, events.data()));
-    EXPECT_EQ(3u, events[0].SequenceNo);
-}
-
-TEST_F(GetEvent, SaysWhenThereIsNoneAnyMore) {
-    int calls = 0;
-    do {
-        ASSERT_EQ(0, HX_EVT_GetEvent(0, 50, &count, events.data()));
-    } while (count != 0 && ++calls < 20);
-    EXPECT_EQ(0, count);
-}
-
-TEST_F(GetEvent, GivesNoneWhenNoneIsAskedFor) {
-    ASSERT_EQ(0, HX_EVT_GetEvent(0, 0, &count, events.data()));
-    EXPECT_EQ(0, count);
-}
-
-TEST_F(GetEvent, IsRefusedWithoutAnAddressOrAnAdapter) {
-    EXPECT_EQ(203, HX_EVT_GetEvent(0, 50, nullptr, events.data()));
-    EXPECT_EQ(203, HX_EVT_GetEvent(0, 50, &count, nullptr));
-    EXPECT_EQ(201, HX_EVT_GetEvent(9, 50, &count, events.data()));
-    EXPECT_EQ(77, count);
-}
-
 }  // namespace
+}  // namespace hxsim

@@ -1,0 +1,92 @@
+// The states of arrays, from the positions that they have lost.
+#include "model/hxsim_redundancy.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "controllers/virtual/support/test_machine.h"
+
+namespace hxsim {
+namespace {
+
+Positions Lost(std::initializer_list<int> positions) {
+    Positions lost;
+    for (const int position : positions) lost.set(static_cast<std::size_t>(position));
+    return lost;
+}
+
+struct Loss {
+    const char* name;
+    HX_U8 level, legs, width;
+    std::initializer_list<int> lost;
+    int state;
+};
+
+constexpr int kOptimal = 1, kPartially = 2, kDegraded = 4, kOffline = 5;
+
+class StateOfAnArray : public testing::TestWithParam<Loss> {};
+
+TEST_P(StateOfAnArray, FollowsFromWhatIsLost) {
+    const Loss& row = GetParam();
+    EXPECT_EQ(row.state, StateOfArray(row.level, row.legs, row.width, Lost(row.lost)));
+}
+
+const Loss kLosses[] = {
+    {"Raid0Whole", 0x00, 0, 3, {}, kOptimal},
+    {"Raid0WithoutOne", 0x00, 0, 3, {1}, kOffline},
+    {"Raid1Whole", 0x01, 0, 2, {}, kOptimal},
+    {"Raid1WithoutOne", 0x01, 0, 2, {0}, kDegraded},
+    {"Raid1WithoutBoth", 0x01, 0, 2, {0, 1}, kOffline},
+    {"Raid5WithoutOne", 0x05, 0, 4, {3}, kDegraded},
+    {"Raid5WithoutTwo", 0x05, 0, 4, {0, 3}, kOffline},
+    {"Raid6WithoutOne", 0x06, 0, 4, {3}, kPartially},
+    {"Raid6WithoutTwo", 0x06, 0, 4, {1, 3}, kDegraded},
+    {"Raid6WithoutThree", 0x06, 0, 4, {0, 1, 3}, kOffline},
+    {"Raid10WithoutOneOfEachMirror", 0x10, 0, 4, {0, 3}, kDegraded},
+    {"Raid10WithoutBothHalvesOfOneMirror", 0x10, 0, 4, {2, 3}, kOffline},
+    {"Raid10WithoutNeighboursOfTwoMirrors", 0x10, 0, 4, {1, 2}, kDegraded},
+    {"Raid1eWithoutOne", 0x11, 0, 5, {4}, kDegraded},
+    {"Raid1eWithoutTwoApart", 0x11, 0, 5, {0, 2}, kDegraded},
+    {"Raid1eWithoutNeighbours", 0x11, 0, 5, {1, 2}, kOffline},
+    {"Raid1eWithoutLastAndFirst", 0x11, 0, 5, {0, 4}, kOffline},
+    {"Raid50WithoutOneOfEachLeg", 0x50, 2, 6, {0, 5}, kDegraded},
+    {"Raid50WithoutTwoOfOneLeg", 0x50, 2, 6, {3, 5}, kOffline},
+    {"Raid60WithoutOneOfEachLeg", 0x60, 2, 8, {0, 7}, kPartially},
+    {"Raid60WithoutTwoOfOneLeg", 0x60, 2, 8, {0, 3}, kDegraded},
+    {"Raid60WithoutThreeOfOneLeg", 0x60, 2, 8, {4, 5, 6}, kOffline},
+};
+
+INSTANTIATE_TEST_SUITE_P(Levels, StateOfAnArray, testing::ValuesIn(kLosses),
+                         [](const auto& each) { return std::string(each.param.name); });
+
+using StateOfAVirtualDisk = StoryTest;
+using StateOfADiskGroup = StoryTest;
+
+TEST_F(StateOfAVirtualDisk, IsForeignWhateverItsDisksAre) {
+    AddDisks(3);
+    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    virtual_disk(id).foreign = true;
+    disk(0).present = false;
+    EXPECT_EQ(6, StateOf(adapter(), virtual_disk(id)));
+}
+
+TEST_F(StateOfADiskGroup, IsThatOfItsDisksWhileItHasNoVirtualDisk) {
+    AddDisks(3);
+    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    disk(1).failed = true;
+    EXPECT_EQ(kDegraded, StateOf(adapter(), adapter().disk_groups[group]));
+}
+
+TEST_F(StateOfADiskGroup, IsTheWorstOfItsVirtualDisks) {
+    AddDisks(3);
+    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    AddVirtualDiskTo(group);
+    const HX_U16 second = AddVirtualDiskTo(group);
+    block(second, 1)->state = hxcodes::State::kDegraded;
+    EXPECT_EQ(kDegraded, StateOf(adapter(), adapter().disk_groups[group]));
+}
+
+}  // namespace
+}  // namespace hxsim

@@ -1,0 +1,41 @@
+// The states that are announced as disks are lost and come back.
+#include "rules/hxsim_array_state.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "calls/hxsim_virtual_disk_change.h"
+#include "controllers/virtual/support/test_machine.h"
+#include "model/hxsim_codes.h"
+
+namespace hxsim {
+namespace {
+
+using testing::ElementsAre;
+
+using ArrayState = StoryTest;
+
+TEST_F(ArrayState, OfARaid0IsOnlineAgainWithItsDisks) {
+    AddDisks(2);
+    AddVirtualDisk(0, {0, 1});
+    PullOut(10, 1);
+    PutBack(20, 1);
+    EXPECT_THAT(TakeEvents(),
+                ElementsAre("10 2.0 1", "10 1.0 0", "10 12.17 0", "20 2.1 1", "20 1.1 0"));
+}
+
+TEST_F(ArrayState, IsNotAnnouncedBesideAnImport) {
+    AddDisks(3);
+    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    virtual_disk(id).foreign = true;
+    virtual_disk(id).state = hxcodes::State::kForeign;
+    for (HX_U16 i = 0; i < 3; ++i) disk(i).foreign = true;
+    ASSERT_EQ(0, Call(10, [&](Adapter& adapter, Time now) {
+                  return ImportVirtualDisk(adapter, now, id);
+              }));
+    EXPECT_THAT(TakeEvents(), ElementsAre("10 1.9 0"));
+    EXPECT_EQ(State::kOptimal, virtual_disk(id).state);
+}
+
+}  // namespace
+}  // namespace hxsim
