@@ -65,14 +65,16 @@ VEXORAPI_EXPORT int vexorApi(const char* XMLCmd, char* XMLRet,
  *  numOfAdapters  adapters 0 to numOfAdapters - 1 are polled, at most the first four.
  *
  *  A store that can be neither opened nor created ends the check-in; the events taken from the
- *  queue by then are lost. vexorApiInit must have run. */
+ *  queue by then are lost. A process that is killed in it loses the events of one call to a
+ *  controller, 50, at most. vexorApiInit must have run. */
 VEXORAPI_EXPORT void VX_EvFile_CheckIn(uint8_t numOfAdapters) VEXORAPI_NOEXCEPT;
 
 /** Tells the extent of the event store.
  *
  *  SeqStart  receives the store's own sequence number of the oldest event.
- *  Count     receives the number of events; both are 0 when there is no store.
+ *  Count     receives the number of events; both are 0 when the store's file cannot be opened.
  *
+ *  A file that is no event file is not refused: both are what stands in it at their places.
  *  Neither may be null. Both stay unchanged when vexorApiInit has not run. */
 VEXORAPI_EXPORT void VX_EvGetInfo(uint32_t* SeqStart, uint32_t* Count) VEXORAPI_NOEXCEPT;
 

@@ -89,27 +89,77 @@ bool PollAll(HX_U8 adapters) {
     return total != 0;
 }
 
-// Reads at most `room` events; n, s and e are set as if all were read.
-void Query(HX_U32& n, HX_U32& s, HX_U32& e, Event* ev, HX_U32 room) {
+// What a query asks for, and what it is answered.
+struct Range {
+    HX_U32 n, s, e;
+};
+
+// Reads at most `room` events; the range is set as if all were read. Returns how many were.
+HX_U32 ReadPage(Range& range, Event* ev, HX_U32 room) {
     const HX_U32 oldest = g_VX_EventExt.EvLogHeader.SeqStart;
     const HX_U32 count = g_VX_EventExt.EvLogHeader.NumOfEvent;
     const HX_U32 newest = count > 0 ? count + oldest - 1 : oldest;
-    n = std::min(n, count);
-    if (n == 0) {
-        n = count;
-        s = oldest;
-        e = newest;
+    range.n = std::min(range.n, count);
+    if (range.n == 0) {
+        range = {count, oldest, newest};
+        return 0;
+    }
+    if (range.s == kNewestEvents) {
+        range.e = std::min(range.e, newest);
+        range.s = range.e - range.n + 1;
+    }
+    range.s = std::max(range.s, oldest);
+    const HX_U32 off = VX_EvSeqToOffset(range.s);
+    range.n = off == kNoOffset ? 0 : std::min(range.n, count - off);
+    if (range.n > 0) range.e = range.s + range.n - 1;
+    return VX_EvFile_LoadEventsBySeq(ev, range.s, std::min(range.n, room));
+}
+
+// How many of the `count` events from number `first` upward, read under the header `before`, may
+// have been overwritten while they were read. The oldest go first; all of them, when the store was
+// reset meanwhile.
+HX_U32 Overwritten(const VX_EvLogHeader& before, HX_U32 first, HX_U32 count) {
+    const VX_EvLogHeader& now = g_VX_EventExt.EvLogHeader;
+    const auto end = [](const VX_EvLogHeader& header) {
+        return std::uint64_t{header.SeqStart} + header.NumOfEvent;
+    };
+    if (now.Capacity != before.Capacity || now.SeqStart < before.SeqStart ||
+        end(now) < end(before)) {
+        return count;
+    }
+    return now.SeqStart <= first ? 0 : std::min(count, now.SeqStart - first);
+}
+
+// A reader that is overtaken asks once more, from what is then the oldest event. Each time a
+// writer has to go round the whole of the ring.
+constexpr int kMostReads = 3;
+
+// Answers a query. The service may overwrite entries while they are read, so the header is read
+// again behind them: an entry leaves the header in the file before its slot is written, and what
+// the header still lists is whole and the right one.
+void Query(HX_U32& n, HX_U32& s, HX_U32& e, Event* ev, HX_U32 room) {
+    const Range asked{n, s, e};
+    for (int reads = 1;; ++reads) {
+        Range page = asked;
+        const VX_EvLogHeader before = g_VX_EventExt.EvLogHeader;
+        const HX_U32 read = ReadPage(page, ev, room);
+        HX_U32 lost = 0;
+        if (read > 0) {
+            VX_EvFile_ReloadHeader();
+            lost = Overwritten(before, page.s, read);
+        }
+        const HX_U32 left = read - lost;
+        if (lost > 0) {
+            if (left == 0 && reads < kMostReads) continue;
+            std::copy(ev + lost, ev + read, ev);
+            page = left == 0 ? Range{0, asked.s, asked.e}
+                             : Range{left, page.s + lost, page.s + read - 1};
+        }
+        n = page.n;
+        s = page.s;
+        e = page.e;
         return;
     }
-    if (s == kNewestEvents) {
-        e = std::min(e, newest);
-        s = e - n + 1;
-    }
-    s = std::max(s, oldest);
-    const HX_U32 off = VX_EvSeqToOffset(s);
-    n = off == kNoOffset ? 0 : std::min(n, count - off);
-    if (n > 0) e = s + n - 1;
-    VX_EvFile_LoadEventsBySeq(ev, s, std::min(n, room));
 }
 
 }  // namespace

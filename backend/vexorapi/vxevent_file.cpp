@@ -108,10 +108,29 @@ void WriteAt(int file, const void* bytes, std::size_t size, std::uint64_t offset
     }
 }
 
+// Cuts off what a file that is made anew held behind its first `size` bytes. What is no regular
+// file has nothing there.
+void CutTo(int file, std::size_t size) {
+    [[maybe_unused]] const int failed = ftruncate(file, static_cast<off_t>(size));
+}
+
 const VX_EvLogHeader& Header() { return g_VX_EventExt.EvLogHeader; }
 
 // Slots of the ring. In 64 bits it is never 0, whatever capacity the file claims.
-std::uint64_t RingSize() { return std::uint64_t{Header().Capacity} + 1; }
+std::uint64_t RingSize(const VX_EvLogHeader& header) { return std::uint64_t{header.Capacity} + 1; }
+std::uint64_t RingSize() { return RingSize(Header()); }
+
+// Whether the indices belong together as a writer of ours keeps them: the entry numbered 0 stood in
+// slot 0. A header that was read while another process wrote it is part old and part new, and then
+// they do not. A damaged file's may never do.
+bool IsConsistent(const VX_EvLogHeader& header) {
+    const std::uint64_t ring = RingSize(header);
+    return header.SeqStart % ring == header.Start &&
+           (std::uint64_t{header.Start} + header.NumOfEvent) % ring == header.End;
+}
+
+// How often a header that is not consistent is read: writing it takes nanoseconds.
+constexpr int kMostLooks = 3;
 
 // The slot at an offset from the oldest entry.
 std::uint64_t SlotOf(const VX_EvLogHeader& header, HX_U32 off) {
@@ -193,11 +212,13 @@ void VX_EvHeader_Init(VX_EvLogHeader* header) {
 
 int VX_EvFile_Create(const char* path) {
     VX_EvHeader_Init(&g_VX_EventExt.EvLogHeader);
-    Descriptor file = Open(path, O_RDWR | O_CREAT | O_TRUNC);
+    Descriptor file = Open(path, O_RDWR | O_CREAT);
     if (!file.IsOpen()) return 0;
     Close(g_VX_EventExt.fileEv);
     g_VX_EventExt.fileEv = file.Release();
+    // The header first: a reader finds a store without entries, never a file without a header.
     VX_EvFile_SaveHeader();
+    CutTo(g_VX_EventExt.fileEv, sizeof(FileHead));
     return 1;
 }
 
@@ -212,8 +233,13 @@ int VX_EvFile_Load(unsigned mode) {
     }
     // The rest of a header that is cut short is zero; counters that the file does not have keep
     // their values.
-    FileHead head{{}, g_VX_EventExt.HXChangeCounters};
-    const std::size_t length = ReadAt(file.Get(), &head, sizeof head, 0);
+    FileHead head;
+    std::size_t length = 0;
+    for (int look = 0; look < kMostLooks; ++look) {
+        head = {{}, g_VX_EventExt.HXChangeCounters};
+        length = ReadAt(file.Get(), &head, sizeof head, 0);
+        if (length < sizeof head.header || IsConsistent(head.header)) break;
+    }
     g_VX_EventExt.EvLogHeader = head.header;
     g_VX_EventExt.HXChangeCounters = head.counters;
     if (length < sizeof head.header || std::memcmp(head.header.Magic, kMagic, sizeof kMagic) != 0) {
@@ -221,6 +247,15 @@ int VX_EvFile_Load(unsigned mode) {
     }
     g_VX_EventExt.fileEv = file.Release();
     return 1;
+}
+
+void VX_EvFile_ReloadHeader() {
+    VX_EvLogHeader& header = g_VX_EventExt.EvLogHeader;
+    for (int look = 0; look < kMostLooks; ++look) {
+        header = {};
+        ReadAt(g_VX_EventExt.fileEv, &header, sizeof header, 0);
+        if (IsConsistent(header)) break;
+    }
 }
 
 void VX_EvFile_Close() { Close(g_VX_EventExt.fileEv); }
@@ -247,11 +282,12 @@ void VX_EvSeqNoFile_Save() {
 
 int VX_EvSeqNoFile_Create() {
     g_VX_EventExt.EvSeqNo = {};
-    Descriptor file = Open(g_VX_EventExt.SeqNoFilename, O_RDWR | O_CREAT | O_TRUNC);
+    Descriptor file = Open(g_VX_EventExt.SeqNoFilename, O_RDWR | O_CREAT);
     if (!file.IsOpen()) return 0;
     Close(g_VX_EventExt.fileSeqNo);
     g_VX_EventExt.fileSeqNo = file.Release();
     VX_EvSeqNoFile_Save();
+    CutTo(g_VX_EventExt.fileSeqNo, sizeof(VX_EvSeqNo));
     return 1;
 }
 

@@ -116,6 +116,9 @@ void VX_EvHeader_Init(VX_EvLogHeader* header);
 /// header and counters read stay in memory).
 [[nodiscard]] int VX_EvFile_Load(unsigned mode);
 
+/// Reads the header of the open event file again. What the file does not have any more is zero.
+void VX_EvFile_ReloadHeader();
+
 /// Closes the event file if it is open.
 void VX_EvFile_Close();
 

@@ -98,9 +98,9 @@ TEST_F(EventStoreCalls, OfACheckInIntoAFullRingAreOneWriteMore) {
                             SYS_pwrite64, SYS_pwrite64, SYS_pwrite64, SYS_close, SYS_close));
 }
 
-TEST_F(EventStoreCalls, OfAPageAreOneReadOfTheHeadAndOneOfTheSlots) {
+TEST_F(EventStoreCalls, OfAPageAreOneReadOfTheHeadOneOfTheSlotsAndOneOfTheHeadAgain) {
     EXPECT_THAT(SystemCallsOf([] { Get(50, 0, 0); }),
-                ElementsAre(SYS_openat, SYS_pread64, SYS_pread64, SYS_close));
+                ElementsAre(SYS_openat, SYS_pread64, SYS_pread64, SYS_pread64, SYS_close));
 }
 
 TEST_F(EventStoreCalls, OfTheExtentTheInfoAndTheCountersAreOneReadEach) {

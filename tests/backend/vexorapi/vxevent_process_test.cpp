@@ -45,7 +45,7 @@ bool IsWhole(const Event& event) {
 }
 
 struct ReaderReport {
-    HX_U32 reads, events, torn, never_delivered;
+    HX_U32 reads, events, torn, wrong, out_of_order, never_delivered, unreadable;
     HX_U32 longest_us;
 };
 
@@ -109,9 +109,9 @@ bool EndsWithin(pid_t child, std::chrono::seconds limit) {
 
 // ---- Readers beside a writer --------------------------------------------------------------------
 
-constexpr std::chrono::seconds kDuration{10};
-constexpr HX_U32 kSharedCapacity = 2000;
+constexpr std::chrono::seconds kDuration{4};
 
+// Asks for a page somewhere in the store, or for the newest events.
 void ReadOnce(const Shared& shared, std::mt19937& random, ReaderReport& report) {
     HX_U32 n = 0;
     HX_U32 s = 0;
@@ -125,65 +125,123 @@ void ReadOnce(const Shared& shared, std::mt19937& random, ReaderReport& report) 
         s += static_cast<HX_U32>(random()) % (n + 1);
     }
     n = wanted;
+    const HX_U32 asked = s;
+    // A store that cannot be read leaves all three as they were asked.
+    e = kNewestEvents;
     VX_EvGet(&n, &s, &e, events.data());
     // Whatever has been read had been delivered before.
     const HX_U32 delivered = shared.delivered;
+    ++report.reads;
+    if (n == wanted && s == asked && e == kNewestEvents) {
+        ++report.unreadable;
+        return;
+    }
     events.resize(n);
-    for (const Event& event : events) {
+    HX_U32 last = 0;
+    for (HX_U32 i = 0; i < n; ++i) {
+        const Event& event = events[i];
         if (!IsWhole(event)) {
             ++report.torn;
-        } else if (event.SequenceNo == 0 || event.SequenceNo > delivered) {
-            ++report.never_delivered;
+        } else {
+            // The store numbers from 0 what the controller numbers from 1.
+            if (event.SequenceNo != s + i + 1) ++report.wrong;
+            if (event.SequenceNo <= last) ++report.out_of_order;
+            if (event.SequenceNo == 0 || event.SequenceNo > delivered) ++report.never_delivered;
+            last = event.SequenceNo;
         }
     }
     VX_HX_ChangeCounters counters;
     VX_EvGetChangeCounters(&counters);
     VX_EvGetInfo(&s, &e);
-    ++report.reads;
     report.events += n;
 }
 
-TEST_F(Processes, FourReadBesideOneThatChecksIn) {
-    SetCapacity(kSharedCapacity);
-    CheckInBatch(50);
-    const pid_t writer = Start([this] {
-        std::mt19937 random(1);
-        while (!shared_->stop) {
-            CheckInBatch(static_cast<HX_U8>(1 + random() % 50));
-            ++shared_->check_ins;
-        }
-    });
-    pid_t readers[4];
-    for (unsigned i = 0; i < 4; ++i) {
-        readers[i] = Start([this, i] {
-            std::mt19937 random(i);
-            ReaderReport& report = shared_->readers[i];
+class ReadersBesideAWriter : public Processes, public testing::WithParamInterface<HX_U32> {
+protected:
+    // Runs `write` over and over in one process and readers in four others, and adds up what the
+    // readers have seen.
+    template <class Write>
+    ReaderReport Run(Write write) {
+        const pid_t writer = Start([&] {
+            std::mt19937 random(1);
             while (!shared_->stop) {
-                const auto before = Clock::now();
-                ReadOnce(*shared_, random, report);
-                const auto took =
-                    std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - before);
-                report.longest_us = std::max(report.longest_us, static_cast<HX_U32>(took.count()));
+                write(random);
+                ++shared_->check_ins;
             }
         });
+        pid_t readers[4];
+        for (unsigned i = 0; i < 4; ++i) {
+            readers[i] = Start([this, i] {
+                std::mt19937 random(i);
+                ReaderReport& report = shared_->readers[i];
+                while (!shared_->stop) {
+                    const auto before = Clock::now();
+                    ReadOnce(*shared_, random, report);
+                    const auto took = std::chrono::duration_cast<std::chrono::microseconds>(
+                        Clock::now() - before);
+                    report.longest_us =
+                        std::max(report.longest_us, static_cast<HX_U32>(took.count()));
+                }
+            });
+        }
+        std::this_thread::sleep_for(kDuration);
+        shared_->stop = true;
+        EXPECT_TRUE(EndsWithin(writer, std::chrono::seconds(10)));
+        for (const pid_t reader : readers) {
+            EXPECT_TRUE(EndsWithin(reader, std::chrono::seconds(10)));
+        }
+        ReaderReport sum{};
+        for (const ReaderReport& report : shared_->readers) {
+            EXPECT_LT(0u, report.events);
+            sum.reads += report.reads;
+            sum.events += report.events;
+            sum.torn += report.torn;
+            sum.wrong += report.wrong;
+            sum.out_of_order += report.out_of_order;
+            sum.never_delivered += report.never_delivered;
+            sum.unreadable += report.unreadable;
+            sum.longest_us = std::max(sum.longest_us, report.longest_us);
+        }
+        std::printf(
+            "readers: %u reads of %u events, longest %u us: %u torn, %u of another number, "
+            "%u out of order, %u never delivered, %u reads without a store\n",
+            sum.reads, sum.events, sum.longest_us, sum.torn, sum.wrong, sum.out_of_order,
+            sum.never_delivered, sum.unreadable);
+        std::printf("writer: %u check-ins, %u events\n", shared_->check_ins.load(),
+                    shared_->delivered.load());
+        return sum;
     }
-    std::this_thread::sleep_for(kDuration);
-    shared_->stop = true;
-    EXPECT_TRUE(EndsWithin(writer, std::chrono::seconds(10)));
-    for (const pid_t reader : readers) EXPECT_TRUE(EndsWithin(reader, std::chrono::seconds(10)));
+};
 
-    EXPECT_LT(kSharedCapacity / 25, shared_->check_ins);  // the ring has wrapped
-    HX_U32 torn = 0;
-    for (const ReaderReport& report : shared_->readers) {
-        std::printf("reader: %u reads, %u events, %u torn, longest read %u us\n", report.reads,
-                    report.events, report.torn, report.longest_us);
-        EXPECT_LT(0u, report.events);
-        EXPECT_EQ(0u, report.never_delivered);
-        torn += report.torn;
-    }
-    std::printf("writer: %u check-ins, %u events\n", shared_->check_ins.load(),
-                shared_->delivered.load());
-    RecordProperty("torn_reads", static_cast<int>(torn));
+TEST_P(ReadersBesideAWriter, SeeWholeEventsInOrderAndUnderTheirNumbers) {
+    SetCapacity(GetParam());
+    CheckInBatch(50);
+    const ReaderReport seen =
+        Run([this](std::mt19937& random) { CheckInBatch(static_cast<HX_U8>(1 + random() % 50)); });
+    EXPECT_LT(GetParam() / 25, shared_->check_ins);  // the ring has wrapped
+    EXPECT_EQ(0u, seen.torn);
+    EXPECT_EQ(0u, seen.wrong);
+    EXPECT_EQ(0u, seen.out_of_order);
+    EXPECT_EQ(0u, seen.never_delivered);
+    EXPECT_EQ(0u, seen.unreadable);
+}
+
+// Rings that the writer goes round once in forty check-ins, in two, and more than once in each.
+INSTANTIATE_TEST_SUITE_P(Ring, ReadersBesideAWriter, testing::Values(2000, 64, 20),
+                         testing::PrintToStringParamName());
+
+// A reset starts again at number 0, so the numbers tell nothing here.
+TEST_P(ReadersBesideAWriter, SeeWholeEventsInOrderBesideResets) {
+    SetCapacity(GetParam());
+    CheckInBatch(50);
+    const ReaderReport seen = Run([this](std::mt19937& random) {
+        if (random() % 8 == 0) VX_EvFile_Reset();
+        CheckInBatch(static_cast<HX_U8>(1 + random() % 50));
+    });
+    EXPECT_EQ(0u, seen.torn);
+    EXPECT_EQ(0u, seen.out_of_order);
+    EXPECT_EQ(0u, seen.never_delivered);
+    EXPECT_EQ(0u, seen.unreadable);
 }
 
 // ---- Writers that are killed -------------------------------------------------------------------
