@@ -55,14 +55,15 @@ private:
         if constexpr (std::is_same_v<Value, std::string>) {
             value = "text " + std::to_string(number);
         } else if constexpr (std::is_same_v<Value, Bytes>) {
-            value = std::make_shared<const std::string>("bytes\0" + std::to_string(number));
+            value = std::make_shared<const std::string>("bytes" + std::string(1, '\0') +
+                                                        std::to_string(number));
         } else if constexpr (std::is_same_v<Value, bool>) {
             value = number % 2 != 0;
         } else if constexpr (std::is_enum_v<Value>) {
             value = static_cast<Value>(number % (static_cast<unsigned>(LastOf(Value{})) + 1));
         } else if constexpr (std::is_integral_v<Value>) {
             // All bytes of the number count.
-            value = static_cast<Value>(0x0101010101010101 * (number % 251) + number);
+            value = static_cast<Value>(0x0101010101010101U * (number % 251) + number);
         } else {
             auto* const bytes = reinterpret_cast<unsigned char*>(&value);
             for (std::size_t i = 0; i < sizeof value; ++i) {
