@@ -22,6 +22,7 @@
 #include "rules/hxsim_advance.h"
 #include "store/hxsim_sqlite.h"
 #include "store/hxsim_tables.h"
+#include "store/hxsim_upgrade.h"
 
 namespace hxsim {
 namespace {
@@ -221,7 +222,7 @@ private:
         pid_ = getpid();
         Transaction transaction(link_->connection);
         if (IsStateFile(link_->connection, path_)) {
-            Migrate(link_->connection, path_, kMigrations, kSchemaVersion);
+            Upgrade(link_->connection, path_, kUpgradeSteps, kSchemaVersion);
         } else {
             Fill(link_->connection, inherited != nullptr ? *inherited : first_());
         }
@@ -257,7 +258,7 @@ private:
         const std::int64_t version = link_->DataVersion();
         if (loaded_ && version == known_version_) return;
         loaded_ = false;
-        Migrate(link_->connection, path_, {}, kSchemaVersion);  // somebody may have made it anew
+        Upgrade(link_->connection, path_, {}, kSchemaVersion);  // somebody may have made it anew
         machine_ = link_->tables.Load(path_);
         known_version_ = version;
         loaded_ = true;

@@ -2,7 +2,7 @@
 // machine stands in them. All that is read, compared and written follows from these rows.
 //
 // A member that is added to a row of the machine needs its column here, which the compiler asks
-// for, and a step in kMigrations (hxsim_tables.h).
+// for, and a step in kUpgradeSteps (hxsim_upgrade.h).
 #pragma once
 
 #include <cstddef>

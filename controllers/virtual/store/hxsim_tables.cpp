@@ -12,6 +12,7 @@
 
 #include "model/hxsim_invariants.h"
 #include "store/hxsim_store_error.h"
+#include "store/hxsim_upgrade.h"
 
 namespace hxsim {
 namespace {
@@ -227,41 +228,7 @@ void ForEachTable(Visit visit) {
 
 }  // namespace
 
-// ---- Versions ----
-
-void Migrate(const Connection& connection, const std::string& path,
-             std::span<const Migration> steps, std::int64_t wanted) {
-    const std::int64_t found = connection.Number("PRAGMA user_version");
-    if (found > wanted) {
-        throw StoreError(path + " was made by a newer version of the virtual controller (schema " +
-                         std::to_string(found) + "; this one knows " + std::to_string(wanted) +
-                         "). Make a new machine with: hxsimctl init");
-    }
-    std::int64_t version = found;
-    for (const Migration& step : steps) {
-        if (step.from != version) continue;
-        connection.Execute(step.sql);
-        ++version;
-    }
-    if (version != wanted) {
-        throw StoreError(path + " was made by a version of the virtual controller that is too " +
-                         "old (schema " + std::to_string(found) +
-                         "). Make a new machine with: hxsimctl init");
-    }
-    if (version != found) {
-        connection.Execute("PRAGMA user_version = " + std::to_string(version));
-    }
-}
-
-bool IsStateFile(const Connection& connection, const std::string& path) {
-    if (connection.Number("PRAGMA application_id") == kApplicationId) return true;
-    const bool empty = connection.Number("PRAGMA application_id") == 0 &&
-                       connection.Number("SELECT count(*) FROM sqlite_schema") == 0;
-    if (empty) return false;
-    throw StoreError(path +
-                     " is another program's database; move it away and run: hxsimctl init, or "
-                     "name another file in HXSIM_STATE.");
-}
+// ---- Making ----
 
 void MakeTables(const Connection& connection) {
     std::vector<std::string> there;

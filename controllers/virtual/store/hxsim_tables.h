@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <span>
 #include <tuple>
 
 #include "model/hxsim_machine.h"
@@ -10,29 +9,6 @@
 #include "store/hxsim_table_rows.h"
 
 namespace hxsim {
-
-/// What tells a state file from any other database: "VXSM".
-inline constexpr std::int64_t kApplicationId = 0x5658534D;
-
-/// What turns the tables of one version into those of the next.
-struct Migration {
-    std::int64_t from;
-    const char* sql;
-};
-
-/// The steps from the oldest version that can still be read on, one after the other. There has been
-/// one version only.
-inline constexpr std::span<const Migration> kMigrations{};
-inline constexpr std::int64_t kSchemaVersion = 1;
-
-/// Takes the tables from their version to `wanted`, step by step, and notes it in the file. Throws
-/// StoreError when no steps lead there: the file is too old, or newer than this program. Within the
-/// caller's transaction.
-void Migrate(const Connection& connection, const std::string& path,
-             std::span<const Migration> steps, std::int64_t wanted);
-
-/// Whether the database is a state file (throws StoreError when it is anything else), or empty.
-bool IsStateFile(const Connection& connection, const std::string& path);
 
 /// Makes the tables, dropping whatever was there. Within the caller's transaction.
 void MakeTables(const Connection& connection);

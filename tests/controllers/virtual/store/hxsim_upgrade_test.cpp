@@ -1,0 +1,65 @@
+// Which databases are taken for state files, and the steps from version to version.
+#include "store/hxsim_upgrade.h"
+
+#include <gtest/gtest.h>
+
+#include "store/hxsim_sqlite.h"
+#include "store/hxsim_store_error.h"
+
+namespace hxsim {
+namespace {
+
+class StateFileVersion : public testing::Test {
+protected:
+    std::int64_t Version() { return connection_.Number("PRAGMA user_version"); }
+
+    Connection connection_{":memory:"};
+};
+
+constexpr UpgradeStep kSteps[] = {
+    {1, "CREATE TABLE shelf (colour TEXT NOT NULL)"},
+    {2, "INSERT INTO shelf VALUES ('grey')"},
+};
+
+TEST_F(StateFileVersion, IsTakenToTheWantedOneStepByStep) {
+    connection_.Execute("PRAGMA user_version = 1");
+    Upgrade(connection_, "file", kSteps, 3);
+    EXPECT_EQ(Version(), 3);
+    EXPECT_EQ(connection_.Number("SELECT count(*) FROM shelf"), 1);
+}
+
+TEST_F(StateFileVersion, InTheMiddleOfTheStepsSkipsThoseBeforeIt) {
+    connection_.Execute("CREATE TABLE shelf (colour TEXT NOT NULL)");
+    connection_.Execute("PRAGMA user_version = 2");
+    Upgrade(connection_, "file", kSteps, 3);
+    EXPECT_EQ(Version(), 3);
+    EXPECT_EQ(connection_.Number("SELECT count(*) FROM shelf"), 1);
+}
+
+TEST_F(StateFileVersion, ThatIsWantedNeedsNoStep) {
+    connection_.Execute("PRAGMA user_version = 3");
+    Upgrade(connection_, "file", {}, 3);
+    EXPECT_EQ(Version(), 3);
+}
+
+TEST_F(StateFileVersion, BehindWhichNoStepBeginsIsRefused) {
+    EXPECT_THROW(Upgrade(connection_, "file", kSteps, 3), StoreError);
+    EXPECT_EQ(Version(), 0);
+}
+
+TEST_F(StateFileVersion, OfANewerProgramIsRefused) {
+    connection_.Execute("PRAGMA user_version = 4");
+    EXPECT_THROW(Upgrade(connection_, "file", kSteps, 3), StoreError);
+    EXPECT_EQ(Version(), 4);
+}
+
+TEST_F(StateFileVersion, CountsOnlyInAStateFile) {
+    EXPECT_FALSE(IsStateFile(connection_, "file")) << "empty";
+    connection_.Execute("CREATE TABLE diary (day TEXT)");
+    EXPECT_THROW(IsStateFile(connection_, "file"), StoreError);
+    connection_.Execute("PRAGMA application_id = " + std::to_string(kApplicationId));
+    EXPECT_TRUE(IsStateFile(connection_, "file"));
+}
+
+}  // namespace
+}  // namespace hxsim
