@@ -674,6 +674,9 @@ constinit DayText last_day{0, "Thu Jan  1 00:00:00 1970"};
     const std::time_t time = seconds;
     static_assert(sizeof time == 8, "times from 2^31 on are the same on both word sizes");
     std::tm local;
+    // localtime_r keeps the zone that the process first saw; localtime, which shares its storage
+    // with the process, does not.
+    tzset();
     return PutTimeText(at, localtime_r(&time, &local));
 }
 

@@ -443,6 +443,15 @@ TEST_F(AdapterFound, IsDatedInLocalTime) {
     EXPECT_EQ("Fri Jul 14 18:13:20 2023 EVT_CODE_ADAPTER_FOUND_NO_SERIAL|[INFO]|1| \n",
               TextOf(event));
 }
+// As a process finds it that has run since before the host's zone was set.
+TEST_F(AdapterFound, IsDatedInTheZoneThatIsSetWhileTheProcessRuns) {
+    SetZone("EST5");
+    EXPECT_EQ("Wed Dec 31 19:00:00 1969 EVT_CODE_ADAPTER_FOUND_NO_SERIAL|[INFO]|1| \n",
+              TextOf(Found(0, "")));
+    setenv("TZ", "JST-9", 1);
+    EXPECT_EQ("Thu Jan  1 09:00:00 1970 EVT_CODE_ADAPTER_FOUND_NO_SERIAL|[INFO]|1| \n",
+              TextOf(Found(0, "")));
+}
 TEST_F(AdapterFound, CanBeDatedBefore1970) {
     SetZone("WEST12");
     EXPECT_EQ("Wed Dec 31 12:00:00 1969 EVT_CODE_ADAPTER_FOUND_NO_SERIAL|[INFO]|1| \n",
