@@ -2,44 +2,29 @@
 #include "append_file.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <utility>
+
+#include "guarded_file.h"
 
 namespace {
 
 // Logs can hold commands with passwords: they are created for their owner alone.
 constexpr mode_t kLogMode = 0600;
 
-// Opening must not wait for the other end of a FIFO, and a terminal must not become the process's
-// own. Nothing is ever truncated by opening: only fstat tells what was opened.
-constexpr int kLogFlags = O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-
-struct OpenedLog {
-    Descriptor file;
-    bool regular = false;  // a file, not a character device
-};
-
-OpenedLog OpenLog(const char* path, int access_flags) {
-    Descriptor file(open(path, access_flags | kLogFlags, kLogMode));
-    struct stat status;
-    if (!file.IsOpen() || fstat(file.Get(), &status) != 0) return {};
-    if (S_ISREG(status.st_mode)) return {std::move(file), true};
-    if (S_ISCHR(status.st_mode)) return {std::move(file), false};
-    return {};
-}
-
 }  // namespace
 
-Descriptor OpenForAppend(const char* path) { return OpenLog(path, O_RDWR | O_APPEND).file; }
+Descriptor OpenForAppend(const char* path) {
+    return OpenGuarded(path, O_RDWR | O_CREAT | O_APPEND, kLogMode).file;
+}
 
 void TruncateFile(const char* path) {
-    const OpenedLog log = OpenLog(path, O_WRONLY);
-    // A file that cannot be emptied keeps its text, and messages are appended behind it.
-    [[maybe_unused]] const bool emptied = log.regular && ftruncate(log.file.Get(), 0) == 0;
+    const GuardedFile log = OpenGuarded(path, O_WRONLY | O_CREAT, kLogMode);
+    // A file that cannot be emptied keeps its text, and messages are appended behind it. Devices
+    // have nothing to be emptied.
+    [[maybe_unused]] const bool emptied = log.file.IsOpen() && ftruncate(log.file.Get(), 0) == 0;
 }
 
 void AppendBytes(int descriptor, const char* bytes, std::size_t length) {

@@ -9,8 +9,9 @@
 
 /// Opens `path` for appending (created with mode 0600); the result is closed when that fails.
 ///
-/// A directory, FIFO, socket or block device counts as unopenable, and opening never waits. The
-/// descriptor is close-on-exec.
+/// What OpenGuarded refuses counts as unopenable: what is neither a file nor a character device,
+/// and what another user may have put in the log's place. Opening never waits. The descriptor is
+/// close-on-exec.
 [[nodiscard]] Descriptor OpenForAppend(const char* path);
 
 /// Creates `path` with mode 0600, or empties it. What OpenForAppend would not open stays unchanged.

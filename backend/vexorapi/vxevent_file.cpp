@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "descriptor.h"
+#include "guarded_file.h"
 #include "vxevent_text.h"
 
 static_assert(std::endian::native == std::endian::little, "the files are little-endian");
@@ -70,13 +71,20 @@ static_assert(sizeof(FileHead) == 112 && offsetof(FileHead, counters) == 52);
 
 constexpr mode_t kFileMode = 0666;  // less the umask: service and front end are different users
 
-// O_NONBLOCK and O_NOCTTY: opening never waits, whatever the configured name is. From a FIFO or a
-// terminal, which pread refuses, nothing is read, so that the magic is missing.
-Descriptor Open(const char* path, int flags) {
-    return Descriptor(open(path, flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kFileMode));
+// Opening never waits, whatever the configured name is. From a FIFO or a terminal, which pread
+// refuses, nothing is read, so that the magic is missing.
+Descriptor OpenForReading(const char* path) {
+    return Descriptor(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
 }
 
-int OpenFlags(unsigned mode) { return (mode & kForUpdate) == kForReading ? O_RDONLY : O_RDWR; }
+Descriptor Open(const char* path, unsigned mode) {
+    const bool reading = (mode & kForUpdate) == kForReading;
+    return reading ? OpenForReading(path) : std::move(OpenGuarded(path, O_RDWR, 0).file);
+}
+
+Descriptor Create(const char* path) {
+    return std::move(OpenGuarded(path, O_RDWR | O_CREAT, kFileMode).file);
+}
 
 // Closes one of the store's two files, which stand in its state as numbers, -1 when closed.
 void Close(int& file) { Descriptor(std::exchange(file, -1)).Close(); }
@@ -212,7 +220,7 @@ void VX_EvHeader_Init(VX_EvLogHeader* header) {
 
 int VX_EvFile_Create(const char* path) {
     VX_EvHeader_Init(&g_VX_EventExt.EvLogHeader);
-    Descriptor file = Open(path, O_RDWR | O_CREAT);
+    Descriptor file = Create(path);
     if (!file.IsOpen()) return 0;
     Close(g_VX_EventExt.fileEv);
     g_VX_EventExt.fileEv = file.Release();
@@ -226,7 +234,7 @@ int VX_EvFile_Load(unsigned mode) {
     if (g_VX_EventExt.fileEv >= 0) return 1;
     LoadConfig();
     SetEventPath();
-    Descriptor file = Open(g_VX_EventExt.Filename, OpenFlags(mode));
+    Descriptor file = Open(g_VX_EventExt.Filename, mode);
     if (!file.IsOpen()) {
         VX_EvHeader_Init(&g_VX_EventExt.EvLogHeader);
         return 0;
@@ -268,7 +276,7 @@ void VX_EvFile_SaveHeader() {
 int VX_EvSeqNoFile_Load(unsigned mode) {
     if (g_VX_EventExt.fileSeqNo >= 0) return 1;
     static_cast<void>(RootPath(g_VX_EventExt.SeqNoFilename, kSeqNoFile));  // empty when too long
-    g_VX_EventExt.fileSeqNo = Open(g_VX_EventExt.SeqNoFilename, OpenFlags(mode)).Release();
+    g_VX_EventExt.fileSeqNo = Open(g_VX_EventExt.SeqNoFilename, mode).Release();
     if (g_VX_EventExt.fileSeqNo < 0) return 0;
     ReadAt(g_VX_EventExt.fileSeqNo, &g_VX_EventExt.EvSeqNo, sizeof(VX_EvSeqNo), 0);
     return 1;
@@ -282,7 +290,7 @@ void VX_EvSeqNoFile_Save() {
 
 int VX_EvSeqNoFile_Create() {
     g_VX_EventExt.EvSeqNo = {};
-    Descriptor file = Open(g_VX_EventExt.SeqNoFilename, O_RDWR | O_CREAT);
+    Descriptor file = Create(g_VX_EventExt.SeqNoFilename);
     if (!file.IsOpen()) return 0;
     Close(g_VX_EventExt.fileSeqNo);
     g_VX_EventExt.fileSeqNo = file.Release();

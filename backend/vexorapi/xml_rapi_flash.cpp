@@ -10,11 +10,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "descriptor.h"
+#include "guarded_file.h"
 #include "heap_block.h"
 #include "read_file.h"
-#include "root_path.h"
 #include "xml_rapi_text.h"
 
 static_assert(sizeof(off_t) == 8,
@@ -26,45 +27,12 @@ constexpr HX_U8 kFailed = 1;
 
 constexpr mode_t kImageMode = 0644;
 
-// Replaces `path`, which names a symbolic link, by the link's target. Returns false when the link
-// belongs to another user, who could otherwise choose the file that is overwritten.
-bool FollowOwnLink(char (&path)[kRootPathSize]) {
-    // The link itself is opened, so that what is checked is what is read.
-    const Descriptor link(open(path, O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    struct stat status;
-    if (!link.IsOpen() || fstat(link.Get(), &status) != 0) return false;
-    if (!S_ISLNK(status.st_mode) || status.st_uid != geteuid()) return false;
-    char target[kRootPathSize];
-    const ssize_t length = readlinkat(link.Get(), "", target, sizeof target);
-    if (length <= 0) return false;
-    // A relative target begins at the link's own folder.
-    const char* const slash = std::strrchr(path, '/');
-    const std::size_t folder =
-        target[0] == '/' || slash == nullptr ? 0 : static_cast<std::size_t>(slash - path) + 1;
-    if (static_cast<std::size_t>(length) >= sizeof path - folder) return false;
-    std::memcpy(path + folder, target, static_cast<std::size_t>(length));
-    path[folder + static_cast<std::size_t>(length)] = '\0';
-    return true;
-}
-
 // Opens or makes the file for an image; the result is closed when that fails. Anything but a
-// regular file counts as unopenable, and opening never waits.
+// regular file counts as unopenable.
 Descriptor OpenImageForWrite(const char* filename) {
-    constexpr int kFlags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    constexpr int kMostLinks = 40;  // as many as the kernel follows
-    char path[kRootPathSize];
-    static_assert(kFilePathSize <= sizeof path);
-    std::memcpy(path, filename, std::strlen(filename) + 1);
-    for (int links = 0; links <= kMostLinks; ++links) {
-        Descriptor file(open(path, kFlags, kImageMode));
-        if (file.IsOpen()) {
-            struct stat status;
-            if (fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) file.Close();
-            return file;
-        }
-        if (errno != ELOOP || !FollowOwnLink(path)) return {};
-    }
-    return {};
+    GuardedFile image = OpenGuarded(filename, O_RDWR | O_CREAT, kImageMode);
+    if (!S_ISREG(image.status.st_mode)) image.file.Close();
+    return std::move(image.file);
 }
 
 // 32 KiB, too much for a stack that may be a thread's.

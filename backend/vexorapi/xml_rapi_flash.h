@@ -40,7 +40,8 @@ struct VX_BIOS_Version {
 ///
 /// Only regular files are opened. The file of an image that is read is made when it is missing, and
 /// its mode becomes 0644. It is overwritten from its start and not shortened, and a failed write is
-/// not reported. A symbolic link that somebody else owns is not followed to it.
+/// not reported. Where another user may have put a link in its place it is not opened, as
+/// OpenGuarded says.
 HX_U8 HX_Flash_Option(HX_U8 AdapterID, HX_U8 Actions, HX_U8 Type, HX_U8* filename);
 
 /// Reads version and subsystem IDs from the header of the BIOS image `filename`. Returns 0, or 1

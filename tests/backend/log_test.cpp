@@ -125,6 +125,15 @@ TEST_F(ServiceLog, DropsTheLineWhenItsNameIsAFolder) {
     EXPECT_EQ(1, InitLog());
 }
 
+TEST_F(ServiceLog, DropsTheLineWhenOthersCouldHavePutALinkThere) {
+    root_.Write("/real.log", "precious");
+    std::filesystem::create_symlink(root_.Path("/real.log"), root_.Path(kLog));
+    chmod(root_.Path("/var/log").c_str(), 0777);
+    EXPECT_EQ(2, LogPrintf("x\n"));
+    EXPECT_EQ(1, InitLog());
+    EXPECT_EQ("precious", root_.Read("/real.log"));
+}
+
 TEST_F(ServiceLog, CountsNothingWithoutMemory) {
     if (kSanitized) GTEST_SKIP() << "the sanitizers end a process that has no memory";
     EXPECT_EQ(0, InChildWithoutMemory([] { return LogPrintf("%0100000d\n", 1) & 0xFF; }));

@@ -48,6 +48,8 @@ protected:
         ASSERT_EQ(1, VX_DBG_Init(nullptr));
     }
 
+    void LetOthersWrite() const { chmod(root_.Path("/").c_str(), 01777); }
+
     // A path in the temporary folder of exactly `length` characters.
     std::string PathOfLength(std::size_t length) const {
         std::string path = root_.Path("/");
@@ -294,12 +296,22 @@ TEST_F(DebugLogMessage, RecreatesAFileThatWasRemovedForItsOwnerAlone) {
     EXPECT_EQ(std::filesystem::perms{0600}, ModeOf(log_));
 }
 
-TEST_F(DebugLogMessage, FollowsALinkToAFile) {
-    root_.Write("/real.log", "");
+TEST_F(DebugLogMessage, IsCountedAndDroppedWhenOthersCouldHavePutALinkThere) {
+    root_.Write("/real.log", "precious");
     std::filesystem::create_symlink(root_.Path("/real.log"), log_);
+    LetOthersWrite();
     TurnOn(log_);
-    VX_DBG_Printf("x");
-    EXPECT_EQ("x", root_.Read("/real.log"));
+    EXPECT_EQ(1, VX_DBG_Printf("x"));
+    EXPECT_EQ("precious", root_.Read("/real.log"));
+}
+
+TEST_F(DebugLogMessage, IsDroppedWhenOthersCouldHaveGivenAFileASecondName) {
+    root_.Write("/real.log", "precious");
+    std::filesystem::create_hard_link(root_.Path("/real.log"), log_);
+    LetOthersWrite();
+    TurnOn(log_);
+    EXPECT_EQ(1, VX_DBG_Printf("x"));
+    EXPECT_EQ("precious", root_.Read("/real.log"));
 }
 
 TEST_F(DebugLogMessage, IsCountedAndDroppedWhenTheFileCannotBeOpened) {
@@ -480,6 +492,14 @@ TEST_F(NamedFilePrint, TakesANameLongerThanTheDebugLogsField) {
     const std::string name = PathOfLength(200);
     VX_DBG_PrintFile(name.c_str(), "x");
     EXPECT_TRUE(std::filesystem::exists(name));
+}
+
+TEST_F(NamedFilePrint, IsCountedAndDroppedWhenOthersCouldHavePutALinkThere) {
+    root_.Write("/real.log", "precious");
+    std::filesystem::create_symlink("real.log", root_.Path("/r.log"));
+    LetOthersWrite();
+    EXPECT_EQ(1, VX_DBG_PrintFile(root_.Path("/r.log").c_str(), "x"));
+    EXPECT_EQ("precious", root_.Read("/real.log"));
 }
 
 TEST_F(NamedFilePrint, CreatesTheFileForItsOwnerAlone) {
@@ -696,11 +716,13 @@ TEST_F(LogFile, EmptyingCreatesIt) {
     EXPECT_TRUE(root_.Exists("/debug.log"));
 }
 
-TEST_F(LogFile, EmptyingFollowsALink) {
-    root_.Write("/real.log", "old");
+TEST_F(LogFile, EmptyingFollowsNoLinkOfSomebodyElse) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can give a link away";
+    root_.Write("/real.log", "precious");
     std::filesystem::create_symlink(root_.Path("/real.log"), log_);
+    ASSERT_EQ(0, lchown(log_.c_str(), 65534, 65534));
     TruncateFile(log_.c_str());
-    EXPECT_EQ("", root_.Read("/real.log"));
+    EXPECT_EQ("precious", root_.Read("/real.log"));
     EXPECT_TRUE(std::filesystem::is_symlink(log_));
 }
 

@@ -599,6 +599,51 @@ TEST_F(EventFile, ThatIsAFolderStaysOne) {
     EXPECT_FALSE(root_.Exists(kSeqNoFile));
 }
 
+// In a folder where others can put links to files that they may not write themselves.
+class SharedFolder : public EventStore, public testing::WithParamInterface<const char*> {
+protected:
+    SharedFolder() {
+        root_.Write("/real", kPrecious);
+        chmod(root_.Path("/opt/kestrel/raid/db").c_str(), 01777);
+    }
+    void ExpectUntouched() const {
+        UseStore();
+        EXPECT_EQ(kPrecious, root_.Read("/real"));
+    }
+
+    const std::string kPrecious = std::string(600, '\0');  // no number is remembered in it
+};
+
+TEST_P(SharedFolder, HasNoStoreBehindASymbolicLink) {
+    std::filesystem::create_symlink(root_.Path("/real"), root_.Path(GetParam()));
+    ExpectUntouched();
+}
+
+TEST_P(SharedFolder, HasNoStoreInAFileOfTwoNames) {
+    std::filesystem::create_hard_link(root_.Path("/real"), root_.Path(GetParam()));
+    ExpectUntouched();
+}
+
+TEST_P(SharedFolder, HasAStoreOfItsOwnFiles) {
+    CheckIn(DiskEvents(1, 2));
+    CheckIn(DiskEvents(3, 2));
+    EXPECT_EQ(Range(1, 4), Numbers(Get(4, 0, 0).events));
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, SharedFolder, testing::Values(kEventFile, kSeqNoFile),
+                         [](const auto& test) {
+                             return test.param == kEventFile ? "Events" : "SequenceNumbers";
+                         });
+
+TEST_F(EventFile, BehindALinkOfItsOwnUserIsUsed) {
+    std::filesystem::create_directory(root_.Path("/data"));
+    std::filesystem::create_symlink("../../../../data/events", root_.Path(kEventFile));
+    CheckIn(DiskEvents(1, 2));
+    EXPECT_EQ(Range(1, 2), Numbers(Get(2, 0, 0).events));
+    EXPECT_TRUE(std::filesystem::is_symlink(root_.Path(kEventFile)));
+    EXPECT_TRUE(root_.Exists("/data/events"));
+}
+
 TEST_F(EventFile, ThatIsAFullDeviceLosesItsEvents) {
     Configure("Filename=\"/dev/full\"");
     UseStore();

@@ -482,6 +482,24 @@ TEST_F(ImageLink, OfSomebodyElseIsRefused) {
     EXPECT_THAT(hxfake::Calls(), IsEmpty());
 }
 
+TEST_F(ImageLink, WhereOthersCouldHavePutItIsRefused) {
+    root_.Write("/image", "precious");
+    Link("/link", "image");
+    ASSERT_EQ(chmod(Path("/").c_str(), 01777), 0);
+    EXPECT_EQ(Flash(240, Path("/link")), 1);
+    EXPECT_EQ(root_.Read("/image"), "precious");
+    EXPECT_THAT(hxfake::Calls(), IsEmpty());
+}
+
+TEST_F(ImageLink, ThatIsASecondNameWhereOthersCouldHavePutItIsRefused) {
+    root_.Write("/image", "precious");
+    std::filesystem::create_hard_link(Path("/image"), Path("/link"));
+    ASSERT_EQ(chmod(Path("/").c_str(), 01777), 0);
+    EXPECT_EQ(Flash(240, Path("/link")), 1);
+    EXPECT_EQ(root_.Read("/image"), "precious");
+    EXPECT_THAT(hxfake::Calls(), IsEmpty());
+}
+
 // ---- Both directions ----
 
 class BothDirections : public Image, public testing::WithParamInterface<int> {

@@ -1,0 +1,151 @@
+// The guard, and a walk along the path for whatever is more than a plain file without links.
+#include "guarded_file.h"
+
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <utility>
+
+#include "root_path.h"
+
+namespace {
+
+// A terminal must not become the process's own, and the other end of a FIFO is not waited for.
+constexpr int kAlways = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+constexpr int kMostLinks = 40;  // as many as the kernel follows
+
+bool IsTrusted(uid_t owner) { return owner == 0 || owner == geteuid(); }
+
+// Whether somebody else can put another file or a link under a name in the folder.
+bool OthersMayWrite(const struct stat& folder) {
+    return !IsTrusted(folder.st_uid) || (folder.st_mode & (S_IWGRP | S_IWOTH)) != 0;
+}
+
+bool Look(const Descriptor& file, struct stat& status) {
+    return file.IsOpen() && fstat(file.Get(), &status) == 0;
+}
+
+bool IsWritableKind(const struct stat& status) {
+    return S_ISREG(status.st_mode) || S_ISCHR(status.st_mode);
+}
+
+// A path without links to a file of ours that has one name: nobody can have exchanged it, whatever
+// the folders are. Nearly every path is one, and the kernel finds out in one call.
+GuardedFile OpenPlain(const char* path, int flags, mode_t mode) {
+    open_how how{};
+    how.flags = static_cast<unsigned>(flags | kAlways | O_LARGEFILE);
+    how.mode = (flags & O_CREAT) != 0 ? mode : 0;
+    how.resolve = RESOLVE_NO_SYMLINKS;
+    GuardedFile opened;
+    opened.file =
+        Descriptor(static_cast<int>(syscall(SYS_openat2, AT_FDCWD, path, &how, sizeof how)));
+    const bool plain = Look(opened.file, opened.status) && S_ISREG(opened.status.st_mode) &&
+                       opened.status.st_nlink == 1 && IsTrusted(opened.status.st_uid);
+    if (!plain) opened.file.Close();
+    return opened;
+}
+
+// A path that is walked name by name. The folder reached is held open, so that what is checked of
+// it stays true of what is opened in it.
+class Walk {
+public:
+    explicit Walk(const char* path) {
+        const std::size_t length = std::strlen(path);
+        if (length == 0 || length >= sizeof rest_) return;
+        std::memcpy(rest_, path, length + 1);
+        EnterStart();
+    }
+
+    GuardedFile Open(int flags, mode_t mode) {
+        while (folder_.IsOpen()) {
+            char name[kRootPathSize];
+            const bool last = TakeName(name);
+            if (last) {
+                GuardedFile opened;
+                opened.file = Descriptor(openat(folder_.Get(), name, flags | kAlways, mode));
+                if (opened.file.IsOpen()) return Checked(std::move(opened));
+                if (errno != ELOOP) return {};
+            }
+            if (!Step(name, last)) return {};
+        }
+        return {};
+    }
+
+private:
+    // Goes to where the rest of the path begins.
+    void EnterStart() {
+        Enter(Descriptor(open(rest_[0] == '/' ? "/" : ".", O_PATH | O_DIRECTORY | O_CLOEXEC)));
+    }
+    void Enter(Descriptor folder) {
+        if (!Look(folder, folder_status_)) folder.Close();
+        folder_ = std::move(folder);
+    }
+
+    // Takes the next name off the rest. Returns whether it is the last; a path that ends in a slash
+    // has none, since it names no file, and its last name is followed by an empty one.
+    bool TakeName(char (&name)[kRootPathSize]) {
+        const char* const begin = rest_ + std::strspn(rest_, "/");
+        const std::size_t length = std::strcspn(begin, "/");
+        const bool last = begin[length] == '\0';
+        std::memcpy(name, begin, length);
+        name[length] = '\0';
+        std::memmove(rest_, begin + length, std::strlen(begin + length) + 1);
+        return last;
+    }
+
+    // Enters the folder of this name, or puts a link's target in its place. A last name can only be
+    // a link here. Returns false when it is neither or the link is not to be followed.
+    bool Step(const char* name, bool last) {
+        Descriptor next(openat(folder_.Get(), name, O_PATH | O_NOFOLLOW | O_CLOEXEC));
+        struct stat status;
+        if (!Look(next, status)) return false;
+        if (S_ISLNK(status.st_mode)) return Follow(next, status);
+        if (last) return false;
+        Enter(std::move(next));
+        return true;
+    }
+
+    bool Follow(const Descriptor& link, const struct stat& status) {
+        if (!IsTrusted(status.st_uid) || OthersMayWrite(folder_status_)) return false;
+        if (++links_ > kMostLinks) return false;
+        char target[kRootPathSize];
+        const ssize_t read = readlinkat(link.Get(), "", target, sizeof target);
+        if (read <= 0) return false;
+        const auto length = static_cast<std::size_t>(read);
+        const std::size_t rest_length = std::strlen(rest_);
+        // A target that fills its field may have been cut.
+        if (length + rest_length >= sizeof rest_) return false;
+        std::memmove(rest_ + length, rest_, rest_length + 1);
+        std::memcpy(rest_, target, length);
+        if (rest_[0] == '/') EnterStart();
+        return true;
+    }
+
+    GuardedFile Checked(GuardedFile opened) const {
+        const struct stat& status = opened.status;
+        const bool shared = OthersMayWrite(folder_status_);
+        const bool fine = Look(opened.file, opened.status) && IsWritableKind(status) &&
+                          (IsTrusted(status.st_uid) || (!shared && status.st_nlink == 1)) &&
+                          (!shared || status.st_nlink == 1);
+        if (!fine) opened.file.Close();
+        return opened;
+    }
+
+    char rest_[kRootPathSize];  // begins with a slash behind a folder that was entered
+    Descriptor folder_;         // closed when there is none to go on from
+    struct stat folder_status_ {};
+    int links_ = 0;
+};
+
+}  // namespace
+
+GuardedFile OpenGuarded(const char* path, int flags, mode_t mode) {
+    GuardedFile plain = OpenPlain(path, flags, mode);
+    return plain.file.IsOpen() ? std::move(plain) : Walk(path).Open(flags, mode);
+}
