@@ -75,6 +75,7 @@ constexpr CodeList kCodeLists[] = {
     {"battery_features", &CodeTable::battery_features},
     {"block_bits", &CodeTable::block_bits},
     {"cache_bits", &CodeTable::cache_bits},
+    {"check_types", &CodeTable::check_types},
     {"connections", &CodeTable::connections},
     {"controls", &CodeTable::controls},
     {"devices", &CodeTable::devices},
@@ -86,6 +87,7 @@ constexpr CodeList kCodeLists[] = {
     {"inits", &CodeTable::inits},
     {"link_speeds", &CodeTable::link_speeds},
     {"powers", &CodeTable::powers},
+    {"rebuild_types", &CodeTable::rebuild_types},
     {"remap_reasons", &CodeTable::remap_reasons},
     {"roundings", &CodeTable::roundings},
     {"states", &CodeTable::states},
@@ -102,6 +104,7 @@ CodeTable MakeOwnCodes() {
     table.battery_features = kBatteryFeatureBits;
     table.block_bits = kBlockBits;
     table.cache_bits = kCacheBits;
+    table.check_types = kCheckTypeNames;
     table.connections = kConnectionTypeNames;
     table.controls = kControlActionNames;
     table.devices = kDeviceNames;
@@ -113,6 +116,7 @@ CodeTable MakeOwnCodes() {
     table.inits = kInitNames;
     table.link_speeds = kLinkSpeedNames;
     table.powers = kPowerNames;
+    table.rebuild_types = kRebuildTypeNames;
     table.remap_reasons = kRemapReasonNames;
     table.roundings = kRoundingNames;
     table.states = kStateNames;

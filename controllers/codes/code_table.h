@@ -43,6 +43,7 @@ struct CodeTable {
     std::span<const Named> battery_features{};
     std::span<const Named> block_bits{};
     std::span<const Named> cache_bits{};
+    std::span<const Named> check_types{};
     std::span<const Named> connections{};
     std::span<const Named> controls{};
     std::span<const Named> devices{};
@@ -54,6 +55,7 @@ struct CodeTable {
     std::span<const Named> inits{};
     std::span<const Named> link_speeds{};
     std::span<const Named> powers{};
+    std::span<const Named> rebuild_types{};
     std::span<const Named> remap_reasons{};
     std::span<const Named> roundings{};
     std::span<const Named> states{};

@@ -1,12 +1,19 @@
 // Opening and closing the virtual controller, and its version.
+#include <string_view>
+
 #include "calls/hxsim_session.h"
 #include "hxraid.h"
+#include "model/hxsim_codes.h"
 
 HX_U8 HX_API_Initialize() { return hxsim::Open(); }
 
 void HX_API_Finalize() { hxsim::Close(); }
 
-const char* HX_API_Version() { return HXSIM_VERSION " (virtual controller)"; }
+const char* HX_API_Version() {
+    static constexpr char kVersion[] = HXSIM_VERSION " (virtual controller)";
+    static_assert(std::string_view(kVersion).ends_with(hxcodes::kVirtualController));
+    return kVersion;
+}
 
 // A controller that has not been looked for has not been found: an unopened library has no
 // adapters.

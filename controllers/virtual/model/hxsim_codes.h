@@ -7,6 +7,7 @@
 #include "codes/disk.h"
 #include "codes/enclosure.h"
 #include "codes/flash.h"
+#include "codes/identity.h"
 #include "codes/level.h"
 #include "codes/state.h"
 #include "codes/status.h"

@@ -12,7 +12,6 @@ import os
 import pathlib
 import re
 import signal
-import sys
 import unittest
 
 import vexorctl_machine
@@ -656,12 +655,5 @@ class Completeness(unittest.TestCase):
             self.assertRegex(words, rf"{noun} ?, {verb} ?,", (noun, verb))
 
 
-def main():
-    if len(sys.argv) < 2:
-        sys.exit(__doc__)
-    vexorctl_machine.PROGRAMS = os.path.dirname(os.path.abspath(sys.argv[1]))
-    unittest.main(argv=[sys.argv[0], *sys.argv[2:]], verbosity=2)
-
-
 if __name__ == "__main__":
-    main()
+    vexorctl_machine.run_tests(__name__, "VEXORCTL")

@@ -10,24 +10,19 @@ usage: vexorctl_commands_test.py VEXORCTL CHECK_IN WRITE_MANUAL [--write] [TEST]
 import csv
 import io
 import json
-import os
 import pathlib
-import pty
 import re
-import select
 import shutil
 import signal
 import subprocess
 import sys
-import tempfile
 import time
-import unittest
 import xml.etree.ElementTree
 
 import jsonschema
 
 import vexorctl_machine
-from vexorctl_machine import VexorctlCase
+from vexorctl_machine import VexorctlCase, on_terminal
 
 HERE = pathlib.Path(__file__).resolve().parent
 TREE = HERE.parents[2]
@@ -377,19 +372,8 @@ class Plans(VexorctlCase):
 
 class Terminal(VexorctlCase):
     def on_terminal(self, **more):
-        pid, master = pty.fork()
-        if pid == 0:
-            os.execve(VEXORCTL, [VEXORCTL, "vd", "list", "--columns", "state"],
-                      {**self.environment, **more})
-        said = b""
-        try:
-            while chunk := os.read(master, 4096):
-                said += chunk
-        except OSError:
-            pass
-        os.waitpid(pid, 0)
-        os.close(master)
-        return said
+        return on_terminal([VEXORCTL, "vd", "list", "--columns", "state"],
+                           {**self.environment, **more})[0]
 
     def test_states_are_coloured_on_a_terminal_unless_no_color_says_otherwise(self):
         self.assertIn(b"\x1b[32moptimal\x1b[0m", self.on_terminal())
@@ -603,16 +587,7 @@ class Written(VexorctlCase):
                          {"vexorctl.1"} | {f"vexorctl-{noun}.1" for noun in nouns})
 
 
-def main():
-    global VEXORCTL, CHECK_IN, WRITE_MANUAL, WRITE
-    if len(sys.argv) < 4:
-        sys.exit(__doc__)
-    VEXORCTL, CHECK_IN, WRITE_MANUAL = map(os.path.abspath, sys.argv[1:4])
-    vexorctl_machine.PROGRAMS = os.path.dirname(VEXORCTL)
-    rest = sys.argv[4:]
-    WRITE = "--write" in rest
-    unittest.main(argv=[sys.argv[0], *[word for word in rest if word != "--write"]], verbosity=2)
-
-
 if __name__ == "__main__":
-    main()
+    WRITE = "--write" in sys.argv
+    sys.argv = [word for word in sys.argv if word != "--write"]
+    vexorctl_machine.run_tests(__name__, "VEXORCTL", "CHECK_IN", "WRITE_MANUAL")

@@ -13,6 +13,7 @@ import select
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -20,7 +21,7 @@ import unittest
 TREE = pathlib.Path(__file__).resolve().parents[3]
 VERSION = re.search(r"project\(.* VERSION ([0-9.]+)", (TREE / "CMakeLists.txt").read_text())[1]
 
-# Set by the program that runs the tests: the folder of vexorctl, hxsimctl and check_in.
+# The folder of vexorctl, hxsimctl and check_in: set by run_tests.
 PROGRAMS = ""
 
 
@@ -51,6 +52,46 @@ def interrupt(process):
         time.sleep(0.01)
     process.kill()
     raise AssertionError("the program never caught SIGINT")
+
+
+def on_terminal(words, environment, folder=None, steps=()):
+    """Runs the program on a pseudo-terminal. Each step is a text and what is done, with the process
+    and the terminal, as soon as the text was said.
+
+    Returns all that was said, as bytes, and the exit code.
+    """
+    pid, master = pty.fork()
+    if pid == 0:
+        if folder:
+            os.chdir(folder)
+        os.execve(words[0], words, environment)
+    said = b""
+    end = time.monotonic() + 30
+    for wanted, act in steps:
+        while wanted not in said and time.monotonic() < end:
+            if select.select([master], [], [], 0.2)[0]:
+                said += os.read(master, 4096)
+        act(pid, master)
+    try:
+        while chunk := os.read(master, 4096):
+            said += chunk
+    except OSError:
+        pass
+    _, status = os.waitpid(pid, 0)
+    os.close(master)
+    return said, os.waitstatus_to_exitcode(status)
+
+
+def run_tests(module, *names):
+    """Runs a module's tests. Its first arguments become its globals of these names, as paths; the
+    first of them is vexorctl."""
+    global PROGRAMS
+    if len(sys.argv) <= len(names):
+        sys.exit(sys.modules[module].__doc__)
+    for name, path in zip(names, sys.argv[1:]):
+        setattr(sys.modules[module], name, os.path.abspath(path))
+    PROGRAMS = os.path.dirname(os.path.abspath(sys.argv[1]))
+    unittest.main(module, argv=[sys.argv[0], *sys.argv[1 + len(names):]], verbosity=2)
 
 
 class Machine:
@@ -115,24 +156,11 @@ class VexorctlCase(unittest.TestCase):
 
         Returns all that was said, as bytes, and the exit code.
         """
-        pid, master = pty.fork()
-        if pid == 0:
-            os.chdir(self.root)
-            os.execve(self.vexorctl, [self.vexorctl, *map(str, words)], self.environment)
-        said = b""
-        end = time.monotonic() + 30
-        while (answer is not None or meanwhile) and until not in said and time.monotonic() < end:
-            if select.select([master], [], [], 0.2)[0]:
-                said += os.read(master, 4096)
-        if meanwhile:
-            meanwhile(pid)
-        if answer is not None:
-            os.write(master, answer.encode() + b"\n")
-        try:
-            while chunk := os.read(master, 4096):
-                said += chunk
-        except OSError:
-            pass
-        _, status = os.waitpid(pid, 0)
-        os.close(master)
-        return said, os.waitstatus_to_exitcode(status)
+        def act(pid, master):
+            if meanwhile:
+                meanwhile(pid)
+            if answer is not None:
+                os.write(master, answer.encode() + b"\n")
+
+        steps = [(until, act)] if meanwhile or answer is not None else []
+        return on_terminal([self.vexorctl, *map(str, words)], self.environment, self.root, steps)

@@ -9,19 +9,19 @@ usage: vexorctl_test.py VEXORCTL FAILING_LIBRARY_FOLDER OTHER_CONTROLLER_FOLDER 
 """
 
 import datetime
+import json
 import os
 import pathlib
-import pty
 import re
 import shutil
 import signal
 import subprocess
-import sys
 import tempfile
 import unittest
 
 import vexorctl_machine
-from vexorctl_machine import VERSION, Machine
+from vexorctl_machine import VERSION, Machine, on_terminal
+from vexorctl_script import Script
 
 HERE = pathlib.Path(__file__).resolve().parent
 TREE = HERE.parents[2]
@@ -268,24 +268,18 @@ class Xml(VexorctlTest):
             "vexorctl: HX_API_Version: result did not fit, or there was no memory for it\n",
         )
 
+    def expect_cut(self, status, complaint):
+        cut = f'<X type="function">\n  <RetVal type="U8">{status}</RetVal>\n  <Item>'
+        self.expect(self.answered(cut, "call", "HX_API_Version"), 6, cut + "\n", complaint)
+
     def test_a_result_that_was_cut_is_printed_and_told(self):
-        cut = '<X type="function">\n  <RetVal type="U8">0</RetVal>\n  <Item>'
-        self.expect(
-            self.answered(cut, "call", "HX_API_Version"),
-            6,
-            cut + "\n",
-            "vexorctl: HX_API_Version: result is not well-formed: 3: no element found\n",
-        )
+        self.expect_cut(
+            0, "vexorctl: HX_API_Version: result is not well-formed: 3: no element found\n")
 
     def test_a_refusal_in_a_cut_result_is_told_too(self):
-        cut = '<X type="function">\n  <RetVal type="U8">7</RetVal>\n  <Item>'
-        self.expect(
-            self.answered(cut, "call", "HX_API_Version"),
-            6,
-            cut + "\n",
-            "vexorctl: HX_API_Version: refused: X answered code 7\n"
-            "vexorctl: HX_API_Version: result is not well-formed: 3: no element found\n",
-        )
+        self.expect_cut(
+            7, "vexorctl: HX_API_Version: refused: X answered code 7\n"
+               "vexorctl: HX_API_Version: result is not well-formed: 3: no element found\n")
 
     def test_the_largest_result_is_printed_whole(self):
         run = self.over_failing_library("largest result", "call", "HX_API_Version")
@@ -380,9 +374,10 @@ class Call(VexorctlTest):
             f'Filename="{log}"/></config>',
         )
         self.vexorctl("call", *arguments)
-        text = log.read_bytes().decode()
-        self.assertTrue(text.startswith("XMLCmd = ") and text.endswith("\n"), text)
-        return text[len("XMLCmd = ") : -1]
+        # Of a command that is refused the controller is asked who it is.
+        text = log.read_bytes().decode().split("\nXMLCmd = <HX_API_Version ")[0].rstrip("\n")
+        self.assertTrue(text.startswith("XMLCmd = "), text)
+        return text[len("XMLCmd = "):]
 
     def test_prints_the_result(self):
         run = self.vexorctl("call", "HX_Adapter_GetInfo", "AdapterID=0")
@@ -691,12 +686,13 @@ REBUILDING = (
 
 
 class Waiting(VexorctlTest):
+    def scripted(self, activity):
+        script = Script(self.root / "results")
+        return {**script.environment(FAILING_LIBRARY),
+                "STANDIN_RESULT": REBUILDING.format(activity=activity)}
+
     def environment(self, activity=6):
-        return {
-            **os.environ, "VEXORAPI_ROOT": str(self.root), "STANDIN": "",
-            "STANDIN_RESULT": REBUILDING.format(activity=activity),
-            "LD_LIBRARY_PATH": FAILING_LIBRARY,
-        }
+        return {**os.environ, "VEXORAPI_ROOT": str(self.root), **self.scripted(activity)}
 
     def test_a_wait_that_times_out_ends_with_code_7_and_draws_nothing_in_a_pipe(self):
         self.expect(
@@ -715,55 +711,39 @@ class Waiting(VexorctlTest):
         self.assertEqual((out, process.returncode), (b"", 130))
 
     def test_a_terminal_shows_a_bar(self):
-        pid, master = pty.fork()
-        if pid == 0:
-            os.execve(VEXORCTL, [VEXORCTL, "task", "watch", "--timeout", "1s"], self.environment())
-        said = b""
-        try:
-            while chunk := os.read(master, 4096):
-                said += chunk
-        except OSError:
-            pass
-        _, status = os.waitpid(pid, 0)
-        os.close(master)
+        said, code = on_terminal([VEXORCTL, "task", "watch", "--timeout", "1s"],
+                                 self.environment())
         self.assertIn(b"\r\x1b[Ka0/vd0 rebuild [############..................] 40%", said)
         self.assertTrue(said.endswith(
             b"\r\x1b[Kvexorctl: a0/vd0: the wait timed out; the task goes on\r\n"), said)
-        self.assertEqual(os.waitstatus_to_exitcode(status), 7)
+        self.assertEqual(code, 7)
 
     def test_a_code_without_a_name_is_shown_as_its_number(self):
-        result = REBUILDING.format(activity=99)
-        run = self.answered(result, "task", "list", "--no-header", "--columns", "activity,state")
+        scripted = self.scripted(activity=99)
+        run = self.vexorctl("task", "list", "--no-header", "--columns", "activity,state",
+                            **scripted)
         self.expect(run, 0, "99  running\n", "")
-        run = self.answered(result, "task", "list", "-o", "jsonl", "--columns", "activity")
+        run = self.vexorctl("task", "list", "-o", "jsonl", "--columns", "activity", **scripted)
         self.expect(run, 0, '{"activity":{"code":99,"name":null}}\n', "")
 
 
 class Transfer(VexorctlTest):
-    """An image goes piece by piece to a controller that takes its time."""
+    """An image goes piece by piece to a controller that takes its time, and whose codes stand in a
+    file."""
+
+    def setUp(self):
+        super().setUp()
+        (self.root / "etc/vexorapi").mkdir(parents=True)
+        self.write("etc/vexorapi/codes.json", json.dumps(
+            {"schema": "vexorctl-codes/1", "controller": "another controller library",
+             "images": [{"code": 2, "name": "firmware"}]}))
 
     def update(self, *after):
         (self.root / "image").write_bytes(b"x" * (5 * 32768 + 1))
         arguments = ["flash", "update", "a2", "--image", "firmware", "--file", "image", "--yes"]
-        pid, master = pty.fork()
-        if pid == 0:
-            os.chdir(self.root)
-            os.execve(VEXORCTL, [VEXORCTL, *arguments], {
-                **os.environ, "VEXORAPI_ROOT": str(self.root),
-                "LD_LIBRARY_PATH": OTHER_CONTROLLER})
-        said = b""
-        for wanted, then in after:
-            while wanted not in said:
-                said += os.read(master, 4096)
-            then(pid)
-        try:
-            while chunk := os.read(master, 4096):
-                said += chunk
-        except OSError:
-            pass
-        _, status = os.waitpid(pid, 0)
-        os.close(master)
-        return said, os.waitstatus_to_exitcode(status)
+        return on_terminal([VEXORCTL, *arguments], {
+            **os.environ, "VEXORAPI_ROOT": str(self.root), "LD_LIBRARY_PATH": OTHER_CONTROLLER,
+        }, self.root, after)
 
     def test_a_terminal_shows_how_many_pieces_have_gone(self):
         said, code = self.update()
@@ -774,7 +754,7 @@ class Transfer(VexorctlTest):
         self.assertNotIn(b"\x1b", said.split(b"ADDRESS")[1])
 
     def test_ctrl_c_does_not_cut_an_image_in_half(self):
-        said, code = self.update((b"piece 2", lambda pid: os.kill(pid, signal.SIGINT)))
+        said, code = self.update((b"piece 2", lambda pid, _: os.kill(pid, signal.SIGINT)))
         self.assertIn(b"piece 5 of 6", said)
         self.assertEqual(code, 0)
 
@@ -881,13 +861,5 @@ class Manual(VexorctlTest):
         self.assertEqual(rows, codes)
 
 
-def main():
-    global VEXORCTL, FAILING_LIBRARY, OTHER_CONTROLLER
-    if len(sys.argv) < 4:
-        sys.exit(__doc__)
-    VEXORCTL, FAILING_LIBRARY, OTHER_CONTROLLER = map(os.path.abspath, sys.argv[1:4])
-    unittest.main(argv=[sys.argv[0], *sys.argv[4:]], verbosity=2)
-
-
 if __name__ == "__main__":
-    main()
+    vexorctl_machine.run_tests(__name__, "VEXORCTL", "FAILING_LIBRARY", "OTHER_CONTROLLER")

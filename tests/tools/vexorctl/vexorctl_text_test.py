@@ -9,9 +9,7 @@ import io
 import json
 import os
 import re
-import sys
 import unicodedata
-import unittest
 import xml.etree.ElementTree
 
 import vexorctl_machine
@@ -250,14 +248,5 @@ class HostileNames(vexorctl_machine.VexorctlCase):
                     xml.etree.ElementTree.fromstring(run.stdout)
 
 
-def main():
-    global VEXORCTL
-    if len(sys.argv) < 2:
-        sys.exit(__doc__)
-    VEXORCTL = os.path.abspath(sys.argv[1])
-    vexorctl_machine.PROGRAMS = os.path.dirname(VEXORCTL)
-    unittest.main(argv=[sys.argv[0], *sys.argv[2:]], verbosity=2)
-
-
 if __name__ == "__main__":
-    main()
+    vexorctl_machine.run_tests(__name__, "VEXORCTL")

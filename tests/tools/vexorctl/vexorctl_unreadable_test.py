@@ -6,16 +6,14 @@ usage: vexorctl_unreadable_test.py VEXORCTL SCRIPTED_LIBRARY_FOLDER [TEST]...
 """
 
 import json
-import os
 import re
-import sys
-import unittest
 import xml.etree.ElementTree
 
 import jsonschema
 
 import vexorctl_machine
 from vexorctl_machine import TREE, VexorctlCase
+from vexorctl_script import Script
 
 SCHEMA = json.loads((TREE / "docs" / "vexorctl.schema.json").read_text())
 
@@ -150,18 +148,13 @@ class ManyItems(VexorctlCase):
 
     def setUp(self):
         super().setUp()
-        self.results = self.root / "results"
-        (self.results / "a0").mkdir(parents=True)
-        self.environment.update(
-            LD_LIBRARY_PATH=SCRIPTED_LIBRARY, STANDIN_RESULTS=str(self.results),
-            STANDIN_RESULT='<X type="function"><RetVal type="U8">202</RetVal></X>',
-            STANDIN_LOG=str(self.root / "calls"))
-        (self.results / "HX_Adapter_GetCount").write_text(
-            '<HX_Adapter_GetCount type="function"><RetVal type="U8">1</RetVal>'
-            "</HX_Adapter_GetCount>")
+        self.results = Script(self.root / "results")
+        self.environment.update(self.results.environment(SCRIPTED_LIBRARY),
+                                STANDIN_LOG=str(self.root / "calls"))
 
     def script(self, number, name):
-        (self.results / "a0" / f"HX_LD_GetInfo.{number}").write_text(
+        self.results.item(
+            "HX_LD_GetInfo", number,
             f"<LDInfo><ID>{number}</ID><Status>1</Status><Name><![CDATA[{name}]]></Name></LDInfo>")
 
     def test_the_pages_behind_are_asked_for_and_every_one_left_out_is_told(self):
@@ -179,14 +172,14 @@ class ManyItems(VexorctlCase):
 
     def test_an_item_whose_id_was_not_read_is_told_by_its_index(self):
         self.script(0, "first")
-        (self.results / "a0" / "HX_LD_GetInfo.1").write_text("<LDInfo><ID>1\x01</ID></LDInfo>")
+        self.results.item("HX_LD_GetInfo", 1, "<LDInfo><ID>1\x01</ID></LDInfo>")
         self.script(2, "last")
         run = self.run_words("vd", "list", "--columns", "name", "--no-header")
         self.assertEqual(run.stdout, "first\nlast\n")
         self.assertIn("a0: HX_LD_GetInfo: the item at index 1 was left out: ", run.stderr)
 
     def test_a_list_whose_header_cannot_be_read_ends(self):
-        (self.results / "a0" / "HX_LD_GetInfo").write_text(
+        self.results.whole("HX_LD_GetInfo", 
             '<HX_LD_GetInfo type="function"><RetVal type="U8">0</RetVal><RequestHeader>\x01')
         run = self.run_words("vd", "list", "--no-header")
         self.assertEqual((run.stdout, run.returncode), ("", 1))
@@ -194,14 +187,5 @@ class ManyItems(VexorctlCase):
                                      "line 1: not well-formed (invalid token)\n")
 
 
-def main():
-    global SCRIPTED_LIBRARY
-    if len(sys.argv) < 3:
-        sys.exit(__doc__)
-    SCRIPTED_LIBRARY = os.path.abspath(sys.argv[2])
-    vexorctl_machine.PROGRAMS = os.path.dirname(os.path.abspath(sys.argv[1]))
-    unittest.main(argv=[sys.argv[0], *sys.argv[3:]], verbosity=2)
-
-
 if __name__ == "__main__":
-    main()
+    vexorctl_machine.run_tests(__name__, "VEXORCTL", "SCRIPTED_LIBRARY")

@@ -1,10 +1,28 @@
-// Writes the table of the library's functions and their fields as a C++ source, to standard output.
-// It runs while vexorctl is built: so the table is always what the library's rows say.
+// Writes what the library's rows say of its functions as C++, to standard output, while vexorctl is
+// built: so neither can say anything else than the library does.
+//
+// usage: write_functions table | fields
+//   table   functions.cpp: the functions with their parameters, as data
+//   fields  library_fields.h: a type for each function and each record, with a constant for each
+//           parameter and field
 #include <cstdio>
+#include <cstring>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "describe.h"
 
 namespace {
+
+std::vector<FunctionText> AllFunctions() {
+    std::vector<FunctionText> functions = DescribeFunctions();
+    for (FunctionText& function : DescribeManagement()) functions.push_back(std::move(function));
+    return functions;
+}
+
+// ---- The table --------------------------------------------------------------------------------
 
 const char* KindName(Child::Kind kind) {
     switch (kind) {
@@ -20,15 +38,18 @@ const char* KindName(Child::Kind kind) {
     return "";
 }
 
-}  // namespace
+// HX_API_Version's RetVal is a text.
+bool HasStatus(const FunctionText& function) {
+    for (const Element& element : function.elements) {
+        if (element.name == "RetVal") return element.type != "string";
+    }
+    return false;
+}
 
-int main() {
-    std::vector<FunctionText> functions = DescribeFunctions();
-    for (FunctionText& function : DescribeManagement()) functions.push_back(std::move(function));
+void WriteTable(const std::vector<FunctionText>& functions) {
     std::puts(
-        "#include \"model/library_functions.h\"\n\nnamespace vexorctl {\n\nnamespace {\n\nusing "
-        "enum FieldRow::Kind;\n\n"
-        "constexpr FieldRow kFields[] = {");
+        "#include \"model/library_functions.h\"\n\nnamespace vexorctl {\n\nnamespace {\n\n"
+        "using enum FieldRow::Kind;\n\nconstexpr FieldRow kFields[] = {");
     for (const FunctionText& function : functions) {
         for (const Child& child : function.children) {
             std::printf("    {\"%s\", %s, %u, %zu},\n", child.name.c_str(), KindName(child.kind),
@@ -38,8 +59,8 @@ int main() {
     std::puts("};\n\nconstexpr FunctionRow kFunctions[] = {");
     std::size_t first = 0;
     for (const FunctionText& function : functions) {
-        std::printf("    {\"%s\", {kFields + %zu, %zu}},\n", function.name.c_str(), first,
-                    function.children.size());
+        std::printf("    {\"%s\", {kFields + %zu, %zu}, %s},\n", function.name.c_str(), first,
+                    function.children.size(), HasStatus(function) ? "true" : "false");
         first += function.children.size();
     }
     std::puts(
@@ -51,5 +72,115 @@ int main() {
         "    }\n"
         "    return nullptr;\n"
         "}\n\n}  // namespace vexorctl");
+}
+
+// ---- The fields -------------------------------------------------------------------------------
+
+// "LD_Info" of "struct LD_Info".
+std::string RecordName(const Element& element) {
+    return element.type.substr(std::strlen("struct "));
+}
+
+// A member may not be called as its class.
+std::string MemberName(const std::string& name, std::string_view owner) {
+    return name == owner ? name + "_" : name;
+}
+
+std::string FieldType(const Element& element, const std::string& owner) {
+    switch (element.kind) {
+        case Element::Kind::Scalar:
+            return (element.type == "string" ? "TextField<" : "NumberField<") + owner + ">";
+        case Element::Kind::Hex:
+            return "TextField<" + owner + ">";
+        case Element::Kind::Array:
+        case Element::Kind::Bytes:
+        case Element::Kind::Ports:
+            return "NumbersField<" + owner + ">";
+        case Element::Kind::Record:
+            return (element.repeats ? "ListField<" : "RecordField<") + owner +
+                   ", fields::" + RecordName(element) + ">";
+    }
+    return {};
+}
+
+void WriteField(const Element& element, const std::string& owner, const char* indent) {
+    const std::string type = FieldType(element, owner);
+    const std::string member = MemberName(element.name, owner);
+    if (element.kind != Element::Kind::Ports) {
+        std::printf("%sstatic constexpr %s %s{\"%s\"};\n", indent, type.c_str(), member.c_str(),
+                    element.name.c_str());
+        return;
+    }
+    for (std::size_t port = 0; port < element.width; ++port) {
+        std::printf("%sstatic constexpr %s %s%zu{\"%s%zu\"};\n", indent, type.c_str(),
+                    member.c_str(), port, element.name.c_str(), port);
+    }
+}
+
+// Records of one name have their fields together; the inner ones come first.
+struct Records {
+    std::vector<std::string> order;
+    std::map<std::string, std::vector<Element>> fields;
+
+    void Add(const std::vector<Element>& elements) {
+        for (const Element& element : elements) {
+            if (element.kind != Element::Kind::Record) continue;
+            Add(element.children);
+            const std::string name = RecordName(element);
+            if (!fields.contains(name)) order.push_back(name);
+            for (const Element& child : element.children) AddField(fields[name], child);
+        }
+    }
+
+private:
+    static void AddField(std::vector<Element>& known, const Element& field) {
+        for (const Element& each : known) {
+            if (each.name == field.name) return;
+        }
+        known.push_back(field);
+    }
+};
+
+void WriteFields(const std::vector<FunctionText>& functions) {
+    std::puts(
+        "// Written by write_functions while building, from the library's rows.\n#pragma once\n\n"
+        "#include <string_view>\n\n#include \"model/library_record.h\"\n\n"
+        "namespace vexorctl::fields {\n");
+    Records records;
+    for (const FunctionText& function : functions) records.Add(function.elements);
+    for (const std::string& name : records.order) std::printf("struct %s;\n", name.c_str());
+    for (const std::string& name : records.order) {
+        std::printf("\nstruct %s {\n", name.c_str());
+        for (const Element& field : records.fields[name]) WriteField(field, name, "    ");
+        std::puts("};");
+    }
+    std::puts("\n}  // namespace vexorctl::fields\n\nnamespace vexorctl::calls {");
+    for (const FunctionText& function : functions) {
+        const std::string& name = function.name;
+        std::printf("\nstruct %s {\n    static constexpr std::string_view kName = \"%s\";\n",
+                    name.c_str(), name.c_str());
+        for (const Child& child : function.children) {
+            std::printf("    static constexpr Parameter<%s> %s{\"%s\"};\n", name.c_str(),
+                        MemberName(child.name, name).c_str(), child.name.c_str());
+        }
+        std::printf("    struct Result {\n        using Function = %s;\n", name.c_str());
+        for (const Element& element : function.elements) WriteField(element, "Result", "        ");
+        std::puts("    };\n};");
+    }
+    std::puts("\n}  // namespace vexorctl::calls");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::string_view what = argc == 2 ? argv[1] : "";
+    if (what == "table") {
+        WriteTable(AllFunctions());
+    } else if (what == "fields") {
+        WriteFields(AllFunctions());
+    } else {
+        std::fputs("usage: write_functions table | fields\n", stderr);
+        return 2;
+    }
     return std::fflush(stdout) == 0 ? 0 : 1;
 }

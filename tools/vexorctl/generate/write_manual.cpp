@@ -1,13 +1,14 @@
 // Writes what is made from the command tree but is no part of the program: the manual pages, the
-// JSON schema and the table of functions in docs/vexorctl.md.
+// JSON schemas and the table of functions in docs/vexorctl.md.
 //
-// usage: write_manual schema | functions | man FOLDER
+// usage: write_manual schema | codes-schema | functions | man FOLDER
 #include <cstdio>
 #include <fstream>
 #include <map>
 #include <string>
 
 #include "generate/json_schema.h"
+#include "model/codes_file.h"
 #include "model/exit_code.h"
 #include "model/library_functions.h"
 #include "nouns/nouns.h"
@@ -24,13 +25,9 @@ std::string FunctionTable() {
     std::map<std::string, std::string, std::less<>> commands;
     for (const NounRow& noun : Nouns()) {
         for (const CommandRow& command : noun.commands) {
-            std::string_view words = command.functions;
-            while (!words.empty()) {
-                const std::size_t blank = words.find(' ');
-                std::string& list = commands[std::string(words.substr(0, blank))];
+            for (const std::string_view function : command.functions) {
+                std::string& list = commands[std::string(function)];
                 list.append(list.empty() ? "`" : ", `").append(command.Name()).append("`");
-                words =
-                    blank == std::string_view::npos ? std::string_view() : words.substr(blank + 1);
             }
         }
     }
@@ -120,14 +117,16 @@ bool WritePages(const std::string& folder) {
 
 int main(int argc, char** argv) {
     const std::string what = argc > 1 ? argv[1] : "";
-    if (what == "schema" && argc == 2) {
+    if (what == "codes-schema" && argc == 2) {
+        std::puts(vexorctl::CodesFileSchema().c_str());
+    } else if (what == "schema" && argc == 2) {
         std::puts(vexorctl::JsonSchema(vexorctl::Nouns()).c_str());
     } else if (what == "functions" && argc == 2) {
         std::fputs(vexorctl::FunctionTable().c_str(), stdout);
     } else if (what == "man" && argc == 3) {
         if (!vexorctl::WritePages(argv[2])) return 1;
     } else {
-        std::fputs("usage: write_manual schema | functions | man FOLDER\n", stderr);
+        std::fputs("usage: write_manual schema | codes-schema | functions | man FOLDER\n", stderr);
         return 2;
     }
     return std::fflush(stdout) == 0 ? 0 : 1;

@@ -1,24 +1,24 @@
 #include "model/adapters.h"
 
-#include <optional>
 #include <string>
 #include <utility>
+
+#include "model/library_record.h"
 
 namespace vexorctl {
 
 std::vector<Adapter> LoadAdapters(Controller& controller) {
+    using Info = calls::HX_Adapter_GetInfo;
+    using Config = calls::HX_Adapter_GetConfig;
     std::vector<Adapter> adapters;
     for (const unsigned number : controller.Selected()) {
-        Adapter adapter{{.adapter = number}, {}, {}};
+        Adapter adapter{.address = {.adapter = number}, .info = {}, .config = {}};
         const std::string address = adapter.address.Text();
-        const Fields fields{{"AdapterID", std::to_string(number)}};
-        const std::optional<Value> info = controller.Get(address, {"HX_Adapter_GetInfo", fields});
+        const auto info = controller.Get(address, Request<Info>{{Info::AdapterID, number}});
         if (!info) continue;
-        if (const Value* const record = info->Find("AdapterInfo")) adapter.info = *record;
-        const auto config = controller.Get(address, {"HX_Adapter_GetConfig", fields});
-        if (config && config->Find("AdapterInfo") != nullptr) {
-            adapter.config = *config->Find("AdapterInfo");
-        }
+        adapter.info = First((*info)[Info::Result::AdapterInfo]);
+        const auto config = controller.Get(address, Request<Config>{{Config::AdapterID, number}});
+        if (config) adapter.config = First((*config)[Config::Result::AdapterInfo]);
         adapters.push_back(std::move(adapter));
     }
     return adapters;

@@ -4,19 +4,20 @@
 #include <vector>
 
 #include "common/address.h"
+#include "library_fields.h"
 #include "model/ask_controller.h"
-#include "model/result_tree.h"
+#include "model/library_record.h"
 
 namespace vexorctl {
 
-// A record that could not be had is empty: its fields are unknown.
 struct Adapter {
     Address address;
-    Value info;
-    Value config;
+    Record<fields::Adapter_Info> info;
+    Record<fields::Adapter_Config_V2> config;
 };
 
-/// Those on the adapters that the controller has selected. What cannot be read is noted as a fault.
+/// Those that the controller has selected. What cannot be read is noted as a fault; an adapter
+/// whose own record cannot be read is left out.
 std::vector<Adapter> LoadAdapters(Controller& controller);
 
 }  // namespace vexorctl

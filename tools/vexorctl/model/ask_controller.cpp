@@ -2,8 +2,9 @@
 
 #include <algorithm>
 
-#include "codes/status.h"
+#include "library_fields.h"
 #include "model/failure.h"
+#include "model/library_functions.h"
 #include "model/xml_text.h"
 
 namespace vexorctl {
@@ -13,90 +14,82 @@ namespace {
 // The library takes up to 32767 at a time; this many of the largest record fill half a result.
 constexpr unsigned kPage = 128;
 constexpr std::uint64_t kListComplete = 65535;
+constexpr std::uint64_t kByIndex = 1;
+
+// Every result with a status has it under one name.
+constexpr std::string_view kStatus = calls::HX_AdapterMute::Result::RetVal.name;
 
 // In these functions' results RetVal is a number, but a count and a constant instead of a status.
 constexpr std::string_view kRetValIsNoStatus[] = {
-    "HX_Adapter_GetCount",
-    "VX_HX_EVT_GetChangeCounters",
+    calls::HX_Adapter_GetCount::kName,
+    calls::VX_HX_EVT_GetChangeCounters::kName,
 };
 
-Exit ExitOf(std::uint64_t status) {
-    switch (status) {
-        case 0:
-            return Exit::kDone;
-        case hxcodes::Status::kNotInitialized:
-        case hxcodes::Status::kNoState:
-        case hxcodes::Status::kNoMemory:
-            return Exit::kUnavailable;
-        case hxcodes::Status::kNoAdapter:
-        case hxcodes::Status::kNoDisk:
-        case hxcodes::Status::kNoBlock:
-        case hxcodes::Status::kNoVirtualDisk:
-        case hxcodes::Status::kNoDiskGroup:
-        case hxcodes::Status::kNoEnclosure:
-        case hxcodes::Status::kNoExpander:
-        case hxcodes::Status::kNoPortMultiplier:
-        case hxcodes::Status::kNoBattery:
-            return Exit::kNoObject;
-        default:
-            return Exit::kRefused;
+// The head of a list, which all of them have alike.
+using ListHead = calls::HX_LD_GetInfo;
+
+std::optional<std::string> CountersText(Controller& controller) {
+    using Function = calls::VX_HX_EVT_GetChangeCounters;
+    const auto answer = controller.Ask(Request<Function>{});
+    const Value* const counters = answer.result.Find(Function::Result::ChangeCounters.name);
+    if (answer.exit != Exit::kDone || counters == nullptr || counters->children.empty()) {
+        return std::nullopt;
     }
-}
-
-// What an adapter simply does not have is nothing to complain about when nobody asked for it.
-bool IsAbsence(std::uint64_t status) {
-    return status == hxcodes::Status::kNotSupported || status == hxcodes::Status::kNoBattery;
-}
-
-std::string CountersText(const Answer& answer) {
     std::string text;
-    const Value* const counters = answer.result.Find("ChangeCounters");
-    if (counters == nullptr) return text;
     for (const Value& counter : counters->children) text += counter.text + " ";
     return text;
 }
 
 }  // namespace
 
-std::uint64_t StatusOf(const Value& result) {
-    const Value* const status = result.Find("RetVal");
-    if (status == nullptr || status->type == "string") return 0;
+std::optional<std::uint64_t> StatusOf(const Value& result) {
     if (std::ranges::find(kRetValIsNoStatus, result.name) != std::end(kRetValIsNoStatus)) return 0;
-    return result.Number("RetVal");
+    const Value* const status = result.Find(kStatus);
+    if (status != nullptr) return status->type == "string" ? 0 : status->Number();
+    const FunctionRow* const function = FindFunction(result.name);
+    if (function != nullptr && function->has_status) return std::nullopt;
+    return 0;
 }
 
 std::string CommandText(const Command& command) {
     std::string text = "<";
     text.append(command.function).append(" type=\"function\">");
-    for (const auto& [name, value] : command.fields) AppendXmlElement(text, name, value);
+    for (const auto& [name, value] : command.values) AppendXmlElement(text, name, value);
     return text.append("</").append(command.function).append(">");
 }
 
-Fault FaultOf(const Command& command, const Answer& answer) {
-    const hxcodes::StatusRow* const refusal =
-        hxcodes::FindCode(hxcodes::kRefusals, static_cast<HX_U32>(answer.status));
-    return {.function = std::string(command.function),
-            .code = answer.status,
-            .name = refusal == nullptr ? std::string() : std::string(refusal->name),
-            .message = answer.complaint};
-}
-
-std::string RefusalText(std::uint64_t status) {
-    const hxcodes::StatusRow* const refusal =
-        hxcodes::FindCode(hxcodes::kRefusals, static_cast<HX_U32>(status));
-    if (refusal == nullptr) return "code " + std::to_string(status);
-    return std::string(refusal->sentence) + " (" + std::string(refusal->name) + ", code " +
-           std::to_string(status) + ")";
-}
-
-Session& Controller::Opened() {
+Session& Controller::session() {
     if (!session_) session_.emplace();
     return *session_;
 }
 
+void Controller::UseCodesFile(std::string path) {
+    codes_path_ = std::move(path);
+    codes();
+}
+
+const ControllerCodes& Controller::codes() {
+    if (!codes_) {
+        using Function = calls::HX_API_Version;
+        codes_.emplace();  // for what this very question is answered with
+        const auto answer = Ask(Request<Function>{});
+        const auto identity = answer[Function::Result::RetVal];
+        codes_.emplace(answer.exit == Exit::kDone ? identity.value_or("") : "", codes_path_);
+    }
+    return *codes_;
+}
+
+Fault Controller::FaultOf(const Command& command, const Answer& answer) {
+    return {.function = std::string(command.function),
+            .code = answer.status,
+            .name = answer.status == 0 ? std::string()
+                                       : std::string(codes().NameOfRefusal(answer.status)),
+            .message = answer.complaint};
+}
+
 Answer Controller::Ask(const Command& command) {
     const std::string text = CommandText(command);
-    const Reply reply = Opened().Send(text);
+    const Reply reply = session().Send(text);
     Answer answer;
     switch (reply.outcome) {
         case Outcome::kNotParsed:
@@ -115,15 +108,19 @@ Answer Controller::Ask(const Command& command) {
             break;
     }
     ParsedResult parsed = ParseResult(reply.result);
+    const std::optional<std::uint64_t> status = StatusOf(parsed.root);
+    answer.status = status.value_or(0);
     answer.result = std::move(parsed.root);
-    answer.status = StatusOf(answer.result);
     if (answer.status != 0) {
-        answer.exit = ExitOf(answer.status);
-        answer.complaint = "refused: " + RefusalText(answer.status);
+        answer.exit = codes().ExitOf(answer.status);
+        answer.complaint = "refused: " + codes().RefusalText(answer.status);
     } else if (!parsed.well_formed) {
         answer.exit = Exit::kUndelivered;
         answer.complaint = "the result is not well-formed: line " + std::to_string(parsed.line) +
                            ": " + parsed.reason;
+    } else if (!status) {
+        answer.exit = Exit::kUndelivered;
+        answer.complaint = "the result does not say whether it was done: it has no RetVal";
     }
     return answer;
 }
@@ -135,87 +132,97 @@ void Controller::Note(Fault fault, Exit exit) {
 
 void Controller::NoteAnswer(std::string_view address, std::string_view function,
                             const Answer& answer) {
-    if (!chosen_ && IsAbsence(answer.status)) return;
-    Fault fault = FaultOf({function, {}}, answer);
+    if (!chosen_ && codes().IsAbsence(answer.status)) return;
+    Fault fault = FaultOf({function}, answer);
     fault.address = address;
     Note(std::move(fault), answer.exit == Exit::kUnavailable ? answer.exit : Exit::kRefused);
 }
 
-std::optional<Value> Controller::Get(std::string_view address, const Command& command) {
-    Answer answer = Ask(command);
-    if (answer.exit == Exit::kDone) return std::move(answer.result);
-    NoteAnswer(address, command.function, answer);
-    return std::nullopt;
-}
-
-// The text is only half read where parsing ended, so the ID is told where it was whole.
-void Controller::NoteUnreadable(std::string_view address, const ListSource& source,
-                                std::uint64_t index, const Answer& answer) {
-    std::string message = "the item at index " + std::to_string(index);
-    const Value* const item = answer.result.Find(source.item);
-    const std::string id = item == nullptr ? std::string() : item->Text(source.id);
-    if (!id.empty()) message += " (ID " + id + ")";
+void Controller::NoteLeftOut(std::string_view address, std::string_view function,
+                             const std::string& item, const std::string& reason) {
     Note({.address = std::string(address),
-          .function = std::string(source.function),
+          .function = std::string(function),
           .name = "unreadable",
-          .message = message + " was left out: " + answer.complaint},
+          .message = "the item at " + item + " was left out: " + reason},
          Exit::kRefused);
 }
 
-std::vector<Value> Controller::List(unsigned adapter, const ListSource& source) {
+Controller::RawList Controller::ReadRawList(unsigned adapter, std::string_view function,
+                                            std::string_view item, const IdReader& id_of) {
     const std::string address = "a" + std::to_string(adapter);
-    std::vector<Value> items;
+    RawList list;
     std::uint64_t index = 0;
     unsigned page = kPage;
     while (index != kListComplete) {
-        const Command command{source.function,
-                              {{"AdapterID", std::to_string(adapter)},
-                               {"requestType", "1"},
-                               {"startingIndexOrId", std::to_string(index)},
-                               {"numRequested", std::to_string(page)}}};
-        Answer answer = Ask(command);
+        Answer answer = Ask({function,
+                             {{ListHead::AdapterID.name, std::to_string(adapter)},
+                              {ListHead::requestType.name, std::to_string(kByIndex)},
+                              {ListHead::startingIndexOrId.name, std::to_string(index)},
+                              {ListHead::numRequested.name, std::to_string(page)}}});
         // Whether a page was cut shows only when it is parsed; a smaller one may fit, or may be
         // clear of an item that cannot be parsed.
         if (answer.exit == Exit::kUndelivered && page > 1) {
             page /= 2;
             continue;
         }
-        const std::uint64_t next = answer.result.Number("RequestHeader/nextStartingIndex");
+        const View<ListHead::Result> result(&answer.result, Presence::kThere);
+        const std::uint64_t next =
+            result[ListHead::Result::RequestHeader][fields::RequestHeader::nextStartingIndex]
+                .value_or(0);
         // The header stands before the items: when it was read, the item alone is at fault.
-        const bool item_is_unreadable = answer.exit == Exit::kUndelivered && next > index;
-        if (item_is_unreadable) {
-            NoteUnreadable(address, source, index, answer);
+        if (answer.exit == Exit::kUndelivered && next > index) {
+            const Value* const broken = answer.result.Find(item);
+            const auto id = broken == nullptr ? std::nullopt : id_of(*broken);
+            NoteLeftOut(address, function,
+                        "index " + std::to_string(index) +
+                            (id ? " (ID " + std::to_string(*id) + ")" : std::string()),
+                        answer.complaint);
+            list.presence = Presence::kUnknown;
             page = kPage;
         } else if (answer.exit != Exit::kDone) {
-            NoteAnswer(address, source.function, answer);
+            NoteAnswer(address, function, answer);
+            list.presence = codes().IsAbsence(answer.status) && index == 0 ? Presence::kNotOffered
+                                                                           : Presence::kUnknown;
             break;
-        } else {
-            for (Value& each : answer.result.children) {
-                if (each.name == source.item) items.push_back(std::move(each));
+        }
+        std::uint64_t at = index;
+        for (Value& each : answer.result.children) {
+            if (answer.exit != Exit::kDone || each.name != item) continue;
+            if (const auto id = id_of(each)) {
+                list.items.emplace_back(*id, std::move(each));
+            } else {
+                NoteLeftOut(address, function, "index " + std::to_string(at), "it has no ID");
+                list.presence = Presence::kUnknown;
             }
+            ++at;
         }
         if (next <= index) {
             Note({.address = address,
-                  .function = std::string(source.function),
+                  .function = std::string(function),
                   .message = "the list does not go on behind index " + std::to_string(index)},
                  Exit::kRefused);
+            list.presence = Presence::kUnknown;
             break;
         }
         index = next;
     }
-    return items;
+    return list;
 }
 
 const std::vector<unsigned>& Controller::Adapters() {
     if (!adapters_) {
-        const Answer answer = Ask({"HX_Adapter_GetCount", {}});
-        if (answer.exit != Exit::kDone) {
+        using Function = calls::HX_Adapter_GetCount;
+        const auto answer = Ask(Request<Function>{});
+        const auto count = answer[Function::Result::RetVal];
+        if (answer.exit != Exit::kDone || !count) {
             throw Failure(Exit::kUnavailable,
-                          "the controller cannot be asked: " + answer.complaint);
+                          "the controller cannot be asked: " +
+                              (answer.exit == Exit::kDone ? "it does not tell its adapters"
+                                                          : answer.complaint));
         }
         adapters_.emplace();
-        const std::uint64_t count = std::min<std::uint64_t>(answer.result.Number("RetVal"), 255);
-        for (unsigned adapter = 0; adapter < count; ++adapter) adapters_->push_back(adapter);
+        const std::uint64_t most = std::min<std::uint64_t>(*count, 255);
+        for (unsigned adapter = 0; adapter < most; ++adapter) adapters_->push_back(adapter);
     }
     return *adapters_;
 }
@@ -241,11 +248,12 @@ void Controller::Select(const std::vector<unsigned>& adapters) {
 }
 
 void Controller::RememberCounters() {
-    counters_ = CountersText(Ask({"VX_HX_EVT_GetChangeCounters", {}}));
+    counters_ = CountersText(*this);
+    are_counters_remembered_ = true;
 }
 
 bool Controller::CountersStand() {
-    return !counters_ || *counters_ == CountersText(Ask({"VX_HX_EVT_GetChangeCounters", {}}));
+    return !are_counters_remembered_ || (counters_ && counters_ == CountersText(*this));
 }
 
 }  // namespace vexorctl

@@ -2,34 +2,50 @@
 // beside what was found.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
+#include <functional>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "model/controller_codes.h"
 #include "model/exit_code.h"
 #include "model/fault.h"
+#include "model/library_record.h"
 #include "model/library_session.h"
 #include "model/result_tree.h"
 
 namespace vexorctl {
 
-/// A request's children, in order.
-using Fields = std::vector<std::pair<std::string_view, std::string>>;
-
+/// A command: the function, and its parameters with their values, in order.
 struct Command {
     std::string_view function;
-    Fields fields;
+    std::vector<std::pair<std::string_view, std::string>> values{};
 };
 
-/// A paged list of the library: its function, the element of one item, and the path of the field
-/// that holds an item's ID.
-struct ListSource {
-    std::string_view function;
-    std::string_view item;
-    std::string_view id;
+/// One parameter of function F with its value.
+template <class F>
+struct Argument {
+    Argument(Parameter<F> parameter, std::string text)
+        : name(parameter.name), value(std::move(text)) {}
+    Argument(Parameter<F> parameter, std::integral auto number)
+        : name(parameter.name), value(std::to_string(number)) {}
+    std::string_view name;
+    std::string value;
+};
+
+/// A command for function F, which takes F's own parameters only.
+template <class F>
+struct Request : Command {
+    Request(std::initializer_list<Argument<F>> arguments = {}) {
+        function = F::kName;
+        for (const Argument<F>& argument : arguments) Add(argument);
+    }
+    void Add(const Argument<F>& argument) { values.emplace_back(argument.name, argument.value); }
 };
 
 /// The command's text, as it is sent.
@@ -42,30 +58,108 @@ struct Answer {
     std::string complaint;  // why it is not kDone, as a sentence
 };
 
-/// What went wrong, as documents tell it: the function, the code and its name.
-Fault FaultOf(const Command& command, const Answer& answer);
+/// The answer of function F.
+template <class F>
+struct AnswerTo : Answer {
+    View<typename F::Result> view() const { return {&result, Presence::kThere}; }
+    template <class Field>
+    auto operator[](Field field) const {
+        return view()[field];
+    }
+};
 
-/// The result's RetVal; 0 where it is a text, a count or a constant instead of a status.
-std::uint64_t StatusOf(const Value& result);
+/// The result's RetVal: 0 where it is a text, a count or a constant instead of a status, and where
+/// the function answers none; null where a status should be and is not.
+std::optional<std::uint64_t> StatusOf(const Value& result);
 
-/// "The adapter has no disk with that ID. (no_disk, code 205)"; "code 77" where it has no name.
-std::string RefusalText(std::uint64_t status);
+/// A paged list of the library: its function, the element of one item, and how an item's ID is
+/// read.
+template <class Item>
+struct ListSource {
+    std::string_view function;
+    std::string_view item;
+    std::optional<std::uint64_t> (*id)(const View<Item>&);
+};
+
+template <class Result, class Item>
+constexpr ListSource<Item> ListOf(ListField<Result, Item> items,
+                                  std::optional<std::uint64_t> (*id)(const View<Item>&)) {
+    return {Result::Function::kName, items.name, id};
+}
+
+/// An item of a list with its ID.
+template <class Item>
+struct Listed {
+    std::uint64_t id;
+    Record<Item> record;
+};
+
+/// What was read of a list.
+template <class Item>
+struct List {
+    std::vector<Listed<Item>> items;
+    Presence presence = Presence::kThere;  // kUnknown when it is not whole
+
+    /// The item of that ID, which is taken out of the list; when it has none, a record that says
+    /// why: of a list that is whole it should have been there.
+    Record<Item> Take(std::uint64_t id) {
+        for (Listed<Item>& each : items) {
+            if (each.id == id && each.record.IsThere()) return std::move(each.record);
+        }
+        return Record<Item>(presence == Presence::kNotOffered ? presence : Presence::kUnknown);
+    }
+};
 
 class Controller {
 public:
     Controller() = default;
 
+    /// Takes the codes of a controller that is not ours from this file, which is read at once.
+    void UseCodesFile(std::string path);
+
+    /// What the codes of the controller mean. Throws Failure and Unavailable for a file of codes
+    /// that cannot be used.
+    const ControllerCodes& codes();
+
+    /// The library, which is initialised by the first call.
+    Session& session();
+
     /// Sends one command and reads its result. Never throws for what the controller says.
     Answer Ask(const Command& command);
+    template <class F>
+    AnswerTo<F> Ask(const Request<F>& request) {
+        return {Ask(static_cast<const Command&>(request))};
+    }
 
     /// Like Ask, but a failure is noted as a fault of `address` and null is returned.
-    std::optional<Value> Get(std::string_view address, const Command& command);
+    template <class F>
+    std::optional<AnswerTo<F>> Get(std::string_view address, const Request<F>& request) {
+        AnswerTo<F> answer = Ask(request);
+        if (answer.exit == Exit::kDone) return answer;
+        NoteAnswer(address, F::kName, answer);
+        return std::nullopt;
+    }
+
+    /// What went wrong, as documents tell it: the function, the code and its name.
+    Fault FaultOf(const Command& command, const Answer& answer);
 
     /// All items of a paged list, in the order of the controller. A page that did not fit or cannot
     /// be parsed is asked for again in smaller ones, down to single items. An item that cannot be
-    /// parsed even so is left out and noted as a fault, and the list goes on behind it. Any other
-    /// failure is noted too and ends the list.
-    std::vector<Value> List(unsigned adapter, const ListSource& source);
+    /// parsed even so, or that has no ID, is left out and noted as a fault, and the list goes on
+    /// behind it. Any other failure is noted too and ends the list.
+    template <class Item>
+    List<Item> ReadList(unsigned adapter, const ListSource<Item>& source) {
+        List<Item> list;
+        const auto id_of = [&](const Value& item) {
+            return source.id(View<Item>(&item, Presence::kThere));
+        };
+        RawList raw = ReadRawList(adapter, source.function, source.item, id_of);
+        list.presence = raw.presence;
+        for (auto& [id, value] : raw.items) {
+            list.items.push_back({id, Record<Item>(std::move(value))});
+        }
+        return list;
+    }
 
     /// The numbers of the adapters there are.
     const std::vector<unsigned>& Adapters();
@@ -77,6 +171,7 @@ public:
     void Select(const std::vector<unsigned>& adapters);
 
     /// Remembers the change counters as they are; CountersStand tells whether they still are so.
+    /// Counters that could not be read do not stand.
     void RememberCounters();
     bool CountersStand();
 
@@ -87,15 +182,25 @@ public:
     Exit exit() const { return exit_; }
 
 private:
-    Session& Opened();
+    struct RawList {
+        std::vector<std::pair<std::uint64_t, Value>> items;
+        Presence presence = Presence::kThere;
+    };
+    using IdReader = std::function<std::optional<std::uint64_t>(const Value&)>;
+
+    RawList ReadRawList(unsigned adapter, std::string_view function, std::string_view item,
+                        const IdReader& id_of);
     void NoteAnswer(std::string_view address, std::string_view function, const Answer& answer);
-    void NoteUnreadable(std::string_view address, const ListSource& source, std::uint64_t index,
-                        const Answer& answer);
+    void NoteLeftOut(std::string_view address, std::string_view function, const std::string& item,
+                     const std::string& reason);
 
     std::optional<Session> session_;
+    std::optional<std::string> codes_path_;
+    std::optional<ControllerCodes> codes_;
     std::optional<std::vector<unsigned>> adapters_;
     std::optional<std::vector<unsigned>> selected_;
     std::optional<std::string> counters_;
+    bool are_counters_remembered_ = false;
     bool chosen_ = false;  // by the user: then a function that an adapter lacks is a fault
     std::vector<Fault> faults_;
     Exit exit_ = Exit::kDone;

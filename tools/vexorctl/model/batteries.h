@@ -4,18 +4,18 @@
 #include <vector>
 
 #include "common/address.h"
+#include "library_fields.h"
 #include "model/ask_controller.h"
-#include "model/result_tree.h"
+#include "model/library_record.h"
 
 namespace vexorctl {
 
-// A record that could not be had is empty: its fields are unknown.
 struct Battery {
     Address address;  // the adapter's
-    Value info;
+    Record<fields::BBU_Info> info;
 };
 
-/// Those on the adapters that the controller has selected. What cannot be read is noted as a fault.
+/// Those of the adapters that the controller has selected. What cannot be read is noted as a fault.
 std::vector<Battery> LoadBatteries(Controller& controller);
 
 }  // namespace vexorctl

@@ -1,20 +1,30 @@
 // The disk groups, with their settings.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "common/address.h"
+#include "library_fields.h"
 #include "model/ask_controller.h"
-#include "model/result_tree.h"
+#include "model/library_record.h"
 
 namespace vexorctl {
 
-// A record that could not be had is empty: its fields are unknown.
 struct DiskGroup {
     Address address;
-    Value info;
-    Value config;
+    Record<fields::DG_Info> info;
+    Record<fields::DG_Config> config;
 };
+
+inline constexpr ListSource kDiskGroupList = ListOf(
+    calls::HX_DG_GetInfo::Result::DG_Info,
+    +[](const View<fields::DG_Info>& group) { return group[fields::DG_Info::DGID]; });
+
+/// The disks of a group, and its spares; null when they are not known.
+std::optional<std::vector<std::uint64_t>> DisksOf(const View<fields::DG_Info>& group);
+std::optional<std::vector<std::uint64_t>> SparesOf(const View<fields::DG_Info>& group);
 
 /// Those on the adapters that the controller has selected. What cannot be read is noted as a fault.
 std::vector<DiskGroup> LoadDiskGroups(Controller& controller);

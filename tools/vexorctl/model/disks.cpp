@@ -3,82 +3,131 @@
 #include <algorithm>
 #include <map>
 #include <span>
-#include <string>
 #include <utility>
 
 #include "codes/disk.h"
+#include "codes/named.h"
+#include "model/controller_codes.h"
+#include "model/disk_groups.h"
+#include "model/enclosures.h"
+#include "model/library_record.h"
 
 namespace vexorctl {
 
 namespace {
 
-// What the controller tells of disks in lists of their own, by the disks' numbers.
-std::map<std::uint64_t, Value> ByDisk(Controller& controller, unsigned adapter,
-                                      const ListSource& source) {
-    std::map<std::uint64_t, Value> records;
-    for (Value& record : controller.List(adapter, source)) {
-        const std::uint64_t number = record.Number(source.id);
-        records.insert_or_assign(number, std::move(record));
+constexpr ListSource kDiskList =
+    ListOf(calls::HX_PD_GetHDInfo_Ext::Result::HD_Info, &DeviceId<fields::HD_Info>);
+constexpr ListSource kConfigList = ListOf(
+    calls::HX_PD_GetConfig::Result::Config,
+    +[](const View<fields::HD_Config>& config) { return config[fields::HD_Config::HDID]; });
+constexpr ListSource kSmartList = ListOf(
+    calls::HX_PD_GetSmartStatus::Result::HD_SMART_Status,
+    +[](const View<fields::HD_SMART_Status>& smart) {
+        return smart[fields::HD_SMART_Status::HDID];
+    });
+constexpr ListSource kRaidList = ListOf(
+    calls::HX_PD_GetHDRaidStatus::Result::Status, +[](const View<fields::HD_RAID_Status>& status) {
+        return status[fields::HD_RAID_Status::HDID];
+    });
+constexpr ListSource kFreeSpaceList = ListOf(
+    calls::HX_PD_GetFreeSpaceInfo::Result::HD_Info,
+    +[](const View<fields::HD_FreeSpaceInfo>& space) {
+        return space[fields::HD_FreeSpaceInfo::ID];
+    });
+
+// The one word for a disk's state. Names are what both the codes of our controllers and a file of
+// codes have: bits that are called as ours mean the same.
+std::string StateWord(std::uint64_t status, const ControllerCodes& codes) {
+    const auto names = codes.table().disk_bits;
+    if (names.empty()) return std::to_string(status);
+    std::uint64_t ours = 0;
+    for (std::uint64_t bit = 1; bit != 0 && bit <= status; bit <<= 1) {
+        if ((status & bit) == 0) continue;
+        const auto* const row = hxcodes::FindName(hxcodes::kDiskBits, hxcodes::NameOf(names, bit));
+        if (row == nullptr) return std::to_string(status);
+        ours |= row->code;
     }
-    return records;
+    return std::string(hxcodes::DiskWordOf(ours));
 }
 
-Value Take(std::map<std::uint64_t, Value>& records, std::uint64_t id) {
-    const auto found = records.find(id);
-    return found == records.end() ? Value() : std::move(found->second);
-}
+// Which group each disk serves; a group whose disks are not known may have any of the others.
+class Memberships {
+public:
+    explicit Memberships(const List<fields::DG_Info>& groups) : of_others_(groups.presence) {
+        if (of_others_ == Presence::kThere) of_others_ = Presence::kNotOffered;
+        for (const auto& [id, group] : groups.items) {
+            Add(DisksOf(group.view()), id);
+            Add(SparesOf(group.view()), id);
+        }
+    }
+
+    Membership Of(std::uint64_t disk) const {
+        const auto found = groups_.find(disk);
+        if (found == groups_.end()) return {of_others_, 0};
+        return {Presence::kThere, found->second};
+    }
+
+private:
+    void Add(const std::optional<std::vector<std::uint64_t>>& disks, std::uint64_t group) {
+        if (!disks) {
+            of_others_ = Presence::kUnknown;
+            return;
+        }
+        for (const std::uint64_t disk : *disks) {
+            groups_.emplace(disk, static_cast<unsigned>(group));
+        }
+    }
+
+    std::map<std::uint64_t, unsigned> groups_;
+    Presence of_others_;
+};
 
 // The library answers for 128 disks at once.
 constexpr std::size_t kDisksPerBootRecordCall = 128;
 
 void LoadBootRecords(Controller& controller, unsigned adapter, std::span<Disk> disks) {
+    using Function = calls::HX_PD_GetMBRInfo;
     std::string ids;
     for (const Disk& disk : disks) {
         ids.append(ids.empty() ? "" : " ").append(std::to_string(disk.address.id));
     }
-    const auto result =
-        controller.Get("a" + std::to_string(adapter), {"HX_PD_GetMBRInfo",
-                                                       {{"HDCount", std::to_string(disks.size())},
-                                                        {"AdapterID", std::to_string(adapter)},
-                                                        {"HDIDs", ids}}});
-    if (!result) return;
-    const std::vector<std::uint64_t> found = result->Numbers("MBRInfo/hasMBR");
-    for (std::size_t i = 0; i < disks.size() && i < found.size(); ++i) {
-        disks[i].boot_record = found[i] != 0;
+    const auto answer = controller.Get("a" + std::to_string(adapter),
+                                       Request<Function>{{Function::HDCount, disks.size()},
+                                                         {Function::AdapterID, adapter},
+                                                         {Function::HDIDs, ids}});
+    if (!answer) return;
+    const auto found = (*answer)[Function::Result::MBRInfo][fields::HD_MBR_Info::hasMBR];
+    if (!found) return;
+    for (std::size_t i = 0; i < disks.size() && i < found->size(); ++i) {
+        disks[i].boot_record = (*found)[i] != 0;
     }
 }
 
 void LoadDisksOf(Controller& controller, unsigned adapter, std::vector<Disk>& disks) {
-    std::vector<Value> infos =
-        controller.List(adapter, {"HX_PD_GetHDInfo_Ext", "HD_Info", "Link/Self/DevID"});
-    if (infos.empty()) return;
-    auto config = ByDisk(controller, adapter, {"HX_PD_GetConfig", "Config", "HDID"});
-    auto smart = ByDisk(controller, adapter, {"HX_PD_GetSmartStatus", "HD_SMART_Status", "HDID"});
-    auto raid = ByDisk(controller, adapter, {"HX_PD_GetHDRaidStatus", "Status", "HDID"});
-    auto activity = ByDisk(controller, adapter, {"HX_PD_GetBGAStatus", "HD_BGA_Status", "HDID"});
-    auto free_space = ByDisk(controller, adapter, {"HX_PD_GetFreeSpaceInfo", "HD_Info", "ID"});
-    std::map<std::uint64_t, unsigned> groups;
-    for (const Value& group : controller.List(adapter, {"HX_DG_GetInfo", "DG_Info", "DGID"})) {
-        for (const auto& [count, ids] :
-             {std::pair("PDCount", "PDIDs"), std::pair("SparePDCount", "SparePDIDs")}) {
-            for (const std::uint64_t member : group.Numbers(ids, group.Number(count))) {
-                groups.emplace(member, static_cast<unsigned>(group.Number("DGID")));
-            }
-        }
-    }
+    auto infos = controller.ReadList(adapter, kDiskList);
+    if (infos.items.empty()) return;
+    auto config = controller.ReadList(adapter, kConfigList);
+    auto smart = controller.ReadList(adapter, kSmartList);
+    auto raid = controller.ReadList(adapter, kRaidList);
+    auto activity = controller.ReadList(adapter, kDiskActivityList);
+    auto free_space = controller.ReadList(adapter, kFreeSpaceList);
+    const Memberships groups(controller.ReadList(adapter, kDiskGroupList));
     const std::size_t first = disks.size();
-    for (Value& info : infos) {
-        const std::uint64_t id = info.Number("Link/Self/DevID");
+    for (auto& [id, info] : infos.items) {
         Disk disk;
         disk.address = {
             .adapter = adapter, .kind = ObjectKind::kDisk, .id = static_cast<unsigned>(id)};
+        if (const auto status = info[fields::HD_Info::Status]) {
+            disk.state = StateWord(*status, controller.codes());
+        }
         disk.info = std::move(info);
-        disk.config = Take(config, id);
-        disk.smart = Take(smart, id);
-        disk.raid = Take(raid, id);
-        disk.activity = Take(activity, id);
-        disk.free_space = Take(free_space, id);
-        if (const auto group = groups.find(id); group != groups.end()) disk.group = group->second;
+        disk.config = config.Take(id);
+        disk.smart = smart.Take(id);
+        disk.raid = raid.Take(id);
+        disk.activity = activity.Take(id);
+        disk.free_space = free_space.Take(id);
+        disk.group = groups.Of(id);
         disks.push_back(std::move(disk));
     }
     for (std::size_t at = first; at < disks.size(); at += kDisksPerBootRecordCall) {
@@ -88,10 +137,6 @@ void LoadDisksOf(Controller& controller, unsigned adapter, std::vector<Disk>& di
 }
 
 }  // namespace
-
-std::string DiskState(const Disk& disk) {
-    return std::string(hxcodes::DiskWordOf(static_cast<HX_U8>(disk.info.Number("Status"))));
-}
 
 std::vector<Disk> LoadDisks(Controller& controller) {
     std::vector<Disk> disks;

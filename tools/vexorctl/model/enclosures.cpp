@@ -1,19 +1,68 @@
 #include "model/enclosures.h"
 
-#include <map>
 #include <string>
 #include <utility>
 
+#include "model/exit_code.h"
+#include "model/library_record.h"
+
 namespace vexorctl {
+
+namespace {
+
+constexpr ListSource kEnclosureList = ListOf(calls::HX_ENC_GetEnclosureInfo::Result::Enclosure_Info,
+                                             &DeviceId<fields::Enclosure_Info>);
+
+// The thresholds of the element of that number; unknown when it has none.
+Record<fields::EncElement_Config> Find(
+    const std::vector<Record<fields::EncElement_Config>>& configs, std::uint64_t id) {
+    for (const auto& config : configs) {
+        if (config[fields::EncElement_Config::ElementID] == id) return config;
+    }
+    return {};
+}
+
+void LoadElementsOf(Controller& controller, const Address& enclosure,
+                    std::vector<Element>& elements) {
+    using Info = calls::HX_ENC_GetElementInfo;
+    using Config = calls::HX_ENC_GetElementConfig;
+    const std::string address = enclosure.Text();
+    const auto infos = controller.Get(
+        address, Request<Info>{{Info::AdapterID, enclosure.adapter}, {Info::ENC_ID, enclosure.id}});
+    if (!infos) return;
+    std::vector<Record<fields::EncElement_Config>> configs;
+    if (const auto answer =
+            controller.Get(address, Request<Config>{{Config::AdapterID, enclosure.adapter},
+                                                    {Config::ENC_ID, enclosure.id}})) {
+        configs = (*answer)[Config::Result::EncElement_Config];
+    }
+    for (auto& info : (*infos)[Info::Result::EncElementType_Info]) {
+        const auto id = info[fields::EncElementType_Info::ElementID];
+        if (!id) {
+            controller.Note({.address = address,
+                             .function = std::string(Info::kName),
+                             .name = "unreadable",
+                             .message = "an element was left out: it has no ID"},
+                            Exit::kRefused);
+            continue;
+        }
+        const Address place{.adapter = enclosure.adapter,
+                            .kind = ObjectKind::kElement,
+                            .id = enclosure.id,
+                            .element = static_cast<unsigned>(*id)};
+        elements.push_back({place, std::move(info), Find(configs, *id)});
+    }
+}
+
+}  // namespace
 
 std::vector<Enclosure> LoadEnclosures(Controller& controller) {
     std::vector<Enclosure> enclosures;
     for (const unsigned adapter : controller.Selected()) {
-        for (Value& info : controller.List(
-                 adapter, {"HX_ENC_GetEnclosureInfo", "Enclosure_Info", "Link/Self/DevID"})) {
+        for (auto& [id, info] : controller.ReadList(adapter, kEnclosureList).items) {
             const Address address{.adapter = adapter,
                                   .kind = ObjectKind::kEnclosure,
-                                  .id = static_cast<unsigned>(info.Number("Link/Self/DevID"))};
+                                  .id = static_cast<unsigned>(id)};
             enclosures.push_back({address, std::move(info)});
         }
     }
@@ -23,29 +72,7 @@ std::vector<Enclosure> LoadEnclosures(Controller& controller) {
 std::vector<Element> LoadElements(Controller& controller) {
     std::vector<Element> elements;
     for (const Enclosure& enclosure : LoadEnclosures(controller)) {
-        const Fields fields{{"AdapterID", std::to_string(enclosure.address.adapter)},
-                            {"ENC_ID", std::to_string(enclosure.address.id)}};
-        const std::string address = enclosure.address.Text();
-        auto infos = controller.Get(address, {"HX_ENC_GetElementInfo", fields});
-        if (!infos) continue;
-        auto configs = controller.Get(address, {"HX_ENC_GetElementConfig", fields});
-        std::map<std::uint64_t, Value> by_element;
-        if (configs) {
-            for (Value& config : configs->children) {
-                if (config.name != "EncElement_Config") continue;
-                const std::uint64_t id = config.Number("ElementID");
-                by_element.insert_or_assign(id, std::move(config));
-            }
-        }
-        for (Value& info : infos->children) {
-            if (info.name != "EncElementType_Info") continue;
-            const std::uint64_t id = info.Number("ElementID");
-            const Address place{.adapter = enclosure.address.adapter,
-                                .kind = ObjectKind::kElement,
-                                .id = enclosure.address.id,
-                                .element = static_cast<unsigned>(id)};
-            elements.push_back({place, std::move(info), std::move(by_element[id])});
-        }
+        LoadElementsOf(controller, enclosure.address, elements);
     }
     return elements;
 }

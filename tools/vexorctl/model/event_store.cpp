@@ -1,12 +1,14 @@
 #include "model/event_store.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "codes/event_class.h"
 #include "common/address.h"
 #include "model/event_catalogue.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
-#include "model/result_tree.h"
+#include "model/library_record.h"
 
 namespace vexorctl {
 
@@ -15,29 +17,34 @@ namespace {
 // asctime's form has this many characters, then a blank.
 constexpr std::size_t kTimeLength = 25;
 
-// Classes whose DeviceID is the number of an object with an address.
-enum EventClass { kVirtualDisk = 1, kDisk = 2, kEnclosure = 8, kDiskGroup = 13 };
+using Query = calls::VX_HX_EVT_GetEvents;
 
-std::string ObjectOf(const Value& record) {
-    Address address{.adapter = static_cast<unsigned>(record.Number("AdapterID")),
-                    .id = static_cast<unsigned>(record.Number("DeviceID"))};
-    switch (record.Number("Class")) {
-        case kVirtualDisk:
-            address.kind = ObjectKind::kVirtualDisk;
-            break;
-        case kDisk:
-            address.kind = ObjectKind::kDisk;
-            break;
-        case kEnclosure:
-            address.kind = ObjectKind::kEnclosure;
-            break;
-        case kDiskGroup:
-            address.kind = ObjectKind::kDiskGroup;
-            break;
+// What a class of events numbers by DeviceID; an adapter for all that have no address of their own.
+ObjectKind KindOf(std::uint64_t event_class) {
+    switch (event_class) {
+        case hxcodes::EventClass::kVirtualDisk:
+            return ObjectKind::kVirtualDisk;
+        case hxcodes::EventClass::kDisk:
+            return ObjectKind::kDisk;
+        case hxcodes::EventClass::kEnclosure:
+            return ObjectKind::kEnclosure;
+        case hxcodes::EventClass::kDiskGroup:
+            return ObjectKind::kDiskGroup;
         default:
-            address.id = 0;
+            return ObjectKind::kAdapter;
     }
-    return address.Text();
+}
+
+std::optional<std::string> ObjectOf(const Record<fields::Event>& record) {
+    const auto adapter = record[fields::Event::AdapterID];
+    const auto device = record[fields::Event::DeviceID];
+    const auto event_class = record[fields::Event::Class];
+    if (!adapter || !device || !event_class) return std::nullopt;
+    const ObjectKind kind = KindOf(*event_class);
+    return Address{.adapter = static_cast<unsigned>(*adapter),
+                   .kind = kind,
+                   .id = kind == ObjectKind::kAdapter ? 0 : static_cast<unsigned>(*device)}
+        .Text();
 }
 
 std::string Trimmed(std::string text) {
@@ -47,19 +54,21 @@ std::string Trimmed(std::string text) {
     return text;
 }
 
-StoredEvent MakeEvent(std::uint64_t sequence, Value record) {
+StoredEvent MakeEvent(std::uint64_t sequence, Record<fields::Event> record) {
     StoredEvent event;
     event.sequence = sequence;
-    std::string line = record.Text("Event");
+    const auto text = record[fields::Event::Event_];
+    event.has_text = text.has_value();
+    std::string line = text.value_or("");
     line.erase(0, kTimeLength);
     for (std::size_t part = 0; !line.empty(); ++part) {
         const std::size_t end = line.find('|');
-        const std::string text = Trimmed(line.substr(0, end));
+        const std::string value = Trimmed(line.substr(0, end));
         line.erase(0, end == std::string::npos ? end : end + 1);
         if (part == 0) {
-            event.key = text;
-        } else if (part > 1 && !(line.empty() && text.empty())) {
-            event.values.push_back(text);
+            event.key = value;
+        } else if (part > 1 && !(line.empty() && value.empty())) {
+            event.values.push_back(value);
         }
     }
     event.object = ObjectOf(record);
@@ -67,8 +76,8 @@ StoredEvent MakeEvent(std::uint64_t sequence, Value record) {
     return event;
 }
 
-Fields Query(std::uint64_t n, std::uint64_t s, std::uint64_t e) {
-    return {{"n", std::to_string(n)}, {"s", std::to_string(s)}, {"e", std::to_string(e)}};
+Request<Query> RequestEvents(std::uint64_t n, std::uint64_t s, std::uint64_t e) {
+    return {{Query::n, n}, {Query::s, s}, {Query::e, e}};
 }
 
 }  // namespace
@@ -76,7 +85,7 @@ Fields Query(std::uint64_t n, std::uint64_t s, std::uint64_t e) {
 std::string StoredEvent::Text() const {
     const std::string phrase = FindEventPhrase(key);
     if (phrase.empty()) return Raw();
-    return FillEventPhrase(phrase, object, values);
+    return FillEventPhrase(phrase, object.value_or("?"), values);
 }
 
 std::string StoredEvent::Raw() const {
@@ -87,33 +96,41 @@ std::string StoredEvent::Raw() const {
 
 std::string StoredEvent::Fingerprint() const {
     std::string text;
-    for (const char* field : {"TimeStamp", "Class", "Code", "AdapterID", "DeviceID"}) {
-        text += std::to_string(record.Number(field)) + ".";
+    for (const auto field : {fields::Event::TimeStamp, fields::Event::Class, fields::Event::Code,
+                             fields::Event::AdapterID, fields::Event::DeviceID}) {
+        const auto number = record[field];
+        text += (number ? std::to_string(*number) : "?") + ".";
     }
-    for (const std::uint64_t number : record.Numbers("Params"))
+    for (const std::uint64_t number :
+         record[fields::Event::Params].value_or(std::vector<std::uint64_t>())) {
         text += std::to_string(number) + ".";
+    }
     return text;
 }
 
 Extent AskExtent(Controller& controller) {
-    const Answer answer = controller.Ask({"VX_HX_EVT_GetEvents", Query(0, 0, 0)});
-    if (answer.exit != Exit::kDone) {
-        throw Failure(answer.exit, "the events cannot be read: " + answer.complaint);
+    const auto answer = controller.Ask(RequestEvents(0, 0, 0));
+    const auto count = answer[Query::Result::n];
+    const auto first = answer[Query::Result::s];
+    if (answer.exit != Exit::kDone || !count || !first) {
+        throw Failure(
+            answer.exit == Exit::kDone ? Exit::kUnavailable : answer.exit,
+            "the events cannot be read: " + (answer.exit == Exit::kDone
+                                                 ? "the result does not tell how many there are"
+                                                 : answer.complaint));
     }
-    const std::uint64_t count = answer.result.Number("n");
-    if (count == 0) {
+    if (*count == 0) {
         // A store that cannot be read has the same extent as an empty one; but asked for an event,
         // it answers with one of zeros, where the empty one answers with none.
-        const Answer probe = controller.Ask({"VX_HX_EVT_GetEvents", Query(1, 0, 0)});
-        const Value* const event = probe.result.Find("Event");
-        if (event != nullptr && event->Number("TimeStamp") == 0) {
+        const auto probe = controller.Ask(RequestEvents(1, 0, 0));
+        const auto event = First(probe[Query::Result::Event]);
+        if (event.IsThere() && event[fields::Event::TimeStamp].value_or(0) == 0) {
             throw Failure(Exit::kUnavailable,
                           "the event store cannot be read; the event service makes it when it "
                           "stores the first event");
         }
     }
-    const std::uint64_t first = answer.result.Number("s");
-    return {first, first + count};
+    return {*first, *first + *count};
 }
 
 std::vector<StoredEvent> ReadEvents(Controller& controller, std::uint64_t first,
@@ -121,27 +138,30 @@ std::vector<StoredEvent> ReadEvents(Controller& controller, std::uint64_t first,
     std::vector<StoredEvent> events;
     while (count != 0) {
         const std::uint64_t asked = std::min(count, page);
-        const Command command{"VX_HX_EVT_GetEvents", Query(asked, first, first + asked - 1)};
-        Answer answer = controller.Ask(command);
+        const auto answer = controller.Ask(RequestEvents(asked, first, first + asked - 1));
         if (answer.exit == Exit::kUndelivered && asked > 1) {
             page = asked / 2;
             continue;
         }
-        if (answer.exit != Exit::kDone) {
-            controller.Note({.function = "VX_HX_EVT_GetEvents",
-                             .message = "event " + std::to_string(first) + ": " + answer.complaint},
-                            Exit::kRefused);
+        // Asked for numbers below the oldest, the store answers from its oldest.
+        const auto start = answer[Query::Result::s];
+        const auto got = answer[Query::Result::n];
+        if (answer.exit != Exit::kDone || !start || !got) {
+            controller.Note(
+                {.function = std::string(Query::kName),
+                 .message = "event " + std::to_string(first) + ": " +
+                            (answer.exit == Exit::kDone ? "the result does not tell its number"
+                                                        : answer.complaint)},
+                Exit::kRefused);
             ++first;
             --count;
             continue;
         }
-        // Asked for numbers below the oldest, the store answers from its oldest.
-        std::uint64_t sequence = answer.result.Number("s");
-        const std::uint64_t got = answer.result.Number("n");
-        for (Value& child : answer.result.children) {
-            if (child.name == "Event") events.push_back(MakeEvent(sequence++, std::move(child)));
+        std::uint64_t sequence = *start;
+        for (auto& record : answer[Query::Result::Event]) {
+            events.push_back(MakeEvent(sequence++, std::move(record)));
         }
-        if (got == 0) break;
+        if (*got == 0) break;
         const std::uint64_t taken = std::max(sequence, first + 1) - first;
         first += taken;
         count -= std::min(count, taken);

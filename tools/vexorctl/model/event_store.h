@@ -2,20 +2,24 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "library_fields.h"
 #include "model/ask_controller.h"
-#include "model/result_tree.h"
+#include "model/library_record.h"
 
 namespace vexorctl {
 
 struct StoredEvent {
     std::uint64_t sequence = 0;
-    Value record;
-    std::string key;                  // "EVT_CODE_LD_CREATE"; empty for an event without a text
-    std::vector<std::string> values;  // of its line, behind the severity
-    std::string object;               // its address
+    Record<fields::Event> record;
+    std::string key;                    // "EVT_CODE_LD_CREATE"; empty for an event without a text
+    std::vector<std::string> values;    // of its line, behind the severity
+    std::optional<std::string> object;  // its address
+
+    bool has_text = false;  // the library's line was there
 
     std::string Text() const;  // readable, from the catalogue
     std::string Raw() const;   // the key and its values as the store has them

@@ -1,5 +1,5 @@
-// The functions of the library and the fields of each, as the library's own rows have them. The
-// table is written at build time by write_functions.
+// The functions of the library and the parameters of each, as the library's own rows have them. The
+// table is written by the build, by write_functions.
 #pragma once
 
 #include <cstddef>
@@ -19,6 +19,7 @@ struct FieldRow {
 struct FunctionRow {
     std::string_view name;
     std::span<const FieldRow> fields;
+    bool has_status;  // its result has a RetVal that is a number
 };
 
 /// All of them: the controller's, then the management functions.

@@ -80,46 +80,25 @@ const Value* Value::Find(std::string_view child) const {
     return nullptr;
 }
 
-const Value* Value::At(std::string_view path) const {
-    const Value* value = this;
-    while (value != nullptr && !path.empty()) {
-        const std::size_t slash = path.find('/');
-        value = value->Find(path.substr(0, slash));
-        path = slash == std::string_view::npos ? std::string_view() : path.substr(slash + 1);
-    }
-    return value;
+std::optional<std::uint64_t> Value::Number() const {
+    const auto numbers = Numbers();
+    if (!numbers || numbers->size() != 1) return std::nullopt;
+    return numbers->front();
 }
 
-std::uint64_t Value::Number(std::string_view path) const {
-    const std::vector<std::uint64_t> numbers = Numbers(path);
-    return numbers.empty() ? 0 : numbers.front();
-}
-
-std::string Value::Text(std::string_view path) const {
-    const Value* const value = At(path);
-    return value == nullptr ? std::string() : value->text;
-}
-
-std::vector<std::uint64_t> Value::Numbers(std::string_view path) const {
+std::optional<std::vector<std::uint64_t>> Value::Numbers() const {
     std::vector<std::uint64_t> numbers;
-    const Value* const value = At(path);
-    if (value == nullptr) return numbers;
-    const char* at = value->text.data();
-    const char* const end = at + value->text.size();
+    const char* at = text.data();
+    const char* const end = at + text.size();
     while (at < end) {
         std::uint64_t number = 0;
         const auto [stop, error] = std::from_chars(at, end, number);
-        if (error != std::errc()) break;
+        const bool ends = stop == end || kBlanks.find(*stop) != std::string_view::npos;
+        if (error != std::errc() || !ends) return std::nullopt;
         numbers.push_back(number);
         at = stop;
         while (at < end && kBlanks.find(*at) != std::string_view::npos) ++at;
     }
-    return numbers;
-}
-
-std::vector<std::uint64_t> Value::Numbers(std::string_view path, std::uint64_t count) const {
-    std::vector<std::uint64_t> numbers = Numbers(path);
-    if (count < numbers.size()) numbers.resize(static_cast<std::size_t>(count));
     return numbers;
 }
 

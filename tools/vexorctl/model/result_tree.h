@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,16 +17,10 @@ struct Value {
 
     /// The first child of that name; null when there is none.
     const Value* Find(std::string_view child) const;
-    /// The same by a path, as in "Link/Self/DevID"; 0, "" or nothing where the path ends early or
-    /// the text is no number.
-    std::uint64_t Number(std::string_view path) const;
-    std::string Text(std::string_view path) const;
-    std::vector<std::uint64_t> Numbers(std::string_view path) const;
-    /// The same, the first `count` of them at most.
-    std::vector<std::uint64_t> Numbers(std::string_view path, std::uint64_t count) const;
-
-private:
-    const Value* At(std::string_view path) const;
+    /// The text as a number; null when it is none.
+    std::optional<std::uint64_t> Number() const;
+    /// The text as numbers with blanks between them; null when it is anything else.
+    std::optional<std::vector<std::uint64_t>> Numbers() const;
 };
 
 struct ParsedResult {

@@ -3,72 +3,99 @@
 #include <utility>
 
 #include "codes/activity.h"
-#include "model/result_tree.h"
+#include "codes/named.h"
+#include "library_fields.h"
+#include "model/controller_codes.h"
+#include "model/disk_groups.h"
+#include "model/exit_code.h"
+#include "model/library_record.h"
+#include "model/virtual_disks.h"
 
 namespace vexorctl {
 
 namespace {
 
-// What the virtual disk's own record adds to a task: its name, and the disk group it lies on.
-void Complete(Task& task, const std::vector<Value>& infos) {
-    constexpr std::uint64_t kNoGroup = 255;
-    for (const Value& info : infos) {
-        if (info.Number("ID") != task.address.id) continue;
-        task.name = info.Text("Name");
-        const std::uint64_t group = info.Number("DGID");
-        if (group != kNoGroup) task.group = static_cast<unsigned>(group);
+constexpr std::uint64_t kNoActivity = 0;  // the interface's
+
+// The code of the activity; kNoActivity, and a fault, when it is not known.
+std::uint64_t ActivityOf(Controller& controller, const Address& address, std::string_view function,
+                         std::optional<std::uint64_t> activity) {
+    if (!activity) {
+        controller.Note({.address = address.Text(),
+                         .function = std::string(function),
+                         .name = "unreadable",
+                         .message = "whether a task runs there is not told"},
+                        Exit::kRefused);
     }
+    return activity.value_or(kNoActivity);
 }
 
-void LoadVirtualDiskTasks(Controller& controller, unsigned adapter, std::vector<Task>& tasks) {
-    std::vector<Value> infos;
-    for (const Value& state : controller.List(adapter, {"HX_LD_GetStatus", "Status", "LDID"})) {
-        if (state.Number("Bga") == hxcodes::ActivityKind::kNone) continue;
-        if (infos.empty()) infos = controller.List(adapter, {"HX_LD_GetInfo", "LDInfo", "ID"});
-        Task task{{.adapter = adapter,
-                   .kind = ObjectKind::kVirtualDisk,
-                   .id = static_cast<unsigned>(state.Number("LDID"))},
-                  state.Number("Bga"),
-                  state.Number("BgaState"),
-                  state.Number("BgaPercentage"),
-                  {},
-                  {}};
-        Complete(task, infos);
+// What the virtual disk's own record adds to a task: its name, and the disk group it lies on.
+void Complete(Task& task, const Record<fields::LD_Info>& info) {
+    task.name = info[fields::LD_Info::Name];
+    const auto group = info[fields::LD_Info::DGID];
+    if (!group) return;
+    task.group = {*group == kNoDiskGroup ? Presence::kNotOffered : Presence::kThere,
+                  static_cast<unsigned>(*group)};
+}
+
+void LoadVirtualDiskTasks(Controller& controller, unsigned adapter, TaskDetail detail,
+                          std::vector<Task>& tasks) {
+    std::optional<List<fields::LD_Info>> infos;
+    for (const auto& [id, status] : controller.ReadList(adapter, kVirtualDiskStatusList).items) {
+        Task task;
+        task.address = {
+            .adapter = adapter, .kind = ObjectKind::kVirtualDisk, .id = static_cast<unsigned>(id)};
+        task.activity = ActivityOf(controller, task.address, kVirtualDiskStatusList.function,
+                                   status[fields::LD_Status::Bga]);
+        if (task.activity == kNoActivity) continue;
+        task.state = status[fields::LD_Status::BgaState];
+        task.percent = status[fields::LD_Status::BgaPercentage];
+        if (detail == TaskDetail::kWithObject) {
+            if (!infos) infos = controller.ReadList(adapter, kVirtualDiskList);
+            Complete(task, infos->Take(id));
+        }
         tasks.push_back(std::move(task));
     }
 }
 
+// What a virtual disk's rebuild does to a disk is that virtual disk's task.
+bool IsOfVirtualDisk(std::uint64_t activity, const ControllerCodes& codes) {
+    const std::string_view name = hxcodes::NameOf(codes.table().activities, activity);
+    const auto* const row = hxcodes::FindName(hxcodes::kActivities, name);
+    return row != nullptr && row->runs_on != hxcodes::RunsOn::kDisk;
+}
+
 void LoadDiskTasks(Controller& controller, unsigned adapter, std::vector<Task>& tasks) {
-    for (const Value& state :
-         controller.List(adapter, {"HX_PD_GetBGAStatus", "HD_BGA_Status", "HDID"})) {
-        // What a virtual disk's rebuild does to a disk is that virtual disk's task.
-        const std::uint64_t activity = state.Number("Bga");
-        if (activity != hxcodes::ActivityKind::kMediaPatrol &&
-            activity != hxcodes::ActivityKind::kDataScrub) {
+    for (const auto& [id, status] : controller.ReadList(adapter, kDiskActivityList).items) {
+        Task task;
+        task.address = {
+            .adapter = adapter, .kind = ObjectKind::kDisk, .id = static_cast<unsigned>(id)};
+        task.activity = ActivityOf(controller, task.address, kDiskActivityList.function,
+                                   status[fields::HD_BGA_Status::Bga]);
+        if (task.activity == kNoActivity || IsOfVirtualDisk(task.activity, controller.codes())) {
             continue;
         }
-        tasks.push_back({{.adapter = adapter,
-                          .kind = ObjectKind::kDisk,
-                          .id = static_cast<unsigned>(state.Number("HDID"))},
-                         activity,
-                         state.Number("BgaStatus"),
-                         state.Number("Percentage"),
-                         {},
-                         {}});
+        task.state = status[fields::HD_BGA_Status::BgaStatus];
+        task.percent = status[fields::HD_BGA_Status::Percentage];
+        task.name = "";
+        task.group.presence = Presence::kNotOffered;
+        tasks.push_back(std::move(task));
     }
 }
 
 void LoadDiskGroupTasks(Controller& controller, unsigned adapter, std::vector<Task>& tasks) {
-    for (const Value& group : controller.List(adapter, {"HX_DG_GetInfo", "DG_Info", "DGID"})) {
-        if (group.Number("BgaType") == hxcodes::ActivityKind::kNone) continue;
-        tasks.push_back({{.adapter = adapter,
-                          .kind = ObjectKind::kDiskGroup,
-                          .id = static_cast<unsigned>(group.Number("DGID"))},
-                         group.Number("BgaType"),
-                         group.Number("BgaState"),
-                         std::nullopt,
-                         group.Text("Name"),
-                         {}});
+    for (const auto& [id, group] : controller.ReadList(adapter, kDiskGroupList).items) {
+        Task task;
+        task.address = {
+            .adapter = adapter, .kind = ObjectKind::kDiskGroup, .id = static_cast<unsigned>(id)};
+        task.activity = ActivityOf(controller, task.address, kDiskGroupList.function,
+                                   group[fields::DG_Info::BgaType]);
+        if (task.activity == kNoActivity) continue;
+        task.state = group[fields::DG_Info::BgaState];
+        task.name = group[fields::DG_Info::Name];
+        task.group.presence = Presence::kNotOffered;
+        tasks.push_back(std::move(task));
     }
 }
 
@@ -76,16 +103,15 @@ void LoadDiskGroupTasks(Controller& controller, unsigned adapter, std::vector<Ta
 
 bool IsTaskOf(const Task& task, std::string_view address) {
     if (task.address.Text() == address) return true;
-    return task.group &&
-           Address{
-               .adapter = task.address.adapter, .kind = ObjectKind::kDiskGroup, .id = *task.group}
-                   .Text() == address;
+    const Address group{
+        .adapter = task.address.adapter, .kind = ObjectKind::kDiskGroup, .id = task.group.group};
+    return task.group.presence == Presence::kThere && group.Text() == address;
 }
 
-std::vector<Task> LoadTasks(Controller& controller) {
+std::vector<Task> LoadTasks(Controller& controller, TaskDetail detail) {
     std::vector<Task> tasks;
     for (const unsigned adapter : controller.Selected()) {
-        LoadVirtualDiskTasks(controller, adapter, tasks);
+        LoadVirtualDiskTasks(controller, adapter, detail, tasks);
         LoadDiskTasks(controller, adapter, tasks);
         LoadDiskGroupTasks(controller, adapter, tasks);
     }

@@ -9,6 +9,7 @@
 
 #include "common/address.h"
 #include "model/ask_controller.h"
+#include "model/disks.h"
 
 namespace vexorctl {
 
@@ -16,17 +17,23 @@ namespace vexorctl {
 struct Task {
     Address address;
     std::uint64_t activity = 0;
-    std::uint64_t state = 0;
-    std::optional<std::uint64_t> percent;
-    std::string name;               // of the object
-    std::optional<unsigned> group;  // on which the object lies
+    std::optional<std::uint64_t> state;
+    std::optional<std::uint64_t> percent;  // a disk group does not tell it
+    std::optional<std::string> name;       // of the object; a disk has none
+    Membership group;                      // on which the object lies
 };
 
 /// Whether a task of the object is meant by this address: its own, or that of the disk group on
 /// which it lies.
 bool IsTaskOf(const Task& task, std::string_view address);
 
-/// Those on the adapters that the controller has selected. What cannot be read is noted as a fault.
-std::vector<Task> LoadTasks(Controller& controller);
+enum class TaskDetail {
+    kActivity,    // what runs where, and how far it is
+    kWithObject,  // also the object's name and disk group: another list, of virtual disks
+};
+
+/// Those on the adapters that the controller has selected. What cannot be read is noted as a fault,
+/// and so is an object of which nobody can tell whether a task runs on it.
+std::vector<Task> LoadTasks(Controller& controller, TaskDetail detail);
 
 }  // namespace vexorctl

@@ -3,40 +3,56 @@
 #include <map>
 #include <utility>
 
+#include "model/library_record.h"
+
 namespace vexorctl {
+
+namespace {
+
+constexpr ListSource kConfigList = ListOf(
+    calls::HX_LD_GetConfig::Result::LDConfig,
+    +[](const View<fields::LD_Config>& config) { return config[fields::LD_Config::LDID]; });
+
+using DiskOfBlock = std::map<std::uint64_t, std::uint64_t>;
+
+// Not known as a whole when one of them is not: a list that lacks a disk would be taken for all.
+std::optional<std::vector<std::uint64_t>> DisksUnder(const View<fields::LD_Info>& info,
+                                                     const DiskOfBlock& disk_of_block) {
+    const auto blocks =
+        FirstNumbers(info[fields::LD_Info::BlockIDs], info[fields::LD_Info::HDCount]);
+    if (!blocks) return std::nullopt;
+    std::vector<std::uint64_t> disks;
+    for (const std::uint64_t block : *blocks) {
+        const auto found = disk_of_block.find(block);
+        if (found == disk_of_block.end()) return std::nullopt;
+        disks.push_back(found->second);
+    }
+    return disks;
+}
+
+}  // namespace
 
 std::vector<VirtualDisk> LoadVirtualDisks(Controller& controller) {
     std::vector<VirtualDisk> all;
     for (const unsigned adapter : controller.Selected()) {
-        std::vector<Value> infos = controller.List(adapter, {"HX_LD_GetInfo", "LDInfo", "ID"});
-        if (infos.empty()) continue;
-        std::map<std::uint64_t, Value> configs;
-        for (Value& config : controller.List(adapter, {"HX_LD_GetConfig", "LDConfig", "LDID"})) {
-            const std::uint64_t id = config.Number("LDID");
-            configs.insert_or_assign(id, std::move(config));
+        auto infos = controller.ReadList(adapter, kVirtualDiskList);
+        if (infos.items.empty()) continue;
+        auto configs = controller.ReadList(adapter, kConfigList);
+        auto states = controller.ReadList(adapter, kVirtualDiskStatusList);
+        DiskOfBlock disk_of_block;
+        for (const auto& [id, block] : controller.ReadList(adapter, kBlockList).items) {
+            const auto disk = block[fields::Block_Info::HDID];
+            if (disk) disk_of_block.insert_or_assign(id, *disk);
         }
-        std::map<std::uint64_t, Value> states;
-        for (Value& state : controller.List(adapter, {"HX_LD_GetStatus", "Status", "LDID"})) {
-            const std::uint64_t id = state.Number("LDID");
-            states.insert_or_assign(id, std::move(state));
-        }
-        std::map<std::uint64_t, std::uint64_t> disk_of_block;
-        for (const Value& block : controller.List(adapter, {"HX_BLK_GetInfo", "blockInfo", "ID"})) {
-            disk_of_block.insert_or_assign(block.Number("ID"), block.Number("HDID"));
-        }
-        for (Value& info : infos) {
-            const std::uint64_t id = info.Number("ID");
+        for (auto& [id, info] : infos.items) {
             VirtualDisk disk;
             disk.address = {.adapter = adapter,
                             .kind = ObjectKind::kVirtualDisk,
                             .id = static_cast<unsigned>(id)};
-            for (const std::uint64_t block : info.Numbers("BlockIDs", info.Number("HDCount"))) {
-                const auto found = disk_of_block.find(block);
-                if (found != disk_of_block.end()) disk.disks.push_back(found->second);
-            }
+            disk.disks = DisksUnder(info.view(), disk_of_block);
             disk.info = std::move(info);
-            disk.config = std::move(configs[id]);
-            disk.status = std::move(states[id]);
+            disk.config = configs.Take(id);
+            disk.status = states.Take(id);
             all.push_back(std::move(disk));
         }
     }

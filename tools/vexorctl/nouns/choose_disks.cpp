@@ -4,38 +4,59 @@
 #include <utility>
 
 #include "common/address.h"
-#include "model/ask_controller.h"
-#include "model/disks.h"
+#include "library_fields.h"
+#include "model/controller_codes.h"
 #include "model/exit_code.h"
-#include "model/failure.h"
-#include "nouns/creation_options.h"
+#include "model/library_record.h"
 #include "nouns/find_object.h"
 #include "output/cell_text.h"
-#include "shell/invocation.h"
 
 namespace vexorctl {
 
 namespace {
 
-std::uint64_t FreeSectors(const Disk& disk) { return disk.free_space.Number("Size"); }
+using fields::HD_FreeSpaceInfo;
+using fields::HD_Info;
 
-bool HoldsData(const Disk& disk) { return disk.boot_record.value_or(false); }
+std::optional<std::uint64_t> FreeSectors(const Disk& disk) {
+    return disk.free_space[HD_FreeSpaceInfo::Size];
+}
+
+// Whether a disk holds data, as its boot record tells; what is not known may be.
+enum class Data { kNone, kHolds, kUnknown };
+Data DataOn(const Disk& disk) {
+    if (!disk.boot_record) return Data::kUnknown;
+    return *disk.boot_record ? Data::kHolds : Data::kNone;
+}
+
+std::string_view RemarkOf(Data data) {
+    switch (data) {
+        case Data::kNone:
+            return "";
+        case Data::kHolds:
+            return ", holds a boot record";
+        case Data::kUnknown:
+            return ", may hold a boot record";
+    }
+    return "";
+}
 
 bool IsFree(const Disk& disk) {
-    return DiskState(disk) == "free" && disk.info.Number("CanLogicalUsed") != 0 &&
-           FreeSectors(disk) != 0;
+    return disk.state == kFreeState && disk.info[HD_Info::CanLogicalUsed].value_or(0) != 0 &&
+           FreeSectors(disk).value_or(0) != 0;
 }
 
 // A disk of virtual disks may have room for more, where no disk group has it all.
 bool HasRoomBeside(const Disk& disk) {
     constexpr std::uint64_t kWorthTelling = 2 * 1024 * 1024;  // sectors: 1 GiB
-    return DiskState(disk) == "configured" && !disk.group && FreeSectors(disk) >= kWorthTelling;
+    return disk.state == kConfiguredState && disk.group.presence == Presence::kNotOffered &&
+           FreeSectors(disk).value_or(0) >= kWorthTelling;
 }
 
 // "a1/pd3, a1/pd4 (465.73 GiB each), a1/pd2 (465.73 GiB, holds a boot record)"
 std::string Listed(std::span<const Disk* const> disks) {
     const auto remark = [](const Disk& disk) {
-        return std::pair(SizeText(512 * FreeSectors(disk), {}), HoldsData(disk));
+        return std::pair(SectorsText(FreeSectors(disk)), DataOn(disk));
     };
     std::string text;
     for (std::size_t at = 0; at < disks.size();) {
@@ -44,8 +65,8 @@ std::string Listed(std::span<const Disk* const> disks) {
             text.append(text.empty() ? "" : ", ").append(disks[end++]->address.Text());
         }
         const auto [size, data] = remark(*disks[at]);
-        text +=
-            " (" + size + (end - at > 1 ? " each" : "") + (data ? ", holds a boot record)" : ")");
+        text.append(" (").append(size).append(end - at > 1 ? " each" : "");
+        text.append(RemarkOf(data)).append(")");
         at = end;
     }
     return text;
@@ -59,7 +80,7 @@ std::string FreeOn(const std::vector<Disk>& disks, unsigned adapter) {
         if (IsFree(disk)) free_disks.push_back(&disk);
         if (HasRoomBeside(disk)) partly_free.push_back(&disk);
     }
-    const auto data_last = [](const Disk* disk) { return HoldsData(*disk); };
+    const auto data_last = [](const Disk* disk) { return DataOn(*disk); };
     std::ranges::stable_sort(free_disks, {}, data_last);
     const std::string name = "a" + std::to_string(adapter);
     std::string text =
@@ -89,16 +110,16 @@ std::vector<Choice> ChoicesOf(std::vector<Disk> disks, std::size_t count) {
 
 // The choices among disks of one kind of link, and then, where those do not do, among all.
 std::vector<std::vector<Choice>> Rounds(const std::vector<Disk>& disks, std::size_t count) {
-    std::vector<std::uint64_t> links;
+    std::vector<std::optional<std::uint64_t>> links;
     for (const Disk& disk : disks) {
-        const std::uint64_t link = disk.info.Number("ConnectionType");
+        const auto link = disk.info[HD_Info::ConnectionType];
         if (std::ranges::find(links, link) == links.end()) links.push_back(link);
     }
     std::vector<Choice> of_one_link;
-    for (const std::uint64_t link : links) {
+    for (const auto& link : links) {
         std::vector<Disk> linked = disks;
         std::erase_if(linked,
-                      [&](const Disk& disk) { return disk.info.Number("ConnectionType") != link; });
+                      [&](const Disk& disk) { return disk.info[HD_Info::ConnectionType] != link; });
         std::ranges::move(ChoicesOf(std::move(linked), count), std::back_inserter(of_one_link));
     }
     std::vector<std::vector<Choice>> rounds;
@@ -110,9 +131,8 @@ std::vector<std::vector<Choice>> Rounds(const std::vector<Disk>& disks, std::siz
 }  // namespace
 
 std::string Described(const Disk& disk) {
-    return disk.address.Text() + " (" + disk.info.Text("Model") + ", " +
-           SizeText(512 * FreeSectors(disk), {}) + " free" +
-           (HoldsData(disk) ? ", holds a boot record" : "") + ")";
+    return disk.address.Text() + " (" + Shown(disk.info[HD_Info::Model]) + ", " +
+           SectorsText(FreeSectors(disk)) + " free" + std::string(RemarkOf(DataOn(disk))) + ")";
 }
 
 std::vector<Disk> NamedDisks(Invocation& invocation, std::span<const std::string> typed) {
@@ -147,7 +167,8 @@ std::vector<Disk> PickDisks(Invocation& invocation, std::size_t count, const Siz
     if (count == 0) return {};
     const unsigned adapter = FindAdapter(invocation);
     std::vector<Disk> disks = LoadDisks(invocation.controller());
-    std::erase_if(disks, [](const Disk& disk) { return !IsFree(disk) || HoldsData(disk); });
+    std::erase_if(disks,
+                  [](const Disk& disk) { return !IsFree(disk) || DataOn(disk) != Data::kNone; });
     if (disks.size() < count) {
         throw Failure(Exit::kRefused,
                       std::to_string(count) + " disks are needed and a" + std::to_string(adapter) +
@@ -157,7 +178,7 @@ std::vector<Disk> PickDisks(Invocation& invocation, std::size_t count, const Siz
     const auto least = [](const Choice& choice) { return FreeSectors(choice.front()); };
     const auto sum = [](const Choice& choice) {
         std::uint64_t sectors = 0;
-        for (const Disk& disk : choice) sectors += FreeSectors(disk);
+        for (const Disk& disk : choice) sectors += FreeSectors(disk).value_or(0);
         return sectors;
     };
     std::uint64_t most = 0;
@@ -174,12 +195,15 @@ std::vector<Disk> PickDisks(Invocation& invocation, std::size_t count, const Siz
     }
     throw Failure(Exit::kRefused, "--size: no " + std::to_string(count) + " free disks of a" +
                                       std::to_string(adapter) + " give " + size.typed +
-                                      "; the most is " + SizeText(512 * most, {}) +
+                                      "; the most is " + SectorsText(most) +
                                       Alternatives(invocation, adapter));
 }
 
 std::string Alternatives(Invocation& invocation, unsigned adapter) {
     Controller& controller = invocation.controller();
+    if (!controller.codes().AreKnown()) {
+        return "; which disks are free is not known: " + std::string(kCodesNotKnown);
+    }
     const std::vector<unsigned> adapters = controller.Adapters();
     controller.Select(adapters);
     const std::vector<Disk> disks = LoadDisks(controller);
@@ -190,11 +214,35 @@ std::string Alternatives(Invocation& invocation, unsigned adapter) {
     return text;
 }
 
+std::string Addresses(std::span<const Disk> disks) {
+    std::vector<std::string> addresses;
+    for (const Disk& disk : disks) addresses.push_back(disk.address.Text());
+    return Joined(addresses, ", ");
+}
+
+std::vector<std::string> KnownDisks(const Address& object,
+                                    const std::optional<std::vector<std::uint64_t>>& disks) {
+    if (disks) return AddressTexts(object.adapter, ObjectKind::kDisk, *disks);
+    throw Failure(Exit::kRefused, object.Text() + ": its disks are not known; nothing was done");
+}
+
+Failure Refused(Invocation& invocation, unsigned adapter, const std::string& what,
+                const Command& command, const Answer& answer) {
+    Controller& controller = invocation.controller();
+    const bool is_refused = answer.exit != Exit::kDone;
+    const std::string reason = is_refused ? answer.complaint : "the result does not tell the size";
+    return {is_refused ? answer.exit : Exit::kUndelivered,
+            what + ": " + reason + Alternatives(invocation, adapter),
+            controller.FaultOf(command, answer)};
+}
+
 void AddDisks(Change& change, std::span<const Disk> disks, const std::string& name) {
     for (const Disk& disk : disks) change.losses.push_back(Described(disk));
     for (const Disk& disk : disks) {
-        if (!HoldsData(disk)) continue;
-        change.losses.push_back("the data on " + disk.address.Text() + " will be lost");
+        const Data data = DataOn(disk);
+        if (data == Data::kNone) continue;
+        change.losses.push_back((data == Data::kHolds ? "the data on " : "any data on ") +
+                                disk.address.Text() + " will be lost");
         change.confirm = name;
     }
 }

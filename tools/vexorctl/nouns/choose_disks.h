@@ -9,7 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "common/address.h"
+#include "model/ask_controller.h"
 #include "model/disks.h"
+#include "model/failure.h"
 #include "nouns/creation_options.h"
 #include "nouns/plan_and_act.h"
 #include "shell/invocation.h"
@@ -37,6 +40,18 @@ std::vector<Disk> PickDisks(Invocation& invocation, std::size_t count, const Siz
 /// What is free, on this adapter first and then on the others: "; free on a1: a1/pd3, a1/pd4
 /// (465.73 GiB each); free on a0: ...".
 std::string Alternatives(Invocation& invocation, unsigned adapter);
+
+/// The addresses of the disks with a comma between them.
+std::string Addresses(std::span<const Disk> disks);
+
+/// The addresses of the disks that an object has. Throws Failure when they are not known: they have
+/// to be named then.
+std::vector<std::string> KnownDisks(const Address& object,
+                                    const std::optional<std::vector<std::uint64_t>>& disks);
+
+/// The refusal of a look before something is made or migrated, with what is free instead.
+Failure Refused(Invocation& invocation, unsigned adapter, const std::string& what,
+                const Command& command, const Answer& answer);
 
 /// Adds the disks to the plan. Where one holds data the plan says so and `name` has to be typed.
 void AddDisks(Change& change, std::span<const Disk> disks, const std::string& name);

@@ -8,47 +8,37 @@
 
 namespace vexorctl {
 
-namespace {
-
-constexpr LevelRow kLevels[] = {
-    {"0", "0", 0}, {"1", "1", 0},   {"1e", "17", 0}, {"5", "5", 1},
-    {"6", "6", 2}, {"10", "16", 0}, {"50", "80", 2}, {"60", "96", 4},
-};
-
-}  // namespace
-
-const LevelRow& LevelOption(const Invocation& invocation) {
+const hxcodes::LevelRow& LevelOption(const Invocation& invocation) {
     const std::string name = invocation.Get("--raid", "");
-    for (const LevelRow& row : kLevels) {
-        if (row.name == name) return row;
+    for (const hxcodes::LevelRow& row : hxcodes::kLevels) {
+        if (row.number == name) return row;
     }
     throw UsageError("--raid is missing: say one of 0, 1, 1e, 5, 6, 10, 50, 60");
 }
 
-std::string NameOption(const Invocation& invocation, NameMarkup markup,
-                       const std::string& otherwise) {
+std::optional<std::string> NameOption(const Invocation& invocation, NameMarkup markup) {
     const std::string* const name = invocation.Get("--name");
-    if (name == nullptr) return otherwise;
+    if (name == nullptr) return std::nullopt;
     const std::string fault = NameFault(*name, markup);
     if (!fault.empty()) throw UsageError("--name: \"" + *name + "\" " + fault);
     return *name;
 }
 
-std::string StripeOption(const Invocation& invocation, const std::string& otherwise) {
+std::optional<std::uint64_t> StripeOption(const Invocation& invocation) {
     const std::string* const text = invocation.Get("--stripe");
-    if (text == nullptr) return otherwise;
+    if (text == nullptr) return std::nullopt;
     const std::uint64_t bytes = ReadOption("--stripe", *text, ParseSize);
     if (bytes % 1024 != 0 || bytes / 1024 > 65535) {
         throw UsageError("--stripe takes a size as in 64KiB, not \"" + *text + "\"");
     }
-    return std::to_string(bytes / 1024);
+    return bytes / 1024;
 }
 
 std::uint64_t SizeWish::Of(std::uint64_t most_sectors, const std::string& alternatives) const {
     if (!sectors) return percent == 100 ? most_sectors : most_sectors / 100 * percent;
     if (*sectors > most_sectors) {
         throw Failure(Exit::kRefused, "--size: " + typed + " is more than the most there, " +
-                                          SizeText(512 * most_sectors, {}) + alternatives);
+                                          SectorsText(most_sectors) + alternatives);
     }
     return *sectors;
 }

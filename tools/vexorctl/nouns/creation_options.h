@@ -8,28 +8,23 @@
 #include <string_view>
 #include <vector>
 
+#include "codes/level.h"
 #include "model/object_name.h"
 #include "shell/invocation.h"
 
 namespace vexorctl {
 
-struct LevelRow {
-    std::string_view name;
-    std::string_view code;
-    unsigned parity;
-};
-
 inline constexpr std::string_view kLevelNames = "0 1 1e 5 6 10 50 60";
 
 /// --raid. Throws UsageError when it was not given.
-const LevelRow& LevelOption(const Invocation& invocation);
+const hxcodes::LevelRow& LevelOption(const Invocation& invocation);
 
-/// --name. Throws UsageError for a name that the library's results cannot carry.
-std::string NameOption(const Invocation& invocation, NameMarkup markup,
-                       const std::string& otherwise);
+/// --name; null when it was not given. Throws UsageError for a name that the library's results
+/// cannot carry.
+std::optional<std::string> NameOption(const Invocation& invocation, NameMarkup markup);
 
-/// --stripe in KiB.
-std::string StripeOption(const Invocation& invocation, const std::string& otherwise);
+/// --stripe in KiB; null when it was not given.
+std::optional<std::uint64_t> StripeOption(const Invocation& invocation);
 
 /// --size: 10GiB, 20GB, 50% of the most, or max.
 struct SizeWish {

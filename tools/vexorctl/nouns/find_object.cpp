@@ -1,16 +1,16 @@
 #include "nouns/find_object.h"
 
-#include "common/address.h"
+#include <algorithm>
+
+#include "library_fields.h"
 #include "model/adapters.h"
 #include "model/ask_controller.h"
 #include "model/disk_groups.h"
 #include "model/disks.h"
 #include "model/enclosures.h"
 #include "model/exit_code.h"
-#include "model/failure.h"
 #include "model/fault.h"
 #include "model/virtual_disks.h"
-#include "shell/invocation.h"
 
 namespace vexorctl {
 
@@ -27,22 +27,24 @@ std::vector<Candidate> Candidates(Controller& controller, ObjectKind kind) {
     switch (kind) {
         case ObjectKind::kAdapter:
             for (const Adapter& each : LoadAdapters(controller)) {
-                all.push_back({each.address, "", each.info.Text("SerialNo")});
+                all.push_back(
+                    {each.address, "", each.info[fields::Adapter_Info::SerialNo].value_or("")});
             }
             break;
         case ObjectKind::kDisk:
             for (const Disk& each : LoadDisks(controller)) {
-                all.push_back({each.address, "", each.info.Text("SerialNo")});
+                all.push_back(
+                    {each.address, "", each.info[fields::HD_Info::SerialNo].value_or("")});
             }
             break;
         case ObjectKind::kVirtualDisk:
             for (const VirtualDisk& each : LoadVirtualDisks(controller)) {
-                all.push_back({each.address, each.info.Text("Name"), ""});
+                all.push_back({each.address, each.info[fields::LD_Info::Name].value_or(""), ""});
             }
             break;
         case ObjectKind::kDiskGroup:
             for (const DiskGroup& each : LoadDiskGroups(controller)) {
-                all.push_back({each.address, each.info.Text("Name"), ""});
+                all.push_back({each.address, each.info[fields::DG_Info::Name].value_or(""), ""});
             }
             break;
         case ObjectKind::kEnclosure:
@@ -104,6 +106,16 @@ Address FindObject(Invocation& invocation, ObjectKind kind, const std::string& t
 
 Address FindTarget(Invocation& invocation, ObjectKind kind, std::size_t which) {
     return FindObject(invocation, kind, invocation.targets()[which]);
+}
+
+std::vector<std::string> AddressTexts(unsigned adapter, ObjectKind kind,
+                                      const std::vector<std::uint64_t>& ids) {
+    std::vector<std::string> texts;
+    for (const std::uint64_t id : ids) {
+        const Address address{.adapter = adapter, .kind = kind, .id = static_cast<unsigned>(id)};
+        texts.push_back(address.Text());
+    }
+    return texts;
 }
 
 unsigned FindAdapter(Invocation& invocation) {

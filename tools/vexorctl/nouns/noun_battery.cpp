@@ -1,12 +1,14 @@
 // vexorctl battery ...
 #include <utility>
 
-#include "codes/battery.h"
+#include "codes/code_table.h"
 #include "common/address.h"
+#include "library_fields.h"
+#include "model/ask_controller.h"
 #include "model/batteries.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
-#include "model/result_tree.h"
+#include "model/library_record.h"
 #include "nouns/find_object.h"
 #include "nouns/nouns.h"
 #include "nouns/plan_and_act.h"
@@ -21,19 +23,12 @@ namespace vexorctl {
 
 namespace {
 
-constexpr hxcodes::Named kFeatureBits[] = {
-    {hxcodes::BatteryFeature::kRelearn, "relearn"},
-    {hxcodes::BatteryFeature::kThresholds, "thresholds"},
-};
-
-Cell PercentAt(const Value& value, std::string_view path) {
-    return value.Find(path) == nullptr ? Unknown()
-                                       : RatioCell(static_cast<double>(value.Number(path)) / 100);
-}
+using fields::BBU_Info;
+using hxcodes::CodeTable;
 
 // 65535 minutes: nothing is going on that could end.
-Cell MinutesAt(const Value& value, std::string_view path) {
-    return value.Number(path) == 65535 ? Unknown() : NumberAt(value, path);
+Cell MinutesAt(const Record<BBU_Info>& info, NumberField<BBU_Info> field) {
+    return info[field] == 65535 ? None() : FieldCell(info, field);
 }
 
 using enum Kind;
@@ -42,55 +37,55 @@ using enum Place;
 constexpr Column<Battery> kColumns[] = {
     {{"address", "ADDRESS", kText, kTable, "The address of its adapter"},
      [](const Battery& it) { return TextCell(it.address.Text()); }},
-    {{"status", "STATUS", kBits, kTable, "Its state as bits"},
-     [](const Battery& it) { return BitsAt(it.info, "status", hxcodes::kBatteryBits); }},
+    {{"status", "STATUS", kBits, kTable, "Its state as bits", &CodeTable::battery_bits},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::status); }},
     {{"charge_ratio", "CHARGE", kRatio, kTable, "How full it is"},
-     [](const Battery& it) { return PercentAt(it.info, "percentage"); }},
+     [](const Battery& it) { return PercentAt(it.info, BBU_Info::percentage); }},
     {{"temperature_celsius", "CELSIUS", kNumber, kTable, "Its temperature"},
-     [](const Battery& it) { return NumberAt(it.info, "temperature"); }},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::temperature); }},
     {{"voltage_millivolts", "MILLIVOLTS", kNumber, kTable, "Its voltage"},
-     [](const Battery& it) { return NumberAt(it.info, "voltage"); }},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::voltage); }},
     {{"capacity_mah", "MAH", kNumber, kTable, "What is left in it"},
-     [](const Battery& it) { return NumberAt(it.info, "curCapacity"); }},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::curCapacity); }},
     {{"full_capacity_mah", "FULL MAH", kNumber, kTable, "What it holds when full"},
-     [](const Battery& it) { return NumberAt(it.info, "maxCapacity"); }},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::maxCapacity); }},
     {{"cycles", "CYCLES", kNumber, kTable, "Its charge cycles so far"},
-     [](const Battery& it) { return NumberAt(it.info, "recharge_cycle"); }},
-    {{"previous_status", "BEFORE", kBits, kWide, "Its state before the last change"},
-     [](const Battery& it) { return BitsAt(it.info, "prev_status", hxcodes::kBatteryBits); }},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::recharge_cycle); }},
+    {{"previous_status", "BEFORE", kBits, kWide, "Its state before the last change",
+      &CodeTable::battery_bits},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::prev_status); }},
     {{"minutes_to_empty", "EMPTY IN", kNumber, kWide,
       "Minutes until it is empty, when it is discharging"},
-     [](const Battery& it) { return MinutesAt(it.info, "time_to_empty"); }},
+     [](const Battery& it) { return MinutesAt(it.info, BBU_Info::time_to_empty); }},
     {{"minutes_to_full", "FULL IN", kNumber, kWide,
       "Minutes until it is full, when it is charging"},
-     [](const Battery& it) { return MinutesAt(it.info, "time_to_full"); }},
+     [](const Battery& it) { return MinutesAt(it.info, BBU_Info::time_to_full); }},
     {{"charge_below_ratio", "CHARGE BELOW", kRatio, kWide, "The charge below which it is charged"},
-     [](const Battery& it) { return PercentAt(it.info, "percent_to_charge"); }},
+     [](const Battery& it) { return PercentAt(it.info, BBU_Info::percent_to_charge); }},
     {{"min_temperature_celsius", "MIN CELSIUS", kNumber, kWide, "Setting: reported below this"},
-     [](const Battery& it) { return NumberAt(it.info, "temp_lowerbound"); }},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::temp_lowerbound); }},
     {{"max_temperature_celsius", "MAX CELSIUS", kNumber, kWide, "Setting: reported above this"},
-     [](const Battery& it) { return NumberAt(it.info, "temp_upperbound"); }},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::temp_upperbound); }},
     {{"min_voltage_millivolts", "MIN MILLIVOLTS", kNumber, kWide, "Setting: reported below this"},
-     [](const Battery& it) { return NumberAt(it.info, "volt_lowerbound"); }},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::volt_lowerbound); }},
     {{"max_voltage_millivolts", "MAX MILLIVOLTS", kNumber, kWide, "Setting: reported above this"},
-     [](const Battery& it) { return NumberAt(it.info, "volt_upperbound"); }},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::volt_upperbound); }},
     {{"min_capacity_mah", "MIN MAH", kNumber, kWide, "The lowest capacity that can be set"},
-     [](const Battery& it) { return NumberAt(it.info, "supportMinCapacity"); }},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::supportMinCapacity); }},
     {{"max_capacity_mah", "MAX MAH", kNumber, kWide, "The highest capacity that can be set"},
-     [](const Battery& it) { return NumberAt(it.info, "supportMaxCapacity"); }},
-    {{"features", "FEATURES", kBits, kWide, "What it can do"},
-     [](const Battery& it) { return BitsAt(it.info, "featureSupport", kFeatureBits); }},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::supportMaxCapacity); }},
+    {{"features", "FEATURES", kBits, kWide, "What it can do", &CodeTable::battery_features},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::featureSupport); }},
     {{"flags_code", "FLAGS", kNumber, kWide, "Further bits of the controller"},
-     [](const Battery& it) { return NumberAt(it.info, "flags"); }},
+     [](const Battery& it) { return FieldCell(it.info, BBU_Info::flags); }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
 Exit ListBatteries(Invocation& invocation) {
     SelectAdapters(invocation);
-    Report report;
-    Tabulate(report, kColumns, LoadBatteries(invocation.controller()));
-    return Show(invocation, std::move(report), invocation.row().verb == "show" ? "list" : "table");
+    return Show(invocation,
+                Tabulated(invocation, kColumns, LoadBatteries(invocation.controller())));
 }
 
 // ---- Changes ----------------------------------------------------------------------------------
@@ -104,62 +99,78 @@ Battery FindBattery(Invocation& invocation) {
     return std::move(batteries.front());
 }
 
-Change ChangeOf(const Battery& battery, std::string what, std::string_view function) {
-    return {.what = std::move(what) + " the battery of " + battery.address.Text(),
+Change ChangeOf(const Battery& battery, const std::string& what, Command command) {
+    return {.what = what + " the battery of " + battery.address.Text(),
             .losses = {},
             .confirm = {},
-            .commands = {{function, {{"AdapterID", std::to_string(battery.address.adapter)}}}},
+            .commands = {std::move(command)},
             .address = battery.address.Text(),
             .size_bytes = {}};
 }
 
+template <class Function>
+Request<Function> RequestTo(const Battery& battery) {
+    return {{Function::AdapterID, battery.address.adapter}};
+}
+
 Exit RelearnBattery(Invocation& invocation) {
-    return CarryOut(invocation, ChangeOf(FindBattery(invocation), "Start a relearn cycle of",
-                                         "HX_BBU_ActRelearn"));
+    const Battery battery = FindBattery(invocation);
+    return CarryOut(invocation, ChangeOf(battery, "Start a relearn cycle of",
+                                         RequestTo<calls::HX_BBU_ActRelearn>(battery)));
 }
 
 Exit PowerBattery(Invocation& invocation) {
+    using Function = calls::HX_BBU_ChangePower;
     const Battery battery = FindBattery(invocation);
     if (!invocation.Has("--action")) throw UsageError("--action is missing: charge or discharge");
-    Change change = ChangeOf(battery, "Change the power of", "HX_BBU_ChangePower");
-    change.commands.front().fields.emplace_back(
-        "action", CodeOption(invocation, "--action", hxcodes::kPowerNames));
-    return CarryOut(invocation, change);
+    auto request = RequestTo<Function>(battery);
+    request.Add({Function::action, CodeOption(invocation, "--action", &CodeTable::powers)});
+    return CarryOut(invocation, ChangeOf(battery, "Change the power of", std::move(request)));
 }
 
+// A bound: its option, the parameter that sets it, and the field that tells what it is.
+using SetThreshold = calls::HX_BBU_SetThreshold;
+struct Bound {
+    std::string_view option;
+    Parameter<SetThreshold> parameter;
+    NumberField<BBU_Info> field;
+};
+constexpr Bound kBounds[] = {
+    {"--min-temperature", SetThreshold::tempLowerBound, BBU_Info::temp_lowerbound},
+    {"--max-temperature", SetThreshold::tempUpperBound, BBU_Info::temp_upperbound},
+    {"--min-voltage", SetThreshold::volLowerBound, BBU_Info::volt_lowerbound},
+    {"--max-voltage", SetThreshold::volUpperBound, BBU_Info::volt_upperbound},
+};
+
 // The library takes both pairs of bounds in one call: those not named stay.
-Exit SetBattery(Invocation& invocation) {
-    const Battery battery = FindBattery(invocation);
-    Change change = ChangeOf(battery, "Set", "HX_BBU_SetThreshold");
-    struct Bound {
-        const char* option;
-        const char* request;
-        const char* record;
-    };
-    constexpr Bound kBounds[] = {
-        {"--min-temperature", "tempLowerBound", "temp_lowerbound"},
-        {"--max-temperature", "tempUpperBound", "temp_upperbound"},
-        {"--min-voltage", "volLowerBound", "volt_lowerbound"},
-        {"--max-voltage", "volUpperBound", "volt_upperbound"},
-    };
-    bool bounds = false;
+Request<SetThreshold> RequestBounds(const Invocation& invocation, const Battery& battery) {
+    auto request = RequestTo<SetThreshold>(battery);
     for (const Bound& bound : kBounds) {
         const auto number = invocation.Number(bound.option, 65535);
-        bounds = bounds || number;
-        change.commands.front().fields.emplace_back(
-            bound.request, std::to_string(number.value_or(battery.info.Number(bound.record))));
+        request.Add(
+            {bound.parameter, number ? *number : Kept(battery.info, bound.field, battery.address)});
     }
-    if (!bounds) change.commands.clear();
-    const std::string adapter = std::to_string(battery.address.adapter);
-    if (invocation.Has("--use")) {
-        change.commands.push_back(
-            {"HX_BBU_SetStatus",
-             {{"AdapterID", adapter}, {"status", SwitchOption(invocation, "--use", 0)}}});
+    return request;
+}
+
+Exit SetBattery(Invocation& invocation) {
+    using SetStatus = calls::HX_BBU_SetStatus;
+    using SetCapacity = calls::HX_BBU_SetMaxCapacity;
+    const Battery battery = FindBattery(invocation);
+    Change change = ChangeOf(battery, "Set", {});
+    change.commands.clear();
+    if (std::ranges::any_of(kBounds,
+                            [&](const Bound& bound) { return invocation.Has(bound.option); })) {
+        change.commands.push_back(RequestBounds(invocation, battery));
+    }
+    if (const auto use = SwitchOption(invocation, "--use")) {
+        auto request = RequestTo<SetStatus>(battery);
+        request.Add({SetStatus::status, *use});
+        change.commands.push_back(std::move(request));
     }
     if (const auto capacity = invocation.Number("--capacity", 65535)) {
-        change.commands.push_back(
-            {"HX_BBU_SetMaxCapacity",
-             {{"maxCapacity", std::to_string(*capacity)}, {"BBU_ID", adapter}}});
+        change.commands.push_back(Request<SetCapacity>{
+            {SetCapacity::maxCapacity, *capacity}, {SetCapacity::BBU_ID, battery.address.adapter}});
     }
     if (change.commands.empty()) throw UsageError("no setting was named");
     return CarryOut(invocation, change);
@@ -184,7 +195,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kAdapter,
      .arity = Arity::kAny,
      .target_name = "ADAPTER",
-     .functions = "HX_BBU_GetInfo",
+     .functions = kNamesOf<calls::HX_BBU_GetInfo>,
      .examples = {"vexorctl battery list", "vexorctl battery list -o json"},
      .run = ListBatteries,
      .columns = Columns,
@@ -195,7 +206,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kAdapter,
      .arity = Arity::kAny,
      .target_name = "ADAPTER",
-     .functions = "HX_BBU_GetInfo",
+     .functions = kNamesOf<calls::HX_BBU_GetInfo>,
      .examples = {"vexorctl battery show a0",
                   "vexorctl battery show a0 --columns charge_ratio,cycles"},
      .run = ListBatteries,
@@ -207,7 +218,8 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "ADAPTER",
      .options = kSetOptions,
-     .functions = "HX_BBU_SetThreshold HX_BBU_SetStatus HX_BBU_SetMaxCapacity",
+     .functions = kNamesOf<calls::HX_BBU_SetThreshold, calls::HX_BBU_SetStatus,
+                           calls::HX_BBU_SetMaxCapacity>,
      .examples = {"vexorctl battery set a0 --max-temperature 45 --dry-run",
                   "vexorctl battery set a0 --use off --dry-run"},
      .run = SetBattery,
@@ -219,7 +231,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kAdapter,
      .arity = Arity::kOne,
      .target_name = "ADAPTER",
-     .functions = "HX_BBU_ActRelearn",
+     .functions = kNamesOf<calls::HX_BBU_ActRelearn>,
      .examples = {"vexorctl battery relearn a0 --dry-run",
                   "vexorctl battery relearn a0 --dry-run -o json"},
      .run = RelearnBattery,
@@ -232,7 +244,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "ADAPTER",
      .options = kPowerOptions,
-     .functions = "HX_BBU_ChangePower",
+     .functions = kNamesOf<calls::HX_BBU_ChangePower>,
      .examples = {"vexorctl battery power a0 --action charge --dry-run",
                   "vexorctl battery power a0 --action discharge --dry-run"},
      .run = PowerBattery,

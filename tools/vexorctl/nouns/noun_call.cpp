@@ -7,10 +7,10 @@
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/library_functions.h"
-#include "model/library_session.h"
 #include "model/xml_text.h"
 #include "nouns/nouns.h"
 #include "nouns/raw_command.h"
+#include "output/cell.h"
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
 
@@ -107,8 +107,7 @@ Exit RunCall(Invocation& invocation) {
         AppendField(*function, command, invocation.targets()[i]);
     }
     command += "</" + name + ">";
-    Session session;
-    return RunCommand(session, name, command);
+    return RunCommand(invocation.controller(), name, command);
 }
 
 constexpr CommandRow kCommands[] = {

@@ -2,11 +2,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "codes/battery.h"
+#include "codes/code_table.h"
 #include "codes/enclosure.h"
-#include "codes/state.h"
+#include "codes/named.h"
 #include "common/address.h"
 #include "common/terminal_text.h"
+#include "library_fields.h"
 #include "model/adapters.h"
 #include "model/ask_controller.h"
 #include "model/batteries.h"
@@ -15,10 +16,11 @@
 #include "model/enclosures.h"
 #include "model/exit_code.h"
 #include "model/fault.h"
+#include "model/library_record.h"
 #include "model/virtual_disks.h"
+#include "nouns/creation_options.h"
 #include "nouns/nouns.h"
 #include "output/cell.h"
-#include "output/cell_text.h"
 #include "output/report.h"
 #include "output/streams.h"
 #include "shell/command_rows.h"
@@ -66,90 +68,152 @@ constexpr Column<Finding> kColumns[] = {
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
-void CheckState(std::vector<Finding>& findings, const Address& address, std::uint64_t state) {
-    const std::string_view name = hxcodes::NameOf(hxcodes::kStateNames, static_cast<HX_U32>(state));
-    Level level = kUnknown;
-    switch (state) {
-        case hxcodes::State::kOptimal:
-            return;
-        case hxcodes::State::kPartiallyOptimal:
-        case hxcodes::State::kRebuilding:
-        case hxcodes::State::kForeign:
-            level = kWarning;
-            break;
-        case hxcodes::State::kDegraded:
-        case hxcodes::State::kOffline:
-            level = kCritical;
-            break;
-        default:
-            break;
+// How grave a state is, by its name.
+struct Grave {
+    std::string_view state;
+    Level level;
+};
+constexpr Grave kOfVirtualDisks[] = {
+    {"optimal", kOk},      {"partially_optimal", kWarning}, {"rebuilding", kWarning},
+    {"foreign", kWarning}, {"degraded", kCritical},         {"offline", kCritical},
+};
+constexpr Grave kOfDisks[] = {
+    {"free", kOk},          {"configured", kOk},   {"global_spare", kOk},    {"group_spare", kOk},
+    {"offline", kWarning},  {"foreign", kWarning}, {"rebuilding", kWarning}, {"failed", kCritical},
+    {"missing", kCritical},
+};
+constexpr Grave kOfElements[] = {
+    {"ok", kOk},
+    {"unsupported", kOk},
+    {"not_installed", kOk},
+    {"not_available", kOk},
+    {"noncritical", kWarning},
+    {"critical", kCritical},
+    {"unrecoverable", kCritical},
+    {"unknown", kUnknown},
+};
+
+// Null for a state of which nobody has said what it means.
+std::optional<Level> LevelOf(std::span<const Grave> rows, std::string_view state) {
+    for (const Grave& row : rows) {
+        if (row.state == state) return row.level;
     }
-    findings.push_back({level, address.Text(),
-                        name.empty() ? "state " + std::to_string(state) : std::string(name)});
+    return std::nullopt;
 }
 
-void CheckDisks(std::vector<Finding>& findings, const std::vector<Disk>& disks) {
+// What the checks find, and what they look at.
+class Findings {
+public:
+    explicit Findings(const hxcodes::CodeTable& codes) : codes_(codes) {}
+
+    const hxcodes::CodeTable& codes() const { return codes_; }
+    std::vector<Finding>& all() { return all_; }
+
+    void Add(Level level, const Address& address, std::string message) {
+        if (level != kOk) all_.push_back({level, address.Text(), std::move(message)});
+    }
+    /// What was not seen is not well.
+    void AddUnseen(const Address& address, const std::string& what) {
+        Add(kUnknown, address, what + " is not known");
+    }
+    /// A state by its name, or by its number where it has none; `what` says what it is the state
+    /// of.
+    void AddState(std::span<const Grave> rows, const Address& address,
+                  const std::optional<std::string>& state, const std::string& what = {}) {
+        if (!state) {
+            AddUnseen(address, what + "its state");
+        } else if (const auto level = LevelOf(rows, *state)) {
+            Add(*level, address, what + *state);
+        } else {
+            Add(kUnknown, address, what + "state " + *state);
+        }
+    }
+    void AddState(std::span<const Grave> rows, CodeNames names, const Address& address,
+                  std::optional<std::uint64_t> state, const std::string& what = {}) {
+        std::optional<std::string> word;
+        if (state) word = hxcodes::NameOf(codes_.*names, *state);
+        if (word == "") word = std::to_string(*state);
+        AddState(rows, address, word, what);
+    }
+
+private:
+    const hxcodes::CodeTable& codes_;
+    std::vector<Finding> all_;
+};
+
+void CheckAdapters(Findings& findings, const std::vector<Adapter>& adapters) {
+    for (const Adapter& adapter : adapters) {
+        const auto health = adapter.info[fields::Adapter_Info::img_health];
+        if (!health) findings.AddUnseen(adapter.address, "the state of its flash");
+        if (health == 0) {
+            findings.Add(kWarning, adapter.address, "an image in the flash is damaged");
+        }
+    }
+}
+
+void CheckDisks(Findings& findings, const std::vector<Disk>& disks) {
     for (const Disk& disk : disks) {
-        const std::string state = DiskState(disk);
-        const std::string address = disk.address.Text();
-        if (state == "failed" || state == "missing") {
-            findings.push_back({kCritical, address, state});
-        } else if (state == "offline" || state == "foreign" || state == "rebuilding") {
-            findings.push_back({kWarning, address, state});
-        }
-        if (disk.smart.Number("SmartThresholdExceeded") != 0) {
-            findings.push_back({kWarning, address, "a SMART threshold is exceeded"});
+        findings.AddState(kOfDisks, disk.address, disk.state);
+        // A missing disk cannot be asked.
+        if (disk.smart.presence() == Presence::kNotOffered || disk.state == kMissingState) continue;
+        const auto exceeded = disk.smart[fields::HD_SMART_Status::SmartThresholdExceeded];
+        if (!exceeded) findings.AddUnseen(disk.address, "its SMART state");
+        if (exceeded.value_or(0) != 0) {
+            findings.Add(kWarning, disk.address, "a SMART threshold is exceeded");
         }
     }
 }
 
-void CheckBatteries(std::vector<Finding>& findings, const std::vector<Battery>& batteries) {
+// The bit of that name in the battery's status: null when it is not known.
+std::optional<bool> BatteryBit(const Findings& findings, std::uint64_t status,
+                               std::string_view name) {
+    const auto* const row = hxcodes::FindName(findings.codes().battery_bits, name);
+    if (row == nullptr) return std::nullopt;
+    return (status & row->code) != 0;
+}
+
+void CheckBattery(Findings& findings, const Battery& battery) {
     struct Complaint {
-        unsigned bit;
+        std::string_view bit;
         Level level;
         const char* message;
     };
     constexpr Complaint kComplaints[] = {
-        {hxcodes::BatteryBit::kNeedsReplacement, kCritical, "the battery needs to be replaced"},
-        {hxcodes::BatteryBit::kTemperatureOutOfBounds, kWarning,
-         "the battery's temperature is out of bounds"},
-        {hxcodes::BatteryBit::kVoltageOutOfBounds, kWarning,
-         "the battery's voltage is out of bounds"},
+        {"needs_replacement", kCritical, "the battery needs to be replaced"},
+        {"temperature_out_of_bounds", kWarning, "the battery's temperature is out of bounds"},
+        {"voltage_out_of_bounds", kWarning, "the battery's voltage is out of bounds"},
     };
-    for (const Battery& battery : batteries) {
-        const std::uint64_t status = battery.info.Number("status");
-        for (const Complaint& complaint : kComplaints) {
-            if ((status & complaint.bit) == 0) continue;
-            findings.push_back({complaint.level, battery.address.Text(), complaint.message});
+    const auto status = battery.info[fields::BBU_Info::status];
+    if (!status) {
+        findings.AddUnseen(battery.address, "the battery's state");
+        return;
+    }
+    bool is_known = true;
+    for (const Complaint& complaint : kComplaints) {
+        const auto bit = BatteryBit(findings, *status, complaint.bit);
+        is_known = is_known && bit;
+        if (bit.value_or(false)) {
+            findings.Add(complaint.level, battery.address, complaint.message);
         }
-        if ((status & hxcodes::BatteryBit::kPresent) != 0 &&
-            (status & hxcodes::BatteryBit::kSafeForWriteBack) == 0) {
-            findings.push_back({kWarning, battery.address.Text(),
-                                "the battery does not allow write-back caching"});
-        }
+    }
+    const auto present = BatteryBit(findings, *status, "present");
+    const auto safe = BatteryBit(findings, *status, "safe_for_write_back");
+    if (!is_known || !present || !safe) {
+        findings.Add(kUnknown, battery.address, "battery state " + std::to_string(*status));
+    } else if (*present && !*safe) {
+        findings.Add(kWarning, battery.address, "the battery does not allow write-back caching");
     }
 }
 
-void CheckElements(std::vector<Finding>& findings, const std::vector<Element>& elements) {
+void CheckElements(Findings& findings, const std::vector<Element>& elements) {
+    using fields::EncElementType_Info;
     for (const Element& element : elements) {
-        const HX_U32 status = static_cast<HX_U32>(element.info.Number("Status"));
-        if (status == hxcodes::ElementStatus::kOk ||
-            status == hxcodes::ElementStatus::kNotInstalled ||
-            status == hxcodes::ElementStatus::kUnsupported ||
-            status == hxcodes::ElementStatus::kNotAvailable) {
-            continue;
-        }
-        const bool grave = status == hxcodes::ElementStatus::kCritical ||
-                           status == hxcodes::ElementStatus::kUnrecoverable;
-        const Level level = grave                                            ? kCritical
-                            : status == hxcodes::ElementStatus::kNoncritical ? kWarning
-                                                                             : kUnknown;
-        const std::string type(hxcodes::NameOf(hxcodes::kElementTypeNames,
-                                               static_cast<HX_U32>(element.info.Number("Type"))));
-        const std::string_view name = hxcodes::NameOf(hxcodes::kElementStatusNames, status);
-        findings.push_back(
-            {level, element.address.Text(),
-             type + " " + (name.empty() ? "state " + std::to_string(status) : std::string(name))});
+        const auto type = element.info[EncElementType_Info::Type];
+        const std::string name(type ? hxcodes::NameOf(hxcodes::kElementTypeNames, *type)
+                                    : std::string_view());
+        findings.AddState(kOfElements, &hxcodes::CodeTable::element_states, element.address,
+                          element.info[EncElementType_Info::Status],
+                          name.empty() ? std::string() : name + " ");
     }
 }
 
@@ -157,28 +221,37 @@ std::string Counted(std::size_t count, const std::string& what) {
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
+// "CRITICAL: a1/pd3 failed; 2 adapters, 24 disks, 4 virtual disks"
+std::string LineOf(const std::vector<Finding>& findings, Level worst, const std::string& counts) {
+    std::string line(kLevelWords[worst]);
+    line += ": ";
+    for (const Finding& finding : findings) {
+        if (!finding.address.empty()) line += finding.address + " ";
+        line += finding.message + "; ";
+    }
+    return Printable(line + counts) + "\n";
+}
+
 Exit Check(Invocation& invocation) {
     SelectAdapters(invocation);
     Controller& controller = invocation.controller();
-    std::vector<Finding> findings;
+    Findings seen(controller.codes().table());
     const std::vector<Adapter> adapters = LoadAdapters(controller);
-    for (const Adapter& adapter : adapters) {
-        if (adapter.info.Find("img_health") != nullptr && adapter.info.Number("img_health") == 0) {
-            findings.push_back(
-                {kWarning, adapter.address.Text(), "an image in the flash is damaged"});
-        }
-    }
+    CheckAdapters(seen, adapters);
     const std::vector<Disk> disks = LoadDisks(controller);
-    CheckDisks(findings, disks);
+    CheckDisks(seen, disks);
     const std::vector<VirtualDisk> virtual_disks = LoadVirtualDisks(controller);
     for (const VirtualDisk& disk : virtual_disks) {
-        CheckState(findings, disk.address, disk.info.Number("Status"));
+        seen.AddState(kOfVirtualDisks, &hxcodes::CodeTable::states, disk.address,
+                      disk.info[fields::LD_Info::Status]);
     }
     for (const DiskGroup& group : LoadDiskGroups(controller)) {
-        CheckState(findings, group.address, group.info.Number("Status"));
+        seen.AddState(kOfVirtualDisks, &hxcodes::CodeTable::states, group.address,
+                      group.info[fields::DG_Info::Status]);
     }
-    CheckBatteries(findings, LoadBatteries(controller));
-    CheckElements(findings, LoadElements(controller));
+    for (const Battery& battery : LoadBatteries(controller)) CheckBattery(seen, battery);
+    CheckElements(seen, LoadElements(controller));
+    std::vector<Finding>& findings = seen.all();
     for (const Fault& fault : controller.faults()) {
         findings.push_back({kUnknown, fault.address, fault.message});
     }
@@ -187,24 +260,12 @@ Exit Check(Invocation& invocation) {
     const Level worst = findings.empty() ? kOk : findings.front().level;
 
     if (invocation.Has("--output")) {
-        Report report;
-        Tabulate(report, kColumns, findings);
-        report.command = invocation.row().Name();
-        const Style style = StyleOf(invocation, "table");
-        Arrange(invocation, style, report);
-        report.faults = controller.faults();
-        Print(report, style);
+        Present(invocation, Tabulated(invocation, kColumns, findings), "table");
     } else {
-        std::string line(kLevelWords[worst]);
-        line += ": ";
-        for (std::size_t i = 0; i < findings.size(); ++i) {
-            line += (i == 0 ? "" : "; ") + findings[i].address +
-                    (findings[i].address.empty() ? "" : " ") + findings[i].message;
-        }
-        if (!findings.empty()) line += "; ";
-        line += Counted(adapters.size(), "adapter") + ", " + Counted(disks.size(), "disk") + ", " +
-                Counted(virtual_disks.size(), "virtual disk");
-        PrintText(Printable(line) + "\n");
+        PrintText(LineOf(findings, worst,
+                         Counted(adapters.size(), "adapter") + ", " +
+                             Counted(disks.size(), "disk") + ", " +
+                             Counted(virtual_disks.size(), "virtual disk")));
     }
     // The levels are the codes 0 to 3, whatever these mean elsewhere.
     return static_cast<Exit>(worst);
@@ -220,8 +281,9 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "ADAPTER",
      .options = kOptions,
-     .functions = "HX_Adapter_GetInfo HX_PD_GetHDInfo_Ext HX_PD_GetSmartStatus HX_LD_GetInfo "
-                  "HX_DG_GetInfo HX_BBU_GetInfo HX_ENC_GetElementInfo",
+     .functions = kNamesOf<calls::HX_Adapter_GetInfo, calls::HX_PD_GetHDInfo_Ext,
+                           calls::HX_PD_GetSmartStatus, calls::HX_LD_GetInfo, calls::HX_DG_GetInfo,
+                           calls::HX_BBU_GetInfo, calls::HX_ENC_GetElementInfo>,
      .examples = {"vexorctl check", "vexorctl check a0 -o json"},
      .run = Check,
      .columns = Columns,

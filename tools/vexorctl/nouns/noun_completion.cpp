@@ -2,7 +2,9 @@
 // that they never differ from the command tree and know the objects that are there.
 #include <algorithm>
 
+#include "common/address.h"
 #include "common/terminal_text.h"
+#include "library_fields.h"
 #include "model/adapters.h"
 #include "model/ask_controller.h"
 #include "model/disk_groups.h"
@@ -84,39 +86,47 @@ void Add(std::vector<std::string>& candidates, std::string_view words) {
     }
 }
 
-template <class Objects>
-void AddObjects(std::vector<std::string>& candidates, const Objects& objects) {
-    for (const auto& object : objects) {
-        candidates.push_back(object.address.Text());
-        const std::string name = object.info.Text("Name");
-        const std::string serial = object.info.Text("SerialNo");
-        if (!name.empty()) candidates.push_back("name:" + name);
-        if (!serial.empty()) candidates.push_back("serial:" + serial);
-    }
+void AddObject(std::vector<std::string>& candidates, const Address& address,
+               const std::optional<std::string>& name, const std::optional<std::string>& serial) {
+    candidates.push_back(address.Text());
+    if (name && !name->empty()) candidates.push_back("name:" + *name);
+    if (serial && !serial->empty()) candidates.push_back("serial:" + *serial);
 }
 
 void AddTargets(std::vector<std::string>& candidates, Controller& controller, Target target) {
     switch (target) {
         case Target::kAdapter:
-            AddObjects(candidates, LoadAdapters(controller));
+            for (const Adapter& each : LoadAdapters(controller)) {
+                AddObject(candidates, each.address, {}, each.info[fields::Adapter_Info::SerialNo]);
+            }
             break;
         case Target::kDisk:
-            AddObjects(candidates, LoadDisks(controller));
+            for (const Disk& each : LoadDisks(controller)) {
+                AddObject(candidates, each.address, {}, each.info[fields::HD_Info::SerialNo]);
+            }
             break;
         case Target::kVirtualDisk:
-            AddObjects(candidates, LoadVirtualDisks(controller));
+            for (const VirtualDisk& each : LoadVirtualDisks(controller)) {
+                AddObject(candidates, each.address, each.info[fields::LD_Info::Name], {});
+            }
             break;
         case Target::kDiskGroup:
-            AddObjects(candidates, LoadDiskGroups(controller));
+            for (const DiskGroup& each : LoadDiskGroups(controller)) {
+                AddObject(candidates, each.address, each.info[fields::DG_Info::Name], {});
+            }
             break;
         case Target::kEnclosure:
-            AddObjects(candidates, LoadEnclosures(controller));
+            for (const Enclosure& each : LoadEnclosures(controller)) {
+                AddObject(candidates, each.address, {}, {});
+            }
             break;
         case Target::kElement:
-            AddObjects(candidates, LoadElements(controller));
+            for (const Element& each : LoadElements(controller)) {
+                AddObject(candidates, each.address, {}, {});
+            }
             break;
         case Target::kTask:
-            for (const Task& task : LoadTasks(controller)) {
+            for (const Task& task : LoadTasks(controller, TaskDetail::kActivity)) {
                 candidates.push_back(task.address.Text());
             }
             break;

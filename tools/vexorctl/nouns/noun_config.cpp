@@ -2,8 +2,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/exit_code.h"
+#include "model/library_record.h"
 #include "model/library_session.h"
 #include "nouns/nouns.h"
 #include "output/cell.h"
@@ -19,7 +21,7 @@ namespace {
 
 struct Setting {
     std::string name;
-    std::string value;
+    std::optional<std::string> value;
     std::string source;  // where a setting of the library comes from; empty for what is none
 };
 
@@ -37,12 +39,13 @@ constexpr Column<Setting> kColumns[] = {
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
-// The modules whose versions the library knows, as its record calls them.
-constexpr std::pair<const char*, const char*> kModules[] = {
-    {"product", "product_version"},
-    {"vexorapi", "library_version"},
-    {"hxraidsvc", "event_service_version"},
-    {"php_vexorapi", "php_module_version"},
+// The modules whose versions the library knows, and what we call them.
+using Modules = calls::VX_Module_GetInfo::Result;
+constexpr std::pair<RecordField<Modules, fields::VX_VER_INFO>, const char*> kModules[] = {
+    {Modules::product, "product_version"},
+    {Modules::vexorapi, "library_version"},
+    {Modules::hxraidsvc, "event_service_version"},
+    {Modules::php_vexorapi, "php_module_version"},
 };
 
 // What holds where the file says nothing.
@@ -71,26 +74,25 @@ void AddConfiguration(std::vector<Setting>& settings) {
 Exit ShowConfig(Invocation& invocation) {
     Controller& controller = invocation.controller();
     std::vector<Setting> settings{{"vexorctl_version", VEXORCTL_VERSION, {}}};
-    if (const auto result = controller.Get("", {"VX_Module_GetInfo", {}})) {
-        for (const auto& [element, name] : kModules) {
-            settings.push_back({name, VersionAt(*result, element).text, {}});
+    if (const auto answer = controller.Get("", Request<calls::VX_Module_GetInfo>{})) {
+        for (const auto& [module, name] : kModules) {
+            settings.push_back({name, VersionText((*answer)[module]), {}});
         }
     }
-    if (const auto result = controller.Get("", {"HX_API_Version", {}})) {
-        settings.push_back({"controller_library_version", result->Text("RetVal"), {}});
+    if (const auto answer = controller.Get("", Request<calls::HX_API_Version>{})) {
+        settings.push_back(
+            {"controller_library_version", (*answer)[calls::HX_API_Version::Result::RetVal], {}});
     }
     settings.push_back({"configuration_file", ConfigurationPath(), {}});
     AddConfiguration(settings);
-    Report report;
-    Tabulate(report, kColumns, settings);
-    return Show(invocation, std::move(report), "table");
+    return Show(invocation, Tabulated(invocation, kColumns, settings), "table");
 }
 
 constexpr CommandRow kCommands[] = {
     {.noun = "config",
      .verb = "show",
      .summary = "Show versions and the library's configuration",
-     .functions = "VX_Module_GetInfo HX_API_Version",
+     .functions = kNamesOf<calls::VX_Module_GetInfo, calls::HX_API_Version>,
      .examples = {"vexorctl config show", "vexorctl config show -o jsonl"},
      .run = ShowConfig,
      .columns = Columns,

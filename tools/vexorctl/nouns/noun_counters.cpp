@@ -1,7 +1,10 @@
 // vexorctl counters ...
 #include <utility>
 
+#include "library_fields.h"
+#include "model/ask_controller.h"
 #include "model/exit_code.h"
+#include "model/library_record.h"
 #include "nouns/nouns.h"
 #include "output/cell.h"
 #include "output/report.h"
@@ -15,16 +18,27 @@ namespace {
 
 struct Counter {
     std::string name;
-    std::uint64_t count;
+    std::optional<std::uint64_t> count;
 };
 
-// The elements of the library's record, and what we call them.
-constexpr std::pair<const char*, const char*> kNames[] = {
-    {"Whatever_Change", "any"},   {"Adapter_Change", "adapter"},    {"LD_Change", "virtual_disk"},
-    {"HD_Change", "disk"},        {"PM_Change", "port_multiplier"}, {"Expander_Change", "expander"},
-    {"MDD_Change", "metadata"},   {"BSL_Change", "bad_sectors"},    {"SAS_Change", "sas"},
-    {"ENCL_Change", "enclosure"}, {"BAT_Change", "battery"},        {"FLASH_Change", "flash"},
-    {"CACHE_Change", "cache"},    {"MISC_Change", "misc"},          {"ARRAY_Change", "disk_group"},
+// The fields of the library's record, and what we call them.
+using Counters = fields::VX_HX_ChangeCounters;
+constexpr std::pair<NumberField<Counters>, const char*> kNames[] = {
+    {Counters::Whatever_Change, "any"},
+    {Counters::Adapter_Change, "adapter"},
+    {Counters::LD_Change, "virtual_disk"},
+    {Counters::HD_Change, "disk"},
+    {Counters::PM_Change, "port_multiplier"},
+    {Counters::Expander_Change, "expander"},
+    {Counters::MDD_Change, "metadata"},
+    {Counters::BSL_Change, "bad_sectors"},
+    {Counters::SAS_Change, "sas"},
+    {Counters::ENCL_Change, "enclosure"},
+    {Counters::BAT_Change, "battery"},
+    {Counters::FLASH_Change, "flash"},
+    {Counters::CACHE_Change, "cache"},
+    {Counters::MISC_Change, "misc"},
+    {Counters::ARRAY_Change, "disk_group"},
 };
 
 using enum Kind;
@@ -41,21 +55,20 @@ std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
 Exit ShowCounters(Invocation& invocation) {
     std::vector<Counter> counters;
-    if (const auto result = invocation.controller().Get("", {"VX_HX_EVT_GetChangeCounters", {}})) {
-        for (const auto& [element, name] : kNames) {
-            counters.push_back({name, result->Number("ChangeCounters/" + std::string(element))});
+    using Function = calls::VX_HX_EVT_GetChangeCounters;
+    if (const auto answer = invocation.controller().Get("", Request<Function>{})) {
+        for (const auto& [field, name] : kNames) {
+            counters.push_back({name, (*answer)[Function::Result::ChangeCounters][field]});
         }
     }
-    Report report;
-    Tabulate(report, kColumns, counters);
-    return Show(invocation, std::move(report), "table");
+    return Show(invocation, Tabulated(invocation, kColumns, counters), "table");
 }
 
 constexpr CommandRow kCommands[] = {
     {.noun = "counters",
      .verb = "show",
      .summary = "Show the change counters",
-     .functions = "VX_HX_EVT_GetChangeCounters",
+     .functions = kNamesOf<calls::VX_HX_EVT_GetChangeCounters>,
      .examples = {"vexorctl counters show", "vexorctl counters show -o json"},
      .run = ShowCounters,
      .columns = Columns},

@@ -1,18 +1,21 @@
 // vexorctl dg ...
 #include <algorithm>
+#include <map>
 #include <utility>
 
-#include "codes/activity.h"
+#include "codes/code_table.h"
 #include "codes/level.h"
-#include "codes/state.h"
 #include "common/address.h"
+#include "common/size.h"
+#include "hxraid.h"
+#include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/disk_groups.h"
 #include "model/disks.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
+#include "model/library_record.h"
 #include "model/object_name.h"
-#include "model/result_tree.h"
 #include "model/virtual_disks.h"
 #include "nouns/choose_disks.h"
 #include "nouns/creation_options.h"
@@ -31,25 +34,17 @@ namespace vexorctl {
 
 namespace {
 
-constexpr std::uint64_t kNone = 65535;
+using fields::DG_Config;
+using fields::DG_Info;
+using hxcodes::CodeTable;
 
-Cell AddressesCell(const DiskGroup& group, std::string_view field, std::uint64_t count,
-                   ObjectKind kind) {
-    if (group.info.Find(field) == nullptr) return Unknown();
-    std::vector<std::string> texts;
-    for (const std::uint64_t id : group.info.Numbers(field, count)) {
-        if (id == kNone) continue;
-        texts.push_back(
-            Address{.adapter = group.address.adapter, .kind = kind, .id = static_cast<unsigned>(id)}
-                .Text());
-    }
-    return TextsCell(std::move(texts));
-}
+constexpr std::uint64_t kNoVirtualDisk = 65535;
 
-Cell StripeCell(const Value& info) {
-    return info.Find("StripeBlockSize") == nullptr
-               ? Unknown()
-               : NumberCell(1024 * info.Number("StripeBlockSize"));
+Cell AddressesCell(const DiskGroup& group, ObjectKind kind,
+                   std::optional<std::vector<std::uint64_t>> ids) {
+    if (!ids) return Unknown();
+    std::erase(*ids, kNoVirtualDisk);
+    return TextsCell(AddressTexts(group.address.adapter, kind, *ids));
 }
 
 using enum Kind;
@@ -59,238 +54,226 @@ constexpr Column<DiskGroup> kColumns[] = {
     {{"address", "ADDRESS", kText, kTable, "Its address"},
      [](const DiskGroup& it) { return TextCell(it.address.Text()); }},
     {{"name", "NAME", kText, kTable, "Its name"},
-     [](const DiskGroup& it) { return TextAt(it.info, "Name"); }},
-    {{"state", "STATE", kCode, kTable, "Its state"},
-     [](const DiskGroup& it) { return CodeAt(it.info, "Status", hxcodes::kStateNames); }},
-    {{"level", "LEVEL", kCode, kTable, "Its RAID level"},
-     [](const DiskGroup& it) { return CodeAt(it.info, "RaidMode", hxcodes::kLevelNames); }},
+     [](const DiskGroup& it) { return FieldCell(it.info, DG_Info::Name); }},
+    {{"state", "STATE", kCode, kTable, "Its state", &CodeTable::states},
+     [](const DiskGroup& it) { return FieldCell(it.info, DG_Info::Status); }},
+    {{"level", "LEVEL", kCode, kTable, "Its RAID level", &CodeTable::levels},
+     [](const DiskGroup& it) { return FieldCell(it.info, DG_Info::RaidMode); }},
     {{"size_bytes", "SIZE", kBytes, kTable, "What virtual disks can take of it in all"},
-     [](const DiskGroup& it) { return SectorsAt(it.info, "TotalManagedSpace"); }},
+     [](const DiskGroup& it) { return SectorsAt(it.info, DG_Info::TotalManagedSpace); }},
     {{"free_bytes", "FREE", kBytes, kTable, "What new virtual disks can take"},
-     [](const DiskGroup& it) { return SectorsAt(it.info, "RemainingManagedSpace"); }},
+     [](const DiskGroup& it) { return SectorsAt(it.info, DG_Info::RemainingManagedSpace); }},
     {{"disks", "DISKS", kTexts, kTable, "Its disks"},
      [](const DiskGroup& it) {
-         return AddressesCell(it, "PDIDs", it.info.Number("PDCount"), ObjectKind::kDisk);
+         return AddressesCell(it, ObjectKind::kDisk, DisksOf(it.info.view()));
      }},
     {{"spares", "SPARES", kTexts, kTable, "Its spares"},
      [](const DiskGroup& it) {
-         return AddressesCell(it, "SparePDIDs", it.info.Number("SparePDCount"), ObjectKind::kDisk);
+         return AddressesCell(it, ObjectKind::kDisk, SparesOf(it.info.view()));
      }},
     {{"vds", "VDS", kTexts, kTable, "The virtual disks on it"},
      [](const DiskGroup& it) {
-         return AddressesCell(it, "VDIDs", HX_MAX_VD_SLOTS, ObjectKind::kVirtualDisk);
+         return AddressesCell(it, ObjectKind::kVirtualDisk, it.info[DG_Info::VDIDs]);
      }},
-    {{"activity", "ACTIVITY", kCode, kTable, "What is going on in the background"},
-     [](const DiskGroup& it) { return CodeAt(it.info, "BgaType", hxcodes::kActivityNames); }},
-    {{"activity_state", "ACTIVITY STATE", kCode, kWide, "How that stands"},
-     [](const DiskGroup& it) { return CodeAt(it.info, "BgaState", hxcodes::kActivityStateNames); }},
+    {{"activity", "ACTIVITY", kCode, kTable, "What is going on in the background",
+      &CodeTable::activities},
+     [](const DiskGroup& it) { return FieldCell(it.info, DG_Info::BgaType); }},
+    {{"activity_state", "ACTIVITY STATE", kCode, kWide, "How that stands",
+      &CodeTable::activity_states},
+     [](const DiskGroup& it) { return FieldCell(it.info, DG_Info::BgaState); }},
     {{"smallest_disk_free_bytes", "SMALLEST", kBytes, kWide,
       "The room on the smallest of its disks"},
-     [](const DiskGroup& it) { return SectorsAt(it.info, "SmallestAvailablePDSize"); }},
+     [](const DiskGroup& it) { return SectorsAt(it.info, DG_Info::SmallestAvailablePDSize); }},
     {{"stripe_bytes", "STRIPE", kBytes, kWide, "Its stripe size"},
-     [](const DiskGroup& it) { return StripeCell(it.info); }},
+     [](const DiskGroup& it) { return ScaledAt(it.info, DG_Info::StripeBlockSize, 1024); }},
     {{"leg_count", "LEGS", kNumber, kWide, "The number of its legs; 0 for a level without"},
-     [](const DiskGroup& it) { return NumberAt(it.info, "SubVDCount"); }},
+     [](const DiskGroup& it) { return FieldCell(it.info, DG_Info::SubVDCount); }},
     {{"parity_disks", "PARITY", kNumber, kWide, "The number of its parity disks"},
-     [](const DiskGroup& it) { return NumberAt(it.info, "NumParityDisk"); }},
+     [](const DiskGroup& it) { return FieldCell(it.info, DG_Info::NumParityDisk); }},
     {{"sector_bytes", "SECTOR", kNumber, kWide, "The size of its sectors"},
-     [](const DiskGroup& it) { return NumberAt(it.info, "BlockSize"); }},
+     [](const DiskGroup& it) { return FieldCell(it.info, DG_Info::BlockSize); }},
     {{"write_cache", "WRITE CACHE", kBool, kWide, "Setting: the write cache of its disks is on"},
-     [](const DiskGroup& it) { return NumberAt(it.config, "WriteCacheOn"); }},
+     [](const DiskGroup& it) { return FieldCell(it.config, DG_Config::WriteCacheOn); }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
 Exit ListDiskGroups(Invocation& invocation) {
     SelectAdapters(invocation);
-    Report report;
-    Tabulate(report, kColumns, LoadDiskGroups(invocation.controller()));
-    return Show(invocation, std::move(report), invocation.row().verb == "show" ? "list" : "table");
+    return Show(invocation,
+                Tabulated(invocation, kColumns, LoadDiskGroups(invocation.controller())));
 }
 
 // ---- Changes ----------------------------------------------------------------------------------
 
 DiskGroup FindDiskGroup(Invocation& invocation) {
     const Address address = FindTarget(invocation, ObjectKind::kDiskGroup);
-    for (DiskGroup& group : LoadDiskGroups(invocation.controller())) {
-        if (group.address == address) return std::move(group);
-    }
-    throw Failure(Exit::kNoObject, address.Text() + ": there is no such disk group any more");
+    return TakeObject(LoadDiskGroups(invocation.controller()), address);
 }
 
 std::string Described(const DiskGroup& group) {
-    return group.address.Text() + " (" + group.info.Text("Name") + ", " +
-           SizeText(512 * group.info.Number("TotalManagedSpace"), {}) + ")";
+    return group.address.Text() + " (" + Shown(group.info[DG_Info::Name]) + ", " +
+           SectorsText(group.info[DG_Info::TotalManagedSpace]) + ")";
 }
 
 std::string ConfirmName(const DiskGroup& group) {
-    const std::string name = group.info.Text("Name");
+    const std::string name = group.info[DG_Info::Name].value_or("");
     return name.empty() ? group.address.Text() : name;
 }
 
-std::string Joined(std::span<const Disk> disks) {
-    std::string text;
-    for (const Disk& disk : disks) {
-        text.append(text.empty() ? "" : ", ").append(disk.address.Text());
-    }
-    return text;
+// The disk group as commands find it: no losses, no question, and one command.
+Change ChangeOf(const DiskGroup& group, const std::string& what, Command command) {
+    return {.what = what + " disk group " + Described(group),
+            .losses = {},
+            .confirm = {},
+            .commands = {std::move(command)},
+            .address = group.address.Text(),
+            .size_bytes = {}};
+}
+
+// What the request for a new disk group and the question for its size have in common.
+template <class Function>
+void AddCreation(Request<Function>& request, const Invocation& invocation,
+                 const hxcodes::LevelRow& level, std::span<const Disk> disks,
+                 const std::string& name) {
+    request.Add({Function::Name, name});
+    request.Add({Function::RaidMode, hxcodes::NumberOf(level.code)});
+    request.Add({Function::SubVDCount, invocation.Number("--legs", 255).value_or(0)});
+    request.Add({Function::NumParityDisk, hxcodes::ParityDisks(level, 0)});
+    request.Add({Function::StripeBlockSize, StripeOption(invocation).value_or(64)});
+    request.Add({Function::Size, 0});
+    request.Add({Function::BlockSize, kSectorBytes});
+    request.Add({Function::InitializationOption, 0});
+    request.Add({Function::PDCount, disks.size()});
+    request.Add({Function::PDIDs, Ids(disks)});
 }
 
 Exit CreateDiskGroup(Invocation& invocation) {
-    const LevelRow& level = LevelOption(invocation);
+    using Look = calls::HX_DG_GetSizeOnly;
+    using Function = calls::HX_DG_Create;
+    const hxcodes::LevelRow& level = LevelOption(invocation);
     const std::vector<Disk> disks = NamedDisks(invocation, invocation.targets());
     // Disks that were unplugged between two looks.
     if (disks.empty()) throw UsageError("no disks: a disk group needs one at least");
     const unsigned adapter = disks.front().address.adapter;
-    const std::string name = NameOption(invocation, NameMarkup::kBare, "NEW_DG");
-    const Fields fields{
-        {"AdapterID", std::to_string(adapter)},
-        {"Name", name},
-        {"RaidMode", std::string(level.code)},
-        {"SubVDCount", std::to_string(invocation.Number("--legs", 255).value_or(0))},
-        {"NumParityDisk", std::to_string(level.parity)},
-        {"StripeBlockSize", StripeOption(invocation, "64")},
-        {"Size", "0"},
-        {"BlockSize", "512"},
-        {"InitializationOption", "0"},
-        {"PDCount", std::to_string(disks.size())},
-        {"PDIDs", Ids(disks)}};
-    Fields asking = fields;
-    asking.insert(asking.begin() + 1, {"DGID", std::to_string(kNone)});
-    const Command look{"HX_DG_GetSizeOnly", std::move(asking)};
-    const Answer size = invocation.controller().Ask(look);
-    if (size.exit != Exit::kDone) {
-        throw Failure(size.exit,
-                      "RAID " + std::string(level.name) + " over " + Joined(disks) + ": " +
-                          size.complaint + Alternatives(invocation, adapter),
-                      FaultOf(look, size));
+    const std::string name = NameOption(invocation, NameMarkup::kBare).value_or("NEW_DG");
+    Request<Look> look{{Look::AdapterID, adapter}, {Look::DGID, HX_NEW_ID}};
+    AddCreation(look, invocation, level, disks, name);
+    const auto answer = invocation.controller().Ask(look);
+    const auto size =
+        answer[Look::Result::CreateOrModify_DG_Param][fields::CreateOrModify_DG_Param::Size];
+    if (answer.exit != Exit::kDone || !size) {
+        throw Refused(invocation, adapter,
+                      "RAID " + std::string(level.number) + " over " + Addresses(disks), look,
+                      answer);
     }
-    std::vector<Address> before;
-    for (const DiskGroup& group : LoadDiskGroups(invocation.controller())) {
-        before.push_back(group.address);
-    }
+    Request<Function> request{{Function::AdapterID, adapter}};
+    AddCreation(request, invocation, level, disks, name);
     Change change{
-        .what = "Create a RAID " + std::string(level.name) + " disk group called " + name + " on",
+        .what = "Create a RAID " + std::string(level.number) + " disk group called " + name + " on",
         .losses = {},
         .confirm = {},
-        .commands = {{"HX_DG_Create", fields}},
+        .commands = {std::move(request)},
         .address = {},
-        .size_bytes = 512 * size.result.Number("CreateOrModify_DG_Param/Size"),
-        .find = [&invocation, before] {
-            for (const DiskGroup& group : LoadDiskGroups(invocation.controller())) {
-                if (std::ranges::find(before, group.address) == before.end()) {
-                    return group.address.Text();
-                }
-            }
-            return std::string();
-        }};
+        .size_bytes = kSectorBytes * *size,
+        .find = FindNewest(invocation, &LoadDiskGroups)};
     AddDisks(change, disks, name);
     return CarryOut(invocation, change);
 }
 
-std::vector<std::string> DisksOf(const DiskGroup& group) {
-    return AddressesCell(group, "PDIDs", group.info.Number("PDCount"), ObjectKind::kDisk).texts;
-}
-
-std::string JoinedDisks(const DiskGroup& group) {
-    std::string text;
-    for (const std::string& disk : DisksOf(group)) {
-        text.append(text.empty() ? "" : ", ").append(disk);
-    }
-    return text;
-}
-
 Exit DeleteDiskGroup(Invocation& invocation) {
+    using fields::LD_Info;
     const DiskGroup group = FindDiskGroup(invocation);
-    Change change{.what = "Delete disk group " + Described(group),
-                  .losses = {},
-                  .confirm = ConfirmName(group),
-                  .commands = {{"HX_DG_Delete", AddressFields(group.address, "DG_ID")}},
-                  .address = group.address.Text(),
-                  .size_bytes = {}};
+    Change change =
+        ChangeOf(group, "Delete", RequestFor(group.address, calls::HX_DG_Delete::DG_ID));
+    change.confirm = ConfirmName(group);
     for (const VirtualDisk& disk : LoadVirtualDisks(invocation.controller())) {
+        const auto owner = disk.info[LD_Info::DGID];
         if (disk.address.adapter != group.address.adapter ||
-            disk.info.Number("DGID") != group.address.id) {
+            owner.value_or(group.address.id) != group.address.id) {
             continue;
         }
-        change.losses.push_back("virtual disk " + disk.address.Text() + " (" +
-                                disk.info.Text("Name") + ", " +
-                                SizeText(512 * disk.info.Number("Size"), {}) +
-                                ") lies on it and will be lost with all its data");
+        change.losses.push_back(
+            "virtual disk " + disk.address.Text() + " (" + Shown(disk.info[LD_Info::Name]) + ", " +
+            SectorsText(disk.info[LD_Info::Size]) + ") " + (owner ? "lies" : "may lie") +
+            " on it and will be lost with all its data");
     }
-    change.losses.push_back("its disks: " + JoinedDisks(group));
+    const auto disks = DisksOf(group.info.view());
+    change.losses.push_back(
+        "its disks: " +
+        (disks ? Joined(AddressTexts(group.address.adapter, ObjectKind::kDisk, *disks), ", ")
+               : std::string("not known")));
     return CarryOut(invocation, change);
+}
+
+std::string NameOrKept(const Invocation& invocation, const DiskGroup& group) {
+    const auto name = NameOption(invocation, NameMarkup::kBare);
+    return name ? *name : Kept(group.info, DG_Info::Name, group.address);
 }
 
 // What is not named stays; a group without a name cannot be told from one whose name stays.
 Exit SetDiskGroup(Invocation& invocation) {
+    using Function = calls::HX_DG_SetConfig;
     const DiskGroup group = FindDiskGroup(invocation);
     if (!invocation.Has("--name") && !invocation.Has("--write-cache")) {
         throw UsageError("no setting was named");
     }
-    Fields fields = AddressFields(group.address, "DG_ID");
-    fields.emplace_back("DGID", std::to_string(group.address.id));
-    fields.emplace_back("WriteCacheOn", SwitchOption(invocation, "--write-cache",
-                                                     group.config.Number("WriteCacheOn")));
-    fields.emplace_back("Name", NameOption(invocation, NameMarkup::kBare, group.info.Text("Name")));
-    return CarryOut(invocation, {.what = "Set disk group " + Described(group),
-                                 .losses = {},
-                                 .confirm = {},
-                                 .commands = {{"HX_DG_SetConfig", std::move(fields)}},
-                                 .address = group.address.Text(),
-                                 .size_bytes = {}});
+    const auto write_cache = SwitchOption(invocation, "--write-cache");
+    auto request = RequestFor(group.address, Function::DG_ID);
+    request.Add({Function::DGID, group.address.id});
+    request.Add(
+        {Function::WriteCacheOn,
+         write_cache ? *write_cache : Kept(group.config, DG_Config::WriteCacheOn, group.address)});
+    request.Add({Function::Name, NameOrKept(invocation, group)});
+    return CarryOut(invocation, ChangeOf(group, "Set", std::move(request)));
 }
 
 // Adds the disks to those that the group has.
 Exit ModifyDiskGroup(Invocation& invocation) {
+    using Function = calls::HX_DG_Modify;
     const DiskGroup group = FindDiskGroup(invocation);
     const std::vector<std::string> typed = SplitList(invocation.Get("--add", ""));
-    std::vector<std::string> members = DisksOf(group);
+    std::vector<std::string> members = KnownDisks(group.address, DisksOf(group.info.view()));
     members.insert(members.end(), typed.begin(), typed.end());
     const std::vector<Disk> disks = NamedDisks(invocation, members);
     if (typed.empty() && !invocation.Has("--name")) throw UsageError("no change was named");
-    const Fields fields{
-        {"AdapterID", std::to_string(group.address.adapter)},
-        {"DGID", std::to_string(group.address.id)},
-        {"Name", NameOption(invocation, NameMarkup::kBare, group.info.Text("Name"))},
-        {"RaidMode", group.info.Text("RaidMode")},
-        {"SubVDCount", group.info.Text("SubVDCount")},
-        {"NumParityDisk", group.info.Text("NumParityDisk")},
-        {"StripeBlockSize", group.info.Text("StripeBlockSize")},
-        {"Size", "0"},
-        {"BlockSize", group.info.Text("BlockSize")},
-        {"PDCount", std::to_string(disks.size())},
-        {"PDIDs", Ids(disks)}};
-    Change change{.what = "Modify disk group " + Described(group) + " on",
-                  .losses = {},
-                  .confirm = ConfirmName(group),
-                  .commands = {{"HX_DG_Modify", fields}},
-                  .address = group.address.Text(),
-                  .size_bytes = {},
-                  .starts_task = true};
+    const auto kept = [&](auto field) { return Kept(group.info, field, group.address); };
+    Change change =
+        ChangeOf(group, "Modify",
+                 Request<Function>{{Function::AdapterID, group.address.adapter},
+                                   {Function::DGID, group.address.id},
+                                   {Function::Name, NameOrKept(invocation, group)},
+                                   {Function::RaidMode, kept(DG_Info::RaidMode)},
+                                   {Function::SubVDCount, kept(DG_Info::SubVDCount)},
+                                   {Function::NumParityDisk, kept(DG_Info::NumParityDisk)},
+                                   {Function::StripeBlockSize, kept(DG_Info::StripeBlockSize)},
+                                   {Function::Size, 0},
+                                   {Function::BlockSize, kept(DG_Info::BlockSize)},
+                                   {Function::PDCount, disks.size()},
+                                   {Function::PDIDs, Ids(disks)}});
+    change.what += " on";
+    change.confirm = ConfirmName(group);
+    change.starts_task = true;
     AddDisks(change, disks, ConfirmName(group));
     return CarryOut(invocation, change);
 }
 
 Exit MigrateDiskGroup(Invocation& invocation) {
+    using Function = calls::HX_DG_StartMigration;
     const DiskGroup group = FindDiskGroup(invocation);
-    const LevelRow& level = LevelOption(invocation);
+    const hxcodes::LevelRow& level = LevelOption(invocation);
     std::vector<std::string> typed = SplitList(invocation.Get("--to", ""));
-    if (typed.empty()) typed = DisksOf(group);
+    if (typed.empty()) typed = KnownDisks(group.address, DisksOf(group.info.view()));
     const std::vector<Disk> disks = NamedDisks(invocation, typed);
-    Fields fields = AddressFields(group.address, "DGID");
-    fields.emplace_back("RaidMode", level.code);
-    fields.emplace_back("NumParityDisk", std::to_string(level.parity));
-    fields.emplace_back("PDCount", std::to_string(disks.size()));
-    fields.emplace_back("PDIDs", Ids(disks));
-    Change change{.what = "Migrate disk group " + Described(group) + " to RAID " +
-                          std::string(level.name) + " on",
-                  .losses = {},
-                  .confirm = ConfirmName(group),
-                  .commands = {{"HX_DG_StartMigration", std::move(fields)}},
-                  .address = group.address.Text(),
-                  .size_bytes = {},
-                  .starts_task = true};
+    auto request = RequestFor(group.address, Function::DGID);
+    request.Add({Function::RaidMode, hxcodes::NumberOf(level.code)});
+    request.Add({Function::NumParityDisk, hxcodes::ParityDisks(level, 0)});
+    request.Add({Function::PDCount, disks.size()});
+    request.Add({Function::PDIDs, Ids(disks)});
+    Change change = ChangeOf(group, "Migrate", std::move(request));
+    change.what += " to RAID " + std::string(level.number) + " on";
+    change.confirm = ConfirmName(group);
+    change.starts_task = true;
     AddDisks(change, disks, ConfirmName(group));
     return CarryOut(invocation, change);
 }
@@ -325,7 +308,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "DG",
      .options = kAdapterOption,
-     .functions = "HX_DG_GetInfo HX_DG_GetConfig",
+     .functions = kNamesOf<calls::HX_DG_GetInfo, calls::HX_DG_GetConfig>,
      .examples = {"vexorctl dg list", "vexorctl dg list -o jsonl"},
      .run = ListDiskGroups,
      .columns = Columns},
@@ -336,7 +319,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "DG",
      .options = kAdapterOption,
-     .functions = "HX_DG_GetInfo HX_DG_GetConfig",
+     .functions = kNamesOf<calls::HX_DG_GetInfo, calls::HX_DG_GetConfig>,
      .examples = {"vexorctl dg show a0/dg0", "vexorctl dg show name:GROUP_A --bytes"},
      .run = ListDiskGroups,
      .columns = Columns},
@@ -347,7 +330,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kMany,
      .target_name = "DISK",
      .options = kCreateOptions,
-     .functions = "HX_DG_GetSizeOnly HX_DG_Create",
+     .functions = kNamesOf<calls::HX_DG_GetSizeOnly, calls::HX_DG_Create>,
      .examples = {"vexorctl dg create a0/pd11 a0/pd12 a0/pd13 --raid 5 --name group1 --dry-run",
                   "vexorctl dg create a0/pd11 a0/pd12 --raid 1 --dry-run"},
      .run = CreateDiskGroup,
@@ -359,7 +342,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kDiskGroup,
      .arity = Arity::kOne,
      .target_name = "DG",
-     .functions = "HX_DG_Delete",
+     .functions = kNamesOf<calls::HX_DG_Delete>,
      .examples = {"vexorctl dg delete a0/dg0 --dry-run",
                   "vexorctl dg delete name:GROUP_A --dry-run -o json"},
      .run = DeleteDiskGroup,
@@ -373,7 +356,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "DG",
      .options = kSetOptions,
-     .functions = "HX_DG_GetConfig HX_DG_SetConfig",
+     .functions = kNamesOf<calls::HX_DG_GetConfig, calls::HX_DG_SetConfig>,
      .examples = {"vexorctl dg set a0/dg0 --name FAST --dry-run",
                   "vexorctl dg set a0/dg0 --write-cache on --dry-run"},
      .run = SetDiskGroup,
@@ -386,7 +369,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "DG",
      .options = kModifyOptions,
-     .functions = "HX_DG_Modify",
+     .functions = kNamesOf<calls::HX_DG_Modify>,
      .examples = {"vexorctl dg modify a0/dg0 --add a0/pd11 --dry-run",
                   "vexorctl dg modify a0/dg0 --name FAST --dry-run"},
      .run = ModifyDiskGroup,
@@ -400,7 +383,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "DG",
      .options = kMigrateOptions,
-     .functions = "HX_DG_StartMigration",
+     .functions = kNamesOf<calls::HX_DG_StartMigration>,
      .examples = {"vexorctl dg migrate a0/dg0 --raid 6 --dry-run",
                   "vexorctl dg migrate a0/dg0 --raid 5 --to a0/pd0,a0/pd1,a0/pd2,a0/pd3 --dry-run"},
      .run = MigrateDiskGroup,

@@ -3,17 +3,15 @@
 #include <map>
 #include <utility>
 
-#include "codes/activity.h"
-#include "codes/device.h"
-#include "codes/disk.h"
-#include "codes/state.h"
-#include "codes/virtual_disk.h"
+#include "codes/code_table.h"
 #include "common/address.h"
+#include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/disks.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
-#include "model/result_tree.h"
+#include "model/library_record.h"
+#include "model/virtual_disks.h"
 #include "nouns/find_object.h"
 #include "nouns/nouns.h"
 #include "nouns/plan_and_act.h"
@@ -29,42 +27,50 @@ namespace vexorctl {
 
 namespace {
 
-constexpr std::uint64_t kNone = 65535;
+using fields::Block_Info;
+using fields::HD_BGA_Status;
+using fields::HD_Config;
+using fields::HD_FreeSpaceInfo;
+using fields::HD_Info;
+using fields::HD_RAID_Status;
+using fields::HD_SMART_Status;
+using fields::Link_Endpoint;
+using fields::Link_Entity;
+using fields::RCT_Record;
+using hxcodes::CodeTable;
 
-Cell OwnerCell(const Disk& disk) {
-    const Value* const owner = disk.raid.Find("LDID");
-    if (owner == nullptr) return Unknown();
-    if (owner->Number("") == kNone) return TextCell("");
-    return TextCell(Address{.adapter = disk.address.adapter,
-                            .kind = ObjectKind::kVirtualDisk,
-                            .id = static_cast<unsigned>(owner->Number(""))}
-                        .Text());
-}
+// What lists have in the place of an object's number where there is none.
+constexpr std::uint64_t kNoObject = 65535;
+constexpr std::uint64_t kNoVirtualDisk = 255;  // in the records of blocks too
 
-Cell GroupCell(const Disk& disk) {
-    if (!disk.group) return TextCell("");
+Cell AddressCell(const Disk& disk, ObjectKind kind, std::optional<std::uint64_t> id) {
+    if (!id) return Unknown();
+    if (*id == kNoObject) return TextCell("");
     return TextCell(
-        Address{.adapter = disk.address.adapter, .kind = ObjectKind::kDiskGroup, .id = *disk.group}
+        Address{.adapter = disk.address.adapter, .kind = kind, .id = static_cast<unsigned>(*id)}
             .Text());
 }
 
-Cell EnclosureCell(const Disk& disk) {
-    const std::uint64_t enclosure = disk.info.Number("Link/Self/EnclosureID");
-    if (disk.info.Find("Link") == nullptr || enclosure == kNone) return TextCell("");
-    return TextCell(Address{.adapter = disk.address.adapter,
-                            .kind = ObjectKind::kEnclosure,
-                            .id = static_cast<unsigned>(enclosure)}
-                        .Text());
+Cell OwnerCell(const Disk& disk) {
+    return IfOffered(disk.raid, [&] {
+        return AddressCell(disk, ObjectKind::kVirtualDisk, disk.raid[HD_RAID_Status::LDID]);
+    });
+}
+
+Cell GroupCell(const Disk& disk) {
+    if (disk.group.presence == Presence::kUnknown) return Unknown();
+    const bool is_in_one = disk.group.presence == Presence::kThere;
+    return AddressCell(disk, ObjectKind::kDiskGroup, is_in_one ? disk.group.group : kNoObject);
+}
+
+View<Link_Endpoint> SelfOf(const Disk& disk) { return disk.info[HD_Info::Link][Link_Entity::Self]; }
+View<Link_Endpoint> ParentOf(const Disk& disk) {
+    return disk.info[HD_Info::Link][Link_Entity::Parent];
 }
 
 Cell PhyCell(const Disk& disk) {
-    const std::vector<std::uint64_t> phys = disk.info.Numbers("Link/Parent/PhyID");
-    return phys.empty() ? Unknown() : NumberCell(phys.front());
-}
-
-Cell ProgressCell(const Disk& disk) {
-    if (disk.activity.Number("Bga") == 0) return Unknown();
-    return RatioCell(static_cast<double>(disk.activity.Number("Percentage")) / 100);
+    const auto phys = ParentOf(disk)[Link_Endpoint::PhyID];
+    return !phys || phys->empty() ? Unknown() : NumberCell(phys->front());
 }
 
 using enum Kind;
@@ -74,134 +80,142 @@ constexpr Column<Disk> kColumns[] = {
     {{"address", "ADDRESS", kText, kTable, "Its address"},
      [](const Disk& it) { return TextCell(it.address.Text()); }},
     {{"state", "STATE", kText, kTable, "Its state in one word"},
-     [](const Disk& it) { return TextCell(DiskState(it)); }},
+     [](const Disk& it) { return TextCell(it.state); }},
     {{"size_bytes", "SIZE", kBytes, kTable, "Its size"},
-     [](const Disk& it) { return SectorsAt(it.info, "Size"); }},
+     [](const Disk& it) { return SectorsAt(it.info, HD_Info::Size); }},
     {{"free_bytes", "FREE", kBytes, kTable, "What is free for new virtual disks"},
-     [](const Disk& it) { return SectorsAt(it.free_space, "Size"); }},
+     [](const Disk& it) { return SectorsAt(it.free_space, HD_FreeSpaceInfo::Size); }},
     {{"vd", "VD", kText, kTable, "The virtual disk that it serves"},
      [](const Disk& it) { return OwnerCell(it); }},
     {{"dg", "DG", kText, kTable, "The disk group that it serves"},
      [](const Disk& it) { return GroupCell(it); }},
     {{"model", "MODEL", kText, kTable, "Its model"},
-     [](const Disk& it) { return TextAt(it.info, "Model"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::Model); }},
     {{"serial", "SERIAL", kText, kTable, "Its serial number"},
-     [](const Disk& it) { return TextAt(it.info, "SerialNo"); }},
-    {{"connection", "LINK", kCode, kTable, "How it is connected"},
-     [](const Disk& it) {
-         return CodeAt(it.info, "ConnectionType", hxcodes::kConnectionTypeNames);
-     }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::SerialNo); }},
+    {{"connection", "LINK", kCode, kTable, "How it is connected", &CodeTable::connections},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::ConnectionType); }},
     {{"enclosure", "ENCLOSURE", kText, kTable, "The enclosure that it is in"},
-     [](const Disk& it) { return EnclosureCell(it); }},
+     [](const Disk& it) {
+         return AddressCell(it, ObjectKind::kEnclosure, SelfOf(it)[Link_Endpoint::EnclosureID]);
+     }},
     {{"phy", "PHY", kNumber, kTable, "The phy of its parent to which it is connected"},
      [](const Disk& it) { return PhyCell(it); }},
     {{"smart_alarm", "SMART ALARM", kBool, kTable, "Whether a SMART threshold is exceeded"},
-     [](const Disk& it) { return NumberAt(it.smart, "SmartThresholdExceeded"); }},
-    {{"status", "STATUS", kBits, kWide, "Its state as bits"},
-     [](const Disk& it) { return BitsAt(it.info, "Status", hxcodes::kDiskBits); }},
+     [](const Disk& it) { return FieldCell(it.smart, HD_SMART_Status::SmartThresholdExceeded); }},
+    {{"status", "STATUS", kBits, kWide, "Its state as bits", &CodeTable::disk_bits},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::Status); }},
     {{"firmware_version", "FIRMWARE", kText, kWide, "The version of its firmware"},
-     [](const Disk& it) { return TextAt(it.info, "FWVersion"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::FWVersion); }},
     {{"wwn", "WWN", kText, kWide, "Its world wide name"},
-     [](const Disk& it) { return WwnAt(it.info, "WWN"); }},
+     [](const Disk& it) { return HexAt(it.info, HD_Info::WWN); }},
     {{"sas_address", "SAS ADDRESS", kText, kWide, "Its SAS address"},
-     [](const Disk& it) { return WwnAt(it.info, "Link/Self/SAS_Address"); }},
-    {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to"},
-     [](const Disk& it) { return CodeAt(it.info, "Link/Parent/DevType", hxcodes::kDeviceNames); }},
+     [](const Disk& it) { return HexAt(SelfOf(it), Link_Endpoint::SAS_Address); }},
+    {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to",
+      &CodeTable::devices},
+     [](const Disk& it) { return FieldCell(ParentOf(it), Link_Endpoint::DevType); }},
     {{"parent_id", "PARENT ID", kNumber, kWide, "The number of that device"},
-     [](const Disk& it) { return NumberAt(it.info, "Link/Parent/DevID"); }},
-    {{"features", "FEATURES", kBits, kWide, "What it can do"},
-     [](const Disk& it) { return BitsAt(it.info, "FeatureSupport", hxcodes::kDiskFeatureBits); }},
+     [](const Disk& it) { return FieldCell(ParentOf(it), Link_Endpoint::DevID); }},
+    {{"features", "FEATURES", kBits, kWide, "What it can do", &CodeTable::disk_features},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::FeatureSupport); }},
     {{"type_code", "TYPE", kNumber, kWide, "Its type, as bits of the controller"},
-     [](const Disk& it) { return NumberAt(it.info, "HDType"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::HDType); }},
     {{"device_type_code", "DEVICE TYPE", kNumber, kWide, "Its kind, a code of the controller"},
-     [](const Disk& it) { return NumberAt(it.info, "DeviceType"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::DeviceType); }},
     {{"usable", "USABLE", kBool, kWide, "Whether virtual disks can be made of it"},
-     [](const Disk& it) { return NumberAt(it.info, "CanLogicalUsed"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::CanLogicalUsed); }},
     {{"fixed", "FIXED", kBool, kWide, "Whether it is not removable"},
-     [](const Disk& it) { return NumberAt(it.free_space, "isFixed"); }},
+     [](const Disk& it) { return FieldCell(it.free_space, HD_FreeSpaceInfo::isFixed); }},
     {{"boot_record", "BOOT RECORD", kBool, kWide, "Whether it holds a boot record"},
-     [](const Disk& it) { return it.boot_record ? NumberCell(*it.boot_record) : Unknown(); }},
+     [](const Disk& it) {
+         return it.boot_record ? NumberCell(*it.boot_record ? 1 : 0) : Unknown();
+     }},
     {{"write_cache", "WRITE CACHE", kBool, kWide, "Setting: its write cache is on"},
-     [](const Disk& it) { return NumberAt(it.config, "WriteCacheOn"); }},
+     [](const Disk& it) { return FieldCell(it.config, HD_Config::WriteCacheOn); }},
     {{"smart_on", "SMART ON", kBool, kWide, "Setting: SMART is on"},
-     [](const Disk& it) { return NumberAt(it.config, "SMARTOn"); }},
+     [](const Disk& it) { return FieldCell(it.config, HD_Config::SMARTOn); }},
     {{"online", "ONLINE", kBool, kWide, "Setting: it is online"},
-     [](const Disk& it) { return NumberAt(it.config, "Online"); }},
-    {{"link_speed", "SPEED", kCode, kWide, "The speed of its link"},
-     [](const Disk& it) { return CodeAt(it.config, "DriveSpeed", hxcodes::kLinkSpeedNames); }},
-    {{"activity", "ACTIVITY", kCode, kWide, "What is going on in the background"},
-     [](const Disk& it) { return CodeAt(it.activity, "Bga", hxcodes::kActivityNames); }},
-    {{"activity_state", "ACTIVITY STATE", kCode, kWide, "How that stands"},
-     [](const Disk& it) { return CodeAt(it.activity, "BgaStatus", hxcodes::kActivityStateNames); }},
+     [](const Disk& it) { return FieldCell(it.config, HD_Config::Online); }},
+    {{"link_speed", "SPEED", kCode, kWide, "The speed of its link", &CodeTable::link_speeds},
+     [](const Disk& it) { return FieldCell(it.config, HD_Config::DriveSpeed); }},
+    {{"activity", "ACTIVITY", kCode, kWide, "What is going on in the background",
+      &CodeTable::activities},
+     [](const Disk& it) { return FieldCell(it.activity, HD_BGA_Status::Bga); }},
+    {{"activity_state", "ACTIVITY STATE", kCode, kWide, "How that stands",
+      &CodeTable::activity_states},
+     [](const Disk& it) { return FieldCell(it.activity, HD_BGA_Status::BgaStatus); }},
     {{"progress_ratio", "PROGRESS", kRatio, kWide, "How far it is"},
-     [](const Disk& it) { return ProgressCell(it); }},
+     [](const Disk& it) {
+         return ProgressAt(it.activity, HD_BGA_Status::Bga, HD_BGA_Status::Percentage);
+     }},
     {{"locate_light_code", "LOCATE", kNumber, kWide, "The locate light, a code of the controller"},
-     [](const Disk& it) { return NumberAt(it.info, "LocateLEDStatus"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::LocateLEDStatus); }},
     {{"activity_light_code", "ACTIVITY LIGHT", kNumber, kWide,
       "The activity light, a code of the controller"},
-     [](const Disk& it) { return NumberAt(it.info, "ActivityLEDStatus"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::ActivityLEDStatus); }},
     {{"error_light_code", "ERROR LIGHT", kNumber, kWide,
       "The error light, a code of the controller"},
-     [](const Disk& it) { return NumberAt(it.info, "ErrorLEDStatus"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::ErrorLEDStatus); }},
     {{"pio_mode", "PIO", kNumber, kWide, "The highest PIO mode"},
-     [](const Disk& it) { return NumberAt(it.info, "PIOMode"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::PIOMode); }},
     {{"mdma_mode", "MDMA", kNumber, kWide, "The highest multiword DMA mode"},
-     [](const Disk& it) { return NumberAt(it.info, "MDMAMode"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::MDMAMode); }},
     {{"udma_mode", "UDMA", kNumber, kWide, "The highest ultra DMA mode"},
-     [](const Disk& it) { return NumberAt(it.info, "UDMAMode"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::UDMAMode); }},
     {{"current_pio_mode", "PIO NOW", kNumber, kWide, "The PIO mode in use"},
-     [](const Disk& it) { return NumberAt(it.info, "CurrentPIOMode"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::CurrentPIOMode); }},
     {{"current_mdma_mode", "MDMA NOW", kNumber, kWide, "The multiword DMA mode in use"},
-     [](const Disk& it) { return NumberAt(it.info, "CurrentMDMAMode"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::CurrentMDMAMode); }},
     {{"current_udma_mode", "UDMA NOW", kNumber, kWide, "The ultra DMA mode in use"},
-     [](const Disk& it) { return NumberAt(it.info, "CurrentUDMAMode"); }},
+     [](const Disk& it) { return FieldCell(it.info, HD_Info::CurrentUDMAMode); }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
 Exit ListDisks(Invocation& invocation) {
     SelectAdapters(invocation);
-    Report report;
     std::vector<Disk> disks = LoadDisks(invocation.controller());
     if (invocation.Has("--free")) {
-        std::erase_if(disks, [](const Disk& disk) { return DiskState(disk) != "free"; });
+        std::erase_if(disks, [](const Disk& disk) { return disk.state != kFreeState; });
     }
     if (invocation.Has("--spare")) {
-        std::erase_if(disks, [](const Disk& disk) { return !DiskState(disk).ends_with("_spare"); });
+        std::erase_if(
+            disks, [](const Disk& disk) { return !disk.state.value_or("").ends_with("_spare"); });
     }
-    Tabulate(report, kColumns, disks);
-    return Show(invocation, std::move(report), invocation.row().verb == "show" ? "list" : "table");
+    return Show(invocation, Tabulated(invocation, kColumns, disks));
 }
 
 // ---- Blocks -----------------------------------------------------------------------------------
 
 struct Block {
     Address disk;
-    Value info;
+    std::uint64_t id;
+    Record<Block_Info> info;
 };
 
 constexpr Column<Block> kBlockColumns[] = {
     {{"address", "DISK", kText, kTable, "The address of the disk it lies on"},
      [](const Block& it) { return TextCell(it.disk.Text()); }},
     {{"block", "BLOCK", kNumber, kTable, "Its number on the adapter"},
-     [](const Block& it) { return NumberAt(it.info, "ID"); }},
+     [](const Block& it) { return NumberCell(it.id); }},
     {{"start_lba", "START", kNumber, kTable, "Its first sector"},
-     [](const Block& it) { return NumberAt(it.info, "StartLBA"); }},
+     [](const Block& it) { return FieldCell(it.info, Block_Info::StartLBA); }},
     {{"size_bytes", "SIZE", kBytes, kTable, "Its size"},
-     [](const Block& it) { return SectorsAt(it.info, "Size"); }},
+     [](const Block& it) { return SectorsAt(it.info, Block_Info::Size); }},
     {{"vd", "VD", kText, kTable, "The virtual disk it belongs to"},
      [](const Block& it) {
-         const std::uint64_t owner = it.info.Number("LDID");
-         if (owner == 255 || owner == kNone) return TextCell("");
+         const auto owner = it.info[Block_Info::LDID];
+         if (!owner) return Unknown();
+         if (*owner == kNoVirtualDisk || *owner == kNoObject) return TextCell("");
          return TextCell(Address{.adapter = it.disk.adapter,
                                  .kind = ObjectKind::kVirtualDisk,
-                                 .id = static_cast<unsigned>(owner)}
+                                 .id = static_cast<unsigned>(*owner)}
                              .Text());
      }},
-    {{"state", "STATE", kCode, kTable, "Its state"},
-     [](const Block& it) { return CodeAt(it.info, "Status", hxcodes::kStateNames); }},
-    {{"flags", "FLAGS", kBits, kTable, "What it is there for"},
-     [](const Block& it) { return BitsAt(it.info, "Flags", hxcodes::kBlockBits); }},
+    {{"state", "STATE", kCode, kTable, "Its state", &CodeTable::states},
+     [](const Block& it) { return FieldCell(it.info, Block_Info::Status); }},
+    {{"flags", "FLAGS", kBits, kTable, "What it is there for", &CodeTable::block_bits},
+     [](const Block& it) { return FieldCell(it.info, Block_Info::Flags); }},
 };
 
 std::vector<ColumnInfo> BlockColumns() { return InfoOf(kBlockColumns); }
@@ -212,6 +226,34 @@ bool IsWanted(const std::vector<Address>& wanted, const Address& disk) {
                return each.kind == ObjectKind::kAdapter ? each.adapter == disk.adapter
                                                         : each == disk;
            });
+}
+
+constexpr ListSource kBlocksOfDiskList = ListOf(
+    calls::HX_BLK_GetHDBlock::Result::Info,
+    +[](const View<fields::HD_Block_Info>& disk) { return disk[fields::HD_Block_Info::ID]; });
+
+// Of the disks that are wanted. A block that a disk has and the adapter does not tell is a row too:
+// only its number is known.
+void AddBlocks(Controller& controller, unsigned adapter, const std::vector<Address>& wanted,
+               std::vector<Block>& blocks) {
+    auto all = controller.ReadList(adapter, kBlockList);
+    for (const auto& [disk, record] : controller.ReadList(adapter, kBlocksOfDiskList).items) {
+        const Address address{
+            .adapter = adapter, .kind = ObjectKind::kDisk, .id = static_cast<unsigned>(disk)};
+        if (!IsWanted(wanted, address)) continue;
+        const auto ids = record[fields::HD_Block_Info::BlockIDs];
+        if (!ids) {
+            controller.Note({.address = address.Text(),
+                             .function = std::string(kBlocksOfDiskList.function),
+                             .name = "unreadable",
+                             .message = "which blocks it carries is not told"},
+                            Exit::kRefused);
+            continue;
+        }
+        for (const std::uint64_t id : *ids) {
+            if (id != kNoObject) blocks.push_back({address, id, all.Take(id)});
+        }
+    }
 }
 
 Exit ListBlocks(Invocation& invocation) {
@@ -227,143 +269,145 @@ Exit ListBlocks(Invocation& invocation) {
     SelectAdapters(invocation);
     std::vector<Block> blocks;
     for (const unsigned adapter : controller.Selected()) {
-        std::map<std::uint64_t, Value> by_id;
-        for (Value& block : controller.List(adapter, {"HX_BLK_GetInfo", "blockInfo", "ID"})) {
-            const std::uint64_t id = block.Number("ID");
-            by_id.emplace(id, std::move(block));
-        }
-        for (const Value& disk : controller.List(adapter, {"HX_BLK_GetHDBlock", "Info", "ID"})) {
-            const Address address{.adapter = adapter,
-                                  .kind = ObjectKind::kDisk,
-                                  .id = static_cast<unsigned>(disk.Number("ID"))};
-            if (!IsWanted(wanted, address)) continue;
-            for (const std::uint64_t id : disk.Numbers("BlockIDs")) {
-                const auto found = by_id.find(id);
-                if (id != kNone && found != by_id.end()) blocks.push_back({address, found->second});
-            }
-        }
+        AddBlocks(controller, adapter, wanted, blocks);
     }
-    Report report;
-    Tabulate(report, kBlockColumns, blocks);
-    return Present(invocation, std::move(report), "table");
+    return Present(invocation, Tabulated(invocation, kBlockColumns, blocks));
 }
 
 // ---- Remapped sectors -------------------------------------------------------------------------
 
 struct Remapped {
     Address disk;
-    Value record;
+    Record<RCT_Record> record;
 };
 
 constexpr Column<Remapped> kRemappedColumns[] = {
     {{"address", "DISK", kText, kTable, "The address of the disk"},
      [](const Remapped& it) { return TextCell(it.disk.Text()); }},
     {{"lba", "LBA", kNumber, kTable, "The first of the sectors"},
-     [](const Remapped& it) { return NumberAt(it.record, "lba"); }},
+     [](const Remapped& it) { return FieldCell(it.record, RCT_Record::lba); }},
     {{"sectors", "SECTORS", kNumber, kTable, "Their number"},
-     [](const Remapped& it) { return NumberAt(it.record, "sec"); }},
-    {{"reason", "REASON", kCode, kTable, "Why they have been remapped"},
-     [](const Remapped& it) { return CodeAt(it.record, "flag", hxcodes::kRemapReasonNames); }},
+     [](const Remapped& it) { return FieldCell(it.record, RCT_Record::sec); }},
+    {{"reason", "REASON", kCode, kTable, "Why they have been remapped", &CodeTable::remap_reasons},
+     [](const Remapped& it) { return FieldCell(it.record, RCT_Record::flag); }},
 };
 
 std::vector<ColumnInfo> RemappedColumns() { return InfoOf(kRemappedColumns); }
 
 Exit ListRemapped(Invocation& invocation) {
+    using Function = calls::HX_PD_GetRCT;
     constexpr std::uint64_t kPage = 1000;
     const Address address = FindTarget(invocation, ObjectKind::kDisk);
     Controller& controller = invocation.controller();
     std::vector<Remapped> all;
     for (std::uint64_t start = 0;;) {
         const auto page =
-            controller.Get(address.Text(), {"HX_PD_GetRCT",
-                                            {{"AdapterID", std::to_string(address.adapter)},
-                                             {"HD_ID", std::to_string(address.id)},
-                                             {"n", std::to_string(kPage)},
-                                             {"s", std::to_string(start)},
-                                             {"e", std::to_string(start + kPage - 1)}}});
+            controller.Get(address.Text(), Request<Function>{{Function::AdapterID, address.adapter},
+                                                             {Function::HD_ID, address.id},
+                                                             {Function::n, kPage},
+                                                             {Function::s, start},
+                                                             {Function::e, start + kPage - 1}});
         if (!page) break;
         const std::size_t before = all.size();
-        for (const Value& child : page->children) {
-            if (child.name == "Record") all.push_back({address, child});
+        for (auto& record : (*page)[Function::Result::Record]) {
+            all.push_back({address, std::move(record)});
         }
         start += all.size() - before;
-        if (all.size() == before || start >= page->Number("Count")) break;
+        const auto count = (*page)[Function::Result::Count];
+        if (!count) {
+            controller.Note({.address = address.Text(),
+                             .function = std::string(Function::kName),
+                             .name = "unreadable",
+                             .message = "how many sectors have been remapped is not told"},
+                            Exit::kRefused);
+        }
+        if (all.size() == before || start >= count.value_or(0)) break;
     }
-    Report report;
-    Tabulate(report, kRemappedColumns, all);
-    return Present(invocation, std::move(report), "table");
+    return Present(invocation, Tabulated(invocation, kRemappedColumns, all));
 }
 
 // ---- Changes ----------------------------------------------------------------------------------
 
 // What a person knows a disk by.
 std::string Described(const Disk& disk) {
-    return disk.address.Text() + " (" + disk.info.Text("Model") + ", serial " +
-           disk.info.Text("SerialNo") + ", " + SizeText(512 * disk.info.Number("Size"), {}) + ", " +
-           DiskState(disk) + ")";
+    return disk.address.Text() + " (" + Shown(disk.info[HD_Info::Model]) + ", serial " +
+           Shown(disk.info[HD_Info::SerialNo]) + ", " + SectorsText(disk.info[HD_Info::Size]) +
+           ", " + Shown(disk.state) + ")";
 }
 
 Disk FindDisk(Invocation& invocation) {
     const Address address = FindTarget(invocation, ObjectKind::kDisk);
-    for (Disk& disk : LoadDisks(invocation.controller())) {
-        if (disk.address == address) return std::move(disk);
-    }
-    throw Failure(Exit::kNoObject, address.Text() + ": there is no such disk any more");
+    return TakeObject(LoadDisks(invocation.controller()), address);
 }
 
-Change ChangeOf(const Disk& disk, std::string what, std::string_view function) {
-    return {.what = std::move(what) + " " + Described(disk),
+// The disk as commands find it: no losses, no question, and one command.
+Change ChangeOf(const Disk& disk, const std::string& what, Command command) {
+    return {.what = what + " " + Described(disk),
             .losses = {},
             .confirm = {},
-            .commands = {{function, AddressFields(disk.address, "HD_ID")}},
+            .commands = {std::move(command)},
             .address = disk.address.Text(),
             .size_bytes = {}};
 }
 
 Exit LocateDisk(Invocation& invocation) {
+    using Function = calls::HX_LocateArrayDevice;
     const Address address = FindTarget(invocation, ObjectKind::kDisk);
     const bool off = invocation.Has("--off");
+    const std::uint64_t device = CodeNamed(invocation.controller(), &CodeTable::devices, "disk");
     return CarryOut(
         invocation,
         {.what = "Switch the locate light of " + address.Text() + (off ? " off" : " on"),
          .losses = {},
          .confirm = {},
-         .commands = {{"HX_LocateArrayDevice",
-                       {{"AdapterID", std::to_string(address.adapter)},
-                        {"deviceType", std::to_string(hxcodes::Device::kDisk)},
-                        {"deviceId", std::to_string(address.id)},
-                        {"ledStatus", off ? "0" : "1"}}}},
+         .commands = {Request<Function>{{Function::AdapterID, address.adapter},
+                                        {Function::deviceType, device},
+                                        {Function::deviceId, address.id},
+                                        {Function::ledStatus, off ? 0 : 1}}},
          .address = address.Text(),
          .size_bytes = {}});
 }
 
 Exit SpareDisk(Invocation& invocation) {
+    using OfAdapter = calls::HX_PD_FreeHD2GlobalSpare;
+    using OfGroup = calls::HX_PD_FreeHD2DGSpare;
     const std::string* const group = invocation.Get("--dg");
     const Disk disk = FindDisk(invocation);
     if (group == nullptr) {
-        return CarryOut(invocation, ChangeOf(disk, "Make a spare of", "HX_PD_FreeHD2GlobalSpare"));
+        return CarryOut(invocation, ChangeOf(disk, "Make a spare of",
+                                             RequestFor(disk.address, OfAdapter::HD_ID)));
     }
     const Address owner = FindObject(invocation, ObjectKind::kDiskGroup, *group);
     if (owner.adapter != disk.address.adapter) {
         throw UsageError(owner.Text() + " and " + disk.address.Text() + " are on two adapters");
     }
-    Change change =
-        ChangeOf(disk, "Make a spare of " + owner.Text() + " of", "HX_PD_FreeHD2DGSpare");
-    change.commands.front().fields.emplace_back("DG_ID", std::to_string(owner.id));
-    return CarryOut(invocation, change);
+    auto request = RequestFor(disk.address, OfGroup::HD_ID);
+    request.Add({OfGroup::DG_ID, owner.id});
+    return CarryOut(invocation,
+                    ChangeOf(disk, "Make a spare of " + owner.Text() + " of", std::move(request)));
 }
 
 Exit UnspareDisk(Invocation& invocation) {
-    return CarryOut(invocation, ChangeOf(FindDisk(invocation), "Make a spare no more of",
-                                         "HX_PD_Spare2FreeHD"));
+    const Disk disk = FindDisk(invocation);
+    return CarryOut(invocation,
+                    ChangeOf(disk, "Make a spare no more of",
+                             RequestFor(disk.address, calls::HX_PD_Spare2FreeHD::HD_ID)));
 }
 
 Exit WipeDisk(Invocation& invocation) {
+    using Function = calls::HX_PD_WipeHDMDD;
     const Disk disk = FindDisk(invocation);
-    Change change = ChangeOf(disk, "Wipe the configuration off", "HX_PD_WipeHDMDD");
-    change.commands.front().fields.emplace_back("Force", invocation.Has("--force") ? "1" : "0");
-    const std::string owner = OwnerCell(disk).text;
-    if (!owner.empty()) change.losses.push_back("its part of " + owner + " will be lost");
+    auto request = RequestFor(disk.address, Function::HD_ID);
+    request.Add({Function::Force, invocation.Has("--force") ? 1 : 0});
+    Change change = ChangeOf(disk, "Wipe the configuration off", std::move(request));
+    const Cell owner = OwnerCell(disk);
+    if (!owner.text.empty()) {
+        change.losses.push_back("its part of " + owner.text + " will be lost");
+    } else if (owner.state == Cell::State::kUnknown) {
+        change.losses.emplace_back("which virtual disk it serves is not known");
+    }
+    if (!disk.boot_record)
+        change.losses.emplace_back("whether it holds a boot record is not known");
     if (disk.boot_record.value_or(false)) change.losses.emplace_back("it holds a boot record");
     change.losses.emplace_back("what the disk knows of virtual disks and spares will be lost");
     change.confirm = disk.address.Text();
@@ -372,27 +416,31 @@ Exit WipeDisk(Invocation& invocation) {
 
 // Its state and its settings are two calls; only what was named is sent.
 Exit SetDisk(Invocation& invocation) {
+    using SetStatus = calls::HX_PD_SetHDStatus;
+    using SetConfig = calls::HX_PD_SetConfig;
     const Disk disk = FindDisk(invocation);
-    Change change = ChangeOf(disk, "Set", "HX_PD_SetConfig");
+    Change change = ChangeOf(disk, "Set", {});
     change.commands.clear();
-    if (invocation.Has("--state")) {
-        Fields fields = AddressFields(disk.address, "HD_ID");
-        fields.emplace_back("Action", CodeOption(invocation, "--state", hxcodes::kDiskActionNames));
-        change.commands.push_back({"HX_PD_SetHDStatus", std::move(fields)});
-        change.losses.push_back("state: " + DiskState(disk) + " -> " +
-                                invocation.Get("--state", ""));
-        if (invocation.Get("--state", "") != "online") change.confirm = disk.address.Text();
+    if (const std::string* const state = invocation.Get("--state")) {
+        auto request = RequestFor(disk.address, SetStatus::HD_ID);
+        request.Add(
+            {SetStatus::Action, CodeOption(invocation, "--state", &CodeTable::disk_actions)});
+        change.commands.push_back(std::move(request));
+        change.losses.push_back("state: " + Shown(disk.state) + " -> " + *state);
+        if (*state != "online") change.confirm = disk.address.Text();
     }
-    if (invocation.Has("--write-cache") || invocation.Has("--smart")) {
-        Fields fields = AddressFields(disk.address, "HD_ID");
-        fields.emplace_back("WriteCacheOn", SwitchOption(invocation, "--write-cache",
-                                                         disk.config.Number("WriteCacheOn")));
-        fields.emplace_back("SMARTOn",
-                            SwitchOption(invocation, "--smart", disk.config.Number("SMARTOn")));
-        fields.emplace_back("Online", disk.config.Text("Online"));
-        fields.emplace_back("DriveSpeed", disk.config.Text("DriveSpeed"));
-        fields.emplace_back("HDID", std::to_string(disk.address.id));
-        change.commands.push_back({"HX_PD_SetConfig", std::move(fields)});
+    const auto write_cache = SwitchOption(invocation, "--write-cache");
+    const auto smart = SwitchOption(invocation, "--smart");
+    if (write_cache || smart) {
+        const auto kept = [&](auto field) { return Kept(disk.config, field, disk.address); };
+        auto request = RequestFor(disk.address, SetConfig::HD_ID);
+        request.Add(
+            {SetConfig::WriteCacheOn, write_cache ? *write_cache : kept(HD_Config::WriteCacheOn)});
+        request.Add({SetConfig::SMARTOn, smart ? *smart : kept(HD_Config::SMARTOn)});
+        request.Add({SetConfig::Online, kept(HD_Config::Online)});
+        request.Add({SetConfig::DriveSpeed, kept(HD_Config::DriveSpeed)});
+        request.Add({SetConfig::HDID, disk.address.id});
+        change.commands.push_back(std::move(request));
     }
     if (change.commands.empty()) throw UsageError("no setting was named");
     return CarryOut(invocation, change);
@@ -418,10 +466,11 @@ constexpr OptionRow kListOptions[] = {
 };
 constexpr OptionRow kAdapterOption[] = {{"--adapter", "NUMBER", "Only those of this adapter"}};
 
-constexpr std::string_view kListFunctions =
-    "HX_PD_GetHDInfo_Ext HX_PD_GetHDInfo HX_PD_GetConfig HX_PD_GetSmartStatus "
-    "HX_PD_GetHDRaidStatus "
-    "HX_PD_GetBGAStatus HX_PD_GetFreeSpaceInfo HX_PD_GetMBRInfo HX_PD_GetSpareInfo HX_DG_GetInfo";
+constexpr const auto& kListFunctions =
+    kNamesOf<calls::HX_PD_GetHDInfo_Ext, calls::HX_PD_GetHDInfo, calls::HX_PD_GetConfig,
+             calls::HX_PD_GetSmartStatus, calls::HX_PD_GetHDRaidStatus, calls::HX_PD_GetBGAStatus,
+             calls::HX_PD_GetFreeSpaceInfo, calls::HX_PD_GetMBRInfo, calls::HX_PD_GetSpareInfo,
+             calls::HX_DG_GetInfo>;
 
 constexpr CommandRow kCommands[] = {
     {.noun = "disk",
@@ -453,7 +502,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "DISK",
      .options = kAdapterOption,
-     .functions = "HX_BLK_GetInfo HX_BLK_GetHDBlock",
+     .functions = kNamesOf<calls::HX_BLK_GetInfo, calls::HX_BLK_GetHDBlock>,
      .examples = {"vexorctl disk blocks a0/pd0", "vexorctl disk blocks --bytes --no-header"},
      .run = ListBlocks,
      .columns = BlockColumns},
@@ -463,7 +512,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kDisk,
      .arity = Arity::kOne,
      .target_name = "DISK",
-     .functions = "HX_PD_GetRCT",
+     .functions = kNamesOf<calls::HX_PD_GetRCT>,
      .examples = {"vexorctl disk remapped a0/pd3", "vexorctl disk remapped a0/pd3 -o csv"},
      .run = ListRemapped,
      .columns = RemappedColumns},
@@ -474,7 +523,8 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "DISK",
      .options = kSetOptions,
-     .functions = "HX_PD_SetHDStatus HX_PD_SetConfig HX_PD_GetConfig",
+     .functions =
+         kNamesOf<calls::HX_PD_SetHDStatus, calls::HX_PD_SetConfig, calls::HX_PD_GetConfig>,
      .examples = {"vexorctl disk set a0/pd3 --write-cache on --dry-run",
                   "vexorctl disk set a0/pd3 --state offline --dry-run"},
      .run = SetDisk,
@@ -487,7 +537,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "DISK",
      .options = kSpareOptions,
-     .functions = "HX_PD_FreeHD2GlobalSpare HX_PD_FreeHD2DGSpare",
+     .functions = kNamesOf<calls::HX_PD_FreeHD2GlobalSpare, calls::HX_PD_FreeHD2DGSpare>,
      .examples = {"vexorctl disk spare a0/pd11 --dry-run",
                   "vexorctl disk spare a0/pd11 --dg a0/dg0 --dry-run"},
      .run = SpareDisk,
@@ -499,7 +549,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kDisk,
      .arity = Arity::kOne,
      .target_name = "DISK",
-     .functions = "HX_PD_Spare2FreeHD",
+     .functions = kNamesOf<calls::HX_PD_Spare2FreeHD>,
      .examples = {"vexorctl disk unspare a0/pd9 --dry-run",
                   "vexorctl disk unspare a0/pd9 --dry-run -o json"},
      .run = UnspareDisk,
@@ -512,7 +562,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "DISK",
      .options = kWipeOptions,
-     .functions = "HX_PD_WipeHDMDD",
+     .functions = kNamesOf<calls::HX_PD_WipeHDMDD>,
      .examples = {"vexorctl disk wipe a0/pd11 --dry-run",
                   "vexorctl disk wipe a0/pd11 --force --dry-run"},
      .run = WipeDisk,
@@ -526,7 +576,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "DISK",
      .options = kLocateOptions,
-     .functions = "HX_LocateArrayDevice",
+     .functions = kNamesOf<calls::HX_LocateArrayDevice>,
      .examples = {"vexorctl disk locate a0/pd3", "vexorctl disk locate a0/pd3 --off"},
      .run = LocateDisk,
      .columns = ChangeColumns,

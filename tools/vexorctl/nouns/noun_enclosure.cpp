@@ -1,13 +1,15 @@
 // vexorctl enclosure ...
+#include <map>
 #include <utility>
 
-#include "codes/device.h"
+#include "codes/code_table.h"
 #include "codes/enclosure.h"
 #include "common/address.h"
+#include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/enclosures.h"
 #include "model/exit_code.h"
-#include "model/result_tree.h"
+#include "model/library_record.h"
 #include "nouns/nouns.h"
 #include "output/cell.h"
 #include "output/record_cells.h"
@@ -20,76 +22,105 @@ namespace vexorctl {
 
 namespace {
 
+using fields::EncElement_Config;
+using fields::EncElementType_Info;
+using fields::Enclosure_Info;
+using fields::Exp_Info;
+using fields::Link_Endpoint;
+using fields::Link_Entity;
+using fields::PM_Info;
+using hxcodes::CodeTable;
+using hxcodes::ElementType;
+
 // Which of an element's fields mean something depends on its type; the record has all of them.
-Cell Of(const Element& element, unsigned type, std::string_view field) {
-    return element.info.Number("Type") == type ? NumberAt(element.info, field) : Unknown();
+template <class Make>
+Cell OfType(const Element& element, ElementType::Code type, Make make) {
+    const auto is = element.info[EncElementType_Info::Type];
+    if (!is) return Unknown();
+    return *is == type ? make() : None();
 }
 
-// A temperature comes as degrees plus 20, and 0 means that it is not known.
+Cell Of(const Element& element, ElementType::Code type, NumberField<EncElementType_Info> field) {
+    return OfType(element, type, [&] { return FieldCell(element.info, field); });
+}
+
+// A temperature comes as degrees plus 20; 0 means that the enclosure does not know it.
 constexpr std::uint64_t kCelsiusOffset = 20;
 
+Cell CelsiusCell(std::optional<std::uint64_t> raw) {
+    if (!raw) return Unknown();
+    return *raw < kCelsiusOffset ? None() : NumberCell(*raw - kCelsiusOffset);
+}
+
 Cell TemperatureCell(const Element& element) {
-    const std::uint64_t raw = element.info.Number("Temperature");
-    if (element.info.Number("Type") != HX_ELEMENT_TEMPERATURE || raw < kCelsiusOffset) {
-        return Unknown();
-    }
-    return NumberCell(raw - kCelsiusOffset);
+    return OfType(element, ElementType::kTemperature,
+                  [&] { return CelsiusCell(element.info[EncElementType_Info::Temperature]); });
 }
 
+// Voltages come in tens of millivolts.
 Cell VoltageCell(const Element& element) {
-    return element.info.Number("Type") == HX_ELEMENT_VOLTAGE
-               ? NumberCell(10 * element.info.Number("Voltage"))
-               : Unknown();
+    return OfType(element, ElementType::kVoltage,
+                  [&] { return ScaledAt(element.info, EncElementType_Info::Voltage, 10); });
 }
 
-Cell ThresholdCell(const Element& element, std::string_view field) {
-    const std::uint64_t raw = element.config.Number(field);
-    switch (element.info.Number("Type")) {
-        case HX_ELEMENT_TEMPERATURE:
-            return raw < kCelsiusOffset ? Unknown() : NumberCell(raw - kCelsiusOffset);
-        case HX_ELEMENT_VOLTAGE:
-            return NumberCell(raw);
-        default:
-            return Unknown();
-    }
+Cell ThresholdCell(const Element& element, NumberField<EncElement_Config> field) {
+    const auto type = element.info[EncElementType_Info::Type];
+    if (!type) return Unknown();
+    if (*type == ElementType::kTemperature) return CelsiusCell(element.config[field]);
+    return *type == ElementType::kVoltage ? FieldCell(element.config, field) : None();
 }
 
 struct Problem {
-    unsigned type;
-    const char* field;
+    ElementType::Code type;
+    NumberField<EncElementType_Info> field;
     const char* name;
 };
 constexpr Problem kProblems[] = {
-    {HX_ELEMENT_POWER_SUPPLY, "DCOverCurrent", "over_current"},
-    {HX_ELEMENT_POWER_SUPPLY, "DCOverVoltage", "over_voltage"},
-    {HX_ELEMENT_POWER_SUPPLY, "DCUnderVoltage", "under_voltage"},
-    {HX_ELEMENT_TEMPERATURE, "OTFailure", "too_hot"},
-    {HX_ELEMENT_TEMPERATURE, "OTWarning", "hot"},
-    {HX_ELEMENT_TEMPERATURE, "UTFailure", "too_cold"},
-    {HX_ELEMENT_TEMPERATURE, "UTWarning", "cold"},
-    {HX_ELEMENT_DOOR, "Unlocked", "unlocked"},
-    {HX_ELEMENT_VOLTAGE, "CritOver", "far_too_high"},
-    {HX_ELEMENT_VOLTAGE, "WarnOver", "too_high"},
-    {HX_ELEMENT_VOLTAGE, "CritUnder", "far_too_low"},
-    {HX_ELEMENT_VOLTAGE, "WarnUnder", "too_low"},
+    {ElementType::kPowerSupply, EncElementType_Info::DCOverCurrent, "over_current"},
+    {ElementType::kPowerSupply, EncElementType_Info::DCOverVoltage, "over_voltage"},
+    {ElementType::kPowerSupply, EncElementType_Info::DCUnderVoltage, "under_voltage"},
+    {ElementType::kTemperature, EncElementType_Info::OTFailure, "too_hot"},
+    {ElementType::kTemperature, EncElementType_Info::OTWarning, "hot"},
+    {ElementType::kTemperature, EncElementType_Info::UTFailure, "too_cold"},
+    {ElementType::kTemperature, EncElementType_Info::UTWarning, "cold"},
+    {ElementType::kDoor, EncElementType_Info::Unlocked, "unlocked"},
+    {ElementType::kVoltage, EncElementType_Info::CritOver, "far_too_high"},
+    {ElementType::kVoltage, EncElementType_Info::WarnOver, "too_high"},
+    {ElementType::kVoltage, EncElementType_Info::CritUnder, "far_too_low"},
+    {ElementType::kVoltage, EncElementType_Info::WarnUnder, "too_low"},
 };
 
+// Not known when a flag of its type is not.
 Cell ProblemsCell(const Element& element) {
+    const auto type = element.info[EncElementType_Info::Type];
+    if (!type) return Unknown();
     std::vector<std::string> problems;
     for (const Problem& problem : kProblems) {
-        if (element.info.Number("Type") == problem.type &&
-            element.info.Number(problem.field) != 0) {
-            problems.emplace_back(problem.name);
-        }
+        if (*type != problem.type) continue;
+        const auto flag = element.info[problem.field];
+        if (!flag) return Unknown();
+        if (*flag != 0) problems.emplace_back(problem.name);
     }
     return TextsCell(std::move(problems));
 }
 
 // An expander or a port multiplier.
+template <class R>
 struct Linked {
     Address adapter;
-    Value info;
+    Record<R> info;
 };
+using Expander = Linked<Exp_Info>;
+using Multiplier = Linked<PM_Info>;
+
+template <class R>
+View<Link_Endpoint> SelfOf(const Record<R>& device) {
+    return device[R::Link][Link_Entity::Self];
+}
+template <class R>
+View<Link_Endpoint> ParentOf(const Record<R>& device) {
+    return device[R::Link][Link_Entity::Parent];
+}
 
 using enum Kind;
 using enum Place;
@@ -97,121 +128,121 @@ using enum Place;
 constexpr Column<Enclosure> kColumns[] = {
     {{"address", "ADDRESS", kText, kTable, "Its address"},
      [](const Enclosure& it) { return TextCell(it.address.Text()); }},
-    {{"state", "STATE", kCode, kTable, "Its state"},
-     [](const Enclosure& it) { return CodeAt(it.info, "Status", hxcodes::kElementStatusNames); }},
+    {{"state", "STATE", kCode, kTable, "Its state", &CodeTable::element_states},
+     [](const Enclosure& it) { return FieldCell(it.info, Enclosure_Info::Status); }},
     {{"vendor", "VENDOR", kText, kTable, "Its vendor"},
-     [](const Enclosure& it) { return TextAt(it.info, "VendorID"); }},
+     [](const Enclosure& it) { return FieldCell(it.info, Enclosure_Info::VendorID); }},
     {{"product", "PRODUCT", kText, kTable, "Its product name"},
-     [](const Enclosure& it) { return TextAt(it.info, "ProductID"); }},
+     [](const Enclosure& it) { return FieldCell(it.info, Enclosure_Info::ProductID); }},
     {{"revision", "REVISION", kText, kTable, "Its revision"},
-     [](const Enclosure& it) { return TextAt(it.info, "RevisionLevel"); }},
+     [](const Enclosure& it) { return FieldCell(it.info, Enclosure_Info::RevisionLevel); }},
     {{"logical_id", "LOGICAL ID", kText, kTable, "Its logical identifier"},
-     [](const Enclosure& it) { return TextAt(it.info, "LogicalID"); }},
+     [](const Enclosure& it) { return FieldCell(it.info, Enclosure_Info::LogicalID); }},
     {{"expanders", "EXPANDERS", kNumbers, kTable, "The numbers of its expanders"},
      [](const Enclosure& it) {
-         return NumbersAt(it.info, "ExpanderIDs", it.info.Number("ExpanderCount"));
+         return NumbersCell(FirstNumbers(it.info[Enclosure_Info::ExpanderIDs],
+                                         it.info[Enclosure_Info::ExpanderCount]));
      }},
     {{"sas_address", "SAS ADDRESS", kText, kWide, "Its SAS address"},
-     [](const Enclosure& it) { return WwnAt(it.info, "Link/Self/SAS_Address"); }},
-    {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to"},
-     [](const Enclosure& it) {
-         return CodeAt(it.info, "Link/Parent/DevType", hxcodes::kDeviceNames);
-     }},
+     [](const Enclosure& it) { return HexAt(SelfOf(it.info), Link_Endpoint::SAS_Address); }},
+    {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to",
+      &CodeTable::devices},
+     [](const Enclosure& it) { return FieldCell(ParentOf(it.info), Link_Endpoint::DevType); }},
     {{"parent_id", "PARENT ID", kNumber, kWide, "The number of that device"},
-     [](const Enclosure& it) { return NumberAt(it.info, "Link/Parent/DevID"); }},
+     [](const Enclosure& it) { return FieldCell(ParentOf(it.info), Link_Endpoint::DevID); }},
 };
 
 constexpr Column<Element> kElementColumns[] = {
     {{"address", "ADDRESS", kText, kTable, "Its address"},
      [](const Element& it) { return TextCell(it.address.Text()); }},
-    {{"type", "TYPE", kCode, kTable, "What it is"},
-     [](const Element& it) { return CodeAt(it.info, "Type", hxcodes::kElementTypeNames); }},
-    {{"state", "STATE", kCode, kTable, "Its state"},
-     [](const Element& it) { return CodeAt(it.info, "Status", hxcodes::kElementStatusNames); }},
+    {{"type", "TYPE", kCode, kTable, "What it is", &CodeTable::element_types},
+     [](const Element& it) { return FieldCell(it.info, EncElementType_Info::Type); }},
+    {{"state", "STATE", kCode, kTable, "Its state", &CodeTable::element_states},
+     [](const Element& it) { return FieldCell(it.info, EncElementType_Info::Status); }},
     {{"temperature_celsius", "CELSIUS", kNumber, kTable, "The temperature of a sensor"},
      [](const Element& it) { return TemperatureCell(it); }},
     {{"speed_rpm", "RPM", kNumber, kTable, "The turns per minute of a fan"},
-     [](const Element& it) { return Of(it, HX_ELEMENT_FAN, "CurSpeed"); }},
+     [](const Element& it) { return Of(it, ElementType::kFan, EncElementType_Info::CurSpeed); }},
     {{"voltage_millivolts", "MILLIVOLTS", kNumber, kTable, "Of a voltage sensor"},
      [](const Element& it) { return VoltageCell(it); }},
     {{"problems", "PROBLEMS", kTexts, kTable, "What its flags complain about"},
      [](const Element& it) { return ProblemsCell(it); }},
     {{"high_critical", "HIGH CRITICAL", kNumber, kWide,
       "Its threshold: degrees Celsius of a temperature, half percents of a voltage"},
-     [](const Element& it) { return ThresholdCell(it, "highCriticalThreshold"); }},
+     [](const Element& it) { return ThresholdCell(it, EncElement_Config::highCriticalThreshold); }},
     {{"high_warning", "HIGH WARNING", kNumber, kWide, "The threshold below that"},
-     [](const Element& it) { return ThresholdCell(it, "highWarningThreshold"); }},
+     [](const Element& it) { return ThresholdCell(it, EncElement_Config::highWarningThreshold); }},
     {{"low_warning", "LOW WARNING", kNumber, kWide, "The low threshold"},
-     [](const Element& it) { return ThresholdCell(it, "lowWarningThreshold"); }},
+     [](const Element& it) { return ThresholdCell(it, EncElement_Config::lowWarningThreshold); }},
     {{"low_critical", "LOW CRITICAL", kNumber, kWide, "The threshold below that"},
-     [](const Element& it) { return ThresholdCell(it, "lowCriticalThreshold"); }},
+     [](const Element& it) { return ThresholdCell(it, EncElement_Config::lowCriticalThreshold); }},
     {{"speed_code", "SPEED CODE", kNumber, kWide, "The speed code of a fan"},
-     [](const Element& it) { return Of(it, HX_ELEMENT_FAN, "CurSpeedcode"); }},
-    {{"muted", "MUTED", kBool, kWide, "Whether an alarm is muted"},
-     [](const Element& it) { return Of(it, HX_ELEMENT_ALARM, "Mute"); }},
-};
-
-constexpr Column<Linked> kExpanderColumns[] = {
-    {{"address", "ADAPTER", kText, kTable, "The address of its adapter"},
-     [](const Linked& it) { return TextCell(it.adapter.Text()); }},
-    {{"id", "ID", kNumber, kTable, "Its number"},
-     [](const Linked& it) { return NumberAt(it.info, "Link/Self/DevID"); }},
-    {{"vendor", "VENDOR", kText, kTable, "Its vendor"},
-     [](const Linked& it) { return TextAt(it.info, "VendorID"); }},
-    {{"product", "PRODUCT", kText, kTable, "Its product name"},
-     [](const Linked& it) { return TextAt(it.info, "ProductID"); }},
-    {{"revision", "REVISION", kText, kTable, "Its revision"},
-     [](const Linked& it) { return TextAt(it.info, "ProductRev"); }},
-    {{"phy_count", "PHYS", kNumber, kTable, "The number of its phys"},
-     [](const Linked& it) { return NumberAt(it.info, "PhyCount"); }},
-    {{"sas_address", "SAS ADDRESS", kText, kTable, "Its SAS address"},
-     [](const Linked& it) { return WwnAt(it.info, "Link/Self/SAS_Address"); }},
-    {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to"},
-     [](const Linked& it) {
-         return CodeAt(it.info, "Link/Parent/DevType", hxcodes::kDeviceNames);
+     [](const Element& it) {
+         return Of(it, ElementType::kFan, EncElementType_Info::CurSpeedcode);
      }},
-    {{"parent_id", "PARENT ID", kNumber, kWide, "The number of that device"},
-     [](const Linked& it) { return NumberAt(it.info, "Link/Parent/DevID"); }},
-    {{"enclosure_id", "ENCLOSURE", kNumber, kWide, "The number of its enclosure; 65535 none"},
-     [](const Linked& it) { return NumberAt(it.info, "Link/Self/EnclosureID"); }},
-    {{"configuring", "CONFIGURING", kBool, kWide, "Whether it is configuring itself"},
-     [](const Linked& it) { return NumberAt(it.info, "Configuring"); }},
-    {{"routes_configurable", "ROUTES", kBool, kWide, "Whether its route table can be configured"},
-     [](const Linked& it) { return NumberAt(it.info, "RouteTableConfigurable"); }},
-    {{"max_route_indexes", "MAX ROUTES", kNumber, kWide, "The size of that table"},
-     [](const Linked& it) { return NumberAt(it.info, "MaxRouteIndexes"); }},
-    {{"change_count", "CHANGES", kNumber, kWide, "How often something has changed behind it"},
-     [](const Linked& it) { return NumberAt(it.info, "ExpChangeCount"); }},
-    {{"component_vendor", "COMPONENT VENDOR", kText, kWide, "The vendor of its chip"},
-     [](const Linked& it) { return TextAt(it.info, "ComponentVendorID"); }},
-    {{"component_id", "COMPONENT", kNumber, kWide, "The chip"},
-     [](const Linked& it) { return NumberAt(it.info, "ComponentID"); }},
-    {{"component_revision", "COMPONENT REV", kNumber, kWide, "The revision of the chip"},
-     [](const Linked& it) { return NumberAt(it.info, "ComponentRevisionID"); }},
+    {{"muted", "MUTED", kBool, kWide, "Whether an alarm is muted"},
+     [](const Element& it) { return Of(it, ElementType::kAlarm, EncElementType_Info::Mute); }},
 };
 
-constexpr Column<Linked> kMultiplierColumns[] = {
+constexpr Column<Expander> kExpanderColumns[] = {
     {{"address", "ADAPTER", kText, kTable, "The address of its adapter"},
-     [](const Linked& it) { return TextCell(it.adapter.Text()); }},
+     [](const Expander& it) { return TextCell(it.adapter.Text()); }},
     {{"id", "ID", kNumber, kTable, "Its number"},
-     [](const Linked& it) { return NumberAt(it.info, "Link/Self/DevID"); }},
+     [](const Expander& it) { return FieldCell(SelfOf(it.info), Link_Endpoint::DevID); }},
+    {{"vendor", "VENDOR", kText, kTable, "Its vendor"},
+     [](const Expander& it) { return FieldCell(it.info, Exp_Info::VendorID); }},
+    {{"product", "PRODUCT", kText, kTable, "Its product name"},
+     [](const Expander& it) { return FieldCell(it.info, Exp_Info::ProductID); }},
+    {{"revision", "REVISION", kText, kTable, "Its revision"},
+     [](const Expander& it) { return FieldCell(it.info, Exp_Info::ProductRev); }},
+    {{"phy_count", "PHYS", kNumber, kTable, "The number of its phys"},
+     [](const Expander& it) { return FieldCell(it.info, Exp_Info::PhyCount); }},
+    {{"sas_address", "SAS ADDRESS", kText, kTable, "Its SAS address"},
+     [](const Expander& it) { return HexAt(SelfOf(it.info), Link_Endpoint::SAS_Address); }},
+    {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to",
+      &CodeTable::devices},
+     [](const Expander& it) { return FieldCell(ParentOf(it.info), Link_Endpoint::DevType); }},
+    {{"parent_id", "PARENT ID", kNumber, kWide, "The number of that device"},
+     [](const Expander& it) { return FieldCell(ParentOf(it.info), Link_Endpoint::DevID); }},
+    {{"enclosure_id", "ENCLOSURE", kNumber, kWide, "The number of its enclosure; 65535 none"},
+     [](const Expander& it) { return FieldCell(SelfOf(it.info), Link_Endpoint::EnclosureID); }},
+    {{"configuring", "CONFIGURING", kBool, kWide, "Whether it is configuring itself"},
+     [](const Expander& it) { return FieldCell(it.info, Exp_Info::Configuring); }},
+    {{"routes_configurable", "ROUTES", kBool, kWide, "Whether its route table can be configured"},
+     [](const Expander& it) { return FieldCell(it.info, Exp_Info::RouteTableConfigurable); }},
+    {{"max_route_indexes", "MAX ROUTES", kNumber, kWide, "The size of that table"},
+     [](const Expander& it) { return FieldCell(it.info, Exp_Info::MaxRouteIndexes); }},
+    {{"change_count", "CHANGES", kNumber, kWide, "How often something has changed behind it"},
+     [](const Expander& it) { return FieldCell(it.info, Exp_Info::ExpChangeCount); }},
+    {{"component_vendor", "COMPONENT VENDOR", kText, kWide, "The vendor of its chip"},
+     [](const Expander& it) { return FieldCell(it.info, Exp_Info::ComponentVendorID); }},
+    {{"component_id", "COMPONENT", kNumber, kWide, "The chip"},
+     [](const Expander& it) { return FieldCell(it.info, Exp_Info::ComponentID); }},
+    {{"component_revision", "COMPONENT REV", kNumber, kWide, "The revision of the chip"},
+     [](const Expander& it) { return FieldCell(it.info, Exp_Info::ComponentRevisionID); }},
+};
+
+constexpr Column<Multiplier> kMultiplierColumns[] = {
+    {{"address", "ADAPTER", kText, kTable, "The address of its adapter"},
+     [](const Multiplier& it) { return TextCell(it.adapter.Text()); }},
+    {{"id", "ID", kNumber, kTable, "Its number"},
+     [](const Multiplier& it) { return FieldCell(SelfOf(it.info), Link_Endpoint::DevID); }},
     {{"vendor_id", "VENDOR", kNumber, kTable, "Its vendor"},
-     [](const Linked& it) { return NumberAt(it.info, "VendorId"); }},
+     [](const Multiplier& it) { return FieldCell(it.info, PM_Info::VendorId); }},
     {{"device_id", "DEVICE", kNumber, kTable, "Its device number"},
-     [](const Linked& it) { return NumberAt(it.info, "DeviceId"); }},
+     [](const Multiplier& it) { return FieldCell(it.info, PM_Info::DeviceId); }},
     {{"ports", "PORTS", kNumber, kTable, "The number of its ports"},
-     [](const Linked& it) { return NumberAt(it.info, "NumberOfPorts"); }},
+     [](const Multiplier& it) { return FieldCell(it.info, PM_Info::NumberOfPorts); }},
     {{"product_revision", "REVISION", kNumber, kWide, "Its revision"},
-     [](const Linked& it) { return NumberAt(it.info, "ProductRevision"); }},
+     [](const Multiplier& it) { return FieldCell(it.info, PM_Info::ProductRevision); }},
     {{"standard_revision", "STANDARD", kNumber, kWide,
       "The revision of the standard that it keeps, as bits"},
-     [](const Linked& it) { return NumberAt(it.info, "PMSpecRevision"); }},
-    {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to"},
-     [](const Linked& it) {
-         return CodeAt(it.info, "Link/Parent/DevType", hxcodes::kDeviceNames);
-     }},
+     [](const Multiplier& it) { return FieldCell(it.info, PM_Info::PMSpecRevision); }},
+    {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to",
+      &CodeTable::devices},
+     [](const Multiplier& it) { return FieldCell(ParentOf(it.info), Link_Endpoint::DevType); }},
     {{"parent_id", "PARENT ID", kNumber, kWide, "The number of that device"},
-     [](const Linked& it) { return NumberAt(it.info, "Link/Parent/DevID"); }},
+     [](const Multiplier& it) { return FieldCell(ParentOf(it.info), Link_Endpoint::DevID); }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
@@ -221,44 +252,42 @@ std::vector<ColumnInfo> MultiplierColumns() { return InfoOf(kMultiplierColumns);
 
 Exit ListEnclosures(Invocation& invocation) {
     SelectAdapters(invocation);
-    Report report;
-    Tabulate(report, kColumns, LoadEnclosures(invocation.controller()));
-    return Show(invocation, std::move(report), invocation.row().verb == "show" ? "list" : "table");
+    return Show(invocation,
+                Tabulated(invocation, kColumns, LoadEnclosures(invocation.controller())));
 }
 
 Exit ListElements(Invocation& invocation) {
     SelectAdapters(invocation);
-    Report report;
-    Tabulate(report, kElementColumns, LoadElements(invocation.controller()));
-    return Show(invocation, std::move(report), "table");
+    return Show(invocation,
+                Tabulated(invocation, kElementColumns, LoadElements(invocation.controller())));
 }
 
-std::vector<Linked> LoadLinked(Controller& controller, const ListSource& source) {
-    std::vector<Linked> all;
+template <class R>
+std::vector<Linked<R>> LoadLinked(Controller& controller, const ListSource<R>& source) {
+    std::vector<Linked<R>> all;
     for (const unsigned adapter : controller.Selected()) {
-        for (Value& info : controller.List(adapter, source)) {
+        for (auto& [id, info] : controller.ReadList(adapter, source).items) {
             all.push_back({{.adapter = adapter}, std::move(info)});
         }
     }
     return all;
 }
 
+constexpr ListSource kExpanderList =
+    ListOf(calls::HX_PD_GetExpanderInfo::Result::ExpanderInfo, &DeviceId<Exp_Info>);
+constexpr ListSource kMultiplierList =
+    ListOf(calls::HX_PD_GetPMInfo::Result::PM_Info, &DeviceId<PM_Info>);
+
 Exit ListExpanders(Invocation& invocation) {
     SelectAdapters(invocation);
-    Report report;
-    Tabulate(report, kExpanderColumns,
-             LoadLinked(invocation.controller(),
-                        {"HX_PD_GetExpanderInfo", "ExpanderInfo", "Link/Self/DevID"}));
-    return Show(invocation, std::move(report), "table");
+    return Show(invocation, Tabulated(invocation, kExpanderColumns,
+                                      LoadLinked(invocation.controller(), kExpanderList)));
 }
 
 Exit ListMultipliers(Invocation& invocation) {
     SelectAdapters(invocation);
-    Report report;
-    Tabulate(
-        report, kMultiplierColumns,
-        LoadLinked(invocation.controller(), {"HX_PD_GetPMInfo", "PM_Info", "Link/Self/DevID"}));
-    return Show(invocation, std::move(report), "table");
+    return Show(invocation, Tabulated(invocation, kMultiplierColumns,
+                                      LoadLinked(invocation.controller(), kMultiplierList)));
 }
 
 constexpr OptionRow kAdapterOption[] = {{"--adapter", "NUMBER", "Only those of this adapter"}};
@@ -271,7 +300,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "ENCLOSURE",
      .options = kAdapterOption,
-     .functions = "HX_ENC_GetEnclosureInfo",
+     .functions = kNamesOf<calls::HX_ENC_GetEnclosureInfo>,
      .examples = {"vexorctl enclosure list", "vexorctl enclosure list a0 -o csv"},
      .run = ListEnclosures,
      .columns = Columns},
@@ -282,7 +311,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "ENCLOSURE",
      .options = kAdapterOption,
-     .functions = "HX_ENC_GetEnclosureInfo",
+     .functions = kNamesOf<calls::HX_ENC_GetEnclosureInfo>,
      .examples = {"vexorctl enclosure show a0/enc0", "vexorctl enclosure show a0/enc0 -o json"},
      .run = ListEnclosures,
      .columns = Columns},
@@ -293,7 +322,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "ELEMENT",
      .options = kAdapterOption,
-     .functions = "HX_ENC_GetElementInfo HX_ENC_GetElementConfig",
+     .functions = kNamesOf<calls::HX_ENC_GetElementInfo, calls::HX_ENC_GetElementConfig>,
      .examples = {"vexorctl enclosure elements a0/enc0",
                   "vexorctl enclosure elements a0/enc0/el3 -o list"},
      .run = ListElements,
@@ -305,7 +334,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "ADAPTER",
      .options = kAdapterOption,
-     .functions = "HX_PD_GetExpanderInfo",
+     .functions = kNamesOf<calls::HX_PD_GetExpanderInfo>,
      .examples = {"vexorctl enclosure expanders", "vexorctl enclosure expanders a0 -o list"},
      .run = ListExpanders,
      .columns = ExpanderColumns},
@@ -316,7 +345,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "ADAPTER",
      .options = kAdapterOption,
-     .functions = "HX_PD_GetPMInfo",
+     .functions = kNamesOf<calls::HX_PD_GetPMInfo>,
      .examples = {"vexorctl enclosure multipliers", "vexorctl enclosure multipliers a1"},
      .run = ListMultipliers,
      .columns = MultiplierColumns},

@@ -8,17 +8,20 @@
 #include <utility>
 #include <variant>
 
+#include "codes/code_table.h"
 #include "codes/event_class.h"
+#include "codes/named.h"
 #include "common/duration.h"
 #include "common/read_file.h"
 #include "common/replace_file.h"
 #include "common/timestamp.h"
+#include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/event_catalogue.h"
 #include "model/event_store.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
-#include "model/result_tree.h"
+#include "model/library_record.h"
 #include "nouns/nouns.h"
 #include "nouns/plan_and_act.h"
 #include "output/cell.h"
@@ -41,15 +44,17 @@ struct Shown {
     bool raw;
 };
 
-std::string SenseText(const Value& record) {
-    std::string text;
-    for (const std::uint64_t byte : record.Numbers("SenseData")) {
-        char digits[3];
-        std::snprintf(digits, sizeof(digits), "%02X", static_cast<unsigned>(byte & 0xFF));
-        text += digits;
-    }
-    return text;
+using fields::Event;
+using hxcodes::CodeTable;
+
+// An event without sense data has no element for it, and its length says so.
+Cell SenseCell(const Record<Event>& record) {
+    const auto bytes = record[Event::SenseData];
+    if (bytes) return TextCell(HexBytes(*bytes));
+    return record[Event::SenseDataLength] == 0 ? TextCell("") : Unknown();
 }
+
+Cell OfText(const StoredEvent& event, Cell cell) { return event.has_text ? cell : Unknown(); }
 
 using enum Kind;
 using enum Place;
@@ -58,29 +63,31 @@ constexpr Column<Shown> kColumns[] = {
     {{"sequence", "NUMBER", kNumber, kTable, "Its number in the store"},
      [](const Shown& it) { return NumberCell(it.event.sequence); }},
     {{"time", "TIME", kTime, kTable, "When it happened"},
-     [](const Shown& it) { return NumberAt(it.event.record, "TimeStamp"); }},
-    {{"severity", "SEVERITY", kCode, kTable, "How grave it is"},
-     [](const Shown& it) { return CodeAt(it.event.record, "Severity", hxcodes::kSeverityNames); }},
+     [](const Shown& it) { return FieldCell(it.event.record, Event::TimeStamp); }},
+    {{"severity", "SEVERITY", kCode, kTable, "How grave it is", &CodeTable::severities},
+     [](const Shown& it) { return FieldCell(it.event.record, Event::Severity); }},
     {{"address", "ADDRESS", kText, kTable, "The object it is about"},
      [](const Shown& it) { return TextCell(it.event.object); }},
     {{"text", "EVENT", kText, kTable, "What happened; with --raw its key and values"},
-     [](const Shown& it) { return TextCell(it.raw ? it.event.Raw() : it.event.Text()); }},
-    {{"class", "CLASS", kCode, kWide, "The kind of object it is about"},
-     [](const Shown& it) { return CodeAt(it.event.record, "Class", hxcodes::kEventClassNames); }},
+     [](const Shown& it) {
+         return OfText(it.event, TextCell(it.raw ? it.event.Raw() : it.event.Text()));
+     }},
+    {{"class", "CLASS", kCode, kWide, "The kind of object it is about", &CodeTable::event_classes},
+     [](const Shown& it) { return FieldCell(it.event.record, Event::Class); }},
     {{"code", "CODE", kNumber, kWide, "Its code, within its class"},
-     [](const Shown& it) { return NumberAt(it.event.record, "Code"); }},
+     [](const Shown& it) { return FieldCell(it.event.record, Event::Code); }},
     {{"adapter", "ADAPTER", kNumber, kWide, "The number of its adapter"},
-     [](const Shown& it) { return NumberAt(it.event.record, "AdapterID"); }},
+     [](const Shown& it) { return FieldCell(it.event.record, Event::AdapterID); }},
     {{"device", "DEVICE", kNumber, kWide, "The number of its object"},
-     [](const Shown& it) { return NumberAt(it.event.record, "DeviceID"); }},
+     [](const Shown& it) { return FieldCell(it.event.record, Event::DeviceID); }},
     {{"key", "KEY", kText, kWide, "The key of its text"},
-     [](const Shown& it) { return TextCell(it.event.key); }},
+     [](const Shown& it) { return OfText(it.event, TextCell(it.event.key)); }},
     {{"values", "VALUES", kTexts, kWide, "The values in its text"},
-     [](const Shown& it) { return TextsCell(it.event.values); }},
+     [](const Shown& it) { return OfText(it.event, TextsCell(it.event.values)); }},
     {{"params", "PARAMS", kNumbers, kWide, "Its four parameters"},
-     [](const Shown& it) { return NumbersAt(it.event.record, "Params", 4); }},
+     [](const Shown& it) { return FieldCell(it.event.record, Event::Params); }},
     {{"sense_data", "SENSE DATA", kText, kWide, "The sense data that came with it, hexadecimal"},
-     [](const Shown& it) { return TextCell(SenseText(it.event.record)); }},
+     [](const Shown& it) { return SenseCell(it.event.record); }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
@@ -94,16 +101,19 @@ struct Filter {
     std::optional<std::uint64_t> event_class;
     std::uint64_t since = 0;
 
+    // What is not known of an event does not hide it.
     bool Passes(const StoredEvent& event) const {
-        const std::uint64_t severity = event.record.Number("Severity");
-        return severity >= lowest && severity <= highest &&
-               event.record.Number("TimeStamp") >= since &&
-               (!adapter || event.record.Number("AdapterID") == *adapter) &&
-               (!event_class || event.record.Number("Class") == *event_class);
+        const auto severity = event.record[Event::Severity];
+        const auto is = [&](NumberField<Event> field, std::optional<std::uint64_t> wanted) {
+            return !wanted || event.record[field].value_or(*wanted) == *wanted;
+        };
+        return severity.value_or(lowest) >= lowest && severity.value_or(highest) <= highest &&
+               event.record[Event::TimeStamp].value_or(since) >= since &&
+               is(Event::AdapterID, adapter) && is(Event::Class, event_class);
     }
 };
 
-std::string NameList(std::span<const hxcodes::Named> rows) {
+std::string ListOfNames(std::span<const hxcodes::Named> rows) {
     std::string names;
     for (const hxcodes::Named& row : rows) names.append(names.empty() ? "" : ", ").append(row.name);
     return names;
@@ -125,19 +135,19 @@ Filter FilterOf(const Invocation& invocation) {
         std::string name = *text;
         const bool upwards = name.ends_with('+');
         if (upwards) name.pop_back();
-        const hxcodes::Named* const row = hxcodes::FindName(hxcodes::kSeverityNames, name);
+        const auto* const row = hxcodes::FindName(hxcodes::kSeverityNames, name);
         if (row == nullptr) {
             throw UsageError("--severity cannot be \"" + *text + "\"; say one of " +
-                             NameList(hxcodes::kSeverityNames) + ", or one of them and a +");
+                             ListOfNames(hxcodes::kSeverityNames) + ", or one of them and a +");
         }
         filter.lowest = row->code;
         if (!upwards) filter.highest = row->code;
     }
     if (const std::string* const text = invocation.Get("--class")) {
-        const hxcodes::Named* const row = hxcodes::FindName(hxcodes::kEventClassNames, *text);
+        const auto* const row = hxcodes::FindName(hxcodes::kEventClassNames, *text);
         if (row == nullptr) {
             throw UsageError("--class cannot be \"" + *text + "\"; say one of " +
-                             NameList(hxcodes::kEventClassNames));
+                             ListOfNames(hxcodes::kEventClassNames));
         }
         filter.event_class = row->code;
     }
@@ -148,15 +158,12 @@ Filter FilterOf(const Invocation& invocation) {
     return filter;
 }
 
-Report MakeReport(const Invocation& invocation, std::vector<StoredEvent> events) {
+Report MakeReport(Invocation& invocation, std::vector<StoredEvent> events) {
     const bool raw = invocation.Has("--raw");
     std::vector<Shown> shown;
     shown.reserve(events.size());
     for (StoredEvent& event : events) shown.push_back({std::move(event), raw});
-    Report report;
-    Tabulate(report, kColumns, shown);
-    report.command = invocation.row().Name();
-    return report;
+    return Tabulated(invocation, kColumns, shown);
 }
 
 // ---- list -------------------------------------------------------------------------------------
@@ -185,7 +192,7 @@ Exit ListEvents(Invocation& invocation) {
     }
     if (last && events.size() > *last) events.resize(static_cast<std::size_t>(*last));
     std::ranges::reverse(events);
-    return Show(invocation, MakeReport(invocation, std::move(events)), "table");
+    return Show(invocation, MakeReport(invocation, std::move(events)));
 }
 
 // ---- follow -----------------------------------------------------------------------------------
@@ -369,9 +376,7 @@ constexpr Column<EventPhrase> kKeyColumns[] = {
 std::vector<ColumnInfo> KeyColumns() { return InfoOf(kKeyColumns); }
 
 Exit ListKeys(Invocation& invocation) {
-    Report report;
-    Tabulate(report, kKeyColumns, EventCatalogue());
-    return Show(invocation, std::move(report), "table");
+    return Show(invocation, Tabulated(invocation, kKeyColumns, EventCatalogue()));
 }
 
 Exit ResetEvents(Invocation& invocation) {
@@ -380,7 +385,7 @@ Exit ResetEvents(Invocation& invocation) {
                                  .losses = {std::to_string(extent.next - extent.first) +
                                             " stored events will be lost"},
                                  .confirm = "events",
-                                 .commands = {{"VX_HX_EVT_Reset", {}}},
+                                 .commands = {Request<calls::VX_HX_EVT_Reset>{}},
                                  .address = {},
                                  .size_bytes = {}});
 }
@@ -412,7 +417,7 @@ constexpr CommandRow kCommands[] = {
      .verb = "list",
      .summary = "List the stored events, the newest last",
      .options = kListOptions,
-     .functions = "VX_HX_EVT_GetEvents",
+     .functions = kNamesOf<calls::VX_HX_EVT_GetEvents>,
      .examples = {"vexorctl event list --last 20 --severity warning+",
                   "vexorctl event list --adapter 0 --since 2h --raw"},
      .run = ListEvents,
@@ -421,7 +426,7 @@ constexpr CommandRow kCommands[] = {
      .verb = "follow",
      .summary = "Show events as they come",
      .options = kFollowOptions,
-     .functions = "VX_HX_EVT_GetEvents",
+     .functions = kNamesOf<calls::VX_HX_EVT_GetEvents>,
      .examples = {"vexorctl event follow --from-start --once",
                   "vexorctl event follow --from-start --count 2 -o jsonl"},
      .run = FollowEvents,
@@ -440,7 +445,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kNone,
      .arity = Arity::kNone,
      .target_name = "",
-     .functions = "VX_HX_EVT_Reset",
+     .functions = kNamesOf<calls::VX_HX_EVT_Reset>,
      .examples = {"vexorctl event reset --dry-run", "vexorctl event reset --dry-run -o json"},
      .run = ResetEvents,
      .columns = ChangeColumns,

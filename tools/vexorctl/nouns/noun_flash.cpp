@@ -8,12 +8,16 @@
 #include <memory>
 #include <utility>
 
-#include "codes/flash.h"
+#include "codes/code_table.h"
+#include "codes/named.h"
 #include "common/address.h"
+#include "hxraid.h"
+#include "library_fields.h"
 #include "model/adapters.h"
 #include "model/ask_controller.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
+#include "model/library_record.h"
 #include "model/result_tree.h"
 #include "nouns/find_object.h"
 #include "nouns/flash_progress.h"
@@ -30,42 +34,56 @@ namespace vexorctl {
 
 namespace {
 
-struct Image {
-    Address adapter;
-    unsigned type;
-    const Value* info;
-};
+using fields::Adapter_Info;
+using fields::VX_BIOS_Version;
+using hxcodes::CodeTable;
 
-// What an adapter's record says of each image; not of every one does it tell a version.
+constexpr std::string_view kBios = "bios";
+
+// What an adapter's record says of each image, by the names of the codes; not of every one does it
+// tell a version.
 struct ImageRow {
-    unsigned type;
-    const char* version;
-    const char* health;
+    std::string_view name;
+    std::optional<RecordField<Adapter_Info, fields::Version_Info>> version;
+    NumberField<Adapter_Info> health;
 };
 constexpr ImageRow kImages[] = {
-    {hxcodes::Image::kBios, "BIOSVersion", "boot_rom_img_health"},
-    {hxcodes::Image::kFirmware, "FirmwareVersion", "firmware_img_health"},
-    {hxcodes::Image::kBootLoader, "BootLoaderVersion", "boot_loader_img_health"},
-    {hxcodes::Image::kAutoload, "", "autoload_img_health"},
-    {hxcodes::Image::kHbaInfo, "", "hba_info_img_health"},
+    {kBios, Adapter_Info::BIOSVersion, Adapter_Info::boot_rom_img_health},
+    {"firmware", Adapter_Info::FirmwareVersion, Adapter_Info::firmware_img_health},
+    {"boot_loader", Adapter_Info::BootLoaderVersion, Adapter_Info::boot_loader_img_health},
+    {"autoload", {}, Adapter_Info::autoload_img_health},
+    {"hba_info", {}, Adapter_Info::hba_info_img_health},
 };
 
-const ImageRow& RowOf(const Image& image) { return kImages[image.type - hxcodes::Image::kBios]; }
+struct Image {
+    const Adapter* adapter;
+    const ImageRow* row;
+    std::optional<std::uint64_t> code;
+};
+
+// Null where the controller's codes are not known.
+std::optional<std::uint64_t> CodeOf(Controller& controller, std::string_view image) {
+    const auto* const row = hxcodes::FindName(controller.codes().table().images, image);
+    return row == nullptr ? std::nullopt : std::optional<std::uint64_t>(row->code);
+}
+
+Cell VersionCell(const Image& image) {
+    if (!image.row->version) return None();
+    return TextCell(VersionText(image.adapter->info[*image.row->version]));
+}
 
 using enum Kind;
 using enum Place;
 
 constexpr Column<Image> kColumns[] = {
     {{"address", "ADDRESS", kText, kTable, "The address of its adapter"},
-     [](const Image& it) { return TextCell(it.adapter.Text()); }},
-    {{"image", "IMAGE", kCode, kTable, "Which image it is"},
-     [](const Image& it) { return CodeCell(hxcodes::kImageNames, it.type); }},
+     [](const Image& it) { return TextCell(it.adapter->address.Text()); }},
+    {{"image", "IMAGE", kCode, kTable, "Which image it is", &CodeTable::images},
+     [](const Image& it) { return NumberCell(it.code); }},
     {{"version", "VERSION", kText, kTable, "Its version, where the adapter tells it"},
-     [](const Image& it) {
-         return *RowOf(it).version == '\0' ? Unknown() : VersionAt(*it.info, RowOf(it).version);
-     }},
+     [](const Image& it) { return VersionCell(it); }},
     {{"healthy", "HEALTHY", kBool, kTable, "Whether it is whole"},
-     [](const Image& it) { return NumberAt(*it.info, RowOf(it).health); }},
+     [](const Image& it) { return FieldCell(it.adapter->info, it.row->health); }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
@@ -76,46 +94,56 @@ Exit ListImages(Invocation& invocation) {
     std::vector<Image> images;
     for (const Adapter& adapter : adapters) {
         for (const ImageRow& row : kImages) {
-            images.push_back({adapter.address, row.type, &adapter.info});
+            images.push_back({&adapter, &row, CodeOf(invocation.controller(), row.name)});
         }
     }
-    Report report;
-    Tabulate(report, kColumns, images);
-    return Show(invocation, std::move(report), "table");
+    return Show(invocation, Tabulated(invocation, kColumns, images));
 }
 
 // ---- show -------------------------------------------------------------------------------------
 
 struct ImageFile {
     std::string path;
-    Value info;
+    Record<VX_BIOS_Version> info;
 };
 
 constexpr Column<ImageFile> kFileColumns[] = {
     {{"file", "FILE", kText, kTable, "The file"},
      [](const ImageFile& it) { return TextCell(it.path); }},
     {{"version", "VERSION", kText, kTable, "The version of the image in it"},
-     [](const ImageFile& it) { return VersionAt(it.info, "BIOSVersion"); }},
+     [](const ImageFile& it) {
+         return TextCell(VersionText(it.info[VX_BIOS_Version::BIOSVersion]));
+     }},
     {{"vendor_id", "VENDOR", kText, kTable, "The vendor it was made for, hexadecimal"},
-     [](const ImageFile& it) { return TextAt(it.info, "VenID"); }},
+     [](const ImageFile& it) { return FieldCell(it.info, VX_BIOS_Version::VenID); }},
     {{"device_id", "DEVICE", kText, kTable, "The device it was made for, hexadecimal"},
-     [](const ImageFile& it) { return TextAt(it.info, "DevID"); }},
+     [](const ImageFile& it) { return FieldCell(it.info, VX_BIOS_Version::DevID); }},
 };
 
 std::vector<ColumnInfo> FileColumns() { return InfoOf(kFileColumns); }
 
+using ReadVersion = calls::HX_BIOS_Version;
+
+AnswerTo<ReadVersion> AskVersion(Controller& controller, const std::string& path) {
+    return controller.Ask(Request<ReadVersion>{{ReadVersion::filepath, path}});
+}
+
+Record<VX_BIOS_Version> InfoIn(const AnswerTo<ReadVersion>& answer) {
+    const Value* const info = answer.result.Find(ReadVersion::Result::BIOSInfo.name);
+    return info == nullptr ? Record<VX_BIOS_Version>() : Record<VX_BIOS_Version>(*info);
+}
+
 Exit ShowFile(Invocation& invocation) {
     const std::string& path = invocation.targets().front();
-    const Answer answer = invocation.controller().Ask({"HX_BIOS_Version", {{"filepath", path}}});
+    const auto answer = AskVersion(invocation.controller(), path);
     if (answer.exit != Exit::kDone) {
         throw Failure(answer.exit == Exit::kRefused ? Exit::kUsage : answer.exit,
                       path + ": cannot be read, or is no image");
     }
-    std::vector<ImageFile> files(1, {path, {}});
-    if (const Value* const info = answer.result.Find("BIOSInfo")) files.front().info = *info;
-    Report report;
-    Tabulate(report, kFileColumns, files);
-    return Present(invocation, std::move(report), "list");
+    return Present(
+        invocation,
+        Tabulated(invocation, kFileColumns, std::vector<ImageFile>{{path, InfoIn(answer)}}),
+        "list");
 }
 
 // ---- Changes ----------------------------------------------------------------------------------
@@ -126,20 +154,31 @@ constexpr unsigned kRead = HX_FLASH_READ;
 // The file's path as the library takes it; it refuses longer ones as a whole.
 constexpr std::size_t kMaxPath = 255;
 
-Fields TransferFields(const Address& adapter, unsigned action, const std::string& image,
-                      const std::string& path) {
+using Transfer = calls::HX_Flash_Option;
+using Erase = calls::HX_Flash_Erase;
+
+Request<Transfer> RequestTransfer(const Address& adapter, unsigned action, std::uint64_t image,
+                                  const std::string& path) {
     if (path.size() > kMaxPath) throw UsageError("the path of the file is too long");
-    return {{"Actions", std::to_string(action)},
-            {"AdapterID", std::to_string(adapter.adapter)},
-            {"Type", image},
-            {"filepath", path}};
+    return {{Transfer::Actions, action},
+            {Transfer::AdapterID, adapter.adapter},
+            {Transfer::Type, image},
+            {Transfer::filepath, path}};
 }
 
-std::string InstalledVersion(Controller& controller, const std::string& image) {
+Request<Erase> RequestErase(const Address& adapter, std::uint64_t image) {
+    return {{Erase::AdapterID, adapter.adapter}, {Erase::Page, image}};
+}
+
+std::uint64_t ImageOption(Invocation& invocation) {
+    return CodeOption(invocation, "--image", &CodeTable::images);
+}
+
+std::string InstalledVersion(Controller& controller, std::uint64_t image) {
     const std::vector<Adapter> adapters = LoadAdapters(controller);
     for (const ImageRow& row : kImages) {
-        if (std::to_string(row.type) != image || *row.version == '\0' || adapters.empty()) continue;
-        return VersionAt(adapters.front().info, row.version).text;
+        if (CodeOf(controller, row.name) != image || !row.version || adapters.empty()) continue;
+        return VersionText(adapters.front().info[*row.version]).value_or("not known");
     }
     return "not told";
 }
@@ -152,7 +191,7 @@ struct FileFacts {
 
 constexpr std::uint64_t kMostPieces = 65536;
 
-FileFacts LookAtFile(Controller& controller, const std::string& path, const std::string& image) {
+FileFacts LookAtFile(Controller& controller, const std::string& path, std::uint64_t image) {
     FileFacts facts;
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
@@ -166,13 +205,13 @@ FileFacts LookAtFile(Controller& controller, const std::string& path, const std:
     if (access(path.c_str(), R_OK) != 0) {
         throw Failure(Exit::kNotPermitted, path + ": " + std::strerror(errno));
     }
-    if (image != std::to_string(hxcodes::Image::kBios)) return facts;
-    const Answer file = controller.Ask({"HX_BIOS_Version", {{"filepath", path}}});
-    const Value* const info = file.result.Find("BIOSInfo");
-    if (info == nullptr || file.exit != Exit::kDone) {
+    if (CodeOf(controller, kBios) != image) return facts;
+    const auto answer = AskVersion(controller, path);
+    const auto version = VersionText(InfoIn(answer)[VX_BIOS_Version::BIOSVersion]);
+    if (!version || answer.exit != Exit::kDone) {
         throw Failure(Exit::kUsage, path + ": is no BIOS image");
     }
-    facts.version = VersionAt(*info, "BIOSVersion").text;
+    facts.version = *version;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> head(std::fopen(path.c_str(), "re"),
                                                                &std::fclose);
     if (!head || std::fgetc(head.get()) != 0x55 || std::fgetc(head.get()) != 0xAA) {
@@ -188,15 +227,14 @@ Exit UpdateFlash(Invocation& invocation) {
     if (path == nullptr) throw UsageError("--file is missing");
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
     Controller& controller = invocation.controller();
-    const std::string image = CodeOption(invocation, "--image", hxcodes::kImageNames);
+    const std::uint64_t image = ImageOption(invocation);
     const FileFacts file = LookAtFile(controller, *path, image);
     const std::uint64_t pieces = (file.bytes + kFlashPieceBytes - 1) / kFlashPieceBytes;
     std::vector<Command> commands;
     if (!invocation.Has("--no-erase")) {
-        commands.push_back(
-            {"HX_Flash_Erase", {{"AdapterID", std::to_string(adapter.adapter)}, {"Page", image}}});
+        commands.push_back(RequestErase(adapter, image));
     }
-    commands.push_back({"HX_Flash_Option", TransferFields(adapter, kWrite, image, *path)});
+    commands.push_back(RequestTransfer(adapter, kWrite, image, *path));
     return CarryOut(
         invocation,
         {.what = "Write " + *path + " into the flash of " + adapter.Text() + " as its " +
@@ -219,30 +257,27 @@ Exit SaveFlash(Invocation& invocation) {
     const std::string* const path = invocation.Get("--file");
     if (path == nullptr) throw UsageError("--file is missing");
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
-    const std::string image = CodeOption(invocation, "--image", hxcodes::kImageNames);
-    return CarryOut(
-        invocation,
-        {.what = "Save an image of the flash of " + adapter.Text() + " to " + *path,
-         .losses = {},
-         .confirm = {},
-         .commands = {{"HX_Flash_Option", TransferFields(adapter, kRead, image, *path)}},
-         .address = adapter.Text(),
-         .size_bytes = {},
-         .image_file = *path});
+    const std::uint64_t image = ImageOption(invocation);
+    return CarryOut(invocation,
+                    {.what = "Save an image of the flash of " + adapter.Text() + " to " + *path,
+                     .losses = {},
+                     .confirm = {},
+                     .commands = {RequestTransfer(adapter, kRead, image, *path)},
+                     .address = adapter.Text(),
+                     .size_bytes = {},
+                     .image_file = *path});
 }
 
 Exit EraseFlash(Invocation& invocation) {
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
-    const std::string image = CodeOption(invocation, "--image", hxcodes::kImageNames);
-    return CarryOut(
-        invocation,
-        {.what = "Erase an image in the flash of " + adapter.Text(),
-         .losses = {"installed version: " + InstalledVersion(invocation.controller(), image)},
-         .confirm = adapter.Text(),
-         .commands = {{"HX_Flash_Erase",
-                       {{"AdapterID", std::to_string(adapter.adapter)}, {"Page", image}}}},
-         .address = adapter.Text(),
-         .size_bytes = {}});
+    const std::uint64_t image = ImageOption(invocation);
+    return CarryOut(invocation, {.what = "Erase an image in the flash of " + adapter.Text(),
+                                 .losses = {"installed version: " +
+                                            InstalledVersion(invocation.controller(), image)},
+                                 .confirm = adapter.Text(),
+                                 .commands = {RequestErase(adapter, image)},
+                                 .address = adapter.Text(),
+                                 .size_bytes = {}});
 }
 
 constexpr std::string_view kImageNames = "bios firmware boot_loader autoload hba_info";
@@ -264,7 +299,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kAdapter,
      .arity = Arity::kAny,
      .target_name = "ADAPTER",
-     .functions = "HX_Adapter_GetInfo",
+     .functions = kNamesOf<calls::HX_Adapter_GetInfo>,
      .examples = {"vexorctl flash list", "vexorctl flash list a0 -o json"},
      .run = ListImages,
      .columns = Columns},
@@ -274,7 +309,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kFile,
      .arity = Arity::kOne,
      .target_name = "FILE",
-     .functions = "HX_BIOS_Version",
+     .functions = kNamesOf<calls::HX_BIOS_Version>,
      .examples = {"vexorctl flash show bios.rom", "vexorctl flash show bios.rom -o json"},
      .run = ShowFile,
      .columns = FileColumns},
@@ -285,7 +320,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "ADAPTER",
      .options = kUpdateOptions,
-     .functions = "HX_Flash_Option HX_Flash_Erase HX_BIOS_Version",
+     .functions = kNamesOf<calls::HX_Flash_Option, calls::HX_Flash_Erase, calls::HX_BIOS_Version>,
      .examples = {"vexorctl flash update a0 --image bios --file bios.rom --dry-run",
                   "vexorctl flash update a0 --image bios --file bios.rom --no-erase --dry-run"},
      .run = UpdateFlash,
@@ -302,7 +337,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "ADAPTER",
      .options = kSaveOptions,
-     .functions = "HX_Flash_Option",
+     .functions = kNamesOf<calls::HX_Flash_Option>,
      .examples = {"vexorctl flash save a0 --image bios --file bios.rom",
                   "vexorctl flash save a0 --image bios --file bios.rom --dry-run"},
      .run = SaveFlash,
@@ -315,7 +350,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "ADAPTER",
      .options = kEraseOptions,
-     .functions = "HX_Flash_Erase",
+     .functions = kNamesOf<calls::HX_Flash_Erase>,
      .examples = {"vexorctl flash erase a0 --image bios --dry-run",
                   "vexorctl flash erase a0 --image autoload --dry-run"},
      .run = EraseFlash,

@@ -1,11 +1,14 @@
 // vexorctl task ...
 #include <utility>
 
-#include "codes/activity.h"
+#include "codes/code_table.h"
+#include "codes/named.h"
 #include "common/address.h"
+#include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
+#include "model/library_record.h"
 #include "model/tasks.h"
 #include "nouns/find_object.h"
 #include "nouns/nouns.h"
@@ -21,6 +24,8 @@ namespace vexorctl {
 
 namespace {
 
+using hxcodes::CodeTable;
+
 using enum Kind;
 using enum Place;
 
@@ -29,13 +34,13 @@ constexpr Column<Task> kColumns[] = {
      [](const Task& it) { return TextCell(it.address.Text()); }},
     {{"name", "NAME", kText, kTable, "The name of that object"},
      [](const Task& it) { return TextCell(it.name); }},
-    {{"activity", "ACTIVITY", kCode, kTable, "What it does"},
-     [](const Task& it) { return CodeCell(hxcodes::kActivityNames, it.activity); }},
-    {{"state", "STATE", kCode, kTable, "How it stands"},
-     [](const Task& it) { return CodeCell(hxcodes::kActivityStateNames, it.state); }},
+    {{"activity", "ACTIVITY", kCode, kTable, "What it does", &CodeTable::activities},
+     [](const Task& it) { return NumberCell(it.activity); }},
+    {{"state", "STATE", kCode, kTable, "How it stands", &CodeTable::activity_states},
+     [](const Task& it) { return NumberCell(it.state); }},
     {{"progress_ratio", "PROGRESS", kRatio, kTable, "How far it is"},
      [](const Task& it) {
-         return it.percent ? RatioCell(static_cast<double>(*it.percent) / 100) : Unknown();
+         return it.address.kind == ObjectKind::kDiskGroup ? None() : PercentCell(it.percent);
      }},
 };
 
@@ -43,9 +48,8 @@ std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
 Exit ListTasks(Invocation& invocation) {
     SelectAdapters(invocation);
-    Report report;
-    Tabulate(report, kColumns, LoadTasks(invocation.controller()));
-    return Show(invocation, std::move(report), "table");
+    return Show(invocation, Tabulated(invocation, kColumns,
+                                      LoadTasks(invocation.controller(), TaskDetail::kWithObject)));
 }
 
 // ---- Changes ----------------------------------------------------------------------------------
@@ -69,98 +73,126 @@ Named FindPlace(Invocation& invocation) {
     return {FindObject(invocation, kind, typed), typed};
 }
 
-// The functions that pause, resume and abort, with what they call the object and the action.
-struct ControlRow {
-    ObjectKind kind;
-    std::string_view function;
-    std::string_view id;
-    std::string_view action;
-};
-constexpr ControlRow kControls[] = {
-    {ObjectKind::kDisk, "HX_PD_BGAControl", "HD_ID", "Action"},
-    {ObjectKind::kVirtualDisk, "HX_LD_BGAControl", "LD_ID", "Actions"},
-    {ObjectKind::kDiskGroup, "HX_DG_BGAControl", "DG_ID", "Actions"},
-};
+// The command that pauses, resumes or aborts the task on an object.
+template <class Function, class Action>
+Command ControlCommand(const Address& address, Parameter<Function> id, Action action,
+                       std::uint64_t code) {
+    auto request = RequestFor(address, id);
+    request.Add({action, code});
+    return request;
+}
+
+Command ControlCommand(const Address& address, std::uint64_t code) {
+    using OfDisk = calls::HX_PD_BGAControl;
+    using OfVirtualDisk = calls::HX_LD_BGAControl;
+    using OfGroup = calls::HX_DG_BGAControl;
+    switch (address.kind) {
+        case ObjectKind::kDisk:
+            return ControlCommand(address, OfDisk::HD_ID, OfDisk::Action, code);
+        case ObjectKind::kVirtualDisk:
+            return ControlCommand(address, OfVirtualDisk::LD_ID, OfVirtualDisk::Actions, code);
+        case ObjectKind::kDiskGroup:
+            return ControlCommand(address, OfGroup::DG_ID, OfGroup::Actions, code);
+        case ObjectKind::kAdapter:
+        case ObjectKind::kEnclosure:
+        case ObjectKind::kElement:
+            break;
+    }
+    throw UsageError(address.Text() + " has no tasks");
+}
 
 Exit ControlTask(Invocation& invocation) {
     const std::string verb(invocation.row().verb);
     const Named place = FindPlace(invocation);
-    const hxcodes::Named* const action = hxcodes::FindName(hxcodes::kControlActionNames, verb);
-    for (const ControlRow& row : kControls) {
-        if (row.kind != place.address.kind || action == nullptr) continue;
-        Fields fields = AddressFields(place.address, row.id);
-        fields.emplace_back(row.action, std::to_string(action->code));
-        return CarryOut(invocation, {.what = verb + " the task on " + place.address.Text(),
-                                     .losses = {},
-                                     .confirm = {},
-                                     .commands = {{row.function, std::move(fields)}},
-                                     .address = place.address.Text(),
-                                     .size_bytes = {},
-                                     .starts_task = verb == "resume"});
-    }
-    throw UsageError(place.address.Text() + " has no tasks");
+    const std::uint64_t code = CodeNamed(invocation.controller(), &CodeTable::controls, verb);
+    return CarryOut(invocation, {.what = verb + " the task on " + place.address.Text(),
+                                 .losses = {},
+                                 .confirm = {},
+                                 .commands = {ControlCommand(place.address, code)},
+                                 .address = place.address.Text(),
+                                 .size_bytes = {},
+                                 .starts_task = verb == "resume"});
 }
 
 Exit PauseAll(Invocation& invocation) {
+    using Function = calls::HX_LD_PauseAll;
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
-    return CarryOut(
-        invocation,
-        {.what = "Pause every task of the virtual disks of " + adapter.Text(),
-         .losses = {},
-         .confirm = {},
-         .commands = {{"HX_LD_PauseAll", {{"AdapterID", std::to_string(adapter.adapter)}}}},
-         .address = adapter.Text(),
-         .size_bytes = {}});
+    return CarryOut(invocation,
+                    {.what = "Pause every task of the virtual disks of " + adapter.Text(),
+                     .losses = {},
+                     .confirm = {},
+                     .commands = {Request<Function>{{Function::AdapterID, adapter.adapter}}},
+                     .address = adapter.Text(),
+                     .size_bytes = {}});
 }
 
-// What can be started on what, by which function; `field` takes the code of the kind.
+// What can be started on what, by which command.
 struct StartRow {
     std::string_view kind;
     ObjectKind object;
-    std::string_view function;
-    std::string_view id;
-    std::string_view field;
-    unsigned code;
+    Command (*command)(Controller&, const Address&, std::string_view code);
+    std::string_view code;  // as the controller's codes call it
     bool destroys;
 };
+
+Command StartCheck(Controller& controller, const Address& address, std::string_view type) {
+    using Function = calls::HX_LD_StartConsistencyCheck;
+    auto request = RequestFor(address, Function::LD_ID);
+    request.Add({Function::Type, CodeNamed(controller, &CodeTable::check_types, type)});
+    return request;
+}
+
+Command StartInit(Controller& controller, const Address& address, std::string_view kind) {
+    using Function = calls::HX_LD_StartINIT;
+    auto request = RequestFor(address, Function::LD_ID);
+    request.Add({Function::Init_Type, CodeNamed(controller, &CodeTable::inits, kind)});
+    return request;
+}
+
+template <class Function>
+Command StartOnDisk(Controller&, const Address& address, std::string_view) {
+    return RequestFor(address, Function::HD_ID);
+}
+
 constexpr StartRow kStarts[] = {
-    {"check", ObjectKind::kVirtualDisk, "HX_LD_StartConsistencyCheck", "LD_ID", "Type",
-     hxcodes::CheckType::kOnly, false},
-    {"fix", ObjectKind::kVirtualDisk, "HX_LD_StartConsistencyCheck", "LD_ID", "Type",
-     hxcodes::CheckType::kAndFix, false},
-    {"init-quick", ObjectKind::kVirtualDisk, "HX_LD_StartINIT", "LD_ID", "Init_Type",
-     hxcodes::Init::kQuick, true},
-    {"init-foreground", ObjectKind::kVirtualDisk, "HX_LD_StartINIT", "LD_ID", "Init_Type",
-     hxcodes::Init::kForeground, true},
-    {"init-background", ObjectKind::kVirtualDisk, "HX_LD_StartINIT", "LD_ID", "Init_Type",
-     hxcodes::Init::kBackground, false},
-    {"media-patrol", ObjectKind::kDisk, "HX_PD_StartMediaPatrol", "HD_ID", "", 0, false},
-    {"data-scrub", ObjectKind::kDisk, "HX_PD_StartDataScrub", "HD_ID", "", 0, false},
+    {"check", ObjectKind::kVirtualDisk, &StartCheck, "check", false},
+    {"fix", ObjectKind::kVirtualDisk, &StartCheck, "fix", false},
+    {"init-quick", ObjectKind::kVirtualDisk, &StartInit, "quick", true},
+    {"init-foreground", ObjectKind::kVirtualDisk, &StartInit, "foreground", true},
+    {"init-background", ObjectKind::kVirtualDisk, &StartInit, "background", false},
+    {"media-patrol", ObjectKind::kDisk, &StartOnDisk<calls::HX_PD_StartMediaPatrol>, "", false},
+    {"data-scrub", ObjectKind::kDisk, &StartOnDisk<calls::HX_PD_StartDataScrub>, "", false},
 };
 
 // A rebuild needs the disk that takes the missing one's place; a disk group, several.
+Command RebuildCommand(Controller& controller, const Address& place, const Address& disk) {
+    using OfVirtualDisk = calls::HX_LD_StartRebuild;
+    using OfGroup = calls::HX_LD_DG_StartRebuild;
+    if (place.kind == ObjectKind::kVirtualDisk) {
+        auto request = RequestFor(place, OfVirtualDisk::LD_ID);
+        request.Add({OfVirtualDisk::Rebuild_HD_ID, disk.id});
+        return request;
+    }
+    auto request = RequestFor(place, OfGroup::ID);
+    request.Add(
+        {OfGroup::RebuildType, CodeNamed(controller, &CodeTable::rebuild_types, "disk_group")});
+    request.Add({OfGroup::PDCount, 1});
+    request.Add({OfGroup::PDIDs, disk.id});
+    return request;
+}
+
 Exit StartRebuild(Invocation& invocation, const Named& place) {
     const std::string* const disk = invocation.Get("--disk");
     if (disk == nullptr) throw UsageError("--disk is missing: the disk to rebuild to");
     const Address target = FindObject(invocation, ObjectKind::kDisk, *disk);
-    Command command;
-    if (place.address.kind == ObjectKind::kVirtualDisk) {
-        command = {"HX_LD_StartRebuild", AddressFields(place.address, "LD_ID")};
-        command.fields.emplace_back("Rebuild_HD_ID", std::to_string(target.id));
-    } else {
-        command = {"HX_LD_DG_StartRebuild", AddressFields(place.address, "ID")};
-        command.fields.emplace_back("RebuildType",
-                                    std::to_string(hxcodes::RebuildType::kDiskGroup));
-        command.fields.emplace_back("PDCount", "1");
-        command.fields.emplace_back("PDIDs", std::to_string(target.id));
-    }
-    return CarryOut(invocation, {.what = "Rebuild " + place.address.Text() + " to " + target.Text(),
-                                 .losses = {},
-                                 .confirm = {},
-                                 .commands = {std::move(command)},
-                                 .address = place.address.Text(),
-                                 .size_bytes = {},
-                                 .starts_task = true});
+    return CarryOut(invocation,
+                    {.what = "Rebuild " + place.address.Text() + " to " + target.Text(),
+                     .losses = {},
+                     .confirm = {},
+                     .commands = {RebuildCommand(invocation.controller(), place.address, target)},
+                     .address = place.address.Text(),
+                     .size_bytes = {},
+                     .starts_task = true});
 }
 
 Exit StartTask(Invocation& invocation) {
@@ -172,12 +204,10 @@ Exit StartTask(Invocation& invocation) {
     }
     for (const StartRow& row : kStarts) {
         if (row.kind != *kind || row.object != place.address.kind) continue;
-        Fields fields = AddressFields(place.address, row.id);
-        if (!row.field.empty()) fields.emplace_back(row.field, std::to_string(row.code));
         Change change{.what = "Start " + *kind + " on " + place.address.Text(),
                       .losses = {},
                       .confirm = {},
-                      .commands = {{row.function, std::move(fields)}},
+                      .commands = {row.command(invocation.controller(), place.address, row.code)},
                       .address = place.address.Text(),
                       .size_bytes = {},
                       .starts_task = true};
@@ -212,6 +242,7 @@ Exit WaitTask(Invocation& invocation) {
 constexpr OptionRow kWaitOptions[] = {kWaitOption};
 constexpr OptionRow kTimeoutOptions[] = {
     {"--timeout", "TIMEOUT", "At most 90s, 15m or 2h; for ever when not given"},
+    kCodesOption,
 };
 constexpr OptionRow kStartOptions[] = {
     {"--kind", "KIND", "What to start",
@@ -230,7 +261,8 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "ADAPTER",
      .options = kAdapterOption,
-     .functions = "HX_LD_GetStatus HX_LD_GetInfo HX_PD_GetBGAStatus HX_DG_GetInfo",
+     .functions = kNamesOf<calls::HX_LD_GetStatus, calls::HX_LD_GetInfo, calls::HX_PD_GetBGAStatus,
+                           calls::HX_DG_GetInfo>,
      .examples = {"vexorctl task list", "vexorctl task list a0 -o json"},
      .run = ListTasks,
      .columns = Columns,
@@ -242,8 +274,9 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "OBJECT",
      .options = kStartOptions,
-     .functions = "HX_LD_StartConsistencyCheck HX_LD_StartINIT HX_LD_StartRebuild "
-                  "HX_LD_DG_StartRebuild HX_PD_StartMediaPatrol HX_PD_StartDataScrub",
+     .functions = kNamesOf<calls::HX_LD_StartConsistencyCheck, calls::HX_LD_StartINIT,
+                           calls::HX_LD_StartRebuild, calls::HX_LD_DG_StartRebuild,
+                           calls::HX_PD_StartMediaPatrol, calls::HX_PD_StartDataScrub>,
      .examples = {"vexorctl task start a0/vd0 --kind check --dry-run",
                   "vexorctl task start a0/pd3 --kind media-patrol --dry-run"},
      .run = StartTask,
@@ -257,7 +290,8 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kTask,
      .arity = Arity::kOne,
      .target_name = "TASK",
-     .functions = "HX_LD_BGAControl HX_DG_BGAControl HX_PD_BGAControl",
+     .functions =
+         kNamesOf<calls::HX_LD_BGAControl, calls::HX_DG_BGAControl, calls::HX_PD_BGAControl>,
      .examples = {"vexorctl task pause a0/vd0 --dry-run", "vexorctl task pause a0/pd3 --dry-run"},
      .run = ControlTask,
      .columns = ChangeColumns,
@@ -268,7 +302,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kAdapter,
      .arity = Arity::kOne,
      .target_name = "ADAPTER",
-     .functions = "HX_LD_PauseAll",
+     .functions = kNamesOf<calls::HX_LD_PauseAll>,
      .examples = {"vexorctl task pause-all a0 --dry-run", "vexorctl task pause-all a1 --dry-run"},
      .run = PauseAll,
      .columns = ChangeColumns,
@@ -280,7 +314,8 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "TASK",
      .options = kWaitOptions,
-     .functions = "HX_LD_BGAControl HX_DG_BGAControl HX_PD_BGAControl",
+     .functions =
+         kNamesOf<calls::HX_LD_BGAControl, calls::HX_DG_BGAControl, calls::HX_PD_BGAControl>,
      .examples = {"vexorctl task resume a0/vd0 --dry-run",
                   "vexorctl task resume name:ARCHIVE --dry-run"},
      .run = ControlTask,
@@ -292,7 +327,8 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kTask,
      .arity = Arity::kOne,
      .target_name = "TASK",
-     .functions = "HX_LD_BGAControl HX_DG_BGAControl HX_PD_BGAControl",
+     .functions =
+         kNamesOf<calls::HX_LD_BGAControl, calls::HX_DG_BGAControl, calls::HX_PD_BGAControl>,
      .examples = {"vexorctl task abort a0/vd0 --dry-run", "vexorctl task abort a0/dg0 --dry-run"},
      .run = ControlTask,
      .columns = ChangeColumns,
@@ -304,7 +340,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "TASK",
      .options = kTimeoutOptions,
-     .functions = "HX_LD_GetStatus HX_PD_GetBGAStatus HX_DG_GetInfo",
+     .functions = kNamesOf<calls::HX_LD_GetStatus, calls::HX_PD_GetBGAStatus, calls::HX_DG_GetInfo>,
      .examples = {"vexorctl task wait", "vexorctl task wait a0/vd0 --timeout 10s"},
      .run = WaitTask,
      .note = "Without a task it is about all that run. A terminal shows a bar on standard error. "
@@ -316,7 +352,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "TASK",
      .options = kTimeoutOptions,
-     .functions = "HX_LD_GetStatus HX_PD_GetBGAStatus HX_DG_GetInfo",
+     .functions = kNamesOf<calls::HX_LD_GetStatus, calls::HX_PD_GetBGAStatus, calls::HX_DG_GetInfo>,
      .examples = {"vexorctl task watch", "vexorctl task watch a0/vd0 --timeout 10s"},
      .run = WaitTask,
      .note = "Without a task it is about all that run. A terminal shows a bar on standard error. "

@@ -5,9 +5,11 @@
 #include <cstdio>
 #include <utility>
 
+#include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
+#include "model/library_record.h"
 #include "nouns/nouns.h"
 #include "output/cell.h"
 #include "output/report.h"
@@ -20,9 +22,9 @@ namespace vexorctl {
 namespace {
 
 struct User {
-    std::string name;
-    std::string domain;
-    std::string group;
+    std::optional<std::string> name;
+    std::optional<std::string> domain;
+    std::optional<std::string> group;
 };
 
 using enum Kind;
@@ -39,38 +41,42 @@ constexpr Column<User> kColumns[] = {
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
 Exit PresentUser(Invocation& invocation, User user) {
-    Report report;
-    Tabulate(report, kColumns, std::vector<User>{std::move(user)});
-    return Present(invocation, std::move(report), "table");
+    return Present(invocation, Tabulated(invocation, kColumns, std::vector<User>{std::move(user)}));
+}
+
+// The user that was named, or whoever runs the command.
+User UserOf(Invocation& invocation) {
+    using Function = calls::HX_GetUserName;
+    if (!invocation.targets().empty()) {
+        return {invocation.targets().front(), invocation.Get("--domain", ""), {}};
+    }
+    const auto answer = invocation.controller().Ask(Request<Function>{});
+    const auto name = answer[Function::Result::UserName];
+    if (answer.exit != Exit::kDone || !name) {
+        throw Failure(Exit::kNoObject,
+                      "your user name cannot be had" +
+                          (answer.complaint.empty() ? "" : ": " + answer.complaint));
+    }
+    return {name, answer[Function::Result::DomainName], {}};
 }
 
 Exit ShowUser(Invocation& invocation) {
-    Controller& controller = invocation.controller();
-    User user;
-    if (invocation.targets().empty()) {
-        const Answer answer = controller.Ask({"HX_GetUserName", {}});
-        if (answer.exit != Exit::kDone) {
-            throw Failure(Exit::kNoObject, "your user name cannot be had: " + answer.complaint);
-        }
-        user.name = answer.result.Text("UserName");
-        user.domain = answer.result.Text("DomainName");
-    } else {
-        user.name = invocation.targets().front();
-        user.domain = invocation.Get("--domain", "");
-    }
-    const Answer group = controller.Ask(
-        {"HX_GetUserGroup", {{"lpszUsername", user.name}, {"lpszDomain", user.domain}}});
-    if (group.exit == Exit::kUndelivered) throw Failure(group.exit, group.complaint);
-    if (group.exit != Exit::kDone) {
+    using Function = calls::HX_GetUserGroup;
+    User user = UserOf(invocation);
+    const std::string name = user.name.value_or("");
+    const auto answer = invocation.controller().Ask(Request<Function>{
+        {Function::lpszUsername, name}, {Function::lpszDomain, user.domain.value_or("")}});
+    if (answer.exit == Exit::kUndelivered) throw Failure(answer.exit, answer.complaint);
+    if (answer.exit != Exit::kDone) {
         throw Failure(Exit::kRefused,
-                      "the group of \"" + user.name +
+                      "the group of \"" + name +
                           "\" cannot be told: this host has no group of administrators (code " +
-                          std::to_string(group.status) + ")");
+                          std::to_string(answer.status) + ")");
     }
-    user.group = group.result.Text("UserGroup");
+    user.group = answer[Function::Result::UserGroup];
     // A success all the same, for the library.
     if (user.group == "UnknownUser") {
-        throw Failure(Exit::kNoObject, "there is no user \"" + user.name + "\"");
+        throw Failure(Exit::kNoObject, "there is no user \"" + name + "\"");
     }
     return PresentUser(invocation, std::move(user));
 }
@@ -111,20 +117,21 @@ std::string ReadPassword() {
 }
 
 Exit LogOn(Invocation& invocation) {
-    User user{invocation.targets().front(), invocation.Get("--domain", ""), ""};
-    const Answer answer = invocation.controller().Ask({"HX_LogonUser",
-                                                       {{"lpszUsername", user.name},
-                                                        {"lpszDomain", user.domain},
-                                                        {"lpszPassword", ReadPassword()}}});
+    using Function = calls::HX_LogonUser;
+    const std::string& name = invocation.targets().front();
+    const std::string domain = invocation.Get("--domain", "");
+    const auto answer =
+        invocation.controller().Ask(Request<Function>{{Function::lpszUsername, name},
+                                                      {Function::lpszDomain, domain},
+                                                      {Function::lpszPassword, ReadPassword()}});
     if (answer.exit == Exit::kUndelivered) throw Failure(answer.exit, answer.complaint);
     if (answer.exit != Exit::kDone) {
-        throw Failure(Exit::kNotPermitted, "\"" + user.name +
+        throw Failure(Exit::kNotPermitted, "\"" + name +
                                                "\" may not log on: wrong password, "
                                                "or no such user (code " +
                                                std::to_string(answer.status) + ")");
     }
-    user.group = answer.result.Text("UserGroup");
-    return PresentUser(invocation, std::move(user));
+    return PresentUser(invocation, {name, domain, answer[Function::Result::UserGroup]});
 }
 
 constexpr OptionRow kOptions[] = {{"--domain", "DOMAIN", "The domain or host of the account"}};
@@ -137,7 +144,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOptional,
      .target_name = "NAME",
      .options = kOptions,
-     .functions = "HX_GetUserName HX_GetUserGroup",
+     .functions = kNamesOf<calls::HX_GetUserName, calls::HX_GetUserGroup>,
      .examples = {"vexorctl user show root", "vexorctl user show root -o json"},
      .run = ShowUser,
      .columns = Columns},
@@ -148,7 +155,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "NAME",
      .options = kOptions,
-     .functions = "HX_LogonUser",
+     .functions = kNamesOf<calls::HX_LogonUser>,
      .examples = {"vexorctl user logon admin <password",
                   "vexorctl user logon admin -o json <password"},
      .run = LogOn,

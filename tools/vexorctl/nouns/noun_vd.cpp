@@ -1,20 +1,23 @@
 // vexorctl vd ...
 #include <algorithm>
+#include <map>
 #include <span>
 #include <utility>
 
-#include "codes/activity.h"
+#include "codes/code_table.h"
 #include "codes/level.h"
-#include "codes/state.h"
-#include "codes/virtual_disk.h"
+#include "codes/named.h"
 #include "common/address.h"
+#include "common/size.h"
+#include "hxraid.h"
+#include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/disk_groups.h"
 #include "model/disks.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
+#include "model/library_record.h"
 #include "model/object_name.h"
-#include "model/result_tree.h"
 #include "model/virtual_disks.h"
 #include "nouns/choose_disks.h"
 #include "nouns/creation_options.h"
@@ -33,44 +36,24 @@ namespace vexorctl {
 
 namespace {
 
-constexpr unsigned kNoGroup = 255;
+using fields::LD_Config;
+using fields::LD_Info;
+using fields::LD_Status;
+using hxcodes::CodeTable;
 
 Cell DisksCell(const VirtualDisk& disk) {
-    std::vector<std::string> texts;
-    for (const std::uint64_t id : disk.disks) {
-        texts.push_back(Address{.adapter = disk.address.adapter,
-                                .kind = ObjectKind::kDisk,
-                                .id = static_cast<unsigned>(id)}
-                            .Text());
-    }
-    return TextsCell(std::move(texts));
+    if (!disk.disks) return Unknown();
+    return TextsCell(AddressTexts(disk.address.adapter, ObjectKind::kDisk, *disk.disks));
 }
 
 Cell GroupCell(const VirtualDisk& disk) {
-    const std::uint64_t group = disk.info.Number("DGID");
-    if (disk.info.Find("DGID") == nullptr) return Unknown();
-    if (group == kNoGroup) return TextCell("");
+    const auto group = disk.info[LD_Info::DGID];
+    if (!group) return Unknown();
+    if (*group == kNoDiskGroup) return TextCell("");
     return TextCell(Address{.adapter = disk.address.adapter,
                             .kind = ObjectKind::kDiskGroup,
-                            .id = static_cast<unsigned>(group)}
+                            .id = static_cast<unsigned>(*group)}
                         .Text());
-}
-
-Cell ProgressCell(const VirtualDisk& disk) {
-    if (disk.status.Number("Bga") == 0) return Unknown();
-    return RatioCell(static_cast<double>(disk.status.Number("BgaPercentage")) / 100);
-}
-
-Cell StripeCell(const Value& info) {
-    return info.Find("StripeBlockSize") == nullptr
-               ? Unknown()
-               : NumberCell(1024 * info.Number("StripeBlockSize"));
-}
-
-Cell SectorCell(const Value& info) {
-    return info.Find("SectorCoefficient") == nullptr
-               ? Unknown()
-               : NumberCell(512 * info.Number("SectorCoefficient"));
 }
 
 using enum Kind;
@@ -80,227 +63,261 @@ constexpr Column<VirtualDisk> kColumns[] = {
     {{"address", "ADDRESS", kText, kTable, "Its address"},
      [](const VirtualDisk& it) { return TextCell(it.address.Text()); }},
     {{"name", "NAME", kText, kTable, "Its name"},
-     [](const VirtualDisk& it) { return TextAt(it.info, "Name"); }},
-    {{"state", "STATE", kCode, kTable, "Its state"},
-     [](const VirtualDisk& it) { return CodeAt(it.info, "Status", hxcodes::kStateNames); }},
-    {{"level", "LEVEL", kCode, kTable, "Its RAID level"},
-     [](const VirtualDisk& it) { return CodeAt(it.info, "RaidMode", hxcodes::kLevelNames); }},
+     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::Name); }},
+    {{"state", "STATE", kCode, kTable, "Its state", &CodeTable::states},
+     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::Status); }},
+    {{"level", "LEVEL", kCode, kTable, "Its RAID level", &CodeTable::levels},
+     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::RaidMode); }},
     {{"size_bytes", "SIZE", kBytes, kTable, "Its size"},
-     [](const VirtualDisk& it) { return SectorsAt(it.info, "Size"); }},
+     [](const VirtualDisk& it) { return SectorsAt(it.info, LD_Info::Size); }},
     {{"disks", "DISKS", kTexts, kTable, "The disks that it lies on"},
      [](const VirtualDisk& it) { return DisksCell(it); }},
     {{"dg", "DG", kText, kTable, "The disk group that it lies on"},
      [](const VirtualDisk& it) { return GroupCell(it); }},
-    {{"cache", "CACHE", kBits, kWide, "Its cache"},
-     [](const VirtualDisk& it) { return BitsAt(it.info, "CacheMode", hxcodes::kCacheBits); }},
-    {{"activity", "ACTIVITY", kCode, kTable, "What is going on in the background"},
-     [](const VirtualDisk& it) { return CodeAt(it.status, "Bga", hxcodes::kActivityNames); }},
+    {{"cache", "CACHE", kBits, kWide, "Its cache", &CodeTable::cache_bits},
+     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::CacheMode); }},
+    {{"activity", "ACTIVITY", kCode, kTable, "What is going on in the background",
+      &CodeTable::activities},
+     [](const VirtualDisk& it) { return FieldCell(it.status, LD_Status::Bga); }},
     {{"progress_ratio", "PROGRESS", kRatio, kTable, "How far that is"},
-     [](const VirtualDisk& it) { return ProgressCell(it); }},
-    {{"activity_state", "ACTIVITY STATE", kCode, kWide, "How it stands"},
      [](const VirtualDisk& it) {
-         return CodeAt(it.status, "BgaState", hxcodes::kActivityStateNames);
+         return ProgressAt(it.status, LD_Status::Bga, LD_Status::BgaPercentage);
      }},
+    {{"activity_state", "ACTIVITY STATE", kCode, kWide, "How it stands",
+      &CodeTable::activity_states},
+     [](const VirtualDisk& it) { return FieldCell(it.status, LD_Status::BgaState); }},
     {{"stripe_bytes", "STRIPE", kBytes, kWide, "Its stripe size"},
-     [](const VirtualDisk& it) { return StripeCell(it.info); }},
+     [](const VirtualDisk& it) { return ScaledAt(it.info, LD_Info::StripeBlockSize, 1024); }},
     {{"disk_count", "DISK COUNT", kNumber, kWide, "The number of its disks"},
-     [](const VirtualDisk& it) { return NumberAt(it.info, "HDCount"); }},
+     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::HDCount); }},
     {{"leg_count", "LEGS", kNumber, kWide, "The number of its legs; 0 for a level without"},
-     [](const VirtualDisk& it) { return NumberAt(it.info, "SubLDCount"); }},
+     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::SubLDCount); }},
     {{"parity_disks", "PARITY", kNumber, kWide, "The number of its parity disks"},
-     [](const VirtualDisk& it) { return NumberAt(it.info, "NumParityDisk"); }},
+     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::NumParityDisk); }},
     {{"sector_bytes", "SECTOR", kNumber, kWide, "The size of its sectors"},
-     [](const VirtualDisk& it) { return SectorCell(it.info); }},
+     [](const VirtualDisk& it) {
+         return ScaledAt(it.info, LD_Info::SectorCoefficient, kSectorBytes);
+     }},
     {{"auto_rebuild", "AUTO REBUILD", kBool, kWide, "Setting: a spare is taken at once"},
-     [](const VirtualDisk& it) { return NumberAt(it.config, "AutoRebuildOn"); }},
+     [](const VirtualDisk& it) { return FieldCell(it.config, LD_Config::AutoRebuildOn); }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
 Exit ListVirtualDisks(Invocation& invocation) {
     SelectAdapters(invocation);
-    Report report;
-    Tabulate(report, kColumns, LoadVirtualDisks(invocation.controller()));
-    return Show(invocation, std::move(report), invocation.row().verb == "show" ? "list" : "table");
+    return Show(invocation,
+                Tabulated(invocation, kColumns, LoadVirtualDisks(invocation.controller())));
 }
 
 // ---- Changes ----------------------------------------------------------------------------------
 
 VirtualDisk FindVirtualDisk(Invocation& invocation) {
     const Address address = FindTarget(invocation, ObjectKind::kVirtualDisk);
-    for (VirtualDisk& disk : LoadVirtualDisks(invocation.controller())) {
-        if (disk.address == address) return std::move(disk);
-    }
-    throw Failure(Exit::kNoObject, address.Text() + ": there is no such virtual disk any more");
+    return TakeObject(LoadVirtualDisks(invocation.controller()), address);
+}
+
+std::string LevelText(const VirtualDisk& disk) {
+    const auto code = disk.info[LD_Info::RaidMode];
+    if (!code) return "level unknown";
+    const std::string_view name = hxcodes::NameOf(hxcodes::kLevels, *code);
+    return name.empty() ? "level " + std::to_string(*code) : std::string(name);
 }
 
 std::string Described(const VirtualDisk& disk) {
-    std::string text =
-        disk.address.Text() + " (" + disk.info.Text("Name") + ", " +
-        std::string(hxcodes::NameOf(hxcodes::kLevelNames,
-                                    static_cast<HX_U32>(disk.info.Number("RaidMode")))) +
-        ", " + SizeText(512 * disk.info.Number("Size"), {}) + ")";
-    return text;
+    return disk.address.Text() + " (" + Shown(disk.info[LD_Info::Name]) + ", " + LevelText(disk) +
+           ", " + SectorsText(disk.info[LD_Info::Size]) + ")";
 }
 
 // What has to be typed before it is destroyed: its name, or its address when it has none.
 std::string ConfirmName(const VirtualDisk& disk) {
-    const std::string name = disk.info.Text("Name");
+    const std::string name = disk.info[LD_Info::Name].value_or("");
     return name.empty() ? disk.address.Text() : name;
 }
 
-std::string Joined(const std::vector<std::string>& addresses) {
-    std::string text;
-    for (const std::string& address : addresses) {
-        text.append(text.empty() ? "" : ", ").append(address);
-    }
-    return text;
+std::string DisksText(const VirtualDisk& disk) {
+    return disk.disks ? Joined(DisksCell(disk).texts, ", ") : "not known";
 }
 
-std::string JoinedAddresses(std::span<const Disk> disks) {
-    std::vector<std::string> addresses;
-    for (const Disk& disk : disks) addresses.push_back(disk.address.Text());
-    return Joined(addresses);
+// The virtual disk as commands find it: no losses, no question, and one command.
+Change ChangeOf(const VirtualDisk& disk, const std::string& what, Command command) {
+    return {.what = what + " virtual disk " + Described(disk),
+            .losses = {},
+            .confirm = {},
+            .commands = {std::move(command)},
+            .address = disk.address.Text(),
+            .size_bytes = {}};
 }
 
 Exit DeleteVirtualDisk(Invocation& invocation) {
+    using Function = calls::HX_LD_Delete;
     const VirtualDisk disk = FindVirtualDisk(invocation);
-    Fields fields = AddressFields(disk.address, "LD_ID");
-    fields.emplace_back("deleteMBR", invocation.Has("--keep-boot-record") ? "0" : "1");
-    return CarryOut(invocation, {.what = "Delete virtual disk " + Described(disk),
-                                 .losses = {"all data on it will be lost",
-                                            "its disks: " + Joined(DisksCell(disk).texts)},
-                                 .confirm = ConfirmName(disk),
-                                 .commands = {{"HX_LD_Delete", std::move(fields)}},
-                                 .address = disk.address.Text(),
-                                 .size_bytes = {}});
+    auto request = RequestFor(disk.address, Function::LD_ID);
+    request.Add({Function::deleteMBR, invocation.Has("--keep-boot-record") ? 0 : 1});
+    Change change = ChangeOf(disk, "Delete", std::move(request));
+    change.losses = {"all data on it will be lost", "its disks: " + DisksText(disk)};
+    change.confirm = ConfirmName(disk);
+    return CarryOut(invocation, change);
 }
 
 Exit ImportVirtualDisk(Invocation& invocation) {
     const VirtualDisk disk = FindVirtualDisk(invocation);
     return CarryOut(invocation,
-                    {.what = "Import virtual disk " + Described(disk),
-                     .losses = {},
-                     .confirm = {},
-                     .commands = {{"HX_LD_Import", AddressFields(disk.address, "LD_ID")}},
-                     .address = disk.address.Text(),
-                     .size_bytes = {}});
+                    ChangeOf(disk, "Import", RequestFor(disk.address, calls::HX_LD_Import::LD_ID)));
 }
 
+// What a caller may set of a cache. That the battery does not allow write-back is the controller's
+// own.
+constexpr std::string_view kCacheModes[] = {"write_back", "read_ahead"};
+
 // Several names of bits between commas.
-std::string CacheOption(const std::string& text) {
+std::uint64_t CacheOption(Controller& controller, const std::string& text) {
     std::uint64_t bits = 0;
     std::string_view rest = text;
     while (!rest.empty() && rest != "none") {
         const std::size_t comma = rest.find(',');
-        const hxcodes::Named* const row =
-            hxcodes::FindName(hxcodes::kCacheBits, rest.substr(0, comma));
-        if (row == nullptr || row->code == hxcodes::CacheBit::kForcedWriteThrough) {
+        const std::string_view name = rest.substr(0, comma);
+        if (std::ranges::find(kCacheModes, name) == std::end(kCacheModes)) {
             throw UsageError("--cache cannot be \"" + text +
                              "\"; say write_back, read_ahead, both with a comma, or none");
         }
-        bits |= row->code;
+        bits |= CodeNamed(controller, &CodeTable::cache_bits, name);
         rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
     }
-    return std::to_string(bits);
+    return bits;
 }
 
-// What the controller itself forces is nothing that can be asked for.
-std::string CacheThatStays(const VirtualDisk& disk) {
-    return std::to_string(disk.config.Number("CacheMode") &
-                          ~std::uint64_t{hxcodes::CacheBit::kForcedWriteThrough});
+// Of a virtual disk that is made: read-ahead when nothing is said, and nothing where the
+// controller's codes are not known.
+std::uint64_t NewCache(Invocation& invocation) {
+    Controller& controller = invocation.controller();
+    if (const std::string* const cache = invocation.Get("--cache")) {
+        return CacheOption(controller, *cache);
+    }
+    return controller.codes().AreKnown() ? CacheOption(controller, "read_ahead") : 0;
+}
+
+// Of a virtual disk that is there: what is set and can be set, unless --cache says otherwise. Bits
+// that are not known stay too.
+std::uint64_t CacheOrKept(Invocation& invocation, const VirtualDisk& disk) {
+    Controller& controller = invocation.controller();
+    if (const std::string* const cache = invocation.Get("--cache")) {
+        return CacheOption(controller, *cache);
+    }
+    const auto* const forced =
+        hxcodes::FindName(controller.codes().table().cache_bits, "forced_write_through");
+    const std::uint64_t mode = Kept(disk.config, LD_Config::CacheMode, disk.address);
+    return forced == nullptr ? mode : mode & ~std::uint64_t{forced->code};
+}
+
+template <class Field>
+std::string NameOrKept(Invocation& invocation, const VirtualDisk& disk, const auto& record,
+                       Field field) {
+    const auto name = NameOption(invocation, NameMarkup::kCData);
+    return name ? *name : Kept(record, field, disk.address);
 }
 
 // The library sets all of them at once: those that are not named stay as they are.
 Exit SetVirtualDisk(Invocation& invocation) {
+    using Function = calls::HX_LD_SetConfig;
     const VirtualDisk disk = FindVirtualDisk(invocation);
     if (!invocation.Has("--name") && !invocation.Has("--cache") &&
         !invocation.Has("--auto-rebuild")) {
         throw UsageError("no setting was named");
     }
-    Fields fields = AddressFields(disk.address, "LD_ID");
-    const std::string* const cache = invocation.Get("--cache");
-    fields.emplace_back("CacheMode", cache != nullptr ? CacheOption(*cache) : CacheThatStays(disk));
-    fields.emplace_back("AutoRebuildOn", SwitchOption(invocation, "--auto-rebuild",
-                                                      disk.config.Number("AutoRebuildOn")));
-    fields.emplace_back("Status", disk.config.Text("Status"));
-    fields.emplace_back("LDID", std::to_string(disk.address.id));
-    fields.emplace_back("Name",
-                        NameOption(invocation, NameMarkup::kCData, disk.config.Text("Name")));
-    return CarryOut(invocation, {.what = "Set virtual disk " + Described(disk),
-                                 .losses = {},
-                                 .confirm = {},
-                                 .commands = {{"HX_LD_SetConfig", std::move(fields)}},
-                                 .address = disk.address.Text(),
-                                 .size_bytes = {}});
+    const auto auto_rebuild = SwitchOption(invocation, "--auto-rebuild");
+    auto request = RequestFor(disk.address, Function::LD_ID);
+    request.Add({Function::CacheMode, CacheOrKept(invocation, disk)});
+    request.Add(
+        {Function::AutoRebuildOn,
+         auto_rebuild ? *auto_rebuild : Kept(disk.config, LD_Config::AutoRebuildOn, disk.address)});
+    request.Add({Function::Status, Kept(disk.config, LD_Config::Status, disk.address)});
+    request.Add({Function::LDID, disk.address.id});
+    request.Add({Function::Name, NameOrKept(invocation, disk, disk.config, LD_Config::Name)});
+    return CarryOut(invocation, ChangeOf(disk, "Set", std::move(request)));
 }
 
 // ---- create -----------------------------------------------------------------------------------
 
 std::function<std::string()> NewestFinder(Invocation& invocation) {
-    std::vector<Address> before;
-    for (const VirtualDisk& disk : LoadVirtualDisks(invocation.controller())) {
-        before.push_back(disk.address);
-    }
-    return [&invocation, before] {
-        for (const VirtualDisk& disk : LoadVirtualDisks(invocation.controller())) {
-            if (std::ranges::find(before, disk.address) == before.end()) return disk.address.Text();
-        }
-        return std::string();
-    };
+    return FindNewest(invocation, &LoadVirtualDisks);
 }
 
 // The first slot of the group that no virtual disk has.
 std::uint64_t SlotOption(const Invocation& invocation, const DiskGroup& group) {
     if (const auto slot = invocation.Number("--slot", 255)) return *slot;
-    const std::vector<std::uint64_t> slots = group.info.Numbers("VDIDs");
+    const auto slots = Kept(group.info, fields::DG_Info::VDIDs, group.address);
     const auto empty = std::ranges::find(slots, std::uint64_t{HX_NEW_ID});
     return empty == slots.end() ? 0 : static_cast<std::uint64_t>(empty - slots.begin());
 }
 
+// 0 is what a controller does that is told nothing.
+std::uint64_t CodeOrNone(Invocation& invocation, std::string_view option, CodeNames names) {
+    return invocation.Has(option) ? CodeOption(invocation, option, names) : 0;
+}
+
 Exit CreateOnGroup(Invocation& invocation, const std::string& typed) {
+    using Function = calls::HX_LD_Create_OnDG;
+    using fields::DG_Info;
     const Address address = FindObject(invocation, ObjectKind::kDiskGroup, typed);
-    DiskGroup owner;
+    const std::vector<DiskGroup> groups = LoadDiskGroups(invocation.controller());
     std::string others;
-    for (DiskGroup& group : LoadDiskGroups(invocation.controller())) {
-        if (group.address == address) {
-            owner = std::move(group);
-        } else {
-            others += "; free on " + group.address.Text() + ": " +
-                      SizeText(512 * group.info.Number("RemainingManagedSpace"), {});
-        }
+    for (const DiskGroup& group : groups) {
+        if (group.address == address) continue;
+        others += "; free on " + group.address.Text() + ": " +
+                  SectorsText(group.info[DG_Info::RemainingManagedSpace]);
     }
-    const std::uint64_t most = owner.info.Number("RemainingManagedSpace");
-    const std::uint64_t sectors = SizeOption(invocation).Of(most, others);
-    const std::string name = NameOption(invocation, NameMarkup::kCData, "NEW_VD");
-    Fields fields{
-        {"AdapterID", std::to_string(address.adapter)},
-        {"DGID", std::to_string(address.id)},
-        {"Name", name},
-        {"StripeBlockSize", StripeOption(invocation, "0")},
-        {"Size", std::to_string(sectors)},
-        {"RoundingScheme", "0"},
-        {"CachePolicy", CacheOption(invocation.Get("--cache", "read_ahead"))},
-        {"DGSlotNum", std::to_string(SlotOption(invocation, owner))},
-        {"InitializationOption",
-         invocation.Has("--init") ? CodeOption(invocation, "--init", hxcodes::kInitNames) : "0"},
-        {"SectorCoefficient", "1"}};
+    const DiskGroup owner = TakeObject(groups, address);
+    const std::uint64_t sectors =
+        SizeOption(invocation)
+            .Of(Kept(owner.info, DG_Info::RemainingManagedSpace, address), others);
+    const std::string name = NameOption(invocation, NameMarkup::kCData).value_or("NEW_VD");
+    const Request<Function> request{
+        {Function::AdapterID, address.adapter},
+        {Function::DGID, address.id},
+        {Function::Name, name},
+        {Function::StripeBlockSize, StripeOption(invocation).value_or(0)},
+        {Function::Size, sectors},
+        {Function::RoundingScheme, 0},
+        {Function::CachePolicy, NewCache(invocation)},
+        {Function::DGSlotNum, SlotOption(invocation, owner)},
+        {Function::InitializationOption, CodeOrNone(invocation, "--init", &CodeTable::inits)},
+        {Function::SectorCoefficient, 1}};
     return CarryOut(invocation,
                     {.what = "Create a virtual disk called " + name + " on " + address.Text(),
                      .losses = {},
                      .confirm = {},
-                     .commands = {{"HX_LD_Create_OnDG", std::move(fields)}},
+                     .commands = {request},
                      .address = {},
-                     .size_bytes = 512 * sectors,
+                     .size_bytes = kSectorBytes * sectors,
                      .starts_task = true,
                      .find = NewestFinder(invocation)});
 }
 
+// What the request for a new virtual disk and the question for its size have in common.
+template <class Function>
+Request<Function> CreationRequest(Invocation& invocation, const hxcodes::LevelRow& level,
+                                  std::span<const Disk> disks, const std::string& name) {
+    return {{Function::AdapterID, disks.front().address.adapter},
+            {Function::RaidMode, hxcodes::NumberOf(level.code)},
+            {Function::HDCount, disks.size()},
+            {Function::RoundingScheme, CodeOrNone(invocation, "--round", &CodeTable::roundings)},
+            {Function::SubLDCount, invocation.Number("--legs", 255).value_or(0)},
+            {Function::NumParityDisk, hxcodes::ParityDisks(level, 0)},
+            {Function::StripeBlockSize, StripeOption(invocation).value_or(64)},
+            {Function::CachePolicy, NewCache(invocation)},
+            {Function::InitializationOption, CodeOrNone(invocation, "--init", &CodeTable::inits)},
+            {Function::HDIDs, Ids(disks)},
+            {Function::Name, name}};
+}
+
 Exit CreateVirtualDisk(Invocation& invocation) {
+    using Look = calls::HX_LD_GetMaxSize;
+    using Function = calls::HX_LD_Create;
     if (const std::string* const group = invocation.Get("--dg")) {
         return CreateOnGroup(invocation, *group);
     }
-    const LevelRow& level = LevelOption(invocation);
+    const hxcodes::LevelRow& level = LevelOption(invocation);
     const auto count = invocation.Number("--disks", 128);
     if (invocation.targets().empty() && !count) {
         throw UsageError("no disks: name them, or say --disks and how many");
@@ -309,31 +326,17 @@ Exit CreateVirtualDisk(Invocation& invocation) {
         throw UsageError("either name the disks or say how many with --disks");
     }
     const SizeWish size = SizeOption(invocation);
-    const std::string name = NameOption(invocation, NameMarkup::kCData, "NEW_VD");
+    const std::string name = NameOption(invocation, NameMarkup::kCData).value_or("NEW_VD");
     Controller& controller = invocation.controller();
-    const Fields settings{
-        {"RoundingScheme", invocation.Has("--round")
-                               ? CodeOption(invocation, "--round", hxcodes::kRoundingNames)
-                               : "0"},
-        {"SubLDCount", std::to_string(invocation.Number("--legs", 255).value_or(0))},
-        {"NumParityDisk", std::to_string(level.parity)},
-        {"StripeBlockSize", StripeOption(invocation, "64")},
-        {"CachePolicy", CacheOption(invocation.Get("--cache", "read_ahead"))},
-        {"InitializationOption",
-         invocation.Has("--init") ? CodeOption(invocation, "--init", hxcodes::kInitNames) : "0"}};
-    const auto fields_for = [&](std::span<const Disk> disks) {
-        Fields fields{{"AdapterID", std::to_string(disks.front().address.adapter)},
-                      {"RaidMode", std::string(level.code)},
-                      {"HDCount", std::to_string(disks.size())}};
-        fields.insert(fields.end(), settings.begin(), settings.end());
-        fields.emplace_back("HDIDs", Ids(disks));
-        fields.emplace_back("Name", name);
-        return fields;
+    const auto ask = [&](std::span<const Disk> disks) {
+        return controller.Ask(CreationRequest<Look>(invocation, level, disks, name));
+    };
+    const auto room_of = [](const AnswerTo<Look>& answer) {
+        return answer[Look::Result::CreateLDParam][fields::Create_LD_Param::Size];
     };
     const auto room = [&](std::span<const Disk> disks) -> std::optional<std::uint64_t> {
-        const Answer most = controller.Ask({"HX_LD_GetMaxSize", fields_for(disks)});
-        if (most.exit != Exit::kDone) return std::nullopt;
-        return most.result.Number("CreateLDParam/Size");
+        const auto most = ask(disks);
+        return most.exit == Exit::kDone ? room_of(most) : std::nullopt;
     };
     const std::vector<Disk> disks =
         count ? PickDisks(invocation, static_cast<std::size_t>(*count), size, room)
@@ -341,35 +344,34 @@ Exit CreateVirtualDisk(Invocation& invocation) {
     // --disks 0, or disks that were unplugged between two looks.
     if (disks.empty()) throw UsageError("no disks: a virtual disk needs one at least");
     const unsigned adapter = disks.front().address.adapter;
-    Fields fields = fields_for(disks);
-    const Command asking{"HX_LD_GetMaxSize", fields};
-    const Answer most = controller.Ask(asking);
-    if (most.exit != Exit::kDone) {
-        throw Failure(most.exit,
-                      "RAID " + std::string(level.name) + " over " + JoinedAddresses(disks) + ": " +
-                          most.complaint + Alternatives(invocation, adapter),
-                      FaultOf(asking, most));
+    const auto most = ask(disks);
+    const auto most_sectors = room_of(most);
+    if (most.exit != Exit::kDone || !most_sectors) {
+        throw Refused(invocation, adapter,
+                      "RAID " + std::string(level.number) + " over " + Addresses(disks),
+                      {Look::kName}, most);
     }
-    const std::uint64_t most_sectors = most.result.Number("CreateLDParam/Size");
-    const bool too_large = size.sectors.value_or(0) > most_sectors;
+    const bool too_large = size.sectors.value_or(0) > *most_sectors;
     const std::uint64_t sectors =
-        size.Of(most_sectors, too_large ? Alternatives(invocation, adapter) : std::string());
-    fields.emplace_back("SectorCoefficient", "1");
-    fields.emplace_back("Size", std::to_string(sectors));
-    Change change{
-        .what = "Create a RAID " + std::string(level.name) + " virtual disk called " + name + " on",
-        .losses = {},
-        .confirm = {},
-        .commands = {{"HX_LD_Create", std::move(fields)}},
-        .address = {},
-        .size_bytes = 512 * sectors,
-        .starts_task = true,
-        .find = NewestFinder(invocation)};
+        size.Of(*most_sectors, too_large ? Alternatives(invocation, adapter) : std::string());
+    auto request = CreationRequest<Function>(invocation, level, disks, name);
+    request.Add({Function::SectorCoefficient, 1});
+    request.Add({Function::Size, sectors});
+    Change change{.what = "Create a RAID " + std::string(level.number) + " virtual disk called " +
+                          name + " on",
+                  .losses = {},
+                  .confirm = {},
+                  .commands = {std::move(request)},
+                  .address = {},
+                  .size_bytes = kSectorBytes * sectors,
+                  .starts_task = true,
+                  .find = NewestFinder(invocation)};
     AddDisks(change, disks, name);
     return CarryOut(invocation, change);
 }
 
 Exit QuickCreate(Invocation& invocation) {
+    using Function = calls::HX_LD_QuickCreate;
     const unsigned adapter = FindAdapter(invocation);
     const bool redundant = !invocation.Has("--plain");
     return CarryOut(
@@ -378,96 +380,110 @@ Exit QuickCreate(Invocation& invocation) {
                  (redundant ? ", with redundancy" : ", without redundancy"),
          .losses = {"all free disks of the adapter are taken"},
          .confirm = "a" + std::to_string(adapter),
-         .commands = {{"HX_LD_QuickCreate",
-                       {{"AdapterID", std::to_string(adapter)}, {"Type", redundant ? "1" : "0"}}}},
+         .commands = {Request<Function>{{Function::AdapterID, adapter},
+                                        {Function::Type, redundant ? 1 : 0}}},
          .address = {},
          .size_bytes = {},
          .starts_task = true,
          .find = NewestFinder(invocation)});
 }
 
+// The request for a migration and the question for the size that comes of it.
+template <class Function>
+Request<Function> MigrationRequest(const VirtualDisk& disk, const hxcodes::LevelRow& level,
+                                   std::span<const Disk> disks) {
+    auto request = RequestFor(disk.address, Function::LDID);
+    request.Add({Function::RaidMode, hxcodes::NumberOf(level.code)});
+    request.Add({Function::HDCount, disks.size()});
+    request.Add({Function::HDIDs, Ids(disks)});
+    return request;
+}
+
 Exit MigrateVirtualDisk(Invocation& invocation) {
+    using Look = calls::HX_LD_GetMigratedLdSize;
     const VirtualDisk disk = FindVirtualDisk(invocation);
-    const LevelRow& level = LevelOption(invocation);
+    const hxcodes::LevelRow& level = LevelOption(invocation);
     std::vector<std::string> typed = SplitList(invocation.Get("--to", ""));
-    if (typed.empty()) typed = DisksCell(disk).texts;
+    if (typed.empty()) typed = KnownDisks(disk.address, disk.disks);
     const std::vector<Disk> disks = NamedDisks(invocation, typed);
-    Fields fields = AddressFields(disk.address, "LDID");
-    fields.emplace_back("RaidMode", level.code);
-    fields.emplace_back("HDCount", std::to_string(disks.size()));
-    fields.emplace_back("HDIDs", Ids(disks));
-    const Command asking{"HX_LD_GetMigratedLdSize", fields};
-    const Answer size = invocation.controller().Ask(asking);
-    if (size.exit != Exit::kDone) {
-        throw Failure(size.exit,
-                      disk.address.Text() + ": " + size.complaint +
-                          Alternatives(invocation, disk.address.adapter),
-                      FaultOf(asking, size));
+    const auto answer = invocation.controller().Ask(MigrationRequest<Look>(disk, level, disks));
+    const auto size = answer[Look::Result::CreateLDParam][fields::Create_LD_Param::Size];
+    if (answer.exit != Exit::kDone || !size) {
+        throw Refused(invocation, disk.address.adapter, disk.address.Text(), {Look::kName}, answer);
     }
-    Change change{.what = "Migrate virtual disk " + Described(disk) + " to RAID " +
-                          std::string(level.name) + " on",
-                  .losses = {},
-                  .confirm = ConfirmName(disk),
-                  .commands = {{"HX_LD_StartMigration", std::move(fields)}},
-                  .address = disk.address.Text(),
-                  .size_bytes = 512 * size.result.Number("CreateLDParam/Size"),
-                  .starts_task = true};
+    Change change = ChangeOf(disk, "Migrate",
+                             MigrationRequest<calls::HX_LD_StartMigration>(disk, level, disks));
+    change.what += " to RAID " + std::string(level.number) + " on";
+    change.confirm = ConfirmName(disk);
+    change.size_bytes = kSectorBytes * *size;
+    change.starts_task = true;
     AddDisks(change, disks, ConfirmName(disk));
     return CarryOut(invocation, change);
 }
 
-// Of a virtual disk on a disk group: what is not named stays.
+// The room of a virtual disk on its disk group: what it has, and what the group has left.
+std::uint64_t RoomOnGroup(Invocation& invocation, const VirtualDisk& disk) {
+    const std::uint64_t group = Kept(disk.info, LD_Info::DGID, disk.address);
+    const Address address{.adapter = disk.address.adapter,
+                          .kind = ObjectKind::kDiskGroup,
+                          .id = static_cast<unsigned>(group)};
+    const DiskGroup owner = TakeObject(LoadDiskGroups(invocation.controller()), address);
+    return Kept(disk.info, LD_Info::Size, disk.address) +
+           Kept(owner.info, fields::DG_Info::RemainingManagedSpace, address);
+}
+
+// What both functions that modify a virtual disk take; what is not named stays.
+template <class Function>
+Request<Function> ModificationRequest(Invocation& invocation, const VirtualDisk& disk,
+                                      std::uint64_t sectors) {
+    const auto kept = [&](auto field) { return Kept(disk.info, field, disk.address); };
+    return {{Function::AdapterID, disk.address.adapter},
+            {Function::VDID, disk.address.id},
+            {Function::DGID, kept(LD_Info::DGID)},
+            {Function::Name, NameOrKept(invocation, disk, disk.info, LD_Info::Name)},
+            {Function::RaidMode, kept(LD_Info::RaidMode)},
+            {Function::SubVDCount, kept(LD_Info::SubLDCount)},
+            {Function::NumParityDisk, kept(LD_Info::NumParityDisk)},
+            {Function::StripeBlockSize, kept(LD_Info::StripeBlockSize)},
+            {Function::Size, sectors}};
+}
+
+// Of a virtual disk on a disk group.
 Exit ModifyVirtualDisk(Invocation& invocation) {
+    using Function = calls::HX_LD_Modify_OnDG;
+    using Plain = calls::HX_CreateOrModify_VD;
     const VirtualDisk disk = FindVirtualDisk(invocation);
     if (!invocation.Has("--size") && !invocation.Has("--name") && !invocation.Has("--cache")) {
         throw UsageError("no change was named");
     }
-    if (invocation.Has("--plain") && invocation.Has("--cache")) {
-        throw UsageError("--plain knows no --cache");
-    }
-    if (disk.info.Number("DGID") == kNoGroup) {
+    const bool plain = invocation.Has("--plain");
+    if (plain && invocation.Has("--cache")) throw UsageError("--plain knows no --cache");
+    if (disk.info[LD_Info::DGID] == kNoDiskGroup) {
         throw Failure(Exit::kRefused, disk.address.Text() +
                                           ": it lies on no disk group; see "
                                           "vexorctl vd migrate and vd set");
     }
-    std::uint64_t room = disk.info.Number("Size");
-    for (const DiskGroup& group : LoadDiskGroups(invocation.controller())) {
-        if (group.address.adapter == disk.address.adapter &&
-            group.address.id == disk.info.Number("DGID")) {
-            room += group.info.Number("RemainingManagedSpace");
-        }
-    }
-    const std::uint64_t sectors =
-        invocation.Has("--size") ? SizeOption(invocation).Of(room) : disk.info.Number("Size");
-    Fields fields{{"AdapterID", std::to_string(disk.address.adapter)},
-                  {"VDID", std::to_string(disk.address.id)},
-                  {"DGID", disk.info.Text("DGID")},
-                  {"Name", NameOption(invocation, NameMarkup::kCData, disk.info.Text("Name"))},
-                  {"RaidMode", disk.info.Text("RaidMode")},
-                  {"SubVDCount", disk.info.Text("SubLDCount")},
-                  {"NumParityDisk", disk.info.Text("NumParityDisk")},
-                  {"StripeBlockSize", disk.info.Text("StripeBlockSize")},
-                  {"Size", std::to_string(sectors)}};
-    const bool plain = invocation.Has("--plain");
-    std::vector<std::string> changes;
+    const std::uint64_t before = Kept(disk.info, LD_Info::Size, disk.address);
+    const std::uint64_t sectors = invocation.Has("--size")
+                                      ? SizeOption(invocation).Of(RoomOnGroup(invocation, disk))
+                                      : before;
+    Change change = ChangeOf(disk, "Modify", {});
     if (plain) {
-        changes.emplace_back("its cache will be off");
+        change.losses.emplace_back("its cache will be off");
+        change.commands = {ModificationRequest<Plain>(invocation, disk, sectors)};
     } else {
-        const std::string* const cache = invocation.Get("--cache");
-        fields.emplace_back("CachePolicy",
-                            cache != nullptr ? CacheOption(*cache) : CacheThatStays(disk));
-        fields.emplace_back("SectorCoefficient", disk.info.Text("SectorCoefficient"));
+        auto request = ModificationRequest<Function>(invocation, disk, sectors);
+        request.Add({Function::CachePolicy, CacheOrKept(invocation, disk)});
+        request.Add({Function::SectorCoefficient,
+                     Kept(disk.info, LD_Info::SectorCoefficient, disk.address)});
+        change.commands = {std::move(request)};
     }
-    const bool smaller = sectors < disk.info.Number("Size");
-    if (smaller) changes.emplace_back("what lies behind its new end will be lost");
-    return CarryOut(
-        invocation,
-        {.what = "Modify virtual disk " + Described(disk),
-         .losses = std::move(changes),
-         .confirm = smaller ? ConfirmName(disk) : std::string(),
-         .commands = {{plain ? "HX_CreateOrModify_VD" : "HX_LD_Modify_OnDG", std::move(fields)}},
-         .address = disk.address.Text(),
-         .size_bytes = 512 * sectors});
+    if (sectors < before) {
+        change.losses.emplace_back("what lies behind its new end will be lost");
+        change.confirm = ConfirmName(disk);
+    }
+    change.size_bytes = kSectorBytes * sectors;
+    return CarryOut(invocation, change);
 }
 
 constexpr std::string_view kInitNames = "quick foreground background none";
@@ -513,8 +529,9 @@ constexpr OptionRow kModifyOptions[] = {
 
 constexpr OptionRow kAdapterOption[] = {{"--adapter", "NUMBER", "Only those of this adapter"}};
 
-constexpr std::string_view kListFunctions =
-    "HX_LD_GetInfo HX_LD_GetTargetLDInfo HX_LD_GetConfig HX_LD_GetStatus HX_BLK_GetInfo";
+constexpr const auto& kListFunctions =
+    kNamesOf<calls::HX_LD_GetInfo, calls::HX_LD_GetTargetLDInfo, calls::HX_LD_GetConfig,
+             calls::HX_LD_GetStatus, calls::HX_BLK_GetInfo>;
 
 constexpr CommandRow kCommands[] = {
     {.noun = "vd",
@@ -546,7 +563,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "DISK",
      .options = kCreateOptions,
-     .functions = "HX_LD_GetMaxSize HX_LD_Create HX_LD_Create_OnDG",
+     .functions = kNamesOf<calls::HX_LD_GetMaxSize, calls::HX_LD_Create, calls::HX_LD_Create_OnDG>,
      .examples =
          {"vexorctl vd create --adapter 1 --raid 5 --disks 4 --size max --name data1 --dry-run",
           "vexorctl vd create --dg a0/dg0 --size 10GiB --name data2 --dry-run"},
@@ -564,7 +581,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kNone,
      .target_name = "",
      .options = kQuickOptions,
-     .functions = "HX_LD_QuickCreate",
+     .functions = kNamesOf<calls::HX_LD_QuickCreate>,
      .examples = {"vexorctl vd quick-create --adapter 1 --dry-run",
                   "vexorctl vd quick-create --adapter 1 --plain --dry-run"},
      .run = QuickCreate,
@@ -578,7 +595,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "VD",
      .options = kDeleteOptions,
-     .functions = "HX_LD_Delete",
+     .functions = kNamesOf<calls::HX_LD_Delete>,
      .examples = {"vexorctl vd delete a0/vd2 --dry-run",
                   "vexorctl vd delete name:ARCHIVE --dry-run -o json"},
      .run = DeleteVirtualDisk,
@@ -592,7 +609,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "VD",
      .options = kSetOptions,
-     .functions = "HX_LD_GetConfig HX_LD_SetConfig",
+     .functions = kNamesOf<calls::HX_LD_GetConfig, calls::HX_LD_SetConfig>,
      .examples = {"vexorctl vd set a0/vd0 --name DB2 --dry-run",
                   "vexorctl vd set a0/vd0 --cache write_back,read_ahead --dry-run"},
      .run = SetVirtualDisk,
@@ -605,7 +622,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "VD",
      .options = kModifyOptions,
-     .functions = "HX_LD_Modify_OnDG HX_CreateOrModify_VD",
+     .functions = kNamesOf<calls::HX_LD_Modify_OnDG, calls::HX_CreateOrModify_VD>,
      .examples = {"vexorctl vd modify a0/vd0 --size max --dry-run",
                   "vexorctl vd modify a0/vd0 --name DB2 --dry-run"},
      .run = ModifyVirtualDisk,
@@ -618,7 +635,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kOne,
      .target_name = "VD",
      .options = kMigrateOptions,
-     .functions = "HX_LD_GetMigratedLdSize HX_LD_StartMigration",
+     .functions = kNamesOf<calls::HX_LD_GetMigratedLdSize, calls::HX_LD_StartMigration>,
      .examples =
          {"vexorctl vd migrate a1/vd0 --raid 5 --to a1/pd0,a1/pd1,a1/pd3 --dry-run",
           "vexorctl vd migrate a1/vd0 --raid 10 --to a1/pd0,a1/pd1,a1/pd3,a1/pd4 --dry-run"},
@@ -633,7 +650,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kVirtualDisk,
      .arity = Arity::kOne,
      .target_name = "VD",
-     .functions = "HX_LD_Import",
+     .functions = kNamesOf<calls::HX_LD_Import>,
      .examples = {"vexorctl vd import a0/vd0 --dry-run",
                   "vexorctl vd import name:ARCHIVE --dry-run"},
      .run = ImportVirtualDisk,

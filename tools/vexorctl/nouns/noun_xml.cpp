@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "common/read_file.h"
+#include "model/ask_controller.h"
 #include "model/exit_code.h"
-#include "model/library_session.h"
 #include "nouns/nouns.h"
 #include "nouns/raw_command.h"
 #include "output/streams.h"
@@ -21,10 +21,10 @@ namespace {
 // The parser counts bytes in an int.
 constexpr std::size_t kMaxCommand = INT_MAX;
 
-Exit RunFile(Session& session, const std::string& path) {
+Exit RunFile(Controller& controller, const std::string& path) {
     const std::string subject = path == "-" ? "standard input" : path.empty() ? "\"\"" : path;
     try {
-        return RunCommand(session, subject, ReadFile(path.c_str(), FileKind::kAny, kMaxCommand));
+        return RunCommand(controller, subject, ReadFile(path.c_str(), FileKind::kAny, kMaxCommand));
     } catch (const FileError& failure) {
         ReportFailure(subject, failure.what());
         return failure.error == EACCES ? Exit::kNotPermitted : Exit::kUsage;
@@ -37,9 +37,10 @@ Exit RunFile(Session& session, const std::string& path) {
 Exit RunXml(Invocation& invocation) {
     std::vector<std::string> paths = invocation.targets();
     if (paths.empty()) paths.emplace_back("-");
-    Session session;
+    Controller& controller = invocation.controller();
+    controller.session();  // a library that cannot be used is told before any file
     Exit exit = Exit::kDone;
-    for (const std::string& path : paths) exit = MoreSerious(exit, RunFile(session, path));
+    for (const std::string& path : paths) exit = MoreSerious(exit, RunFile(controller, path));
     return exit;
 }
 

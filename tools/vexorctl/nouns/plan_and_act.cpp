@@ -5,21 +5,17 @@
 #include <charconv>
 #include <cstdio>
 
+#include "codes/code_table.h"
 #include "codes/named.h"
-#include "common/address.h"
 #include "common/duration.h"
 #include "common/terminal_text.h"
-#include "model/ask_controller.h"
-#include "model/exit_code.h"
-#include "model/failure.h"
+#include "model/controller_codes.h"
 #include "model/fault.h"
 #include "nouns/flash_progress.h"
 #include "nouns/wait_for_tasks.h"
-#include "output/cell.h"
 #include "output/cell_text.h"
 #include "output/report.h"
 #include "output/streams.h"
-#include "shell/invocation.h"
 #include "shell/present.h"
 
 namespace vexorctl {
@@ -52,7 +48,7 @@ constexpr Column<Done> kColumns[] = {
      [](const Done& it) { return TextCell(it.task); }},
     {{"size_bytes", "SIZE", kBytes, kWide, "The resulting size"},
      [](const Done& it) {
-         return it.change->size_bytes ? NumberCell(*it.change->size_bytes) : Unknown();
+         return it.change->size_bytes ? NumberCell(*it.change->size_bytes) : None();
      }},
     {{"dry_run", "DRY RUN", kBool, kWide, "Whether nothing was changed"},
      [](const Done& it) { return NumberCell(it.dry_run); }},
@@ -97,7 +93,8 @@ Exit PrintDone(Invocation& invocation, const Change& change, const std::string& 
                const std::string& task, bool dry_run) {
     Report report;
     Tabulate(report, kColumns,
-             std::vector<Done>{{&change, invocation.row().Name(), address, task, dry_run}});
+             std::vector<Done>{{&change, invocation.row().Name(), address, task, dry_run}},
+             hxcodes::NoCodes());
     report.command = invocation.row().Name();
     const Style style = StyleOf(invocation, "table");
     Arrange(invocation, style, report);
@@ -121,30 +118,34 @@ Exit ShowPlan(Invocation& invocation, const Change& change) {
 
 std::vector<ColumnInfo> ChangeColumns() { return InfoOf(kColumns); }
 
-Fields AddressFields(const Address& address, std::string_view id) {
-    return {{"AdapterID", std::to_string(address.adapter)}, {id, std::to_string(address.id)}};
-}
-
-std::string CodeOption(const Invocation& invocation, std::string_view option,
-                       std::span<const hxcodes::Named> names) {
+std::uint64_t CodeOption(Invocation& invocation, std::string_view option, CodeNames names) {
     const std::string text = invocation.Get(option, "");
-    if (const hxcodes::Named* const row = hxcodes::FindName(names, text))
-        return std::to_string(row->code);
+    const auto rows = invocation.controller().codes().table().*names;
+    if (const auto* const row = hxcodes::FindName(rows, text)) return row->code;
     unsigned code = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, code);
-    if (!text.empty() && error == std::errc() && stop == end) return std::to_string(code);
+    if (!text.empty() && error == std::errc() && stop == end) return code;
+    const std::string refused = std::string(option) + " cannot be \"" + text + "\"; ";
+    if (rows.empty()) throw UsageError(refused + std::string(kCodesNotKnown));
     std::string known;
-    for (const hxcodes::Named& name : names)
-        known.append(known.empty() ? "" : ", ").append(name.name);
-    throw UsageError(std::string(option) + " cannot be \"" + text + "\"; say one of " + known);
+    for (const hxcodes::Named& row : rows) known.append(known.empty() ? "" : ", ").append(row.name);
+    throw UsageError(refused + "say one of " + known);
 }
 
-std::string SwitchOption(const Invocation& invocation, std::string_view option,
-                         std::uint64_t otherwise) {
+std::uint64_t CodeNamed(Controller& controller, CodeNames names, std::string_view name) {
+    const auto* const row = hxcodes::FindName(controller.codes().table().*names, name);
+    if (row == nullptr) {
+        throw Failure(Exit::kRefused, "the code of \"" + std::string(name) + "\" is needed, and " +
+                                          std::string(kCodesNotKnown));
+    }
+    return row->code;
+}
+
+std::optional<unsigned> SwitchOption(const Invocation& invocation, std::string_view option) {
     const std::string* const text = invocation.Get(option);
-    if (text == nullptr) return std::to_string(otherwise);
-    return *text == "on" ? "1" : "0";
+    if (text == nullptr) return std::nullopt;
+    return *text == "on" ? 1 : 0;
 }
 
 Exit CarryOut(Invocation& invocation, const Change& change) {
@@ -167,7 +168,7 @@ Exit CarryOut(Invocation& invocation, const Change& change) {
         const Answer answer = controller.Ask(command);
         if (answer.exit == Exit::kDone) continue;
         const std::string subject = change.address.empty() ? "" : change.address + ": ";
-        Fault fault = FaultOf(command, answer);
+        Fault fault = controller.FaultOf(command, answer);
         fault.address = change.address;
         throw Failure(answer.exit, subject + answer.complaint, std::move(fault));
     }

@@ -2,6 +2,7 @@
 // refused when something has moved since the look, the commands sent, the result told.
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <span>
@@ -12,6 +13,8 @@
 #include "common/address.h"
 #include "model/ask_controller.h"
 #include "model/exit_code.h"
+#include "model/failure.h"
+#include "model/library_record.h"
 #include "output/cell.h"
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
@@ -37,17 +40,51 @@ std::vector<ColumnInfo> ChangeColumns();
 /// Carries the change out, or shows it with --dry-run. Throws Failure.
 Exit CarryOut(Invocation& invocation, const Change& change);
 
-/// The fields AdapterID and `id`, by which most functions name their object.
-Fields AddressFields(const Address& address, std::string_view id);
+/// A command of function F for the object, which most functions name by AdapterID and `id`.
+template <class F>
+Request<F> RequestFor(const Address& address, Parameter<F> id) {
+    return {{F::AdapterID, address.adapter}, {id, address.id}};
+}
 
-/// The code of an option's value. Throws UsageError for a name that is none; the number itself is
-/// taken too.
-std::string CodeOption(const Invocation& invocation, std::string_view option,
-                       std::span<const hxcodes::Named> names);
+/// The code of an option's value. Throws UsageError for a name that is none and for every name
+/// where the controller's codes are not known; the number itself is taken too.
+std::uint64_t CodeOption(Invocation& invocation, std::string_view option, CodeNames names);
 
-/// "1" for "on", "0" for "off"; `otherwise` when the option was not given.
-std::string SwitchOption(const Invocation& invocation, std::string_view option,
-                         std::uint64_t otherwise);
+/// The code that the controller has for `name`, which the command cannot do without. Throws Failure
+/// when it is not known.
+std::uint64_t CodeNamed(Controller& controller, CodeNames names, std::string_view name);
+
+/// 1 for "on", 0 for "off"; null when the option was not given.
+std::optional<unsigned> SwitchOption(const Invocation& invocation, std::string_view option);
+
+/// A field that the library sets together with others, as it is. Throws Failure when it is not
+/// known: a command would overwrite it with what nobody has asked for.
+template <class R, class Field>
+auto Kept(const Record<R>& record, Field field, const Address& address) {
+    auto value = record[field];
+    if (!value) {
+        throw Failure(Exit::kRefused, address.Text() + ": its " + std::string(field.name) +
+                                          " cannot be read and would be overwritten; nothing was "
+                                          "done");
+    }
+    return *std::move(value);
+}
+
+/// What tells the address of an object that is not there yet, once it is; empty when there is none.
+template <class Object>
+std::function<std::string()> FindNewest(Invocation& invocation,
+                                        std::vector<Object> (*load)(Controller&)) {
+    std::vector<Address> before;
+    for (const Object& object : load(invocation.controller())) before.push_back(object.address);
+    return [&invocation, load, before] {
+        for (const Object& object : load(invocation.controller())) {
+            if (std::ranges::find(before, object.address) == before.end()) {
+                return object.address.Text();
+            }
+        }
+        return std::string();
+    };
+}
 
 /// --wait[=TIMEOUT]
 inline constexpr OptionRow kWaitOption{

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <new>
 
-#include "model/ask_controller.h"
+#include "model/library_session.h"
 #include "model/result_tree.h"
 #include "model/xml_text.h"
 #include "output/streams.h"
@@ -49,14 +49,19 @@ Exit ReportDeclined(std::string_view subject, const std::string& command) {
     return Exit::kUndelivered;
 }
 
-Exit PrintDelivered(std::string_view subject, std::string_view result) {
+Exit PrintDelivered(Controller& controller, std::string_view subject, std::string_view result) {
     PrintResult(result);
     const ParsedResult parsed = ParseResult(result);
-    const std::uint64_t status = StatusOf(parsed.root);
+    const std::optional<std::uint64_t> status = StatusOf(parsed.root);
     Exit exit = Exit::kDone;
-    if (status != 0) {
-        ReportFailure(subject, "refused: " + parsed.root.name + " answered " + RefusalText(status));
+    if (status.value_or(0) != 0) {
+        ReportFailure(subject, "refused: " + parsed.root.name + " answered " +
+                                   controller.codes().RefusalText(*status));
         exit = MoreSerious(exit, Exit::kRefused);
+    }
+    if (!status && parsed.well_formed) {
+        ReportFailure(subject, "result does not say whether it was done: it has no RetVal");
+        exit = MoreSerious(exit, Exit::kUndelivered);
     }
     // The library drops what its document cannot hold, and writes some texts as they are.
     if (!parsed.well_formed) {
@@ -69,7 +74,7 @@ Exit PrintDelivered(std::string_view subject, std::string_view result) {
 
 }  // namespace
 
-Exit RunCommand(Session& session, std::string_view subject, const std::string& command) {
+Exit RunCommand(Controller& controller, std::string_view subject, const std::string& command) {
     if (command.empty()) {
         ReportFailure(subject, "empty command");
         return Exit::kUndelivered;
@@ -77,7 +82,7 @@ Exit RunCommand(Session& session, std::string_view subject, const std::string& c
     if (const std::size_t nul = command.find('\0'); nul != std::string::npos) {
         return ReportNul(subject, command, nul);
     }
-    const Reply reply = session.Send(command);
+    const Reply reply = controller.session().Send(command);
     switch (reply.outcome) {
         case Outcome::kNotParsed:
             return ReportNotParsed(subject, command);
@@ -89,7 +94,7 @@ Exit RunCommand(Session& session, std::string_view subject, const std::string& c
         case Outcome::kDelivered:
             break;
     }
-    return PrintDelivered(subject, reply.result);
+    return PrintDelivered(controller, subject, reply.result);
 }
 
 }  // namespace vexorctl

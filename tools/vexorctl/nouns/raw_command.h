@@ -4,13 +4,13 @@
 #include <string>
 #include <string_view>
 
+#include "model/ask_controller.h"
 #include "model/exit_code.h"
-#include "model/library_session.h"
 
 namespace vexorctl {
 
 /// Sends the command, prints its result, and reports its failure in one line that begins with the
 /// subject (the file's or the function's name). Throws OutputError and std::bad_alloc.
-Exit RunCommand(Session& session, std::string_view subject, const std::string& command);
+Exit RunCommand(Controller& controller, std::string_view subject, const std::string& command);
 
 }  // namespace vexorctl

@@ -6,17 +6,13 @@
 #include <chrono>
 #include <cstdio>
 
-#include "codes/activity.h"
-#include "common/duration.h"
-#include "model/ask_controller.h"
-#include "model/exit_code.h"
-#include "model/failure.h"
+#include "common/address.h"
+#include "model/controller_codes.h"
 #include "model/fault.h"
 #include "model/tasks.h"
 #include "output/progress_bar.h"
 #include "output/streams.h"
 #include "shell/interrupt.h"
-#include "shell/invocation.h"
 #include "shell/option_value.h"
 
 namespace vexorctl {
@@ -41,7 +37,8 @@ std::string Clocked(double seconds) {
 // One line on standard error, drawn over itself; nothing at all in a pipe.
 class Bar {
 public:
-    Bar() : drawn_on_terminal_(isatty(STDERR_FILENO) == 1) {}
+    explicit Bar(const ControllerCodes& codes)
+        : codes_(codes), drawn_on_terminal_(isatty(STDERR_FILENO) == 1) {}
     ~Bar() { Clear(); }
     Bar(const Bar&) = delete;
     Bar& operator=(const Bar&) = delete;
@@ -54,8 +51,8 @@ public:
             first_ = percent;
             start_ = Clock::now();
         }
-        const std::string activity(
-            hxcodes::NameOf(hxcodes::kActivityNames, static_cast<HX_U32>(task.activity)));
+        std::string activity(hxcodes::NameOf(codes_.table().activities, task.activity));
+        if (activity.empty()) activity = std::to_string(task.activity);
         std::string line = BarText(task.address.Text() + " " + activity, percent);
         const double elapsed = SecondsSince(start_);
         if (percent > first_ && elapsed > 0) {
@@ -75,12 +72,22 @@ public:
     }
 
 private:
+    const ControllerCodes& codes_;
     bool drawn_on_terminal_;
     bool shown_ = false;
     bool started_ = false;
     std::uint64_t first_ = 0;  // the percent at which it started to look
     Clock::time_point start_;
 };
+
+// Which disk group a task belongs to matters only to those who wait for the group; a virtual disk
+// whose record cannot be read does not keep the others from waiting.
+TaskDetail DetailFor(const std::vector<std::string>& addresses) {
+    const bool is_group = std::ranges::any_of(addresses, [](const std::string& address) {
+        return ParseSelector(address).address.kind == ObjectKind::kDiskGroup;
+    });
+    return is_group ? TaskDetail::kWithObject : TaskDetail::kActivity;
+}
 
 }  // namespace
 
@@ -91,7 +98,7 @@ Duration TimeoutOf(const Invocation& invocation, std::string_view option) {
 }
 
 bool HasTask(Controller& controller, const std::string& address) {
-    return std::ranges::any_of(LoadTasks(controller),
+    return std::ranges::any_of(LoadTasks(controller, DetailFor({address})),
                                [&](const Task& task) { return IsTaskOf(task, address); });
 }
 
@@ -104,9 +111,10 @@ Exit WaitForTasks(Invocation& invocation, std::vector<std::string> addresses, Du
     Controller& controller = invocation.controller();
     const Clock::time_point start = Clock::now();
     const bool all = addresses.empty();
-    Bar bar;
+    const TaskDetail detail = DetailFor(addresses);
+    Bar bar(controller.codes());
     for (bool first = true;; first = false) {
-        std::vector<Task> tasks = LoadTasks(controller);
+        const std::vector<Task> tasks = LoadTasks(controller, detail);
         if (controller.exit() != Exit::kDone) {
             bar.Clear();
             for (const Fault& fault : controller.faults()) {

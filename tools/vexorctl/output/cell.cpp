@@ -3,70 +3,92 @@
 #include <utility>
 
 #include "codes/named.h"
+#include "common/size.h"
 
 namespace vexorctl {
 
 namespace {
 
-constexpr std::uint64_t kSectorBytes = 512;
+Cell Known() {
+    Cell cell;
+    cell.state = Cell::State::kKnown;
+    return cell;
+}
+
+std::vector<std::string> NamesOfBits(std::span<const hxcodes::Named> names, std::uint64_t bits) {
+    std::vector<std::string> texts;
+    for (unsigned bit = 0; bit < 64; ++bit) {
+        const std::uint64_t mask = std::uint64_t{1} << bit;
+        if ((bits & mask) == 0) continue;
+        const std::string_view name = hxcodes::NameOf(names, mask);
+        texts.push_back(name.empty() ? std::to_string(mask) : std::string(name));
+    }
+    return texts;
+}
 
 }  // namespace
 
 Cell Unknown() { return {}; }
 
-Cell TextCell(std::string text) {
+Cell None() {
     Cell cell;
-    cell.known = true;
-    cell.text = std::move(text);
+    cell.state = Cell::State::kNone;
     return cell;
 }
 
-Cell NumberCell(std::uint64_t number) {
-    Cell cell;
-    cell.known = true;
-    cell.number = number;
+Cell TextCell(std::optional<std::string> text) {
+    if (!text) return Unknown();
+    Cell cell = Known();
+    cell.text = *std::move(text);
     return cell;
 }
 
-Cell SectorsCell(std::uint64_t sectors) { return NumberCell(sectors * kSectorBytes); }
+Cell NumberCell(std::optional<std::uint64_t> number) {
+    if (!number) return Unknown();
+    Cell cell = Known();
+    cell.number = *number;
+    return cell;
+}
 
-Cell RatioCell(double ratio) {
-    Cell cell;
-    cell.known = true;
-    cell.ratio = ratio;
+Cell SectorsCell(std::optional<std::uint64_t> sectors) {
+    return sectors ? NumberCell(*sectors * vexortools::kSectorBytes) : Unknown();
+}
+
+Cell PercentCell(std::optional<std::uint64_t> percent) {
+    if (!percent) return Unknown();
+    Cell cell = Known();
+    cell.ratio = static_cast<double>(*percent) / 100;
+    return cell;
+}
+
+Cell TextsCell(std::optional<std::vector<std::string>> texts) {
+    if (!texts) return Unknown();
+    Cell cell = Known();
+    cell.texts = *std::move(texts);
+    return cell;
+}
+
+Cell NumbersCell(std::optional<std::vector<std::uint64_t>> numbers) {
+    if (!numbers) return Unknown();
+    Cell cell = Known();
+    cell.numbers = *std::move(numbers);
     return cell;
 }
 
 Cell CodeCell(std::span<const hxcodes::Named> names, std::uint64_t code) {
     Cell cell = NumberCell(code);
-    cell.text = hxcodes::NameOf(names, static_cast<HX_U32>(code));
+    cell.text = hxcodes::NameOf(names, code);
     return cell;
 }
 
-Cell BitsCell(std::span<const hxcodes::Named> names, std::uint64_t bits) {
-    Cell cell = NumberCell(bits);
-    for (unsigned bit = 0; bit < 64; ++bit) {
-        const std::uint64_t mask = std::uint64_t{1} << bit;
-        if ((bits & mask) == 0) continue;
-        const std::string_view name =
-            bit < 32 ? hxcodes::NameOf(names, static_cast<HX_U32>(mask)) : std::string_view();
-        cell.texts.push_back(name.empty() ? std::to_string(mask) : std::string(name));
+void NameCodes(const ColumnInfo& column, const hxcodes::CodeTable& codes, Cell& cell) {
+    if (column.names == nullptr || !cell.IsKnown()) return;
+    const std::span<const hxcodes::Named> names = codes.*column.names;
+    if (column.kind == Kind::kBits) {
+        cell.texts = NamesOfBits(names, cell.number);
+    } else {
+        cell.text = hxcodes::NameOf(names, cell.number);
     }
-    return cell;
-}
-
-Cell TextsCell(std::vector<std::string> texts) {
-    Cell cell;
-    cell.known = true;
-    cell.texts = std::move(texts);
-    return cell;
-}
-
-Cell NumbersCell(std::vector<std::uint64_t> numbers) {
-    Cell cell;
-    cell.known = true;
-    cell.numbers = std::move(numbers);
-    return cell;
 }
 
 }  // namespace vexorctl

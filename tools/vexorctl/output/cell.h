@@ -4,14 +4,15 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace hxcodes {
-struct Named;
-}
+#include "codes/code_table.h"
+#include "codes/named.h"
+#include "model/library_record.h"
 
 namespace vexorctl {
 
@@ -31,27 +32,40 @@ enum class Kind {
 };
 
 struct Cell {
-    bool known = false;  // null otherwise
+    enum class State {
+        kUnknown,  // it should be there and could not be read; "?" for people
+        kNone,     // there is nothing to know; "-" for people
+        kKnown,
+    };
+    State state = State::kUnknown;
     std::uint64_t number = 0;
     double ratio = 0;
     std::string text;
     std::vector<std::string> texts;
     std::vector<std::uint64_t> numbers;
+
+    bool IsKnown() const { return state == State::kKnown; }
 };
 
-// Makers, one for each kind.
 Cell Unknown();
-Cell TextCell(std::string text);
-Cell NumberCell(std::uint64_t number);  // kNumber, kBool, kBytes, kTime
-Cell SectorsCell(std::uint64_t sectors);
-Cell RatioCell(double ratio);
+Cell None();
+
+// Makers, one for each kind. What is null is unknown.
+Cell TextCell(std::optional<std::string> text);
+Cell NumberCell(
+    std::optional<std::uint64_t> number);  // kNumber, kBool, kBytes, kTime, kCode, kBits
+Cell SectorsCell(std::optional<std::uint64_t> sectors);
+Cell PercentCell(std::optional<std::uint64_t> percent);  // kRatio
+Cell TextsCell(std::optional<std::vector<std::string>> texts);
+Cell NumbersCell(std::optional<std::vector<std::uint64_t>> numbers);
+/// A code of vexorctl's own; those of the controller get their names by their column.
 Cell CodeCell(std::span<const hxcodes::Named> names, std::uint64_t code);
-Cell BitsCell(std::span<const hxcodes::Named> names, std::uint64_t bits);
-Cell TextsCell(std::vector<std::string> texts);
-Cell NumbersCell(std::vector<std::uint64_t> numbers);
 
 /// Where a column is shown without being asked for. Everything but the table shows all of them.
 enum class Place { kTable, kWide };
+
+/// The names of a kCode or kBits in the table of codes.
+using CodeNames = std::span<const hxcodes::Named> hxcodes::CodeTable::*;
 
 struct ColumnInfo {
     std::string_view key;     // in JSON, in --columns and --sort; with its unit
@@ -59,11 +73,15 @@ struct ColumnInfo {
     Kind kind;
     Place place;
     std::string_view help;
+    CodeNames names = nullptr;
 };
 
 template <class Record>
 struct Column : ColumnInfo {
     Cell (*get)(const Record&);
 };
+
+/// Puts the names of the codes into a cell of the column.
+void NameCodes(const ColumnInfo& column, const hxcodes::CodeTable& codes, Cell& cell);
 
 }  // namespace vexorctl

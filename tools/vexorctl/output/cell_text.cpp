@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "common/size.h"
 #include "common/timestamp.h"
 
 namespace vexorctl {
@@ -33,8 +34,16 @@ std::string SizeText(std::uint64_t bytes, const Style& style) {
     return Scaled(bytes, 1024.0 * 1024 * 1024, "GiB");
 }
 
+std::string SectorsText(std::optional<std::uint64_t> sectors) {
+    return sectors ? SizeText(*sectors * vexortools::kSectorBytes, {})
+                   : std::string("size unknown");
+}
+
+std::string Shown(const std::optional<std::string>& text) { return text.value_or("?"); }
+
 std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& style) {
-    if (!cell.known) return {};
+    if (cell.state == Cell::State::kUnknown) return "?";
+    if (cell.state == Cell::State::kNone) return {};
     switch (column.kind) {
         case Kind::kText:
             return cell.text;
@@ -66,7 +75,7 @@ std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& st
 }
 
 std::string PlainText(const ColumnInfo& column, const Cell& cell, const Style& style) {
-    if (!cell.known) return {};
+    if (!cell.IsKnown()) return {};
     if (column.kind == Kind::kBytes) return std::to_string(cell.number);
     if (column.kind == Kind::kBool) return cell.number != 0 ? "true" : "false";
     if (column.kind == Kind::kRatio) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,7 +23,13 @@ struct Style {
 /// A size as tables show it.
 std::string SizeText(std::uint64_t bytes, const Style& style);
 
-/// A cell as tables show it.
+/// The same of sectors in a sentence.
+std::string SectorsText(std::optional<std::uint64_t> sectors);
+
+/// A text in a sentence; "?" when it is unknown.
+std::string Shown(const std::optional<std::string>& text);
+
+/// A cell as tables show it: "?" when it is unknown, and empty when there is nothing to know.
 std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& style);
 
 /// A cell as scripts take it: sizes as whole bytes, ratios unrounded, no units.

@@ -1,12 +1,25 @@
 #include "output/record_cells.h"
 
 #include <cstdio>
-
-#include "codes/named.h"
+#include <initializer_list>
 
 namespace vexorctl {
 
 namespace {
+
+template <class R>
+std::optional<std::string> Dotted(const View<R>& version,
+                                  std::initializer_list<NumberField<R>> parts) {
+    std::string text;
+    for (const auto field : parts) {
+        const auto part = version[field];
+        if (!part) return std::nullopt;
+        text.append(text.empty() ? "" : ".").append(std::to_string(*part));
+    }
+    return text;
+}
+
+}  // namespace
 
 std::string HexBytes(const std::vector<std::uint64_t>& bytes) {
     std::string text;
@@ -18,60 +31,14 @@ std::string HexBytes(const std::vector<std::uint64_t>& bytes) {
     return text;
 }
 
-const Value* Last(const Value& value, std::string_view path) {
-    const Value* at = &value;
-    while (at != nullptr && !path.empty()) {
-        const std::size_t slash = path.find('/');
-        at = at->Find(path.substr(0, slash));
-        path = slash == std::string_view::npos ? std::string_view() : path.substr(slash + 1);
-    }
-    return at;
+std::optional<std::string> VersionText(const View<fields::Version_Info>& version) {
+    using V = fields::Version_Info;
+    return Dotted(version, {V::VerMajor, V::VerMinor, V::VerOEM, V::VerBuild});
 }
 
-}  // namespace
-
-Cell NumberAt(const Value& value, std::string_view path) {
-    const Value* const at = Last(value, path);
-    return at == nullptr ? Unknown() : NumberCell(at->Number(""));
-}
-
-Cell SectorsAt(const Value& value, std::string_view path) {
-    const Value* const at = Last(value, path);
-    return at == nullptr ? Unknown() : SectorsCell(at->Number(""));
-}
-
-Cell TextAt(const Value& value, std::string_view path) {
-    const Value* const at = Last(value, path);
-    return at == nullptr ? Unknown() : TextCell(at->text);
-}
-
-Cell CodeAt(const Value& value, std::string_view path, std::span<const hxcodes::Named> names) {
-    const Value* const at = Last(value, path);
-    return at == nullptr ? Unknown() : CodeCell(names, at->Number(""));
-}
-
-Cell BitsAt(const Value& value, std::string_view path, std::span<const hxcodes::Named> names) {
-    const Value* const at = Last(value, path);
-    return at == nullptr ? Unknown() : BitsCell(names, at->Number(""));
-}
-
-Cell WwnAt(const Value& value, std::string_view path) {
-    const Value* const at = Last(value, path);
-    return at == nullptr ? Unknown() : TextCell(HexBytes(at->Numbers("")));
-}
-
-Cell VersionAt(const Value& value, std::string_view path) {
-    const Value* const at = Last(value, path);
-    if (at == nullptr) return Unknown();
-    std::string text;
-    for (const Value& part : at->children) text += (text.empty() ? "" : ".") + part.text;
-    return TextCell(std::move(text));
-}
-
-Cell NumbersAt(const Value& value, std::string_view path, std::uint64_t count) {
-    const Value* const at = Last(value, path);
-    if (at == nullptr) return Unknown();
-    return NumbersCell(at->Numbers("", count));
+std::optional<std::string> VersionText(const View<fields::VX_VER_INFO>& version) {
+    using V = fields::VX_VER_INFO;
+    return Dotted(version, {V::Major, V::Minor, V::OEM, V::Build});
 }
 
 }  // namespace vexorctl

@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "codes/code_table.h"
 #include "model/fault.h"
+#include "model/library_record.h"
 #include "output/cell.h"
 
 namespace vexorctl {
@@ -23,14 +25,18 @@ std::vector<ColumnInfo> InfoOf(const Column<Record> (&columns)[n]) {
     return {std::begin(columns), std::end(columns)};
 }
 
+/// Makes the columns, and a row of each record, whose codes get the names of the table.
 template <class Record, std::size_t n>
 void Tabulate(Report& report, const Column<Record> (&columns)[n],
-              const std::vector<Record>& records) {
+              const std::vector<Record>& records, const hxcodes::CodeTable& codes) {
     report.columns = InfoOf(columns);
     for (const Record& record : records) {
         std::vector<Cell>& row = report.rows.emplace_back();
         row.reserve(n);
-        for (const Column<Record>& column : columns) row.push_back(column.get(record));
+        for (const Column<Record>& column : columns) {
+            row.push_back(column.get(record));
+            NameCodes(column, codes, row.back());
+        }
     }
 }
 

@@ -3,7 +3,6 @@
 #include <nlohmann/json.hpp>
 
 #include "common/timestamp.h"
-#include "model/fault.h"
 #include "output/cell.h"
 
 namespace vexorctl {
@@ -13,7 +12,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 Json CellJson(const ColumnInfo& column, const Cell& cell, const Style& style) {
-    if (!cell.known) return nullptr;
+    if (!cell.IsKnown()) return nullptr;
     switch (column.kind) {
         case Kind::kText:
             return cell.text;

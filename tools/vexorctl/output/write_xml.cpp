@@ -16,7 +16,7 @@ std::string XmlDocument(const Report& report, const Style& style) {
     for (const std::vector<Cell>& row : report.rows) {
         out += "  <item>\n";
         for (std::size_t i = 0; i < row.size(); ++i) {
-            if (!row[i].known) continue;
+            if (!row[i].IsKnown()) continue;
             const ColumnInfo& column = report.columns[i];
             XmlAttributeList attributes;
             if (column.kind == Kind::kCode || column.kind == Kind::kBits) {

@@ -142,6 +142,9 @@ Exit Help(const std::string& text) {
 // mend.
 Exit RunDocumentingFailure(const CommandRow& row, Invocation& invocation) {
     try {
+        if (const std::string* const codes = invocation.Get("--codes")) {
+            invocation.controller().UseCodesFile(*codes);
+        }
         if (row.changes) invocation.controller().RememberCounters();
         return row.run(invocation);
     } catch (const Failure& failure) {

@@ -16,6 +16,7 @@ constexpr OptionRow kOutputOptions[] = {
     {"--bytes", "", "Sizes in tables as whole bytes"},
     {"--si", "", "Sizes in tables in GB, of 1000^3 bytes, instead of GiB"},
     {"--utc", "", "Times in UTC instead of local time"},
+    kCodesOption,
 };
 
 constexpr OptionRow kChangeOptions[] = {

@@ -22,6 +22,10 @@ struct OptionRow {
     std::string_view letter{};    // "-o"
 };
 
+/// Of every command that shows codes of the controller.
+inline constexpr OptionRow kCodesOption{
+    "--codes", "FILE", "What the codes of a controller mean that vexorctl does not know itself"};
+
 /// What the targets of a command are: it decides what completion offers.
 enum class Target {
     kNone,
@@ -49,7 +53,7 @@ struct CommandRow {
     Arity arity = Arity::kNone;
     std::string_view target_name{};  // "DISK", as in the usage line
     std::span<const OptionRow> options{};
-    std::string_view functions{};  // of the library, between blanks
+    std::span<const std::string_view> functions{};  // of the library: kNamesOf
     std::string_view examples[2]{};
     Exit (*run)(Invocation&) = nullptr;
     std::vector<ColumnInfo> (*columns)() = nullptr;  // null: it prints no objects

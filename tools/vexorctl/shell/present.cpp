@@ -45,7 +45,7 @@ std::size_t ColumnOf(const Report& report, std::string_view key) {
 // What sorts before what: numbers by their value, everything else by its text.
 auto SortKey(const ColumnInfo& column, const Cell& cell) {
     const bool by_text = column.kind == Kind::kText || column.kind == Kind::kTexts;
-    return std::tuple(cell.known, cell.number, cell.ratio,
+    return std::tuple(cell.IsKnown(), cell.number, cell.ratio,
                       by_text ? cell.text + Joined(cell.texts, ",") : std::string(), cell.numbers);
 }
 
@@ -76,7 +76,7 @@ bool NaturallyLess(std::string_view one, std::string_view other) {
 }
 
 bool CellLess(const ColumnInfo& column, const Cell& one, const Cell& other) {
-    if (column.kind == Kind::kText && one.known && other.known) {
+    if (column.kind == Kind::kText && one.IsKnown() && other.IsKnown()) {
         return NaturallyLess(one.text, other.text);
     }
     return SortKey(column, one) < SortKey(column, other);
@@ -269,6 +269,7 @@ Exit Present(Invocation& invocation, Report report, std::string_view format) {
 }
 
 Exit Show(Invocation& invocation, Report report, std::string_view format) {
+    if (format.empty()) format = invocation.row().verb == "show" ? "list" : "table";
     if (invocation.targets().empty()) return Present(invocation, std::move(report), format);
     Controller& controller = invocation.controller();
     std::vector<bool> keep(report.rows.size(), false);

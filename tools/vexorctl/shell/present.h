@@ -2,10 +2,15 @@
 // format.
 #pragma once
 
+#include <algorithm>
 #include <string_view>
+#include <vector>
 
+#include "codes/code_table.h"
 #include "model/exit_code.h"
 #include "model/fault.h"
+#include "model/library_record.h"
+#include "output/cell.h"
 #include "output/cell_text.h"
 #include "output/report.h"
 #include "shell/invocation.h"
@@ -14,6 +19,19 @@ namespace vexorctl {
 
 /// The style that the options ask for; `otherwise` is the format when they do not say.
 Style StyleOf(const Invocation& invocation, std::string_view otherwise);
+
+/// A report of the records, whose codes get the names that the controller's codes have.
+template <class Record, std::size_t n>
+Report Tabulated(Invocation& invocation, const Column<Record> (&columns)[n],
+                 const std::vector<Record>& records) {
+    // Whatever shows no codes need not ask who the controller is.
+    const bool has_codes = std::ranges::any_of(
+        columns, [](const ColumnInfo& column) { return column.names != nullptr; });
+    Report report{.command = invocation.row().Name(), .columns = {}, .rows = {}, .faults = {}};
+    Tabulate(report, columns, records,
+             has_codes ? invocation.controller().codes().table() : hxcodes::NoCodes());
+    return report;
+}
 
 /// Picks and orders the columns and sorts the rows as the options say. Throws UsageError for a key
 /// that is no column's.
@@ -34,11 +52,11 @@ void PrintMore(const Report& report, const Style& style, bool first);
 
 /// Keeps the rows that the targets name (all when there are none), notes a fault for each target
 /// that names none, and prints the rest. Rows are known by their columns "address", "name" and
-/// "serial".
-Exit Show(Invocation& invocation, Report report, std::string_view format);
+/// "serial". Where no format is named, verbs print tables, and "show" a list.
+Exit Show(Invocation& invocation, Report report, std::string_view format = {});
 
 /// Prints the report as it is, all its rows, with the controller's faults.
-Exit Present(Invocation& invocation, Report report, std::string_view format);
+Exit Present(Invocation& invocation, Report report, std::string_view format = "table");
 
 /// Restricts the controller to the adapters that the targets and --adapter name.
 void SelectAdapters(Invocation& invocation);
