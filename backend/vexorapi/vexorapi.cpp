@@ -5,7 +5,7 @@
 
 #include "heap_block.h"
 #include "hxraid.h"
-#include "log.h"
+#include "log.h"  // IWYU pragma: keep (compared with vexorapi.h, as log.h says)
 #include "vexorapi_parse.h"
 #include "vexorapi_version.h"
 #include "vx_cfg.h"

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "vexorapi_element.h"
-#include "xml_rapi_functions.h"
+#include "xml_rapi_functions.h"  // IWYU pragma: keep (its names are pasted together by the function list)
 
 // Never defined: a function whose rows come to call it does not compile, and the compiler's message
 // names the reason.

@@ -1,8 +1,6 @@
 // The version registry: the numbers that the management function "VX_Module_GetInfo" reports.
 #pragma once
 
-#include "hxraid.h"
-
 enum ModuleName : int { PRODUCT = 1, PHP_VEXORAPI = 2, VEXORAPI = 3, HXRAIDSVC = 4 };
 
 extern constinit int productVersionMajor, productVersionMinor, productVersionOEM,

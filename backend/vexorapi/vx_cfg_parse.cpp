@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "XMLWriter_scan.h"
+#include "vexorapi_element.h"
 #include "vx_cfg.h"
 #include "vx_dbg.h"
 

@@ -2,7 +2,14 @@
 // section handlers, which read its attributes into the caller's record.
 #pragma once
 
-#include "vexorapi_element.h"
+#include <expat.h>
+
+#include <cstddef>
+#include <cstdint>
+
+#include "hxraid.h"
+#include "vexorapi_expat.h"
+#include "vexorapi_limits.h"
 
 struct XMLWR_Doc;
 

@@ -8,7 +8,7 @@
 #pragma once
 
 #include "hxraid.h"
-#include "vexorapi.h"
+#include "vexorapi.h"  // IWYU pragma: export (the two functions of the store that it declares)
 #include "vxevent_file.h"
 
 inline constexpr HX_U32 kNewestEvents = 0xFFFFFFFF;  // a first sequence number: the newest events

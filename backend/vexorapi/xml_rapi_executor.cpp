@@ -5,7 +5,7 @@
 
 #include "vexorapi_functions.h"
 #include "vx_dbg.h"
-#include "xml_rapi_functions.h"
+#include "xml_rapi_functions.h"  // IWYU pragma: keep (its names are pasted together by the function list)
 
 namespace {
 

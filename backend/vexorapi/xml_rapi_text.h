@@ -7,9 +7,7 @@
 
 #include <bit>
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
-#include <type_traits>
 
 #include "hxraid.h"
 

@@ -8,6 +8,7 @@
 #include "XMLWriter_scan.h"
 #include "vexorapi_version.h"
 #include "vx_dbg.h"
+#include "vxevent.h"
 #include "xml_rapi_elements.h"
 #include "xml_rapi_text.h"
 #include "xml_vxapi_record_rows.h"

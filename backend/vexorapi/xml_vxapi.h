@@ -2,12 +2,10 @@
 // event store) rather than of the controller.
 #pragma once
 
-#include <cstddef>
-
 #include "XMLWriter.h"
 #include "hxraid.h"
 #include "vexorapi_element.h"
-#include "vxevent.h"
+#include "vxevent_file.h"
 
 // A call lists at most this many events.
 inline constexpr HX_U32 kMaxEvents = 2000;
