@@ -61,6 +61,7 @@ int vexorApi(const char* XMLCmd, char* XMLRet, std::uint32_t XMLRetLen) noexcept
     const auto doc = MakeBlock<XMLWR_Doc>();
     if (!doc) return 0;
 
+    const RequestTraces traces;
     VX_Cfg_XmlWrapper cfg{};
     VX_CfgLoad(&cfg, "XmlWrapperLogConfig");
     if (cfg.InLogEnable != 0) VX_DBG_PrintFile(cfg.Filename, "XMLCmd = %s\n", XMLCmd);

@@ -89,7 +89,8 @@ VEXORAPI_EXPORT int VX_DBG_Init(const char* filename) VEXORAPI_NOEXCEPT;
 
 /** Appends one message, whole and without adding a line end, to the debug log.
  *  Returns the number of characters formatted, also when the file cannot be opened; 0 when the log
- *  is off or there is no memory. Files are created with mode 0600. */
+ *  is off or there is no memory. Files are created with mode 0600. While a request runs the log
+ *  takes 16 MiB and a line that says so; what comes beyond is left out and counted. */
 VEXORAPI_EXPORT int VX_DBG_Printf(const char* fmt, ...) VEXORAPI_NOEXCEPT VEXORAPI_PRINTF(1, 2);
 
 /** Appends one message to the named file, whether or not the debug log is on. Anything but a

@@ -14,7 +14,7 @@ int StrCmpXMLAtts(const char* name, const char* value, const char** atts) {
 }
 
 void PrintXMLAtts(const char** atts) {
-    if (!VX_DBG_On()) return;
+    if (!VX_DBG_Traces()) return;
     VX_DBG_Printf("[Atts]");
     for (; *atts != nullptr; atts += 2) VX_DBG_Printf("%s:%s ", atts[0], atts[1]);
     VX_DBG_Printf("\n");

@@ -35,16 +35,16 @@ Descriptor OpenMessageFile(const char* filename) {
     return IsStderr(filename) ? Descriptor() : OpenForAppend(filename);
 }
 
-// Formats the message, appends it unless `descriptor` is -1, and returns the number of characters
-// formatted.
-[[gnu::format(printf, 2, 0)]] int WriteMessage(int descriptor, const char* fmt, std::va_list args) {
-    HeapBlock<char> text;
-    const int length = FormatWhole(text, fmt, args);
-    if (length < 0) return 0;
+void Append(int descriptor, const char* text) {
     // A text ends at its NUL, also at one that "%c" brought into its middle.
-    if (descriptor >= 0) AppendBytes(descriptor, text.get(), std::strlen(text.get()));
-    return length;
+    if (descriptor >= 0) AppendBytes(descriptor, text, std::strlen(text));
 }
+
+// What the debug log says where it leaves out the rest of a request.
+constexpr char kLeftOut[] =
+    "The request's further messages are left out: it has filled the 16777216 bytes that one "
+    "request may write to the debug log.\n";
+static_assert(kMostTraced == 16777216);
 
 }  // namespace
 
@@ -66,21 +66,28 @@ int VX_DBG_Init(const char* filename) noexcept {
 
 int VX_DBG_Printf(const char* fmt, ...) noexcept {
     if (!VX_DBG_On()) return 0;
-    DBG_Ext.FOut = OpenMessageFile(DBG_Ext.FileName).Release();
+    HeapBlock<char> text;
     std::va_list args;
     va_start(args, fmt);
-    const int length = WriteMessage(DBG_Ext.FOut, fmt, args);
+    const int length = FormatWhole(text, fmt, args);
     va_end(args);
+    if (length < 0) return 0;
+    if (RequestTraces::AreFull()) return length;
+    DBG_Ext.FOut = OpenMessageFile(DBG_Ext.FileName).Release();
+    const bool taken = RequestTraces::Take(std::strlen(text.get()));
+    Append(DBG_Ext.FOut, taken ? text.get() : kLeftOut);
     VX_DBG_Shutdown();
     return length;
 }
 
 int VX_DBG_PrintFile(const char* filename, const char* fmt, ...) noexcept {
-    const Descriptor file = filename == nullptr ? Descriptor() : OpenMessageFile(filename);
+    HeapBlock<char> text;
     std::va_list args;
     va_start(args, fmt);
-    const int length = WriteMessage(file.Get(), fmt, args);
+    const int length = FormatWhole(text, fmt, args);
     va_end(args);
+    if (length < 0) return 0;
+    if (filename != nullptr) Append(OpenMessageFile(filename).Get(), text.get());
     return length;
 }
 

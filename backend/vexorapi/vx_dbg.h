@@ -1,6 +1,7 @@
 // The debug log: trace messages of every subsystem, and the front end's request log.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "vexorapi.h"
@@ -18,6 +19,38 @@ extern constinit VX_DBG_Ext DBG_Ext;
 /// Whether VX_DBG_Printf would format its message.
 inline bool VX_DBG_On() { return DBG_Ext.Cfg.LogEnable != 0 && DBG_Ext.FileName[0] != '\0'; }
 
+/// Bytes that one request may add to the debug log. A command of 1 MiB that names its parameters as
+/// documented stays below it; one made for it fills five hundred times its own length.
+inline constexpr std::size_t kMostTraced = 16777216;
+
+/// While it lives, the debug log takes kMostTraced bytes, and then a line that says so and nothing
+/// more. Messages that are left out are counted like those to a file that cannot be opened.
+class RequestTraces {
+public:
+    RequestTraces() { room = kMostTraced; }
+    ~RequestTraces() { room = kUnlimited; }
+    RequestTraces(const RequestTraces&) = delete;
+    RequestTraces& operator=(const RequestTraces&) = delete;
+
+    /// Whether nothing more is written.
+    static bool AreFull() { return room == 0; }
+
+    /// Takes a message of `length` bytes. Returns false, and is full, when there is no room for it.
+    static bool Take(std::size_t length) {
+        if (room == kUnlimited) return true;
+        const bool fits = length < room;
+        room = fits ? room - length : 0;
+        return fits;
+    }
+
+private:
+    static constexpr std::size_t kUnlimited = static_cast<std::size_t>(-1);
+    static inline constinit std::size_t room = kUnlimited;
+};
+
+/// Whether a trace of the library would be written.
+inline bool VX_DBG_Traces() { return VX_DBG_On() && !RequestTraces::AreFull(); }
+
 // A trace line of the library itself. A macro, so that with the log off (nearly always) neither the
 // call nor its arguments cost anything.
-#define VX_DBG_TRACE(...) (VX_DBG_On() ? static_cast<void>(VX_DBG_Printf(__VA_ARGS__)) : void())
+#define VX_DBG_TRACE(...) (VX_DBG_Traces() ? static_cast<void>(VX_DBG_Printf(__VA_ARGS__)) : void())

@@ -341,6 +341,89 @@ TEST_F(RequestDebugLog, NeverAsksTheManagementExecutorForAVendorFunctionThatDidN
     EXPECT_EQ(told.find(line), told.rfind(line));
 }
 
+// What one request may write, and what stands at its end when it had more to write.
+constexpr std::size_t kMostTraced = 16777216;
+constexpr char kLeftOut[] =
+    "The request's further messages are left out: it has filled the 16777216 bytes that one "
+    "request "
+    "may write to the debug log.\n";
+
+// Elements in a path of the greatest length, each of which is told with its whole path, twice.
+std::string CommandOfLongPaths(int elements) {
+    std::string command = "<HX_Adapter_GetCount type=\"function\">";
+    std::string ends = "</HX_Adapter_GetCount>";
+    for (int depth = 0; depth < 20; ++depth) {
+        const std::string name(100, static_cast<char>('a' + depth));
+        command += "<" + name + ">";
+        ends.insert(0, "</" + name + ">");
+    }
+    for (int element = 0; element < elements; ++element) command += "<a/>";
+    return command + ends;
+}
+
+TEST_F(RequestDebugLog, HoldsSixteenMebibytesOfARequestAtMost) {
+    EXPECT_EQ(1, Send(CommandOfLongPaths(4300)).ok);
+    const std::string text = log.Text();
+    ASSERT_TRUE(text.ends_with(kLeftOut)) << text.size();
+    const std::size_t traced = text.size() - std::strlen(kLeftOut);
+    EXPECT_LE(traced, kMostTraced);
+    // Whole messages only: the next one, a path, would have passed the bound.
+    EXPECT_GT(traced, kMostTraced - 2100);
+    EXPECT_EQ('\n', text[traced - 1]);
+    EXPECT_EQ(text.find(kLeftOut), traced);
+}
+
+TEST_F(RequestDebugLog, HoldsARequestThatFillsItsBoundWhole) {
+    EXPECT_EQ(1, Send(CommandOfLongPaths(4000)).ok);
+    const std::string text = log.Text();
+    EXPECT_GT(text.size(), kMostTraced - 600000);
+    EXPECT_TRUE(text.ends_with("pFD->FuncName=HX_Adapter_GetCount\n\n"));
+}
+
+// Documented parameters, over and over. A quarter of them, because each message opens its file.
+TEST_F(RequestDebugLog, HoldsAMebibyteOfParametersWhole) {
+    std::string command = "<HX_LD_Create type=\"function\">\n  <AdapterID>0</AdapterID>\n";
+    while (command.size() < 1048576 / 4) {
+        command +=
+            "  <CreateLDParam>\n    <RaidMode>5</RaidMode>\n    <HDCount>3</HDCount>\n"
+            "    <StripeBlockSize>64</StripeBlockSize>\n    <HDIDs>0 1 2</HDIDs>\n"
+            "    <Name>data</Name>\n    <Size>1024</Size>\n  </CreateLDParam>\n";
+    }
+    EXPECT_EQ(1, Send(command + "</HX_LD_Create>").ok);
+    EXPECT_TRUE(log.Text().ends_with("pFD->FuncName=HX_LD_Create\n\n"));
+    EXPECT_LT(log.Text().size(), kMostTraced / 4);
+}
+
+TEST_F(RequestDebugLog, HoldsWhateverComesBehindSuchARequest) {
+    Send(CommandOfLongPaths(4300));
+    std::size_t before = log.Text().size();
+    const std::string text(kMostTraced + 1, 'x');
+    EXPECT_EQ(static_cast<int>(text.size()), VX_DBG_Printf("%s", text.c_str()));
+    EXPECT_EQ(before + text.size(), log.Text().size());
+    before = log.Text().size();
+    EXPECT_EQ(1, Send(kGetCount).ok);
+    EXPECT_EQ(
+        "Dir = HX_Adapter_GetCount\n"
+        "[Atts]type:function \n"
+        "Dir = HX_Adapter_GetCount\n"
+        "pFD->FuncName=HX_Adapter_GetCount\n"
+        "\n",
+        log.Text().substr(before));
+}
+
+// What the controller library logs while it serves a request is part of the request.
+TEST_F(RequestDebugLog, CountsMessagesThatItLeavesOut) {
+    int formatted = 0;
+    hxfake::On<&HX_Adapter_GetCount>().Always([&]() -> HX_U8 {
+        const std::string text(kMostTraced, 'x');
+        formatted = VX_DBG_Printf("%s", text.c_str());
+        return 0;
+    });
+    EXPECT_EQ(1, Send(kGetCount).ok);
+    EXPECT_EQ(static_cast<int>(kMostTraced), formatted);
+    EXPECT_TRUE(log.Text().ends_with(std::string("GetCount\n\n") + kLeftOut));
+}
+
 // ---- management functions ----------------------------------------------------------------------
 
 TEST_F(Request, AnswersTheModuleVersions) {
