@@ -1,167 +1,37 @@
-// SQLite's connections, statements and errors.
+// What people are told when the virtual controller's state file cannot be used.
 #include "store/hxsim_sqlite.h"
-
-#include <cstring>
-#include <exception>
-#include <new>
 
 namespace hxsim {
 namespace {
 
-// How long a process waits for another one's transaction.
-constexpr int kPatience = 5000;  // milliseconds
-
-std::string PathOf(sqlite3* database) {
-    const char* const path = sqlite3_db_filename(database, "main");
-    return path == nullptr || *path == '\0' ? "The state in memory" : path;
-}
-
-[[noreturn]] void Throw(sqlite3* database, int code) {
-    ThrowStoreError(PathOf(database), code, sqlite3_system_errno(database),
-                    sqlite3_errmsg(database));
+std::string TextOf(hxsqlite::Trouble trouble, const std::string& path, const std::string& why) {
+    switch (trouble) {
+        case hxsqlite::Trouble::kBusy:
+            return path + " has been kept by another process for " +
+                   std::to_string(hxsqlite::kPatience / 1000) +
+                   " seconds; end that process, or try again.";
+        case hxsqlite::Trouble::kFull:
+            return path + " cannot grow: the disk is full. Make room and try again.";
+        case hxsqlite::Trouble::kDamaged:
+            return path + " is damaged or no state file of the virtual controller (" + why +
+                   "); move it away and run: hxsimctl init";
+        case hxsqlite::Trouble::kClosed:
+            return path + " cannot be opened for writing (" + why +
+                   "); make it writable, or name another file in HXSIM_STATE.";
+        case hxsqlite::Trouble::kOther:
+            break;
+    }
+    return path + " cannot be used (" + why +
+           "); see to its disk, or name another file in HXSIM_STATE.";
 }
 
 }  // namespace
 
+Connection::Connection(const std::string& path)
+    : hxsqlite::Connection(path, hxsqlite::Access::kWrite, TextOf) {}
+
 void ThrowStoreError(const std::string& path, int code, int system_error, std::string_view detail) {
-    std::string why(detail);
-    if (system_error != 0) why += std::string(": ") + std::strerror(system_error);
-    switch (code & 0xFF) {
-        case SQLITE_NOMEM:
-            throw std::bad_alloc();
-        case SQLITE_BUSY:
-        case SQLITE_LOCKED:
-            throw BusyError(path + " has been kept by another process for " +
-                            std::to_string(kPatience / 1000) +
-                            " seconds; end that process, or try again.");
-        case SQLITE_FULL:
-            throw StoreError(path + " cannot grow: the disk is full. Make room and try again.");
-        case SQLITE_NOTADB:
-        case SQLITE_CORRUPT:
-        case SQLITE_ERROR:  // a table or column is not what it should be
-        case SQLITE_MISMATCH:
-        case SQLITE_SCHEMA:
-            throw StoreError(path + " is damaged or no state file of the virtual controller (" +
-                             why + "); move it away and run: hxsimctl init");
-        case SQLITE_READONLY:
-        case SQLITE_PERM:
-        case SQLITE_CANTOPEN:
-        case SQLITE_AUTH:
-            throw StoreError(path + " cannot be opened for writing (" + why +
-                             "); make it writable, or name another file in HXSIM_STATE.");
-        default:
-            throw StoreError(path + " cannot be used (" + why +
-                             "); see to its disk, or name another file in HXSIM_STATE.");
-    }
-}
-
-// ---- Statements ----
-
-Statement::Statement(sqlite3* database, const std::string& sql) {
-    sqlite3_stmt* statement = nullptr;
-    const int code = sqlite3_prepare_v3(database, sql.c_str(), static_cast<int>(sql.size() + 1),
-                                        SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
-    statement_.reset(statement);
-    if (code != SQLITE_OK) Throw(database, code);
-}
-
-void Statement::Expect(int code) const {
-    if (code != SQLITE_OK) Throw(sqlite3_db_handle(statement_.get()), code);
-}
-
-void Statement::Bind(int parameter, std::int64_t value) {
-    Expect(sqlite3_bind_int64(statement_.get(), parameter, value));
-}
-
-void Statement::BindText(int parameter, std::string_view text) {
-    Expect(sqlite3_bind_text64(statement_.get(), parameter, text.data(), text.size(), SQLITE_STATIC,
-                               SQLITE_UTF8));
-}
-
-void Statement::BindBlob(int parameter, std::string_view bytes) {
-    Expect(sqlite3_bind_blob64(statement_.get(), parameter, bytes.data(), bytes.size(),
-                               SQLITE_STATIC));
-}
-
-void Statement::BindNull(int parameter) { Expect(sqlite3_bind_null(statement_.get(), parameter)); }
-
-bool Statement::Step() {
-    const int code = sqlite3_step(statement_.get());
-    if (code == SQLITE_ROW) return true;
-    if (code == SQLITE_DONE) {
-        Reset();
-        return false;
-    }
-    // The message is the connection's, and Reset would say another one.
-    try {
-        Throw(sqlite3_db_handle(statement_.get()), code);
-    } catch (...) {
-        Reset();
-        throw;
-    }
-}
-
-void Statement::Reset() { sqlite3_reset(statement_.get()); }
-
-void Statement::Run() {
-    while (Step()) continue;
-}
-
-std::string_view Statement::Bytes(int column) const {
-    const void* const bytes = sqlite3_column_blob(statement_.get(), column);
-    const int size = sqlite3_column_bytes(statement_.get(), column);
-    if (bytes == nullptr || size <= 0) return {};
-    return {static_cast<const char*>(bytes), static_cast<std::size_t>(size)};
-}
-
-// ---- Connections ----
-
-Connection::Connection(const std::string& path) {
-    sqlite3* database = nullptr;
-    const int code = sqlite3_open_v2(
-        path.c_str(), &database,
-        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE, nullptr);
-    database_.reset(database);
-    if (code != SQLITE_OK) {
-        if (database == nullptr) throw std::bad_alloc();
-        ThrowStoreError(path, code, sqlite3_system_errno(database), sqlite3_errmsg(database));
-    }
-    sqlite3_extended_result_codes(database, 1);
-    sqlite3_busy_timeout(database, kPatience);
-    // A file may come from anywhere: nothing in it is run, and its tables are what they seem.
-    sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
-}
-
-void Connection::Execute(const std::string& sql) const {
-    const int code = sqlite3_exec(database_.get(), sql.c_str(), nullptr, nullptr, nullptr);
-    if (code != SQLITE_OK) Throw(database_.get(), code);
-}
-
-std::int64_t Connection::Number(const std::string& sql) const {
-    Statement statement = Prepare(sql);
-    return statement.Step() ? statement.Integer(0) : 0;
-}
-
-void Connection::LeaveLog() const {
-    sqlite3_db_config(database_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
-}
-
-Transaction::~Transaction() {
-    if (!open_) return;
-    try {
-        connection_.Execute("ROLLBACK");
-    } catch (const std::exception&) {
-        // After some errors (a full disk, say) SQLite has rolled back already.
-        return;
-    }
-}
-
-void Transaction::Commit() {
-    connection_.Execute("COMMIT");
-    open_ = false;
+    hxsqlite::ThrowStoreError(TextOf, path, code, system_error, detail);
 }
 
 }  // namespace hxsim

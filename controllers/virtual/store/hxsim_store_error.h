@@ -1,13 +1,10 @@
 // What every file of the store throws when the state file cannot be used.
 #pragma once
 
-#include <stdexcept>
+#include "sqlite/store_error.h"
 
 namespace hxsim {
 
-/// The state file cannot be used; what() is one sentence that names the file and says what to do.
-struct StoreError : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
+using hxsqlite::StoreError;
 
 }  // namespace hxsim

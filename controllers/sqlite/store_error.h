@@ -1,0 +1,13 @@
+// What is thrown when a state file cannot be used.
+#pragma once
+
+#include <stdexcept>
+
+namespace hxsqlite {
+
+/// The state file cannot be used; what() is one sentence that names the file and says what to do.
+struct StoreError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+}  // namespace hxsqlite
