@@ -25,16 +25,21 @@ inline constexpr Named kDeviceNames[] = {
 static_assert(IsTable(kDeviceNames));
 
 /// How a disk is connected: ConnectionType of HD_Info. Bit 0x01 is ATA commands, 0x02 SCSI
-/// commands, 0x04 a serial link.
+/// commands, 0x04 a serial link; from 0x10 on each kind has a bit of its own.
 struct ConnectionType {
     enum Code : HX_U8 {
         kSata = 0x05,
         kSas = 0x06,
+        kNvme = 0x10,
+        kVirtio = 0x20,
+        kUsb = 0x40,
+        kOther = 0x80,
     };
 };
 inline constexpr Named kConnectionTypeNames[] = {
-    {ConnectionType::kSata, "sata"},
-    {ConnectionType::kSas, "sas"},
+    {ConnectionType::kSata, "sata"}, {ConnectionType::kSas, "sas"},
+    {ConnectionType::kNvme, "nvme"}, {ConnectionType::kVirtio, "virtio"},
+    {ConnectionType::kUsb, "usb"},   {ConnectionType::kOther, "other"},
 };
 static_assert(IsTable(kConnectionTypeNames));
 

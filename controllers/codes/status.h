@@ -62,6 +62,9 @@ struct Status {
         kNotErased = 248,
         kNoChange = 249,
         kHoldsVirtualDisks = 250,
+        kNoPermission = 251,
+        kToolFailed = 252,
+        kHeld = 253,
     };
 };
 
@@ -149,6 +152,11 @@ inline constexpr StatusRow kRefusals[] = {
     {Status::kNoChange, "no_change", "That is how it is already."},
     {Status::kHoldsVirtualDisks, "holds_virtual_disks",
      "The disk carries blocks of a virtual disk; force is needed to wipe it."},
+    {Status::kNoPermission, "no_permission", "Only root may change that."},
+    {Status::kToolFailed, "tool_failed",
+     "A program that the controller needs has failed; the service log has its message."},
+    {Status::kHeld, "held",
+     "The device is in use: a file system, a volume manager or another program holds it."},
 };
 static_assert(IsTable(kRefusals));
 static_assert(NumberOf(kRefusals[0].code) == 200, "below 200 are codes of the library's callers");
