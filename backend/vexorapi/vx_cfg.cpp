@@ -4,8 +4,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 #include "descriptor.h"
 #include "heap_block.h"
@@ -31,9 +31,7 @@ bool ConfigFileIsAbsent() {
 void ParseSection(const char* text, std::size_t length, void* pCfg, const char* cfgname) {
     XMLElmtCfg elmt{};
     elmt.Ext = pCfg;
-    // No section has a name that is too long for the field.
-    const std::size_t name_length = std::strlen(cfgname);
-    if (name_length < sizeof elmt.CfgName) std::memcpy(elmt.CfgName, cfgname, name_length);
+    SetCfgName(elmt, cfgname);
     // RunExpat logs a malformed file; what was stored before the error stays.
     RunExpat(text, length, &elmt, elmt.Guard,
              {CFG_StartElement, CFG_EndElement, CFG_CharacterDataHandler,

@@ -92,6 +92,12 @@ void ClearHandlers(XMLElmtCfg& elmt) {
 
 }  // namespace
 
+void SetCfgName(XMLElmtCfg& elmt, const char* name) {
+    std::memset(elmt.CfgName, 0, sizeof elmt.CfgName);
+    const std::size_t length = std::strlen(name);
+    if (length < sizeof elmt.CfgName) std::memcpy(elmt.CfgName, name, length);
+}
+
 void XMLCALL CFG_StartElement(void* userData, const XML_Char* name, const XML_Char** atts) {
     XMLElmtCfg& elmt = *static_cast<XMLElmtCfg*>(userData);
     EnterElement(elmt, name);

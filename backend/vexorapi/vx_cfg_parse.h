@@ -31,6 +31,10 @@ struct XMLElmtCfg {
     ParseGuard Guard;
 };
 
+/// Sets the section asked for. No section has a name that is too long for the field: for such a one
+/// it stays empty.
+void SetCfgName(XMLElmtCfg& elmt, const char* name);
+
 void XMLCALL CFG_StartElement(void* userData, const XML_Char* name, const XML_Char** atts);
 void XMLCALL CFG_EndElement(void* userData, const XML_Char* name);
 void XMLCALL CFG_CharacterDataHandler(void* userData, const XML_Char* s, int len);

@@ -25,6 +25,11 @@ namespace {
 constexpr uid_t kSomebody = 65534;
 constexpr uid_t kAnother = 65533;
 
+std::ptrdiff_t OpenDescriptors() {
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return std::distance(begin(all), end(all));
+}
+
 // A folder with a file in it, and another file beside it that a link can lead to.
 class GuardedFileTest : public testing::Test {
 protected:
@@ -202,6 +207,12 @@ TEST_F(GuardedFileTest, FollowsALinkWhoseTargetFitsWithTheRestOfThePath) {
     Link(slashes(4091), "/too_long");
     EXPECT_TRUE(Opens("/fits/file", O_RDWR));
     EXPECT_FALSE(Opens("/too_long/file", O_RDWR));
+    // A NUL behind the field would fall on the descriptor that stands there, and change which one
+    // is closed.
+    const auto before = OpenDescriptors();
+    EXPECT_FALSE(Opens("/too_long/file", O_RDWR));
+    EXPECT_FALSE(Opens("/too_long/file", O_RDWR));
+    EXPECT_EQ(before, OpenDescriptors());
 }
 
 // ---- Folders that others may write ----

@@ -326,6 +326,17 @@ TEST_F(ConfigurationSection, OfANameTooLongForItsFieldIsNone) {
     }
 }
 
+TEST(SectionName, FillsItsFieldButForTheNulOrIsEmpty) {
+    const std::string longest(127, 'n');
+    XMLElmtCfg elmt{};
+    SetCfgName(elmt, longest.c_str());
+    EXPECT_EQ(longest, elmt.CfgName);
+    SetCfgName(elmt, (longest + "n").c_str());
+    EXPECT_EQ(std::string(128, '\0'), std::string(elmt.CfgName, sizeof elmt.CfgName));
+    SetCfgName(elmt, "a");
+    EXPECT_EQ("a" + std::string(127, '\0'), std::string(elmt.CfgName, sizeof elmt.CfgName));
+}
+
 TEST_F(ConfigurationSection, ThatOccursTwiceIsTheLaterOne) {
     Load(
         "<c><EventLogConfig type=\"config\" LogEnable=\"1\" MaxNumOfEvent=\"5\" Filename=\"/a\"/>"

@@ -555,6 +555,20 @@ TEST_F(EventFile, IsWrittenFromItsStartWhenTheEndLiesBeyondTheRing) {
     EXPECT_EQ(2u, StoredHeader().End);
 }
 
+// A damaged header lists one entry and lets the ring give up one for each of five events. What is
+// in the file until the new header is written must list none, not nearly 2^32.
+TEST_F(EventFile, GivesUpNoMoreEntriesThanItsHeaderLists) {
+    WriteHeader(1, 10, 1, 0, 7);
+    ASSERT_EQ(1, VX_EvFile_Load(kForUpdate));
+    const std::vector<Event> events = DiskEvents(1, 5);
+    VX_EvFile_SaveEvents(0, events.data(), 5);
+    VX_EvFile_Close();
+    const VX_EvLogHeader header = StoredHeader();
+    EXPECT_EQ(0u, header.NumOfEvent);
+    EXPECT_EQ(2u, header.Start);
+    EXPECT_EQ(8u, header.SeqStart);
+}
+
 TEST_F(EventFile, IsReadInsideTheRingWhenTheStartLiesBeyondIt) {
     CheckIn(DiskEvents(1, 3));
     std::string file = root_.Read(kEventFile);
