@@ -28,6 +28,22 @@ constexpr std::string_view kRetValIsNoStatus[] = {
 // The head of a list, which all of them have alike.
 using ListHead = calls::HX_LD_GetInfo;
 
+Command PageOf(unsigned adapter, std::string_view function, std::uint64_t index, unsigned items) {
+    return {function,
+            {{ListHead::AdapterID.name, std::to_string(adapter)},
+             {ListHead::requestType.name, std::to_string(kByIndex)},
+             {ListHead::startingIndexOrId.name, std::to_string(index)},
+             {ListHead::numRequested.name, std::to_string(items)}}};
+}
+
+// Where the next page starts; 0 when the result does not say.
+std::uint64_t NextIndex(const Value& result) {
+    return View<ListHead::Result>(&result,
+                                  Presence::kThere)[ListHead::Result::RequestHeader]
+                                                   [fields::RequestHeader::nextStartingIndex]
+                                                       .value_or(0);
+}
+
 std::optional<std::string> CountersText(Controller& controller) {
     using Function = calls::VX_HX_EVT_GetChangeCounters;
     const auto answer = controller.Ask(Request<Function>{});
@@ -138,67 +154,69 @@ void Controller::NoteAnswer(std::string_view address, std::string_view function,
     Note(std::move(fault), answer.exit == Exit::kUnavailable ? answer.exit : Exit::kRefused);
 }
 
-void Controller::NoteLeftOut(std::string_view address, std::string_view function,
-                             const std::string& item, const std::string& reason) {
-    Note({.address = std::string(address),
-          .function = std::string(function),
+void Controller::NoteLeftOut(const RawSource& source, const std::string& item,
+                             const std::string& reason) {
+    Note({.address = source.address,
+          .function = std::string(source.function),
           .name = "unreadable",
           .message = "the item at " + item + " was left out: " + reason},
          Exit::kRefused);
 }
 
-Controller::RawList Controller::ReadRawList(unsigned adapter, std::string_view function,
-                                            std::string_view item, const IdReader& id_of) {
-    const std::string address = "a" + std::to_string(adapter);
+// The page ended inside its only item.
+void Controller::NoteBrokenItem(const RawSource& source, std::uint64_t index,
+                                const Answer& answer) {
+    const Value* const broken = answer.result.Find(source.item);
+    const auto id = broken == nullptr ? std::nullopt : source.id_of(*broken);
+    NoteLeftOut(source,
+                "index " + std::to_string(index) +
+                    (id ? " (ID " + std::to_string(*id) + ")" : std::string()),
+                answer.complaint);
+}
+
+void Controller::TakeItems(const RawSource& source, std::uint64_t index, Value& result,
+                           RawList& list) {
+    for (Value& each : result.children) {
+        if (each.name != source.item) continue;
+        if (const auto id = source.id_of(each)) {
+            list.items.emplace_back(*id, std::move(each));
+        } else {
+            NoteLeftOut(source, "index " + std::to_string(index), "it has no ID");
+            list.presence = Presence::kUnknown;
+        }
+        ++index;
+    }
+}
+
+Controller::RawList Controller::ReadRawList(const RawSource& source) {
     RawList list;
     std::uint64_t index = 0;
     unsigned page = kPage;
     while (index != kListComplete) {
-        Answer answer = Ask({function,
-                             {{ListHead::AdapterID.name, std::to_string(adapter)},
-                              {ListHead::requestType.name, std::to_string(kByIndex)},
-                              {ListHead::startingIndexOrId.name, std::to_string(index)},
-                              {ListHead::numRequested.name, std::to_string(page)}}});
+        Answer answer = Ask(PageOf(source.adapter, source.function, index, page));
         // Whether a page was cut shows only when it is parsed; a smaller one may fit, or may be
         // clear of an item that cannot be parsed.
         if (answer.exit == Exit::kUndelivered && page > 1) {
             page /= 2;
             continue;
         }
-        const View<ListHead::Result> result(&answer.result, Presence::kThere);
-        const std::uint64_t next =
-            result[ListHead::Result::RequestHeader][fields::RequestHeader::nextStartingIndex]
-                .value_or(0);
+        const std::uint64_t next = NextIndex(answer.result);
         // The header stands before the items: when it was read, the item alone is at fault.
         if (answer.exit == Exit::kUndelivered && next > index) {
-            const Value* const broken = answer.result.Find(item);
-            const auto id = broken == nullptr ? std::nullopt : id_of(*broken);
-            NoteLeftOut(address, function,
-                        "index " + std::to_string(index) +
-                            (id ? " (ID " + std::to_string(*id) + ")" : std::string()),
-                        answer.complaint);
+            NoteBrokenItem(source, index, answer);
             list.presence = Presence::kUnknown;
             page = kPage;
         } else if (answer.exit != Exit::kDone) {
-            NoteAnswer(address, function, answer);
+            NoteAnswer(source.address, source.function, answer);
             list.presence = codes().IsAbsence(answer.status) && index == 0 ? Presence::kNotOffered
                                                                            : Presence::kUnknown;
             break;
-        }
-        std::uint64_t at = index;
-        for (Value& each : answer.result.children) {
-            if (answer.exit != Exit::kDone || each.name != item) continue;
-            if (const auto id = id_of(each)) {
-                list.items.emplace_back(*id, std::move(each));
-            } else {
-                NoteLeftOut(address, function, "index " + std::to_string(at), "it has no ID");
-                list.presence = Presence::kUnknown;
-            }
-            ++at;
+        } else {
+            TakeItems(source, index, answer.result, list);
         }
         if (next <= index) {
-            Note({.address = address,
-                  .function = std::string(function),
+            Note({.address = source.address,
+                  .function = std::string(source.function),
                   .message = "the list does not go on behind index " + std::to_string(index)},
                  Exit::kRefused);
             list.presence = Presence::kUnknown;

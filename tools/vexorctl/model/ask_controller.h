@@ -153,7 +153,11 @@ public:
         const auto id_of = [&](const Value& item) {
             return source.id(View<Item>(&item, Presence::kThere));
         };
-        RawList raw = ReadRawList(adapter, source.function, source.item, id_of);
+        RawList raw = ReadRawList({.adapter = adapter,
+                                   .address = "a" + std::to_string(adapter),
+                                   .function = source.function,
+                                   .item = source.item,
+                                   .id_of = id_of});
         list.presence = raw.presence;
         for (auto& [id, value] : raw.items) {
             list.items.push_back({id, Record<Item>(std::move(value))});
@@ -188,11 +192,19 @@ private:
     };
     using IdReader = std::function<std::optional<std::uint64_t>(const Value&)>;
 
-    RawList ReadRawList(unsigned adapter, std::string_view function, std::string_view item,
-                        const IdReader& id_of);
+    struct RawSource {
+        unsigned adapter;
+        std::string address;  // the adapter's
+        std::string_view function;
+        std::string_view item;
+        IdReader id_of;
+    };
+
+    RawList ReadRawList(const RawSource& source);
+    void TakeItems(const RawSource& source, std::uint64_t index, Value& result, RawList& list);
+    void NoteBrokenItem(const RawSource& source, std::uint64_t index, const Answer& answer);
     void NoteAnswer(std::string_view address, std::string_view function, const Answer& answer);
-    void NoteLeftOut(std::string_view address, std::string_view function, const std::string& item,
-                     const std::string& reason);
+    void NoteLeftOut(const RawSource& source, const std::string& item, const std::string& reason);
 
     std::optional<Session> session_;
     std::optional<std::string> codes_path_;

@@ -68,11 +68,13 @@ std::string TextAt(const Json& row, const char* key, const std::string& where) {
     return found->get<std::string>();
 }
 
+std::string UnknownKey(const std::string& key) { return "the key \"" + key + "\" is not known"; }
+
 void CheckKeys(const Json& object, std::initializer_list<std::string_view> known,
                const std::string& where) {
     for (const auto& [key, value] : object.items()) {
         if (std::ranges::find(known, key) == known.end()) {
-            throw CodesFileError(where + "the key \"" + key + "\" is not known");
+            throw CodesFileError(std::string(where).append(UnknownKey(key)));
         }
     }
 }
@@ -157,11 +159,11 @@ CodesFile::CodesFile(const std::string& text) : table_(hxcodes::NoCodes()) {
     }
     if (document.contains("controller")) controller_ = TextAt(document, "controller", "file");
     for (const auto& [key, value] : document.items()) {
-        const bool is_list = key == kRefusals ||
-                             std::ranges::any_of(hxcodes::CodeLists(),
-                                                 [&](const auto& row) { return row.name == key; });
+        const bool is_list = key == kRefusals || std::ranges::find(hxcodes::CodeLists(), key,
+                                                                   &hxcodes::CodeList::name) !=
+                                                     hxcodes::CodeLists().end();
         if (!is_list && key != "schema" && key != "controller") {
-            throw CodesFileError("the key \"" + key + "\" is not known");
+            throw CodesFileError(UnknownKey(key));
         }
     }
     RowReader refusals(kRefusals, 1, kMaxStatus);
@@ -185,7 +187,8 @@ CodesFile::CodesFile(const std::string& text) : table_(hxcodes::NoCodes()) {
 }
 
 std::string CodesFileSchema() {
-    const auto rows = [](std::uint64_t least, std::uint64_t most, Json more, Json required) {
+    const auto rows = [](std::uint64_t least, std::uint64_t most, const Json& more,
+                         const Json& required) {
         Json properties = {
             {"code", {{"type", "integer"}, {"minimum", least}, {"maximum", most}}},
             {"name", {{"type", "string"}, {"pattern", kNamePattern}}},

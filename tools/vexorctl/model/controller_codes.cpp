@@ -1,5 +1,6 @@
 #include "model/controller_codes.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <utility>
@@ -107,11 +108,7 @@ Exit ControllerCodes::ExitOf(std::uint64_t status) const {
 }
 
 bool ControllerCodes::IsAbsence(std::uint64_t status) const {
-    const std::string_view name = NameOfRefusal(status);
-    for (const std::string_view absence : kAbsences) {
-        if (name == absence) return true;
-    }
-    return false;
+    return std::ranges::find(kAbsences, NameOfRefusal(status)) != std::end(kAbsences);
 }
 
 }  // namespace vexorctl

@@ -54,7 +54,9 @@ Cell SenseCell(const Record<Event>& record) {
     return record[Event::SenseDataLength] == 0 ? TextCell("") : Unknown();
 }
 
-Cell OfText(const StoredEvent& event, Cell cell) { return event.has_text ? cell : Unknown(); }
+Cell OfText(const StoredEvent& event, Cell cell) {
+    return event.has_text ? std::move(cell) : Unknown();
+}
 
 using enum Kind;
 using enum Place;
