@@ -26,6 +26,7 @@
 #include "store/hxsim_sqlite.h"
 #include "store/hxsim_store_error.h"
 #include "store/hxsim_tables.h"
+#include "store/hxsim_upgrade.h"
 #include "support/child_process.h"
 #include "support/temporary_root.h"
 #include "topology/hxsim_topology.h"
@@ -448,10 +449,12 @@ TEST_F(StatePathOf, AUserWithoutEnvironmentIsFoundInTheUserList) {
 
 TEST_F(StateFile, OfANewerVersionIsRefusedAndCanBeMadeAnew) {
     Make();
-    Execute("PRAGMA user_version = 2");
+    Execute("PRAGMA user_version = 1000");
     EXPECT_EQ(Refusal(), File() +
-                             " was made by a newer version of the virtual controller (schema 2; "
-                             "this one knows 1). Move it away, or make a new machine in its place "
+                             " was made by a newer version of the virtual controller (schema "
+                             "1000; this one knows " +
+                             std::to_string(kSchemaVersion) +
+                             "). Move it away, or make a new machine in its place "
                              "with: hxsimctl init --force");
     Make();
     EXPECT_EQ(Refusal(), "");

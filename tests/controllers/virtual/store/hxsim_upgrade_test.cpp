@@ -1,10 +1,18 @@
 // Which databases are taken for state files, and the steps from version to version.
 #include "store/hxsim_upgrade.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "controllers/virtual/store/tables_of_version_1.h"
 #include "store/hxsim_sqlite.h"
 #include "store/hxsim_store_error.h"
+#include "store/hxsim_tables.h"
 
 namespace hxsim {
 namespace {
@@ -15,6 +23,33 @@ protected:
 
     Connection connection_{":memory:"};
 };
+
+// Every column of every table: "disk.id INTEGER", whether it may be null and its place in the key.
+std::vector<std::string> ColumnsOf(const Connection& connection) {
+    Statement statement = connection.Prepare(
+        "SELECT tables.name || '.' || columns.name || ' ' || columns.type || ' ' || "
+        "columns.\"notnull\" || ' ' || columns.pk FROM sqlite_schema AS tables, "
+        "pragma_table_info(tables.name) AS columns ORDER BY 1");
+    std::vector<std::string> names;
+    while (statement.Step()) names.emplace_back(statement.Bytes(0));
+    return names;
+}
+
+// A column that is added without a step, or whose step makes something else, leaves every state
+// file of a release unreadable.
+TEST_F(StateFileVersion, OfTheFirstFilesLeadsToTodaysTables) {
+    connection_.Execute(kTablesOfVersion1);
+    connection_.Execute("PRAGMA user_version = 1");
+    Upgrade(connection_, "file", kUpgradeSteps, kSchemaVersion);
+    const Connection today(":memory:");
+    MakeTables(today);
+    const std::vector<std::string> made = ColumnsOf(today);
+    const std::vector<std::string> upgraded = ColumnsOf(connection_);
+    ASSERT_FALSE(made.empty());
+    std::vector<std::string> different;
+    std::ranges::set_symmetric_difference(made, upgraded, std::back_inserter(different));
+    EXPECT_THAT(different, testing::IsEmpty());
+}
 
 constexpr UpgradeStep kSteps[] = {
     {1, "CREATE TABLE shelf (colour TEXT NOT NULL)"},

@@ -161,6 +161,8 @@ protected:
 class StoryTest : public MachineTest {
 protected:
     StoryTest() : MachineTest(0) {}
+    /// A story's end has nothing left to settle.
+    void TearDown() override { ExpectSound(); }
     void AddDisks(unsigned count, Sectors usable = 2 * kHundredSeconds);
 };
 
