@@ -13,10 +13,9 @@ import unittest
 import jsonschema
 
 import vexorctl_machine
-from vexorctl_machine import TREE, VexorctlCase
+from vexorctl_machine import SCHEMA, TREE, VexorctlCase, schema
 from vexorctl_script import VIRTUAL_CONTROLLER, Script
 
-SCHEMA = json.loads((TREE / "docs" / "vexorctl.schema.json").read_text())
 CODES_SCHEMA = TREE / "docs" / "vexorctl-codes.schema.json"
 
 # Set from the command line.
@@ -73,7 +72,7 @@ class Scripted(VexorctlCase):
     def items(self, *words):
         """The items and the errors of a document."""
         document = json.loads(self.run_words(*words, "-o", "json").stdout)
-        jsonschema.validate(document, SCHEMA)
+        schema(SCHEMA).validate(document)
         return document["items"], document["errors"]
 
 
@@ -259,8 +258,7 @@ class BrokenFiles(Scripted):
                                  (f"vexorctl: {path}: {reason}\n", "", 2))
 
     def test_the_schema_refuses_them_too(self):
-        schema = json.loads(CODES_SCHEMA.read_text())
-        jsonschema.validate(CODES, schema)
+        schema(CODES_SCHEMA).validate(CODES)
         for codes, reason in self.BROKEN:
             if isinstance(codes, str) or "twice" in reason or "bit" in reason:
                 continue  # what a schema cannot say
@@ -268,7 +266,7 @@ class BrokenFiles(Scripted):
                 if codes and "schema" not in codes:
                     codes = {"schema": "vexorctl-codes/1", **codes}
                 with self.assertRaises(jsonschema.ValidationError):
-                    jsonschema.validate(codes, schema)
+                    schema(CODES_SCHEMA).validate(codes)
 
     def test_a_file_that_is_not_there_or_is_for_another_controller(self):
         absent = str(self.root / "absent.json")

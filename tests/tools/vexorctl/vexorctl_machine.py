@@ -5,6 +5,7 @@ What time it is, and how far an activity has come, changes only when a test says
 """
 
 import functools
+import json
 import os
 import pathlib
 import pty
@@ -18,8 +19,13 @@ import tempfile
 import time
 import unittest
 
+import jsonschema
+
 TREE = pathlib.Path(__file__).resolve().parents[3]
 VERSION = re.search(r"project\(.* VERSION ([0-9.]+)", (TREE / "CMakeLists.txt").read_text())[1]
+
+# Of what vexorctl prints with --output json.
+SCHEMA = TREE / "docs" / "vexorctl.schema.json"
 
 # The folder of vexorctl, hxsimctl and check_in: set by run_tests.
 PROGRAMS = ""
@@ -38,6 +44,16 @@ def _template(programs, topology):
     _hxsimctl(programs, state, "init", "--topology", topology)
     _hxsimctl(programs, state, "clock", "freeze")
     return folder, state  # the folder goes with the cache, at the end of the program
+
+
+@functools.lru_cache(maxsize=None)
+def schema(path):
+    """A validator by the schema in that file, which is checked once: jsonschema.validate would check it
+    each time, and that takes half a second for the schema of vexorctl's documents."""
+    text = json.loads(pathlib.Path(path).read_text())
+    validator = jsonschema.validators.validator_for(text)
+    validator.check_schema(text)
+    return validator(text)
 
 
 def interrupt(process):

@@ -9,13 +9,10 @@ import json
 import re
 import xml.etree.ElementTree
 
-import jsonschema
-
 import vexorctl_machine
-from vexorctl_machine import TREE, VexorctlCase
+from vexorctl_machine import SCHEMA, VexorctlCase, schema
 from vexorctl_script import Script
 
-SCHEMA = json.loads((TREE / "docs" / "vexorctl.schema.json").read_text())
 
 # Set from the command line.
 SCRIPTED_LIBRARY = ""
@@ -110,7 +107,7 @@ class OneItem(VexorctlCase):
     def test_every_document_has_it_among_its_errors(self):
         run = self.run_words("vd", "list", "-o", "json")
         document = json.loads(run.stdout)
-        jsonschema.validate(document, SCHEMA)
+        schema(SCHEMA).validate(document)
         self.assertEqual([item["address"] for item in document["items"]], ["a0/vd2", "a1/vd0"])
         self.assertEqual([(e["address"], e["function"], e["name"]) for e in document["errors"]],
                          [("a0", "HX_LD_GetInfo", "unreadable"),
