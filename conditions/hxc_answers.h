@@ -1,0 +1,211 @@
+// One look at a machine: what the controller answered, and what it did not. Whoever asks fills this
+// in, from whatever the answers came in. A field that is not known is null, never zero, and a list
+// counts only when its query was read.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace hxconditions {
+
+/// How a question ended.
+struct Query {
+    enum class Result : std::uint8_t {
+        kNotAsked,
+        kRead,
+        kUnsupported,  // the adapter does not know the call: an answer
+        kNone,         // there is no such thing, as no battery: an answer
+        kFailed,
+        kImplausible,  // what came cannot be
+        kDenied,       // no permission
+    };
+    Result result = Result::kNotAsked;
+    std::string call;   // the one that did not succeed: "HX_LD_GetInfo"
+    unsigned code = 0;  // what it returned
+    std::string name;   // of the code, where it has one: "busy"
+    std::string what;   // kImplausible: what is wrong with it
+
+    bool IsRead() const {
+        return result == Result::kRead || result == Result::kUnsupported || result == Result::kNone;
+    }
+    bool Failed() const {
+        return result == Result::kFailed || result == Result::kImplausible ||
+               result == Result::kDenied;
+    }
+};
+
+/// Codes are those of codes/activity.h.
+struct Activity {
+    unsigned kind = 0;
+    unsigned state = 0;
+    std::optional<unsigned> percent;
+    std::optional<std::uint64_t> seconds_left;
+};
+
+/// A position of a virtual disk.
+struct Member {
+    std::optional<unsigned> disk;
+    std::optional<unsigned> state;  // codes/state.h
+    std::uint64_t sectors = 0;
+};
+
+struct VirtualDisk {
+    unsigned id = 0;
+    std::string name;
+    std::uint64_t sectors = 0;
+    unsigned level = 0;  // codes/level.h
+    unsigned legs = 0;
+    unsigned state = 0;             // codes/state.h
+    std::optional<unsigned> cache;  // codes/virtual_disk.h
+    std::optional<unsigned> group;
+    std::vector<Member> members;
+    std::optional<Activity> activity;
+    std::optional<bool> auto_rebuild;
+    bool is_unsynchronised = false;  // Linux RAID: its first synchronisation has not ended
+};
+
+struct Disk {
+    unsigned id = 0;
+    std::string serial;
+    std::string wwn;
+    unsigned status = 0;  // bits of codes/disk.h
+    std::uint64_t sectors = 0;
+    std::optional<std::uint64_t> free_sectors;
+    std::optional<unsigned> group;  // that it is a member or a spare of
+    std::optional<unsigned> enclosure;
+    std::string bay;  // "slot 3", "phy 5"
+    std::optional<bool> smart_alarm;
+    std::optional<bool> smart_on;
+    std::optional<bool> is_online;  // as it is set
+    std::optional<unsigned> phys;
+    std::optional<unsigned> speed;  // the higher, the faster
+    std::optional<unsigned> remapped;
+    std::optional<Activity> activity;  // a media patrol or data scrub
+};
+
+struct DiskGroup {
+    unsigned id = 0;
+    std::string name;
+    std::uint64_t sectors = 0;
+    unsigned state = 0;
+    std::vector<unsigned> disks;
+    std::vector<unsigned> spares;
+    std::optional<std::uint64_t> sectors_needed;  // of a disk that takes a member's place
+    std::optional<Activity> activity;
+};
+
+struct Element {
+    unsigned id = 0;
+    unsigned type = 0;           // codes/enclosure.h
+    unsigned status = 0;         // codes/enclosure.h
+    std::optional<int> reading;  // degrees Celsius, turns a minute, millivolts
+    std::optional<int> low_critical, low_warning, high_warning, high_critical;
+};
+
+struct Enclosure {
+    unsigned id = 0;
+    std::string logical_id;
+    std::vector<Element> elements;
+};
+
+struct Battery {
+    unsigned status = 0;  // bits of codes/battery.h
+    std::optional<unsigned> percent, percent_to_charge;
+    std::optional<int> celsius, low_celsius, high_celsius;
+    std::optional<unsigned> millivolts, low_millivolts, high_millivolts;
+    std::optional<unsigned> capacity_mah, new_mah, cycles;
+    std::optional<unsigned> minutes_to_full;
+};
+
+/// Whether each image of the flash is sound.
+struct Flash {
+    std::optional<bool> all, autoload, boot_loader, firmware, bios, hba_info;
+};
+
+struct Adapter {
+    unsigned number = 0;
+    std::string serial;
+    bool is_linux_raid = false;
+    Query info;
+    Flash flash;
+    Query settings;
+    std::optional<bool> auto_rebuild, poll_smart;
+    Query virtual_disks_query;
+    std::vector<VirtualDisk> virtual_disks;
+    Query disks_query, smart;
+    std::vector<Disk> disks;
+    Query groups_query;
+    std::vector<DiskGroup> groups;
+    Query enclosures_query;
+    std::vector<Enclosure> enclosures;
+    Query battery_query;
+    std::optional<Battery> battery;
+    std::optional<std::int64_t> spares_collected_ago_s;  // Linux RAID: by the event service
+};
+
+/// The files that hold the events.
+struct Store {
+    enum class State : std::uint8_t {
+        kNotLooked,
+        kGood,
+        kNotWritable,
+        kUnreadable,  // not there, or not permitted, where one should be
+        kDamaged,
+    };
+    State state = State::kNotLooked;
+    std::string path;
+    std::string reason;
+    std::uint64_t events_lost = 0;  // by a gap or a reset that this look found
+};
+
+/// A way by which alerts go out.
+struct Sink {
+    std::string name;
+    bool is_failing = false;
+    std::string error;
+    std::uint64_t waiting = 0;
+    std::uint64_t given_up = 0;
+};
+
+/// The event service, as itself or as its last report tells of it.
+struct Service {
+    bool is_here = false;  // it remembers, and collects events: rows of memory and events are seen
+    std::optional<std::int64_t> silent_for_s;  // it has run here, and its report is old
+    std::string rejected_configuration;        // "FILE:LINE: WHAT"
+    bool state_was_damaged = false;
+    std::string state_damage;
+    unsigned slow_rounds = 0;
+    unsigned rounds_without_check_in = 0;
+    std::vector<Sink> sinks;
+};
+
+struct Answers {
+    Query machine;       // the library is there and opened, and has counted its adapters
+    std::string reason;  // kFailed: why not
+    std::string advice;  // and what to do
+    std::vector<Adapter> adapters;
+    Store store;
+    Service service;
+};
+
+/// An event, as the controller told it.
+struct Event {
+    unsigned adapter = 0;
+    std::uint32_t sequence = 0;
+    unsigned event_class = 0;
+    unsigned code = 0;
+    unsigned device = 0;
+    std::int64_t time = 0;  // by the controller's clock
+    std::uint32_t params[4] = {};
+};
+
+/// The clocks of this machine.
+struct Now {
+    std::int64_t real = 0;  // seconds since 1970: dates, and nothing else
+    std::int64_t boot = 0;  // seconds since the boot, sleep included: intervals
+    std::string boot_id;
+};
+
+}  // namespace hxconditions

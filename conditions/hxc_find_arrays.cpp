@@ -1,0 +1,390 @@
+// Virtual disks, disk groups, their rebuilds and their spares.
+#include "conditions/hxc_find_arrays.h"
+
+#include <algorithm>
+
+#include "codes/activity.h"
+#include "codes/battery.h"
+#include "codes/disk.h"
+#include "codes/state.h"
+#include "codes/virtual_disk.h"
+#include "conditions/hxc_redundancy.h"
+
+namespace hxconditions {
+
+namespace {
+
+using hxcodes::ActivityKind;
+using hxcodes::ActivityState;
+using hxcodes::BatteryBit;
+using hxcodes::CacheBit;
+using hxcodes::DiskBit;
+using hxcodes::State;
+
+constexpr unsigned kTaken = DiskBit::kConfigured | DiskBit::kGlobalSpare | DiskBit::kGroupSpare |
+                            DiskBit::kUnavailable | DiskBit::kFailed | DiskBit::kForeign |
+                            DiskBit::kRebuilding;
+constexpr unsigned kSpare = DiskBit::kGlobalSpare | DiskBit::kGroupSpare;
+constexpr unsigned kBroken = DiskBit::kUnavailable | DiskBit::kFailed;
+
+bool IsFree(const Disk& disk) { return (disk.status & kTaken) == 0; }
+
+std::uint64_t RoomOf(const Disk& disk) { return disk.free_sectors.value_or(disk.sectors); }
+
+// The sectors that a disk needs to take a member's place: as many as the lost one has, or, while
+// none is lost, as the smallest has.
+std::uint64_t NeededBy(const Adapter& adapter, const VirtualDisk& virtual_disk,
+                       const std::vector<unsigned>& lost) {
+    if (const DiskGroup* const group = FindGroup(adapter, virtual_disk.group)) {
+        if (group->sectors_needed) return *group->sectors_needed;
+    }
+    std::uint64_t needed = 0;
+    for (const unsigned position : lost) {
+        needed = std::max(needed, virtual_disk.members[position].sectors);
+    }
+    if (needed != 0) return needed;
+    for (const Member& member : virtual_disk.members) {
+        if (needed == 0 || member.sectors < needed) needed = member.sectors;
+    }
+    return needed;
+}
+
+bool IsMember(const VirtualDisk& virtual_disk, unsigned disk) {
+    return std::ranges::any_of(virtual_disk.members,
+                               [&](const Member& each) { return each.disk && *each.disk == disk; });
+}
+
+bool Reaches(const Disk& spare, const VirtualDisk& virtual_disk) {
+    if ((spare.status & DiskBit::kGlobalSpare) != 0) return true;
+    return spare.group && virtual_disk.group && *spare.group == *virtual_disk.group;
+}
+
+// What a look at one virtual disk has found out so far.
+struct Lookup {
+    std::vector<Finding>& findings;
+    const Things& things;
+    const Adapter& adapter;
+    const VirtualDisk& virtual_disk;
+    Object object;
+    Redundancy redundancy;
+    const Activity* activity = nullptr;  // its own, or its disk group's
+    const Disk* spare = nullptr;         // that fits
+    const Disk* free = nullptr;          // that would fit
+
+    Finding& Add(Code code) { return findings.emplace_back(FindingOf(code, object)); }
+};
+
+void FindFittingDisks(Lookup& look) {
+    const std::uint64_t needed = NeededBy(look.adapter, look.virtual_disk, look.redundancy.lost);
+    for (const Disk& disk : look.adapter.disks) {
+        if (RoomOf(disk) < needed || IsMember(look.virtual_disk, disk.id)) continue;
+        if (IsReadySpare(disk) && Reaches(disk, look.virtual_disk)) {
+            if (look.spare == nullptr) look.spare = &disk;
+        } else if (IsFree(disk) && look.free == nullptr) {
+            look.free = &disk;
+        }
+    }
+}
+
+void AddActivity(Values& values, const Activity* activity) {
+    values["percent"] = activity == nullptr ? "?" : PercentText(activity->percent);
+    values["left"].clear();
+    if (activity != nullptr && activity->seconds_left) {
+        values["left"] =
+            ", " + DurationText(static_cast<std::int64_t>(*activity->seconds_left)) + " left";
+    }
+}
+
+// "a0/pd6 or a0/pd7".
+std::string Alternatives(const std::vector<std::string>& items) {
+    std::string text = Listed(items);
+    const std::size_t last = text.rfind(" and ");
+    if (last != std::string::npos && text.find(" more", last) == std::string::npos) {
+        text.replace(last, std::string_view(" and ").size(), " or ");
+    }
+    return text;
+}
+
+std::vector<std::string> AddressesAt(const Lookup& look, const std::vector<unsigned>& positions) {
+    std::vector<std::string> addresses;
+    for (const unsigned each : positions) {
+        const auto& disk = look.virtual_disk.members[each].disk;
+        if (disk) addresses.push_back(AddressOf(look.adapter.number, Kind::kDisk, *disk));
+    }
+    return addresses;
+}
+
+// What is left of the redundancy, exactly: of pairs and legs only some disks may not fail any more.
+std::string RedundancyText(const Lookup& look) {
+    const std::vector<std::string> needed = AddressesAt(look, look.redundancy.needed);
+    const std::vector<std::string> others = AddressesAt(look, look.redundancy.spare_positions);
+    if (needed.empty() || others.empty()) return "has no redundancy left";
+    return "survives no failure of " + Alternatives(needed) + ", while " + Alternatives(others) +
+           " may still fail";
+}
+
+void AddMembers(const Lookup& look, Finding& finding) {
+    std::vector<std::string> addresses;
+    for (std::size_t i = 0; i < look.virtual_disk.members.size(); ++i) {
+        const auto& id = look.virtual_disk.members[i].disk;
+        const Disk* const disk = FindDisk(look.adapter, id);
+        LostMember member;
+        if (disk != nullptr) {
+            member.identity = look.things.Of(look.adapter, *disk).identity;
+            finding.links.push_back(member.identity);
+        }
+        if (id) member.address = AddressOf(look.adapter.number, Kind::kDisk, *id);
+        if (std::ranges::find(look.redundancy.lost, i) == look.redundancy.lost.end()) continue;
+        if (!member.address.empty()) addresses.push_back(member.address);
+        finding.lost.push_back(member);
+    }
+    for (const Disk& disk : look.adapter.disks) {
+        if ((disk.status & kSpare) == 0 || !Reaches(disk, look.virtual_disk)) continue;
+        finding.links.push_back(look.things.Of(look.adapter, disk).identity);
+    }
+    if (const DiskGroup* const group = FindGroup(look.adapter, look.virtual_disk.group)) {
+        finding.links.push_back(look.things.Of(look.adapter, *group).identity);
+    }
+    finding.links.push_back(look.object.identity);
+    finding.links.push_back(look.object.adapter_identity);
+    finding.count = finding.lost.size();
+    const std::size_t unnamed = finding.lost.size() - addresses.size();
+    finding.values["lost"] = addresses.empty() ? "" : addresses.front();
+    if (unnamed == 1) addresses.emplace_back("a disk");
+    if (unnamed > 1) addresses.push_back(std::to_string(unnamed) + " disks");
+    finding.values["members"] = addresses.empty() ? "a disk" : Listed(addresses);
+}
+
+// The row of its state: none while all is well.
+std::optional<Code> StateCodeOf(const VirtualDisk& virtual_disk, const Redundancy& redundancy,
+                                bool rebuild_moves) {
+    const unsigned state = virtual_disk.state;
+    if (state == State::kOffline) return Code::kVdOffline;
+    if (state == State::kForeign) return Code::kVdForeign;
+    if (state < State::kOptimal || state > State::kForeign) return Code::kVdStateUnknown;
+    if (state == State::kDegraded && virtual_disk.is_unsynchronised) return Code::kVdDirtyDegraded;
+    const bool lost = !redundancy.lost.empty();
+    if (state == State::kOptimal && !lost) return std::nullopt;
+    if (redundancy.is_offline) return Code::kVdOffline;
+    const bool none_left =
+        redundancy.survives && lost ? *redundancy.survives == 0 : state == State::kDegraded;
+    if (none_left) return rebuild_moves ? Code::kVdRebuildingUnprotected : Code::kVdNoRedundancy;
+    return rebuild_moves ? Code::kVdRebuilding : Code::kVdRedundancyReduced;
+}
+
+bool Rebuilds(const Activity* activity) {
+    return activity != nullptr && activity->kind == ActivityKind::kRebuild &&
+           activity->state == ActivityState::kRunning;
+}
+
+void FindState(Lookup& look, const Movement* movement) {
+    const bool moves =
+        Rebuilds(look.activity) && (movement == nullptr || !movement->Stands(look.object));
+    const auto code = StateCodeOf(look.virtual_disk, look.redundancy, moves);
+    if (!code) return;
+    Finding& finding = look.Add(*code);
+    AddMembers(look, finding);
+    AddActivity(finding.values, look.activity);
+    finding.values["redundancy"] = RedundancyText(look);
+    finding.values["n"] = *code == Code::kVdStateUnknown ? std::to_string(look.virtual_disk.state)
+                          : look.redundancy.survives     ? std::to_string(*look.redundancy.survives)
+                                                         : "?";
+}
+
+bool IsRebuild(const Activity& activity) {
+    return activity.kind == ActivityKind::kRebuild || activity.kind == ActivityKind::kCopyback;
+}
+
+// A member's disk that a rebuild was to write, while no rebuild runs.
+const Disk* AbandonedTarget(const Lookup& look) {
+    if (look.virtual_disk.state == State::kOptimal) return nullptr;
+    if (look.activity != nullptr && IsRebuild(*look.activity)) return nullptr;
+    const DiskGroup* const group = FindGroup(look.adapter, look.virtual_disk.group);
+    if (group != nullptr && group->activity && IsRebuild(*group->activity)) return nullptr;
+    for (const Member& member : look.virtual_disk.members) {
+        const Disk* const disk = FindDisk(look.adapter, member.disk);
+        if (disk != nullptr && (disk->status & DiskBit::kRebuilding) != 0) return disk;
+    }
+    return nullptr;
+}
+
+void FindSpareNone(Lookup& look) {
+    Finding& none = look.Add(Code::kSpareNone);
+    none.values["fits"].clear();
+    none.values["rebuild"] = "Put a disk in that is large enough";
+    if (look.free == nullptr) return;
+    const std::string free = AddressOf(look.adapter.number, Kind::kDisk, look.free->id);
+    none.values["free"] = free;
+    none.values["fits"] = ": " + free + " (free, " + SizeText(look.free->sectors) + ") would fit";
+    none.values["rebuild"] = "Rebuild onto " + free;
+}
+
+void FindHindrances(Lookup& look) {
+    if (look.redundancy.lost.empty() || !IsRedundant(look.virtual_disk.level)) return;
+    const Activity* const activity = look.activity;
+    const bool rebuilds = activity != nullptr && activity->kind == ActivityKind::kRebuild;
+    if (rebuilds) {
+        if (activity->state != ActivityState::kPaused) return;
+        AddActivity(look.Add(Code::kRebuildPaused).values, activity);
+        return;
+    }
+    if (const Disk* const target = AbandonedTarget(look)) {
+        Finding& aborted = look.Add(Code::kRebuildAborted);
+        aborted.values["target"] = AddressOf(look.adapter.number, Kind::kDisk, target->id);
+        return;
+    }
+    // A disk is needed only where one is gone or broken; other positions wait for their rebuild.
+    const bool offline = look.virtual_disk.state == State::kOffline || look.redundancy.is_offline;
+    if (offline || look.adapter.disks.empty()) return;
+    if (look.spare == nullptr) {
+        FindSpareNone(look);
+        return;
+    }
+    const bool off = look.virtual_disk.auto_rebuild == false || look.adapter.auto_rebuild == false;
+    if (!off) return;
+    Finding& finding = look.Add(Code::kAutoRebuildOff);
+    finding.values["s"] = AddressOf(look.adapter.number, Kind::kDisk, look.spare->id);
+    finding.values["adapter"] = AddressOf(look.adapter.number);
+}
+
+void FindActivity(Lookup& look) {
+    const auto& activity = look.virtual_disk.activity;
+    if (!activity || activity->kind == ActivityKind::kNone ||
+        activity->kind == ActivityKind::kRebuild) {
+        return;
+    }
+    const bool paused = activity->state == ActivityState::kPaused;
+    Finding& finding = look.Add(paused ? Code::kActivityPaused : Code::kActivityRunning);
+    finding.values["activity"] = ActivityText(activity->kind);
+    AddActivity(finding.values, &*activity);
+}
+
+void FindCache(Lookup& look) {
+    const auto& cache = look.virtual_disk.cache;
+    if (!cache || (*cache & CacheBit::kWriteBack) == 0) return;
+    if ((*cache & CacheBit::kForcedWriteThrough) != 0) {
+        Finding& forced = look.Add(Code::kCacheForcedWriteThrough);
+        forced.values["adapter"] = AddressOf(look.adapter.number);
+        return;
+    }
+    if (look.adapter.is_linux_raid) return;
+    const bool none = look.adapter.battery_query.result == Query::Result::kNone;
+    const bool unsafe =
+        look.adapter.battery && (look.adapter.battery->status & BatteryBit::kSafeForWriteBack) == 0;
+    if (none || unsafe) look.Add(Code::kCacheUnprotected);
+}
+
+}  // namespace
+
+bool IsReadySpare(const Disk& disk) {
+    return (disk.status & kSpare) != 0 && (disk.status & kBroken) == 0;
+}
+
+const Activity* ActivityOf(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    const auto& own = virtual_disk.activity;
+    if (own && own->kind != ActivityKind::kNone) return &*own;
+    const DiskGroup* const group = FindGroup(adapter, virtual_disk.group);
+    const bool of_group =
+        group != nullptr && group->activity && !own && group->activity->kind != ActivityKind::kNone;
+    return of_group ? &*group->activity : nullptr;
+}
+
+std::optional<Code> StateCodeOf(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    return StateCodeOf(virtual_disk, RedundancyOf(virtual_disk, adapter.disks),
+                       Rebuilds(ActivityOf(adapter, virtual_disk)));
+}
+
+void FindVirtualDisks(std::vector<Finding>& findings, const Things& things, const Adapter& adapter,
+                      const Movement* movement) {
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        Lookup look{.findings = findings,
+                    .things = things,
+                    .adapter = adapter,
+                    .virtual_disk = each,
+                    .object = things.Of(adapter, each),
+                    .redundancy = RedundancyOf(each, adapter.disks),
+                    .activity = ActivityOf(adapter, each)};
+        FindFittingDisks(look);
+        FindState(look, movement);
+        if (each.state != State::kForeign) FindHindrances(look);
+        FindActivity(look);
+        FindCache(look);
+    }
+}
+
+void FindDiskGroups(std::vector<Finding>& findings, const Things& things, const Adapter& adapter) {
+    for (const DiskGroup& group : adapter.groups) {
+        const bool offline = group.state == State::kOffline;
+        if (!offline && group.state != State::kDegraded &&
+            group.state != State::kPartiallyOptimal) {
+            continue;
+        }
+        const Code code = offline ? Code::kDgOffline : Code::kDgDegraded;
+        Finding& finding = findings.emplace_back(FindingOf(code, things.Of(adapter, group)));
+        finding.values["lost"].clear();
+        for (const unsigned id : group.disks) {
+            const Disk* const disk = FindDisk(adapter, id);
+            if (disk != nullptr && (disk->status & kBroken) == 0) continue;
+            LostMember member;
+            member.address = AddressOf(adapter.number, Kind::kDisk, id);
+            if (disk != nullptr) member.identity = things.Of(adapter, *disk).identity;
+            if (finding.lost.empty()) finding.values["lost"] = member.address;
+            finding.links.push_back(member.identity);
+            finding.lost.push_back(std::move(member));
+        }
+        finding.count = finding.lost.size();
+    }
+}
+
+void FindSpares(std::vector<Finding>& findings, const Things& things, const Adapter& adapter) {
+    bool has_global = false;
+    for (const Disk& disk : adapter.disks) {
+        if (!IsReadySpare(disk)) continue;
+        has_global = has_global || (disk.status & DiskBit::kGlobalSpare) != 0;
+        std::vector<std::string> too_large;
+        std::uint64_t least = 0;
+        bool fits = false;
+        for (const VirtualDisk& each : adapter.virtual_disks) {
+            if (!IsRedundant(each.level) || !Reaches(disk, each)) continue;
+            const Redundancy redundancy = RedundancyOf(each, adapter.disks);
+            const std::uint64_t needed = NeededBy(adapter, each, redundancy.lost);
+            if (needed == 0 || RoomOf(disk) >= needed) {
+                fits = true;
+                continue;
+            }
+            least = least == 0 ? needed : std::min(least, needed);
+            too_large.push_back(AddressOf(adapter.number, Kind::kVirtualDisk, each.id));
+        }
+        if (fits || too_large.empty()) continue;
+        Finding& finding =
+            findings.emplace_back(FindingOf(Code::kSpareTooSmall, things.Of(adapter, disk)));
+        finding.values["list"] = Listed(too_large);
+        finding.values["size"] = SizeText(RoomOf(disk));
+        finding.values["needed"] = SizeText(least);
+    }
+    constexpr std::int64_t kLongestWithoutCollection = 300;
+    if (adapter.is_linux_raid && has_global &&
+        adapter.spares_collected_ago_s.value_or(0) > kLongestWithoutCollection) {
+        findings.push_back(FindingOf(Code::kSpareCollectorStopped, things.Of(adapter)));
+    }
+}
+
+void FindReplacements(std::vector<Finding>& findings, const Things& things,
+                      const Adapter& adapter) {
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        const Redundancy redundancy = RedundancyOf(each, adapter.disks);
+        for (const unsigned position : redundancy.lost) {
+            const Disk* const disk = FindDisk(adapter, each.members[position].disk);
+            const std::uint64_t needed = NeededBy(adapter, each, {position});
+            if (disk == nullptr || !IsFree(*disk) || RoomOf(*disk) >= needed) continue;
+            Finding& finding = findings.emplace_back(
+                FindingOf(Code::kReplacementTooSmall, things.Of(adapter, *disk)));
+            finding.values["id"] = DiskIdText(finding.object, *disk);
+            finding.values["vd"] = TitleOf(things.Of(adapter, each));
+            finding.values["size"] = SizeText(RoomOf(*disk));
+            finding.values["needed"] = SizeText(needed);
+        }
+    }
+}
+
+}  // namespace hxconditions

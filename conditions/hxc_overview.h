@@ -1,0 +1,77 @@
+// What is wrong now, folded and in order: heads, worst first, each with what it takes up.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "conditions/hxc_state.h"
+
+namespace hxconditions {
+
+/// The user's own choices.
+struct Settings {
+    std::map<Code, Level> levels;
+};
+
+struct Cause {
+    Code code;
+    std::string address;
+    std::string identity;
+};
+
+struct Condition {
+    Code code = Code::kNotWatched;
+    Level level = Level::kInfo;
+    bool level_is_set_here = false;
+    Object object;
+    std::int64_t since = 0;  // 0: not known
+    SinceIs since_is = SinceIs::kAtOrBefore;
+    std::int64_t first_seen = 0;
+    std::int64_t last_seen = 0;
+    std::string sentence;
+    std::vector<Cause> causes;
+    std::optional<Code> hindrance;
+    std::string next_step;
+    std::vector<std::string> command;
+    std::string otherwise;  // what else can be done: "replace a0/pd5"
+    std::uint64_t count = 0;
+    bool is_stale = false;
+    bool is_flapping = false;
+    std::optional<Acknowledgement> acknowledged;
+    std::optional<std::int64_t> silenced_until;
+    std::string detail;  // what a hindrance adds to its name: "a0/pd7 (free, 1.8 TiB) would fit"
+    std::string label;   // "a0/pd5 (QD-W17J22K63, phy 5)"
+    std::optional<Event> event;
+    std::vector<Condition> folded;
+};
+
+/// Things that were counted; null where they could not be.
+struct Counts {
+    std::optional<std::uint64_t> adapters, virtual_disks, disks, spares;
+    std::optional<std::uint64_t> offline, unprotected, reduced, failed, missing, predicted;
+};
+
+struct Overview {
+    std::vector<Condition> heads;
+    std::optional<Level> overall;  // the worst of the heads; null when there is none
+    // Of the heads, in the order of Level; both kinds of unknown are counted as one.
+    std::uint64_t critical = 0, unknown = 0, warning = 0, info = 0;
+    std::uint64_t acknowledged = 0, silenced = 0;
+    bool is_whole = true;  // silenced ones are among the heads
+};
+
+/// `real` is the date by this machine's clock; `watched` tells that times are known.
+Overview OverviewOf(const State& state, const Settings& settings, std::int64_t real,
+                    bool is_watched);
+
+/// Without the silenced ones, as the exit code sees it then. Their number stays.
+Overview WithoutSilenced(Overview overview);
+
+Counts CountsOf(const Answers& answers);
+
+/// What is equally grave is listed by adapter, kind and number.
+bool ComesBefore(const Condition& left, const Condition& right);
+
+}  // namespace hxconditions

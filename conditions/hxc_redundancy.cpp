@@ -1,0 +1,88 @@
+// Legs, pairs and rings, and what each may still lose.
+#include "conditions/hxc_redundancy.h"
+
+#include <algorithm>
+
+#include "codes/disk.h"
+#include "codes/level.h"
+#include "codes/state.h"
+
+namespace hxconditions {
+
+namespace {
+
+using hxcodes::DiskBit;
+
+// Positions that make up for each other's loss.
+struct Leg {
+    std::vector<unsigned> positions;
+    unsigned redundancy;
+};
+
+bool IsLost(const Member& member, const std::vector<Disk>& disks) {
+    if (member.state && *member.state != hxcodes::State::kOptimal) return true;
+    if (disks.empty()) return false;
+    const auto disk = std::ranges::find_if(
+        disks, [&](const Disk& each) { return member.disk && each.id == *member.disk; });
+    if (disk == disks.end()) return true;
+    return (disk->status & (DiskBit::kFailed | DiskBit::kUnavailable)) != 0;
+}
+
+std::vector<Leg> LegsOf(const hxcodes::LevelRow& level, unsigned width, unsigned told_legs) {
+    std::vector<Leg> legs;
+    const unsigned redundancy = hxcodes::RedundancyOf(level);
+    if (level.spread == hxcodes::Spread::kRing) {
+        for (unsigned i = 0; i < width; ++i) legs.push_back({{i, (i + 1) % width}, redundancy});
+        return legs;
+    }
+    unsigned count = hxcodes::LegsOf(level, told_legs);
+    if (level.spread == hxcodes::Spread::kPairs) count = width / 2;
+    const unsigned leg = count == 0 ? 0 : width / count;
+    for (unsigned first = 0; leg != 0 && first + leg <= width; first += leg) {
+        Leg& each = legs.emplace_back();
+        each.redundancy = redundancy;
+        for (unsigned i = first; i < first + leg; ++i) each.positions.push_back(i);
+    }
+    return legs;
+}
+
+bool Contains(const std::vector<unsigned>& list, unsigned value) {
+    return std::ranges::find(list, value) != list.end();
+}
+
+}  // namespace
+
+bool IsRedundant(unsigned level) {
+    const hxcodes::LevelRow* const row = hxcodes::FindCode(hxcodes::kLevels, level);
+    return row != nullptr && hxcodes::RedundancyOf(*row) > 0;
+}
+
+Redundancy RedundancyOf(const VirtualDisk& virtual_disk, const std::vector<Disk>& disks) {
+    Redundancy found;
+    const unsigned width = static_cast<unsigned>(virtual_disk.members.size());
+    for (unsigned i = 0; i < width; ++i) {
+        if (IsLost(virtual_disk.members[i], disks)) found.lost.push_back(i);
+    }
+    const hxcodes::LevelRow* const level = hxcodes::FindCode(hxcodes::kLevels, virtual_disk.level);
+    if (level == nullptr || width == 0) return found;
+    unsigned least = hxcodes::RedundancyOf(*level);
+    for (const Leg& leg : LegsOf(*level, width, virtual_disk.legs)) {
+        const auto is_lost = [&](unsigned each) { return Contains(found.lost, each); };
+        const auto lost = static_cast<unsigned>(std::ranges::count_if(leg.positions, is_lost));
+        if (lost > leg.redundancy) found.is_offline = true;
+        least = std::min(least, lost > leg.redundancy ? 0 : leg.redundancy - lost);
+        if (lost != leg.redundancy || lost == 0) continue;
+        for (const unsigned each : leg.positions) {
+            if (!is_lost(each) && !Contains(found.needed, each)) found.needed.push_back(each);
+        }
+    }
+    found.survives = least;
+    for (unsigned i = 0; i < width; ++i) {
+        if (!Contains(found.lost, i) && !Contains(found.needed, i)) {
+            found.spare_positions.push_back(i);
+        }
+    }
+    return found;
+}
+
+}  // namespace hxconditions

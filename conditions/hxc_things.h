@@ -1,0 +1,52 @@
+// The things of one look as objects: which is where, and whether it was seen at all.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "conditions/hxc_answers.h"
+#include "conditions/hxc_object.h"
+
+namespace hxconditions {
+
+/// The identity of each adapter by its number, as it was when it last told of itself.
+using KnownAdapters = std::map<unsigned, std::string>;
+
+class Things {
+public:
+    /// The answers must outlive it.
+    Things(const Answers& answers, const KnownAdapters& known);
+
+    Object Machine() const;
+    Object OfStore() const;
+    Object OfService() const;
+    Object OfSink(const Sink& sink) const;
+    Object Of(const Adapter& adapter) const;
+    Object BatteryOf(const Adapter& adapter) const;
+    Object Of(const Adapter& adapter, const VirtualDisk& virtual_disk) const;
+    Object Of(const Adapter& adapter, const DiskGroup& group) const;
+    Object Of(const Adapter& adapter, const Disk& disk) const;
+    Object Of(const Adapter& adapter, const Enclosure& enclosure) const;
+    Object Of(const Adapter& adapter, const Enclosure& enclosure, const Element& element) const;
+
+    const Adapter* FindAdapter(const std::string& identity) const;
+    const Adapter* FindAdapter(unsigned number) const;
+
+    /// Everything that the lists name.
+    const std::vector<Object>& All() const { return all_; }
+
+    /// Whether all that `rests_on` names was read where the object is.
+    bool IsRead(const Object& object, unsigned rests_on) const;
+
+private:
+    const Answers& answers_;
+    KnownAdapters identities_;
+    std::vector<Object> all_;
+};
+
+const Disk* FindDisk(const Adapter& adapter, std::optional<unsigned> id);
+const DiskGroup* FindGroup(const Adapter& adapter, std::optional<unsigned> id);
+
+}  // namespace hxconditions

@@ -1,0 +1,298 @@
+// Order and folding: what leads, what explains, and what says why nothing mends it.
+#include "conditions/hxc_overview.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "codes/disk.h"
+#include "codes/enclosure.h"
+#include "codes/state.h"
+#include "machine.h"
+
+namespace hxconditions {
+namespace {
+
+// A state in which every row holds, each on a thing of its own that nothing links to another.
+State AllAtOnce() {
+    State state;
+    unsigned number = 0;
+    for (const Row& row : Rows()) {
+        Held& held = state.held.emplace_back();
+        Object object;
+        object.kind = row.kind;
+        object.id = number++;
+        object.identity = std::string(row.name);
+        object.address = "x/" + std::to_string(object.id);
+        held.found = FindingOf(row.code, object);
+        held.is_shown = true;
+    }
+    return state;
+}
+
+TEST(AllRowsAtOnce, ComeInTheOrderOfTheirRanksHoweverTheyAreShuffled) {
+    State state = AllAtOnce();
+    std::string expected;
+    for (const Row& row : Rows()) {
+        expected += (expected.empty() ? "" : " ") + std::string(row.name);
+    }
+    std::mt19937 random(7);
+    for (int i = 0; i < 1000; ++i) {
+        std::ranges::shuffle(state.held, random);
+        ASSERT_EQ(HeadsOf(OverviewOf(state, {}, 0, true)), expected);
+    }
+}
+
+TEST(EquallyGraveOnes, ComeByAdapterKindAndNumber) {
+    State state;
+    const auto add = [&](unsigned adapter, Kind kind, unsigned id, const char* name) {
+        Object object;
+        object.adapter = adapter;
+        object.kind = kind;
+        object.id = id;
+        object.address = object.identity = name;
+        Held& held = state.held.emplace_back();
+        held.found = FindingOf(Code::kDiskSmartOff, object);
+        held.is_shown = true;
+    };
+    add(1, Kind::kAdapter, 0, "a1");
+    add(0, Kind::kDisk, 10, "a0/pd10");
+    add(0, Kind::kDisk, 9, "a0/pd9");
+    add(0, Kind::kAdapter, 0, "a0");
+    std::string order;
+    for (const Condition& head : OverviewOf(state, {}, 0, true).heads) {
+        order += head.object.address + " ";
+    }
+    EXPECT_EQ(order, "a0 a0/pd9 a0/pd10 a1 ");
+}
+
+TEST(ASilencedCondition, ComesLast) {
+    State state = AllAtOnce();
+    state.silences.push_back({.code = Code::kVdOffline, .until = 100});
+    const Overview overview = OverviewOf(state, {}, 0, true);
+    EXPECT_EQ(overview.heads.back().code, Code::kVdOffline);
+    EXPECT_EQ(overview.silenced, 1U);
+    EXPECT_EQ(ExitCodeOf(overview.overall), 2);
+}
+
+TEST(AnUnreadListOfVirtualDisks, BeatsAWarmFanAndAFailedDiskBeatsAnUnreadBattery) {
+    Answers answers = GoodMachine();
+    ElementAt(answers, 2).status = hxcodes::ElementStatus::kNoncritical;
+    answers.adapters[0].virtual_disks_query = Failed("HX_LD_GetInfo", 7);
+    answers.adapters[0].virtual_disks.clear();
+    EXPECT_EQ(HeadsOf(LookOnce(answers, {}, {})), "VDS_UNREADABLE ENC_ELEMENT_WARNING");
+    EXPECT_EQ(ExitCodeOf(LookOnce(answers, {}, {}).overall), 3);
+    answers = GoodMachine();
+    DiskAt(answers, 7).status = hxcodes::DiskBit::kFailed | hxcodes::DiskBit::kUnavailable;
+    answers.adapters[0].battery_query = Failed("HX_BBU_GetInfo", 7);
+    EXPECT_EQ(HeadsOf(LookOnce(answers, {}, {})), "DISK_FAILED BATTERY_UNREADABLE");
+    EXPECT_EQ(ExitCodeOf(LookOnce(answers, {}, {}).overall), 1);
+}
+
+// ---- Folding ----
+
+struct Pair {
+    const char* name;
+    void (*spoil)(Answers&);
+    Code head;
+    Code folded;
+};
+
+constexpr unsigned kConfigured = hxcodes::DiskBit::kOnline | hxcodes::DiskBit::kConfigured;
+
+void LoseDisk(Answers& it) { Fail(it, 5); }
+void LoseDiskOfGroup(Answers& it) {
+    Fail(it, 2);
+    it.adapters[0].groups[0].state = hxcodes::State::kDegraded;
+    VirtualDisk on_group = VirtualDiskAt(it, 0);
+    on_group.id = 2;
+    on_group.name = "ONGROUP";
+    on_group.group = 0;
+    on_group.members[0].disk = 2;
+    on_group.members[1].disk = 3;
+    it.adapters[0].virtual_disks.push_back(on_group);
+    Lose(it, 2, 0);
+}
+
+const Pair kPairs[] = {
+    {"AFailedDisk", LoseDisk, Code::kVdNoRedundancy, Code::kDiskFailed},
+    {"AMissingDisk", [](Answers& it) { Pull(it, 5); }, Code::kVdNoRedundancy, Code::kDiskMissing},
+    {"AnOfflineDisk",
+     [](Answers& it) {
+         LoseDisk(it);
+         DiskAt(it, 5).status = 0x85;
+     },
+     Code::kVdNoRedundancy, Code::kDiskOffline},
+    {"AMemberThatAnnouncesItsFailure",
+     [](Answers& it) {
+         LoseDisk(it);
+         DiskAt(it, 4).smart_alarm = true;
+     },
+     Code::kVdNoRedundancy, Code::kDiskPredictedFailure},
+    {"AFailedDiskThatAnnouncedIt",
+     [](Answers& it) {
+         DiskAt(it, 7).status = 0xA0;
+         DiskAt(it, 7).smart_alarm = true;
+     },
+     Code::kDiskFailed, Code::kDiskPredictedFailure},
+    {"ADiskGroup", LoseDiskOfGroup, Code::kVdNoRedundancy, Code::kDgDegraded},
+    {"APausedRebuild",
+     [](Answers& it) {
+         LoseDisk(it);
+         Rebuild(it, 1, 29, 2);
+     },
+     Code::kVdNoRedundancy, Code::kRebuildPaused},
+    {"AnAbortedRebuild",
+     [](Answers& it) {
+         LoseDisk(it);
+         Rebuild(it, 1, 29);
+         VirtualDiskAt(it, 1).activity = Activity{};
+     },
+     Code::kVdNoRedundancy, Code::kRebuildAborted},
+    {"AnAutomaticRebuildThatIsOff",
+     [](Answers& it) {
+         LoseDisk(it);
+         DiskAt(it, 7).status |= hxcodes::DiskBit::kGlobalSpare;
+         it.adapters[0].auto_rebuild = false;
+     },
+     Code::kVdNoRedundancy, Code::kAutoRebuildOff},
+    {"ASpareThatIsTooSmall",
+     [](Answers& it) {
+         LoseDisk(it);
+         DiskAt(it, 7).status |= hxcodes::DiskBit::kGlobalSpare;
+         DiskAt(it, 7).free_sectors = 5;
+     },
+     Code::kVdNoRedundancy, Code::kSpareTooSmall},
+    {"TheCollectorOfSpares",
+     [](Answers& it) {
+         LoseDisk(it);
+         DiskAt(it, 7).status |= hxcodes::DiskBit::kGlobalSpare;
+         it.adapters[0].is_linux_raid = true;
+         it.adapters[0].spares_collected_ago_s = 400;
+     },
+     Code::kVdNoRedundancy, Code::kSpareCollectorStopped},
+    {"NoSpare", LoseDisk, Code::kVdNoRedundancy, Code::kSpareNone},
+    {"AReplacementThatIsTooSmall",
+     [](Answers& it) {
+         LoseDisk(it);
+         DiskAt(it, 5).status = hxcodes::DiskBit::kOnline;
+         DiskAt(it, 5).free_sectors = 5;
+     },
+     Code::kVdNoRedundancy, Code::kReplacementTooSmall},
+    {"AForeignDisk",
+     [](Answers& it) {
+         VirtualDiskAt(it, 1).state = hxcodes::State::kForeign;
+         DiskAt(it, 5).status = 0x86;
+     },
+     Code::kVdForeign, Code::kDiskForeign},
+    {"WriteThroughForABattery",
+     [](Answers& it) {
+         VirtualDiskAt(it, 0).cache = 0x81;
+         it.adapters[0].battery->status = 1;
+     },
+     Code::kBatteryLow, Code::kCacheForcedWriteThrough},
+    {"WriteThroughForARelearn",
+     [](Answers& it) {
+         VirtualDiskAt(it, 0).cache = 0x81;
+         it.adapters[0].battery->status = 0x11;
+     },
+     Code::kBatteryRelearning, Code::kCacheForcedWriteThrough},
+    {"WriteThroughForABatteryThatIsGone",
+     [](Answers& it) {
+         VirtualDiskAt(it, 0).cache = 0x81;
+         it.adapters[0].battery.reset();
+         it.adapters[0].battery_query.result = Query::Result::kNone;
+     },
+     Code::kBatteryRemoved, Code::kCacheForcedWriteThrough},
+    {"AnUnreadListOfADeadAdapter", [](Answers& it) { FailAll(it.adapters[0]); },
+     Code::kAdapterUnreadable, Code::kVdsUnreadable},
+    {"AnImplausibleList",
+     [](Answers& it) {
+         it.adapters[0].disks_query.result = Query::Result::kImplausible;
+         it.adapters[0].disks_query.call = "HX_PD_GetHDInfo_Ext";
+         it.adapters[0].disks_query.what = "the list does not go on";
+     },
+     Code::kAnswerImplausible, Code::kDisksUnreadable},
+};
+
+class Folding : public testing::TestWithParam<Pair> {};
+
+TEST_P(Folding, PutsItUnderItsHead) {
+    Answers answers = GoodMachine();
+    GetParam().spoil(answers);
+    const Overview overview = LookOnce(answers, {}, {});
+    const auto head = std::ranges::find(overview.heads, GetParam().head, &Condition::code);
+    ASSERT_NE(head, overview.heads.end()) << HeadsOf(overview);
+    EXPECT_NE(std::ranges::find(head->folded, GetParam().folded, &Condition::code),
+              head->folded.end());
+    EXPECT_EQ(std::ranges::find(overview.heads, GetParam().folded, &Condition::code),
+              overview.heads.end());
+}
+
+std::string NameOfPair(const testing::TestParamInfo<Pair>& info) { return info.param.name; }
+INSTANTIATE_TEST_SUITE_P(Pairs, Folding, testing::ValuesIn(kPairs), NameOfPair);
+
+TEST(DisksOfAnEnclosureThatIsGone, FoldIntoItWhenThereAreTwo) {
+    Watcher watcher;
+    Answers answers = GoodMachine();
+    watcher.LookFor(60, answers);
+    answers.adapters[0].enclosures.clear();
+    Pull(answers, 2);
+    watcher.LookFor(60, answers);
+    EXPECT_EQ(HeadsOf(watcher.overview), "DISK_MISSING ENC_GONE");
+    Pull(answers, 3);
+    watcher.LookFor(60, answers);
+    EXPECT_EQ(HeadsOf(watcher.overview), "ENC_GONE");
+    EXPECT_EQ(watcher.overview.heads[0].sentence, "enclosure a0/enc0 with 8 disks is gone");
+}
+
+TEST(ADiskInSeveralVirtualDisks, FoldsIntoTheWorstAndNamesAll) {
+    Answers answers = GoodMachine();
+    VirtualDisk second = VirtualDiskAt(answers, 1);
+    second.id = 2;
+    second.name = "MORE";
+    second.level = 0x06;
+    second.members.push_back({7, hxcodes::State::kOptimal, 100});
+    DiskAt(answers, 7).status = kConfigured;
+    answers.adapters[0].virtual_disks.push_back(second);
+    Fail(answers, 5);
+    const Overview overview = LookOnce(answers, {}, {});
+    EXPECT_EQ(HeadsOf(overview), "VD_NO_REDUNDANCY VD_REDUNDANCY_REDUCED");
+    EXPECT_EQ(overview.heads[0].folded[0].code, Code::kDiskFailed);
+    EXPECT_NE(overview.heads[0].folded[0].sentence.find("it concerns a0/vd1 and a0/vd2"),
+              std::string::npos);
+    EXPECT_EQ(overview.heads[1].sentence,
+              "MORE (a0/vd2) has lost a0/pd5 and survives 1 more; no spare fits");
+}
+
+TEST(TheFirstHindranceThatHolds, IsTold) {
+    Answers answers = GoodMachine();
+    Fail(answers, 5);
+    DiskAt(answers, 7).status |= hxcodes::DiskBit::kGlobalSpare;
+    DiskAt(answers, 7).free_sectors = 5;
+    const Overview overview = LookOnce(answers, {}, {});
+    EXPECT_EQ(overview.heads[0].hindrance, Code::kSpareTooSmall);
+    EXPECT_EQ(overview.heads[0].sentence,
+              "DATA (a0/vd1) has no redundancy left: a0/pd5 failed; spare a0/pd7 is too small "
+              "(2.5 KiB < 100 GiB)");
+    EXPECT_EQ(overview.heads[0].next_step, "Replace the spare by one of 100 GiB or more");
+}
+
+TEST(ARaid10WithOneDiskOut, SaysWhichDisksMayStillFail) {
+    Answers answers = GoodMachine();
+    VirtualDisk& data = VirtualDiskAt(answers, 1);
+    data.level = 0x10;
+    data.members.push_back({7, hxcodes::State::kOptimal, data.members[0].sectors});
+    DiskAt(answers, 7).status = kConfigured;
+    Fail(answers, 4);
+    const Overview overview = LookOnce(answers, {}, {});
+    EXPECT_EQ(overview.heads[0].sentence,
+              "DATA (a0/vd1) survives no failure of a0/pd5, while a0/pd6 or a0/pd7 may still fail: "
+              "a0/pd4 failed; no spare fits");
+}
+
+}  // namespace
+}  // namespace hxconditions
