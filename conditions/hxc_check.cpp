@@ -113,9 +113,9 @@ std::string RangeText(const std::optional<int>& low, const std::optional<int>& h
 
 void AddSensors(Items& items, const Adapter& adapter) {
     constexpr std::pair<unsigned, std::string_view> kSensors[] = {
-        {ElementType::kTemperature, "_temperature"},
-        {ElementType::kFan, "_rpm"},
-        {ElementType::kVoltage, "_millivolts"},
+        {NumberOf(ElementType::kTemperature), "_temperature"},
+        {NumberOf(ElementType::kFan), "_rpm"},
+        {NumberOf(ElementType::kVoltage), "_millivolts"},
     };
     for (const Enclosure& enclosure : adapter.enclosures) {
         for (const Element& element : enclosure.elements) {

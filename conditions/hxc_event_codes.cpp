@@ -128,7 +128,7 @@ Object ObjectOf(const Event& event, const Things& things) {
 
 unsigned ActivityOf(const Event& event) {
     const ActivityRow* const activity = hxcodes::ActivityOf(KindOf(event));
-    return activity == nullptr ? 0 : activity->code;
+    return activity == nullptr ? 0 : NumberOf(activity->code);
 }
 
 }  // namespace hxconditions

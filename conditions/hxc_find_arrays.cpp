@@ -161,7 +161,7 @@ std::optional<Code> StateCodeOf(const VirtualDisk& virtual_disk, const Redundanc
     const unsigned state = virtual_disk.state;
     if (state == State::kOffline) return Code::kVdOffline;
     if (state == State::kForeign) return Code::kVdForeign;
-    if (state < State::kOptimal || state > State::kForeign) return Code::kVdStateUnknown;
+    if (!hxcodes::ToCode<State>(state)) return Code::kVdStateUnknown;
     if (state == State::kDegraded && virtual_disk.is_unsynchronised) return Code::kVdDirtyDegraded;
     const bool lost = !redundancy.lost.empty();
     if (state == State::kOptimal && !lost) return std::nullopt;

@@ -227,7 +227,7 @@ void FindBattery(Findings& findings, const Things& things, const Adapter& adapte
         }
     }
     if ((battery.status & BatteryBit::kSwitchedOff) != 0 &&
-        HasWriteBack(adapter, CacheBit::kWriteBack)) {
+        HasWriteBack(adapter, NumberOf(CacheBit::kWriteBack))) {
         findings.push_back(FindingOf(Code::kBatteryOff, object));
     }
     FindBounds(findings, object, battery);
@@ -265,7 +265,9 @@ std::string LimitText(const Element& element) {
 }
 
 std::optional<Code> StateCodeOf(const Element& element) {
-    switch (element.status) {
+    const auto status = hxcodes::ToCode<ElementStatus>(element.status);
+    if (!status) return Code::kElementStateUnknown;
+    switch (*status) {
         case ElementStatus::kCritical:
         case ElementStatus::kUnrecoverable:
             return Code::kEncElementCritical;
@@ -276,9 +278,10 @@ std::optional<Code> StateCodeOf(const Element& element) {
         case ElementStatus::kNotInstalled:
         case ElementStatus::kNotAvailable:
             return std::nullopt;
-        default:  // 6, and whatever has no name
-            return Code::kElementStateUnknown;
+        case ElementStatus::kUnknown:
+            break;
     }
+    return Code::kElementStateUnknown;
 }
 
 void FindElements(Findings& findings, const Things& things, const Adapter& adapter) {
@@ -397,25 +400,25 @@ struct ActivityName {
     std::string_view text;
 };
 constexpr ActivityName kActivityTexts[] = {
-    {hxcodes::ActivityKind::kCheck, "consistency check"},
-    {hxcodes::ActivityKind::kFix, "consistency repair"},
-    {hxcodes::ActivityKind::kInitQuick, "quick initialisation"},
-    {hxcodes::ActivityKind::kInitBackground, "background initialisation"},
-    {hxcodes::ActivityKind::kInitForeground, "foreground initialisation"},
-    {hxcodes::ActivityKind::kRebuild, "rebuild"},
-    {hxcodes::ActivityKind::kMigration, "migration"},
-    {hxcodes::ActivityKind::kCopyback, "copyback"},
-    {hxcodes::ActivityKind::kMediaPatrol, "media patrol"},
-    {hxcodes::ActivityKind::kDataScrub, "data scrub"},
+    {NumberOf(hxcodes::ActivityKind::kCheck), "consistency check"},
+    {NumberOf(hxcodes::ActivityKind::kFix), "consistency repair"},
+    {NumberOf(hxcodes::ActivityKind::kInitQuick), "quick initialisation"},
+    {NumberOf(hxcodes::ActivityKind::kInitBackground), "background initialisation"},
+    {NumberOf(hxcodes::ActivityKind::kInitForeground), "foreground initialisation"},
+    {NumberOf(hxcodes::ActivityKind::kRebuild), "rebuild"},
+    {NumberOf(hxcodes::ActivityKind::kMigration), "migration"},
+    {NumberOf(hxcodes::ActivityKind::kCopyback), "copyback"},
+    {NumberOf(hxcodes::ActivityKind::kMediaPatrol), "media patrol"},
+    {NumberOf(hxcodes::ActivityKind::kDataScrub), "data scrub"},
 };
 
 constexpr ActivityName kElementTexts[] = {
-    {ElementType::kPowerSupply, "power supply"},
-    {ElementType::kFan, "fan"},
-    {ElementType::kTemperature, "temperature sensor"},
-    {ElementType::kDoor, "door"},
-    {ElementType::kAlarm, "alarm"},
-    {ElementType::kVoltage, "voltage sensor"},
+    {NumberOf(ElementType::kPowerSupply), "power supply"},
+    {NumberOf(ElementType::kFan), "fan"},
+    {NumberOf(ElementType::kTemperature), "temperature sensor"},
+    {NumberOf(ElementType::kDoor), "door"},
+    {NumberOf(ElementType::kAlarm), "alarm"},
+    {NumberOf(ElementType::kVoltage), "voltage sensor"},
 };
 
 }  // namespace

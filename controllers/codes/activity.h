@@ -10,20 +10,18 @@
 namespace hxcodes {
 
 /// Bga of LD_Status and HD_BGA_Status, BGAStatus of LD_Info and BgaType of DG_Info.
-struct ActivityKind {
-    enum Code : HX_U8 {
-        kNone = 0,
-        kCheck = 1,  // compares data and redundancy
-        kFix = 2,    // makes them agree
-        kInitQuick = 3,
-        kInitBackground = 4,
-        kInitForeground = 5,
-        kRebuild = 6,
-        kMigration = 7,
-        kCopyback = 8,
-        kMediaPatrol = 9,
-        kDataScrub = 10,
-    };
+enum class ActivityKind : HX_U8 {
+    kNone = 0,
+    kCheck = 1,  // compares data and redundancy
+    kFix = 2,    // makes them agree
+    kInitQuick = 3,
+    kInitBackground = 4,
+    kInitForeground = 5,
+    kRebuild = 6,
+    kMigration = 7,
+    kCopyback = 8,
+    kMediaPatrol = 9,
+    kDataScrub = 10,
 };
 
 enum class RunsOn : HX_U8 {
@@ -55,7 +53,7 @@ enum class AtRebuild : HX_U8 {
 
 /// The events of an activity's steps: ten codes from `first` on, in the order of Step.
 struct StepEvents {
-    EventClass::Code type;
+    EventClass type;
     HX_U16 first;
     // Of those whose texts follow from a rule: the part of their keys, and what their sentences
     // begin with. Empty where each step has a row of its own in kEvents.
@@ -64,7 +62,7 @@ struct StepEvents {
 };
 
 struct ActivityRow {
-    ActivityKind::Code code;
+    ActivityKind code;
     std::string_view name;
     RunsOn runs_on;
     std::optional<Rate> rate;  // none: it takes the same short time whatever it goes over
@@ -72,23 +70,17 @@ struct ActivityRow {
     AtRebuild at_rebuild;
     std::optional<StepEvents> events;  // none: nobody is told
 };
+inline constexpr std::optional<Rate> kNoRate;
+inline constexpr std::optional<StepEvents> kNoEvents;
+
 inline constexpr ActivityRow kActivities[] = {
-    {ActivityKind::kNone,
-     "none",
-     RunsOn::kNothing,
-     {},
-     Effect::kNothing,
-     AtRebuild::kIsUnconcerned,
-     {}},
+    {ActivityKind::kNone, "none", RunsOn::kNothing, kNoRate, Effect::kNothing,
+     AtRebuild::kIsUnconcerned, kNoEvents},
     {ActivityKind::kCheck, "check", RunsOn::kVirtualDisk, Rate::kSync, Effect::kTellsOfErrors,
      AtRebuild::kEnds, StepEvents{EventClass::kVirtualDisk, 20, "CHECK", "The consistency check"}},
     {ActivityKind::kFix, "fix", RunsOn::kVirtualDisk, Rate::kSync, Effect::kMendsErrors,
      AtRebuild::kEnds, StepEvents{EventClass::kVirtualDisk, 30, "FIX", "The consistency repair"}},
-    {ActivityKind::kInitQuick,
-     "init_quick",
-     RunsOn::kVirtualDisk,
-     {},
-     Effect::kInitialises,
+    {ActivityKind::kInitQuick, "init_quick", RunsOn::kVirtualDisk, kNoRate, Effect::kInitialises,
      AtRebuild::kBlocks,
      StepEvents{EventClass::kVirtualDisk, 40, "INIT_QUICK", "The quick initialisation"}},
     {ActivityKind::kInitBackground, "init_background", RunsOn::kVirtualDisk, Rate::kInit,
@@ -107,16 +99,12 @@ inline constexpr ActivityRow kActivities[] = {
      StepEvents{EventClass::kVirtualDisk, 90, "COPYBACK", "The copyback"}},
     {ActivityKind::kMediaPatrol, "media_patrol", RunsOn::kDisk, Rate::kMediaPatrol,
      Effect::kRemapsDamage, AtRebuild::kIsUnconcerned, StepEvents{EventClass::kDisk, 17, "", ""}},
-    {ActivityKind::kDataScrub,
-     "data_scrub",
-     RunsOn::kDisk,
-     Rate::kGeneral,
-     Effect::kTellsOfDamage,
-     AtRebuild::kIsUnconcerned,
-     {}},
+    {ActivityKind::kDataScrub, "data_scrub", RunsOn::kDisk, Rate::kGeneral, Effect::kTellsOfDamage,
+     AtRebuild::kIsUnconcerned, kNoEvents},
 };
 static_assert(IsTable(kActivities));
-inline constexpr auto kActivityNames = NamesOf(kActivities);
+constexpr const auto& TableOf(ActivityKind) { return kActivities; }
+inline constexpr auto kActivityNames = NamesFrom(kActivities);
 
 /// The steps of an activity: what they add to its first code.
 enum class Step : HX_U8 {
@@ -134,13 +122,11 @@ enum class Step : HX_U8 {
 inline constexpr HX_U16 kCodesPerActivity = 10;
 
 /// How an activity stands: BgaState of LD_Status and DG_Info, BgaStatus of HD_BGA_Status.
-struct ActivityState {
-    enum Code : HX_U8 {
-        kIdle = 0,
-        kRunning = 1,
-        kPaused = 2,      // by a caller
-        kAutoPaused = 3,  // something more urgent runs
-    };
+enum class ActivityState : HX_U8 {
+    kIdle = 0,
+    kRunning = 1,
+    kPaused = 2,      // by a caller
+    kAutoPaused = 3,  // something more urgent runs
 };
 inline constexpr Named kActivityStateNames[] = {
     {ActivityState::kIdle, "idle"},
@@ -149,14 +135,13 @@ inline constexpr Named kActivityStateNames[] = {
     {ActivityState::kAutoPaused, "auto_paused"},
 };
 static_assert(IsTable(kActivityStateNames));
+constexpr const auto& TableOf(ActivityState) { return kActivityStateNames; }
 
 /// Action of HX_PD_BGAControl, HX_LD_BGAControl and HX_DG_BGAControl.
-struct ControlAction {
-    enum Code : HX_U8 {
-        kPause = 1,
-        kResume = 2,
-        kAbort = 3,
-    };
+enum class ControlAction : HX_U8 {
+    kPause = 1,
+    kResume = 2,
+    kAbort = 3,
 };
 inline constexpr Named kControlActionNames[] = {
     {ControlAction::kPause, "pause"},
@@ -164,16 +149,15 @@ inline constexpr Named kControlActionNames[] = {
     {ControlAction::kAbort, "abort"},
 };
 static_assert(IsTable(kControlActionNames));
+constexpr const auto& TableOf(ControlAction) { return kControlActionNames; }
 
 /// InitializationOption of what is created and Init_Type of HX_LD_StartINIT, which does not take
 /// kNone.
-struct Init {
-    enum Code : HX_U8 {
-        kQuick = 0,
-        kForeground = 1,  // not usable before the end
-        kBackground = 2,  // usable at once
-        kNone = 3,
-    };
+enum class Init : HX_U8 {
+    kQuick = 0,
+    kForeground = 1,  // not usable before the end
+    kBackground = 2,  // usable at once
+    kNone = 3,
 };
 inline constexpr Named kInitNames[] = {
     {Init::kQuick, "quick"},
@@ -182,31 +166,30 @@ inline constexpr Named kInitNames[] = {
     {Init::kNone, "none"},
 };
 static_assert(IsTable(kInitNames));
+constexpr const auto& TableOf(Init) { return kInitNames; }
 
 /// Type of HX_LD_StartConsistencyCheck.
-struct CheckType {
-    enum Code : HX_U8 {
-        kOnly = 0,
-        kAndFix = 1,
-    };
+enum class CheckType : HX_U8 {
+    kOnly = 0,
+    kAndFix = 1,
 };
 inline constexpr Named kCheckTypeNames[] = {
     {CheckType::kOnly, "check"},
     {CheckType::kAndFix, "fix"},
 };
 static_assert(IsTable(kCheckTypeNames));
+constexpr const auto& TableOf(CheckType) { return kCheckTypeNames; }
 
 /// RebuildType of LD_DG_Rebuild_Param.
-struct RebuildType {
-    enum Code : HX_U8 {
-        kVirtualDisk = 0,
-        kDiskGroup = 1,
-    };
+enum class RebuildType : HX_U8 {
+    kVirtualDisk = 0,
+    kDiskGroup = 1,
 };
 inline constexpr Named kRebuildTypeNames[] = {
     {RebuildType::kVirtualDisk, "virtual_disk"},
     {RebuildType::kDiskGroup, "disk_group"},
 };
 static_assert(IsTable(kRebuildTypeNames));
+constexpr const auto& TableOf(RebuildType) { return kRebuildTypeNames; }
 
 }  // namespace hxcodes

@@ -6,18 +6,16 @@
 namespace hxcodes {
 
 /// Its state, as bits: status and prev_status of BBU_Info.
-struct BatteryBit {
-    enum Code : HX_U32 {
-        kPresent = 0x01,
-        kCharging = 0x02,
-        kSafeForWriteBack = 0x04,
-        kDischarging = 0x08,
-        kRelearning = 0x10,
-        kTemperatureOutOfBounds = 0x20,
-        kVoltageOutOfBounds = 0x40,
-        kNeedsReplacement = 0x80,
-        kSwitchedOff = 0x100,  // by HX_BBU_SetStatus
-    };
+enum class BatteryBit : HX_U32 {
+    kPresent = 0x01,
+    kCharging = 0x02,
+    kSafeForWriteBack = 0x04,
+    kDischarging = 0x08,
+    kRelearning = 0x10,
+    kTemperatureOutOfBounds = 0x20,
+    kVoltageOutOfBounds = 0x40,
+    kNeedsReplacement = 0x80,
+    kSwitchedOff = 0x100,  // by HX_BBU_SetStatus
 };
 inline constexpr Named kBatteryBits[] = {
     {BatteryBit::kPresent, "present"},
@@ -31,27 +29,29 @@ inline constexpr Named kBatteryBits[] = {
     {BatteryBit::kSwitchedOff, "switched_off"},
 };
 static_assert(IsTableOfBits(kBatteryBits));
+constexpr const auto& TableOf(BatteryBit) { return kBatteryBits; }
+template <>
+inline constexpr bool kAreBits<BatteryBit> = true;
 
 /// What it can do, as bits: featureSupport of BBU_Info.
-struct BatteryFeature {
-    enum Code : HX_U16 {
-        kRelearn = 0x01,
-        kThresholds = 0x02,
-    };
+enum class BatteryFeature : HX_U16 {
+    kRelearn = 0x01,
+    kThresholds = 0x02,
 };
 inline constexpr Named kBatteryFeatureBits[] = {
     {BatteryFeature::kRelearn, "relearn"},
     {BatteryFeature::kThresholds, "thresholds"},
 };
 static_assert(IsTableOfBits(kBatteryFeatureBits));
+constexpr const auto& TableOf(BatteryFeature) { return kBatteryFeatureBits; }
+template <>
+inline constexpr bool kAreBits<BatteryFeature> = true;
 
 /// Action of HX_BBU_ChangePower. That 0 starts a relearn cycle is the interface's.
-struct Power {
-    enum Code : HX_U8 {
-        kRelearn = 0,
-        kCharge = 1,
-        kDischarge = 2,
-    };
+enum class Power : HX_U8 {
+    kRelearn = 0,
+    kCharge = 1,
+    kDischarge = 2,
 };
 inline constexpr Named kPowerNames[] = {
     {Power::kRelearn, "relearn"},
@@ -59,5 +59,6 @@ inline constexpr Named kPowerNames[] = {
     {Power::kDischarge, "discharge"},
 };
 static_assert(IsTable(kPowerNames));
+constexpr const auto& TableOf(Power) { return kPowerNames; }
 
 }  // namespace hxcodes

@@ -17,38 +17,38 @@
 namespace hxcodes {
 namespace {
 
-static_assert(IsComplete<ActivityKind::Code, kActivities>());
-static_assert(IsComplete<ActivityState::Code, kActivityStateNames>());
-static_assert(IsComplete<CheckType::Code, kCheckTypeNames>());
-static_assert(IsComplete<ConnectionType::Code, kConnectionTypeNames>());
-static_assert(IsComplete<ControlAction::Code, kControlActionNames>());
-static_assert(IsComplete<Device::Code, kDeviceNames>());
-static_assert(IsComplete<DiskAction::Code, kDiskActionNames>());
-static_assert(IsComplete<DiskType::Code, kDiskTypeNames>());
-static_assert(IsComplete<ElementStatus::Code, kElementStatusNames>());
-static_assert(IsComplete<ElementType::Code, kElementTypeNames>());
-static_assert(IsComplete<EventClass::Code, kEventClasses>());
-static_assert(IsComplete<Image::Code, kImageNames>());
-static_assert(IsComplete<Init::Code, kInitNames>());
-static_assert(IsComplete<Level::Code, kLevels>());
-static_assert(IsComplete<LinkSpeed::Code, kLinkSpeedNames>());
-static_assert(IsComplete<Power::Code, kPowerNames>());
+static_assert(IsComplete<ActivityKind, kActivities>());
+static_assert(IsComplete<ActivityState, kActivityStateNames>());
+static_assert(IsComplete<CheckType, kCheckTypeNames>());
+static_assert(IsComplete<ConnectionType, kConnectionTypeNames>());
+static_assert(IsComplete<ControlAction, kControlActionNames>());
+static_assert(IsComplete<Device, kDeviceNames>());
+static_assert(IsComplete<DiskAction, kDiskActionNames>());
+static_assert(IsComplete<DiskType, kDiskTypeNames>());
+static_assert(IsComplete<ElementStatus, kElementStatusNames>());
+static_assert(IsComplete<ElementType, kElementTypeNames>());
+static_assert(IsComplete<EventClass, kEventClasses>());
+static_assert(IsComplete<Image, kImageNames>());
+static_assert(IsComplete<Init, kInitNames>());
+static_assert(IsComplete<Level, kLevels>());
+static_assert(IsComplete<LinkSpeed, kLinkSpeedNames>());
+static_assert(IsComplete<Power, kPowerNames>());
 static_assert(IsComplete<Rate, kRates>());
-static_assert(IsComplete<RebuildType::Code, kRebuildTypeNames>());
-static_assert(IsComplete<RemapReason::Code, kRemapReasonNames>());
-static_assert(IsComplete<Rounding::Code, kRoundingNames>());
-static_assert(IsComplete<Severity::Code, kSeverityNames>());
-static_assert(IsComplete<State::Code, kStateNames>());
+static_assert(IsComplete<RebuildType, kRebuildTypeNames>());
+static_assert(IsComplete<RemapReason, kRemapReasonNames>());
+static_assert(IsComplete<Rounding, kRoundingNames>());
+static_assert(IsComplete<Severity, kSeverityNames>());
+static_assert(IsComplete<State, kStateNames>());
 static_assert(IsComplete<Step, kSteps>());
 
-static_assert(HasRowForEach<Status::Code, kRefusals, 1, 255>(), "every code but success");
+static_assert(HasRowForEach<Status, kRefusals, 1, 255>(), "every code but success");
 
-static_assert(IsCompleteInBits<BatteryBit::Code, kBatteryBits>());
-static_assert(IsCompleteInBits<BatteryFeature::Code, kBatteryFeatureBits>());
-static_assert(IsCompleteInBits<BlockBit::Code, kBlockBits>());
-static_assert(IsCompleteInBits<CacheBit::Code, kCacheBits>());
-static_assert(IsCompleteInBits<DiskBit::Code, kDiskBits>());
-static_assert(IsCompleteInBits<DiskFeature::Code, kDiskFeatureBits>());
+static_assert(IsCompleteInBits<BatteryBit, kBatteryBits>());
+static_assert(IsCompleteInBits<BatteryFeature, kBatteryFeatureBits>());
+static_assert(IsCompleteInBits<BlockBit, kBlockBits>());
+static_assert(IsCompleteInBits<CacheBit, kCacheBits>());
+static_assert(IsCompleteInBits<DiskBit, kDiskBits>());
+static_assert(IsCompleteInBits<DiskFeature, kDiskFeatureBits>());
 
 // Codes of events have seven bits in each class, and one is 65535.
 template <HX_U16... event_class>

@@ -7,17 +7,15 @@ namespace hxcodes {
 
 /// The state of a disk, as bits: Status of HD_Info, HD_RAID_Status and HD_BGA_Status. The bits of
 /// disks that are not free (0x04, 0x08, 0x40, 0x80) stand where callers look for them.
-struct DiskBit {
-    enum Code : HX_U8 {
-        kOnline = 0x01,
-        kForeign = 0x02,     // carries the metadata of another controller
-        kConfigured = 0x04,  // carries blocks of a virtual disk, or serves a disk group
-        kGlobalSpare = 0x08,
-        kRebuilding = 0x10,  // carries a block that is being rebuilt or copied back to
-        kFailed = 0x20,
-        kGroupSpare = 0x40,
-        kUnavailable = 0x80,  // missing, failed, offline or foreign
-    };
+enum class DiskBit : HX_U8 {
+    kOnline = 0x01,
+    kForeign = 0x02,     // carries the metadata of another controller
+    kConfigured = 0x04,  // carries blocks of a virtual disk, or serves a disk group
+    kGlobalSpare = 0x08,
+    kRebuilding = 0x10,  // carries a block that is being rebuilt or copied back to
+    kFailed = 0x20,
+    kGroupSpare = 0x40,
+    kUnavailable = 0x80,  // missing, failed, offline or foreign
 };
 inline constexpr Named kDiskBits[] = {
     {DiskBit::kOnline, "online"},          {DiskBit::kForeign, "foreign"},
@@ -26,6 +24,9 @@ inline constexpr Named kDiskBits[] = {
     {DiskBit::kGroupSpare, "group_spare"}, {DiskBit::kUnavailable, "unavailable"},
 };
 static_assert(IsTableOfBits(kDiskBits));
+constexpr const auto& TableOf(DiskBit) { return kDiskBits; }
+template <>
+inline constexpr bool kAreBits<DiskBit> = true;
 
 /// The one word for a disk's state. The first row whose bits are all set is it.
 struct DiskWord {
@@ -33,14 +34,14 @@ struct DiskWord {
     std::string_view name;
 };
 inline constexpr DiskWord kDiskWords[] = {
-    {DiskBit::kFailed, "failed"},
-    {DiskBit::kForeign, "foreign"},
+    {NumberOf(DiskBit::kFailed), "failed"},
+    {NumberOf(DiskBit::kForeign), "foreign"},
     {DiskBit::kUnavailable | DiskBit::kOnline, "offline"},
-    {DiskBit::kUnavailable, "missing"},
-    {DiskBit::kRebuilding, "rebuilding"},
-    {DiskBit::kGlobalSpare, "global_spare"},
-    {DiskBit::kGroupSpare, "group_spare"},
-    {DiskBit::kConfigured, "configured"},
+    {NumberOf(DiskBit::kUnavailable), "missing"},
+    {NumberOf(DiskBit::kRebuilding), "rebuilding"},
+    {NumberOf(DiskBit::kGlobalSpare), "global_spare"},
+    {NumberOf(DiskBit::kGroupSpare), "group_spare"},
+    {NumberOf(DiskBit::kConfigured), "configured"},
     {0, "free"},
 };
 constexpr std::string_view DiskWordOf(std::uint64_t status) {
@@ -51,12 +52,10 @@ constexpr std::string_view DiskWordOf(std::uint64_t status) {
 static_assert(kDiskWords[std::size(kDiskWords) - 1].bits == 0);
 
 /// What a disk can do, as bits: FeatureSupport of HD_Info.
-struct DiskFeature {
-    enum Code : HX_U32 {
-        kSmart = 0x01,
-        kWriteCache = 0x02,
-        kQueueing = 0x04,
-    };
+enum class DiskFeature : HX_U32 {
+    kSmart = 0x01,
+    kWriteCache = 0x02,
+    kQueueing = 0x04,
 };
 inline constexpr Named kDiskFeatureBits[] = {
     {DiskFeature::kSmart, "smart"},
@@ -64,14 +63,15 @@ inline constexpr Named kDiskFeatureBits[] = {
     {DiskFeature::kQueueing, "queueing"},
 };
 static_assert(IsTableOfBits(kDiskFeatureBits));
+constexpr const auto& TableOf(DiskFeature) { return kDiskFeatureBits; }
+template <>
+inline constexpr bool kAreBits<DiskFeature> = true;
 
 /// What a disk is to become: Action of HX_PD_SetHDStatus.
-struct DiskAction {
-    enum Code : HX_U8 {
-        kOnline = 1,
-        kOffline = 2,
-        kFree = 3,  // takes a failed or foreign disk's configuration off
-    };
+enum class DiskAction : HX_U8 {
+    kOnline = 1,
+    kOffline = 2,
+    kFree = 3,  // takes a failed or foreign disk's configuration off
 };
 inline constexpr Named kDiskActionNames[] = {
     {DiskAction::kOnline, "online"},
@@ -79,18 +79,18 @@ inline constexpr Named kDiskActionNames[] = {
     {DiskAction::kFree, "free"},
 };
 static_assert(IsTable(kDiskActionNames));
+constexpr const auto& TableOf(DiskAction) { return kDiskActionNames; }
 
 /// Why sectors have been remapped: flag of RCT_Record.
-struct RemapReason {
-    enum Code : HX_U8 {
-        kReadError = 1,
-        kWriteError = 2,
-    };
+enum class RemapReason : HX_U8 {
+    kReadError = 1,
+    kWriteError = 2,
 };
 inline constexpr Named kRemapReasonNames[] = {
     {RemapReason::kReadError, "read_error"},
     {RemapReason::kWriteError, "write_error"},
 };
 static_assert(IsTable(kRemapReasonNames));
+constexpr const auto& TableOf(RemapReason) { return kRemapReasonNames; }
 
 }  // namespace hxcodes

@@ -6,17 +6,15 @@
 namespace hxcodes {
 
 /// Status of an enclosure or an element. The codes are those of SES element status.
-struct ElementStatus {
-    enum Code : HX_U8 {
-        kUnsupported = 0,
-        kOk = 1,
-        kCritical = 2,
-        kNoncritical = 3,
-        kUnrecoverable = 4,
-        kNotInstalled = 5,
-        kUnknown = 6,
-        kNotAvailable = 7,
-    };
+enum class ElementStatus : HX_U8 {
+    kUnsupported = 0,
+    kOk = 1,
+    kCritical = 2,
+    kNoncritical = 3,
+    kUnrecoverable = 4,
+    kNotInstalled = 5,
+    kUnknown = 6,
+    kNotAvailable = 7,
 };
 inline constexpr Named kElementStatusNames[] = {
     {ElementStatus::kUnsupported, "unsupported"},
@@ -29,17 +27,16 @@ inline constexpr Named kElementStatusNames[] = {
     {ElementStatus::kNotAvailable, "not_available"},
 };
 static_assert(IsTable(kElementStatusNames));
+constexpr const auto& TableOf(ElementStatus) { return kElementStatusNames; }
 
 /// Type of an element. The codes are the interface's.
-struct ElementType {
-    enum Code : HX_U8 {
-        kPowerSupply = HX_ELEMENT_POWER_SUPPLY,
-        kFan = HX_ELEMENT_FAN,
-        kTemperature = HX_ELEMENT_TEMPERATURE,
-        kDoor = HX_ELEMENT_DOOR,
-        kAlarm = HX_ELEMENT_ALARM,
-        kVoltage = HX_ELEMENT_VOLTAGE,
-    };
+enum class ElementType : HX_U8 {
+    kPowerSupply = HX_ELEMENT_POWER_SUPPLY,
+    kFan = HX_ELEMENT_FAN,
+    kTemperature = HX_ELEMENT_TEMPERATURE,
+    kDoor = HX_ELEMENT_DOOR,
+    kAlarm = HX_ELEMENT_ALARM,
+    kVoltage = HX_ELEMENT_VOLTAGE,
 };
 inline constexpr Named kElementTypeNames[] = {
     {ElementType::kPowerSupply, "power_supply"},
@@ -50,5 +47,6 @@ inline constexpr Named kElementTypeNames[] = {
     {ElementType::kVoltage, "voltage"},
 };
 static_assert(IsTable(kElementTypeNames));
+constexpr const auto& TableOf(ElementType) { return kElementTypeNames; }
 
 }  // namespace hxcodes

@@ -15,6 +15,7 @@ namespace hxcodes {
 
 /// Class and code as one number.
 constexpr HX_U32 At(HX_U16 event_class, HX_U16 code) { return HX_U32{event_class} << 16 | code; }
+constexpr HX_U32 At(EventClass event_class, HX_U16 code) { return At(NumberOf(event_class), code); }
 
 /// Which event. What its Params hold is said beside it; where nothing is said they are zero.
 enum class EventKind : HX_U32 {
@@ -140,6 +141,9 @@ enum class EventKind : HX_U32 {
     kDiskGroupDeleted = At(EventClass::kDiskGroup, 1),
 };
 
+constexpr EventKind KindOf(const Event& event) {
+    return static_cast<EventKind>(HX_U32{event.Class} << 16 | event.Code);
+}
 constexpr HX_U16 ClassOf(EventKind kind) { return static_cast<HX_U16>(NumberOf(kind) >> 16); }
 constexpr HX_U16 CodeOf(EventKind kind) { return static_cast<HX_U16>(NumberOf(kind) & 0xFFFF); }
 
@@ -150,7 +154,7 @@ enum class Subject : HX_U8 {
     kOfDisk,
     kOfExpander,
     kOfEnclosure,
-    kOfBattery,  // there is one; it numbers the adapter
+    kOfBattery,  // an adapter has one; DeviceID is 0
     kOfImage,    // in the flash: Image
     kOfDiskGroup,
 };
@@ -158,13 +162,15 @@ enum class Subject : HX_U8 {
 struct EventRow {
     EventKind code;
     Subject subject;
-    Severity::Code severity;
+    Severity severity;
     // The key that the library writes, without its prefix, and the sentence for people. {object}
     // stands for the object's address, {1} for the number that is in every line, {2} and on for
     // what follows it. Both are empty where the library has no text.
     std::string_view key;
     std::string_view sentence;
-    // Conditions by their codes, with blanks between them.
+    // The codes of the conditions that it may be the beginning or the end of, with blanks between
+    // them. Whether they hold is seen by a look at the object: an event calls for one, and tells
+    // since when.
     std::string_view raises = {};
     std::string_view clears = {};
 };
@@ -175,7 +181,7 @@ namespace event_rows {
 
 using enum EventKind;
 using enum Subject;
-using enum Severity::Code;
+using enum Severity;
 
 inline constexpr EventRow kEvents[] = {
     {kSmartPollingOn, kOfAdapter, kInfo, "SMART_FROM_OFF_TO_ON",
@@ -403,7 +409,7 @@ inline constexpr TextVariant kTextVariants[] = {
 /// LD_CHECK_START, "The consistency check of virtual disk {object} has started".
 struct StepRow {
     Step code;
-    Severity::Code severity;
+    Severity severity;
     std::string_view key;
     std::string_view phrase;
     std::string_view raises = {};
@@ -425,7 +431,7 @@ static_assert(Ascends(kSteps) && std::size(kSteps) == kCodesPerActivity);
 
 /// The conditions of steps that tell of others than their activity's.
 struct StepConditions {
-    ActivityKind::Code activity;
+    ActivityKind activity;
     Step step;
     std::string_view raises;
     std::string_view clears;
@@ -447,8 +453,8 @@ inline constexpr StepConditions kStepConditions[] = {
 };
 
 /// The event of an activity's step; none of an activity that nobody is told of.
-constexpr std::optional<EventKind> EventOf(ActivityKind::Code activity, Step step) {
-    const auto& events = RowOf(kActivities, activity).events;
+constexpr std::optional<EventKind> EventOf(ActivityKind activity, Step step) {
+    const auto& events = RowOf(activity).events;
     if (!events) return std::nullopt;
     const HX_U16 code = static_cast<HX_U16>(events->first + NumberOf(step));
     return static_cast<EventKind>(At(events->type, code));
@@ -457,7 +463,7 @@ constexpr std::optional<EventKind> EventOf(ActivityKind::Code activity, Step ste
 /// The activity that has an event of this kind among its steps; null when there is none.
 constexpr const ActivityRow* ActivityOf(EventKind kind) {
     for (const ActivityRow& row : kActivities) {
-        if (!row.events || row.events->type != ClassOf(kind)) continue;
+        if (!row.events || NumberOf(row.events->type) != ClassOf(kind)) continue;
         const int step = CodeOf(kind) - row.events->first;
         if (step >= 0 && step < kCodesPerActivity) return &row;
     }
@@ -469,8 +475,8 @@ constexpr const StepRow& StepOf(const ActivityRow& activity, EventKind kind) {
     return kSteps[CodeOf(kind) - activity.events->first];
 }
 
-constexpr Severity::Code SeverityOf(EventKind kind) {
-    if (const EventRow* const row = FindCode(kEvents, NumberOf(kind))) return row->severity;
+constexpr Severity SeverityOf(EventKind kind) {
+    if (HasCode(kEvents, NumberOf(kind))) return RowOf(kEvents, kind).severity;
     const ActivityRow* const activity = ActivityOf(kind);
     return activity == nullptr ? Severity::kUnknown : StepOf(*activity, kind).severity;
 }

@@ -6,27 +6,25 @@
 namespace hxcodes {
 
 /// Class of an Event. The codes are those of the library's event texts.
-struct EventClass {
-    enum Code : HX_U16 {
-        kAdapter = 0,
-        kVirtualDisk = 1,
-        kDisk = 2,
-        kPortMultiplier = 3,
-        kExpander = 4,
-        kMetadata = 5,
-        kBadSectors = 6,
-        kSas = 7,
-        kEnclosure = 8,
-        kBattery = 9,
-        kFlash = 10,
-        kCache = 11,
-        kMisc = 12,
-        kDiskGroup = 13,
-    };
+enum class EventClass : HX_U16 {
+    kAdapter = 0,
+    kVirtualDisk = 1,
+    kDisk = 2,
+    kPortMultiplier = 3,
+    kExpander = 4,
+    kMetadata = 5,
+    kBadSectors = 6,
+    kSas = 7,
+    kEnclosure = 8,
+    kBattery = 9,
+    kFlash = 10,
+    kCache = 11,
+    kMisc = 12,
+    kDiskGroup = 13,
 };
 
 struct EventClassRow {
-    EventClass::Code code;
+    EventClass code;
     std::string_view name;
     // Of its events whose code has no text: what the library writes as their key, and the sentence.
     // Empty where the library writes nothing.
@@ -55,7 +53,8 @@ inline constexpr EventClassRow kEventClasses[] = {
     {EventClass::kDiskGroup, "disk_group", "", ""},
 };
 static_assert(IsTable(kEventClasses));
-inline constexpr auto kEventClassNames = NamesOf(kEventClasses);
+constexpr const auto& TableOf(EventClass) { return kEventClasses; }
+inline constexpr auto kEventClassNames = NamesFrom(kEventClasses);
 
 /// What the library writes for an event of a class that has no row.
 inline constexpr std::string_view kUnknownClassKey = "EVT_Unknown";
@@ -63,17 +62,15 @@ inline constexpr std::string_view kUnknownClassSentence =
     "An event of unknown class {1} on adapter {2}";
 
 /// Severity of an Event.
-struct Severity {
-    enum Code : HX_U8 {
-        kUnknown = 0,
-        kOther = 1,
-        kInfo = 2,
-        kWarning = 3,
-        kMinor = 4,
-        kMajor = 5,
-        kCritical = 6,
-        kFatal = 7,
-    };
+enum class Severity : HX_U8 {
+    kUnknown = 0,
+    kOther = 1,
+    kInfo = 2,
+    kWarning = 3,
+    kMinor = 4,
+    kMajor = 5,
+    kCritical = 6,
+    kFatal = 7,
 };
 inline constexpr Named kSeverityNames[] = {
     {Severity::kUnknown, "unknown"},   {Severity::kOther, "other"}, {Severity::kInfo, "info"},
@@ -81,5 +78,6 @@ inline constexpr Named kSeverityNames[] = {
     {Severity::kCritical, "critical"}, {Severity::kFatal, "fatal"},
 };
 static_assert(IsTable(kSeverityNames));
+constexpr const auto& TableOf(Severity) { return kSeverityNames; }
 
 }  // namespace hxcodes

@@ -6,14 +6,12 @@
 namespace hxcodes {
 
 /// Type of HX_Flash_Bin and Page of HX_Flash_Erase.
-struct Image {
-    enum Code : HX_U8 {
-        kBios = 1,
-        kFirmware = 2,
-        kBootLoader = 3,
-        kAutoload = 4,
-        kHbaInfo = 5,
-    };
+enum class Image : HX_U8 {
+    kBios = 1,
+    kFirmware = 2,
+    kBootLoader = 3,
+    kAutoload = 4,
+    kHbaInfo = 5,
 };
 inline constexpr Named kImageNames[] = {
     {Image::kBios, "bios"},
@@ -23,5 +21,6 @@ inline constexpr Named kImageNames[] = {
     {Image::kHbaInfo, "hba_info"},
 };
 static_assert(IsTable(kImageNames));
+constexpr const auto& TableOf(Image) { return kImageNames; }
 
 }  // namespace hxcodes

@@ -2,23 +2,22 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 
 #include "codes/named.h"
 
 namespace hxcodes {
 
 /// RaidMode. The codes are the interface's.
-struct Level {
-    enum Code : HX_U8 {
-        kRaid0 = 0x00,
-        kRaid1 = 0x01,
-        kRaid5 = 0x05,
-        kRaid6 = 0x06,
-        kRaid10 = 0x10,
-        kRaid1E = 0x11,
-        kRaid50 = 0x50,
-        kRaid60 = 0x60,
-    };
+enum class Level : HX_U8 {
+    kRaid0 = 0x00,
+    kRaid1 = 0x01,
+    kRaid5 = 0x05,
+    kRaid6 = 0x06,
+    kRaid10 = 0x10,
+    kRaid1E = 0x11,
+    kRaid50 = 0x50,
+    kRaid60 = 0x60,
 };
 
 /// How many disks make a leg, besides the fewest and the most.
@@ -32,7 +31,7 @@ enum class Spread : HX_U8 {
 };
 
 struct LevelRow {
-    Level::Code code;
+    Level code;
     std::string_view name;
     std::string_view number;  // as people say it: "RAID 1E"
     HX_U16 mode;              // its bit in LogicalDriverMode of Adapter_Info
@@ -57,8 +56,23 @@ inline constexpr LevelRow kLevels[] = {
     {Level::kRaid60, "raid60", "60", 0x0100, 3, 0, Disks::kAny, 1, 2, Spread::kLegs, true},
 };
 static_assert(IsTable(kLevels));
+constexpr const auto& TableOf(Level) { return kLevels; }
 
-inline constexpr auto kLevelNames = NamesOf(kLevels);
+inline constexpr auto kLevelNames = NamesFrom(kLevels);
+
+/// The numbers in the order in which people list them: 1, 1e, 5, ....
+inline constexpr auto kLevelNumbers = [] {
+    std::array<std::string_view, std::size(kLevels)> numbers{};
+    for (std::size_t i = 0; i < numbers.size(); ++i) numbers[i] = kLevels[i].number;
+    std::ranges::sort(numbers, {}, [](std::string_view number) {
+        unsigned value = 0;
+        for (const char each : number) {
+            if (each <= '9') value = 10 * value + static_cast<unsigned>(each - '0');
+        }
+        return 2 * value + (number.back() > '9' ? 1U : 0U);
+    });
+    return numbers;
+}();
 
 /// LogicalDriverMode of Adapter_Info, bit by bit.
 inline constexpr auto kLevelBits = NamesBy<kLevels, &LevelRow::mode>();

@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <optional>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 #include <type_traits>
@@ -29,6 +31,36 @@ constexpr auto NumberOf(Code code) {
 }
 constexpr HX_U32 NumberOf(HX_U32 code) { return code; }
 
+/// A number of a record may be compared with a code; it becomes one by ToCode alone.
+template <std::integral Number, CodeEnum Code>
+constexpr bool operator==(Number number, Code code) {
+    return std::cmp_equal(number, NumberOf(code));
+}
+
+/// Whether the codes of an enumeration are bits, which stand in a record together. Set beside those
+/// that are.
+template <class Code>
+inline constexpr bool kAreBits = false;
+template <class Code>
+concept BitEnum = CodeEnum<Code> && kAreBits<Code>;
+
+template <BitEnum Bit>
+constexpr auto operator|(Bit one, Bit other) {
+    return static_cast<std::underlying_type_t<Bit>>(NumberOf(one) | NumberOf(other));
+}
+template <std::unsigned_integral Number, BitEnum Bit>
+constexpr Number operator|(Number number, Bit bit) {
+    return static_cast<Number>(number | NumberOf(bit));
+}
+template <std::unsigned_integral Number, BitEnum Bit>
+constexpr Number& operator|=(Number& number, Bit bit) {
+    return number = number | bit;
+}
+template <std::unsigned_integral Number, BitEnum Bit>
+constexpr Number operator&(Number number, Bit bit) {
+    return static_cast<Number>(number & NumberOf(bit));
+}
+
 /// A code and its name. Tables whose rows hold more give theirs by NamesOf.
 struct Named {
     HX_U32 code;
@@ -41,7 +73,7 @@ struct Named {
 
 /// The codes and names of rows that hold more.
 template <class Row, std::size_t n>
-constexpr std::array<Named, n> NamesOf(const Row (&rows)[n]) {
+constexpr std::array<Named, n> NamesFrom(const Row (&rows)[n]) {
     return [&]<std::size_t... i>(std::index_sequence<i...>) {
         return std::array<Named, n>{Named(rows[i].code, rows[i].name)...};
     }
@@ -115,13 +147,52 @@ constexpr std::string_view NameOf(const Rows& rows, std::uint64_t number) {
     return row == nullptr ? std::string_view() : row->name;
 }
 
-/// The row of a code; every code has one. Throws std::out_of_range for a number that is no code.
-template <CodeEnum Code, class Row, std::size_t n>
-constexpr const Row& RowOf(const Row (&rows)[n], Code code) {
-    for (const Row& row : rows) {
-        if (row.code == code) return row;
+/// The code that a number is; none when it is no code. TableOf stands beside each table.
+template <CodeEnum Code>
+constexpr std::optional<Code> ToCode(std::uint64_t number) {
+    if (!HasCode(TableOf(Code{}), number)) return std::nullopt;
+    return static_cast<Code>(number);
+}
+
+/// Whether a value is a code of its enumeration.
+template <CodeEnum Code>
+constexpr bool IsCode(Code code) {
+    return HasCode(TableOf(code), NumberOf(code));
+}
+
+/// The row of a code, which has one. Throws std::out_of_range for a number that is no code.
+template <class Rows, CodeEnum Code>
+constexpr const auto& RowOf(const Rows& rows, Code code) {
+    for (const auto& row : rows) {
+        if (NumberOf(row.code) == NumberOf(code)) return row;
     }
     throw std::out_of_range("a number that is no code");
+}
+
+/// The row of a code in the table of its enumeration, which has one for every code.
+template <CodeEnum Code>
+constexpr const auto& RowOf(Code code) {
+    return RowOf(TableOf(code), code);
+}
+
+/// The name of a code.
+template <CodeEnum Code>
+constexpr std::string_view NameOf(Code code) {
+    return RowOf(code).name;
+}
+
+template <CodeEnum Code>
+inline constexpr auto kNamesFromRows = NamesFrom(TableOf(Code{}));
+
+/// The codes of an enumeration and their names.
+template <CodeEnum Code>
+constexpr std::span<const Named> NamesOf() {
+    using Row = std::remove_cvref_t<decltype(TableOf(Code{})[0])>;
+    if constexpr (std::is_same_v<Row, Named>) {
+        return TableOf(Code{});
+    } else {
+        return kNamesFromRows<Code>;
+    }
 }
 
 constexpr bool IsFitForScripts(std::string_view name) {

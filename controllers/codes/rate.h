@@ -31,9 +31,7 @@ inline constexpr RateRow kRates[] = {
     {Rate::kMediaPatrol, "media_patrol", &Adapter_Config_V2::MediaPatrolRate, 0x10},
 };
 static_assert(IsTable(kRates));
-
-/// The bit of a rate among those that can be set: Features of Adapter_Info.
-constexpr HX_U8 FeatureOf(Rate rate) { return RowOf(kRates, rate).feature; }
+constexpr const auto& TableOf(Rate) { return kRates; }
 
 /// Features of Adapter_Info, bit by bit.
 inline constexpr auto kRateBits = NamesBy<kRates, &RateRow::feature>();

@@ -6,15 +6,13 @@
 namespace hxcodes {
 
 /// Status of Block_Info, LD_Info, LD_Status, LD_Config and DG_Info. The worse, the higher.
-struct State {
-    enum Code : HX_U8 {
-        kOptimal = 1,
-        kPartiallyOptimal = 2,  // disks are lost and some redundancy is left
-        kRebuilding = 3,        // a block: its content is being made
-        kDegraded = 4,          // disks are lost and no redundancy is left
-        kOffline = 5,           // more is lost than redundancy can make up for
-        kForeign = 6,           // made by another controller and not imported
-    };
+enum class State : HX_U8 {
+    kOptimal = 1,
+    kPartiallyOptimal = 2,  // disks are lost and some redundancy is left
+    kRebuilding = 3,        // a block: its content is being made
+    kDegraded = 4,          // disks are lost and no redundancy is left
+    kOffline = 5,           // more is lost than redundancy can make up for
+    kForeign = 6,           // made by another controller and not imported
 };
 inline constexpr Named kStateNames[] = {
     {State::kOptimal, "optimal"},       {State::kPartiallyOptimal, "partially_optimal"},
@@ -22,5 +20,6 @@ inline constexpr Named kStateNames[] = {
     {State::kOffline, "offline"},       {State::kForeign, "foreign"},
 };
 static_assert(IsTable(kStateNames));
+constexpr const auto& TableOf(State) { return kStateNames; }
 
 }  // namespace hxcodes

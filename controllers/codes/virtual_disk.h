@@ -6,12 +6,10 @@
 namespace hxcodes {
 
 /// What a block is there for, as bits: Flags of Block_Info.
-struct BlockBit {
-    enum Code : HX_U16 {
-        kUsed = 0x0001,     // by its virtual disk
-        kOfGroup = 0x0002,  // it lies on a disk of a disk group
-        kTarget = 0x0004,   // a migration or a copyback writes it
-    };
+enum class BlockBit : HX_U16 {
+    kUsed = 0x0001,     // by its virtual disk
+    kOfGroup = 0x0002,  // it lies on a disk of a disk group
+    kTarget = 0x0004,   // a migration or a copyback writes it
 };
 inline constexpr Named kBlockBits[] = {
     {BlockBit::kUsed, "used"},
@@ -19,15 +17,15 @@ inline constexpr Named kBlockBits[] = {
     {BlockBit::kTarget, "target"},
 };
 static_assert(IsTableOfBits(kBlockBits));
+constexpr const auto& TableOf(BlockBit) { return kBlockBits; }
+template <>
+inline constexpr bool kAreBits<BlockBit> = true;
 
 /// The cache of a virtual disk, as bits: CacheMode and CachePolicy.
-struct CacheBit {
-    enum Code : HX_U8 {
-        kWriteBack = 0x01,  // else write-through
-        kReadAhead = 0x04,
-        kForcedWriteThrough =
-            0x80,  // the battery does not allow write-back; a caller cannot set it
-    };
+enum class CacheBit : HX_U8 {
+    kWriteBack = 0x01,  // else write-through
+    kReadAhead = 0x04,
+    kForcedWriteThrough = 0x80,  // the battery does not allow write-back; a caller cannot set it
 };
 inline constexpr Named kCacheBits[] = {
     {CacheBit::kWriteBack, "write_back"},
@@ -35,14 +33,15 @@ inline constexpr Named kCacheBits[] = {
     {CacheBit::kForcedWriteThrough, "forced_write_through"},
 };
 static_assert(IsTableOfBits(kCacheBits));
+constexpr const auto& TableOf(CacheBit) { return kCacheBits; }
+template <>
+inline constexpr bool kAreBits<CacheBit> = true;
 
 /// How the size of a virtual disk is rounded down: RoundingScheme.
-struct Rounding {
-    enum Code : HX_U8 {
-        kToStripe = 0,  // to whole stripes, as every size is
-        kTo1GiB = 1,
-        kTo10GiB = 2,
-    };
+enum class Rounding : HX_U8 {
+    kToStripe = 0,  // to whole stripes, as every size is
+    kTo1GiB = 1,
+    kTo10GiB = 2,
 };
 inline constexpr Named kRoundingNames[] = {
     {Rounding::kToStripe, "stripe"},
@@ -50,5 +49,6 @@ inline constexpr Named kRoundingNames[] = {
     {Rounding::kTo10GiB, "10_gib"},
 };
 static_assert(IsTable(kRoundingNames));
+constexpr const auto& TableOf(Rounding) { return kRoundingNames; }
 
 }  // namespace hxcodes

@@ -138,10 +138,11 @@ Spoil ElementIs(unsigned id, unsigned status) {
 void MakeRaid6(Answers& answers) {
     VirtualDiskAt(answers, 1).level = 0x06;
     VirtualDiskAt(answers, 1)
-        .members.push_back({7, ArrayState::kOptimal, VirtualDiskAt(answers, 1).members[0].sectors});
-    DiskAt(answers, 7).status = DiskBit::kOnline | DiskBit::kConfigured;
+        .members.push_back(
+            {7, NumberOf(ArrayState::kOptimal), VirtualDiskAt(answers, 1).members[0].sectors});
+    DiskAt(answers, 7).status = NumberOf(DiskBit::kOnline) | NumberOf(DiskBit::kConfigured);
 }
-void AddSpare(Answers& answers) { DiskAt(answers, 7).status |= DiskBit::kGlobalSpare; }
+void AddSpare(Answers& answers) { DiskAt(answers, 7).status |= NumberOf(DiskBit::kGlobalSpare); }
 void WriteBack(Answers& answers) { VirtualDiskAt(answers, 0).cache = 0x01; }
 void Forced(Answers& answers) { VirtualDiskAt(answers, 0).cache = 0x81; }
 Spoil Doing(unsigned kind, unsigned state) {
@@ -153,8 +154,8 @@ Spoil AdapterQuery(Query Adapter::*query, const char* call) {
     return [query, call](Answers& answers) { answers.adapters[0].*query = Failed(call, 7); };
 }
 
-constexpr unsigned kMember = DiskBit::kOnline | DiskBit::kConfigured;
-constexpr unsigned kWell = BatteryBit::kPresent | BatteryBit::kSafeForWriteBack;
+constexpr unsigned kMember = NumberOf(DiskBit::kOnline) | NumberOf(DiskBit::kConfigured);
+constexpr unsigned kWell = NumberOf(BatteryBit::kPresent) | NumberOf(BatteryBit::kSafeForWriteBack);
 
 std::vector<RowCase> RowCases() {
     std::vector<RowCase> cases;
@@ -213,7 +214,7 @@ std::vector<RowCase> RowCases() {
          .fails = Fails::kAll,
          .put = Put::kOtherAdapter});
     add({.code = Code::kEncElementCritical,
-         .spoil = ElementIs(2, ElementStatus::kCritical),
+         .spoil = ElementIs(2, NumberOf(ElementStatus::kCritical)),
          .wait = 60,
          .good_for = 5 * kMinute,
          .fails = Fails::kEnclosures,
@@ -270,7 +271,8 @@ std::vector<RowCase> RowCases() {
          .id = 1,
          .before = MakeRaid6});
     add({.code = Code::kRebuildPaused,
-         .spoil = [](Answers& it) { Fail(it, 5), Rebuild(it, 1, 29, ActivityState::kPaused); },
+         .spoil =
+             [](Answers& it) { Fail(it, 5), Rebuild(it, 1, 29, NumberOf(ActivityState::kPaused)); },
          .all = "REBUILD_PAUSED VD_NO_REDUNDANCY",
          .wait = 60,
          .fails = Fails::kVirtualDisks,
@@ -374,7 +376,7 @@ std::vector<RowCase> RowCases() {
          .spoil =
              [](Answers& it) {
                  Fail(it, 5);
-                 DiskAt(it, 5).status = DiskBit::kOnline;
+                 DiskAt(it, 5).status = NumberOf(DiskBit::kOnline);
                  DiskAt(it, 5).serial = "SMALL";
                  DiskAt(it, 5).sectors = 1000;
                  DiskAt(it, 5).free_sectors = 1000;
@@ -392,7 +394,7 @@ std::vector<RowCase> RowCases() {
     add({.code = Code::kDgOffline,
          .spoil =
              [](Answers& it) {
-                 it.adapters[0].groups[0].state = ArrayState::kOffline;
+                 it.adapters[0].groups[0].state = NumberOf(ArrayState::kOffline);
                  Fail(it, 2), Fail(it, 3);
              },
          .all = "DG_OFFLINE DISK_FAILED DISK_FAILED",
@@ -400,7 +402,7 @@ std::vector<RowCase> RowCases() {
     add({.code = Code::kDgDegraded,
          .spoil =
              [](Answers& it) {
-                 it.adapters[0].groups[0].state = ArrayState::kDegraded;
+                 it.adapters[0].groups[0].state = NumberOf(ArrayState::kDegraded);
                  Fail(it, 2);
              },
          .all = "DG_DEGRADED DISK_FAILED",
@@ -427,7 +429,7 @@ std::vector<RowCase> RowCases() {
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kVdForeign,
-         .spoil = [](Answers& it) { VirtualDiskAt(it, 1).state = ArrayState::kForeign; },
+         .spoil = [](Answers& it) { VirtualDiskAt(it, 1).state = NumberOf(ArrayState::kForeign); },
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1});
@@ -444,13 +446,13 @@ std::vector<RowCase> RowCases() {
          .id = 1,
          .ends_by_ack = true});
     add({.code = Code::kActivityStalled,
-         .spoil = Doing(ActivityKind::kCheck, ActivityState::kRunning),
+         .spoil = Doing(NumberOf(ActivityKind::kCheck), NumberOf(ActivityState::kRunning)),
          .wait = kHour + kMinute,
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kActivityPaused,
-         .spoil = Doing(ActivityKind::kMigration, ActivityState::kPaused),
+         .spoil = Doing(NumberOf(ActivityKind::kMigration), NumberOf(ActivityState::kPaused)),
          .wait = kHour,
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
@@ -475,7 +477,7 @@ std::vector<RowCase> RowCases() {
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk});
     add({.code = Code::kBatteryReplace,
-         .spoil = BatteryHas(kWell | BatteryBit::kNeedsReplacement),
+         .spoil = BatteryHas(kWell | NumberOf(BatteryBit::kNeedsReplacement)),
          .fails = Fails::kBattery,
          .put = Put::kOtherAdapter});
     add({.code = Code::kBatteryRemoved,
@@ -489,19 +491,19 @@ std::vector<RowCase> RowCases() {
     add({.code = Code::kBatteryOff,
          .spoil =
              [](Answers& it) {
-                 BatteryHas(kWell | BatteryBit::kSwitchedOff)(it);
+                 BatteryHas(kWell | NumberOf(BatteryBit::kSwitchedOff))(it);
                  WriteBack(it);
              },
          .fails = Fails::kBattery,
          .put = Put::kOtherAdapter});
     add({.code = Code::kBatteryTemperature,
-         .spoil = BatteryHas(kWell | BatteryBit::kTemperatureOutOfBounds),
+         .spoil = BatteryHas(kWell | NumberOf(BatteryBit::kTemperatureOutOfBounds)),
          .wait = 60,
          .good_for = 5 * kMinute,
          .fails = Fails::kBattery,
          .put = Put::kOtherAdapter});
     add({.code = Code::kBatteryVoltage,
-         .spoil = BatteryHas(kWell | BatteryBit::kVoltageOutOfBounds),
+         .spoil = BatteryHas(kWell | NumberOf(BatteryBit::kVoltageOutOfBounds)),
          .wait = 60,
          .good_for = 5 * kMinute,
          .fails = Fails::kBattery,
@@ -513,23 +515,23 @@ std::vector<RowCase> RowCases() {
          .put = Put::kOtherAdapter,
          .ends_by_ack = true});
     add({.code = Code::kBatteryLow,
-         .spoil = BatteryHas(BatteryBit::kPresent),
+         .spoil = BatteryHas(NumberOf(BatteryBit::kPresent)),
          .wait = 10 * kMinute,
          .fails = Fails::kBattery,
          .put = Put::kOtherAdapter});
     add({.code = Code::kBatteryRelearnOverdue,
-         .spoil = BatteryHas(kWell | BatteryBit::kRelearning),
+         .spoil = BatteryHas(kWell | NumberOf(BatteryBit::kRelearning)),
          .wait = kDay,
          .fails = Fails::kBattery,
          .put = Put::kOtherAdapter});
     add({.code = Code::kEncElementWarning,
-         .spoil = ElementIs(5, ElementStatus::kNoncritical),
+         .spoil = ElementIs(5, NumberOf(ElementStatus::kNoncritical)),
          .wait = 5 * kMinute,
          .good_for = 5 * kMinute,
          .fails = Fails::kEnclosures,
          .put = Put::kOtherEnclosure});
     add({.code = Code::kEncElementRemoved,
-         .spoil = ElementIs(2, ElementStatus::kNotInstalled),
+         .spoil = ElementIs(2, NumberOf(ElementStatus::kNotInstalled)),
          .wait = 5 * kMinute,
          .good_for = 5 * kMinute,
          .fails = Fails::kEnclosures,
@@ -574,18 +576,18 @@ std::vector<RowCase> RowCases() {
     add({.code = Code::kSettingsUnreadable,
          .spoil = [](Answers& it) { MakeFail(it, Fails::kSettings); }});
     add({.code = Code::kElementStateUnknown,
-         .spoil = ElementIs(2, ElementStatus::kUnknown),
+         .spoil = ElementIs(2, NumberOf(ElementStatus::kUnknown)),
          .wait = 10 * kMinute,
          .fails = Fails::kEnclosures,
          .put = Put::kOtherEnclosure});
     add({.code = Code::kStoreUnreadable,
          .spoil = [](Answers& it) { it.store.state = Store::State::kUnreadable; }});
     add({.code = Code::kBatteryRelearning,
-         .spoil = BatteryHas(kWell | BatteryBit::kRelearning),
+         .spoil = BatteryHas(kWell | NumberOf(BatteryBit::kRelearning)),
          .fails = Fails::kBattery,
          .put = Put::kOtherAdapter});
     add({.code = Code::kActivityRunning,
-         .spoil = Doing(ActivityKind::kCheck, ActivityState::kRunning),
+         .spoil = Doing(NumberOf(ActivityKind::kCheck), NumberOf(ActivityState::kRunning)),
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1});
@@ -787,7 +789,7 @@ TEST(TheStoryOfALostDisk, IsOneMessageAStep) {
     Rebuild(rebuilding, 1, 29);
     watcher.Look(rebuilding);
     EXPECT_EQ(ChangesOf(watcher.messages), "") << "a number is no news";
-    Rebuild(rebuilding, 1, 29, ActivityState::kPaused);
+    Rebuild(rebuilding, 1, 29, NumberOf(ActivityState::kPaused));
     watcher.LookFor(60, rebuilding);
     EXPECT_EQ(HeadsOf(watcher.overview), "VD_NO_REDUNDANCY");
     EXPECT_EQ(watcher.overview.heads[0].sentence,
@@ -811,8 +813,8 @@ TEST(ADiskThatFailed, BecomesAHeadWhenASpareHasTakenOver) {
     watcher.LookFor(5, answers);
     EXPECT_EQ(HeadsOf(watcher.overview), "VD_NO_REDUNDANCY");
     VirtualDisk& data = VirtualDiskAt(answers, 1);
-    data.members[1] = {7, ArrayState::kOptimal, data.members[0].sectors};
-    data.state = ArrayState::kOptimal;
+    data.members[1] = {7, NumberOf(ArrayState::kOptimal), data.members[0].sectors};
+    data.state = NumberOf(ArrayState::kOptimal);
     DiskAt(answers, 7).status = kMember;
     watcher.Look(answers);
     EXPECT_EQ(HeadsOf(watcher.overview), "DISK_FAILED");
@@ -907,8 +909,8 @@ TEST(ALookWithoutADisksList, DoesNotMakeAVirtualDiskBetter) {
     watcher.LookFor(60, answers);
     EXPECT_EQ(HeadsOf(watcher.overview), "VD_NO_REDUNDANCY");
     MakeFail(answers, Fails::kDisks);
-    VirtualDiskAt(answers, 1).members[1].state = ArrayState::kOptimal;
-    VirtualDiskAt(answers, 1).state = ArrayState::kPartiallyOptimal;
+    VirtualDiskAt(answers, 1).members[1].state = NumberOf(ArrayState::kOptimal);
+    VirtualDiskAt(answers, 1).state = NumberOf(ArrayState::kPartiallyOptimal);
     watcher.LookFor(60, answers);
     EXPECT_EQ(HeadsOf(watcher.overview), "VD_NO_REDUNDANCY DISKS_UNREADABLE");
     EXPECT_TRUE(watcher.overview.heads[0].is_stale);
@@ -920,7 +922,7 @@ TEST(AFanAtItsThreshold, FlapsOnceAndStaysUntilItIsQuiet) {
     Watcher watcher;
     const Answers good = GoodMachine();
     Answers bad = good;
-    ElementAt(bad, 2).status = ElementStatus::kCritical;
+    ElementAt(bad, 2).status = NumberOf(ElementStatus::kCritical);
     watcher.LookFor(60, good);
     std::string told;
     for (int i = 0; i < 6; ++i) {
@@ -945,7 +947,7 @@ TEST(APowerSupply, IsToldAtOnce) {
     Watcher watcher;
     Answers answers = GoodMachine();
     watcher.LookFor(60, answers);
-    ElementAt(answers, 0).status = ElementStatus::kUnrecoverable;
+    ElementAt(answers, 0).status = NumberOf(ElementStatus::kUnrecoverable);
     watcher.Look(answers);
     EXPECT_EQ(ChangesOf(watcher.messages), "raised ENC_ELEMENT_CRITICAL");
 }

@@ -80,13 +80,14 @@ TEST(ASilencedCondition, ComesLast) {
 
 TEST(AnUnreadListOfVirtualDisks, BeatsAWarmFanAndAFailedDiskBeatsAnUnreadBattery) {
     Answers answers = GoodMachine();
-    ElementAt(answers, 2).status = hxcodes::ElementStatus::kNoncritical;
+    ElementAt(answers, 2).status = NumberOf(hxcodes::ElementStatus::kNoncritical);
     answers.adapters[0].virtual_disks_query = Failed("HX_LD_GetInfo", 7);
     answers.adapters[0].virtual_disks.clear();
     EXPECT_EQ(HeadsOf(LookOnce(answers, {}, {})), "VDS_UNREADABLE ENC_ELEMENT_WARNING");
     EXPECT_EQ(ExitCodeOf(LookOnce(answers, {}, {}).overall), 3);
     answers = GoodMachine();
-    DiskAt(answers, 7).status = hxcodes::DiskBit::kFailed | hxcodes::DiskBit::kUnavailable;
+    DiskAt(answers, 7).status =
+        NumberOf(hxcodes::DiskBit::kFailed) | NumberOf(hxcodes::DiskBit::kUnavailable);
     answers.adapters[0].battery_query = Failed("HX_BBU_GetInfo", 7);
     EXPECT_EQ(HeadsOf(LookOnce(answers, {}, {})), "DISK_FAILED BATTERY_UNREADABLE");
     EXPECT_EQ(ExitCodeOf(LookOnce(answers, {}, {}).overall), 1);
@@ -101,12 +102,13 @@ struct Pair {
     Code folded;
 };
 
-constexpr unsigned kConfigured = hxcodes::DiskBit::kOnline | hxcodes::DiskBit::kConfigured;
+constexpr unsigned kConfigured =
+    NumberOf(hxcodes::DiskBit::kOnline) | NumberOf(hxcodes::DiskBit::kConfigured);
 
 void LoseDisk(Answers& it) { Fail(it, 5); }
 void LoseDiskOfGroup(Answers& it) {
     Fail(it, 2);
-    it.adapters[0].groups[0].state = hxcodes::State::kDegraded;
+    it.adapters[0].groups[0].state = NumberOf(hxcodes::State::kDegraded);
     VirtualDisk on_group = VirtualDiskAt(it, 0);
     on_group.id = 2;
     on_group.name = "ONGROUP";
@@ -155,21 +157,21 @@ const Pair kPairs[] = {
     {"AnAutomaticRebuildThatIsOff",
      [](Answers& it) {
          LoseDisk(it);
-         DiskAt(it, 7).status |= hxcodes::DiskBit::kGlobalSpare;
+         DiskAt(it, 7).status |= NumberOf(hxcodes::DiskBit::kGlobalSpare);
          it.adapters[0].auto_rebuild = false;
      },
      Code::kVdNoRedundancy, Code::kAutoRebuildOff},
     {"ASpareThatIsTooSmall",
      [](Answers& it) {
          LoseDisk(it);
-         DiskAt(it, 7).status |= hxcodes::DiskBit::kGlobalSpare;
+         DiskAt(it, 7).status |= NumberOf(hxcodes::DiskBit::kGlobalSpare);
          DiskAt(it, 7).free_sectors = 5;
      },
      Code::kVdNoRedundancy, Code::kSpareTooSmall},
     {"TheCollectorOfSpares",
      [](Answers& it) {
          LoseDisk(it);
-         DiskAt(it, 7).status |= hxcodes::DiskBit::kGlobalSpare;
+         DiskAt(it, 7).status |= NumberOf(hxcodes::DiskBit::kGlobalSpare);
          it.adapters[0].is_linux_raid = true;
          it.adapters[0].spares_collected_ago_s = 400;
      },
@@ -178,13 +180,13 @@ const Pair kPairs[] = {
     {"AReplacementThatIsTooSmall",
      [](Answers& it) {
          LoseDisk(it);
-         DiskAt(it, 5).status = hxcodes::DiskBit::kOnline;
+         DiskAt(it, 5).status = NumberOf(hxcodes::DiskBit::kOnline);
          DiskAt(it, 5).free_sectors = 5;
      },
      Code::kVdNoRedundancy, Code::kReplacementTooSmall},
     {"AForeignDisk",
      [](Answers& it) {
-         VirtualDiskAt(it, 1).state = hxcodes::State::kForeign;
+         VirtualDiskAt(it, 1).state = NumberOf(hxcodes::State::kForeign);
          DiskAt(it, 5).status = 0x86;
      },
      Code::kVdForeign, Code::kDiskForeign},
@@ -255,7 +257,7 @@ TEST(ADiskInSeveralVirtualDisks, FoldsIntoTheWorstAndNamesAll) {
     second.id = 2;
     second.name = "MORE";
     second.level = 0x06;
-    second.members.push_back({7, hxcodes::State::kOptimal, 100});
+    second.members.push_back({7, NumberOf(hxcodes::State::kOptimal), 100});
     DiskAt(answers, 7).status = kConfigured;
     answers.adapters[0].virtual_disks.push_back(second);
     Fail(answers, 5);
@@ -271,7 +273,7 @@ TEST(ADiskInSeveralVirtualDisks, FoldsIntoTheWorstAndNamesAll) {
 TEST(TheFirstHindranceThatHolds, IsTold) {
     Answers answers = GoodMachine();
     Fail(answers, 5);
-    DiskAt(answers, 7).status |= hxcodes::DiskBit::kGlobalSpare;
+    DiskAt(answers, 7).status |= NumberOf(hxcodes::DiskBit::kGlobalSpare);
     DiskAt(answers, 7).free_sectors = 5;
     const Overview overview = LookOnce(answers, {}, {});
     EXPECT_EQ(overview.heads[0].hindrance, Code::kSpareTooSmall);
@@ -285,7 +287,7 @@ TEST(ARaid10WithOneDiskOut, SaysWhichDisksMayStillFail) {
     Answers answers = GoodMachine();
     VirtualDisk& data = VirtualDiskAt(answers, 1);
     data.level = 0x10;
-    data.members.push_back({7, hxcodes::State::kOptimal, data.members[0].sectors});
+    data.members.push_back({7, NumberOf(hxcodes::State::kOptimal), data.members[0].sectors});
     DiskAt(answers, 7).status = kConfigured;
     Fail(answers, 4);
     const Overview overview = LookOnce(answers, {}, {});

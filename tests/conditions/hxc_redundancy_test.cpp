@@ -57,10 +57,10 @@ TEST_P(AVirtualDisk, SurvivesWhatItsWorstLegSurvives) {
     virtual_disk.legs = GetParam().legs;
     std::vector<Disk> disks;
     for (unsigned i = 0; i < GetParam().width; ++i) {
-        virtual_disk.members.push_back({i, hxcodes::State::kOptimal, 100});
+        virtual_disk.members.push_back({i, NumberOf(hxcodes::State::kOptimal), 100});
         Disk& disk = disks.emplace_back();
         disk.id = i;
-        disk.status = hxcodes::DiskBit::kOnline | hxcodes::DiskBit::kConfigured;
+        disk.status = NumberOf(hxcodes::DiskBit::kOnline) | NumberOf(hxcodes::DiskBit::kConfigured);
     }
     for (const unsigned lost : GetParam().lost) disks[lost].status = 0x84;
     const Redundancy redundancy = RedundancyOf(virtual_disk, disks);
@@ -77,16 +77,17 @@ TEST(ABlockThatIsBeingRebuilt, CountsAsLost) {
     VirtualDisk virtual_disk;
     virtual_disk.level = 0x05;
     for (unsigned i = 0; i < 3; ++i) {
-        virtual_disk.members.push_back({i, hxcodes::State::kOptimal, 100});
+        virtual_disk.members.push_back({i, NumberOf(hxcodes::State::kOptimal), 100});
     }
-    virtual_disk.members[1].state = hxcodes::State::kRebuilding;
+    virtual_disk.members[1].state = NumberOf(hxcodes::State::kRebuilding);
     EXPECT_EQ(RedundancyOf(virtual_disk, {}).survives, 0U);
 }
 
 TEST(APositionWhoseDiskIsNotListed, CountsAsLost) {
     VirtualDisk virtual_disk;
     virtual_disk.level = 0x01;
-    virtual_disk.members = {{0, hxcodes::State::kOptimal, 100}, {std::nullopt, std::nullopt, 0}};
+    virtual_disk.members = {{0, NumberOf(hxcodes::State::kOptimal), 100},
+                            {std::nullopt, std::nullopt, 0}};
     std::vector<Disk> disks(1);
     EXPECT_EQ(RedundancyOf(virtual_disk, disks).lost, std::vector<unsigned>{1});
 }

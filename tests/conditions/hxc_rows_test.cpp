@@ -77,7 +77,7 @@ std::vector<Told> AllEvents() {
     for (const hxcodes::ActivityRow& activity : hxcodes::kActivities) {
         for (const hxcodes::StepRow& step : hxcodes::kSteps) {
             const auto kind = hxcodes::EventOf(activity.code, step.code);
-            if (!kind || hxcodes::HasCode(hxcodes::kEvents, hxcodes::NumberOf(*kind))) continue;
+            if (!kind || hxcodes::HasCode(hxcodes::kEvents, NumberOf(*kind))) continue;
             Event event;
             event.event_class = hxcodes::ClassOf(*kind);
             event.code = hxcodes::CodeOf(*kind);

@@ -35,7 +35,8 @@ Disk NewDisk(unsigned id, unsigned status) {
     disk.serial = "QD-" + std::to_string(id);
     disk.status = status;
     disk.sectors = kDiskSectors;
-    disk.free_sectors = (status & DiskBit::kConfigured) != 0 ? kBlockSectors : kDiskSectors;
+    disk.free_sectors =
+        (status & NumberOf(DiskBit::kConfigured)) != 0 ? kBlockSectors : kDiskSectors;
     disk.enclosure = 0;
     disk.bay = "slot " + std::to_string(id);
     disk.smart_alarm = false;
@@ -54,12 +55,12 @@ VirtualDisk NewVirtualDisk(unsigned id, const char* name, unsigned level,
     made.name = name;
     made.sectors = kBlockSectors;
     made.level = level;
-    made.state = ArrayState::kOptimal;
+    made.state = NumberOf(ArrayState::kOptimal);
     made.cache = 0;
     made.activity = Activity{};
     made.auto_rebuild = true;
     for (const unsigned disk : disks)
-        made.members.push_back({disk, ArrayState::kOptimal, kBlockSectors});
+        made.members.push_back({disk, NumberOf(ArrayState::kOptimal), kBlockSectors});
     return made;
 }
 
@@ -80,14 +81,14 @@ Element NewElement(unsigned id, unsigned type, int reading) {
     Element element;
     element.id = id;
     element.type = type;
-    element.status = ElementStatus::kOk;
+    element.status = NumberOf(ElementStatus::kOk);
     element.reading = reading;
     return element;
 }
 
 Battery NewBattery() {
     Battery battery;
-    battery.status = BatteryBit::kPresent | BatteryBit::kSafeForWriteBack;
+    battery.status = NumberOf(BatteryBit::kPresent) | NumberOf(BatteryBit::kSafeForWriteBack);
     battery.percent = 96;
     battery.percent_to_charge = 40;
     battery.celsius = 29;
@@ -111,7 +112,7 @@ void Walk(const Condition& condition, Take take) {
 }  // namespace
 
 Answers GoodMachine() {
-    constexpr unsigned kMember = DiskBit::kOnline | DiskBit::kConfigured;
+    constexpr unsigned kMember = NumberOf(DiskBit::kOnline) | NumberOf(DiskBit::kConfigured);
     Answers answers;
     answers.machine = Read();
     answers.service.is_here = true;
@@ -119,21 +120,21 @@ Answers GoodMachine() {
     answers.store.path = "/var/lib/events";
     Adapter adapter = NewAdapter(0, "SN-A");
     for (unsigned id = 0; id < 8; ++id) {
-        adapter.disks.push_back(NewDisk(id, id == 7 ? DiskBit::kOnline + 0U : kMember));
+        adapter.disks.push_back(NewDisk(id, id == 7 ? NumberOf(DiskBit::kOnline) + 0U : kMember));
     }
     adapter.disks[2].group = adapter.disks[3].group = 0;
     adapter.virtual_disks.push_back(NewVirtualDisk(0, "SYS", 0x01, {0, 1}));
     adapter.virtual_disks.push_back(NewVirtualDisk(1, "DATA", 0x05, {4, 5, 6}));
     DiskGroup group;
     group.name = "SPACE";
-    group.state = ArrayState::kOptimal;
+    group.state = NumberOf(ArrayState::kOptimal);
     group.disks = {2, 3};
     adapter.groups.push_back(group);
     Enclosure enclosure;
     enclosure.logical_id = "5000C50000000001";
-    enclosure.elements = {NewElement(0, ElementType::kPowerSupply, 1),
-                          NewElement(2, ElementType::kFan, 2500),
-                          NewElement(5, ElementType::kTemperature, 27)};
+    enclosure.elements = {NewElement(0, NumberOf(ElementType::kPowerSupply), 1),
+                          NewElement(2, NumberOf(ElementType::kFan), 2500),
+                          NewElement(5, NumberOf(ElementType::kTemperature), 27)};
     enclosure.elements[2].low_warning = 5;
     enclosure.elements[2].high_warning = 45;
     enclosure.elements[2].low_critical = 0;
@@ -160,11 +161,11 @@ Element& ElementAt(Answers& answers, unsigned id) {
 
 void Lose(Answers& answers, unsigned virtual_disk, unsigned position) {
     VirtualDisk& spoilt = VirtualDiskAt(answers, virtual_disk);
-    spoilt.members[position].state = ArrayState::kOffline;
+    spoilt.members[position].state = NumberOf(ArrayState::kOffline);
     const Redundancy left = RedundancyOf(spoilt, answers.adapters[0].disks);
-    spoilt.state = left.is_offline      ? ArrayState::kOffline
-                   : *left.survives > 0 ? ArrayState::kPartiallyOptimal
-                                        : ArrayState::kDegraded;
+    spoilt.state = left.is_offline      ? NumberOf(ArrayState::kOffline)
+                   : *left.survives > 0 ? NumberOf(ArrayState::kPartiallyOptimal)
+                                        : NumberOf(ArrayState::kDegraded);
 }
 
 namespace {
@@ -181,21 +182,24 @@ void Break(Answers& answers, unsigned disk, unsigned status) {
 }  // namespace
 
 void Fail(Answers& answers, unsigned disk) {
-    Break(answers, disk, DiskBit::kConfigured | DiskBit::kFailed | DiskBit::kUnavailable);
+    Break(answers, disk,
+          NumberOf(DiskBit::kConfigured) | NumberOf(DiskBit::kFailed) |
+              NumberOf(DiskBit::kUnavailable));
 }
 
 void Pull(Answers& answers, unsigned disk) {
-    Break(answers, disk, DiskBit::kConfigured | DiskBit::kUnavailable);
+    Break(answers, disk, NumberOf(DiskBit::kConfigured) | NumberOf(DiskBit::kUnavailable));
 }
 
 void Rebuild(Answers& answers, unsigned virtual_disk, unsigned percent, unsigned state) {
     VirtualDisk& rebuilt = VirtualDiskAt(answers, virtual_disk);
-    rebuilt.activity = Activity{hxcodes::ActivityKind::kRebuild, state, percent, 3600};
+    rebuilt.activity = Activity{NumberOf(hxcodes::ActivityKind::kRebuild), state, percent, 3600};
     for (Member& member : rebuilt.members) {
-        if (member.state == ArrayState::kOptimal) continue;
-        member.state = ArrayState::kRebuilding;
-        DiskAt(answers, *member.disk).status =
-            DiskBit::kOnline | DiskBit::kConfigured | DiskBit::kRebuilding;
+        if (member.state == NumberOf(ArrayState::kOptimal)) continue;
+        member.state = NumberOf(ArrayState::kRebuilding);
+        DiskAt(answers, *member.disk).status = NumberOf(DiskBit::kOnline) |
+                                               NumberOf(DiskBit::kConfigured) |
+                                               NumberOf(DiskBit::kRebuilding);
     }
 }
 

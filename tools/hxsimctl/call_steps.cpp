@@ -36,7 +36,9 @@ constexpr ObjectStep kObjectSteps[] = {
      "relearn a0",
      ObjectKind::kAdapter,
      {"HX_BBU_ChangePower",
-      [](const Object& it) { return HX_BBU_ChangePower(it.adapter, hxcodes::Power::kRelearn); }}},
+      [](const Object& it) {
+          return HX_BBU_ChangePower(it.adapter, NumberOf(hxcodes::Power::kRelearn));
+      }}},
     {"unspare",
      "unspare a0/pd9",
      ObjectKind::kDisk,
@@ -63,16 +65,18 @@ Step CallAboutTwo(const Target& target, const Target& second, const char* functi
 // ---- Activities ----
 
 struct StartRow {
-    hxcodes::ActivityKind::Code kind;
+    hxcodes::ActivityKind kind;
     ObjectCall call;
 };
-template <HX_U8 type>
+template <hxcodes::CheckType type>
 constexpr ObjectCall kStartCheck = {"HX_LD_StartConsistencyCheck", [](const Object& it) {
-                                        return HX_LD_StartConsistencyCheck(it.adapter, it.id, type);
+                                        return HX_LD_StartConsistencyCheck(it.adapter, it.id,
+                                                                           NumberOf(type));
                                     }};
-template <HX_U8 type>
-constexpr ObjectCall kStartInit = {
-    "HX_LD_StartINIT", [](const Object& it) { return HX_LD_StartINIT(it.adapter, it.id, type); }};
+template <hxcodes::Init type>
+constexpr ObjectCall kStartInit = {"HX_LD_StartINIT", [](const Object& it) {
+                                       return HX_LD_StartINIT(it.adapter, it.id, NumberOf(type));
+                                   }};
 constexpr StartRow kStarts[] = {
     {hxcodes::ActivityKind::kCheck, kStartCheck<hxcodes::CheckType::kOnly>},
     {hxcodes::ActivityKind::kFix, kStartCheck<hxcodes::CheckType::kAndFix>},
@@ -90,7 +94,7 @@ constexpr StartRow kStarts[] = {
 // start check a0/vd0 and the like: the activities that a caller can start.
 Step ParseStart(const Words& words) {
     RequireWords(words, 3, "start and an activity, such as start check a0/vd0");
-    const HX_U32 kind = ParseName(hxcodes::kActivityNames, words[1], "activity");
+    const auto kind = ParseCode<hxcodes::ActivityKind>(words[1], "activity");
     if (kind == hxcodes::ActivityKind::kRebuild) {
         RequireWords(words, 4, "start rebuild a0/vd0 a0/pd5");
         return CallAboutTwo(ParseTarget(words[2], ObjectKind::kVirtualDisk),
@@ -98,15 +102,13 @@ Step ParseStart(const Words& words) {
                             HX_LD_StartRebuild);
     }
     RequireNoMore(words, 3);
-    const auto* const row =
-        std::ranges::find(kStarts, kind, [](const StartRow& each) { return HX_U32{each.kind}; });
+    const auto* const row = std::ranges::find(kStarts, kind, &StartRow::kind);
     if (row == std::end(kStarts)) {
         throw UsageError('"' + words[1] +
                          "\" is not started so; a migration is started by migrate, and the "
                          "controller starts a copyback itself");
     }
-    const bool of_disk =
-        hxcodes::RowOf(hxcodes::kActivities, row->kind).runs_on == hxcodes::RunsOn::kDisk;
+    const bool of_disk = RowOf(row->kind).runs_on == hxcodes::RunsOn::kDisk;
     return CallAbout(ParseTarget(words[2], of_disk ? ObjectKind::kDisk : ObjectKind::kVirtualDisk),
                      row->call);
 }

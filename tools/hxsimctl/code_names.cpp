@@ -26,11 +26,6 @@ std::vector<std::string_view> WordsOf(std::span<const hxcodes::Named> names) {
     return words;
 }
 
-std::string NameText(std::span<const hxcodes::Named> names, HX_U32 code) {
-    const std::string_view name = hxcodes::NameOf(names, code);
-    return name.empty() ? std::to_string(code) : std::string(name);
-}
-
 std::string ListOf(const std::vector<std::string_view>& words) {
     std::string list;
     for (const std::string_view word : words) list.append(list.empty() ? "" : ", ").append(word);

@@ -14,6 +14,10 @@ namespace hxsimctl {
 /// there are stand behind it.
 HX_U32 ParseName(std::span<const hxcodes::Named> names, std::string_view word,
                  const std::string& what);
+template <hxcodes::CodeEnum Code>
+Code ParseCode(std::string_view word, const std::string& what) {
+    return static_cast<Code>(ParseName(hxcodes::NamesOf<Code>(), word, what));
+}
 
 /// Throws the same UsageError unless the word is one of those.
 void RequireOneOf(std::string_view word, const std::vector<std::string_view>& words,
@@ -21,9 +25,6 @@ void RequireOneOf(std::string_view word, const std::vector<std::string_view>& wo
 
 /// The names of a table, in its order.
 std::vector<std::string_view> WordsOf(std::span<const hxcodes::Named> names);
-
-/// The name of a code, or the number when it has none.
-std::string NameText(std::span<const hxcodes::Named> names, HX_U32 code);
 
 /// The words with a comma between each two.
 std::string ListOf(const std::vector<std::string_view>& words);

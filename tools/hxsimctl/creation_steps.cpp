@@ -32,22 +32,20 @@ std::vector<HX_U16> DisksIn(const StepValues& values) {
 
 HX_U8 LevelIn(const StepValues& values) {
     if (!values.Has("raid")) throw UsageError("the level is missing; write raid=5");
-    return static_cast<HX_U8>(
-        ParseName(hxcodes::kLevelNames, "raid" + values.Text("raid"), "RAID level"));
+    return NumberOf(ParseCode<hxcodes::Level>("raid" + values.Text("raid"), "RAID level"));
 }
 
 HX_U8 CacheIn(const StepValues& values) {
     HX_U8 cache = 0;
     for (const std::string& part : values.List("cache")) {
-        cache |= static_cast<HX_U8>(ParseName(hxcodes::kCacheBits, part, "cache mode"));
+        cache |= ParseCode<hxcodes::CacheBit>(part, "cache mode");
     }
     return cache;
 }
 
 HX_U8 InitIn(const StepValues& values) {
-    if (!values.Has("init")) return hxcodes::Init::kQuick;
-    return static_cast<HX_U8>(
-        ParseName(hxcodes::kInitNames, values.Text("init"), "kind of initialisation"));
+    if (!values.Has("init")) return NumberOf(hxcodes::Init::kQuick);
+    return NumberOf(ParseCode<hxcodes::Init>(values.Text("init"), "kind of initialisation"));
 }
 
 HX_U16 StripeIn(const StepValues& values) {
@@ -110,7 +108,7 @@ CreateOrModify_DG_Param DiskGroupParam(const StepValues& values) {
     param.SubVDCount = LegsIn(values);
     param.StripeBlockSize = StripeIn(values);
     param.BlockSize = 512;
-    param.InitializationOption = hxcodes::Init::kNone;
+    param.InitializationOption = NumberOf(hxcodes::Init::kNone);
     param.PDCount = static_cast<HX_U8>(disks.size());
     std::ranges::copy(disks, param.PDIDs);
     return param;
@@ -169,7 +167,7 @@ Step CreateOnGroup(const Target& target, const Words& words) {
             *hxsim::Find(AdapterAt(driver.Current(), group).disk_groups, group.id);
         CreateOrModify_VD_Param complete = param;
         complete.DGID = group.id;
-        complete.RaidMode = row.level;
+        complete.RaidMode = NumberOf(row.level);
         complete.SubVDCount = row.legs;
         complete.StripeBlockSize = row.stripe_kib;
         complete.Size = SectorsOf(size, [&] { return RoomOnGroup(driver, group); });

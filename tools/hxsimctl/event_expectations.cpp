@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <optional>
 
+#include "codes/code_table.h"
+#include "codes/event_class.h"
 #include "common/number.h"
-#include "rules/hxsim_event_kinds.h"
 #include "vxevent_text.h"
 
 namespace hxsimctl {
@@ -25,19 +26,17 @@ std::string KeyOf(const Event& event) {
 
 // Whether any event has that key. A misspelt one would make "expect no event" always true.
 bool IsKey(const std::string& key) {
-    constexpr HX_U16 kClasses = 14;
     constexpr HX_U16 kCodes = 128;
-    for (HX_U16 type = 0; type < kClasses; ++type) {
+    const auto texts = hxcodes::OwnCodes().events;
+    if (std::ranges::find(texts, key, &hxcodes::EventText::key) != texts.end()) return true;
+    for (const hxcodes::EventClassRow& row : hxcodes::kEventClasses) {
         Event event{};
-        event.Class = type;
-        for (HX_U16 code = 0; code < kCodes; ++code) {
-            event.Code = code;
+        event.Class = NumberOf(row.code);
+        for (; event.Code < kCodes; ++event.Code) {
             if (KeyOf(event) == key) return true;
         }
     }
-    Event error{};  // its code lies apart from the others
-    error.Code = hxsim::kEventError.code;
-    return KeyOf(error) == key;
+    return false;
 }
 
 struct WantedEvent {

@@ -70,26 +70,23 @@ std::string DiskWord(const Adapter& adapter, const Object& object) {
 }
 
 std::string VirtualDiskWord(const Adapter& adapter, const Object& object) {
-    return OrGone(hxsim::Find(adapter.virtual_disks, object.id), [&](const auto& row) {
-        return NameText(hxcodes::kStateNames, hxsim::StateOf(adapter, row));
-    });
+    return OrGone(hxsim::Find(adapter.virtual_disks, object.id),
+                  [&](const auto& row) { return NameOf(hxsim::StateOf(adapter, row)); });
 }
 
 std::string DiskGroupWord(const Adapter& adapter, const Object& object) {
-    return OrGone(hxsim::Find(adapter.disk_groups, object.id), [&](const auto& row) {
-        return NameText(hxcodes::kStateNames, hxsim::StateOf(adapter, row));
-    });
+    return OrGone(hxsim::Find(adapter.disk_groups, object.id),
+                  [&](const auto& row) { return NameOf(hxsim::StateOf(adapter, row)); });
 }
 
 std::string LevelWord(const Adapter& adapter, const Object& object) {
     return OrGone(hxsim::Find(adapter.virtual_disks, object.id),
-                  [](const auto& row) { return NameText(hxcodes::kLevelNames, row.level); });
+                  [](const auto& row) { return NameOf(row.level); });
 }
 
 std::string ElementWord(const Adapter& adapter, const Object& object) {
-    return OrGone(FindElement(adapter, object), [](const hxsim::Element& element) {
-        return NameText(hxcodes::kElementStatusNames, element.status);
-    });
+    return OrGone(FindElement(adapter, object),
+                  [](const hxsim::Element& element) { return NameOf(element.status); });
 }
 
 std::string AlarmWord(const Adapter& adapter, const Object&) {
@@ -207,8 +204,7 @@ Step ExpectBattery(const Words& words) {
 
 std::string DescribeActivity(const hxsim::Activity* activity, hxsim::Time now) {
     if (activity == nullptr) return "none";
-    return NameText(hxcodes::kActivityNames, activity->kind) + ' ' +
-           NameText(hxcodes::kActivityStateNames, activity->state) + ' ' +
+    return std::string(NameOf(activity->kind)) + ' ' + std::string(NameOf(activity->state)) + ' ' +
            std::to_string(hxsim::Percentage(*activity, now)) + '%';
 }
 
@@ -230,9 +226,9 @@ Owner OwnerOf(const Target& target) {
 }
 
 struct WantedActivity {
-    HX_U32 kind = 0;
-    std::optional<HX_U32> state;           // null: any
-    std::optional<std::uint64_t> percent;  // null: any
+    hxcodes::ActivityKind kind;
+    std::optional<hxcodes::ActivityState> state;  // null: any
+    std::optional<std::uint64_t> percent;         // null: any
 
     bool Is(const hxsim::Activity* activity, hxsim::Time now) const {
         if (activity == nullptr) {
@@ -248,15 +244,14 @@ Step ExpectActivity(const Words& words) {
     RequireForm(words.size() >= 3 && words.size() <= 5, "activity ADDRESS KIND [STATE] [PERCENT%]");
     const Target target = ParseTarget(words[1]);
     const Owner of = OwnerOf(target);
-    WantedActivity wanted{ParseName(hxcodes::kActivityNames, words[2], "activity"), {}, {}};
+    WantedActivity wanted{ParseCode<hxcodes::ActivityKind>(words[2], "activity"), {}, {}};
     std::string text = words[2];
     for (std::size_t i = 3; i < words.size(); ++i) {
         text += ' ' + words[i];
         if (const auto percent = PercentIn(words[i], "progress of an activity")) {
             wanted.percent = percent;
         } else {
-            wanted.state =
-                ParseName(hxcodes::kActivityStateNames, words[i], "state of an activity");
+            wanted.state = ParseCode<hxcodes::ActivityState>(words[i], "state of an activity");
         }
     }
     return [target, of, wanted, text](Story& story) {

@@ -58,21 +58,23 @@ std::string SizeText(hxsim::Sectors sectors) {
 
 std::string ReadingOf(const Element& element) {
     switch (element.type) {
-        case HX_ELEMENT_FAN:
+        case hxcodes::ElementType::kFan:
             return ", " + std::to_string(element.reading) + " rpm";
-        case HX_ELEMENT_TEMPERATURE:
+        case hxcodes::ElementType::kTemperature:
             // As SES sends it: 0 is unknown, else 20 more than there are degrees.
             return element.reading == 0 ? "" : ", " + std::to_string(element.reading - 20) + " C";
-        case HX_ELEMENT_VOLTAGE: {
+        case hxcodes::ElementType::kVoltage: {
             std::array<char, 32> text{};
             std::snprintf(text.data(), text.size(), ", %.2f V", element.reading / 100.0);
             return text.data();
         }
-        case HX_ELEMENT_ALARM:
+        case hxcodes::ElementType::kAlarm:
             return element.muted ? ", muted" : "";
-        default:
-            return "";
+        case hxcodes::ElementType::kPowerSupply:
+        case hxcodes::ElementType::kDoor:
+            break;
     }
+    return "";
 }
 
 class Tree {
@@ -101,7 +103,7 @@ private:
     }
 
     // What hangs on a device. An expander in a circle would be one on itself, which check finds.
-    void PrintDevices(int depth, HX_U8 parent, HX_U16 parent_id) {
+    void PrintDevices(int depth, hxcodes::Device parent, HX_U16 parent_id) {
         constexpr int kDeepest = 16;
         if (depth > kDeepest) return;
         const auto hangs = [&](const hxsim::Attachment& device) {
@@ -135,9 +137,8 @@ private:
         for (const Element& element : adapter_.elements) {
             if (element.enclosure != enclosure.id) continue;
             Line(depth + 1, address + "/el" + std::to_string(element.number))
-                << ": " << NameText(hxcodes::kElementTypeNames, element.type) << ", "
-                << NameText(hxcodes::kElementStatusNames, element.status) << ReadingOf(element)
-                << '\n';
+                << ": " << NameOf(element.type) << ", " << NameOf(element.status)
+                << ReadingOf(element) << '\n';
         }
     }
 
@@ -157,8 +158,8 @@ private:
 
     void PrintGroup(const DiskGroup& group) {
         Line(1, "dg" + std::to_string(group.id))
-            << ": " << NameText(hxcodes::kStateNames, hxsim::StateOf(adapter_, group)) << ", "
-            << NameText(hxcodes::kLevelNames, group.level) << " \"" << Shown(group.name) << "\" on";
+            << ": " << NameOf(hxsim::StateOf(adapter_, group)) << ", " << NameOf(group.level)
+            << " \"" << Shown(group.name) << "\" on";
         PrintDisks(Owner::kDiskGroup, group.id, group.width);
         PrintActivity(Owner::kDiskGroup, group.id);
         for (const VirtualDisk& virtual_disk : adapter_.virtual_disks) {
@@ -168,9 +169,9 @@ private:
 
     void PrintVirtualDisk(int depth, const VirtualDisk& virtual_disk) {
         Line(depth, "vd" + std::to_string(virtual_disk.id))
-            << ": " << NameText(hxcodes::kStateNames, hxsim::StateOf(adapter_, virtual_disk))
-            << ", " << NameText(hxcodes::kLevelNames, virtual_disk.level) << " \""
-            << Shown(virtual_disk.name) << "\", " << SizeText(virtual_disk.size);
+            << ": " << NameOf(hxsim::StateOf(adapter_, virtual_disk)) << ", "
+            << NameOf(virtual_disk.level) << " \"" << Shown(virtual_disk.name) << "\", "
+            << SizeText(virtual_disk.size);
         if (virtual_disk.group == hxsim::kNoId) {
             out_ << " on";
             PrintDisks(Owner::kVirtualDisk, virtual_disk.id, virtual_disk.width);
@@ -192,10 +193,10 @@ private:
 
     void PrintActivity(Owner of, HX_U16 owner) {
         if (const Activity* const activity = hxsim::ActivityOf(adapter_, of, owner)) {
-            out_ << ", " << NameText(hxcodes::kActivityNames, activity->kind) << ' '
-                 << hxsim::Percentage(*activity, now_) << '%';
+            out_ << ", " << NameOf(activity->kind) << ' ' << hxsim::Percentage(*activity, now_)
+                 << '%';
             if (activity->state != hxcodes::ActivityState::kRunning) {
-                out_ << ' ' << NameText(hxcodes::kActivityStateNames, activity->state);
+                out_ << ' ' << NameOf(activity->state);
             }
         }
         out_ << '\n';

@@ -1,6 +1,6 @@
 #include "story.h"
 
-#include "rules/hxsim_event_kinds.h"
+#include "codes/event.h"
 
 namespace hxsimctl {
 
@@ -11,7 +11,7 @@ Story::Story(Driver& driver) : driver_(driver) {
 }
 
 void Story::Keep(const Event& event) {
-    if (event.Class == hxsim::kEventError.type && event.Code == hxsim::kEventError.code) {
+    if (hxcodes::KindOf(event) == hxcodes::EventKind::kEventError) {
         return KeepLoss(event);
     }
     if (event.AdapterID >= next_.size() || event.SequenceNo < next_[event.AdapterID]) return;

@@ -18,9 +18,7 @@
 namespace hxsim {
 namespace {
 
-constexpr HX_U8 kMediaPatrolFeature = 0x10;  // of Adapter_Info::Features
-
-Activity ActivityFor(const Adapter& adapter, const VirtualDisk& virtual_disk, HX_U8 kind) {
+Activity ActivityFor(const Adapter& adapter, const VirtualDisk& virtual_disk, ActivityKind kind) {
     Activity activity;
     activity.kind = kind;
     activity.of = Owner::kVirtualDisk;
@@ -31,13 +29,13 @@ Activity ActivityFor(const Adapter& adapter, const VirtualDisk& virtual_disk, HX
 
 // ---- Rebuilds ----
 
-HX_U8 CanBeRebuilt(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+Status CanBeRebuilt(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     if (!IsRedundant(virtual_disk.level)) return Status::kNotRedundant;
-    const HX_U8 state = StateOf(adapter, virtual_disk);
+    const State state = StateOf(adapter, virtual_disk);
     if (state != State::kDegraded && state != State::kPartiallyOptimal) {
         return Status::kWrongState;
     }
-    return MayRebuild(adapter, virtual_disk) ? HX_U8{HX_SUCCESS} : HX_U8{Status::kBusy};
+    return MayRebuild(adapter, virtual_disk) ? Status::kSuccess : Status::kBusy;
 }
 
 // Whether the disk carries a lost block of the virtual disk, which can be rebuilt where it is.
@@ -59,9 +57,9 @@ bool NamesTwice(std::span<const HX_U16> disks) {
     return std::ranges::adjacent_find(sorted) != sorted.end();
 }
 
-HX_U8 CheckDisks(const Adapter& adapter, std::span<const HX_U16> disks) {
+Status CheckDisks(const Adapter& adapter, std::span<const HX_U16> disks) {
     if (!IsThere(adapter, disks)) return Status::kNoDisk;
-    return NamesTwice(disks) ? HX_U8{Status::kDiskRepeated} : HX_U8{HX_SUCCESS};
+    return NamesTwice(disks) ? Status::kDiskRepeated : Status::kSuccess;
 }
 
 // Positions of a virtual disk, or of a disk group, that need a disk, from the lowest on.
@@ -86,43 +84,44 @@ std::vector<HX_U8> Vacant(const Adapter& adapter, const DiskGroup& group) {
 
 // Puts disks that can serve into vacant positions, one into each.
 template <class Array>
-HX_U8 Occupy(Adapter& adapter, Time now, const Array& array, std::span<const HX_U16> disks) {
+Status Occupy(Adapter& adapter, Time now, const Array& array, std::span<const HX_U16> disks) {
     const std::vector<HX_U8> vacant = Vacant(adapter, array);
     for (const HX_U16 disk : disks) {
-        const HX_U8 refusal = CanServe(adapter, array, *Find(adapter.disks, disk));
-        if (refusal != HX_SUCCESS) return refusal;
+        const Status refusal = CanServe(adapter, array, *Find(adapter.disks, disk));
+        if (refusal != Status::kSuccess) return refusal;
     }
     if (disks.size() > vacant.size()) return Status::kBadDiskCount;
     for (std::size_t i = 0; i < disks.size(); ++i) {
         PutInto(adapter, now, array, vacant[i], disks[i]);
     }
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 StartRebuildOf(Adapter& adapter, Time now, const LD_DG_Rebuild_Param& param) {
+Status StartRebuildOf(Adapter& adapter, Time now, const LD_DG_Rebuild_Param& param) {
     if (param.PDCount > HX_MAX_HDS) return Status::kBadCount;
     const std::span<const HX_U16> disks(param.PDIDs, param.PDCount);
-    switch (param.RebuildType) {
+    const auto type = ToCode<RebuildType>(param.RebuildType);
+    if (!type) return Status::kBadAction;
+    switch (*type) {
         case RebuildType::kVirtualDisk:
             return RebuildVirtualDisk(adapter, now, param.ID, disks);
         case RebuildType::kDiskGroup:
-            return RebuildDiskGroup(adapter, now, param.ID, disks);
-        default:
-            return Status::kBadAction;
+            break;
     }
+    return RebuildDiskGroup(adapter, now, param.ID, disks);
 }
 
 // ---- Disks ----
 
-HX_U8 CanBeRead(const Adapter& adapter, HX_U16 id) {
+Status CanBeRead(const Adapter& adapter, HX_U16 id) {
     const Disk* const disk = FindListed(adapter, id);
     if (disk == nullptr) return Status::kNoDisk;
     if (!IsReady(*disk)) return Status::kDiskNotReady;
     const bool busy = ActivityOf(adapter, Owner::kDisk, id) != nullptr;
-    return busy ? HX_U8{Status::kBusy} : HX_U8{HX_SUCCESS};
+    return busy ? Status::kBusy : Status::kSuccess;
 }
 
-void StartOnDisk(Adapter& adapter, Time now, HX_U16 id, HX_U8 kind) {
+void StartOnDisk(Adapter& adapter, Time now, HX_U16 id, ActivityKind kind) {
     Activity activity;
     activity.kind = kind;
     activity.of = Owner::kDisk;
@@ -133,65 +132,69 @@ void StartOnDisk(Adapter& adapter, Time now, HX_U16 id, HX_U8 kind) {
 
 }  // namespace
 
-HX_U8 KindOfInitialisation(HX_U8 type) {
-    switch (type) {
+std::optional<ActivityKind> KindOfInitialisation(HX_U8 type) {
+    const auto init = ToCode<Init>(type);
+    if (!init) return std::nullopt;
+    switch (*init) {
         case Init::kQuick:
             return ActivityKind::kInitQuick;
         case Init::kForeground:
             return ActivityKind::kInitForeground;
         case Init::kBackground:
             return ActivityKind::kInitBackground;
-        default:
-            return ActivityKind::kNone;
+        case Init::kNone:
+            break;
     }
+    return std::nullopt;
 }
 
-HX_U8 StartInitialisation(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
+Status StartInitialisation(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
     VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
     if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
-    const HX_U8 kind = KindOfInitialisation(type);
-    if (kind == ActivityKind::kNone) return Status::kBadAction;
+    const auto kind = KindOfInitialisation(type);
+    if (!kind) return Status::kBadAction;
     if (IsBusy(adapter, *virtual_disk)) return Status::kBusy;
     if (StateOf(adapter, *virtual_disk) != State::kOptimal) return Status::kWrongState;
     virtual_disk->initialised = false;
-    Start(adapter, now, ActivityFor(adapter, *virtual_disk, kind));
-    return HX_SUCCESS;
+    Start(adapter, now, ActivityFor(adapter, *virtual_disk, *kind));
+    return Status::kSuccess;
 }
 
-HX_U8 StartCheck(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
+Status StartCheck(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
     const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
     if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
-    if (type != CheckType::kOnly && type != CheckType::kAndFix) return Status::kBadAction;
+    if (!ToCode<CheckType>(type)) return Status::kBadAction;
     if (!IsRedundant(virtual_disk->level)) return Status::kNotRedundant;
     if (IsBusy(adapter, *virtual_disk)) return Status::kBusy;
     // Without all its disks, or before it has been initialised, nothing is there to agree.
     if (StateOf(adapter, *virtual_disk) != State::kOptimal || !virtual_disk->initialised) {
         return Status::kWrongState;
     }
-    const HX_U8 kind = type == CheckType::kOnly ? ActivityKind::kCheck : ActivityKind::kFix;
+    const ActivityKind kind = type == CheckType::kOnly ? ActivityKind::kCheck : ActivityKind::kFix;
     Start(adapter, now, ActivityFor(adapter, *virtual_disk, kind));
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 StartMediaPatrol(Adapter& adapter, Time now, HX_U16 disk) {
-    const HX_U8 refusal = CanPatrol(adapter, disk);
-    if (refusal != HX_SUCCESS) return refusal;
+Status StartMediaPatrol(Adapter& adapter, Time now, HX_U16 disk) {
+    const Status refusal = CanPatrol(adapter, disk);
+    if (refusal != Status::kSuccess) return refusal;
     StartOnDisk(adapter, now, disk, ActivityKind::kMediaPatrol);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 StartDataScrub(Adapter& adapter, Time now, HX_U16 disk) {
-    const HX_U8 refusal = CanBeRead(adapter, disk);
-    if (refusal != HX_SUCCESS) return refusal;
+Status StartDataScrub(Adapter& adapter, Time now, HX_U16 disk) {
+    const Status refusal = CanBeRead(adapter, disk);
+    if (refusal != Status::kSuccess) return refusal;
     StartOnDisk(adapter, now, disk, ActivityKind::kDataScrub);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 RebuildVirtualDisk(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks) {
+Status RebuildVirtualDisk(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks) {
     const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
     if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
-    if (const HX_U8 refusal = CheckDisks(adapter, disks); refusal != HX_SUCCESS) return refusal;
-    if (const HX_U8 refusal = CanBeRebuilt(adapter, *virtual_disk); refusal != HX_SUCCESS) {
+    if (const Status refusal = CheckDisks(adapter, disks); refusal != Status::kSuccess)
+        return refusal;
+    if (const Status refusal = CanBeRebuilt(adapter, *virtual_disk); refusal != Status::kSuccess) {
         return refusal;
     }
     std::vector<HX_U16> others;
@@ -204,20 +207,21 @@ HX_U8 RebuildVirtualDisk(Adapter& adapter, Time now, HX_U16 id, std::span<const 
     }
     if (!others.empty()) {
         if (virtual_disk->group != kNoId) return Status::kOnDiskGroup;
-        const HX_U8 refusal = Occupy(adapter, now, *virtual_disk, others);
-        if (refusal != HX_SUCCESS) return refusal;
+        const Status refusal = Occupy(adapter, now, *virtual_disk, others);
+        if (refusal != Status::kSuccess) return refusal;
     }
     if (!HasBlocksToRebuild(adapter, *virtual_disk, true)) return Status::kBadDiskCount;
     StartRebuild(adapter, now, id);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks) {
+Status RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks) {
     const DiskGroup* const group = Find(adapter.disk_groups, id);
     if (group == nullptr) return Status::kNoDiskGroup;
-    if (const HX_U8 refusal = CheckDisks(adapter, disks); refusal != HX_SUCCESS) return refusal;
+    if (const Status refusal = CheckDisks(adapter, disks); refusal != Status::kSuccess)
+        return refusal;
     if (!IsRedundant(group->level)) return Status::kNotRedundant;
-    const HX_U8 state = StateOf(adapter, *group);
+    const State state = StateOf(adapter, *group);
     if (state != State::kDegraded && state != State::kPartiallyOptimal) {
         return Status::kWrongState;
     }
@@ -227,7 +231,7 @@ HX_U8 RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX
         members.push_back(each.id);
         // One that has been rebuilt before the others may have nothing to be done.
         if (StateOf(adapter, each) == State::kOptimal) continue;
-        if (const HX_U8 refusal = CanBeRebuilt(adapter, each); refusal != HX_SUCCESS) {
+        if (const Status refusal = CanBeRebuilt(adapter, each); refusal != Status::kSuccess) {
             return refusal;
         }
     }
@@ -239,7 +243,7 @@ HX_U8 RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX
             return Status::kDiskNotReady;
         }
     }
-    if (const HX_U8 refusal = Occupy(adapter, now, *group, others); refusal != HX_SUCCESS) {
+    if (const Status refusal = Occupy(adapter, now, *group, others); refusal != Status::kSuccess) {
         return refusal;
     }
     bool any = members.empty() && !others.empty();
@@ -248,59 +252,57 @@ HX_U8 RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX
         StartRebuild(adapter, now, member);
         any = true;
     }
-    return any ? HX_U8{HX_SUCCESS} : HX_U8{Status::kBadDiskCount};
+    return any ? Status::kSuccess : Status::kBadDiskCount;
 }
 
-HX_U8 Control(Adapter& adapter, Time now, Owner of, HX_U16 owner, HX_U8 action) {
-    if (action != ControlAction::kPause && action != ControlAction::kResume &&
-        action != ControlAction::kAbort) {
-        return Status::kBadAction;
-    }
+Status Control(Adapter& adapter, Time now, Owner of, HX_U16 owner, HX_U8 action) {
+    const auto wanted = ToCode<ControlAction>(action);
+    if (!wanted) return Status::kBadAction;
     Activity* const activity = ActivityOf(adapter, of, owner);
     if (activity == nullptr) return Status::kNoActivity;
-    const HX_U8 state = activity->state;
-    switch (action) {
+    switch (*wanted) {
         case ControlAction::kPause:
             return Pause(adapter, now, *activity);
         case ControlAction::kResume:
-            if (state == ActivityState::kRunning) return Status::kNoChange;
+            if (activity->state == ActivityState::kRunning) return Status::kNoChange;
             // What has made the controller pause it is still there.
-            if (state == ActivityState::kAutoPaused) return Status::kWrongState;
+            if (activity->state == ActivityState::kAutoPaused) return Status::kWrongState;
             Resume(adapter, now, *activity);
-            return HX_SUCCESS;
-        default:
-            Abort(adapter, now, activity->id);
-            return HX_SUCCESS;
+            return Status::kSuccess;
+        case ControlAction::kAbort:
+            break;
     }
+    Abort(adapter, now, activity->id);
+    return Status::kSuccess;
 }
 
-HX_U8 ControlGroup(Adapter& adapter, Time now, HX_U16 id, HX_U8 action) {
+Status ControlGroup(Adapter& adapter, Time now, HX_U16 id, HX_U8 action) {
     if (Find(adapter.disk_groups, id) == nullptr) return Status::kNoDiskGroup;
-    const HX_U8 own = Control(adapter, now, Owner::kDiskGroup, id, action);
+    const Status own = Control(adapter, now, Owner::kDiskGroup, id, action);
     if (own != Status::kNoActivity) return own;
-    HX_U8 result = Status::kNoActivity;
+    Status result = Status::kNoActivity;
     for (const VirtualDisk& each : adapter.virtual_disks) {
         if (each.group != id) continue;
-        const HX_U8 status = Control(adapter, now, Owner::kVirtualDisk, each.id, action);
-        // One of them is enough; when there is none, what keeps the first from it is told.
-        if (status == HX_SUCCESS || result == Status::kNoActivity) result = status;
+        const Status status = Control(adapter, now, Owner::kVirtualDisk, each.id, action);
+        // One success is enough; without any, the first refusal is the result.
+        if (status == Status::kSuccess || result == Status::kNoActivity) result = status;
     }
     return result;
 }
 
 // Pausing is what is asked for: it has been done, too, when nothing runs.
-HX_U8 PauseAll(Adapter& adapter, Time now) {
+Status PauseAll(Adapter& adapter, Time now) {
     for (Activity& each : adapter.activities) {
         if (each.of != Owner::kDisk) Pause(adapter, now, each);
     }
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 CanPatrol(const Adapter& adapter, HX_U16 id) {
-    const HX_U8 refusal = CanBeRead(adapter, id);
-    if (refusal != HX_SUCCESS) return refusal;
-    const bool offered = (adapter.info.Features & kMediaPatrolFeature) != 0;
-    return offered ? HX_U8{HX_SUCCESS} : HX_U8{Status::kNotSupported};
+Status CanPatrol(const Adapter& adapter, HX_U16 id) {
+    const Status refusal = CanBeRead(adapter, id);
+    if (refusal != Status::kSuccess) return refusal;
+    const bool offered = (adapter.info.Features & RowOf(Rate::kMediaPatrol).feature) != 0;
+    return offered ? Status::kSuccess : Status::kNotSupported;
 }
 
 }  // namespace hxsim
@@ -327,7 +329,7 @@ HX_U8 HX_LD_StartRebuild(HX_U8 AdapterID, HX_U16 LD_ID, HX_U16 Rebuild_HD_ID) {
 
 HX_U8 HX_LD_DG_StartRebuild(HX_U8 AdapterID, LD_DG_Rebuild_Param* param) {
     return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
                              if (param == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::StartRebuildOf(adapter, now, *param);
                          });
@@ -335,7 +337,7 @@ HX_U8 HX_LD_DG_StartRebuild(HX_U8 AdapterID, LD_DG_Rebuild_Param* param) {
 
 HX_U8 HX_LD_BGAControl(HX_U8 AdapterID, HX_U16 LD_ID, HX_U8 Actions) {
     return hxsim::Change(
-        __func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+        __func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
             if (hxsim::Find(adapter.virtual_disks, LD_ID) == nullptr)
                 return hxcodes::Status::kNoVirtualDisk;
             return hxsim::Control(adapter, now, hxsim::Owner::kVirtualDisk, LD_ID, Actions);
@@ -376,7 +378,7 @@ HX_U8 HX_PD_StartDataScrub(HX_U8 AdapterID, HX_U16 HD_ID) {
 
 HX_U8 HX_PD_BGAControl(HX_U8 AdapterID, HX_U16 HD_ID, HX_U8 Action) {
     return hxsim::Change(
-        __func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+        __func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
             if (hxsim::FindListed(adapter, HD_ID) == nullptr) return hxcodes::Status::kNoDisk;
             return hxsim::Control(adapter, now, hxsim::Owner::kDisk, HD_ID, Action);
         });

@@ -13,21 +13,28 @@
 namespace hxsim {
 namespace {
 
-// A rate, the bit of Adapter_Info::Features that lets it be set (0: always), and its event.
-struct Rate {
-    HX_U8 Adapter_Config_V2::*setting;
-    HX_U8 feature;
-    EventKind changed;
-};
-constexpr Rate kRates[] = {
-    {&Adapter_Config_V2::BGARate, 0, kBackgroundRateChanged},
-    {&Adapter_Config_V2::SyncRate, 0x04, kSyncRateChanged},
-    {&Adapter_Config_V2::InitRate, 0x02, kInitRateChanged},
-    {&Adapter_Config_V2::RebuildRate, 0x01, kRebuildRateChanged},
-    {&Adapter_Config_V2::MigrationRate, 0x08, kMigrationRateChanged},
-    {&Adapter_Config_V2::CopybackRate, 0x40, kCopybackRateChanged},
-    {&Adapter_Config_V2::MediaPatrolRate, 0x10, kMediaPatrolRateChanged},
-};
+using hxcodes::kRates;
+using hxcodes::RateRow;
+
+EventKind ChangeOf(Rate rate) {
+    switch (rate) {
+        case Rate::kGeneral:
+            break;
+        case Rate::kSync:
+            return EventKind::kSyncRateChanged;
+        case Rate::kInit:
+            return EventKind::kInitRateChanged;
+        case Rate::kRebuild:
+            return EventKind::kRebuildRateChanged;
+        case Rate::kMigration:
+            return EventKind::kMigrationRateChanged;
+        case Rate::kCopyback:
+            return EventKind::kCopybackRateChanged;
+        case Rate::kMediaPatrol:
+            return EventKind::kMediaPatrolRateChanged;
+    }
+    return EventKind::kBackgroundRateChanged;
+}
 
 // A switch and its events.
 struct Switch {
@@ -35,10 +42,10 @@ struct Switch {
     EventKind on, off;
 };
 constexpr Switch kSwitches[] = {
-    {&Adapter_Config_V2::AlarmOn, kAlarmOn, kAlarmOff},
-    {&Adapter_Config_V2::AutoRebuildOn, kAutoRebuildOn, kAutoRebuildOff},
-    {&Adapter_Config_V2::PollSMARTStatus, kSmartPollingOn, kSmartPollingOff},
-    {&Adapter_Config_V2::CopyBack, kCopybackSetOn, kCopybackSetOff},
+    {&Adapter_Config_V2::AlarmOn, EventKind::kAlarmOn, EventKind::kAlarmOff},
+    {&Adapter_Config_V2::AutoRebuildOn, EventKind::kAutoRebuildOn, EventKind::kAutoRebuildOff},
+    {&Adapter_Config_V2::PollSMARTStatus, EventKind::kSmartPollingOn, EventKind::kSmartPollingOff},
+    {&Adapter_Config_V2::CopyBack, EventKind::kCopybackSetOn, EventKind::kCopybackSetOff},
 };
 
 // Of these two-valued settings only 0 and 1 are known; what is declared HX_BOOLEAN takes every
@@ -50,21 +57,20 @@ constexpr HX_BOOLEAN Adapter_Config_V2::*kBooleans[] = {&Adapter_Config_V2::Alar
                                                         &Adapter_Config_V2::AutoRebuildOn,
                                                         &Adapter_Config_V2::v_atapi_disable};
 
-HX_U8 CheckSettings(const Adapter& adapter, const Adapter_Config_V2& config) {
-    for (const Rate& rate : kRates) {
+Status CheckSettings(const Adapter& adapter, const Adapter_Config_V2& config) {
+    for (const RateRow& rate : kRates) {
         if (config.*rate.setting > 100) return Status::kBadValue;
     }
     for (const auto setting : kZeroOrOne) {
         if (config.*setting > 1) return Status::kBadValue;
     }
-    for (const Rate& rate : kRates) {
+    for (const RateRow& rate : kRates) {
         const bool can_be_set = (adapter.info.Features & rate.feature) == rate.feature;
         const bool changes = config.*rate.setting != adapter.config.*rate.setting;
         if (changes && !can_be_set) return Status::kNotSupported;
     }
     const bool wants_alarm = config.AlarmOn != 0 && adapter.config.AlarmOn == 0;
-    return wants_alarm && adapter.info.AlarmSupport == 0 ? HX_U8{Status::kNotSupported}
-                                                         : HX_U8{HX_SUCCESS};
+    return wants_alarm && adapter.info.AlarmSupport == 0 ? Status::kNotSupported : Status::kSuccess;
 }
 
 void AnnounceSettings(Adapter& adapter, Time now, const Adapter_Config_V2& before) {
@@ -73,14 +79,14 @@ void AnnounceSettings(Adapter& adapter, Time now, const Adapter_Config_V2& befor
         if (value == before.*each.setting) continue;
         Queue(adapter, now, value != 0 ? each.on : each.off, adapter.id);
     }
-    for (const Rate& rate : kRates) {
+    for (const RateRow& rate : kRates) {
         const HX_U8 value = adapter.config.*rate.setting;
         if (value == before.*rate.setting) continue;
-        Queue(adapter, now, rate.changed, adapter.id, {value});
+        Queue(adapter, now, ChangeOf(rate.code), adapter.id, {value});
     }
 }
 
-HX_U8 GetInfo(const Adapter& adapter, HX_U8* count, Adapter_Info* info) {
+Status GetInfo(const Adapter& adapter, HX_U8* count, Adapter_Info* info) {
     if (count == nullptr || info == nullptr) return Status::kNullAddress;
     *info = adapter.info;
     *count = 1;
@@ -88,10 +94,10 @@ HX_U8 GetInfo(const Adapter& adapter, HX_U8* count, Adapter_Info* info) {
         MakeRecordHostile(info, sizeof *info);
         *count = 255;
     }
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 GetSettings(const Adapter& adapter, HX_U8* count, Adapter_Config_V2* config) {
+Status GetSettings(const Adapter& adapter, HX_U8* count, Adapter_Config_V2* config) {
     if (count == nullptr || config == nullptr) return Status::kNullAddress;
     *config = adapter.config;
     *count = 1;
@@ -99,14 +105,14 @@ HX_U8 GetSettings(const Adapter& adapter, HX_U8* count, Adapter_Config_V2* confi
         MakeRecordHostile(config, sizeof *config);
         *count = 255;
     }
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 }  // namespace
 
-HX_U8 SetAdapter(Adapter& adapter, Time now, const Adapter_Config_V2& config) {
-    const HX_U8 status = CheckSettings(adapter, config);
-    if (status != HX_SUCCESS) return status;
+Status SetAdapter(Adapter& adapter, Time now, const Adapter_Config_V2& config) {
+    const Status status = CheckSettings(adapter, config);
+    if (status != Status::kSuccess) return status;
     const Adapter_Config_V2 before = adapter.config;
     adapter.config = config;
     for (const auto setting : kBooleans) adapter.config.*setting = config.*setting != 0;
@@ -114,15 +120,15 @@ HX_U8 SetAdapter(Adapter& adapter, Time now, const Adapter_Config_V2& config) {
     AnnounceSettings(adapter, now, before);
     UpdateAlarm(adapter, false);
     Reschedule(adapter, now);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 Mute(Adapter& adapter) {
+Status Mute(Adapter& adapter) {
     if (adapter.info.AlarmSupport == 0) return Status::kNotSupported;
     adapter.muted = true;
     // With nothing wrong there is nothing to be silenced, and the next alarm sounds.
     UpdateAlarm(adapter, false);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 }  // namespace hxsim
@@ -140,7 +146,7 @@ HX_U8 HX_Adapter_GetConfig(HX_U8 AdapterID, HX_U8* count, Adapter_Config_V2* con
 }
 
 HX_U8 HX_Adapter_SetConfig(HX_U8 AdapterID, Adapter_Config_V2* config) {
-    const auto work = [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+    const auto work = [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
         if (config == nullptr) return hxcodes::Status::kNullAddress;
         return hxsim::SetAdapter(adapter, now, *config);
     };

@@ -21,7 +21,7 @@ Battery* BatteryOf(Adapter& adapter) {
 
 }  // namespace
 
-HX_U8 SetThreshold(Adapter& adapter, Time now, HX_U8 kind, HX_U16 lower, HX_U16 upper) {
+Status SetThreshold(Adapter& adapter, Time now, HX_U8 kind, HX_U16 lower, HX_U16 upper) {
     const Battery* const battery = BatteryOf(adapter);
     if (battery == nullptr) return Status::kNoBattery;
     if ((battery->info.featureSupport & BatteryFeature::kThresholds) == 0)
@@ -33,7 +33,7 @@ HX_U8 SetThreshold(Adapter& adapter, Time now, HX_U8 kind, HX_U16 lower, HX_U16 
                 changed.info.temp_lowerbound = lower;
                 changed.info.temp_upperbound = upper;
             });
-            return HX_SUCCESS;
+            return Status::kSuccess;
         case HX_BBU_THRESHOLD_VOLTAGE:
             if (lower >= upper || lower < kLowestVoltage || upper > kHighestVoltage) {
                 return Status::kBadValue;
@@ -42,57 +42,59 @@ HX_U8 SetThreshold(Adapter& adapter, Time now, HX_U8 kind, HX_U16 lower, HX_U16 
                 changed.info.volt_lowerbound = lower;
                 changed.info.volt_upperbound = upper;
             });
-            return HX_SUCCESS;
+            return Status::kSuccess;
         default:
             return Status::kBadAction;
     }
 }
 
-HX_U8 ChangePower(Adapter& adapter, Time now, HX_U8 action) {
+Status ChangePower(Adapter& adapter, Time now, HX_U8 action) {
     const Battery* const battery = BatteryOf(adapter);
     if (battery == nullptr) return Status::kNoBattery;
-    if (action > Power::kDischarge) return Status::kBadAction;
+    const auto power = ToCode<Power>(action);
+    if (!power) return Status::kBadAction;
     if (Relearns(battery->phase)) return Status::kBusy;
     const HX_U16 charge = ChargeAt(*battery, now);
-    const auto enter = [&](BatteryPhase phase, const EventKind& event) {
+    const auto enter = [&](BatteryPhase phase, EventKind event) {
         Queue(adapter, now, event, kBattery);
         ChangeBattery(adapter, now, [&](Battery& changed) { changed.phase = phase; });
-        return HX_U8{HX_SUCCESS};
+        return Status::kSuccess;
     };
-    switch (action) {
+    switch (*power) {
         case Power::kCharge:
             if (Charges(battery->phase) || charge >= Capacity(*battery)) return Status::kNoChange;
-            return enter(BatteryPhase::kCharging, kBatteryStartedCharging);
+            return enter(BatteryPhase::kCharging, EventKind::kBatteryStartedCharging);
         case Power::kDischarge:
             if (Discharges(battery->phase) || charge == 0) return Status::kNoChange;
-            return enter(BatteryPhase::kDischarging, kBatteryDischarging);
-        default:
-            if ((battery->info.featureSupport & BatteryFeature::kRelearn) == 0) {
-                return Status::kNotSupported;
-            }
-            return enter(BatteryPhase::kRelearnDischarging, kBatteryRelearnStarted);
+            return enter(BatteryPhase::kDischarging, EventKind::kBatteryDischarging);
+        case Power::kRelearn:
+            break;
     }
+    if ((battery->info.featureSupport & BatteryFeature::kRelearn) == 0) {
+        return Status::kNotSupported;
+    }
+    return enter(BatteryPhase::kRelearnDischarging, EventKind::kBatteryRelearnStarted);
 }
 
-HX_U8 SwitchBattery(Adapter& adapter, Time now, bool on) {
+Status SwitchBattery(Adapter& adapter, Time now, bool on) {
     const Battery* const battery = BatteryOf(adapter);
     if (battery == nullptr) return Status::kNoBattery;
     if (battery->switched_on == on) return Status::kNoChange;
     ChangeBattery(adapter, now, [&](Battery& changed) { changed.switched_on = on; });
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 }  // namespace hxsim
 
 HX_U8 HX_BBU_GetInfo(HX_U8 AdapterID, BBU_Info* info) {
-    const auto work = [&](const hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+    const auto work = [&](const hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
         if (info == nullptr) return hxcodes::Status::kNullAddress;
         if (adapter.batteries.empty() || !adapter.batteries.front().present) {
             return hxcodes::Status::kNoBattery;
         }
         *info = hxsim::Describe(adapter.batteries.front(), now);
         if (hxsim::IsHostile()) hxsim::MakeRecordHostile(info, sizeof *info);
-        return HX_SUCCESS;
+        return hxcodes::Status::kSuccess;
     };
     return hxsim::Look(__func__, AdapterID, work);
 }

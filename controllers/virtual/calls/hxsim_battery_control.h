@@ -5,9 +5,9 @@
 
 namespace hxsim {
 
-/// Each returns HX_SUCCESS, or refuses with the battery as it was.
-HX_U8 SetThreshold(Adapter& adapter, Time now, HX_U8 kind, HX_U16 lower, HX_U16 upper);
-HX_U8 ChangePower(Adapter& adapter, Time now, HX_U8 action);  // Power
-HX_U8 SwitchBattery(Adapter& adapter, Time now, bool on);
+/// Each returns Status::kSuccess, or refuses with the battery as it was.
+Status SetThreshold(Adapter& adapter, Time now, HX_U8 kind, HX_U16 lower, HX_U16 upper);
+Status ChangePower(Adapter& adapter, Time now, HX_U8 action);  // Power
+Status SwitchBattery(Adapter& adapter, Time now, bool on);
 
 }  // namespace hxsim

@@ -12,9 +12,9 @@
 namespace hxsim {
 namespace {
 
-HX_U8 StateOn(const Disk& disk, const Block& block) {
+State StateOn(const Disk& disk, const Block& block) {
     if (disk.foreign) return State::kForeign;
-    return IsReady(disk) ? block.state : HX_U8{State::kOffline};
+    return IsReady(disk) ? block.state : State::kOffline;
 }
 
 void DescribeBlock(const Disk& disk, const DiskRole& role, const Block& block, Block_Info& info) {
@@ -24,7 +24,7 @@ void DescribeBlock(const Disk& disk, const DiskRole& role, const Block& block, B
     if (role.of_group) info.Flags |= BlockBit::kOfGroup;
     if (block.target) info.Flags |= BlockBit::kTarget;
     info.LDID = block.virtual_disk;
-    info.Status = StateOn(disk, block);
+    info.Status = NumberOf(StateOn(disk, block));
     info.BlockSize = 512;
     info.StartLBA.value = block.start;
     info.Size.value = block.sectors;
@@ -36,7 +36,7 @@ std::vector<HD_Block_Info> BlocksByDisk(const Adapter& adapter) {
     for (const Disk& disk : adapter.disks) {
         HD_Block_Info& blocks = all.emplace_back();
         blocks.ID = disk.id;
-        blocks.Type = Device::kDisk;
+        blocks.Type = NumberOf(Device::kDisk);
         std::ranges::fill(blocks.BlockIDs, kNoId);
     }
     std::vector<std::size_t> listed(all.size());

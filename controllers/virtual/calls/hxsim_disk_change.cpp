@@ -18,17 +18,17 @@ bool CanBeSwitched(const Disk& disk) { return Answers(disk) && !disk.foreign; }
 void Switch(Adapter& adapter, Time now, Disk& disk, bool online) {
     if (disk.offline != online) return;
     disk.offline = !online;
-    Queue(adapter, now, online ? kDiskOnline : kDiskOffline, disk.id);
+    Queue(adapter, now, online ? EventKind::kDiskOnline : EventKind::kDiskOffline, disk.id);
 }
 
 // What it was before it stepped in is part of what is taken off it, too.
 void MakeNoSpare(Adapter& adapter, Time now, Disk& disk) {
-    if (disk.spare != Spare::kNone) Queue(adapter, now, kSpareRemoved, disk.id);
+    if (disk.spare != Spare::kNone) Queue(adapter, now, EventKind::kSpareRemoved, disk.id);
     disk.spare = disk.spare_before = Spare::kNone;
     disk.spare_group = disk.spare_group_before = kNoId;
 }
 
-HX_U8 SetFree(Adapter& adapter, Time now, Disk& disk) {
+Status SetFree(Adapter& adapter, Time now, Disk& disk) {
     if (!disk.present) return Status::kDiskNotReady;
     const bool configured = IsConfigured(adapter, disk.id);
     if (!disk.failed && !disk.foreign) {
@@ -39,24 +39,24 @@ HX_U8 SetFree(Adapter& adapter, Time now, Disk& disk) {
     if (configured) DropContents(adapter, now, disk.id);
     MakeNoSpare(adapter, now, disk);
     disk.failed = disk.foreign = disk.offline = false;
-    Queue(adapter, now, kDiskSetFree, disk.id);
-    return HX_SUCCESS;
+    Queue(adapter, now, EventKind::kDiskSetFree, disk.id);
+    return Status::kSuccess;
 }
 
-HX_U8 Switch(Adapter& adapter, Time now, HX_U16 id, bool online) {
+Status Switch(Adapter& adapter, Time now, HX_U16 id, bool online) {
     Disk& disk = *Find(adapter.disks, id);
     if (!CanBeSwitched(disk)) return Status::kDiskNotReady;
     if (disk.offline != online) return Status::kNoChange;
     Switch(adapter, now, disk, online);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 // Whether the disk can become the spare that is asked for.
-HX_U8 CheckSpare(const Adapter& adapter, const Disk& disk, Spare spare, HX_U16 group) {
+Status CheckSpare(const Adapter& adapter, const Disk& disk, Spare spare, HX_U16 group) {
     if (!IsReady(disk)) return Status::kDiskNotReady;
     if (IsConfigured(adapter, disk.id)) return Status::kDiskInUse;
     if (disk.spare == spare && disk.spare_group == group) return Status::kNoChange;
-    return disk.spare == Spare::kNone ? HX_SUCCESS : Status::kDiskTaken;
+    return disk.spare == Spare::kNone ? Status::kSuccess : Status::kDiskTaken;
 }
 
 // A spare that has stepped in comes back, so that its place is kept.
@@ -70,12 +70,12 @@ void MakeSpare(Adapter& adapter, Time now, Disk& disk, Spare spare, HX_U16 group
     disk.spare_group = group;
     disk.spare_before = Spare::kNone;
     disk.spare_group_before = kNoId;
-    Queue(adapter, now, kSpareAssigned, disk.id);
+    Queue(adapter, now, EventKind::kSpareAssigned, disk.id);
 }
 
 }  // namespace
 
-HX_U8 SetDisk(Adapter& adapter, Time now, HX_U16 id, const HD_Config& config) {
+Status SetDisk(Adapter& adapter, Time now, HX_U16 id, const HD_Config& config) {
     Disk* const disk = FindListed(adapter, id);
     if (disk == nullptr) return Status::kNoDisk;
     if (!CanBeSwitched(*disk)) return Status::kDiskNotReady;
@@ -83,10 +83,10 @@ HX_U8 SetDisk(Adapter& adapter, Time now, HX_U16 id, const HD_Config& config) {
     SetWriteCache(adapter, now, id, config.WriteCacheOn != 0);
     disk->smart_on = config.SMARTOn != 0;
     Switch(adapter, now, *disk, config.Online != 0);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 WipeDisk(Adapter& adapter, Time now, HX_U16 id, bool force) {
+Status WipeDisk(Adapter& adapter, Time now, HX_U16 id, bool force) {
     Disk* const disk = FindListed(adapter, id);
     if (disk == nullptr) return Status::kNoDisk;
     if (!Answers(*disk)) return Status::kDiskNotReady;
@@ -95,60 +95,61 @@ HX_U8 WipeDisk(Adapter& adapter, Time now, HX_U16 id, bool force) {
     if (configured) DropContents(adapter, now, id);
     MakeNoSpare(adapter, now, *disk);
     disk->foreign = false;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 SetDiskState(Adapter& adapter, Time now, HX_U16 id, HX_U8 action) {
+Status SetDiskState(Adapter& adapter, Time now, HX_U16 id, HX_U8 action) {
     Disk* const disk = FindListed(adapter, id);
     if (disk == nullptr) return Status::kNoDisk;
-    switch (action) {
+    const auto wanted = ToCode<DiskAction>(action);
+    if (!wanted) return Status::kBadAction;
+    switch (*wanted) {
         case DiskAction::kOnline:
             return Switch(adapter, now, id, true);
         case DiskAction::kOffline:
             return Switch(adapter, now, id, false);
         case DiskAction::kFree:
-            return SetFree(adapter, now, *disk);
-        default:
-            return Status::kBadAction;
+            break;
     }
+    return SetFree(adapter, now, *disk);
 }
 
-HX_U8 MakeGlobalSpare(Adapter& adapter, Time now, HX_U16 id) {
+Status MakeGlobalSpare(Adapter& adapter, Time now, HX_U16 id) {
     Disk* const disk = FindListed(adapter, id);
     if (disk == nullptr) return Status::kNoDisk;
-    const HX_U8 status = CheckSpare(adapter, *disk, Spare::kGlobal, kNoId);
-    if (status != HX_SUCCESS) return status;
+    const Status status = CheckSpare(adapter, *disk, Spare::kGlobal, kNoId);
+    if (status != Status::kSuccess) return status;
     MakeSpare(adapter, now, *disk, Spare::kGlobal, kNoId);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 MakeGroupSpare(Adapter& adapter, Time now, HX_U16 id, HX_U16 group) {
+Status MakeGroupSpare(Adapter& adapter, Time now, HX_U16 id, HX_U16 group) {
     Disk* const disk = FindListed(adapter, id);
     if (disk == nullptr) return Status::kNoDisk;
     if (Find(adapter.disk_groups, group) == nullptr) return Status::kNoDiskGroup;
-    const HX_U8 status = CheckSpare(adapter, *disk, Spare::kGroup, group);
-    if (status != HX_SUCCESS) return status;
+    const Status status = CheckSpare(adapter, *disk, Spare::kGroup, group);
+    if (status != Status::kSuccess) return status;
     const auto is_spare = [&](const Disk& each) { return IsSpareOf(each, group); };
     if (std::ranges::count_if(adapter.disks, is_spare) >= HX_MAX_DG_SPARES) {
         return Status::kTooManySpares;
     }
     MakeSpare(adapter, now, *disk, Spare::kGroup, group);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 FreeSpare(Adapter& adapter, Time now, HX_U16 id) {
+Status FreeSpare(Adapter& adapter, Time now, HX_U16 id) {
     Disk* const disk = FindListed(adapter, id);
     if (disk == nullptr) return Status::kNoDisk;
     if (disk->spare == Spare::kNone) return Status::kDiskNotSpare;
     MakeNoSpare(adapter, now, *disk);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 }  // namespace hxsim
 
 HX_U8 HX_PD_SetConfig(HX_U8 AdapterID, HX_U16 HD_ID, HD_Config* config) {
     return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
                              if (config == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::SetDisk(adapter, now, HD_ID, *config);
                          });

@@ -16,7 +16,7 @@
 
 namespace hxsim {
 
-HX_U8 SetDiskGroup(Adapter& adapter, Time now, HX_U16 id, const DG_Config& config) {
+Status SetDiskGroup(Adapter& adapter, Time now, HX_U16 id, const DG_Config& config) {
     DiskGroup* const group = Find(adapter.disk_groups, id);
     if (group == nullptr) return Status::kNoDiskGroup;
     group->name = TextOf(config.Name);
@@ -24,10 +24,10 @@ HX_U8 SetDiskGroup(Adapter& adapter, Time now, HX_U16 id, const DG_Config& confi
     for (const HX_U16 disk : DisksOf(adapter, Owner::kDiskGroup, id)) {
         SetWriteCache(adapter, now, disk, group->write_cache);
     }
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 DeleteDiskGroup(Adapter& adapter, Time now, HX_U16 id) {
+Status DeleteDiskGroup(Adapter& adapter, Time now, HX_U16 id) {
     if (Find(adapter.disk_groups, id) == nullptr) return Status::kNoDiskGroup;
     while (const Activity* const activity = ActivityOf(adapter, Owner::kDiskGroup, id)) {
         Abort(adapter, now, activity->id);
@@ -47,19 +47,19 @@ HX_U8 DeleteDiskGroup(Adapter& adapter, Time now, HX_U16 id) {
         if (disk.spare == Spare::kGroup && disk.spare_group == id) {
             disk.spare = Spare::kNone;
             disk.spare_group = kNoId;
-            Queue(adapter, now, kSpareRemoved, disk.id);
+            Queue(adapter, now, EventKind::kSpareRemoved, disk.id);
         }
         ReturnSpare(adapter, now, disk);
     }
-    Queue(adapter, now, kDiskGroupDeleted, id);
-    return HX_SUCCESS;
+    Queue(adapter, now, EventKind::kDiskGroupDeleted, id);
+    return Status::kSuccess;
 }
 
 }  // namespace hxsim
 
 HX_U8 HX_DG_SetConfig(HX_U8 AdapterID, HX_U16 DG_ID, DG_Config* config) {
     return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
                              if (config == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::SetDiskGroup(adapter, now, DG_ID, *config);
                          });

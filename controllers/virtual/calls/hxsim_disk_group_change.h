@@ -9,9 +9,9 @@
 namespace hxsim {
 
 /// Sets name and write cache, the latter on each of its disks.
-HX_U8 SetDiskGroup(Adapter& adapter, Time now, HX_U16 id, const DG_Config& config);
+Status SetDiskGroup(Adapter& adapter, Time now, HX_U16 id, const DG_Config& config);
 
 /// Deletes a disk group and its virtual disks, with what goes on on them; its spares are free.
-HX_U8 DeleteDiskGroup(Adapter& adapter, Time now, HX_U16 id);
+Status DeleteDiskGroup(Adapter& adapter, Time now, HX_U16 id);
 
 }  // namespace hxsim

@@ -17,81 +17,81 @@ namespace {
 
 constexpr std::size_t kMostDiskGroups = 32;
 
-HX_U8 PlanDiskGroup(const Adapter& adapter, const CreateOrModify_DG_Param& param, Layout& layout,
-                    Sectors& size) {
+Status PlanDiskGroup(const Adapter& adapter, const CreateOrModify_DG_Param& param, Layout& layout,
+                     Sectors& size) {
     if (param.BlockSize != 0 && param.BlockSize != kSectorSize) return Status::kBadSectorSize;
     if (param.PDCount > HX_MAX_HDS) return Status::kBadDiskCount;
-    const Wish wish{param.RaidMode, param.SubVDCount, param.StripeBlockSize,
+    const Wish wish{ToCode<Level>(param.RaidMode), param.SubVDCount, param.StripeBlockSize,
                     std::span(param.PDIDs, param.PDCount), adapter.info.MaxPDPerDG};
-    HX_U8 status = MakeLayout(adapter, wish, layout);
+    Status status = MakeLayout(adapter, wish, layout);
     for (const HX_U16 disk : layout.disks) {
-        if (status == HX_SUCCESS) status = CheckWholeDisk(adapter, disk);
+        if (status == Status::kSuccess) status = CheckWholeDisk(adapter, disk);
     }
-    if (status != HX_SUCCESS) return status;
+    if (status != Status::kSuccess) return status;
     if (adapter.disk_groups.size() >= kMostDiskGroups) return Status::kTooManyDiskGroups;
     size = ManagedSpace(adapter, layout);
-    return size == 0 ? Status::kNoSpace : HX_SUCCESS;
+    return size == 0 ? Status::kNoSpace : Status::kSuccess;
 }
 
-HX_U8 Create(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
+Status Create(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
     Layout layout;
     Sectors size = 0;
-    const HX_U8 status = PlanDiskGroup(adapter, param, layout, size);
-    if (status != HX_SUCCESS) return status;
-    // Whatever goes on goes on on its virtual disks, but what is asked for has to make sense.
-    if (param.InitializationOption > Init::kNone) return Status::kBadAction;
+    const Status status = PlanDiskGroup(adapter, param, layout, size);
+    if (status != Status::kSuccess) return status;
+    // Activities belong to the virtual disks; the option has to be one all the same.
+    if (!ToCode<Init>(param.InitializationOption)) return Status::kBadAction;
     if (param.Size.value > size) return Status::kNoSpace;
 
     DiskGroup group;
     group.id = FreeId(adapter.disk_groups);
     group.name = TextOf(param.Name);
-    group.level = layout.level->code;
+    group.level = layout.level;
     group.legs = layout.legs;
     group.width = layout.Width();
     group.stripe_kib = layout.stripe_kib;
     Insert(adapter.disk_groups, group);
     SetHomes(adapter, Owner::kDiskGroup, group.id, layout.disks);
-    Queue(adapter, now, kDiskGroupCreated, group.id);
+    Queue(adapter, now, EventKind::kDiskGroupCreated, group.id);
     for (const HX_U16 disk : layout.disks) SetWriteCache(adapter, now, disk, group.write_cache);
     param.DGID = group.id;
     param.Size.value = size;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 Modify(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
+Status Modify(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
     const DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
     if (group == nullptr) return Status::kNoDiskGroup;
     Sectors size = ManagedSpace(adapter, LayoutOf(adapter, *group));
     if (param.PDCount != 0) {
-        const HX_U8 status = StartGroupMigration(adapter, now, param);
-        if (status != HX_SUCCESS && status != Status::kNoChange) return status;
-        if (status == HX_SUCCESS) size = param.Size.value;
+        const Status status = StartGroupMigration(adapter, now, param);
+        if (status != Status::kSuccess && status != Status::kNoChange) return status;
+        if (status == Status::kSuccess) size = param.Size.value;
     }
     if (param.Name[0] != '\0') Find(adapter.disk_groups, param.DGID)->name = TextOf(param.Name);
     param.Size.value = size;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 }  // namespace
 
-HX_U8 CreateOrModifyDiskGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
+Status CreateOrModifyDiskGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
     if (!adapter.info.DiskGroupSupport) return Status::kNotSupported;
     return param.DGID == HX_NEW_ID ? Create(adapter, now, param) : Modify(adapter, now, param);
 }
 
-HX_U8 SizeDiskGroup(const Adapter& adapter, CreateOrModify_DG_Param& param) {
+Status SizeDiskGroup(const Adapter& adapter, CreateOrModify_DG_Param& param) {
     if (!adapter.info.DiskGroupSupport) return Status::kNotSupported;
     if (param.DGID != HX_NEW_ID) {
         const DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
         if (group == nullptr) return Status::kNoDiskGroup;
         if (param.PDCount != 0) return SizeGroupMigration(adapter, param);
         param.Size.value = ManagedSpace(adapter, LayoutOf(adapter, *group));
-        return HX_SUCCESS;
+        return Status::kSuccess;
     }
     Layout layout;
     Sectors size = 0;
-    const HX_U8 status = PlanDiskGroup(adapter, param, layout, size);
-    if (status == HX_SUCCESS) param.Size.value = size;
+    const Status status = PlanDiskGroup(adapter, param, layout, size);
+    if (status == Status::kSuccess) param.Size.value = size;
     return status;
 }
 
@@ -100,13 +100,13 @@ HX_U8 SizeDiskGroup(const Adapter& adapter, CreateOrModify_DG_Param& param) {
 HX_U8 HX_CreateOrModify_DG(HX_U8 AdapterID, CreateOrModify_DG_Param* param, HX_U8 sizeOnly) {
     if (sizeOnly != 0) {
         return hxsim::Look(__func__, AdapterID,
-                           [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+                           [&](const hxsim::Adapter& adapter, hxsim::Time) -> hxcodes::Status {
                                if (param == nullptr) return hxcodes::Status::kNullAddress;
                                return hxsim::SizeDiskGroup(adapter, *param);
                            });
     }
     return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
                              if (param == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::CreateOrModifyDiskGroup(adapter, now, *param);
                          });
@@ -114,7 +114,7 @@ HX_U8 HX_CreateOrModify_DG(HX_U8 AdapterID, CreateOrModify_DG_Param* param, HX_U
 
 HX_U8 HX_DG_StartMigration(HX_U8 AdapterID, CreateOrModify_DG_Param* param) {
     return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
                              if (param == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::StartGroupMigration(adapter, now, *param);
                          });

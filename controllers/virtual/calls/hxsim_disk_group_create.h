@@ -11,9 +11,9 @@ namespace hxsim {
 /// Makes the disk group param.DGID (HX_NEW_ID) of free disks, or changes one: its name, unless that
 /// is empty, and its level and disks (none named: as they are), which is a migration. Sets
 /// param.DGID and param.Size, the space that the group manages then.
-HX_U8 CreateOrModifyDiskGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param);
+Status CreateOrModifyDiskGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param);
 
 /// Sets param.Size as CreateOrModifyDiskGroup would, whatever size is asked for.
-HX_U8 SizeDiskGroup(const Adapter& adapter, CreateOrModify_DG_Param& param);
+Status SizeDiskGroup(const Adapter& adapter, CreateOrModify_DG_Param& param);
 
 }  // namespace hxsim

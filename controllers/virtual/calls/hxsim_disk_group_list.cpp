@@ -6,8 +6,8 @@
 
 #include "calls/hxsim_list_page.h"
 #include "model/hxsim_activity_row.h"
-#include "model/hxsim_level.h"
 #include "model/hxsim_plan.h"
+#include "model/hxsim_stripes.h"
 #include "model/hxsim_text.h"
 
 namespace hxsim {
@@ -45,11 +45,9 @@ DG_Info DescribeDiskGroup(const Adapter& adapter, const DiskGroup& group) {
     const Layout layout = LayoutOf(adapter, group);
     info.DGID = group.id;
     SetText(info.Name, group.name);
-    info.RaidMode = group.level;
+    info.RaidMode = NumberOf(group.level);
     info.SubVDCount = group.legs;
-    if (layout.level != nullptr) {
-        info.NumParityDisk = static_cast<HX_U8>(ParityDisks(*layout.level, group.legs));
-    }
+    info.NumParityDisk = static_cast<HX_U8>(ParityDisks(RowOf(group.level), group.legs));
     info.AdapterID = adapter.id;
     info.StripeBlockSize = group.stripe_kib;
     info.BlockSize = kSectorSize;
@@ -58,7 +56,7 @@ DG_Info DescribeDiskGroup(const Adapter& adapter, const DiskGroup& group) {
     info.RemainingManagedSpace.value =
         layout.Data(Longest(CommonFree(adapter, layout.disks)).sectors);
     info.SmallestAvailablePDSize.value = SmallestDisk(adapter, layout.disks);
-    info.Status = group.state;
+    info.Status = NumberOf(group.state);
     info.PDCount = layout.Width();
     std::ranges::copy_n(layout.disks.begin(),
                         std::min<std::ptrdiff_t>(layout.Width(), std::ssize(info.PDIDs)),
@@ -66,8 +64,8 @@ DG_Info DescribeDiskGroup(const Adapter& adapter, const DiskGroup& group) {
     DescribeSlots(adapter, group, info);
     DescribeSpares(adapter, group, info);
     if (const Activity* const activity = ActivityOf(adapter, Owner::kDiskGroup, group.id)) {
-        info.BgaType = activity->kind;
-        info.BgaState = activity->state;
+        info.BgaType = NumberOf(activity->kind);
+        info.BgaState = NumberOf(activity->state);
     }
     return info;
 }

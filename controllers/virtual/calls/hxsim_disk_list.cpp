@@ -18,8 +18,8 @@ void DescribeDisk(const Adapter& adapter, const Disk& disk, const DiskRole& role
     info.Link = LinkOf(adapter, disk);
     info.AdapterID = adapter.id;
     info.Status = role.status;
-    info.HDType = disk.sas ? DiskType::kSas : DiskType::kSata;
-    info.ConnectionType = disk.sas ? ConnectionType::kSas : ConnectionType::kSata;
+    info.HDType = NumberOf(disk.sas ? DiskType::kSas : DiskType::kSata);
+    info.ConnectionType = NumberOf(disk.sas ? ConnectionType::kSas : ConnectionType::kSata);
     if (!disk.sas) {
         info.PIOMode = info.CurrentPIOMode = 4;
         info.MDMAMode = info.CurrentMDMAMode = 2;
@@ -48,7 +48,7 @@ void DescribeSettings(const Adapter&, const Disk& disk, const DiskRole&, Time, H
     config.WriteCacheOn = disk.write_cache;
     config.SMARTOn = disk.smart_on;
     config.Online = Answers(disk) && !disk.offline;
-    config.DriveSpeed = disk.speed;
+    config.DriveSpeed = NumberOf(disk.speed);
     config.HDID = disk.id;
 }
 
@@ -59,8 +59,8 @@ void DescribeActivity(const Adapter& adapter, const Disk& disk, const DiskRole& 
     const Activity* const activity = ActivityOf(adapter, Owner::kDisk, disk.id);
     if (activity == nullptr) return;
     status.Percentage = Percentage(*activity, now);
-    status.Bga = activity->kind;
-    status.BgaStatus = activity->state;
+    status.Bga = NumberOf(activity->kind);
+    status.BgaStatus = NumberOf(activity->state);
 }
 
 void DescribeSmart(const Adapter&, const Disk& disk, const DiskRole&, Time,
@@ -84,39 +84,39 @@ std::vector<RCT_Record> RemapTable(const Adapter& adapter, HX_U16 disk) {
         RCT_Record& record = table.emplace_back();
         record.lba.value = remap.lba;
         record.sec = remap.sectors;
-        record.flag = remap.reason;
+        record.flag = NumberOf(remap.reason);
     }
     return table;
 }
 
-HX_U8 CountRemaps(const Adapter& adapter, HX_U16 disk, HX_U32* count) {
+Status CountRemaps(const Adapter& adapter, HX_U16 disk, HX_U32* count) {
     if (count == nullptr) return Status::kNullAddress;
     if (FindListed(adapter, disk) == nullptr) return Status::kNoDisk;
     *count = static_cast<HX_U32>(RemapTable(adapter, disk).size());
     if (IsHostile()) MakeRecordHostile(count, sizeof *count);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 CopyRemaps(const Adapter& adapter, HX_U16 disk, RCT_Record* records, HX_U32 count) {
+Status CopyRemaps(const Adapter& adapter, HX_U16 disk, RCT_Record* records, HX_U32 count) {
     if (records == nullptr && count != 0) return Status::kNullAddress;
     if (FindListed(adapter, disk) == nullptr) return Status::kNoDisk;
     const std::vector<RCT_Record> table = RemapTable(adapter, disk);
     if (count > table.size()) return Status::kBadCount;
     std::copy_n(table.begin(), count, records);
     if (IsHostile() && count != 0) MakeRecordHostile(records, count * sizeof *records);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 Locate(Adapter& adapter, HX_U8 kind, HX_U16 id, HX_U8 light) {
+Status Locate(Adapter& adapter, HX_U8 kind, HX_U16 id, HX_U8 light) {
     if (kind != Device::kDisk) return Status::kNoLight;
     Disk* const disk = FindListed(adapter, id);
     if (disk == nullptr) return Status::kNoDisk;
     if (light > 1) return Status::kBadAction;
     disk->locate_light = light != 0;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 FindBootRecords(const Adapter& adapter, HD_MBR_Info* info) {
+Status FindBootRecords(const Adapter& adapter, HD_MBR_Info* info) {
     if (info == nullptr) return Status::kNullAddress;
     if (info->HDCount > HX_MAX_HDS) return Status::kBadCount;
     const std::span asked(info->HDIDs, info->HDCount);
@@ -126,10 +126,10 @@ HX_U8 FindBootRecords(const Adapter& adapter, HD_MBR_Info* info) {
         const Disk& disk = *Find(adapter.disks, id);
         return HX_BOOLEAN{Answers(disk) && disk.has_mbr};
     });
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 FindSystem(const Adapter& adapter, HX_U8 kind, HX_U8 count, const HX_U16* ids) {
+Status FindSystem(const Adapter& adapter, HX_U8 kind, HX_U8 count, const HX_U16* ids) {
     if (ids == nullptr && count != 0) return Status::kNullAddress;
     if (kind != 1) return Status::kBadAction;
     for (const HX_U16 id : std::span(ids, count)) {
@@ -137,7 +137,7 @@ HX_U8 FindSystem(const Adapter& adapter, HX_U8 kind, HX_U8 count, const HX_U16* 
         if (disk == nullptr) return Status::kNoDisk;
         if (Answers(*disk) && disk->has_system) return Status::kHoldsSystem;
     }
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 }  // namespace

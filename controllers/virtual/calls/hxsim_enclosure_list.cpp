@@ -19,11 +19,11 @@ constexpr HX_U8 kCriticalTone = 0x02;
 
 constexpr HX_U8 kMostElements = 255;  // that a call counts
 
-HX_U8 WorstStatus(const Adapter& adapter, HX_U16 enclosure) {
-    HX_U8 worst = ElementStatus::kOk;
+ElementStatus WorstStatus(const Adapter& adapter, HX_U16 enclosure) {
+    ElementStatus worst = ElementStatus::kOk;
     for (const Element& element : adapter.elements) {
         if (element.enclosure != enclosure) continue;
-        const HX_U8 status = StatusOf(element);
+        const ElementStatus status = StatusOf(element);
         if (status == ElementStatus::kCritical) return status;
         if (status == ElementStatus::kNoncritical) worst = status;
     }
@@ -34,7 +34,7 @@ void DescribeEnclosure(const Adapter& adapter, const Enclosure& enclosure, Time,
                        Enclosure_Info& info) {
     info.Link = LinkOf(adapter, enclosure);
     info.AdapterID = adapter.id;
-    info.Status = WorstStatus(adapter, enclosure.id);
+    info.Status = NumberOf(WorstStatus(adapter, enclosure.id));
     const HX_U8(&name)[8] = info.Link.Self.SAS_Address;
     char logical_id[sizeof info.LogicalID];
     std::snprintf(logical_id, sizeof logical_id, "%02X%02X%02X%02X%02X%02X%02X%02X", name[0],
@@ -55,9 +55,9 @@ template <class Record>
 Record RecordOf(const Element& element) {
     Record record{};
     record.EnclosureID = element.enclosure;
-    record.Status = StatusOf(element);
+    record.Status = NumberOf(StatusOf(element));
     record.ElementID = element.number;
-    record.Type = element.type;
+    record.Type = NumberOf(element.type);
     return record;
 }
 
@@ -82,25 +82,25 @@ void SetVoltageFlags(const Element& element, EncElementType_Info& state) {
 EncElementType_Info StateOf(const Adapter& adapter, const Element& element) {
     auto state = RecordOf<EncElementType_Info>(element);
     switch (element.type) {
-        case HX_ELEMENT_POWER_SUPPLY:
+        case ElementType::kPowerSupply:
             state.HotSwap = 1;
             state.DCUnderVoltage = element.status == ElementStatus::kCritical;
             break;
-        case HX_ELEMENT_FAN:
+        case ElementType::kFan:
             state.CurSpeedcode = element.speed_code;
             state.CurSpeed = element.reading;
             break;
-        case HX_ELEMENT_TEMPERATURE:
+        case ElementType::kTemperature:
             SetTemperatureFlags(element, state);
             break;
-        case HX_ELEMENT_ALARM:
+        case ElementType::kAlarm:
             state.Mute = element.muted || adapter.muted;
             state.Character1 = adapter.alarm && !element.muted ? kCriticalTone : HX_U8{0};
             break;
-        case HX_ELEMENT_VOLTAGE:
+        case ElementType::kVoltage:
             SetVoltageFlags(element, state);
             break;
-        default:  // a closed door
+        case ElementType::kDoor:  // closed
             break;
     }
     return state;
@@ -116,8 +116,8 @@ EncElement_Config ThresholdsOf(const Adapter&, const Element& element) {
 }
 
 template <class Record, class Describe>
-HX_U8 ListElements(const Adapter& adapter, HX_U16 enclosure, Record* records, HX_U8* count,
-                   Describe describe) {
+Status ListElements(const Adapter& adapter, HX_U16 enclosure, Record* records, HX_U8* count,
+                    Describe describe) {
     if (records == nullptr || count == nullptr) return Status::kNullAddress;
     *count = 0;  // also when refused: callers who ask every adapter in turn add up what they find
     if (Find(adapter.enclosures, enclosure) == nullptr) return Status::kNoEnclosure;
@@ -131,7 +131,7 @@ HX_U8 ListElements(const Adapter& adapter, HX_U16 enclosure, Record* records, HX
         MakeRecordHostile(records, listed * sizeof *records);
         *count = kMostElements;
     }
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 }  // namespace

@@ -7,22 +7,23 @@
 HX_U8 HX_EVT_GetEvent(HX_U8 AdapterID, HX_U8 max, HX_U8* count, Event* events) {
     // An empty queue is what a caller finds nearly always, and looking writes nothing.
     bool empty = true;
-    const HX_U8 status =
-        hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+    const HX_U8 status = hxsim::Look(
+        __func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) -> hxcodes::Status {
             if (count == nullptr || events == nullptr) return hxcodes::Status::kNullAddress;
             empty = max == 0 || adapter.events.empty();
             if (empty) *count = 0;
-            return HX_SUCCESS;
+            return hxcodes::Status::kSuccess;
         });
-    if (status != HX_SUCCESS || empty) return status;
+    if (status != hxcodes::Status::kSuccess || empty) return status;
     // The same call goes on: whatever fault is in its way has counted it.
-    return hxsim::Change(nullptr, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
-        const HX_U8 taken = hxsim::Take(adapter, max, events);
-        *count = taken;
-        if (hxsim::IsHostile()) {
-            hxsim::MakeRecordHostile(events, taken * sizeof *events);
-            *count = UINT8_MAX;  // more than there was room for
-        }
-        return HX_SUCCESS;
-    });
+    return hxsim::Change(nullptr, AdapterID,
+                         [&](hxsim::Adapter& adapter, hxsim::Time) -> hxcodes::Status {
+                             const HX_U8 taken = hxsim::Take(adapter, max, events);
+                             *count = taken;
+                             if (hxsim::IsHostile()) {
+                                 hxsim::MakeRecordHostile(events, taken * sizeof *events);
+                                 *count = UINT8_MAX;  // more than there was room for
+                             }
+                             return hxcodes::Status::kSuccess;
+                         });
 }

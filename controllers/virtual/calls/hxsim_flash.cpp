@@ -22,13 +22,14 @@ constexpr std::size_t kRegion = 2 * 1024 * 1024;  // bytes that an image can hav
 
 template <class Rows>
 auto FindImage(Rows& images, HX_U8 type) -> decltype(images.data()) {
-    const auto found = std::ranges::find(images, type, &FlashImage::type);
+    const auto found =
+        std::ranges::find_if(images, [&](const FlashImage& image) { return type == image.type; });
     return found == images.end() ? nullptr : &*found;
 }
 
 // Where an adapter tells the health of a type of image.
 struct Health {
-    HX_U8 type;
+    Image type;
     HX_BOOLEAN Adapter_Info::*field;
 };
 constexpr Health kHealth[] = {
@@ -47,7 +48,7 @@ void SetHealth(Adapter& adapter, FlashImage& image, bool healthy) {
     adapter.info.img_health = std::ranges::all_of(adapter.images, &FlashImage::healthy);
 }
 
-bool IsGood(const Adapter& adapter, HX_U8 type, std::string_view image) {
+bool IsGood(const Adapter& adapter, Image type, std::string_view image) {
     return type != Image::kBios || IsBiosFor(adapter.info, image);
 }
 
@@ -57,9 +58,10 @@ void FinishWriting(Adapter& adapter, Time now, FlashImage& image) {
     image.erased = false;
     image.written = 0;
     SetHealth(adapter, image, good);
-    Queue(adapter, now, kFlashWritten, image.type, {image.type, size});
+    const HX_U8 type = NumberOf(image.type);
+    Queue(adapter, now, EventKind::kFlashWritten, type, {type, size});
     if (!good) {
-        Queue(adapter, now, kFlashDamaged, image.type, {image.type});
+        Queue(adapter, now, EventKind::kFlashDamaged, type, {type});
     } else if (image.type == Image::kBios) {
         adapter.info.BIOSVersion = VersionOf(*image.data);
     }
@@ -73,32 +75,32 @@ bool IsNextPiece(const FlashImage& image, const Flash_Data& piece) {
     return std::size_t{image.written} * HX_FLASH_PIECE_SIZE + piece.DataLength <= kRegion;
 }
 
-HX_U8 MovePiece(const Adapter& adapter, HX_U8 type, Flash_Data* piece) {
+Status MovePiece(const Adapter& adapter, HX_U8 type, Flash_Data* piece) {
     if (piece == nullptr) return Status::kNullAddress;
-    const HX_U8 status = ReadPiece(adapter, type, *piece);
-    if (status == HX_SUCCESS && IsHostile()) MakeRecordHostile(piece, sizeof *piece);
+    const Status status = ReadPiece(adapter, type, *piece);
+    if (status == Status::kSuccess && IsHostile()) MakeRecordHostile(piece, sizeof *piece);
     return status;
 }
 
-HX_U8 RefuseAction(const Flash_Data* piece) {
+Status RefuseAction(const Flash_Data* piece) {
     return piece == nullptr ? Status::kNullAddress : Status::kBadAction;
 }
 
 }  // namespace
 
-HX_U8 EraseImage(Adapter& adapter, Time now, HX_U8 type) {
-    if (hxcodes::NameOf(hxcodes::kImageNames, type).empty()) return Status::kBadAction;
+Status EraseImage(Adapter& adapter, Time now, HX_U8 type) {
+    if (!ToCode<Image>(type)) return Status::kBadAction;
     FlashImage* const image = FindImage(adapter.images, type);
     if (image == nullptr) return Status::kNoImage;
     image->erased = true;
     image->written = 0;
     image->data = nullptr;
     SetHealth(adapter, *image, false);
-    Queue(adapter, now, kFlashErased, type, {type});
-    return HX_SUCCESS;
+    Queue(adapter, now, EventKind::kFlashErased, type, {type});
+    return Status::kSuccess;
 }
 
-HX_U8 WritePiece(Adapter& adapter, Time now, HX_U8 type, const Flash_Data& piece) {
+Status WritePiece(Adapter& adapter, Time now, HX_U8 type, const Flash_Data& piece) {
     FlashImage* const image = FindImage(adapter.images, type);
     if (image == nullptr) return Status::kNoImage;
     if (!image->erased) return Status::kNotErased;
@@ -108,10 +110,10 @@ HX_U8 WritePiece(Adapter& adapter, Time now, HX_U8 type, const Flash_Data& piece
     image->data = std::make_shared<const std::string>(std::move(data));
     ++image->written;
     if (piece.isLastPage != 0) FinishWriting(adapter, now, *image);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 ReadPiece(const Adapter& adapter, HX_U8 type, Flash_Data& piece) {
+Status ReadPiece(const Adapter& adapter, HX_U8 type, Flash_Data& piece) {
     const FlashImage* const image = FindImage(adapter.images, type);
     if (image == nullptr || image->erased) return Status::kNoImage;
     if (!image->healthy) return Status::kBadImage;
@@ -125,7 +127,7 @@ HX_U8 ReadPiece(const Adapter& adapter, HX_U8 type, Flash_Data& piece) {
     std::memcpy(piece.Data, bytes.data(), bytes.size());
     piece.DataLength = static_cast<HX_U32>(bytes.size());
     piece.isLastPage = start + bytes.size() == data.size();
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 }  // namespace hxsim
@@ -138,7 +140,7 @@ HX_U8 HX_Flash_Erase(HX_U8 AdapterID, HX_U8 Page) {
 
 HX_U8 HX_Flash_Bin(HX_U8 AdapterID, HX_U8 Actions, HX_U8 Type, Flash_Data* piece) {
     if (Actions == HX_FLASH_WRITE) {
-        const auto write = [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+        const auto write = [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
             if (piece == nullptr) return hxcodes::Status::kNullAddress;
             return hxsim::WritePiece(adapter, now, Type, *piece);
         };

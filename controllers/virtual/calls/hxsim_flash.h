@@ -9,15 +9,15 @@ namespace hxsim {
 /// Erases an image; it is damaged until another one has been written. Refused with
 /// Status::kBadAction for a type that is none, and with Status::kNoImage when the adapter has no
 /// such image.
-HX_U8 EraseImage(Adapter& adapter, Time now, HX_U8 type);
+Status EraseImage(Adapter& adapter, Time now, HX_U8 type);
 
 /// Writes the next piece of an image that has been erased. With the last piece the image is judged:
 /// a good one is healthy, and an adapter's BIOS version is then that of its image. Refused with
 /// Status::kNoImage, Status::kNotErased or Status::kBadPiece.
-HX_U8 WritePiece(Adapter& adapter, Time now, HX_U8 type, const Flash_Data& piece);
+Status WritePiece(Adapter& adapter, Time now, HX_U8 type, const Flash_Data& piece);
 
 /// Fills the piece that piece.PageNum names. Refused with Status::kNoImage, Status::kBadImage
 /// (damaged) or Status::kNoPiece.
-HX_U8 ReadPiece(const Adapter& adapter, HX_U8 type, Flash_Data& piece);
+Status ReadPiece(const Adapter& adapter, HX_U8 type, Flash_Data& piece);
 
 }  // namespace hxsim

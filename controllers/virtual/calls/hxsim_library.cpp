@@ -5,7 +5,7 @@
 #include "hxraid.h"
 #include "model/hxsim_codes.h"
 
-HX_U8 HX_API_Initialize() { return hxsim::Open(); }
+HX_U8 HX_API_Initialize() { return hxcodes::NumberOf(hxsim::Open()); }
 
 void HX_API_Finalize() { hxsim::Close(); }
 

@@ -37,9 +37,8 @@ private:
 /// listed object has is refused with `missing`.
 template <class Request, class Record, class Row, class IsListed, class Describe>
 HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
-           std::vector<Row> Adapter::*rows, Status::Code missing, IsListed is_listed,
-           Describe describe) {
-    return Look(call, adapter_id, [&](const Adapter& adapter, Time now) -> HX_U8 {
+           std::vector<Row> Adapter::*rows, Status missing, IsListed is_listed, Describe describe) {
+    return Look(call, adapter_id, [&](const Adapter& adapter, Time now) -> Status {
         if (request == nullptr) return Status::kNullAddress;
         RequestHeader& header = request->header;
         const bool by_id = header.requestType == HX_REQUEST_BY_ID;
@@ -66,14 +65,14 @@ HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request
         header.nextStartingIndex =
             more ? static_cast<HX_U16>(header.startingIndexOrId + count) : HX_U16{HX_LIST_COMPLETE};
         if (IsHostile()) MakePageHostile(header, records, count * sizeof(Record));
-        return HX_SUCCESS;
+        return Status::kSuccess;
     });
 }
 
 /// List of every row.
 template <class Request, class Record, class Row, class Describe>
 HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
-           std::vector<Row> Adapter::*rows, Status::Code missing, Describe describe) {
+           std::vector<Row> Adapter::*rows, Status missing, Describe describe) {
     const auto every = [](const Adapter&, const Row&) { return true; };
     return List(call, adapter_id, request, list, rows, missing, every, describe);
 }

@@ -43,7 +43,7 @@ std::optional<Injection> CountedFault(const char* call, HX_U8 adapter) {
 
 // Runs `work`; nothing that it throws goes on.
 template <class Work>
-HX_U8 Caught(Work work) {
+Status Caught(Work work) {
     try {
         return work();
     } catch (const std::bad_alloc&) {
@@ -57,16 +57,16 @@ HX_U8 Caught(Work work) {
 // What comes before every call on an adapter, or, without a name, before a further part of one.
 // `work` is given the machine.
 template <class Work>
-HX_U8 OnAdapter(const char* call, HX_U8 adapter, Work work) {
+Status OnAdapter(const char* call, HX_U8 adapter, Work work) {
     if (session == nullptr) return Status::kNotInitialized;
-    return Caught([&]() -> HX_U8 {
+    return Caught([&]() -> Status {
         const Machine& machine = session->store.Current();
         if (adapter >= machine.adapters.size()) return Status::kNoAdapter;
         if (call == nullptr) return work(machine);
         session->hostile = false;
         if (!machine.injections.empty()) {
             const std::optional<Injection> fault = CountedFault(call, adapter);
-            if (fault && !fault->hostile) return fault->code;
+            if (fault && !fault->hostile) return static_cast<Status>(fault->code);
             session->hostile = fault.has_value();
         }
         return work(machine);
@@ -75,15 +75,15 @@ HX_U8 OnAdapter(const char* call, HX_U8 adapter, Work work) {
 
 }  // namespace
 
-HX_U8 Open() {
-    if (session != nullptr) return HX_SUCCESS;
-    return Caught([]() -> HX_U8 {
+Status Open() {
+    if (session != nullptr) return Status::kSuccess;
+    return Caught([]() -> Status {
         session = new Session;
-        const HX_U8 status = Caught([] {
+        const Status status = Caught([] {
             session->store.Current();
-            return HX_U8{HX_SUCCESS};
+            return Status::kSuccess;
         });
-        if (status != HX_SUCCESS) Close();
+        if (status != Status::kSuccess) Close();
         return status;
     });
 }
@@ -100,7 +100,7 @@ HX_U8 AdapterCount() {
     if (session == nullptr) return count;
     Caught([&] {
         count = static_cast<HX_U8>(session->store.Current().adapters.size());
-        return HX_U8{HX_SUCCESS};
+        return Status::kSuccess;
     });
     return count;
 }
@@ -108,25 +108,25 @@ HX_U8 AdapterCount() {
 bool IsHostile() { return session != nullptr && session->hostile; }
 
 HX_U8 Look(const char* call, HX_U8 adapter,
-           const std::function<HX_U8(const Adapter& adapter, Time now)>& work) {
-    return OnAdapter(call, adapter, [&](const Machine& machine) {
+           const std::function<Status(const Adapter& adapter, Time now)>& work) {
+    return NumberOf(OnAdapter(call, adapter, [&](const Machine& machine) {
         return work(machine.adapters.at(adapter), Now(machine.clock, RealNow()));
-    });
+    }));
 }
 
 HX_U8 Change(const char* call, HX_U8 adapter,
-             const std::function<HX_U8(Adapter& adapter, Time now)>& work) {
-    return OnAdapter(call, adapter, [&](const Machine&) -> HX_U8 {
-        HX_U8 status = Status::kNoAdapter;  // gone since, with the whole machine
+             const std::function<Status(Adapter& adapter, Time now)>& work) {
+    return NumberOf(OnAdapter(call, adapter, [&](const Machine&) -> Status {
+        Status status = Status::kNoAdapter;  // gone since, with the whole machine
         session->store.Change([&](Machine& machine, Time now) {
             if (adapter >= machine.adapters.size()) return false;
             Adapter& row = machine.adapters[adapter];
             status = work(row, now);
-            if (status == HX_SUCCESS) Settle(row, now);
-            return status == HX_SUCCESS;
+            if (status == Status::kSuccess) Settle(row, now);
+            return status == Status::kSuccess;
         });
         return status;
-    });
+    }));
 }
 
 }  // namespace hxsim

@@ -32,10 +32,10 @@ void SetCache(Adapter& adapter, Time now, VirtualDisk& virtual_disk, HX_U8 cache
     const HX_U8 kept = cache & kCacheBits;
     if (virtual_disk.cache == kept) return;
     virtual_disk.cache = kept;
-    Queue(adapter, now, kCacheModeChanged, virtual_disk.id);
+    Queue(adapter, now, EventKind::kCacheModeChanged, virtual_disk.id);
 }
 
-HX_U8 SetVirtualDisk(Adapter& adapter, Time now, HX_U16 id, const LD_Config& config) {
+Status SetVirtualDisk(Adapter& adapter, Time now, HX_U16 id, const LD_Config& config) {
     VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
     if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
     if (virtual_disk->foreign) return Status::kWrongState;
@@ -43,10 +43,10 @@ HX_U8 SetVirtualDisk(Adapter& adapter, Time now, HX_U16 id, const LD_Config& con
     virtual_disk->name = TextOf(config.Name);
     virtual_disk->auto_rebuild = config.AutoRebuildOn != 0;
     SetCache(adapter, now, *virtual_disk, config.CacheMode);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 DeleteVirtualDisk(Adapter& adapter, Time now, HX_U16 id, bool erase_mbr) {
+Status DeleteVirtualDisk(Adapter& adapter, Time now, HX_U16 id, bool erase_mbr) {
     const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
     if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
     if (virtual_disk->foreign) return Status::kWrongState;
@@ -61,10 +61,10 @@ HX_U8 DeleteVirtualDisk(Adapter& adapter, Time now, HX_U16 id, bool erase_mbr) {
         }
     }
     RemoveVirtualDisk(adapter, now, id);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 ImportVirtualDisk(Adapter& adapter, Time now, HX_U16 id) {
+Status ImportVirtualDisk(Adapter& adapter, Time now, HX_U16 id) {
     VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
     if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
     if (!virtual_disk->foreign) return Status::kNotForeign;
@@ -72,8 +72,8 @@ HX_U8 ImportVirtualDisk(Adapter& adapter, Time now, HX_U16 id) {
         Find(adapter.disks, disk)->foreign = false;
     }
     virtual_disk->foreign = false;
-    Queue(adapter, now, kVirtualDiskImported, id, {id});
-    return HX_SUCCESS;
+    Queue(adapter, now, EventKind::kVirtualDiskImported, id, {id});
+    return Status::kSuccess;
 }
 
 void RemoveVirtualDisk(Adapter& adapter, Time now, HX_U16 id) {
@@ -85,7 +85,7 @@ void RemoveVirtualDisk(Adapter& adapter, Time now, HX_U16 id) {
     ReleaseAll(adapter, id);
     DropHomes(adapter, Owner::kVirtualDisk, id);
     std::erase_if(adapter.virtual_disks, [&](const VirtualDisk& each) { return each.id == id; });
-    Queue(adapter, now, kVirtualDiskDeleted, id);
+    Queue(adapter, now, EventKind::kVirtualDiskDeleted, id);
     for (const HX_U16 disk : disks) ReturnSpare(adapter, now, *Find(adapter.disks, disk));
 }
 
@@ -93,7 +93,7 @@ void RemoveVirtualDisk(Adapter& adapter, Time now, HX_U16 id) {
 
 HX_U8 HX_LD_SetConfig(HX_U8 AdapterID, HX_U16 LD_ID, LD_Config* config) {
     return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
                              if (config == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::SetVirtualDisk(adapter, now, LD_ID, *config);
                          });

@@ -14,14 +14,14 @@ inline constexpr HX_U8 kCacheBits = CacheBit::kWriteBack | CacheBit::kReadAhead;
 
 /// Sets name, cache and automatic rebuild. CacheBit::kForcedWriteThrough may be set, as it is in
 /// what is read, and counts for nothing.
-HX_U8 SetVirtualDisk(Adapter& adapter, Time now, HX_U16 id, const LD_Config& config);
+Status SetVirtualDisk(Adapter& adapter, Time now, HX_U16 id, const LD_Config& config);
 
 /// Deletes a virtual disk, with what goes on on it. With `erase_mbr` its disks lose their master
 /// boot records.
-HX_U8 DeleteVirtualDisk(Adapter& adapter, Time now, HX_U16 id, bool erase_mbr);
+Status DeleteVirtualDisk(Adapter& adapter, Time now, HX_U16 id, bool erase_mbr);
 
 /// Takes a virtual disk and its disks over from another controller.
-HX_U8 ImportVirtualDisk(Adapter& adapter, Time now, HX_U16 id);
+Status ImportVirtualDisk(Adapter& adapter, Time now, HX_U16 id);
 
 /// Whether these are bits of a cache that a caller may send.
 bool IsCache(HX_U8 cache);

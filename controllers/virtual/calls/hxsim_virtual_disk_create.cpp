@@ -11,10 +11,10 @@
 #include "calls/hxsim_virtual_disk_change.h"
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_home.h"
-#include "model/hxsim_level.h"
 #include "model/hxsim_plan.h"
 #include "model/hxsim_redundancy.h"
 #include "model/hxsim_space.h"
+#include "model/hxsim_stripes.h"
 #include "model/hxsim_text.h"
 #include "rules/hxsim_activity.h"
 #include "rules/hxsim_event_queue.h"
@@ -28,9 +28,9 @@ bool IsCoefficient(HX_U8 coefficient) {
     return coefficient <= 8 && (coefficient & (coefficient - 1)) == 0;
 }
 
-HX_U8 CheckSettings(HX_U8 cache, HX_U8 init, HX_U8 coefficient) {
+Status CheckSettings(HX_U8 cache, HX_U8 init, HX_U8 coefficient) {
     if (!IsCache(cache) || !IsCoefficient(coefficient)) return Status::kBadValue;
-    return init > Init::kNone ? Status::kBadAction : HX_SUCCESS;
+    return ToCode<Init>(init) ? Status::kSuccess : Status::kBadAction;
 }
 
 // Adds the virtual disk under a free ID, which is returned. Its blocks are still to be cut.
@@ -38,14 +38,15 @@ HX_U16 Add(Adapter& adapter, Time now, VirtualDisk virtual_disk) {
     virtual_disk.id = FreeId(adapter.virtual_disks);
     const HX_U16 id = virtual_disk.id;
     Insert(adapter.virtual_disks, std::move(virtual_disk));
-    Queue(adapter, now, kVirtualDiskCreated, id);
+    Queue(adapter, now, EventKind::kVirtualDiskCreated, id);
     return id;
 }
 
 void StartInit(Adapter& adapter, Time now, HX_U16 virtual_disk, HX_U8 init, Sectors block) {
+    const auto kind = KindOfInitialisation(init);
+    if (!kind) return;
     Activity activity;
-    activity.kind = KindOfInitialisation(init);
-    if (activity.kind == ActivityKind::kNone) return;
+    activity.kind = *kind;
     activity.owner = virtual_disk;
     activity.total = block;
     Start(adapter, now, activity);
@@ -53,7 +54,7 @@ void StartInit(Adapter& adapter, Time now, HX_U16 virtual_disk, HX_U8 init, Sect
 
 VirtualDisk Form(const Layout& layout, Sectors size, HX_U8 cache, HX_U8 coefficient) {
     VirtualDisk virtual_disk;
-    virtual_disk.level = layout.level->code;
+    virtual_disk.level = layout.level;
     virtual_disk.legs = layout.legs;
     virtual_disk.width = layout.Width();
     virtual_disk.stripe_kib = layout.stripe_kib;
@@ -66,7 +67,7 @@ VirtualDisk Form(const Layout& layout, Sectors size, HX_U8 cache, HX_U8 coeffici
 // ---- On disk groups ----
 
 // Whether blocks for a virtual disk can be cut from the group's disks, and resized there, now.
-HX_U8 CheckGroup(const Adapter& adapter, const DiskGroup& group) {
+Status CheckGroup(const Adapter& adapter, const DiskGroup& group) {
     const bool moves = std::ranges::any_of(adapter.activities, [&](const Activity& each) {
         if (each.of == Owner::kDiskGroup) return each.owner == group.id;
         if (each.of != Owner::kVirtualDisk) return false;
@@ -79,20 +80,20 @@ HX_U8 CheckGroup(const Adapter& adapter, const DiskGroup& group) {
         const Disk* const disk = Find(adapter.disks, id);
         if (disk == nullptr || !IsReady(*disk)) return Status::kWrongState;
     }
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 CheckSlot(const Adapter& adapter, const DiskGroup& group, HX_U8 slot) {
+Status CheckSlot(const Adapter& adapter, const DiskGroup& group, HX_U8 slot) {
     if (slot >= HX_MAX_VD_SLOTS || slot >= adapter.info.MaxVDPerDG) return Status::kBadSlot;
     const bool taken = std::ranges::any_of(adapter.virtual_disks, [&](const VirtualDisk& each) {
         return each.group == group.id && each.slot == slot;
     });
-    return taken ? Status::kSlotTaken : HX_SUCCESS;
+    return taken ? Status::kSlotTaken : Status::kSuccess;
 }
 
 // The group's level and disks, with the stripes that the virtual disk is to have.
-HX_U8 LayOutOnGroup(const Adapter& adapter, const DiskGroup& group,
-                    const CreateOrModify_VD_Param& param, Layout& layout) {
+Status LayOutOnGroup(const Adapter& adapter, const DiskGroup& group,
+                     const CreateOrModify_VD_Param& param, Layout& layout) {
     if (param.BlockSize != 0 && param.BlockSize != kSectorSize) return Status::kBadSectorSize;
     if (param.RaidMode != group.level) return Status::kBadLevel;
     if (param.SubVDCount != 0 && param.SubVDCount != group.legs) return Status::kBadDiskCount;
@@ -102,28 +103,28 @@ HX_U8 LayOutOnGroup(const Adapter& adapter, const DiskGroup& group,
     return MakeLayout(adapter, wish, layout);
 }
 
-HX_U8 CreateOnGroup(Adapter& adapter, Time now, const DiskGroup& group,
-                    CreateOrModify_VD_Param& param) {
-    HX_U8 status =
+Status CreateOnGroup(Adapter& adapter, Time now, const DiskGroup& group,
+                     CreateOrModify_VD_Param& param) {
+    Status status =
         CheckSettings(param.CachePolicy, param.InitializationOption, param.SectorCoefficient);
-    if (status == HX_SUCCESS) status = CheckGroup(adapter, group);
+    if (status == Status::kSuccess) status = CheckGroup(adapter, group);
     Layout layout;
-    if (status == HX_SUCCESS) status = LayOutOnGroup(adapter, group, param, layout);
-    if (status == HX_SUCCESS) status = CheckSlot(adapter, group, param.DGSlotNum);
-    if (status == HX_SUCCESS) status = CheckVirtualDiskCount(adapter);
-    if (status != HX_SUCCESS) return status;
+    if (status == Status::kSuccess) status = LayOutOnGroup(adapter, group, param, layout);
+    if (status == Status::kSuccess) status = CheckSlot(adapter, group, param.DGSlotNum);
+    if (status == Status::kSuccess) status = CheckVirtualDiskCount(adapter);
+    if (status != Status::kSuccess) return status;
 
     const std::vector<Run> runs = CommonFree(adapter, layout.disks);
     Sectors size = 0;
     status =
         ChooseSize(layout, Longest(runs).sectors, param.Size.value, param.RoundingScheme, size);
-    if (status != HX_SUCCESS) return status;
+    if (status != Status::kSuccess) return status;
     const Sectors block = layout.Block(size);
     const auto run =
         std::ranges::find_if(runs, [&](const Run& each) { return each.sectors >= block; });
     for (const HX_U16 disk : layout.disks) {
         status = CheckCut(adapter, disk, run->start, block);
-        if (status != HX_SUCCESS) return status;
+        if (status != Status::kSuccess) return status;
     }
 
     VirtualDisk virtual_disk = Form(layout, size, param.CachePolicy, param.SectorCoefficient);
@@ -137,7 +138,7 @@ HX_U8 CreateOnGroup(Adapter& adapter, Time now, const DiskGroup& group,
     StartInit(adapter, now, id, param.InitializationOption, block);
     param.VDID = id;
     param.Size.value = size;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 // The free sectors that follow a block.
@@ -152,10 +153,10 @@ Sectors FreeBehind(const Adapter& adapter, const Block& block) {
 }
 
 // Makes the virtual disk larger where it lies.
-HX_U8 Grow(Adapter& adapter, const DiskGroup& group, VirtualDisk& virtual_disk,
-           const CreateOrModify_VD_Param& param) {
+Status Grow(Adapter& adapter, const DiskGroup& group, VirtualDisk& virtual_disk,
+            const CreateOrModify_VD_Param& param) {
     if (IsBusy(adapter, virtual_disk)) return Status::kBusy;
-    if (const HX_U8 status = CheckGroup(adapter, group); status != HX_SUCCESS) return status;
+    if (const Status status = CheckGroup(adapter, group); status != Status::kSuccess) return status;
     if (StateOf(adapter, virtual_disk) != State::kOptimal) return Status::kWrongState;
     Layout layout = LayoutOf(adapter, group);
     layout.stripe_kib = virtual_disk.stripe_kib;
@@ -167,41 +168,41 @@ HX_U8 Grow(Adapter& adapter, const DiskGroup& group, VirtualDisk& virtual_disk,
         longest = std::min(longest, block.sectors + FreeBehind(adapter, block));
     }
     Sectors size = 0;
-    const HX_U8 status = ChooseSize(layout, longest, param.Size.value, param.RoundingScheme, size);
-    if (status != HX_SUCCESS) return status;
+    const Status status = ChooseSize(layout, longest, param.Size.value, param.RoundingScheme, size);
+    if (status != Status::kSuccess) return status;
     if (size <= virtual_disk.size) return Status::kTooSmall;  // after rounding
     for (const HX_U16 block : blocks) Resize(adapter, block, layout.Block(size));
     virtual_disk.size = size;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 ModifyOnGroup(Adapter& adapter, Time now, const DiskGroup& group,
-                    CreateOrModify_VD_Param& param) {
+Status ModifyOnGroup(Adapter& adapter, Time now, const DiskGroup& group,
+                     CreateOrModify_VD_Param& param) {
     VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, param.VDID);
     if (virtual_disk == nullptr || virtual_disk->group != group.id) return Status::kNoVirtualDisk;
     if (!IsCache(param.CachePolicy)) return Status::kBadValue;
     const Sectors wanted = param.Size.value;
     if (wanted != 0 && wanted < virtual_disk->size) return Status::kTooSmall;
     if (wanted > virtual_disk->size) {
-        const HX_U8 status = Grow(adapter, group, *virtual_disk, param);
-        if (status != HX_SUCCESS) return status;
+        const Status status = Grow(adapter, group, *virtual_disk, param);
+        if (status != Status::kSuccess) return status;
     }
     if (param.Name[0] != '\0') virtual_disk->name = TextOf(param.Name);
     SetCache(adapter, now, *virtual_disk, param.CachePolicy);
     param.Size.value = virtual_disk->size;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 }  // namespace
 
-HX_U8 CreateVirtualDisk(Adapter& adapter, Time now, Create_LD_Param& param) {
+Status CreateVirtualDisk(Adapter& adapter, Time now, Create_LD_Param& param) {
     VirtualDiskPlan plan;
-    HX_U8 status = PlanVirtualDisk(adapter, param, param.Size.value, plan);
-    if (status == HX_SUCCESS) {
+    Status status = PlanVirtualDisk(adapter, param, param.Size.value, plan);
+    if (status == Status::kSuccess) {
         status =
             CheckSettings(param.CachePolicy, param.InitializationOption, param.SectorCoefficient);
     }
-    if (status != HX_SUCCESS) return status;
+    if (status != Status::kSuccess) return status;
 
     VirtualDisk virtual_disk =
         Form(plan.layout, plan.size, param.CachePolicy, param.SectorCoefficient);
@@ -214,17 +215,17 @@ HX_U8 CreateVirtualDisk(Adapter& adapter, Time now, Create_LD_Param& param) {
     StartInit(adapter, now, id, param.InitializationOption, plan.block);
     param.LDID = id;
     param.Size.value = plan.size;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 SizeVirtualDisk(const Adapter& adapter, Create_LD_Param& param) {
+Status SizeVirtualDisk(const Adapter& adapter, Create_LD_Param& param) {
     VirtualDiskPlan plan;
-    const HX_U8 status = PlanVirtualDisk(adapter, param, 0, plan);
-    if (status == HX_SUCCESS) param.Size.value = plan.size;
+    const Status status = PlanVirtualDisk(adapter, param, 0, plan);
+    if (status == Status::kSuccess) param.Size.value = plan.size;
     return status;
 }
 
-HX_U8 CreateOrModifyOnGroup(Adapter& adapter, Time now, CreateOrModify_VD_Param& param) {
+Status CreateOrModifyOnGroup(Adapter& adapter, Time now, CreateOrModify_VD_Param& param) {
     if (!adapter.info.DiskGroupSupport) return Status::kNotSupported;
     const DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
     if (group == nullptr) return Status::kNoDiskGroup;
@@ -236,7 +237,7 @@ HX_U8 CreateOrModifyOnGroup(Adapter& adapter, Time now, CreateOrModify_VD_Param&
 
 HX_U8 HX_LD_Create(HX_U8 AdapterID, Create_LD_Param* param) {
     return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
                              if (param == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::CreateVirtualDisk(adapter, now, *param);
                          });
@@ -244,7 +245,7 @@ HX_U8 HX_LD_Create(HX_U8 AdapterID, Create_LD_Param* param) {
 
 HX_U8 HX_LD_GetMaxSize(HX_U8 AdapterID, Create_LD_Param* param) {
     return hxsim::Look(__func__, AdapterID,
-                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> hxcodes::Status {
                            if (param == nullptr) return hxcodes::Status::kNullAddress;
                            return hxsim::SizeVirtualDisk(adapter, *param);
                        });
@@ -252,7 +253,7 @@ HX_U8 HX_LD_GetMaxSize(HX_U8 AdapterID, Create_LD_Param* param) {
 
 HX_U8 HX_LD_StartMigration(HX_U8 AdapterID, Create_LD_Param* param) {
     return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
                              if (param == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::StartMigration(adapter, now, *param);
                          });
@@ -260,7 +261,7 @@ HX_U8 HX_LD_StartMigration(HX_U8 AdapterID, Create_LD_Param* param) {
 
 HX_U8 HX_LD_GetMigratedLdSize(HX_U8 AdapterID, Create_LD_Param* param) {
     return hxsim::Look(__func__, AdapterID,
-                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> hxcodes::Status {
                            if (param == nullptr) return hxcodes::Status::kNullAddress;
                            return hxsim::SizeMigration(adapter, *param);
                        });
@@ -268,7 +269,7 @@ HX_U8 HX_LD_GetMigratedLdSize(HX_U8 AdapterID, Create_LD_Param* param) {
 
 HX_U8 HX_CreateOrModify_VD(HX_U8 AdapterID, CreateOrModify_VD_Param* param) {
     return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> HX_U8 {
+                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
                              if (param == nullptr) return hxcodes::Status::kNullAddress;
                              return hxsim::CreateOrModifyOnGroup(adapter, now, *param);
                          });

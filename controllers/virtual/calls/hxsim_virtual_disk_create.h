@@ -10,15 +10,15 @@ namespace hxsim {
 
 /// Makes a virtual disk on disks of its own and starts its initialisation. Sets param.LDID to its
 /// ID and param.Size to its size.
-HX_U8 CreateVirtualDisk(Adapter& adapter, Time now, Create_LD_Param& param);
+Status CreateVirtualDisk(Adapter& adapter, Time now, Create_LD_Param& param);
 
 /// Sets param.Size to the most that CreateVirtualDisk could give.
-HX_U8 SizeVirtualDisk(const Adapter& adapter, Create_LD_Param& param);
+Status SizeVirtualDisk(const Adapter& adapter, Create_LD_Param& param);
 
 /// Makes the virtual disk param.VDID (HX_NEW_ID) in a slot of a disk group, or changes its name,
 /// its cache and, upwards, its size. A new one takes param.Size, or the longest run that is left;
 /// one that is there keeps its name for an empty one, its size for 0, and its slot. Sets
 /// param.VDID and param.Size.
-HX_U8 CreateOrModifyOnGroup(Adapter& adapter, Time now, CreateOrModify_VD_Param& param);
+Status CreateOrModifyOnGroup(Adapter& adapter, Time now, CreateOrModify_VD_Param& param);
 
 }  // namespace hxsim

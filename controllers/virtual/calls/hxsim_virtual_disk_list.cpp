@@ -8,7 +8,7 @@
 #include "calls/hxsim_list_page.h"
 #include "calls/hxsim_session.h"
 #include "model/hxsim_activity_row.h"
-#include "model/hxsim_level.h"
+#include "model/hxsim_stripes.h"
 #include "model/hxsim_text.h"
 #include "rules/hxsim_battery.h"
 
@@ -44,8 +44,7 @@ private:
 HX_U8 CacheNow(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     const bool forced =
         (virtual_disk.cache & CacheBit::kWriteBack) != 0 && ForcesWriteThrough(adapter);
-    const HX_U8 force = forced ? CacheBit::kForcedWriteThrough : 0;
-    return static_cast<HX_U8>(virtual_disk.cache | force);
+    return forced ? virtual_disk.cache | CacheBit::kForcedWriteThrough : virtual_disk.cache;
 }
 
 void FillInfo(const Adapter& adapter, const VirtualDisk& virtual_disk, BlocksByPosition& blocks,
@@ -53,11 +52,11 @@ void FillInfo(const Adapter& adapter, const VirtualDisk& virtual_disk, BlocksByP
     info.ID = virtual_disk.id;
     info.AdapterID = adapter.id;
     info.DGID = virtual_disk.group == kNoId ? kNoDiskGroup : static_cast<HX_U8>(virtual_disk.group);
-    info.Status = virtual_disk.state;
+    info.Status = NumberOf(virtual_disk.state);
     const Activity* const activity = ActivityOf(adapter, Owner::kVirtualDisk, virtual_disk.id);
-    info.BGAStatus = activity == nullptr ? HX_U8{ActivityKind::kNone} : activity->kind;
+    info.BGAStatus = NumberOf(activity == nullptr ? ActivityKind::kNone : activity->kind);
     info.StripeBlockSize = virtual_disk.stripe_kib;
-    info.RaidMode = virtual_disk.level;
+    info.RaidMode = NumberOf(virtual_disk.level);
     info.HDCount = virtual_disk.width;
     info.CacheMode = CacheNow(adapter, virtual_disk);
     info.SectorCoefficient = virtual_disk.coefficient;
@@ -68,9 +67,8 @@ void FillInfo(const Adapter& adapter, const VirtualDisk& virtual_disk, BlocksByP
         info.BlockIDs[i] = blocks.At(adapter, virtual_disk.id, i);
     }
     info.SubLDCount = virtual_disk.legs;
-    const Level* const level = FindLevel(virtual_disk.level);
-    if (level == nullptr) return;
-    info.NumParityDisk = static_cast<HX_U8>(ParityDisks(*level, virtual_disk.legs));
+    info.NumParityDisk =
+        static_cast<HX_U8>(ParityDisks(RowOf(virtual_disk.level), virtual_disk.legs));
 }
 
 }  // namespace
@@ -84,13 +82,13 @@ LD_Info DescribeVirtualDisk(const Adapter& adapter, const VirtualDisk& virtual_d
 
 LD_Status DescribeStatus(const Adapter& adapter, const VirtualDisk& virtual_disk, Time now) {
     LD_Status status{};
-    status.Status = virtual_disk.state;
+    status.Status = NumberOf(virtual_disk.state);
     status.LDID = virtual_disk.id;
     const Activity* const activity = ActivityOf(adapter, Owner::kVirtualDisk, virtual_disk.id);
     if (activity == nullptr) return status;
-    status.Bga = activity->kind;
+    status.Bga = NumberOf(activity->kind);
     status.BgaPercentage = Percentage(*activity, now);
-    status.BgaState = activity->state;
+    status.BgaState = NumberOf(activity->state);
     return status;
 }
 
@@ -98,7 +96,7 @@ LD_Config DescribeSettings(const Adapter& adapter, const VirtualDisk& virtual_di
     LD_Config config{};
     config.CacheMode = CacheNow(adapter, virtual_disk);
     config.AutoRebuildOn = virtual_disk.auto_rebuild;
-    config.Status = virtual_disk.state;
+    config.Status = NumberOf(virtual_disk.state);
     config.LDID = virtual_disk.id;
     SetText(config.Name, virtual_disk.name);
     return config;
@@ -140,12 +138,12 @@ HX_U8 HX_LD_GetConfig(HX_U8 AdapterID, LD_Config_Request* request) {
 
 HX_U8 HX_LD_GetTargetLDInfo(HX_U8 AdapterID, HX_U16 LD_ID, LD_Info* info) {
     return hxsim::Look(
-        __func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) -> HX_U8 {
+        __func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) -> hxcodes::Status {
             if (info == nullptr) return hxcodes::Status::kNullAddress;
             const auto* const virtual_disk = hxsim::Find(adapter.virtual_disks, LD_ID);
             if (virtual_disk == nullptr) return hxcodes::Status::kNoVirtualDisk;
             *info = hxsim::DescribeVirtualDisk(adapter, *virtual_disk);
             if (hxsim::IsHostile()) hxsim::MakeRecordHostile(info, sizeof *info);
-            return HX_SUCCESS;
+            return hxcodes::Status::kSuccess;
         });
 }

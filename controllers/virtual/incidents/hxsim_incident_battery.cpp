@@ -54,7 +54,7 @@ Outcome SetBatteryCharge(Adapter& adapter, Time now, HX_U8 percent) {
 Outcome RemoveBattery(Adapter& adapter, Time now) {
     Outcome outcome = CheckBattery(adapter);
     if (!outcome) return outcome;
-    Queue(adapter, now, kBatteryRemoved, kBattery);
+    Queue(adapter, now, EventKind::kBatteryRemoved, kBattery);
     ChangeBattery(adapter, now, [](Battery& battery) {
         battery.present = false;
         battery.phase = BatteryPhase::kIdle;
@@ -65,7 +65,8 @@ Outcome RemoveBattery(Adapter& adapter, Time now) {
 Outcome ReplaceBattery(Adapter& adapter, Time now) {
     if (adapter.batteries.empty()) return CheckBattery(adapter);
     const bool empty = !adapter.batteries.front().present;
-    Queue(adapter, now, empty ? kBatteryNewDetected : kBatteryReplaced, kBattery);
+    Queue(adapter, now, empty ? EventKind::kBatteryNewDetected : EventKind::kBatteryReplaced,
+          kBattery);
     ChangeBattery(adapter, now, [](Battery& battery) {
         constexpr unsigned kAsDelivered = 40;  // percent
         BBU_Info& info = battery.info;

@@ -78,14 +78,14 @@ const Block* ContentAt(const Adapter& adapter, HX_U16 disk, Sectors lba) {
 // Whether the host reads what the virtual disk has on the disk: the error is met at once. What
 // nobody reads waits for a media patrol or a check.
 bool IsRead(const Adapter& adapter, const Disk& disk, const VirtualDisk& virtual_disk) {
-    const HX_U8 state = StateOf(adapter, virtual_disk);
+    const State state = StateOf(adapter, virtual_disk);
     return IsReady(disk) && state != State::kOffline && state != State::kForeign;
 }
 
 // What was in the sector is made again of what the other disks hold, where they hold enough.
 bool CanBeMadeAgain(const Adapter& adapter, const VirtualDisk& virtual_disk) {
-    const HX_U8 state = StateOf(adapter, virtual_disk);
-    return virtual_disk.level != 0 &&
+    const State state = StateOf(adapter, virtual_disk);
+    return IsRedundant(virtual_disk.level) &&
            (state == State::kOptimal || state == State::kPartiallyOptimal);
 }
 
@@ -103,7 +103,7 @@ Outcome FailDisk(Adapter& adapter, Time now, HX_U16 disk) {
     if (!row->present) return NotThere(disk);
     if (row->failed) return HasFailed(disk);
     row->failed = true;
-    Queue(adapter, now, kDiskSetDown, disk);
+    Queue(adapter, now, EventKind::kDiskSetDown, disk);
     return {};
 }
 
@@ -113,7 +113,7 @@ Outcome RemoveDisk(Adapter& adapter, Time now, HX_U16 disk) {
     if (!row->present) return NotThere(disk);
     row->present = false;
     row->locate_light = false;
-    Queue(adapter, now, kDiskOffline, disk);
+    Queue(adapter, now, EventKind::kDiskOffline, disk);
     return {};
 }
 
@@ -124,9 +124,9 @@ Outcome InsertDisk(Adapter& adapter, Time now, HX_U16 disk) {
     row->present = true;
     // What has been set offline or given up is so wherever it is put.
     if (row->failed) {
-        Queue(adapter, now, kDiskSetDown, disk);
+        Queue(adapter, now, EventKind::kDiskSetDown, disk);
     } else if (!row->offline) {
-        Queue(adapter, now, kDiskOnline, disk);
+        Queue(adapter, now, EventKind::kDiskOnline, disk);
     }
     return {};
 }
@@ -139,7 +139,7 @@ Outcome ReplaceDisk(Adapter& adapter, Time now, HX_U16 disk, std::uint64_t& rand
         return {"A disk has " + std::to_string(kMetadata + 1) + " to " +
                 std::to_string(kMostSectors) + " sectors, not " + std::to_string(sectors) + '.'};
     }
-    if (row->present && !row->failed) Queue(adapter, now, kDiskOffline, disk);
+    if (row->present && !row->failed) Queue(adapter, now, EventKind::kDiskOffline, disk);
     EndActivityOf(adapter, now, disk);
     DropContents(adapter, now, disk);
     std::erase_if(adapter.remaps, [&](const Remap& remap) { return remap.disk == disk; });
@@ -159,7 +159,7 @@ Outcome ReplaceDisk(Adapter& adapter, Time now, HX_U16 disk, std::uint64_t& rand
     fresh.foreign = foreign;
     *row = std::move(fresh);
     ResetDisk(adapter, disk);
-    Queue(adapter, now, kDiskOnline, disk);
+    Queue(adapter, now, EventKind::kDiskOnline, disk);
     TellOfSmallHome(adapter, now, disk);
     return {};
 }
@@ -174,7 +174,7 @@ Outcome TripSmart(Adapter& adapter, Time now, HX_U16 disk) {
     }
     row->smart_exceeded = true;
     if (row->smart_on && adapter.config.PollSMARTStatus != 0) {
-        Queue(adapter, now, kSmartThresholdOver, disk);
+        Queue(adapter, now, EventKind::kSmartThresholdOver, disk);
     }
     return {};
 }
@@ -199,15 +199,15 @@ Outcome DamageSector(Adapter& adapter, Time now, HX_U16 disk, Sectors lba) {
         SetRemap(adapter, {disk, lba, 1, kNotRemapped});
         return {};
     }
-    Queue(adapter, now, kDiskReadWriteError, disk);
+    Queue(adapter, now, EventKind::kDiskReadWriteError, disk);
     const bool reassigned = Reassign(adapter, now, disk, lba, 1);
     if (reassigned && CanBeMadeAgain(adapter, *virtual_disk)) {
-        Queue(adapter, now, kDiskErrorFixed, disk);
+        Queue(adapter, now, EventKind::kDiskErrorFixed, disk);
         return {};
     }
     // A check finds the stripe.
-    if (virtual_disk->level != 0) ++virtual_disk->errors;
-    Queue(adapter, now, kInconsistentAddress, virtual_disk->id, AddressAnd(lba, 0, 0));
+    if (IsRedundant(virtual_disk->level)) ++virtual_disk->errors;
+    Queue(adapter, now, EventKind::kInconsistentAddress, virtual_disk->id, AddressAnd(lba, 0, 0));
     return {};
 }
 }  // namespace hxsim

@@ -12,24 +12,24 @@
 namespace hxsim {
 namespace {
 
-Outcome Check(const Element* element, HX_U16 enclosure, HX_U8 number, HX_U8 type) {
-    const std::string kind(hxcodes::NameOf(hxcodes::kElementTypeNames, type));
+Outcome Check(const Element* element, HX_U16 enclosure, HX_U8 number, ElementType type) {
+    const std::string kind(RowOf(type).name);
     if (element != nullptr && element->type == type) return {};
     return {"Element " + std::to_string(number) + " of enclosure " + std::to_string(enclosure) +
             (element == nullptr ? " is not there" : " is no " + kind) + "; take a " + kind +
             " that hxsimctl show lists."};
 }
 
-EventKind EventOf(HX_U8 status) {
-    if (status == ElementStatus::kCritical) return kElementCritical;
-    return status == ElementStatus::kOk ? kElementOk : kElementWarning;
+EventKind EventOf(ElementStatus status) {
+    if (status == ElementStatus::kCritical) return EventKind::kElementCritical;
+    return status == ElementStatus::kOk ? EventKind::kElementOk : EventKind::kElementWarning;
 }
 
-void SetStatus(Adapter& adapter, Time now, Element& element, HX_U8 status) {
+void SetStatus(Adapter& adapter, Time now, Element& element, ElementStatus status) {
     if (element.status == status) return;
     element.status = status;
     Queue(adapter, now, EventOf(status), element.enclosure,
-          {element.number, element.type, element.reading});
+          {element.number, NumberOf(element.type), element.reading});
     UpdateAlarm(adapter, status == ElementStatus::kCritical);
 }
 
@@ -49,7 +49,7 @@ HX_U8 SpeedCodeOf(const Element& fan) {
 
 Outcome SetFanSpeed(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 element, HX_U16 rpm) {
     Element* const fan = FindElement(adapter, enclosure, element);
-    Outcome outcome = Check(fan, enclosure, element, HX_ELEMENT_FAN);
+    Outcome outcome = Check(fan, enclosure, element, ElementType::kFan);
     if (!outcome) return outcome;
     SetReading(adapter, now, *fan, rpm);
     fan->speed_code = SpeedCodeOf(*fan);
@@ -58,7 +58,7 @@ Outcome SetFanSpeed(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 element,
 
 Outcome SetTemperature(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 element, int celsius) {
     Element* const sensor = FindElement(adapter, enclosure, element);
-    Outcome outcome = Check(sensor, enclosure, element, HX_ELEMENT_TEMPERATURE);
+    Outcome outcome = Check(sensor, enclosure, element, ElementType::kTemperature);
     if (!outcome) return outcome;
     if (celsius < -19 || celsius > 235) {
         return {"A sensor shows -19 to 235 degrees Celsius, not " + std::to_string(celsius) + '.'};
@@ -69,7 +69,7 @@ Outcome SetTemperature(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 eleme
 
 Outcome SetPowerSupply(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 element, bool works) {
     Element* const supply = FindElement(adapter, enclosure, element);
-    Outcome outcome = Check(supply, enclosure, element, HX_ELEMENT_POWER_SUPPLY);
+    Outcome outcome = Check(supply, enclosure, element, ElementType::kPowerSupply);
     if (!outcome) return outcome;
     SetStatus(adapter, now, *supply, works ? ElementStatus::kOk : ElementStatus::kCritical);
     return {};

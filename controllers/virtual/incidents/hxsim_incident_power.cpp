@@ -17,7 +17,7 @@ namespace {
 bool LosesWhatIsCached(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     return (virtual_disk.cache & CacheBit::kWriteBack) != 0 && !AllowsWriteBack(adapter) &&
            !ForcesWriteThrough(adapter) && virtual_disk.initialised && !virtual_disk.foreign &&
-           virtual_disk.level != 0 && StateOf(adapter, virtual_disk) != State::kOffline;
+           IsRedundant(virtual_disk.level) && StateOf(adapter, virtual_disk) != State::kOffline;
 }
 
 // Whether a virtual disk has gone with all its disks.
@@ -33,20 +33,21 @@ bool IsGone(const Adapter& adapter, HX_U16 virtual_disk) {
 void AnnounceMissing(Adapter& adapter, Time now) {
     for (const Disk& disk : adapter.disks) {
         if (!disk.present && IsConfigured(adapter, disk.id)) {
-            Queue(adapter, now, kDiskMissingAtBoot, disk.id);
+            Queue(adapter, now, EventKind::kDiskMissingAtBoot, disk.id);
         }
     }
     for (const VirtualDisk& each : adapter.virtual_disks) {
-        const HX_U8 state = StateOf(adapter, each);
+        const State state = StateOf(adapter, each);
         if (state != State::kOptimal && state != State::kForeign) {
             const bool gone = IsGone(adapter, each.id);
-            Queue(adapter, now, gone ? kVirtualDiskMissingAtBoot : kVirtualDiskMissesDisks,
+            Queue(adapter, now,
+                  gone ? EventKind::kVirtualDiskMissingAtBoot : EventKind::kVirtualDiskMissesDisks,
                   each.id);
         }
     }
     const bool battery_missing = std::ranges::any_of(
         adapter.batteries, [](const Battery& battery) { return !battery.present; });
-    if (battery_missing) Queue(adapter, now, kBatteryNotPresent, kBattery);
+    if (battery_missing) Queue(adapter, now, EventKind::kBatteryNotPresent, kBattery);
 }
 
 }  // namespace
@@ -55,7 +56,7 @@ void CutPower(Adapter& adapter, Time now) {
     for (VirtualDisk& each : adapter.virtual_disks) {
         if (LosesWhatIsCached(adapter, each)) ++each.errors;
     }
-    Queue(adapter, now, kAdapterFound, adapter.id, {}, TextOf(adapter.info.SerialNo));
+    Queue(adapter, now, EventKind::kAdapterFound, adapter.id, {}, TextOf(adapter.info.SerialNo));
     AnnounceMissing(adapter, now);
     for (const Activity& activity : adapter.activities) {
         if (activity.state == ActivityState::kRunning) {

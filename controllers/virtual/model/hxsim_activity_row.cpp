@@ -69,7 +69,7 @@ HX_U16 Percentage(const Activity& activity, Time now) {
     return static_cast<HX_U16>(Done(activity, now) * 100 / activity.total);
 }
 
-bool IsKind(const Activity* activity, HX_U8 kind) {
+bool IsKind(const Activity* activity, ActivityKind kind) {
     return activity != nullptr && activity->kind == kind;
 }
 

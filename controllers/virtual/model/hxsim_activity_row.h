@@ -25,6 +25,6 @@ Sectors Done(const Activity& activity, Time now);
 HX_U16 Percentage(const Activity& activity, Time now);
 
 /// Whether there is an activity and it is of that kind (ActivityKind).
-bool IsKind(const Activity* activity, HX_U8 kind);
+bool IsKind(const Activity* activity, ActivityKind kind);
 
 }  // namespace hxsim

@@ -2,18 +2,27 @@
 #include "model/hxsim_adapter_model.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <iterator>
+
+#include "model/hxsim_codes.h"
 
 namespace hxsim {
 namespace {
 
 // RAID levels, as bits of LogicalDriverMode.
-constexpr HX_U16 kRaid0 = 0x0001, kRaid1 = 0x0002, kRaid10 = 0x0004, kRaid1e = 0x0008,
-                 kRaid5 = 0x0010, kRaid6 = 0x0020, kRaid50 = 0x0040, kRaid60 = 0x0100;
+constexpr HX_U16 BitsOf(std::initializer_list<Level> levels) {
+    HX_U16 bits = 0;
+    for (const Level level : levels) bits = static_cast<HX_U16>(bits | RowOf(level).mode);
+    return bits;
+}
 
 // Rates that can be set, as bits of Features.
-constexpr HX_U8 kRebuildRate = 0x01, kInitRate = 0x02, kSyncRate = 0x04, kMigrationRate = 0x08,
-                kMediaPatrolRate = 0x10, kCopybackRate = 0x40;
+constexpr HX_U8 BitsOf(std::initializer_list<Rate> rates) {
+    HX_U8 bits = 0;
+    for (const Rate rate : rates) bits = static_cast<HX_U8>(bits | RowOf(rate).feature);
+    return bits;
+}
 
 // StripeSizeSupported has bit n for 2^n KiB, PortSupportType bit 0 for SAS and bit 1 for SATA: the
 // interface leaves both to the maker.
@@ -53,8 +62,8 @@ constexpr Adapter_Info LargeModel() {
     model.MaxVDPerDG = 32;
     model.MaxParityDisks = 4;
     model.PortCount = 8;
-    model.Features =
-        kRebuildRate | kInitRate | kSyncRate | kMigrationRate | kMediaPatrolRate | kCopybackRate;
+    model.Features = BitsOf({Rate::kRebuild, Rate::kInit, Rate::kSync, Rate::kMigration,
+                             Rate::kMediaPatrol, Rate::kCopyback});
     model.AlarmSupport = 1;
     model.MaxBlockPerPD = 16;
     model.MaxHD = 128;
@@ -63,7 +72,8 @@ constexpr Adapter_Info LargeModel() {
     model.MaxPM = 8;
     model.MaxLogicalDrive = 32;
     model.LogicalDriverMode =
-        kRaid0 | kRaid1 | kRaid10 | kRaid1e | kRaid5 | kRaid6 | kRaid50 | kRaid60;
+        BitsOf({Level::kRaid0, Level::kRaid1, Level::kRaid10, Level::kRaid1E, Level::kRaid5,
+                Level::kRaid6, Level::kRaid50, Level::kRaid60});
     model.DiskGroupSupport = 1;
     model.MaxBufferSize = 64;
     return model;
@@ -86,13 +96,13 @@ constexpr Adapter_Info SmallModel() {
     model.StripeSizeSupported = 0x0070;
     model.MaxParityDisks = 1;
     model.PortCount = 4;
-    model.Features = kRebuildRate | kInitRate | kSyncRate | kMediaPatrolRate;
+    model.Features = BitsOf({Rate::kRebuild, Rate::kInit, Rate::kSync, Rate::kMediaPatrol});
     model.MaxBlockPerPD = 4;
     model.MaxHD = 8;
     model.MaxHD_Ext = 8;
     model.MaxPM = 4;
     model.MaxLogicalDrive = 8;
-    model.LogicalDriverMode = kRaid0 | kRaid1 | kRaid10 | kRaid5;
+    model.LogicalDriverMode = BitsOf({Level::kRaid0, Level::kRaid1, Level::kRaid10, Level::kRaid5});
     model.MaxBufferSize = 16;
     return model;
 }

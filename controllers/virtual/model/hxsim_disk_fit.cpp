@@ -14,7 +14,7 @@ template <class Array>
 const Disk* HomeDiskOf(const Adapter& adapter, const Array& array, HX_U16 id) {
     const Disk* const disk = Find(adapter.disks, id);
     const bool serves = disk != nullptr && disk->spare == Spare::kNone &&
-                        CanServe(adapter, array, *disk) == HX_SUCCESS;
+                        CanServe(adapter, array, *disk) == Status::kSuccess;
     return serves ? disk : nullptr;
 }
 
@@ -49,7 +49,7 @@ Sectors SectorsNeeded(const Adapter& adapter, const DiskGroup& group) {
     return smallest == UINT64_MAX ? taken : std::max(taken, smallest);
 }
 
-HX_U8 CanServe(const Adapter& adapter, const VirtualDisk& virtual_disk, const Disk& disk) {
+Status CanServe(const Adapter& adapter, const VirtualDisk& virtual_disk, const Disk& disk) {
     if (!IsReady(disk)) return Status::kDiskNotReady;
     if (disk.spare == Spare::kGroup || GroupOf(adapter, disk.id) != nullptr) {
         return Status::kDiskTaken;
@@ -62,16 +62,15 @@ HX_U8 CanServe(const Adapter& adapter, const VirtualDisk& virtual_disk, const Di
     const Block* const free = FirstFree(adapter, disk.id, sectors);
     if (free == nullptr || sectors == 0) return Status::kNoSpace;
     const bool one_more = free->sectors != sectors;
-    return one_more && IsFullOfBlocks(adapter, disk.id) ? HX_U8{Status::kTooManyBlocks}
-                                                        : HX_U8{HX_SUCCESS};
+    return one_more && IsFullOfBlocks(adapter, disk.id) ? Status::kTooManyBlocks : Status::kSuccess;
 }
 
-HX_U8 CanServe(const Adapter& adapter, const DiskGroup& group, const Disk& disk) {
+Status CanServe(const Adapter& adapter, const DiskGroup& group, const Disk& disk) {
     if (!IsReady(disk)) return Status::kDiskNotReady;
     if (disk.spare == Spare::kGroup && disk.spare_group != group.id) return Status::kDiskTaken;
     if (IsConfigured(adapter, disk.id)) return Status::kDiskTaken;
-    return UsableSectors(disk) < SectorsNeeded(adapter, group) ? HX_U8{Status::kNoSpace}
-                                                               : HX_U8{HX_SUCCESS};
+    return UsableSectors(disk) < SectorsNeeded(adapter, group) ? Status::kNoSpace
+                                                               : Status::kSuccess;
 }
 
 const Disk* FindHomeDisk(const Adapter& adapter, const VirtualDisk& virtual_disk, HX_U16 id) {

@@ -15,9 +15,9 @@ Sectors SectorsNeeded(const Adapter& adapter, const VirtualDisk& virtual_disk);
 Sectors SectorsNeeded(const Adapter& adapter, const DiskGroup& group);
 
 /// Why a disk cannot serve a position of a virtual disk that lies directly on its disks, or of a
-/// disk group; HX_SUCCESS when it can. Spares can.
-HX_U8 CanServe(const Adapter& adapter, const VirtualDisk& virtual_disk, const Disk& disk);
-HX_U8 CanServe(const Adapter& adapter, const DiskGroup& group, const Disk& disk);
+/// disk group; Status::kSuccess when it can. Spares can.
+Status CanServe(const Adapter& adapter, const VirtualDisk& virtual_disk, const Disk& disk);
+Status CanServe(const Adapter& adapter, const DiskGroup& group, const Disk& disk);
 
 /// The disk that a position belongs on, if it is no spare and can serve; else null. A home that was
 /// made a spare stays one.

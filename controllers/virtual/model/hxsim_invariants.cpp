@@ -14,8 +14,8 @@
 #include <type_traits>
 #include <utility>
 
-#include "model/hxsim_level.h"
 #include "model/hxsim_redundancy.h"
+#include "model/hxsim_stripes.h"
 
 namespace hxsim {
 namespace {
@@ -30,10 +30,11 @@ requires std::is_integral_v<Number> std::string Text(Number number) {
     return std::to_string(number);
 }
 
-// An element's status, a state or a level: its name, or its number when it has none.
-std::string NameOr(std::span<const hxcodes::Named> names, HX_U8 code) {
-    const std::string_view name = hxcodes::NameOf(names, code);
-    return name.empty() ? "code " + std::to_string(code) : std::string(name);
+// The name of a code, or the number of one that has none.
+template <hxcodes::CodeEnum Code>
+std::string NameOr(Code code) {
+    const std::string_view name = hxcodes::NameOf(TableOf(code), NumberOf(code));
+    return name.empty() ? "code " + std::to_string(NumberOf(code)) : std::string(name);
 }
 
 // The rules for one adapter.
@@ -165,7 +166,7 @@ private:
                                     : std::max(virtual_disk.width, migration->width);
     }
 
-    const Activity* FindActivity(HX_U8 kind, Owner of, HX_U16 owner) const {
+    const Activity* FindActivity(ActivityKind kind, Owner of, HX_U16 owner) const {
         const auto found = std::ranges::find_if(adapter_.activities, [&](const Activity& each) {
             return each.kind == kind && each.of == of && each.owner == owner;
         });
@@ -174,7 +175,7 @@ private:
 
     // A migration or copyback that the virtual disk takes part in: one on a disk group is the
     // group's.
-    const Activity* FindMove(HX_U8 kind, const VirtualDisk& virtual_disk) const {
+    const Activity* FindMove(ActivityKind kind, const VirtualDisk& virtual_disk) const {
         return virtual_disk.group == kNoId
                    ? FindActivity(kind, Owner::kVirtualDisk, virtual_disk.id)
                    : FindActivity(kind, Owner::kDiskGroup, virtual_disk.group);
@@ -197,7 +198,7 @@ private:
             }
             if (block.state != State::kOptimal && block.state != State::kRebuilding &&
                 block.state != State::kDegraded) {
-                Say(Of(block), " is ", NameOr(hxcodes::kStateNames, block.state),
+                Say(Of(block), " is ", NameOr(block.state),
                     "; a block is optimal, rebuilding or degraded.");
             }
             if (block.virtual_disk == kNoVirtualDisk) {
@@ -352,7 +353,7 @@ private:
         const Sectors held =
             first == nullptr
                 ? virtual_disk.size
-                : DataSectors(*FindLevel(virtual_disk.level), virtual_disk.width, virtual_disk.legs,
+                : DataSectors(virtual_disk.level, virtual_disk.width, virtual_disk.legs,
                               virtual_disk.stripe_kib, first->sectors);
         if (virtual_disk.size == 0) {
             Say(Of(virtual_disk), " has no size.");
@@ -365,9 +366,9 @@ private:
     // Whether the virtual disk's or disk group's level, width and stripes are possible.
     template <class Row>
     bool CheckLevel(const Row& row) {
-        const Level* const level = FindLevel(row.level);
+        const LevelRow* const level = hxcodes::FindCode(hxcodes::kLevels, NumberOf(row.level));
         if (level == nullptr || !CanBeMade(*level, row.width, row.legs)) {
-            Say(Of(row), " is ", NameOr(hxcodes::kLevelNames, row.level), " of ", row.width,
+            Say(Of(row), " is ", NameOr(row.level), " of ", row.width,
                 " disks, which that level cannot be made of.");
             return false;
         }
@@ -508,10 +509,9 @@ private:
 
     template <class Row>
     void CheckState(const Row& row) {
-        const HX_U8 state = StateOf(adapter_, row);
+        const State state = StateOf(adapter_, row);
         if (row.state == state) return;
-        Say(Of(row), " was announced as ", NameOr(hxcodes::kStateNames, row.state), " and is ",
-            NameOr(hxcodes::kStateNames, state), ".");
+        Say(Of(row), " was announced as ", NameOr(row.state), " and is ", NameOr(state), ".");
     }
 
     // ---- Activities ----
@@ -520,7 +520,7 @@ private:
         std::set<std::pair<Owner, HX_U16>> busy;  // not counting migrations that wait
         for (const Activity& activity : adapter_.activities) {
             const std::string address = Of(activity.of, activity.owner);
-            const std::string what = NameOr(hxcodes::kActivityNames, activity.kind);
+            const std::string what = NameOr(activity.kind);
             if (!WaitsForRebuild(activity) && !busy.insert({activity.of, activity.owner}).second) {
                 Say(address, " has two activities.");
             }
@@ -533,8 +533,7 @@ private:
             if (activity.state != ActivityState::kRunning &&
                 activity.state != ActivityState::kPaused &&
                 activity.state != ActivityState::kAutoPaused) {
-                Say("The ", what, " of ", address, " is ",
-                    NameOr(hxcodes::kActivityStateNames, activity.state),
+                Say("The ", what, " of ", address, " is ", NameOr(activity.state),
                     "; an activity is running, paused or auto_paused.");
             }
             if (activity.done > activity.total) {
@@ -566,11 +565,10 @@ private:
         return false;
     }
 
-    static bool Suits(HX_U8 kind, Owner of) {
-        if (of == Owner::kDisk) {
-            return kind == ActivityKind::kMediaPatrol || kind == ActivityKind::kDataScrub;
-        }
-        return kind >= ActivityKind::kCheck && kind <= ActivityKind::kCopyback;
+    static bool Suits(ActivityKind kind, Owner of) {
+        const auto* const row = hxcodes::FindCode(hxcodes::kActivities, NumberOf(kind));
+        if (row == nullptr) return false;
+        return row->runs_on == (of == Owner::kDisk ? RunsOn::kDisk : RunsOn::kVirtualDisk);
     }
 
     // ---- Remapped sectors ----
@@ -597,7 +595,7 @@ private:
 
     // ---- What hangs on what ----
 
-    bool HasDevice(HX_U8 kind, HX_U16 id) const {
+    bool HasDevice(Device kind, HX_U16 id) const {
         switch (kind) {
             case Device::kAdapter:
                 return true;
@@ -607,17 +605,18 @@ private:
                 return Find(adapter_.port_multipliers, id) != nullptr;
             case Device::kEnclosure:
                 return Find(adapter_.enclosures, id) != nullptr;
-            default:
-                return false;
+            case Device::kDisk:
+                break;
         }
+        return false;
     }
 
     template <class Rows>
     void CheckAttachments(const Rows& rows, std::string_view kind) {
         for (const auto& row : rows) {
             if (!HasDevice(row.parent, row.parent_id)) {
-                Say(Address(kind, row.id), " hangs on ", NameOr(hxcodes::kDeviceNames, row.parent),
-                    " ", row.parent_id, ", which is not there.");
+                Say(Address(kind, row.id), " hangs on ", NameOr(row.parent), " ", row.parent_id,
+                    ", which is not there.");
             }
         }
     }
@@ -653,11 +652,11 @@ private:
                                        std::tuple(element.enclosure, element.number)) {
                 Say(Of(element), " stands behind ", Of(*last), "; elements are unique and ascend.");
             }
-            if (hxcodes::NameOf(hxcodes::kElementTypeNames, element.type).empty()) {
-                Say(Of(element), " is of type ", element.type, ", which is none.");
+            if (!IsCode(element.type)) {
+                Say(Of(element), " is of type ", NumberOf(element.type), ", which is none.");
             }
-            if (hxcodes::NameOf(hxcodes::kElementStatusNames, element.status).empty()) {
-                Say(Of(element), " has the status ", element.status, ", which is none.");
+            if (!IsCode(element.status)) {
+                Say(Of(element), " has the status ", NumberOf(element.status), ", which is none.");
             }
             last = &element;
         }
@@ -700,11 +699,12 @@ private:
     // ---- Flash ----
 
     void CheckImages() {
-        std::set<HX_U8> types;
+        std::set<Image> types;
         for (const FlashImage& image : adapter_.images) {
-            const std::string name = NameOr(hxcodes::kImageNames, image.type);
-            if (hxcodes::NameOf(hxcodes::kImageNames, image.type).empty()) {
-                Say(Adapters(), " has a flash image of type ", image.type, ", which is none.");
+            const std::string name = NameOr(image.type);
+            if (!IsCode(image.type)) {
+                Say(Adapters(), " has a flash image of type ", NumberOf(image.type),
+                    ", which is none.");
             }
             if (!types.insert(image.type).second) {
                 Say(Adapters(), " has the flash image ", name, " twice.");

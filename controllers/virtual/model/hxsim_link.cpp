@@ -21,10 +21,10 @@ std::uint64_t Name(std::uint64_t kind, HX_U8 adapter, HX_U16 number, unsigned po
            std::uint64_t{adapter} << 8 | port;
 }
 
-Link_Endpoint Endpoint(HX_U8 kind, HX_U16 id, HX_U8 phy, HX_U8 phys, HX_U16 enclosure) {
+Link_Endpoint Endpoint(Device kind, HX_U16 id, HX_U8 phy, HX_U8 phys, HX_U16 enclosure) {
     Link_Endpoint end{};
     end.DevID = id;
-    end.DevType = kind;
+    end.DevType = NumberOf(kind);
     end.PhyCnt = std::min<HX_U8>(phys, std::size(end.PhyID));
     for (HX_U8 i = 0; i < end.PhyCnt; ++i) end.PhyID[i] = static_cast<HX_U8>(phy + i);
     end.EnclosureID = enclosure;
@@ -48,8 +48,9 @@ Link_Endpoint Parent(const Adapter& adapter, const Attachment& at) {
 
 }  // namespace
 
-std::uint64_t WorldWideName(Device::Code kind, HX_U8 adapter, HX_U16 id, unsigned port) {
-    return Name(std::uint64_t{kind} - Device::kAdapter, adapter, id, port);
+std::uint64_t WorldWideName(Device kind, HX_U8 adapter, HX_U16 id, unsigned port) {
+    const std::uint64_t number = NumberOf(kind);
+    return Name(number - NumberOf(Device::kAdapter), adapter, id, port);
 }
 
 std::uint64_t WorldWideNameOfNewDisk(HX_U8 adapter, HX_U16 drawn) {

@@ -11,7 +11,7 @@ namespace hxsim {
 
 /// The world wide name that a device has from its place in the machine. `port` is 0 for the device
 /// itself, and from 1 on for its ports or phys.
-std::uint64_t WorldWideName(Device::Code kind, HX_U8 adapter, HX_U16 id, unsigned port);
+std::uint64_t WorldWideName(Device kind, HX_U8 adapter, HX_U16 id, unsigned port);
 
 /// The world wide name of a disk that has come into the machine later; no device that the machine
 /// was made with, and no disk of another adapter, has one of these. `drawn` is any number.

@@ -29,7 +29,7 @@ inline constexpr std::size_t kMostEvents = 512;            // that an adapter's 
 
 /// What a device is plugged into.
 struct Attachment {
-    HX_U8 parent = 0;      // Device
+    Device parent = Device::kAdapter;
     HX_U16 parent_id = 0;  // among the devices of its kind
     HX_U8 phy = 0;         // the first of its phys or ports there
     HX_U8 phys = 1;        // how many it takes
@@ -51,7 +51,7 @@ struct Disk : Attachment {
     std::uint64_t wwn = 0;
     Sectors sectors = 0;  // all of it, metadata included
     bool sas = false;     // else SATA
-    HX_U8 speed = LinkSpeed::k6Gbit;
+    LinkSpeed speed = LinkSpeed::k6Gbit;
     bool present = true;
     bool failed = false;
     bool offline = false;  // set offline by a caller
@@ -78,7 +78,7 @@ struct Block {
     HX_U8 position = 0;  // among the blocks of its virtual disk
     bool target =
         false;  // a migration or copyback writes it; it does not serve its virtual disk yet
-    HX_U8 state = State::kOptimal;  // OPTIMAL; REBUILDING: content is being made; DEGRADED: its
+    State state = State::kOptimal;  // OPTIMAL; REBUILDING: content is being made; DEGRADED: its
                                     // content is out of date, since writes have passed it by
     Sectors start = 0;
     Sectors sectors = 0;
@@ -91,7 +91,7 @@ struct VirtualDisk {
     std::string name;
     HX_U16 group = kNoId;  // kNoId: lies directly on its disks
     HX_U8 slot = 0;        // of the group
-    HX_U8 level = 0;
+    Level level = Level::kRaid0;
     HX_U8 legs = 0;   // 0 where the level has none
     HX_U8 width = 0;  // positions
     HX_U16 stripe_kib = 64;
@@ -102,7 +102,7 @@ struct VirtualDisk {
     bool foreign = false;
     bool initialised = false;
     HX_U32 errors = 0;  // stripes whose redundancy disagrees with the data, unknown until checked
-    HX_U8 state = State::kOptimal;  // as last announced; what it is now follows from the blocks
+    State state = State::kOptimal;  // as last announced; what it is now follows from the blocks
 };
 
 /// What an activity or a position belongs to.
@@ -122,20 +122,20 @@ struct Home {
 struct DiskGroup {
     HX_U16 id = 0;
     std::string name;
-    HX_U8 level = 0;
+    Level level = Level::kRaid0;
     HX_U8 legs = 0;
     HX_U8 width = 0;
     HX_U16 stripe_kib = 64;
     bool write_cache = false;
-    HX_U8 state = State::kOptimal;  // as last announced
+    State state = State::kOptimal;  // as last announced
 };
 
 /// A background activity. At most one is there for a virtual disk, a disk or a disk group, besides
 /// a migration that waits while its virtual disk is rebuilt.
 struct Activity {
     HX_U16 id = 0;
-    HX_U8 kind = 0;  // ActivityKind
-    HX_U8 state = ActivityState::kRunning;
+    ActivityKind kind = ActivityKind::kNone;
+    ActivityState state = ActivityState::kRunning;
     Owner of = Owner::kVirtualDisk;
     HX_U16 owner = 0;
     Sectors total = 0;  // sectors of each disk that it goes over
@@ -145,14 +145,15 @@ struct Activity {
     HX_U8 announced = 0;      // percent of the last progress event
     HX_U32 found = 0;         // errors met so far
     // A migration: what the virtual disk or disk group becomes.
-    HX_U8 level = 0;
+    Level level = Level::kRaid0;
     HX_U8 legs = 0;
     HX_U8 width = 0;
     HX_U16 stripe_kib = 0;
     Sectors size = 0;
 };
 
-inline constexpr HX_U8 kNotRemapped = 0;  // Remap::reason: damaged, and nobody has met it yet
+/// Remap::reason of damage that nothing has met yet.
+inline constexpr auto kNotRemapped = static_cast<RemapReason>(0);
 
 /// A remapped run of a disk's sectors, or a damaged one that a media patrol or a check will meet
 /// and remap. The latter is not in the remap table that callers see.
@@ -160,7 +161,7 @@ struct Remap {
     HX_U16 disk = 0;
     Sectors lba = 0;
     HX_U32 sectors = 0;
-    HX_U8 reason = RemapReason::kReadError;
+    RemapReason reason = RemapReason::kReadError;
 };
 
 struct Expander : Attachment {
@@ -193,8 +194,8 @@ struct Enclosure : Attachment {
 struct Element {
     HX_U16 enclosure = 0;
     HX_U8 number = 0;
-    HX_U8 type = 0;  // HX_ELEMENT_...
-    HX_U8 status = ElementStatus::kOk;
+    ElementType type = ElementType::kPowerSupply;
+    ElementStatus status = ElementStatus::kOk;
     HX_U16 reading = 0;    // as the field of its type has it: speed, temperature or voltage
     HX_U16 nominal = 0;    // what a fan or a voltage has when all is well
     HX_U8 speed_code = 0;  // fans
@@ -230,7 +231,7 @@ using Bytes = std::shared_ptr<const std::string>;
 /// A region of the flash. The image is healthy when it is whole; while it is written, `written`
 /// pieces are there.
 struct FlashImage {
-    HX_U8 type = 0;  // Image
+    Image type = Image::kBios;
     bool erased = false;
     bool healthy = true;
     HX_U16 written = 0;

@@ -1,7 +1,7 @@
 // What the row of a running migration says of the virtual disks that it moves.
 #include "model/hxsim_migration_row.h"
 
-#include "model/hxsim_level.h"
+#include "model/hxsim_stripes.h"
 
 namespace hxsim {
 
@@ -12,7 +12,7 @@ bool Moves(const Activity& migration, const VirtualDisk& virtual_disk) {
 
 Sectors BlockAfter(const Activity& migration, const VirtualDisk& virtual_disk) {
     const bool own = migration.of == Owner::kVirtualDisk;
-    return BlockSectors(*FindLevel(migration.level), migration.width, migration.legs,
+    return BlockSectors(migration.level, migration.width, migration.legs,
                         own ? migration.stripe_kib : virtual_disk.stripe_kib,
                         own ? migration.size : virtual_disk.size);
 }

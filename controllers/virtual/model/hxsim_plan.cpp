@@ -8,6 +8,7 @@
 #include "model/hxsim_disk_role.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_space.h"
+#include "model/hxsim_stripes.h"
 
 namespace hxsim {
 namespace {
@@ -15,26 +16,25 @@ namespace {
 constexpr HX_U16 kUsualStripe = 64;  // KiB
 constexpr Sectors kGib = 2097152;
 
-// What a size is rounded down to; 0 for a code that no scheme has.
-Sectors UnitOf(HX_U8 rounding) {
+// What a size is rounded down to.
+Sectors UnitOf(Rounding rounding) {
     switch (rounding) {
         case Rounding::kToStripe:
-            return 1;  // sizes are of whole stripes before they are rounded
+            break;  // sizes are of whole stripes before they are rounded
         case Rounding::kTo1GiB:
             return kGib;
         case Rounding::kTo10GiB:
             return 10 * kGib;
-        default:
-            return 0;
     }
+    return 1;
 }
 
-HX_U8 CheckDisks(const Adapter& adapter, std::span<const HX_U16> disks) {
+Status CheckDisks(const Adapter& adapter, std::span<const HX_U16> disks) {
     for (std::size_t i = 0; i < disks.size(); ++i) {
         if (Find(adapter.disks, disks[i]) == nullptr) return Status::kNoDisk;
         if (std::ranges::count(disks.first(i), disks[i]) != 0) return Status::kDiskRepeated;
     }
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 std::vector<Run> FreeRuns(const Adapter& adapter, HX_U16 disk) {
@@ -77,37 +77,39 @@ Sectors ShortestRun(const Adapter& adapter, std::span<const HX_U16> disks) {
 }  // namespace
 
 Sectors Layout::Data(Sectors block) const {
-    if (level == nullptr || stripe_kib == 0) return 0;  // of a state file that somebody has changed
-    return DataSectors(*level, Width(), legs, stripe_kib, block);
+    if (stripe_kib == 0) return 0;  // of a state file that somebody has changed
+    return DataSectors(level, Width(), legs, stripe_kib, block);
 }
 
 Sectors Layout::Block(Sectors data) const {
-    return BlockSectors(*level, Width(), legs, stripe_kib, data);
+    return BlockSectors(level, Width(), legs, stripe_kib, data);
 }
 
-HX_U8 MakeLayout(const Adapter& adapter, const Wish& wish, Layout& layout) {
+Status MakeLayout(const Adapter& adapter, const Wish& wish, Layout& layout) {
     const Adapter_Info& model = adapter.info;
-    const Level* const level = FindLevel(wish.level);
-    if (level == nullptr || (model.LogicalDriverMode & level->mode) == 0) return Status::kBadLevel;
+    if (!wish.level) return Status::kBadLevel;
+    const LevelRow& level = RowOf(*wish.level);
+    if ((model.LogicalDriverMode & level.mode) == 0) return Status::kBadLevel;
     // A stripe size in KiB is its own bit in the mask of those that are supported.
     const HX_U16 stripe = wish.stripe_kib == 0 ? kUsualStripe : wish.stripe_kib;
     if ((stripe & (stripe - 1)) != 0 || (model.StripeSizeSupported & stripe) == 0) {
         return Status::kBadStripeSize;
     }
     const auto count = static_cast<unsigned>(wish.disks.size());
-    if (count > wish.most_disks || !CanBeMade(*level, count, wish.legs) ||
-        ParityDisks(*level, wish.legs) > model.MaxParityDisks) {
+    if (count > wish.most_disks || !CanBeMade(level, count, wish.legs) ||
+        ParityDisks(level, wish.legs) > model.MaxParityDisks) {
         return Status::kBadDiskCount;
     }
-    if (const HX_U8 status = CheckDisks(adapter, wish.disks); status != HX_SUCCESS) return status;
-    layout.level = level;
-    layout.legs = level->legs ? static_cast<HX_U8>(LegsOf(*level, wish.legs)) : HX_U8{0};
+    if (const Status status = CheckDisks(adapter, wish.disks); status != Status::kSuccess)
+        return status;
+    layout.level = level.code;
+    layout.legs = level.legs ? static_cast<HX_U8>(LegsOf(level, wish.legs)) : HX_U8{0};
     layout.stripe_kib = stripe;
     layout.disks.assign(wish.disks.begin(), wish.disks.end());
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 CheckSharedDisk(const Adapter& adapter, HX_U16 id) {
+Status CheckSharedDisk(const Adapter& adapter, HX_U16 id) {
     const Disk* const disk = Find(adapter.disks, id);
     if (disk == nullptr) return Status::kNoDisk;
     if (!IsReady(*disk)) return Status::kDiskNotReady;
@@ -115,62 +117,63 @@ HX_U8 CheckSharedDisk(const Adapter& adapter, HX_U16 id) {
     const bool spare = disk->spare != Spare::kNone || disk->spare_before != Spare::kNone;
     if (spare || GroupOf(adapter, id) != nullptr) return Status::kDiskTaken;
     if (disk->has_system) return Status::kHoldsSystem;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 CheckWholeDisk(const Adapter& adapter, HX_U16 id) {
-    const HX_U8 status = CheckSharedDisk(adapter, id);
-    if (status != HX_SUCCESS && status != Status::kHoldsSystem) return status;
+Status CheckWholeDisk(const Adapter& adapter, HX_U16 id) {
+    const Status status = CheckSharedDisk(adapter, id);
+    if (status != Status::kSuccess && status != Status::kHoldsSystem) return status;
     if (!IsFree(adapter, *Find(adapter.disks, id)) || CarriesBlocks(adapter, id)) {
         return Status::kDiskTaken;
     }
     return status;
 }
 
-HX_U8 ChooseSize(const Layout& layout, Sectors run, Sectors wanted, HX_U8 rounding, Sectors& size) {
-    const Sectors unit = UnitOf(rounding);
-    if (unit == 0) return Status::kBadRounding;
+Status ChooseSize(const Layout& layout, Sectors run, Sectors wanted, HX_U8 rounding,
+                  Sectors& size) {
+    const auto scheme = ToCode<Rounding>(rounding);
+    if (!scheme) return Status::kBadRounding;
     const Sectors most = layout.Data(run);
     if (most == 0 || wanted > most) return Status::kNoSpace;
     const Sectors chosen = wanted == 0 ? most : layout.Data(layout.Block(wanted));
-    const Sectors rounded = chosen - chosen % unit;
+    const Sectors rounded = chosen - chosen % UnitOf(*scheme);
     if (rounded == 0) return wanted == 0 ? Status::kNoSpace : Status::kBadValue;
     size = rounded;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 CheckVirtualDiskCount(const Adapter& adapter) {
+Status CheckVirtualDiskCount(const Adapter& adapter) {
     const bool full = adapter.virtual_disks.size() >= adapter.info.MaxLogicalDrive;
-    return full ? Status::kTooManyVirtualDisks : HX_SUCCESS;
+    return full ? Status::kTooManyVirtualDisks : Status::kSuccess;
 }
 
-HX_U8 PlanVirtualDisk(const Adapter& adapter, const Create_LD_Param& param, Sectors wanted,
-                      VirtualDiskPlan& plan) {
-    if (UnitOf(param.RoundingScheme) == 0) return Status::kBadRounding;
+Status PlanVirtualDisk(const Adapter& adapter, const Create_LD_Param& param, Sectors wanted,
+                       VirtualDiskPlan& plan) {
+    if (!ToCode<Rounding>(param.RoundingScheme)) return Status::kBadRounding;
     if (param.HDCount > HX_MAX_HDS) return Status::kBadDiskCount;
-    const Wish wish{param.RaidMode, param.SubLDCount, param.StripeBlockSize,
+    const Wish wish{ToCode<Level>(param.RaidMode), param.SubLDCount, param.StripeBlockSize,
                     std::span(param.HDIDs, param.HDCount), adapter.info.MaxPDPerVD};
-    HX_U8 status = MakeLayout(adapter, wish, plan.layout);
+    Status status = MakeLayout(adapter, wish, plan.layout);
     for (const HX_U16 disk : plan.layout.disks) {
-        if (status == HX_SUCCESS) status = CheckSharedDisk(adapter, disk);
+        if (status == Status::kSuccess) status = CheckSharedDisk(adapter, disk);
     }
-    if (status == HX_SUCCESS) status = CheckVirtualDiskCount(adapter);
-    if (status != HX_SUCCESS) return status;
+    if (status == Status::kSuccess) status = CheckVirtualDiskCount(adapter);
+    if (status != Status::kSuccess) return status;
     status = ChooseSize(plan.layout, ShortestRun(adapter, wish.disks), wanted, param.RoundingScheme,
                         plan.size);
-    if (status != HX_SUCCESS) return status;
+    if (status != Status::kSuccess) return status;
     plan.block = plan.layout.Block(plan.size);
     for (const HX_U16 disk : plan.layout.disks) {
         const Sectors start = FirstFree(adapter, disk, plan.block)->start;
         status = CheckCut(adapter, disk, start, plan.block);
-        if (status != HX_SUCCESS) return status;
+        if (status != Status::kSuccess) return status;
         plan.starts.push_back(start);
     }
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 Layout LayoutOf(const Adapter& adapter, const DiskGroup& group) {
-    return {FindLevel(group.level), group.legs, group.stripe_kib,
+    return {group.level, group.legs, group.stripe_kib,
             DisksOf(adapter, Owner::kDiskGroup, group.id)};
 }
 

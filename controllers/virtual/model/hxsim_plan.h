@@ -2,11 +2,12 @@
 // asked for and what is then made.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "hxraid.h"
-#include "model/hxsim_level.h"
+#include "model/hxsim_codes.h"
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
@@ -16,16 +17,16 @@ inline constexpr HX_U32 kSectorSize = 512;
 /// What is wanted of a virtual disk or a disk group. How many of its disks hold parity follows from
 /// the level: callers name a number for levels that have none.
 struct Wish {
-    HX_U8 level = 0;
-    HX_U8 legs = 0;         // 0: as many as usual; not looked at where the level has none
-    HX_U16 stripe_kib = 0;  // 0: 64
+    std::optional<Level> level;  // none: of a number that is no level
+    HX_U8 legs = 0;              // 0: as many as usual; not looked at where the level has none
+    HX_U16 stripe_kib = 0;       // 0: 64
     std::span<const HX_U16> disks;
     unsigned most_disks = 0;  // that the adapter joins
 };
 
 /// What a virtual disk or a disk group consists of.
 struct Layout {
-    const Level* level = nullptr;
+    Level level = Level::kRaid0;
     HX_U8 legs = 0;  // 0 where the level has none
     HX_U16 stripe_kib = 64;
     std::vector<HX_U16> disks;  // by position
@@ -44,21 +45,21 @@ struct Run {
 
 /// Sets what is wanted as a layout, when the adapter offers it and has the disks, each named once.
 /// Whether the disks may be used is not asked here.
-HX_U8 MakeLayout(const Adapter& adapter, const Wish& wish, Layout& layout);
+Status MakeLayout(const Adapter& adapter, const Wish& wish, Layout& layout);
 
 /// Whether a virtual disk may have what is free of the disk.
-HX_U8 CheckSharedDisk(const Adapter& adapter, HX_U16 id);
+Status CheckSharedDisk(const Adapter& adapter, HX_U16 id);
 
 /// Whether a disk group may have the whole disk.
-HX_U8 CheckWholeDisk(const Adapter& adapter, HX_U16 id);
+Status CheckWholeDisk(const Adapter& adapter, HX_U16 id);
 
 /// Sets the size that a virtual disk gets when its blocks can have `run` sectors and `wanted`
 /// sectors of data are asked for (0: as many as fit). Refused with Status::kBadRounding,
 /// Status::kNoSpace or, for less than rounding leaves, Status::kBadValue.
-HX_U8 ChooseSize(const Layout& layout, Sectors run, Sectors wanted, HX_U8 rounding, Sectors& size);
+Status ChooseSize(const Layout& layout, Sectors run, Sectors wanted, HX_U8 rounding, Sectors& size);
 
 /// Whether the adapter can have one virtual disk more.
-HX_U8 CheckVirtualDiskCount(const Adapter& adapter);
+Status CheckVirtualDiskCount(const Adapter& adapter);
 
 /// A virtual disk on disks of its own, before it is made: one block on each of its disks.
 struct VirtualDiskPlan {
@@ -67,8 +68,8 @@ struct VirtualDiskPlan {
     Sectors block = 0;
     std::vector<Sectors> starts;  // by position
 };
-HX_U8 PlanVirtualDisk(const Adapter& adapter, const Create_LD_Param& param, Sectors wanted,
-                      VirtualDiskPlan& plan);
+Status PlanVirtualDisk(const Adapter& adapter, const Create_LD_Param& param, Sectors wanted,
+                       VirtualDiskPlan& plan);
 
 /// What a disk group consists of, with its lost positions.
 Layout LayoutOf(const Adapter& adapter, const DiskGroup& group);

@@ -2,6 +2,7 @@
 #include "model/hxsim_redundancy.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace hxsim {
 namespace {
@@ -14,7 +15,7 @@ unsigned CountLost(const Positions& lost, unsigned first, unsigned count) {
 }
 
 // The state of an array of legs, each of which bears the loss of `redundancy` positions.
-HX_U8 StateOfLegs(const Positions& lost, unsigned width, unsigned legs, unsigned redundancy) {
+State StateOfLegs(const Positions& lost, unsigned width, unsigned legs, unsigned redundancy) {
     const unsigned leg = width / std::max(legs, 1U);
     unsigned worst = 0;
     for (unsigned first = 0; leg != 0 && first + leg <= width; first += leg) {
@@ -26,7 +27,7 @@ HX_U8 StateOfLegs(const Positions& lost, unsigned width, unsigned legs, unsigned
 }
 
 // The state of a ring in which each position's content lies on its neighbour as well.
-HX_U8 StateOfRing(const Positions& lost, unsigned width) {
+State StateOfRing(const Positions& lost, unsigned width) {
     for (unsigned i = 0; i < width; ++i) {
         if (lost[i] && lost[(i + 1) % width]) return State::kOffline;
     }
@@ -38,7 +39,7 @@ bool IsGood(const Adapter& adapter, const Block& block) {
 }
 
 // What a disk group's disks make of it, whatever lies on them.
-HX_U8 StateOfDisks(const Adapter& adapter, const DiskGroup& group) {
+State StateOfDisks(const Adapter& adapter, const DiskGroup& group) {
     Positions lost;
     lost.set();
     for (const Home& home : adapter.homes) {
@@ -50,27 +51,21 @@ HX_U8 StateOfDisks(const Adapter& adapter, const DiskGroup& group) {
 
 }  // namespace
 
-HX_U8 StateOfArray(HX_U8 level, HX_U8 legs, HX_U8 width, const Positions& lost) {
-    switch (level) {
-        case 0x01:
-        case 0x10:
-            return StateOfLegs(lost, width, width / 2U, 1);
-        case 0x11:
-            return StateOfRing(lost, width);
-        case 0x05:
-            return StateOfLegs(lost, width, 1, 1);
-        case 0x50:
-            return StateOfLegs(lost, width, legs, 1);
-        case 0x06:
-            return StateOfLegs(lost, width, 1, 2);
-        case 0x60:
-            return StateOfLegs(lost, width, legs, 2);
-        default:
-            return StateOfLegs(lost, width, 1, 0);
+State StateOfArray(Level level, HX_U8 legs, HX_U8 width, const Positions& lost) {
+    const LevelRow& row = RowOf(level);
+    const unsigned redundancy = RedundancyOf(row);
+    switch (row.spread) {
+        case Spread::kLegs:
+            return StateOfLegs(lost, width, LegsOf(row, legs), redundancy);
+        case Spread::kPairs:
+            return StateOfLegs(lost, width, width / 2U, redundancy);
+        case Spread::kRing:
+            break;
     }
+    return StateOfRing(lost, width);
 }
 
-bool IsRedundant(HX_U8 level) { return level != 0x00; }
+bool IsRedundant(Level level) { return RedundancyOf(RowOf(level)) != 0; }
 
 Positions LostPositions(const Adapter& adapter, HX_U16 virtual_disk, bool target) {
     Positions lost;
@@ -83,18 +78,20 @@ Positions LostPositions(const Adapter& adapter, HX_U16 virtual_disk, bool target
     return lost;
 }
 
-HX_U8 StateOf(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+State StateOf(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     if (virtual_disk.foreign) return State::kForeign;
     return StateOfArray(virtual_disk.level, virtual_disk.legs, virtual_disk.width,
                         LostPositions(adapter, virtual_disk.id));
 }
 
-HX_U8 StateOf(const Adapter& adapter, const DiskGroup& group) {
-    HX_U8 worst = 0;
+State StateOf(const Adapter& adapter, const DiskGroup& group) {
+    std::optional<State> worst;
     for (const VirtualDisk& each : adapter.virtual_disks) {
-        if (each.group == group.id) worst = std::max(worst, StateOf(adapter, each));
+        if (each.group == group.id) {
+            worst = std::max(worst.value_or(State::kOptimal), StateOf(adapter, each));
+        }
     }
-    return worst != 0 ? worst : StateOfDisks(adapter, group);
+    return worst ? *worst : StateOfDisks(adapter, group);
 }
 
 }  // namespace hxsim

@@ -12,23 +12,23 @@ namespace hxsim {
 using Positions = std::bitset<256>;
 
 /// The state of an array without the positions that are lost; those from `width` on do not count.
-HX_U8 StateOfArray(HX_U8 level, HX_U8 legs, HX_U8 width, const Positions& lost);
+State StateOfArray(Level level, HX_U8 legs, HX_U8 width, const Positions& lost);
 
 /// Whether an array in that state can be read and written.
-constexpr bool IsUsable(HX_U8 state) { return state < State::kOffline; }
+constexpr bool IsUsable(State state) { return state < State::kOffline; }
 
 /// Whether the level keeps anything twice, or parity.
-bool IsRedundant(HX_U8 level);
+bool IsRedundant(Level level);
 
 /// The positions that a virtual disk has lost: without a block, on a disk that is not ready, or
 /// with content that is not what it should be. With `target`, of what it is to become.
 Positions LostPositions(const Adapter& adapter, HX_U16 virtual_disk, bool target = false);
 
 /// The state that follows from a virtual disk's blocks and their disks: State.
-HX_U8 StateOf(const Adapter& adapter, const VirtualDisk& virtual_disk);
+State StateOf(const Adapter& adapter, const VirtualDisk& virtual_disk);
 
 /// The state of a disk group: the worst of its virtual disks and, for one without, what its
 /// disks make of it.
-HX_U8 StateOf(const Adapter& adapter, const DiskGroup& group);
+State StateOf(const Adapter& adapter, const DiskGroup& group);
 
 }  // namespace hxsim

@@ -132,14 +132,14 @@ bool HasRoomFor(const Adapter& adapter, HX_U16 disk, unsigned more) {
     return all <= adapter.info.MaxBlockPerPD;
 }
 
-HX_U8 CheckCut(const Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors) {
+Status CheckCut(const Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors) {
     const Block* const free = FreeBlockWith(adapter, disk, start, sectors);
     if (free == nullptr) return Status::kNoSpace;
     const bool before = free->start != start;
     const bool behind = free->start + free->sectors != start + sectors;
     const unsigned left = (before ? 1U : 0U) + (behind ? 1U : 0U);
     if (left != 0 && !HasRoomFor(adapter, disk, left)) return Status::kTooManyBlocks;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 void Resize(Adapter& adapter, HX_U16 block, Sectors sectors) {

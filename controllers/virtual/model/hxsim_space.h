@@ -24,7 +24,7 @@ bool HasRoomFor(const Adapter& adapter, HX_U16 disk, unsigned more);
 
 /// Whether Cut can take these sectors: all of them lie in one free block, and what is left of that
 /// is not one block too many.
-HX_U8 CheckCut(const Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors);
+Status CheckCut(const Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors);
 
 /// Makes a block longer (its next sectors are free) or shorter (they become free).
 void Resize(Adapter& adapter, HX_U16 block, Sectors sectors);

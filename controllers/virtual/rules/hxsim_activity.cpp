@@ -9,32 +9,13 @@
 namespace hxsim {
 namespace {
 
-constexpr std::uint64_t kQuickSeconds = 5;  // that a quick initialisation takes, whatever the size
-
-HX_U8 RateOf(const Adapter_Config_V2& config, HX_U8 kind) {
-    switch (kind) {
-        case ActivityKind::kCheck:
-        case ActivityKind::kFix:
-            return config.SyncRate;
-        case ActivityKind::kInitBackground:
-        case ActivityKind::kInitForeground:
-            return config.InitRate;
-        case ActivityKind::kRebuild:
-            return config.RebuildRate;
-        case ActivityKind::kMigration:
-            return config.MigrationRate;
-        case ActivityKind::kCopyback:
-            return config.CopybackRate;
-        case ActivityKind::kMediaPatrol:
-            return config.MediaPatrolRate;
-        default:
-            return config.BGARate;
-    }
-}
+constexpr std::uint64_t kQuickSeconds = 5;  // that an activity without a rate takes
 
 std::uint64_t SpeedOf(const Adapter& adapter, const Activity& activity) {
-    if (activity.kind == ActivityKind::kInitQuick) return activity.total / kQuickSeconds;
-    return kFullSpeed * std::max<HX_U8>(RateOf(adapter.config, activity.kind), 1) / 100;
+    const auto rate = RowOf(activity.kind).rate;
+    if (!rate) return activity.total / kQuickSeconds;
+    const HX_U8 percent = adapter.config.*RowOf(*rate).setting;
+    return kFullSpeed * std::max<HX_U8>(percent, 1) / 100;
 }
 
 // From now on the activity is counted from here.
@@ -43,7 +24,7 @@ void Mark(Activity& activity, Time now) {
     activity.since = now;
 }
 
-void Stop(Adapter& adapter, Time now, Activity& activity, ActivityState::Code state, Step step) {
+void Stop(Adapter& adapter, Time now, Activity& activity, ActivityState state, Step step) {
     Mark(activity, now);
     activity.state = state;
     Announce(adapter, now, activity, step);
@@ -58,20 +39,14 @@ void Resume(Adapter& adapter, Time now, Activity& activity, Step step) {
 }  // namespace
 
 void Announce(Adapter& adapter, Time now, const Activity& activity, Step step, HX_U32 param) {
-    switch (activity.of) {
-        case Owner::kVirtualDisk:
-            Queue(adapter, now, VirtualDiskStep(activity.kind, step), activity.owner, {param});
-            break;
-        case Owner::kDiskGroup:
-            for (const VirtualDisk& each : adapter.virtual_disks) {
-                if (each.group != activity.owner) continue;
-                Queue(adapter, now, VirtualDiskStep(activity.kind, step), each.id, {param});
-            }
-            break;
-        case Owner::kDisk:
-            if (activity.kind != ActivityKind::kMediaPatrol) break;
-            Queue(adapter, now, MediaPatrolStep(step), activity.owner, {param});
-            break;
+    const auto event = EventOf(activity.kind, step);
+    if (!event) return;
+    if (activity.of != Owner::kDiskGroup) {
+        Queue(adapter, now, *event, activity.owner, {param});
+        return;
+    }
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        if (each.group == activity.owner) Queue(adapter, now, *event, each.id, {param});
     }
 }
 
@@ -79,7 +54,7 @@ Activity& Start(Adapter& adapter, Time now, Activity activity) {
     activity.id = FreeId(adapter.activities);
     activity.state = ActivityState::kRunning;
     activity.total = std::max<Sectors>(activity.total, 1);
-    if (activity.kind == ActivityKind::kInitQuick) {
+    if (!RowOf(activity.kind).rate) {
         activity.total = std::max(activity.total - activity.total % kQuickSeconds, kQuickSeconds);
     }
     activity.done = 0;
@@ -98,10 +73,10 @@ Activity Remove(Adapter& adapter, HX_U16 id) {
     return activity;
 }
 
-HX_U8 Pause(Adapter& adapter, Time now, Activity& activity) {
+Status Pause(Adapter& adapter, Time now, Activity& activity) {
     if (activity.state == ActivityState::kPaused) return Status::kNoChange;
     Stop(adapter, now, activity, ActivityState::kPaused, Step::kPause);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 void Resume(Adapter& adapter, Time now, Activity& activity) {

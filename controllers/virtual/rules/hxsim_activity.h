@@ -2,14 +2,13 @@
 #pragma once
 
 #include "model/hxsim_machine.h"
-#include "rules/hxsim_event_kinds.h"
 
 namespace hxsim {
 
 inline constexpr std::uint64_t kFullSpeed = 204800;  // sectors a second, at a rate of 100 percent
 
 /// Announces a step of an activity: for the virtual disk, for every virtual disk of a disk group,
-/// or for the disk. A data scrub has no steps.
+/// or for the disk. Some have no events (ActivityRow).
 void Announce(Adapter& adapter, Time now, const Activity& activity, Step step, HX_U32 param = 0);
 
 /// Starts an activity and announces it. The caller has found that it may run and has set kind, of,
@@ -20,7 +19,7 @@ Activity& Start(Adapter& adapter, Time now, Activity activity);
 Activity Remove(Adapter& adapter, HX_U16 id);
 
 /// Pauses an activity for a caller and announces it. Returns Status::kNoChange when it is paused.
-HX_U8 Pause(Adapter& adapter, Time now, Activity& activity);
+Status Pause(Adapter& adapter, Time now, Activity& activity);
 
 /// Resumes an activity for a caller and announces it. The activity is paused.
 void Resume(Adapter& adapter, Time now, Activity& activity);

@@ -59,7 +59,7 @@ bool IsInVain(const Adapter& adapter, const Activity& migration) {
     });
 }
 
-HX_U8 StateOfOwner(const Adapter& adapter, const Activity& activity) {
+State StateOfOwner(const Adapter& adapter, const Activity& activity) {
     if (activity.of == Owner::kVirtualDisk) {
         return StateOf(adapter, *Find(adapter.virtual_disks, activity.owner));
     }
@@ -98,15 +98,24 @@ bool HasBadTarget(const Adapter& adapter, const Activity& copyback) {
 }
 
 bool CanGoOn(const Adapter& adapter, const Activity& activity) {
-    const HX_U8 state = StateOfOwner(adapter, activity);
+    const State state = StateOfOwner(adapter, activity);
     switch (activity.kind) {
         case ActivityKind::kRebuild:
             return IsUsable(state) && HasRebuildingBlock(adapter, activity.owner);
         case ActivityKind::kCopyback:
             return state == State::kOptimal && !HasBadTarget(adapter, activity);
-        default:
-            return IsUsable(state);
+        case ActivityKind::kCheck:
+        case ActivityKind::kFix:
+        case ActivityKind::kInitQuick:
+        case ActivityKind::kInitBackground:
+        case ActivityKind::kInitForeground:
+        case ActivityKind::kMigration:
+        case ActivityKind::kNone:
+        case ActivityKind::kMediaPatrol:
+        case ActivityKind::kDataScrub:
+            break;
     }
+    return IsUsable(state);
 }
 
 bool TakesPartInRebuild(const Adapter& adapter, HX_U16 disk) {

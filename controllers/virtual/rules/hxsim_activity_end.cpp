@@ -34,14 +34,14 @@ void FinishCheck(Adapter& adapter, Time now, HX_U16 id) {
     MeetDamage(adapter, now, id);
     const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
     if (virtual_disk == nullptr || virtual_disk->errors == 0) return;
-    Queue(adapter, now, kErrorsFound, id, {virtual_disk->errors});
+    Queue(adapter, now, EventKind::kErrorsFound, id, {virtual_disk->errors});
 }
 
 void FinishFix(Adapter& adapter, Time now, HX_U16 id) {
     MeetDamage(adapter, now, id);
     VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
     if (virtual_disk == nullptr || virtual_disk->errors == 0) return;
-    Queue(adapter, now, kErrorsFixed, id, {virtual_disk->errors});
+    Queue(adapter, now, EventKind::kErrorsFixed, id, {virtual_disk->errors});
     virtual_disk->errors = 0;
 }
 
@@ -56,32 +56,31 @@ void FinishScrub(Adapter& adapter, Time now, HX_U16 disk) {
     }
     if (first == nullptr) return;
     const auto high = static_cast<HX_U32>(first->lba >> 32);
-    Queue(adapter, now, kScrubError, disk, {count, high, static_cast<HX_U32>(first->lba)});
+    Queue(adapter, now, EventKind::kScrubError, disk,
+          {count, high, static_cast<HX_U32>(first->lba)});
 }
 
 void TakeEffect(Adapter& adapter, Time now, const Activity& activity) {
-    switch (activity.kind) {
-        case ActivityKind::kCheck:
+    switch (RowOf(activity.kind).effect) {
+        case Effect::kNothing:
+            return;
+        case Effect::kTellsOfErrors:
             return FinishCheck(adapter, now, activity.owner);
-        case ActivityKind::kFix:
+        case Effect::kMendsErrors:
             return FinishFix(adapter, now, activity.owner);
-        case ActivityKind::kInitQuick:
-        case ActivityKind::kInitBackground:
-        case ActivityKind::kInitForeground:
+        case Effect::kInitialises:
             return FinishInitialisation(adapter, activity.owner);
-        case ActivityKind::kRebuild:
+        case Effect::kRebuilds:
             return FinishRebuild(adapter, now, activity.owner);
-        case ActivityKind::kMigration:
+        case Effect::kMigrates:
             return CompleteMigration(adapter, activity);
-        case ActivityKind::kCopyback:
+        case Effect::kCopiesBack:
             return FinishCopyback(adapter, activity);
-        case ActivityKind::kMediaPatrol:
+        case Effect::kRemapsDamage:
             RemapDamage(adapter, now, activity.owner, 0, UINT64_MAX);
             return;
-        case ActivityKind::kDataScrub:
+        case Effect::kTellsOfDamage:
             return FinishScrub(adapter, now, activity.owner);
-        default:
-            return;
     }
 }
 

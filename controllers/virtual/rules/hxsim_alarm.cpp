@@ -15,7 +15,7 @@ bool IsWrong(const Element& element) {
 
 }  // namespace
 
-bool CausesAlarm(HX_U8 state) { return state == State::kDegraded || state == State::kOffline; }
+bool CausesAlarm(State state) { return state == State::kDegraded || state == State::kOffline; }
 
 void UpdateAlarm(Adapter& adapter, bool new_cause) {
     const bool cause =

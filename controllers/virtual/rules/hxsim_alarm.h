@@ -6,7 +6,7 @@
 namespace hxsim {
 
 /// Whether the alarm sounds for a virtual disk in that state.
-bool CausesAlarm(HX_U8 state);
+bool CausesAlarm(State state);
 
 /// Lets the alarm sound while a virtual disk is degraded or offline or an element of an enclosure
 /// is critical, when the adapter has an alarm and it is on; else silences it. A muted alarm stays

@@ -13,17 +13,21 @@
 namespace hxsim {
 namespace {
 
-EventKind EventOf(HX_U8 state) {
+// The event of a virtual disk that has come to a state.
+EventKind EventOf(State state) {
     switch (state) {
         case State::kOffline:
-            return kVirtualDiskOffline;
+            return EventKind::kVirtualDiskOffline;
         case State::kDegraded:
-            return kVirtualDiskDegraded;
+            return EventKind::kVirtualDiskDegraded;
         case State::kPartiallyOptimal:
-            return kVirtualDiskPartiallyOptimal;
-        default:
-            return kVirtualDiskOnline;
+            return EventKind::kVirtualDiskPartiallyOptimal;
+        case State::kOptimal:
+        case State::kRebuilding:  // of blocks alone
+        case State::kForeign:     // announced by nobody
+            break;
     }
+    return EventKind::kVirtualDiskOnline;
 }
 
 bool MissesDisk(const Adapter& adapter, HX_U16 virtual_disk) {
@@ -71,8 +75,8 @@ bool AnnounceStates(Settling& settling) {
     Adapter& adapter = settling.adapter;
     bool changed = false;
     for (VirtualDisk& each : adapter.virtual_disks) {
-        const HX_U8 state = StateOf(adapter, each);
-        const HX_U8 before = std::exchange(each.state, state);
+        const State state = StateOf(adapter, each);
+        const State before = std::exchange(each.state, state);
         if (state == before) continue;
         changed = true;
         if (state == State::kForeign) continue;
@@ -83,7 +87,7 @@ bool AnnounceStates(Settling& settling) {
         settling.losses.insert(each.id);
         settling.new_alarm_cause = settling.new_alarm_cause || CausesAlarm(state);
         if (MissesDisk(adapter, each.id)) {
-            Queue(adapter, settling.now, kVirtualDiskMissesDisks, each.id);
+            Queue(adapter, settling.now, EventKind::kVirtualDiskMissesDisks, each.id);
         }
     }
     return changed;

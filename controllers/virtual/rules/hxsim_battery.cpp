@@ -105,7 +105,7 @@ void Mark(Battery& battery, Time now) {
 
 void StartCharging(Adapter& adapter, Time now, Battery& battery) {
     battery.phase = BatteryPhase::kCharging;
-    Queue(adapter, now, kBatteryStartedCharging, kBattery);
+    Queue(adapter, now, EventKind::kBatteryStartedCharging, kBattery);
 }
 
 // A cell wears with every cycle, until there is too little left of it to be of use.
@@ -114,22 +114,22 @@ void FinishRelearn(Adapter& adapter, Time now, Battery& battery) {
     if (info.recharge_cycle != UINT16_MAX) ++info.recharge_cycle;
     if (info.maxCapacity > info.supportMinCapacity) --info.maxCapacity;
     battery.charge_at_since = info.maxCapacity;
-    Queue(adapter, now, kBatteryRelearnCompleted, kBattery);
+    Queue(adapter, now, EventKind::kBatteryRelearnCompleted, kBattery);
 }
 
 void FinishPhase(Adapter& adapter, Time now, Battery& battery) {
     switch (battery.phase) {
         case BatteryPhase::kRelearnDischarging:
             battery.phase = BatteryPhase::kRelearnCharging;
-            Queue(adapter, now, kBatteryRelearnInProgress, kBattery);
-            Queue(adapter, now, kBatteryStartedCharging, kBattery);
+            Queue(adapter, now, EventKind::kBatteryRelearnInProgress, kBattery);
+            Queue(adapter, now, EventKind::kBatteryStartedCharging, kBattery);
             return;
         case BatteryPhase::kRelearnCharging:
-            Queue(adapter, now, kBatteryChargeComplete, kBattery);
+            Queue(adapter, now, EventKind::kBatteryChargeComplete, kBattery);
             FinishRelearn(adapter, now, battery);
             break;
         case BatteryPhase::kCharging:
-            Queue(adapter, now, kBatteryChargeComplete, kBattery);
+            Queue(adapter, now, EventKind::kBatteryChargeComplete, kBattery);
             break;
         case BatteryPhase::kDischarging:
         case BatteryPhase::kIdle:
@@ -146,9 +146,9 @@ void AnnounceSide(Adapter& adapter, Time now, int before, int after, const Event
 
 void AnnounceCharge(Adapter& adapter, Time now, unsigned before, unsigned after) {
     if (before >= kSafePercentage && after < kSafePercentage) {
-        Queue(adapter, now, kBatteryCapacityBelowThreshold, kBattery);
+        Queue(adapter, now, EventKind::kBatteryCapacityBelowThreshold, kBattery);
     } else if (before < kSafePercentage && after >= kSafePercentage) {
-        Queue(adapter, now, kBatteryCapacityAboveThreshold, kBattery);
+        Queue(adapter, now, EventKind::kBatteryCapacityAboveThreshold, kBattery);
     }
 }
 
@@ -156,13 +156,13 @@ void AnnounceStatus(Adapter& adapter, Time now, HX_U32 before, HX_U32 after) {
     const HX_U32 gone = before & ~after;
     const HX_U32 come = after & ~before;
     if (come & BatteryBit::kNeedsReplacement) {
-        Queue(adapter, now, kBatteryNeedsReplacement, kBattery);
+        Queue(adapter, now, EventKind::kBatteryNeedsReplacement, kBattery);
     }
     if (gone & BatteryBit::kSafeForWriteBack) {
-        Queue(adapter, now, kBatteryForceWriteThrough, kBattery);
+        Queue(adapter, now, EventKind::kBatteryForceWriteThrough, kBattery);
     }
     if (come & BatteryBit::kSafeForWriteBack) {
-        Queue(adapter, now, kBatterySafeToUseWriteBack, kBattery);
+        Queue(adapter, now, EventKind::kBatterySafeToUseWriteBack, kBattery);
     }
 }
 
@@ -236,10 +236,11 @@ void ChangeBattery(Adapter& adapter, Time now,
 
     battery.info = Describe(battery, now);
     if (battery.present) {
-        AnnounceSide(adapter, now, temperature, TemperatureSide(battery), kBatteryTemperatureLow,
-                     kBatteryTemperatureNormal, kBatteryTemperatureHigh);
-        AnnounceSide(adapter, now, voltage, VoltageSide(battery), kBatteryVoltageLow,
-                     kBatteryVoltageNormal, kBatteryVoltageHigh);
+        AnnounceSide(adapter, now, temperature, TemperatureSide(battery),
+                     EventKind::kBatteryTemperatureLow, EventKind::kBatteryTemperatureNormal,
+                     EventKind::kBatteryTemperatureHigh);
+        AnnounceSide(adapter, now, voltage, VoltageSide(battery), EventKind::kBatteryVoltageLow,
+                     EventKind::kBatteryVoltageNormal, EventKind::kBatteryVoltageHigh);
         AnnounceCharge(adapter, now, percentage, battery.info.percentage);
     }
     battery.info.status = StatusOf(battery);

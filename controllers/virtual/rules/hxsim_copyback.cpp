@@ -145,7 +145,7 @@ void TellOfSmallHome(Adapter& adapter, Time now, HX_U16 id) {
     const bool too_small = std::ranges::any_of(adapter.homes, [&](const Home& home) {
         return home.home == id && IsDisplaced(home) && IsTooLargeFor(adapter, home, *disk);
     });
-    if (too_small) Queue(adapter, now, kDiskTooSmallForCopyback, id);
+    if (too_small) Queue(adapter, now, EventKind::kDiskTooSmallForCopyback, id);
 }
 
 bool StartCopybacks(Settling& settling) {

@@ -9,7 +9,7 @@ void SetWriteCache(Adapter& adapter, Time now, HX_U16 id, bool on) {
     Disk* const disk = Find(adapter.disks, id);
     if (disk == nullptr || disk->write_cache == on) return;
     disk->write_cache = on;
-    Queue(adapter, now, kDiskCacheModeChanged, id);
+    Queue(adapter, now, EventKind::kDiskCacheModeChanged, id);
 }
 
 }  // namespace hxsim

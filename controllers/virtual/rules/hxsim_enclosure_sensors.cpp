@@ -48,21 +48,24 @@ Deviation DeviationOfFan(const Element& element) {
 
 Deviation DeviationOf(const Element& element) {
     switch (element.type) {
-        case HX_ELEMENT_FAN:
+        case ElementType::kFan:
             return DeviationOfFan(element);
-        case HX_ELEMENT_TEMPERATURE:
+        case ElementType::kTemperature:
             return element.reading == 0 ? Deviation::kNone : DeviationOfTemperature(element);
-        case HX_ELEMENT_VOLTAGE:
+        case ElementType::kVoltage:
             return element.nominal == 0 ? Deviation::kNone : DeviationOfVoltage(element);
-        default:
-            return Deviation::kNone;
+        case ElementType::kPowerSupply:
+        case ElementType::kDoor:
+        case ElementType::kAlarm:
+            break;
     }
+    return Deviation::kNone;
 }
 
-HX_U8 StatusOf(const Element& element) {
-    const bool is_measured = element.type == HX_ELEMENT_FAN ||
-                             element.type == HX_ELEMENT_TEMPERATURE ||
-                             element.type == HX_ELEMENT_VOLTAGE;
+ElementStatus StatusOf(const Element& element) {
+    const bool is_measured = element.type == ElementType::kFan ||
+                             element.type == ElementType::kTemperature ||
+                             element.type == ElementType::kVoltage;
     if (!is_measured) return element.status;
     switch (DeviationOf(element)) {
         case Deviation::kNone:

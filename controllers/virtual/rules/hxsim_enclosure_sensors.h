@@ -12,9 +12,9 @@ enum class Deviation : HX_U8 { kNone, kLowWarning, kHighWarning, kLowCritical, k
 /// Of a temperature, voltage or fan; kNone of what is not measured. A threshold of 0 is none.
 Deviation DeviationOf(const Element& element);
 
-/// The status that follows from an element's reading: ElementStatus. Elements without one have
+/// The status that follows from an element's reading. Elements without one have
 /// the status that they have been given.
-HX_U8 StatusOf(const Element& element);
+ElementStatus StatusOf(const Element& element);
 
 /// The element with that number; null when the enclosure has none.
 Element* FindElement(Adapter& adapter, HX_U16 enclosure, HX_U8 number);

@@ -14,9 +14,9 @@ HX_U32 SecondsOf(Time now) {
 
 Event EventOf(HX_U8 adapter, Time now, EventKind kind, HX_U16 device, HX_U32 number) {
     Event event{};
-    event.Class = kind.type;
-    event.Code = kind.code;
-    event.Severity = kind.severity;
+    event.Class = ClassOf(kind);
+    event.Code = CodeOf(kind);
+    event.Severity = NumberOf(SeverityOf(kind));
     event.TimeStamp = SecondsOf(now);
     event.DeviceID = device;
     event.AdapterID = adapter;
@@ -24,9 +24,7 @@ Event EventOf(HX_U8 adapter, Time now, EventKind kind, HX_U16 device, HX_U32 num
     return event;
 }
 
-bool TellsOfLoss(const Event& event) {
-    return event.Class == kEventError.type && event.Code == kEventError.code;
-}
+bool TellsOfLoss(const Event& event) { return hxcodes::KindOf(event) == EventKind::kEventError; }
 
 // Drops the oldest events until one more fits beside the row that tells of them. That row stands
 // in their place and has the number of the last of them, so that numbers go on without a gap and
@@ -40,7 +38,7 @@ void MakeRoom(Adapter& adapter, Time now) {
     lost += static_cast<HX_U32>(told_before ? dropped - 1 : dropped);
     const HX_U32 number = queue[dropped - 1].number;
     queue.erase(queue.begin(), queue.begin() + static_cast<std::ptrdiff_t>(dropped - 1));
-    queue.front() = {number, EventOf(adapter.id, now, kEventError, adapter.id, number)};
+    queue.front() = {number, EventOf(adapter.id, now, EventKind::kEventError, adapter.id, number)};
     queue.front().event.Params[2] = lost;
 }
 

@@ -5,12 +5,12 @@
 #include <string_view>
 
 #include "model/hxsim_machine.h"
-#include "rules/hxsim_event_kinds.h"
 
 namespace hxsim {
 
-/// Queues an event. A full queue loses its oldest events and says so with one kEventError, whose
-/// Params[2] is the number of events lost since the last one that was taken.
+/// Queues an event. A full queue loses its oldest events and says so with one
+/// EventKind::kEventError, whose Params[2] is the number of events lost since the last one that was
+/// taken.
 void Queue(Adapter& adapter, Time now, EventKind kind, HX_U16 device,
            std::array<HX_U32, 4> params = {}, std::string_view text = {});
 

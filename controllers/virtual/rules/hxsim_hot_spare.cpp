@@ -23,7 +23,7 @@ void StepIn(Adapter& adapter, Time now, HX_U16 id) {
     if (disk->spare == Spare::kNone) return;
     disk->spare_before = std::exchange(disk->spare, Spare::kNone);
     disk->spare_group_before = std::exchange(disk->spare_group, kNoId);
-    Queue(adapter, now, kSpareRemoved, id);
+    Queue(adapter, now, EventKind::kSpareRemoved, id);
 }
 
 // Sets the home's disk; a disk that has not come as a spare belongs there from now on.
@@ -53,7 +53,7 @@ const Disk* FindSpare(const Adapter& adapter, const Array& array, HX_U16 group) 
     const auto is = [&](Spare kind) {
         return [&adapter, &array, group, kind](const Disk& disk) {
             return disk.spare == kind && (kind == Spare::kGlobal || disk.spare_group == group) &&
-                   CanServe(adapter, array, disk) == HX_SUCCESS;
+                   CanServe(adapter, array, disk) == Status::kSuccess;
         };
     };
     const Disk* const own = group == kNoId ? nullptr : SmallestSpare(adapter, is(Spare::kGroup));
@@ -185,7 +185,7 @@ void TellOfSmallSpares(Settling& settling) {
         if (lost->group != kNoId && !told.insert(lost->group).second) continue;
         const Disk* const spare = LargestSpare(adapter, lost->group);
         if (spare == nullptr || UsableSectors(*spare) >= NeededBy(adapter, *lost)) continue;
-        Queue(adapter, settling.now, kDiskTooSmallForRebuild, spare->id);
+        Queue(adapter, settling.now, EventKind::kDiskTooSmallForRebuild, spare->id);
     }
 }
 
@@ -195,7 +195,7 @@ bool ReturnSpare(Adapter& adapter, Time now, Disk& disk) {
     const HX_U16 group = std::exchange(disk.spare_group_before, kNoId);
     disk.spare = kind;
     disk.spare_group = group;
-    Queue(adapter, now, kSpareAssigned, disk.id);
+    Queue(adapter, now, EventKind::kSpareAssigned, disk.id);
     return true;
 }
 

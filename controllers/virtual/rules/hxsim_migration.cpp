@@ -11,11 +11,11 @@
 
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_home.h"
-#include "model/hxsim_level.h"
 #include "model/hxsim_migration_row.h"
 #include "model/hxsim_plan.h"
 #include "model/hxsim_redundancy.h"
 #include "model/hxsim_space.h"
+#include "model/hxsim_stripes.h"
 #include "rules/hxsim_activity.h"
 #include "rules/hxsim_disk_write_cache.h"
 
@@ -61,7 +61,7 @@ Activity MigrationTo(const Layout& layout, Owner of, HX_U16 owner, Sectors size)
     migration.kind = ActivityKind::kMigration;
     migration.of = of;
     migration.owner = owner;
-    migration.level = layout.level->code;
+    migration.level = layout.level;
     migration.legs = layout.legs;
     migration.width = layout.Width();
     migration.stripe_kib = layout.stripe_kib;
@@ -85,13 +85,13 @@ struct Move {
     Sectors size = 0;
 };
 
-HX_U8 CheckMovable(const Adapter& adapter, const VirtualDisk* virtual_disk) {
+Status CheckMovable(const Adapter& adapter, const VirtualDisk* virtual_disk) {
     if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
     if (virtual_disk->foreign) return Status::kWrongState;
     if (virtual_disk->group != kNoId) return Status::kOnDiskGroup;
     if (IsBusy(adapter, *virtual_disk)) return Status::kBusy;
     if (StateOf(adapter, *virtual_disk) != State::kOptimal) return Status::kWrongState;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 // What each block can have at most: as much as the blocks that stay have, or more where every disk
@@ -108,7 +108,7 @@ Sectors LongestBlock(const Adapter& adapter, const Move& move) {
     return on_all > move.old_block ? on_all : std::min(move.old_block, on_others);
 }
 
-HX_U8 CheckRoom(const Adapter& adapter, const Move& move) {
+Status CheckRoom(const Adapter& adapter, const Move& move) {
     for (std::size_t i = 0; i < move.layout.disks.size(); ++i) {
         const HX_U16 disk = move.layout.disks[i];
         if (IsKept(move.layout, move.old, i) && move.block <= move.old_block) {
@@ -117,47 +117,47 @@ HX_U8 CheckRoom(const Adapter& adapter, const Move& move) {
             continue;
         }
         const Sectors start = FirstFree(adapter, disk, move.block)->start;
-        const HX_U8 status = CheckCut(adapter, disk, start, move.block);
-        if (status != HX_SUCCESS) return status;
+        const Status status = CheckCut(adapter, disk, start, move.block);
+        if (status != Status::kSuccess) return status;
     }
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 bool IsAsItWas(const VirtualDisk& virtual_disk, const Move& move) {
-    return move.layout.level->code == virtual_disk.level && move.layout.legs == virtual_disk.legs &&
+    return move.layout.level == virtual_disk.level && move.layout.legs == virtual_disk.legs &&
            move.layout.stripe_kib == virtual_disk.stripe_kib && move.layout.disks == move.old &&
            move.size == virtual_disk.size;
 }
 
-HX_U8 LayOut(const Adapter& adapter, const VirtualDisk& virtual_disk, const Create_LD_Param& param,
-             Move& move) {
+Status LayOut(const Adapter& adapter, const VirtualDisk& virtual_disk, const Create_LD_Param& param,
+              Move& move) {
     if (param.HDCount > HX_MAX_HDS) return Status::kBadDiskCount;
-    Wish wish{param.RaidMode, param.SubLDCount, param.StripeBlockSize,
+    Wish wish{ToCode<Level>(param.RaidMode), param.SubLDCount, param.StripeBlockSize,
               std::span(param.HDIDs, param.HDCount), adapter.info.MaxPDPerVD};
     // What the caller leaves out stays as it is.
     if (wish.stripe_kib == 0) wish.stripe_kib = virtual_disk.stripe_kib;
     if (wish.legs == 0 && wish.level == virtual_disk.level) wish.legs = virtual_disk.legs;
-    if (const HX_U8 status = MakeLayout(adapter, wish, move.layout); status != HX_SUCCESS) {
+    if (const Status status = MakeLayout(adapter, wish, move.layout); status != Status::kSuccess) {
         return status;
     }
     move.old = DisksOf(adapter, Owner::kVirtualDisk, virtual_disk.id);
     move.old_block = BlockOf(adapter, virtual_disk.id, 0)->sectors;
     for (const HX_U16 disk : move.layout.disks) {
         if (std::ranges::count(move.old, disk) != 0) continue;
-        const HX_U8 status = CheckSharedDisk(adapter, disk);
-        if (status != HX_SUCCESS) return status;
+        const Status status = CheckSharedDisk(adapter, disk);
+        if (status != Status::kSuccess) return status;
     }
     move.layout.disks = Arrange(move.layout.disks, move.old, param.SpecifiedBlkSeq != 0);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 // The size wanted: none for the most that fits.
-HX_U8 PlanMove(const Adapter& adapter, const Create_LD_Param& param, std::optional<Sectors> wanted,
-               Move& move) {
+Status PlanMove(const Adapter& adapter, const Create_LD_Param& param, std::optional<Sectors> wanted,
+                Move& move) {
     const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, param.LDID);
-    HX_U8 status = CheckMovable(adapter, virtual_disk);
-    if (status == HX_SUCCESS) status = LayOut(adapter, *virtual_disk, param, move);
-    if (status != HX_SUCCESS) return status;
+    Status status = CheckMovable(adapter, virtual_disk);
+    if (status == Status::kSuccess) status = LayOut(adapter, *virtual_disk, param, move);
+    if (status != Status::kSuccess) return status;
 
     const Sectors longest = LongestBlock(adapter, move);
     if (move.layout.Data(longest) < virtual_disk->size) return Status::kTooSmall;
@@ -167,7 +167,7 @@ HX_U8 PlanMove(const Adapter& adapter, const Create_LD_Param& param, std::option
     Sectors chosen = 0;
     status = ChooseSize(move.layout, longest, more, param.RoundingScheme, chosen);
     // Rounding takes nothing from what is there already.
-    if (status == Status::kBadRounding || (status != HX_SUCCESS && more != 0)) return status;
+    if (status == Status::kBadRounding || (status != Status::kSuccess && more != 0)) return status;
     move.size = stays ? virtual_disk->size : std::max(chosen, virtual_disk->size);
     move.block = move.layout.Block(move.size);
     if (wanted && IsAsItWas(*virtual_disk, move)) return Status::kNoChange;
@@ -188,28 +188,30 @@ void SettleDown(Adapter& adapter, Owner of, HX_U16 owner) {
 
 // ---- Disk groups ----
 
-HX_U8 CheckMovable(const Adapter& adapter, const DiskGroup& group) {
+Status CheckMovable(const Adapter& adapter, const DiskGroup& group) {
     if (IsBusy(adapter, group)) return Status::kBusy;
     if (StateOf(adapter, group) != State::kOptimal) return Status::kWrongState;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 LayOut(const Adapter& adapter, const DiskGroup& group, const CreateOrModify_DG_Param& param,
-             Layout& layout) {
+Status LayOut(const Adapter& adapter, const DiskGroup& group, const CreateOrModify_DG_Param& param,
+              Layout& layout) {
     if (param.BlockSize != 0 && param.BlockSize != kSectorSize) return Status::kBadSectorSize;
     if (param.PDCount > HX_MAX_HDS) return Status::kBadDiskCount;
-    Wish wish{param.RaidMode, param.SubVDCount, param.StripeBlockSize,
+    Wish wish{ToCode<Level>(param.RaidMode), param.SubVDCount, param.StripeBlockSize,
               std::span(param.PDIDs, param.PDCount), adapter.info.MaxPDPerDG};
     if (wish.stripe_kib == 0) wish.stripe_kib = group.stripe_kib;
     if (wish.legs == 0 && wish.level == group.level) wish.legs = group.legs;
-    if (const HX_U8 status = MakeLayout(adapter, wish, layout); status != HX_SUCCESS) return status;
+    if (const Status status = MakeLayout(adapter, wish, layout); status != Status::kSuccess)
+        return status;
     const std::vector<HX_U16> old = DisksOf(adapter, Owner::kDiskGroup, group.id);
     for (const HX_U16 disk : layout.disks) {
         if (std::ranges::count(old, disk) != 0) continue;
-        if (const HX_U8 status = CheckWholeDisk(adapter, disk); status != HX_SUCCESS) return status;
+        if (const Status status = CheckWholeDisk(adapter, disk); status != Status::kSuccess)
+            return status;
     }
     layout.disks = Arrange(layout.disks, old, false);
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 Sectors SizeOfMembers(const Adapter& adapter, const DiskGroup& group) {
@@ -222,8 +224,8 @@ Sectors SizeOfMembers(const Adapter& adapter, const DiskGroup& group) {
 
 // Cuts the targets of one virtual disk of the group: at its own place on the disks that are new,
 // or, when it does not fit there, on all disks at another place.
-HX_U8 CutTargets(Adapter& adapter, const Layout& layout, std::span<const HX_U16> old,
-                 const VirtualDisk& virtual_disk) {
+Status CutTargets(Adapter& adapter, const Layout& layout, std::span<const HX_U16> old,
+                  const VirtualDisk& virtual_disk) {
     Layout own = layout;
     own.stripe_kib = virtual_disk.stripe_kib;
     const Sectors sectors = own.Block(virtual_disk.size);
@@ -243,15 +245,15 @@ HX_U8 CutTargets(Adapter& adapter, const Layout& layout, std::span<const HX_U16>
     }
     for (std::size_t i = 0; i < own.disks.size(); ++i) {
         if (in_place && IsKept(own, old, i)) continue;
-        const HX_U8 status = CheckCut(adapter, own.disks[i], start, sectors);
-        if (status != HX_SUCCESS) return status;
+        const Status status = CheckCut(adapter, own.disks[i], start, sectors);
+        if (status != Status::kSuccess) return status;
         CutTarget(adapter, own.disks[i], start, sectors, virtual_disk.id, i);
     }
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 void TakeForm(Adapter& adapter, DiskGroup& group, const Layout& layout) {
-    group.level = layout.level->code;
+    group.level = layout.level;
     group.legs = layout.legs;
     group.width = layout.Width();
     group.stripe_kib = layout.stripe_kib;
@@ -259,13 +261,13 @@ void TakeForm(Adapter& adapter, DiskGroup& group, const Layout& layout) {
 }
 
 // Starts the migration on `adapter`, which a refusal leaves half changed.
-HX_U8 MoveGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
+Status MoveGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
     DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
     if (group == nullptr) return Status::kNoDiskGroup;
-    HX_U8 status = CheckMovable(adapter, *group);
+    Status status = CheckMovable(adapter, *group);
     Layout layout;
-    if (status == HX_SUCCESS) status = LayOut(adapter, *group, param, layout);
-    if (status != HX_SUCCESS) return status;
+    if (status == Status::kSuccess) status = LayOut(adapter, *group, param, layout);
+    if (status != Status::kSuccess) return status;
     const Sectors space = ManagedSpace(adapter, layout);
     if (space == 0) return Status::kNoSpace;
     if (space < SizeOfMembers(adapter, *group)) return Status::kTooSmall;
@@ -279,7 +281,7 @@ HX_U8 MoveGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
     if (members.empty()) {
         param.Size.value = space;
         TakeForm(adapter, *group, layout);
-        return HX_SUCCESS;
+        return Status::kSuccess;
     }
     // From the first sectors on, so that as many as can keep their places.
     std::ranges::sort(members, {},
@@ -289,7 +291,7 @@ HX_U8 MoveGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
         migration.total +=
             std::max(BlockOf(adapter, each.id, 0)->sectors, BlockAfter(migration, each));
         status = CutTargets(adapter, layout, old, each);
-        if (status != HX_SUCCESS) return status;
+        if (status != Status::kSuccess) return status;
     }
     SettleDown(adapter, Owner::kDiskGroup, group->id);
     Start(adapter, now, migration);
@@ -297,14 +299,15 @@ HX_U8 MoveGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
         layout.disks, [&](HX_U16 disk) { return HasRoomFor(adapter, disk, 0); });
     if (!room) return Status::kTooManyBlocks;
     param.Size.value = space;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
 bool IsAsItWas(const Adapter& adapter, const CreateOrModify_DG_Param& param) {
     const DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
     Layout layout;
-    if (group == nullptr || LayOut(adapter, *group, param, layout) != HX_SUCCESS) return false;
-    return layout.level->code == group->level && layout.legs == group->legs &&
+    if (group == nullptr || LayOut(adapter, *group, param, layout) != Status::kSuccess)
+        return false;
+    return layout.level == group->level && layout.legs == group->legs &&
            layout.stripe_kib == group->stripe_kib &&
            layout.disks == DisksOf(adapter, Owner::kDiskGroup, group->id);
 }
@@ -358,10 +361,10 @@ void FindHomes(Adapter& adapter, const Activity& migration) {
 
 }  // namespace
 
-HX_U8 StartMigration(Adapter& adapter, Time now, Create_LD_Param& param) {
+Status StartMigration(Adapter& adapter, Time now, Create_LD_Param& param) {
     Move move;
-    const HX_U8 status = PlanMove(adapter, param, param.Size.value, move);
-    if (status != HX_SUCCESS) return status;
+    const Status status = PlanMove(adapter, param, param.Size.value, move);
+    if (status != Status::kSuccess) return status;
     for (std::size_t i = 0; i < move.layout.disks.size(); ++i) {
         if (IsKept(move.layout, move.old, i) && move.block <= move.old_block) continue;
         const HX_U16 disk = move.layout.disks[i];
@@ -373,25 +376,25 @@ HX_U8 StartMigration(Adapter& adapter, Time now, Create_LD_Param& param) {
     migration.total = std::max(move.old_block, move.block);
     Start(adapter, now, migration);
     param.Size.value = move.size;
-    return HX_SUCCESS;
+    return Status::kSuccess;
 }
 
-HX_U8 SizeMigration(const Adapter& adapter, Create_LD_Param& param) {
+Status SizeMigration(const Adapter& adapter, Create_LD_Param& param) {
     Move move;
-    const HX_U8 status = PlanMove(adapter, param, std::nullopt, move);
-    if (status == HX_SUCCESS) param.Size.value = move.size;
+    const Status status = PlanMove(adapter, param, std::nullopt, move);
+    if (status == Status::kSuccess) param.Size.value = move.size;
     return status;
 }
 
-HX_U8 StartGroupMigration(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
+Status StartGroupMigration(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
     if (IsAsItWas(adapter, param)) return Status::kNoChange;
     Adapter moved = adapter;
-    const HX_U8 status = MoveGroup(moved, now, param);
-    if (status == HX_SUCCESS) adapter = std::move(moved);
+    const Status status = MoveGroup(moved, now, param);
+    if (status == Status::kSuccess) adapter = std::move(moved);
     return status;
 }
 
-HX_U8 SizeGroupMigration(const Adapter& adapter, CreateOrModify_DG_Param& param) {
+Status SizeGroupMigration(const Adapter& adapter, CreateOrModify_DG_Param& param) {
     Adapter moved = adapter;
     return MoveGroup(moved, 0, param);
 }

@@ -13,18 +13,18 @@ namespace hxsim {
 /// Moves the virtual disk param.LDID to the level and disks of `param`, and sets param.Size to what
 /// it has then. Its size stays, or becomes param.Size where that is more. A refused one leaves
 /// everything as it is.
-HX_U8 StartMigration(Adapter& adapter, Time now, Create_LD_Param& param);
+Status StartMigration(Adapter& adapter, Time now, Create_LD_Param& param);
 
 /// Sets param.Size to the most that StartMigration could make of the virtual disk.
-HX_U8 SizeMigration(const Adapter& adapter, Create_LD_Param& param);
+Status SizeMigration(const Adapter& adapter, Create_LD_Param& param);
 
 /// Moves the disk group param.DGID, with its virtual disks, to the level and disks of `param`, and
 /// sets param.Size to the space that it manages then. A group without virtual disks has moved when
 /// this returns. A refused one leaves everything as it is.
-HX_U8 StartGroupMigration(Adapter& adapter, Time now, CreateOrModify_DG_Param& param);
+Status StartGroupMigration(Adapter& adapter, Time now, CreateOrModify_DG_Param& param);
 
 /// Sets param.Size as StartGroupMigration would.
-HX_U8 SizeGroupMigration(const Adapter& adapter, CreateOrModify_DG_Param& param);
+Status SizeGroupMigration(const Adapter& adapter, CreateOrModify_DG_Param& param);
 
 /// The effect of a migration that has come to its end: called for its activity.
 void CompleteMigration(Adapter& adapter, const Activity& migration);

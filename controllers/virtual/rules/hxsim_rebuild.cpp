@@ -11,9 +11,24 @@
 #include "rules/hxsim_copyback.h"
 
 namespace hxsim {
+namespace {
+
+bool LetsRebuild(AtRebuild at_rebuild) {
+    switch (at_rebuild) {
+        case AtRebuild::kEnds:
+        case AtRebuild::kWaits:
+        case AtRebuild::kIsUnconcerned:
+            return true;
+        case AtRebuild::kBlocks:
+            break;
+    }
+    return false;
+}
+
+}  // namespace
 
 bool MayRebuild(const Adapter& adapter, const VirtualDisk& virtual_disk) {
-    const HX_U8 state = StateOf(adapter, virtual_disk);
+    const State state = StateOf(adapter, virtual_disk);
     if (state != State::kDegraded && state != State::kPartiallyOptimal) return false;
     if (const Activity* const group = ActivityOf(adapter, Owner::kDiskGroup, virtual_disk.group);
         virtual_disk.group != kNoId && group != nullptr &&
@@ -21,16 +36,7 @@ bool MayRebuild(const Adapter& adapter, const VirtualDisk& virtual_disk) {
         return false;
     }
     const Activity* const activity = ActivityOf(adapter, Owner::kVirtualDisk, virtual_disk.id);
-    if (activity == nullptr) return true;
-    switch (activity->kind) {
-        case ActivityKind::kCheck:
-        case ActivityKind::kFix:
-        case ActivityKind::kInitBackground:  // these end for it
-        case ActivityKind::kMigration:       // this waits for it
-            return true;
-        default:
-            return false;
-    }
+    return activity == nullptr || LetsRebuild(RowOf(activity->kind).at_rebuild);
 }
 
 bool HasBlocksToRebuild(const Adapter& adapter, const VirtualDisk& virtual_disk, bool held) {
@@ -43,8 +49,8 @@ bool HasBlocksToRebuild(const Adapter& adapter, const VirtualDisk& virtual_disk,
 
 void StartRebuild(Adapter& adapter, Time now, HX_U16 virtual_disk) {
     const Activity* const lesser = ActivityOf(adapter, Owner::kVirtualDisk, virtual_disk);
-    if (lesser != nullptr && lesser->kind != ActivityKind::kMigration) {
-        // A check, fix or initialisation leaves nothing behind that would have to be undone.
+    if (lesser != nullptr && RowOf(lesser->kind).at_rebuild == AtRebuild::kEnds) {
+        // What ends for a rebuild leaves nothing behind that would have to be undone.
         Announce(adapter, now, Remove(adapter, lesser->id), Step::kAbort);
     }
     Activity rebuild;

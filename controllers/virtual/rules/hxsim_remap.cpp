@@ -33,18 +33,18 @@ bool Reassign(Adapter& adapter, Time now, HX_U16 disk, Sectors lba, HX_U32 secto
     };
     const auto used = static_cast<std::size_t>(std::ranges::count_if(adapter.remaps, is_used));
     if (used >= kRemapRoom) {
-        Queue(adapter, now, kRemapTableFull, disk);
+        Queue(adapter, now, EventKind::kRemapTableFull, disk);
         return false;
     }
     SetRemap(adapter, {disk, lba, sectors, RemapReason::kReadError});
-    Queue(adapter, now, kSectorReassigned, disk);
-    Queue(adapter, now, kRemapAdded, disk,
+    Queue(adapter, now, EventKind::kSectorReassigned, disk);
+    Queue(adapter, now, EventKind::kRemapAdded, disk,
           {static_cast<HX_U32>(lba >> 32), static_cast<HX_U32>(lba), sectors,
-           RemapReason::kReadError});
+           NumberOf(RemapReason::kReadError)});
     if (used + 1 == kRemapRoom) {
-        Queue(adapter, now, kRemapTableFull, disk);
+        Queue(adapter, now, EventKind::kRemapTableFull, disk);
     } else if (used < kRemapWarning && used + 1 >= kRemapWarning) {
-        Queue(adapter, now, kRemapTable80Full, disk);
+        Queue(adapter, now, EventKind::kRemapTable80Full, disk);
     }
     return true;
 }

@@ -285,9 +285,18 @@ static_assert(std::tuple_size_v<decltype(kMachineColumns)> + 1 +
 static_assert(std::tuple_size_v<decltype(kAdapterTables)> == kLists<Adapter>,
               "every list of an adapter has a table");
 
-// The last value of each kind: what a file says beyond it is no such kind.
-constexpr Spare LastOf(Spare) { return Spare::kGroup; }
-constexpr Owner LastOf(Owner) { return Owner::kDisk; }
-constexpr BatteryPhase LastOf(BatteryPhase) { return BatteryPhase::kRelearnCharging; }
+// Whether a number in a file is a value of an enumeration: of codes, one of their table.
+template <hxcodes::CodeEnum Code>
+constexpr bool IsValue(Code, std::uint64_t number) {
+    return ToCode<Code>(number).has_value();
+}
+constexpr bool IsValue(RemapReason, std::uint64_t number) {
+    return number == kNotRemapped || ToCode<RemapReason>(number).has_value();
+}
+constexpr bool IsValue(Spare, std::uint64_t number) { return number <= NumberOf(Spare::kGroup); }
+constexpr bool IsValue(Owner, std::uint64_t number) { return number <= NumberOf(Owner::kDisk); }
+constexpr bool IsValue(BatteryPhase, std::uint64_t number) {
+    return number <= NumberOf(BatteryPhase::kRelearnCharging);
+}
 
 }  // namespace hxsim

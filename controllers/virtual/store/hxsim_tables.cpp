@@ -71,7 +71,7 @@ bool Read(const Statement& statement, int column, Value& value) {
     if constexpr (std::is_same_v<Value, bool>) {
         if (number != 0 && number != 1) return false;
     } else if constexpr (std::is_enum_v<Value>) {
-        if (number < 0 || number > static_cast<std::int64_t>(LastOf(Value{}))) return false;
+        if (number < 0 || !IsValue(Value{}, static_cast<std::uint64_t>(number))) return false;
     } else if constexpr (!std::is_same_v<Value, std::uint64_t>) {
         if (!std::in_range<Value>(number)) return false;
     }

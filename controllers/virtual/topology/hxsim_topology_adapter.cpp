@@ -14,10 +14,10 @@
 #include "model/hxsim_adapter_model.h"
 #include "model/hxsim_column.h"
 #include "model/hxsim_home.h"
-#include "model/hxsim_level.h"
 #include "model/hxsim_link.h"
 #include "model/hxsim_random.h"
 #include "model/hxsim_space.h"
+#include "model/hxsim_stripes.h"
 #include "model/hxsim_text.h"
 #include "rules/hxsim_event_queue.h"
 
@@ -271,16 +271,16 @@ private:
 
     static Element ReadElement(TopologyObject& object) {
         Element element;
-        element.type = object.NeedCode("type", "the kind of element", hxcodes::kElementTypeNames);
-        if (element.type == HX_ELEMENT_FAN) {
+        element.type = object.NeedCode<ElementType>("type", "the kind of element");
+        if (element.type == ElementType::kFan) {
             object.TakeNeeded("rpm", element.reading);
             element.nominal = element.reading;
             element.speed_code = 3;
             object.Take("nominal", element.nominal);
             object.Take("speed_code", element.speed_code);
-        } else if (element.type == HX_ELEMENT_TEMPERATURE) {
+        } else if (element.type == ElementType::kTemperature) {
             ReadTemperature(object, element);
-        } else if (element.type == HX_ELEMENT_VOLTAGE) {
+        } else if (element.type == ElementType::kVoltage) {
             object.TakeNeeded("centivolts", element.reading);
             element.nominal = element.reading;
             object.Take("nominal", element.nominal);
@@ -402,7 +402,7 @@ private:
         remap.sectors = 1;
         object.TakeNeeded("lba", remap.lba);
         object.Take("sectors", remap.sectors);
-        object.TakeCode("reason", hxcodes::kRemapReasonNames, remap.reason);
+        object.TakeCode("reason", remap.reason);
         adapter_.remaps.push_back(remap);
         std::ranges::sort(adapter_.remaps, {},
                           [](const Remap& each) { return std::tuple(each.disk, each.lba); });
@@ -413,14 +413,14 @@ private:
     // Level, legs and stripes, of a disk group or a virtual disk.
     template <class Row>
     static void ReadLevel(TopologyObject& object, Row& row) {
-        row.level = object.NeedCode("level", "a RAID level", hxcodes::kLevelNames);
+        row.level = object.NeedCode<Level>("level", "a RAID level");
         const bool asked = object.Take("legs", row.legs);
         object.Take("stripe_kib", row.stripe_kib);
-        if (!asked && FindLevel(row.level)->legs) row.legs = 2;
+        if (!asked && RowOf(row.level).legs) row.legs = 2;
     }
 
     // The disks that something is made of.
-    std::vector<HX_U16> ReadMembers(TopologyObject& object, HX_U8 level, HX_U8 legs) {
+    std::vector<HX_U16> ReadMembers(TopologyObject& object, Level level, HX_U8 legs) {
         std::vector<HX_U16> disks;
         object.TakeNeeded("disks", disks, "a list of disks");
         std::vector<HX_U16> sorted = disks;
@@ -435,7 +435,7 @@ private:
             }
         }
         if (disks.size() > HX_MAX_HDS ||
-            !CanBeMade(*FindLevel(level), static_cast<unsigned>(disks.size()), legs)) {
+            !CanBeMade(RowOf(level), static_cast<unsigned>(disks.size()), legs)) {
             object.Refuse("disks", "as many disks as the level can be made of");
         }
         return disks;
@@ -462,9 +462,9 @@ private:
         first.id = NextId(adapter_.virtual_disks);
         object.Take("id", first.id);
         object.Take("name", first.name);
-        if (const auto bits = object.TakeCodes("cache", hxcodes::kCacheBits)) {
+        if (const auto bits = object.TakeCodes<CacheBit>("cache")) {
             first.cache = 0;
-            for (const HX_U8 bit : *bits) first.cache |= bit;
+            for (const CacheBit bit : *bits) first.cache |= bit;
         }
         object.Take("foreign", first.foreign);
         object.Take("auto_rebuild", first.auto_rebuild);
@@ -497,16 +497,15 @@ private:
     // The sectors of its block on each disk, from these or from the size of its data.
     static Sectors ReadBlock(TopologyObject& object, VirtualDisk& row) {
         constexpr Sectors kMost = Sectors{1} << 50;
-        const Level& level = *FindLevel(row.level);
         if (row.stripe_kib == 0) object.Refuse("stripe_kib", "at least 1");
         Sectors block = 0;
         HX_U32 gib = 0;
         if (object.Take("gib", gib)) {
-            block = BlockSectors(level, row.width, row.legs, row.stripe_kib, gib * kGib);
+            block = BlockSectors(row.level, row.width, row.legs, row.stripe_kib, gib * kGib);
             row.size = gib * kGib;
         }
         if (object.Take("block_sectors", block) && block <= kMost) {
-            row.size = DataSectors(level, row.width, row.legs, row.stripe_kib, block);
+            row.size = DataSectors(row.level, row.width, row.legs, row.stripe_kib, block);
         }
         if (block == 0 || block > kMost || row.size == 0) {
             object.Refuse("gib", "a size in GiB, or block_sectors of at least a stripe");
@@ -540,10 +539,10 @@ private:
                    Sectors block) {
         for (std::size_t position = 0; position < disks.size(); ++position) {
             const Block* const free = FirstFree(adapter_, disks[position], block);
-            const HX_U8 refusal = free == nullptr
-                                      ? HX_U8{Status::kNoSpace}
-                                      : CheckCut(adapter_, disks[position], free->start, block);
-            if (refusal != HX_SUCCESS) {
+            const Status refusal = free == nullptr
+                                       ? Status::kNoSpace
+                                       : CheckCut(adapter_, disks[position], free->start, block);
+            if (refusal != Status::kSuccess) {
                 object.Refuse("disks", "room for a block of " + std::to_string(block) +
                                            " sectors on disk " + std::to_string(disks[position]));
             }
@@ -589,15 +588,15 @@ private:
     // All of them, as long as the text does not say otherwise. What they hold follows from the
     // adapter until somebody writes another one.
     void ReadImages() {
-        std::set<HX_U8> types;
-        if (const auto named = text_.TakeCodes("images", hxcodes::kImageNames)) {
+        std::set<Image> types;
+        if (const auto named = text_.TakeCodes<Image>("images")) {
             types.insert(named->begin(), named->end());
         } else {
             for (const hxcodes::Named& each : hxcodes::kImageNames) {
-                types.insert(static_cast<HX_U8>(each.code));
+                types.insert(static_cast<Image>(each.code));
             }
         }
-        for (const HX_U8 type : types) {
+        for (const Image type : types) {
             FlashImage image;
             image.type = type;
             adapter_.images.push_back(image);
@@ -609,12 +608,13 @@ private:
     // What a controller tells when it comes up, in that order.
     void QueueStart() {
         const Time now = machine_.clock.start;
-        Queue(adapter_, now, kAdapterFound, adapter_.id, {}, TextOf(adapter_.info.SerialNo));
-        QueueForEach(adapter_.expanders, kExpanderPluggedIn);
-        QueueForEach(adapter_.disks, kDiskOnline);
-        if (!adapter_.batteries.empty()) Queue(adapter_, now, kBatteryPresent, 0);
-        QueueForEach(adapter_.disk_groups, kDiskGroupCreated);
-        QueueForEach(adapter_.virtual_disks, kVirtualDiskCreated);
+        Queue(adapter_, now, EventKind::kAdapterFound, adapter_.id, {},
+              TextOf(adapter_.info.SerialNo));
+        QueueForEach(adapter_.expanders, EventKind::kExpanderPluggedIn);
+        QueueForEach(adapter_.disks, EventKind::kDiskOnline);
+        if (!adapter_.batteries.empty()) Queue(adapter_, now, EventKind::kBatteryPresent, 0);
+        QueueForEach(adapter_.disk_groups, EventKind::kDiskGroupCreated);
+        QueueForEach(adapter_.virtual_disks, EventKind::kVirtualDiskCreated);
     }
 
     template <class Rows>

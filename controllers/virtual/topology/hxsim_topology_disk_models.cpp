@@ -6,8 +6,6 @@
 namespace hxsim {
 namespace {
 
-constexpr hxcodes::Named kInterfaceNames[] = {{0, "sata"}, {1, "sas"}};
-
 // The sectors of a disk of so many gigabytes (of 10^9 bytes), as the makers have agreed on them.
 constexpr Sectors SectorsOf(std::uint64_t gigabytes) {
     return 97696368 + 1953504 * (gigabytes - 50);
@@ -33,10 +31,10 @@ DiskModels ReadDiskModels(TopologyObject& text) {
             object.Refuse("sectors", "gigabytes, or sectors from " + std::to_string(kMetadata + 1) +
                                          " to " + std::to_string(kMostSectors));
         }
-        HX_U8 sas = 0;
-        object.TakeCode("interface", kInterfaceNames, sas);
-        model.sas = sas != 0;
-        object.TakeCode("speed", hxcodes::kLinkSpeedNames, model.speed);
+        auto type = DiskType::kSata;
+        object.TakeCode("interface", type);
+        model.sas = type == DiskType::kSas;
+        object.TakeCode("speed", model.speed);
         models[name] = model;
     });
     return models;

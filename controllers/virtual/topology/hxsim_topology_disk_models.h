@@ -14,7 +14,7 @@ struct DiskModel {
     std::string serials;  // with what the serial numbers begin
     Sectors sectors = 0;
     bool sas = false;
-    HX_U8 speed = LinkSpeed::k6Gbit;
+    LinkSpeed speed = LinkSpeed::k6Gbit;
 };
 using DiskModels = std::map<std::string, DiskModel>;
 

@@ -24,11 +24,11 @@ std::string Listed(std::span<const hxcodes::Named> names) {
 }
 
 // A code by its name.
-HX_U8 CodeOf(const Json& json, const std::string& where, std::span<const hxcodes::Named> names) {
+HX_U32 CodeOf(const Json& json, const std::string& where, std::span<const hxcodes::Named> names) {
     const hxcodes::Named* const found =
         json.is_string() ? hxcodes::FindName(names, json.get_ref<const std::string&>()) : nullptr;
     if (found == nullptr) RefuseAt(where, "one of " + Listed(names));
-    return static_cast<HX_U8>(found->code);
+    return found->code;
 }
 
 std::string Element(const std::string& list, std::size_t i) {
@@ -137,22 +137,21 @@ const Json& TopologyObject::Need(const char* member, const std::string& expected
     return *found;
 }
 
-void TopologyObject::TakeCode(const char* member, std::span<const hxcodes::Named> names,
-                              HX_U8& code) {
-    if (const Json* const found = Find(member)) code = CodeOf(*found, Where(member), names);
+std::optional<HX_U32> TopologyObject::TakeNamed(const char* member, Names names) {
+    const Json* const found = Find(member);
+    if (found == nullptr) return std::nullopt;
+    return CodeOf(*found, Where(member), names);
 }
 
-HX_U8 TopologyObject::NeedCode(const char* member, const std::string& expected,
-                               std::span<const hxcodes::Named> names) {
+HX_U32 TopologyObject::NeedNamed(const char* member, const std::string& expected, Names names) {
     return CodeOf(Need(member, expected), Where(member), names);
 }
 
-std::optional<std::vector<HX_U8>> TopologyObject::TakeCodes(const char* member,
-                                                            std::span<const hxcodes::Named> names) {
+std::optional<std::vector<HX_U32>> TopologyObject::TakeAllNamed(const char* member, Names names) {
     const Json* const found = Find(member);
     if (found == nullptr) return std::nullopt;
     if (!found->is_array()) Refuse(member, "a list of " + Listed(names));
-    std::vector<HX_U8> codes;
+    std::vector<HX_U32> codes;
     for (const Json& each : *found) codes.push_back(CodeOf(each, Where(member), names));
     return codes;
 }

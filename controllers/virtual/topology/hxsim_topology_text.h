@@ -53,12 +53,24 @@ public:
     }
 
     /// A code by its name.
-    void TakeCode(const char* member, std::span<const hxcodes::Named> names, HX_U8& code);
-    HX_U8 NeedCode(const char* member, const std::string& expected,
-                   std::span<const hxcodes::Named> names);
+    template <hxcodes::CodeEnum Code>
+    void TakeCode(const char* member, Code& code) {
+        const auto number = TakeNamed(member, hxcodes::NamesOf<Code>());
+        if (number) code = static_cast<Code>(*number);
+    }
+    template <hxcodes::CodeEnum Code>
+    Code NeedCode(const char* member, const std::string& expected) {
+        return static_cast<Code>(NeedNamed(member, expected, hxcodes::NamesOf<Code>()));
+    }
     /// A list of codes by their names; nothing when it is left out.
-    std::optional<std::vector<HX_U8>> TakeCodes(const char* member,
-                                                std::span<const hxcodes::Named> names);
+    template <hxcodes::CodeEnum Code>
+    std::optional<std::vector<Code>> TakeCodes(const char* member) {
+        const auto numbers = TakeAllNamed(member, hxcodes::NamesOf<Code>());
+        if (!numbers) return std::nullopt;
+        std::vector<Code> codes;
+        for (const HX_U32 number : *numbers) codes.push_back(static_cast<Code>(number));
+        return codes;
+    }
 
     /// An object of its own, to be finished by the caller; nothing when it is left out.
     std::optional<TopologyObject> TakeObject(const char* member);
@@ -92,6 +104,11 @@ private:
     template <class Version, class Part>
     static void ReadVersion(const nlohmann::json& json, const std::string& where, Version& version,
                             std::initializer_list<Part Version::*> parts);
+
+    using Names = std::span<const hxcodes::Named>;
+    std::optional<HX_U32> TakeNamed(const char* member, Names names);
+    HX_U32 NeedNamed(const char* member, const std::string& expected, Names names);
+    std::optional<std::vector<HX_U32>> TakeAllNamed(const char* member, Names names);
 
     std::string Where(std::string_view member) const;
     const nlohmann::json* Find(const char* member);

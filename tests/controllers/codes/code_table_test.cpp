@@ -67,7 +67,7 @@ TEST(EventTexts, HaveOneKeyEach) {
 
 TEST(EventClasses, HaveTheLibrarysKeyForCodesWithoutText) {
     for (const hxcodes::EventClassRow& row : hxcodes::kEventClasses) {
-        EXPECT_EQ(KeyOf(row.code, 500, 0), row.unknown_key) << row.name;
+        EXPECT_EQ(KeyOf(NumberOf(row.code), 500, 0), row.unknown_key) << row.name;
     }
     EXPECT_EQ(KeyOf(14, 0, 0), hxcodes::kUnknownClassKey);
 }

@@ -27,6 +27,7 @@
 #include "codes/activity.h"
 #include "codes/device.h"
 #include "codes/disk.h"
+#include "codes/event.h"
 #include "codes/flash.h"
 #include "codes/state.h"
 #include "codes/status.h"
@@ -39,10 +40,8 @@
 #include "incidents/hxsim_incident_power.h"
 #include "model/hxsim_disk_role.h"
 #include "model/hxsim_invariants.h"
-#include "model/hxsim_level.h"
 #include "model/hxsim_machine.h"
 #include "model/hxsim_space.h"
-#include "rules/hxsim_event_kinds.h"
 #include "store/hxsim_store.h"
 #include "support/child_process.h"
 #include "support/temporary_root.h"
@@ -100,19 +99,19 @@ std::string Fingerprint(const Machine& machine) {
         }
         for (const Block& block : adapter.blocks) {
             text << block.id << ',' << block.disk << ',' << block.virtual_disk << ','
-                 << int{block.position} << block.target << int{block.state} << ',' << block.start
-                 << ' ';
+                 << int{block.position} << block.target << int{NumberOf(block.state)} << ','
+                 << block.start << ' ';
         }
         for (const VirtualDisk& each : adapter.virtual_disks) {
-            text << each.id << each.name << int{each.level} << int{each.cache} << each.auto_rebuild
-                 << each.size << each.initialised << each.errors << ' ';
+            text << each.id << each.name << int{NumberOf(each.level)} << int{each.cache}
+                 << each.auto_rebuild << each.size << each.initialised << each.errors << ' ';
         }
         for (const DiskGroup& group : adapter.disk_groups) {
             text << group.id << group.name << group.write_cache << ' ';
         }
         for (const Activity& activity : adapter.activities) {
-            text << activity.id << ',' << int{activity.kind} << int{activity.state} << activity.done
-                 << ' ';
+            text << activity.id << ',' << int{NumberOf(activity.kind)}
+                 << int{NumberOf(activity.state)} << activity.done << ' ';
         }
         text << adapter.alarm << adapter.muted << adapter.next_event << ',' << adapter.events.size()
              << '\n';
@@ -121,23 +120,26 @@ std::string Fingerprint(const Machine& machine) {
 }
 
 // The event that tells of a virtual disk's new state.
-EventKind EventOf(HX_U8 state) {
+EventKind EventOf(State state) {
     switch (state) {
         case State::kOffline:
-            return kVirtualDiskOffline;
+            return EventKind::kVirtualDiskOffline;
         case State::kDegraded:
-            return kVirtualDiskDegraded;
+            return EventKind::kVirtualDiskDegraded;
         case State::kPartiallyOptimal:
-            return kVirtualDiskPartiallyOptimal;
-        default:
-            return kVirtualDiskOnline;
+            return EventKind::kVirtualDiskPartiallyOptimal;
+        case State::kOptimal:
+        case State::kRebuilding:
+        case State::kForeign:
+            break;
     }
+    return EventKind::kVirtualDiskOnline;
 }
 
 bool HasEvent(const Adapter& adapter, HX_U32 from, EventKind kind, HX_U16 device) {
     return std::ranges::any_of(adapter.events, [&](const QueuedEvent& queued) {
-        return queued.number >= from && queued.event.Class == kind.type &&
-               queued.event.Code == kind.code && queued.event.DeviceID == device;
+        return queued.number >= from && hxcodes::KindOf(queued.event) == kind &&
+               queued.event.DeviceID == device;
     });
 }
 
@@ -151,18 +153,22 @@ void ExpectToldOf(const Adapter& before, const Adapter& after) {
     for (const VirtualDisk& now : after.virtual_disks) {
         const VirtualDisk* const then = Find(before.virtual_disks, now.id);
         if (then == nullptr) {
-            EXPECT_TRUE(now.foreign || told(kVirtualDiskCreated, now.id)) << "created " << now.id;
+            EXPECT_TRUE(now.foreign || told(EventKind::kVirtualDiskCreated, now.id))
+                << "created " << now.id;
         } else if (then->state == State::kForeign && now.state != State::kForeign) {
-            EXPECT_TRUE(told(kVirtualDiskImported, now.id) || told(kVirtualDiskCreated, now.id))
+            EXPECT_TRUE(told(EventKind::kVirtualDiskImported, now.id) ||
+                        told(EventKind::kVirtualDiskCreated, now.id))
                 << "imported " << now.id;
         } else if (now.state != then->state && now.state != State::kForeign) {
-            EXPECT_TRUE(told(EventOf(now.state), now.id) || told(kVirtualDiskCreated, now.id))
-                << "virtual disk " << now.id << " became " << int{now.state};
+            EXPECT_TRUE(told(EventOf(now.state), now.id) ||
+                        told(EventKind::kVirtualDiskCreated, now.id))
+                << "virtual disk " << now.id << " became " << int{NumberOf(now.state)};
         }
     }
     for (const VirtualDisk& then : before.virtual_disks) {
         if (Find(after.virtual_disks, then.id) != nullptr) continue;
-        EXPECT_TRUE(then.foreign || told(kVirtualDiskDeleted, then.id)) << "deleted " << then.id;
+        EXPECT_TRUE(then.foreign || told(EventKind::kVirtualDiskDeleted, then.id))
+            << "deleted " << then.id;
     }
 }
 
@@ -220,9 +226,9 @@ private:
     Machine Whole() {
         Machine machine;
         for (HX_U8 id = 0; id < AdapterCount(); ++id) {
-            const HX_U8 status = Look("property", id, [&](const Adapter& adapter, Time) -> HX_U8 {
+            const HX_U8 status = Look("property", id, [&](const Adapter& adapter, Time) -> Status {
                 machine.adapters.push_back(adapter);
-                return HX_SUCCESS;
+                return Status::kSuccess;
             });
             EXPECT_EQ(status, HX_SUCCESS);
         }
@@ -251,7 +257,7 @@ private:
     HX_U16 GroupId() { return Note("dg", IdOf(Chosen().disk_groups)); }
     HX_U16 EnclosureId() { return Note("enc", IdOf(Chosen().enclosures)); }
     HX_U8 Action() { return Note("action", static_cast<HX_U8>(chance_.Below(5))); }
-    HX_U8 Level() {
+    HX_U8 AnyLevel() {
         if (chance_.OneIn(20)) return chance_.Any();
         return chance_.OneOf<HX_U8>({0x00, 0x01, 0x05, 0x06, 0x10, 0x11, 0x50, 0x60});
     }
@@ -343,8 +349,8 @@ private:
     // A level that can be made of so many disks.
     HX_U8 LevelFor(std::size_t disks) {
         for (int i = 0; i < 20; ++i) {
-            const hxsim::Level& level = kLevels[chance_.Below(std::size(kLevels))];
-            if (CanBeMade(level, static_cast<unsigned>(disks), 0)) return level.code;
+            const LevelRow& level = hxcodes::kLevels[chance_.Below(std::size(hxcodes::kLevels))];
+            if (CanBeMade(level, static_cast<unsigned>(disks), 0)) return NumberOf(level.code);
         }
         return 0x00;
     }
@@ -403,7 +409,7 @@ private:
 
     Create_LD_Param StrangeVirtualDiskParam() {
         Create_LD_Param param{};
-        param.RaidMode = Note("level", Level());
+        param.RaidMode = Note("level", AnyLevel());
         param.HDCount = Disks(param.HDIDs);
         param.RoundingScheme = Small(3);
         param.SubLDCount = Note("legs", Small(4));
@@ -438,7 +444,7 @@ private:
         const VirtualDisk* const row = Find(Chosen().virtual_disks, param.LDID);
         if (row == nullptr || row->group != kNoId || chance_.OneIn(4)) return param;
         param.SubLDCount = 0;
-        param.RoundingScheme = Rounding::kToStripe;
+        param.RoundingScheme = NumberOf(Rounding::kToStripe);
         param.StripeBlockSize = row->stripe_kib;
         param.SectorCoefficient = row->coefficient;
         param.CachePolicy = row->cache;
@@ -489,7 +495,7 @@ private:
         CreateOrModify_DG_Param param{};
         param.DGID = chance_.OneIn(2) ? HX_U16{HX_NEW_ID} : GroupId();
         Name(param.Name);
-        param.RaidMode = Note("level", Level());
+        param.RaidMode = Note("level", AnyLevel());
         param.SubVDCount = Note("legs", Small(4));
         param.StripeBlockSize = Note("stripe", Stripe());
         param.Size.value = chance_.OneIn(3) ? Size() : 0;
@@ -511,13 +517,14 @@ private:
         param.DGID = GroupId();
         Name(param.Name);
         const DiskGroup* const group = Find(Chosen().disk_groups, param.DGID);
-        param.RaidMode = group != nullptr && !chance_.OneIn(10) ? group->level : Level();
+        param.RaidMode =
+            group != nullptr && !chance_.OneIn(10) ? NumberOf(group->level) : AnyLevel();
         param.SubVDCount = group != nullptr ? group->legs : Small(4);
         param.DGSlotNum = Note("slot", Small(8));
         param.StripeBlockSize = group != nullptr ? group->stripe_kib : Stripe();
         param.Size.value = Note("size", Size());
         if (!chance_.OneIn(4)) param.Size.value = (1 + chance_.Below(4)) * 2097152;
-        param.RoundingScheme = chance_.OneIn(4) ? Small(3) : HX_U8{Rounding::kToStripe};
+        param.RoundingScheme = chance_.OneIn(4) ? Small(3) : NumberOf(Rounding::kToStripe);
         param.CachePolicy = chance_.OneOf<HX_U8>({0, 1, 4, 5, Small(6)});
         param.InitializationOption = Small(4);
         param.SectorCoefficient = 1;
@@ -619,7 +626,7 @@ private:
         if (chance_.OneIn(2)) {
             // The only image that is there before one has been written, which an erased one is not.
             piece->PageNum = 0;
-            return HX_Flash_Bin(adapter_, HX_FLASH_READ, Image::kBios, piece.get());
+            return HX_Flash_Bin(adapter_, HX_FLASH_READ, NumberOf(Image::kBios), piece.get());
         }
         const HX_U8 action = chance_.OneOf<HX_U8>({HX_FLASH_READ, HX_FLASH_WRITE, chance_.Any()});
         return HX_Flash_Bin(adapter_, action, Small(6), piece.get());
@@ -637,8 +644,8 @@ private:
     // ---- Incidents and time ----
 
     HX_U8 Happen(const std::function<Outcome(Adapter&, Time)>& incident) {
-        return hxsim::Change("property", adapter_, [&](Adapter& adapter, Time now) -> HX_U8 {
-            return incident(adapter, now) ? HX_U8{HX_SUCCESS} : HX_U8{Status::kWrongState};
+        return hxsim::Change("property", adapter_, [&](Adapter& adapter, Time now) -> Status {
+            return incident(adapter, now) ? Status::kSuccess : Status::kWrongState;
         });
     }
 
@@ -680,7 +687,7 @@ private:
             if (IsReady(disk) || (disk.foreign && !chance_.OneIn(20))) continue;
             Note("pd", id);
             if (disk.present && disk.offline && !disk.failed) {
-                return HX_PD_SetHDStatus(adapter_, id, DiskAction::kOnline);
+                return HX_PD_SetHDStatus(adapter_, id, NumberOf(DiskAction::kOnline));
             }
             return Happen([&](Adapter& adapter, Time now) {
                 return !disk.present && !disk.failed
@@ -872,7 +879,7 @@ void Life::Draw() {
         {"HX_AdapterMute", 1, [&] { return HX_AdapterMute(adapter_); }},
         {"HX_LocateArrayDevice", 2,
          [&] {
-             const HX_U8 kind = chance_.OneIn(2) ? Small(6) : HX_U8{Device::kDisk};
+             const HX_U8 kind = chance_.OneIn(2) ? Small(6) : NumberOf(Device::kDisk);
              return HX_LocateArrayDevice(adapter_, kind, DiskId(), Small(3));
          }},
         {"HX_ENC_GetElementInfo", 1, [&] { return Elements(); }},

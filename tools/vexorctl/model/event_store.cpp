@@ -20,8 +20,10 @@ constexpr std::size_t kTimeLength = 25;
 using Query = calls::VX_HX_EVT_GetEvents;
 
 // What a class of events numbers by DeviceID; an adapter for all that have no address of their own.
-ObjectKind KindOf(std::uint64_t event_class) {
-    switch (event_class) {
+ObjectKind KindOf(std::uint64_t number) {
+    const auto event_class = hxcodes::ToCode<hxcodes::EventClass>(number);
+    if (!event_class) return ObjectKind::kAdapter;
+    switch (*event_class) {
         case hxcodes::EventClass::kVirtualDisk:
             return ObjectKind::kVirtualDisk;
         case hxcodes::EventClass::kDisk:
@@ -30,9 +32,19 @@ ObjectKind KindOf(std::uint64_t event_class) {
             return ObjectKind::kEnclosure;
         case hxcodes::EventClass::kDiskGroup:
             return ObjectKind::kDiskGroup;
-        default:
-            return ObjectKind::kAdapter;
+        case hxcodes::EventClass::kAdapter:
+        case hxcodes::EventClass::kPortMultiplier:
+        case hxcodes::EventClass::kExpander:
+        case hxcodes::EventClass::kMetadata:
+        case hxcodes::EventClass::kBadSectors:
+        case hxcodes::EventClass::kSas:
+        case hxcodes::EventClass::kBattery:
+        case hxcodes::EventClass::kFlash:
+        case hxcodes::EventClass::kCache:
+        case hxcodes::EventClass::kMisc:
+            break;
     }
+    return ObjectKind::kAdapter;
 }
 
 std::optional<std::string> ObjectOf(const Record<fields::Event>& record) {

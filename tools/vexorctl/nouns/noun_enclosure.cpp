@@ -34,13 +34,13 @@ using hxcodes::ElementType;
 
 // Which of an element's fields mean something depends on its type; the record has all of them.
 template <class Make>
-Cell OfType(const Element& element, ElementType::Code type, Make make) {
+Cell OfType(const Element& element, ElementType type, Make make) {
     const auto is = element.info[EncElementType_Info::Type];
     if (!is) return Unknown();
     return *is == type ? make() : None();
 }
 
-Cell Of(const Element& element, ElementType::Code type, NumberField<EncElementType_Info> field) {
+Cell Of(const Element& element, ElementType type, NumberField<EncElementType_Info> field) {
     return OfType(element, type, [&] { return FieldCell(element.info, field); });
 }
 
@@ -71,7 +71,7 @@ Cell ThresholdCell(const Element& element, NumberField<EncElement_Config> field)
 }
 
 struct Problem {
-    ElementType::Code type;
+    ElementType type;
     NumberField<EncElementType_Info> field;
     const char* name;
 };

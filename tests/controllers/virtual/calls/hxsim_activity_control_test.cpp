@@ -21,7 +21,7 @@ using RebuildByHand = StoryTest;
 
 TEST_F(Initialisation, InTheForegroundTellsOfItsProgress) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     virtual_disk(id).errors = 4;
     EXPECT_EQ(0, Initialise(0, id, Init::kForeground));
     EXPECT_FALSE(virtual_disk(id).initialised);
@@ -38,7 +38,7 @@ TEST_F(Initialisation, InTheForegroundTellsOfItsProgress) {
 TEST_F(Initialisation, InTheBackgroundGoesAtTheRateThatIsSet) {
     AddDisks(3);
     adapter().config.InitRate = 50;
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     EXPECT_EQ(0, Initialise(0, id, Init::kBackground));
     At(1000);
     EXPECT_EQ("200 1.55 0", TakeEvents().back());
@@ -47,7 +47,7 @@ TEST_F(Initialisation, InTheBackgroundGoesAtTheRateThatIsSet) {
 TEST_F(Initialisation, AtARateOfZeroGoesAsAtOne) {
     AddDisks(3);
     adapter().config.InitRate = 0;
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     EXPECT_EQ(0, Initialise(0, id, Init::kBackground));
     At(100000);
     EXPECT_EQ("10000 1.55 0", TakeEvents().back());
@@ -55,8 +55,8 @@ TEST_F(Initialisation, AtARateOfZeroGoesAsAtOne) {
 
 TEST_F(Initialisation, ThatIsQuickTakesFiveSecondsWhateverTheSize) {
     AddDisks(3);
-    const HX_U16 small = AddVirtualDisk(0, {0}, 0, 128);
-    const HX_U16 large = AddVirtualDisk(0, {1}, 0, 2 * kHundredSeconds);
+    const HX_U16 small = AddVirtualDisk(Level::kRaid0, {0}, 0, 128);
+    const HX_U16 large = AddVirtualDisk(Level::kRaid0, {1}, 0, 2 * kHundredSeconds);
     EXPECT_EQ(0, Initialise(0, small, Init::kQuick));
     EXPECT_EQ(0, Initialise(0, large, Init::kQuick));
     At(1000);
@@ -68,7 +68,7 @@ TEST_F(Initialisation, ThatIsQuickTakesFiveSecondsWhateverTheSize) {
 
 TEST_F(Initialisation, IsRefusedWithAReason) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     EXPECT_EQ(Status::kNoVirtualDisk, Initialise(0, 7, Init::kQuick));
     EXPECT_EQ(Status::kBadAction, Initialise(0, id, Init::kNone));
     EXPECT_EQ(0, Initialise(0, id, Init::kQuick));
@@ -79,7 +79,7 @@ TEST_F(Initialisation, IsRefusedWithAReason) {
 
 TEST_F(Initialisation, InTheBackgroundEndsForARebuild) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Initialise(0, id, Init::kBackground);
     Fail(10, 0);
@@ -89,7 +89,7 @@ TEST_F(Initialisation, InTheBackgroundEndsForARebuild) {
 
 TEST_F(Initialisation, InTheForegroundKeepsARebuildWaiting) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Initialise(0, id, Init::kForeground);
     Fail(90, 0);
@@ -100,7 +100,7 @@ TEST_F(Initialisation, InTheForegroundKeepsARebuildWaiting) {
 
 TEST_F(Initialisation, FailsWithItsVirtualDisk) {
     AddDisks(1);
-    const HX_U16 id = AddVirtualDisk(0, {0});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid0, {0});
     Initialise(0, id, Init::kBackground);
     Fail(10, 0);
     EXPECT_THAT(TakeEvents(), ElementsAre("0 1.50 0", "10 2.2 0", "10 1.0 0", "10 1.57 0"));
@@ -108,7 +108,7 @@ TEST_F(Initialisation, FailsWithItsVirtualDisk) {
 
 TEST_F(ControlledActivity, PausedStandsStillAndGoesOnWhereItWasOverAReload) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     Initialise(0, id, Init::kForeground);
     EXPECT_EQ(0, Steer(30, id, ControlAction::kPause));
     EXPECT_EQ(ActivityState::kPaused, activity(id)->state);
@@ -124,7 +124,7 @@ TEST_F(ControlledActivity, PausedStandsStillAndGoesOnWhereItWasOverAReload) {
 
 TEST_F(ControlledActivity, AbortedEndsWithoutItsEffect) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     Initialise(0, id, Init::kForeground);
     EXPECT_EQ(0, Steer(10, id, ControlAction::kAbort));
     At(1000);
@@ -134,11 +134,11 @@ TEST_F(ControlledActivity, AbortedEndsWithoutItsEffect) {
 
 TEST_F(ControlledActivity, CannotBeControlledInVain) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     EXPECT_EQ(Status::kNoActivity, Steer(0, id, ControlAction::kPause));
     Initialise(0, id, Init::kForeground);
-    EXPECT_EQ(Status::kBadAction, Steer(1, id, 0));
-    EXPECT_EQ(Status::kBadAction, Steer(1, id, 4));
+    EXPECT_EQ(Status::kBadAction, Steer(1, id, static_cast<ControlAction>(0)));
+    EXPECT_EQ(Status::kBadAction, Steer(1, id, static_cast<ControlAction>(4)));
     EXPECT_EQ(Status::kNoChange, Steer(1, id, ControlAction::kResume));
     Steer(2, id, ControlAction::kPause);
     EXPECT_EQ(Status::kNoChange, Steer(3, id, ControlAction::kPause));
@@ -146,8 +146,8 @@ TEST_F(ControlledActivity, CannotBeControlledInVain) {
 
 TEST_F(ControlledActivity, OfEveryVirtualDiskIsPausedAtOnce) {
     AddDisks(4);
-    const HX_U16 first = AddVirtualDisk(0, {0});
-    const HX_U16 second = AddVirtualDisk(0, {1});
+    const HX_U16 first = AddVirtualDisk(Level::kRaid0, {0});
+    const HX_U16 second = AddVirtualDisk(Level::kRaid0, {1});
     Initialise(0, first, Init::kForeground);
     Initialise(0, second, Init::kForeground);
     Patrol(0, 3);
@@ -161,12 +161,12 @@ TEST_F(ControlledActivity, OfEveryVirtualDiskIsPausedAtOnce) {
 
 TEST_F(ControlledActivity, OfAllVirtualDisksOfADiskGroupIsControlledByTheGroup) {
     AddDisks(4);
-    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
     const HX_U16 first = AddVirtualDiskTo(group);
     const HX_U16 second = AddVirtualDiskTo(group, kHundredSeconds / 2);
     SetGlobalSpare(3);
     const auto pause = [&](Adapter& adapter, Time now) {
-        return ControlGroup(adapter, now, group, ControlAction::kPause);
+        return ControlGroup(adapter, now, group, NumberOf(ControlAction::kPause));
     };
     EXPECT_EQ(Status::kNoActivity, Call(0, pause));
     Fail(0, 1);
@@ -178,7 +178,7 @@ TEST_F(ControlledActivity, OfAllVirtualDisksOfADiskGroupIsControlledByTheGroup) 
 
 TEST_F(RebuildByHand, TakesTheDiskThatIsNamed) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     adapter().config.AutoRebuildOn = 0;
     Fail(0, 1);
     EXPECT_EQ(0, Rebuild(10, id, {3}));
@@ -193,7 +193,7 @@ TEST_F(RebuildByHand, TakesTheDiskThatIsNamed) {
 
 TEST_F(RebuildByHand, StartsAnAbortedOneAgainWhichDoesNotStartByItself) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Fail(0, 1);
     Steer(10, id, ControlAction::kAbort);
@@ -208,8 +208,8 @@ TEST_F(RebuildByHand, StartsAnAbortedOneAgainWhichDoesNotStartByItself) {
 
 TEST_F(RebuildByHand, IsRefusedWithAReason) {
     AddDisks(6);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
-    const HX_U16 plain = AddVirtualDisk(0, {3});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 plain = AddVirtualDisk(Level::kRaid0, {3});
     const HX_U16 small = AddDisk(kHundredSeconds - 1);
     adapter().config.AutoRebuildOn = 0;
     EXPECT_EQ(Status::kNoVirtualDisk, Rebuild(0, 9, {4}));
@@ -231,9 +231,9 @@ TEST_F(RebuildByHand, IsRefusedWithAReason) {
 
 TEST_F(RebuildByHand, OfADiskGroupTakesAWholeDisk) {
     AddDisks(5);
-    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
     const HX_U16 id = AddVirtualDiskTo(group);
-    AddVirtualDisk(0, {3}, 0, 1000);
+    AddVirtualDisk(Level::kRaid0, {3}, 0, 1000);
     adapter().config.AutoRebuildOn = 0;
     EXPECT_EQ(Status::kNoDiskGroup, RebuildGroup(0, 7, {4}));
     EXPECT_EQ(Status::kWrongState, RebuildGroup(0, group, {4}));

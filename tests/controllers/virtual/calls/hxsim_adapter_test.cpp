@@ -19,13 +19,13 @@ using testing::IsEmpty;
 
 class AdapterSettings : public MixedMachineTest {
 protected:
-    HX_U8 Set(const std::function<void(Adapter_Config_V2& config)>& change) {
+    Status Set(const std::function<void(Adapter_Config_V2& config)>& change) {
         Adapter_Config_V2 config = adapter().config;
         change(config);
         return SetAdapter(adapter(), kNow, config);
     }
 
-    void ExpectRefusal(HX_U8 code, const std::function<void(Adapter_Config_V2& config)>& change) {
+    void ExpectRefusal(Status code, const std::function<void(Adapter_Config_V2& config)>& change) {
         const std::string before = Everything();
         ExpectRefused(code, Set(change), before);
     }

@@ -22,9 +22,10 @@ class DiskChange : public MixedMachineTest {
 protected:
     HX_U8 StatusOf(HX_U16 id) { return DiskRoles(adapter()).Of(disk(id)).status; }
     HX_U16 Serves(HX_U16 id) { return DiskRoles(adapter()).Of(disk(id)).serves; }
-    HX_U8 Set(HX_U16 id, HX_U8 action) { return SetDiskState(adapter(), kNow, id, action); }
-    HX_U8 Wipe(HX_U16 id, bool force) { return WipeDisk(adapter(), kNow, id, force); }
-    HX_U8 Configure(HX_U16 id, HX_BOOLEAN cache, HX_BOOLEAN smart, HX_BOOLEAN online) {
+    Status Set(HX_U16 id, HX_U8 action) { return SetDiskState(adapter(), kNow, id, action); }
+    Status Set(HX_U16 id, DiskAction action) { return Set(id, NumberOf(action)); }
+    Status Wipe(HX_U16 id, bool force) { return WipeDisk(adapter(), kNow, id, force); }
+    Status Configure(HX_U16 id, HX_BOOLEAN cache, HX_BOOLEAN smart, HX_BOOLEAN online) {
         HD_Config config{};
         config.WriteCacheOn = cache;
         config.SMARTOn = smart;
@@ -96,7 +97,7 @@ TEST_F(DiskChange, IsNotSwitchedWhileItCannotAnswer) {
     disk(1).failed = true;
     disk(6).foreign = true;
     const std::string before = Everything();
-    for (const HX_U8 action : {HX_U8{DiskAction::kOnline}, HX_U8{DiskAction::kOffline}}) {
+    for (const DiskAction action : {DiskAction::kOnline, DiskAction::kOffline}) {
         ExpectRefused(Status::kDiskNotReady, Set(0, action), before);
         ExpectRefused(Status::kDiskNotReady, Set(1, action), before);
         ExpectRefused(Status::kDiskNotReady, Set(6, action), before);
@@ -107,9 +108,9 @@ TEST_F(DiskChange, IsNotSwitchedWhileItCannotAnswer) {
 
 TEST_F(DiskChange, KnowsNoOtherStates) {
     const std::string before = Everything();
-    ExpectRefused(Status::kBadAction, Set(6, 0), before);
-    ExpectRefused(Status::kBadAction, Set(6, 4), before);
-    ExpectRefused(Status::kBadAction, Set(6, 255), before);
+    ExpectRefused(Status::kBadAction, Set(6, HX_U8{0}), before);
+    ExpectRefused(Status::kBadAction, Set(6, HX_U8{4}), before);
+    ExpectRefused(Status::kBadAction, Set(6, HX_U8{255}), before);
 }
 
 TEST_F(DiskChange, FailedDiskIsSetFreeWithNothingOnIt) {

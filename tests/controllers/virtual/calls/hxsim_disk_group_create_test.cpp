@@ -63,7 +63,7 @@ TEST_F(NewDiskGroup, TakesTheWriteCachesOfItsDisksAway) {
 
 struct RefusedCase {
     const char* name;
-    HX_U8 status;
+    Status status;
     HX_U8 level;
     Ids disks;
     void (*change)(CreateOrModify_DG_Param&, Adapter&) = [](CreateOrModify_DG_Param&, Adapter&) {};
@@ -141,7 +141,7 @@ class RefusedDiskGroup : public NewDiskGroup, public testing::WithParamInterface
 TEST_P(RefusedDiskGroup, ChangesNothing) {
     CreateOrModify_DG_Param param = GroupOn(HX_NEW_ID, GetParam().level, GetParam().disks);
     GetParam().change(param, adapter());
-    EXPECT_EQ(int{GetParam().status}, Refusal(param));
+    EXPECT_EQ(GetParam().status, Refusal(param));
 }
 
 std::string RefusedName(const testing::TestParamInfo<RefusedCase>& info) { return info.param.name; }

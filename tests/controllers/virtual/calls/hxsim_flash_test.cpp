@@ -40,9 +40,9 @@ protected:
         return piece;
     }
 
-    HX_U8 Erase(HX_U8 type) { return EraseImage(adapter(), kNow, type); }
+    Status Erase(HX_U8 type) { return EraseImage(adapter(), kNow, type); }
 
-    HX_U8 Write(HX_U8 type, HX_U16 number, const std::string& bytes, bool last) {
+    Status Write(HX_U8 type, HX_U16 number, const std::string& bytes, bool last) {
         return WritePiece(adapter(), kNow, type, *Piece(number, bytes, last));
     }
 
@@ -54,10 +54,10 @@ protected:
         }
     }
 
-    HX_U8 Read(HX_U8 type, HX_U16 number, std::string& image) {
+    Status Read(HX_U8 type, HX_U16 number, std::string& image) {
         const auto piece = Piece(number, "", false);
-        const HX_U8 status = ReadPiece(adapter(), type, *piece);
-        if (status == HX_SUCCESS) {
+        const Status status = ReadPiece(adapter(), type, *piece);
+        if (status == Status::kSuccess) {
             image.append(reinterpret_cast<const char*>(piece->Data), piece->DataLength);
         }
         return status;
@@ -65,7 +65,7 @@ protected:
 
     std::string ReadAll(HX_U8 type) {
         std::string image;
-        for (HX_U16 number = 0; Read(type, number, image) == HX_SUCCESS;) ++number;
+        for (HX_U16 number = 0; Read(type, number, image) == Status::kSuccess;) ++number;
         return image;
     }
 };
@@ -88,7 +88,7 @@ TEST_F(Flash, ErasesOnlyImagesThatThereAre) {
     const std::string before = Everything();
     ExpectRefused(Status::kBadAction, Erase(0), before);
     ExpectRefused(Status::kBadAction, Erase(77), before);
-    ExpectRefused(Status::kNoImage, Erase(Image::kAutoload), before);
+    ExpectRefused(Status::kNoImage, Erase(NumberOf(Image::kAutoload)), before);
 }
 
 // ---- Writing ----
@@ -207,9 +207,9 @@ TEST_F(Flash, TakesWholePiecesBeforeTheLast) {
 
 TEST_F(Flash, HasNoImageThatIsErasedOrNeverWasThere) {
     std::string read;
-    EXPECT_EQ(Status::kNoImage, Read(Image::kAutoload, 0, read));
+    EXPECT_EQ(Status::kNoImage, Read(NumberOf(Image::kAutoload), 0, read));
     EXPECT_EQ(Status::kNoImage, Read(kFirmware, 0, read));  // there, and nobody can read it
-    EXPECT_EQ(Status::kNoImage, Write(Image::kAutoload, 0, "x", true));
+    EXPECT_EQ(Status::kNoImage, Write(NumberOf(Image::kAutoload), 0, "x", true));
     ASSERT_EQ(0, Erase(kBios));
     EXPECT_EQ(Status::kNoImage, Read(kBios, 0, read));
     ASSERT_EQ(0, Write(kBios, 0, std::string(32768, 'x'), false));

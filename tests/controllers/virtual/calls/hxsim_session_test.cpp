@@ -50,7 +50,7 @@ protected:
         return HX_Adapter_GetInfo(adapter, &count, &info);
     }
 
-    static HX_U8 Work(HX_U8 status) {
+    static HX_U8 Work(Status status) {
         return Change("HX_Work", 0, [&](Adapter& adapter, Time) {
             adapter.disks[11].locate_light = true;
             return status;
@@ -97,7 +97,7 @@ TEST_F(Session, RefusesCallsWhenTheStateFileHasBecomeUnusable) {
         return true;
     });
     EXPECT_EQ(GetInfo(), Status::kNoState);
-    EXPECT_EQ(Work(HX_SUCCESS), Status::kNoState);
+    EXPECT_EQ(Work(Status::kSuccess), Status::kNoState);
     EXPECT_EQ(HX_Adapter_GetCount(), 0);
 }
 
@@ -110,7 +110,7 @@ TEST_F(Session, KnowsItsAdapters) {
 
 TEST_F(Session, SavesWhatASuccessfulCallChanges) {
     OpenWith({});
-    EXPECT_EQ(Work(HX_SUCCESS), HX_SUCCESS);
+    EXPECT_EQ(Work(Status::kSuccess), HX_SUCCESS);
     EXPECT_TRUE(HasWorked());
 }
 
@@ -125,24 +125,24 @@ TEST_F(Session, SavesNothingOfARefusedCall) {
 TEST_F(Session, CatchesWhatIsThrownAndSavesNothingOfIt) {
     OpenWith({});
     EXPECT_EQ(Change("HX_Work", 0,
-                     [](Adapter& adapter, Time) -> HX_U8 {
+                     [](Adapter& adapter, Time) -> Status {
                          adapter.disks[11].locate_light = true;
                          throw std::bad_alloc();
                      }),
               Status::kNoMemory);
-    EXPECT_EQ(
-        Look("HX_Work", 0, [](const Adapter&, Time) -> HX_U8 { throw std::logic_error("broken"); }),
-        Status::kNoState);
+    EXPECT_EQ(Look("HX_Work", 0,
+                   [](const Adapter&, Time) -> Status { throw std::logic_error("broken"); }),
+              Status::kNoState);
     EXPECT_FALSE(HasWorked());
 }
 
 TEST_F(Session, DrawsWhatFollowsFromAChange) {
     OpenWith({});
     EXPECT_EQ(Change("HX_Work", 0,
-                     [](Adapter& adapter, Time) -> HX_U8 {
+                     [](Adapter& adapter, Time) -> Status {
                          adapter.config.AutoRebuildOn = 0;
                          adapter.disks[0].failed = true;
-                         return HX_SUCCESS;
+                         return Status::kSuccess;
                      }),
               HX_SUCCESS);
     EXPECT_EQ(Store(File(), DefaultMachine).Current().adapters[0].virtual_disks[0].state,
@@ -151,7 +151,7 @@ TEST_F(Session, DrawsWhatFollowsFromAChange) {
 
 TEST_F(Session, GoesOnInAForkedChild) {
     OpenWith({});
-    EXPECT_EQ(InChild([&] { return Work(HX_SUCCESS); }), HX_SUCCESS);
+    EXPECT_EQ(InChild([&] { return Work(Status::kSuccess); }), HX_SUCCESS);
     EXPECT_TRUE(HasWorked());
     EXPECT_EQ(GetInfo(), HX_SUCCESS);
 }
@@ -159,16 +159,16 @@ TEST_F(Session, GoesOnInAForkedChild) {
 TEST_F(Session, KeepsAMachineInMemoryUntilItIsClosed) {
     setenv("HXSIM_STATE", ":memory:", 1);
     EXPECT_EQ(HX_API_Initialize(), HX_SUCCESS);
-    EXPECT_EQ(Work(HX_SUCCESS), HX_SUCCESS);
+    EXPECT_EQ(Work(Status::kSuccess), HX_SUCCESS);
     const auto located = [] {
         return Look("HX_Work", 0, [](const Adapter& adapter, Time) {
-            return static_cast<HX_U8>(adapter.disks[11].locate_light ? 1 : 2);
+            return adapter.disks[11].locate_light ? Status::kSuccess : Status::kNoLight;
         });
     };
-    EXPECT_EQ(located(), 1);
+    EXPECT_EQ(located(), Status::kSuccess);
     HX_API_Finalize();
     EXPECT_EQ(HX_API_Initialize(), HX_SUCCESS);
-    EXPECT_EQ(located(), 2);
+    EXPECT_EQ(located(), Status::kNoLight);
 }
 
 // ---- Faults ----
@@ -199,7 +199,7 @@ TEST_F(Session, MeetsAFaultForEver) {
 TEST_F(Session, MeetsAFaultOfEveryCallInEachOfThem) {
     OpenWith({{.id = 1, .call = "", .code = 9}});
     EXPECT_EQ(GetInfo(), 9);
-    EXPECT_EQ(Work(HX_SUCCESS), 9);
+    EXPECT_EQ(Work(Status::kSuccess), 9);
     EXPECT_FALSE(HasWorked());
 }
 
@@ -243,12 +243,13 @@ TEST_F(Session, AnswersAsBrokenFirmwareWhenItTakesEvents) {
 TEST_F(Session, IsHostileForTheCallThatIsHit) {
     OpenWith({{.id = 1, .call = "HX_Work", .times = 1, .hostile = true}});
     const auto hostile = [] {
-        return Look("HX_Work", 0,
-                    [](const Adapter&, Time) { return static_cast<HX_U8>(IsHostile() ? 1 : 2); });
+        return Look("HX_Work", 0, [](const Adapter&, Time) {
+            return IsHostile() ? Status::kSuccess : Status::kNoChange;
+        });
     };
     EXPECT_FALSE(IsHostile());
-    EXPECT_EQ(hostile(), 1);
-    EXPECT_EQ(hostile(), 2);
+    EXPECT_EQ(hostile(), Status::kSuccess);
+    EXPECT_EQ(hostile(), Status::kNoChange);
 }
 
 }  // namespace

@@ -81,7 +81,7 @@ TEST_F(VirtualDiskChange, TakesTheMasterBootRecordsWithIt) {
 
 TEST_F(VirtualDiskChange, AbortsWhatGoesOnWhenItIsDeleted) {
     Create_LD_Param param = WantedOn(0x05, {0, 1, 2});
-    param.InitializationOption = Init::kForeground;
+    param.InitializationOption = NumberOf(Init::kForeground);
     Made(param);
     adapter().events.clear();
     EXPECT_EQ(HX_SUCCESS, DeleteVirtualDisk(adapter(), kNow, 0, false));

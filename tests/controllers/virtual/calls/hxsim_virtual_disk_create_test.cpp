@@ -7,6 +7,7 @@
 #include <cstring>
 #include <ostream>
 #include <string>
+#include <utility>
 
 #include "calls/hxsim_virtual_disk_change.h"
 #include "controllers/virtual/support/array_test.h"
@@ -93,7 +94,7 @@ TEST_F(NewVirtualDisk, IsRoundedDownToGibibytes) {
     // 5000000 sectors are 2.38 GiB; two of them are 4194304 sectors, 32768 stripes of 64 KiB.
     AddDisk(20, 5000000);
     Create_LD_Param param = WantedOn(0x00, {20});
-    param.RoundingScheme = Rounding::kTo1GiB;
+    param.RoundingScheme = NumberOf(Rounding::kTo1GiB);
     EXPECT_EQ(4194304u, Made(param).Size.value);
     EXPECT_EQ("vd0.0 0+4194304, free 4194304+805696", BlocksOn(20));
 }
@@ -101,17 +102,17 @@ TEST_F(NewVirtualDisk, IsRoundedDownToGibibytes) {
 TEST_F(NewVirtualDisk, RoundsWhatIsAskedForDownAsWell) {
     AddDisk(20, 5000000);
     Create_LD_Param param = WantedOn(0x00, {20}, 3000000);  // 1.43 GiB
-    param.RoundingScheme = Rounding::kTo1GiB;
+    param.RoundingScheme = NumberOf(Rounding::kTo1GiB);
     EXPECT_EQ(2097152u, Made(param).Size.value);
 }
 
 TEST_F(NewVirtualDisk, OfLessThanItIsRoundedToIsRefused) {
     AddDisk(20, 5000000);
     Create_LD_Param param = WantedOn(0x00, {20}, 2000000);
-    param.RoundingScheme = Rounding::kTo1GiB;
+    param.RoundingScheme = NumberOf(Rounding::kTo1GiB);
     EXPECT_EQ(Status::kBadValue, Refusal(param));
     param.Size.value = 0;
-    param.RoundingScheme = Rounding::kTo10GiB;
+    param.RoundingScheme = NumberOf(Rounding::kTo10GiB);
     EXPECT_EQ(Status::kNoSpace, Refusal(param));
 }
 
@@ -162,12 +163,13 @@ TEST_F(NewVirtualDisk, HasTheFirstFreeNumber) {
 }
 
 TEST_F(NewVirtualDisk, IsInitialisedAsAskedFor) {
-    const HX_U8 kinds[][2] = {{Init::kQuick, ActivityKind::kInitQuick},
-                              {Init::kForeground, ActivityKind::kInitForeground},
-                              {Init::kBackground, ActivityKind::kInitBackground}};
+    const std::pair<Init, ActivityKind> kinds[] = {
+        {Init::kQuick, ActivityKind::kInitQuick},
+        {Init::kForeground, ActivityKind::kInitForeground},
+        {Init::kBackground, ActivityKind::kInitBackground}};
     for (const auto& [option, kind] : kinds) {
         Create_LD_Param param = WantedOn(0x05, {0, 1, 2}, 25600);
-        param.InitializationOption = option;
+        param.InitializationOption = NumberOf(option);
         const HX_U16 id = Made(param).LDID;
         const Activity* const init = ActivityOf(adapter(), Owner::kVirtualDisk, id);
         ASSERT_NE(nullptr, init);
@@ -207,8 +209,8 @@ TEST_P(QuickVirtualDisk, IsMade) {
     for (HX_U16 id = 0; id < GetParam().disks; ++id) disks.push_back(id);
     Create_LD_Param param = WantedOn(GetParam().level, disks);
     param.StripeBlockSize = 64;
-    param.CachePolicy = CacheBit::kReadAhead;
-    param.InitializationOption = Init::kQuick;
+    param.CachePolicy = NumberOf(CacheBit::kReadAhead);
+    param.InitializationOption = NumberOf(Init::kQuick);
     param.NumParityDisk = GetParam().level == 0x60 ? 4 : 2;
     std::strcpy(param.Name, "NEW_VD");
     EXPECT_EQ(GetParam().sectors, Made(param).Size.value);
@@ -223,7 +225,7 @@ INSTANTIATE_TEST_SUITE_P(Of, QuickVirtualDisk, testing::ValuesIn(kQuick), QuickN
 
 struct RefusedCase {
     const char* name;
-    HX_U8 status;
+    Status status;
     HX_U8 level;
     Ids disks;
     void (*change)(Create_LD_Param&, Adapter&) = [](Create_LD_Param&, Adapter&) {};
@@ -338,7 +340,7 @@ class RefusedVirtualDisk : public NewVirtualDisk, public testing::WithParamInter
 TEST_P(RefusedVirtualDisk, ChangesNothing) {
     Create_LD_Param param = WantedOn(GetParam().level, GetParam().disks);
     GetParam().change(param, adapter());
-    EXPECT_EQ(int{GetParam().status}, Refusal(param));
+    EXPECT_EQ(GetParam().status, Refusal(param));
 }
 
 std::string RefusedName(const testing::TestParamInfo<RefusedCase>& info) { return info.param.name; }
@@ -352,7 +354,7 @@ TEST_F(NewVirtualDisk, IsNotMadeOfLessThanAStripe) {
 
 TEST_F(NewVirtualDisk, IsNotMadeOnDisksOfADiskGroup) {
     adapter().disk_groups.push_back({});
-    adapter().disk_groups[0].level = 0x01;
+    adapter().disk_groups[0].level = Level::kRaid1;
     adapter().disk_groups[0].width = 2;
     adapter().homes = {{Owner::kDiskGroup, 0, 0, 3, 3}, {Owner::kDiskGroup, 0, 1, 4, 4}};
     EXPECT_EQ(Status::kDiskTaken, Refusal(WantedOn(0x00, {2, 3})));

@@ -56,7 +56,7 @@ TEST_F(VirtualDiskRecord, HasNoBlockWhereADiskIsLost) {
 
 TEST_F(VirtualDiskRecord, TellsWhatItIsDoing) {
     Create_LD_Param param = WantedOn(0x00, {0}, 409600);
-    param.InitializationOption = Init::kBackground;
+    param.InitializationOption = NumberOf(Init::kBackground);
     Made(param);  // 204800 sectors a second
     const LD_Status status = DescribeStatus(adapter(), virtual_disk(0), kNow + 500);
     EXPECT_EQ(ActivityKind::kInitBackground, status.Bga);

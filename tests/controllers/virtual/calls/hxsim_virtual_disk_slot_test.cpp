@@ -29,7 +29,7 @@ TEST_F(SlotOfADiskGroup, HoldVirtualDisksOfTheGroupsLevel) {
     std::memcpy(param.Name, "SIXTEEN LETTERS!", 16);
     param.CachePolicy = 0x05;
     param.SectorCoefficient = 4;
-    param.InitializationOption = Init::kBackground;
+    param.InitializationOption = NumberOf(Init::kBackground);
     EXPECT_EQ(1024u, Made(param).Size.value);  // eight stripes of 128 sectors
     const VirtualDisk& made = virtual_disk(0);
     EXPECT_EQ("SIXTEEN LETTERS!", made.name);
@@ -75,7 +75,7 @@ Disk& DiskIn(Adapter& adapter, HX_U16 id) { return *Find(adapter.disks, id); }
 
 struct RefusedSlotCase {
     const char* name;
-    HX_U8 status;
+    Status status;
     void (*change)(CreateOrModify_VD_Param&, Adapter&);
 };
 void PrintTo(const RefusedSlotCase& each, std::ostream* out) { *out << each.name; }
@@ -113,7 +113,7 @@ TEST_P(RefusedSlot, ChangesNothing) {
     Made(InSlot(0, 0x05, 0, 1024));
     CreateOrModify_VD_Param param = InSlot(0, 0x05, 1, 1024);
     GetParam().change(param, adapter());
-    EXPECT_EQ(int{GetParam().status}, Refusal(param));
+    EXPECT_EQ(GetParam().status, Refusal(param));
 }
 
 std::string SlotName(const testing::TestParamInfo<RefusedSlotCase>& info) {
@@ -159,7 +159,7 @@ TEST_F(SlotOfADiskGroup, DoNotLetThemGrowOverOthers) {
 
 TEST_F(SlotOfADiskGroup, DoNotLetThemGrowWhileSomethingGoesOn) {
     CreateOrModify_VD_Param param = InSlot(0, 0x05, 0, 1024);
-    param.InitializationOption = Init::kBackground;
+    param.InitializationOption = NumberOf(Init::kBackground);
     Made(param);
     EXPECT_EQ(Status::kBusy, Refusal(Change(0, 2048)));
 }

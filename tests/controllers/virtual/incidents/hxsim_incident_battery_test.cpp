@@ -32,7 +32,7 @@ protected:
 };
 
 TEST_F(BatteryIncident, LeavesTheCacheUnprotectedWhenItIsRemoved) {
-    ASSERT_EQ(0, ChangePower(adapter(), kNow, Power::kDischarge));
+    ASSERT_EQ(0, ChangePower(adapter(), kNow, NumberOf(Power::kDischarge)));
     ASSERT_TRUE(RemoveBattery(adapter(), kNow));
     EXPECT_TRUE(ForcesWriteThrough(adapter()));
     EXPECT_EQ(kNever, NextTransition(battery()));

@@ -18,11 +18,11 @@ using testing::IsEmpty;
 
 class EnclosureIncident : public MixedMachineTest {
 protected:
-    HX_U8 SetCelsius(int celsius) {
+    ElementStatus SetCelsius(int celsius) {
         EXPECT_TRUE(SetTemperature(adapter(), kNow, 0, kSensor, celsius));
         return element(kSensor).status;
     }
-    HX_U8 SetSpeed(HX_U16 rpm) {
+    ElementStatus SetSpeed(HX_U16 rpm) {
         EXPECT_TRUE(SetFanSpeed(adapter(), kNow, 0, kFan, rpm));
         return element(kFan).status;
     }

@@ -45,7 +45,7 @@ TEST_F(PowerCut, RestartsWhatRanWhereItWas) {
 }
 
 TEST_F(PowerCut, LosesWhatIsCachedWithoutABattery) {
-    virtual_disk(0).cache = CacheBit::kWriteBack;
+    virtual_disk(0).cache = NumberOf(CacheBit::kWriteBack);
     adapter().batteries.clear();
     CutPower(adapter(), kNow);
     EXPECT_EQ(1u, virtual_disk(0).errors);
@@ -53,7 +53,7 @@ TEST_F(PowerCut, LosesWhatIsCachedWithoutABattery) {
 }
 
 TEST_F(PowerCut, LosesNothingOfWhatIsNotWrittenAnyMore) {
-    virtual_disk(0).cache = CacheBit::kWriteBack;
+    virtual_disk(0).cache = NumberOf(CacheBit::kWriteBack);
     adapter().batteries.clear();
     disk(0).present = disk(1).present = false;
     Settle(adapter(), kNow);
@@ -63,7 +63,7 @@ TEST_F(PowerCut, LosesNothingOfWhatIsNotWrittenAnyMore) {
 }
 
 TEST_F(PowerCut, LosesNothingThatABatteryKeepsOrForbids) {
-    virtual_disk(0).cache = CacheBit::kWriteBack;
+    virtual_disk(0).cache = NumberOf(CacheBit::kWriteBack);
     CutPower(adapter(), kNow);
     EXPECT_EQ(0u, virtual_disk(0).errors);
     ASSERT_TRUE(RemoveBattery(adapter(), kNow));

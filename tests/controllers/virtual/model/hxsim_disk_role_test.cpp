@@ -76,7 +76,7 @@ using DiskInUse = StoryTest;
 
 TEST_F(DiskInUse, IsConfiguredWhenItServesADiskGroupWithoutVirtualDisks) {
     AddDisks(4);
-    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
     EXPECT_TRUE(IsConfigured(adapter(), 1));
     EXPECT_FALSE(IsConfigured(adapter(), 3));
     EXPECT_EQ(&adapter().disk_groups[group], GroupOf(adapter(), 2));
@@ -85,7 +85,7 @@ TEST_F(DiskInUse, IsConfiguredWhenItServesADiskGroupWithoutVirtualDisks) {
 
 TEST_F(DiskInUse, ServesTheDiskGroupThatItIsWrittenFor) {
     AddDisks(4);
-    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
     const HX_U16 id = AddVirtualDiskTo(group);
     Cut(adapter(), 3, 0, kHundredSeconds, id, 1).target = true;
     EXPECT_EQ(&adapter().disk_groups[group], GroupOf(adapter(), 3));
@@ -94,7 +94,7 @@ TEST_F(DiskInUse, ServesTheDiskGroupThatItIsWrittenFor) {
 
 TEST_F(DiskInUse, IsFreeWhenItIsReadyAndNeitherConfiguredNorASpare) {
     AddDisks(4);
-    AddVirtualDisk(0, {0});
+    AddVirtualDisk(Level::kRaid0, {0});
     SetGlobalSpare(1);
     disk(2).offline = true;
     EXPECT_FALSE(IsFree(adapter(), disk(0)));

@@ -81,8 +81,8 @@ Machine Sound() {
         disk.slot = disk.id;
     }
     adapter.next_event = 1;
-    Queue(adapter, TestMachine::kNow, kDiskOnline, 0);
-    Queue(adapter, TestMachine::kNow, kDiskOnline, 1);
+    Queue(adapter, TestMachine::kNow, EventKind::kDiskOnline, 0);
+    Queue(adapter, TestMachine::kNow, EventKind::kDiskOnline, 1);
     return machine.rows;
 }
 
@@ -276,7 +276,7 @@ const Broken kVirtualDisks[] = {
       "a0/pd3 serves a0/dg0 and carries a0/blk6 of a0/vd1.",
       "a0/pd4 serves a0/dg0 and carries a0/blk8 of a0/vd1."}},
     {"UnlikeItsGroup",
-     [](Machine&, Adapter& a) { a.virtual_disks[1].level = 0; },
+     [](Machine&, Adapter& a) { a.virtual_disks[1].level = Level::kRaid0; },
      {"a0/vd1 differs from a0/dg0 in level, legs or width."}},
     {"SlotOutside",
      [](Machine&, Adapter& a) { a.virtual_disks[1].slot = 32; },
@@ -292,10 +292,10 @@ const Broken kVirtualDisks[] = {
      },
      {"a0/vd2 lies in slot 0 of a0/dg0, where a0/vd1 lies."}},
     {"LevelOfSoManyDisks",
-     [](Machine&, Adapter& a) { a.virtual_disks[0].level = 0x50; },
+     [](Machine&, Adapter& a) { a.virtual_disks[0].level = Level::kRaid50; },
      {"a0/vd0 is raid50 of 3 disks, which that level cannot be made of."}},
     {"NoSuchLevel",
-     [](Machine&, Adapter& a) { a.virtual_disks[0].level = 0x77; },
+     [](Machine&, Adapter& a) { a.virtual_disks[0].level = static_cast<Level>(0x77); },
      {"a0/vd0 is code 119 of 3 disks, which that level cannot be made of."}},
     {"NoStripes",
      [](Machine&, Adapter& a) { a.virtual_disks[0].stripe_kib = 0; },
@@ -314,8 +314,8 @@ const Broken kGroupsAndHomes[] = {
      {"a0/dg0 has a name of 17 bytes; 16 fit."}},
     {"GroupLevel",
      [](Machine&, Adapter& a) {
-         a.disk_groups[0].level = 0x05;
-         a.virtual_disks[1].level = 0x05;
+         a.disk_groups[0].level = Level::kRaid5;
+         a.virtual_disks[1].level = Level::kRaid5;
      },
      {"a0/vd1 is raid5 of 2 disks, which that level cannot be made of.",
       "a0/dg0 is raid5 of 2 disks, which that level cannot be made of."}},
@@ -410,10 +410,10 @@ const Broken kTheRest[] = {
      [](Machine&, Adapter& a) { a.elements[1].number = 0; },
      {"a0/enc0/el0 stands behind a0/enc0/el0; elements are unique and ascend."}},
     {"ElementType",
-     [](Machine&, Adapter& a) { a.elements[1].type = 0x42; },
+     [](Machine&, Adapter& a) { a.elements[1].type = static_cast<ElementType>(0x42); },
      {"a0/enc0/el1 is of type 66, which is none."}},
     {"ElementStatus",
-     [](Machine&, Adapter& a) { a.elements[1].status = 9; },
+     [](Machine&, Adapter& a) { a.elements[1].status = static_cast<ElementStatus>(9); },
      {"a0/enc0/el1 has the status 9, which is none."}},
     {"TwoBatteries",
      [](Machine&, Adapter& a) { a.batteries.push_back(a.batteries[0]); },
@@ -440,7 +440,7 @@ const Broken kTheRest[] = {
      [](Machine&, Adapter& a) { a.batteries[0].info.temp_lowerbound = 61; },
      {"a0/bbu has a lowest temperature above its highest."}},
     {"ImageType",
-     [](Machine&, Adapter& a) { a.images[1].type = 9; },
+     [](Machine&, Adapter& a) { a.images[1].type = static_cast<Image>(9); },
      {"a0 has a flash image of type 9, which is none."}},
     {"ImageTwice",
      [](Machine&, Adapter& a) { a.images[1].type = Image::kBios; },

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "controllers/virtual/support/test_machine.h"
+#include "model/hxsim_codes.h"
 
 namespace hxsim {
 namespace {
@@ -19,12 +20,14 @@ Positions Lost(std::initializer_list<int> positions) {
 
 struct Loss {
     const char* name;
-    HX_U8 level, legs, width;
+    Level level;
+    HX_U8 legs, width;
     std::initializer_list<int> lost;
-    int state;
+    State state;
 };
 
-constexpr int kOptimal = 1, kPartially = 2, kDegraded = 4, kOffline = 5;
+constexpr auto kOptimal = State::kOptimal, kPartially = State::kPartiallyOptimal,
+               kDegraded = State::kDegraded, kOffline = State::kOffline;
 
 class StateOfAnArray : public testing::TestWithParam<Loss> {};
 
@@ -34,28 +37,28 @@ TEST_P(StateOfAnArray, FollowsFromWhatIsLost) {
 }
 
 const Loss kLosses[] = {
-    {"Raid0Whole", 0x00, 0, 3, {}, kOptimal},
-    {"Raid0WithoutOne", 0x00, 0, 3, {1}, kOffline},
-    {"Raid1Whole", 0x01, 0, 2, {}, kOptimal},
-    {"Raid1WithoutOne", 0x01, 0, 2, {0}, kDegraded},
-    {"Raid1WithoutBoth", 0x01, 0, 2, {0, 1}, kOffline},
-    {"Raid5WithoutOne", 0x05, 0, 4, {3}, kDegraded},
-    {"Raid5WithoutTwo", 0x05, 0, 4, {0, 3}, kOffline},
-    {"Raid6WithoutOne", 0x06, 0, 4, {3}, kPartially},
-    {"Raid6WithoutTwo", 0x06, 0, 4, {1, 3}, kDegraded},
-    {"Raid6WithoutThree", 0x06, 0, 4, {0, 1, 3}, kOffline},
-    {"Raid10WithoutOneOfEachMirror", 0x10, 0, 4, {0, 3}, kDegraded},
-    {"Raid10WithoutBothHalvesOfOneMirror", 0x10, 0, 4, {2, 3}, kOffline},
-    {"Raid10WithoutNeighboursOfTwoMirrors", 0x10, 0, 4, {1, 2}, kDegraded},
-    {"Raid1eWithoutOne", 0x11, 0, 5, {4}, kDegraded},
-    {"Raid1eWithoutTwoApart", 0x11, 0, 5, {0, 2}, kDegraded},
-    {"Raid1eWithoutNeighbours", 0x11, 0, 5, {1, 2}, kOffline},
-    {"Raid1eWithoutLastAndFirst", 0x11, 0, 5, {0, 4}, kOffline},
-    {"Raid50WithoutOneOfEachLeg", 0x50, 2, 6, {0, 5}, kDegraded},
-    {"Raid50WithoutTwoOfOneLeg", 0x50, 2, 6, {3, 5}, kOffline},
-    {"Raid60WithoutOneOfEachLeg", 0x60, 2, 8, {0, 7}, kPartially},
-    {"Raid60WithoutTwoOfOneLeg", 0x60, 2, 8, {0, 3}, kDegraded},
-    {"Raid60WithoutThreeOfOneLeg", 0x60, 2, 8, {4, 5, 6}, kOffline},
+    {"Raid0Whole", Level::kRaid0, 0, 3, {}, kOptimal},
+    {"Raid0WithoutOne", Level::kRaid0, 0, 3, {1}, kOffline},
+    {"Raid1Whole", Level::kRaid1, 0, 2, {}, kOptimal},
+    {"Raid1WithoutOne", Level::kRaid1, 0, 2, {0}, kDegraded},
+    {"Raid1WithoutBoth", Level::kRaid1, 0, 2, {0, 1}, kOffline},
+    {"Raid5WithoutOne", Level::kRaid5, 0, 4, {3}, kDegraded},
+    {"Raid5WithoutTwo", Level::kRaid5, 0, 4, {0, 3}, kOffline},
+    {"Raid6WithoutOne", Level::kRaid6, 0, 4, {3}, kPartially},
+    {"Raid6WithoutTwo", Level::kRaid6, 0, 4, {1, 3}, kDegraded},
+    {"Raid6WithoutThree", Level::kRaid6, 0, 4, {0, 1, 3}, kOffline},
+    {"Raid10WithoutOneOfEachMirror", Level::kRaid10, 0, 4, {0, 3}, kDegraded},
+    {"Raid10WithoutBothHalvesOfOneMirror", Level::kRaid10, 0, 4, {2, 3}, kOffline},
+    {"Raid10WithoutNeighboursOfTwoMirrors", Level::kRaid10, 0, 4, {1, 2}, kDegraded},
+    {"Raid1eWithoutOne", Level::kRaid1E, 0, 5, {4}, kDegraded},
+    {"Raid1eWithoutTwoApart", Level::kRaid1E, 0, 5, {0, 2}, kDegraded},
+    {"Raid1eWithoutNeighbours", Level::kRaid1E, 0, 5, {1, 2}, kOffline},
+    {"Raid1eWithoutLastAndFirst", Level::kRaid1E, 0, 5, {0, 4}, kOffline},
+    {"Raid50WithoutOneOfEachLeg", Level::kRaid50, 2, 6, {0, 5}, kDegraded},
+    {"Raid50WithoutTwoOfOneLeg", Level::kRaid50, 2, 6, {3, 5}, kOffline},
+    {"Raid60WithoutOneOfEachLeg", Level::kRaid60, 2, 8, {0, 7}, kPartially},
+    {"Raid60WithoutTwoOfOneLeg", Level::kRaid60, 2, 8, {0, 3}, kDegraded},
+    {"Raid60WithoutThreeOfOneLeg", Level::kRaid60, 2, 8, {4, 5, 6}, kOffline},
 };
 
 INSTANTIATE_TEST_SUITE_P(Levels, StateOfAnArray, testing::ValuesIn(kLosses),
@@ -66,7 +69,7 @@ using StateOfADiskGroup = StoryTest;
 
 TEST_F(StateOfAVirtualDisk, IsForeignWhateverItsDisksAre) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     virtual_disk(id).foreign = true;
     disk(0).present = false;
     EXPECT_EQ(6, StateOf(adapter(), virtual_disk(id)));
@@ -75,7 +78,7 @@ TEST_F(StateOfAVirtualDisk, IsForeignWhateverItsDisksAre) {
 
 TEST_F(StateOfADiskGroup, IsThatOfItsDisksWhileItHasNoVirtualDisk) {
     AddDisks(3);
-    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
     disk(1).failed = true;
     EXPECT_EQ(kDegraded, StateOf(adapter(), adapter().disk_groups[group]));
     Settle(adapter(), kNow);  // the rows above were changed behind its back
@@ -83,7 +86,7 @@ TEST_F(StateOfADiskGroup, IsThatOfItsDisksWhileItHasNoVirtualDisk) {
 
 TEST_F(StateOfADiskGroup, IsTheWorstOfItsVirtualDisks) {
     AddDisks(3);
-    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
     AddVirtualDiskTo(group);
     const HX_U16 second = AddVirtualDiskTo(group);
     block(second, 1)->state = hxcodes::State::kDegraded;

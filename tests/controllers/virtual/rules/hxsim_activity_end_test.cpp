@@ -24,7 +24,7 @@ using DataScrub = StoryTest;
 
 TEST_F(ConsistencyCheck, FindsWhatDisagrees) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     virtual_disk(id).errors = 3;
     EXPECT_EQ(0, CheckConsistency(0, id, CheckType::kOnly));
     At(99);
@@ -36,7 +36,7 @@ TEST_F(ConsistencyCheck, FindsWhatDisagrees) {
 
 TEST_F(ConsistencyCheck, ThatFixesLeavesNothingThatDisagrees) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     virtual_disk(id).errors = 3;
     EXPECT_EQ(0, CheckConsistency(0, id, CheckType::kAndFix));
     At(99);
@@ -48,7 +48,7 @@ TEST_F(ConsistencyCheck, ThatFixesLeavesNothingThatDisagrees) {
 
 TEST_F(ConsistencyCheck, SaysNothingWhenAllAgrees) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     EXPECT_EQ(0, CheckConsistency(0, id, CheckType::kOnly));
     At(99);
     TakeEvents();
@@ -58,10 +58,10 @@ TEST_F(ConsistencyCheck, SaysNothingWhenAllAgrees) {
 
 TEST_F(ConsistencyCheck, IsRefusedWithAReason) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
-    const HX_U16 plain = AddVirtualDisk(0, {3});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 plain = AddVirtualDisk(Level::kRaid0, {3});
     EXPECT_EQ(Status::kNoVirtualDisk, CheckConsistency(0, 7, CheckType::kOnly));
-    EXPECT_EQ(Status::kBadAction, CheckConsistency(0, id, 2));
+    EXPECT_EQ(Status::kBadAction, CheckConsistency(0, id, static_cast<CheckType>(2)));
     EXPECT_EQ(Status::kNotRedundant, CheckConsistency(0, plain, CheckType::kOnly));
     EXPECT_EQ(0, CheckConsistency(0, id, CheckType::kOnly));
     EXPECT_EQ(Status::kBusy, CheckConsistency(1, id, CheckType::kOnly));
@@ -71,7 +71,7 @@ TEST_F(ConsistencyCheck, IsRefusedWithAReason) {
 
 TEST_F(ConsistencyCheck, RemapsTheDamageThatItMeets) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     adapter().remaps.push_back({1, kHundredSeconds - 1, 1, kNotRemapped});
     adapter().remaps.push_back({1, kHundredSeconds, 1, kNotRemapped});
     EXPECT_EQ(0, CheckConsistency(0, id, CheckType::kOnly));
@@ -112,7 +112,7 @@ TEST_F(MediaPatrol, LeavesDamagedWhatTheDiskHasNoRoomFor) {
 
 TEST_F(MediaPatrol, MakesWayForARebuildAndGoesOnAfterIt) {
     AddDisks(4);
-    AddVirtualDisk(5, {0, 1, 2});
+    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     EXPECT_EQ(0, Patrol(0, 0));
     EXPECT_EQ(0, Patrol(0, 3));

@@ -29,7 +29,7 @@ TEST_F(NextTransitionOfAMachine, IsNeverWhenNothingRuns) {
 
 TEST_F(NextTransitionOfAMachine, IsTheFirstProgressOfWhatRuns) {
     AddDisks(1);
-    const HX_U16 id = AddVirtualDisk(0, {0});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid0, {0});
     Initialise(0, id, hxcodes::Init::kForeground);
     EXPECT_EQ(kStart + 20'000, NextTransition(rows));
     Steer(1, id, ControlAction::kPause);
@@ -39,11 +39,11 @@ TEST_F(NextTransitionOfAMachine, IsTheFirstProgressOfWhatRuns) {
 // A machine with something of everything.
 TestMachine Variety() {
     TestMachine machine(18, 3 * kHundredSeconds);
-    machine.AddVirtualDisk(5, {0, 1, 2});
-    machine.AddVirtualDisk(1, {1, 2}, 0, kHundredSeconds / 3);
-    machine.AddVirtualDisk(6, {3, 4, 5, 6});
-    machine.AddVirtualDisk(0x10, {7, 8, 9, 10}, 0, kHundredSeconds / 7);
-    const HX_U16 group = machine.AddGroup(5, {11, 12, 13});
+    machine.AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    machine.AddVirtualDisk(Level::kRaid1, {1, 2}, 0, kHundredSeconds / 3);
+    machine.AddVirtualDisk(Level::kRaid6, {3, 4, 5, 6});
+    machine.AddVirtualDisk(Level::kRaid10, {7, 8, 9, 10}, 0, kHundredSeconds / 7);
+    const HX_U16 group = machine.AddGroup(Level::kRaid5, {11, 12, 13});
     machine.AddVirtualDiskTo(group, kHundredSeconds / 2);
     machine.AddVirtualDiskTo(group, kHundredSeconds);
     machine.SetGlobalSpare(14);
@@ -59,7 +59,7 @@ TestMachine Variety() {
 void DoSomething(TestMachine& machine, Time second, std::mt19937& random) {
     const auto disk = static_cast<HX_U16>(random() % 18);
     const auto id = static_cast<HX_U16>(random() % 6);
-    const auto action = static_cast<HX_U8>(1 + random() % 3);
+    const auto action = static_cast<ControlAction>(1 + random() % 3);
     switch (random() % 18) {
         case 0:
             return machine.Fail(second, disk);
@@ -72,10 +72,10 @@ void DoSomething(TestMachine& machine, Time second, std::mt19937& random) {
         case 5:
             return machine.Replace(second, disk);
         case 6:
-            machine.Initialise(second, id, static_cast<HX_U8>(random() % 3));
+            machine.Initialise(second, id, static_cast<Init>(random() % 3));
             return;
         case 7:
-            machine.CheckConsistency(second, id, static_cast<HX_U8>(random() % 2));
+            machine.CheckConsistency(second, id, static_cast<CheckType>(random() % 2));
             return;
         case 8:
             machine.Patrol(second, disk);
@@ -100,7 +100,7 @@ void DoSomething(TestMachine& machine, Time second, std::mt19937& random) {
             return;
         case 14:
             machine.Call(second, [&](Adapter& adapter, Time now) {
-                return SetDiskState(adapter, now, disk, action);
+                return SetDiskState(adapter, now, disk, NumberOf(action));
             });
             return;
         case 15:
@@ -110,15 +110,15 @@ void DoSomething(TestMachine& machine, Time second, std::mt19937& random) {
             return;
         case 16:
             machine.Call(second, [&](Adapter& adapter, Time now) {
-                return ControlGroup(adapter, now, 0, action);
+                return ControlGroup(adapter, now, 0, NumberOf(action));
             });
             return;
         default:
-            machine.Call(second, [&](Adapter& adapter, Time now) -> HX_U8 {
+            machine.Call(second, [&](Adapter& adapter, Time now) {
                 adapter.config.RebuildRate = static_cast<HX_U8>(random() % 101);
                 adapter.config.CopyBack = static_cast<HX_U8>(random() % 4 != 0);
                 Reschedule(adapter, now);
-                return HX_SUCCESS;
+                return Status::kSuccess;
             });
             return;
     }

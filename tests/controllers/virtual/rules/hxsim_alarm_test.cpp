@@ -14,7 +14,7 @@ using Alarm = StoryTest;
 
 TEST_F(Alarm, StaysMutedWhenOneOfTwoLostDisksIsBack) {
     AddDisks(3);
-    AddVirtualDisk(5, {0, 1, 2});
+    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     PullOut(10, 0);
     PullOut(20, 1);
     adapter().muted = true;
@@ -25,7 +25,7 @@ TEST_F(Alarm, StaysMutedWhenOneOfTwoLostDisksIsBack) {
 
 TEST_F(Alarm, SoundsWhileAVirtualDiskIsDegraded) {
     AddDisks(4);
-    AddVirtualDisk(5, {0, 1, 2});
+    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Fail(0, 1);
     EXPECT_TRUE(adapter().alarm);
@@ -35,7 +35,7 @@ TEST_F(Alarm, SoundsWhileAVirtualDiskIsDegraded) {
 
 TEST_F(Alarm, OnceMutedIsSilentUntilTheNextCause) {
     AddDisks(3);
-    AddVirtualDisk(5, {0, 1, 2});
+    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     Fail(0, 1);
     adapter().muted = true;
     Settle(adapter(), At(10));
@@ -46,7 +46,7 @@ TEST_F(Alarm, OnceMutedIsSilentUntilTheNextCause) {
 
 TEST_F(Alarm, IsSilentWhenItIsOffOrNotThere) {
     AddDisks(3);
-    AddVirtualDisk(5, {0, 1, 2});
+    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     adapter().config.AlarmOn = 0;
     Fail(0, 1);
     EXPECT_FALSE(adapter().alarm);

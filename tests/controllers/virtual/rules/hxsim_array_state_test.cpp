@@ -17,7 +17,7 @@ using ArrayState = StoryTest;
 
 TEST_F(ArrayState, OfARaid0IsOnlineAgainWithItsDisks) {
     AddDisks(2);
-    AddVirtualDisk(0, {0, 1});
+    AddVirtualDisk(Level::kRaid0, {0, 1});
     PullOut(10, 1);
     PutBack(20, 1);
     EXPECT_THAT(TakeEvents(),
@@ -26,7 +26,7 @@ TEST_F(ArrayState, OfARaid0IsOnlineAgainWithItsDisks) {
 
 TEST_F(ArrayState, IsNotAnnouncedBesideAnImport) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     virtual_disk(id).foreign = true;
     virtual_disk(id).state = hxcodes::State::kForeign;
     for (HX_U16 i = 0; i < 3; ++i) disk(i).foreign = true;

@@ -43,7 +43,7 @@ TEST_F(BatteryRules, DoesNothingByItselfWhileItIsFull) {
 }
 
 TEST_F(BatteryRules, LosesHalfOfItsChargeInTwoHours) {
-    ASSERT_EQ(0, ChangePower(adapter(), kNow, Power::kDischarge));
+    ASSERT_EQ(0, ChangePower(adapter(), kNow, NumberOf(Power::kDischarge)));
     const BBU_Info info = At(kNow + 2 * kHour);
     EXPECT_EQ(500, info.curCapacity);
     EXPECT_EQ(50, info.percentage);
@@ -53,14 +53,14 @@ TEST_F(BatteryRules, LosesHalfOfItsChargeInTwoHours) {
 }
 
 TEST_F(BatteryRules, ActsAtEachTenthOfItsCharge) {
-    ASSERT_EQ(0, ChangePower(adapter(), kNow, Power::kDischarge));
+    ASSERT_EQ(0, ChangePower(adapter(), kNow, NumberOf(Power::kDischarge)));
     EXPECT_EQ(kNow + 14'400, NextTransition(battery()));  // one mAh below all of it
     At(kNow + 14'400);
     EXPECT_EQ(kNow + 101 * 14'400, NextTransition(battery()));
 }
 
 TEST_F(BatteryRules, IsChargedByItselfOnceItIsEmpty) {
-    ASSERT_EQ(0, ChangePower(adapter(), kNow, Power::kDischarge));
+    ASSERT_EQ(0, ChangePower(adapter(), kNow, NumberOf(Power::kDischarge)));
     const BBU_Info info = At(kNow + 4 * kHour);
     EXPECT_EQ(0, info.curCapacity);
     EXPECT_EQ(0x03u, info.status);  // present, charging
@@ -86,7 +86,7 @@ TEST_F(BatteryRules, IsLeftAloneAtItsMark) {
 
 TEST_F(BatteryRules, IsChargedAboveItsMarkWhenAskedTo) {
     ASSERT_TRUE(SetBatteryCharge(adapter(), kNow, 90));
-    ASSERT_EQ(0, ChangePower(adapter(), kNow, Power::kCharge));
+    ASSERT_EQ(0, ChangePower(adapter(), kNow, NumberOf(Power::kCharge)));
     EXPECT_EQ(12, At(kNow).time_to_full);
     EXPECT_EQ(100, At(kNow + 12 * kMinute).percentage);
     EXPECT_THAT(Events(), ElementsAre("9/17 of 0", "9/18 of 0"));
@@ -95,7 +95,7 @@ TEST_F(BatteryRules, IsChargedAboveItsMarkWhenAskedTo) {
 // ---- Relearn cycles ----
 
 TEST_F(BatteryRules, RelearnsByLosingAllChargeAndWinningItAgain) {
-    ASSERT_EQ(0, ChangePower(adapter(), kNow, Power::kRelearn));
+    ASSERT_EQ(0, ChangePower(adapter(), kNow, NumberOf(Power::kRelearn)));
     EXPECT_EQ(0x1Du, At(kNow + kHour).status);  // present, safe, discharging, relearning
     const BBU_Info halfway = At(kNow + 5 * kHour);
     EXPECT_EQ(500, halfway.curCapacity);
@@ -109,7 +109,7 @@ TEST_F(BatteryRules, RelearnsByLosingAllChargeAndWinningItAgain) {
 }
 
 TEST_F(BatteryRules, TellsOfTheStepsOfARelearnCycle) {
-    ASSERT_EQ(0, ChangePower(adapter(), kNow, Power::kRelearn));
+    ASSERT_EQ(0, ChangePower(adapter(), kNow, NumberOf(Power::kRelearn)));
     At(kNow + 6 * kHour);
     EXPECT_THAT(Events(), ElementsAre("9/6 of 0", "9/20 of 0", "9/28 of 0", "9/7 of 0", "9/17 of 0",
                                       "9/21 of 0", "9/29 of 0", "9/18 of 0", "9/8 of 0"));
@@ -122,7 +122,7 @@ TEST_F(BatteryRules, TakesTheCacheFromVirtualDisksWhileItsRelearnCycleHasItEmpty
         At(time);
         return DescribeVirtualDisk(adapter(), virtual_disk(0)).CacheMode;
     };
-    ASSERT_EQ(0, ChangePower(adapter(), kNow, Power::kRelearn));
+    ASSERT_EQ(0, ChangePower(adapter(), kNow, NumberOf(Power::kRelearn)));
     EXPECT_EQ(0x05, cache_at(kNow + 2 * kHour));
     EXPECT_EQ(0x85, cache_at(kNow + 3 * kHour));
     EXPECT_EQ(0x85, cache_at(kNow + 4 * kHour + 30 * kMinute));
@@ -131,7 +131,7 @@ TEST_F(BatteryRules, TakesTheCacheFromVirtualDisksWhileItsRelearnCycleHasItEmpty
 }
 
 TEST_F(BatteryRules, IsNotInterruptedWhileItRelearns) {
-    ASSERT_EQ(0, ChangePower(adapter(), kNow, Power::kRelearn));
+    ASSERT_EQ(0, ChangePower(adapter(), kNow, NumberOf(Power::kRelearn)));
     const std::string before = Everything();
     for (const HX_U8 action : {HX_U8{0}, HX_U8{1}, HX_U8{2}}) {
         ExpectRefused(Status::kBusy, ChangePower(adapter(), kNow, action), before);
@@ -141,11 +141,11 @@ TEST_F(BatteryRules, IsNotInterruptedWhileItRelearns) {
 TEST_F(BatteryRules, WearsNoFurtherThanItsLowestCapacity) {
     battery().info.maxCapacity = battery().charge_at_since = 601;
     battery().info.curCapacity = 601;
-    ASSERT_EQ(0, ChangePower(adapter(), kNow, Power::kRelearn));
+    ASSERT_EQ(0, ChangePower(adapter(), kNow, NumberOf(Power::kRelearn)));
     At(kNow + 7 * kHour);
     EXPECT_EQ(600, battery().info.maxCapacity);
     EXPECT_EQ("9/3 of 0", Events().back());
-    ASSERT_EQ(0, ChangePower(adapter(), kNow + 7 * kHour, Power::kRelearn));
+    ASSERT_EQ(0, ChangePower(adapter(), kNow + 7 * kHour, NumberOf(Power::kRelearn)));
     EXPECT_EQ(600, At(kNow + 14 * kHour).maxCapacity);
 }
 

@@ -18,7 +18,7 @@ using Copyback = StoryTest;
 
 TEST_F(Copyback, ReturnsToTheReplacedDiskAndTheSpareIsOneAgain) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Fail(0, 1);
     At(150);
@@ -39,7 +39,7 @@ TEST_F(Copyback, ReturnsToTheReplacedDiskAndTheSpareIsOneAgain) {
 
 TEST_F(Copyback, DoesNotComeWhenItIsOff) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     adapter().config.CopyBack = 0;
     Fail(0, 1);
@@ -55,13 +55,14 @@ TEST_F(Copyback, DoesNotComeWhenItIsOff) {
 
 TEST_F(Copyback, ThatIsAbortedIsNotTriedAgain) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Fail(0, 1);
     Replace(200, 1);
     TakeEvents();
     EXPECT_EQ(0, Call(210, [&](Adapter& adapter, Time now) {
-                  return Control(adapter, now, Owner::kVirtualDisk, id, ControlAction::kAbort);
+                  return Control(adapter, now, Owner::kVirtualDisk, id,
+                                 NumberOf(ControlAction::kAbort));
               }));
     At(500);
     EXPECT_THAT(TakeEvents(), ElementsAre("210 1.94 0"));
@@ -71,7 +72,7 @@ TEST_F(Copyback, ThatIsAbortedIsNotTriedAgain) {
 
 TEST_F(Copyback, ThatLosesItsSourceBecomesARebuild) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Fail(0, 1);
     Replace(200, 1);
@@ -83,7 +84,7 @@ TEST_F(Copyback, ThatLosesItsSourceBecomesARebuild) {
 
 TEST_F(Copyback, ThatLosesItsDestinationFailsAndNothingIsLost) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Fail(0, 1);
     Replace(200, 1);
@@ -95,7 +96,7 @@ TEST_F(Copyback, ThatLosesItsDestinationFailsAndNothingIsLost) {
 
 TEST_F(Copyback, DoesNotComeToADiskThatIsTooSmallWhichIsTold) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Fail(0, 1);
     At(150);
@@ -111,7 +112,7 @@ TEST_F(Copyback, DoesNotComeToADiskThatIsTooSmallWhichIsTold) {
 
 TEST_F(Copyback, ToADiskThatIsTooSmallIsToldOfAtTheEndOfTheRebuild) {
     AddDisks(4);
-    AddVirtualDisk(5, {0, 1, 2});
+    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Fail(0, 1);
     Replace(90, 1, kHundredSeconds - 1);
@@ -122,7 +123,7 @@ TEST_F(Copyback, ToADiskThatIsTooSmallIsToldOfAtTheEndOfTheRebuild) {
 
 TEST_F(Copyback, OfADiskGroupToADiskThatIsTooSmallIsToldOfOnce) {
     AddDisks(4);
-    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
     AddVirtualDiskTo(group);
     AddVirtualDiskTo(group, kHundredSeconds / 2);
     SetGroupSpare(3, group);
@@ -137,7 +138,7 @@ TEST_F(Copyback, OfADiskGroupToADiskThatIsTooSmallIsToldOfOnce) {
 
 TEST_F(Copyback, ThatIsOffTellsOfNoSmallDisk) {
     AddDisks(4);
-    AddVirtualDisk(5, {0, 1, 2});
+    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Fail(0, 1);
     At(150);
@@ -149,7 +150,7 @@ TEST_F(Copyback, ThatIsOffTellsOfNoSmallDisk) {
 
 TEST_F(Copyback, MovesAllVirtualDisksOfADiskGroupTogether) {
     AddDisks(4);
-    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
     const HX_U16 first = AddVirtualDiskTo(group);
     const HX_U16 second = AddVirtualDiskTo(group, kHundredSeconds / 2);
     SetGroupSpare(3, group);

@@ -12,9 +12,9 @@ namespace {
 
 class EnclosureSensor : public MixedMachineTest {
 protected:
-    HX_U8 StatusOfVoltage(HX_U16 reading) {
+    ElementStatus StatusOfVoltage(HX_U16 reading) {
         element(kVoltage).reading = reading;
-        const HX_U8 status = StatusOf(element(kVoltage));
+        const ElementStatus status = StatusOf(element(kVoltage));
         element(kVoltage).reading = 1200;
         return status;
     }
@@ -31,10 +31,10 @@ TEST_F(EnclosureSensor, VoltageIsMeasuredInHalfPercentsOfWhatItShouldBe) {
 
 TEST_F(EnclosureSensor, ElementWithoutBoundsIsWellWhateverItReads) {
     Element sensor;
-    sensor.type = HX_ELEMENT_TEMPERATURE;
+    sensor.type = ElementType::kTemperature;
     sensor.reading = 250;
     EXPECT_EQ(ElementStatus::kOk, StatusOf(sensor));
-    sensor.type = HX_ELEMENT_VOLTAGE;
+    sensor.type = ElementType::kVoltage;
     EXPECT_EQ(ElementStatus::kOk, StatusOf(sensor));
 }
 

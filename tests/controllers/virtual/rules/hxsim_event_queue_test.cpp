@@ -15,7 +15,7 @@ protected:
     // Queues so many events, with the devices from 1 on.
     void Fill(unsigned count) {
         for (unsigned i = 1; i <= count; ++i) {
-            Queue(adapter, i * 1000, kDiskOnline, static_cast<HX_U16>(i));
+            Queue(adapter, i * 1000, EventKind::kDiskOnline, static_cast<HX_U16>(i));
         }
     }
 
@@ -26,7 +26,7 @@ protected:
 TEST_F(EventQueue, SayWhatHappenedToWhomAndWhen) {
     adapter.id = 3;
     adapter.next_event = 77;
-    Queue(adapter, 1234567, kRemapAdded, 9, {1, 2, 3, 4});
+    Queue(adapter, 1234567, EventKind::kRemapAdded, 9, {1, 2, 3, 4});
     ASSERT_EQ(1, Take(adapter, 50, taken.data()));
     const Event& event = taken[0];
     EXPECT_EQ(2, event.Class);
@@ -43,8 +43,8 @@ TEST_F(EventQueue, SayWhatHappenedToWhomAndWhen) {
 }
 
 TEST_F(EventQueue, CarryATextCutToItsField) {
-    Queue(adapter, 0, kAdapterFound, 0, {}, "abc");
-    Queue(adapter, 0, kAdapterFound, 0, {}, "0123456789012345678901234567890123456789");
+    Queue(adapter, 0, EventKind::kAdapterFound, 0, {}, "abc");
+    Queue(adapter, 0, EventKind::kAdapterFound, 0, {}, "0123456789012345678901234567890123456789");
     ASSERT_EQ(2, Take(adapter, 50, taken.data()));
     EXPECT_EQ(3, taken[0].SenseDataLength);
     EXPECT_STREQ("abc", reinterpret_cast<const char*>(taken[0].SenseData));
@@ -108,7 +108,7 @@ TEST_F(EventQueue, LostAfterTheTellingWasTakenAreCountedAnew) {
 }
 
 TEST_F(EventQueue, FromBeforeTheEpochHaveTheTimeZero) {
-    Queue(adapter, -5000, kDiskOnline, 0);
+    Queue(adapter, -5000, EventKind::kDiskOnline, 0);
     EXPECT_EQ(0u, adapter.events[0].event.TimeStamp);
 }
 

@@ -20,7 +20,7 @@ using HotSpareOfADiskGroup = StoryTest;
 
 TEST_F(HotSpare, StepsInAndTheVirtualDiskIsOptimalAgain) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Fail(10, 1);
     ExpectSound();
@@ -42,7 +42,7 @@ TEST_F(HotSpare, StepsInAndTheVirtualDiskIsOptimalAgain) {
 
 TEST_F(HotSpare, WaitsWhenAutoRebuildIsOff) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     adapter().config.AutoRebuildOn = 0;
     Fail(10, 1);
@@ -53,7 +53,7 @@ TEST_F(HotSpare, WaitsWhenAutoRebuildIsOff) {
 
 TEST_F(HotSpare, WaitsForAVirtualDiskThatWantsNone) {
     AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     virtual_disk(id).auto_rebuild = false;
     Fail(10, 1);
@@ -62,7 +62,7 @@ TEST_F(HotSpare, WaitsForAVirtualDiskThatWantsNone) {
 
 TEST_F(HotSpare, StepsInAlsoWhenItComesLater) {
     AddDisks(4);
-    AddVirtualDisk(5, {0, 1, 2});
+    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     Fail(10, 1);
     SetGlobalSpare(3);
     Settle(adapter(), At(20));
@@ -71,8 +71,8 @@ TEST_F(HotSpare, StepsInAlsoWhenItComesLater) {
 
 TEST_F(HotSpare, ServesEveryVirtualDiskThatHasLostTheSameDisk) {
     AddDisks(5);
-    const HX_U16 first = AddVirtualDisk(5, {0, 1, 2}, 0, kHundredSeconds / 2);
-    const HX_U16 second = AddVirtualDisk(1, {1, 2}, 0, kHundredSeconds / 2);
+    const HX_U16 first = AddVirtualDisk(Level::kRaid5, {0, 1, 2}, 0, kHundredSeconds / 2);
+    const HX_U16 second = AddVirtualDisk(Level::kRaid1, {1, 2}, 0, kHundredSeconds / 2);
     SetGlobalSpare(3);
     SetGlobalSpare(4);
     Fail(10, 1);
@@ -83,7 +83,7 @@ TEST_F(HotSpare, ServesEveryVirtualDiskThatHasLostTheSameDisk) {
 
 TEST_F(HotSpares, TheSmallestThatIsLargeEnoughStepsIn) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(AddDisk(kHundredSeconds - 1));
     SetGlobalSpare(AddDisk(3 * kHundredSeconds));
     SetGlobalSpare(AddDisk(kHundredSeconds));
@@ -94,7 +94,7 @@ TEST_F(HotSpares, TheSmallestThatIsLargeEnoughStepsIn) {
 
 TEST_F(HotSpares, OneThatIsTooSmallIsToldOfOnce) {
     AddDisks(3);
-    AddVirtualDisk(5, {0, 1, 2});
+    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(AddDisk(kHundredSeconds - 1));
     Fail(10, 0);
     Settle(adapter(), At(20));
@@ -103,7 +103,7 @@ TEST_F(HotSpares, OneThatIsTooSmallIsToldOfOnce) {
 
 TEST_F(HotSpares, OfTheDiskGroupComeBeforeGlobalOnes) {
     AddDisks(5);
-    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
     const HX_U16 id = AddVirtualDiskTo(group);
     SetGlobalSpare(3);
     SetGroupSpare(4, group);
@@ -113,8 +113,8 @@ TEST_F(HotSpares, OfTheDiskGroupComeBeforeGlobalOnes) {
 
 TEST_F(HotSpares, OfADiskGroupServeNothingElse) {
     AddDisks(6);
-    const HX_U16 group = AddGroup(1, {3, 4});
-    AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 group = AddGroup(Level::kRaid1, {3, 4});
+    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGroupSpare(5, group);
     Fail(10, 1);
     EXPECT_THAT(TakeEvents(), ElementsAre("10 2.2 1", "10 1.4 0"));
@@ -122,7 +122,7 @@ TEST_F(HotSpares, OfADiskGroupServeNothingElse) {
 
 TEST_F(HotSpareOfADiskGroup, ASpareStepsInForAllVirtualDisksAtOnce) {
     AddDisks(4);
-    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
     const HX_U16 first = AddVirtualDiskTo(group);
     const HX_U16 second = AddVirtualDiskTo(group, kHundredSeconds / 2);
     SetGroupSpare(3, group);
@@ -142,12 +142,12 @@ TEST_F(HotSpareOfADiskGroup, ASpareStepsInForAllVirtualDisksAtOnce) {
 
 TEST_F(HotSpareOfADiskGroup, NoSpareStepsInBeforeEveryVirtualDiskCanBeRebuilt) {
     AddDisks(4);
-    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
     const HX_U16 first = AddVirtualDiskTo(group);
     AddVirtualDiskTo(group, kHundredSeconds / 2);
     SetGroupSpare(3, group);
     ASSERT_EQ(0, Call(0, [&](Adapter& adapter, Time now) {
-                  return StartInitialisation(adapter, now, first, Init::kForeground);
+                  return StartInitialisation(adapter, now, first, NumberOf(Init::kForeground));
               }));
     Fail(10, 1);
     EXPECT_EQ(Spare::kGroup, disk(3).spare);
@@ -159,7 +159,7 @@ TEST_F(HotSpareOfADiskGroup, NoSpareStepsInBeforeEveryVirtualDiskCanBeRebuilt) {
 
 TEST_F(HotSpareOfADiskGroup, WithoutVirtualDisksADiskIsReplacedAtOnce) {
     AddDisks(4);
-    const HX_U16 group = AddGroup(5, {0, 1, 2});
+    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Fail(0, 1);
     EXPECT_THAT(TakeEvents(), ElementsAre("0 2.2 1", "0 2.10 3"));

@@ -123,7 +123,8 @@ TEST_F(VirtualDiskMigration, ReturnsToWhatItWasWhenAMigrationIsAborted) {
     Made(WantedOn(0x05, {0, 1, 2}, 1024));
     adapter().events.clear();
     EXPECT_EQ(HX_SUCCESS, Move(MovedTo(0, 0x06, {0, 1, 2, 3})));
-    EXPECT_EQ(HX_SUCCESS, Control(adapter(), kNow, Owner::kVirtualDisk, 0, ControlAction::kAbort));
+    EXPECT_EQ(HX_SUCCESS,
+              Control(adapter(), kNow, Owner::kVirtualDisk, 0, NumberOf(ControlAction::kAbort)));
     EXPECT_EQ("free 0+1000000", BlocksOn(3));
     EXPECT_EQ("vd0.0 0+512, free 512+999488", BlocksOn(0));
     EXPECT_EQ(0x05, virtual_disk(0).level);
@@ -189,7 +190,7 @@ TEST_F(VirtualDiskMigration, ThatIsNotThereDoesNotMove) {
 
 TEST_F(VirtualDiskMigration, DoesNotMoveWhileSomethingGoesOn) {
     Create_LD_Param param = WantedOn(0x05, {0, 1, 2}, 1024);
-    param.InitializationOption = Init::kBackground;
+    param.InitializationOption = NumberOf(Init::kBackground);
     Made(param);
     EXPECT_EQ(Status::kBusy, RefusedMove(MovedTo(0, 0x06, {0, 1, 2, 3})));
 }
@@ -267,7 +268,8 @@ TEST_F(DiskGroupMigration, TakesTheGroupToAnotherLevelBesideItself) {
 TEST_F(DiskGroupMigration, ReturnsToWhatItWasWhenItIsAborted) {
     const std::string before = BlocksOn(0);
     EXPECT_EQ(HX_SUCCESS, Move(GroupOn(0, 0x05, {0, 1, 2, 3})));
-    EXPECT_EQ(HX_SUCCESS, Control(adapter(), kNow, Owner::kDiskGroup, 0, ControlAction::kAbort));
+    EXPECT_EQ(HX_SUCCESS,
+              Control(adapter(), kNow, Owner::kDiskGroup, 0, NumberOf(ControlAction::kAbort)));
     EXPECT_EQ(before, BlocksOn(0));
     EXPECT_EQ("free 0+1000000", BlocksOn(3));
     EXPECT_THAT(Serving(Owner::kDiskGroup, 0), ElementsAre(0, 1, 2));
@@ -347,7 +349,7 @@ class MigrationStory : public StoryTest {
 protected:
     void StartOnTheWayToRaid6() {
         AddDisks(5, 3 * kHundredSeconds);
-        AddVirtualDisk(5, {0, 1, 2});
+        AddVirtualDisk(Level::kRaid5, {0, 1, 2});
         virtual_disk(0).size = 2 * kHundredSeconds;
         SetGlobalSpare(4);
         EXPECT_EQ(0, MigrateToRaid6(0, 0, {0, 1, 2, 3}));

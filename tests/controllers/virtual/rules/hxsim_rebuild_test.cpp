@@ -19,7 +19,7 @@ using RebuildOfADiskPutBack = StoryTest;
 
 TEST_F(RebuildAfterADoubleFailure, OnRaid5TakesItOffline) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     Fail(10, 1);
     Fail(20, 2);
     EXPECT_THAT(TakeEvents(), ElementsAre("10 2.2 1", "10 1.4 0", "20 2.2 2", "20 1.0 0"));
@@ -28,7 +28,7 @@ TEST_F(RebuildAfterADoubleFailure, OnRaid5TakesItOffline) {
 
 TEST_F(RebuildAfterADoubleFailure, OnRaid5EndsTheRebuildWithAnError) {
     AddDisks(4);
-    AddVirtualDisk(5, {0, 1, 2});
+    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Fail(10, 1);
     TakeEvents();
@@ -39,7 +39,7 @@ TEST_F(RebuildAfterADoubleFailure, OnRaid5EndsTheRebuildWithAnError) {
 
 TEST_F(RebuildAfterADoubleFailure, OnRaid6LeavesItDegradedAndTwoSparesMakeItWhole) {
     AddDisks(6);
-    const HX_U16 id = AddVirtualDisk(6, {0, 1, 2, 3});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid6, {0, 1, 2, 3});
     Fail(10, 0);
     Fail(20, 3);
     EXPECT_THAT(TakeEvents(), ElementsAre("10 2.2 0", "10 1.5 0", "20 2.2 3", "20 1.4 0"));
@@ -55,7 +55,7 @@ TEST_F(RebuildAfterADoubleFailure, OnRaid6LeavesItDegradedAndTwoSparesMakeItWhol
 
 TEST_F(RebuildAfterADoubleFailure, OnRaid6WhileOneIsRebuiltIsRebuiltNext) {
     AddDisks(6);
-    const HX_U16 id = AddVirtualDisk(6, {0, 1, 2, 3});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid6, {0, 1, 2, 3});
     SetGlobalSpare(4);
     SetGlobalSpare(5);
     Fail(0, 0);
@@ -74,7 +74,7 @@ TEST_F(RebuildAfterADoubleFailure, OnRaid6WhileOneIsRebuiltIsRebuiltNext) {
 
 TEST_F(RebuildAfterADoubleFailure, ThatHasEndedTheRebuildLetsItBeginAnewWhenTheOtherDiskIsBack) {
     AddDisks(4);
-    AddVirtualDisk(5, {0, 1, 2});
+    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     SetGlobalSpare(3);
     Fail(10, 1);
     PullOut(20, 0);
@@ -87,7 +87,7 @@ TEST_F(RebuildAfterADoubleFailure, ThatHasEndedTheRebuildLetsItBeginAnewWhenTheO
 
 TEST_F(RebuildAfterADoubleFailure, ThatIsHalfMendedIsNotToldOfAsANewLoss) {
     AddDisks(5);
-    AddVirtualDisk(6, {0, 1, 2, 3});
+    AddVirtualDisk(Level::kRaid6, {0, 1, 2, 3});
     SetGlobalSpare(4);
     PullOut(10, 0);
     PullOut(20, 1);
@@ -99,7 +99,7 @@ TEST_F(RebuildAfterADoubleFailure, ThatIsHalfMendedIsNotToldOfAsANewLoss) {
 
 TEST_F(RebuildAfterADoubleFailure, OfBothHalvesOfOneMirrorTakesRaid10Offline) {
     AddDisks(4);
-    AddVirtualDisk(0x10, {0, 1, 2, 3});
+    AddVirtualDisk(Level::kRaid10, {0, 1, 2, 3});
     Fail(10, 0);
     Fail(20, 3);
     Fail(30, 1);
@@ -110,7 +110,7 @@ TEST_F(RebuildAfterADoubleFailure, OfBothHalvesOfOneMirrorTakesRaid10Offline) {
 
 TEST_F(RebuildOfADiskPutBack, IsRebuiltWhereItWasSinceWritesHavePassedItBy) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     PullOut(10, 1);
     PutBack(20, 1);
     At(500);
@@ -123,7 +123,7 @@ TEST_F(RebuildOfADiskPutBack, IsRebuiltWhereItWasSinceWritesHavePassedItBy) {
 
 TEST_F(RebuildOfADiskPutBack, OfTwoBringsRaid5BackAsFarAsTheLaterOneGoes) {
     AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(5, {0, 1, 2});
+    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
     PullOut(10, 1);
     PullOut(20, 2);
     PutBack(30, 1);

@@ -544,6 +544,12 @@ constexpr Damage kDamages[] = {
      "table disk has an impossible failed."},
     {"NoSuchKindOfSpare", "UPDATE disk SET spare = 3 WHERE adapter = 0 AND id = 3",
      "table disk has an impossible spare."},
+    {"NoSuchLevel", "UPDATE virtual_disk SET level = 2 WHERE adapter = 0",
+     "table virtual_disk has an impossible level."},
+    {"NoSuchRemapReason",
+     "INSERT INTO remap (adapter, disk, lba, sectors, reason) "
+     "VALUES (0, 3, 5, 1, 99)",
+     "table remap has an impossible reason."},
     {"RecordTooShort", "UPDATE adapter SET info = x'00'", "table adapter has an impossible info."},
     {"NoMachine", "DELETE FROM machine", "table machine is empty."},
     {"RowOfNoAdapter", "UPDATE block SET adapter = 3 WHERE adapter = 1 AND id = 0",

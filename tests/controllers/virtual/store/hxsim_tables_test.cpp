@@ -60,7 +60,11 @@ private:
         } else if constexpr (std::is_same_v<Value, bool>) {
             value = number % 2 != 0;
         } else if constexpr (std::is_enum_v<Value>) {
-            value = static_cast<Value>(number % (static_cast<unsigned>(LastOf(Value{})) + 1));
+            std::vector<Value> values;
+            for (unsigned each = 0; each < 256; ++each) {
+                if (IsValue(Value{}, each)) values.push_back(static_cast<Value>(each));
+            }
+            value = values[number % values.size()];
         } else if constexpr (std::is_integral_v<Value>) {
             // All bytes of the number count.
             value = static_cast<Value>(0x0101010101010101U * (number % 251) + number);

@@ -12,29 +12,29 @@ namespace {
 constexpr Time kNow = TestMachine::kNow;
 
 template <class Param>
-using Creation = HX_U8 (*)(Adapter& adapter, Time now, Param& param);
+using Creation = Status (*)(Adapter& adapter, Time now, Param& param);
 
 template <class Param>
 Param MadeBy(TestMachine& machine, Creation<Param> create, Param param) {
-    EXPECT_EQ(HX_SUCCESS, create(machine.adapter(), kNow, param));
+    EXPECT_EQ(Status::kSuccess, create(machine.adapter(), kNow, param));
     Settle(machine.adapter(), kNow);
     return param;
 }
 
 template <class Param>
-int RefusalBy(TestMachine& machine, Creation<Param> create, const Param& asked) {
+Status RefusalBy(TestMachine& machine, Creation<Param> create, const Param& asked) {
     Param param = asked;
     const std::string before = machine.Everything();
-    const HX_U8 status = create(machine.adapter(), kNow, param);
+    const Status status = create(machine.adapter(), kNow, param);
     EXPECT_EQ(before, machine.Everything());
     EXPECT_EQ(0, std::memcmp(&asked, &param, sizeof param));
     return status;
 }
 
 template <class Param>
-int MoveBy(TestMachine& machine, Creation<Param> move, Param& param) {
-    const HX_U8 status = move(machine.adapter(), kNow, param);
-    if (status == HX_SUCCESS) Settle(machine.adapter(), kNow);
+Status MoveBy(TestMachine& machine, Creation<Param> move, Param& param) {
+    const Status status = move(machine.adapter(), kNow, param);
+    if (status == Status::kSuccess) Settle(machine.adapter(), kNow);
     return status;
 }
 
@@ -50,25 +50,25 @@ CreateOrModify_VD_Param ArrayTest::Made(CreateOrModify_VD_Param param) {
     return MadeBy(*this, CreateOrModifyOnGroup, param);
 }
 
-int ArrayTest::Refusal(const Create_LD_Param& param) {
+Status ArrayTest::Refusal(const Create_LD_Param& param) {
     return RefusalBy(*this, CreateVirtualDisk, param);
 }
-int ArrayTest::Refusal(const CreateOrModify_DG_Param& param) {
+Status ArrayTest::Refusal(const CreateOrModify_DG_Param& param) {
     return RefusalBy(*this, CreateOrModifyDiskGroup, param);
 }
-int ArrayTest::Refusal(const CreateOrModify_VD_Param& param) {
+Status ArrayTest::Refusal(const CreateOrModify_VD_Param& param) {
     return RefusalBy(*this, CreateOrModifyOnGroup, param);
 }
 
-int ArrayTest::Move(Create_LD_Param param) { return MoveBy(*this, StartMigration, param); }
-int ArrayTest::Move(CreateOrModify_DG_Param param) {
+Status ArrayTest::Move(Create_LD_Param param) { return MoveBy(*this, StartMigration, param); }
+Status ArrayTest::Move(CreateOrModify_DG_Param param) {
     return MoveBy(*this, StartGroupMigration, param);
 }
 
-int ArrayTest::RefusedMove(const Create_LD_Param& param) {
+Status ArrayTest::RefusedMove(const Create_LD_Param& param) {
     return RefusalBy(*this, StartMigration, param);
 }
-int ArrayTest::RefusedMove(const CreateOrModify_DG_Param& param) {
+Status ArrayTest::RefusedMove(const CreateOrModify_DG_Param& param) {
     return RefusalBy(*this, StartGroupMigration, param);
 }
 
@@ -80,14 +80,14 @@ Create_LD_Param ArrayTest::MovedTo(HX_U16 id, HX_U8 level, const Ids& disks, std
 
 std::uint64_t ArrayTest::MostAfterMove(Create_LD_Param param) {
     param.Size.value = 1;  // not looked at
-    EXPECT_EQ(HX_SUCCESS, SizeMigration(adapter(), param));
+    EXPECT_EQ(Status::kSuccess, SizeMigration(adapter(), param));
     return param.Size.value;
 }
 
 std::uint64_t ArrayTest::SizeOnly(CreateOrModify_DG_Param param) {
     param.Size.value = 1;  // not looked at
     const std::string before = Everything();
-    EXPECT_EQ(HX_SUCCESS, SizeDiskGroup(adapter(), param));
+    EXPECT_EQ(Status::kSuccess, SizeDiskGroup(adapter(), param));
     EXPECT_EQ(before, Everything());
     return param.Size.value;
 }

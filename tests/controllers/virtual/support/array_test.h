@@ -21,17 +21,17 @@ protected:
     CreateOrModify_VD_Param Made(CreateOrModify_VD_Param param);
 
     /// The refusal of that. Nothing has changed, the request included.
-    int Refusal(const Create_LD_Param& param);
-    int Refusal(const CreateOrModify_DG_Param& param);
-    int Refusal(const CreateOrModify_VD_Param& param);
+    Status Refusal(const Create_LD_Param& param);
+    Status Refusal(const CreateOrModify_DG_Param& param);
+    Status Refusal(const CreateOrModify_VD_Param& param);
 
     /// Starts a migration. Returns the status.
-    int Move(Create_LD_Param param);
-    int Move(CreateOrModify_DG_Param param);
+    Status Move(Create_LD_Param param);
+    Status Move(CreateOrModify_DG_Param param);
 
     /// The refusal of a migration. Nothing has changed, the request included.
-    int RefusedMove(const Create_LD_Param& param);
-    int RefusedMove(const CreateOrModify_DG_Param& param);
+    Status RefusedMove(const Create_LD_Param& param);
+    Status RefusedMove(const CreateOrModify_DG_Param& param);
 
     /// The request for a migration of a virtual disk.
     static Create_LD_Param MovedTo(HX_U16 id, HX_U8 level, const Ids& disks,

@@ -18,7 +18,7 @@ inline Create_LD_Param WantedOn(HX_U8 level, const Ids& disks, std::uint64_t siz
     param.HDCount = static_cast<HX_U8>(disks.size());
     std::ranges::copy(disks, param.HDIDs);
     param.NumParityDisk = 2;  // as callers send it for every level
-    param.InitializationOption = hxcodes::Init::kNone;
+    param.InitializationOption = NumberOf(hxcodes::Init::kNone);
     param.SectorCoefficient = 1;
     param.Size.value = size;
     return param;
@@ -42,7 +42,7 @@ inline CreateOrModify_VD_Param InSlot(HX_U16 group, HX_U8 level, HX_U8 slot,
     param.DGID = group;
     param.RaidMode = level;
     param.DGSlotNum = slot;
-    param.InitializationOption = hxcodes::Init::kNone;
+    param.InitializationOption = NumberOf(hxcodes::Init::kNone);
     param.Size.value = size;
     return param;
 }

@@ -98,7 +98,7 @@ void TestMachine::AddDisk(HX_U16 id, Sectors usable) {
     ResetDisk(adapter(), id);
 }
 
-HX_U16 TestMachine::AddRow(HX_U8 level, std::size_t width, HX_U8 legs, HX_U16 group) {
+HX_U16 TestMachine::AddRow(Level level, std::size_t width, HX_U8 legs, HX_U16 group) {
     VirtualDisk row;
     row.id = FreeId(adapter().virtual_disks);
     row.group = group;
@@ -117,7 +117,7 @@ void TestMachine::CutBlock(HX_U16 disk, Sectors sectors, HX_U16 virtual_disk, HX
     Cut(adapter(), disk, start, sectors, virtual_disk, position);
 }
 
-HX_U16 TestMachine::AddVirtualDisk(HX_U8 level, const Ids& disks, HX_U8 legs, Sectors sectors) {
+HX_U16 TestMachine::AddVirtualDisk(Level level, const Ids& disks, HX_U8 legs, Sectors sectors) {
     const HX_U16 id = AddRow(level, disks.size(), legs, kNoId);
     SetHomes(adapter(), Owner::kVirtualDisk, id, disks);
     HX_U8 position = 0;
@@ -125,7 +125,7 @@ HX_U16 TestMachine::AddVirtualDisk(HX_U8 level, const Ids& disks, HX_U8 legs, Se
     return id;
 }
 
-HX_U16 TestMachine::AddGroup(HX_U8 level, const Ids& disks, HX_U8 legs) {
+HX_U16 TestMachine::AddGroup(Level level, const Ids& disks, HX_U8 legs) {
     DiskGroup group;
     group.id = FreeId(adapter().disk_groups);
     group.level = level;
@@ -153,7 +153,7 @@ void TestMachine::SetGroupSpare(HX_U16 id, HX_U16 group) {
     disk(id).spare_group = group;
 }
 
-void TestMachine::AddElement(HX_U8 number, HX_U8 type, HX_U16 reading, HX_U16 nominal) {
+void TestMachine::AddElement(HX_U8 number, ElementType type, HX_U16 reading, HX_U16 nominal) {
     Element row;
     row.number = number;
     row.type = type;
@@ -166,16 +166,16 @@ void TestMachine::AddEnclosure() {
     Enclosure enclosure;
     enclosure.parent = Device::kAdapter;
     adapter().enclosures.push_back(enclosure);
-    AddElement(kFan, HX_ELEMENT_FAN, 4000, 4000);
+    AddElement(kFan, ElementType::kFan, 4000, 4000);
     element(kFan).speed_code = 3;
-    AddElement(kSensor, HX_ELEMENT_TEMPERATURE, 20 + 30, 0);
+    AddElement(kSensor, ElementType::kTemperature, 20 + 30, 0);
     element(kSensor).high_critical = 20 + 60;
     element(kSensor).high_warning = 20 + 50;
     element(kSensor).low_critical = 20 + 0;
     element(kSensor).low_warning = 20 + 5;
-    AddElement(kSupply, HX_ELEMENT_POWER_SUPPLY, 0, 0);
-    AddElement(kAlarm, HX_ELEMENT_ALARM, 0, 0);
-    AddElement(kVoltage, HX_ELEMENT_VOLTAGE, 1200, 1200);
+    AddElement(kSupply, ElementType::kPowerSupply, 0, 0);
+    AddElement(kAlarm, ElementType::kAlarm, 0, 0);
+    AddElement(kVoltage, ElementType::kVoltage, 1200, 1200);
     element(kVoltage).high_critical = element(kVoltage).low_critical = 20;
     element(kVoltage).high_warning = element(kVoltage).low_warning = 10;
 }
@@ -208,7 +208,7 @@ void TestMachine::BringForeign() {
     disk(6).foreign = true;
     VirtualDisk foreign;
     foreign.id = 2;
-    foreign.level = 0x00;
+    foreign.level = Level::kRaid0;
     foreign.width = 1;
     foreign.size = 128;
     foreign.foreign = true;
@@ -219,10 +219,10 @@ void TestMachine::BringForeign() {
 }
 
 void TestMachine::AddArrays() {
-    AddVirtualDisk(0x05, {0, 1, 2}, 0, 640000);
+    AddVirtualDisk(Level::kRaid5, {0, 1, 2}, 0, 640000);
     virtual_disk(0).name = "ALONE";
     virtual_disk(0).size = 2 * 640000;
-    AddGroup(0x01, {3, 4});
+    AddGroup(Level::kRaid1, {3, 4});
     disk_group(0).name = "GROUP";
     AddVirtualDiskTo(0, 400000);
     virtual_disk(1).name = "GROUPED";
@@ -284,54 +284,54 @@ void TestMachine::Replace(Time second, HX_U16 disk, Sectors usable) {
     Settle(adapter(), now);
 }
 
-int TestMachine::Initialise(Time second, HX_U16 virtual_disk, HX_U8 type) {
+Status TestMachine::Initialise(Time second, HX_U16 virtual_disk, Init type) {
     return Call(second, [&](Adapter& adapter, Time now) {
-        return StartInitialisation(adapter, now, virtual_disk, type);
+        return StartInitialisation(adapter, now, virtual_disk, NumberOf(type));
     });
 }
 
-int TestMachine::CheckConsistency(Time second, HX_U16 virtual_disk, HX_U8 type) {
+Status TestMachine::CheckConsistency(Time second, HX_U16 virtual_disk, CheckType type) {
     return Call(second, [&](Adapter& adapter, Time now) {
-        return StartCheck(adapter, now, virtual_disk, type);
+        return StartCheck(adapter, now, virtual_disk, NumberOf(type));
     });
 }
 
-int TestMachine::Patrol(Time second, HX_U16 disk) {
+Status TestMachine::Patrol(Time second, HX_U16 disk) {
     return Call(second,
                 [&](Adapter& adapter, Time now) { return StartMediaPatrol(adapter, now, disk); });
 }
 
-int TestMachine::Scrub(Time second, HX_U16 disk) {
+Status TestMachine::Scrub(Time second, HX_U16 disk) {
     return Call(second,
                 [&](Adapter& adapter, Time now) { return StartDataScrub(adapter, now, disk); });
 }
 
-int TestMachine::Rebuild(Time second, HX_U16 virtual_disk, const Ids& disks) {
+Status TestMachine::Rebuild(Time second, HX_U16 virtual_disk, const Ids& disks) {
     return Call(second, [&](Adapter& adapter, Time now) {
         return RebuildVirtualDisk(adapter, now, virtual_disk, disks);
     });
 }
 
-int TestMachine::RebuildGroup(Time second, HX_U16 group, const Ids& disks) {
+Status TestMachine::RebuildGroup(Time second, HX_U16 group, const Ids& disks) {
     return Call(second, [&](Adapter& adapter, Time now) {
         return RebuildDiskGroup(adapter, now, group, disks);
     });
 }
 
-int TestMachine::MigrateToRaid6(Time second, HX_U16 virtual_disk, const Ids& disks) {
+Status TestMachine::MigrateToRaid6(Time second, HX_U16 virtual_disk, const Ids& disks) {
     Create_LD_Param param = WantedOn(0x06, disks);
     param.LDID = virtual_disk;
     return Call(second,
                 [&](Adapter& adapter, Time now) { return StartMigration(adapter, now, param); });
 }
 
-int TestMachine::Steer(Time second, HX_U16 virtual_disk, HX_U8 action) {
+Status TestMachine::Steer(Time second, HX_U16 virtual_disk, ControlAction action) {
     return Call(second, [&](Adapter& adapter, Time now) {
-        return Control(adapter, now, Owner::kVirtualDisk, virtual_disk, action);
+        return Control(adapter, now, Owner::kVirtualDisk, virtual_disk, NumberOf(action));
     });
 }
 
-Activity& TestMachine::StartActivity(HX_U8 kind, Owner of, HX_U16 owner) {
+Activity& TestMachine::StartActivity(ActivityKind kind, Owner of, HX_U16 owner) {
     Activity activity;
     activity.kind = kind;
     activity.of = of;
@@ -420,7 +420,7 @@ void MachineTest::TearDown() {
 
 void MachineTest::ExpectSound() { EXPECT_THAT(Check(rows), testing::IsEmpty()); }
 
-void MachineTest::ExpectRefused(int code, int status, const std::string& before) {
+void MachineTest::ExpectRefused(Status code, Status status, const std::string& before) {
     EXPECT_EQ(code, status);
     EXPECT_EQ(before, Everything());
 }

@@ -9,6 +9,7 @@
 
 #include "controllers/virtual/support/requests.h"
 #include "hxraid.h"
+#include "model/hxsim_codes.h"
 #include "model/hxsim_machine.h"
 #include "rules/hxsim_activity.h"
 #include "rules/hxsim_advance.h"
@@ -50,9 +51,9 @@ public:
 
     /// An initialised virtual disk with a block of so many sectors at the first free place of each
     /// disk. Returns its ID.
-    HX_U16 AddVirtualDisk(HX_U8 level, const Ids& disks, HX_U8 legs = 0,
+    HX_U16 AddVirtualDisk(Level level, const Ids& disks, HX_U8 legs = 0,
                           Sectors sectors = kHundredSeconds);
-    HX_U16 AddGroup(HX_U8 level, const Ids& disks, HX_U8 legs = 0);
+    HX_U16 AddGroup(Level level, const Ids& disks, HX_U8 legs = 0);
     HX_U16 AddVirtualDiskTo(HX_U16 group, Sectors sectors = kHundredSeconds);
 
     void SetGlobalSpare(HX_U16 disk);
@@ -95,29 +96,29 @@ public:
     /// What a call does: work(adapter, now), which changes nothing when it refuses, and its
     /// consequences when it does not. Returns the status.
     template <class Work>
-    int Call(Time second, Work work) {
+    Status Call(Time second, Work work) {
         const Time now = At(second);
         Adapter changed = adapter();
-        const HX_U8 status = work(changed, now);
-        if (status != HX_SUCCESS) return status;
+        const Status status = work(changed, now);
+        if (status != Status::kSuccess) return status;
         adapter() = std::move(changed);
         Settle(adapter(), now);
         return status;
     }
 
     // Calls that start something, by the second in which they come.
-    int Initialise(Time second, HX_U16 virtual_disk, HX_U8 type);
-    int CheckConsistency(Time second, HX_U16 virtual_disk, HX_U8 type);
-    int Patrol(Time second, HX_U16 disk);
-    int Scrub(Time second, HX_U16 disk);
-    int Rebuild(Time second, HX_U16 virtual_disk, const Ids& disks);
-    int RebuildGroup(Time second, HX_U16 group, const Ids& disks);
-    int MigrateToRaid6(Time second, HX_U16 virtual_disk, const Ids& disks);
+    Status Initialise(Time second, HX_U16 virtual_disk, Init type);
+    Status CheckConsistency(Time second, HX_U16 virtual_disk, CheckType type);
+    Status Patrol(Time second, HX_U16 disk);
+    Status Scrub(Time second, HX_U16 disk);
+    Status Rebuild(Time second, HX_U16 virtual_disk, const Ids& disks);
+    Status RebuildGroup(Time second, HX_U16 group, const Ids& disks);
+    Status MigrateToRaid6(Time second, HX_U16 virtual_disk, const Ids& disks);
     /// Pauses, resumes or aborts what runs on a virtual disk.
-    int Steer(Time second, HX_U16 virtual_disk, HX_U8 action);
+    Status Steer(Time second, HX_U16 virtual_disk, ControlAction action);
 
     /// Starts an activity at kNow, whether it may run or not, and takes all events.
-    Activity& StartActivity(HX_U8 kind, Owner of, HX_U16 owner);
+    Activity& StartActivity(ActivityKind kind, Owner of, HX_U16 owner);
 
     // ---- What can be read off it ----
 
@@ -140,9 +141,9 @@ public:
     std::vector<std::string> TakeEvents();
 
 private:
-    HX_U16 AddRow(HX_U8 level, std::size_t width, HX_U8 legs, HX_U16 group);
+    HX_U16 AddRow(Level level, std::size_t width, HX_U8 legs, HX_U16 group);
     void CutBlock(HX_U16 disk, Sectors sectors, HX_U16 virtual_disk, HX_U8 position);
-    void AddElement(HX_U8 number, HX_U8 type, HX_U16 reading, HX_U16 nominal);
+    void AddElement(HX_U8 number, ElementType type, HX_U16 reading, HX_U16 nominal);
 };
 
 /// A test on such a machine. Whatever it leaves behind has to be a sound machine.
@@ -153,7 +154,7 @@ protected:
     void ExpectSound();
     /// Expects that a call was refused with that code and has changed nothing: `before` is
     /// Everything before it.
-    void ExpectRefused(int code, int status, const std::string& before);
+    void ExpectRefused(Status code, Status status, const std::string& before);
 };
 
 /// A test that tells a story: what happens in which second. It adds its disks, which take 200

@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "codes/device.h"
+#include "codes/event.h"
 #include "codes/state.h"
 #include "model/hxsim_invariants.h"
-#include "rules/hxsim_event_kinds.h"
 #include "store/hxsim_store.h"
 #include "support/temporary_root.h"
 
@@ -116,17 +116,17 @@ TEST(Default, TellsHowItCameUp) {
     ASSERT_EQ(events.size(), 22U);
     const auto is = [](EventKind kind, HX_U16 device) {
         return Field(&QueuedEvent::event,
-                     AllOf(Field(&Event::Class, kind.type), Field(&Event::Code, kind.code),
+                     AllOf(Field(&Event::Class, ClassOf(kind)), Field(&Event::Code, CodeOf(kind)),
                            Field(&Event::DeviceID, device)));
     };
-    EXPECT_THAT(events[0], is(kAdapterFound, 0));
-    EXPECT_THAT(events[1], is(kExpanderPluggedIn, 0));
-    EXPECT_THAT(events[2], is(kDiskOnline, 0));
-    EXPECT_THAT(events[17], is(kDiskOnline, 16));
-    EXPECT_THAT(events[18], is(kBatteryPresent, 0));
-    EXPECT_THAT(events[19], is(kDiskGroupCreated, 0));
-    EXPECT_THAT(events[20], is(kVirtualDiskCreated, 0));
-    EXPECT_THAT(events[21], is(kVirtualDiskCreated, 2));
+    EXPECT_THAT(events[0], is(EventKind::kAdapterFound, 0));
+    EXPECT_THAT(events[1], is(EventKind::kExpanderPluggedIn, 0));
+    EXPECT_THAT(events[2], is(EventKind::kDiskOnline, 0));
+    EXPECT_THAT(events[17], is(EventKind::kDiskOnline, 16));
+    EXPECT_THAT(events[18], is(EventKind::kBatteryPresent, 0));
+    EXPECT_THAT(events[19], is(EventKind::kDiskGroupCreated, 0));
+    EXPECT_THAT(events[20], is(EventKind::kVirtualDiskCreated, 0));
+    EXPECT_THAT(events[21], is(EventKind::kVirtualDiskCreated, 2));
     const Event& found = events[0].event;
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(found.SenseData), found.SenseDataLength),
               "VC08-24100001");

@@ -133,7 +133,7 @@ protected:
         hxsim::Store(State(), hxsim::DefaultMachine)
             .Change([&](hxsim::Machine& machine, hxsim::Time now) {
                 for (HX_U16 i = 0; i < count; ++i) {
-                    hxsim::Queue(machine.adapters[0], now, hxsim::kDiskOnline,
+                    hxsim::Queue(machine.adapters[0], now, hxcodes::EventKind::kDiskOnline,
                                  static_cast<HX_U16>(first + i));
                 }
                 return true;
