@@ -43,7 +43,8 @@ const Unit* TakeUnit(std::string_view& text, bool is_first) {
 std::optional<Duration> ReadDuration(std::string_view text) {
     std::string_view rest = text;
     std::uint64_t sum = 0;
-    bool is_too_long = false;  // told only when the rest is a duration's, too
+    // Thrown only after the rest has been read: it may be no duration at all.
+    bool is_too_long = false;
     do {
         std::uint64_t number = 0;
         const bool is_first = rest.size() == text.size();

@@ -50,8 +50,7 @@ std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\
                      std::to_string((kLargest >> 40) + 1) + "TiB");
 }
 
-// The bytes that DIGITS of a unit are, where the unit is counted whole: without losing any as a
-// floating-point number would.
+// DIGITS of a unit in bytes, in whole numbers: a floating-point number would lose some of them.
 std::uint64_t WholeUnits(std::string_view digits, const Unit& unit, std::string_view text) {
     std::uint64_t number = 0;
     if (digits.empty()) return 0;

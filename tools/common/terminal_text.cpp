@@ -34,7 +34,7 @@ private:
     locale_t former_;
 };
 
-// Characters that the table has take no column, and that do something to the text around them.
+// Characters without a width of their own that change the text around them.
 struct Range {
     char32_t first;
     char32_t last;
@@ -79,7 +79,7 @@ std::size_t DisplayWidth(std::string_view text) {
     while (!text.empty()) {
         const Utf8Character character = TakeUtf8(text);
         const int columns = character.is_valid ? table.WidthOf(character.code) : -1;
-        // What is not printable has no width of its own, and would be shown as one thing.
+        // Printable() puts one character in the place of one that cannot be printed.
         width += columns < 0 ? 1 : static_cast<std::size_t>(columns);
     }
     return width;

@@ -141,8 +141,8 @@ std::optional<std::chrono::minutes> ReadZone(Reader& reader) {
     return is_behind ? -offset : offset;
 }
 
-// The system's own calendar, which knows the zone's rules. It moves what does not exist, so what it
-// found is compared with what was asked for.
+// mktime knows the rules of the zone, but it moves a time that does not exist; so its result is
+// compared with what was asked for.
 sys_seconds LocalTime(Reader& reader, const std::chrono::year_month_day& date,
                       const TimeOfDay& time) {
     std::tm wanted{};

@@ -28,8 +28,8 @@ const Lead* FindLead(unsigned char byte) {
     return nullptr;
 }
 
-// How many bytes of the text belong together: all of a character, or what there is of one that is
-// cut off or goes wrong.
+// The length of the character at the front of the text. Of a character that is cut off or
+// malformed, only the bytes that belong to it count.
 std::size_t LengthOf(std::string_view text, const Lead& lead) {
     std::size_t length = 1;
     while (length < lead.length && length < text.size()) {

@@ -114,7 +114,7 @@ constexpr WordRow kWordRows[] = {
      AlarmWords, AlarmWord},
 };
 
-// What is called so and is not there is gone, as is what has an address and is not there.
+// An object that is not found is gone, whether the step gives its name or its address.
 std::string WordNow(Driver& driver, const Target& target, const WordRow& row) {
     const hxsim::Machine& machine = driver.Current();
     const std::optional<Object> object = FindObject(machine, target);

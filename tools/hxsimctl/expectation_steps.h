@@ -1,5 +1,5 @@
-// The steps of scenarios that expect: what is to be seen of the machine, word for word. Those about
-// events stand in event_expectations.h.
+// Scenario steps that compare the machine with what is expected. Those about events stand in
+// event_expectations.h.
 #pragma once
 
 #include "step_values.h"

@@ -64,7 +64,7 @@ public:
                 break;
             case ObjectKind::kEnclosure:
             case ObjectKind::kElement:
-                break;  // these have neither
+                break;  // without names and serial numbers
         }
     }
 

@@ -13,8 +13,8 @@ namespace hxsimctl {
 
 using vexortools::ObjectKind;
 
-/// An object as it was named. Which one a name or a serial number means shows only when the machine
-/// is looked at.
+/// An object as it was named. A name or a serial number is looked up in the machine only when the
+/// object is needed.
 struct Target {
     ObjectKind kind = ObjectKind::kAdapter;
     vexortools::Selector selector;

@@ -140,7 +140,7 @@ void AddBattery(const Command& app, Action& action) {
 
 // ---- fan, temp and psu ----
 
-// The machine has the element, whose number therefore fits.
+// The number fits, because the machine has this element.
 HX_U8 ElementOf(const Object& object) { return static_cast<HX_U8>(object.element); }
 
 void AddPowerSupply(const Command& app, Action& action) {

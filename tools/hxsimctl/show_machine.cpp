@@ -61,7 +61,7 @@ std::string ReadingOf(const Element& element) {
         case hxcodes::ElementType::kFan:
             return ", " + std::to_string(element.reading) + " rpm";
         case hxcodes::ElementType::kTemperature:
-            // As SES sends it: 0 is unknown, else 20 more than there are degrees.
+            // SES sends degrees Celsius plus 20; 0 means unknown.
             return element.reading == 0 ? "" : ", " + std::to_string(element.reading - 20) + " C";
         case hxcodes::ElementType::kVoltage: {
             std::array<char, 32> text{};
@@ -102,7 +102,8 @@ private:
         return out_;
     }
 
-    // What hangs on a device. An expander in a circle would be one on itself, which check finds.
+    // The devices below a device. Expanders that form a circle would never end, so the depth is
+    // limited; check reports the circle.
     void PrintDevices(int depth, hxcodes::Device parent, HX_U16 parent_id) {
         constexpr int kDeepest = 16;
         if (depth > kDeepest) return;

@@ -19,8 +19,8 @@ void Story::Keep(const Event& event) {
     events_.push_back({event, false});
 }
 
-// A full queue has one event in the place of those that it lost. Its number was another event's
-// before, and it changes with every further loss, so the one noted last is replaced.
+// A full queue replaces the events that it loses by a single one. That one takes over the number of
+// a lost event and changes with every further loss, so the copy noted last is replaced.
 void Story::KeepLoss(const Event& event) {
     for (Seen& each : events_) {
         if (each.event.AdapterID != event.AdapterID || each.event.Class != event.Class ||

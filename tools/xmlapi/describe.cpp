@@ -133,8 +133,8 @@ FunctionText DescribeFunction() {
     return text;
 }
 
-// Values that make the examples telling; every other child gets 0. A name with a function's before
-// it goes before the name alone.
+// Values that make the examples meaningful; every other child gets 0. FUNCTION.NAME takes
+// precedence over NAME.
 const std::map<std::string, std::string> kExampleValues = {
     {"Action", "1"},
     {"Actions", "1"},
@@ -255,7 +255,7 @@ std::vector<FunctionText> DescribeManagement() {
 std::string ExampleCommand(const FunctionText& function) {
     std::string command = "<" + function.name + " type=\"function\">\n";
     for (const Child& child : function.children) {
-        // Of the paging header only what is asked is given; the rest is what the reply fills.
+        // The request sets only part of the paging header; the reply fills the rest.
         if (function.paged && child.name != "AdapterID" && child.name != "requestType" &&
             child.name != "startingIndexOrId" && child.name != "numRequested") {
             continue;

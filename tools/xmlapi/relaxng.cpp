@@ -107,7 +107,7 @@ private:
                "</optional>\n";
     }
 
-    // Ports are numbered from 0 without a gap: each is there only when the one before is.
+    // Ports are numbered from 0 without gaps, so each is optional within the one before it.
     static std::string Ports(const Element& element, int depth) {
         std::string open;
         std::string close;

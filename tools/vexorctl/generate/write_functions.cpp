@@ -38,7 +38,7 @@ const char* KindName(Child::Kind kind) {
     return "";
 }
 
-// HX_API_Version's RetVal is a text.
+// HX_API_Version answers a text in RetVal, not a status.
 bool HasStatus(const FunctionText& function) {
     for (const Element& element : function.elements) {
         if (element.name == "RetVal") return element.type != "string";
@@ -81,7 +81,7 @@ std::string RecordName(const Element& element) {
     return element.type.substr(std::strlen("struct "));
 }
 
-// A member may not be called as its class.
+// C++ allows no member with the name of its class.
 std::string MemberName(const std::string& name, std::string_view owner) {
     return name == owner ? name + "_" : name;
 }
@@ -117,7 +117,8 @@ void WriteField(const Element& element, const std::string& owner, const char* in
     }
 }
 
-// Records of one name have their fields together; the inner ones come first.
+// All records by name. Records of one name share one type, which has the fields of all of them.
+// Inner records come first, because the outer ones use them.
 struct Records {
     std::vector<std::string> order;
     std::map<std::string, std::vector<Element>> fields;

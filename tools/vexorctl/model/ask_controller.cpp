@@ -16,16 +16,17 @@ constexpr unsigned kPage = 128;
 constexpr std::uint64_t kListComplete = 65535;
 constexpr std::uint64_t kByIndex = 1;
 
-// Every result with a status has it under one name.
+// All results have their status under the same name.
 constexpr std::string_view kStatus = calls::HX_AdapterMute::Result::RetVal.name;
 
-// In these functions' results RetVal is a number, but a count and a constant instead of a status.
+// The RetVal of these functions is a number but no status: the first is a count, the second a
+// constant.
 constexpr std::string_view kRetValIsNoStatus[] = {
     calls::HX_Adapter_GetCount::kName,
     calls::VX_HX_EVT_GetChangeCounters::kName,
 };
 
-// The head of a list, which all of them have alike.
+// All paged lists have the same head.
 using ListHead = calls::HX_LD_GetInfo;
 
 Command PageOf(unsigned adapter, std::string_view function, std::uint64_t index, unsigned items) {
@@ -87,7 +88,7 @@ void Controller::UseCodesFile(std::string path) {
 const ControllerCodes& Controller::codes() {
     if (!codes_) {
         using Function = calls::HX_API_Version;
-        codes_.emplace();  // for what this very question is answered with
+        codes_.emplace();  // Ask() needs codes already, for a refusal of this question
         const auto answer = Ask(Request<Function>{});
         const auto identity = answer[Function::Result::RetVal];
         codes_.emplace(answer.exit == Exit::kDone ? identity.value_or("") : "", codes_path_);

@@ -68,8 +68,8 @@ struct AnswerTo : Answer {
     }
 };
 
-/// The result's RetVal: 0 where it is a text, a count or a constant instead of a status, and where
-/// the function answers none; null where a status should be and is not.
+/// The status of a result, its RetVal. 0 for a function that has no status; null where the status
+/// is missing.
 std::optional<std::uint64_t> StatusOf(const Value& result);
 
 /// A paged list of the library: its function, the element of one item, and how an item's ID is
@@ -100,8 +100,8 @@ struct List {
     std::vector<Listed<Item>> items;
     Presence presence = Presence::kThere;  // kUnknown when it is not whole
 
-    /// The item of that ID, which is taken out of the list; when it has none, a record that says
-    /// why: of a list that is whole it should have been there.
+    /// Moves the item with that ID out of the list. A missing item is kNotOffered where the whole
+    /// list is, otherwise kUnknown: a complete list should have had it.
     Record<Item> Take(std::uint64_t id) {
         for (Listed<Item>& each : items) {
             if (each.id == id && each.record.IsThere()) return std::move(each.record);

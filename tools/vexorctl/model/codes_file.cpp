@@ -19,7 +19,7 @@ constexpr std::string_view kSchema = "vexorctl-codes/1";
 constexpr std::string_view kRefusals = "refusals";
 constexpr std::string_view kNamePattern = "^[a-z0-9_.]+$";
 
-// What follows from a refusal, as the file calls it.
+// The kinds of refusals, by their names in the file.
 struct FaultWord {
     std::string_view word;
     hxcodes::Fault fault;
@@ -43,7 +43,7 @@ std::size_t LineOf(const std::string& text, std::size_t byte) {
     return 1 + static_cast<std::size_t>(std::count(text.begin(), end, '\n'));
 }
 
-// Of a key that stands twice the parser would keep the last one in silence.
+// The parser would silently keep the last of two equal keys.
 Json Parse(const std::string& text) {
     std::set<std::string> keys;
     const auto watch = [&](int depth, Json::parse_event_t event, const Json& parsed) {
@@ -79,7 +79,7 @@ void CheckKeys(const Json& object, std::initializer_list<std::string_view> known
     }
 }
 
-// The code and the name of a row, which no row before it may have.
+// Reads the code and the name of each row of a list; no two rows may have the same.
 class RowReader {
 public:
     RowReader(std::string_view list, std::uint64_t least, std::uint64_t most)

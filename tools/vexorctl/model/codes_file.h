@@ -12,7 +12,7 @@
 
 namespace vexorctl {
 
-/// The text is no such file; what() tells where and why.
+/// The text is not a valid file of codes; what() says where and why.
 struct CodesFileError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };

@@ -19,12 +19,12 @@ namespace {
 
 constexpr std::size_t kMaxCodesFile = 1024 * 1024;
 
-// What adapters answer that do not have a function, or the object that it is about.
+// Refusals that only say that the adapter lacks the function or the object that it is about.
 constexpr std::string_view kAbsences[] = {"not_supported", "no_battery"};
 
 }  // namespace
 
-// The file's rows are spanned by the table, so the file stays where it is.
+// On the heap, because the table points into the file's rows, which must not move.
 struct ControllerCodes::File : CodesFile {
     using CodesFile::CodesFile;
 };
@@ -69,7 +69,7 @@ ControllerCodes::ControllerCodes(std::string_view identity, const std::optional<
                                "\"; the controller that answers is \"" + std::string(identity) +
                                "\"");
     }
-    // What a controller of ours means by its codes is certain.
+    // The codes of our own controller are known; a file does not change them.
     if (is_ours || is_for_another) return;
     table_ = &file->table();
     file_ = std::move(file);

@@ -1,6 +1,6 @@
-// What the codes of the controller mean that answers. Codes are its maker's own choice, so names,
-// sentences and what follows from them are used for a controller that is known by its identity, or
-// that the administrator has described in a file; the codes of any other are numbers.
+// The meaning of the controller's codes. Every maker chooses its own codes, so names, sentences and
+// exit codes are used only for a controller that is known by its identity or that the administrator
+// has described in a file. The codes of any other controller stay numbers.
 #pragma once
 
 #include <cstdint>
@@ -14,21 +14,21 @@
 
 namespace vexorctl {
 
-/// Why a command that needs a code cannot be carried out, to be put behind what needs it.
+/// The end of the message that a command needs a code which is not known.
 inline constexpr std::string_view kCodesNotKnown =
     "the codes of this controller are not known; describe them in a file (see --codes)";
 
-/// The file of codes that is read where none is named, below VEXORAPI_ROOT.
+/// The default file of codes, below VEXORAPI_ROOT.
 std::string CodesPath();
 
 class ControllerCodes {
 public:
     /// The interface's codes alone.
     ControllerCodes();
-    /// Those of the controller that calls itself so (HX_API_Version). A controller of ours has its
-    /// own; any other those of the file at `path`, or when that is null of the file at CodesPath()
-    /// where there is one. Throws Failure when the named file cannot be read or is for
-    /// another controller, Unavailable when the other one cannot be read.
+    /// The codes of the controller whose HX_API_Version is `identity`. Ours has its own. For any
+    /// other they are read from `path`, or, when that is null, from CodesPath() if that file
+    /// exists. Throws Failure when `path` cannot be used or is for another controller, Unavailable
+    /// when CodesPath() cannot be used.
     ControllerCodes(std::string_view identity, const std::optional<std::string>& path);
     ~ControllerCodes();
     ControllerCodes(ControllerCodes&&) noexcept;
@@ -44,7 +44,7 @@ public:
     std::string RefusalText(std::uint64_t status) const;
     /// What a refusal means for the command.
     Exit ExitOf(std::uint64_t status) const;
-    /// Whether the adapter says that it simply does not have what was asked for.
+    /// Whether the refusal only says that the adapter does not have what was asked for.
     bool IsAbsence(std::uint64_t status) const;
 
 private:

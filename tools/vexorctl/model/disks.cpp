@@ -36,8 +36,8 @@ constexpr ListSource kFreeSpaceList = ListOf(
         return space[fields::HD_FreeSpaceInfo::ID];
     });
 
-// The one word for a disk's state. Names are what both the codes of our controllers and a file of
-// codes have: bits that are called as ours mean the same.
+// A disk's state in one word. A file of codes gives the bits other numbers, so they are compared by
+// name: a bit with the name of one of ours means the same.
 std::string StateWord(std::uint64_t status, const ControllerCodes& codes) {
     const auto names = codes.table().disk_bits;
     if (names.empty()) return std::to_string(status);
@@ -51,7 +51,8 @@ std::string StateWord(std::uint64_t status, const ControllerCodes& codes) {
     return std::string(hxcodes::DiskWordOf(ours));
 }
 
-// Which group each disk serves; a group whose disks are not known may have any of the others.
+// The group of each disk. When the disks of one group are unknown, that group could have any disk
+// that is in no other, so the group of these disks is unknown.
 class Memberships {
 public:
     explicit Memberships(const List<fields::DG_Info>& groups) : of_others_(groups.presence) {

@@ -19,7 +19,7 @@ constexpr std::size_t kTimeLength = 25;
 
 using Query = calls::VX_HX_EVT_GetEvents;
 
-// What a class of events numbers by DeviceID; an adapter for all that have no address of their own.
+// The kind of object whose number is in DeviceID; the adapter where such objects have no addresses.
 ObjectKind KindOf(std::uint64_t number) {
     const auto event_class = hxcodes::ToCode<hxcodes::EventClass>(number);
     if (!event_class) return ObjectKind::kAdapter;

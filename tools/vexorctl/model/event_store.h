@@ -23,7 +23,7 @@ struct StoredEvent {
 
     std::string Text() const;  // readable, from the catalogue
     std::string Raw() const;   // the key and its values as the store has them
-    /// Tells one event from another; the same event has the same.
+    /// Equal for the same event, and different for any other.
     std::string Fingerprint() const;
 };
 

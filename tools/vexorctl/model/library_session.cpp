@@ -14,10 +14,11 @@ namespace vexorctl {
 
 namespace {
 
-// The library takes a configuration file of more bytes for absent.
+// The library treats a larger configuration file as absent.
 constexpr std::size_t kMaxConfiguration = 65535;
 
-// No result begins with it, and an emptied buffer does not either.
+// Put into the buffer before a call. Neither a result nor an empty text begins with this byte, so a
+// buffer that still does was not written.
 constexpr char kUntouched = '\x01';
 
 // The configuration's text, well-formed; empty where there is no file, or an empty one: then the

@@ -40,9 +40,9 @@ struct Reply {
 /// One per process: the library keeps its state process-wide.
 class Session {
 public:
-    /// Initialises the library, after a look at its configuration file, which the library itself
-    /// would pass over in silence where it is broken: it would then work with other files than the
-    /// configured ones. Throws Unavailable.
+    /// Checks the configuration file, then initialises the library. The library itself would
+    /// silently ignore a broken file and work with other files than the configured ones. Throws
+    /// Unavailable.
     Session();
     ~Session();
     Session(const Session&) = delete;

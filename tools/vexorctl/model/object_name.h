@@ -10,9 +10,9 @@ namespace vexorctl {
 /// write it bare as well, where "<" and "&" would be markup.
 enum class NameMarkup { kCData, kBare };
 
-/// Why no object may be called so, to be put behind the name: "holds \"]]>\", which ..."; empty for
-/// a name that is all right. A name that a result cannot carry would make every list that holds it
-/// unreadable.
+/// The reason why no object may have this name, to follow the name in a message: "holds \"]]>\",
+/// which ...". Empty for a name that is allowed. A name that a result cannot carry would make every
+/// list that contains it unreadable.
 std::string NameFault(std::string_view name, NameMarkup markup);
 
 }  // namespace vexorctl

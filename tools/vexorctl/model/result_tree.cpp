@@ -16,8 +16,8 @@ using Parser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
-// No result is nested deeper than four elements; what claims to be is cut off here, because a
-// Value's destructor descends.
+// No result is nested deeper than four elements. A deeper one is cut off, because the destructor of
+// Value is recursive.
 constexpr std::size_t kMaxDepth = 64;
 
 struct Builder {
@@ -116,7 +116,7 @@ ParsedResult ParseResult(std::string_view result) {
     if (!parsed.well_formed) {
         const XML_Error error = XML_GetErrorCode(parser.get());
         if (builder.out_of_memory || error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
-        // A number or an ID that was cut would be taken for another one.
+        // A number that was cut off would look like another number.
         for (Value* const open : builder.open) open->text.clear();
         parsed.line = XML_GetCurrentLineNumber(parser.get());
         parsed.reason = XML_ErrorString(error);

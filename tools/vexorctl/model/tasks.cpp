@@ -59,7 +59,8 @@ void LoadVirtualDiskTasks(Controller& controller, unsigned adapter, TaskDetail d
     }
 }
 
-// What a virtual disk's rebuild does to a disk is that virtual disk's task.
+// A disk that takes part in an activity of a virtual disk reports that activity as well; it is
+// listed once, as the virtual disk's task.
 bool IsOfVirtualDisk(std::uint64_t activity, const ControllerCodes& codes) {
     const std::string_view name = hxcodes::NameOf(codes.table().activities, activity);
     const auto* const row = hxcodes::FindName(hxcodes::kActivities, name);

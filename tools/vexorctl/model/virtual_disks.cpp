@@ -15,7 +15,7 @@ constexpr ListSource kConfigList = ListOf(
 
 using DiskOfBlock = std::map<std::uint64_t, std::uint64_t>;
 
-// Not known as a whole when one of them is not: a list that lacks a disk would be taken for all.
+// Null when one of them is unknown: a list without that disk would look complete.
 std::optional<std::vector<std::uint64_t>> DisksUnder(const View<fields::LD_Info>& info,
                                                      const DiskOfBlock& disk_of_block) {
     const auto blocks =

@@ -22,7 +22,7 @@ std::optional<std::uint64_t> FreeSectors(const Disk& disk) {
     return disk.free_space[HD_FreeSpaceInfo::Size];
 }
 
-// Whether a disk holds data, as its boot record tells; what is not known may be.
+// Whether a disk holds data, judged by its boot record.
 enum class Data { kNone, kHolds, kUnknown };
 Data DataOn(const Disk& disk) {
     if (!disk.boot_record) return Data::kUnknown;
@@ -46,7 +46,8 @@ bool IsFree(const Disk& disk) {
            FreeSectors(disk).value_or(0) != 0;
 }
 
-// A disk of virtual disks may have room for more, where no disk group has it all.
+// A disk with virtual disks may have room for another one, unless it belongs to a disk group, which
+// takes all of it.
 bool HasRoomBeside(const Disk& disk) {
     constexpr std::uint64_t kWorthTelling = 2 * 1024 * 1024;  // sectors: 1 GiB
     return disk.state == kConfiguredState && disk.group.presence == Presence::kNotOffered &&
@@ -99,7 +100,8 @@ std::vector<Choice> ChoicesOf(std::vector<Disk> disks, std::size_t count) {
     std::vector<Choice> choices;
     for (std::size_t at = 0; at + count <= disks.size(); ++at) {
         const auto first = disks.begin() + static_cast<std::ptrdiff_t>(at);
-        // The same room as the run before: its disks come first in the list, and it is taken.
+        // This run has as much room as the one before, whose disks come first in the list: that one
+        // is kept.
         if (!choices.empty() && FreeSectors(choices.back().front()) == FreeSectors(*first)) {
             continue;
         }
@@ -108,7 +110,8 @@ std::vector<Choice> ChoicesOf(std::vector<Disk> disks, std::size_t count) {
     return choices;
 }
 
-// The choices among disks of one kind of link, and then, where those do not do, among all.
+// First the choices among disks with one kind of link; second, in case the first are not enough,
+// the choices among all disks.
 std::vector<std::vector<Choice>> Rounds(const std::vector<Disk>& disks, std::size_t count) {
     std::vector<std::optional<std::uint64_t>> links;
     for (const Disk& disk : disks) {
@@ -163,7 +166,7 @@ std::string Ids(std::span<const Disk> disks) {
 
 std::vector<Disk> PickDisks(Invocation& invocation, std::size_t count, const SizeWish& size,
                             const RoomOfDisks& room) {
-    // --disks 0: the caller's to refuse.
+    // The caller refuses --disks 0.
     if (count == 0) return {};
     const unsigned adapter = FindAdapter(invocation);
     std::vector<Disk> disks = LoadDisks(invocation.controller());
@@ -188,7 +191,8 @@ std::vector<Disk> PickDisks(Invocation& invocation, std::size_t count, const Siz
         std::ranges::stable_sort(choices, {}, sum);
         for (Choice& choice : choices) {
             const auto sectors = room(choice);
-            // Then no choice will do, and whoever goes on with this one is told why.
+            // When the controller refuses to say how much room there is, no other choice helps
+            // either; creating from this one will report the reason.
             if (!sectors || *sectors >= *size.sectors) return std::move(choice);
             most = std::max(most, *sectors);
         }

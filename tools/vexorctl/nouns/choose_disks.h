@@ -44,12 +44,12 @@ std::string Alternatives(Invocation& invocation, unsigned adapter);
 /// The addresses of the disks with a comma between them.
 std::string Addresses(std::span<const Disk> disks);
 
-/// The addresses of the disks that an object has. Throws Failure when they are not known: they have
-/// to be named then.
+/// The addresses of an object's disks. Throws Failure when these are unknown; the user then has to
+/// name them.
 std::vector<std::string> KnownDisks(const Address& object,
                                     const std::optional<std::vector<std::uint64_t>>& disks);
 
-/// The refusal of a look before something is made or migrated, with what is free instead.
+/// The failure of the question that precedes creating and migrating, with what is free instead.
 Failure Refused(Invocation& invocation, unsigned adapter, const std::string& what,
                 const Command& command, const Answer& answer);
 

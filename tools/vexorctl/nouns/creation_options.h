@@ -37,7 +37,7 @@ struct SizeWish {
 };
 SizeWish SizeOption(const Invocation& invocation);
 
-/// What stands between commas.
+/// The parts of a list, which commas separate.
 std::vector<std::string> SplitList(std::string_view list);
 
 }  // namespace vexorctl

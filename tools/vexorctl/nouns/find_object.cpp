@@ -73,7 +73,7 @@ bool Matches(const Candidate& candidate, const Selector& selector) {
     return false;
 }
 
-// Faults of a look-up explain why something was not found; they are not the command's result.
+// A fault that was met while looking up explains why the object was not found.
 [[noreturn]] void ThrowAbsent(Controller& controller, ObjectKind kind, const std::string& typed) {
     for (const Fault& fault : controller.faults()) {
         throw Failure(controller.exit(), fault.address + ": " + fault.message);

@@ -22,7 +22,7 @@ namespace {
 
 constexpr auto kLook = std::chrono::milliseconds(50);
 
-// At which byte a descriptor of this process is.
+// The position of a descriptor of this process, in bytes.
 std::optional<std::uint64_t> PositionOf(const char* descriptor) {
     const std::string path = std::string("/proc/self/fdinfo/") + descriptor;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "re"),
@@ -32,7 +32,7 @@ std::optional<std::uint64_t> PositionOf(const char* descriptor) {
     return position;
 }
 
-// At which byte of the file this process is; null where it does not have it open.
+// The position at which this process has the file open, in bytes; null when it is not open.
 std::optional<std::uint64_t> PositionIn(const std::string& path) {
     struct stat wanted {};
     if (stat(path.c_str(), &wanted) != 0) return std::nullopt;

@@ -7,7 +7,7 @@
 
 namespace vexorctl {
 
-/// The bytes of one piece, of which all of an image but its last one are.
+/// Bytes per piece; only the last piece of an image may be shorter.
 inline constexpr std::uint64_t kFlashPieceBytes = 32768;
 
 /// While it lives, a terminal on standard error shows how many pieces have gone through `path`;

@@ -47,7 +47,7 @@ Cell VersionCell(const Record<Adapter_Info>& info,
     return TextCell(VersionText(info[version]));
 }
 
-// Those that are not well, by name; not known when it is not known of one.
+// The names of the damaged images; unknown when the health of one is unknown.
 Cell DamagedImages(const Record<Adapter_Info>& info) {
     constexpr std::pair<NumberField<Adapter_Info>, const char*> kImages[] = {
         {Adapter_Info::autoload_img_health, "autoload"},

@@ -26,7 +26,7 @@ namespace {
 using fields::BBU_Info;
 using hxcodes::CodeTable;
 
-// 65535 minutes: nothing is going on that could end.
+// 65535 minutes means that the battery is neither charging nor discharging.
 Cell MinutesAt(const Record<BBU_Info>& info, NumberField<BBU_Info> field) {
     return info[field] == 65535 ? None() : FieldCell(info, field);
 }
@@ -142,7 +142,8 @@ constexpr Bound kBounds[] = {
     {"--max-voltage", SetThreshold::volUpperBound, BBU_Info::volt_upperbound},
 };
 
-// The library takes both pairs of bounds in one call: those not named stay.
+// The library sets both pairs of bounds in one call, so those that were not named are sent back as
+// they are.
 Request<SetThreshold> RequestBounds(const Invocation& invocation, const Battery& battery) {
     auto request = RequestTo<SetThreshold>(battery);
     for (const Bound& bound : kBounds) {

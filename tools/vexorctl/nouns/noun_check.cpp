@@ -31,7 +31,7 @@ namespace vexorctl {
 
 namespace {
 
-// As monitoring systems have them; they are this command's exit codes too.
+// The levels of monitoring systems, which are also this command's exit codes.
 enum Level : unsigned { kOk = 0, kWarning = 1, kCritical = 2, kUnknown = 3 };
 constexpr hxcodes::Named kLevelNames[] = {
     {kOk, "ok"},
@@ -41,7 +41,7 @@ constexpr hxcodes::Named kLevelNames[] = {
 };
 constexpr std::string_view kLevelWords[] = {"OK", "WARNING", "CRITICAL", "UNKNOWN"};
 
-// What cannot be told is graver than nothing and less grave than a warning.
+// UNKNOWN is more serious than OK and less serious than a warning.
 constexpr Level kBySeriousness[] = {kCritical, kWarning, kUnknown, kOk};
 
 std::size_t RankOf(Level level) {
@@ -93,7 +93,7 @@ constexpr Grave kOfElements[] = {
     {"unknown", kUnknown},
 };
 
-// Null for a state of which nobody has said what it means.
+// Null for a state that has no row.
 std::optional<Level> LevelOf(std::span<const Grave> rows, std::string_view state) {
     for (const Grave& row : rows) {
         if (row.state == state) return row.level;
@@ -267,7 +267,7 @@ Exit Check(Invocation& invocation) {
                              Counted(disks.size(), "disk") + ", " +
                              Counted(virtual_disks.size(), "virtual disk")));
     }
-    // The levels are the codes 0 to 3, whatever these mean elsewhere.
+    // check exits with its level, 0 to 3; for other commands these exit codes mean something else.
     return static_cast<Exit>(worst);
 }
 

@@ -121,7 +121,8 @@ std::string ConfirmName(const DiskGroup& group) {
     return name.empty() ? group.address.Text() : name;
 }
 
-// The disk group as commands find it: no losses, no question, and one command.
+// A change of the disk group by one command. Callers add losses and a question where they need
+// them.
 Change ChangeOf(const DiskGroup& group, const std::string& what, Command command) {
     return {.what = what + " disk group " + Described(group),
             .losses = {},
@@ -131,7 +132,7 @@ Change ChangeOf(const DiskGroup& group, const std::string& what, Command command
             .size_bytes = {}};
 }
 
-// What the request for a new disk group and the question for its size have in common.
+// The parameters that the request for a new disk group shares with the question for its size.
 template <class Function>
 void AddCreation(Request<Function>& request, const Invocation& invocation,
                  const hxcodes::LevelRow& level, std::span<const Disk> disks,
@@ -153,7 +154,7 @@ Exit CreateDiskGroup(Invocation& invocation) {
     using Function = calls::HX_DG_Create;
     const hxcodes::LevelRow& level = LevelOption(invocation);
     const std::vector<Disk> disks = NamedDisks(invocation, invocation.targets());
-    // Disks that were unplugged between two looks.
+    // The disks may have been unplugged since they were looked up.
     if (disks.empty()) throw UsageError("no disks: a disk group needs one at least");
     const unsigned adapter = disks.front().address.adapter;
     const std::string name = NameOption(invocation, NameMarkup::kBare).value_or("NEW_DG");
@@ -211,7 +212,8 @@ std::string NameOrKept(const Invocation& invocation, const DiskGroup& group) {
     return name ? *name : Kept(group.info, DG_Info::Name, group.address);
 }
 
-// What is not named stays; a group without a name cannot be told from one whose name stays.
+// The library sets name and write cache together, so the one that was not named is sent back as it
+// is.
 Exit SetDiskGroup(Invocation& invocation) {
     using Function = calls::HX_DG_SetConfig;
     const DiskGroup group = FindDiskGroup(invocation);

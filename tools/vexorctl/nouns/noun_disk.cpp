@@ -39,7 +39,7 @@ using fields::Link_Entity;
 using fields::RCT_Record;
 using hxcodes::CodeTable;
 
-// What lists have in the place of an object's number where there is none.
+// Stands for no object in the library's lists.
 constexpr std::uint64_t kNoObject = 65535;
 constexpr std::uint64_t kNoVirtualDisk = 255;  // in the records of blocks too
 
@@ -220,7 +220,7 @@ constexpr Column<Block> kBlockColumns[] = {
 
 std::vector<ColumnInfo> BlockColumns() { return InfoOf(kBlockColumns); }
 
-// A disk without blocks is no fault: the targets are looked up, not searched for in the list.
+// The targets are looked up first, because a disk without blocks has no row here and is no fault.
 bool IsWanted(const std::vector<Address>& wanted, const Address& disk) {
     return wanted.empty() || std::ranges::any_of(wanted, [&](const Address& each) {
                return each.kind == ObjectKind::kAdapter ? each.adapter == disk.adapter
@@ -232,8 +232,8 @@ constexpr ListSource kBlocksOfDiskList = ListOf(
     calls::HX_BLK_GetHDBlock::Result::Info,
     +[](const View<fields::HD_Block_Info>& disk) { return disk[fields::HD_Block_Info::ID]; });
 
-// Of the disks that are wanted. A block that a disk has and the adapter does not tell is a row too:
-// only its number is known.
+// Adds the blocks of the wanted disks. A block that a disk lists but that has no record becomes a
+// row, too, of which only the number is known.
 void AddBlocks(Controller& controller, unsigned adapter, const std::vector<Address>& wanted,
                std::vector<Block>& blocks) {
     auto all = controller.ReadList(adapter, kBlockList);
@@ -328,7 +328,7 @@ Exit ListRemapped(Invocation& invocation) {
 
 // ---- Changes ----------------------------------------------------------------------------------
 
-// What a person knows a disk by.
+// The disk as plans show it to a person.
 std::string Described(const Disk& disk) {
     return disk.address.Text() + " (" + Shown(disk.info[HD_Info::Model]) + ", serial " +
            Shown(disk.info[HD_Info::SerialNo]) + ", " + SectorsText(disk.info[HD_Info::Size]) +
@@ -340,7 +340,7 @@ Disk FindDisk(Invocation& invocation) {
     return TakeObject(LoadDisks(invocation.controller()), address);
 }
 
-// The disk as commands find it: no losses, no question, and one command.
+// A change of the disk by one command. Callers add losses and a question where they need them.
 Change ChangeOf(const Disk& disk, const std::string& what, Command command) {
     return {.what = what + " " + Described(disk),
             .losses = {},

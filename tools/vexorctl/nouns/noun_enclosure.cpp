@@ -32,7 +32,7 @@ using fields::PM_Info;
 using hxcodes::CodeTable;
 using hxcodes::ElementType;
 
-// Which of an element's fields mean something depends on its type; the record has all of them.
+// The record has the fields of every type of element; only those of its own type mean something.
 template <class Make>
 Cell OfType(const Element& element, ElementType type, Make make) {
     const auto is = element.info[EncElementType_Info::Type];
@@ -90,7 +90,7 @@ constexpr Problem kProblems[] = {
     {ElementType::kVoltage, EncElementType_Info::WarnUnder, "too_low"},
 };
 
-// Not known when a flag of its type is not.
+// Unknown when one of the flags that its type has is unknown.
 Cell ProblemsCell(const Element& element) {
     const auto type = element.info[EncElementType_Info::Type];
     if (!type) return Unknown();

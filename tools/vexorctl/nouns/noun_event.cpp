@@ -103,7 +103,7 @@ struct Filter {
     std::optional<std::uint64_t> event_class;
     std::uint64_t since = 0;
 
-    // What is not known of an event does not hide it.
+    // A field that is unknown does not hide its event.
     bool Passes(const StoredEvent& event) const {
         const auto severity = event.record[Event::Severity];
         const auto is = [&](NumberField<Event> field, std::optional<std::uint64_t> wanted) {
@@ -121,7 +121,7 @@ std::string ListOfNames(std::span<const hxcodes::Named> rows) {
     return names;
 }
 
-// A time, or one so long ago, in the seconds since 1970 that events are stamped with.
+// A time, or a duration back from now, in seconds since 1970, as events have it.
 std::uint64_t SinceOf(const std::string& text) {
     const auto typed = ParseDurationOrTime(text);
     const auto* const ago = std::get_if<Duration>(&typed);
@@ -199,7 +199,7 @@ Exit ListEvents(Invocation& invocation) {
 
 // ---- follow -----------------------------------------------------------------------------------
 
-// Where following goes on: the number of the next event, and what the one before it was.
+// Where following goes on: the number of the next event, and the fingerprint of the one before it.
 struct Cursor {
     std::uint64_t next = 0;
     std::string before;
@@ -291,7 +291,8 @@ public:
         CatchUp(invocation_.controller(), extent_, cursor_);
         while (cursor_.next < extent_.next && !IsEnough() && !Interrupted() && ShowPage()) {
         }
-        // Whoever starts with nothing to show starts there the next time.
+        // Without any event to show, the cursor is kept all the same, so that the next run starts
+        // here.
         if (first_) KeepCursor();
     }
 
@@ -320,7 +321,8 @@ private:
         Arrange(invocation_, style_, report);
         PrintMore(report, style_, first_);
         first_ = false;
-        // Kept after they were printed: an event may come twice after a crash, and is never lost.
+        // The cursor is kept after the events were printed: a crash between the two repeats events
+        // and loses none.
         KeepCursor();
         return true;
     }

@@ -40,8 +40,8 @@ using hxcodes::CodeTable;
 
 constexpr std::string_view kBios = "bios";
 
-// What an adapter's record says of each image, by the names of the codes; not of every one does it
-// tell a version.
+// The fields of an adapter's record about each image, with the image's name in the code table. Some
+// images have no field for the version.
 struct ImageRow {
     std::string_view name;
     std::optional<RecordField<Adapter_Info, fields::Version_Info>> version;
@@ -151,7 +151,7 @@ Exit ShowFile(Invocation& invocation) {
 constexpr unsigned kWrite = HX_FLASH_WRITE;
 constexpr unsigned kRead = HX_FLASH_READ;
 
-// The file's path as the library takes it; it refuses longer ones as a whole.
+// The longest path that the library takes; it refuses the command with a longer one.
 constexpr std::size_t kMaxPath = 255;
 
 using Transfer = calls::HX_Flash_Option;
@@ -183,7 +183,7 @@ std::string InstalledVersion(Controller& controller, std::uint64_t image) {
     return "not told";
 }
 
-// What is in the file, as far as it can be told. Throws Failure for one that cannot be sent.
+// What is known of the file before it is sent.
 struct FileFacts {
     std::uint64_t bytes = 0;
     std::string version = "not told: only files of BIOS images tell theirs";
@@ -220,8 +220,8 @@ FileFacts LookAtFile(Controller& controller, const std::string& path, std::uint6
     return facts;
 }
 
-// The file goes piece by piece through the library, which reads it itself. Without a look at the
-// file nothing is erased.
+// The library reads the file itself, piece by piece. The file is checked first, so that nothing is
+// erased for one that cannot be sent.
 Exit UpdateFlash(Invocation& invocation) {
     const std::string* const path = invocation.Get("--file");
     if (path == nullptr) throw UsageError("--file is missing");

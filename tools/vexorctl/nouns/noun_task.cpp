@@ -126,7 +126,7 @@ Exit PauseAll(Invocation& invocation) {
                      .size_bytes = {}});
 }
 
-// What can be started on what, by which command.
+// The activities that can be started, with the kind of object and the function that starts them.
 struct StartRow {
     std::string_view kind;
     ObjectKind object;
@@ -164,7 +164,7 @@ constexpr StartRow kStarts[] = {
     {"data-scrub", ObjectKind::kDisk, &StartOnDisk<calls::HX_PD_StartDataScrub>, "", false},
 };
 
-// A rebuild needs the disk that takes the missing one's place; a disk group, several.
+// A rebuild needs the disk that replaces the missing one, and on a disk group perhaps several.
 Command RebuildCommand(Controller& controller, const Address& place, const Address& disk) {
     using OfVirtualDisk = calls::HX_LD_StartRebuild;
     using OfGroup = calls::HX_LD_DG_StartRebuild;

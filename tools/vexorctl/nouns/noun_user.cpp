@@ -74,14 +74,15 @@ Exit ShowUser(Invocation& invocation) {
                           std::to_string(answer.status) + ")");
     }
     user.group = answer[Function::Result::UserGroup];
-    // A success all the same, for the library.
+    // The library reports success for a user that does not exist.
     if (user.group == "UnknownUser") {
         throw Failure(Exit::kNoObject, "there is no user \"" + name + "\"");
     }
     return PresentUser(invocation, std::move(user));
 }
 
-// A terminal shows nothing of a password; its settings come back whatever happens.
+// Switches the echo of a terminal off while a password is typed, and restores its settings in any
+// case.
 class Silence {
 public:
     Silence() : quiet_(tcgetattr(STDIN_FILENO, &before_) == 0) {

@@ -129,7 +129,7 @@ std::string Described(const VirtualDisk& disk) {
            ", " + SectorsText(disk.info[LD_Info::Size]) + ")";
 }
 
-// What has to be typed before it is destroyed: its name, or its address when it has none.
+// What the user has to type before it is destroyed: its name, or its address when it has none.
 std::string ConfirmName(const VirtualDisk& disk) {
     const std::string name = disk.info[LD_Info::Name].value_or("");
     return name.empty() ? disk.address.Text() : name;
@@ -139,7 +139,8 @@ std::string DisksText(const VirtualDisk& disk) {
     return disk.disks ? Joined(DisksCell(disk).texts, ", ") : "not known";
 }
 
-// The virtual disk as commands find it: no losses, no question, and one command.
+// A change of the virtual disk by one command. Callers add losses and a question where they need
+// them.
 Change ChangeOf(const VirtualDisk& disk, const std::string& what, Command command) {
     return {.what = what + " virtual disk " + Described(disk),
             .losses = {},
@@ -166,11 +167,10 @@ Exit ImportVirtualDisk(Invocation& invocation) {
                     ChangeOf(disk, "Import", RequestFor(disk.address, calls::HX_LD_Import::LD_ID)));
 }
 
-// What a caller may set of a cache. That the battery does not allow write-back is the controller's
-// own.
+// The cache modes that can be set. forced_write_through is the controller's own.
 constexpr std::string_view kCacheModes[] = {"write_back", "read_ahead"};
 
-// Several names of bits between commas.
+// Names of bits, which commas separate.
 std::uint64_t CacheOption(Controller& controller, const std::string& text) {
     std::uint64_t bits = 0;
     std::string_view rest = text;
@@ -187,8 +187,8 @@ std::uint64_t CacheOption(Controller& controller, const std::string& text) {
     return bits;
 }
 
-// Of a virtual disk that is made: read-ahead when nothing is said, and nothing where the
-// controller's codes are not known.
+// The cache mode of a new virtual disk: that of --cache, else read-ahead, or 0 where the
+// controller's codes are unknown.
 std::uint64_t NewCache(Invocation& invocation) {
     Controller& controller = invocation.controller();
     if (const std::string* const cache = invocation.Get("--cache")) {
@@ -197,8 +197,8 @@ std::uint64_t NewCache(Invocation& invocation) {
     return controller.codes().AreKnown() ? CacheOption(controller, "read_ahead") : 0;
 }
 
-// Of a virtual disk that is there: what is set and can be set, unless --cache says otherwise. Bits
-// that are not known stay too.
+// The cache mode of an existing virtual disk: that of --cache, else the present one without the bit
+// that cannot be set. Bits without a name are kept.
 std::uint64_t CacheOrKept(Invocation& invocation, const VirtualDisk& disk) {
     Controller& controller = invocation.controller();
     if (const std::string* const cache = invocation.Get("--cache")) {
@@ -217,7 +217,7 @@ std::string NameOrKept(Invocation& invocation, const VirtualDisk& disk, const au
     return name ? *name : Kept(record, field, disk.address);
 }
 
-// The library sets all of them at once: those that are not named stay as they are.
+// The library sets all settings at once, so those that were not named are sent back as they are.
 Exit SetVirtualDisk(Invocation& invocation) {
     using Function = calls::HX_LD_SetConfig;
     const VirtualDisk disk = FindVirtualDisk(invocation);
@@ -251,7 +251,7 @@ std::uint64_t SlotOption(const Invocation& invocation, const DiskGroup& group) {
     return empty == slots.end() ? 0 : static_cast<std::uint64_t>(empty - slots.begin());
 }
 
-// 0 is what a controller does that is told nothing.
+// 0 leaves the choice to the controller.
 std::uint64_t CodeOrNone(Invocation& invocation, std::string_view option, CodeNames names) {
     return invocation.Has(option) ? CodeOption(invocation, option, names) : 0;
 }
@@ -294,7 +294,7 @@ Exit CreateOnGroup(Invocation& invocation, const std::string& typed) {
                      .find = NewestFinder(invocation)});
 }
 
-// What the request for a new virtual disk and the question for its size have in common.
+// The parameters that the request for a new virtual disk shares with the question for its size.
 template <class Function>
 Request<Function> CreationRequest(Invocation& invocation, const hxcodes::LevelRow& level,
                                   std::span<const Disk> disks, const std::string& name) {
@@ -341,7 +341,7 @@ Exit CreateVirtualDisk(Invocation& invocation) {
     const std::vector<Disk> disks =
         count ? PickDisks(invocation, static_cast<std::size_t>(*count), size, room)
               : NamedDisks(invocation, invocation.targets());
-    // --disks 0, or disks that were unplugged between two looks.
+    // After --disks 0, or when the disks were unplugged since they were looked up.
     if (disks.empty()) throw UsageError("no disks: a virtual disk needs one at least");
     const unsigned adapter = disks.front().address.adapter;
     const auto most = ask(disks);
@@ -388,7 +388,7 @@ Exit QuickCreate(Invocation& invocation) {
          .find = NewestFinder(invocation)});
 }
 
-// The request for a migration and the question for the size that comes of it.
+// The parameters that the request for a migration shares with the question for the resulting size.
 template <class Function>
 Request<Function> MigrationRequest(const VirtualDisk& disk, const hxcodes::LevelRow& level,
                                    std::span<const Disk> disks) {
@@ -432,7 +432,8 @@ std::uint64_t RoomOnGroup(Invocation& invocation, const VirtualDisk& disk) {
            Kept(owner.info, fields::DG_Info::RemainingManagedSpace, address);
 }
 
-// What both functions that modify a virtual disk take; what is not named stays.
+// The parameters that both functions for modifying a virtual disk take. What was not named is sent
+// back as it is.
 template <class Function>
 Request<Function> ModificationRequest(Invocation& invocation, const VirtualDisk& disk,
                                       std::uint64_t sectors) {

@@ -78,7 +78,7 @@ void Confirm(const Invocation& invocation, const Change& change) {
                       "not confirmed: there is no terminal to ask; say --yes, or --dry-run to see "
                       "the plan");
     }
-    // Whoever cannot type a name as it is types it as it is shown.
+    // A name that cannot be typed is accepted in the form in which it was shown, too.
     const std::string shown = Printable(change.confirm);
     const std::string question =
         PlanText(change, StyleOf(invocation, "table")) + "Type " + shown + " to go on: ";

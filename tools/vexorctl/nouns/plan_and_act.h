@@ -57,8 +57,8 @@ std::uint64_t CodeNamed(Controller& controller, CodeNames names, std::string_vie
 /// 1 for "on", 0 for "off"; null when the option was not given.
 std::optional<unsigned> SwitchOption(const Invocation& invocation, std::string_view option);
 
-/// A field that the library sets together with others, as it is. Throws Failure when it is not
-/// known: a command would overwrite it with what nobody has asked for.
+/// The present value of a field that the library sets together with others. Throws Failure when it
+/// is unknown, because the command would overwrite it with a value that nobody asked for.
 template <class R, class Field>
 auto Kept(const Record<R>& record, Field field, const Address& address) {
     auto value = record[field];
@@ -70,7 +70,8 @@ auto Kept(const Record<R>& record, Field field, const Address& address) {
     return *std::move(value);
 }
 
-/// What tells the address of an object that is not there yet, once it is; empty when there is none.
+/// A function that returns the address of the object that has been created since now; empty when
+/// there is none.
 template <class Object>
 std::function<std::string()> FindNewest(Invocation& invocation,
                                         std::vector<Object> (*load)(Controller&)) {

@@ -26,7 +26,7 @@ Exit ReportNul(std::string_view subject, const std::string& command, std::size_t
 
 Exit ReportNotParsed(std::string_view subject, const std::string& command) {
     const XmlInspection inspection = InspectXml(command);
-    // Nothing is wrong with it, so the library had no memory for it.
+    // The command itself is valid, so the library had no memory for it.
     if (inspection.well_formed) throw std::bad_alloc();
     if (inspection.too_many_declarations) {
         ReportFailure(subject, "document type with more than " + std::to_string(kMaxDeclarations) +
@@ -63,7 +63,8 @@ Exit PrintDelivered(Controller& controller, std::string_view subject, std::strin
         ReportFailure(subject, "result does not say whether it was done: it has no RetVal");
         exit = MoreSerious(exit, Exit::kUndelivered);
     }
-    // The library drops what its document cannot hold, and writes some texts as they are.
+    // A result can be broken: the library cuts it where its document is full, and does not escape
+    // some texts.
     if (!parsed.well_formed) {
         ReportFailure(subject, "result is not well-formed: " + std::to_string(parsed.line) + ": " +
                                    parsed.reason);

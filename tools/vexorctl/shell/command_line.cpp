@@ -138,8 +138,8 @@ Exit Help(const std::string& text) {
     return Exit::kDone;
 }
 
-// Scripts that asked for a document get one however the command ends; wrong usage is theirs to
-// mend.
+// A script that asked for a document gets one however the command ends, except for wrong usage,
+// which the script has to correct.
 Exit RunDocumentingFailure(const CommandRow& row, Invocation& invocation) {
     try {
         if (const std::string* const codes = invocation.Get("--codes")) {

@@ -98,7 +98,8 @@ bool IsOn(std::string_view address, std::string_view owner) {
            (address.size() == owner.size() || address[owner.size()] == '/');
 }
 
-// A document stands alone: what goes wrong behind it is told on standard error only.
+// Nothing may follow a document on standard output; later failures are reported on standard error
+// only.
 bool document_printed = false;
 
 void PrintDocument(const Report& report, const Style& style) {
@@ -141,7 +142,7 @@ std::vector<std::size_t> NamedColumns(const Report& report, const std::string& k
     return chosen;
 }
 
-// Those that are shown without being named.
+// The columns that are shown when none are named.
 std::vector<std::size_t> PlacedColumns(const Report& report, const Style& style, bool all) {
     std::vector<std::size_t> chosen;
     for (std::size_t i = 0; i < report.columns.size(); ++i) {

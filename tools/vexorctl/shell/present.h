@@ -24,7 +24,7 @@ Style StyleOf(const Invocation& invocation, std::string_view otherwise);
 template <class Record, std::size_t n>
 Report Tabulated(Invocation& invocation, const Column<Record> (&columns)[n],
                  const std::vector<Record>& records) {
-    // Whatever shows no codes need not ask who the controller is.
+    // A report without codes does not need the controller's identity.
     const bool has_codes = std::ranges::any_of(
         columns, [](const ColumnInfo& column) { return column.names != nullptr; });
     Report report{.command = invocation.row().Name(), .columns = {}, .rows = {}, .faults = {}};
