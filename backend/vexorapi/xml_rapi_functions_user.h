@@ -13,14 +13,7 @@ inline constexpr Function kHX_LogonUser{
         WholeTextParam("lpszDomain", &VX_LogonUser::lpszDomain),
         WholeTextParam("lpszPassword", &VX_LogonUser::lpszPassword),
     },
-    [](VX_LogonUser& record) {
-        record.RetVal =
-            HX_LogonUser(reinterpret_cast<HX_U8*>(record.lpszUsername),
-                         reinterpret_cast<HX_U8*>(record.lpszDomain),
-                         reinterpret_cast<HX_U8*>(record.lpszPassword), record.dwLogonType,
-                         record.dwLogonProvider, record.phToken, &record.UG);
-        return true;
-    },
+    AnswerLogon,
     StatusOnly<VX_LogonUser>(),
     Values<XML_RA_UserGroup_Value>(&VX_LogonUser::UG),
 };
@@ -33,11 +26,7 @@ inline constexpr Function kHX_GetUserGroup{
         WholeTextParam("lpszUsername", &VX_GetUserGroup::lpszUsername),
         WholeTextParam("lpszDomain", &VX_GetUserGroup::lpszDomain),
     },
-    [](VX_GetUserGroup& record) {
-        record.RetVal = HX_GetUserGroup(reinterpret_cast<HX_U8*>(record.lpszUsername),
-                                        reinterpret_cast<HX_U8*>(record.lpszDomain), &record.UG);
-        return true;
-    },
+    AnswerUserGroup,
     StatusOnly<VX_GetUserGroup>(),
     Values<XML_RA_UserGroup_Value>(&VX_GetUserGroup::UG),
 };

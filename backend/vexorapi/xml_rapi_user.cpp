@@ -113,36 +113,53 @@ public:
         char path[kRootPathSize];
         if (RootPath(path, Database::kFile) == nullptr) return nullptr;
         const bool own_root = std::strcmp(path, Database::kFile) != 0;
+        errno = 0;
         const File file = own_root ? OpenDatabase(path) : nullptr;
-        if (own_root && file == nullptr) return nullptr;
+        if (own_root && file == nullptr) return Nothing(errno);
         for (std::size_t room = kFirstRoom; room <= kMostRoom; room *= 2) {
             texts_ = MakeSecretBlock<char>(room);
-            if (texts_ == nullptr) return nullptr;
+            if (texts_ == nullptr) return Nothing(ENOMEM);
             Entry* found = nullptr;
             const int error = own_root ? FindInFile<Database>(file.get(), name, &entry_,
                                                               texts_.get(), room, &found)
                                        : Database::Find(name, &entry_, texts_.get(), room, &found);
-            if (error != ERANGE) return error == 0 ? found : nullptr;
+            if (error != ERANGE) return error == 0 ? found : Nothing(error);
         }
         return nullptr;
     }
 
+    /// Whether nothing was found for lack of memory: there may be such an entry.
+    bool LackedMemory() const { return lacked_memory_; }
+
 private:
+    const Entry* Nothing(int error) {
+        lacked_memory_ = error == ENOMEM;
+        return nullptr;
+    }
+
+    bool lacked_memory_ = false;
     Entry entry_{};
     SecretBlock<char> texts_;
 };
 
-// The group of a user who exists: UnknownUser when the host has no group of administrators. The
-// primary group is not asked: only who is listed counts.
-UserGroup GroupOf(const char* user) {
-    if (std::strcmp(user, kAdministrator) == 0) return AdminUser;
+// What a function of users answers.
+struct Answer {
+    HX_BOOLEAN code;
+    UserGroup group;
+    bool seen = true;  // false: for lack of memory the group is not what it may be
+};
+
+// The group of a user who exists, with code 0: UnknownUser when the host has no group of
+// administrators. The primary group is not asked: only who is listed counts.
+Answer GroupOf(const char* user) {
+    if (std::strcmp(user, kAdministrator) == 0) return {0, AdminUser};
     Search<GroupDatabase> search;
     const group* const administrators = search.Find(kAdministratorGroup);
-    if (administrators == nullptr) return UnknownUser;
+    if (administrators == nullptr) return {0, UnknownUser, !search.LackedMemory()};
     for (char* const* member = administrators->gr_mem; *member != nullptr; ++member) {
-        if (std::strcmp(*member, user) == 0) return AdminUser;
+        if (std::strcmp(*member, user) == 0) return {0, AdminUser};
     }
-    return ValidUser;
+    return {0, ValidUser};
 }
 
 bool IsPassword(const char* password, const char* stored_hash) {
@@ -157,30 +174,59 @@ bool IsPassword(const char* password, const char* stored_hash) {
     return std::strcmp(hash, stored_hash) == 0;
 }
 
+Answer LogOn(const HX_U8* name, const HX_U8* given_password) {
+    const char* const user = WholeText(name, kUserTextSize);
+    if (user == nullptr || *user == '\0') return {kNoShadowEntry, UnknownUser};
+    Search<ShadowDatabase> search;
+    const spwd* const entry = search.Find(user);
+    if (entry == nullptr) return {kNoShadowEntry, UnknownUser};
+    Answer answer = GroupOf(user);
+    const char* const password = WholeText(given_password, kUserTextSize);
+    const bool right = password != nullptr && IsPassword(password, entry->sp_pwdp);
+    answer.code = right ? HX_SUCCESS : kWrongPassword;
+    return answer;
+}
+
+Answer LookUpGroup(const HX_U8* name) {
+    const char* const user = WholeText(name, kUserTextSize);
+    if (user == nullptr || *user == '\0') return {0, UnknownUser};
+    Search<UserDatabase> search;
+    if (search.Find(user) == nullptr) return {0, UnknownUser, !search.LackedMemory()};
+    Answer answer = GroupOf(user);
+    answer.code = answer.group == UnknownUser ? 1 : 0;
+    return answer;
+}
+
+const HX_U8* Field(const char (&field)[kUserTextSize]) {
+    return reinterpret_cast<const HX_U8*>(field);
+}
+
+HX_BOOLEAN Tell(const Answer& answer, UserGroup* group) {
+    *group = answer.group;
+    return answer.code;
+}
+
 }  // namespace
+
+bool AnswerLogon(VX_LogonUser& record) {
+    const Answer answer = LogOn(Field(record.lpszUsername), Field(record.lpszPassword));
+    record.RetVal = Tell(answer, &record.UG);
+    return answer.seen;
+}
+
+bool AnswerUserGroup(VX_GetUserGroup& record) {
+    const Answer answer = LookUpGroup(Field(record.lpszUsername));
+    record.RetVal = Tell(answer, &record.UG);
+    return answer.seen;
+}
 
 HX_BOOLEAN HX_LogonUser(HX_U8* lpszUsername, HX_U8*, HX_U8* lpszPassword, HX_U32, HX_U32, void*,
                         UserGroup* UG) {
-    *UG = UnknownUser;
-    const char* const user = WholeText(lpszUsername, kUserTextSize);
-    if (user == nullptr || *user == '\0') return kNoShadowEntry;
-    Search<ShadowDatabase> search;
-    const spwd* const entry = search.Find(user);
-    if (entry == nullptr) return kNoShadowEntry;
-    *UG = GroupOf(user);
-    const char* const password = WholeText(lpszPassword, kUserTextSize);
-    const bool right = password != nullptr && IsPassword(password, entry->sp_pwdp);
-    return right ? HX_SUCCESS : kWrongPassword;
+    return Tell(LogOn(lpszUsername, lpszPassword), UG);
 }
 
 HX_BOOLEAN HX_GetUserGroup(HX_U8* lpszUsername, HX_U8*, UserGroup* UG) {
-    *UG = UnknownUser;
-    const char* const user = WholeText(lpszUsername, kUserTextSize);
-    if (user == nullptr || *user == '\0') return 0;
-    Search<UserDatabase> search;
-    if (search.Find(user) == nullptr) return 0;
-    *UG = GroupOf(user);
-    return *UG == UnknownUser ? 1 : 0;
+    return Tell(LookUpGroup(lpszUsername), UG);
 }
 
 HX_BOOLEAN HX_GetUserName(HX_U8* username, HX_U32, HX_U8*, HX_U32) {

@@ -64,6 +64,12 @@ HX_BOOLEAN HX_LogonUser(HX_U8* lpszUsername, HX_U8* lpszDomain, HX_U8* lpszPassw
 /// (*UG is UnknownUser), otherwise 0, also for an unknown user.
 HX_BOOLEAN HX_GetUserGroup(HX_U8* lpszUsername, HX_U8* lpszDomain, UserGroup* UG);
 
+/// HX_LogonUser and HX_GetUserGroup for the fields of a request. They return false when there was
+/// no memory to look the group up: the record then holds another group than the user may have, and
+/// is not to be shown.
+[[nodiscard]] bool AnswerLogon(VX_LogonUser& record);
+[[nodiscard]] bool AnswerUserGroup(VX_GetUserGroup& record);
+
 /// Writes "root" and its NUL to `username`, whatever the sizes say, and returns 0. The domain is
 /// left alone.
 HX_BOOLEAN HX_GetUserName(HX_U8* username, HX_U32 nsize, HX_U8* domainname, HX_U32 dsize);

@@ -113,6 +113,41 @@ TEST_F(WithoutMemory, AQuickCreationFailsWith4) {
     EXPECT_THAT(hxfake::Calls(), IsEmpty());
 }
 
+class UsersWithoutMemory : public WithoutMemory {
+protected:
+    UsersWithoutMemory() {
+        root.Write("/etc/passwd", "alice:x:1000:1000::/home/alice:/bin/sh\n");
+        root.Write("/etc/shadow", "alice:*:19000:0:99999:7:::\n");
+        root.Write("/etc/group", "root:x:0:alice\n");
+    }
+    // Wherever memory ends: the whole answer, one that says so, or none.
+    static void Expect(const std::string& name, int code, const std::string& less) {
+        const std::string alice = "<lpszUsername>alice</lpszUsername>";
+        const std::string whole =
+            Send("<" + name + " type=\"function\">" + alice + "</" + name + ">").text;
+        ASSERT_NE(std::string::npos, whole.find(">" + std::to_string(code) + "</RetVal>"));
+        ASSERT_NE(std::string::npos, whole.find(">Administrator</UserGroup>")) << whole;
+        int empty = 0;
+        for (std::size_t granted = 0; granted < 20; ++granted) {
+            const Reply reply = Ask(name, alice, granted);
+            EXPECT_EQ(1, reply.ok);
+            if (reply.text.empty()) {
+                ++empty;
+            } else if (less.empty() || reply.text.find(less) == std::string::npos) {
+                EXPECT_EQ(whole, reply.text) << granted;
+            }
+        }
+        EXPECT_LT(0, empty);
+    }
+};
+
+TEST_F(UsersWithoutMemory, AGroupIsTheUsersOrNone) { Expect("HX_GetUserGroup", 0, ""); }
+
+// A shadow entry that cannot be read is none, as it always was: nobody is let in by it.
+TEST_F(UsersWithoutMemory, ALogonTellsTheUsersGroupOrNone) {
+    Expect("HX_LogonUser", 3, ">2</RetVal>");
+}
+
 TEST_F(WithoutMemory, AFlashImageFailsWith1) {
     root.Write("/image", "bytes");
     const Reply reply = Ask(
