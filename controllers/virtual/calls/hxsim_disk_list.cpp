@@ -1,4 +1,4 @@
-// The records of disks, and their lights.
+// Lists of disks, and their lights.
 #include "calls/hxsim_disk_list.h"
 
 #include <algorithm>
@@ -6,85 +6,15 @@
 #include <vector>
 
 #include "calls/hxsim_session.h"
-#include "model/hxsim_activity_row.h"
-#include "model/hxsim_link.h"
-#include "model/hxsim_text.h"
 
 namespace hxsim {
 namespace {
-
-void DescribeDisk(const Adapter& adapter, const Disk& disk, const DiskRole& role, Time,
-                  HD_Info& info) {
-    info.Link = LinkOf(adapter, disk);
-    info.AdapterID = adapter.id;
-    info.Status = role.status;
-    info.HDType = NumberOf(disk.sas ? DiskType::kSas : DiskType::kSata);
-    info.ConnectionType = NumberOf(disk.sas ? ConnectionType::kSas : ConnectionType::kSata);
-    if (!disk.sas) {
-        info.PIOMode = info.CurrentPIOMode = 4;
-        info.MDMAMode = info.CurrentMDMAMode = 2;
-        info.UDMAMode = info.CurrentUDMAMode = 6;
-    }
-    info.FeatureSupport = DiskFeature::kSmart | DiskFeature::kWriteCache | DiskFeature::kQueueing;
-    SetPaddedText(info.Model, disk.model);
-    SetPaddedText(info.SerialNo, disk.serial);
-    SetPaddedText(info.FWVersion, disk.firmware);
-    SetWorldWideName(info.WWN, disk.wwn);
-    info.Size.value = disk.sectors;
-    info.ActivityLEDStatus = Answers(disk);
-    info.LocateLEDStatus = disk.locate_light;
-    info.ErrorLEDStatus = disk.failed;
-}
-
-void DescribeFreeSpace(const Adapter& adapter, const Disk& disk, const DiskRole& role, Time,
-                       HD_FreeSpaceInfo& space) {
-    space.ID = disk.id;
-    space.AdapterID = adapter.id;
-    space.isFixed = 1;
-    space.Size.value = role.free;
-}
-
-void DescribeSettings(const Adapter&, const Disk& disk, const DiskRole&, Time, HD_Config& config) {
-    config.WriteCacheOn = disk.write_cache;
-    config.SMARTOn = disk.smart_on;
-    config.Online = Answers(disk) && !disk.offline;
-    config.DriveSpeed = NumberOf(disk.speed);
-    config.HDID = disk.id;
-}
-
-void DescribeActivity(const Adapter& adapter, const Disk& disk, const DiskRole& role, Time now,
-                      HD_BGA_Status& status) {
-    status.HDID = disk.id;
-    status.Status = role.status;
-    const Activity* const activity = ActivityOf(adapter, Owner::kDisk, disk.id);
-    if (activity == nullptr) return;
-    status.Percentage = Percentage(*activity, now);
-    status.Bga = NumberOf(activity->kind);
-    status.BgaStatus = NumberOf(activity->state);
-}
-
-void DescribeSmart(const Adapter&, const Disk& disk, const DiskRole&, Time,
-                   HD_SMART_Status& smart) {
-    // What nobody measures is not known to be over its threshold.
-    smart.SmartThresholdExceeded = disk.smart_on && disk.smart_exceeded;
-    smart.HDID = disk.id;
-}
-
-void DescribeRole(const Adapter&, const Disk& disk, const DiskRole& role, Time,
-                  HD_RAID_Status& status) {
-    status.HDID = disk.id;
-    status.DGID = role.serves;
-    status.Status = role.status;
-}
 
 std::vector<RCT_Record> RemapTable(const Adapter& adapter, HX_U16 disk) {
     std::vector<RCT_Record> table;
     for (const Remap& remap : adapter.remaps) {
         if (remap.disk != disk || remap.reason == kNotRemapped) continue;
-        RCT_Record& record = table.emplace_back();
-        record.lba.value = remap.lba;
-        record.sec = remap.sectors;
-        record.flag = NumberOf(remap.reason);
+        Describe(remap, table.emplace_back());
     }
     return table;
 }
@@ -146,39 +76,33 @@ Status FindSystem(const Adapter& adapter, HX_U8 kind, HX_U8 count, const HX_U16*
 // ---- Lists ----
 
 HX_U8 HX_PD_GetHDInfo(HX_U8 AdapterID, HD_Info_Request* request) {
-    return hxsim::ListDisks(__func__, AdapterID, request, &HD_Info_Request::hdInfo,
-                            hxsim::DescribeDisk);
+    return hxsim::ListDisks(__func__, AdapterID, request, &HD_Info_Request::hdInfo);
 }
 
 // What the plain call cannot number, no adapter here has.
 HX_U8 HX_PD_GetHDInfo_Ext(HX_U8 AdapterID, HD_Info_Request* request) {
-    return hxsim::ListDisks(__func__, AdapterID, request, &HD_Info_Request::hdInfo,
-                            hxsim::DescribeDisk);
+    return hxsim::ListDisks(__func__, AdapterID, request, &HD_Info_Request::hdInfo);
 }
 
 HX_U8 HX_PD_GetFreeSpaceInfo(HX_U8 AdapterID, HD_FreeSpaceInfo_Request* request) {
     return hxsim::ListDisks(__func__, AdapterID, request,
-                            &HD_FreeSpaceInfo_Request::hdFreeSpaceInfo, hxsim::DescribeFreeSpace);
+                            &HD_FreeSpaceInfo_Request::hdFreeSpaceInfo);
 }
 
 HX_U8 HX_PD_GetConfig(HX_U8 AdapterID, HD_Config_Request* request) {
-    return hxsim::ListDisks(__func__, AdapterID, request, &HD_Config_Request::hdConfig,
-                            hxsim::DescribeSettings);
+    return hxsim::ListDisks(__func__, AdapterID, request, &HD_Config_Request::hdConfig);
 }
 
 HX_U8 HX_PD_GetBGAStatus(HX_U8 AdapterID, HD_BGA_Status_Request* request) {
-    return hxsim::ListDisks(__func__, AdapterID, request, &HD_BGA_Status_Request::hdBgaStatus,
-                            hxsim::DescribeActivity);
+    return hxsim::ListDisks(__func__, AdapterID, request, &HD_BGA_Status_Request::hdBgaStatus);
 }
 
 HX_U8 HX_PD_GetSmartStatus(HX_U8 AdapterID, HD_SMART_Status_Request* request) {
-    return hxsim::ListDisks(__func__, AdapterID, request, &HD_SMART_Status_Request::hdSmartStatus,
-                            hxsim::DescribeSmart);
+    return hxsim::ListDisks(__func__, AdapterID, request, &HD_SMART_Status_Request::hdSmartStatus);
 }
 
 HX_U8 HX_PD_GetHDRaidStatus(HX_U8 AdapterID, HD_RAID_Status_Request* request) {
-    return hxsim::ListDisks(__func__, AdapterID, request, &HD_RAID_Status_Request::hdRaidStatus,
-                            hxsim::DescribeRole);
+    return hxsim::ListDisks(__func__, AdapterID, request, &HD_RAID_Status_Request::hdRaidStatus);
 }
 
 // ---- One disk ----

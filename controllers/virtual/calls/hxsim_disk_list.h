@@ -3,13 +3,14 @@
 
 #include <optional>
 
+#include "calls/hxsim_disk_record.h"
 #include "calls/hxsim_list_page.h"
 #include "hxraid.h"
 #include "model/hxsim_disk_role.h"
 
 namespace hxsim {
 
-/// List of disks. `describe(adapter, disk, role, now, record)` fills a record that is zero.
+/// List of disks. `describe(adapter, disk, role, now, record)` writes the record.
 template <class Request, class Record, class Describe>
 HX_U8 ListDisks(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
                 Describe describe) {
@@ -26,6 +27,14 @@ HX_U8 ListDisks(const char* call, HX_U8 adapter_id, Request* request, Record (Re
         [&](const Adapter& adapter, const Disk& disk, Time now, Record& record) {
             describe(adapter, disk, role_of(adapter, disk), now, record);
         });
+}
+
+/// List of disks by the Describe of the record.
+template <class Request, class Record>
+HX_U8 ListDisks(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1]) {
+    return ListDisks(call, adapter_id, request, list,
+                     [](const Adapter& adapter, const Disk& disk, const DiskRole& role, Time now,
+                        Record& record) { Describe(adapter, disk, role, now, record); });
 }
 
 }  // namespace hxsim

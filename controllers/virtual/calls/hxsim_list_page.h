@@ -32,7 +32,7 @@ private:
 /// Answers a list request with some of the adapter's rows, which ascend by ID.
 ///
 /// `rows` is the list in the adapter, `is_listed(adapter, row)` says which of them a caller sees,
-/// and `describe(adapter, row, now, record)` fills a record that is zero. Never writes more than
+/// and `describe(adapter, row, now, record)` writes the record. Never writes more than
 /// numRequested records; an index past the last object is the end of the list, and an ID that no
 /// listed object has is refused with `missing`.
 template <class Request, class Record, class Row, class IsListed, class Describe>
@@ -75,6 +75,16 @@ HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request
            std::vector<Row> Adapter::*rows, Status missing, Describe describe) {
     const auto every = [](const Adapter&, const Row&) { return true; };
     return List(call, adapter_id, request, list, rows, missing, every, describe);
+}
+
+/// The same by the Describe of the row and the record, which the caller has included.
+template <class Request, class Record, class Row>
+HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
+           std::vector<Row> Adapter::*rows, Status missing) {
+    return List(call, adapter_id, request, list, rows, missing,
+                [](const Adapter& adapter, const Row& row, Time now, Record& record) {
+                    Describe(adapter, row, now, record);
+                });
 }
 
 }  // namespace hxsim

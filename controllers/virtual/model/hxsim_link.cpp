@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "model/hxsim_record_bytes.h"
+
 namespace hxsim {
 namespace {
 
@@ -21,29 +23,36 @@ std::uint64_t Name(std::uint64_t kind, HX_U8 adapter, HX_U16 number, unsigned po
            std::uint64_t{adapter} << 8 | port;
 }
 
-Link_Endpoint Endpoint(Device kind, HX_U16 id, HX_U8 phy, HX_U8 phys, HX_U16 enclosure) {
-    Link_Endpoint end{};
+void SetEndpoint(Link_Endpoint& end, Device kind, HX_U16 id, HX_U8 phy, HX_U8 phys,
+                 HX_U16 enclosure, std::uint64_t address) {
     end.DevID = id;
     end.DevType = NumberOf(kind);
-    end.PhyCnt = std::min<HX_U8>(phys, std::size(end.PhyID));
+    end.PhyCnt = std::min(phys, static_cast<HX_U8>(std::size(end.PhyID)));
+    SetZero(end.PhyID);
     for (HX_U8 i = 0; i < end.PhyCnt; ++i) end.PhyID[i] = static_cast<HX_U8>(phy + i);
+    SetWorldWideName(end.SAS_Address, address);
     end.EnclosureID = enclosure;
-    return end;
+    SetZero(end.Reserved);
 }
 
-Link_Endpoint Parent(const Adapter& adapter, const Attachment& at) {
+void SetParent(Link_Endpoint& parent, const Adapter& adapter, const Attachment& at) {
+    HX_U16 enclosure = kNoId;
+    std::uint64_t address = 0;
     const Expander* const expander =
         at.parent == Device::kExpander ? Find(adapter.expanders, at.parent_id) : nullptr;
-    Link_Endpoint parent = Endpoint(at.parent, at.parent_id, at.phy, at.phys,
-                                    expander == nullptr ? kNoId : expander->enclosure);
     if (expander != nullptr) {
-        SetWorldWideName(parent.SAS_Address,
-                         WorldWideName(Device::kExpander, adapter.id, at.parent_id, 0));
+        enclosure = expander->enclosure;
+        address = WorldWideName(Device::kExpander, adapter.id, at.parent_id, 0);
     } else if (at.parent == Device::kAdapter) {
-        SetWorldWideName(parent.SAS_Address,
-                         WorldWideName(Device::kAdapter, adapter.id, 0, at.phy + 1U));
+        address = WorldWideName(Device::kAdapter, adapter.id, 0, at.phy + 1U);
     }
-    return parent;
+    SetEndpoint(parent, at.parent, at.parent_id, at.phy, at.phys, enclosure, address);
+}
+
+std::uint64_t AddressOf(const Adapter& adapter, const Disk& disk) {
+    if (disk.sas) return disk.wwn + 1;  // of its first port
+    if (disk.parent != Device::kExpander) return 0;
+    return WorldWideName(Device::kExpander, adapter.id, disk.parent_id, disk.phy + 1U);
 }
 
 }  // namespace
@@ -63,36 +72,28 @@ void SetWorldWideName(HX_U8 (&field)[8], std::uint64_t name) {
     }
 }
 
-Link_Entity LinkOf(const Adapter& adapter, const Disk& disk) {
-    Link_Endpoint self = Endpoint(Device::kDisk, disk.id, 0, disk.phys, disk.enclosure);
-    if (disk.sas) {
-        SetWorldWideName(self.SAS_Address, disk.wwn + 1);  // of its first port
-    } else if (disk.parent == Device::kExpander) {
-        SetWorldWideName(self.SAS_Address, WorldWideName(Device::kExpander, adapter.id,
-                                                         disk.parent_id, disk.phy + 1U));
-    }
-    return {Parent(adapter, disk), self};
+void SetLink(Link_Entity& link, const Adapter& adapter, const Disk& disk) {
+    SetParent(link.Parent, adapter, disk);
+    SetEndpoint(link.Self, Device::kDisk, disk.id, 0, disk.phys, disk.enclosure,
+                AddressOf(adapter, disk));
 }
 
-Link_Entity LinkOf(const Adapter& adapter, const Expander& expander) {
-    Link_Endpoint self =
-        Endpoint(Device::kExpander, expander.id, 0, expander.phys, expander.enclosure);
-    SetWorldWideName(self.SAS_Address,
-                     WorldWideName(Device::kExpander, adapter.id, expander.id, 0));
-    return {Parent(adapter, expander), self};
+void SetLink(Link_Entity& link, const Adapter& adapter, const Expander& expander) {
+    SetParent(link.Parent, adapter, expander);
+    SetEndpoint(link.Self, Device::kExpander, expander.id, 0, expander.phys, expander.enclosure,
+                WorldWideName(Device::kExpander, adapter.id, expander.id, 0));
 }
 
-Link_Entity LinkOf(const Adapter& adapter, const PortMultiplier& port_multiplier) {
-    return {Parent(adapter, port_multiplier),
-            Endpoint(Device::kPortMultiplier, port_multiplier.id, 0, port_multiplier.phys, kNoId)};
+void SetLink(Link_Entity& link, const Adapter& adapter, const PortMultiplier& port_multiplier) {
+    SetParent(link.Parent, adapter, port_multiplier);
+    SetEndpoint(link.Self, Device::kPortMultiplier, port_multiplier.id, 0, port_multiplier.phys,
+                kNoId, 0);
 }
 
-Link_Entity LinkOf(const Adapter& adapter, const Enclosure& enclosure) {
-    Link_Endpoint self =
-        Endpoint(Device::kEnclosure, enclosure.id, 0, enclosure.phys, enclosure.id);
-    SetWorldWideName(self.SAS_Address,
-                     WorldWideName(Device::kEnclosure, adapter.id, enclosure.id, 0));
-    return {Parent(adapter, enclosure), self};
+void SetLink(Link_Entity& link, const Adapter& adapter, const Enclosure& enclosure) {
+    SetParent(link.Parent, adapter, enclosure);
+    SetEndpoint(link.Self, Device::kEnclosure, enclosure.id, 0, enclosure.phys, enclosure.id,
+                WorldWideName(Device::kEnclosure, adapter.id, enclosure.id, 0));
 }
 
 }  // namespace hxsim

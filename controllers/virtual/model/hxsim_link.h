@@ -20,11 +20,11 @@ std::uint64_t WorldWideNameOfNewDisk(HX_U8 adapter, HX_U16 drawn);
 /// Writes a world wide name, most significant byte first.
 void SetWorldWideName(HX_U8 (&field)[8], std::uint64_t name);
 
-/// Both ends of a device's link. A SATA device has no SAS address of its own; an expander lends it
-/// one, and without an expander it is zero.
-Link_Entity LinkOf(const Adapter& adapter, const Disk& disk);
-Link_Entity LinkOf(const Adapter& adapter, const Expander& expander);
-Link_Entity LinkOf(const Adapter& adapter, const PortMultiplier& port_multiplier);
-Link_Entity LinkOf(const Adapter& adapter, const Enclosure& enclosure);
+/// Writes both ends of a device's link, every byte of them. A SATA device has no SAS address of its
+/// own; an expander lends it one, and without an expander it is zero.
+void SetLink(Link_Entity& link, const Adapter& adapter, const Disk& disk);
+void SetLink(Link_Entity& link, const Adapter& adapter, const Expander& expander);
+void SetLink(Link_Entity& link, const Adapter& adapter, const PortMultiplier& port_multiplier);
+void SetLink(Link_Entity& link, const Adapter& adapter, const Enclosure& enclosure);
 
 }  // namespace hxsim

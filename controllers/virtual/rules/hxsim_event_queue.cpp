@@ -4,24 +4,13 @@
 #include <algorithm>
 
 #include "hxraid.h"
+#include "model/hxsim_record_bytes.h"
 
 namespace hxsim {
 namespace {
 
 HX_U32 SecondsOf(Time now) {
     return static_cast<HX_U32>(std::clamp<Time>(now / 1000, 0, UINT32_MAX));
-}
-
-Event EventOf(HX_U8 adapter, Time now, EventKind kind, HX_U16 device, HX_U32 number) {
-    Event event{};
-    event.Class = ClassOf(kind);
-    event.Code = CodeOf(kind);
-    event.Severity = NumberOf(SeverityOf(kind));
-    event.TimeStamp = SecondsOf(now);
-    event.DeviceID = device;
-    event.AdapterID = adapter;
-    event.SequenceNo = number;
-    return event;
 }
 
 bool TellsOfLoss(const Event& event) { return hxcodes::KindOf(event) == EventKind::kEventError; }
@@ -38,8 +27,9 @@ void MakeRoom(Adapter& adapter, Time now) {
     lost += static_cast<HX_U32>(told_before ? dropped - 1 : dropped);
     const HX_U32 number = queue[dropped - 1].number;
     queue.erase(queue.begin(), queue.begin() + static_cast<std::ptrdiff_t>(dropped - 1));
-    queue.front() = {number, EventOf(adapter.id, now, EventKind::kEventError, adapter.id, number)};
-    queue.front().event.Params[2] = lost;
+    queue.front().number = number;
+    Describe(adapter.id, now, EventKind::kEventError, adapter.id, number, {0, 0, lost, 0}, {},
+             queue.front().event);
 }
 
 }  // namespace
@@ -47,13 +37,25 @@ void MakeRoom(Adapter& adapter, Time now) {
 void Queue(Adapter& adapter, Time now, EventKind kind, HX_U16 device, std::array<HX_U32, 4> params,
            std::string_view text) {
     MakeRoom(adapter, now);
-    const HX_U32 number = adapter.next_event++;
-    Event event = EventOf(adapter.id, now, kind, device, number);
-    std::ranges::copy(params, event.Params);
+    QueuedEvent& queued = adapter.events.emplace_back();
+    queued.number = adapter.next_event++;
+    Describe(adapter.id, now, kind, device, queued.number, params, text, queued.event);
+}
+
+void Describe(HX_U8 adapter, Time now, EventKind kind, HX_U16 device, HX_U32 number,
+              std::array<HX_U32, 4> params, std::string_view text, Event& event) {
     text = text.substr(0, sizeof event.SenseData);
+    event.Class = ClassOf(kind);
+    event.Code = CodeOf(kind);
+    event.Severity = NumberOf(SeverityOf(kind));
+    event.TimeStamp = SecondsOf(now);
+    event.DeviceID = device;
+    event.AdapterID = adapter;
+    event.SequenceNo = number;
+    std::ranges::copy(params, event.Params);
     event.SenseDataLength = static_cast<HX_U8>(text.size());
+    SetZero(event.Reserved2, event.SenseData);
     std::ranges::copy(text, event.SenseData);
-    adapter.events.push_back({number, event});
 }
 
 HX_U8 Take(Adapter& adapter, HX_U8 max, Event* events) {

@@ -14,6 +14,10 @@ namespace hxsim {
 void Queue(Adapter& adapter, Time now, EventKind kind, HX_U16 device,
            std::array<HX_U32, 4> params = {}, std::string_view text = {});
 
+/// Writes the record of an event, every byte of it.
+void Describe(HX_U8 adapter, Time now, EventKind kind, HX_U16 device, HX_U32 number,
+              std::array<HX_U32, 4> params, std::string_view text, Event& event);
+
 /// Takes the oldest events off the queue: at most `max`. Returns how many.
 HX_U8 Take(Adapter& adapter, HX_U8 max, Event* events);
 

@@ -7,12 +7,11 @@
 
 #include <cstddef>
 #include <tuple>
-#include <type_traits>
 #include <vector>
 
 #include "model/hxsim_column.h"
 #include "model/hxsim_machine.h"
-#include "store/hxsim_member_count.h"
+#include "model/hxsim_member_count.h"
 
 namespace hxsim {
 
@@ -26,16 +25,6 @@ struct Table {
     std::vector<Entry> Holder::*list;
     std::tuple<Columns...> columns;
 };
-
-/// The number of members that a row has, those of its attachment included.
-template <class Row>
-consteval std::size_t RowMembers() {
-    if constexpr (std::is_base_of_v<Attachment, Row>) {
-        return MemberCountWith<Row, Attachment>();
-    } else {
-        return MemberCount<Row>();
-    }
-}
 
 /// Members of a row that stand in tables of their own.
 template <class Row>

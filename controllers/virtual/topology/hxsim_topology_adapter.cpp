@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "model/hxsim_adapter_model.h"
-#include "model/hxsim_column.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_link.h"
 #include "model/hxsim_random.h"
@@ -20,118 +19,13 @@
 #include "model/hxsim_stripes.h"
 #include "model/hxsim_text.h"
 #include "rules/hxsim_event_queue.h"
+#include "topology/hxsim_topology_columns.h"
 
 namespace hxsim {
 namespace {
 
 constexpr Sectors kGib = 2097152;
 constexpr std::size_t kMostElements = 255;  // of an enclosure
-
-// ---- Columns that a topology may set ----
-
-constexpr std::tuple kInfoColumns{
-    Col("DriverVersion", &Adapter_Info::DriverVersion),
-    Col("BIOSVersion", &Adapter_Info::BIOSVersion),
-    Col("FirmwareVersion", &Adapter_Info::FirmwareVersion),
-    Col("BootLoaderVersion", &Adapter_Info::BootLoaderVersion),
-    Col("SystemIOBusNumber", &Adapter_Info::SystemIOBusNumber),
-    Col("SlotNumber", &Adapter_Info::SlotNumber),
-    Col("InterruptLevel", &Adapter_Info::InterruptLevel),
-    Col("InterruptVector", &Adapter_Info::InterruptVector),
-    Col("VenID", &Adapter_Info::VenID),
-    Col("SubVenID", &Adapter_Info::SubVenID),
-    Col("DevID", &Adapter_Info::DevID),
-    Col("SubDevID", &Adapter_Info::SubDevID),
-    Col("RevisionID", &Adapter_Info::RevisionID),
-    Col("MaxPDPerVD", &Adapter_Info::MaxPDPerVD),
-    Col("StripeSizeSupported", &Adapter_Info::StripeSizeSupported),
-    Col("AdvancedFeatures", &Adapter_Info::AdvancedFeatures),
-    Col("MaxPDPerDG", &Adapter_Info::MaxPDPerDG),
-    Col("MaxVDPerDG", &Adapter_Info::MaxVDPerDG),
-    Col("MaxParityDisks", &Adapter_Info::MaxParityDisks),
-    Col("PortCount", &Adapter_Info::PortCount),
-    Col("PortSupportType", &Adapter_Info::PortSupportType),
-    Col("Features", &Adapter_Info::Features),
-    Col("AlarmSupport", &Adapter_Info::AlarmSupport),
-    Col("MaxBlockPerPD", &Adapter_Info::MaxBlockPerPD),
-    Col("MaxHD", &Adapter_Info::MaxHD),
-    Col("MaxHD_Ext", &Adapter_Info::MaxHD_Ext),
-    Col("MaxExpander", &Adapter_Info::MaxExpander),
-    Col("MaxPM", &Adapter_Info::MaxPM),
-    Col("MaxLogicalDrive", &Adapter_Info::MaxLogicalDrive),
-    Col("LogicalDriverMode", &Adapter_Info::LogicalDriverMode),
-    Col("DiskGroupSupport", &Adapter_Info::DiskGroupSupport),
-    Col("MaxBufferSize", &Adapter_Info::MaxBufferSize),
-};
-
-constexpr std::tuple kConfigColumns{
-    Col("AlarmOn", &Adapter_Config_V2::AlarmOn),
-    Col("AutoRebuildOn", &Adapter_Config_V2::AutoRebuildOn),
-    Col("BGARate", &Adapter_Config_V2::BGARate),
-    Col("SyncRate", &Adapter_Config_V2::SyncRate),
-    Col("InitRate", &Adapter_Config_V2::InitRate),
-    Col("RebuildRate", &Adapter_Config_V2::RebuildRate),
-    Col("MigrationRate", &Adapter_Config_V2::MigrationRate),
-    Col("CopybackRate", &Adapter_Config_V2::CopybackRate),
-    Col("PollSMARTStatus", &Adapter_Config_V2::PollSMARTStatus),
-    Col("MediaPatrolRate", &Adapter_Config_V2::MediaPatrolRate),
-    Col("CopyBack", &Adapter_Config_V2::CopyBack),
-    Col("InterruptCoalescing", &Adapter_Config_V2::InterruptCoalescing),
-    Col("ModuleConsolidate", &Adapter_Config_V2::ModuleConsolidate),
-    Col("v_atapi_disable", &Adapter_Config_V2::v_atapi_disable),
-};
-
-constexpr std::tuple kExpanderColumns{
-    Col("id", &Expander::id),
-    Col("enclosure", &Expander::enclosure),
-    Col("phys", &Expander::phy_count),
-    Col("route_indexes", &Expander::route_indexes),
-    Col("changes", &Expander::changes),
-    Col("vendor", &Expander::vendor),
-    Col("product", &Expander::product),
-    Col("revision", &Expander::revision),
-    Col("component_vendor", &Expander::component_vendor),
-    Col("component", &Expander::component),
-    Col("component_revision", &Expander::component_revision),
-};
-
-constexpr std::tuple kPortMultiplierColumns{
-    Col("id", &PortMultiplier::id),
-    Col("ports", &PortMultiplier::ports),
-    Col("revision", &PortMultiplier::revision),
-    Col("standards", &PortMultiplier::standards),
-    Col("vendor", &PortMultiplier::vendor),
-    Col("device", &PortMultiplier::device),
-};
-
-constexpr std::tuple kEnclosureColumns{
-    Col("id", &Enclosure::id),
-    Col("vendor", &Enclosure::vendor),
-    Col("product", &Enclosure::product),
-    Col("revision", &Enclosure::revision),
-};
-
-constexpr std::tuple kThresholdColumns{
-    Col("high_critical", &Element::high_critical),
-    Col("high_warning", &Element::high_warning),
-    Col("low_critical", &Element::low_critical),
-    Col("low_warning", &Element::low_warning),
-};
-
-constexpr std::tuple kBatteryColumns{
-    Col("voltage", &BBU_Info::voltage),
-    Col("supportMaxCapacity", &BBU_Info::supportMaxCapacity),
-    Col("supportMinCapacity", &BBU_Info::supportMinCapacity),
-    Col("maxCapacity", &BBU_Info::maxCapacity),
-    Col("curCapacity", &BBU_Info::curCapacity),
-    Col("recharge_cycle", &BBU_Info::recharge_cycle),
-    Col("temperature", &BBU_Info::temperature),
-    Col("volt_lowerbound", &BBU_Info::volt_lowerbound),
-    Col("volt_upperbound", &BBU_Info::volt_upperbound),
-    Col("temp_lowerbound", &BBU_Info::temp_lowerbound),
-    Col("temp_upperbound", &BBU_Info::temp_upperbound),
-    Col("percent_to_charge", &BBU_Info::percent_to_charge),
-};
 
 class AdapterReader {
 public:
@@ -323,14 +217,9 @@ private:
             if (expander == nullptr) object.Refuse("at", "an expander that there is");
             first.enclosure = expander->enclosure;
         }
-        object.Take("enclosure", first.enclosure);
-        object.Take("slot", first.slot);
+        object.TakeAll(kDiskColumns, first);
         ReadModel(object, first);
         ReadSpare(object, first);
-        object.Take("write_cache", first.write_cache);
-        object.Take("has_mbr", first.has_mbr);
-        object.Take("has_system", first.has_system);
-        object.Take("foreign", first.foreign);
         const unsigned count = CountOf(object);
         for (unsigned i = 0; i < count; ++i) AddDisk(object, first, i, count);
     }
@@ -444,9 +333,7 @@ private:
     void ReadGroup(TopologyObject& object) {
         DiskGroup group;
         group.id = NextId(adapter_.disk_groups);
-        object.Take("id", group.id);
-        object.Take("name", group.name);
-        object.Take("write_cache", group.write_cache);
+        object.TakeAll(kDiskGroupColumns, group);
         ReadLevel(object, group);
         const std::vector<HX_U16> disks = ReadMembers(object, group.level, group.legs);
         group.width = static_cast<HX_U8>(disks.size());
@@ -460,16 +347,12 @@ private:
     void ReadVirtualDisks(TopologyObject& object) {
         VirtualDisk first;
         first.id = NextId(adapter_.virtual_disks);
-        object.Take("id", first.id);
-        object.Take("name", first.name);
+        first.initialised = true;
+        object.TakeAll(kVirtualDiskColumns, first);
         if (const auto bits = object.TakeCodes<CacheBit>("cache")) {
             first.cache = 0;
             for (const CacheBit bit : *bits) first.cache |= bit;
         }
-        object.Take("foreign", first.foreign);
-        object.Take("auto_rebuild", first.auto_rebuild);
-        first.initialised = true;
-        object.Take("initialised", first.initialised);
         if (first.foreign) first.state = State::kForeign;
         const std::vector<HX_U16> disks = ReadPlace(object, first);
         first.width = static_cast<HX_U8>(disks.size());

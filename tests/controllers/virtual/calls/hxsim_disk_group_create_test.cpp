@@ -8,7 +8,7 @@
 #include <ostream>
 #include <string>
 
-#include "calls/hxsim_disk_group_list.h"
+#include "calls/hxsim_disk_group_record.h"
 #include "calls/hxsim_virtual_disk_create.h"
 #include "controllers/virtual/support/array_test.h"
 #include "model/hxsim_activity_row.h"
@@ -22,7 +22,7 @@ using testing::IsEmpty;
 
 class NewDiskGroup : public ArrayTest {
 protected:
-    DG_Info Info() { return DescribeDiskGroup(adapter(), disk_group(0)); }
+    DG_Info Info() { return TestMachine::DescribedGroup(); }
 };
 
 TEST_F(NewDiskGroup, HasWhatItWasMadeWith) {

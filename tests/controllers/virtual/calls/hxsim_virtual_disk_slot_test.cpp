@@ -7,7 +7,7 @@
 #include <string>
 
 #include "calls/hxsim_activity_control.h"
-#include "calls/hxsim_disk_group_list.h"
+#include "calls/hxsim_disk_group_record.h"
 #include "calls/hxsim_virtual_disk_change.h"
 #include "calls/hxsim_virtual_disk_create.h"
 #include "controllers/virtual/support/array_test.h"
@@ -47,9 +47,9 @@ TEST_F(SlotOfADiskGroup, HoldVirtualDisksOfTheGroupsLevel) {
 TEST_F(SlotOfADiskGroup, GetWhatRemains) {
     Made(InSlot(0, 0x05, 0, 1024));
     // 999488 sectors of each disk are left, 7808 stripes of 128.
-    EXPECT_EQ(1998848u, DescribeDiskGroup(adapter(), disk_group(0)).RemainingManagedSpace.value);
+    EXPECT_EQ(1998848u, DescribedGroup().RemainingManagedSpace.value);
     EXPECT_EQ(1998848u, Made(InSlot(0, 0x05, 1)).Size.value);
-    EXPECT_EQ(0u, DescribeDiskGroup(adapter(), disk_group(0)).RemainingManagedSpace.value);
+    EXPECT_EQ(0u, DescribedGroup().RemainingManagedSpace.value);
     EXPECT_EQ(Status::kNoSpace, Refusal(InSlot(0, 0x05, 2)));
 }
 

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "calls/hxsim_battery_control.h"
-#include "calls/hxsim_virtual_disk_list.h"
+#include "calls/hxsim_virtual_disk_record.h"
 #include "controllers/virtual/support/test_machine.h"
 #include "model/hxsim_codes.h"
 #include "rules/hxsim_battery.h"

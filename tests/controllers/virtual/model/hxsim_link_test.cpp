@@ -20,8 +20,10 @@ TEST_F(LinkOfADisk, NameSaysWhichDeviceItIs) {
 
 TEST_F(LinkOfADisk, LinkNamesNoMorePhysThanItHasRoomFor) {
     disk(6).phys = 255;
-    EXPECT_EQ(8, LinkOf(adapter(), disk(6)).Self.PhyCnt);
-    EXPECT_EQ(8, LinkOf(adapter(), disk(6)).Parent.PhyCnt);
+    Link_Entity link;
+    SetLink(link, adapter(), disk(6));
+    EXPECT_EQ(8, link.Self.PhyCnt);
+    EXPECT_EQ(8, link.Parent.PhyCnt);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "calls/hxsim_battery_control.h"
-#include "calls/hxsim_virtual_disk_list.h"
+#include "calls/hxsim_virtual_disk_record.h"
 #include "controllers/virtual/support/test_machine.h"
 #include "incidents/hxsim_incident_battery.h"
 #include "model/hxsim_codes.h"
@@ -120,7 +120,7 @@ TEST_F(BatteryRules, TakesTheCacheFromVirtualDisksWhileItsRelearnCycleHasItEmpty
     virtual_disk(0).cache = CacheBit::kWriteBack | CacheBit::kReadAhead;
     const auto cache_at = [&](Time time) {
         At(time);
-        return DescribeVirtualDisk(adapter(), virtual_disk(0)).CacheMode;
+        return Described<LD_Info>(0).CacheMode;
     };
     ASSERT_EQ(0, ChangePower(adapter(), kNow, NumberOf(Power::kRelearn)));
     EXPECT_EQ(0x05, cache_at(kNow + 2 * kHour));

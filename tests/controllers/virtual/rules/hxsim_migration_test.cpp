@@ -8,7 +8,7 @@
 
 #include "calls/hxsim_activity_control.h"
 #include "calls/hxsim_disk_group_create.h"
-#include "calls/hxsim_disk_group_list.h"
+#include "calls/hxsim_disk_group_record.h"
 #include "calls/hxsim_virtual_disk_change.h"
 #include "calls/hxsim_virtual_disk_create.h"
 #include "controllers/virtual/support/array_test.h"
@@ -241,8 +241,8 @@ TEST_F(DiskGroupMigration, GrowsTheGroupByADiskInPlace) {
     EXPECT_EQ(2999808u, Made(GroupOn(0, 0x05, {0, 1, 2, 3})).Size.value);
     EXPECT_EQ("vd0.0 0+512, vd1.0 512+768, free 1280+998720", BlocksOn(0));
     EXPECT_EQ("target0.3 0+384, free 384+128, target1.3 512+512, free 1024+998976", BlocksOn(3));
-    EXPECT_EQ(ActivityKind::kMigration, DescribeDiskGroup(adapter(), disk_group(0)).BgaType);
-    EXPECT_EQ(ActivityState::kRunning, DescribeDiskGroup(adapter(), disk_group(0)).BgaState);
+    EXPECT_EQ(ActivityKind::kMigration, DescribedGroup().BgaType);
+    EXPECT_EQ(ActivityState::kRunning, DescribedGroup().BgaState);
     Finish();
     EXPECT_EQ("vd0.0 0+384, free 384+128, vd1.0 512+512, free 1024+998976", BlocksOn(0));
     EXPECT_EQ("vd0.3 0+384, free 384+128, vd1.3 512+512, free 1024+998976", BlocksOn(3));
@@ -250,7 +250,7 @@ TEST_F(DiskGroupMigration, GrowsTheGroupByADiskInPlace) {
     EXPECT_EQ(4, virtual_disk(1).width);
     EXPECT_EQ(1536u, virtual_disk(1).size);
     EXPECT_THAT(Serving(Owner::kDiskGroup, 0), ElementsAre(0, 1, 2, 3));
-    EXPECT_EQ(0, DescribeDiskGroup(adapter(), disk_group(0)).BgaType);
+    EXPECT_EQ(0, DescribedGroup().BgaType);
 }
 
 TEST_F(DiskGroupMigration, TakesTheGroupToAnotherLevelBesideItself) {

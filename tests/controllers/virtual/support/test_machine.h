@@ -4,9 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
+#include "calls/hxsim_disk_group_record.h"
+#include "calls/hxsim_virtual_disk_record.h"
 #include "controllers/virtual/support/requests.h"
 #include "hxraid.h"
 #include "model/hxsim_codes.h"
@@ -139,6 +142,26 @@ public:
     /// Takes all events, each as "second class.code device", with the first parameter behind it
     /// where that is not 0.
     std::vector<std::string> TakeEvents();
+
+    /// A record of a virtual disk: LD_Info, LD_Status or LD_Config.
+    template <class Record>
+    Record Described(HX_U16 id, Time now = kNow) {
+        Record record{};
+        if constexpr (std::is_same_v<Record, LD_Info>) {
+            BlocksByPosition blocks;
+            Describe(adapter(), virtual_disk(id), blocks, record);
+        } else {
+            Describe(adapter(), virtual_disk(id), now, record);
+        }
+        return record;
+    }
+
+    /// The record of disk group 0.
+    DG_Info DescribedGroup() {
+        DG_Info record{};
+        Describe(adapter(), disk_group(0), kNow, record);
+        return record;
+    }
 
 private:
     HX_U16 AddRow(Level level, std::size_t width, HX_U8 legs, HX_U16 group);

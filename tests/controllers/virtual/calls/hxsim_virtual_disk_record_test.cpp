@@ -1,5 +1,5 @@
 // The records of virtual disks.
-#include "calls/hxsim_virtual_disk_list.h"
+#include "calls/hxsim_virtual_disk_record.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ TEST_F(VirtualDiskRecord, IsDescribed) {
     param.CachePolicy = 0x05;
     std::memcpy(param.Name, "SIXTEEN LETTERS!", 16);
     Made(param);
-    const LD_Info info = DescribeVirtualDisk(adapter(), virtual_disk(0));
+    const LD_Info info = Described<LD_Info>(0);
     EXPECT_EQ(0, info.ID);
     EXPECT_EQ(255, info.DGID);
     EXPECT_EQ(State::kOptimal, info.Status);
@@ -49,7 +49,7 @@ TEST_F(VirtualDiskRecord, HasNoBlockWhereADiskIsLost) {
     ResetDisk(adapter(), 1);
     HomeOf(adapter(), Owner::kVirtualDisk, 0, 1)->disk = kNoId;
     Settle(adapter(), kNow);
-    const LD_Info info = DescribeVirtualDisk(adapter(), virtual_disk(0));
+    const LD_Info info = Described<LD_Info>(0);
     EXPECT_THAT(Ids(info.BlockIDs, info.BlockIDs + 3), ElementsAre(0, 65535, 2));
     EXPECT_EQ(State::kDegraded, info.Status);
 }
@@ -58,14 +58,13 @@ TEST_F(VirtualDiskRecord, TellsWhatItIsDoing) {
     Create_LD_Param param = WantedOn(0x00, {0}, 409600);
     param.InitializationOption = NumberOf(Init::kBackground);
     Made(param);  // 204800 sectors a second
-    const LD_Status status = DescribeStatus(adapter(), virtual_disk(0), kNow + 500);
+    const LD_Status status = Described<LD_Status>(0, kNow + 500);
     EXPECT_EQ(ActivityKind::kInitBackground, status.Bga);
     EXPECT_EQ(25, status.BgaPercentage);
     EXPECT_EQ(ActivityState::kRunning, status.BgaState);
-    EXPECT_EQ(ActivityKind::kInitBackground,
-              DescribeVirtualDisk(adapter(), virtual_disk(0)).BGAStatus);
+    EXPECT_EQ(ActivityKind::kInitBackground, Described<LD_Info>(0).BGAStatus);
     Finish();
-    const LD_Status idle = DescribeStatus(adapter(), virtual_disk(0), kNow);
+    const LD_Status idle = Described<LD_Status>(0);
     EXPECT_EQ(0, idle.Bga);
     EXPECT_EQ(0, idle.BgaPercentage);
     EXPECT_EQ(0, idle.BgaState);
@@ -82,9 +81,9 @@ TEST_F(VirtualDiskRecord, ShowsThatWriteThroughIsForced) {
     battery.present = false;
     battery.info = {};
     adapter().batteries.push_back(battery);
-    EXPECT_EQ(0x85, DescribeVirtualDisk(adapter(), virtual_disk(0)).CacheMode);
-    EXPECT_EQ(0x85, DescribeSettings(adapter(), virtual_disk(0)).CacheMode);
-    EXPECT_EQ(0x04, DescribeVirtualDisk(adapter(), virtual_disk(1)).CacheMode);
+    EXPECT_EQ(0x85, Described<LD_Info>(0).CacheMode);
+    EXPECT_EQ(0x85, Described<LD_Config>(0).CacheMode);
+    EXPECT_EQ(0x04, Described<LD_Info>(1).CacheMode);
 }
 
 }  // namespace

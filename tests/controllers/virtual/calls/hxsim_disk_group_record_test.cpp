@@ -1,5 +1,5 @@
 // The records of disk groups.
-#include "calls/hxsim_disk_group_list.h"
+#include "calls/hxsim_disk_group_record.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ using testing::ElementsAre;
 
 class DiskGroupRecord : public SlotTest {
 protected:
-    DG_Info Info() { return DescribeDiskGroup(adapter(), disk_group(0)); }
+    DG_Info Info() { return DescribedGroup(); }
 };
 
 TEST_F(DiskGroupRecord, AreListedWithTheirSizes) {

@@ -1,0 +1,30 @@
+// What the records of blocks say. Every function writes every byte of its record.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "hxraid.h"
+#include "model/hxsim_disk_role.h"
+#include "model/hxsim_machine.h"
+
+namespace hxsim {
+
+/// A block of the disk.
+void Describe(const Disk& disk, const DiskRole& role, const Block& block, Block_Info& info);
+
+/// The IDs of the blocks of every disk, found in one pass for all records of a list.
+class BlocksByDisk {
+public:
+    explicit BlocksByDisk(const Adapter& adapter);
+    /// Of the disk in that place of the adapter's list, as many as a record holds.
+    const std::vector<HX_U16>& At(std::size_t place) const { return ids_[place]; }
+
+private:
+    std::vector<std::vector<HX_U16>> ids_;
+};
+
+void Describe(const Disk& disk, const std::vector<HX_U16>& blocks, HD_Block_Info& record);
+
+}  // namespace hxsim

@@ -1,0 +1,18 @@
+// What the records of enclosures and their elements say. Every function writes every byte of its
+// record.
+#pragma once
+
+#include "hxraid.h"
+#include "model/hxsim_machine.h"
+
+namespace hxsim {
+
+void Describe(const Adapter& adapter, const Enclosure& enclosure, Time now, Enclosure_Info& info);
+
+/// What an element is and reads.
+void Describe(const Adapter& adapter, const Element& element, EncElementType_Info& state);
+
+/// Its thresholds.
+void Describe(const Adapter& adapter, const Element& element, EncElement_Config& thresholds);
+
+}  // namespace hxsim
