@@ -6,6 +6,7 @@
 #include "heap_block.h"
 #include "hxraid.h"
 #include "log.h"  // IWYU pragma: keep (compared with vexorapi.h, as log.h says)
+#include "uninitialized.h"
 #include "vexorapi_parse.h"
 #include "vexorapi_version.h"
 #include "vx_cfg.h"
@@ -66,7 +67,7 @@ int vexorApi(const char* XMLCmd, char* XMLRet, std::uint32_t XMLRetLen) noexcept
     VX_CfgLoad(&cfg, "XmlWrapperLogConfig");
     if (cfg.InLogEnable != 0) VX_DBG_PrintFile(cfg.Filename, "XMLCmd = %s\n", XMLCmd);
 
-    Command command;
+    VEXOR_UNINITIALIZED Command command;
     XMLElement& elmt = command;
     const int parsed = RunExpat(XMLCmd, length, &elmt, elmt.Guard,
                                 {RA_StartElement, RA_EndElement, RA_CharacterDataHandler,

@@ -11,6 +11,7 @@
 #include "heap_block.h"
 #include "read_file.h"
 #include "root_path.h"
+#include "uninitialized.h"
 #include "vx_cfg_parse.h"
 
 namespace {
@@ -23,7 +24,7 @@ constexpr std::size_t kWorkBufferSize = 65536;
 // Most installations have no file; then one call of access is all that a request costs. Every other
 // error is left to the opening of the file.
 bool ConfigFileIsAbsent() {
-    char path[kRootPathSize];
+    VEXOR_UNINITIALIZED char path[kRootPathSize];
     if (RootPath(path, kConfigFile) == nullptr) return true;
     return access(path, F_OK) != 0 && (errno == ENOENT || errno == ENOTDIR);
 }
