@@ -108,7 +108,7 @@ void Change(benchmark::State& state) {
     HX_BOOLEAN on = 0;
     for (auto _ : state) {
         on ^= 1;
-        if (HX_LocateArrayDevice(0, hxcodes::Device::kDisk, 0, on) != HX_SUCCESS) {
+        if (HX_LocateArrayDevice(0, NumberOf(hxcodes::Device::kDisk), 0, on) != HX_SUCCESS) {
             state.SkipWithError("the light cannot be switched");
             break;
         }
