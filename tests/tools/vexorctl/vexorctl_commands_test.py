@@ -361,12 +361,6 @@ class Plans(VexorctlCase):
         self.assertIn(b"not confirmed; nothing was changed", said)
         self.assertEqual(code, 8)
 
-    def test_a_change_between_look_and_act_is_refused(self):
-        said, code = self.terminal(["vd", "delete", "a0/vd2"], "ARCHIVE",
-                                   lambda pid: self.collect())
-        self.assertIn(b"something has changed since the plan was made", said)
-        self.assertEqual(code, 8)
-
 
 class Terminal(VexorctlCase):
     def on_terminal(self, **more):

@@ -45,18 +45,6 @@ std::uint64_t NextIndex(const Value& result) {
                                                        .value_or(0);
 }
 
-std::optional<std::string> CountersText(Controller& controller) {
-    using Function = calls::VX_HX_EVT_GetChangeCounters;
-    const auto answer = controller.Ask(Request<Function>{});
-    const Value* const counters = answer.result.Find(Function::Result::ChangeCounters.name);
-    if (answer.exit != Exit::kDone || counters == nullptr || counters->children.empty()) {
-        return std::nullopt;
-    }
-    std::string text;
-    for (const Value& counter : counters->children) text += counter.text + " ";
-    return text;
-}
-
 }  // namespace
 
 std::optional<std::uint64_t> StatusOf(const Value& result) {
@@ -145,6 +133,14 @@ Answer Controller::Ask(const Command& command) {
 void Controller::Note(Fault fault, Exit exit) {
     faults_.push_back(std::move(fault));
     exit_ = MoreSerious(exit_, exit);
+}
+
+std::optional<Fault> Controller::TakeBack(std::size_t faults, Exit exit) {
+    exit_ = exit;
+    if (faults_.size() <= faults) return std::nullopt;
+    Fault first = std::move(faults_[faults]);
+    faults_.resize(faults);
+    return first;
 }
 
 void Controller::NoteAnswer(std::string_view address, std::string_view function,
@@ -264,15 +260,6 @@ void Controller::Select(const std::vector<unsigned>& adapters) {
     }
     selected_ = std::move(found);
     chosen_ = true;
-}
-
-void Controller::RememberCounters() {
-    counters_ = CountersText(*this);
-    are_counters_remembered_ = true;
-}
-
-bool Controller::CountersStand() {
-    return !are_counters_remembered_ || (counters_ && counters_ == CountersText(*this));
 }
 
 }  // namespace vexorctl

@@ -18,6 +18,7 @@
 #include "model/library_record.h"
 #include "model/library_session.h"
 #include "model/result_tree.h"
+#include "model/sightings.h"
 
 namespace vexorctl {
 
@@ -174,16 +175,20 @@ public:
     /// Restricts Selected to these; one that is not there becomes a fault with Exit::kNoObject.
     void Select(const std::vector<unsigned>& adapters);
 
-    /// Remembers the change counters as they are; CountersStand tells whether they still are so.
-    /// Counters that could not be read do not stand.
-    void RememberCounters();
-    bool CountersStand();
+    /// From here on every object that is loaded is noted in sightings(): a change is planned.
+    void RememberSightings() { sightings_.emplace(); }
+    /// Null when nothing is to be remembered.
+    Sightings* sightings() { return sightings_ ? &*sightings_ : nullptr; }
 
     /// Notes what went wrong with one object.
     void Note(Fault fault, Exit exit);
 
     std::vector<Fault>& faults() { return faults_; }
     Exit exit() const { return exit_; }
+
+    /// Takes back what was noted since there were `faults` and the exit was `exit`. Returns the
+    /// first of what is taken back.
+    std::optional<Fault> TakeBack(std::size_t faults, Exit exit);
 
 private:
     struct RawList {
@@ -211,8 +216,7 @@ private:
     std::optional<ControllerCodes> codes_;
     std::optional<std::vector<unsigned>> adapters_;
     std::optional<std::vector<unsigned>> selected_;
-    std::optional<std::string> counters_;
-    bool are_counters_remembered_ = false;
+    std::optional<Sightings> sightings_;
     bool chosen_ = false;  // by the user: then a function that an adapter lacks is a fault
     std::vector<Fault> faults_;
     Exit exit_ = Exit::kDone;

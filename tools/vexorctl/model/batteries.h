@@ -1,6 +1,7 @@
 // The batteries of the adapters' caches.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "common/address.h"
@@ -14,6 +15,9 @@ struct Battery {
     Address address;  // the adapter's
     Record<fields::BBU_Info> info;
 };
+
+/// What sightings call it.
+std::string BatteryName(const Address& adapter);
 
 /// Those of the adapters that the controller has selected. What cannot be read is noted as a fault.
 std::vector<Battery> LoadBatteries(Controller& controller);

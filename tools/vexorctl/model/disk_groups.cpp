@@ -2,7 +2,10 @@
 
 #include <utility>
 
+#include "codes/code_table.h"
+#include "model/controller_codes.h"
 #include "model/library_record.h"
+#include "model/sightings.h"
 
 namespace vexorctl {
 
@@ -11,6 +14,38 @@ namespace {
 constexpr ListSource kConfigList = ListOf(
     calls::HX_DG_GetConfig::Result::DG_Config,
     +[](const View<fields::DG_Config>& config) { return config[fields::DG_Config::DGID]; });
+
+void Relate(Sighting& sighting, const Address& group, ObjectKind kind,
+            const std::optional<std::vector<std::uint64_t>>& ids) {
+    constexpr std::uint64_t kNone = 255;  // an empty place, in lists of whatever kind
+    if (!ids) return;
+    for (const std::uint64_t id : *ids) {
+        if (id >= kNone) continue;
+        sighting.related.push_back(
+            {.adapter = group.adapter, .kind = kind, .id = static_cast<unsigned>(id)});
+    }
+}
+
+Sighting SightingOf(const DiskGroup& group, const ControllerCodes& codes) {
+    using fields::DG_Info;
+    const hxcodes::CodeTable& table = codes.table();
+    Sighting sighting;
+    sighting.facts = {
+        TextFact("name", group.info[DG_Info::Name]),
+        CodeFact("level", group.info[DG_Info::RaidMode], table.levels),
+        SizeFact("size", group.info[DG_Info::TotalManagedSpace]),
+        SizeFact("free space", group.info[DG_Info::RemainingManagedSpace]),
+        NumberFact("state", group.info[DG_Info::Status]),
+        NumbersFact("disks", DisksOf(group.info.view())),
+        NumbersFact("spares", SparesOf(group.info.view())),
+        NumbersFact("virtual disks", group.info[DG_Info::VDIDs]),
+        CodeFact("activity", group.info[DG_Info::BgaType], table.activities),
+        SettingsFact(group.config.value()),
+    };
+    Relate(sighting, group.address, ObjectKind::kDisk, DisksOf(group.info.view()));
+    Relate(sighting, group.address, ObjectKind::kVirtualDisk, group.info[DG_Info::VDIDs]);
+    return sighting;
+}
 
 }  // namespace
 
@@ -34,6 +69,10 @@ std::vector<DiskGroup> LoadDiskGroups(Controller& controller) {
                                           .id = static_cast<unsigned>(id)},
                               .info = std::move(info),
                               .config = configs.Take(id)});
+            if (Sightings* const sightings = controller.sightings()) {
+                sightings->Note(groups.back().address.Text(),
+                                SightingOf(groups.back(), controller.codes()));
+            }
         }
     }
     return groups;

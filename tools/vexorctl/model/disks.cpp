@@ -5,12 +5,14 @@
 #include <span>
 #include <utility>
 
+#include "codes/code_table.h"
 #include "codes/disk.h"
 #include "codes/named.h"
 #include "model/controller_codes.h"
 #include "model/disk_groups.h"
 #include "model/enclosures.h"
 #include "model/library_record.h"
+#include "model/sightings.h"
 
 namespace vexorctl {
 
@@ -84,6 +86,9 @@ private:
     Presence of_others_;
 };
 
+// Virtual disks and disk groups: this or more stands for none.
+constexpr std::uint64_t kNoObject = 255;
+
 // The library answers for 128 disks at once.
 constexpr std::size_t kDisksPerBootRecordCall = 128;
 
@@ -103,6 +108,43 @@ void LoadBootRecords(Controller& controller, unsigned adapter, std::span<Disk> d
     for (std::size_t i = 0; i < disks.size() && i < found->size(); ++i) {
         disks[i].boot_record = (*found)[i] != 0;
     }
+}
+
+std::string OwnerText(unsigned adapter, std::string_view kind, std::optional<std::uint64_t> id) {
+    if (!id) return "unknown";
+    if (*id >= kNoObject) return "none";
+    return "a" + std::to_string(adapter) + std::string(kind) + std::to_string(*id);
+}
+
+Sighting SightingOf(const Disk& disk, const ControllerCodes& codes) {
+    using fields::HD_Info;
+    const hxcodes::CodeTable& table = codes.table();
+    const auto owner = disk.raid[fields::HD_RAID_Status::LDID];
+    std::optional<std::uint64_t> group;
+    if (disk.group.presence == Presence::kThere) group = disk.group.group;
+    if (disk.group.presence == Presence::kNotOffered) group = kNoObject;
+    Sighting sighting;
+    sighting.facts = {
+        TextFact("model", disk.info[HD_Info::Model]),
+        TextFact("serial number", disk.info[HD_Info::SerialNo]),
+        NumbersFact("WWN", disk.info[HD_Info::WWN]),
+        SizeFact("size", disk.info[HD_Info::Size]),
+        {"state", disk.state.value_or("unknown")},
+        {"virtual disk", OwnerText(disk.address.adapter, "/vd", owner)},
+        {"disk group", OwnerText(disk.address.adapter, "/dg", group)},
+        SizeFact("free space", disk.free_space[fields::HD_FreeSpaceInfo::Size]),
+        {"boot record", !disk.boot_record   ? "unknown"
+                        : *disk.boot_record ? "there"
+                                            : "none"},
+        CodeFact("activity", disk.activity[fields::HD_BGA_Status::Bga], table.activities),
+        SettingsFact(disk.config.value()),
+    };
+    if (owner && *owner < kNoObject) {
+        sighting.related.push_back({.adapter = disk.address.adapter,
+                                    .kind = ObjectKind::kVirtualDisk,
+                                    .id = static_cast<unsigned>(*owner)});
+    }
+    return sighting;
 }
 
 void LoadDisksOf(Controller& controller, unsigned adapter, std::vector<Disk>& disks) {
@@ -134,6 +176,11 @@ void LoadDisksOf(Controller& controller, unsigned adapter, std::vector<Disk>& di
     for (std::size_t at = first; at < disks.size(); at += kDisksPerBootRecordCall) {
         const std::size_t count = std::min(kDisksPerBootRecordCall, disks.size() - at);
         LoadBootRecords(controller, adapter, std::span(disks).subspan(at, count));
+    }
+    if (Sightings* const sightings = controller.sightings()) {
+        for (const Disk& disk : std::span(disks).subspan(first)) {
+            sightings->Note(disk.address.Text(), SightingOf(disk, controller.codes()));
+        }
     }
 }
 

@@ -3,7 +3,10 @@
 #include <map>
 #include <utility>
 
+#include "codes/code_table.h"
+#include "model/controller_codes.h"
 #include "model/library_record.h"
+#include "model/sightings.h"
 
 namespace vexorctl {
 
@@ -30,6 +33,31 @@ std::optional<std::vector<std::uint64_t>> DisksUnder(const View<fields::LD_Info>
     return disks;
 }
 
+Sighting SightingOf(const VirtualDisk& disk, const ControllerCodes& codes) {
+    using fields::LD_Info;
+    const hxcodes::CodeTable& table = codes.table();
+    Sighting sighting;
+    sighting.facts = {
+        TextFact("name", disk.info[LD_Info::Name]),
+        CodeFact("level", disk.info[LD_Info::RaidMode], table.levels),
+        SizeFact("size", disk.info[LD_Info::Size]),
+        CodeFact("state", disk.info[LD_Info::Status], table.states),
+        NumberFact("disk group's number", disk.info[LD_Info::DGID]),
+        NumbersFact("disks", disk.disks),
+        NumbersFact("blocks", disk.info[LD_Info::BlockIDs]),
+        CodeFact("activity", disk.status[fields::LD_Status::Bga], table.activities),
+        SettingsFact(disk.config.value()),
+    };
+    if (disk.disks) {
+        for (const std::uint64_t id : *disk.disks) {
+            sighting.related.push_back({.adapter = disk.address.adapter,
+                                        .kind = ObjectKind::kDisk,
+                                        .id = static_cast<unsigned>(id)});
+        }
+    }
+    return sighting;
+}
+
 }  // namespace
 
 std::vector<VirtualDisk> LoadVirtualDisks(Controller& controller) {
@@ -53,6 +81,9 @@ std::vector<VirtualDisk> LoadVirtualDisks(Controller& controller) {
             disk.info = std::move(info);
             disk.config = configs.Take(id);
             disk.status = states.Take(id);
+            if (Sightings* const sightings = controller.sightings()) {
+                sightings->Note(disk.address.Text(), SightingOf(disk, controller.codes()));
+            }
             all.push_back(std::move(disk));
         }
     }

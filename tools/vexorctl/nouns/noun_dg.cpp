@@ -177,7 +177,7 @@ Exit CreateDiskGroup(Invocation& invocation) {
         .commands = {std::move(request)},
         .address = {},
         .size_bytes = kSectorBytes * *size,
-        .find = FindNewest(invocation, &LoadDiskGroups)};
+        .created = &AddressesOf<&LoadDiskGroups>};
     AddDisks(change, disks, name);
     return CarryOut(invocation, change);
 }

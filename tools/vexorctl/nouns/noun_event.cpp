@@ -22,6 +22,7 @@
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/library_record.h"
+#include "model/sightings.h"
 #include "nouns/nouns.h"
 #include "nouns/plan_and_act.h"
 #include "output/cell.h"
@@ -384,14 +385,26 @@ Exit ListKeys(Invocation& invocation) {
 }
 
 Exit ResetEvents(Invocation& invocation) {
-    const Extent extent = AskExtent(invocation.controller());
+    static constexpr char kStore[] = "the event store";
+    Controller& controller = invocation.controller();
+    const auto look = [&controller] {
+        const Extent extent = AskExtent(controller);
+        controller.sightings()->Note(
+            kStore, {.facts = {NumberFact("oldest event", extent.first),
+                               NumberFact("number of events", extent.next - extent.first)},
+                     .related = {}});
+        return extent;
+    };
+    const Extent extent = look();
     return CarryOut(invocation, {.what = "Reset the event store",
                                  .losses = {std::to_string(extent.next - extent.first) +
                                             " stored events will be lost"},
                                  .confirm = "events",
                                  .commands = {Request<calls::VX_HX_EVT_Reset>{}},
                                  .address = {},
-                                 .size_bytes = {}});
+                                 .size_bytes = {},
+                                 .beside = kStore,
+                                 .look_beside = look});
 }
 
 constexpr OptionRow kListOptions[] = {

@@ -19,6 +19,7 @@
 #include "model/failure.h"
 #include "model/library_record.h"
 #include "model/result_tree.h"
+#include "model/sightings.h"
 #include "nouns/find_object.h"
 #include "nouns/flash_progress.h"
 #include "nouns/nouns.h"
@@ -187,6 +188,7 @@ std::string InstalledVersion(Controller& controller, std::uint64_t image) {
 struct FileFacts {
     std::uint64_t bytes = 0;
     std::string version = "not told: only files of BIOS images tell theirs";
+    Sighting sighting{};
 };
 
 constexpr std::uint64_t kMostPieces = 65536;
@@ -205,6 +207,11 @@ FileFacts LookAtFile(Controller& controller, const std::string& path, std::uint6
     if (access(path.c_str(), R_OK) != 0) {
         throw Failure(Exit::kNotPermitted, path + ": " + std::strerror(errno));
     }
+    const auto seconds = static_cast<std::uint64_t>(status.st_mtim.tv_sec);
+    const auto nanoseconds = static_cast<std::uint64_t>(status.st_mtim.tv_nsec);
+    facts.sighting.facts = {
+        NumberFact("size", facts.bytes), NumberFact("number on its file system", status.st_ino),
+        NumbersFact("time of the last change", std::vector<std::uint64_t>{seconds, nanoseconds})};
     if (CodeOf(controller, kBios) != image) return facts;
     const auto answer = AskVersion(controller, path);
     const auto version = VersionText(InfoIn(answer)[VX_BIOS_Version::BIOSVersion]);
@@ -228,7 +235,12 @@ Exit UpdateFlash(Invocation& invocation) {
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
     Controller& controller = invocation.controller();
     const std::uint64_t image = ImageOption(invocation);
-    const FileFacts file = LookAtFile(controller, *path, image);
+    const auto look = [&controller, path, image] {
+        FileFacts facts = LookAtFile(controller, *path, image);
+        controller.sightings()->Note(*path, facts.sighting);
+        return facts;
+    };
+    const FileFacts file = look();
     const std::uint64_t pieces = (file.bytes + kFlashPieceBytes - 1) / kFlashPieceBytes;
     std::vector<Command> commands;
     if (!invocation.Has("--no-erase")) {
@@ -249,6 +261,8 @@ Exit UpdateFlash(Invocation& invocation) {
          .commands = std::move(commands),
          .address = adapter.Text(),
          .size_bytes = {},
+         .beside = *path,
+         .look_beside = look,
          .image_file = *path,
          .image_pieces = pieces});
 }

@@ -22,12 +22,14 @@
 #include "nouns/choose_disks.h"
 #include "nouns/creation_options.h"
 #include "nouns/find_object.h"
+#include "nouns/look_again.h"
 #include "nouns/nouns.h"
 #include "nouns/plan_and_act.h"
 #include "output/cell.h"
 #include "output/cell_text.h"
 #include "output/record_cells.h"
 #include "output/report.h"
+#include "output/streams.h"
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
 #include "shell/present.h"
@@ -239,10 +241,6 @@ Exit SetVirtualDisk(Invocation& invocation) {
 
 // ---- create -----------------------------------------------------------------------------------
 
-std::function<std::string()> NewestFinder(Invocation& invocation) {
-    return FindNewest(invocation, &LoadVirtualDisks);
-}
-
 // The first slot of the group that no virtual disk has.
 std::uint64_t SlotOption(const Invocation& invocation, const DiskGroup& group) {
     if (const auto slot = invocation.Number("--slot", 255)) return *slot;
@@ -291,7 +289,7 @@ Exit CreateOnGroup(Invocation& invocation, const std::string& typed) {
                      .address = {},
                      .size_bytes = kSectorBytes * sectors,
                      .starts_task = true,
-                     .find = NewestFinder(invocation)});
+                     .created = &AddressesOf<&LoadVirtualDisks>});
 }
 
 // The parameters that the request for a new virtual disk shares with the question for its size.
@@ -311,12 +309,9 @@ Request<Function> CreationRequest(Invocation& invocation, const hxcodes::LevelRo
             {Function::Name, name}};
 }
 
-Exit CreateVirtualDisk(Invocation& invocation) {
+Exit CreateOnDisks(Invocation& invocation) {
     using Look = calls::HX_LD_GetMaxSize;
     using Function = calls::HX_LD_Create;
-    if (const std::string* const group = invocation.Get("--dg")) {
-        return CreateOnGroup(invocation, *group);
-    }
     const hxcodes::LevelRow& level = LevelOption(invocation);
     const auto count = invocation.Number("--disks", 128);
     if (invocation.targets().empty() && !count) {
@@ -365,9 +360,33 @@ Exit CreateVirtualDisk(Invocation& invocation) {
                   .address = {},
                   .size_bytes = kSectorBytes * sectors,
                   .starts_task = true,
-                  .find = NewestFinder(invocation)};
+                  .created = &AddressesOf<&LoadVirtualDisks>};
     AddDisks(change, disks, name);
     return CarryOut(invocation, change);
+}
+
+// Disks that were picked and that somebody else has taken since are no reason to give up: others
+// may do. Disks that were named are.
+Exit CreateVirtualDisk(Invocation& invocation) {
+    if (const std::string* const group = invocation.Get("--dg")) {
+        return CreateOnGroup(invocation, *group);
+    }
+    if (!invocation.targets().empty()) return CreateOnDisks(invocation);
+    constexpr int kPicks = 16;
+    std::optional<Outdated> lost;
+    for (int pick = 0; pick < kPicks; ++pick) {
+        try {
+            return CreateOnDisks(invocation);
+        } catch (const Outdated& outdated) {
+            ReportFailure("", std::string(outdated.what()) + "; picking again");
+            lost = outdated;
+            invocation.controller().RememberSightings();
+        } catch (const Failure& failure) {
+            if (!lost) throw;
+            throw Outdated(lost->exit, std::string(lost->what()) + "; then " + failure.what());
+        }
+    }
+    throw *lost;
 }
 
 Exit QuickCreate(Invocation& invocation) {
@@ -385,7 +404,8 @@ Exit QuickCreate(Invocation& invocation) {
          .address = {},
          .size_bytes = {},
          .starts_task = true,
-         .find = NewestFinder(invocation)});
+         .created = &AddressesOf<&LoadVirtualDisks>,
+         .takes_every_disk = true});
 }
 
 // The parameters that the request for a migration shares with the question for the resulting size.

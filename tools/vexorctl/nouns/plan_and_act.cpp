@@ -2,16 +2,20 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <cstdio>
 
 #include "codes/code_table.h"
 #include "codes/named.h"
 #include "common/duration.h"
 #include "common/terminal_text.h"
+#include "common/turn.h"
 #include "model/controller_codes.h"
 #include "model/fault.h"
 #include "nouns/flash_progress.h"
+#include "nouns/look_again.h"
 #include "nouns/wait_for_tasks.h"
 #include "output/cell_text.h"
 #include "output/report.h"
@@ -103,6 +107,14 @@ Exit PrintDone(Invocation& invocation, const Change& change, const std::string& 
     return invocation.controller().exit();
 }
 
+// The address of the object that is there now and was not before; empty when there is none.
+std::string Newcomer(const std::vector<Address>& before, const std::vector<Address>& now) {
+    for (const Address& address : now) {
+        if (std::ranges::find(before, address) == before.end()) return address.Text();
+    }
+    return {};
+}
+
 Exit ShowPlan(Invocation& invocation, const Change& change) {
     if (invocation.Has("--output") || invocation.Has("--columns")) {
         return PrintDone(invocation, change, change.address,
@@ -149,16 +161,22 @@ std::optional<unsigned> SwitchOption(const Invocation& invocation, std::string_v
 }
 
 Exit CarryOut(Invocation& invocation, const Change& change) {
+    constexpr std::chrono::minutes kPatience{1};
     Controller& controller = invocation.controller();
     std::optional<Duration> timeout;
     if (invocation.Has("--wait")) timeout = TimeoutOf(invocation);
     if (invocation.Has("--dry-run")) return ShowPlan(invocation, change);
+    SecondLook look(controller, change);
     Confirm(invocation, change);
-    if (!controller.CountersStand()) {
+    std::optional<Turn> turn(kPatience);
+    if (!turn->IsOurs()) {
         throw Failure(
             Exit::kNotConfirmed,
-            "something has changed since the plan was made; nothing was done, look again");
+            "another vexorctl has been changing something for a minute; nothing was done");
     }
+    look.Check();
+    const std::vector<Address> before =
+        change.created ? change.created(controller) : std::vector<Address>();
     std::optional<TransferProgress> transfer;
     if (!change.image_file.empty()) {
         transfer.emplace(change.address + " " + invocation.row().Name(), change.image_file,
@@ -173,7 +191,9 @@ Exit CarryOut(Invocation& invocation, const Change& change) {
         throw Failure(answer.exit, subject + answer.complaint, std::move(fault));
     }
     transfer.reset();
-    const std::string address = change.find ? change.find() : change.address;
+    const std::string address =
+        change.created ? Newcomer(before, change.created(controller)) : change.address;
+    turn.reset();
     const bool started = change.starts_task && HasTask(controller, address);
     const Exit exit =
         PrintDone(invocation, change, address, started ? address : std::string(), false);

@@ -1,8 +1,8 @@
-// What a command is going to do, and doing it: the plan is shown, the question asked, the change
-// refused when something has moved since the look, the commands sent, the result told.
+// What a command is going to do, and doing it: the plan is shown, the question asked, the objects
+// looked at again and the change refused when one is not what it was, the commands sent, the result
+// told.
 #pragma once
 
-#include <algorithm>
 #include <functional>
 #include <optional>
 #include <span>
@@ -22,14 +22,19 @@
 namespace vexorctl {
 
 struct Change {
-    std::string what;                 // "Delete virtual disk a0/vd1 (data1)"
-    std::vector<std::string> losses;  // what will be lost or changed, a line each
-    std::string confirm;              // the name to be typed; empty: nothing is asked
-    std::vector<Command> commands;    // sent in order, until one fails
-    std::string address;              // of the object; when it is new, `find` tells it afterwards
+    std::string what;                         // "Delete virtual disk a0/vd1 (data1)"
+    std::vector<std::string> losses;          // what will be lost or changed, a line each
+    std::string confirm;                      // the name to be typed; empty: nothing is asked
+    std::vector<Command> commands;            // sent in order, until one fails
+    std::string address;                      // of the object; empty when it is new
     std::optional<std::uint64_t> size_bytes;  // the resulting size
     bool starts_task = false;                 // or may start one: it is told when it runs
-    std::function<std::string()> find{};
+    // Of a change that makes an object: lists those of its kind, to tell the new one's address.
+    std::function<std::vector<Address>(Controller&)> created{};
+    bool takes_every_disk = false;  // all free disks of the adapter, whichever they are
+    // What it is about beside objects of adapters, as sightings call it, and what reads it again.
+    std::string beside{};
+    std::function<void()> look_beside{};
     std::string image_file{};        // that goes to or comes from the flash
     std::uint64_t image_pieces = 0;  // 0: their number is not known
 };
@@ -70,21 +75,12 @@ auto Kept(const Record<R>& record, Field field, const Address& address) {
     return *std::move(value);
 }
 
-/// A function that returns the address of the object that has been created since now; empty when
-/// there is none.
-template <class Object>
-std::function<std::string()> FindNewest(Invocation& invocation,
-                                        std::vector<Object> (*load)(Controller&)) {
-    std::vector<Address> before;
-    for (const Object& object : load(invocation.controller())) before.push_back(object.address);
-    return [&invocation, load, before] {
-        for (const Object& object : load(invocation.controller())) {
-            if (std::ranges::find(before, object.address) == before.end()) {
-                return object.address.Text();
-            }
-        }
-        return std::string();
-    };
+/// The addresses of all objects of a kind.
+template <auto load>
+std::vector<Address> AddressesOf(Controller& controller) {
+    std::vector<Address> addresses;
+    for (const auto& object : load(controller)) addresses.push_back(object.address);
+    return addresses;
 }
 
 /// --wait[=TIMEOUT]

@@ -145,7 +145,7 @@ Exit RunDocumentingFailure(const CommandRow& row, Invocation& invocation) {
         if (const std::string* const codes = invocation.Get("--codes")) {
             invocation.controller().UseCodesFile(*codes);
         }
-        if (row.changes) invocation.controller().RememberCounters();
+        if (row.changes) invocation.controller().RememberSightings();
         return row.run(invocation);
     } catch (const Failure& failure) {
         Fault fault = failure.fault;
