@@ -184,5 +184,26 @@ class ManyItems(VexorctlCase):
                                      "line 1: not well-formed (invalid token)\n")
 
 
+class Closed(VexorctlCase):
+    """A controller that could not be opened is not an empty machine."""
+
+    def test_every_verb_that_asks_ends_with_5(self):
+        self.machine.state.write_bytes(b"This is no database." * 500)
+        for words in ("adapter list", "disk list", "disk show a0/pd0", "disk blocks", "vd list",
+                      "vd show name:DATABASE", "dg list", "enclosure list", "task list",
+                      "battery list", "flash list", "vd delete a0/vd0 --yes",
+                      "vd create --raid 0 --disks 1 --adapter 0 --yes"):
+            with self.subTest(words=words):
+                run = self.run_words(*words.split(), "-o", "json")
+                self.assertEqual(run.returncode, 5, run.stderr)
+                self.assertTrue(run.stderr.startswith(
+                    "vexorctl: the controller could not be opened: "), run.stderr)
+                self.assertIn("hxsimctl", run.stderr)
+                document = json.loads(run.stdout)
+                self.assertEqual(document["items"], [])
+                self.assertEqual((document["errors"][0]["code"], document["errors"][0]["name"]),
+                                 (200, "not_initialized"))
+
+
 if __name__ == "__main__":
     vexorctl_machine.run_tests(__name__, "VEXORCTL", "SCRIPTED_LIBRARY")

@@ -224,6 +224,20 @@ Controller::RawList Controller::ReadRawList(const RawSource& source) {
     return list;
 }
 
+// A controller that could not be opened has no adapters either. Whether it is open shows only when
+// it is asked for one.
+void Controller::RefuseIfNotOpen() {
+    using Function = calls::HX_Adapter_GetInfo;
+    const Request<Function> request{{Function::AdapterID, 0}};
+    const auto answer = Ask(request);
+    if (answer.exit != Exit::kUnavailable) return;
+    throw Failure(Exit::kUnavailable,
+                  "the controller could not be opened: " + answer.complaint +
+                      " \"hxsimctl show\" tells what is wrong with a virtual controller's state "
+                      "file; \"hxsimctl init\" makes a new one",
+                  FaultOf(request, answer));
+}
+
 const std::vector<unsigned>& Controller::Adapters() {
     if (!adapters_) {
         using Function = calls::HX_Adapter_GetCount;
@@ -235,6 +249,7 @@ const std::vector<unsigned>& Controller::Adapters() {
                               (answer.exit == Exit::kDone ? "it does not tell its adapters"
                                                           : answer.complaint));
         }
+        if (*count == 0) RefuseIfNotOpen();
         adapters_.emplace();
         const std::uint64_t most = std::min<std::uint64_t>(*count, 255);
         for (unsigned adapter = 0; adapter < most; ++adapter) adapters_->push_back(adapter);

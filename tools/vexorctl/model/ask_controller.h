@@ -208,6 +208,7 @@ private:
     RawList ReadRawList(const RawSource& source);
     void TakeItems(const RawSource& source, std::uint64_t index, Value& result, RawList& list);
     void NoteBrokenItem(const RawSource& source, std::uint64_t index, const Answer& answer);
+    void RefuseIfNotOpen();
     void NoteAnswer(std::string_view address, std::string_view function, const Answer& answer);
     void NoteLeftOut(const RawSource& source, const std::string& item, const std::string& reason);
 
