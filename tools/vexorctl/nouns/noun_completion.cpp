@@ -1,6 +1,7 @@
 // vexorctl completion ...: scripts for the shells, which ask the binary itself what can follow, so
 // that they never differ from the command tree and know the objects that are there.
 #include <algorithm>
+#include <cctype>
 
 #include "common/address.h"
 #include "common/terminal_text.h"
@@ -24,31 +25,45 @@ namespace vexorctl {
 
 namespace {
 
+// The first line that the program prints for a shell says whether files may follow, too.
 constexpr std::string_view kBash = R"(# bash completion for vexorctl
 _vexorctl() {
-    local IFS=$'\n'
-    local line=${COMP_LINE:0:COMP_POINT} words
-    words=("${COMP_WORDS[@]:1:COMP_CWORD}")
-    COMPREPLY=($(vexorctl completion candidates -- "${words[@]}" 2>/dev/null))
-    # A word with a colon is several words for readline: only what follows the colon is its word.
-    local current=${line##* }
-    if [[ $current == *:* && $COMP_WORDBREAKS == *:* ]]; then
-        COMPREPLY=("${COMPREPLY[@]#"${current%"${current##*:}"}"}")
-    fi
+    # readline takes a word with a colon or an equals sign for several words: they are put together
+    # again where no blank stands between them.
+    local words=() word rest=$COMP_LINE i cut=
+    for ((i = 0; i <= COMP_CWORD; i++)); do
+        word=${COMP_WORDS[i]}
+        if ((i > 0)) && [[ $rest != [[:blank:]]* ]]; then
+            words[${#words[@]} - 1]+=$word
+        else
+            words+=("$word")
+        fi
+        rest=${rest#"${rest%%[![:blank:]]*}"}
+        rest=${rest#"$word"}
+    done
+    local lines=()
+    mapfile -t lines < <(vexorctl completion candidates --for bash -- "${words[@]:1}" 2>/dev/null)
+    [[ ${lines[0]} == files ]] && compopt -o default
+    COMPREPLY=("${lines[@]:1}")
+    # Only what follows the last part is inserted.
+    word=${words[${#words[@]} - 1]}
+    cut=${word%"${COMP_WORDS[COMP_CWORD]}"}
+    [[ ${COMP_WORDS[COMP_CWORD]} == [:=] ]] && cut=$word
+    COMPREPLY=("${COMPREPLY[@]#"$cut"}")
 }
-complete -o default -F _vexorctl vexorctl
+complete -F _vexorctl vexorctl
 )";
 
 constexpr std::string_view kZsh = R"(#compdef vexorctl
 # zsh completion for vexorctl
 _vexorctl() {
-    local -a candidates
-    candidates=("${(@f)$(vexorctl completion candidates -- "${(@)words[2,CURRENT]}" 2>/dev/null)}")
-    if [[ -n ${candidates[1]} ]]; then
-        compadd -Q -- "${candidates[@]}"
-    else
-        _files
-    fi
+    local -a lines
+    lines=("${(@f)$(vexorctl completion candidates --for zsh -- "${(@Q)words[2,CURRENT]}" 2>/dev/null)}")
+    local first=${lines[1]}
+    shift lines
+    # Without -Q: zsh quotes what it inserts, and a name stays a name.
+    (( ${#lines} )) && compadd -- "${lines[@]}"
+    [[ $first == files ]] && _files
 }
 if [[ $funcstack[1] == _vexorctl ]]; then
     _vexorctl "$@"
@@ -58,12 +73,61 @@ fi
 )";
 
 constexpr std::string_view kFish = R"(# fish completion for vexorctl
-function __vexorctl_candidates
-    set -l words (commandline -opc) (commandline -ct)
-    vexorctl completion candidates -- $words[2..-1] 2>/dev/null
+function __vexorctl_lines
+    set -l words (commandline -opc) (commandline -ct | string unescape)
+    vexorctl completion candidates --for fish -- $words[2..-1] 2>/dev/null
 end
-complete -c vexorctl -f -a '(__vexorctl_candidates)'
+function __vexorctl_wants_files
+    string match -q files (__vexorctl_lines)[1]
+end
+complete -c vexorctl -f -a '(__vexorctl_lines)[2..-1]'
+complete -c vexorctl -n __vexorctl_wants_files -F
 )";
+
+// ---- Words as bash has them ------------------------------------------------------------------
+
+bool IsPlain(char c) {
+    constexpr std::string_view kPlain = "_@%+=:,./-";
+    const auto byte = static_cast<unsigned char>(c);
+    return byte >= 0x80 || std::isalnum(byte) != 0 || kPlain.find(c) != std::string_view::npos;
+}
+
+bool IsPlain(std::string_view text) {
+    return std::ranges::all_of(text, [](char c) { return IsPlain(c); });
+}
+
+// Names are data: whatever a shell would act on is quoted.
+std::string QuotedForBash(std::string_view text) {
+    std::string quoted;
+    for (const char c : text) {
+        if (!IsPlain(c)) quoted += '\\';
+        quoted += c;
+    }
+    return quoted;
+}
+
+// What a word as it stands on the line means; a quote that is not closed yet goes to the end.
+std::string UnquotedByBash(std::string_view word) {
+    std::string text;
+    char quote = 0;
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        const char c = word[i];
+        if (quote == 0 && (c == '\'' || c == '"')) {
+            quote = c;
+        } else if (c == quote) {
+            quote = 0;
+        } else if (c == '\\' && quote != '\'' && i + 1 < word.size()) {
+            text += word[++i];
+        } else {
+            text += c;
+        }
+    }
+    return text;
+}
+
+bool HoldsQuote(std::string_view word) {
+    return word.find_first_of("'\"") != std::string_view::npos;
+}
 
 Exit PrintBash(Invocation&) {
     PrintText(kBash);
@@ -142,8 +206,14 @@ void AddTargets(std::vector<std::string>& candidates, Controller& controller, Ta
     }
 }
 
-void AddOfCommand(std::vector<std::string>& candidates, Controller& controller,
-                  const CommandRow& command, const std::vector<std::string>& words) {
+struct Candidates {
+    std::vector<std::string> words;
+    bool files = false;  // may follow, too
+};
+
+void AddOfCommand(Candidates& found, Controller& controller, const CommandRow& command,
+                  const std::vector<std::string>& words) {
+    std::vector<std::string>& candidates = found.words;
     const std::string& current = words.back();
     const std::string_view before = words.size() > 1 ? words[words.size() - 2] : std::string_view();
     const std::vector<OptionRow> options = OptionsOf(command);
@@ -151,6 +221,7 @@ void AddOfCommand(std::vector<std::string>& candidates, Controller& controller,
         if (option.value.empty() || option.value_optional) continue;
         if (before != option.name && (option.letter.empty() || before != option.letter)) continue;
         Add(candidates, option.choices);
+        found.files = option.value == "FILE";
         const bool keys = option.name == "--columns" || option.name == "--sort";
         if (!keys || command.columns == nullptr) return;
         // Several keys stand between commas: what is there already stays before the last one.
@@ -173,54 +244,68 @@ void AddOfCommand(std::vector<std::string>& candidates, Controller& controller,
         }
         return;
     }
+    found.files = command.target == Target::kFile;
     AddTargets(candidates, controller, command.target);
 }
 
 // What may follow the words; those that led to the command are taken away.
-std::vector<std::string> CandidatesFor(Controller& controller, std::vector<std::string>& words) {
-    std::vector<std::string> candidates;
+Candidates CandidatesFor(Controller& controller, std::vector<std::string>& words) {
+    Candidates found;
+    std::vector<std::string>& candidates = found.words;
     if (words.size() == 1) {
         for (const NounRow& noun : Nouns()) candidates.emplace_back(noun.name);
         Add(candidates, "--help --version");
-        return candidates;
+        return found;
     }
     const auto noun = std::ranges::find(Nouns(), words.front(), &NounRow::name);
-    if (noun == Nouns().end()) return candidates;
+    if (noun == Nouns().end()) return found;
     words.erase(words.begin());
     const CommandRow* command = &noun->commands.front();
     if (!command->verb.empty()) {
         if (words.size() == 1) {
             for (const CommandRow& row : noun->commands) candidates.emplace_back(row.verb);
-            return candidates;
+            return found;
         }
-        const auto found = std::ranges::find(noun->commands, words.front(), &CommandRow::verb);
-        if (found == noun->commands.end()) return candidates;
-        command = &*found;
+        const auto verb = std::ranges::find(noun->commands, words.front(), &CommandRow::verb);
+        if (verb == noun->commands.end()) return found;
+        command = &*verb;
         words.erase(words.begin());
     }
-    AddOfCommand(candidates, controller, *command, words);
-    return candidates;
+    AddOfCommand(found, controller, *command, words);
+    return found;
 }
 
 // The last of the words is being typed. Whatever goes wrong, nothing is said: it would stand in the
 // middle of somebody's line.
 Exit PrintCandidates(Invocation& invocation) {
+    const std::string shell = invocation.Get("--for", "");
+    const bool is_bash = shell == "bash";
     std::vector<std::string> words = invocation.targets();
     if (words.empty()) words.emplace_back();
-    std::vector<std::string> candidates;
+    // Inside of quotes other rules hold: only what needs no quoting is offered there.
+    const bool is_quoted = is_bash && HoldsQuote(words.back());
+    if (is_bash) std::ranges::transform(words, words.begin(), UnquotedByBash);
+    Candidates found;
     try {
-        candidates = CandidatesFor(invocation.controller(), words);
+        found = CandidatesFor(invocation.controller(), words);
     } catch (const std::exception&) {
-        return Exit::kDone;
+        found = {};
     }
     std::string out;
-    for (const std::string& candidate : candidates) {
+    if (!shell.empty()) out = found.files ? "files\n" : "words\n";
+    for (const std::string& candidate : found.words) {
         const bool printable = candidate == Printable(candidate);
-        if (printable && candidate.starts_with(words.back())) out += candidate + "\n";
+        if (!printable || !candidate.starts_with(words.back())) continue;
+        if (is_quoted && !IsPlain(candidate)) continue;
+        out += (is_bash ? QuotedForBash(candidate) : candidate) + "\n";
     }
     PrintText(out);
     return Exit::kDone;
 }
+
+constexpr OptionRow kCandidateOptions[] = {
+    {"--for", "SHELL", "Read and write the words as this shell has them", "bash zsh fish"},
+};
 
 constexpr CommandRow kCommands[] = {
     {.noun = "completion",
@@ -248,6 +333,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kText,
      .arity = Arity::kAny,
      .target_name = "WORD",
+     .options = kCandidateOptions,
      .examples = {"vexorctl completion candidates -- disk \"\"",
                   "vexorctl completion candidates -- vd show a"},
      .run = PrintCandidates,
