@@ -10,4 +10,7 @@ namespace hxcodes {
 /// device) is set by whoever describes the machine.
 inline constexpr std::string_view kVirtualController = " (virtual controller)";
 
+/// The same for the controller over the kernel's own arrays.
+inline constexpr std::string_view kLinuxMd = " (linuxmd)";
+
 }  // namespace hxcodes

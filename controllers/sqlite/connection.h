@@ -102,11 +102,13 @@ private:
     Sentence sentence_ = nullptr;
 };
 
-/// A transaction that writes: nobody else writes before it ends. Rolled back unless committed.
+/// A transaction. While one that writes is open nobody else writes; one that reads sees everything
+/// as it is at one time. Rolled back unless committed.
 class Transaction {
 public:
-    explicit Transaction(const Connection& connection) : connection_(connection) {
-        connection_.Execute("BEGIN IMMEDIATE");
+    explicit Transaction(const Connection& connection, Access access = Access::kWrite)
+        : connection_(connection) {
+        connection_.Execute(access == Access::kWrite ? "BEGIN IMMEDIATE" : "BEGIN");
     }
     ~Transaction();
     Transaction(const Transaction&) = delete;

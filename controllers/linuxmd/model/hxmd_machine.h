@@ -146,6 +146,7 @@ struct Array {
     Number resync_start;      // sectors; none: the array is in sync
     Number reshape_position;  // sectors; none: it is not reshaped
     Number mismatches;
+    Number sync_min;  // sectors; where a check that ended before its time would go on
     std::optional<SyncAction> last_action;
     Text uuid;  // 32 digits
     Text metadata;

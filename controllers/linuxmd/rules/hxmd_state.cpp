@@ -166,6 +166,23 @@ bool IsOccupied(const Disk& disk) {
            disk.twice || disk.read_only.value_or(0) != 0;
 }
 
+template <class Bit>
+void Add(Role& role, Bit bit) {
+    role.bits = static_cast<HX_U8>(role.bits | hxcodes::NumberOf(bit));
+}
+
+// What the disk is as this member of this array.
+void Serve(Role& role, const Disk& disk, const Array& array, const Member& member) {
+    if (role.serves == kNoId) role.serves = array.id;
+    if (IsSpare(array, member)) {
+        Add(role, DiskBit::kGroupSpare);
+        return;
+    }
+    Add(role, DiskBit::kConfigured);
+    if (IsFilling(member) && IsRunning(array)) Add(role, DiskBit::kRebuilding);
+    role.failed = role.failed || (disk.present && member.state && member.state->faulty);
+}
+
 }  // namespace
 
 std::uint64_t SlotCount(const Array& array) {
@@ -245,30 +262,19 @@ Activity ActivityOf(const Array& array) {
 
 Role RoleOf(const Machine& machine, const Disk& disk, bool global_spare) {
     Role role;
-    const auto add = [&](auto bit) { role.bits = static_cast<HX_U8>(role.bits | NumberOf(bit)); };
-    bool serves = false;
     for (const Array& array : machine.arrays) {
         for (const Member& member : array.members) {
-            if (member.disk != disk.id || disk.id == kNoId) continue;
-            serves = true;
-            if (role.serves == kNoId) role.serves = array.id;
-            if (IsSpare(array, member)) {
-                add(DiskBit::kGroupSpare);
-                continue;
-            }
-            add(DiskBit::kConfigured);
-            if (IsFilling(member) && IsRunning(array)) add(DiskBit::kRebuilding);
-            role.failed = role.failed || (disk.present && member.state && member.state->faulty);
+            if (member.disk == disk.id && disk.id != kNoId) Serve(role, disk, array, member);
         }
     }
-    if (role.failed) add(DiskBit::kFailed);
-    if (IsOnline(disk)) {
-        add(DiskBit::kOnline);
-    } else {
-        add(DiskBit::kUnavailable);
+    if (role.failed) Add(role, DiskBit::kFailed);
+    Add(role, IsOnline(disk) ? DiskBit::kOnline : DiskBit::kUnavailable);
+    const bool occupied = !disk.present || IsOccupied(disk);
+    if (global_spare) {
+        Add(role, DiskBit::kGlobalSpare);
+    } else if (role.serves == kNoId && occupied) {
+        Add(role, DiskBit::kConfigured);
     }
-    if (global_spare) add(DiskBit::kGlobalSpare);
-    if (!serves && !global_spare && (!disk.present || IsOccupied(disk))) add(DiskBit::kConfigured);
     return role;
 }
 

@@ -78,6 +78,7 @@ constexpr Attribute<Array> kArrayRows[] = {
     {"md/resync_start", Into<&Array::resync_start, ToNumber>},
     {"md/reshape_position", Into<&Array::reshape_position, ToNumber>},
     {"md/mismatch_cnt", Into<&Array::mismatches, ToNumber>},
+    {"md/sync_min", Into<&Array::sync_min, ToNumber>},
     {"md/last_sync_action", Into<&Array::last_action, ToSyncAction>},
     {"md/uuid", Into<&Array::uuid, ToUuid>},
     {"md/metadata_version", Into<&Array::metadata, ToText>},
@@ -331,6 +332,12 @@ bool HasMd() {
     return modules && modules->find("/md-mod.ko") != std::string::npos;
 }
 
+bool HasDisks() { return Folder::OfSystem("/sys/block").IsOpen(); }
+
+std::string LineOf(const char* folder, const std::string& file) {
+    return Line(Folder::OfSystem(folder), file);
+}
+
 std::optional<Machine> Look() {
     const Folder block = Folder::OfSystem("/sys/block");
     if (!block.IsOpen()) return std::nullopt;
@@ -355,10 +362,9 @@ std::optional<Machine> Look() {
     for (const std::string& name : enclosures.Names()) {
         machine.enclosures.push_back(ReadEnclosure(enclosures.Open(name), name));
     }
-    const Folder kernel = Folder::OfSystem("/proc/sys/kernel");
-    machine.release = Line(kernel, "osrelease");
-    machine.boot_id = Line(kernel, "random/boot_id");
-    const std::string uptime = Line(Folder::OfSystem("/proc"), "uptime");
+    machine.release = LineOf("/proc/sys/kernel", "osrelease");
+    machine.boot_id = LineOf("/proc/sys/kernel", "random/boot_id");
+    const std::string uptime = LineOf("/proc", "uptime");
     machine.uptime = ToNumber(std::string_view(uptime).substr(0, uptime.find('.')));
     return machine;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "model/hxmd_machine.h"
 #include "sysfs/hxmd_folder.h"
@@ -10,6 +11,13 @@ namespace hxmd {
 
 /// Whether the kernel has MD, or can load it.
 bool HasMd();
+
+/// Whether sysfs is there.
+bool HasDisks();
+
+/// The first line of a file below the root prefix; empty when there is none. `folder` begins with
+/// "/".
+std::string LineOf(const char* folder, const std::string& file);
 
 /// Reads the machine below the root prefix. Objects have no IDs yet. None without sysfs.
 std::optional<Machine> Look();

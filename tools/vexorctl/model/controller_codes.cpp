@@ -42,7 +42,8 @@ ControllerCodes& ControllerCodes::operator=(ControllerCodes&&) noexcept = defaul
 ControllerCodes::ControllerCodes(std::string_view identity, const std::optional<std::string>& path)
     : table_(&hxcodes::NoCodes()) {
     const bool is_named = path.has_value();
-    const bool is_ours = identity.ends_with(hxcodes::kVirtualController);
+    const bool is_ours =
+        identity.ends_with(hxcodes::kVirtualController) || identity.ends_with(hxcodes::kLinuxMd);
     if (is_ours) {
         table_ = &hxcodes::OwnCodes();
         are_known_ = true;

@@ -39,6 +39,7 @@ constexpr Recorded kArray[] = {
     {"md/resync_start", "none\n"},
     {"md/reshape_position", "none\n"},
     {"md/mismatch_cnt", "0\n"},
+    {"md/sync_min", "0\n"},
     {"md/last_sync_action", "none\n"},
     {"md/metadata_version", "1.2\n"},
     {"size", "4186112\n"},

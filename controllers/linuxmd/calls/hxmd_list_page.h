@@ -1,0 +1,62 @@
+// One page of a list: the one loop behind every list function.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+#include <vector>
+
+#include "calls/hxmd_session.h"
+#include "codes/status.h"
+#include "hxraid.h"
+
+namespace hxmd {
+
+/// The text, cut to the field or filled up with NULs.
+template <std::size_t size>
+void SetText(char (&field)[size], std::string_view text) {
+    text = text.substr(0, size);
+    std::ranges::fill(field, '\0');
+    std::ranges::copy(text, field);
+}
+
+/// Writes into the request those of the records that it wants; all of them ascend by ID, which
+/// `id_of(record)` tells. An index past the last record is the end of the list; an ID that none has
+/// is refused with `missing`.
+template <class Request, class Record, class IdOf>
+HX_U8 WritePage(Request& request, Record (Request::*list)[1], const std::vector<Record>& all,
+                IdOf id_of, HX_U8 missing) {
+    RequestHeader& header = request.header;
+    const bool by_id = header.requestType == HX_REQUEST_BY_ID;
+    if (!by_id && header.requestType != HX_REQUEST_BY_INDEX) {
+        return hxcodes::NumberOf(hxcodes::Status::kBadRequestType);
+    }
+    std::size_t first = header.startingIndexOrId;
+    std::size_t last = all.size();
+    if (by_id) {
+        const auto found = std::ranges::find(all, header.startingIndexOrId, id_of);
+        if (found == all.end()) return missing;
+        first = static_cast<std::size_t>(found - all.begin());
+        last = first + 1;
+    }
+    first = std::min(first, last);
+    const std::size_t count = std::min<std::size_t>(last - first, header.numRequested);
+    std::copy_n(all.begin() + static_cast<std::ptrdiff_t>(first), count, request.*list);
+    const bool more = !by_id && first + count < last;
+    header.numReturned = static_cast<HX_U16>(count);
+    header.nextStartingIndex = more ? static_cast<HX_U16>(first + count) : HX_U16{HX_LIST_COMPLETE};
+    return HX_SUCCESS;
+}
+
+/// Answers a list request. `describe(view)` makes every record.
+template <class Request, class Record, class Describe, class IdOf>
+HX_U8 List(HX_U8 adapter, Request* request, Record (Request::*list)[1], Describe describe,
+           IdOf id_of, HX_U8 missing) {
+    return OnView(adapter, [&](const View& view) -> HX_U8 {
+        if (request == nullptr) return hxcodes::NumberOf(hxcodes::Status::kNullAddress);
+        return WritePage(*request, list, std::vector<Record>(describe(view)), id_of, missing);
+    });
+}
+
+}  // namespace hxmd

@@ -1,0 +1,100 @@
+// Mounts and swap areas, and the devices below them.
+#include "sysfs/hxmd_system.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include "sysfs/hxmd_convert.h"
+#include "sysfs/hxmd_folder.h"
+
+namespace hxmd {
+namespace {
+
+constexpr std::string_view kSystemMounts[] = {"/", "/boot", "/boot/efi", "/usr", "/var"};
+
+class Search {
+public:
+    void FollowMounts() {
+        const Folder proc = Folder::OfSystem("/proc");
+        auto mounts = proc.Read("1/mountinfo", kMostText);
+        if (!mounts) mounts = proc.Read("self/mountinfo", kMostText);
+        if (!mounts) found_.complete = false;
+        std::istringstream lines(mounts.value_or(""));
+        for (std::string line; std::getline(lines, line);) FollowMount(line);
+    }
+
+    void FollowSwaps() {
+        const auto swaps = Folder::OfSystem("/proc").Read("swaps", kMostText);
+        std::istringstream lines(swaps.value_or(""));
+        for (std::string line; std::getline(lines, line);) {
+            // A swap file lies on a file system.
+            if (line.starts_with("/dev/")) FollowSource(line.substr(0, line.find_first_of(" \t")));
+        }
+    }
+
+    SystemDevices Found() { return std::move(found_); }
+
+private:
+    // "22 27 8:1 / /boot rw,relatime shared:1 - ext4 /dev/sda1 rw"
+    void FollowMount(const std::string& line) {
+        std::istringstream words(line);
+        std::string id, parent, number, root, point, word, type, source;
+        words >> id >> parent >> number >> root >> point;
+        if (std::ranges::find(kSystemMounts, point) == std::end(kSystemMounts)) return;
+        while (words >> word && word != "-") continue;
+        words >> type >> source;
+        const std::string name = LastPart(devices_.Link(number));
+        if (!name.empty()) {
+            Follow(name);
+        } else {
+            FollowSource(source);  // a file system over several devices has a number of its own
+        }
+    }
+
+    void FollowSource(const std::string& source) {
+        const std::string name = LastPart(source);
+        if (source.starts_with("/dev/") && blocks_.Has(name)) {
+            Follow(name);
+            return;
+        }
+        for (const std::string& each : blocks_.Names()) {
+            const auto mapped = blocks_.Read(each + "/dm/name");
+            if (!source.starts_with("/dev/mapper/") || !mapped || Trimmed(*mapped) != name)
+                continue;
+            Follow(each);
+            return;
+        }
+        found_.complete = false;
+    }
+
+    void Follow(const std::string& name) {
+        if (!found_.names.insert(name).second) return;
+        const Folder device = blocks_.Open(name);
+        if (!device.IsOpen()) found_.complete = false;
+        for (const std::string& slave : device.Open("slaves").Names()) Follow(slave);
+        if (!device.Has("partition")) return;
+        // The folder of a partition lies in that of its disk.
+        const std::string way = blocks_.Link(name);
+        const std::size_t end = way.rfind('/');
+        if (end == std::string::npos) {
+            found_.complete = false;
+            return;
+        }
+        Follow(LastPart(way.substr(0, end)));
+    }
+
+    const Folder devices_ = Folder::OfSystem("/sys/dev/block");
+    const Folder blocks_ = Folder::OfSystem("/sys/class/block");
+    SystemDevices found_;
+};
+
+}  // namespace
+
+SystemDevices FindSystem() {
+    Search search;
+    search.FollowMounts();
+    search.FollowSwaps();
+    return search.Found();
+}
+
+}  // namespace hxmd
