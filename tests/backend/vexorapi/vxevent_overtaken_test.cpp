@@ -172,7 +172,7 @@ TEST_F(OvertakenQuery, ByAResetFindsTheStoreThatIsThen) {
 }
 
 TEST_F(OvertakenQuery, ByAResetAndNewEventsDeliversTheseAlone) {
-    Behind(kSlots, [this] {
+    Behind(kSlots, [] {
         const VX_EventExt query = g_VX_EventExt;
         VX_EvInit();
         VX_EvFile_Reset();
