@@ -2,6 +2,7 @@
 #include "rules/hxmd_identity.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -11,13 +12,14 @@ namespace {
 // The lowest number below `limit` that no row has.
 template <class Rows>
 std::optional<HX_U16> FreeNumber(const Rows& rows, HX_U16 limit) {
-    std::vector<bool> taken(limit);
+    std::vector<char> taken(limit);
     for (const auto& row : rows) {
-        if (row.id < limit) taken[row.id] = true;
+        if (row.id < limit) taken[row.id] = 1;
     }
-    const auto free = std::ranges::find(taken, false);
-    if (free == taken.end()) return std::nullopt;
-    return static_cast<HX_U16>(free - taken.begin());
+    for (HX_U16 number = 0; number < limit; ++number) {
+        if (taken[number] == 0) return number;
+    }
+    return std::nullopt;
 }
 
 // The row of a key, made when it may be; null when there is none.
@@ -168,11 +170,13 @@ void AddMissing(Machine& machine, const Kept& kept, HX_U16 disk) {
 
 // The members whose disks are gone are known by the places that they had.
 void IdentifyMissing(Machine& machine, Array& array, const Kept& kept) {
-    const std::uint64_t places = array.disks ? std::min<std::uint64_t>(array.disks->now, kNoId) : 0;
-    std::vector<bool> taken(places);
+    const auto places = static_cast<std::size_t>(
+        array.disks ? std::min<std::uint64_t>(array.disks->now, kNoId) : 0);
+    std::vector<char> taken(places);
     for (Member& member : array.members) {
         if (!member.slot) continue;
-        if (member.present && *member.slot < places) taken[*member.slot] = true;
+        if (member.present && *member.slot < places)
+            taken[static_cast<std::size_t>(*member.slot)] = 1;
         if (member.present) continue;
         if (const KeptBlock* const row = BlockOfSlot(kept, array.id, SlotOf(member))) {
             member.block = row->id;
@@ -180,8 +184,8 @@ void IdentifyMissing(Machine& machine, Array& array, const Kept& kept) {
             member.start = row->start;
         }
     }
-    for (std::uint64_t slot = 0; slot < places; ++slot) {
-        if (taken[slot]) continue;
+    for (std::size_t slot = 0; slot < places; ++slot) {
+        if (taken[slot] != 0) continue;
         const KeptBlock* const row = BlockOfSlot(kept, array.id, static_cast<HX_U16>(slot));
         if (row != nullptr) AddMissing(machine, kept, row->disk);
     }

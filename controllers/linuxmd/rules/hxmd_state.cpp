@@ -42,7 +42,7 @@ std::vector<bool> FilledSlots(const Array& array) {
     std::vector<bool> filled(SlotCount(array));
     for (const Member& member : array.members) {
         if (member.slot && *member.slot < filled.size() && HasContent(member)) {
-            filled[*member.slot] = true;
+            filled[static_cast<std::size_t>(*member.slot)] = true;
         }
     }
     return filled;
@@ -69,7 +69,8 @@ std::uint64_t FewestLeft(const Array& array, const std::vector<bool>& filled) {
             for (std::uint64_t chunk = 0; chunk < count; ++chunk) {
                 std::uint64_t left = 0;
                 for (std::uint64_t copy = 0; copy < copies; ++copy) {
-                    left += filled[(chunk * NearCopiesOf(array) + copy) % count] ? 1U : 0U;
+                    const std::uint64_t slot = (chunk * NearCopiesOf(array) + copy) % count;
+                    left += filled[static_cast<std::size_t>(slot)] ? 1U : 0U;
                 }
                 fewest = std::min(fewest, left);
             }
@@ -185,9 +186,10 @@ void Serve(Role& role, const Disk& disk, const Array& array, const Member& membe
 
 }  // namespace
 
-std::uint64_t SlotCount(const Array& array) {
+std::size_t SlotCount(const Array& array) {
     if (!array.disks) return 0;
-    return std::min(std::max(array.disks->now, array.disks->before), kMostSlots);
+    return static_cast<std::size_t>(
+        std::min(std::max(array.disks->now, array.disks->before), kMostSlots));
 }
 
 bool HasContent(const Member& member) {

@@ -1,6 +1,7 @@
 // How arrays and disks stand: states and activities in the interface's terms.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "codes/activity.h"
@@ -19,7 +20,7 @@ inline constexpr HX_U8 kRaid1e = 0x11;
 inline constexpr HX_U8 kRaid4 = 0x04;
 
 /// The places of an array; 0 when it does not tell (it is incomplete).
-std::uint64_t SlotCount(const Array& array);
+std::size_t SlotCount(const Array& array);
 
 /// Whether the member holds its part of the array's content: it is there, complete and not failed.
 bool HasContent(const Member& member);

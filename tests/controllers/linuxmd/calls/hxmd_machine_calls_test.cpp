@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <array>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -128,7 +131,7 @@ TEST_F(TheLibrary, ListsDisksWithAllThatIsKnownOfThem) {
     EXPECT_EQ(TextOf(disk.Model, sizeof disk.Model), "TARNWELL T-1000");
     EXPECT_EQ(TextOf(disk.SerialNo, sizeof disk.SerialNo), "TW00000a");
     EXPECT_EQ(TextOf(disk.FWVersion, sizeof disk.FWVersion), "A101");
-    EXPECT_THAT(disk.WWN, ElementsAre(0x50, 0, 0, 0, 0, 0, 0, 0x0A));
+    EXPECT_EQ(std::to_array(disk.WWN), (std::array<HX_U8, 8>{0x50, 0, 0, 0, 0, 0, 0, 0x0A}));
     EXPECT_EQ(disk.Size.value, 2097152U);
     EXPECT_EQ(disk.ActivityLEDStatus, 1);
     EXPECT_EQ(TheOne(HX_PD_GetFreeSpaceInfo, 0, 0).Size.value, 2093056U);
@@ -413,13 +416,13 @@ std::vector<HX_U8> EveryOther(HX_U8 adapter) {
 TEST_F(TheLibrary, ChangesNothing) {
     RecordMirror();
     Open();
-    EXPECT_THAT(EveryChange(0), testing::Each(geteuid() == 0 ? 202 : 251));
-    EXPECT_THAT(EveryChange(1), testing::Each(201));
-    EXPECT_THAT(EveryOther(0), testing::Each(202));
-    EXPECT_THAT(EveryOther(1), testing::Each(201));
+    EXPECT_THAT(EveryChange(0), testing::Each(geteuid() == 0 ? HX_U8{202} : HX_U8{251}));
+    EXPECT_THAT(EveryChange(1), testing::Each(HX_U8{201}));
+    EXPECT_THAT(EveryOther(0), testing::Each(HX_U8{202}));
+    EXPECT_THAT(EveryOther(1), testing::Each(HX_U8{201}));
     HX_API_Finalize();
-    EXPECT_THAT(EveryChange(0), testing::Each(200));
-    EXPECT_THAT(EveryOther(0), testing::Each(200));
+    EXPECT_THAT(EveryChange(0), testing::Each(HX_U8{200}));
+    EXPECT_THAT(EveryOther(0), testing::Each(HX_U8{200}));
 }
 
 TEST_F(TheLibrary, ListsForEverybodyWhatRootHasMet) {
@@ -449,7 +452,7 @@ TEST_F(TheLibrary, ListsForEverybodyWhatRootHasMet) {
         EXPECT_EQ(All(HX_PD_GetHDInfo, 0).size(), 3U);
         EXPECT_EQ(All(HX_LD_GetInfo, 0).size(), 1U);
         EXPECT_EQ(All(HX_BLK_GetInfo, 0).size(), 2U);
-        EXPECT_THAT(EveryChange(0), testing::Each(251));
+        EXPECT_THAT(EveryChange(0), testing::Each(HX_U8{251}));
     });
 }
 
