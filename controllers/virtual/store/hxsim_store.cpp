@@ -108,10 +108,34 @@ void UseLog(const Connection& connection) {
     }
 }
 
+// A transaction that reads, to its end.
+class Reading {
+public:
+    explicit Reading(const Connection& connection) : connection_(connection) {
+        connection_.Execute("BEGIN");
+    }
+    ~Reading() {
+        try {
+            connection_.Execute("COMMIT");
+        } catch (const std::exception&) {
+            return;  // ended by the error that ended the reading
+        }
+    }
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+
+private:
+    const Connection& connection_;
+};
+
 Connection Open(const std::string& path) {
     Connection connection(path);
-    // What the file is, is asked first: another program's database stays as it is.
-    IsStateFile(connection, path);
+    {
+        // What the file is, is asked first: another program's database stays as it is. In one
+        // transaction, since another process may be making the tables at this moment.
+        const Reading reading(connection);
+        IsStateFile(connection, path);
+    }
     UseLog(connection);
     connection.Execute("PRAGMA synchronous = NORMAL");
     return connection;
@@ -139,26 +163,6 @@ std::string StatePath() {
 // ---- The open file ----
 
 namespace {
-
-// A transaction that reads, to its end.
-class Reading {
-public:
-    explicit Reading(const Connection& connection) : connection_(connection) {
-        connection_.Execute("BEGIN");
-    }
-    ~Reading() {
-        try {
-            connection_.Execute("COMMIT");
-        } catch (const std::exception&) {
-            return;  // ended by the error that ended the reading
-        }
-    }
-    Reading(const Reading&) = delete;
-    Reading& operator=(const Reading&) = delete;
-
-private:
-    const Connection& connection_;
-};
 
 class Marked {
 public:
