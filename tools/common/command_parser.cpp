@@ -37,9 +37,9 @@ void Command::AddRequiredText(const std::string& name, std::string& value,
     app_->add_option(name, value, help)->required();
 }
 
-void Command::AddText(const std::string& name, std::function<void(const std::string&)> take,
+void Command::AddText(const std::string& name, const std::function<void(const std::string&)>& take,
                       const std::string& help) const {
-    app_->add_option_function<std::string>(name, std::move(take), help);
+    app_->add_option_function<std::string>(name, take, help);
 }
 
 void Command::AddFlag(const std::string& name, bool& value, const std::string& help) const {

@@ -70,7 +70,7 @@ public:
                          const std::string& help) const;
 
     /// The same, its value taken by a function.
-    void AddText(const std::string& name, std::function<void(const std::string&)> take,
+    void AddText(const std::string& name, const std::function<void(const std::string&)>& take,
                  const std::string& help) const;
 
     void AddFlag(const std::string& name, bool& value, const std::string& help) const;
