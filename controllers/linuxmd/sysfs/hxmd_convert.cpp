@@ -2,9 +2,11 @@
 #include "sysfs/hxmd_convert.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <charconv>
 #include <system_error>
+#include <utility>
 
 namespace hxmd {
 namespace {
@@ -105,15 +107,18 @@ Text ToSerialPage(std::string_view bytes) {
 }
 
 Text ToUuid(std::string_view text) {
-    std::string digits;
+    constexpr std::size_t kDigits = 32;
+    std::array<char, kDigits> digits{};
+    std::size_t count = 0;
     for (const char each : Trimmed(text)) {
         if (each == '-' || each == ':') continue;
-        if (std::isxdigit(static_cast<unsigned char>(each)) == 0) return std::nullopt;
-        digits += static_cast<char>(std::tolower(static_cast<unsigned char>(each)));
+        if (count == kDigits || std::isxdigit(static_cast<unsigned char>(each)) == 0) {
+            return std::nullopt;
+        }
+        digits[count++] = static_cast<char>(std::tolower(static_cast<unsigned char>(each)));
     }
-    constexpr std::size_t kDigits = 32;
-    if (digits.size() != kDigits) return std::nullopt;
-    return digits;
+    if (count != kDigits) return std::nullopt;
+    return Text(std::in_place, digits.data(), count);
 }
 
 std::optional<ArrayState> ToArrayState(std::string_view text) {
