@@ -6,6 +6,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
@@ -95,7 +96,8 @@ private:
         const bool last = begin[length] == '\0';
         std::memcpy(name, begin, length);
         name[length] = '\0';
-        std::memmove(rest_, begin + length, std::strlen(begin + length) + 1);
+        const char* const next = begin + length;
+        std::copy(next, next + std::strlen(next) + 1, rest_);
         return last;
     }
 
@@ -121,7 +123,7 @@ private:
         const std::size_t rest_length = std::strlen(rest_);
         // A target that fills its field may have been cut.
         if (length + rest_length >= sizeof rest_) return false;
-        std::memmove(rest_ + length, rest_, rest_length + 1);
+        std::copy_backward(rest_, rest_ + rest_length + 1, rest_ + length + rest_length + 1);
         std::memcpy(rest_, target, length);
         if (rest_[0] == '/') EnterStart();
         return true;
