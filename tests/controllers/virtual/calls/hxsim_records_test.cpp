@@ -50,7 +50,8 @@ protected:
     }
 
     // With and without an activity.
-    void DescribeDisks() {
+    void ExpectDisksWhole() {
+        ASSERT_FALSE(adapter().disks.empty());
         const DiskRoles roles(adapter());
         for (const Disk& disk : adapter().disks) {
             const auto expect = [&]<class Record>(const char* name, Record*) {
@@ -67,7 +68,8 @@ protected:
         }
     }
 
-    void DescribeVirtualDisks() {
+    void ExpectVirtualDisksWhole() {
+        ASSERT_FALSE(adapter().virtual_disks.empty());
         for (const VirtualDisk& row : adapter().virtual_disks) {
             ExpectWhole<LD_Info>("LD_Info", [&](LD_Info& record) {
                 BlocksByPosition blocks;
@@ -80,7 +82,8 @@ protected:
         }
     }
 
-    void DescribeGroups() {
+    void ExpectGroupsWhole() {
+        ASSERT_FALSE(adapter().disk_groups.empty());
         for (const DiskGroup& row : adapter().disk_groups) {
             ExpectWhole<DG_Info>("DG_Info",
                                  [&](DG_Info& record) { Describe(adapter(), row, kNow, record); });
@@ -91,9 +94,9 @@ protected:
 };
 
 TEST_F(Records, OfDisksAreWritten) {
-    DescribeDisks();
+    ExpectDisksWhole();
     StartActivity(ActivityKind::kMediaPatrol, Owner::kDisk, 0);
-    DescribeDisks();
+    ExpectDisksWhole();
 }
 
 TEST_F(Records, OfRemapsAreWritten) {
@@ -102,6 +105,7 @@ TEST_F(Records, OfRemapsAreWritten) {
 }
 
 TEST_F(Records, OfBlocksAreWritten) {
+    ASSERT_FALSE(adapter().blocks.empty());
     const DiskRoles roles(adapter());
     for (const Block& row : adapter().blocks) {
         ExpectWhole<Block_Info>("Block_Info", [&](Block_Info& record) {
@@ -117,15 +121,15 @@ TEST_F(Records, OfBlocksAreWritten) {
 }
 
 TEST_F(Records, OfVirtualDisksAreWritten) {
-    DescribeVirtualDisks();
+    ExpectVirtualDisksWhole();
     StartActivity(ActivityKind::kCheck, Owner::kVirtualDisk, 0);
-    DescribeVirtualDisks();
+    ExpectVirtualDisksWhole();
 }
 
 TEST_F(Records, OfDiskGroupsAreWritten) {
-    DescribeGroups();
+    ExpectGroupsWhole();
     StartActivity(ActivityKind::kMigration, Owner::kDiskGroup, 0);
-    DescribeGroups();
+    ExpectGroupsWhole();
     adapter().activities.clear();
 }
 
