@@ -233,8 +233,7 @@ void Controller::RefuseIfNotOpen() {
     if (answer.exit != Exit::kUnavailable) return;
     throw Failure(Exit::kUnavailable,
                   "the controller could not be opened: " + answer.complaint +
-                      " \"hxsimctl show\" tells what is wrong with a virtual controller's state "
-                      "file; \"hxsimctl init\" makes a new one",
+                      " With the virtual controller, \"hxsimctl show\" tells why, and what to do",
                   FaultOf(request, answer));
 }
 
