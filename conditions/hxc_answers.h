@@ -58,6 +58,7 @@ struct VirtualDisk {
     unsigned level = 0;  // codes/level.h
     unsigned legs = 0;
     unsigned state = 0;             // codes/state.h
+    std::string state_text;         // of a state that has no code there: "7", "dreaming"
     std::optional<unsigned> cache;  // codes/virtual_disk.h
     std::optional<unsigned> group;
     std::vector<Member> members;

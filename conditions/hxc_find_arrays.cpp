@@ -29,7 +29,11 @@ constexpr unsigned kBroken = DiskBit::kUnavailable | DiskBit::kFailed;
 
 bool IsFree(const Disk& disk) { return (disk.status & kTaken) == 0; }
 
-std::uint64_t RoomOf(const Disk& disk) { return disk.free_sectors.value_or(disk.sectors); }
+// All of a spare is kept for the one it will replace, so no list of free space counts it.
+std::uint64_t RoomOf(const Disk& disk) {
+    if ((disk.status & kSpare) != 0) return disk.sectors;
+    return disk.free_sectors.value_or(disk.sectors);
+}
 
 // The sectors that a disk needs to take a member's place: as many as the lost one has, or, while
 // none is lost, as the smallest has.
@@ -74,13 +78,31 @@ struct Lookup {
     Finding& Add(Code code) { return findings.emplace_back(FindingOf(code, object)); }
 };
 
+// The size of the largest disk that was lost.
+std::uint64_t SizeOfLost(const Lookup& look) {
+    std::uint64_t size = 0;
+    for (const unsigned position : look.redundancy.lost) {
+        const Disk* const disk = FindDisk(look.adapter, look.virtual_disk.members[position].disk);
+        if (disk != nullptr) size = std::max(size, disk->sectors);
+    }
+    return size;
+}
+
+// Whether the disk is more like the lost one: the smallest of those that are as large.
+bool IsLiker(const Disk& disk, const Disk& other, std::uint64_t lost) {
+    const bool large = disk.sectors >= lost;
+    if (large != (other.sectors >= lost)) return large;
+    return disk.sectors < other.sectors;
+}
+
 void FindFittingDisks(Lookup& look) {
+    const std::uint64_t lost = SizeOfLost(look);
     const std::uint64_t needed = NeededBy(look.adapter, look.virtual_disk, look.redundancy.lost);
     for (const Disk& disk : look.adapter.disks) {
         if (RoomOf(disk) < needed || IsMember(look.virtual_disk, disk.id)) continue;
         if (IsReadySpare(disk) && Reaches(disk, look.virtual_disk)) {
             if (look.spare == nullptr) look.spare = &disk;
-        } else if (IsFree(disk) && look.free == nullptr) {
+        } else if (IsFree(disk) && (look.free == nullptr || IsLiker(disk, *look.free, lost))) {
             look.free = &disk;
         }
     }
@@ -177,6 +199,11 @@ bool Rebuilds(const Activity* activity) {
            activity->state == ActivityState::kRunning;
 }
 
+std::string StateText(const VirtualDisk& virtual_disk) {
+    return virtual_disk.state_text.empty() ? std::to_string(virtual_disk.state)
+                                           : Harmless(virtual_disk.state_text);
+}
+
 void FindState(Lookup& look, const Movement* movement) {
     const bool moves =
         Rebuilds(look.activity) && (movement == nullptr || !movement->Stands(look.object));
@@ -186,7 +213,7 @@ void FindState(Lookup& look, const Movement* movement) {
     AddMembers(look, finding);
     AddActivity(finding.values, look.activity);
     finding.values["redundancy"] = RedundancyText(look);
-    finding.values["n"] = *code == Code::kVdStateUnknown ? std::to_string(look.virtual_disk.state)
+    finding.values["n"] = *code == Code::kVdStateUnknown ? StateText(look.virtual_disk)
                           : look.redundancy.survives     ? std::to_string(*look.redundancy.survives)
                                                          : "?";
 }
@@ -339,7 +366,7 @@ void FindDiskGroups(std::vector<Finding>& findings, const Things& things, const 
 void FindSpares(std::vector<Finding>& findings, const Things& things, const Adapter& adapter) {
     bool has_global = false;
     for (const Disk& disk : adapter.disks) {
-        if (!IsReadySpare(disk)) continue;
+        if (!IsReadySpare(disk) || disk.sectors == 0) continue;  // 0: not told
         has_global = has_global || (disk.status & DiskBit::kGlobalSpare) != 0;
         std::vector<std::string> too_large;
         std::uint64_t least = 0;

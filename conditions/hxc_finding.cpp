@@ -40,21 +40,20 @@ void FindUnreadable(Findings& findings, const Things& things, const Adapter& ada
     std::vector<std::string> implausible;
     for (const auto& [code, query] : queries) {
         if (!query->Failed()) continue;
+        const bool told = query->result != Query::Result::kImplausible;
+        if (!told) implausible.push_back(Harmless(query->call + ": " + query->what));
+        // What makes no sense has been answered all the same.
+        if (!told && code == Code::kAdapterUnreadable) continue;
         Finding& finding = findings.emplace_back(FindingOf(code, things.Of(adapter)));
         finding.values["call"] = query->call;
         finding.values["number"] = std::to_string(adapter.number);
-        const bool told = query->result != Query::Result::kImplausible;
         finding.values["number_of_code"] = told ? std::to_string(query->code) : "is implausible";
         finding.values["code_name"] = query->name.empty() ? "" : " " + Harmless(query->name);
-        if (!told) implausible.push_back(Harmless(query->call + ": " + query->what));
     }
     if (implausible.empty()) return;
     Finding& finding =
         findings.emplace_back(FindingOf(Code::kAnswerImplausible, things.Of(adapter)));
-    finding.values["what"] = implausible.front();
-    if (implausible.size() > 1) {
-        finding.values["what"] += ", and " + std::to_string(implausible.size() - 1) + " more";
-    }
+    finding.values["what"] = Listed(implausible);
 }
 
 void FindMachine(Findings& findings, const Answers& answers, const Things& things) {

@@ -290,7 +290,7 @@ Condition ConditionOf(const Held& held, const State& state, const Settings& sett
     condition.since = is_dated ? held.since : 0;
     condition.since_is = held.since_is;
     condition.first_seen = is_watched ? held.first_seen : 0;
-    condition.last_seen = held.last_seen;
+    condition.last_seen = is_watched ? held.last_seen : 0;
     condition.count = held.found.count;
     condition.is_stale = held.is_stale;
     condition.is_flapping = held.is_flapping;

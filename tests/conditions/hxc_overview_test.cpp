@@ -165,7 +165,7 @@ const Pair kPairs[] = {
      [](Answers& it) {
          LoseDisk(it);
          DiskAt(it, 7).status |= NumberOf(hxcodes::DiskBit::kGlobalSpare);
-         DiskAt(it, 7).free_sectors = 5;
+         DiskAt(it, 7).sectors = 5;
      },
      Code::kVdNoRedundancy, Code::kSpareTooSmall},
     {"TheCollectorOfSpares",
@@ -274,7 +274,7 @@ TEST(TheFirstHindranceThatHolds, IsTold) {
     Answers answers = GoodMachine();
     Fail(answers, 5);
     DiskAt(answers, 7).status |= NumberOf(hxcodes::DiskBit::kGlobalSpare);
-    DiskAt(answers, 7).free_sectors = 5;
+    DiskAt(answers, 7).sectors = 5;
     const Overview overview = LookOnce(answers, {}, {});
     EXPECT_EQ(overview.heads[0].hindrance, Code::kSpareTooSmall);
     EXPECT_EQ(overview.heads[0].sentence,

@@ -125,8 +125,9 @@ class Unknown(Scripted):
     def test_check_says_that_it_does_not_know(self):
         run = self.run_words("check")
         self.assertEqual(run.returncode, 3)
-        self.assertTrue(run.stdout.startswith("UNKNOWN: a0/pd3 state 2; a0/vd0 state 7; "),
-                        run.stdout)
+        self.assertTrue(run.stdout.startswith("UNKNOWN: "), run.stdout)
+        self.assertIn("a0/pd3: what its state 2 means is not known", run.stdout)
+        self.assertIn("v (a0/vd0) has a state without a name (7)", run.stdout)
 
     def test_what_needs_a_code_is_refused_and_nothing_is_sent(self):
         log = self.root / "calls"
@@ -194,16 +195,18 @@ class Described(Scripted):
         self.disk(3)
         run = self.run_words("check", "-o", "jsonl", "--codes", codes)
         found = [json.loads(line) for line in run.stdout.splitlines()]
-        self.assertIn({"level": {"code": 2, "name": "critical"}, "address": "a0/vd0",
-                       "message": "degraded"}, found)
-        self.assertIn({"level": {"code": 2, "name": "critical"}, "address": "a0/pd3",
-                       "message": "failed"}, found)
+        self.assertIn(("critical", "VD_NO_REDUNDANCY", "a0/vd0"),
+                      [(each.get("level"), each.get("condition"), each.get("address"))
+                       for each in found])
+        self.assertIn(("warning", "DISK_FAILED", "a0/pd3"),
+                      [(each.get("level"), each.get("condition"), each.get("address"))
+                       for each in found])
         self.assertEqual(run.returncode, 2)
 
     def test_a_state_that_only_the_file_knows_is_not_taken_for_well(self):
         codes = {**CODES, "states": [{"code": 7, "name": "dreaming"}]}
         run = self.run_words("check", "--codes", self.write(codes))
-        self.assertIn("a0/vd0 state dreaming", run.stdout)
+        self.assertIn("v (a0/vd0) has a state without a name (dreaming)", run.stdout)
         self.assertEqual(run.returncode, 3)
 
     def test_names_become_the_codes_of_this_controller(self):

@@ -117,8 +117,9 @@ class OneItem(VexorctlCase):
 
     def test_check_does_not_call_it_healthy(self):
         run = self.run_words("check")
-        self.assertTrue(run.stdout.startswith("UNKNOWN: a0 the item at index 0 (ID 0) was left "
-                                              "out: "), run.stdout)
+        self.assertTrue(run.stdout.startswith("UNKNOWN: a0 answers what cannot be: HX_LD_GetInfo: "
+                                              "the item at index 0 (ID 0) was left out: "),
+                        run.stdout)
         self.assertEqual(run.returncode, 3)
 
     def test_tasks_go_on_without_its_name(self):

@@ -18,6 +18,7 @@ struct Report {
     std::vector<ColumnInfo> columns;
     std::vector<std::vector<Cell>> rows;
     std::vector<Fault> faults;
+    std::string more{};  // further keys of the JSON document, as an object
 };
 
 template <class Record, std::size_t n>

@@ -72,11 +72,12 @@ std::string JsonDocument(const Report& report, const Style& style) {
     }
     Json errors = Json::array();
     for (const Fault& fault : report.faults) errors.push_back(FaultJson(fault));
-    return Dump({{"schema", "vexorctl/1"},
-                 {"command", report.command},
-                 {"items", items},
-                 {"errors", errors}},
-                2);
+    Json document = {{"schema", "vexorctl/1"},
+                     {"command", report.command},
+                     {"items", items},
+                     {"errors", errors}};
+    if (!report.more.empty()) document.update(Json::parse(report.more));
+    return Dump(document, 2);
 }
 
 std::string JsonLine(const Report& report, std::size_t row, const Style& style) {

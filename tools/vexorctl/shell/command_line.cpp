@@ -158,6 +158,11 @@ Exit RunDocumentingFailure(const CommandRow& row, Invocation& invocation) {
     }
 }
 
+Exit ParseAndRun(const CommandRow& row, const std::vector<std::string>& words) {
+    Invocation invocation = Parse(row, words);
+    return RunDocumentingFailure(row, invocation);
+}
+
 Exit Run(std::span<const NounRow> nouns, std::vector<std::string> words, std::string& where) {
     const std::size_t leading = MoveLeadingOptions(words);
     if (words.size() == leading) throw UsageError("a command is missing");
@@ -187,8 +192,16 @@ Exit Run(std::span<const NounRow> nouns, std::vector<std::string> words, std::st
     }
     const auto end = std::ranges::find(words, "--");
     if (std::any_of(words.begin(), end, IsHelp)) return Help(CommandHelp(row));
-    Invocation invocation = Parse(row, words);
-    return RunDocumentingFailure(row, invocation);
+    if (row.cannot_begin == nullptr) return ParseAndRun(row, words);
+    try {
+        return ParseAndRun(row, words);
+    } catch (const Failure& failure) {
+        return row.cannot_begin(failure.what());
+    } catch (const Unavailable& failure) {
+        return row.cannot_begin(failure.what());
+    } catch (const UsageError& failure) {
+        return row.cannot_begin(std::string(failure.what()) + " (see " + where + " --help)");
+    }
 }
 
 }  // namespace

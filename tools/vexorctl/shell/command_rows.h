@@ -59,6 +59,8 @@ struct CommandRow {
     std::vector<ColumnInfo> (*columns)() = nullptr;  // null: it prints no objects
     std::string_view note{};                         // a paragraph for --help and the manual page
     bool changes = false;                            // takes --yes and --dry-run
+    // What it prints and exits with instead where it cannot even begin; null: as every command.
+    Exit (*cannot_begin)(const std::string& reason) = nullptr;
 
     std::string Name() const {
         return verb.empty() ? std::string(noun) : std::string(noun) + " " + std::string(verb);

@@ -202,7 +202,7 @@ void Arrange(const Invocation& invocation, const Style& style, Report& report) {
     const std::vector<std::size_t> chosen = keys != nullptr && *keys != "all"
                                                 ? NamedColumns(report, *keys)
                                                 : PlacedColumns(report, style, keys != nullptr);
-    Report arranged{report.command, {}, {}, std::move(report.faults)};
+    Report arranged{report.command, {}, {}, std::move(report.faults), std::move(report.more)};
     for (const std::size_t i : chosen) arranged.columns.push_back(report.columns[i]);
     for (const std::vector<Cell>& row : report.rows) {
         std::vector<Cell>& cells = arranged.rows.emplace_back();
