@@ -60,22 +60,22 @@ void FillPage(Request& request) {
 // Writes to one parameter. `room` is what the call's other parameters say of an array's size.
 template <class T>
 void FillParameter(T parameter, std::size_t room) {
-    using Target = std::remove_pointer_t<T>;
-    if constexpr (!std::is_pointer_v<T> || std::is_const_v<Target>) {
+    using Pointee = std::remove_pointer_t<T>;
+    if constexpr (!std::is_pointer_v<T> || std::is_const_v<Pointee>) {
         return;
-    } else if constexpr (Page<Target>) {
+    } else if constexpr (Page<Pointee>) {
         FillPage(*parameter);
-    } else if constexpr (std::is_same_v<Target, HX_U8>) {
+    } else if constexpr (std::is_same_v<Pointee, HX_U8>) {
         *parameter = NextByte();  // a count, whatever was filled
-    } else if constexpr (std::is_same_v<Target, HX_U32>) {
+    } else if constexpr (std::is_same_v<Pointee, HX_U32>) {
         *parameter = NextU16() * 16u;  // a table's length; its caller allocates it
-    } else if constexpr (std::is_same_v<Target, RCT_Record> || std::is_same_v<Target, Event>) {
+    } else if constexpr (std::is_same_v<Pointee, RCT_Record> || std::is_same_v<Pointee, Event>) {
         FillRecords(parameter, std::min<std::size_t>(NextByte(), room));
-    } else if constexpr (std::is_same_v<Target, Flash_Data>) {
+    } else if constexpr (std::is_same_v<Pointee, Flash_Data>) {
         parameter->DataLength = NextU16() * 3u;  // also longer than a piece is
         parameter->isLastPage = NextByte();
     } else {
-        FillRecords(parameter, std::min<std::size_t>(NextByte(), kRoom<Target>));
+        FillRecords(parameter, std::min<std::size_t>(NextByte(), kRoom<Pointee>));
     }
 }
 

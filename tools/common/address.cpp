@@ -102,8 +102,8 @@ Selector ParseSelector(std::string_view text) {
     } else if (IsCalled(text, "serial:", selector.text)) {
         selector.form = Selector::Form::kSerial;
     } else if (!ParseAddress(text, selector.address)) {
-        throw UsageError("\"" + std::string(text) +
-                         "\" is no address; say a0, a0/pd12, a0/vd1, a0/dg2, a0/enc0, a0/enc0/el3, "
+        throw UsageError(Quoted(text) +
+                         " is no address; say a0, a0/pd12, a0/vd1, a0/dg2, a0/enc0, a0/enc0/el3, "
                          "name:NAME or serial:NUMBER");
     }
     return selector;

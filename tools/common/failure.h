@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "common/exit_code.h"
 
@@ -19,5 +20,8 @@ struct Failure : std::runtime_error {
 struct UsageError : Failure {
     explicit UsageError(const std::string& message) : Failure(Exit::kUsage, message) {}
 };
+
+/// What was typed, as messages cite it.
+inline std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 }  // namespace vexortools

@@ -16,7 +16,7 @@ std::optional<std::uint64_t> ReadNumber(std::string_view text, std::uint64_t mos
 
 std::uint64_t ParseNumber(std::string_view text, std::uint64_t most, const std::string& what) {
     if (const std::optional<std::uint64_t> number = ReadNumber(text, most)) return *number;
-    throw UsageError("\"" + std::string(text) + "\" is no " + what + "; write a number from 0 to " +
+    throw UsageError(Quoted(text) + " is no " + what + "; write a number from 0 to " +
                      std::to_string(most));
 }
 

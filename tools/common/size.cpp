@@ -13,11 +13,11 @@ namespace vexortools {
 
 namespace {
 
-struct Unit {
+struct SizeUnit {
     std::string_view name;
     std::uint64_t bytes;
 };
-constexpr Unit kUnits[] = {
+constexpr SizeUnit kSizeUnits[] = {
     {"", 1},
     {"B", 1},
     {"kB", 1000},
@@ -43,15 +43,13 @@ std::string_view TakeDigits(std::string_view& text) {
     return digits;
 }
 
-std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
-
 [[noreturn]] void ThrowTooLarge(std::string_view text) {
     throw UsageError(Quoted(text) + " is too large a size; write one of less than " +
                      std::to_string((kLargest >> 40) + 1) + "TiB");
 }
 
 // DIGITS of a unit in bytes, in whole numbers: a floating-point number would lose some of them.
-std::uint64_t WholeUnits(std::string_view digits, const Unit& unit, std::string_view text) {
+std::uint64_t WholeUnits(std::string_view digits, const SizeUnit& unit, std::string_view text) {
     std::uint64_t number = 0;
     if (digits.empty()) return 0;
     const auto [stop, error] =
@@ -60,7 +58,7 @@ std::uint64_t WholeUnits(std::string_view digits, const Unit& unit, std::string_
     return number * unit.bytes;
 }
 
-std::uint64_t PartOfUnit(std::string_view digits, const Unit& unit) {
+std::uint64_t PartOfUnit(std::string_view digits, const SizeUnit& unit) {
     double part = 0;
     double place = 1;
     for (const char digit : digits) part += (digit - '0') * (place /= 10);
@@ -76,8 +74,8 @@ std::optional<std::uint64_t> ReadSize(std::string_view text) {
         rest.remove_prefix(1);
         part = TakeDigits(rest);
     }
-    const auto* const unit = std::ranges::find(kUnits, rest, &Unit::name);
-    if (unit == std::end(kUnits) || (whole.empty() && part.empty())) return std::nullopt;
+    const auto* const unit = std::ranges::find(kSizeUnits, rest, &SizeUnit::name);
+    if (unit == std::end(kSizeUnits) || (whole.empty() && part.empty())) return std::nullopt;
     const std::uint64_t bytes = WholeUnits(whole, *unit, text) + PartOfUnit(part, *unit);
     if (bytes > kLargest) ThrowTooLarge(text);
     return bytes;

@@ -14,8 +14,6 @@ namespace {
 using std::chrono::sys_days;
 using std::chrono::sys_seconds;
 
-std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
-
 // Takes a text apart from its front. Whatever does not fit throws, so that the first thing that is
 // wrong is named.
 class Reader {

@@ -72,7 +72,7 @@ LD_Status DescribeStatus(const View&, const Array& array) {
     return status;
 }
 
-LD_Config DescribeSettings(const View& view, const Array& array) {
+LD_Config DescribeArraySettings(const View& view, const Array& array) {
     LD_Config config{};
     config.LDID = array.id;
     config.CacheMode = CacheOf(array);
@@ -175,7 +175,7 @@ HX_U8 HX_LD_GetStatus(HX_U8 AdapterID, LD_Status_Request* request) {
 
 HX_U8 HX_LD_GetConfig(HX_U8 AdapterID, LD_Config_Request* request) {
     return hxmd::ListArrays(AdapterID, request, &LD_Config_Request::ldConfig,
-                            hxmd::DescribeSettings, &LD_Config::LDID);
+                            hxmd::DescribeArraySettings, &LD_Config::LDID);
 }
 
 HX_U8 HX_BLK_GetInfo(HX_U8 AdapterID, Info_Request* request) {

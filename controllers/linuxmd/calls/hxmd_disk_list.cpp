@@ -151,7 +151,7 @@ HD_FreeSpaceInfo DescribeFreeSpace(const View& view, const Disk& disk) {
     return space;
 }
 
-HD_Config DescribeSettings(const View& view, const Disk& disk) {
+HD_Config DescribeDiskSettings(const View& view, const Disk& disk) {
     HD_Config config{};
     config.HDID = disk.id;
     config.WriteCacheOn = disk.write_cache == "write back" ? 1 : 0;
@@ -255,8 +255,8 @@ HX_U8 HX_PD_GetFreeSpaceInfo(HX_U8 AdapterID, HD_FreeSpaceInfo_Request* request)
 }
 
 HX_U8 HX_PD_GetConfig(HX_U8 AdapterID, HD_Config_Request* request) {
-    return hxmd::ListDisks(AdapterID, request, &HD_Config_Request::hdConfig, hxmd::DescribeSettings,
-                           &HD_Config::HDID);
+    return hxmd::ListDisks(AdapterID, request, &HD_Config_Request::hdConfig,
+                           hxmd::DescribeDiskSettings, &HD_Config::HDID);
 }
 
 HX_U8 HX_PD_GetBGAStatus(HX_U8 AdapterID, HD_BGA_Status_Request* request) {

@@ -57,7 +57,7 @@ bool NamesTwice(std::span<const HX_U16> disks) {
     return std::ranges::adjacent_find(sorted) != sorted.end();
 }
 
-Status CheckDisks(const Adapter& adapter, std::span<const HX_U16> disks) {
+Status CheckNamedDisks(const Adapter& adapter, std::span<const HX_U16> disks) {
     if (!IsThere(adapter, disks)) return Status::kNoDisk;
     return NamesTwice(disks) ? Status::kDiskRepeated : Status::kSuccess;
 }
@@ -192,7 +192,7 @@ Status StartDataScrub(Adapter& adapter, Time now, HX_U16 disk) {
 Status RebuildVirtualDisk(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks) {
     const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
     if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
-    if (const Status refusal = CheckDisks(adapter, disks); refusal != Status::kSuccess)
+    if (const Status refusal = CheckNamedDisks(adapter, disks); refusal != Status::kSuccess)
         return refusal;
     if (const Status refusal = CanBeRebuilt(adapter, *virtual_disk); refusal != Status::kSuccess) {
         return refusal;
@@ -218,7 +218,7 @@ Status RebuildVirtualDisk(Adapter& adapter, Time now, HX_U16 id, std::span<const
 Status RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks) {
     const DiskGroup* const group = Find(adapter.disk_groups, id);
     if (group == nullptr) return Status::kNoDiskGroup;
-    if (const Status refusal = CheckDisks(adapter, disks); refusal != Status::kSuccess)
+    if (const Status refusal = CheckNamedDisks(adapter, disks); refusal != Status::kSuccess)
         return refusal;
     if (!IsRedundant(group->level)) return Status::kNotRedundant;
     const State state = StateOf(adapter, *group);

@@ -15,7 +15,7 @@ namespace {
 // Whether a disk can be set offline, and from there online again.
 bool CanBeSwitched(const Disk& disk) { return Answers(disk) && !disk.foreign; }
 
-void Switch(Adapter& adapter, Time now, Disk& disk, bool online) {
+void SetOnline(Adapter& adapter, Time now, Disk& disk, bool online) {
     if (disk.offline != online) return;
     disk.offline = !online;
     Queue(adapter, now, online ? EventKind::kDiskOnline : EventKind::kDiskOffline, disk.id);
@@ -43,11 +43,11 @@ Status SetFree(Adapter& adapter, Time now, Disk& disk) {
     return Status::kSuccess;
 }
 
-Status Switch(Adapter& adapter, Time now, HX_U16 id, bool online) {
+Status SwitchDisk(Adapter& adapter, Time now, HX_U16 id, bool online) {
     Disk& disk = *Find(adapter.disks, id);
     if (!CanBeSwitched(disk)) return Status::kDiskNotReady;
     if (disk.offline != online) return Status::kNoChange;
-    Switch(adapter, now, disk, online);
+    SetOnline(adapter, now, disk, online);
     return Status::kSuccess;
 }
 
@@ -82,7 +82,7 @@ Status SetDisk(Adapter& adapter, Time now, HX_U16 id, const HD_Config& config) {
     // The speed is what the two ends of the link have agreed on; it is told and not set.
     SetWriteCache(adapter, now, id, config.WriteCacheOn != 0);
     disk->smart_on = config.SMARTOn != 0;
-    Switch(adapter, now, *disk, config.Online != 0);
+    SetOnline(adapter, now, *disk, config.Online != 0);
     return Status::kSuccess;
 }
 
@@ -105,9 +105,9 @@ Status SetDiskState(Adapter& adapter, Time now, HX_U16 id, HX_U8 action) {
     if (!wanted) return Status::kBadAction;
     switch (*wanted) {
         case DiskAction::kOnline:
-            return Switch(adapter, now, id, true);
+            return SwitchDisk(adapter, now, id, true);
         case DiskAction::kOffline:
-            return Switch(adapter, now, id, false);
+            return SwitchDisk(adapter, now, id, false);
         case DiskAction::kFree:
             break;
     }

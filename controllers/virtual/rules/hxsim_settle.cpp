@@ -32,18 +32,18 @@ constexpr SettlingRule kRules[] = {
 // Far above what sound rules need: 4 rounds were the most in long runs of random changes.
 constexpr unsigned kMostRounds = 256;
 
-using Names = std::vector<std::string_view>;
+using RuleNames = std::vector<std::string_view>;
 
 // Applies every rule once. Returns the names of those that have changed something.
-Names Round(Settling& settling, std::span<const SettlingRule> rules) {
-    Names changed;
+RuleNames Round(Settling& settling, std::span<const SettlingRule> rules) {
+    RuleNames changed;
     for (const SettlingRule& rule : rules) {
         if (rule.apply(settling)) changed.push_back(rule.name);
     }
     return changed;
 }
 
-[[noreturn]] void ThrowUnsettled(const Adapter& adapter, const Names& names) {
+[[noreturn]] void ThrowUnsettled(const Adapter& adapter, const RuleNames& names) {
     std::string text = "Adapter " + std::to_string(adapter.id) + " does not come to rest: ";
     for (std::size_t i = 0; i < names.size(); ++i) {
         if (i != 0) text += i + 1 == names.size() ? " and " : ", ";
@@ -60,7 +60,7 @@ void Settle(Adapter& adapter, Time now) { Settle(adapter, now, kRules); }
 void Settle(Adapter& adapter, Time now, std::span<const SettlingRule> rules) {
     Settling settling{adapter, now};
     unsigned rounds = 0;
-    for (Names changed = Round(settling, rules); !changed.empty();
+    for (RuleNames changed = Round(settling, rules); !changed.empty();
          changed = Round(settling, rules)) {
         if (++rounds == kMostRounds) ThrowUnsettled(adapter, changed);
     }

@@ -4,7 +4,7 @@
 namespace hxsim {
 namespace {
 
-std::string TextOf(hxsqlite::Trouble trouble, const std::string& path, const std::string& why) {
+std::string SentenceOf(hxsqlite::Trouble trouble, const std::string& path, const std::string& why) {
     switch (trouble) {
         case hxsqlite::Trouble::kBusy:
             return path + " has been kept by another process for " +
@@ -28,10 +28,10 @@ std::string TextOf(hxsqlite::Trouble trouble, const std::string& path, const std
 }  // namespace
 
 Connection::Connection(const std::string& path)
-    : hxsqlite::Connection(path, hxsqlite::Access::kWrite, TextOf) {}
+    : hxsqlite::Connection(path, hxsqlite::Access::kWrite, SentenceOf) {}
 
 void ThrowStoreError(const std::string& path, int code, int system_error, std::string_view detail) {
-    hxsqlite::ThrowStoreError(TextOf, path, code, system_error, detail);
+    hxsqlite::ThrowStoreError(SentenceOf, path, code, system_error, detail);
 }
 
 }  // namespace hxsim

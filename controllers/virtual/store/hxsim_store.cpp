@@ -175,26 +175,26 @@ private:
     bool& flag_;
 };
 
-// A connection and the statements on it.
-struct Link {
-    explicit Link(const std::string& path)
-        : connection(Open(path)), data_version(connection.Prepare("PRAGMA data_version")) {}
-
-    // A number that is another one whenever another connection has committed something.
-    std::int64_t DataVersion() {
-        const std::int64_t version = data_version.Step() ? data_version.Integer(0) : 0;
-        data_version.Reset();
-        return version;
-    }
-
-    const Connection connection;
-    Tables tables{connection};
-    Statement data_version;
-};
-
 }  // namespace
 
 struct Store::Database {
+    // A connection and the statements on it.
+    struct Link {
+        explicit Link(const std::string& path)
+            : connection(Open(path)), data_version(connection.Prepare("PRAGMA data_version")) {}
+
+        // A number that is another one whenever another connection has committed something.
+        std::int64_t DataVersion() {
+            const std::int64_t version = data_version.Step() ? data_version.Integer(0) : 0;
+            data_version.Reset();
+            return version;
+        }
+
+        const Connection connection;
+        Tables tables{connection};
+        Statement data_version;
+    };
+
     Database(const std::string& file, std::function<Machine()> first)
         : path_(Absolute(file)), first_(std::move(first)) {
         Connect(nullptr);

@@ -31,7 +31,7 @@ HX_U32 CodeOf(const Json& json, const std::string& where, std::span<const hxcode
     return found->code;
 }
 
-std::string Element(const std::string& list, std::size_t i) {
+std::string PlaceIn(const std::string& list, std::size_t i) {
     return list + '[' + std::to_string(i) + ']';
 }
 
@@ -42,7 +42,7 @@ Json WithLike(const Json& list, const std::string& where, std::size_t i) {
     const Json& like = own["like"];
     const bool earlier = like.is_number_unsigned() && like.get<std::uint64_t>() < i;
     if (!earlier) {
-        RefuseAt(Element(where, i) + ".like", "the number of an adapter before this one");
+        RefuseAt(PlaceIn(where, i) + ".like", "the number of an adapter before this one");
     }
     Json whole = WithLike(list, where, like.get<std::size_t>());
     whole.merge_patch(own);
@@ -106,7 +106,7 @@ void TopologyObject::Read(const Json& json, const std::string& where, std::vecto
     if (!json.is_array()) RefuseAt(where, "a list");
     values.clear();
     for (std::size_t i = 0; i < json.size(); ++i) {
-        Read(json[i], Element(where, i), values.emplace_back());
+        Read(json[i], PlaceIn(where, i), values.emplace_back());
     }
 }
 
@@ -171,7 +171,7 @@ void TopologyObject::ForEach(const char* member, const Visit& visit) {
     if (list == nullptr) return;
     if (!list->is_array()) Refuse(member, "a list of objects");
     for (std::size_t i = 0; i < list->size(); ++i) {
-        TopologyObject each((*list)[i], Element(Where(member), i));
+        TopologyObject each((*list)[i], PlaceIn(Where(member), i));
         visit(each);
         each.Finish();
     }
@@ -183,7 +183,7 @@ void TopologyObject::ForEachLike(const char* member, std::size_t most, const std
     if (!list.is_array() || list.empty() || list.size() > most) Refuse(member, expected);
     for (std::size_t i = 0; i < list.size(); ++i) {
         const Json own = WithLike(list, Where(member), i);
-        TopologyObject each(own, Element(Where(member), i));
+        TopologyObject each(own, PlaceIn(Where(member), i));
         visit(each);
         each.Finish();
     }

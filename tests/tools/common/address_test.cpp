@@ -11,11 +11,11 @@ using vexortools::ObjectKind;
 using vexortools::ParseSelector;
 using vexortools::Selector;
 
-struct Written {
+struct WrittenAddress {
     const char* text;
     Address address;
 };
-constexpr Written kAddresses[] = {
+constexpr WrittenAddress kAddresses[] = {
     {"a0", {0, ObjectKind::kAdapter, 0, 0}},
     {"a254", {254, ObjectKind::kAdapter, 0, 0}},
     {"a0/pd12", {0, ObjectKind::kDisk, 12, 0}},
@@ -26,7 +26,7 @@ constexpr Written kAddresses[] = {
 };
 
 TEST(Address, IsReadAndWrittenInOneForm) {
-    for (const Written& row : kAddresses) {
+    for (const WrittenAddress& row : kAddresses) {
         const Selector selector = ParseSelector(row.text);
         EXPECT_EQ(selector.form, Selector::Form::kAddress) << row.text;
         EXPECT_EQ(selector.address, row.address) << row.text;

@@ -10,11 +10,11 @@ using vexortools::ParseSize;
 using vexortools::ParseSizeOrShare;
 using vexortools::SizeOrShare;
 
-struct Written {
+struct WrittenSize {
     const char* text;
     std::uint64_t bytes;
 };
-constexpr Written kSizes[] = {
+constexpr WrittenSize kSizes[] = {
     {"0", 0},
     {"1000000", 1000000},
     {"512B", 512},
@@ -40,7 +40,7 @@ constexpr Written kSizes[] = {
 };
 
 TEST(Size, IsReadInBytes) {
-    for (const Written& row : kSizes) EXPECT_EQ(ParseSize(row.text), row.bytes) << row.text;
+    for (const WrittenSize& row : kSizes) EXPECT_EQ(ParseSize(row.text), row.bytes) << row.text;
 }
 
 TEST(Size, IsRefusedWithExamplesWhenItIsNone) {

@@ -46,14 +46,14 @@ constexpr char kBerlin[] = "CET-1CEST,M3.5.0,M10.5.0/3";
 
 std::int64_t Milliseconds(const char* text) { return ParseTime(text).time_since_epoch().count(); }
 
-struct Written {
+struct WrittenTime {
     const char* text;
     std::int64_t milliseconds;
 };
 
 TEST(Time, IsReadWithItsOffset) {
     const Zone zone("XYZ-5");  // nothing of it
-    constexpr Written kTimes[] = {
+    constexpr WrittenTime kTimes[] = {
         {"1970-01-01T00:00:00Z", 0},
         {"2026-11-21T05:10:44+00:00", 1795237844000},
         {"2026-11-21T05:10:44Z", 1795237844000},
@@ -75,7 +75,7 @@ TEST(Time, IsReadWithItsOffset) {
         {"2000-02-29T00:00:00Z", 951782400000},
         {"2026-1-2T3:4:5Z", 1767323045000},
     };
-    for (const Written& row : kTimes)
+    for (const WrittenTime& row : kTimes)
         EXPECT_EQ(Milliseconds(row.text), row.milliseconds) << row.text;
 }
 

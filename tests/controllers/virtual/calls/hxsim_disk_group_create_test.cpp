@@ -61,18 +61,16 @@ TEST_F(NewDiskGroup, TakesTheWriteCachesOfItsDisksAway) {
     EXPECT_THAT(Events(), ElementsAre("13/0 of 0", "2/16 of 1"));
 }
 
-struct RefusedCase {
+struct RefusedGroupCase {
     const char* name;
     Status status;
     HX_U8 level;
     Ids disks;
     void (*change)(CreateOrModify_DG_Param&, Adapter&) = [](CreateOrModify_DG_Param&, Adapter&) {};
 };
-void PrintTo(const RefusedCase& each, std::ostream* out) { *out << each.name; }
+void PrintTo(const RefusedGroupCase& each, std::ostream* out) { *out << each.name; }
 
-Disk& DiskIn(Adapter& adapter, HX_U16 id) { return *Find(adapter.disks, id); }
-
-const RefusedCase kRefused[] = {
+const RefusedGroupCase kRefusedGroups[] = {
     {"NoDiskGroupsAtAll",
      Status::kNotSupported,
      0x05,
@@ -134,7 +132,7 @@ const RefusedCase kRefused[] = {
      [](auto& p, auto&) { p.Size.value = 1999873; }},
 };
 
-class RefusedDiskGroup : public NewDiskGroup, public testing::WithParamInterface<RefusedCase> {
+class RefusedDiskGroup : public NewDiskGroup, public testing::WithParamInterface<RefusedGroupCase> {
     void TearDown() override {}  // what was changeed is no machine to go on with
 };
 
@@ -144,8 +142,11 @@ TEST_P(RefusedDiskGroup, ChangesNothing) {
     EXPECT_EQ(GetParam().status, Refusal(param));
 }
 
-std::string RefusedName(const testing::TestParamInfo<RefusedCase>& info) { return info.param.name; }
-INSTANTIATE_TEST_SUITE_P(Each, RefusedDiskGroup, testing::ValuesIn(kRefused), RefusedName);
+std::string RefusedGroupName(const testing::TestParamInfo<RefusedGroupCase>& info) {
+    return info.param.name;
+}
+INSTANTIATE_TEST_SUITE_P(Each, RefusedDiskGroup, testing::ValuesIn(kRefusedGroups),
+                         RefusedGroupName);
 
 TEST_F(NewDiskGroup, IsNotMadeOfDisksThatOthersHave) {
     Made(GroupOn(HX_NEW_ID, 0x01, {0, 1}));

@@ -223,18 +223,16 @@ INSTANTIATE_TEST_SUITE_P(Of, QuickVirtualDisk, testing::ValuesIn(kQuick), QuickN
 
 // ---- What is not made ----
 
-struct RefusedCase {
+struct RefusedVirtualDiskCase {
     const char* name;
     Status status;
     HX_U8 level;
     Ids disks;
     void (*change)(Create_LD_Param&, Adapter&) = [](Create_LD_Param&, Adapter&) {};
 };
-void PrintTo(const RefusedCase& each, std::ostream* out) { *out << each.name; }
+void PrintTo(const RefusedVirtualDiskCase& each, std::ostream* out) { *out << each.name; }
 
-Disk& DiskIn(Adapter& adapter, HX_U16 id) { return *Find(adapter.disks, id); }
-
-const RefusedCase kRefused[] = {
+const RefusedVirtualDiskCase kRefusedVirtualDisks[] = {
     {"LevelThatIsNone", Status::kBadLevel, 0x07, {0, 1, 2}},
     {"LevelThatTheAdapterLacks",
      Status::kBadLevel,
@@ -333,7 +331,8 @@ const RefusedCase kRefused[] = {
      [](auto& p, auto&) { p.InitializationOption = 4; }},
 };
 
-class RefusedVirtualDisk : public NewVirtualDisk, public testing::WithParamInterface<RefusedCase> {
+class RefusedVirtualDisk : public NewVirtualDisk,
+                           public testing::WithParamInterface<RefusedVirtualDiskCase> {
     void TearDown() override {}  // what was changeed is no machine to go on with
 };
 
@@ -343,8 +342,11 @@ TEST_P(RefusedVirtualDisk, ChangesNothing) {
     EXPECT_EQ(GetParam().status, Refusal(param));
 }
 
-std::string RefusedName(const testing::TestParamInfo<RefusedCase>& info) { return info.param.name; }
-INSTANTIATE_TEST_SUITE_P(Each, RefusedVirtualDisk, testing::ValuesIn(kRefused), RefusedName);
+std::string RefusedVirtualDiskName(const testing::TestParamInfo<RefusedVirtualDiskCase>& info) {
+    return info.param.name;
+}
+INSTANTIATE_TEST_SUITE_P(Each, RefusedVirtualDisk, testing::ValuesIn(kRefusedVirtualDisks),
+                         RefusedVirtualDiskName);
 
 TEST_F(NewVirtualDisk, IsNotMadeOfLessThanAStripe) {
     Made(WantedOn(0x00, {0}));  // 64 sectors are left

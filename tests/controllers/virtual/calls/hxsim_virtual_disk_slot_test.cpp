@@ -71,8 +71,6 @@ TEST_F(SlotOfADiskGroup, AreFilledWhereARunIsLongEnough) {
               BlocksOn(0));
 }
 
-Disk& DiskIn(Adapter& adapter, HX_U16 id) { return *Find(adapter.disks, id); }
-
 struct RefusedSlotCase {
     const char* name;
     Status status;

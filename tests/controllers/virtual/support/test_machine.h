@@ -23,6 +23,9 @@ namespace hxsim {
 /// Sectors that a rebuild at full speed goes over in a hundred seconds.
 inline constexpr Sectors kHundredSeconds = 100 * kFullSpeed;
 
+/// A disk that is there.
+inline Disk& DiskIn(Adapter& adapter, HX_U16 id) { return *Find(adapter.disks, id); }
+
 /// A machine of one adapter that offers everything, with every switch on and every rate at 100
 /// percent. Its time is told in seconds since kStart, or is kNow where a test needs only one.
 class TestMachine {
@@ -38,7 +41,7 @@ public:
     Machine rows;
 
     Adapter& adapter() { return rows.adapters[0]; }
-    Disk& disk(HX_U16 id) { return *Find(adapter().disks, id); }
+    Disk& disk(HX_U16 id) { return DiskIn(adapter(), id); }
     VirtualDisk& virtual_disk(HX_U16 id) { return *Find(adapter().virtual_disks, id); }
     DiskGroup& disk_group(HX_U16 id) { return *Find(adapter().disk_groups, id); }
     Battery& battery() { return adapter().batteries.at(0); }
