@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "uninitialized.h"
+
 namespace {
 
 void AppendPiece(XMLWR_Doc* doc, const char* bytes, std::size_t length) {
@@ -32,7 +34,7 @@ int XMLWR_Init(XMLWR_Doc* Doc) {
 void XMLWR_Shutdown(XMLWR_Doc*) {}
 
 int XMLWR_Sprintf(XMLWR_Doc* Doc, char*, const char* fmt, ...) {
-    char piece[kPieceSize];
+    VEXOR_UNINITIALIZED char piece[kPieceSize];
     std::va_list args;
     va_start(args, fmt);
     const std::size_t length = FormatPiece(piece, fmt, args);
@@ -59,7 +61,7 @@ void XMLWR_PrintNewLine(XMLWR_Doc* Doc) { AppendPiece(Doc, "\n", 1); }
 int XMLWR_ElmtStartPrintf(XMLWR_Doc* Doc, HX_U16 Flags, const char* Name, const char* fmt, ...) {
     XMLWR_PrintTabs(Doc);
     XMLWR_AddCurPos(Doc, XMLWR_Sprintf(Doc, Doc->Buf + Doc->CurPos, "<%s", Name));
-    char attributes[kAttributeSize];
+    VEXOR_UNINITIALIZED char attributes[kAttributeSize];
     std::va_list args;
     va_start(args, fmt);
     const std::size_t length = FormatPiece(attributes, fmt, args);
@@ -77,7 +79,7 @@ int XMLWR_ElmtStartPrintf(XMLWR_Doc* Doc, HX_U16 Flags, const char* Name, const 
 
 int XMLWR_ElmtCharData(XMLWR_Doc* Doc, HX_U16 Flags, const char* fmt, ...) {
     if ((Flags & kNoIndent) == 0) XMLWR_PrintTabs(Doc);
-    char text[kAttributeSize];
+    VEXOR_UNINITIALIZED char text[kAttributeSize];
     std::va_list args;
     va_start(args, fmt);
     const std::size_t length = FormatPiece(text, fmt, args);

@@ -13,8 +13,7 @@ int StrCmpXMLAtts(const char* name, const char* value, const char** atts) {
     return found == nullptr ? -1 : std::strcmp(found, value);
 }
 
-void PrintXMLAtts(const char** atts) {
-    if (!VX_DBG_Traces()) return;
+void TraceXMLAtts(const char** atts) {
     VX_DBG_Printf("[Atts]");
     for (; *atts != nullptr; atts += 2) VX_DBG_Printf("%s:%s ", atts[0], atts[1]);
     VX_DBG_Printf("\n");

@@ -13,6 +13,10 @@
 #include "vexorapi_limits.h"
 #include "vx_dbg.h"
 
+/// Of XMLElement::LastDot: where the path's last dot is, has to be searched for. No path begins
+/// with a dot.
+inline constexpr HX_U16 kNoDot = 0;
+
 /// What a function needs of its record: how much is allocated, and how much of that is filled with
 /// zeros, so that no request pays for the largest function's record; and whether it takes a
 /// password, which is wiped when the request ends.
@@ -37,6 +41,7 @@ struct XMLElement {
     void* Ext;                                 // the function record, or null
     RecordNeeds ExtNeeds;                      // what the selected function needs of it
     HX_U16 DirNameLength;                      // strlen(DirName)
+    HX_U16 LastDot;                            // the last dot in DirName, while that is known
     ParseGuard Guard;
 };
 
@@ -47,21 +52,63 @@ const char* GetXMLAtts(const char* name, const char** atts);
 /// Returns strcmp of the attribute's value and `value` (0 when equal), -1 when there is none.
 int StrCmpXMLAtts(const char* name, const char* value, const char** atts);
 
+/// Writes the attribute list to the debug log, which is on.
+void TraceXMLAtts(const char** atts);
+
 /// Writes the attribute list to the debug log.
-void PrintXMLAtts(const char** atts);
+inline void PrintXMLAtts(const char** atts) {
+    if (VX_DBG_Traces()) TraceXMLAtts(atts);
+}
 
 // The bookkeeping that commands and the configuration file share. `Context` is XMLElement or a
 // record with the same members for depth, path and text.
 
+// Copies `length` bytes, one to two words, as their first and their last word.
+template <class Word>
+[[gnu::always_inline]] inline void CopyEnds(char* to, const char* from, std::size_t length) {
+    Word first;
+    Word last;
+    std::memcpy(&first, from, sizeof first);
+    std::memcpy(&last, from + length - sizeof last, sizeof last);
+    std::memcpy(to, &first, sizeof first);
+    std::memcpy(to + length - sizeof last, &last, sizeof last);
+}
+
+/// Copies `length` bytes. Most names and texts of a command are short: in place they are copied in
+/// fewer steps than a call of memcpy takes.
+inline void CopyShort(char* to, const char* from, std::size_t length) {
+    if (length == 1) {  // comes often: expat passes every line end by itself
+        *to = *from;
+    } else if (length > 16) {
+        std::memcpy(to, from, length);
+    } else if (length >= 8) {
+        CopyEnds<std::uint64_t>(to, from, length);
+    } else if (length >= 4) {
+        CopyEnds<std::uint32_t>(to, from, length);
+    } else if (length >= 2) {
+        CopyEnds<std::uint16_t>(to, from, length);
+    }
+}
+
 /// Appends the element's name to the path and empties the text. What does not fit is dropped.
 template <class Context>
 void EnterElement(Context& context, const XML_Char* name) {
+    const XML_Char* end = strchrnul(name, '.');
+    const bool dotted = *end != '\0';
+    if (dotted) [[unlikely]]
+        end += std::strlen(end);
     std::size_t length = context.DirNameLength;
+    context.LastDot = kNoDot;
     // Bounded on every append, not by the depth: siblings with a dot in their names lengthen the
     // path without any nesting, because only what follows the last dot is removed at their end.
-    if (context.Depth > 0 && length < kPathSize - 1) context.DirName[length++] = '.';
-    const std::size_t kept = strnlen(name, kPathSize - 1 - length);
-    std::memcpy(context.DirName + length, name, kept);
+    if (context.Depth > 0 && length < kPathSize - 1) {
+        if (!dotted) context.LastDot = static_cast<HX_U16>(length);
+        context.DirName[length++] = '.';
+    }
+    const std::size_t room = kPathSize - 1 - length;
+    const auto given = static_cast<std::size_t>(end - name);
+    const std::size_t kept = given < room ? given : room;
+    CopyShort(context.DirName + length, name, kept);
     length += kept;
     context.DirName[length] = '\0';
     context.DirNameLength = static_cast<HX_U16>(length);
@@ -70,21 +117,40 @@ void EnterElement(Context& context, const XML_Char* name) {
     VX_DBG_TRACE("Dir = %s\n", context.DirName);
 }
 
-/// Closes the element: decreases the depth, removes the last path component, logs the text.
+/// Cuts the path at its last dot; a path without one stays.
+template <class Context>
+void LeavePath(Context& context) {
+    std::size_t end = context.LastDot;
+    context.LastDot = kNoDot;
+    if (end == kNoDot) [[unlikely]] {
+        const void* const dot = memrchr(context.DirName, '.', context.DirNameLength);
+        if (dot == nullptr) return;
+        end = static_cast<std::size_t>(static_cast<const char*>(dot) - context.DirName);
+    }
+    context.DirName[end] = '\0';
+    context.DirNameLength = static_cast<HX_U16>(end);
+}
+
+/// Logs the path and the text of the element that is being closed.
+template <class Context>
+[[gnu::cold, gnu::noinline]] void TraceLeft(const Context& context) {
+    VX_DBG_TRACE("Dir = %s\n", context.DirName);
+    if (context.CharDataIndex == 0) return;
+    VX_DBG_TRACE("[CD %d]:%s\n", context.CharDataIndex, context.CharDataBuf);
+}
+
+/// Closes the element: decreases the depth, removes the last path component, logs path and text.
 template <class Context>
 void LeaveElement(Context& context) {
     --context.Depth;
-    VX_DBG_TRACE("Dir = %s\n", context.DirName);
+    if (VX_DBG_Traces()) [[unlikely]]
+        TraceLeft(context);
     if (context.Depth == 0) {
         context.DirName[0] = '\0';
         context.DirNameLength = 0;
-    } else if (void* const dot = memrchr(context.DirName, '.', context.DirNameLength)) {
-        char* const end = static_cast<char*>(dot);
-        *end = '\0';
-        context.DirNameLength = static_cast<HX_U16>(end - context.DirName);
-    }
-    if (context.CharDataIndex != 0) {
-        VX_DBG_TRACE("[CD %d]:%s\n", context.CharDataIndex, context.CharDataBuf);
+        context.LastDot = kNoDot;
+    } else {
+        LeavePath(context);
     }
 }
 
@@ -97,10 +163,5 @@ void CollectText(Context& context, const XML_Char* text, int length) {
     char* const at = context.CharDataBuf + context.CharDataIndex;
     context.CharDataIndex = static_cast<HX_U16>(context.CharDataIndex + kept);
     at[kept] = '\0';
-    // A single character comes often: expat passes every line end by itself.
-    if (kept == 1) {
-        *at = *text;
-    } else {
-        std::memcpy(at, text, kept);
-    }
+    CopyShort(at, text, kept);
 }

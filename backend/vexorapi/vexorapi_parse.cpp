@@ -25,7 +25,8 @@ void AllocateRecord(XMLElement& elmt, const XML_Char* name) {
     std::memcpy(elmt.Ext, name, std::strlen(name));
 }
 
-void SelectFunction(XMLElement& elmt, const XML_Char* name, const XML_Char** atts) {
+[[gnu::noinline]] void SelectFunction(XMLElement& elmt, const XML_Char* name,
+                                      const XML_Char** atts) {
     ClearHandlers(elmt);
     if (RA_FuncElementDispatcher(&elmt, name, atts) != 0 ||
         VX_FuncElementDispatcher(&elmt, name, atts) != 0) {
@@ -42,6 +43,7 @@ void ResetElement(XMLElement& elmt) {
     elmt.ArrayWidth = 0;
     elmt.DirName[0] = '\0';
     elmt.DirNameLength = 0;
+    elmt.LastDot = kNoDot;
     elmt.CharDataIndex = 0;
     elmt.CharDataBuf[0] = '\0';
     elmt.Ext = nullptr;

@@ -28,6 +28,7 @@ struct XMLElmtCfg {
     char CharDataBuf[kTextSize];               // the text since the last start element
     void* Ext;                                 // the caller's record
     HX_U16 DirNameLength;                      // strlen(DirName)
+    HX_U16 LastDot;                            // the last dot in DirName, while that is known
     ParseGuard Guard;
 };
 

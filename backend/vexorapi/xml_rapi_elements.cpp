@@ -4,9 +4,11 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include "uninitialized.h"
+
 int XML_RA_ElmtNonArrayData(XMLWR_Doc* doc, const char* elmt, const char* type, const char* fmt,
                             ...) {
-    char value[kAttributeSize];
+    VEXOR_UNINITIALIZED char value[kAttributeSize];
     std::va_list args;
     va_start(args, fmt);
     if (std::vsnprintf(value, sizeof value, fmt, args) < 0) value[0] = '\0';

@@ -91,9 +91,11 @@ auto& RequestRecord(XMLElement* elmt) {
 template <const auto& kFunction>
 void XMLCALL EndParameter(void* userData, const XML_Char* name) {
     auto* const elmt = static_cast<XMLElement*>(userData);
+    constexpr ChildName own(kFunction.name);
+    const EndedChild child(name);
     // The function's own end is no parameter, and an empty element leaves its field unchanged.
-    if (std::strcmp(name, kFunction.name) == 0 || elmt->CharDataIndex == 0) return;
-    ReadParam(*elmt, name, RequestRecord<kFunction>(elmt), kFunction.params);
+    if (child.Is(own) || elmt->CharDataIndex == 0) return;
+    ReadParam(*elmt, child, RequestRecord<kFunction>(elmt), kFunction.params);
 }
 
 template <const auto& kFunction>

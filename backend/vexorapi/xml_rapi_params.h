@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <type_traits>
+#include <utility>
 
 #include "XMLWriter_scan.h"
 #include "hxraid.h"
@@ -14,18 +15,44 @@
 #include "xml_rapi_row_list.h"
 #include "xml_rapi_text.h"
 
+/// The first two characters of a name, or its only one, as a number.
+constexpr unsigned NameStart(const char* name) {
+    const auto character = [](char c) { return static_cast<unsigned char>(c); };
+    return name[0] == '\0' ? 0u : character(name[0]) + 256u * character(name[1]);
+}
+
+/// A child's name. Nearly all children of a function differ in the first two characters of their
+/// names, so that these are compared before the whole.
+struct ChildName {
+    const char* text;
+    unsigned start;
+
+    constexpr explicit ChildName(const char* name) : text(name), start(NameStart(name)) {}
+};
+
+/// The name of the child that has just ended.
+struct EndedChild {
+    const char* name;
+    unsigned start;
+
+    explicit EndedChild(const char* child) : name(child), start(NameStart(child)) {}
+    [[gnu::always_inline]] bool Is(const ChildName& row) const {
+        return start == row.start && std::strcmp(name, row.text) == 0;
+    }
+};
+
 /// A request child, stored in the field of the same name; the field's type chooses how.
 template <class R, class T>
 struct RequestParam {
     using Of = R;
     static constexpr std::size_t kWidth = sizeof(T);
-    const char* name;
+    ChildName name;
     T R::*field;
 };
 
 template <class R, class T>
 constexpr RequestParam<R, T> Param(const char* name, T R::*field) {
-    return {name, field};
+    return {ChildName(name), field};
 }
 
 /// A text that must not be cut: a path, name or password. A text that is too long fills the field
@@ -33,13 +60,13 @@ constexpr RequestParam<R, T> Param(const char* name, T R::*field) {
 template <class R, std::size_t n>
 struct WholeTextRow {
     using Of = R;
-    const char* name;
+    ChildName name;
     char (R::*field)[n];
 };
 
 template <class R, std::size_t n>
 constexpr WholeTextRow<R, n> WholeTextParam(const char* name, char (R::*field)[n]) {
-    return {name, field};
+    return {ChildName(name), field};
 }
 
 /// The children of a request, or of a record within it. For a record of the controller library they
@@ -92,63 +119,71 @@ constexpr auto PagedParams() {
     };
 }
 
-// Stores one value; `name` is the child's, for the log. A number: its low bits; a text without a
-// digit leaves the field as it was.
+// Stores one value; `name` is the child's, for the log. Called for one row of a function's many and
+// therefore not inlined, so that the search for that row is short. A number: its low bits; a text
+// without a digit leaves the field as it was.
 template <class T>
 requires std::is_unsigned_v<T>
-void StoreParam(XMLElement& elmt, const char*, T& field) {
+[[gnu::noinline]] void StoreParam(XMLElement& elmt, const char*, T& field) {
     const char* cursor = elmt.CharDataBuf;
     HX_U32 number;
-    if (XMLWR_CharDataToDec32(&cursor, &number) != -1) field = static_cast<T>(number);
+    if (ScanNumber(cursor, number)) field = static_cast<T>(number);
 }
-inline void StoreParam(XMLElement& elmt, const char*, HX_U64& field) {
+[[gnu::noinline]] inline void StoreParam(XMLElement& elmt, const char*, HX_U64& field) {
     const char* cursor = elmt.CharDataBuf;
-    XMLWR_CharDataToDec64(&cursor, &field);
+    std::uint64_t number;
+    if (ScanNumber(cursor, number)) field.value = number;
 }
 // An array: as many numbers as the text has and the field holds; the rest of the field stays.
 template <class T, std::size_t n>
 requires std::is_unsigned_v<T>
-void StoreParam(XMLElement& elmt, const char*, T (&field)[n]) {
+[[gnu::noinline]] void StoreParam(XMLElement& elmt, const char*, T (&field)[n]) {
     const char* cursor = elmt.CharDataBuf;
     for (T& item : field) {
         HX_U32 number;
-        if (XMLWR_CharDataToDec32(&cursor, &number) == -1) break;
+        if (!ScanNumber(cursor, number)) break;
         item = static_cast<T>(number);
     }
 }
 // A text, cut to its field.
 template <std::size_t n>
-void StoreParam(XMLElement& elmt, const char* name, char (&field)[n]) {
+[[gnu::noinline]] void StoreParam(XMLElement& elmt, const char* name, char (&field)[n]) {
     CutText(field, elmt.CharDataBuf, elmt.CharDataIndex);
     VX_DBG_TRACE("%s = %s\n", name, elmt.CharDataBuf);
 }
 
 template <class R, class... Row>
-bool ReadParam(XMLElement& elmt, const char* name, R& record, const Params<R, Row...>& params);
+[[gnu::always_inline]] bool ReadParam(XMLElement& elmt, EndedChild child, R& record,
+                                      const Params<R, Row...>& params);
 
 template <class R, class T>
-bool TakeParam(XMLElement& elmt, const char* name, R& record, const RequestParam<R, T>& row) {
-    if (std::strcmp(name, row.name) != 0) return false;
-    StoreParam(elmt, name, record.*row.field);
+[[gnu::always_inline]] inline bool TakeParam(XMLElement& elmt, EndedChild child, R& record,
+                                             const RequestParam<R, T>& row) {
+    if (!child.Is(row.name)) return false;
+    StoreParam(elmt, child.name, record.*row.field);
     return true;
 }
 template <class R, std::size_t n>
-bool TakeParam(XMLElement& elmt, const char* name, R& record, const WholeTextRow<R, n>& row) {
-    if (std::strcmp(name, row.name) != 0) return false;
-    StoreParam(elmt, name, record.*row.field);
+[[gnu::always_inline]] inline bool TakeParam(XMLElement& elmt, EndedChild child, R& record,
+                                             const WholeTextRow<R, n>& row) {
+    if (!child.Is(row.name)) return false;
+    StoreParam(elmt, child.name, record.*row.field);
     if (elmt.CharDataIndex >= n) (record.*row.field)[n - 1] = elmt.CharDataBuf[n - 1];
     return true;
 }
 template <class R, class Inner, class... Row>
-bool TakeParam(XMLElement& elmt, const char* name, R& record,
-               const InnerParams<R, Inner, Row...>& row) {
-    return ReadParam(elmt, name, record.*row.field, row.params);
+[[gnu::always_inline]] inline bool TakeParam(XMLElement& elmt, EndedChild child, R& record,
+                                             const InnerParams<R, Inner, Row...>& row) {
+    return ReadParam(elmt, child, record.*row.field, row.params);
 }
 
 /// Stores the child that has just ended in the field of the first row with its name. Returns
 /// whether there is one.
 template <class R, class... Row>
-bool ReadParam(XMLElement& elmt, const char* name, R& record, const Params<R, Row...>& params) {
-    return params.rows.Apply(
-        [&](const Row&... row) { return (TakeParam(elmt, name, record, row) || ...); });
+[[gnu::always_inline]] inline bool ReadParam(XMLElement& elmt, EndedChild child, R& record,
+                                             const Params<R, Row...>& params) {
+    return [&]<std::size_t... i>(std::index_sequence<i...>) __attribute__((always_inline)) {
+        return (TakeParam(elmt, child, record, RowAt<i>(params.rows)) || ...);
+    }
+    (std::index_sequence_for<Row...>{});
 }

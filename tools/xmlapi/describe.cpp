@@ -30,11 +30,11 @@ void Describe(const Params<R, Row...>& params, std::vector<Child>& children);
 
 template <class R, class T>
 void Describe(const RequestParam<R, T>& row, std::vector<Child>& children) {
-    children.push_back(DescribeField<T>(row.name));
+    children.push_back(DescribeField<T>(row.name.text));
 }
 template <class R, std::size_t n>
 void Describe(const WholeTextRow<R, n>& row, std::vector<Child>& children) {
-    children.push_back({row.name, Child::Kind::WholeText, 8, n - 1});
+    children.push_back({row.name.text, Child::Kind::WholeText, 8, n - 1});
 }
 template <class R, class Inner, class... Row>
 void Describe(const InnerParams<R, Inner, Row...>& row, std::vector<Child>& children) {

@@ -143,6 +143,29 @@ TEST_F(Parse, BoundsThePathThatDottedSiblingsFill) {
     EXPECT_STREQ("", elmt.DirName);
 }
 
+// Short names and texts are copied in words, whose number depends on the length.
+TEST_F(Parse, KeepsNamesAndTextsOfEveryLength) {
+    const std::string alphabet = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    for (std::size_t length = 1; length <= alphabet.size(); ++length) {
+        const std::string name = alphabet.substr(0, length);
+        handler_calls.clear();
+        InstallHandlers();
+        EXPECT_EQ(1, Run("<r><" + name + ">" + name + "</" + name + "></r>"));
+        EXPECT_THAT(handler_calls,
+                    ElementsAre("start r at 0 r", "start " + name + " at 1 r." + name,
+                                "end " + name + " at 1 r text " + std::to_string(length) + " [" +
+                                    name + "]"));
+    }
+}
+
+// The end of an element that had children finds the path of its own.
+TEST_F(Parse, ReturnsToThePathOfTheParent) {
+    InstallHandlers();
+    EXPECT_EQ(1, Run("<r><a><b/></a><c/></r>"));
+    EXPECT_EQ("end a at 1 r text 0 []", handler_calls[4]);
+    EXPECT_EQ("start c at 1 r.c", handler_calls[5]);
+}
+
 // ---- the selection of the function -------------------------------------------------------------
 
 TEST_F(Parse, SelectsAVendorFunctionAtTheRoot) {
