@@ -13,9 +13,11 @@
 
 namespace bench {
 
-/// As the command tool sends it: a request without parameters, the smallest that is served.
+/// As the command tool sends it: a request with two parameters, as most are, and a status as its
+/// whole result.
 inline constexpr std::string_view kSmallRequest =
-    "<HX_Adapter_GetCount type=\"function\"></HX_Adapter_GetCount>";
+    "<HX_PD_FreeHD2GlobalSpare type=\"function\"><AdapterID>0</AdapterID><HD_ID>11</HD_ID>"
+    "</HX_PD_FreeHD2GlobalSpare>";
 
 /// A command of `bytes` bytes or a few more: parameters, one a line, over and over.
 std::string LongCommand(std::size_t bytes);
@@ -32,7 +34,7 @@ std::vector<HD_Info> SampleDisks(unsigned count);
 /// Disk groups of eight disks with two virtual disks each; most of their arrays is unused.
 std::vector<DG_Info> SampleDiskGroups(unsigned count);
 
-/// Scripts the controller: two adapters, whose disks are `SampleDisks(128)`. Calls are not noted.
+/// Scripts the controller: two adapters, whose disks are `SampleDisks(400)`. Calls are not noted.
 void PrepareController();
 
 /// Ends the program when the two sides of a ratio have not written the same text.

@@ -88,6 +88,7 @@ std::vector<Entry> Entries() {
         {"command/library", Served(bench::LongCommand(10000))},
         {"command/bare_expat", ParsedBare(bench::LongCommand(10000))},
         {"disk_list/library", Served(bench::DiskListCommand(100))},
+        {"cut_disk_list/library", Served(bench::DiskListCommand(400))},
         {"adapter_list/library", Served("<HX_Adapter_GetInfo type=\"function\">"
                                         "<AdapterID>255</AdapterID></HX_Adapter_GetInfo>")},
         {"virtual_disk/library", Served("<HX_LD_GetTargetLDInfo type=\"function\">"

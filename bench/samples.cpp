@@ -168,11 +168,14 @@ void PrepareController() {
     hxfake::On<&HX_Adapter_GetCount>().Always(2);
     hxfake::On<&HX_Adapter_GetInfo>().Always(0, hxfake::Records({SampleAdapter()}));
     hxfake::On<&HX_PD_GetHDInfo_Ext>().Always([](HX_U8, HD_Info_Request* request) -> HX_U8 {
-        static const std::vector<HD_Info> disks = SampleDisks(128);
+        static const std::vector<HD_Info> disks = SampleDisks(400);
         RequestHeader& header = request->header;
-        header.numReturned = header.numRequested;
-        header.nextStartingIndex = HX_LIST_COMPLETE;
-        std::memcpy(request->hdInfo, disks.data(), header.numReturned * sizeof(HD_Info));
+        const std::size_t start = std::min<std::size_t>(header.startingIndexOrId, disks.size());
+        const std::size_t count = std::min<std::size_t>(header.numRequested, disks.size() - start);
+        header.numReturned = static_cast<HX_U16>(count);
+        header.nextStartingIndex =
+            start + count == disks.size() ? HX_LIST_COMPLETE : static_cast<HX_U16>(start + count);
+        std::memcpy(request->hdInfo, disks.data() + start, count * sizeof(HD_Info));
         return HX_SUCCESS;
     });
 }

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "reference_writer.h"
+#include "xml_rapi_function_list.h"
 #include "yardsticks.h"
 
 namespace {
@@ -35,13 +36,19 @@ struct Element {
 struct FunctionRecord {
     char name[64];
     union {
-        HX_U8 ret_val;
+        struct {
+            HX_U8 ret_val;
+            HX_U8 adapter;
+            HX_U16 disk;
+        } spare;
         char largest[16 + 64 * 688];
     };
 };
 
-// As far as this request reads the table.
-constexpr const char* kNames[] = {"HX_API_Version", "HX_Adapter_GetCount"};
+#define NAME(function) #function,
+constexpr const char* kNames[] = {VENDOR_FUNCTIONS(NAME)};
+#undef NAME
+constexpr char kServed[] = "HX_PD_FreeHD2GlobalSpare";
 
 [[gnu::noinline, gnu::format(printf, 1, 2)]] void DebugPrintf(const char* format, ...) {
     static bool enabled = false;
@@ -80,7 +87,17 @@ void PrintAttributes(const XML_Char** atts) {
 void XMLCALL StartParameter(void*, const XML_Char*, const XML_Char** atts) {
     PrintAttributes(atts);
 }
-void XMLCALL EndParameter(void*, const XML_Char*) {}
+void XMLCALL EndParameter(void* context, const XML_Char* name) {
+    Element& element = *static_cast<Element*>(context);
+    auto& spare = static_cast<FunctionRecord*>(element.record)->spare;
+    if (std::strcmp(name, kServed) == 0 || element.text_length == 0) return;
+    const unsigned long number = std::strtoul(element.text, nullptr, 10);
+    if (std::strcmp(name, "AdapterID") == 0) {
+        spare.adapter = static_cast<HX_U8>(number);
+    } else if (std::strcmp(name, "HD_ID") == 0) {
+        spare.disk = static_cast<HX_U16>(number);
+    }
+}
 
 bool SelectFunction(Element& element, const XML_Char* name) {
     for (const char* known : kNames) {
@@ -158,10 +175,11 @@ void XMLCALL CollectText(void* context, const XML_Char* text, int length) {
 bool Execute(Element& element, XMLWR_Doc* doc) {
     FunctionRecord& record = *static_cast<FunctionRecord*>(element.record);
     DebugPrintf("pFD->FuncName=%s\n\n", record.name);
-    if (std::strcmp(record.name, "HX_Adapter_GetCount") != 0) return false;
-    record.ret_val = HX_Adapter_GetCount();
+    if (std::strcmp(record.name, kServed) != 0) return false;
+    record.spare.ret_val = HX_PD_FreeHD2GlobalSpare(record.spare.adapter, record.spare.disk);
     reference::ElmtStartPrintf(doc, 0, record.name, " %s=\"%s\"", "type", "function");
-    reference::ElmtNonArrayData(doc, "RetVal", "U8", "%u", static_cast<unsigned>(record.ret_val));
+    reference::ElmtNonArrayData(doc, "RetVal", "U8", "%u",
+                                static_cast<unsigned>(record.spare.ret_val));
     reference::ElmtEnd(doc, 0, record.name);
     return true;
 }

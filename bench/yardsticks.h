@@ -18,7 +18,8 @@ bool BareExpat(std::string_view text);
 /// any thought for speed: the room for the configuration file allocated before anybody knows that
 /// there is none, the document filled with zeros twice, each element's text buffer and the largest
 /// function's record filled too, names compared one after the other, every piece of the result
-/// formatted with vsnprintf. Serves HX_Adapter_GetCount only. Takes and returns what vexorApi does.
+/// formatted with vsnprintf. Serves HX_PD_FreeHD2GlobalSpare only. Takes and returns what vexorApi
+/// does.
 int LiteralRequest(const char* command, char* result, std::uint32_t size);
 
 // Record writers, element by element and item by item through the literal document writer.
