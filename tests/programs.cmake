@@ -51,11 +51,18 @@ function(vexor_googletest name)
     endforeach()
 endfunction()
 
-# python_test(NAME SCRIPT ARGUMENT...): a test program in Python. One that finds no test in itself
+# python_test(NAME [LONG] SCRIPT ARGUMENT...): a test program in Python. One that finds no test in itself
 # fails.
 function(python_test name script)
+    set(arguments ${ARGN})
+    if(script STREQUAL "LONG")
+        list(POP_FRONT arguments script)
+    endif()
     add_test(NAME ${name}
-        COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/${script}" ${ARGN})
+        COMMAND Python3::Interpreter "${CMAKE_CURRENT_SOURCE_DIR}/${script}" ${arguments})
+    if(ARGV1 STREQUAL "LONG")
+        set_tests_properties(${name} PROPERTIES LABELS long COST 100)
+    endif()
     set_tests_properties(${name} PROPERTIES
         ENVIRONMENT PYTHONDONTWRITEBYTECODE=1
         FAIL_REGULAR_EXPRESSION "Ran 0 tests"
