@@ -19,15 +19,14 @@ using hxcodes::ActivityState;
 using hxcodes::BatteryBit;
 using hxcodes::CacheBit;
 using hxcodes::DiskBit;
-using hxcodes::State;
 
-constexpr unsigned kTaken = DiskBit::kConfigured | DiskBit::kGlobalSpare | DiskBit::kGroupSpare |
-                            DiskBit::kUnavailable | DiskBit::kFailed | DiskBit::kForeign |
-                            DiskBit::kRebuilding;
+constexpr unsigned kConfiguredOrSpare = DiskBit::kConfigured | DiskBit::kGlobalSpare |
+                                        DiskBit::kGroupSpare | DiskBit::kUnavailable |
+                                        DiskBit::kFailed | DiskBit::kForeign | DiskBit::kRebuilding;
 constexpr unsigned kSpare = DiskBit::kGlobalSpare | DiskBit::kGroupSpare;
 constexpr unsigned kBroken = DiskBit::kUnavailable | DiskBit::kFailed;
 
-bool IsFree(const Disk& disk) { return (disk.status & kTaken) == 0; }
+bool IsFree(const Disk& disk) { return (disk.status & kConfiguredOrSpare) == 0; }
 
 // All of a spare is kept for the one it will replace, so no list of free space counts it.
 std::uint64_t RoomOf(const Disk& disk) {
@@ -181,15 +180,16 @@ void AddMembers(const Lookup& look, Finding& finding) {
 std::optional<Code> StateCodeOf(const VirtualDisk& virtual_disk, const Redundancy& redundancy,
                                 bool rebuild_moves) {
     const unsigned state = virtual_disk.state;
-    if (state == State::kOffline) return Code::kVdOffline;
-    if (state == State::kForeign) return Code::kVdForeign;
-    if (!hxcodes::ToCode<State>(state)) return Code::kVdStateUnknown;
-    if (state == State::kDegraded && virtual_disk.is_unsynchronised) return Code::kVdDirtyDegraded;
+    if (state == hxcodes::State::kOffline) return Code::kVdOffline;
+    if (state == hxcodes::State::kForeign) return Code::kVdForeign;
+    if (!hxcodes::ToCode<hxcodes::State>(state)) return Code::kVdStateUnknown;
+    if (state == hxcodes::State::kDegraded && virtual_disk.is_unsynchronised)
+        return Code::kVdDirtyDegraded;
     const bool lost = !redundancy.lost.empty();
-    if (state == State::kOptimal && !lost) return std::nullopt;
+    if (state == hxcodes::State::kOptimal && !lost) return std::nullopt;
     if (redundancy.is_offline) return Code::kVdOffline;
-    const bool none_left =
-        redundancy.survives && lost ? *redundancy.survives == 0 : state == State::kDegraded;
+    const bool none_left = redundancy.survives && lost ? *redundancy.survives == 0
+                                                       : state == hxcodes::State::kDegraded;
     if (none_left) return rebuild_moves ? Code::kVdRebuildingUnprotected : Code::kVdNoRedundancy;
     return rebuild_moves ? Code::kVdRebuilding : Code::kVdRedundancyReduced;
 }
@@ -224,7 +224,7 @@ bool IsRebuild(const Activity& activity) {
 
 // A member's disk that a rebuild was to write, while no rebuild runs.
 const Disk* AbandonedTarget(const Lookup& look) {
-    if (look.virtual_disk.state == State::kOptimal) return nullptr;
+    if (look.virtual_disk.state == hxcodes::State::kOptimal) return nullptr;
     if (look.activity != nullptr && IsRebuild(*look.activity)) return nullptr;
     const DiskGroup* const group = FindGroup(look.adapter, look.virtual_disk.group);
     if (group != nullptr && group->activity && IsRebuild(*group->activity)) return nullptr;
@@ -261,7 +261,8 @@ void FindHindrances(Lookup& look) {
         return;
     }
     // A disk is needed only where one is gone or broken; other positions wait for their rebuild.
-    const bool offline = look.virtual_disk.state == State::kOffline || look.redundancy.is_offline;
+    const bool offline =
+        look.virtual_disk.state == hxcodes::State::kOffline || look.redundancy.is_offline;
     if (offline || look.adapter.disks.empty()) return;
     if (look.spare == nullptr) {
         FindSpareNone(look);
@@ -333,7 +334,7 @@ void FindVirtualDisks(std::vector<Finding>& findings, const Things& things, cons
                     .activity = ActivityOf(adapter, each)};
         FindFittingDisks(look);
         FindState(look, movement);
-        if (each.state != State::kForeign) FindHindrances(look);
+        if (each.state != hxcodes::State::kForeign) FindHindrances(look);
         FindActivity(look);
         FindCache(look);
     }
@@ -341,9 +342,9 @@ void FindVirtualDisks(std::vector<Finding>& findings, const Things& things, cons
 
 void FindDiskGroups(std::vector<Finding>& findings, const Things& things, const Adapter& adapter) {
     for (const DiskGroup& group : adapter.groups) {
-        const bool offline = group.state == State::kOffline;
-        if (!offline && group.state != State::kDegraded &&
-            group.state != State::kPartiallyOptimal) {
+        const bool offline = group.state == hxcodes::State::kOffline;
+        if (!offline && group.state != hxcodes::State::kDegraded &&
+            group.state != hxcodes::State::kPartiallyOptimal) {
             continue;
         }
         const Code code = offline ? Code::kDgOffline : Code::kDgDegraded;

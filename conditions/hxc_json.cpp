@@ -19,7 +19,7 @@ Json NumberOrNull(const std::optional<Number>& number) {
     return number ? Json(*number) : Json();
 }
 
-Json CausesOf(const Condition& condition) {
+Json CausesAsJson(const Condition& condition) {
     Json causes = Json::array();
     for (const Cause& cause : condition.causes) {
         Json each;
@@ -48,7 +48,7 @@ Json JsonOf(const Condition& condition) {
     json["first_seen"] = TimeOrNull(condition.first_seen);
     json["last_seen"] = TimeOrNull(condition.last_seen);
     json["sentence"] = condition.sentence;
-    json["cause"] = CausesOf(condition);
+    json["cause"] = CausesAsJson(condition);
     json["hindrance"] = condition.hindrance ? Json(RowOf(*condition.hindrance).name) : Json();
     json["next_step"]["text"] = condition.next_step;
     json["next_step"]["command"] = condition.command.empty() ? Json() : Json(condition.command);

@@ -10,8 +10,6 @@
 namespace hxsim {
 namespace {
 
-constexpr HX_U8 kMostElements = 255;  // that a call counts
-
 template <class Record>
 Status ListElements(const Adapter& adapter, HX_U16 enclosure, Record* records, HX_U8* count) {
     if (records == nullptr || count == nullptr) return Status::kNullAddress;

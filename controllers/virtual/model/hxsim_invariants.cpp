@@ -20,7 +20,6 @@
 namespace hxsim {
 namespace {
 
-constexpr std::size_t kMostAdapters = 4;
 constexpr HX_U16 kLastVirtualDisk = 254;  // 255 stands for none
 
 std::string Text(std::string_view text) { return std::string(text); }

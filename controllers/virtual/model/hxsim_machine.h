@@ -25,7 +25,10 @@ inline constexpr HX_U16 kNoVirtualDisk = 255;  // a block's virtual disk: none
 inline constexpr HX_U8 kNoDiskGroup = 255;     // LD_Info::DGID of a virtual disk of no group
 inline constexpr Sectors kMetadata = 65536;    // sectors at a disk's end, the controller's own
 inline constexpr Sectors kMostSectors = Sectors{1} << 48;  // of a disk
-inline constexpr std::size_t kMostEvents = 512;            // that an adapter's queue holds
+inline constexpr Sectors kGib = 2097152;                   // sectors of a GiB
+inline constexpr std::size_t kMostAdapters = 4;            // of a machine
+inline constexpr std::size_t kMostElements = 255;  // of an enclosure, which calls count in 8 bits
+inline constexpr std::size_t kMostEvents = 512;    // that an adapter's queue holds
 
 /// What a device is plugged into.
 struct Attachment {

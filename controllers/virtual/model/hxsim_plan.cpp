@@ -14,7 +14,6 @@ namespace hxsim {
 namespace {
 
 constexpr HX_U16 kUsualStripe = 64;  // KiB
-constexpr Sectors kGib = 2097152;
 
 // What a size is rounded down to.
 Sectors UnitOf(Rounding rounding) {

@@ -13,8 +13,6 @@
 namespace hxsim {
 namespace {
 
-constexpr std::size_t kMostAdapters = 4;
-
 struct BuiltIn {
     std::string_view name;
     std::string_view text;

@@ -24,9 +24,6 @@
 namespace hxsim {
 namespace {
 
-constexpr Sectors kGib = 2097152;
-constexpr std::size_t kMostElements = 255;  // of an enclosure
-
 class AdapterReader {
 public:
     AdapterReader(TopologyObject& text, const DiskModels& models, Machine& machine,

@@ -11,7 +11,7 @@ namespace vexorctl {
 
 namespace {
 
-constexpr ListSource kConfigList = ListOf(
+constexpr ListSource kDiskGroupConfigList = ListOf(
     calls::HX_DG_GetConfig::Result::DG_Config,
     +[](const View<fields::DG_Config>& config) { return config[fields::DG_Config::DGID]; });
 
@@ -62,7 +62,7 @@ std::vector<DiskGroup> LoadDiskGroups(Controller& controller) {
     for (const unsigned adapter : controller.Selected()) {
         auto infos = controller.ReadList(adapter, kDiskGroupList);
         if (infos.items.empty()) continue;
-        auto configs = controller.ReadList(adapter, kConfigList);
+        auto configs = controller.ReadList(adapter, kDiskGroupConfigList);
         for (auto& [id, info] : infos.items) {
             groups.push_back({.address = {.adapter = adapter,
                                           .kind = ObjectKind::kDiskGroup,

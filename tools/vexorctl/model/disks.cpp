@@ -20,7 +20,7 @@ namespace {
 
 constexpr ListSource kDiskList =
     ListOf(calls::HX_PD_GetHDInfo_Ext::Result::HD_Info, &DeviceId<fields::HD_Info>);
-constexpr ListSource kConfigList = ListOf(
+constexpr ListSource kDiskConfigList = ListOf(
     calls::HX_PD_GetConfig::Result::Config,
     +[](const View<fields::HD_Config>& config) { return config[fields::HD_Config::HDID]; });
 constexpr ListSource kSmartList = ListOf(
@@ -150,7 +150,7 @@ Sighting SightingOf(const Disk& disk, const ControllerCodes& codes) {
 void LoadDisksOf(Controller& controller, unsigned adapter, std::vector<Disk>& disks) {
     auto infos = controller.ReadList(adapter, kDiskList);
     if (infos.items.empty()) return;
-    auto config = controller.ReadList(adapter, kConfigList);
+    auto config = controller.ReadList(adapter, kDiskConfigList);
     auto smart = controller.ReadList(adapter, kSmartList);
     auto raid = controller.ReadList(adapter, kRaidList);
     auto activity = controller.ReadList(adapter, kDiskActivityList);

@@ -17,7 +17,7 @@ namespace {
 // asctime's form has this many characters, then a blank.
 constexpr std::size_t kTimeLength = 25;
 
-using Query = calls::VX_HX_EVT_GetEvents;
+using EventQuery = calls::VX_HX_EVT_GetEvents;
 
 // The kind of object whose number is in DeviceID; the adapter where such objects have no addresses.
 ObjectKind KindOf(std::uint64_t number) {
@@ -88,8 +88,8 @@ StoredEvent MakeEvent(std::uint64_t sequence, Record<fields::Event> record) {
     return event;
 }
 
-Request<Query> RequestEvents(std::uint64_t n, std::uint64_t s, std::uint64_t e) {
-    return {{Query::n, n}, {Query::s, s}, {Query::e, e}};
+Request<EventQuery> RequestEvents(std::uint64_t n, std::uint64_t s, std::uint64_t e) {
+    return {{EventQuery::n, n}, {EventQuery::s, s}, {EventQuery::e, e}};
 }
 
 }  // namespace
@@ -122,8 +122,8 @@ std::string StoredEvent::Fingerprint() const {
 
 Extent AskExtent(Controller& controller) {
     const auto answer = controller.Ask(RequestEvents(0, 0, 0));
-    const auto count = answer[Query::Result::n];
-    const auto first = answer[Query::Result::s];
+    const auto count = answer[EventQuery::Result::n];
+    const auto first = answer[EventQuery::Result::s];
     if (answer.exit != Exit::kDone || !count || !first) {
         throw Failure(
             answer.exit == Exit::kDone ? Exit::kUnavailable : answer.exit,
@@ -135,7 +135,7 @@ Extent AskExtent(Controller& controller) {
         // A store that cannot be read has the same extent as an empty one; but asked for an event,
         // it answers with one of zeros, where the empty one answers with none.
         const auto probe = controller.Ask(RequestEvents(1, 0, 0));
-        const auto event = First(probe[Query::Result::Event]);
+        const auto event = First(probe[EventQuery::Result::Event]);
         if (event.IsThere() && event[fields::Event::TimeStamp].value_or(0) == 0) {
             throw Failure(Exit::kUnavailable,
                           "the event store cannot be read; the event service makes it when it "
@@ -156,11 +156,11 @@ std::vector<StoredEvent> ReadEvents(Controller& controller, std::uint64_t first,
             continue;
         }
         // Asked for numbers below the oldest, the store answers from its oldest.
-        const auto start = answer[Query::Result::s];
-        const auto got = answer[Query::Result::n];
+        const auto start = answer[EventQuery::Result::s];
+        const auto got = answer[EventQuery::Result::n];
         if (answer.exit != Exit::kDone || !start || !got) {
             controller.Note(
-                {.function = std::string(Query::kName),
+                {.function = std::string(EventQuery::kName),
                  .message = "event " + std::to_string(first) + ": " +
                             (answer.exit == Exit::kDone ? "the result does not tell its number"
                                                         : answer.complaint)},
@@ -170,7 +170,7 @@ std::vector<StoredEvent> ReadEvents(Controller& controller, std::uint64_t first,
             continue;
         }
         std::uint64_t sequence = *start;
-        for (auto& record : answer[Query::Result::Event]) {
+        for (auto& record : answer[EventQuery::Result::Event]) {
             events.push_back(MakeEvent(sequence++, std::move(record)));
         }
         if (*got == 0) break;

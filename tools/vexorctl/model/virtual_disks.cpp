@@ -12,7 +12,7 @@ namespace vexorctl {
 
 namespace {
 
-constexpr ListSource kConfigList = ListOf(
+constexpr ListSource kVirtualDiskConfigList = ListOf(
     calls::HX_LD_GetConfig::Result::LDConfig,
     +[](const View<fields::LD_Config>& config) { return config[fields::LD_Config::LDID]; });
 
@@ -65,7 +65,7 @@ std::vector<VirtualDisk> LoadVirtualDisks(Controller& controller) {
     for (const unsigned adapter : controller.Selected()) {
         auto infos = controller.ReadList(adapter, kVirtualDiskList);
         if (infos.items.empty()) continue;
-        auto configs = controller.ReadList(adapter, kConfigList);
+        auto configs = controller.ReadList(adapter, kVirtualDiskConfigList);
         auto states = controller.ReadList(adapter, kVirtualDiskStatusList);
         DiskOfBlock disk_of_block;
         for (const auto& [id, block] : controller.ReadList(adapter, kBlockList).items) {

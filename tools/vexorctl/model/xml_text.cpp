@@ -27,7 +27,7 @@ struct Inspector {
     bool in_root = false;
 };
 
-void StartElement(void* user_data, const XML_Char* name, const XML_Char** atts) {
+void NoteElement(void* user_data, const XML_Char* name, const XML_Char** atts) {
     Inspector& inspector = *static_cast<Inspector*>(user_data);
     if (inspector.in_root) return;
     inspector.in_root = true;
@@ -123,7 +123,7 @@ XmlInspection InspectXml(std::string_view text) {
     found.root.reserve(kLongestName);
     Inspector inspector{parser.get(), found};
     XML_SetUserData(parser.get(), &inspector);
-    XML_SetStartElementHandler(parser.get(), StartElement);
+    XML_SetStartElementHandler(parser.get(), NoteElement);
     XML_SetEntityDeclHandler(parser.get(), EntityDeclaration);
     XML_SetElementDeclHandler(parser.get(), ElementDeclaration);
     XML_SetAttlistDeclHandler(parser.get(), AttributeDeclaration);
