@@ -14,18 +14,7 @@
 #include <functional>
 #include <vector>
 
-// The sanitizers' own runtime ends a process that has no memory left, and makes system calls.
-#if defined(__SANITIZE_ADDRESS__)
-inline constexpr bool kSanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-inline constexpr bool kSanitized = true;
-#else
-inline constexpr bool kSanitized = false;
-#endif
-#else
-inline constexpr bool kSanitized = false;
-#endif
+#include "support/sanitized.h"
 
 /// Returns what `work` returns (0 to 255) in a child process, or -1 when the child dies of it.
 inline int InChild(const std::function<int()>& work) {

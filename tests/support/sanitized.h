@@ -1,0 +1,15 @@
+// Whether this is a build with the address sanitizer: it is several times slower, its own runtime
+// ends a process that has no memory left, and it makes system calls.
+#pragma once
+
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kSanitized = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+inline constexpr bool kSanitized = true;
+#else
+inline constexpr bool kSanitized = false;
+#endif
+#else
+inline constexpr bool kSanitized = false;
+#endif
