@@ -194,7 +194,8 @@ const char* Operate(const Files& files, Input& input) {
         case 0:
         case 1: {
             const HX_U8 adapter = input.U8() % 4;
-            const HX_U8 count = input.U8() % 8 == 0 ? input.U8() : input.U8() % 8;
+            const bool is_large = input.U8() % 8 == 0;
+            const auto count = static_cast<HX_U8>(is_large ? input.U8() : input.U8() % 8);
             return CheckIn(files, adapter, count, input);
         }
         case 2:
@@ -217,7 +218,8 @@ const char* Operate(const Files& files, Input& input) {
             const HX_U32 n = input.U8() % 4 == 0 ? input.U32() : input.U8();
             const HX_U32 s = input.U8() % 3 == 0 ? kNewestEvents : input.U32();
             const HX_U32 e = input.U8() % 3 == 0 ? kNewestEvents : input.U32();
-            const char* const wrong = Ask(files, n, s, e, input.U16() % kMostRoom);
+            const char* const wrong =
+                Ask(files, n, s, e, static_cast<HX_U32>(input.U16() % kMostRoom));
             return wrong != nullptr ? wrong : CheckClosed();
         }
     }

@@ -108,7 +108,8 @@ const char* FuzzImages(const std::uint8_t* data, std::size_t size) {
     auto* const field = reinterpret_cast<HX_U8*>(path.data());
 
     Input input(data, size);
-    const std::size_t times = input.U8() % 4 == 0 ? 1 + input.U16() % 200 : 1;
+    const bool is_long = input.U8() % 4 == 0;
+    const std::size_t times = is_long ? 1 + std::size_t{input.U16()} % 200 : 1;
     const HX_U8 refusal = input.U8();
     const int refused_piece = input.U8() % 8;
     const std::string tile = input.Bytes(input.U16() % 1024);
