@@ -46,6 +46,24 @@ constexpr char kLeftOut[] =
     "request may write to the debug log.\n";
 static_assert(kMostTraced == 16777216);
 
+// Formats a message and hands it to `take`. Returns its length, or 0 where it cannot be formatted.
+template <class Take>
+[[gnu::format(printf, 1, 0)]] int Format(const char* fmt, std::va_list args, const Take& take) {
+    HeapBlock<char> text;
+    const int length = FormatWhole(text, fmt, args);
+    if (length < 0) return 0;
+    take(text.get());
+    return length;
+}
+
+void AppendToLog(const char* text) {
+    if (RequestTraces::AreFull()) return;
+    DBG_Ext.FOut = OpenMessageFile(DBG_Ext.FileName).Release();
+    const bool taken = RequestTraces::Take(std::strlen(text));
+    Append(DBG_Ext.FOut, taken ? text : kLeftOut);
+    VX_DBG_Shutdown();
+}
+
 }  // namespace
 
 int VX_DBG_Init(const char* filename) noexcept {
@@ -66,28 +84,20 @@ int VX_DBG_Init(const char* filename) noexcept {
 
 int VX_DBG_Printf(const char* fmt, ...) noexcept {
     if (!VX_DBG_On()) return 0;
-    HeapBlock<char> text;
     std::va_list args;
     va_start(args, fmt);
-    const int length = FormatWhole(text, fmt, args);
+    const int length = Format(fmt, args, AppendToLog);
     va_end(args);
-    if (length < 0) return 0;
-    if (RequestTraces::AreFull()) return length;
-    DBG_Ext.FOut = OpenMessageFile(DBG_Ext.FileName).Release();
-    const bool taken = RequestTraces::Take(std::strlen(text.get()));
-    Append(DBG_Ext.FOut, taken ? text.get() : kLeftOut);
-    VX_DBG_Shutdown();
     return length;
 }
 
 int VX_DBG_PrintFile(const char* filename, const char* fmt, ...) noexcept {
-    HeapBlock<char> text;
     std::va_list args;
     va_start(args, fmt);
-    const int length = FormatWhole(text, fmt, args);
+    const int length = Format(fmt, args, [filename](const char* text) {
+        if (filename != nullptr) Append(OpenMessageFile(filename).Get(), text);
+    });
     va_end(args);
-    if (length < 0) return 0;
-    if (filename != nullptr) Append(OpenMessageFile(filename).Get(), text.get());
     return length;
 }
 

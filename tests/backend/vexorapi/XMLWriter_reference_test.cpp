@@ -108,78 +108,61 @@ private:
     std::minstd_rand engine_;
 };
 
-int ApplyToReal(XMLWR_Doc* doc, const Call& call) {
-    const char* const name = call.name.c_str();
-    const char* const text = call.text.c_str();
-    const auto length = static_cast<HX_U16>(call.text.size());
-    int result = 0;
-    switch (call.kind) {
-        case Kind::Start:
-            return XMLWR_ElmtStartPrintf(doc, call.flags, name, " %s=\"%u\"", text, call.number);
-        case Kind::CharData:
-            return XMLWR_ElmtCharData(doc, call.flags, "%s", text);
-        case Kind::Number:
-            return XMLWR_ElmtCharData(doc, call.flags, "%u ", call.number);
-        case Kind::End:
-            return XMLWR_ElmtEnd(doc, call.flags, name);
-        case Kind::Tabs:
-            XMLWR_PrintTabs(doc);
-            return 0;
-        case Kind::NewLine:
-            XMLWR_PrintNewLine(doc);
-            return 0;
-        case Kind::Sprintf:
-            result = XMLWR_Sprintf(doc, doc->Buf + doc->CurPos, "%s%u", text, call.number);
-            XMLWR_AddCurPos(doc, result);
-            return result;
-        case Kind::MemCpy:
-            result = XMLWR_MemCpy(doc, text, length);
-            XMLWR_AddCurPos(doc, result);
-            return result;
-        case Kind::CopyOnly:
-            return XMLWR_MemCpy(doc, text, length);
-        case Kind::NoAdvance:
-            XMLWR_AddCurPos(doc, -1);
-            return 0;
-        case Kind::kCount:
-            break;
-    }
-    return -1;
-}
+// The two writers, function by function.
+struct Real {
+    static constexpr auto ElmtStartPrintf = XMLWR_ElmtStartPrintf;
+    static constexpr auto ElmtCharData = XMLWR_ElmtCharData;
+    static constexpr auto ElmtEnd = XMLWR_ElmtEnd;
+    static constexpr auto PrintTabs = XMLWR_PrintTabs;
+    static constexpr auto PrintNewLine = XMLWR_PrintNewLine;
+    static constexpr auto Sprintf = XMLWR_Sprintf;
+    static constexpr auto MemCpy = XMLWR_MemCpy;
+    static constexpr auto AddCurPos = XMLWR_AddCurPos;
+};
+struct Reference {
+    static constexpr auto ElmtStartPrintf = reference::ElmtStartPrintf;
+    static constexpr auto ElmtCharData = reference::ElmtCharData;
+    static constexpr auto ElmtEnd = reference::ElmtEnd;
+    static constexpr auto PrintTabs = reference::PrintTabs;
+    static constexpr auto PrintNewLine = reference::PrintNewLine;
+    static constexpr auto Sprintf = reference::Sprintf;
+    static constexpr auto MemCpy = reference::MemCpy;
+    static constexpr auto AddCurPos = reference::AddCurPos;
+};
 
-int ApplyToReference(XMLWR_Doc* doc, const Call& call) {
+template <class Writer>
+int Apply(XMLWR_Doc* doc, const Call& call) {
     const char* const name = call.name.c_str();
     const char* const text = call.text.c_str();
     const auto length = static_cast<HX_U16>(call.text.size());
     int result = 0;
     switch (call.kind) {
         case Kind::Start:
-            return reference::ElmtStartPrintf(doc, call.flags, name, " %s=\"%u\"", text,
-                                              call.number);
+            return Writer::ElmtStartPrintf(doc, call.flags, name, " %s=\"%u\"", text, call.number);
         case Kind::CharData:
-            return reference::ElmtCharData(doc, call.flags, "%s", text);
+            return Writer::ElmtCharData(doc, call.flags, "%s", text);
         case Kind::Number:
-            return reference::ElmtCharData(doc, call.flags, "%u ", call.number);
+            return Writer::ElmtCharData(doc, call.flags, "%u ", call.number);
         case Kind::End:
-            return reference::ElmtEnd(doc, call.flags, name);
+            return Writer::ElmtEnd(doc, call.flags, name);
         case Kind::Tabs:
-            reference::PrintTabs(doc);
+            Writer::PrintTabs(doc);
             return 0;
         case Kind::NewLine:
-            reference::PrintNewLine(doc);
+            Writer::PrintNewLine(doc);
             return 0;
         case Kind::Sprintf:
-            result = reference::Sprintf(doc, doc->Buf + doc->CurPos, "%s%u", text, call.number);
-            reference::AddCurPos(doc, result);
+            result = Writer::Sprintf(doc, doc->Buf + doc->CurPos, "%s%u", text, call.number);
+            Writer::AddCurPos(doc, result);
             return result;
         case Kind::MemCpy:
-            result = reference::MemCpy(doc, text, length);
-            reference::AddCurPos(doc, result);
+            result = Writer::MemCpy(doc, text, length);
+            Writer::AddCurPos(doc, result);
             return result;
         case Kind::CopyOnly:
-            return reference::MemCpy(doc, text, length);
+            return Writer::MemCpy(doc, text, length);
         case Kind::NoAdvance:
-            reference::AddCurPos(doc, -1);
+            Writer::AddCurPos(doc, -1);
             return 0;
         case Kind::kCount:
             break;
@@ -194,7 +177,7 @@ TEST(XMLWriterAgainstReference, RandomCallsAgreeAtEachOfTheLastPositions) {
         docs.Place(room, static_cast<std::int16_t>(static_cast<int>(dice.Below(9)) - 2));
         for (int i = 0; i < 20; ++i) {
             const Call call = dice.Roll();
-            ASSERT_EQ(ApplyToReference(docs.reference, call), ApplyToReal(docs.real, call))
+            ASSERT_EQ(Apply<Reference>(docs.reference, call), Apply<Real>(docs.real, call))
                 << "room " << room << ", call " << i;
             ASSERT_TRUE(docs.SameFrom(kCapacity - room)) << "room " << room << ", call " << i;
         }
@@ -212,7 +195,7 @@ TEST(XMLWriterAgainstReference, RandomCallsAgreeFromAnEmptyDocumentUntilNothingF
             // The walk through the levels would end below the root for ever, or indent by a page.
             if (docs.reference->Depth <= 0 && call.kind == Kind::End) continue;
             if (docs.reference->Depth > 40 && call.kind == Kind::Start) continue;
-            ASSERT_EQ(ApplyToReference(docs.reference, call), ApplyToReal(docs.real, call))
+            ASSERT_EQ(Apply<Reference>(docs.reference, call), Apply<Real>(docs.real, call))
                 << "seed " << seed << ", call " << i;
         }
         ASSERT_GT(docs.reference->CurPos, kCapacity - 100) << "seed " << seed;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -30,44 +31,43 @@ Scan ScanWith(const char* text, int width) {
     return scan;
 }
 
+// The numbers of a text: what the scanner returned, stored and left.
+struct Found {
+    int result;
+    HX_U32 value;
+    std::string rest;
+    friend bool operator==(const Found&, const Found&) = default;
+};
+void PrintTo(const Found& found, std::ostream* out) {
+    *out << found.result << ' ' << found.value << " \"" << found.rest << '"';
+}
+
+std::vector<Found> AllOf(const char* text) {
+    const char* cursor = text;
+    std::vector<Found> all;
+    HX_U32 value = 99;
+    for (int result = XMLWR_CharDataToDec32(&cursor, &value); result != kNothingLeft;
+         result = XMLWR_CharDataToDec32(&cursor, &value)) {
+        all.push_back({result, value, cursor});
+    }
+    EXPECT_STREQ("", cursor);
+    EXPECT_EQ(all.empty() ? 99 : all.back().value, value) << "stored without a number";
+    return all;
+}
+
 // ---- numbers and separators --------------------------------------------------------------------
 
 TEST(NumberScanner, ReadsNumbersOneAfterTheOther) {
-    const char* cursor = "1 2 3";
-    HX_U32 value = 99;
-    EXPECT_EQ(1, XMLWR_CharDataToDec32(&cursor, &value));
-    EXPECT_EQ(1u, value);
-    EXPECT_STREQ(" 2 3", cursor);
-    EXPECT_EQ(2, XMLWR_CharDataToDec32(&cursor, &value));
-    EXPECT_EQ(2u, value);
-    EXPECT_STREQ(" 3", cursor);
-    EXPECT_EQ(1, XMLWR_CharDataToDec32(&cursor, &value));
-    EXPECT_EQ(3u, value);
-    EXPECT_STREQ("", cursor);
-    EXPECT_EQ(kNothingLeft, XMLWR_CharDataToDec32(&cursor, &value));
-    EXPECT_EQ(3u, value);
-    EXPECT_STREQ("", cursor);
-}
-
-TEST(NumberScanner, FindsNothingInAnEmptyText) {
-    const Scan scan = ScanWith("", 32);
-    EXPECT_EQ(kNothingLeft, scan.result);
-    EXPECT_EQ(0xEEEEEEEEEEEEEEEE, scan.value);
-    EXPECT_EQ(0u, scan.cursor);
+    EXPECT_EQ((std::vector<Found>{{1, 1, " 2 3"}, {2, 2, " 3"}, {1, 3, ""}}), AllOf("1 2 3"));
 }
 
 TEST(NumberScanner, PassesATextWithoutDigitsAndStoresNothing) {
-    const Scan scan = ScanWith("none", 32);
-    EXPECT_EQ(kNothingLeft, scan.result);
-    EXPECT_EQ(0xEEEEEEEEEEEEEEEE, scan.value);
-    EXPECT_EQ(4u, scan.cursor);
-}
-
-TEST(NumberScanner, PassesASingleSeparatorAndStoresNothing) {
-    const Scan scan = ScanWith(" ", 32);
-    EXPECT_EQ(kNothingLeft, scan.result);
-    EXPECT_EQ(0xEEEEEEEEEEEEEEEE, scan.value);
-    EXPECT_EQ(1u, scan.cursor);
+    for (const std::string text : {"", "none", " "}) {
+        const Scan scan = ScanWith(text.c_str(), 32);
+        EXPECT_EQ(kNothingLeft, scan.result) << text;
+        EXPECT_EQ(0xEEEEEEEEEEEEEEEE, scan.value) << text;
+        EXPECT_EQ(text.size(), scan.cursor) << text;
+    }
 }
 
 TEST(NumberScanner, CountsTheCharactersBeforeANumberAndItsDigits) {
@@ -88,30 +88,13 @@ TEST(NumberScanner, CountsZeroForOneDigitThatEndsTheText) {
     EXPECT_EQ(1u, scan.cursor);
 }
 
-TEST(NumberScanner, SkipsAMinusSign) {
-    const char* cursor = "-5";
-    HX_U32 value = 0;
-    EXPECT_EQ(1, XMLWR_CharDataToDec32(&cursor, &value));
-    EXPECT_EQ(5u, value);
-}
-
-TEST(NumberScanner, SkipsAPlusSign) {
-    const char* cursor = "+5 ";
-    HX_U32 value = 0;
-    EXPECT_EQ(2, XMLWR_CharDataToDec32(&cursor, &value));
-    EXPECT_EQ(5u, value);
+TEST(NumberScanner, SkipsSigns) {
+    EXPECT_EQ((std::vector<Found>{{1, 5, ""}}), AllOf("-5"));
+    EXPECT_EQ((std::vector<Found>{{2, 5, " "}}), AllOf("+5 "));
 }
 
 TEST(NumberScanner, ReadsHexadecimalDigitsAsTwoNumbers) {
-    const char* cursor = "0x1F";
-    HX_U32 value = 99;
-    EXPECT_EQ(1, XMLWR_CharDataToDec32(&cursor, &value));
-    EXPECT_EQ(0u, value);
-    EXPECT_STREQ("x1F", cursor);
-    EXPECT_EQ(2, XMLWR_CharDataToDec32(&cursor, &value));
-    EXPECT_EQ(1u, value);
-    EXPECT_STREQ("F", cursor);
-    EXPECT_EQ(kNothingLeft, XMLWR_CharDataToDec32(&cursor, &value));
+    EXPECT_EQ((std::vector<Found>{{1, 0, "x1F"}, {2, 1, "F"}}), AllOf("0x1F"));
 }
 
 TEST(NumberScanner, ReadsLeadingZeros) {
@@ -121,10 +104,8 @@ TEST(NumberScanner, ReadsLeadingZeros) {
 }
 
 TEST(NumberScanner, TakesEverythingButDigitsForASeparator) {
-    const char* cursor = "\n\t1,\r2./:3\x01";
     std::vector<HX_U32> values;
-    HX_U32 value = 0;
-    while (XMLWR_CharDataToDec32(&cursor, &value) != kNothingLeft) values.push_back(value);
+    for (const Found& each : AllOf("\n\t1,\r2./:3\x01")) values.push_back(each.value);
     EXPECT_EQ((std::vector<HX_U32>{1, 2, 3}), values);
 }
 

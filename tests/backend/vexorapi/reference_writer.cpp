@@ -1,5 +1,6 @@
 #include "reference_writer.h"
 
+#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -137,17 +138,25 @@ void EightBytes(XMLWR_Doc* doc, const char* name, const std::uint8_t* bytes) {
     ElmtEnd(doc, 0, name);
 }
 
+// Both kinds of version stand under one name, with numbers of their own width.
+void Version(XMLWR_Doc* doc, const char* name, const char* type,
+             const std::array<unsigned, 4>& numbers) {
+    StartRecord(doc, name, "struct Version_Info");
+    Number(doc, "VerMajor", type, numbers[0]);
+    Number(doc, "VerMinor", type, numbers[1]);
+    Number(doc, "VerOEM", type, numbers[2]);
+    Number(doc, "VerBuild", type, numbers[3]);
+    ElmtEnd(doc, 0, name);
+}
+
 }  // namespace
 
 int RecordVersionInfo(XMLWR_Doc* doc, const char* name, const Version_Info* records,
                       unsigned count) {
     for (unsigned i = 0; i < count; i++) {
-        StartRecord(doc, name, "struct Version_Info");
-        Number(doc, "VerMajor", "U32", records[i].VerMajor);
-        Number(doc, "VerMinor", "U32", records[i].VerMinor);
-        Number(doc, "VerOEM", "U32", records[i].VerOEM);
-        Number(doc, "VerBuild", "U32", records[i].VerBuild);
-        ElmtEnd(doc, 0, name);
+        const Version_Info& version = records[i];
+        Version(doc, name, "U32",
+                {version.VerMajor, version.VerMinor, version.VerOEM, version.VerBuild});
     }
     return 1;
 }
@@ -155,12 +164,10 @@ int RecordVersionInfo(XMLWR_Doc* doc, const char* name, const Version_Info* reco
 int RecordVersionInfoCim(XMLWR_Doc* doc, const char* name, const Version_Info_CIM* records,
                          unsigned count) {
     for (unsigned i = 0; i < count; i++) {
-        StartRecord(doc, name, "struct Version_Info");
-        Number(doc, "VerMajor", "U16", records[i].MajorVersion);
-        Number(doc, "VerMinor", "U16", records[i].MinorVersion);
-        Number(doc, "VerOEM", "U16", records[i].RevisionNumber);
-        Number(doc, "VerBuild", "U16", records[i].BuildNumber);
-        ElmtEnd(doc, 0, name);
+        const Version_Info_CIM& version = records[i];
+        Version(doc, name, "U16",
+                {version.MajorVersion, version.MinorVersion, version.RevisionNumber,
+                 version.BuildNumber});
     }
     return 1;
 }

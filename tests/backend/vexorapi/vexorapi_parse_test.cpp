@@ -21,22 +21,8 @@ using testing::StartsWith;
 // ---- the path ----------------------------------------------------------------------------------
 
 TEST_F(ParseLog, TellsThePathsAndTextsOfThreeLevels) {
-    EXPECT_EQ(1,
-              Run("<HX_Adapter_GetCount type=\"function\"><a><b>1</b></a></HX_Adapter_GetCount>"));
-    EXPECT_EQ(
-        "Dir = HX_Adapter_GetCount\n"
-        "[Atts]type:function \n"
-        "Dir = HX_Adapter_GetCount.a\n"
-        "[Atts]\n"
-        "Dir = HX_Adapter_GetCount.a.b\n"
-        "[Atts]\n"
-        "Dir = HX_Adapter_GetCount.a.b\n"
-        "[CD 1]:1\n"
-        "Dir = HX_Adapter_GetCount.a\n"
-        "[CD 1]:1\n"
-        "Dir = HX_Adapter_GetCount\n"
-        "[CD 1]:1\n",
-        log.Text());
+    EXPECT_EQ(1, Run(kThreeLevels));
+    EXPECT_EQ(kThreeLevelsLogged, log.Text());
 }
 
 TEST_F(ParseLog, TellsNoTextWhereThereIsNone) {
@@ -168,25 +154,21 @@ TEST_F(Parse, ReturnsToThePathOfTheParent) {
 
 // ---- the selection of the function -------------------------------------------------------------
 
-TEST_F(Parse, SelectsAVendorFunctionAtTheRoot) {
+class Selection : public Parse, public testing::WithParamInterface<const char*> {};
+
+TEST_P(Selection, IsTheFunctionAtTheRoot) {
     const char* atts[] = {"type", "function", nullptr};
-    RA_StartElement(&elmt, "HX_Adapter_GetInfo", atts);
+    RA_StartElement(&elmt, GetParam(), atts);
     EXPECT_NE(nullptr, elmt.StartHandler);
     EXPECT_NE(nullptr, elmt.EndHandler);
     EXPECT_EQ(nullptr, elmt.CharDataHandler);
     ASSERT_NE(nullptr, elmt.Ext);
-    EXPECT_STREQ("HX_Adapter_GetInfo", FunctionName());
+    EXPECT_STREQ(GetParam(), FunctionName());
     EXPECT_EQ(1, elmt.Depth);
 }
 
-TEST_F(Parse, SelectsAManagementFunctionAtTheRoot) {
-    const char* atts[] = {"type", "function", nullptr};
-    RA_StartElement(&elmt, "VX_Module_GetInfo", atts);
-    EXPECT_NE(nullptr, elmt.StartHandler);
-    EXPECT_NE(nullptr, elmt.EndHandler);
-    ASSERT_NE(nullptr, elmt.Ext);
-    EXPECT_STREQ("VX_Module_GetInfo", FunctionName());
-}
+INSTANTIATE_TEST_SUITE_P(OfTheController, Selection, testing::Values("HX_Adapter_GetInfo"));
+INSTANTIATE_TEST_SUITE_P(OfTheManagement, Selection, testing::Values("VX_Module_GetInfo"));
 
 TEST_F(Parse, ClearsTheHandlersWhenTheRootNamesNoFunction) {
     InstallHandlers();

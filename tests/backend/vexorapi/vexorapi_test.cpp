@@ -263,25 +263,9 @@ TEST_F(RequestDebugLog, TellsTheWholeOfADocumentThatFillsTheWriter) {
 // ---- the debug log -----------------------------------------------------------------------------
 
 TEST_F(RequestDebugLog, TracesACommandOfThreeLevels) {
-    EXPECT_EQ(1, Send("<HX_Adapter_GetCount type=\"function\"><a><b>1</b></a>"
-                      "</HX_Adapter_GetCount>")
-                     .ok);
-    EXPECT_EQ(
-        "Dir = HX_Adapter_GetCount\n"
-        "[Atts]type:function \n"
-        "Dir = HX_Adapter_GetCount.a\n"
-        "[Atts]\n"
-        "Dir = HX_Adapter_GetCount.a.b\n"
-        "[Atts]\n"
-        "Dir = HX_Adapter_GetCount.a.b\n"
-        "[CD 1]:1\n"
-        "Dir = HX_Adapter_GetCount.a\n"
-        "[CD 1]:1\n"
-        "Dir = HX_Adapter_GetCount\n"
-        "[CD 1]:1\n"
-        "pFD->FuncName=HX_Adapter_GetCount\n"
-        "\n",
-        log.Text());
+    EXPECT_EQ(1, Send(kThreeLevels).ok);
+    EXPECT_EQ(std::string(kThreeLevelsLogged) + "pFD->FuncName=HX_Adapter_GetCount\n\n",
+              log.Text());
 }
 
 TEST_F(RequestDebugLog, TellsTheErrorOfAMalformedCommand) {

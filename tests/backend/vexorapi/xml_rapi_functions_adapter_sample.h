@@ -131,6 +131,22 @@ inline const char kAdapterPorts[] =
     "    <PortSasAddress2 type=\"U8\" width=\"8\">\n"
     "      20 21 22 23 24 25 26 27\n"
     "    </PortSasAddress2>\n";
+inline const char kAdapterOtherPorts[] =
+    "    <PortSasAddress3 type=\"U8\" width=\"8\">\n"
+    "      30 31 32 33 34 35 36 37\n"
+    "    </PortSasAddress3>\n"
+    "    <PortSasAddress4 type=\"U8\" width=\"8\">\n"
+    "      40 41 42 43 44 45 46 47\n"
+    "    </PortSasAddress4>\n"
+    "    <PortSasAddress5 type=\"U8\" width=\"8\">\n"
+    "      50 51 52 53 54 55 56 57\n"
+    "    </PortSasAddress5>\n"
+    "    <PortSasAddress6 type=\"U8\" width=\"8\">\n"
+    "      60 61 62 63 64 65 66 67\n"
+    "    </PortSasAddress6>\n"
+    "    <PortSasAddress7 type=\"U8\" width=\"8\">\n"
+    "      70 71 72 73 74 75 76 77\n"
+    "    </PortSasAddress7>\n";
 inline const char kAdapterClose[] =
     "    <img_health type=\"BOOL\">0</img_health>\n"
     "    <autoload_img_health type=\"BOOL\">1</autoload_img_health>\n"

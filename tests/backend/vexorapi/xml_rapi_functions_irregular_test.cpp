@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -86,40 +87,32 @@ Adapter_Config_V2 Rate(HX_U8 rate) {
 class EveryAdapter : public Irregular {
 protected:
     static void Adapters(HX_U8 count) { hxfake::On<&HX_Adapter_GetCount>().Always(count); }
+
+    // Three adapters with two, no and three elements; the last status is what is returned.
+    template <auto function, class Record>
+    static void ExpectElementsInAdapterOrder(const std::string& name, Record (*element)(HX_U8)) {
+        Adapters(3);
+        hxfake::On<function>()
+            .Once(8, hxfake::Records({element(11), element(12)}))
+            .Once(0, hxfake::Records(std::vector<Record>{}))
+            .Once(9, hxfake::Records({element(31), element(32), element(33)}));
+        const std::string text = Ask(name, {"AdapterID=255", "ENC_ID=700"});
+        EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_Adapter_GetCount()", name + "(0, 700, &, &)",
+                                                 "HX_Adapter_GetCount()", name + "(1, 700, &, &)",
+                                                 "HX_Adapter_GetCount()", name + "(2, 700, &, &)",
+                                                 "HX_Adapter_GetCount()"));
+        EXPECT_THAT(Values(text, "RetVal"), ElementsAre("9"));
+        EXPECT_THAT(Values(text, "Count"), ElementsAre("5"));
+        EXPECT_THAT(Values(text, "ElementID"), ElementsAre("11", "12", "31", "32", "33"));
+    }
 };
 
 TEST_F(EveryAdapter, IsAskedForTheStateOfEnclosureElementsInAdapterOrder) {
-    Adapters(3);
-    hxfake::On<&HX_ENC_GetElementInfo>()
-        .Once(8, hxfake::Records({Element(11), Element(12)}))
-        .Once(0, hxfake::Records(std::vector<EncElementType_Info>{}))
-        .Once(9, hxfake::Records({Element(31), Element(32), Element(33)}));
-    const std::string text = Ask("HX_ENC_GetElementInfo", {"AdapterID=255", "ENC_ID=700"});
-    EXPECT_THAT(hxfake::Calls(),
-                ElementsAre("HX_Adapter_GetCount()", "HX_ENC_GetElementInfo(0, 700, &, &)",
-                            "HX_Adapter_GetCount()", "HX_ENC_GetElementInfo(1, 700, &, &)",
-                            "HX_Adapter_GetCount()", "HX_ENC_GetElementInfo(2, 700, &, &)",
-                            "HX_Adapter_GetCount()"));
-    EXPECT_THAT(Values(text, "RetVal"), ElementsAre("9"));
-    EXPECT_THAT(Values(text, "Count"), ElementsAre("5"));
-    EXPECT_THAT(Values(text, "ElementID"), ElementsAre("11", "12", "31", "32", "33"));
+    ExpectElementsInAdapterOrder<&HX_ENC_GetElementInfo>("HX_ENC_GetElementInfo", Element);
 }
 
 TEST_F(EveryAdapter, IsAskedForTheThresholdsOfEnclosureElementsInAdapterOrder) {
-    Adapters(3);
-    hxfake::On<&HX_ENC_GetElementConfig>()
-        .Once(8, hxfake::Records({Thresholds(11), Thresholds(12)}))
-        .Once(0, hxfake::Records(std::vector<EncElement_Config>{}))
-        .Once(9, hxfake::Records({Thresholds(31), Thresholds(32), Thresholds(33)}));
-    const std::string text = Ask("HX_ENC_GetElementConfig", {"AdapterID=255", "ENC_ID=700"});
-    EXPECT_THAT(hxfake::Calls(),
-                ElementsAre("HX_Adapter_GetCount()", "HX_ENC_GetElementConfig(0, 700, &, &)",
-                            "HX_Adapter_GetCount()", "HX_ENC_GetElementConfig(1, 700, &, &)",
-                            "HX_Adapter_GetCount()", "HX_ENC_GetElementConfig(2, 700, &, &)",
-                            "HX_Adapter_GetCount()"));
-    EXPECT_THAT(Values(text, "RetVal"), ElementsAre("9"));
-    EXPECT_THAT(Values(text, "Count"), ElementsAre("5"));
-    EXPECT_THAT(Values(text, "ElementID"), ElementsAre("11", "12", "31", "32", "33"));
+    ExpectElementsInAdapterOrder<&HX_ENC_GetElementConfig>("HX_ENC_GetElementConfig", Thresholds);
 }
 
 TEST_F(EveryAdapter, IsAskedForSettingsOfWhichTheLastRemain) {
@@ -546,51 +539,41 @@ TEST_F(RemapTable, IsReadWholeAndShownInPart) {
     EXPECT_EQ(From(3, 4), Records());
 }
 
-TEST_F(RemapTable, ShowsAtMost150Records) {
-    Holding(1000);
-    AskFor("400", "0", "399");
-    EXPECT_THAT(Head(), ElementsAre("0", "300", "1000", "150", "0", "399"));
-    EXPECT_EQ(From(0, 150), Records());
+// What is asked for of a table of so many records, and the range that is shown.
+struct RangeCase {
+    const char* name;
+    HX_U32 held;
+    std::vector<std::string> asked;  // n, s and e
+    unsigned count;
+    unsigned first;
+    const char* last;
+};
+void PrintTo(const RangeCase& each, std::ostream* out) { *out << each.name; }
+
+const RangeCase kRanges[] = {
+    {"ShowsAtMost150Records", 1000, {"400", "0", "399"}, 150, 0, "399"},
+    {"MovesARangeThatEndsBehindIt", 1000, {"20", "990", "1009"}, 20, 980, "999"},
+    {"ShowsARangeThatEndsWithIt", 1000, {"20", "980", "1000"}, 20, 980, "1000"},
+    {"ShowsNoMoreThanItHolds", 3, {"4", "0", "4"}, 3, 0, "2"},
+    {"ShowsNothingWhenNothingIsAskedFor", 3, {"0", "2", "3"}, 0, 2, "3"},
+    {"TakesTheLargestStart", 3, {"1", "4294967295", "4294967295"}, 1, 2, "2"},
+    {"TakesTheLargestCount", 3, {"4294967295", "4294967295", "0"}, 3, 0, "0"},
+};
+
+class RangeOfARemapTable : public RemapTable, public testing::WithParamInterface<RangeCase> {};
+
+TEST_P(RangeOfARemapTable, StaysWithinIt) {
+    const RangeCase& range = GetParam();
+    Holding(range.held);
+    AskFor(range.asked[0], range.asked[1], range.asked[2]);
+    EXPECT_THAT(Head(),
+                ElementsAre("0", "300", std::to_string(range.held), std::to_string(range.count),
+                            std::to_string(range.first), range.last));
+    EXPECT_EQ(From(range.first, range.count), Records());
 }
 
-TEST_F(RemapTable, MovesARangeThatEndsBehindIt) {
-    Holding(1000);
-    AskFor("20", "990", "1009");
-    EXPECT_THAT(Head(), ElementsAre("0", "300", "1000", "20", "980", "999"));
-    EXPECT_EQ(From(980, 20), Records());
-}
-
-TEST_F(RemapTable, ShowsARangeThatEndsWithIt) {
-    Holding(1000);
-    AskFor("20", "980", "1000");
-    EXPECT_THAT(Head(), ElementsAre("0", "300", "1000", "20", "980", "1000"));
-    EXPECT_EQ(From(980, 20), Records());
-}
-
-TEST_F(RemapTable, ShowsNoMoreThanItHolds) {
-    Holding(3);
-    AskFor("4", "0", "4");
-    EXPECT_THAT(Head(), ElementsAre("0", "300", "3", "3", "0", "2"));
-    EXPECT_EQ(From(0, 3), Records());
-}
-
-TEST_F(RemapTable, ShowsNothingWhenNothingIsAskedFor) {
-    Holding(3);
-    AskFor("0", "2", "3");
-    EXPECT_THAT(Head(), ElementsAre("0", "300", "3", "0", "2", "3"));
-    EXPECT_THAT(Records(), IsEmpty());
-}
-
-TEST_F(RemapTable, TakesTheLargestNumbers) {
-    Holding(3);
-    AskFor("1", "4294967295", "4294967295");
-    EXPECT_THAT(Head(), ElementsAre("0", "300", "3", "1", "2", "2"));
-    EXPECT_EQ(From(2, 1), Records());
-
-    AskFor("4294967295", "4294967295", "0");
-    EXPECT_THAT(Head(), ElementsAre("0", "300", "3", "3", "0", "0"));
-    EXPECT_EQ(From(0, 3), Records());
-}
+INSTANTIATE_TEST_SUITE_P(Ranges, RangeOfARemapTable, testing::ValuesIn(kRanges),
+                         [](const auto& each) { return std::string(each.param.name); });
 
 TEST_F(RemapTable, MayBeEmpty) {
     Holding(0);

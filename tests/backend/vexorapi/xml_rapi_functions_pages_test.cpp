@@ -133,6 +133,16 @@ protected:
         text = reply.text;
     }
 
+    // Asks for eight items. The first page holds so many, the next begins so many items further on.
+    void AskForTwoPages(unsigned first, unsigned second) {
+        int page = 0;
+        list.script([&](RequestHeader* header, unsigned char* items) {
+            return Page(header, items, ++page == 2 ? second : first,
+                        header->startingIndexOrId + first);
+        });
+        Ask(8);
+    }
+
     // The lines in the controller's log that follow the question for the adapter's buffer.
     std::vector<std::string> Calls() const {
         std::vector<std::string> calls = hxfake::Calls();
@@ -350,22 +360,14 @@ TEST_P(Pages, LeaveOutWhatComesWithAnError) {
 }
 
 TEST_P(Pages, EndWithAnEmptyOne) {
-    int page = 0;
-    list.script([&](RequestHeader* header, unsigned char* items) {
-        return Page(header, items, ++page == 2 ? 0 : 2, header->startingIndexOrId + 2u);
-    });
-    Ask(8);
+    AskForTwoPages(2, 0);
     EXPECT_THAT(Calls(), ElementsAre(Call(0, 8), Call(2, 6)));
     EXPECT_THAT(Head(), ElementsAre(0, 2, 8, 2, 4));
     EXPECT_EQ(First(2), Items());
 }
 
 TEST_P(Pages, EndWithOneOfMoreThanIsStillWanted) {
-    int page = 0;
-    list.script([&](RequestHeader* header, unsigned char* items) {
-        return Page(header, items, ++page == 2 ? 6 : 3, header->startingIndexOrId + 3u);
-    });
-    Ask(8);
+    AskForTwoPages(3, 6);
     EXPECT_THAT(Calls(), ElementsAre(Call(0, 8), Call(3, 5)));
     EXPECT_THAT(Head(), ElementsAre(0, 3, 8, 3, 6));
     EXPECT_EQ(First(3), Items());

@@ -30,8 +30,12 @@ void SetDistinctText(R& record, char (&field)[n], unsigned seed) {
     for (std::size_t i = 0; i < n; ++i) field[i] = kLetters[(5 * (first + i) + 3 + 11 * seed) % 62];
 }
 
+/// Of a record whose one text is its name, and of those without a text. The others have functions
+/// of their own.
 template <class R>
-void SetDistinctTexts(R&, unsigned) {}
+void SetDistinctTexts(R& record, unsigned seed) {
+    if constexpr (requires { record.Name; }) SetDistinctText(record, record.Name, seed);
+}
 inline void SetDistinctTexts(Adapter_Info& record, unsigned seed) {
     SetDistinctText(record, record.SerialNo, seed);
 }
@@ -51,24 +55,6 @@ inline void SetDistinctTexts(Enclosure_Info& record, unsigned seed) {
     SetDistinctText(record, record.VendorID, seed);
     SetDistinctText(record, record.ProductID, seed);
     SetDistinctText(record, record.RevisionLevel, seed);
-}
-inline void SetDistinctTexts(LD_Info& record, unsigned seed) {
-    SetDistinctText(record, record.Name, seed);
-}
-inline void SetDistinctTexts(LD_Config& record, unsigned seed) {
-    SetDistinctText(record, record.Name, seed);
-}
-inline void SetDistinctTexts(Create_LD_Param& record, unsigned seed) {
-    SetDistinctText(record, record.Name, seed);
-}
-inline void SetDistinctTexts(DG_Info& record, unsigned seed) {
-    SetDistinctText(record, record.Name, seed);
-}
-inline void SetDistinctTexts(DG_Config& record, unsigned seed) {
-    SetDistinctText(record, record.Name, seed);
-}
-inline void SetDistinctTexts(CreateOrModify_DG_Param& record, unsigned seed) {
-    SetDistinctText(record, record.Name, seed);
 }
 inline void SetDistinctTexts(VX_GetUserName& record, unsigned seed) {
     SetDistinctText(record, record.UserName, seed);

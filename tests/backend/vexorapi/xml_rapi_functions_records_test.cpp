@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -327,30 +328,31 @@ TEST_F(Disk, IsCompletedInTheCallersRecord) {
     EXPECT_EQ(1, disk.DeviceType);
 }
 
-TEST_F(Disk, ShowsItsModelWithoutTheMaker) {
-    Set(disk.Model, "KESTREL KR-2000 SATA   ");
-    EXPECT_EQ("<![CDATA[KR-2000 SATA]]>", Written("Model"));
+struct ModelCase {
+    const char* name;
+    std::string field;
+    const char* shown;
+};
+void PrintTo(const ModelCase& each, std::ostream* out) { *out << each.name; }
+
+const ModelCase kModels[] = {
+    {"WithoutTheMaker", "KESTREL KR-2000 SATA   ", "KR-2000 SATA"},
+    {"OfOneWordWhole", "KR-2000   ", "KR-2000"},
+    {"WithoutTheFirstOfItsBlanks", "  KR-2000  ", " KR-2000"},
+    {"ToTheLastCharacterOfItsField", "K 34567890123456789012345678901234567890XXXX",
+     "34567890123456789012345678901234567890"},
+    {"OfBlanksAsEmpty", std::string(40, ' '), ""},
+};
+
+class DiskModel : public Disk, public testing::WithParamInterface<ModelCase> {};
+
+TEST_P(DiskModel, IsShown) {
+    Set(disk.Model, GetParam().field);
+    EXPECT_EQ(std::string("<![CDATA[") + GetParam().shown + "]]>", Written("Model"));
 }
 
-TEST_F(Disk, ShowsAModelOfOneWordWhole) {
-    Set(disk.Model, "KR-2000   ");
-    EXPECT_EQ("<![CDATA[KR-2000]]>", Written("Model"));
-}
-
-TEST_F(Disk, LosesTheFirstBlankOfAModelThatBeginsWithSome) {
-    Set(disk.Model, "  KR-2000  ");
-    EXPECT_EQ("<![CDATA[ KR-2000]]>", Written("Model"));
-}
-
-TEST_F(Disk, ShowsAModelThatFillsItsFieldToTheLastCharacter) {
-    Set(disk.Model, "K 34567890123456789012345678901234567890XXXX");
-    EXPECT_EQ("<![CDATA[34567890123456789012345678901234567890]]>", Written("Model"));
-}
-
-TEST_F(Disk, ShowsAModelOfBlanksAsEmpty) {
-    Set(disk.Model, std::string(40, ' '));
-    EXPECT_EQ("<![CDATA[]]>", Written("Model"));
-}
+INSTANTIATE_TEST_SUITE_P(Models, DiskModel, testing::ValuesIn(kModels),
+                         [](const auto& each) { return std::string(each.param.name); });
 
 TEST_F(Disk, ShowsSerialNumberAndFirmwareWithoutTrailingBlanksOnly) {
     Set(disk.SerialNo, "  S 1 2           ");

@@ -33,6 +33,12 @@ protected:
         XMLWR_Init(doc);
         doc->Depth = 1;
     }
+
+    std::string Written(const Adapter_Info& info) {
+        XML_RA_Adapter_Info(doc, "AdapterInfo", &info, 1);
+        return std::string(doc.Text());
+    }
+
     Document doc;
 };
 
@@ -164,108 +170,74 @@ TEST_F(Records, TheCallersRecordStaysAsItIs) {
 TEST_F(Records, AnAdapterWithoutPortsHasNoPortElement) {
     Adapter_Info info = DistinctAdapter();
     info.PortCount = 0;
-    XML_RA_Adapter_Info(doc, "AdapterInfo", &info, 1);
     EXPECT_EQ(std::string(kAdapterOpen) + "    <PortCount type=\"U8\">0</PortCount>\n" +
                   kAdapterLimits + kAdapterSerialNo + kAdapterClose,
-              doc.Text());
+              Written(info));
 }
-
-constexpr char kEightPorts[] =
-    "    <PortSasAddress0 type=\"U8\" width=\"8\">\n"
-    "      0 1 2 3 4 5 6 7\n"
-    "    </PortSasAddress0>\n"
-    "    <PortSasAddress1 type=\"U8\" width=\"8\">\n"
-    "      10 11 12 13 14 15 16 17\n"
-    "    </PortSasAddress1>\n"
-    "    <PortSasAddress2 type=\"U8\" width=\"8\">\n"
-    "      20 21 22 23 24 25 26 27\n"
-    "    </PortSasAddress2>\n"
-    "    <PortSasAddress3 type=\"U8\" width=\"8\">\n"
-    "      30 31 32 33 34 35 36 37\n"
-    "    </PortSasAddress3>\n"
-    "    <PortSasAddress4 type=\"U8\" width=\"8\">\n"
-    "      40 41 42 43 44 45 46 47\n"
-    "    </PortSasAddress4>\n"
-    "    <PortSasAddress5 type=\"U8\" width=\"8\">\n"
-    "      50 51 52 53 54 55 56 57\n"
-    "    </PortSasAddress5>\n"
-    "    <PortSasAddress6 type=\"U8\" width=\"8\">\n"
-    "      60 61 62 63 64 65 66 67\n"
-    "    </PortSasAddress6>\n"
-    "    <PortSasAddress7 type=\"U8\" width=\"8\">\n"
-    "      70 71 72 73 74 75 76 77\n"
-    "    </PortSasAddress7>\n";
 
 TEST_F(Records, AnAdapterWithEightPortsHasEightPortElements) {
     Adapter_Info info = DistinctAdapter();
     info.PortCount = 8;
-    XML_RA_Adapter_Info(doc, "AdapterInfo", &info, 1);
     EXPECT_EQ(std::string(kAdapterOpen) + "    <PortCount type=\"U8\">8</PortCount>\n" +
-                  kAdapterLimits + kAdapterSerialNo + kEightPorts + kAdapterClose,
-              doc.Text());
+                  kAdapterLimits + kAdapterSerialNo + kAdapterPorts + kAdapterOtherPorts +
+                  kAdapterClose,
+              Written(info));
 }
 
 TEST_F(Records, AnAdapterThatClaims255PortsShowsTheEightThatItsRecordHolds) {
     Adapter_Info info = DistinctAdapter();
     info.PortCount = 255;
-    XML_RA_Adapter_Info(doc, "AdapterInfo", &info, 1);
     EXPECT_EQ(std::string(kAdapterOpen) + "    <PortCount type=\"U8\">255</PortCount>\n" +
-                  kAdapterLimits + kAdapterSerialNo + kEightPorts + kAdapterClose,
-              doc.Text());
+                  kAdapterLimits + kAdapterSerialNo + kAdapterPorts + kAdapterOtherPorts +
+                  kAdapterClose,
+              Written(info));
 }
 
 TEST_F(Records, AnAddressOfZerosIsWrittenWithoutATrailingBlank) {
     Adapter_Info info = DistinctAdapter();
     std::memset(info.WWN, 0, sizeof info.WWN);
-    XML_RA_Adapter_Info(doc, "AdapterInfo", &info, 1);
     EXPECT_EQ(Replaced(kDistinctAdapterElement, "80 0 1 2 255 100 99 9\n", "0 0 0 0 0 0 0 0\n"),
-              doc.Text());
+              Written(info));
 }
 
 TEST_F(Records, DiskGroupSupportIsWrittenAs0Or1) {
     Adapter_Info info = DistinctAdapter();
     info.DiskGroupSupport = 0;
-    XML_RA_Adapter_Info(doc, "AdapterInfo", &info, 1);
     EXPECT_EQ(Replaced(kDistinctAdapterElement, "<DiskGroupSupport type=\"BOOL\">1",
                        "<DiskGroupSupport type=\"BOOL\">0"),
-              doc.Text());
+              Written(info));
 }
 
 TEST_F(Records, OtherTruthValuesAreWrittenAsTheyStand) {
     Adapter_Info info = DistinctAdapter();
     info.AlarmSupport = 255;
-    XML_RA_Adapter_Info(doc, "AdapterInfo", &info, 1);
     EXPECT_EQ(Replaced(kDistinctAdapterElement, "<AlarmSupport type=\"BOOL\">1",
                        "<AlarmSupport type=\"BOOL\">255"),
-              doc.Text());
+              Written(info));
 }
 
 TEST_F(Records, ASerialNumberThatBeginsWith0IsEmpty) {
     Adapter_Info info = DistinctAdapter();
     std::memcpy(info.SerialNo, "01234567890123456789", 20);
-    XML_RA_Adapter_Info(doc, "AdapterInfo", &info, 1);
-    EXPECT_EQ(Replaced(kDistinctAdapterElement, "SN 12345", ""), doc.Text());
+    EXPECT_EQ(Replaced(kDistinctAdapterElement, "SN 12345", ""), Written(info));
 }
 
 TEST_F(Records, AnEmptySerialNumberIsEmpty) {
     Adapter_Info info = DistinctAdapter();
     std::memset(info.SerialNo, 0, 20);
-    XML_RA_Adapter_Info(doc, "AdapterInfo", &info, 1);
-    EXPECT_EQ(Replaced(kDistinctAdapterElement, "SN 12345", ""), doc.Text());
+    EXPECT_EQ(Replaced(kDistinctAdapterElement, "SN 12345", ""), Written(info));
 }
 
 TEST_F(Records, ASerialNumberThatFillsItsFieldIsWrittenWhole) {
     Adapter_Info info = DistinctAdapter();
     std::memcpy(info.SerialNo, "12345678901234567890", 20);
-    XML_RA_Adapter_Info(doc, "AdapterInfo", &info, 1);
-    EXPECT_EQ(Replaced(kDistinctAdapterElement, "SN 12345", "12345678901234567890"), doc.Text());
+    EXPECT_EQ(Replaced(kDistinctAdapterElement, "SN 12345", "12345678901234567890"), Written(info));
 }
 
 TEST_F(Records, ASerialNumberEndsAtItsNul) {
     Adapter_Info info = DistinctAdapter();
     std::memcpy(info.SerialNo, "1 <&>\0hidden\0\0\0\0\0\0\0\0", 20);
-    XML_RA_Adapter_Info(doc, "AdapterInfo", &info, 1);
-    EXPECT_EQ(Replaced(kDistinctAdapterElement, "SN 12345", "1 <&>"), doc.Text());
+    EXPECT_EQ(Replaced(kDistinctAdapterElement, "SN 12345", "1 <&>"), Written(info));
 }
 
 // ---- the serial number's text ------------------------------------------------------------------
