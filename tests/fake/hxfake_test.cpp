@@ -4,6 +4,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <iterator>
+#include <ostream>
+#include <string>
+#include <vector>
+
 namespace {
 
 using testing::ElementsAre;
@@ -285,7 +291,24 @@ TEST_F(HxFakeWriter, CanClaimAFullerPageThanItWrites) {
 
 // ---- A whole list ----
 
-class HxFakeList : public HxFake {
+// What is asked for, and the page that comes.
+struct ListCase {
+    const char* name;
+    HX_U16 start;
+    HX_U16 wanted;
+    HX_U16 next;
+    std::vector<HX_U16> ids;
+};
+void PrintTo(const ListCase& each, std::ostream* out) { *out << each.name; }
+
+const ListCase kLists[] = {
+    {"IsCutAtThePageLimit", 0, 8, 3, {20, 21, 22}},
+    {"IsCutAtTheNumberAskedFor", 1, 2, 3, {21, 22}},
+    {"IsCompleteWithTheLastRecord", 3, 2, 65535, {23, 24}},
+    {"IsEmptyBeyondItsEnd", 6, 8, 65535, {}},
+};
+
+class HxFakeList : public HxFake, public testing::WithParamInterface<ListCase> {
 protected:
     void SetUp() override {
         HxFake::SetUp();
@@ -296,38 +319,19 @@ protected:
     }
 };
 
-TEST_F(HxFakeList, IsCutAtThePageLimit) {
-    LdStatusPage page = PageFrom(0, 8);
+TEST_P(HxFakeList, ComesInPages) {
+    const ListCase& list = GetParam();
+    LdStatusPage page = PageFrom(list.start, list.wanted);
     EXPECT_EQ(0, GetStatus(page));
-    EXPECT_EQ(3, page.header.numReturned);
-    EXPECT_EQ(3, page.header.nextStartingIndex);
-    EXPECT_EQ(22, page.items[2].LDID);
+    EXPECT_EQ(list.ids.size(), page.header.numReturned);
+    EXPECT_EQ(list.next, page.header.nextStartingIndex);
+    for (std::size_t i = 0; i < std::size(page.items); ++i) {
+        EXPECT_EQ(i < list.ids.size() ? list.ids[i] : 0, page.items[i].LDID) << i;
+    }
 }
 
-TEST_F(HxFakeList, IsCutAtTheNumberAskedFor) {
-    LdStatusPage page = PageFrom(1, 2);
-    GetStatus(page);
-    EXPECT_EQ(2, page.header.numReturned);
-    EXPECT_EQ(3, page.header.nextStartingIndex);
-    EXPECT_EQ(21, page.items[0].LDID);
-    EXPECT_EQ(22, page.items[1].LDID);
-    EXPECT_EQ(0, page.items[2].LDID);
-}
-
-TEST_F(HxFakeList, IsCompleteWithTheLastRecord) {
-    LdStatusPage page = PageFrom(3, 2);
-    GetStatus(page);
-    EXPECT_EQ(2, page.header.numReturned);
-    EXPECT_EQ(65535, page.header.nextStartingIndex);
-    EXPECT_EQ(24, page.items[1].LDID);
-}
-
-TEST_F(HxFakeList, IsEmptyBeyondItsEnd) {
-    LdStatusPage page = PageFrom(6, 8);
-    GetStatus(page);
-    EXPECT_EQ(0, page.header.numReturned);
-    EXPECT_EQ(65535, page.header.nextStartingIndex);
-}
+INSTANTIATE_TEST_SUITE_P(Pages, HxFakeList, testing::ValuesIn(kLists),
+                         [](const auto& each) { return std::string(each.param.name); });
 
 // ---- Events ----
 
