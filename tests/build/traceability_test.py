@@ -17,6 +17,7 @@ import sys
 import readback
 
 LIST = "tests/traceability.md"
+THREATS = "docs/reliability.md"  # its first table names tests, too
 
 # The documents whose every sentence is quoted, and where each ends that is not read as a whole.
 DOCUMENTS = {
@@ -132,8 +133,27 @@ def complaints_about(tree, documents):
     return complaints
 
 
+def complaints_about_table(tree, name, text):
+    """About the tests that the first table of a page names, one row a threat."""
+    complaints = []
+    rows = re.findall(r"^\|(?! ?from outside|-)(.*)\|$", text.split("## What is not protected")[0],
+                      flags=re.MULTILINE)
+    for row in rows:
+        items = re.findall(r"`([^`]+: [^`]+)`", row)
+        where = f"{name}: {row.split('|')[0].strip()}"
+        if not items:
+            complaints.append(f"{where} has no test")
+        for item in items:
+            wrong = complaint_about_item(tree, item)
+            if wrong:
+                complaints.append(f"{where} {wrong}")
+    return complaints if rows else [f"{name} has no table of tests"]
+
+
 def read_back(arguments):
-    return complaints_about(pathlib.Path(arguments[0]), DOCUMENTS)
+    tree = pathlib.Path(arguments[0])
+    return complaints_about(tree, DOCUMENTS) + complaints_about_table(
+        tree, THREATS, (tree / THREATS).read_text())
 
 
 def self_check(workshop):
@@ -162,6 +182,14 @@ def self_check(workshop):
     yield "a file that is gone", complaints(whole.replace("a_test", "b_test")), "names no file"
     yield "no test", complaints(whole.replace("- none: why\n", "")), "has no test"
     yield "no reason", complaints(whole.replace("none: why", "none: ")), "gives no reason"
+    def of_row(row):
+        page = f"| from outside | tests |\n|---|---|\n{row}\n\n## What is not protected\n"
+        return complaints_about_table(tree, "page", page)
+
+    yield "a threat with its test", of_row("| command | `a_test.cpp: Suite.Name` |"), None
+    yield "a threat without a test", of_row("| command | none |"), "page: command has no test"
+    yield ("a threat whose test is gone", of_row("| command | `a_test.cpp: Suite.Gone` |"),
+           "page: command names a test")
     yield "a document that is none", complaints(whole + "\n## x.h\n\n> It is\n- none: why\n"), "x.h"
 
 

@@ -18,7 +18,7 @@ its field 0 or empty. Attributes of children are not looked at, and an unknown c
 
 | kind | what the child holds |
 |---|---|
-| number, 8/16/32/64 bits | the first decimal number in the text; a larger one is cut to its low bits |
+| number, 8/16/32/64 bits | the first decimal number in the text; of a larger one the low bits; one that does not fit 32 bits (64 for a number of 64) counts as the largest that does |
 | n numbers | up to n decimal numbers, separated by anything that is no digit; the rest of the array stays 0 |
 | text, n characters | the text; a longer one is cut to n |
 | whole text, n characters | the text; a longer one is refused as a whole |
