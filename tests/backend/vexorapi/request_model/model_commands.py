@@ -309,7 +309,7 @@ class Commands:
 
     def HX_API_Version(self):
         rng = self.rng
-        text = rng.choice((b"1.2.0", b"", b"v" * 126, b"v" * 127, b"v" * 300, b"<&>",
+        text = rng.choice((b"7.5.3", b"", b"v" * 126, b"v" * 127, b"v" * 300, b"<&>",
                            bytes(rng.randrange(1, 256) for _ in range(20))))
         return [("HX_API_Version", 0, [text] if rng.random() < 0.9 else [])]
 
