@@ -13,8 +13,17 @@
 namespace hxsim {
 namespace {
 
-// The event of a virtual disk that has come to a state.
-EventKind EventOf(State state) {
+bool MissesDisk(const Adapter& adapter, HX_U16 virtual_disk) {
+    return std::ranges::any_of(adapter.blocks, [&](const Block& block) {
+        if (block.virtual_disk != virtual_disk || block.target) return false;
+        const Disk* const disk = Find(adapter.disks, block.disk);
+        return disk == nullptr || !disk->present;
+    });
+}
+
+}  // namespace
+
+EventKind EventOfState(State state) {
     switch (state) {
         case State::kOffline:
             return EventKind::kVirtualDiskOffline;
@@ -29,16 +38,6 @@ EventKind EventOf(State state) {
     }
     return EventKind::kVirtualDiskOnline;
 }
-
-bool MissesDisk(const Adapter& adapter, HX_U16 virtual_disk) {
-    return std::ranges::any_of(adapter.blocks, [&](const Block& block) {
-        if (block.virtual_disk != virtual_disk || block.target) return false;
-        const Disk* const disk = Find(adapter.disks, block.disk);
-        return disk == nullptr || !disk->present;
-    });
-}
-
-}  // namespace
 
 bool LetBlocksFallOutOfDate(Settling& settling) {
     Adapter& adapter = settling.adapter;
@@ -82,7 +81,7 @@ bool AnnounceStates(Settling& settling) {
         if (state == State::kForeign) continue;
         // The import has announced a foreign one.
         if (before == State::kForeign && state == State::kOptimal) continue;
-        Queue(adapter, settling.now, EventOf(state), each.id);
+        Queue(adapter, settling.now, EventOfState(state), each.id);
         if (state < before) continue;
         settling.losses.insert(each.id);
         settling.new_alarm_cause = settling.new_alarm_cause || CausesAlarm(state);

@@ -1,9 +1,13 @@
 // The states of virtual disks and disk groups as disks are lost and come back.
 #pragma once
 
+#include "model/hxsim_codes.h"
 #include "rules/hxsim_settling.h"
 
 namespace hxsim {
+
+/// The event that tells that a virtual disk has come to a state.
+EventKind EventOfState(State state);
 
 /// Settling rule: writes go on without the disks that are not ready, so their blocks fall out of
 /// date. Nothing is written any more once the virtual disk is offline.

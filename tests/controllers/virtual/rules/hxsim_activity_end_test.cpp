@@ -18,42 +18,34 @@ namespace {
 
 using testing::ElementsAre;
 
-using ConsistencyCheck = StoryTest;
+class ConsistencyCheck : public StoryTest {
+protected:
+    // The events with which a check of virtual disk 0 ends that meets so many errors.
+    std::vector<std::string> EndOf(CheckType type, HX_U32 errors) {
+        const HX_U16 id = AddRaid5();
+        virtual_disk(id).errors = errors;
+        EXPECT_EQ(0, CheckConsistency(0, id, type));
+        At(99);
+        TakeEvents();
+        At(100);
+        return TakeEvents();
+    }
+};
 using MediaPatrol = StoryTest;
 using DataScrub = StoryTest;
 
 TEST_F(ConsistencyCheck, FindsWhatDisagrees) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    virtual_disk(id).errors = 3;
-    EXPECT_EQ(0, CheckConsistency(0, id, CheckType::kOnly));
-    At(99);
-    TakeEvents();
-    At(100);
-    EXPECT_THAT(TakeEvents(), ElementsAre("100 1.8 0 3", "100 1.25 0"));
-    EXPECT_EQ(3u, virtual_disk(id).errors);
+    EXPECT_THAT(EndOf(CheckType::kOnly, 3), ElementsAre("100 1.8 0 3", "100 1.25 0"));
+    EXPECT_EQ(3u, virtual_disk(0).errors);
 }
 
 TEST_F(ConsistencyCheck, ThatFixesLeavesNothingThatDisagrees) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    virtual_disk(id).errors = 3;
-    EXPECT_EQ(0, CheckConsistency(0, id, CheckType::kAndFix));
-    At(99);
-    TakeEvents();
-    At(100);
-    EXPECT_THAT(TakeEvents(), ElementsAre("100 1.7 0 3", "100 1.35 0"));
-    EXPECT_EQ(0u, virtual_disk(id).errors);
+    EXPECT_THAT(EndOf(CheckType::kAndFix, 3), ElementsAre("100 1.7 0 3", "100 1.35 0"));
+    EXPECT_EQ(0u, virtual_disk(0).errors);
 }
 
 TEST_F(ConsistencyCheck, SaysNothingWhenAllAgrees) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    EXPECT_EQ(0, CheckConsistency(0, id, CheckType::kOnly));
-    At(99);
-    TakeEvents();
-    At(100);
-    EXPECT_THAT(TakeEvents(), ElementsAre("100 1.25 0"));
+    EXPECT_THAT(EndOf(CheckType::kOnly, 0), ElementsAre("100 1.25 0"));
 }
 
 TEST_F(ConsistencyCheck, IsRefusedWithAReason) {
@@ -70,8 +62,7 @@ TEST_F(ConsistencyCheck, IsRefusedWithAReason) {
 }
 
 TEST_F(ConsistencyCheck, RemapsTheDamageThatItMeets) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 id = AddRaid5();
     adapter().remaps.push_back({1, kHundredSeconds - 1, 1, kNotRemapped});
     adapter().remaps.push_back({1, kHundredSeconds, 1, kNotRemapped});
     EXPECT_EQ(0, CheckConsistency(0, id, CheckType::kOnly));
@@ -111,9 +102,7 @@ TEST_F(MediaPatrol, LeavesDamagedWhatTheDiskHasNoRoomFor) {
 }
 
 TEST_F(MediaPatrol, MakesWayForARebuildAndGoesOnAfterIt) {
-    AddDisks(4);
-    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
+    AddRaid5AndSpare();
     EXPECT_EQ(0, Patrol(0, 0));
     EXPECT_EQ(0, Patrol(0, 3));
     Fail(10, 1);

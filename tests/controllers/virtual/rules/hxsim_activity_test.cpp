@@ -14,8 +14,7 @@ namespace {
 using RunningActivity = StoryTest;
 
 TEST_F(RunningActivity, GoesOnAtTheNewSpeedWhenTheRateIsSet) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 id = AddRaid5();
     Initialise(0, id, hxcodes::Init::kForeground);
     const Time now = At(50);
     adapter().config.InitRate = 25;

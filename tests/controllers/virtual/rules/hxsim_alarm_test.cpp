@@ -13,8 +13,7 @@ namespace {
 using Alarm = StoryTest;
 
 TEST_F(Alarm, StaysMutedWhenOneOfTwoLostDisksIsBack) {
-    AddDisks(3);
-    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    AddRaid5();
     PullOut(10, 0);
     PullOut(20, 1);
     adapter().muted = true;
@@ -24,9 +23,7 @@ TEST_F(Alarm, StaysMutedWhenOneOfTwoLostDisksIsBack) {
 }
 
 TEST_F(Alarm, SoundsWhileAVirtualDiskIsDegraded) {
-    AddDisks(4);
-    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
+    AddRaid5AndSpare();
     Fail(0, 1);
     EXPECT_TRUE(adapter().alarm);
     At(100);
@@ -34,8 +31,7 @@ TEST_F(Alarm, SoundsWhileAVirtualDiskIsDegraded) {
 }
 
 TEST_F(Alarm, OnceMutedIsSilentUntilTheNextCause) {
-    AddDisks(3);
-    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    AddRaid5();
     Fail(0, 1);
     adapter().muted = true;
     Settle(adapter(), At(10));
@@ -45,8 +41,7 @@ TEST_F(Alarm, OnceMutedIsSilentUntilTheNextCause) {
 }
 
 TEST_F(Alarm, IsSilentWhenItIsOffOrNotThere) {
-    AddDisks(3);
-    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    AddRaid5();
     adapter().config.AlarmOn = 0;
     Fail(0, 1);
     EXPECT_FALSE(adapter().alarm);

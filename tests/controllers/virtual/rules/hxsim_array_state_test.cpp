@@ -25,8 +25,7 @@ TEST_F(ArrayState, OfARaid0IsOnlineAgainWithItsDisks) {
 }
 
 TEST_F(ArrayState, IsNotAnnouncedBesideAnImport) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 id = AddRaid5();
     virtual_disk(id).foreign = true;
     virtual_disk(id).state = hxcodes::State::kForeign;
     for (HX_U16 i = 0; i < 3; ++i) disk(i).foreign = true;

@@ -20,17 +20,7 @@ using testing::IsEmpty;
 
 constexpr Time kMinute = 60'000, kHour = 60 * kMinute;
 
-class BatteryRules : public MixedMachineTest {
-protected:
-    BBU_Info At(Time time) {
-        while (true) {
-            const Time due = NextTransition(battery());
-            if (due > time) break;
-            AdvanceBattery(adapter(), due);
-        }
-        return Describe(battery(), time);
-    }
-};
+using BatteryRules = BatteryTest;
 
 // ---- Charge ----
 

@@ -14,15 +14,19 @@ namespace {
 
 using testing::ElementsAre;
 
-using Copyback = StoryTest;
+class Copyback : public StoryTest {
+protected:
+    // Disk 1 fails and is replaced at second 200, when the spare has taken its place.
+    void StartCopyback() {
+        Fail(0, 1);
+        Replace(200, 1);
+        TakeEvents();
+    }
+};
 
 TEST_F(Copyback, ReturnsToTheReplacedDiskAndTheSpareIsOneAgain) {
-    AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
-    Fail(0, 1);
-    At(150);
-    TakeEvents();
+    const HX_U16 id = AddRaid5AndSpare();
+    RebuildOnSpare();
     Replace(200, 1);
     ExpectSound();
     At(500);
@@ -38,13 +42,9 @@ TEST_F(Copyback, ReturnsToTheReplacedDiskAndTheSpareIsOneAgain) {
 }
 
 TEST_F(Copyback, DoesNotComeWhenItIsOff) {
-    AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
+    const HX_U16 id = AddRaid5AndSpare();
     adapter().config.CopyBack = 0;
-    Fail(0, 1);
-    At(150);
-    TakeEvents();
+    RebuildOnSpare();
     Replace(200, 1);
     At(500);
     EXPECT_THAT(TakeEvents(), ElementsAre("200 2.1 1"));
@@ -54,16 +54,9 @@ TEST_F(Copyback, DoesNotComeWhenItIsOff) {
 }
 
 TEST_F(Copyback, ThatIsAbortedIsNotTriedAgain) {
-    AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
-    Fail(0, 1);
-    Replace(200, 1);
-    TakeEvents();
-    EXPECT_EQ(0, Call(210, [&](Adapter& adapter, Time now) {
-                  return Control(adapter, now, Owner::kVirtualDisk, id,
-                                 NumberOf(ControlAction::kAbort));
-              }));
+    const HX_U16 id = AddRaid5AndSpare();
+    StartCopyback();
+    EXPECT_EQ(0, Steer(210, id, ControlAction::kAbort));
     At(500);
     EXPECT_THAT(TakeEvents(), ElementsAre("210 1.94 0"));
     EXPECT_EQ(3, block(id, 1)->disk);
@@ -71,36 +64,24 @@ TEST_F(Copyback, ThatIsAbortedIsNotTriedAgain) {
 }
 
 TEST_F(Copyback, ThatLosesItsSourceBecomesARebuild) {
-    AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
-    Fail(0, 1);
-    Replace(200, 1);
-    TakeEvents();
+    const HX_U16 id = AddRaid5AndSpare();
+    StartCopyback();
     Fail(210, 3);
     EXPECT_THAT(TakeEvents(), ElementsAre("210 2.2 3", "210 1.4 0", "210 1.97 0", "210 1.70 0"));
     EXPECT_EQ(1, block(id, 1)->disk);
 }
 
 TEST_F(Copyback, ThatLosesItsDestinationFailsAndNothingIsLost) {
-    AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
-    Fail(0, 1);
-    Replace(200, 1);
-    TakeEvents();
+    const HX_U16 id = AddRaid5AndSpare();
+    StartCopyback();
     PullOut(210, 1);
     EXPECT_THAT(TakeEvents(), ElementsAre("210 2.0 1", "210 1.97 0"));
     EXPECT_EQ(State::kOptimal, virtual_disk(id).state);
 }
 
 TEST_F(Copyback, DoesNotComeToADiskThatIsTooSmallWhichIsTold) {
-    AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
-    Fail(0, 1);
-    At(150);
-    TakeEvents();
+    const HX_U16 id = AddRaid5AndSpare();
+    RebuildOnSpare();
     Replace(200, 1, kHundredSeconds - 1);
     At(500);
     EXPECT_THAT(TakeEvents(), ElementsAre("200 2.1 1", "200 12.21 1"));
@@ -111,9 +92,7 @@ TEST_F(Copyback, DoesNotComeToADiskThatIsTooSmallWhichIsTold) {
 }
 
 TEST_F(Copyback, ToADiskThatIsTooSmallIsToldOfAtTheEndOfTheRebuild) {
-    AddDisks(4);
-    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
+    AddRaid5AndSpare();
     Fail(0, 1);
     Replace(90, 1, kHundredSeconds - 1);
     TakeEvents();
@@ -122,11 +101,7 @@ TEST_F(Copyback, ToADiskThatIsTooSmallIsToldOfAtTheEndOfTheRebuild) {
 }
 
 TEST_F(Copyback, OfADiskGroupToADiskThatIsTooSmallIsToldOfOnce) {
-    AddDisks(4);
-    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
-    AddVirtualDiskTo(group);
-    AddVirtualDiskTo(group, kHundredSeconds / 2);
-    SetGroupSpare(3, group);
+    AddGroupAndSpare();
     Fail(0, 1);
     Replace(40, 1, 2 * kHundredSeconds - 1);
     At(80);
@@ -137,36 +112,26 @@ TEST_F(Copyback, OfADiskGroupToADiskThatIsTooSmallIsToldOfOnce) {
 }
 
 TEST_F(Copyback, ThatIsOffTellsOfNoSmallDisk) {
-    AddDisks(4);
-    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
-    Fail(0, 1);
-    At(150);
+    AddRaid5AndSpare();
+    RebuildOnSpare();
     adapter().config.CopyBack = 0;
-    TakeEvents();
     Replace(200, 1, kHundredSeconds - 1);
     EXPECT_THAT(TakeEvents(), ElementsAre("200 2.1 1"));
 }
 
 TEST_F(Copyback, MovesAllVirtualDisksOfADiskGroupTogether) {
-    AddDisks(4);
-    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
-    const HX_U16 first = AddVirtualDiskTo(group);
-    const HX_U16 second = AddVirtualDiskTo(group, kHundredSeconds / 2);
-    SetGroupSpare(3, group);
-    Fail(0, 1);
-    At(150);
-    TakeEvents();
+    const GroupOfTwo made = AddGroupAndSpare();
+    RebuildOnSpare();
     Replace(200, 1);
     ExpectSound();
     At(349);
-    EXPECT_EQ(3, block(first, 1)->disk);
+    EXPECT_EQ(3, block(made.first, 1)->disk);
     At(350);
-    EXPECT_EQ(1, block(first, 1)->disk);
-    EXPECT_EQ(1, block(second, 1)->disk);
+    EXPECT_EQ(1, block(made.first, 1)->disk);
+    EXPECT_EQ(1, block(made.second, 1)->disk);
     EXPECT_EQ(1, adapter().homes[1].disk);
     EXPECT_EQ(Spare::kGroup, disk(3).spare);
-    EXPECT_EQ(group, disk(3).spare_group);
+    EXPECT_EQ(made.group, disk(3).spare_group);
 }
 
 }  // namespace

@@ -19,9 +19,7 @@ using HotSpares = StoryTest;
 using HotSpareOfADiskGroup = StoryTest;
 
 TEST_F(HotSpare, StepsInAndTheVirtualDiskIsOptimalAgain) {
-    AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
+    const HX_U16 id = AddRaid5AndSpare();
     Fail(10, 1);
     ExpectSound();
     At(500);
@@ -41,9 +39,7 @@ TEST_F(HotSpare, StepsInAndTheVirtualDiskIsOptimalAgain) {
 }
 
 TEST_F(HotSpare, WaitsWhenAutoRebuildIsOff) {
-    AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
+    const HX_U16 id = AddRaid5AndSpare();
     adapter().config.AutoRebuildOn = 0;
     Fail(10, 1);
     At(500);
@@ -52,9 +48,7 @@ TEST_F(HotSpare, WaitsWhenAutoRebuildIsOff) {
 }
 
 TEST_F(HotSpare, WaitsForAVirtualDiskThatWantsNone) {
-    AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
+    const HX_U16 id = AddRaid5AndSpare();
     virtual_disk(id).auto_rebuild = false;
     Fail(10, 1);
     EXPECT_THAT(TakeEvents(), ElementsAre("10 2.2 1", "10 1.4 0"));
@@ -82,8 +76,7 @@ TEST_F(HotSpare, ServesEveryVirtualDiskThatHasLostTheSameDisk) {
 }
 
 TEST_F(HotSpares, TheSmallestThatIsLargeEnoughStepsIn) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 id = AddRaid5();
     SetGlobalSpare(AddDisk(kHundredSeconds - 1));
     SetGlobalSpare(AddDisk(3 * kHundredSeconds));
     SetGlobalSpare(AddDisk(kHundredSeconds));
@@ -93,8 +86,7 @@ TEST_F(HotSpares, TheSmallestThatIsLargeEnoughStepsIn) {
 }
 
 TEST_F(HotSpares, OneThatIsTooSmallIsToldOfOnce) {
-    AddDisks(3);
-    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    AddRaid5();
     SetGlobalSpare(AddDisk(kHundredSeconds - 1));
     Fail(10, 0);
     Settle(adapter(), At(20));
@@ -121,14 +113,10 @@ TEST_F(HotSpares, OfADiskGroupServeNothingElse) {
 }
 
 TEST_F(HotSpareOfADiskGroup, ASpareStepsInForAllVirtualDisksAtOnce) {
-    AddDisks(4);
-    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
-    const HX_U16 first = AddVirtualDiskTo(group);
-    const HX_U16 second = AddVirtualDiskTo(group, kHundredSeconds / 2);
-    SetGroupSpare(3, group);
+    const GroupOfTwo made = AddGroupAndSpare();
     Fail(0, 1);
-    EXPECT_EQ(0U, block(first, 1)->start);
-    EXPECT_EQ(kHundredSeconds, block(second, 1)->start);
+    EXPECT_EQ(0U, block(made.first, 1)->start);
+    EXPECT_EQ(kHundredSeconds, block(made.second, 1)->start);
     EXPECT_EQ(3, adapter().homes[1].disk);
     ExpectSound();
     At(500);
@@ -141,14 +129,8 @@ TEST_F(HotSpareOfADiskGroup, ASpareStepsInForAllVirtualDisksAtOnce) {
 }
 
 TEST_F(HotSpareOfADiskGroup, NoSpareStepsInBeforeEveryVirtualDiskCanBeRebuilt) {
-    AddDisks(4);
-    const HX_U16 group = AddGroup(Level::kRaid5, {0, 1, 2});
-    const HX_U16 first = AddVirtualDiskTo(group);
-    AddVirtualDiskTo(group, kHundredSeconds / 2);
-    SetGroupSpare(3, group);
-    ASSERT_EQ(0, Call(0, [&](Adapter& adapter, Time now) {
-                  return StartInitialisation(adapter, now, first, NumberOf(Init::kForeground));
-              }));
+    const GroupOfTwo made = AddGroupAndSpare();
+    ASSERT_EQ(0, Initialise(0, made.first, Init::kForeground));
     Fail(10, 1);
     EXPECT_EQ(Spare::kGroup, disk(3).spare);
     At(100);

@@ -18,8 +18,7 @@ using RebuildAfterADoubleFailure = StoryTest;
 using RebuildOfADiskPutBack = StoryTest;
 
 TEST_F(RebuildAfterADoubleFailure, OnRaid5TakesItOffline) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 id = AddRaid5();
     Fail(10, 1);
     Fail(20, 2);
     EXPECT_THAT(TakeEvents(), ElementsAre("10 2.2 1", "10 1.4 0", "20 2.2 2", "20 1.0 0"));
@@ -27,9 +26,7 @@ TEST_F(RebuildAfterADoubleFailure, OnRaid5TakesItOffline) {
 }
 
 TEST_F(RebuildAfterADoubleFailure, OnRaid5EndsTheRebuildWithAnError) {
-    AddDisks(4);
-    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
+    AddRaid5AndSpare();
     Fail(10, 1);
     TakeEvents();
     Fail(20, 2);
@@ -73,9 +70,7 @@ TEST_F(RebuildAfterADoubleFailure, OnRaid6WhileOneIsRebuiltIsRebuiltNext) {
 }
 
 TEST_F(RebuildAfterADoubleFailure, ThatHasEndedTheRebuildLetsItBeginAnewWhenTheOtherDiskIsBack) {
-    AddDisks(4);
-    AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
+    AddRaid5AndSpare();
     Fail(10, 1);
     PullOut(20, 0);
     TakeEvents();
@@ -109,8 +104,7 @@ TEST_F(RebuildAfterADoubleFailure, OfBothHalvesOfOneMirrorTakesRaid10Offline) {
 }
 
 TEST_F(RebuildOfADiskPutBack, IsRebuiltWhereItWasSinceWritesHavePassedItBy) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 id = AddRaid5();
     PullOut(10, 1);
     PutBack(20, 1);
     At(500);
@@ -122,8 +116,7 @@ TEST_F(RebuildOfADiskPutBack, IsRebuiltWhereItWasSinceWritesHavePassedItBy) {
 }
 
 TEST_F(RebuildOfADiskPutBack, OfTwoBringsRaid5BackAsFarAsTheLaterOneGoes) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 id = AddRaid5();
     PullOut(10, 1);
     PullOut(20, 2);
     PutBack(30, 1);

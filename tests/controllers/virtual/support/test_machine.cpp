@@ -17,6 +17,7 @@
 #include "model/hxsim_home.h"
 #include "model/hxsim_invariants.h"
 #include "model/hxsim_space.h"
+#include "rules/hxsim_battery.h"
 #include "rules/hxsim_migration.h"
 #include "store/hxsim_table_rows.h"
 
@@ -436,6 +437,41 @@ MixedMachineTest::MixedMachineTest() {
 
 void StoryTest::AddDisks(unsigned count, Sectors usable) {
     for (unsigned i = 0; i < count; ++i) AddDisk(usable);
+}
+
+BBU_Info BatteryTest::At(Time time) {
+    for (Time due = NextTransition(battery()); due <= time; due = NextTransition(battery())) {
+        AdvanceBattery(adapter(), due);
+    }
+    return Describe(battery(), time);
+}
+
+HX_U16 StoryTest::AddRaid5() {
+    AddDisks(3);
+    return AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+}
+
+HX_U16 StoryTest::AddRaid5AndSpare() {
+    const HX_U16 id = AddRaid5();
+    AddDisks(1);
+    SetGlobalSpare(3);
+    return id;
+}
+
+StoryTest::GroupOfTwo StoryTest::AddGroupAndSpare() {
+    AddDisks(4);
+    GroupOfTwo made{};
+    made.group = AddGroup(Level::kRaid5, {0, 1, 2});
+    made.first = AddVirtualDiskTo(made.group);
+    made.second = AddVirtualDiskTo(made.group, kHundredSeconds / 2);
+    SetGroupSpare(3, made.group);
+    return made;
+}
+
+void StoryTest::RebuildOnSpare() {
+    Fail(0, 1);
+    At(150);
+    TakeEvents();
 }
 
 }  // namespace hxsim

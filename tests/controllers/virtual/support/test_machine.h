@@ -191,6 +191,22 @@ protected:
     /// A story's end has nothing left to settle.
     void TearDown() override { ExpectSound(); }
     void AddDisks(unsigned count, Sectors usable = 2 * kHundredSeconds);
+
+    /// Disks 0 to 2 with a virtual disk of RAID 5 over them. Returns its ID.
+    HX_U16 AddRaid5();
+    /// The same, and disk 3 as a global spare.
+    HX_U16 AddRaid5AndSpare();
+    /// A disk group of RAID 5 on disks 0 to 2, its two virtual disks, of which the second is half
+    /// as large as the first, and disk 3 as its spare.
+    struct GroupOfTwo {
+        HX_U16 group;
+        HX_U16 first;
+        HX_U16 second;
+    };
+    GroupOfTwo AddGroupAndSpare();
+
+    /// Disk 1 fails at second 0, and the spare has taken its place by second 150. Takes all events.
+    void RebuildOnSpare();
 };
 
 /// A test on a machine that has one of everything: the arrays of AddArrays, a free disk 6, disk 7
@@ -199,6 +215,13 @@ protected:
 class MixedMachineTest : public MachineTest {
 protected:
     MixedMachineTest();
+};
+
+/// A test of that machine's battery, which goes its own way with time.
+class BatteryTest : public MixedMachineTest {
+protected:
+    /// What the battery says at `time`, after all that has happened to it by then.
+    BBU_Info At(Time time);
 };
 
 }  // namespace hxsim
