@@ -1,12 +1,11 @@
 // A machine in a database's tables: made, read, and written where it has changed.
 #pragma once
 
-#include <cstddef>
-#include <tuple>
+#include <string>
+#include <vector>
 
 #include "model/hxsim_machine.h"
 #include "store/hxsim_sqlite.h"
-#include "store/hxsim_table_rows.h"
 
 namespace hxsim {
 
@@ -16,7 +15,7 @@ void MakeTables(const Connection& connection);
 /// The statements for the tables of one connection.
 class Tables {
 public:
-    explicit Tables(const Connection& connection) : connection_(connection) {}
+    explicit Tables(const Connection& connection);
 
     /// Reads the machine. Throws StoreError for an impossible value or a broken rule (Check). Runs
     /// within a transaction of the caller's, so that all is of one moment.
@@ -34,11 +33,8 @@ private:
         Statement put;
         Statement erase;
     };
-    static constexpr std::size_t kTables = 2 + std::tuple_size_v<decltype(kMachineTables)> +
-                                           std::tuple_size_v<decltype(kAdapterTables)>;
-
     const Connection& connection_;
-    Statements statements_[kTables];  // the machine's, the clock's, then as the tables stand
+    std::vector<Statements> statements_;  // in the order of MachineTables and AdapterTables
 
     friend class Loading;
     friend class Saving;

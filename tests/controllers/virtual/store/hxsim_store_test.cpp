@@ -19,6 +19,7 @@
 #include <ostream>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "codes/activity.h"
@@ -272,16 +273,21 @@ TEST_F(StateFile, IsReplacedAsAWholeForThoseWhoHaveItOpen) {
 
 // ---- Forks ----
 
-TEST_F(StateFile, IsOpenedAnewByAForkedChild) {
-    Make();
-    Store store(File(), DefaultMachine);
-    Locate(store, 1, true);
+// A forked child sees that disk 1 is located, and locates disk 2.
+void LocateInChild(Store& store) {
     EXPECT_EQ(InChild([&] {
                   const bool seen = IsLocated(store, 1);
                   Locate(store, 2, true);
                   return seen && IsLocated(store, 2) ? 0 : 1;
               }),
               0);
+}
+
+TEST_F(StateFile, IsOpenedAnewByAForkedChild) {
+    Make();
+    Store store(File(), DefaultMachine);
+    Locate(store, 1, true);
+    LocateInChild(store);
     EXPECT_TRUE(IsLocated(store, 2));
     Locate(store, 3, true);
     EXPECT_TRUE(IsLocated(store, 3));
@@ -331,12 +337,7 @@ TEST_F(StateFile, KeepsTheChangesOfAForkedChildWhoseParentIsGone) {
 TEST_F(StateFile, InMemoryGoesOnInAForkedChild) {
     Store store(":memory:", DefaultMachine);
     Locate(store, 1, true);
-    EXPECT_EQ(InChild([&] {
-                  const bool seen = IsLocated(store, 1);
-                  Locate(store, 2, true);
-                  return seen && IsLocated(store, 2) ? 0 : 1;
-              }),
-              0);
+    LocateInChild(store);
     EXPECT_FALSE(IsLocated(store, 2));
 }
 
@@ -389,16 +390,44 @@ TEST(VirtualTime, IsReachedAtARealTime) {
 
 // ---- Where it is ----
 
-class StatePathOf : public testing::Test {
-protected:
-    StatePathOf() {
+struct PathCase {
+    const char* name;
+    std::vector<std::pair<const char*, const char*>> environment;  // everything else is unset
+    const char* path;
+};
+void PrintTo(const PathCase& each, std::ostream* out) { *out << each.name; }
+
+const PathCase kPaths[] = {
+    {"AUserIsInItsHome",
+     {{"HOME", "/home/someone"}},
+     "/home/someone/.local/state/vexorapi/hxsim.db"},
+    {"AUserWithAStateFolderIsThere",
+     {{"HOME", "/home/someone"}, {"XDG_STATE_HOME", "/state"}},
+     "/state/vexorapi/hxsim.db"},
+    {"AStateFolderThatIsNotAbsoluteIsIgnored",
+     {{"HOME", "/home/someone"}, {"XDG_STATE_HOME", "state"}},
+     "/home/someone/.local/state/vexorapi/hxsim.db"},
+    {"ARootIsBelowIt",
+     {{"XDG_STATE_HOME", "/state"}, {"VEXORAPI_ROOT", "/prefix"}},
+     "/prefix/var/lib/vexorapi/hxsim.db"},
+    {"ANamedFileIsThatFile",
+     {{"VEXORAPI_ROOT", "/prefix"}, {"HXSIM_STATE", "/named.db"}},
+     "/named.db"},
+};
+
+// Unsets what says where the state file is, as long as it lives.
+class CleanEnvironment {
+public:
+    CleanEnvironment() {
         for (const char* name : {"HXSIM_STATE", "VEXORAPI_ROOT", "XDG_STATE_HOME", "HOME"}) {
             const char* const value = getenv(name);
             before_.emplace_back(name, value == nullptr ? "" : value);
             unsetenv(name);
         }
     }
-    ~StatePathOf() override {
+    CleanEnvironment(const CleanEnvironment&) = delete;
+    CleanEnvironment& operator=(const CleanEnvironment&) = delete;
+    ~CleanEnvironment() {
         for (const auto& [name, value] : before_) {
             if (value.empty()) {
                 unsetenv(name);
@@ -412,36 +441,19 @@ private:
     std::vector<std::pair<const char*, std::string>> before_;
 };
 
-TEST_F(StatePathOf, AUserIsInItsHome) {
-    setenv("HOME", "/home/someone", 1);
-    EXPECT_EQ(StatePath(), "/home/someone/.local/state/vexorapi/hxsim.db");
+class StatePathOf : public testing::TestWithParam<PathCase> {};
+
+TEST_P(StatePathOf, FollowsFromTheEnvironment) {
+    const CleanEnvironment clean;
+    for (const auto& [name, value] : GetParam().environment) setenv(name, value, 1);
+    EXPECT_EQ(StatePath(), GetParam().path);
 }
 
-TEST_F(StatePathOf, AUserWithAStateFolderIsThere) {
-    setenv("HOME", "/home/someone", 1);
-    setenv("XDG_STATE_HOME", "/state", 1);
-    EXPECT_EQ(StatePath(), "/state/vexorapi/hxsim.db");
-}
+INSTANTIATE_TEST_SUITE_P(Environments, StatePathOf, testing::ValuesIn(kPaths),
+                         [](const auto& each) { return std::string(each.param.name); });
 
-TEST_F(StatePathOf, AStateFolderThatIsNotAbsoluteIsIgnored) {
-    setenv("HOME", "/home/someone", 1);
-    setenv("XDG_STATE_HOME", "state", 1);
-    EXPECT_EQ(StatePath(), "/home/someone/.local/state/vexorapi/hxsim.db");
-}
-
-TEST_F(StatePathOf, ARootIsBelowIt) {
-    setenv("XDG_STATE_HOME", "/state", 1);
-    setenv("VEXORAPI_ROOT", "/prefix", 1);
-    EXPECT_EQ(StatePath(), "/prefix/var/lib/vexorapi/hxsim.db");
-}
-
-TEST_F(StatePathOf, ANamedFileIsThatFile) {
-    setenv("VEXORAPI_ROOT", "/prefix", 1);
-    setenv("HXSIM_STATE", "/named.db", 1);
-    EXPECT_EQ(StatePath(), "/named.db");
-}
-
-TEST_F(StatePathOf, AUserWithoutEnvironmentIsFoundInTheUserList) {
+TEST(StateFilePath, OfAUserWithoutEnvironmentIsFoundInTheUserList) {
+    const CleanEnvironment clean;
     EXPECT_THAT(StatePath(), testing::EndsWith("/.local/state/vexorapi/hxsim.db"));
 }
 

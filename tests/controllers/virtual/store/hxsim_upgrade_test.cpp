@@ -56,19 +56,24 @@ constexpr UpgradeStep kSteps[] = {
     {2, "INSERT INTO shelf VALUES ('grey')"},
 };
 
-TEST_F(StateFileVersion, IsTakenToTheWantedOneStepByStep) {
+class UpgradeByTwoSteps : public StateFileVersion {
+protected:
+    void ExpectUpgraded() {
+        Upgrade(connection_, "file", kSteps, 3);
+        EXPECT_EQ(Version(), 3);
+        EXPECT_EQ(connection_.Number("SELECT count(*) FROM shelf"), 1);
+    }
+};
+
+TEST_F(UpgradeByTwoSteps, TakesTheFirstVersionThroughBoth) {
     connection_.Execute("PRAGMA user_version = 1");
-    Upgrade(connection_, "file", kSteps, 3);
-    EXPECT_EQ(Version(), 3);
-    EXPECT_EQ(connection_.Number("SELECT count(*) FROM shelf"), 1);
+    ExpectUpgraded();
 }
 
-TEST_F(StateFileVersion, InTheMiddleOfTheStepsSkipsThoseBeforeIt) {
+TEST_F(UpgradeByTwoSteps, SkipsThoseBeforeTheVersion) {
     connection_.Execute("CREATE TABLE shelf (colour TEXT NOT NULL)");
     connection_.Execute("PRAGMA user_version = 2");
-    Upgrade(connection_, "file", kSteps, 3);
-    EXPECT_EQ(Version(), 3);
-    EXPECT_EQ(connection_.Number("SELECT count(*) FROM shelf"), 1);
+    ExpectUpgraded();
 }
 
 TEST_F(StateFileVersion, ThatIsWantedNeedsNoStep) {
