@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstddef>
 #include <iterator>
 #include <string>
 

@@ -17,7 +17,6 @@
 #include "model/hxsim_activity_row.h"
 #include "model/hxsim_disk_role.h"
 #include "model/hxsim_redundancy.h"
-#include "rules/hxsim_activity_end.h"
 #include "rules/hxsim_battery.h"
 
 namespace hxsimctl {

@@ -1,7 +1,6 @@
 #include "incident_commands.h"
 
 #include <memory>
-#include <utility>
 
 #include "common/number.h"
 #include "common/size.h"

@@ -12,7 +12,6 @@
 #include "model/hxsim_invariants.h"
 #include "show_machine.h"
 #include "topology/hxsim_topology.h"
-#include "topology/hxsim_topology_error.h"
 
 namespace hxsimctl {
 

@@ -1,7 +1,6 @@
 #include "scenario_reader.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "call_steps.h"

@@ -6,7 +6,6 @@
 #include <ostream>
 #include <string>
 
-#include "code_names.h"
 #include "codes/activity.h"
 #include "codes/battery.h"
 #include "codes/device.h"

@@ -8,8 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "hxraid.h"
-
 namespace hxsimctl {
 
 using Words = std::vector<std::string>;

@@ -4,7 +4,7 @@
 
 #include <map>
 
-#include "xml_rapi_functions.h"
+#include "xml_rapi_functions.h"  // IWYU pragma: keep: the rows of records that it describes
 #include "xml_vxapi_record_rows.h"
 
 namespace {

@@ -6,7 +6,6 @@
 
 #include "calls/hxmd_list_page.h"
 #include "calls/hxmd_session.h"
-#include "codes/activity.h"
 #include "codes/device.h"
 #include "codes/disk.h"
 #include "codes/status.h"

@@ -12,7 +12,6 @@
 #include <cstring>
 #include <limits>
 #include <tuple>
-#include <utility>
 #include <vector>
 
 #include "root_path.h"

@@ -3,10 +3,10 @@
 
 #include <algorithm>
 #include <string_view>
-#include <type_traits>
 #include <utility>
 
 #include "sysfs/hxmd_convert.h"
+#include "sysfs/hxmd_folder.h"
 
 namespace hxmd {
 namespace {

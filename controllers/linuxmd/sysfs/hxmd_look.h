@@ -5,7 +5,6 @@
 #include <string>
 
 #include "model/hxmd_machine.h"
-#include "sysfs/hxmd_folder.h"
 
 namespace hxmd {
 

@@ -2,8 +2,8 @@
 #include <string_view>
 
 #include "calls/hxsim_session.h"
+#include "codes/identity.h"
 #include "hxraid.h"
-#include "model/hxsim_codes.h"
 
 HX_U8 HX_API_Initialize() { return hxcodes::NumberOf(hxsim::Open()); }
 

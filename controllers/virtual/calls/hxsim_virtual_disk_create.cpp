@@ -14,7 +14,6 @@
 #include "model/hxsim_plan.h"
 #include "model/hxsim_redundancy.h"
 #include "model/hxsim_space.h"
-#include "model/hxsim_stripes.h"
 #include "model/hxsim_text.h"
 #include "rules/hxsim_activity.h"
 #include "rules/hxsim_event_queue.h"

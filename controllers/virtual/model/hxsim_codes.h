@@ -8,7 +8,6 @@
 #include "codes/enclosure.h"
 #include "codes/event.h"
 #include "codes/flash.h"
-#include "codes/identity.h"
 #include "codes/level.h"
 #include "codes/rate.h"
 #include "codes/state.h"

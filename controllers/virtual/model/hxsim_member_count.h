@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <type_traits>
-#include <utility>
 
 #include "model/hxsim_machine.h"
 

@@ -15,7 +15,6 @@
 #include "model/hxsim_plan.h"
 #include "model/hxsim_redundancy.h"
 #include "model/hxsim_space.h"
-#include "model/hxsim_stripes.h"
 #include "rules/hxsim_activity.h"
 #include "rules/hxsim_disk_write_cache.h"
 

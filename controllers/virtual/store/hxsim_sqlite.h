@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "sqlite/connection.h"
-#include "store/hxsim_store_error.h"
 
 namespace hxsim {
 

@@ -2,7 +2,6 @@
 #include "topology/hxsim_topology.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <iterator>
 
 #include "hxsim_topologies.h"

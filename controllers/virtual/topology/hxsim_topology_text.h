@@ -18,8 +18,8 @@
 #include <tuple>
 #include <vector>
 
+#include "codes/named.h"
 #include "hxraid.h"
-#include "model/hxsim_codes.h"
 
 namespace hxsim {
 

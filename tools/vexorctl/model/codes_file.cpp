@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "codes/named.h"
-#include "model/fault.h"
 
 namespace vexorctl {
 

@@ -10,7 +10,6 @@
 #include "common/read_file.h"
 #include "model/codes_file.h"
 #include "model/failure.h"
-#include "model/fault.h"
 #include "model/library_session.h"
 
 namespace vexorctl {

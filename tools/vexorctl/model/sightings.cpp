@@ -1,6 +1,5 @@
 #include "model/sightings.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "common/size.h"

@@ -1,7 +1,5 @@
 #include "nouns/find_object.h"
 
-#include <algorithm>
-
 #include "library_fields.h"
 #include "model/adapters.h"
 #include "model/ask_controller.h"

@@ -1,7 +1,6 @@
 #include "nouns/look_again.h"
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 #include <sstream>
 #include <string_view>

@@ -10,7 +10,6 @@
 #include "model/xml_text.h"
 #include "nouns/nouns.h"
 #include "nouns/raw_command.h"
-#include "output/cell.h"
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
 

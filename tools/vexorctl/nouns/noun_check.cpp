@@ -4,7 +4,6 @@
 #include <csignal>
 #include <ctime>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -15,7 +14,6 @@
 #include "conditions/hxc_look.h"
 #include "conditions/hxc_overview.h"
 #include "library_fields.h"
-#include "model/ask_controller.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/health_answers.h"

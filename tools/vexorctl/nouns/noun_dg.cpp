@@ -1,6 +1,5 @@
 // vexorctl dg ...
 #include <algorithm>
-#include <map>
 #include <utility>
 
 #include "codes/code_table.h"

@@ -1,6 +1,5 @@
 // vexorctl disk ...
 #include <algorithm>
-#include <map>
 #include <utility>
 
 #include "codes/code_table.h"

@@ -1,5 +1,4 @@
 // vexorctl enclosure ...
-#include <map>
 #include <utility>
 
 #include "codes/code_table.h"

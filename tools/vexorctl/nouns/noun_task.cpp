@@ -2,7 +2,6 @@
 #include <utility>
 
 #include "codes/code_table.h"
-#include "codes/named.h"
 #include "common/address.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"

@@ -1,6 +1,5 @@
 // vexorctl vd ...
 #include <algorithm>
-#include <map>
 #include <span>
 #include <utility>
 

@@ -12,7 +12,6 @@
 
 #include "codes/code_table.h"
 #include "codes/named.h"
-#include "model/library_record.h"
 
 namespace vexorctl {
 

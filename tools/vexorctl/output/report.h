@@ -7,7 +7,6 @@
 
 #include "codes/code_table.h"
 #include "model/fault.h"
-#include "model/library_record.h"
 #include "output/cell.h"
 
 namespace vexorctl {

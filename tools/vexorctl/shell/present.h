@@ -9,7 +9,6 @@
 #include "codes/code_table.h"
 #include "model/exit_code.h"
 #include "model/fault.h"
-#include "model/library_record.h"
 #include "output/cell.h"
 #include "output/cell_text.h"
 #include "output/report.h"
