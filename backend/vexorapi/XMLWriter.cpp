@@ -2,9 +2,11 @@
 // which the record rows (xml_rapi_rows.h) copy with the same bytes.
 #include "XMLWriter.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 
 #include "uninitialized.h"
 
@@ -21,6 +23,12 @@ template <std::size_t n>
     const int length = std::vsnprintf(piece, n, fmt, args);
     if (length < 0) return 0;
     return static_cast<std::size_t>(length) < n ? static_cast<std::size_t>(length) : n - 1;
+}
+
+void AppendTag(XMLWR_Doc* doc, std::initializer_list<std::string_view> parts) {
+    VEXOR_UNINITIALIZED char piece[kPieceSize];
+    const std::string_view tag = JoinText(piece, parts);
+    AppendPiece(doc, tag.data(), tag.size());
 }
 
 }  // namespace
@@ -59,14 +67,19 @@ void XMLWR_PrintTabs(XMLWR_Doc* Doc) {
 void XMLWR_PrintNewLine(XMLWR_Doc* Doc) { AppendPiece(Doc, "\n", 1); }
 
 int XMLWR_ElmtStartPrintf(XMLWR_Doc* Doc, HX_U16 Flags, const char* Name, const char* fmt, ...) {
-    XMLWR_PrintTabs(Doc);
-    XMLWR_AddCurPos(Doc, XMLWR_Sprintf(Doc, Doc->Buf + Doc->CurPos, "<%s", Name));
     VEXOR_UNINITIALIZED char attributes[kAttributeSize];
     std::va_list args;
     va_start(args, fmt);
     const std::size_t length = FormatPiece(attributes, fmt, args);
     va_end(args);
-    AppendPiece(Doc, attributes, length);
+    StartElement(Doc, Flags, Name, {attributes, length});
+    return 1;
+}
+
+void StartElement(XMLWR_Doc* Doc, HX_U16 Flags, const char* Name, std::string_view attributes) {
+    XMLWR_PrintTabs(Doc);
+    AppendTag(Doc, {"<", Name});
+    AppendPiece(Doc, attributes.data(), std::min(attributes.size(), kAttributeSize - 1));
     AppendPiece(Doc, ">", 1);
     ++Doc->Depth;
     if ((Flags & kEmptyElement) != 0) {
@@ -74,26 +87,29 @@ int XMLWR_ElmtStartPrintf(XMLWR_Doc* Doc, HX_U16 Flags, const char* Name, const 
     } else if ((Flags & kNoNewLine) == 0) {
         XMLWR_PrintNewLine(Doc);
     }
-    return 1;
 }
 
 int XMLWR_ElmtCharData(XMLWR_Doc* Doc, HX_U16 Flags, const char* fmt, ...) {
-    if ((Flags & kNoIndent) == 0) XMLWR_PrintTabs(Doc);
     VEXOR_UNINITIALIZED char text[kAttributeSize];
     std::va_list args;
     va_start(args, fmt);
     const std::size_t length = FormatPiece(text, fmt, args);
     va_end(args);
-    AppendPiece(Doc, text, length);
-    if ((Flags & kNoNewLine) == 0) XMLWR_PrintNewLine(Doc);
+    PutCharData(Doc, Flags, {text, length});
     return 1;
+}
+
+void PutCharData(XMLWR_Doc* Doc, HX_U16 Flags, std::string_view text) {
+    if ((Flags & kNoIndent) == 0) XMLWR_PrintTabs(Doc);
+    AppendPiece(Doc, text.data(), std::min(text.size(), kAttributeSize - 1));
+    if ((Flags & kNoNewLine) == 0) XMLWR_PrintNewLine(Doc);
 }
 
 int XMLWR_ElmtEnd(XMLWR_Doc* Doc, HX_U16 Flags, const char* Name) {
     --Doc->Depth;
     if (Doc->Depth < 0) return 0;
     if ((Flags & kNoIndent) == 0) XMLWR_PrintTabs(Doc);
-    XMLWR_AddCurPos(Doc, XMLWR_Sprintf(Doc, Doc->Buf + Doc->CurPos, "</%s>\n", Name));
+    AppendTag(Doc, {"</", Name, ">\n"});
     return 1;
 }
 

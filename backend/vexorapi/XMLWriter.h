@@ -1,8 +1,12 @@
 // The document writer that every result goes through.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <initializer_list>
+#include <string_view>
 
 #include "hxraid.h"
 
@@ -26,6 +30,19 @@ inline constexpr HX_U16 kNoNewLine = 4;     // start, text: no line end behind i
 // A formatted piece is cut to the room of the local buffers that pieces are formatted in.
 inline constexpr std::size_t kPieceSize = 1024;
 inline constexpr std::size_t kAttributeSize = 512;  // attribute text, character data
+
+/// Puts the parts one behind the other into `room`, cut as if they had been formatted there: a NUL
+/// would fit behind them. To format what is known costs more than all else about a tag.
+template <std::size_t n>
+std::string_view JoinText(char (&room)[n], std::initializer_list<std::string_view> parts) {
+    std::size_t length = 0;
+    for (const std::string_view part : parts) {
+        const std::size_t kept = std::min(part.size(), n - 1 - length);
+        std::memcpy(room + length, part.data(), kept);
+        length += kept;
+    }
+    return {room, length};
+}
 
 /// Empties the document and fills all of it with zero bytes. Returns 1, or 0 when `Doc` is null.
 int XMLWR_Init(XMLWR_Doc* Doc);
@@ -64,6 +81,10 @@ void XMLWR_PrintNewLine(XMLWR_Doc* Doc);
 /// Appends character data; nothing is escaped. Flags: kNoIndent, kNoNewLine. Returns 1.
 [[gnu::format(printf, 3, 4)]] int XMLWR_ElmtCharData(XMLWR_Doc* Doc, HX_U16 Flags, const char* fmt,
                                                      ...);
+
+/// XMLWR_ElmtStartPrintf and XMLWR_ElmtCharData with a text as it stands, cut like a formatted one.
+void StartElement(XMLWR_Doc* Doc, HX_U16 Flags, const char* Name, std::string_view attributes);
+void PutCharData(XMLWR_Doc* Doc, HX_U16 Flags, std::string_view text);
 
 /// Closes an element; the end tag always ends its line. Flags: kNoIndent.
 /// Returns 1, or 0 with nothing written when no element is open (Depth is then negative).

@@ -13,8 +13,9 @@ int XML_RA_ElmtNonArrayData(XMLWR_Doc* doc, const char* elmt, const char* type, 
     va_start(args, fmt);
     if (std::vsnprintf(value, sizeof value, fmt, args) < 0) value[0] = '\0';
     va_end(args);
-    XMLWR_ElmtStartPrintf(doc, kNoNewLine, elmt, " %s=\"%s\"", "type", type);
-    XMLWR_ElmtCharData(doc, kNoIndent | kNoNewLine, "%s", value);
+    VEXOR_UNINITIALIZED char attributes[kAttributeSize];
+    StartElement(doc, kNoNewLine, elmt, JoinText(attributes, {" type=\"", type, "\""}));
+    PutCharData(doc, kNoIndent | kNoNewLine, value);
     XMLWR_ElmtEnd(doc, kNoIndent, elmt);
     return 1;
 }
