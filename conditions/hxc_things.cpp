@@ -112,38 +112,37 @@ Object Things::BatteryOf(const Adapter& adapter) const {
     return object;
 }
 
-Object Things::Of(const Adapter& adapter, const VirtualDisk& virtual_disk) const {
+Object Things::OfNumbered(const Adapter& adapter, Kind kind, unsigned id) const {
     Object object = Of(adapter);
-    object.kind = Kind::kVirtualDisk;
-    object.id = virtual_disk.id;
-    object.address = AddressOf(adapter.number, object.kind, virtual_disk.id);
-    object.name = Harmless(virtual_disk.name);
+    object.kind = kind;
+    object.id = id;
+    object.address = AddressOf(adapter.number, kind, id);
+    return object;
+}
+
+template <class Array>
+Object Things::OfArray(const Adapter& adapter, Kind kind, const char* word,
+                       const Array& array) const {
+    Object object = OfNumbered(adapter, kind, array.id);
+    object.name = Harmless(array.name);
     object.serial.clear();
     object.is_known = true;
-    object.identity = "vd " + std::to_string(virtual_disk.id) + " " +
-                      std::to_string(virtual_disk.sectors) + " \"" + object.name + "\" of " +
+    object.identity = std::string(word) + " " + std::to_string(array.id) + " " +
+                      std::to_string(array.sectors) + " \"" + object.name + "\" of " +
                       object.adapter_identity;
     return object;
 }
 
+Object Things::Of(const Adapter& adapter, const VirtualDisk& virtual_disk) const {
+    return OfArray(adapter, Kind::kVirtualDisk, "vd", virtual_disk);
+}
+
 Object Things::Of(const Adapter& adapter, const DiskGroup& group) const {
-    Object object = Of(adapter);
-    object.kind = Kind::kDiskGroup;
-    object.id = group.id;
-    object.address = AddressOf(adapter.number, object.kind, group.id);
-    object.name = Harmless(group.name);
-    object.serial.clear();
-    object.is_known = true;
-    object.identity = "dg " + std::to_string(group.id) + " " + std::to_string(group.sectors) +
-                      " \"" + object.name + "\" of " + object.adapter_identity;
-    return object;
+    return OfArray(adapter, Kind::kDiskGroup, "dg", group);
 }
 
 Object Things::Of(const Adapter& adapter, const Disk& disk) const {
-    Object object = Of(adapter);
-    object.kind = Kind::kDisk;
-    object.id = disk.id;
-    object.address = AddressOf(adapter.number, object.kind, disk.id);
+    Object object = OfNumbered(adapter, Kind::kDisk, disk.id);
     object.serial = Harmless(disk.serial);
     const std::string wwn = Harmless(disk.wwn);
     object.is_known = true;
@@ -159,10 +158,7 @@ Object Things::Of(const Adapter& adapter, const Disk& disk) const {
 }
 
 Object Things::Of(const Adapter& adapter, const Enclosure& enclosure) const {
-    Object object = Of(adapter);
-    object.kind = Kind::kEnclosure;
-    object.id = enclosure.id;
-    object.address = AddressOf(adapter.number, object.kind, enclosure.id);
+    Object object = OfNumbered(adapter, Kind::kEnclosure, enclosure.id);
     object.serial = Harmless(enclosure.logical_id);
     object.is_known = !object.serial.empty();
     object.identity = object.is_known ? "enclosure " + object.serial

@@ -41,6 +41,12 @@ public:
     bool IsRead(const Object& object, unsigned rests_on) const;
 
 private:
+    // What an adapter counts: at its address.
+    Object OfNumbered(const Adapter& adapter, Kind kind, unsigned id) const;
+    // A virtual disk or disk group, whose identity begins with `word`.
+    template <class Array>
+    Object OfArray(const Adapter& adapter, Kind kind, const char* word, const Array& array) const;
+
     const Answers& answers_;
     KnownAdapters identities_;
     std::vector<Object> all_;

@@ -219,10 +219,7 @@ TEST(TheJson, TakesNamesThatAreNoUtf8) {
 
 TEST(TheJson, OfAMessageTellsWhatHasChanged) {
     Watcher watcher;
-    Answers answers = GoodMachine();
-    watcher.LookFor(60, answers);
-    Fail(answers, 5);
-    watcher.LookFor(5, answers);
+    Answers answers = DiskFails(watcher);
     Rebuild(answers, 1, 0);
     watcher.Look(answers);
     const Json json = Json::parse(MessageJson(watcher.messages[0]));

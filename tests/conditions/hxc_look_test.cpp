@@ -157,6 +157,17 @@ Spoil AdapterQuery(Query Adapter::*query, const char* call) {
 constexpr unsigned kMember = NumberOf(DiskBit::kOnline) | NumberOf(DiskBit::kConfigured);
 constexpr unsigned kWell = NumberOf(BatteryBit::kPresent) | NumberOf(BatteryBit::kSafeForWriteBack);
 
+// Disk 5 has failed, and with it the redundancy of a0/vd1.
+RowCase WithDiskFailed(Code code) {
+    return {.code = code,
+            .spoil = FailDisk(5),
+            .all = "DISK_FAILED VD_NO_REDUNDANCY",
+            .wait = 30,
+            .fails = Fails::kVirtualDisks,
+            .put = Put::kOtherVirtualDisk,
+            .id = 1};
+}
+
 std::vector<RowCase> RowCases() {
     std::vector<RowCase> cases;
     const auto add = [&](RowCase row) { cases.push_back(std::move(row)); };
@@ -182,13 +193,7 @@ std::vector<RowCase> RowCases() {
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1});
-    add({.code = Code::kVdNoRedundancy,
-         .spoil = FailDisk(5),
-         .all = "DISK_FAILED VD_NO_REDUNDANCY",
-         .wait = 30,
-         .fails = Fails::kVirtualDisks,
-         .put = Put::kOtherVirtualDisk,
-         .id = 1});
+    add(WithDiskFailed(Code::kVdNoRedundancy));
     add({.code = Code::kVdBlockLost,
          .spoil = Nothing,
          .events = {EventOf(1, 100, 1, 5)},
@@ -591,13 +596,7 @@ std::vector<RowCase> RowCases() {
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1});
-    add({.code = Code::kSpareNone,
-         .spoil = FailDisk(5),
-         .all = "DISK_FAILED VD_NO_REDUNDANCY",
-         .wait = 30,
-         .fails = Fails::kVirtualDisks,
-         .put = Put::kOtherVirtualDisk,
-         .id = 1});
+    add(WithDiskFailed(Code::kSpareNone));
     add({.code = Code::kVdCheckOverdue, .spoil = Nothing, .wait = 35 * kDay});
     add({.code = Code::kDiskSmartOff,
          .spoil = [](Answers& it) { DiskAt(it, 4).smart_on = false; },
@@ -807,10 +806,7 @@ TEST(TheStoryOfALostDisk, IsOneMessageAStep) {
 
 TEST(ADiskThatFailed, BecomesAHeadWhenASpareHasTakenOver) {
     Watcher watcher;
-    Answers answers = GoodMachine();
-    watcher.LookFor(60, answers);
-    Fail(answers, 5);
-    watcher.LookFor(5, answers);
+    Answers answers = DiskFails(watcher);
     EXPECT_EQ(HeadsOf(watcher.overview), "VD_NO_REDUNDANCY");
     VirtualDisk& data = VirtualDiskAt(answers, 1);
     data.members[1] = {7, NumberOf(ArrayState::kOptimal), data.members[0].sectors};
@@ -865,8 +861,7 @@ TEST(WhatPassedBetweenTwoLooks, IsToldOnceWhenItWasCritical) {
 
 TEST(AnAdapterThatAnswersNothing, IsOneLine) {
     Watcher watcher;
-    Answers answers = GoodMachine();
-    Fail(answers, 5);
+    Answers answers = DegradedMachine();
     watcher.LookFor(60, answers);
     FailAll(answers.adapters[0]);
     watcher.LookFor(60, answers);
@@ -880,8 +875,7 @@ TEST(AnAdapterThatAnswersNothing, IsOneLine) {
 
 TEST(AControllerThatIsNotReached, TakesUpAllThatWasSeenBehindIt) {
     Watcher watcher;
-    Answers answers = GoodMachine();
-    Fail(answers, 5);
+    Answers answers = DegradedMachine();
     watcher.LookFor(60, answers);
     answers.machine = Failed("HX_API_Initialize", 230);
     answers.reason = "HX_API_Initialize answers 230 (no_memory)";
@@ -954,8 +948,7 @@ TEST(APowerSupply, IsToldAtOnce) {
 
 TEST(TheStartOfTheService, LeavesThirtySecondsForWhatIsDamped) {
     Watcher watcher;
-    Answers answers = GoodMachine();
-    Fail(answers, 5);
+    Answers answers = DegradedMachine();
     watcher.LookFor(10, answers);
     EXPECT_EQ(CodesOf(watcher.overview), "");
     watcher.LookFor(20, answers);
@@ -967,8 +960,7 @@ TEST(TheStartOfTheService, LeavesThirtySecondsForWhatIsDamped) {
 
 TEST(AClockSetBack, ClearsRaisesAndSendsNothing) {
     Watcher watcher;
-    Answers answers = GoodMachine();
-    Fail(answers, 5);
+    Answers answers = DegradedMachine();
     watcher.LookFor(60, answers);
     watcher.now.real -= 400 * kDay;
     watcher.Look(answers);
@@ -1042,8 +1034,7 @@ TEST_F(ALostDiskOfRaid6, CannotBeSilencedForLongerThanNinetyDays) {
 }
 
 TEST(ALevelSetHere, IsShownAndOrdersButNotWhatIsLost) {
-    Answers answers = GoodMachine();
-    Fail(answers, 5);
+    Answers answers = DegradedMachine();
     Settings settings;
     settings.levels[Code::kVdNoRedundancy] = Level::kInfo;
     settings.levels[Code::kVdOffline] = Level::kInfo;
@@ -1124,8 +1115,7 @@ TEST(AnAdapterThatWasExchanged, IsNotMissed) {
 
 TEST(AnAdapterThatTellsOfItselfLater, IsStillTheSame) {
     Watcher watcher;
-    Answers answers = GoodMachine();
-    Fail(answers, 5);
+    Answers answers = DegradedMachine();
     answers.adapters[0].info = Failed("HX_Adapter_GetInfo", 7);
     answers.adapters[0].serial.clear();
     watcher.LookFor(60, answers);

@@ -147,6 +147,12 @@ Answers GoodMachine() {
     return answers;
 }
 
+Answers DegradedMachine() {
+    Answers answers = GoodMachine();
+    Fail(answers, 5);
+    return answers;
+}
+
 Disk& DiskAt(Answers& answers, unsigned id) {
     return *std::ranges::find(answers.adapters[0].disks, id, &Disk::id);
 }
@@ -248,6 +254,13 @@ const Overview& Watcher::LookFor(std::int64_t seconds, const Answers& answers) {
     Look(answers);
     Wait(seconds);
     return Look(answers);
+}
+
+Answers DiskFails(Watcher& watcher) {
+    watcher.LookFor(60, GoodMachine());
+    Answers answers = DegradedMachine();
+    watcher.LookFor(5, answers);
+    return answers;
 }
 
 std::string CodesOf(const Overview& overview) {

@@ -13,6 +13,8 @@ namespace hxconditions {
 /// disk group a0/dg0 SPACE (pd2 and pd3, nothing on it), the free disk pd7, an enclosure and a
 /// battery; a1 has nothing.
 Answers GoodMachine();
+/// The same after disk 5, which a0/vd1 DATA is on, has failed.
+Answers DegradedMachine();
 
 Disk& DiskAt(Answers& answers, unsigned id);
 VirtualDisk& VirtualDiskAt(Answers& answers, unsigned id);
@@ -47,6 +49,10 @@ public:
     std::vector<Message> messages;
     Overview overview;
 };
+
+/// Somebody watches the good machine for a minute, and sees for five seconds that disk 5 has
+/// failed. Returns what was answered last.
+Answers DiskFails(Watcher& watcher);
 
 /// Names of all conditions, heads and folded ones, sorted, with blanks between them; information is
 /// left out.
