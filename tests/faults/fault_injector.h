@@ -1,0 +1,42 @@
+/* Makes one call to the system fail: the k-th of its kind, alone or with all that follow.
+ *
+ * Linked into a test program it takes the place of the C library's functions for the program and
+ * for every library that the program loads. */
+#pragma once
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+enum FaultKind {
+    kFaultNothing,
+    kFaultAllocation, /* malloc, calloc, realloc, and with them operator new */
+    kFaultOpen,
+    kFaultRead,
+    kFaultWrite,
+    kFaultSync,
+    kFaultTruncate,
+    kFaultRename,
+    kFaultMap,
+    kFaultLock, /* fcntl */
+    kFaultTime,
+    kFaultUser, /* the user databases and crypt_r */
+    kFaultKinds
+};
+
+/* An error beside the system's numbers: a read or write of half the bytes. */
+enum { kFaultShort = 10000 };
+
+/* From now on call number `at` (from 1; 0: none) of that kind fails with `error`, and with `always`
+ * all that follow. */
+void FaultArm(int kind, long at, int always, int error);
+
+/* Everything succeeds again. Returns how many calls of the kind there were since FaultArm. */
+long FaultDisarm(void);
+
+/* Bytes of the heap that are taken. */
+long FaultLiveBytes(void);
+
+#ifdef __cplusplus
+}
+#endif
