@@ -7,6 +7,7 @@ usage: vexorctl_check_test.py VEXORCTL [TEST]...
 
 import json
 import re
+import sqlite3
 
 import vexorctl_machine
 from vexorctl_machine import SCHEMA, VexorctlCase, schema
@@ -243,6 +244,14 @@ class Unreachable(CheckCase):
         first = self.run_words("check").stdout.splitlines()[0]
         self.assertEqual(first.count("|"), 1)
         self.assertTrue(first.startswith("CRITICAL: a?b (a0/vd0) "), first)
+
+    def test_a_controller_that_does_not_answer_in_time_is_unknown(self):
+        lock = sqlite3.connect(self.machine.state, isolation_level=None)
+        self.addCleanup(lock.close)
+        lock.execute("BEGIN EXCLUSIVE")
+        run = self.run_words("check", "--timeout", "1s")
+        self.assertEqual((run.stdout, run.stderr, run.returncode),
+                         ("UNKNOWN: the controller did not answer in time\n", "", 3))
 
     def test_time_enough_is_no_news(self):
         run = self.run_words("check", "--timeout", "60s", "--honour-silences")
