@@ -93,26 +93,6 @@ BENCHMARK(CheckInTable<kPage>)->Name("check_in/sqlite_ring");
 
 // ---- Queries ------------------------------------------------------------------------------------
 
-std::string_view Bytes(const std::vector<Event>& events) {
-    return {reinterpret_cast<const char*>(events.data()), events.size() * sizeof(Event)};
-}
-
-std::vector<Event> ReadPage(HX_U32 seq) {
-    std::vector<Event> events(kPage);
-    HX_U32 n = kPage;
-    HX_U32 e = 0;
-    VX_EvGet(&n, &seq, &e, events.data());
-    events.resize(n);
-    return events;
-}
-
-HX_U32 Oldest() {
-    HX_U32 oldest = 0;
-    HX_U32 count = 0;
-    VX_EvGetInfo(&oldest, &count);
-    return oldest;
-}
-
 // The capacity must not be felt.
 void QueryLibrary(benchmark::State& state) {
     const FilledStore store(static_cast<HX_U32>(state.range(0)));
@@ -133,17 +113,6 @@ void QueryBare(benchmark::State& state) {
     Measure(state, [&] { calls.Run(); });
 }
 BENCHMARK(QueryBare)->Name("query/own_calls");
-
-void QueryStreams(benchmark::State& state) {
-    const FilledStore store(kPage);
-    yardstick::StreamStore streams(store.EventFile(), store.SeqFile());
-    std::vector<Event> events(kPage);
-    const HX_U32 oldest = Oldest();
-    streams.Read(oldest, kPage, events.data());
-    RequireSame("page of events", Bytes(ReadPage(oldest)), Bytes(events));
-    Measure(state, [&] { streams.Read(oldest, kPage, events.data()); });
-}
-BENCHMARK(QueryStreams)->Name("query/streams");
 
 // ---- Texts --------------------------------------------------------------------------------------
 

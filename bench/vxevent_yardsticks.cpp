@@ -101,7 +101,6 @@ void BareCheckIn::Run() {
     Require(pread(file, head, sizeof head, 0) == sizeof head, "pread");
     const int seq = open(seq_file_.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     Require(pread(seq, numbers, sizeof numbers, 0) == sizeof numbers, "pread");
-    Require(pwrite(file, head, sizeof(VX_EvLogHeader), 0) == sizeof(VX_EvLogHeader), "pwrite");
     const std::size_t bytes = kBatch * sizeof slots_[0];
     Require(pwrite(file, slots_.data(), bytes, kSlots) == static_cast<ssize_t>(bytes), "pwrite");
     Require(pwrite(file, head_, sizeof head_, 0) == sizeof head_, "pwrite");

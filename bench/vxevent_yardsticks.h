@@ -24,7 +24,8 @@ std::vector<Event> SampleEvents(HX_U32 first, HX_U32 count);
 
 // ---- The system calls alone -------------------------------------------------------------------
 
-/// The calls of a check-in of kBatch events into a full ring, with what they write made beforehand.
+/// The calls that no check-in of kBatch events can do without, with what they write made
+/// beforehand: two files opened, read and closed, and three pieces written.
 class BareCheckIn {
 public:
     /// Takes the files as they are now: contents and names.
