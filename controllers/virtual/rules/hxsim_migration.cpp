@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <optional>
 #include <span>
 #include <utility>
 #include <vector>
@@ -150,8 +149,15 @@ Status LayOut(const Adapter& adapter, const VirtualDisk& virtual_disk, const Cre
     return Status::kSuccess;
 }
 
-// The size wanted: none for the most that fits.
-Status PlanMove(const Adapter& adapter, const Create_LD_Param& param, std::optional<Sectors> wanted,
+// The size that a caller wants, or that none is wanted and the most that fits is asked for. Not a
+// std::optional: compilers read the size of an empty one before they look whether it is there,
+// which memory checkers report.
+struct WantedSize {
+    bool is_given = false;
+    Sectors sectors = 0;
+};
+
+Status PlanMove(const Adapter& adapter, const Create_LD_Param& param, WantedSize wanted,
                 Move& move) {
     const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, param.LDID);
     Status status = CheckMovable(adapter, virtual_disk);
@@ -160,16 +166,16 @@ Status PlanMove(const Adapter& adapter, const Create_LD_Param& param, std::optio
 
     const Sectors longest = LongestBlock(adapter, move);
     if (move.layout.Data(longest) < virtual_disk->size) return Status::kTooSmall;
-    if (wanted && *wanted != 0 && *wanted < virtual_disk->size) return Status::kTooSmall;
-    const bool stays = wanted && *wanted <= virtual_disk->size;
-    const Sectors more = stays ? 0 : wanted.value_or(0);
+    if (wanted.sectors != 0 && wanted.sectors < virtual_disk->size) return Status::kTooSmall;
+    const bool stays = wanted.is_given && wanted.sectors <= virtual_disk->size;
+    const Sectors more = stays ? 0 : wanted.sectors;
     Sectors chosen = 0;
     status = ChooseSize(move.layout, longest, more, param.RoundingScheme, chosen);
     // Rounding takes nothing from what is there already.
     if (status == Status::kBadRounding || (status != Status::kSuccess && more != 0)) return status;
     move.size = stays ? virtual_disk->size : std::max(chosen, virtual_disk->size);
     move.block = move.layout.Block(move.size);
-    if (wanted && IsAsItWas(*virtual_disk, move)) return Status::kNoChange;
+    if (wanted.is_given && IsAsItWas(*virtual_disk, move)) return Status::kNoChange;
     return CheckRoom(adapter, move);
 }
 
@@ -362,7 +368,7 @@ void FindHomes(Adapter& adapter, const Activity& migration) {
 
 Status StartMigration(Adapter& adapter, Time now, Create_LD_Param& param) {
     Move move;
-    const Status status = PlanMove(adapter, param, param.Size.value, move);
+    const Status status = PlanMove(adapter, param, {true, param.Size.value}, move);
     if (status != Status::kSuccess) return status;
     for (std::size_t i = 0; i < move.layout.disks.size(); ++i) {
         if (IsKept(move.layout, move.old, i) && move.block <= move.old_block) continue;
@@ -380,7 +386,7 @@ Status StartMigration(Adapter& adapter, Time now, Create_LD_Param& param) {
 
 Status SizeMigration(const Adapter& adapter, Create_LD_Param& param) {
     Move move;
-    const Status status = PlanMove(adapter, param, std::nullopt, move);
+    const Status status = PlanMove(adapter, param, {}, move);
     if (status == Status::kSuccess) param.Size.value = move.size;
     return status;
 }
