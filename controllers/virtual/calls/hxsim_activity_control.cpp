@@ -310,15 +310,11 @@ Status CanPatrol(const Adapter& adapter, HX_U16 id) {
 // ---- Virtual disks ----
 
 HX_U8 HX_LD_StartINIT(HX_U8 AdapterID, HX_U16 LD_ID, HX_U8 Init_Type) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::StartInitialisation(adapter, now, LD_ID, Init_Type);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::StartInitialisation, LD_ID, Init_Type);
 }
 
 HX_U8 HX_LD_StartConsistencyCheck(HX_U8 AdapterID, HX_U16 LD_ID, HX_U8 Type) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::StartCheck(adapter, now, LD_ID, Type);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::StartCheck, LD_ID, Type);
 }
 
 HX_U8 HX_LD_StartRebuild(HX_U8 AdapterID, HX_U16 LD_ID, HX_U16 Rebuild_HD_ID) {
@@ -328,11 +324,7 @@ HX_U8 HX_LD_StartRebuild(HX_U8 AdapterID, HX_U16 LD_ID, HX_U16 Rebuild_HD_ID) {
 }
 
 HX_U8 HX_LD_DG_StartRebuild(HX_U8 AdapterID, LD_DG_Rebuild_Param* param) {
-    return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
-                             if (param == nullptr) return hxcodes::Status::kNullAddress;
-                             return hxsim::StartRebuildOf(adapter, now, *param);
-                         });
+    return hxsim::ChangeWith(__func__, AdapterID, param, hxsim::StartRebuildOf);
 }
 
 HX_U8 HX_LD_BGAControl(HX_U8 AdapterID, HX_U16 LD_ID, HX_U8 Actions) {
@@ -351,17 +343,13 @@ HX_U8 HX_LD_PauseAll(HX_U8 AdapterID) {
 // ---- Disk groups ----
 
 HX_U8 HX_DG_BGAControl(HX_U8 AdapterID, HX_U16 DG_ID, HX_U8 Actions) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::ControlGroup(adapter, now, DG_ID, Actions);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::ControlGroup, DG_ID, Actions);
 }
 
 // ---- Physical disks ----
 
 HX_U8 HX_PD_StartMediaPatrol(HX_U8 AdapterID, HX_U16 HD_ID) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::StartMediaPatrol(adapter, now, HD_ID);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::StartMediaPatrol, HD_ID);
 }
 
 HX_U8 HX_PD_HDMPCheck(HX_U8 AdapterID, HX_U16 HD_ID) {
@@ -371,9 +359,7 @@ HX_U8 HX_PD_HDMPCheck(HX_U8 AdapterID, HX_U16 HD_ID) {
 }
 
 HX_U8 HX_PD_StartDataScrub(HX_U8 AdapterID, HX_U16 HD_ID) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::StartDataScrub(adapter, now, HD_ID);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::StartDataScrub, HD_ID);
 }
 
 HX_U8 HX_PD_BGAControl(HX_U8 AdapterID, HX_U16 HD_ID, HX_U8 Action) {

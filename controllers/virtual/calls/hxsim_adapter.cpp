@@ -146,11 +146,7 @@ HX_U8 HX_Adapter_GetConfig(HX_U8 AdapterID, HX_U8* count, Adapter_Config_V2* con
 }
 
 HX_U8 HX_Adapter_SetConfig(HX_U8 AdapterID, Adapter_Config_V2* config) {
-    const auto work = [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
-        if (config == nullptr) return hxcodes::Status::kNullAddress;
-        return hxsim::SetAdapter(adapter, now, *config);
-    };
-    return hxsim::Change(__func__, AdapterID, work);
+    return hxsim::ChangeWith(__func__, AdapterID, config, hxsim::SetAdapter);
 }
 
 HX_U8 HX_AdapterMute(HX_U8 AdapterID) {

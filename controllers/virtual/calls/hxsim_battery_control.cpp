@@ -100,19 +100,13 @@ HX_U8 HX_BBU_GetInfo(HX_U8 AdapterID, BBU_Info* info) {
 }
 
 HX_U8 HX_BBU_SetThreshold(HX_U8 AdapterID, HX_U8 kind, HX_U16 lower, HX_U16 upper) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::SetThreshold(adapter, now, kind, lower, upper);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::SetThreshold, kind, lower, upper);
 }
 
 HX_U8 HX_BBU_ChangePower(HX_U8 AdapterID, HX_U8 action) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::ChangePower(adapter, now, action);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::ChangePower, action);
 }
 
 HX_U8 HX_BBU_SetStatus(HX_U8 AdapterID, HX_BOOLEAN status) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::SwitchBattery(adapter, now, status != 0);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::SwitchBattery, status != 0);
 }

@@ -148,39 +148,25 @@ Status FreeSpare(Adapter& adapter, Time now, HX_U16 id) {
 }  // namespace hxsim
 
 HX_U8 HX_PD_SetConfig(HX_U8 AdapterID, HX_U16 HD_ID, HD_Config* config) {
-    return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
-                             if (config == nullptr) return hxcodes::Status::kNullAddress;
-                             return hxsim::SetDisk(adapter, now, HD_ID, *config);
-                         });
+    return hxsim::ChangeWith(__func__, AdapterID, config, hxsim::SetDisk, HD_ID);
 }
 
 HX_U8 HX_PD_WipeHDMDD(HX_U8 AdapterID, HX_U16 HD_ID, HX_U8 Force) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::WipeDisk(adapter, now, HD_ID, Force != 0);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::WipeDisk, HD_ID, Force != 0);
 }
 
 HX_U8 HX_PD_SetHDStatus(HX_U8 AdapterID, HX_U16 HD_ID, HX_U8 Action) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::SetDiskState(adapter, now, HD_ID, Action);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::SetDiskState, HD_ID, Action);
 }
 
 HX_U8 HX_PD_FreeHD2GlobalSpare(HX_U8 AdapterID, HX_U16 HD_ID) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::MakeGlobalSpare(adapter, now, HD_ID);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::MakeGlobalSpare, HD_ID);
 }
 
 HX_U8 HX_PD_FreeHD2DGSpare(HX_U8 AdapterID, HX_U16 HD_ID, HX_U16 DG_ID) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::MakeGroupSpare(adapter, now, HD_ID, DG_ID);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::MakeGroupSpare, HD_ID, DG_ID);
 }
 
 HX_U8 HX_PD_Spare2FreeHD(HX_U8 AdapterID, HX_U16 HD_ID) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::FreeSpare(adapter, now, HD_ID);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::FreeSpare, HD_ID);
 }

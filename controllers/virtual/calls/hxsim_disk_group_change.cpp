@@ -58,15 +58,9 @@ Status DeleteDiskGroup(Adapter& adapter, Time now, HX_U16 id) {
 }  // namespace hxsim
 
 HX_U8 HX_DG_SetConfig(HX_U8 AdapterID, HX_U16 DG_ID, DG_Config* config) {
-    return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
-                             if (config == nullptr) return hxcodes::Status::kNullAddress;
-                             return hxsim::SetDiskGroup(adapter, now, DG_ID, *config);
-                         });
+    return hxsim::ChangeWith(__func__, AdapterID, config, hxsim::SetDiskGroup, DG_ID);
 }
 
 HX_U8 HX_DG_Delete(HX_U8 AdapterID, HX_U16 DG_ID) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::DeleteDiskGroup(adapter, now, DG_ID);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::DeleteDiskGroup, DG_ID);
 }

@@ -99,23 +99,11 @@ Status SizeDiskGroup(const Adapter& adapter, CreateOrModify_DG_Param& param) {
 
 HX_U8 HX_CreateOrModify_DG(HX_U8 AdapterID, CreateOrModify_DG_Param* param, HX_U8 sizeOnly) {
     if (sizeOnly != 0) {
-        return hxsim::Look(__func__, AdapterID,
-                           [&](const hxsim::Adapter& adapter, hxsim::Time) -> hxcodes::Status {
-                               if (param == nullptr) return hxcodes::Status::kNullAddress;
-                               return hxsim::SizeDiskGroup(adapter, *param);
-                           });
+        return hxsim::LookWith(__func__, AdapterID, param, hxsim::SizeDiskGroup);
     }
-    return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
-                             if (param == nullptr) return hxcodes::Status::kNullAddress;
-                             return hxsim::CreateOrModifyDiskGroup(adapter, now, *param);
-                         });
+    return hxsim::ChangeWith(__func__, AdapterID, param, hxsim::CreateOrModifyDiskGroup);
 }
 
 HX_U8 HX_DG_StartMigration(HX_U8 AdapterID, CreateOrModify_DG_Param* param) {
-    return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
-                             if (param == nullptr) return hxcodes::Status::kNullAddress;
-                             return hxsim::StartGroupMigration(adapter, now, *param);
-                         });
+    return hxsim::ChangeWith(__func__, AdapterID, param, hxsim::StartGroupMigration);
 }

@@ -133,18 +133,12 @@ Status ReadPiece(const Adapter& adapter, HX_U8 type, Flash_Data& piece) {
 }  // namespace hxsim
 
 HX_U8 HX_Flash_Erase(HX_U8 AdapterID, HX_U8 Page) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::EraseImage(adapter, now, Page);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::EraseImage, Page);
 }
 
 HX_U8 HX_Flash_Bin(HX_U8 AdapterID, HX_U8 Actions, HX_U8 Type, Flash_Data* piece) {
     if (Actions == HX_FLASH_WRITE) {
-        const auto write = [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
-            if (piece == nullptr) return hxcodes::Status::kNullAddress;
-            return hxsim::WritePiece(adapter, now, Type, *piece);
-        };
-        return hxsim::Change(__func__, AdapterID, write);
+        return hxsim::ChangeWith(__func__, AdapterID, piece, hxsim::WritePiece, Type);
     }
     return hxsim::Look(__func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) {
         return Actions == HX_FLASH_READ ? hxsim::MovePiece(adapter, Type, piece)

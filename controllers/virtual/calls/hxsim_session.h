@@ -23,6 +23,27 @@ HX_U8 Look(const char* call, HX_U8 adapter,
 HX_U8 Change(const char* call, HX_U8 adapter,
              const std::function<Status(Adapter& adapter, Time now)>& work);
 
+/// Change by work(adapter, now, what...).
+template <class Work, class... What>
+HX_U8 ChangeBy(const char* call, HX_U8 adapter, Work work, What... what) {
+    return Change(call, adapter, [&](Adapter& row, Time now) { return work(row, now, what...); });
+}
+
+/// Look and Change with a record of the caller's: work(adapter, record) and work(adapter, now,
+/// key..., record). Refused with Status::kNullAddress where the record is null.
+template <class Record, class Work>
+HX_U8 LookWith(const char* call, HX_U8 adapter, Record* record, Work work) {
+    return Look(call, adapter, [&](const Adapter& row, Time) {
+        return record == nullptr ? Status::kNullAddress : work(row, *record);
+    });
+}
+template <class Record, class Work, class... Key>
+HX_U8 ChangeWith(const char* call, HX_U8 adapter, Record* record, Work work, Key... key) {
+    return Change(call, adapter, [&](Adapter& row, Time now) {
+        return record == nullptr ? Status::kNullAddress : work(row, now, key..., *record);
+    });
+}
+
 /// Whether the call that runs now is to answer as broken firmware does.
 bool IsHostile();
 

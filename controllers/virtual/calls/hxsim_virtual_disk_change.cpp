@@ -92,21 +92,13 @@ void RemoveVirtualDisk(Adapter& adapter, Time now, HX_U16 id) {
 }  // namespace hxsim
 
 HX_U8 HX_LD_SetConfig(HX_U8 AdapterID, HX_U16 LD_ID, LD_Config* config) {
-    return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
-                             if (config == nullptr) return hxcodes::Status::kNullAddress;
-                             return hxsim::SetVirtualDisk(adapter, now, LD_ID, *config);
-                         });
+    return hxsim::ChangeWith(__func__, AdapterID, config, hxsim::SetVirtualDisk, LD_ID);
 }
 
 HX_U8 HX_LD_Delete(HX_U8 AdapterID, HX_U16 LD_ID, HX_U8 deleteMBR) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::DeleteVirtualDisk(adapter, now, LD_ID, deleteMBR != 0);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::DeleteVirtualDisk, LD_ID, deleteMBR != 0);
 }
 
 HX_U8 HX_LD_Import(HX_U8 AdapterID, HX_U16 LD_ID) {
-    return hxsim::Change(__func__, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time now) {
-        return hxsim::ImportVirtualDisk(adapter, now, LD_ID);
-    });
+    return hxsim::ChangeBy(__func__, AdapterID, hxsim::ImportVirtualDisk, LD_ID);
 }

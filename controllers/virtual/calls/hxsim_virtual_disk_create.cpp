@@ -235,41 +235,21 @@ Status CreateOrModifyOnGroup(Adapter& adapter, Time now, CreateOrModify_VD_Param
 }  // namespace hxsim
 
 HX_U8 HX_LD_Create(HX_U8 AdapterID, Create_LD_Param* param) {
-    return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
-                             if (param == nullptr) return hxcodes::Status::kNullAddress;
-                             return hxsim::CreateVirtualDisk(adapter, now, *param);
-                         });
+    return hxsim::ChangeWith(__func__, AdapterID, param, hxsim::CreateVirtualDisk);
 }
 
 HX_U8 HX_LD_GetMaxSize(HX_U8 AdapterID, Create_LD_Param* param) {
-    return hxsim::Look(__func__, AdapterID,
-                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> hxcodes::Status {
-                           if (param == nullptr) return hxcodes::Status::kNullAddress;
-                           return hxsim::SizeVirtualDisk(adapter, *param);
-                       });
+    return hxsim::LookWith(__func__, AdapterID, param, hxsim::SizeVirtualDisk);
 }
 
 HX_U8 HX_LD_StartMigration(HX_U8 AdapterID, Create_LD_Param* param) {
-    return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
-                             if (param == nullptr) return hxcodes::Status::kNullAddress;
-                             return hxsim::StartMigration(adapter, now, *param);
-                         });
+    return hxsim::ChangeWith(__func__, AdapterID, param, hxsim::StartMigration);
 }
 
 HX_U8 HX_LD_GetMigratedLdSize(HX_U8 AdapterID, Create_LD_Param* param) {
-    return hxsim::Look(__func__, AdapterID,
-                       [&](const hxsim::Adapter& adapter, hxsim::Time) -> hxcodes::Status {
-                           if (param == nullptr) return hxcodes::Status::kNullAddress;
-                           return hxsim::SizeMigration(adapter, *param);
-                       });
+    return hxsim::LookWith(__func__, AdapterID, param, hxsim::SizeMigration);
 }
 
 HX_U8 HX_CreateOrModify_VD(HX_U8 AdapterID, CreateOrModify_VD_Param* param) {
-    return hxsim::Change(__func__, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time now) -> hxcodes::Status {
-                             if (param == nullptr) return hxcodes::Status::kNullAddress;
-                             return hxsim::CreateOrModifyOnGroup(adapter, now, *param);
-                         });
+    return hxsim::ChangeWith(__func__, AdapterID, param, hxsim::CreateOrModifyOnGroup);
 }

@@ -116,27 +116,29 @@ private:
         rows.push_back(std::move(row));
     }
 
-    void ReadPortMultiplier(TopologyObject& object) {
-        PortMultiplier row;
-        row.id = NextId(adapter_.port_multipliers);
+    // A row that hangs on something, with the members that its columns name.
+    template <class Row, class Columns>
+    Row ReadAttached(TopologyObject& object, const std::vector<Row>& rows,
+                     const Columns& columns) const {
+        Row row;
+        row.id = NextId(rows);
         ReadAttachment(object, row);
-        object.TakeAll(kPortMultiplierColumns, row);
-        Append(object, adapter_.port_multipliers, row);
+        object.TakeAll(columns, row);
+        return row;
+    }
+
+    void ReadPortMultiplier(TopologyObject& object) {
+        std::vector<PortMultiplier>& rows = adapter_.port_multipliers;
+        Append(object, rows, ReadAttached(object, rows, kPortMultiplierColumns));
     }
 
     void ReadExpander(TopologyObject& object) {
-        Expander row;
-        row.id = NextId(adapter_.expanders);
-        ReadAttachment(object, row);
-        object.TakeAll(kExpanderColumns, row);
-        Append(object, adapter_.expanders, row);
+        std::vector<Expander>& rows = adapter_.expanders;
+        Append(object, rows, ReadAttached(object, rows, kExpanderColumns));
     }
 
     void ReadEnclosure(TopologyObject& object) {
-        Enclosure row;
-        row.id = NextId(adapter_.enclosures);
-        ReadAttachment(object, row);
-        object.TakeAll(kEnclosureColumns, row);
+        Enclosure row = ReadAttached(object, adapter_.enclosures, kEnclosureColumns);
         std::size_t number = 0;
         object.ForEach("elements", [&](TopologyObject& element) {
             for (unsigned count = CountOf(element); count > 0; --count) {

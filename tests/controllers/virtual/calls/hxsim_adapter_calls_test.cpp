@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "controllers/virtual/support/list_calls.h"
 #include "hxraid.h"
@@ -31,6 +32,15 @@ Adapter_Config_V2 SettingsOf(HX_U8 adapter) {
     EXPECT_EQ(0, HX_Adapter_GetConfig(adapter, &count, &settings));
     EXPECT_EQ(1, count);
     return settings;
+}
+
+// The shares of all background activities, of consistency checks, initialisation, rebuilds,
+// migrations, copybacks and media patrols, in percent.
+std::vector<int> RatesOf(HX_U8 adapter) {
+    const Adapter_Config_V2 settings = SettingsOf(adapter);
+    return {settings.BGARate,        settings.SyncRate,      settings.InitRate,
+            settings.RebuildRate,    settings.MigrationRate, settings.CopybackRate,
+            settings.MediaPatrolRate};
 }
 
 std::string SerialNumberOf(HX_U8 adapter) {
@@ -160,14 +170,7 @@ TEST_F(SimulatorAdapter, ZeroSoundsItsAlarmAndLetsSparesStepIn) {
 }
 
 TEST_F(SimulatorAdapter, ZeroSharesItsTimeAmongActivities) {
-    const Adapter_Config_V2 settings = SettingsOf(0);
-    EXPECT_EQ(50, settings.BGARate);
-    EXPECT_EQ(30, settings.SyncRate);
-    EXPECT_EQ(50, settings.InitRate);
-    EXPECT_EQ(70, settings.RebuildRate);
-    EXPECT_EQ(50, settings.MigrationRate);
-    EXPECT_EQ(40, settings.CopybackRate);
-    EXPECT_EQ(20, settings.MediaPatrolRate);
+    EXPECT_THAT(RatesOf(0), ElementsAre(50, 30, 50, 70, 50, 40, 20));
 }
 
 TEST_F(SimulatorAdapter, OneHasNoAlarmToSoundAndNoCopyBack) {
@@ -179,14 +182,7 @@ TEST_F(SimulatorAdapter, OneHasNoAlarmToSoundAndNoCopyBack) {
 }
 
 TEST_F(SimulatorAdapter, OneSharesItsTimeInItsOwnWay) {
-    const Adapter_Config_V2 settings = SettingsOf(1);
-    EXPECT_EQ(30, settings.BGARate);
-    EXPECT_EQ(20, settings.SyncRate);
-    EXPECT_EQ(30, settings.InitRate);
-    EXPECT_EQ(50, settings.RebuildRate);
-    EXPECT_EQ(30, settings.MigrationRate);
-    EXPECT_EQ(30, settings.CopybackRate);
-    EXPECT_EQ(10, settings.MediaPatrolRate);
+    EXPECT_THAT(RatesOf(1), ElementsAre(30, 20, 30, 50, 30, 30, 10));
 }
 
 TEST_F(SimulatorAdapter, LeavesPortsAloneAndReservedBytesOfSettingsZero) {

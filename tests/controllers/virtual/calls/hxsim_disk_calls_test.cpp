@@ -205,11 +205,9 @@ TEST_F(SimulatorDisk, InUseWritesThroughItsCache) {
 }
 
 TEST_F(SimulatorDisk, IsOnlineAndWatchesItself) {
-    for (const HX_U8 adapter : {HX_U8{0}, HX_U8{1}}) {
-        for (const HD_Config& config : All(HX_PD_GetConfig, adapter)) {
-            EXPECT_EQ(1, config.Online);
-            EXPECT_EQ(1, config.SMARTOn);
-        }
+    for (const HD_Config& config : AllOfBoth(HX_PD_GetConfig)) {
+        EXPECT_EQ(1, config.Online);
+        EXPECT_EQ(1, config.SMARTOn);
     }
 }
 
@@ -219,20 +217,16 @@ TEST_F(SimulatorDisk, HasTheLinkSpeedOfItsModel) {
 }
 
 TEST_F(SimulatorDisk, DoesNothingInTheBackground) {
-    for (const HX_U8 adapter : {HX_U8{0}, HX_U8{1}}) {
-        for (const HD_BGA_Status& activity : All(HX_PD_GetBGAStatus, adapter)) {
-            EXPECT_EQ(0, activity.Bga);
-            EXPECT_EQ(0, activity.BgaStatus);
-            EXPECT_EQ(0, activity.Percentage);
-        }
+    for (const HD_BGA_Status& activity : AllOfBoth(HX_PD_GetBGAStatus)) {
+        EXPECT_EQ(0, activity.Bga);
+        EXPECT_EQ(0, activity.BgaStatus);
+        EXPECT_EQ(0, activity.Percentage);
     }
 }
 
 TEST_F(SimulatorDisk, DoesNotAnnounceItsFailure) {
-    for (const HX_U8 adapter : {HX_U8{0}, HX_U8{1}}) {
-        for (const HD_SMART_Status& smart : All(HX_PD_GetSmartStatus, adapter)) {
-            EXPECT_EQ(0, smart.SmartThresholdExceeded);
-        }
+    for (const HD_SMART_Status& smart : AllOfBoth(HX_PD_GetSmartStatus)) {
+        EXPECT_EQ(0, smart.SmartThresholdExceeded);
     }
 }
 
@@ -374,12 +368,10 @@ protected:
 };
 
 TEST_F(SimulatorLocateLight, IsOffOnEveryDisk) {
-    for (const HX_U8 adapter : {HX_U8{0}, HX_U8{1}}) {
-        for (const HD_Info& disk : All(HX_PD_GetHDInfo, adapter)) {
-            EXPECT_EQ(1, disk.ActivityLEDStatus);
-            EXPECT_EQ(0, disk.LocateLEDStatus);
-            EXPECT_EQ(0, disk.ErrorLEDStatus);
-        }
+    for (const HD_Info& disk : AllOfBoth(HX_PD_GetHDInfo)) {
+        EXPECT_EQ(1, disk.ActivityLEDStatus);
+        EXPECT_EQ(0, disk.LocateLEDStatus);
+        EXPECT_EQ(0, disk.ErrorLEDStatus);
     }
 }
 

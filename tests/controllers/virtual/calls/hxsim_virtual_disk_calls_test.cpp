@@ -67,12 +67,10 @@ TEST_F(SimulatorVirtualDisk, OfAdapterOneIsARaid1OverTwoWholeDisks) {
 }
 
 TEST_F(SimulatorVirtualDisk, IsOptimalAndShowsTheHostSectorsOf512Bytes) {
-    for (const HX_U8 adapter : {HX_U8{0}, HX_U8{1}}) {
-        for (const LD_Info& info : All(HX_LD_GetInfo, adapter)) {
-            EXPECT_EQ(1, info.Status);
-            EXPECT_EQ(0, info.BGAStatus);
-            EXPECT_EQ(1, info.SectorCoefficient);
-        }
+    for (const LD_Info& info : AllOfBoth(HX_LD_GetInfo)) {
+        EXPECT_EQ(1, info.Status);
+        EXPECT_EQ(0, info.BGAStatus);
+        EXPECT_EQ(1, info.SectorCoefficient);
     }
 }
 

@@ -85,6 +85,15 @@ auto All(HX_U8 (*function)(HX_U8, Request*), HX_U8 adapter) {
     return page.records;
 }
 
+/// The same of both adapters.
+template <class Request>
+auto AllOfBoth(HX_U8 (*function)(HX_U8, Request*)) {
+    auto records = All(function, 0);
+    const auto more = All(function, 1);
+    records.insert(records.end(), more.begin(), more.end());
+    return records;
+}
+
 /// The record with that ID. Fails the test when there is none; then the record is zero.
 template <class Request>
 auto TheOne(HX_U8 (*function)(HX_U8, Request*), HX_U8 adapter, HX_U16 id) {
