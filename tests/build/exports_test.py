@@ -10,15 +10,7 @@ import readback
 
 def complaints_about(library, list_path):
     with open(list_path, encoding="ascii") as file:
-        listed = file.read().split()
-    exported = dict(readback.dynamic_symbols(library, "defined"))
-    complaints = [f"{name} is listed and not exported" for name in listed if name not in exported]
-    for name, kind in exported.items():
-        if name not in listed:
-            complaints.append(f"{name} is exported and not listed")
-        elif kind != "T":
-            complaints.append(f"{name} is exported as {kind}, not as a function")
-    return complaints
+        return readback.export_complaints(library, file.read().split(), "listed")
 
 
 def self_check(workshop):

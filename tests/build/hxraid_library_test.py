@@ -31,13 +31,7 @@ def complaints_about(library, header):
     with open(header, encoding="ascii") as file:
         # Comments name functions, too.
         declared = DECLARATION.findall(re.sub(r"/\*.*?\*/", "", file.read(), flags=re.DOTALL))
-    exported = dict(readback.dynamic_symbols(library, "defined"))
-    complaints = [f"{name} is declared and not exported" for name in declared if name not in exported]
-    for name, kind in exported.items():
-        if name not in declared:
-            complaints.append(f"{name} is exported and not declared")
-        elif kind != "T":
-            complaints.append(f"{name} is exported as {kind}, not as a function")
+    complaints = readback.export_complaints(library, declared, "declared")
     if not declared:
         complaints.append("the header declares nothing")
 

@@ -59,6 +59,18 @@ def dynamic_symbols(path, which):
     return symbols
 
 
+def export_complaints(library, functions, are):
+    """Exports that are not exactly these functions, which `are` "listed" or "declared"."""
+    exported = dict(dynamic_symbols(library, "defined"))
+    complaints = [f"{name} is {are} and not exported" for name in functions if name not in exported]
+    for name, kind in exported.items():
+        if name not in functions:
+            complaints.append(f"{name} is exported and not {are}")
+        elif kind != "T":
+            complaints.append(f"{name} is exported as {kind}, not as a function")
+    return complaints
+
+
 def symbols(path):
     """The names of all symbols, local ones too."""
     lines = run("nm", "--format=posix", path).splitlines()
