@@ -21,5 +21,5 @@ struct FaultScenario {
 /// Runs the sweep, each kind of call in a process of its own, and reports what is wrong as failures
 /// of the current test: an undocumented outcome, bytes or descriptors that stay, an end by a
 /// signal, and a run afterwards that is not the usual one. Every call is made to fail when the
-/// environment has FAULTS=all, and else at most 10 of a kind, chosen evenly.
+/// environment has FAULTS=all, and else at most 100 of a kind, chosen evenly.
 void SweepFaults(const FaultScenario& scenario);
