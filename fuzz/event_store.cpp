@@ -29,7 +29,8 @@ struct Files {
 
     std::string Head(const char* name) const {
         std::ifstream file(root.Path(name), std::ios::binary);
-        std::string bytes(std::min<std::uintmax_t>(kCompared, Size(name)), '\0');
+        const auto compared = std::min<std::uintmax_t>(kCompared, Size(name));
+        std::string bytes(static_cast<std::size_t>(compared), '\0');
         file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         return bytes;
     }
@@ -69,8 +70,9 @@ struct Ring {
         const std::uint64_t at = kFirst + kSlot * slot + 8;
         Event event{};
         if (at < bytes.size()) {
-            std::memcpy(&event, bytes.data() + at,
-                        std::min<std::size_t>(sizeof event, bytes.size() - at));
+            const std::string_view there =
+                std::string_view(bytes).substr(static_cast<std::size_t>(at), sizeof event);
+            std::memcpy(&event, there.data(), there.size());
         }
         return event;
     }

@@ -87,7 +87,7 @@ struct ItsClock {
     static auto& RowOf(auto& machine, std::size_t) { return machine.clock; }
 };
 template <const auto& tables, std::size_t i>
-struct Listed {
+struct ItsList {
     static constexpr const auto& kTable = std::get<i>(tables);
     static constexpr const auto& kColumns = kTable.columns;
     static auto& RowOf(auto& holder, std::size_t row) { return (holder.*kTable.list)[row]; }
@@ -138,7 +138,7 @@ constexpr TableOf<Machine> OneRow(const char* name) {
 
 template <class Holder, const auto& tables, std::size_t i>
 constexpr TableOf<Holder> List() {
-    using Place = Listed<tables, i>;
+    using Place = ItsList<tables, i>;
     return {Place::kTable.name, Place::kTable.kKeys, kColumnsIn<Holder, Place>,
             [](const Holder& holder) { return (holder.*Place::kTable.list).size(); },
             [](Holder& holder) { (holder.*Place::kTable.list).emplace_back(); }};

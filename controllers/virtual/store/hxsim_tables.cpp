@@ -56,12 +56,12 @@ Cell CellAt(const Statement& statement, int column) {
 
 // Tables of an adapter's lists begin with a column that names it.
 template <class Holder>
-constexpr bool kOfAdapter = std::is_same_v<Holder, Adapter>;
+constexpr bool kIsOfAdapter = std::is_same_v<Holder, Adapter>;
 
 // "adapter, id, parent, ...": so many of the table's columns, and the adapter's before them.
 template <class Holder>
 std::string Names(const TableOf<Holder>& table, std::size_t count) {
-    std::string names = kOfAdapter<Holder> ? "adapter" : "";
+    std::string names = kIsOfAdapter<Holder> ? "adapter" : "";
     for (const ColumnOf<Holder>& column : table.columns.first(count)) {
         if (!names.empty()) names += ", ";
         names += column.name;
@@ -72,7 +72,7 @@ std::string Names(const TableOf<Holder>& table, std::size_t count) {
 template <class Holder>
 std::string CreateSql(const TableOf<Holder>& table) {
     std::string sql = std::string("CREATE TABLE ") + table.name + " (";
-    if (kOfAdapter<Holder>) sql += "adapter INTEGER NOT NULL, ";
+    if (kIsOfAdapter<Holder>) sql += "adapter INTEGER NOT NULL, ";
     for (const ColumnOf<Holder>& column : table.columns) {
         sql += std::string(column.name) + ' ' + column.type + ", ";
     }
@@ -93,7 +93,7 @@ std::string LoadSql(const TableOf<Holder>& table) {
 template <class Holder>
 std::string PutSql(const TableOf<Holder>& table) {
     std::string names = Names(table, table.columns.size());
-    std::string values = kOfAdapter<Holder> ? "?, ?" : "?";
+    std::string values = kIsOfAdapter<Holder> ? "?, ?" : "?";
     for (std::size_t i = 1; i < table.columns.size(); ++i) values += ", ?";
     if (table.append == nullptr) {
         names += ", only";
@@ -106,7 +106,7 @@ std::string PutSql(const TableOf<Holder>& table) {
 template <class Holder>
 std::string EraseSql(const TableOf<Holder>& table) {
     std::string sql = std::string("DELETE FROM ") + table.name + " WHERE " +
-                      (kOfAdapter<Holder> ? "adapter = ?" : "1");
+                      (kIsOfAdapter<Holder> ? "adapter = ?" : "1");
     for (const ColumnOf<Holder>& column : table.columns.first(table.keys)) {
         sql += std::string(" AND ") + column.name + " = ?";
     }
