@@ -64,6 +64,7 @@ enum class Status : HX_U8 {
     kNoPermission = 251,
     kToolFailed = 252,
     kHeld = 253,
+    kUnsettled = 254,
 };
 
 /// What is wrong, in kind: exit codes of programs follow from it.
@@ -155,6 +156,9 @@ inline constexpr StatusRow kRefusals[] = {
      "A program that the controller needs has failed; the service log has its message."},
     {Status::kHeld, "held",
      "The device is in use: a file system, a volume manager or another program holds it."},
+    {Status::kUnsettled, "unsettled",
+     "The controller's rules undo each other without an end; report this error of the controller.",
+     Fault::kUnavailable},
 };
 static_assert(IsTable(kRefusals));
 static_assert(NumberOf(kRefusals[0].code) == 200, "below 200 are codes of the library's callers");

@@ -48,6 +48,8 @@ Status Caught(Work work) {
         return work();
     } catch (const std::bad_alloc&) {
         return Status::kNoMemory;
+    } catch (const UnsettledError&) {
+        return Status::kUnsettled;
     } catch (const std::exception&) {
         // The file, or a machine that cannot be saved: the state cannot be used either way.
         return Status::kNoState;

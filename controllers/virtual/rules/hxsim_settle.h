@@ -18,7 +18,7 @@ struct SettlingRule {
 };
 
 /// The rules have gone round and round without an end; what() names those that undo each other. The
-/// adapter is half changed: discard it.
+/// adapter is half changed: discard it. A call answers it with Status::kUnsettled.
 struct UnsettledError : std::logic_error {
     using std::logic_error::logic_error;
 };

@@ -13,6 +13,8 @@
 #include "codes/state.h"
 #include "codes/status.h"
 #include "hxraid.h"
+#include "rules/hxsim_settle.h"
+#include "rules/hxsim_settling.h"
 #include "store/hxsim_store.h"
 #include "support/child_process.h"
 #include "support/temporary_root.h"
@@ -134,6 +136,24 @@ TEST_F(Session, CatchesWhatIsThrownAndSavesNothingOfIt) {
                    [](const Adapter&, Time) -> Status { throw std::logic_error("broken"); }),
               Status::kNoState);
     EXPECT_FALSE(HasWorked());
+}
+
+TEST_F(Session, TellsThatRulesUndoEachOtherAndSavesNothingOfIt) {
+    OpenWith({});
+    const auto blink = [](Settling& settling) {
+        bool& lamp = settling.adapter.disks[11].locate_light;
+        lamp = !lamp;
+        return true;
+    };
+    EXPECT_EQ(Change("HX_Work", 0,
+                     [&](Adapter& adapter, Time now) -> Status {
+                         adapter.disks[11].locate_light = true;
+                         Settle(adapter, now, std::array{SettlingRule{"blink", blink}});
+                         return Status::kSuccess;
+                     }),
+              Status::kUnsettled);
+    EXPECT_FALSE(HasWorked());
+    EXPECT_EQ(Work(Status::kSuccess), HX_SUCCESS) << "the next call finds a sound machine";
 }
 
 TEST_F(Session, DrawsWhatFollowsFromAChange) {
