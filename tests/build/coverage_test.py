@@ -28,7 +28,7 @@ int main(int count, char** words) {
 
 
 class Coverage(unittest.TestCase):
-    def measure(self, words, tag="", *options):
+    def measure(self, words, tag="", *options, mapped=False):
         """The script's exit status and output over one program, run with these words."""
         with tempfile.TemporaryDirectory() as directory:
             tree = pathlib.Path(directory).resolve()
@@ -37,8 +37,8 @@ class Coverage(unittest.TestCase):
             (tree / "backend").mkdir()
             source = tree / "backend" / "sign.c"
             source.write_text(SOURCE.replace("TAG", tag))
-            subprocess.run([*COMPILER, "--coverage", "-O0", "-c", source, "-o", "sign.o"],
-                           check=True, cwd=objects)
+            subprocess.run([*COMPILER, "--coverage", "-O0", *([f"-ffile-prefix-map={tree}=."] if mapped else []),
+                            "-c", source, "-o", "sign.o"], check=True, cwd=objects)
             subprocess.run([*COMPILER, "--coverage", "sign.o", "-o", "sign"], check=True,
                            cwd=objects)
             if words is not None:
@@ -53,6 +53,9 @@ class Coverage(unittest.TestCase):
         self.assertIn("8/9   88.9 %", output)
         self.assertIn("5/6", output)
         self.assertEqual(1, status)
+
+    def test_finds_sources_whose_names_are_relative_to_the_tree(self):
+        self.assertIn("8/9   88.9 %", self.measure(["1", "-1"], mapped=True)[1])
 
     def test_passes_a_gate_that_is_reached(self):
         self.assertEqual(0, self.measure(["1", "-1"], "", "--lines", "88", "--branches", "80")[0])
