@@ -20,8 +20,7 @@ using ControlledActivity = StoryTest;
 using RebuildByHand = StoryTest;
 
 TEST_F(Initialisation, InTheForegroundTellsOfItsProgress) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 id = AddRaid5();
     virtual_disk(id).errors = 4;
     EXPECT_EQ(0, Initialise(0, id, Init::kForeground));
     EXPECT_FALSE(virtual_disk(id).initialised);
@@ -67,8 +66,7 @@ TEST_F(Initialisation, ThatIsQuickTakesFiveSecondsWhateverTheSize) {
 }
 
 TEST_F(Initialisation, IsRefusedWithAReason) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 id = AddRaid5();
     EXPECT_EQ(Status::kNoVirtualDisk, Initialise(0, 7, Init::kQuick));
     EXPECT_EQ(Status::kBadAction, Initialise(0, id, Init::kNone));
     EXPECT_EQ(0, Initialise(0, id, Init::kQuick));
@@ -78,9 +76,7 @@ TEST_F(Initialisation, IsRefusedWithAReason) {
 }
 
 TEST_F(Initialisation, InTheBackgroundEndsForARebuild) {
-    AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
+    const HX_U16 id = AddRaid5AndSpare();
     Initialise(0, id, Init::kBackground);
     Fail(10, 0);
     EXPECT_THAT(TakeEvents(), ElementsAre("0 1.50 0", "10 2.2 0", "10 1.4 0", "10 2.10 3",
@@ -88,9 +84,7 @@ TEST_F(Initialisation, InTheBackgroundEndsForARebuild) {
 }
 
 TEST_F(Initialisation, InTheForegroundKeepsARebuildWaiting) {
-    AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
+    const HX_U16 id = AddRaid5AndSpare();
     Initialise(0, id, Init::kForeground);
     Fail(90, 0);
     TakeEvents();
@@ -107,8 +101,7 @@ TEST_F(Initialisation, FailsWithItsVirtualDisk) {
 }
 
 TEST_F(ControlledActivity, PausedStandsStillAndGoesOnWhereItWasOverAReload) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 id = AddRaid5();
     Initialise(0, id, Init::kForeground);
     EXPECT_EQ(0, Steer(30, id, ControlAction::kPause));
     EXPECT_EQ(ActivityState::kPaused, activity(id)->state);
@@ -123,8 +116,7 @@ TEST_F(ControlledActivity, PausedStandsStillAndGoesOnWhereItWasOverAReload) {
 }
 
 TEST_F(ControlledActivity, AbortedEndsWithoutItsEffect) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 id = AddRaid5();
     Initialise(0, id, Init::kForeground);
     EXPECT_EQ(0, Steer(10, id, ControlAction::kAbort));
     At(1000);
@@ -133,8 +125,7 @@ TEST_F(ControlledActivity, AbortedEndsWithoutItsEffect) {
 }
 
 TEST_F(ControlledActivity, CannotBeControlledInVain) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 id = AddRaid5();
     EXPECT_EQ(Status::kNoActivity, Steer(0, id, ControlAction::kPause));
     Initialise(0, id, Init::kForeground);
     EXPECT_EQ(Status::kBadAction, Steer(1, id, static_cast<ControlAction>(0)));
@@ -192,9 +183,7 @@ TEST_F(RebuildByHand, TakesTheDiskThatIsNamed) {
 }
 
 TEST_F(RebuildByHand, StartsAnAbortedOneAgainWhichDoesNotStartByItself) {
-    AddDisks(4);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
-    SetGlobalSpare(3);
+    const HX_U16 id = AddRaid5AndSpare();
     Fail(0, 1);
     Steer(10, id, ControlAction::kAbort);
     TakeEvents();

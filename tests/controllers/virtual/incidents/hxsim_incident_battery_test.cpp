@@ -19,17 +19,7 @@ using testing::ElementsAre;
 
 constexpr Time kMinute = 60'000, kHour = 60 * kMinute;
 
-class BatteryIncident : public MixedMachineTest {
-protected:
-    BBU_Info At(Time time) {
-        while (true) {
-            const Time due = NextTransition(battery());
-            if (due > time) break;
-            AdvanceBattery(adapter(), due);
-        }
-        return Describe(battery(), time);
-    }
-};
+using BatteryIncident = BatteryTest;
 
 TEST_F(BatteryIncident, LeavesTheCacheUnprotectedWhenItIsRemoved) {
     ASSERT_EQ(0, ChangePower(adapter(), kNow, NumberOf(Power::kDischarge)));

@@ -68,8 +68,7 @@ using StateOfAVirtualDisk = StoryTest;
 using StateOfADiskGroup = StoryTest;
 
 TEST_F(StateOfAVirtualDisk, IsForeignWhateverItsDisksAre) {
-    AddDisks(3);
-    const HX_U16 id = AddVirtualDisk(Level::kRaid5, {0, 1, 2});
+    const HX_U16 id = AddRaid5();
     virtual_disk(id).foreign = true;
     disk(0).present = false;
     EXPECT_EQ(6, StateOf(adapter(), virtual_disk(id)));
