@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """A libhxraid.so is what callers of hxraid.h expect, and can be loaded into any process.
 
-It exports the functions that the header declares, all of them and nothing else, under a soname
+It exports the functions that the headers declare, all of them and nothing else, under a soname
 without a version. It needs the C library and SQLite alone, and nothing runs when it is loaded or
 unloaded but what the C++ runtime inside it does for itself.
 
-usage: hxraid_library_test.py LIBRARY HEADER
+usage: hxraid_library_test.py LIBRARY HEADER...
        hxraid_library_test.py --self-check COMPILER [OPTION]...
 """
 
@@ -19,7 +19,7 @@ ALLOWED = re.compile(r"libc\.so\.6$|libm\.so\.6$|libsqlite3\.so\.0$|ld-linux.*\.
 # its reserve of memory for exceptions. It registers its own handler, too.
 RUNTIME = re.compile(r"_GLOBAL__sub_I_\w+\.cc$")
 RUNTIME_HANDLER = "__cxa_atexit"
-DECLARATION = re.compile(r"^\w[\w ]*[ *]+(HX_\w+)\([^;{}]*\);", re.MULTILINE)
+DECLARATION = re.compile(r"^(?:\[\[.*?\]\] )?\w[\w ]*[ *]+((?:HX|hx)_\w+)\([^;{}]*\);", re.MULTILINE)
 EXIT_HANDLERS = {"atexit", "on_exit", "__cxa_atexit", "__cxa_thread_atexit_impl"}
 
 
@@ -27,10 +27,13 @@ def bracketed(value):
     return value[value.index("[") + 1 : value.rindex("]")]
 
 
-def complaints_about(library, header):
-    with open(header, encoding="ascii") as file:
-        # Comments name functions, too.
-        declared = DECLARATION.findall(re.sub(r"/\*.*?\*/", "", file.read(), flags=re.DOTALL))
+def complaints_about(library, *headers):
+    declared = []
+    for header in headers:
+        with open(header, encoding="ascii") as file:
+            # Comments name functions, too.
+            text = re.sub(r"/\*.*?\*/", "", file.read(), flags=re.DOTALL)
+            declared += DECLARATION.findall(text)
     complaints = readback.export_complaints(library, declared, "declared")
     if not declared:
         complaints.append("the header declares nothing")

@@ -13,7 +13,9 @@ Driver::Driver(std::string path, std::ostream& out) : path_(std::move(path)), ou
 Driver::~Driver() { Restart(); }
 
 hxsim::Store& Driver::State() {
-    if (store_ == nullptr) store_ = std::make_unique<hxsim::Store>(path_, hxsim::DefaultMachine);
+    if (store_ == nullptr)
+        store_ = std::make_unique<hxsim::Store>(path_, hxsim::DefaultMachine,
+                                                hxsim::WhenStateIsMissing());
     return *store_;
 }
 

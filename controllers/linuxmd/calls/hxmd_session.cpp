@@ -12,6 +12,7 @@
 
 #include "calls/hxmd_adapter.h"
 #include "codes/status.h"
+#include "library/trouble.h"
 #include "rules/hxmd_changes.h"
 #include "rules/hxmd_identity.h"
 #include "store/hxmd_store.h"
@@ -37,8 +38,10 @@ HX_U8 Caught(Work work) {
     try {
         return work();
     } catch (const std::bad_alloc&) {
+        hxlibrary::NoteTrouble("There is not enough memory.");
         return NumberOf(Status::kNoMemory);
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        hxlibrary::NoteTrouble(error.what());
         return NumberOf(Status::kNoState);
     }
 }
@@ -92,6 +95,7 @@ void Collect(Kept& kept, Machine machine) {
 
 HX_U8 Open() {
     if (store != nullptr) return HX_SUCCESS;
+    hxlibrary::NoteTrouble("");
     return Caught([]() -> HX_U8 {
         store = new Store(StatePath());
         return HX_SUCCESS;
@@ -118,7 +122,7 @@ HX_U8 Check(HX_U8 adapter) {
     return adapter < AdapterCount() ? HX_U8{HX_SUCCESS} : NumberOf(Status::kNoAdapter);
 }
 
-HX_U8 OnView(HX_U8 adapter, const std::function<HX_U8(const View& view)>& work) {
+HX_U8 OnView(HX_U8 adapter, hxlibrary::FunctionRef<HX_U8(const View& view)> work) {
     if (const HX_U8 status = Check(adapter)) return status;
     return Caught([&]() -> HX_U8 {
         auto machine = Look();

@@ -2,9 +2,8 @@
 // looked at afresh.
 #pragma once
 
-#include <functional>
-
 #include "hxraid.h"
+#include "library/function_ref.h"
 #include "model/hxmd_kept.h"
 #include "model/hxmd_machine.h"
 
@@ -27,7 +26,7 @@ HX_U8 AdapterCount();
 HX_U8 Check(HX_U8 adapter);
 
 /// A call that only looks. Objects that have no number get one, where that can be saved.
-HX_U8 OnView(HX_U8 adapter, const std::function<HX_U8(const View& view)>& work);
+HX_U8 OnView(HX_U8 adapter, hxlibrary::FunctionRef<HX_U8(const View& view)> work);
 
 /// Takes events: looks at the machine, queues what is different and hands out the oldest.
 HX_U8 TakeEvents(HX_U8 adapter, HX_U8 max, HX_U8* count, Event* events);

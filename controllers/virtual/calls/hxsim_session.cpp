@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "incidents/hxsim_fault_injection.h"
+#include "library/trouble.h"
 #include "model/hxsim_codes.h"
 #include "rules/hxsim_settle.h"
 #include "store/hxsim_store.h"
@@ -16,7 +17,7 @@ namespace hxsim {
 namespace {
 
 struct Session {
-    Store store{StatePath(), DefaultMachine};
+    Store store{StatePath(), DefaultMachine, WhenStateIsMissing()};
     bool hostile = false;  // the call that runs now is to answer as broken firmware does
 };
 
@@ -47,11 +48,14 @@ Status Caught(Work work) {
     try {
         return work();
     } catch (const std::bad_alloc&) {
+        hxlibrary::NoteTrouble("There is not enough memory.");
         return Status::kNoMemory;
-    } catch (const UnsettledError&) {
+    } catch (const UnsettledError& error) {
+        hxlibrary::NoteTrouble(error.what());
         return Status::kUnsettled;
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
         // The file, or a machine that cannot be saved: the state cannot be used either way.
+        hxlibrary::NoteTrouble(error.what());
         return Status::kNoState;
     }
 }
@@ -79,6 +83,7 @@ Status OnAdapter(const char* call, HX_U8 adapter, Work work) {
 
 Status Open() {
     if (session != nullptr) return Status::kSuccess;
+    hxlibrary::NoteTrouble("");
     return Caught([]() -> Status {
         session = new Session;
         const Status status = Caught([] {
@@ -110,14 +115,14 @@ HX_U8 AdapterCount() {
 bool IsHostile() { return session != nullptr && session->hostile; }
 
 HX_U8 Look(const char* call, HX_U8 adapter,
-           const std::function<Status(const Adapter& adapter, Time now)>& work) {
+           hxlibrary::FunctionRef<Status(const Adapter& adapter, Time now)> work) {
     return NumberOf(OnAdapter(call, adapter, [&](const Machine& machine) {
         return work(machine.adapters.at(adapter), Now(machine.clock, RealNow()));
     }));
 }
 
 HX_U8 Change(const char* call, HX_U8 adapter,
-             const std::function<Status(Adapter& adapter, Time now)>& work) {
+             hxlibrary::FunctionRef<Status(Adapter& adapter, Time now)> work) {
     return NumberOf(OnAdapter(call, adapter, [&](const Machine&) -> Status {
         Status status = Status::kNoAdapter;  // gone since, with the whole machine
         session->store.Change([&](Machine& machine, Time now) {

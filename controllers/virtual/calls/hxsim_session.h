@@ -2,9 +2,8 @@
 // saved after every call that changes it.
 #pragma once
 
-#include <functional>
-
 #include "hxraid.h"
+#include "library/function_ref.h"
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
@@ -15,14 +14,14 @@ namespace hxsim {
 /// own name: pass __func__; null for a further part of a call that has been let through, which
 /// meets no fault and answers as the first part does (IsHostile). Nothing is thrown.
 HX_U8 Look(const char* call, HX_U8 adapter,
-           const std::function<Status(const Adapter& adapter, Time now)>& work);
+           hxlibrary::FunctionRef<Status(const Adapter& adapter, Time now)> work);
 
 /// A call on one adapter that changes it, as one transaction that no other process comes between.
 /// When `work` refuses (returns anything but Status::kSuccess) or throws, nothing is changed. When
 /// it succeeds, what follows is drawn (Settle) and saved before this returns; where that has no
 /// end, nothing is changed and the call is refused with Status::kUnsettled.
 HX_U8 Change(const char* call, HX_U8 adapter,
-             const std::function<Status(Adapter& adapter, Time now)>& work);
+             hxlibrary::FunctionRef<Status(Adapter& adapter, Time now)> work);
 
 /// Change by work(adapter, now, what...).
 template <class Work, class... What>
@@ -49,7 +48,7 @@ HX_U8 ChangeWith(const char* call, HX_U8 adapter, Record* record, Work work, Key
 bool IsHostile();
 
 /// Opens the state file that StatePath names, if it is not open yet. Refused with Status::kNoState,
-/// Status::kNoMemory or Status::kUnsettled; the library is closed then.
+/// Status::kNoMemory or Status::kUnsettled, and hx_trouble tells why; the library is closed then.
 Status Open();
 
 /// Closes it, if it is open.

@@ -62,6 +62,11 @@ void MakeFolders(const std::filesystem::path& folder) {
     if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) ThrowSystemError(folder, "made");
 }
 
+void RequireRegular(const std::string& path, const struct stat& found) {
+    if (S_ISREG(found.st_mode)) return;
+    throw StoreError(path + " is no regular file; name another one in HXSIM_STATE.");
+}
+
 // Makes an empty file where there is none. One that is there is not even opened: closing it would
 // give up the locks that this process has on it through other connections. The log and its index
 // get the file's mode from SQLite. What is no file is refused here, before SQLite leaves files of
@@ -76,9 +81,23 @@ void MakeFile(const std::string& path) {
     if (errno != EEXIST) ThrowSystemError(path, "made");
     struct stat found {};
     if (stat(path.c_str(), &found) != 0) ThrowSystemError(path, "found");
-    if (!S_ISREG(found.st_mode)) {
-        throw StoreError(path + " is no regular file; name another one in HXSIM_STATE.");
+    RequireRegular(path, found);
+}
+
+[[noreturn]] void ThrowNoMachine(const std::string& path) {
+    throw StoreError(path + ": there is no machine; make one with \"hxsimctl init --state " + path +
+                     "\", or name another file in HXSIM_STATE.");
+}
+
+// Nothing is written where no machine is: SQLite would turn an empty file into a database.
+void RequireFile(const std::string& path) {
+    struct stat found {};
+    if (stat(path.c_str(), &found) != 0) {
+        if (errno == ENOENT || errno == ENOTDIR) ThrowNoMachine(path);
+        ThrowSystemError(path, "found");
     }
+    RequireRegular(path, found);
+    if (found.st_size == 0) ThrowNoMachine(path);
 }
 
 // A folder that the process leaves later must not change which file is meant.
@@ -160,6 +179,11 @@ std::string StatePath() {
     return HomeFolder() + "/.local/state" + kUserPath;
 }
 
+IfMissing WhenStateIsMissing() {
+    // A set-user-ID process has no environment here, as in StatePath.
+    return Environment("HXSIM_STATE").empty() ? IfMissing::kMake : IfMissing::kRefuse;
+}
+
 // ---- The open file ----
 
 namespace {
@@ -195,8 +219,8 @@ struct Store::Database {
         Statement data_version;
     };
 
-    Database(const std::string& file, std::function<Machine()> first)
-        : path_(Absolute(file)), first_(std::move(first)) {
+    Database(const std::string& file, std::function<Machine()> first, IfMissing if_missing)
+        : path_(Absolute(file)), first_(std::move(first)), if_missing_(if_missing) {
         Connect(nullptr);
     }
 
@@ -221,12 +245,15 @@ private:
     // Opens the file, and makes the machine when there is none: a copy of `inherited`, or the first
     // one.
     void Connect(const Machine* inherited) {
-        if (path_ != kMemory) MakeFile(path_);
+        if (path_ != kMemory && if_missing_ == IfMissing::kMake) MakeFile(path_);
+        if (path_ != kMemory && if_missing_ == IfMissing::kRefuse) RequireFile(path_);
         link_ = std::make_unique<Link>(path_);
         pid_ = getpid();
         Transaction transaction(link_->connection);
         if (IsStateFile(link_->connection, path_)) {
             Upgrade(link_->connection, path_, kUpgradeSteps, kSchemaVersion);
+        } else if (path_ != kMemory && if_missing_ == IfMissing::kRefuse) {
+            ThrowNoMachine(path_);
         } else {
             Fill(link_->connection, inherited != nullptr ? *inherited : first_());
         }
@@ -303,7 +330,8 @@ private:
 
     const std::string path_;
     const std::function<Machine()> first_;  // of a file that is not there
-    pid_t pid_ = 0;                         // of the process that has opened it
+    const IfMissing if_missing_;
+    pid_t pid_ = 0;  // of the process that has opened it
     std::unique_ptr<Link> link_;
     std::int64_t known_version_ = 0;
     bool busy_ = false;    // in the middle of a call
@@ -312,8 +340,8 @@ private:
     Time due_ = kNever;  // in real time
 };
 
-Store::Store(const std::string& path, std::function<Machine()> first)
-    : database_(std::make_unique<Database>(path, std::move(first))) {}
+Store::Store(const std::string& path, std::function<Machine()> first, IfMissing if_missing)
+    : database_(std::make_unique<Database>(path, std::move(first), if_missing)) {}
 Store::~Store() = default;
 
 void Store::Create(const std::string& path, const Machine& machine) {

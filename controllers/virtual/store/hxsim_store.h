@@ -14,12 +14,19 @@ namespace hxsim {
 /// user's state folder. Set-user-ID processes look at none of them but the system's own folder.
 std::string StatePath();
 
+enum class IfMissing { kMake, kRefuse };
+
+/// What becomes of a state file that is not there: one that HXSIM_STATE names is not made by
+/// whoever merely looks, since its name may be misspelt; the others are.
+IfMissing WhenStateIsMissing();
+
 /// An open state file and the machine as it was last read from it or written to it.
 class Store {
 public:
-    /// Opens the file. One that is not there is made, with the machine that `first` makes. Throws
-    /// StoreError.
-    Store(const std::string& path, std::function<Machine()> first);
+    /// Opens the file. One that is not there, or is empty, is made with the machine that `first`
+    /// makes, or refused; a machine in memory is always made. Throws StoreError.
+    Store(const std::string& path, std::function<Machine()> first,
+          IfMissing if_missing = IfMissing::kMake);
     ~Store();
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;

@@ -87,6 +87,29 @@ class Manual(InFolder):
             self.expect(0, "check")
 
 
+class NoMachine(InFolder):
+    """A state file that is named and not there, which may be a misspelt one."""
+
+    def test_nothing_but_init_makes_it(self):
+        (self.folder / "story.txt").write_text("disk fail a0/pd0\n", encoding="utf-8")
+        state = self.folder / "typo" / "hxsim.db"
+        for words in ("show", "check", "clock freeze", "disk fail a0/pd0", "inject list",
+                      "scenario run story.txt"):
+            with self.subTest(words):
+                said = self.expect(5, "--state", str(state), *words.split())
+                self.assertEqual(said, f"hxsimctl: {state}: there is no machine; make one with "
+                                       f'"hxsimctl init --state {state}", or name another file in '
+                                       "HXSIM_STATE.\n")
+                self.assertFalse(state.parent.exists())
+        self.expect(0, "--state", str(state), "init")
+        self.expect(0, "--state", str(state), "show")
+
+    def test_an_empty_file_is_none_either(self):
+        (self.folder / self.state).write_bytes(b"")
+        self.assertIn(": there is no machine; ", self.expect(5, "show"))
+        self.assertEqual((self.folder / self.state).read_bytes(), b"")
+
+
 class Scenarios(InFolder):
     def test_every_scenario_that_ships_runs_and_leaves_a_sound_machine(self):
         files = sorted((SOURCE / "examples/scenarios").glob("*.txt"))

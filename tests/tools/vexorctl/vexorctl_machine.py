@@ -110,6 +110,12 @@ def run_tests(module, *names):
     unittest.main(module, argv=[sys.argv[0], *sys.argv[1 + len(names):]], verbosity=2)
 
 
+def full_disk(faults, folder):
+    """The environment of a program that finds no room below the folder; `faults` is the library of
+    tests/support/faults.c."""
+    return {"LD_PRELOAD": str(faults), "FAULTS_FULL_DISK": str(folder)}
+
+
 class Machine:
     """A fresh machine; `programs` is the folder of hxsimctl, `topology` a name or a file."""
 

@@ -6,7 +6,11 @@ usage: vexorctl_unreadable_test.py VEXORCTL SCRIPTED_LIBRARY_FOLDER [TEST]...
 """
 
 import json
+import os
 import re
+import resource
+import sqlite3
+import subprocess
 import xml.etree.ElementTree
 
 import vexorctl_machine
@@ -16,6 +20,8 @@ from vexorctl_script import Script
 
 # Set from the command line.
 SCRIPTED_LIBRARY = ""
+
+NOBODY = 65534
 
 CANNOT_CARRY = ", which the library's results cannot carry"
 REFUSED_NAMES = (
@@ -188,22 +194,86 @@ class ManyItems(VexorctlCase):
 class Closed(VexorctlCase):
     """A controller that could not be opened is not an empty machine."""
 
-    def test_every_verb_that_asks_ends_with_5(self):
+    VERBS = ("adapter list", "disk list", "disk show a0/pd0", "disk blocks", "vd list",
+             "vd show name:DATABASE", "dg list", "enclosure list", "task list",
+             "battery list", "flash list", "vd delete a0/vd0 --yes",
+             "vd create --raid 0 --disks 1 --adapter 0 --yes")
+
+    def run_as_user(self, *words, setup=None):
+        """Runs vexorctl as somebody whom permissions hold back, which root is not."""
+        user = {}
+        if os.geteuid() == 0:
+            for folder in (self.root, *self.root.rglob("*")):
+                if folder.is_dir():
+                    folder.chmod(0o755)
+            user = {"user": NOBODY, "group": NOBODY, "extra_groups": []}
+        return subprocess.run([self.vexorctl, *words], cwd="/", env=self.environment, text=True,
+                              capture_output=True, timeout=60, check=False, preexec_fn=setup, **user)
+
+    def expect_reason(self, run, *parts):
+        """The command ended with 5; its message and its document name the file and the cause."""
+        self.assertEqual(run.returncode, 5, run.stderr)
+        self.assertTrue(run.stderr.startswith("vexorctl: the controller could not be opened: " +
+                                              str(self.machine.state)), run.stderr)
+        document = json.loads(run.stdout)
+        schema(SCHEMA).validate(document)
+        self.assertEqual(document["items"], [])
+        error = document["errors"][0]
+        self.assertEqual((error["code"], error["name"]), (200, "not_initialized"))
+        for part in parts:
+            self.assertIn(part, run.stderr)
+            self.assertIn(part, error["message"])
+
+    def test_a_damaged_state_file_is_told_by_every_verb(self):
         self.machine.state.write_bytes(b"This is no database." * 500)
-        for words in ("adapter list", "disk list", "disk show a0/pd0", "disk blocks", "vd list",
-                      "vd show name:DATABASE", "dg list", "enclosure list", "task list",
-                      "battery list", "flash list", "vd delete a0/vd0 --yes",
-                      "vd create --raid 0 --disks 1 --adapter 0 --yes"):
+        for words in self.VERBS:
             with self.subTest(words=words):
-                run = self.run_words(*words.split(), "-o", "json")
-                self.assertEqual(run.returncode, 5, run.stderr)
-                self.assertTrue(run.stderr.startswith(
-                    "vexorctl: the controller could not be opened: "), run.stderr)
-                self.assertIn("hxsimctl", run.stderr)
-                document = json.loads(run.stdout)
-                self.assertEqual(document["items"], [])
-                self.assertEqual((document["errors"][0]["code"], document["errors"][0]["name"]),
-                                 (200, "not_initialized"))
+                self.expect_reason(self.run_words(*words.split(), "-o", "json"),
+                                   "is damaged", "file is not a database", "hxsimctl init")
+
+    def test_a_read_makes_no_machine_where_one_is_named_that_is_not_there(self):
+        self.machine.state = self.root / "typo" / "machine.db"
+        self.environment["HXSIM_STATE"] = str(self.machine.state)
+        for words in self.VERBS:
+            with self.subTest(words=words):
+                self.expect_reason(self.run_words(*words.split(), "-o", "json"),
+                                   ": there is no machine",
+                                   f'make one with "hxsimctl init --state {self.machine.state}"')
+                self.assertFalse(self.machine.state.parent.exists())
+
+    def test_an_empty_file_that_is_named_is_no_machine_either(self):
+        self.machine.state.write_bytes(b"")
+        self.expect_reason(self.run_words("vd", "list", "-o", "json"), ": there is no machine")
+        self.assertEqual(self.machine.state.read_bytes(), b"")
+
+    def test_without_a_name_the_built_in_machine_is_made(self):
+        del self.environment["HXSIM_STATE"]
+        run = self.run_words("adapter", "list", "-o", "json")
+        self.assertEqual((run.returncode, len(json.loads(run.stdout)["items"])), (0, 2), run.stderr)
+        self.assertTrue((self.root / "var/lib/vexorapi/hxsim.db").exists())
+
+    def test_a_file_that_may_not_be_read_is_told(self):
+        self.machine.state.chmod(0)
+        self.expect_reason(self.run_as_user("vd", "list", "-o", "json"),
+                           "cannot be opened", "Permission denied")
+
+    def test_a_file_that_may_only_be_read_is_told(self):
+        self.machine.state.chmod(0o444)
+        self.expect_reason(self.run_as_user("vd", "list", "-o", "json"), "make it writable")
+
+    def test_too_few_descriptors_are_told(self):
+        def four():
+            resource.setrlimit(resource.RLIMIT_NOFILE, (4, 4))
+
+        self.machine.state.chmod(0o666)
+        self.expect_reason(self.run_as_user("vd", "list", "-o", "json", setup=four),
+                           "Too many open files")
+
+    def test_a_state_file_that_broke_since_is_told(self):
+        with sqlite3.connect(self.machine.state) as database:
+            database.execute("UPDATE block SET start = 5 WHERE adapter = 1 AND id = 0")
+        run = self.run_words("vd", "list", "-o", "json")
+        self.expect_reason(run, "is damaged: a1/pd0 has sectors 0 to 4 in no block")
 
 
 if __name__ == "__main__":

@@ -45,6 +45,13 @@ std::uint64_t NextIndex(const Value& result) {
                                                        .value_or(0);
 }
 
+// The codes of a controller that serves nobody name no file and no cause.
+void AppendTrouble(std::string& complaint) {
+    if (const std::string trouble = ControllerTrouble(); !trouble.empty()) {
+        complaint.append(": ").append(trouble);
+    }
+}
+
 }  // namespace
 
 std::optional<std::uint64_t> StatusOf(const Value& result) {
@@ -119,6 +126,7 @@ Answer Controller::Ask(const Command& command) {
     if (answer.status != 0) {
         answer.exit = codes().ExitOf(answer.status);
         answer.complaint = "refused: " + codes().RefusalText(answer.status);
+        if (answer.exit == Exit::kUnavailable) AppendTrouble(answer.complaint);
     } else if (!parsed.well_formed) {
         answer.exit = Exit::kUndelivered;
         answer.complaint = "the result is not well-formed: line " + std::to_string(parsed.line) +
@@ -231,10 +239,12 @@ void Controller::RefuseIfNotOpen() {
     const Request<Function> request{{Function::AdapterID, 0}};
     const auto answer = Ask(request);
     if (answer.exit != Exit::kUnavailable) return;
-    throw Failure(Exit::kUnavailable,
-                  "the controller could not be opened: " + answer.complaint +
-                      " With the virtual controller, \"hxsimctl show\" tells why, and what to do",
-                  FaultOf(request, answer));
+    const std::string trouble = ControllerTrouble();
+    const std::string message =
+        "the controller could not be opened: " + (trouble.empty() ? answer.complaint : trouble);
+    Fault fault = FaultOf(request, answer);
+    fault.message = message;
+    throw Failure(Exit::kUnavailable, message, std::move(fault));
 }
 
 const std::vector<unsigned>& Controller::Adapters() {

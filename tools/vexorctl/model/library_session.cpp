@@ -1,11 +1,14 @@
 #include "model/library_session.h"
 
+#include <dlfcn.h>
+
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
 
 #include "common/read_file.h"
+#include "library/trouble.h"
 #include "model/xml_text.h"
 
 #include "vexorapi.h"
@@ -59,6 +62,13 @@ std::string ConfigurationPath() {
 
 std::vector<std::pair<std::string, std::string>> ReadConfiguration() {
     return XmlAttributes(CheckedConfiguration());
+}
+
+std::string ControllerTrouble() {
+    // A library of that name may be the vendor's, which does not have it.
+    const auto tell =
+        reinterpret_cast<decltype(&hx_trouble)>(dlsym(RTLD_DEFAULT, hxlibrary::kTroubleFunction));
+    return tell == nullptr ? "" : tell();
 }
 
 Session::Session() : result_(std::make_unique_for_overwrite<char[]>(VEXORAPI_MAX_RESULT)) {

@@ -25,6 +25,10 @@ std::string ConfigurationPath();
 /// none when there is no such file. Throws Unavailable.
 std::vector<std::pair<std::string, std::string>> ReadConfiguration();
 
+/// Why the controller library last could not be used, as it says itself; empty when nothing was in
+/// the way, or when the library is another maker's and does not tell.
+std::string ControllerTrouble();
+
 enum class Outcome {
     kDelivered,  // the result is there
     kDidNotFit,  // a function took the command, but its result is lost

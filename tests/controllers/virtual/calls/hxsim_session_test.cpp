@@ -13,6 +13,7 @@
 #include "codes/state.h"
 #include "codes/status.h"
 #include "hxraid.h"
+#include "library/trouble.h"
 #include "rules/hxsim_settle.h"
 #include "rules/hxsim_settling.h"
 #include "store/hxsim_store.h"
@@ -25,6 +26,8 @@ namespace {
 
 using hxcodes::State;
 using hxcodes::Status;
+using testing::HasSubstr;
+using testing::StartsWith;
 
 class Session : public testing::Test {
 protected:
@@ -68,6 +71,7 @@ protected:
 TEST_F(Session, RefusesEveryCallBeforeItIsOpenAndAfterItIsClosed) {
     EXPECT_EQ(GetInfo(), Status::kNotInitialized);
     EXPECT_EQ(HX_Adapter_GetCount(), 0);
+    Store::Create(File(), DefaultMachine());
     EXPECT_EQ(HX_API_Initialize(), HX_SUCCESS);
     EXPECT_EQ(GetInfo(), HX_SUCCESS);
     EXPECT_EQ(HX_Adapter_GetCount(), 2);
@@ -77,6 +81,7 @@ TEST_F(Session, RefusesEveryCallBeforeItIsOpenAndAfterItIsClosed) {
 }
 
 TEST_F(Session, MayBeOpenedTwiceAndClosedTwice) {
+    Store::Create(File(), DefaultMachine());
     EXPECT_EQ(HX_API_Initialize(), HX_SUCCESS);
     EXPECT_EQ(HX_API_Initialize(), HX_SUCCESS);
     HX_API_Finalize();
@@ -89,6 +94,37 @@ TEST_F(Session, IsNotOpenWhenTheStateFileCannotBeUsed) {
     EXPECT_EQ(HX_API_Initialize(), Status::kNoState);
     EXPECT_FALSE(IsOpen());
     EXPECT_EQ(GetInfo(), Status::kNotInitialized);
+    EXPECT_THAT(hx_trouble(), StartsWith(File() + " is damaged or no state file"));
+}
+
+TEST_F(Session, MakesNoMachineInAFileThatIsNamedAndNotThere) {
+    EXPECT_EQ(HX_API_Initialize(), Status::kNoState);
+    EXPECT_FALSE(IsOpen());
+    EXPECT_FALSE(root_.Exists("/hxsim.db"));
+    EXPECT_EQ(hx_trouble(), File() +
+                                ": there is no machine; make one with \"hxsimctl init --state " +
+                                File() + "\", or name another file in HXSIM_STATE.");
+}
+
+TEST_F(Session, MakesNoMachineInAnEmptyFileThatIsNamed) {
+    root_.Write("/hxsim.db", "");
+    EXPECT_EQ(HX_API_Initialize(), Status::kNoState);
+    EXPECT_EQ(root_.Read("/hxsim.db"), "");
+    EXPECT_THAT(hx_trouble(), StartsWith(File() + ": there is no machine; "));
+}
+
+TEST_F(Session, MakesTheDefaultMachineWhereNoFileIsNamed) {
+    unsetenv("HXSIM_STATE");  // below VEXORAPI_ROOT then
+    EXPECT_EQ(HX_API_Initialize(), HX_SUCCESS);
+    EXPECT_EQ(HX_Adapter_GetCount(), 2);
+    EXPECT_TRUE(root_.Exists("/var/lib/vexorapi/hxsim.db"));
+}
+
+TEST_F(Session, ForgetsItsTroubleWhenItIsOpened) {
+    EXPECT_EQ(HX_API_Initialize(), Status::kNoState);
+    Store::Create(File(), DefaultMachine());
+    EXPECT_EQ(HX_API_Initialize(), HX_SUCCESS);
+    EXPECT_STREQ(hx_trouble(), "");
 }
 
 TEST_F(Session, RefusesCallsWhenTheStateFileHasBecomeUnusable) {
@@ -99,6 +135,7 @@ TEST_F(Session, RefusesCallsWhenTheStateFileHasBecomeUnusable) {
         return true;
     });
     EXPECT_EQ(GetInfo(), Status::kNoState);
+    EXPECT_THAT(hx_trouble(), HasSubstr("a1/pd0 has sectors 0 to 4 in no block"));
     EXPECT_EQ(Work(Status::kSuccess), Status::kNoState);
     EXPECT_EQ(HX_Adapter_GetCount(), 0);
 }

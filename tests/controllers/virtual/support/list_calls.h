@@ -22,7 +22,9 @@ protected:
 /// the open library. Other tests have a new machine in memory each time that it is opened.
 class StateFile {
 public:
-    StateFile() { setenv("HXSIM_STATE", root_.Path("/hxsim.db").c_str(), 1); }
+    // Below VEXORAPI_ROOT, where the first call makes the default machine; a file that HXSIM_STATE
+    // names would have to be there.
+    StateFile() { unsetenv("HXSIM_STATE"); }
     ~StateFile() { setenv("HXSIM_STATE", ":memory:", 1); }
     StateFile(const StateFile&) = delete;
     StateFile& operator=(const StateFile&) = delete;

@@ -127,6 +127,7 @@ protected:
     // The machine is in a file, where the test puts the fault into it.
     EveryFunctionOfBrokenFirmware() {
         vexorApiShutdown();
+        hxsim::Store::Create(State(), hxsim::DefaultMachine());
         setenv("HXSIM_STATE", State().c_str(), 1);
         vexorApiInit();
     }

@@ -1,0 +1,18 @@
+// The reason that was kept last.
+#include "library/trouble.h"
+
+#include <cstdio>
+
+namespace hxlibrary {
+namespace {
+
+// A path of the greatest length and a sentence.
+constinit char kept[4096 + 512] = "";
+
+}  // namespace
+
+void NoteTrouble(const char* reason) { std::snprintf(kept, sizeof kept, "%s", reason); }
+
+}  // namespace hxlibrary
+
+const char* hx_trouble() { return hxlibrary::kept; }
