@@ -6,7 +6,7 @@
 # this takes is in the library: it is loaded into PHP and into daemons, as the vendor's library is.
 function(vexor_controller_library target objects destination)
     set(exports "${PROJECT_SOURCE_DIR}/controllers/hxraid.map")
-    add_library(${target} SHARED)
+    add_library(${target} SHARED "${PROJECT_SOURCE_DIR}/controllers/library/unload.cpp")
     set_target_properties(${target} PROPERTIES
         OUTPUT_NAME hxraid
         LINKER_LANGUAGE CXX

@@ -2,9 +2,11 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <string>
 
 #include "clock_commands.h"
+#include "common/out_of_memory.h"
 #include "common/terminal_text.h"
 #include "incident_commands.h"
 #include "machine_commands.h"
@@ -71,6 +73,8 @@ int RunReportingFailure(int argc, char** argv) {
         return Fail(failure.exit, std::string(failure.what()) + " (see hxsimctl --help)");
     } catch (const Failure& failure) {
         return Fail(failure.exit, failure.what());
+    } catch (const std::bad_alloc&) {
+        vexortools::EndWithoutMemory();
     } catch (const std::exception& failure) {  // hxsim::StoreError among them
         return Fail(Exit::kUnavailable, failure.what());
     }

@@ -3,6 +3,7 @@
 #include <new>
 #include <string>
 
+#include "common/out_of_memory.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/library_session.h"
@@ -31,7 +32,7 @@ Exit RunReportingFailure(int argc, const char* const* argv) {
     } catch (const OutputError& failure) {
         return Fail(Exit::kUnavailable, "standard output", failure.what());
     } catch (const std::bad_alloc&) {
-        return Fail(Exit::kUnavailable, "", "not enough memory");
+        vexortools::EndWithoutMemory();
     } catch (const std::exception& failure) {
         return Fail(Exit::kUnavailable, "", failure.what());
     }

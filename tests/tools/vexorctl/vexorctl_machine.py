@@ -116,6 +116,15 @@ def full_disk(faults, folder):
     return {"LD_PRELOAD": str(faults), "FAULTS_FULL_DISK": str(folder)}
 
 
+def failing_allocation(faults, number, count_file=None):
+    """The environment of a program whose allocation of that number fails; "7+" is the seventh and
+    all that follow. The number of allocations goes to `count_file`."""
+    environment = {"LD_PRELOAD": str(faults), "FAULTS_ALLOCATION": str(number)}
+    if count_file:
+        environment["FAULTS_COUNT"] = str(count_file)
+    return environment
+
+
 class Machine:
     """A fresh machine; `programs` is the folder of hxsimctl, `topology` a name or a file."""
 

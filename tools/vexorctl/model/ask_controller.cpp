@@ -1,6 +1,7 @@
 #include "model/ask_controller.h"
 
 #include <algorithm>
+#include <new>
 
 #include "library_fields.h"
 #include "model/failure.h"
@@ -105,6 +106,8 @@ Answer Controller::Ask(const Command& command) {
     Answer answer;
     switch (reply.outcome) {
         case Outcome::kNotParsed:
+            // The library answers a want of memory alike.
+            if (InspectXml(text).well_formed) throw std::bad_alloc();
             answer.exit = Exit::kUndelivered;
             answer.complaint = "a value holds what a command cannot hold";
             return answer;
