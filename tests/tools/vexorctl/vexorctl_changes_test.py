@@ -11,7 +11,9 @@ import json
 import os
 import pathlib
 import re
+import resource
 import signal
+import subprocess
 import unittest
 
 import vexorctl_machine
@@ -599,6 +601,126 @@ class Flash(Changes):
         self.do("flash", "update", "a0", "--image", "firmware", "--file", "fw.bin")
         self.do("flash", "save", "a0", "--image", "firmware", "--file", "back.bin")
         self.assertEqual((self.root / "back.bin").read_bytes(), image)
+
+    def save(self, *options, image="bios", file="bios.rom"):
+        return self.run_words("flash", "save", "a0", "--image", image, "--file", file, *options)
+
+    def update(self, *options, file="bios.rom"):
+        return self.run_words("flash", "update", "a0", "--image", "bios", "--file", file, "--yes",
+                              *options)
+
+    def test_a_file_that_is_there_is_replaced_only_by_force(self):
+        file = self.root / "bios.rom"
+        file.write_bytes(b"precious" * 10000)
+        for options in ((), ("--dry-run",)):
+            run = self.save(*options)
+            self.assertEqual((run.stderr, run.returncode),
+                             ("vexorctl: bios.rom: is there already; --force replaces it\n", 1))
+        self.assertEqual(file.read_bytes(), b"precious" * 10000)
+        run = self.save("--force")
+        self.assertEqual((run.stderr, run.returncode), ("", 0))
+        self.assertEqual(len(file.read_bytes()), 40960)  # no tail of the longer one
+
+    def test_a_file_that_is_replaced_keeps_its_mode(self):
+        file = self.root / "bios.rom"
+        for mode in (0o600, 0o640):
+            file.write_bytes(b"old")
+            file.chmod(mode)
+            self.assertEqual(self.save("--force").returncode, 0)
+            self.assertEqual(file.stat().st_mode & 0o777, mode)
+
+    def test_a_link_is_replaced_and_its_target_stays(self):
+        (self.root / "target").write_bytes(b"theirs")
+        (self.root / "bios.rom").symlink_to("target")
+        self.assertEqual(self.save().returncode, 1)
+        self.assertEqual(self.save("--force").returncode, 0)
+        self.assertFalse((self.root / "bios.rom").is_symlink())
+        self.assertEqual((self.root / "target").read_bytes(), b"theirs")
+
+    def test_an_image_that_does_not_fit_leaves_the_old_file(self):
+        def cut_files():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (65536, 65536))
+
+        (self.root / "fw.bin").write_bytes(bytes(n % 251 for n in range(200000)))
+        self.do("flash", "update", "a0", "--image", "firmware", "--file", "fw.bin")
+        folder = self.root / "saved"
+        folder.mkdir()
+        (folder / "old.bin").write_bytes(b"old")
+        for name in ("old.bin", "new.bin"):
+            run = subprocess.run(
+                [self.vexorctl, "flash", "save", "a0", "--image", "firmware", "--file",
+                 str(folder / name), "--force"],
+                cwd=self.root, env=self.environment, text=True, capture_output=True, timeout=60,
+                check=False, preexec_fn=cut_files, restore_signals=False)  # SIGXFSZ stays ignored
+            self.assertEqual((run.stderr, run.returncode),
+                             (f"vexorctl: {folder / name}: cannot be written: File too large; "
+                              "nothing was saved\n", 1))
+        self.assertEqual(os.listdir(folder), ["old.bin"])
+        self.assertEqual((folder / "old.bin").read_bytes(), b"old")
+
+    def test_a_large_image_is_saved_whole(self):
+        image = bytes(n * n % 253 for n in range(1500000))
+        (self.root / "fw.bin").write_bytes(image)
+        self.do("flash", "update", "a0", "--image", "firmware", "--file", "fw.bin")
+        self.assertEqual(self.save(image="firmware", file="back.bin").returncode, 0)
+        self.assertEqual((self.root / "back.bin").read_bytes(), image)
+
+    def test_an_image_that_is_not_what_it_claims_is_refused(self):
+        self.save()
+        good = (self.root / "bios.rom").read_bytes()
+        other = bytearray(good)
+        other[34] += 1
+        other[100] -= 1
+        for name, image, complaint in (
+                ("text", b"not an image" * 10, "does not begin with 55 AA, as BIOS images do"),
+                ("short", good[:60], "has 60 bytes, and the header of a BIOS image 64"),
+                ("cut", good[:-512], "says that it has 40960 bytes, and has 40448"),
+                ("tail", good + b"tail", "says that it has 40960 bytes, and has 40964"),
+                ("bit", good[:99] + bytes([good[99] ^ 4]) + good[100:],
+                 "is damaged: the sum of its bytes is not 0"),
+                ("other", bytes(other), "is for FAC0:0002, and a0 is FAC0:0001")):
+            with self.subTest(name):
+                (self.root / name).write_bytes(image)
+                run = self.update(file=name)
+                self.assertEqual((run.stderr, run.returncode),
+                                 (f"vexorctl: {name} {complaint}; nothing was erased or written. "
+                                  "--force writes it all the same\n", 2))
+                self.assertEqual(self.rows("flash list a0", "image,healthy")[0], "bios,true")
+        run = self.update("--force", file="bit")
+        self.assertTrue(run.stderr.startswith(
+            "vexorctl: a0: bit was written, but cannot be read back: "), run.stderr)
+        self.assertEqual(run.returncode, 1)
+
+    def test_what_was_written_is_read_back_and_compared(self):
+        self.save()
+        self.machine.hxsimctl("inject", "--call", "HX_Flash_Bin", "--hostile", "--after", "2")
+        run = self.update()
+        self.assertTrue(run.stderr.startswith("vexorctl: a0: bios.rom was written, but "),
+                        run.stderr)
+        self.assertIn("; the image in the flash is not to be relied on: write it again\n",
+                      run.stderr)
+        self.assertEqual((run.stdout, run.returncode), ("", 1))
+
+    def test_what_the_flash_holds_is_told_when_writing_fails(self):
+        self.save()
+        self.machine.hxsimctl("inject", "--call", "HX_Flash_Bin", "--code", "240", "--after", "1")
+        run = self.update()
+        self.assertIn("; the installed image is erased and the new one is not whole: write it "
+                      "again before the adapter is started\n", run.stderr)
+        self.assertEqual(run.returncode, 1)
+
+    def test_the_version_of_a_file_that_is_no_image_is_not_shown(self):
+        (self.root / "text").write_bytes(b"not an image" * 10)
+        run = self.run_words("flash", "show", "text")
+        self.assertEqual((run.stdout, run.stderr, run.returncode), (
+            "", "vexorctl: text: is no BIOS image: it does not begin with 55 AA, as BIOS images "
+                "do\n", 2))
+        self.save()
+        (self.root / "cut").write_bytes((self.root / "bios.rom").read_bytes()[:-512])
+        run = self.run_words("flash", "show", "cut", "--columns", "version", "--no-header")
+        self.assertEqual((run.stdout, run.stderr, run.returncode), (
+            "3.1.0.27\n", "vexorctl: cut: the image says that it has 40960 bytes, and has "
+                           "40448\n", 1))
 
     def test_what_cannot_be_sent_erases_nothing(self):
         (self.root / "empty").write_bytes(b"")

@@ -2,6 +2,8 @@
 // last adapter answers, and takes its time over each piece of an image.
 #include <time.h>
 
+#include <vector>
+
 #include "hxfake.h"
 
 namespace {
@@ -15,9 +17,18 @@ HX_U8 AnswerForOne(HX_U8 AdapterID, HX_U8* count, Adapter_Info* info) {
     return 0;
 }
 
-HX_U8 TakeAPieceSlowly(HX_U8, HX_U8, HX_U8, Flash_Data*) {
+std::vector<Flash_Data> pieces;  // of the image that was written last
+
+HX_U8 MoveAPieceSlowly(HX_U8, HX_U8 action, HX_U8, Flash_Data* piece) {
     constexpr timespec kPause{0, 150000000};
     nanosleep(&kPause, nullptr);
+    if (action == HX_FLASH_WRITE) {
+        if (piece->PageNum == 0) pieces.clear();
+        pieces.push_back(*piece);
+        return 0;
+    }
+    if (piece->PageNum >= pieces.size()) return 1;
+    *piece = pieces[piece->PageNum];
     return 0;
 }
 
@@ -26,7 +37,7 @@ const struct Script {
         hxfake::On<&HX_API_Version>().Always("another controller library");
         hxfake::On<&HX_Adapter_GetCount>().Always(HX_U8{3});
         hxfake::On<&HX_Adapter_GetInfo>().Always(AnswerForOne);
-        hxfake::On<&HX_Flash_Bin>().Always(TakeAPieceSlowly);
+        hxfake::On<&HX_Flash_Bin>().Always(MoveAPieceSlowly);
     }
 } script;
 

@@ -5,9 +5,11 @@ usage: vexorctl_faults_test.py VEXORCTL FAULTS_LIBRARY [TEST]...
 """
 
 import json
+import os
+import subprocess
 
 import vexorctl_machine
-from vexorctl_machine import SCHEMA, VexorctlCase, full_disk, schema
+from vexorctl_machine import SCHEMA, VexorctlCase, failing_allocation, full_disk, schema
 
 # Set from the command line.
 FAULTS_LIBRARY = ""
@@ -28,6 +30,63 @@ class FullDisk(VexorctlCase):
         schema(SCHEMA).validate(document)
         self.assertEqual(document["errors"][0]["name"], "not_initialized")
         self.assertIn("No space left on device", document["errors"][0]["message"])
+
+
+class FullDiskOfAFile(VexorctlCase):
+    """The file goes to a disk that is full; the machine is on another one."""
+
+    def test_an_image_is_not_saved_and_the_old_file_stays(self):
+        folder = self.root / "full"
+        folder.mkdir()
+        (folder / "old.rom").write_bytes(b"old")
+        self.environment.update(full_disk(FAULTS_LIBRARY, folder))
+        for name in ("old.rom", "new.rom"):
+            run = self.run_words("flash", "save", "a0", "--image", "bios", "--file", folder / name,
+                                 "--force")
+            self.assertEqual((run.stderr, run.returncode),
+                             (f"vexorctl: {folder / name}: cannot be written: No space left on "
+                              "device; nothing was saved\n", 1))
+        self.assertEqual(os.listdir(folder), ["old.rom"])
+        self.assertEqual((folder / "old.rom").read_bytes(), b"old")
+
+
+class NoMemory(VexorctlCase):
+    """Memory runs out at one allocation, or from one on: whatever is said is the whole answer, or a
+    sentence and no success."""
+
+    EVERY = 60    # of the first allocations each one, and then
+    SAMPLES = 40  # so many of the rest
+
+    def sweep(self, program, *words):
+        command = [os.path.join(os.path.dirname(self.vexorctl), program), *words]
+
+        def run(number):
+            environment = {**self.environment,
+                           **failing_allocation(FAULTS_LIBRARY, number, self.root / "count")}
+            return subprocess.run(command, cwd=self.root, env=environment, text=True,
+                                  capture_output=True, timeout=60, check=False)
+
+        whole = run(0)
+        self.assertEqual((whole.returncode, whole.stderr), (0, ""))
+        count = int((self.root / "count").read_text())
+        step = max(1, (count - self.EVERY) // self.SAMPLES)
+        numbers = [*range(1, self.EVERY + 1), *range(self.EVERY + 1, count + 1, step)]
+        for number in numbers:
+            for text in (f"{number}", f"{number}+"):
+                with self.subTest(allocation=text, of=count):
+                    done = run(text)
+                    if done.returncode == 0:
+                        self.assertEqual((done.stdout, done.stderr), (whole.stdout, ""))
+                        continue
+                    # The library does not tell a lost result from one that did not fit.
+                    self.assertIn(done.returncode, (1, 5, 6), done.stderr)
+                    self.assertRegex(done.stderr, rf"{program}: .*memory")
+
+    def test_vexorctl_disk_list(self):
+        self.sweep("vexorctl", "disk", "list")
+
+    def test_hxsimctl_show(self):
+        self.sweep("hxsimctl", "show")
 
 
 if __name__ == "__main__":

@@ -113,7 +113,7 @@ Answer Controller::Ask(const Command& command) {
             return answer;
         case Outcome::kDeclined:
             answer.exit = Exit::kUndelivered;
-            answer.complaint = "the library has no function of that name";
+            answer.complaint = "the library has no function of that name, or no memory for it";
             return answer;
         case Outcome::kDidNotFit:
             answer.exit = Exit::kUndelivered;

@@ -3,18 +3,22 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "codes/code_table.h"
 #include "codes/named.h"
 #include "common/address.h"
-#include "hxraid.h"
+#include "common/read_file.h"
+#include "common/replace_file.h"
 #include "library_fields.h"
 #include "model/adapters.h"
 #include "model/ask_controller.h"
+#include "model/bios_image.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/library_record.h"
@@ -22,6 +26,7 @@
 #include "model/sightings.h"
 #include "nouns/find_object.h"
 #include "nouns/flash_progress.h"
+#include "nouns/flash_transfer.h"
 #include "nouns/nouns.h"
 #include "nouns/plan_and_act.h"
 #include "output/cell.h"
@@ -134,12 +139,30 @@ Record<VX_BIOS_Version> InfoIn(const AnswerTo<ReadVersion>& answer) {
     return info == nullptr ? Record<VX_BIOS_Version>() : Record<VX_BIOS_Version>(*info);
 }
 
+std::string BytesOf(const std::string& path) {
+    try {
+        return ReadFile(path.c_str(), FileKind::kRegular, kMostImageBytes);
+    } catch (const FileError& error) {
+        throw Failure(error.error == EACCES ? Exit::kNotPermitted : Exit::kUsage,
+                      path + ": " + error.what());
+    }
+}
+
+// The library reads a version out of any 64 bytes.
 Exit ShowFile(Invocation& invocation) {
     const std::string& path = invocation.targets().front();
+    const std::string image = BytesOf(path);
+    if (const auto complaint = WhyNoBiosImage(image)) {
+        throw Failure(Exit::kUsage, path + ": is no BIOS image: it " + *complaint);
+    }
     const auto answer = AskVersion(invocation.controller(), path);
     if (answer.exit != Exit::kDone) {
         throw Failure(answer.exit == Exit::kRefused ? Exit::kUsage : answer.exit,
                       path + ": cannot be read, or is no image");
+    }
+    if (const auto complaint = WhyNotWhole(image)) {
+        invocation.controller().Note({.message = path + ": the image " + *complaint},
+                                     Exit::kRefused);
     }
     return Present(
         invocation,
@@ -149,37 +172,29 @@ Exit ShowFile(Invocation& invocation) {
 
 // ---- Changes ----------------------------------------------------------------------------------
 
-constexpr unsigned kWrite = HX_FLASH_WRITE;
-constexpr unsigned kRead = HX_FLASH_READ;
-
-// The longest path that the library takes; it refuses the command with a longer one.
-constexpr std::size_t kMaxPath = 255;
-
-using Transfer = calls::HX_Flash_Option;
 using Erase = calls::HX_Flash_Erase;
 
-Request<Transfer> RequestTransfer(const Address& adapter, unsigned action, std::uint64_t image,
-                                  const std::string& path) {
-    if (path.size() > kMaxPath) throw UsageError("the path of the file is too long");
-    return {{Transfer::Actions, action},
-            {Transfer::AdapterID, adapter.adapter},
-            {Transfer::Type, image},
-            {Transfer::filepath, path}};
-}
-
-Request<Erase> RequestErase(const Address& adapter, std::uint64_t image) {
-    return {{Erase::AdapterID, adapter.adapter}, {Erase::Page, image}};
+Request<Erase> RequestErase(const FlashPlace& place) {
+    return {{Erase::AdapterID, place.adapter.adapter}, {Erase::Page, place.image}};
 }
 
 std::uint64_t ImageOption(Invocation& invocation) {
     return CodeOption(invocation, "--image", &CodeTable::images);
 }
 
-std::string InstalledVersion(Controller& controller, std::uint64_t image) {
-    const std::vector<Adapter> adapters = LoadAdapters(controller);
+// Throws Failure where there is no such adapter any more.
+Adapter LoadAdapter(Controller& controller, const Address& address) {
+    for (Adapter& adapter : LoadAdapters(controller)) {
+        if (adapter.address == address) return std::move(adapter);
+    }
+    throw Failure(Exit::kNoObject, address.Text() + " is not there any more");
+}
+
+std::string InstalledVersion(Controller& controller, const FlashPlace& place) {
+    const Adapter adapter = LoadAdapter(controller, place.adapter);
     for (const ImageRow& row : kImages) {
-        if (CodeOf(controller, row.name) != image || !row.version || adapters.empty()) continue;
-        return VersionText(adapters.front().info[*row.version]).value_or("not known");
+        if (CodeOf(controller, row.name) != place.image || !row.version) continue;
+        return VersionText(adapter.info[*row.version]).value_or("not known");
     }
     return "not told";
 }
@@ -188,20 +203,45 @@ std::string InstalledVersion(Controller& controller, std::uint64_t image) {
 struct FileFacts {
     std::uint64_t bytes = 0;
     std::string version = "not told: only files of BIOS images tell theirs";
+    std::optional<std::string> complaint{};  // why it is not what it claims to be
     Sighting sighting{};
 };
 
-constexpr std::uint64_t kMostPieces = 65536;
+// An adapter that does not tell its subsystem is no reason to refuse.
+std::optional<std::string> WhyNotFor(const Adapter& adapter, std::string_view image) {
+    const auto vendor = adapter.info[Adapter_Info::SubVenID];
+    const auto device = adapter.info[Adapter_Info::SubDevID];
+    if (!vendor || !device) return std::nullopt;
+    const Subsystem own{*vendor, *device};
+    const Subsystem claimed = SubsystemOf(image);
+    if (own == claimed) return std::nullopt;
+    return "is for " + claimed.Text() + ", and " + adapter.address.Text() + " is " + own.Text();
+}
 
-FileFacts LookAtFile(Controller& controller, const std::string& path, std::uint64_t image) {
+void LookAtBios(Controller& controller, const std::string& path, const FlashPlace& place,
+                FileFacts& facts) {
+    const std::string image = BytesOf(path);
+    facts.complaint = WhyNoBiosImage(image);
+    if (facts.complaint) {
+        facts.version = "none";
+        return;
+    }
+    const auto answer = AskVersion(controller, path);
+    facts.version = VersionText(InfoIn(answer)[VX_BIOS_Version::BIOSVersion]).value_or("not known");
+    facts.complaint = WhyNotWhole(image);
+    if (!facts.complaint) {
+        facts.complaint = WhyNotFor(LoadAdapter(controller, place.adapter), image);
+    }
+}
+
+FileFacts LookAtFile(Controller& controller, const std::string& path, const FlashPlace& place) {
     FileFacts facts;
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
         throw Failure(Exit::kUsage, path + ": " + std::strerror(errno));
     }
     facts.bytes = static_cast<std::uint64_t>(status.st_size);
-    if (!S_ISREG(status.st_mode) || facts.bytes == 0 ||
-        facts.bytes > kMostPieces * kFlashPieceBytes) {
+    if (!S_ISREG(status.st_mode) || facts.bytes == 0 || facts.bytes > kMostImageBytes) {
         throw Failure(Exit::kUsage, path + ": no file of 1 byte to 2 GiB");
     }
     if (access(path.c_str(), R_OK) != 0) {
@@ -212,19 +252,26 @@ FileFacts LookAtFile(Controller& controller, const std::string& path, std::uint6
     facts.sighting.facts = {
         NumberFact("size", facts.bytes), NumberFact("number on its file system", status.st_ino),
         NumbersFact("time of the last change", std::vector<std::uint64_t>{seconds, nanoseconds})};
-    if (CodeOf(controller, kBios) != image) return facts;
-    const auto answer = AskVersion(controller, path);
-    const auto version = VersionText(InfoIn(answer)[VX_BIOS_Version::BIOSVersion]);
-    if (!version || answer.exit != Exit::kDone) {
-        throw Failure(Exit::kUsage, path + ": is no BIOS image");
-    }
-    facts.version = *version;
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> head(std::fopen(path.c_str(), "re"),
-                                                               &std::fclose);
-    if (!head || std::fgetc(head.get()) != 0x55 || std::fgetc(head.get()) != 0xAA) {
-        facts.version += "; but the file does not begin with 55 AA, as BIOS images do";
-    }
+    if (CodeOf(controller, kBios) == place.image) LookAtBios(controller, path, place, facts);
     return facts;
+}
+
+// Whoever has lost the image between the two is told what the flash holds.
+void WriteImage(const Send& send, const FlashPlace& place, const std::string& path,
+                std::uint64_t pieces, bool erases) {
+    if (erases) send(RequestErase(place));
+    try {
+        const TransferProgress progress(place.adapter.Text() + " flash update", path, pieces);
+        send(WriteCommand(place, path));
+    } catch (const Failure& refused) {
+        if (!erases) throw;
+        throw Failure(refused.exit,
+                      std::string(refused.what()) +
+                          "; the installed image is erased and the new one is not whole: write it "
+                          "again before the adapter is started",
+                      refused.fault);
+    }
+    CompareWithFlash(send, place, path);
 }
 
 // The library reads the file itself, piece by piece. The file is checked first, so that nothing is
@@ -234,62 +281,70 @@ Exit UpdateFlash(Invocation& invocation) {
     if (path == nullptr) throw UsageError("--file is missing");
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
     Controller& controller = invocation.controller();
-    const std::uint64_t image = ImageOption(invocation);
-    const auto look = [&controller, path, image] {
-        FileFacts facts = LookAtFile(controller, *path, image);
+    const FlashPlace place{adapter, ImageOption(invocation)};
+    const bool erases = !invocation.Has("--no-erase");
+    const auto look = [&controller, path, place] {
+        FileFacts facts = LookAtFile(controller, *path, place);
         controller.sightings()->Note(*path, facts.sighting);
         return facts;
     };
     const FileFacts file = look();
+    if (file.complaint && !invocation.Has("--force")) {
+        throw Failure(Exit::kUsage, *path + " " + *file.complaint +
+                                        "; nothing was erased or written. --force writes it all "
+                                        "the same");
+    }
     const std::uint64_t pieces = (file.bytes + kFlashPieceBytes - 1) / kFlashPieceBytes;
     std::vector<Command> commands;
-    if (!invocation.Has("--no-erase")) {
-        commands.push_back(RequestErase(adapter, image));
-    }
-    commands.push_back(RequestTransfer(adapter, kWrite, image, *path));
-    return CarryOut(
-        invocation,
-        {.what = "Write " + *path + " into the flash of " + adapter.Text() + " as its " +
-                 invocation.Get("--image", "") + " image",
-         .losses = {"installed version: " + InstalledVersion(controller, image),
-                    "version in the file: " + file.version,
-                    std::to_string(file.bytes) + " bytes in " + std::to_string(pieces) +
-                        (pieces == 1 ? " piece" : " pieces"),
-                    invocation.Has("--no-erase") ? "the installed image is not erased before"
-                                                 : "the installed image is erased before"},
-         .confirm = adapter.Text(),
-         .commands = std::move(commands),
-         .address = adapter.Text(),
-         .size_bytes = {},
-         .beside = *path,
-         .look_beside = look,
-         .image_file = *path,
-         .image_pieces = pieces});
+    if (erases) commands.push_back(RequestErase(place));
+    commands.push_back(WriteCommand(place, *path));
+    std::vector<std::string> losses = {"installed version: " + InstalledVersion(controller, place),
+                                       "version in the file: " + file.version,
+                                       std::to_string(file.bytes) + " bytes in " +
+                                           std::to_string(pieces) +
+                                           (pieces == 1 ? " piece" : " pieces"),
+                                       erases ? "the installed image is erased before"
+                                              : "the installed image is not erased before"};
+    if (file.complaint) losses.push_back("the file " + *file.complaint);
+    return CarryOut(invocation, {.what = "Write " + *path + " into the flash of " + adapter.Text() +
+                                         " as its " + invocation.Get("--image", "") + " image",
+                                 .losses = std::move(losses),
+                                 .confirm = adapter.Text(),
+                                 .commands = std::move(commands),
+                                 .address = adapter.Text(),
+                                 .size_bytes = {},
+                                 .beside = *path,
+                                 .look_beside = look,
+                                 .act = [=](const Send& send) {
+                                     WriteImage(send, place, *path, pieces, erases);
+                                 }});
 }
 
 Exit SaveFlash(Invocation& invocation) {
     const std::string* const path = invocation.Get("--file");
     if (path == nullptr) throw UsageError("--file is missing");
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
-    const std::uint64_t image = ImageOption(invocation);
+    const FlashPlace place{adapter, ImageOption(invocation)};
+    const Existing existing = invocation.Has("--force") ? Existing::kReplace : Existing::kKeep;
+    if (existing == Existing::kKeep) RefuseExisting(*path);
     return CarryOut(invocation,
                     {.what = "Save an image of the flash of " + adapter.Text() + " to " + *path,
                      .losses = {},
                      .confirm = {},
-                     .commands = {RequestTransfer(adapter, kRead, image, *path)},
+                     .commands = {ReadCommand(place, *path)},
                      .address = adapter.Text(),
                      .size_bytes = {},
-                     .image_file = *path});
+                     .act = [=](const Send& send) { SaveImage(send, place, *path, existing); }});
 }
 
 Exit EraseFlash(Invocation& invocation) {
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
-    const std::uint64_t image = ImageOption(invocation);
+    const FlashPlace place{adapter, ImageOption(invocation)};
     return CarryOut(invocation, {.what = "Erase an image in the flash of " + adapter.Text(),
                                  .losses = {"installed version: " +
-                                            InstalledVersion(invocation.controller(), image)},
+                                            InstalledVersion(invocation.controller(), place)},
                                  .confirm = adapter.Text(),
-                                 .commands = {RequestErase(adapter, image)},
+                                 .commands = {RequestErase(place)},
                                  .address = adapter.Text(),
                                  .size_bytes = {}});
 }
@@ -299,10 +354,12 @@ constexpr OptionRow kUpdateOptions[] = {
     {"--image", "IMAGE", "Which image", kImageNames},
     {"--file", "FILE", "The file that holds the new image"},
     {"--no-erase", "", "Do not erase the old one first"},
+    {"--force", "", "Also a file that is not what it claims to be"},
 };
 constexpr OptionRow kSaveOptions[] = {
     {"--image", "IMAGE", "Which image", kImageNames},
     {"--file", "FILE", "The file to save it to"},
+    {"--force", "", "Replace a file that is there"},
 };
 constexpr OptionRow kEraseOptions[] = {{"--image", "IMAGE", "Which image", kImageNames}};
 
@@ -339,10 +396,12 @@ constexpr CommandRow kCommands[] = {
                   "vexorctl flash update a0 --image bios --file bios.rom --no-erase --dry-run"},
      .run = UpdateFlash,
      .columns = ChangeColumns,
-     .note = "It shows the version in the file beside the installed one and asks for the address "
-             "of the adapter. Of BIOS images the file tells the version; of the others only its "
-             "size is shown. A terminal shows the progress by piece. Ctrl-C does not end it: half "
-             "an image helps nobody.",
+     .note =
+         "It shows the version in the file beside the installed one and asks for the address "
+         "of the adapter. Of BIOS images the file tells the version; of the others only its "
+         "size is shown. A BIOS image that is not whole, or is for another adapter, is refused. "
+         "What was written is read back and compared. A terminal shows the progress by piece. "
+         "Ctrl-C does not end it: half an image helps nobody.",
      .changes = true},
     {.noun = "flash",
      .verb = "save",
@@ -353,9 +412,11 @@ constexpr CommandRow kCommands[] = {
      .options = kSaveOptions,
      .functions = kNamesOf<calls::HX_Flash_Option>,
      .examples = {"vexorctl flash save a0 --image bios --file bios.rom",
-                  "vexorctl flash save a0 --image bios --file bios.rom --dry-run"},
+                  "vexorctl flash save a0 --image bios --file bios.rom --force --dry-run"},
      .run = SaveFlash,
      .columns = ChangeColumns,
+     .note = "The file is there as a whole or not at all: it is made beside its place, checked and "
+             "renamed. One that is replaced leaves its mode to the new one.",
      .changes = true},
     {.noun = "flash",
      .verb = "erase",

@@ -14,7 +14,6 @@
 #include "common/turn.h"
 #include "model/controller_codes.h"
 #include "model/fault.h"
-#include "nouns/flash_progress.h"
 #include "nouns/look_again.h"
 #include "nouns/wait_for_tasks.h"
 #include "output/cell_text.h"
@@ -177,20 +176,19 @@ Exit CarryOut(Invocation& invocation, const Change& change) {
     look.Check();
     const std::vector<Address> before =
         change.created ? change.created(controller) : std::vector<Address>();
-    std::optional<TransferProgress> transfer;
-    if (!change.image_file.empty()) {
-        transfer.emplace(change.address + " " + invocation.row().Name(), change.image_file,
-                         change.image_pieces);
-    }
-    for (const Command& command : change.commands) {
+    const auto send = [&](const Command& command) {
         const Answer answer = controller.Ask(command);
-        if (answer.exit == Exit::kDone) continue;
+        if (answer.exit == Exit::kDone) return;
         const std::string subject = change.address.empty() ? "" : change.address + ": ";
         Fault fault = controller.FaultOf(command, answer);
         fault.address = change.address;
         throw Failure(answer.exit, subject + answer.complaint, std::move(fault));
+    };
+    if (change.act) {
+        change.act(send);
+    } else {
+        std::ranges::for_each(change.commands, send);
     }
-    transfer.reset();
     const std::string address =
         change.created ? Newcomer(before, change.created(controller)) : change.address;
     turn.reset();

@@ -34,8 +34,9 @@ struct Change {
     // What it is about beside objects of adapters, as sightings call it, and what reads it again.
     std::string beside{};
     std::function<void()> look_beside{};
-    std::string image_file{};        // that goes to or comes from the flash
-    std::uint64_t image_pieces = 0;  // 0: their number is not known
+    // Where more is to be done than to send the commands one after the other: does it, with what
+    // sends a command and throws Failure when it is refused.
+    std::function<void(const std::function<void(const Command&)>& send)> act{};
 };
 
 /// The columns of what every changing command prints.
