@@ -168,6 +168,10 @@ class Config(VexorctlCase):
 
 
 class Codes(VexorctlCase):
+    def setUp(self):
+        super().setUp()
+        self.store = self.root / "opt/kestrel/raid/db/vx_hx_raid.ev"
+
     def expect(self, code, error, *words):
         run = self.run_words(*words)
         self.assertEqual((run.stderr, run.returncode), (f"vexorctl: {error}\n", code))
@@ -192,9 +196,55 @@ class Codes(VexorctlCase):
         self.assertEqual(run.returncode, 4)
         self.assertIn('"root" may not log on', run.stderr)
 
-    def test_5_an_event_store_that_cannot_be_read(self):
-        self.expect(5, "the event store cannot be read; the event service makes it when it stores "
-                       "the first event", "event", "list")
+    def test_5_no_events_were_stored_yet(self):
+        self.expect(5, f"no events have been stored yet: {self.store} is not there (No such file or "
+                       "directory); the event service makes it when it stores the first one",
+                    "event", "list")
+
+    def test_5_the_folder_of_the_event_store_is_missing(self):
+        self.store.parent.rmdir()
+        self.expect(5, f"the event store {self.store} has no folder: {self.store.parent}: No such "
+                       "file or directory; make the folder, which the event service does not",
+                    "event", "list")
+
+    def test_5_an_event_store_that_may_not_be_read(self):
+        self.collect()
+        self.store.chmod(0)
+        user = {}
+        if os.geteuid() == 0:  # permissions hold back everybody else
+            for folder in (self.root, *self.root.rglob("*")):
+                if folder.is_dir():
+                    folder.chmod(0o777)
+            (self.root / "machine.db").chmod(0o666)
+            user = {"user": 65534, "group": 65534, "extra_groups": []}
+        run = subprocess.run([VEXORCTL, "event", "list"], cwd="/", env=self.environment, text=True,
+                             capture_output=True, timeout=60, check=False, **user)
+        self.assertEqual((run.stderr, run.returncode), (
+            f"vexorctl: the event store {self.store} may not be read: Permission denied; ask as "
+            "its owner, or let your group read it\n", 5))
+
+    def test_5_an_event_store_that_is_damaged(self):
+        anew = "; the event service makes it anew when it stores the next event"
+        for bytes_there, reason in (
+                (b"", "it has 0 bytes, and its head 112"),
+                (b"short", "it has 5 bytes, and its head 112"),
+                (b"x" * 1000, 'it does not begin with "Ombra Event File v0.1"')):
+            with self.subTest(reason):
+                self.store.write_bytes(bytes_there)
+                self.expect(5, f"the event store {self.store} is damaged: {reason}{anew}", "event",
+                            "list")
+
+    def test_5_an_event_store_that_is_a_folder(self):
+        self.store.mkdir()
+        self.expect(5, f"the event store {self.store} cannot be read: Is a directory", "event",
+                    "list")
+
+    def test_5_the_configured_event_store_is_the_one_that_is_told(self):
+        (self.root / "vexorapi.ini").write_text(
+            f'<c><EventLogConfig type="config" Filename="{self.root}/mine/events"/></c>')
+        self.expect(5, f"the event store {self.root}/mine/events has no folder: {self.root}/mine: "
+                       "No such file or directory; make the folder, which the event service does "
+                       "not", "event", "list")
 
     def test_6_declined(self):
         path = self.root / "command.xml"
@@ -241,10 +291,10 @@ class EarlyEnd(VexorctlCase):
                 self.assertEqual(run.stderr,
                                  f"vexorctl: {document['errors'][0]['message']}\n")
         run = self.run_words("event", "list", "-o", "jsonl")
-        self.assertIn("event store cannot be read", json.loads(run.stdout)["error"]["message"])
+        self.assertIn("no events have been stored yet", json.loads(run.stdout)["error"]["message"])
         run = self.run_words("event", "list", "-o", "xml")
         root = xml.etree.ElementTree.fromstring(run.stdout)
-        self.assertIn("event store cannot be read", root.find("error").text)
+        self.assertIn("no events have been stored yet", root.find("error").text)
 
     def test_a_configuration_that_cannot_be_read_is_too(self):
         (self.root / "vexorapi.ini").write_text("<broken")

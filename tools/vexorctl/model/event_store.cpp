@@ -6,6 +6,7 @@
 #include "codes/event_class.h"
 #include "common/address.h"
 #include "model/event_catalogue.h"
+#include "model/event_store_file.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/library_record.h"
@@ -137,9 +138,10 @@ Extent AskExtent(Controller& controller) {
         const auto probe = controller.Ask(RequestEvents(1, 0, 0));
         const auto event = First(probe[EventQuery::Result::Event]);
         if (event.IsThere() && event[fields::Event::TimeStamp].value_or(0) == 0) {
-            throw Failure(Exit::kUnavailable,
-                          "the event store cannot be read; the event service makes it when it "
-                          "stores the first event");
+            // A file that is fine was being made or reset meanwhile: it has no events yet.
+            if (const auto reason = WhyNoEventStore(EventStorePath())) {
+                throw Failure(Exit::kUnavailable, *reason);
+            }
         }
     }
     return {*first, *first + *count};
