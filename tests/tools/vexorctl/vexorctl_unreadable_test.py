@@ -86,7 +86,7 @@ class Names(VexorctlCase):
 
 
 class OneItem(VexorctlCase):
-    """Another program has given a virtual disk a name that no result can carry."""
+    """Another program has given a virtual disk a name that looks like the elements of the result."""
 
     ERROR = re.compile(r"^vexorctl: a0: (HX_\w+): the item at index 0( \(ID 0\))? was left out: "
                        r"the result is not well-formed: line \d+: not well-formed "
@@ -95,7 +95,7 @@ class OneItem(VexorctlCase):
     def setUp(self):
         super().setUp()
         run = self.run_words("call", "HX_LD_SetConfig", "AdapterID=0", "LD_ID=0", "CacheMode=4",
-                             "AutoRebuildOn=1", "LDID=0", "Name=a]]>b")
+                             "AutoRebuildOn=1", "LDID=0", "Name=]]></Name><")
         self.assertEqual(run.returncode, 0, run.stderr)
 
     def expect_errors(self, text, *functions):
@@ -134,14 +134,106 @@ class OneItem(VexorctlCase):
         self.assertEqual((run.stdout, run.returncode), ("a0/vd2  ARCHIVE\n", 1))
         self.expect_errors(run.stderr, "HX_LD_GetInfo")
 
-    def test_a_disk_group_whose_settings_cannot_be_read_is_listed_without_them(self):
-        run = self.run_words("call", "HX_DG_SetConfig", "AdapterID=0", "DG_ID=0", "DGID=0",
-                             "Name=R&D")
+    def test_the_command_that_mends_it_works(self):
+        run = self.run_words("vd", "set", "a0/vd0", "--name", "MENDED", "--yes")
         self.assertEqual(run.returncode, 0, run.stderr)
-        run = self.run_words("dg", "list", "-o", "json")
-        (item,) = json.loads(run.stdout)["items"]
-        self.assertEqual((item["name"], item["write_cache"]), ("R&D", None))
-        self.expect_errors(run.stderr, "HX_DG_GetConfig")
+        run = self.run_words("vd", "list", "a0/vd0", "--columns", "name", "--no-header")
+        self.assertEqual((run.stdout, run.stderr, run.returncode), ("MENDED\n", "", 0))
+
+
+class Texts(VexorctlCase):
+    """Texts with bytes that XML forbids, or with its own signs: they are read, and forbidden bytes
+    are marked by U+FFFD."""
+
+    def expect(self, *words, shown):
+        run = self.run_words(*words, "-o", "json")
+        self.assertEqual((run.stderr, run.returncode), ("", 0))
+        self.assertIn(shown, [value for item in json.loads(run.stdout)["items"]
+                              for value in item.values()])
+
+    def rename(self, table, column, text, key):
+        """Another program writes the machine's rows."""
+        with sqlite3.connect(self.machine.state) as database:
+            changed = database.execute(f"UPDATE {table} SET {column} = ? WHERE adapter = 0 AND id = ?",
+                                       (text, key)).rowcount
+        self.assertEqual(changed, 1)
+
+    TEXTS = (("a]]>b", "a]]>b"), ("]]>", "]]>"), ("R&D", "R&D"), ("a<b>c", "a<b>c"))
+
+    def test_names_of_virtual_disks_are_read_and_can_be_mended(self):
+        for name, shown in self.TEXTS:
+            with self.subTest(name=name):
+                run = self.run_words("call", "HX_LD_SetConfig", "AdapterID=0", "LD_ID=0",
+                                     "CacheMode=4", "AutoRebuildOn=1", "LDID=0", f"Name={name}")
+                self.assertEqual(run.returncode, 0, run.stderr)
+                self.expect("vd", "list", shown=shown)
+                run = self.run_words("vd", "set", "a0/vd0", "--name", "MENDED", "--yes")
+                self.assertEqual(run.returncode, 0, run.stderr)
+                self.expect("vd", "list", shown="MENDED")
+
+    def test_names_of_disk_groups_are_read_and_can_be_mended(self):
+        for name, shown in self.TEXTS:
+            with self.subTest(name=name):
+                run = self.run_words("call", "HX_DG_SetConfig", "AdapterID=0", "DG_ID=0", "DGID=0",
+                                     f"Name={name}")
+                self.assertEqual(run.returncode, 0, run.stderr)
+                self.expect("dg", "list", shown=shown)
+                run = self.run_words("dg", "set", "a0/dg0", "--name", "MENDED", "--yes")
+                self.assertEqual(run.returncode, 0, run.stderr)
+                self.expect("dg", "list", shown="MENDED")
+
+    def test_a_forbidden_byte_in_a_name_is_marked_and_can_be_mended(self):
+        for byte in ("\x01", "\x1b"):
+            with self.subTest(byte=byte):
+                self.rename("virtual_disk", "name", f"x{byte}y", 2)
+                self.expect("vd", "list", shown="x\ufffdy")
+                run = self.run_words("vd", "set", "a0/vd2", "--name", "MENDED", "--yes")
+                self.assertEqual(run.returncode, 0, run.stderr)
+                self.expect("vd", "list", shown="MENDED")
+
+    def test_a_model_with_a_control_character_hides_no_disk(self):
+        self.rename("disk", "model", "TW\x01600", 0)
+        self.expect("disk", "list", shown="TW\ufffd600")
+        run = self.run_words("disk", "list", "a0", "--columns", "address", "--no-header")
+        self.assertEqual(len(run.stdout.splitlines()), 16)
+
+    def test_an_event_with_any_serial_number_is_read(self):
+        results = Script(self.root / "results")
+        self.environment.update(results.environment(SCRIPTED_LIBRARY))
+        for serial, shown in ((b"S\x1b[2J", "S\ufffd[2J"), (b"S]]>", "S]]>"), (b"S&T", "S&T"),
+                              (b"S<T", "S<T"), (b"S\xffT", "S\ufffdT")):
+            with self.subTest(serial=serial):
+                (results.folder / "VX_HX_EVT_GetEvents").write_bytes(
+                    b'<VX_HX_EVT_GetEvents type="function"><RetVal type="U8">0</RetVal>'
+                    b'<n type="U32">1</n><s type="U32">0</s><e type="U32">0</e>'
+                    b'<Event type="struct Event"><Class type="U16">0</Class>'
+                    b'<Code type="U16">9</Code><TimeStamp type="U32">5</TimeStamp>'
+                    b'<DeviceID type="U16">0</DeviceID><Severity type="U8">2</Severity>'
+                    b'<AdapterID type="U8">0</AdapterID><SenseDataLength type="U8">0'
+                    b'</SenseDataLength><Event type="string">Thu Jan  1 00:00:05 1970 '
+                    b"EVT_CODE_ADAPTER_FOUND|[INFO]|0|" + serial + b"| \n</Event></Event>"
+                    b"</VX_HX_EVT_GetEvents>")
+                run = self.run_words("event", "list", "-o", "json")
+                self.assertEqual((run.stderr, run.returncode), ("", 0))
+                (item,) = json.loads(run.stdout)["items"]
+                self.assertEqual(item["values"], ["0", shown])
+
+
+class DiskThatGoes(VexorctlCase):
+    """A disk is pulled out between the list of disks and what is asked about them."""
+
+    def test_is_left_out_and_the_others_are_listed(self):
+        self.machine.hxsimctl("inject", "--call", "HX_PD_GetMBRInfo", "--code", "no_disk",
+                              "--times", "1")
+        run = self.run_words("disk", "list", "a0", "--columns", "address", "--no-header")
+        self.assertEqual((run.stderr, run.returncode), ("", 0))
+        self.assertEqual(len(run.stdout.splitlines()), 16)
+
+    def test_that_the_adapter_still_lists_is_an_error(self):
+        self.machine.hxsimctl("inject", "--call", "HX_PD_GetMBRInfo", "--code", "no_disk")
+        run = self.run_words("disk", "list", "a0", "--columns", "address", "--no-header")
+        self.assertIn("a0: HX_PD_GetMBRInfo: refused: ", run.stderr)
+        self.assertEqual((len(run.stdout.splitlines()), run.returncode), (16, 1))
 
 
 class ManyItems(VexorctlCase):
@@ -163,7 +255,7 @@ class ManyItems(VexorctlCase):
 
     def test_the_pages_behind_are_asked_for_and_every_one_left_out_is_told(self):
         for number in range(self.COUNT):
-            self.script(number, "]]>" if number in self.BROKEN else f"n{number}")
+            self.script(number, "]]></Name><" if number in self.BROKEN else f"n{number}")
         run = self.run_words("vd", "list", "-o", "json")
         document = json.loads(run.stdout)
         self.assertEqual([item["name"] for item in document["items"]],
@@ -180,7 +272,7 @@ class ManyItems(VexorctlCase):
         self.script(2, "last")
         run = self.run_words("vd", "list", "--columns", "name", "--no-header")
         self.assertEqual(run.stdout, "first\nlast\n")
-        self.assertIn("a0: HX_LD_GetInfo: the item at index 1 was left out: ", run.stderr)
+        self.assertIn("a0: HX_LD_GetInfo: the item at index 1 was left out: it has no ID", run.stderr)
 
     def test_a_list_whose_header_cannot_be_read_ends(self):
         self.results.whole("HX_LD_GetInfo", 

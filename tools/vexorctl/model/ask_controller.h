@@ -183,6 +183,10 @@ public:
     /// Notes what went wrong with one object.
     void Note(Fault fault, Exit exit);
 
+    /// Notes an answer that is not kDone as a fault of `address`, unless it is that the adapter has
+    /// no such function and nobody asked for that adapter.
+    void NoteAnswer(std::string_view address, std::string_view function, const Answer& answer);
+
     std::vector<Fault>& faults() { return faults_; }
     Exit exit() const { return exit_; }
 
@@ -209,7 +213,6 @@ private:
     void TakeItems(const RawSource& source, std::uint64_t index, Value& result, RawList& list);
     void NoteBrokenItem(const RawSource& source, std::uint64_t index, const Answer& answer);
     void RefuseIfNotOpen();
-    void NoteAnswer(std::string_view address, std::string_view function, const Answer& answer);
     void NoteLeftOut(const RawSource& source, const std::string& item, const std::string& reason);
 
     std::optional<Session> session_;

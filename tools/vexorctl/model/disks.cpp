@@ -92,21 +92,54 @@ constexpr std::uint64_t kNoObject = 255;
 // The library answers for 128 disks at once.
 constexpr std::size_t kDisksPerBootRecordCall = 128;
 
-void LoadBootRecords(Controller& controller, unsigned adapter, std::span<Disk> disks) {
-    using Function = calls::HX_PD_GetMBRInfo;
+using BootRecords = calls::HX_PD_GetMBRInfo;
+
+AnswerTo<BootRecords> AskBootRecords(Controller& controller, unsigned adapter,
+                                     std::span<const Disk> disks) {
     std::string ids;
     for (const Disk& disk : disks) {
         ids.append(ids.empty() ? "" : " ").append(std::to_string(disk.address.id));
     }
-    const auto answer = controller.Get("a" + std::to_string(adapter),
-                                       Request<Function>{{Function::HDCount, disks.size()},
-                                                         {Function::AdapterID, adapter},
-                                                         {Function::HDIDs, ids}});
-    if (!answer) return;
-    const auto found = (*answer)[Function::Result::MBRInfo][fields::HD_MBR_Info::hasMBR];
-    if (!found) return;
-    for (std::size_t i = 0; i < disks.size() && i < found->size(); ++i) {
-        disks[i].boot_record = (*found)[i] != 0;
+    return controller.Ask(Request<BootRecords>{{BootRecords::HDCount, disks.size()},
+                                               {BootRecords::AdapterID, adapter},
+                                               {BootRecords::HDIDs, ids}});
+}
+
+// Leaves those out, from place `from` on, that the adapter does not list any more.
+void DropGone(Controller& controller, unsigned adapter, std::vector<Disk>& disks,
+              std::size_t from) {
+    const auto there = controller.ReadList(adapter, kDiskList);
+    if (there.presence != Presence::kThere) return;
+    const auto has_gone = [&](const Disk& disk) {
+        return std::ranges::find(there.items, disk.address.id, &Listed<fields::HD_Info>::id) ==
+               there.items.end();
+    };
+    const auto begin = disks.begin() + static_cast<std::ptrdiff_t>(from);
+    disks.erase(std::remove_if(begin, disks.end(), has_gone), disks.end());
+}
+
+void LoadBootRecords(Controller& controller, unsigned adapter, std::vector<Disk>& disks,
+                     std::size_t first) {
+    for (std::size_t at = first; at < disks.size(); at += kDisksPerBootRecordCall) {
+        const auto some = [&] {
+            const std::size_t count = std::min(kDisksPerBootRecordCall, disks.size() - at);
+            return std::span(disks).subspan(at, count);
+        };
+        auto answer = AskBootRecords(controller, adapter, some());
+        if (answer.exit == Exit::kNoObject) {
+            // One has gone since it was listed; the others are asked for again.
+            DropGone(controller, adapter, disks, at);
+            if (at == disks.size()) return;
+            answer = AskBootRecords(controller, adapter, some());
+        }
+        if (answer.exit != Exit::kDone) {
+            controller.NoteAnswer("a" + std::to_string(adapter), BootRecords::kName, answer);
+            continue;
+        }
+        const auto found = answer[BootRecords::Result::MBRInfo][fields::HD_MBR_Info::hasMBR];
+        for (std::size_t i = 0; found && i < some().size() && i < found->size(); ++i) {
+            some()[i].boot_record = (*found)[i] != 0;
+        }
     }
 }
 
@@ -173,10 +206,7 @@ void LoadDisksOf(Controller& controller, unsigned adapter, std::vector<Disk>& di
         disk.group = groups.Of(id);
         disks.push_back(std::move(disk));
     }
-    for (std::size_t at = first; at < disks.size(); at += kDisksPerBootRecordCall) {
-        const std::size_t count = std::min(kDisksPerBootRecordCall, disks.size() - at);
-        LoadBootRecords(controller, adapter, std::span(disks).subspan(at, count));
-    }
+    LoadBootRecords(controller, adapter, disks, first);
     if (Sightings* const sightings = controller.sightings()) {
         for (const Disk& disk : std::span(disks).subspan(first)) {
             sightings->Note(disk.address.Text(), SightingOf(disk, controller.codes()));

@@ -7,6 +7,9 @@
 #include <memory>
 #include <new>
 #include <type_traits>
+#include <utility>
+
+#include "model/result_repair.h"
 
 namespace vexorctl {
 
@@ -102,7 +105,9 @@ std::optional<std::vector<std::uint64_t>> Value::Numbers() const {
     return numbers;
 }
 
-ParsedResult ParseResult(std::string_view result) {
+namespace {
+
+ParsedResult Parse(std::string_view result) {
     const Parser parser(XML_ParserCreate(nullptr), &XML_ParserFree);
     if (!parser) throw std::bad_alloc();
     Builder builder{.parser = parser.get(), .document = {}, .open = {}};
@@ -125,6 +130,15 @@ ParsedResult ParseResult(std::string_view result) {
         parsed.root = std::move(builder.document.children.front());
     }
     return parsed;
+}
+
+}  // namespace
+
+ParsedResult ParseResult(std::string_view result) {
+    ParsedResult parsed = Parse(result);
+    if (parsed.well_formed) return parsed;
+    ParsedResult repaired = Parse(Repaired(result));
+    return repaired.well_formed ? std::move(repaired) : std::move(parsed);
 }
 
 }  // namespace vexorctl

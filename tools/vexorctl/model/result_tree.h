@@ -30,9 +30,9 @@ struct ParsedResult {
     std::string reason;
 };
 
-/// Reads the result. Of one that is not well-formed the tree holds what stands before the break;
-/// elements that it cuts have no text.
-/// Throws std::bad_alloc.
+/// Reads the result. One whose texts XML cannot carry is read with U+FFFD for each byte that is
+/// forbidden, and is well-formed then. Of one that is not well-formed the tree holds what stands
+/// before the break; elements that it cuts have no text. Throws std::bad_alloc.
 ParsedResult ParseResult(std::string_view result);
 
 }  // namespace vexorctl
