@@ -67,6 +67,21 @@ void RequireRegular(const std::string& path, const struct stat& found) {
     throw StoreError(path + " is no regular file; name another one in HXSIM_STATE.");
 }
 
+// A machine is replaced only in a file of the user's own: a link, and in a folder of others a file,
+// can have been put there by anybody.
+void RefuseForeign(const std::string& path) {
+    struct stat found {};
+    if (lstat(path.c_str(), &found) != 0) return;  // MakeFile tells why
+    if (S_ISLNK(found.st_mode)) {
+        throw StoreError(path +
+                         " is a link, and a machine is made in no file behind one; name the "
+                         "file itself, or remove the link.");
+    }
+    if (found.st_uid != geteuid()) {
+        throw StoreError(path + " belongs to another user; name another file in HXSIM_STATE.");
+    }
+}
+
 // Makes an empty file where there is none. One that is there is not even opened: closing it would
 // give up the locks that this process has on it through other connections. The log and its index
 // get the file's mode from SQLite. What is no file is refused here, before SQLite leaves files of
@@ -346,6 +361,7 @@ Store::~Store() = default;
 
 void Store::Create(const std::string& path, const Machine& machine) {
     const std::string file = Absolute(path);
+    RefuseForeign(file);
     MakeFile(file);
     const Connection connection = Open(file);
     if (chmod(file.c_str(), 0600) != 0) ThrowSystemError(file, "made private");

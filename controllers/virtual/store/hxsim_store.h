@@ -31,7 +31,8 @@ public:
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
 
-    /// Makes the file anew, with this machine. An existing machine is replaced, in one transaction.
+    /// Makes the file anew, with this machine. An existing machine is replaced, in one transaction;
+    /// one behind a link or of another user is refused. Throws StoreError.
     static void Create(const std::string& path, const Machine& machine);
 
     /// The machine, brought up to now: whatever was due has happened and is saved.

@@ -110,6 +110,16 @@ class NoMachine(InFolder):
         self.assertEqual((self.folder / self.state).read_bytes(), b"")
 
 
+    def test_force_does_not_follow_a_link(self):
+        self.expect(0, "init", "--topology", "small")
+        (self.folder / self.state).rename(self.folder / "theirs.db")
+        (self.folder / self.state).symlink_to("theirs.db")
+        self.assertIn("is a link, and a machine is made in no file behind one; ",
+                      self.expect(5, "init", "--force"))
+        self.assertEqual(self.run_program("show", "--state", "theirs.db").stdout.splitlines()[0],
+                         self.run_program("show").stdout.splitlines()[0])
+
+
 class Scenarios(InFolder):
     def test_every_scenario_that_ships_runs_and_leaves_a_sound_machine(self):
         files = sorted((SOURCE / "examples/scenarios").glob("*.txt"))

@@ -599,6 +599,24 @@ TEST_F(StateFile, BehindALinkIsUsed) {
     EXPECT_EQ(Refusal(), "");
 }
 
+TEST_F(StateFile, BehindALinkIsNotMadeAnew) {
+    Make("default");
+    std::filesystem::rename(File(), root_.Path("/state/other"));
+    std::filesystem::create_symlink(root_.Path("/state/other"), File());
+    const std::string before = root_.Read("/state/other");
+    EXPECT_THROW(Make(), StoreError);
+    EXPECT_EQ(root_.Read("/state/other"), before);
+    EXPECT_EQ(Store(File(), DefaultMachine).Current().topology, "default");
+}
+
+TEST_F(StateFile, OfAnotherUserIsNotMadeAnew) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can give files away";
+    Make("default");
+    ASSERT_EQ(chown(File().c_str(), 65534, 65534), 0);
+    EXPECT_THROW(Make(), StoreError);
+    EXPECT_EQ(Store(File(), DefaultMachine).Current().topology, "default");
+}
+
 TEST_F(StateFile, BelowAFileIsRefused) {
     root_.Write("/state", "a file");
     EXPECT_THAT(Refusal(), HasSubstr("cannot be made (Not a directory); name another file"));
