@@ -719,7 +719,7 @@ class Flash(Changes):
         (self.root / "cut").write_bytes((self.root / "bios.rom").read_bytes()[:-512])
         run = self.run_words("flash", "show", "cut", "--columns", "version", "--no-header")
         self.assertEqual((run.stdout, run.stderr, run.returncode), (
-            "3.1.0.27\n", "vexorctl: cut: the image says that it has 40960 bytes, and has "
+            "version  3.1.0.27\n", "vexorctl: cut: the image says that it has 40960 bytes, and has "
                            "40448\n", 1))
 
     def test_what_cannot_be_sent_erases_nothing(self):

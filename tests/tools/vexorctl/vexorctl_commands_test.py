@@ -10,6 +10,7 @@ usage: vexorctl_commands_test.py VEXORCTL CHECK_IN WRITE_MANUAL [--write] [TEST]
 import csv
 import io
 import json
+import os
 import pathlib
 import re
 import shutil
