@@ -16,14 +16,17 @@ HX_U8 HX_EVT_GetEvent(HX_U8 AdapterID, HX_U8 max, HX_U8* count, Event* events) {
         });
     if (status != hxcodes::Status::kSuccess || empty) return status;
     // The same call goes on: whatever fault is in its way has counted it.
-    return hxsim::Change(nullptr, AdapterID,
-                         [&](hxsim::Adapter& adapter, hxsim::Time) -> hxcodes::Status {
-                             const HX_U8 taken = hxsim::Take(adapter, max, events);
-                             *count = taken;
-                             if (hxsim::IsHostile()) {
-                                 hxsim::MakeRecordHostile(events, taken * sizeof *events);
-                                 *count = UINT8_MAX;  // more than there was room for
-                             }
-                             return hxcodes::Status::kSuccess;
-                         });
+    HX_U8 taken = 0;
+    const HX_U8 changed = hxsim::Change(
+        nullptr, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time) -> hxcodes::Status {
+            taken = hxsim::Take(adapter, max, events);
+            if (hxsim::IsHostile()) {
+                hxsim::MakeRecordHostile(events, taken * sizeof *events);
+                taken = UINT8_MAX;  // more than there was room for
+            }
+            return hxcodes::Status::kSuccess;
+        });
+    // What could not be saved stays in the queue and comes again: it has not been taken.
+    *count = changed == hxcodes::Status::kSuccess ? taken : HX_U8{0};
+    return changed;
 }

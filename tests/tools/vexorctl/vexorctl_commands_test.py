@@ -344,8 +344,11 @@ class Examples(VexorctlCase):
     def test_every_example_of_every_help_runs(self):
         self.collect()
         (self.root / "password").write_text("raid & roll\n")
-        (self.root / "bios.rom").write_bytes(b"\0" * 6 + bytes([3, 0, 1, 0, 0, 0, 27, 0]) +
-                                             b"\0" * 50)
+        image = bytearray(512)  # a whole BIOS image for these adapters
+        image[:14] = b"\x55\xaa\x01\0\0\0" + bytes([3, 0, 1, 0, 0, 0, 27, 0])
+        image[32:36] = b"\xc0\xfa\x01\x00"
+        image[-1] = -sum(image) % 256
+        (self.root / "bios.rom").write_bytes(image)
         (self.root / "examples").symlink_to(TREE / "examples")
         count = 0
         for noun, verb in self.commands():

@@ -411,7 +411,7 @@ constexpr CommandRow kCommands[] = {
      .target_name = "ADAPTER",
      .options = kSaveOptions,
      .functions = kNamesOf<calls::HX_Flash_Option>,
-     .examples = {"vexorctl flash save a0 --image bios --file bios.rom",
+     .examples = {"vexorctl flash save a0 --image bios --file saved.rom",
                   "vexorctl flash save a0 --image bios --file bios.rom --force --dry-run"},
      .run = SaveFlash,
      .columns = ChangeColumns,

@@ -135,7 +135,7 @@ TEST_F(Session, RefusesCallsWhenTheStateFileHasBecomeUnusable) {
         return true;
     });
     EXPECT_EQ(GetInfo(), Status::kNoState);
-    EXPECT_THAT(hx_trouble(), HasSubstr("a1/pd0 has sectors 0 to 4 in no block"));
+    EXPECT_THAT(hx_trouble(), HasSubstr("a0/pd0 has sectors 0 to 4 in no block"));
     EXPECT_EQ(Work(Status::kSuccess), Status::kNoState);
     EXPECT_EQ(HX_Adapter_GetCount(), 0);
 }
