@@ -114,9 +114,13 @@ TEST_F(WithoutMemory, EventsAreTakenOrStay) {
             status = HX_EVT_GetEvent(0, 8, &count, events);
         },
         [&] {
-            ASSERT_TRUE(status == HX_SUCCESS || status == 230) << int{status};
+            // SQLite tells some of its own want of memory as a file that cannot be used.
+            ASSERT_TRUE(status == HX_SUCCESS || status == 230 || status == 229) << int{status};
             if (status != HX_SUCCESS) {
                 ASSERT_EQ(count, 0);
+                // Reads the machine again, which the next call would have to do first.
+                Adapter_Info info;
+                ASSERT_EQ(HX_Adapter_GetInfo(0, &count, &info), HX_SUCCESS);
                 return;
             }
             ASSERT_NE(count, 0);
