@@ -11,6 +11,7 @@ import re
 import resource
 import sqlite3
 import subprocess
+import unittest
 import xml.etree.ElementTree
 
 import vexorctl_machine
