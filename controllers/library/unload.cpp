@@ -4,10 +4,11 @@
 // thrown when memory has run out. A process that loads and unloads the library would lose one each
 // time.
 
-namespace __gnu_cxx {
+// The names are the runtime's.
+namespace __gnu_cxx {  // NOLINT(bugprone-reserved-identifier)
 
 // Declared in no header of the runtime; made for programs that look for leaks.
-void __freeres();
+void __freeres();  // NOLINT(bugprone-reserved-identifier)
 
 }  // namespace __gnu_cxx
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "common/read_file.h"
+#include "common/read_file.h"  // IWYU pragma: keep: the FileError that it throws
 
 namespace vexortools {
 

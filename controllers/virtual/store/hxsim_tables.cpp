@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <type_traits>
 #include <vector>
 
