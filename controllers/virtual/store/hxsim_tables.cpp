@@ -2,6 +2,7 @@
 #include "store/hxsim_tables.h"
 
 #include <algorithm>
+#include <compare>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -132,7 +133,7 @@ std::strong_ordering Compare(const TableOf<Holder>& table, std::size_t columns, 
     for (const ColumnOf<Holder>& column : table.columns.first(columns)) {
         const std::strong_ordering order =
             Compare(column.read(*one.holder, one.row), column.read(*other.holder, other.row));
-        if (order != 0) return order;
+        if (std::is_neq(order)) return order;
     }
     return std::strong_ordering::equal;
 }
@@ -146,11 +147,11 @@ std::vector<RowIn<Holder>> ByKey(const TableOf<Holder>& table, const Holder& hol
     sorted.reserve(count);
     for (std::size_t row = 0; row < count; ++row) sorted.push_back({&holder, row});
     const auto is_before = [&](const RowIn<Holder>& one, const RowIn<Holder>& other) {
-        return Compare(table, table.keys, one, other) < 0;
+        return std::is_lt(Compare(table, table.keys, one, other));
     };
     if (!std::ranges::is_sorted(sorted, is_before)) std::ranges::sort(sorted, is_before);
     const auto is_same = [&](const RowIn<Holder>& one, const RowIn<Holder>& other) {
-        return Compare(table, table.keys, one, other) == 0;
+        return std::is_eq(Compare(table, table.keys, one, other));
     };
     if (std::ranges::adjacent_find(sorted, is_same) != sorted.end()) {
         throw std::logic_error(std::string("two rows of one name in ") + table.name);
@@ -318,10 +319,10 @@ private:
             return Compare(table, table.keys, *old_row, row);
         };
         for (const RowIn<Holder>& row : new_rows) {
-            while (old_row != old_rows.end() && compare_to(row) < 0) {
+            while (old_row != old_rows.end() && std::is_lt(compare_to(row))) {
                 Erase(table, *old_row++, adapter);
             }
-            const bool known = old_row != old_rows.end() && compare_to(row) == 0;
+            const bool known = old_row != old_rows.end() && std::is_eq(compare_to(row));
             if (!known || !IsSame(table, *old_row, row)) Put(table, row, adapter);
             if (known) ++old_row;
         }
@@ -330,7 +331,7 @@ private:
 
     template <class Holder>
     static bool IsSame(const TableOf<Holder>& table, RowIn<Holder> one, RowIn<Holder> other) {
-        return Compare(table, table.columns.size(), one, other) == 0;
+        return std::is_eq(Compare(table, table.columns.size(), one, other));
     }
 
     template <class Holder>
