@@ -136,7 +136,7 @@ private:
 
 }  // namespace
 
-void SweepFaults(const FaultScenario& scenario) {
+void ExpectDocumentedUnderFaults(const FaultScenario& scenario) {
     auto* const progress = static_cast<Progress*>(
         mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
     ASSERT_NE(MAP_FAILED, static_cast<void*>(progress));

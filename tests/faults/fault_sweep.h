@@ -22,4 +22,4 @@ struct FaultScenario {
 /// of the current test: an undocumented outcome, bytes or descriptors that stay, an end by a
 /// signal, and a run afterwards that is not the usual one. Every call is made to fail when the
 /// environment has FAULTS=all, and else at most 100 of a kind, chosen evenly.
-void SweepFaults(const FaultScenario& scenario);
+void ExpectDocumentedUnderFaults(const FaultScenario& scenario);

@@ -170,7 +170,7 @@ protected:
     // Saves the machine with another value in one column and expects that to be read. The key of a
     // row is not changed: it would be another row.
     template <class Columns, class Row>
-    void ChangeEach(std::size_t keys, const Columns& columns, Row& row) {
+    void ExpectEachChangeKept(std::size_t keys, const Columns& columns, Row& row) {
         ForEach(columns, [&](const auto& column) {
             if (keys != 0) {
                 --keys;
@@ -193,13 +193,14 @@ protected:
 TEST_F(StateTables, KeepEveryValueOfAMachine) { ExpectSameMachine(machine_, Read()); }
 
 TEST_F(StateTables, KeepEveryValueThatChanges) {
-    ChangeEach(0, kMachineColumns, machine_);
-    ChangeEach(0, kClockColumns, machine_.clock);
+    ExpectEachChangeKept(0, kMachineColumns, machine_);
+    ExpectEachChangeKept(0, kClockColumns, machine_.clock);
     ForEach(kMachineTables, [&]<class TableType>(const TableType& table) {
-        ChangeEach(TableType::kKeys, table.columns, (machine_.*table.list).back());
+        ExpectEachChangeKept(TableType::kKeys, table.columns, (machine_.*table.list).back());
     });
     ForEach(kAdapterTables, [&]<class TableType>(const TableType& table) {
-        ChangeEach(TableType::kKeys, table.columns, (machine_.adapters[1].*table.list).back());
+        ExpectEachChangeKept(TableType::kKeys, table.columns,
+                             (machine_.adapters[1].*table.list).back());
     });
 }
 
