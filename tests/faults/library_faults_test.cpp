@@ -14,6 +14,7 @@
 #include "hxfake.h"
 #include "support/temporary_root.h"
 #include "vexorapi.h"
+#include "vexorapi_version.h"
 #include "vxevent.h"
 #include "xml_rapi_flash.h"
 
@@ -295,24 +296,26 @@ bool IsResetOrNot(int kind, const std::string& usual, const std::string& seen) {
            (numbers.empty() || untouched || is_cut);
 }
 
-std::string without_file;
 void PrepareModules() {
     Clean(Function("VX_Module_GetInfo", ""));
-    if (without_file.empty()) {
-        SendCommand();
-        without_file = Reply();
-        returned = -1;
-        std::strcpy(result.data(), "untouched");
-    }
+    STORE_KEY(HXRAIDSVC, 9, 9, 9, 9);  // of an earlier reading
     Root().Write("/hxraidver.dat", "2.1.0.35\n");
 }
+// The usual answer with other numbers of the service, which stand last.
+std::string WithService(std::string answer, const char* const (&numbers)[4]) {
+    std::size_t at = answer.find("\">", answer.find("<hxraidsvc ")) + 2;
+    for (const char* const number : numbers) {
+        at = answer.find("\">", at) + 2;
+        answer.replace(at, answer.find('<', at) - at, number);
+    }
+    return answer;
+}
 // A file that cannot be opened is one that is not there. One that cannot be read is empty: no field
-// ends with a dot, so that the numbers of the last reading stay, and the build is 0.
+// ends with a dot, so that the earlier numbers stay, and the build is 0.
 bool IsBuiltInVersion(int kind, const std::string& usual, const std::string& seen) {
-    std::string without_build = usual;
-    without_build.replace(without_build.find(">35<"), 4, ">0<");
-    return IsRefusal(kind, usual, seen) || (kind == kFaultOpen && seen == without_file) ||
-           (kind == kFaultRead && seen == without_build);
+    return IsRefusal(kind, usual, seen) ||
+           (kind == kFaultOpen && seen == WithService(usual, {"1", "0", "0", "7"})) ||
+           (kind == kFaultRead && seen == WithService(usual, {"9", "9", "9", "0"}));
 }
 
 void PrepareLogged() {
