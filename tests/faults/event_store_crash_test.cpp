@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "hxfake.h"
+#include "numbered_event.h"
 #include "support/temporary_root.h"
 #include "vxevent.h"
 #include "write_recorder.h"
@@ -25,22 +26,6 @@ namespace {
 constexpr char kEventFile[] = "/opt/kestrel/raid/db/vx_hx_raid.ev";
 constexpr char kSeqNoFile[] = "/opt/kestrel/raid/db/vx_hx_seqnum.ev";
 constexpr std::size_t kSector = 512;
-
-// Every byte follows from the number, so that an event tells whether it is whole.
-Event NumberedEvent(HX_U32 number) {
-    Event event{};
-    event.Class = 2;
-    event.Code = 37;
-    event.SequenceNo = number;
-    for (HX_U32 i = 0; i < 4; ++i) event.Params[i] = number * 2654435761u + i;
-    event.SenseDataLength = 30;
-    std::memset(event.SenseData, static_cast<int>(number % 251), sizeof event.SenseData);
-    return event;
-}
-bool IsWhole(const Event& event) {
-    const Event expected = NumberedEvent(event.SequenceNo);
-    return std::memcmp(&expected, &event, sizeof event) == 0;
-}
 
 struct Case {
     const char* name;

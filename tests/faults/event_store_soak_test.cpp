@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "hxfake.h"
+#include "numbered_event.h"
 #include "support/temporary_root.h"
 #include "vxevent.h"
 
@@ -34,22 +35,6 @@ constexpr unsigned kReaders = 4;
 std::chrono::seconds Duration() {
     const char* const asked = std::getenv("SOAK_SECONDS");
     return std::chrono::seconds(asked == nullptr ? 3 : std::atoi(asked));
-}
-
-// Every byte follows from the number, so that an event tells whether it is whole.
-Event NumberedEvent(HX_U32 number) {
-    Event event{};
-    event.Class = 2;
-    event.Code = 37;
-    event.SequenceNo = number;
-    for (HX_U32 i = 0; i < 4; ++i) event.Params[i] = number * 2654435761u + i;
-    event.SenseDataLength = 30;
-    std::memset(event.SenseData, static_cast<int>(number % 251), sizeof event.SenseData);
-    return event;
-}
-bool IsWhole(const Event& event) {
-    const Event expected = NumberedEvent(event.SequenceNo);
-    return std::memcmp(&expected, &event, sizeof event) == 0;
 }
 
 // What the processes tell each other.
