@@ -147,6 +147,23 @@ std::int64_t Connection::Number(const std::string& sql) const {
     return statement.Step() ? statement.Integer(0) : 0;
 }
 
+std::optional<LogHead> Connection::Head() const {
+    constexpr int kIndexPage = 32768;  // SQLite maps the index in pages of this size
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(database_.get(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    const sqlite3_io_methods* const io = file == nullptr ? nullptr : file->pMethods;
+    if (io == nullptr || io->iVersion < 2 || io->xShmMap == nullptr) return std::nullopt;
+    volatile void* page = nullptr;
+    if (io->xShmMap(file, 0, kIndexPage, 0, &page) != SQLITE_OK || page == nullptr) {
+        return std::nullopt;
+    }
+    // Read while others may write it: half of one head and half of another is like neither.
+    const auto* const words = static_cast<const volatile std::uint64_t*>(page);
+    LogHead head{};
+    for (std::size_t i = 0; i < head.size(); ++i) head[i] = words[i];
+    return head;
+}
+
 void Connection::LeaveLog() const {
     sqlite3_db_config(database_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
 }

@@ -4,8 +4,10 @@
 
 #include <sqlite3.h>
 
+#include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -73,6 +75,10 @@ private:
     Sentence sentence_ = nullptr;
 };
 
+/// The head of the index of a file's log of changes (WAL), in the memory that all processes share
+/// which have the file open. Every commit changes it.
+using LogHead = std::array<std::uint64_t, 6>;
+
 enum class Access : std::uint8_t { kRead, kWrite };
 
 /// An open database.
@@ -89,6 +95,10 @@ public:
     std::int64_t Number(const std::string& sql) const;
 
     explicit operator bool() const { return database_ != nullptr; }
+
+    /// The log's head, without a system call. While it is the same, nobody has committed anything.
+    /// None without a log, as in memory. Of a file that has been read from.
+    std::optional<LogHead> Head() const;
 
     /// Has closing the connection leave the log of changes as it is, even for the last one to
     /// close: it is somebody else's.

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/auxv.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,6 +18,7 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <optional>
 #include <utility>
 
 #include "rules/hxsim_advance.h"
@@ -214,6 +216,35 @@ private:
     bool& flag_;
 };
 
+// Tells whether the process has been forked since the mark was made or renewed. Asking for the
+// process's number would be a system call before every call of the controller.
+class ForkMark {
+public:
+    ForkMark() {
+        void* const page = mmap(nullptr, sizeof *in_child_zero_, PROT_READ | PROT_WRITE,
+                                MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (page == MAP_FAILED) return;
+        in_child_zero_ = static_cast<int*>(page);
+        wiped_ = madvise(page, sizeof *in_child_zero_, MADV_WIPEONFORK) == 0;
+    }
+    ~ForkMark() {
+        if (in_child_zero_ != nullptr) munmap(in_child_zero_, sizeof *in_child_zero_);
+    }
+    ForkMark(const ForkMark&) = delete;
+    ForkMark& operator=(const ForkMark&) = delete;
+
+    void Renew() {
+        pid_ = getpid();
+        if (wiped_) *in_child_zero_ = 1;
+    }
+    bool IsForked() const { return wiped_ ? *in_child_zero_ == 0 : pid_ != getpid(); }
+
+private:
+    int* in_child_zero_ = nullptr;  // alone in its page
+    bool wiped_ = false;            // whether the kernel empties that page in a child
+    pid_t pid_ = 0;                 // where it does not
+};
+
 }  // namespace
 
 struct Store::Database {
@@ -242,10 +273,7 @@ struct Store::Database {
     const Machine& Current() {
         FollowFork();
         const Marked marked(busy_);
-        if (!loaded_ || link_->DataVersion() != known_version_) {
-            const Reading reading(link_->connection);
-            Refresh();
-        }
+        Follow();
         if (RealNow() >= due_) Write({});
         return machine_;
     }
@@ -263,7 +291,8 @@ private:
         if (path_ != kMemory && if_missing_ == IfMissing::kMake) MakeFile(path_);
         if (path_ != kMemory && if_missing_ == IfMissing::kRefuse) RequireFile(path_);
         link_ = std::make_unique<Link>(path_);
-        pid_ = getpid();
+        fork_mark_.Renew();
+        known_head_.reset();
         Transaction transaction(link_->connection);
         if (IsStateFile(link_->connection, path_)) {
             Upgrade(link_->connection, path_, kUpgradeSteps, kSchemaVersion);
@@ -279,7 +308,7 @@ private:
     // In a child process that was forked, everything is opened anew. A machine in memory goes on
     // as it was.
     void FollowFork() {
-        if (pid_ == getpid()) return;
+        if (!fork_mark_.IsForked()) return;
         if (busy_) {
             // A thread of the parent's that is not there any more was in the middle of something.
             static_cast<void>(link_.release());
@@ -297,6 +326,18 @@ private:
         } else {
             Connect(nullptr);
         }
+    }
+
+    // Reads what another process has committed, if any has.
+    void Follow() {
+        // Looked at before what it tells of: what is committed in between is found the next time.
+        const auto head = link_->connection.Head();
+        if (loaded_ && head && head == known_head_) return;
+        if (!loaded_ || link_->DataVersion() != known_version_) {
+            const Reading reading(link_->connection);
+            Refresh();
+        }
+        known_head_ = head;
     }
 
     // Reads what another process has written. Within a transaction.
@@ -346,10 +387,11 @@ private:
     const std::string path_;
     const std::function<Machine()> first_;  // of a file that is not there
     const IfMissing if_missing_;
-    pid_t pid_ = 0;  // of the process that has opened it
+    ForkMark fork_mark_;  // of the process that has opened it
     std::unique_ptr<Link> link_;
     std::int64_t known_version_ = 0;
-    bool busy_ = false;    // in the middle of a call
+    std::optional<hxsqlite::LogHead> known_head_;  // of the log, when nothing newer was in it
+    bool busy_ = false;                            // in the middle of a call
     bool loaded_ = false;  // whether `machine_` is what stands in the file at `known_version_`
     Machine machine_;
     Time due_ = kNever;  // in real time

@@ -79,6 +79,21 @@ bool IsLocated(Store& store, HX_U16 disk) {
     return store.Current().adapters[0].disks[disk].locate_light;
 }
 
+TEST_F(StateFile, IsLookedAtWithoutSystemCallsWhileNobodyChangesIt) {
+    if (kSanitized) GTEST_SKIP() << "a sanitizer makes system calls of its own";
+    Make();
+    const auto calls_of_looks = [&](int looks) {
+        return SystemCallsOf([&] {
+                   Store store(File(), DefaultMachine);
+                   for (int look = 0; look < looks; ++look) store.Current();
+               })
+            .size();
+    };
+    const std::size_t of_two = calls_of_looks(2);
+    EXPECT_LT(0u, of_two);
+    EXPECT_EQ(of_two, calls_of_looks(50));
+}
+
 TEST_F(StateFile, HoldsEveryRowOfTheMachineThatWasPutIn) {
     Machine machine = MakeMachine(BuiltInTopology("default"), 7, 1000);
     machine.clock = {1000, 1000, 0};
