@@ -19,6 +19,10 @@ inline constexpr std::string_view kSmallRequest =
     "<HX_PD_FreeHD2GlobalSpare type=\"function\"><AdapterID>0</AdapterID><HD_ID>11</HD_ID>"
     "</HX_PD_FreeHD2GlobalSpare>";
 
+/// A request without parameters, for which the controller is asked a single number.
+inline constexpr std::string_view kSmallestRequest =
+    "<HX_Adapter_GetCount type=\"function\"></HX_Adapter_GetCount>";
+
 /// A command of `bytes` bytes or a few more: parameters, one a line, over and over.
 std::string LongCommand(std::size_t bytes);
 

@@ -40,6 +40,17 @@ void SmallRequestBareExpat(benchmark::State& state) {
 }
 BENCHMARK(SmallRequestBareExpat)->Name("small_request/bare_expat");
 
+// The virtual controller stands beside it in bench_simulator.
+void SmallestRequestScripted(benchmark::State& state) {
+    const char* const command = kSmallestRequest.data();
+    RequireSame("smallest request", Serve(Library, command),
+                "<HX_Adapter_GetCount type=\"function\">\n"
+                "  <RetVal type=\"U8\">2</RetVal>\n"
+                "</HX_Adapter_GetCount>");
+    Measure(state, [&] { vexorApi(command, result.data(), result.size()); });
+}
+BENCHMARK(SmallestRequestScripted)->Name("smallest_request/scripted");
+
 void CommandLibrary(benchmark::State& state) {
     const std::string command = LongCommand(static_cast<std::size_t>(state.range(0)));
     RequireSame("long command", Serve(Library, command.c_str()),

@@ -9,17 +9,21 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "bench.h"
 #include "hxraid.h"
 #include "model/hxsim_machine.h"
 #include "store/hxsim_store.h"
 #include "topology/hxsim_topology.h"
+#include "vexorapi.h"
 
 namespace {
 
@@ -101,6 +105,18 @@ void Listing(benchmark::State& state) {
 BENCHMARK(Listing<HX_PD_GetHDInfo, HD_Info_Request, HD_Info>)->Name("list/disks")->Arg(128);
 BENCHMARK(Listing<HX_LD_GetInfo, LD_Info_Request, LD_Info>)->Name("list/virtual_disks")->Arg(32);
 BENCHMARK(Listing<HX_BLK_GetInfo, Info_Request, Block_Info>)->Name("list/blocks")->Arg(512);
+
+// A whole request, through the library. The scripted controller stands beside it in bench_vexorapi.
+void SmallestRequest(benchmark::State& state) {
+    TheRack();
+    static std::array<char, 4096> result;
+    const char* const command = bench::kSmallestRequest.data();
+    for (auto _ : state) vexorApi(command, result.data(), result.size());
+    if (std::strstr(result.data(), "<RetVal type=\"U8\">4</RetVal>") == nullptr) {
+        state.SkipWithError("the rack has another number of adapters");
+    }
+}
+BENCHMARK(SmallestRequest)->Name("smallest_request/virtual");
 
 // A setting that is another one each time.
 void Change(benchmark::State& state) {

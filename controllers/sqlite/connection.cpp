@@ -157,11 +157,18 @@ std::optional<LogHead> Connection::Head() const {
     if (io->xShmMap(file, 0, kIndexPage, 0, &page) != SQLITE_OK || page == nullptr) {
         return std::nullopt;
     }
-    // Read while others may write it: half of one head and half of another is like neither.
-    const auto* const words = static_cast<const volatile std::uint64_t*>(page);
-    LogHead head{};
-    for (std::size_t i = 0; i < head.size(); ++i) head[i] = words[i];
-    return head;
+    // Read while others may write it: two copies that differ are a commit that is going on.
+    std::array<LogHead, 2> copies{};
+    const auto* words = static_cast<const volatile std::uint32_t*>(page);
+    for (LogHead& copy : copies) {
+        for (std::uint32_t& word : copy) word = *words++;
+    }
+    // An index that nobody has filled yet, or is rebuilding, never changes by a commit.
+    constexpr std::uint32_t kVersion = 3007000;
+    std::uint8_t is_filled = 0;
+    std::memcpy(&is_filled, &copies[0][3], 1);
+    if (copies[0] != copies[1] || copies[0][0] != kVersion || is_filled == 0) return std::nullopt;
+    return copies[0];
 }
 
 void Connection::LeaveLog() const {

@@ -76,8 +76,10 @@ private:
 };
 
 /// The head of the index of a file's log of changes (WAL), in the memory that all processes share
-/// which have the file open. Every commit changes it.
-using LogHead = std::array<std::uint64_t, 6>;
+/// which have the file open: version, unused, number of changes, filled, frames, pages, and the
+/// sums over the log and over these. Every commit changes it, and SQLite itself compares nothing
+/// else to find out whether somebody has committed.
+using LogHead = std::array<std::uint32_t, 12>;
 
 enum class Access : std::uint8_t { kRead, kWrite };
 
@@ -97,7 +99,8 @@ public:
     explicit operator bool() const { return database_ != nullptr; }
 
     /// The log's head, without a system call. While it is the same, nobody has committed anything.
-    /// None without a log, as in memory. Of a file that has been read from.
+    /// None without a log, as in memory, and while it is being written. The connection must have
+    /// read from the file before: only then is the index mapped.
     std::optional<LogHead> Head() const;
 
     /// Has closing the connection leave the log of changes as it is, even for the last one to

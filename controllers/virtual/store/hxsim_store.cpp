@@ -216,38 +216,42 @@ private:
     bool& flag_;
 };
 
-// Tells whether the process has been forked since the mark was made or renewed. Asking for the
-// process's number would be a system call before every call of the controller.
-class ForkMark {
-public:
-    ForkMark() {
-        void* const page = mmap(nullptr, sizeof *in_child_zero_, PROT_READ | PROT_WRITE,
-                                MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        if (page == MAP_FAILED) return;
-        in_child_zero_ = static_cast<int*>(page);
-        wiped_ = madvise(page, sizeof *in_child_zero_, MADV_WIPEONFORK) == 0;
-    }
-    ~ForkMark() {
-        if (in_child_zero_ != nullptr) munmap(in_child_zero_, sizeof *in_child_zero_);
-    }
-    ForkMark(const ForkMark&) = delete;
-    ForkMark& operator=(const ForkMark&) = delete;
-
-    void Renew() {
-        pid_ = getpid();
-        if (wiped_) *in_child_zero_ = 1;
-    }
-    bool IsForked() const { return wiped_ ? *in_child_zero_ == 0 : pid_ != getpid(); }
-
-private:
-    int* in_child_zero_ = nullptr;  // alone in its page
-    bool wiped_ = false;            // whether the kernel empties that page in a child
-    pid_t pid_ = 0;                 // where it does not
-};
-
 }  // namespace
 
 struct Store::Database {
+    // Tells whether the process has been forked since the mark was made or renewed. Asking for the
+    // process's number would be a system call before every call of the controller.
+    class ForkMark {
+    public:
+        ForkMark() {
+            void* const page = mmap(nullptr, sizeof *in_child_zero_, PROT_READ | PROT_WRITE,
+                                    MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+            if (page == MAP_FAILED) return;
+            in_child_zero_ = static_cast<int*>(page);
+            // Emulators (qemu before version 8) do nothing at any advice and say that they did it;
+            // they are known by an advice that does not exist.
+            constexpr int kNoAdvice = -1;
+            wiped_ = madvise(page, sizeof *in_child_zero_, kNoAdvice) != 0 &&
+                     madvise(page, sizeof *in_child_zero_, MADV_WIPEONFORK) == 0;
+        }
+        ~ForkMark() {
+            if (in_child_zero_ != nullptr) munmap(in_child_zero_, sizeof *in_child_zero_);
+        }
+        ForkMark(const ForkMark&) = delete;
+        ForkMark& operator=(const ForkMark&) = delete;
+
+        void Renew() {
+            pid_ = getpid();
+            if (wiped_) *in_child_zero_ = 1;
+        }
+        bool IsForked() const { return wiped_ ? *in_child_zero_ == 0 : pid_ != getpid(); }
+
+    private:
+        int* in_child_zero_ = nullptr;  // alone in its page
+        bool wiped_ = false;            // whether the kernel empties that page in a child
+        pid_t pid_ = 0;                 // where it does not
+    };
+
     // A connection and the statements on it.
     struct Link {
         explicit Link(const std::string& path)
@@ -291,7 +295,6 @@ private:
         if (path_ != kMemory && if_missing_ == IfMissing::kMake) MakeFile(path_);
         if (path_ != kMemory && if_missing_ == IfMissing::kRefuse) RequireFile(path_);
         link_ = std::make_unique<Link>(path_);
-        fork_mark_.Renew();
         known_head_.reset();
         Transaction transaction(link_->connection);
         if (IsStateFile(link_->connection, path_)) {
@@ -303,6 +306,8 @@ private:
         }
         transaction.Commit();
         loaded_ = false;
+        // Not before: a child in which this fails shows nothing of its parent's, but tries again.
+        fork_mark_.Renew();
     }
 
     // In a child process that was forked, everything is opened anew. A machine in memory goes on
@@ -330,7 +335,7 @@ private:
 
     // Reads what another process has committed, if any has.
     void Follow() {
-        // Looked at before what it tells of: what is committed in between is found the next time.
+        // Taken before SQLite is asked: what is committed between the two is found the next time.
         const auto head = link_->connection.Head();
         if (loaded_ && head && head == known_head_) return;
         if (!loaded_ || link_->DataVersion() != known_version_) {

@@ -277,6 +277,62 @@ TEST_F(StateFile, CanBeMadeByTwoProcessesAtOnce) {
     }
 }
 
+// The log's index tells whether anything is new: it must, whatever others do to the log.
+struct Interference {
+    const char* name;
+    const char* before;  // what the other process does first, in SQL
+    const char* after;   // and last
+};
+void PrintTo(const Interference& each, std::ostream* out) { *out << each.name; }
+
+constexpr Interference kInterferences[] = {
+    {"Nothing", "", ""},
+    {"LogEmptiedBefore", "PRAGMA wal_checkpoint(TRUNCATE)", ""},
+    {"LogEmptiedAfter", "", "PRAGMA wal_checkpoint(TRUNCATE)"},
+    {"LogRestarted", "PRAGMA wal_checkpoint(RESTART)", "PRAGMA wal_checkpoint(RESTART)"},
+    {"FileRewritten", "VACUUM", "VACUUM"},
+};
+
+class StateFileBesideOthers : public StateFile, public testing::WithParamInterface<Interference> {};
+
+TEST_P(StateFileBesideOthers, ShowsEveryChangeHoweverOftenItWasTheSame) {
+    Make();
+    Store store(File(), DefaultMachine);
+    for (int round = 0; round < 12; ++round) {
+        const bool on = round % 2 == 0;
+        for (int look = 0; look < 3; ++look) ASSERT_EQ(IsLocated(store, 5), !on) << round;
+        ASSERT_EQ(InChild([&] {
+                      Execute(GetParam().before);
+                      {
+                          Store other(File(), DefaultMachine);
+                          Locate(other, 5, on);
+                      }
+                      Execute(GetParam().after);
+                      return 0;
+                  }),
+                  0);
+        ASSERT_EQ(IsLocated(store, 5), on) << round;
+    }
+}
+INSTANTIATE_TEST_SUITE_P(Interferences, StateFileBesideOthers, testing::ValuesIn(kInterferences),
+                         [](const auto& each) { return each.param.name; });
+
+TEST_F(StateFile, ShowsTheChangesOfAProcessThatWasKilledAfterThem) {
+    Make();
+    Store store(File(), DefaultMachine);
+    for (int round = 0; round < 10; ++round) {
+        const bool on = round % 2 == 0;
+        for (int look = 0; look < 3; ++look) ASSERT_EQ(IsLocated(store, 5), !on) << round;
+        EXPECT_EQ(InChild([&] {
+                      Store other(File(), DefaultMachine);
+                      Locate(other, 5, on);
+                      return raise(SIGKILL);
+                  }),
+                  -1);
+        ASSERT_EQ(IsLocated(store, 5), on) << round;
+    }
+}
+
 TEST_F(StateFile, IsReplacedAsAWholeForThoseWhoHaveItOpen) {
     Make("small");
     Store store(File(), DefaultMachine);
@@ -306,6 +362,42 @@ TEST_F(StateFile, IsOpenedAnewByAForkedChild) {
     EXPECT_TRUE(IsLocated(store, 2));
     Locate(store, 3, true);
     EXPECT_TRUE(IsLocated(store, 3));
+}
+
+TEST_F(StateFile, IsOpenedAnewByAChildOfAForkedChild) {
+    Make();
+    Store store(File(), DefaultMachine);
+    Locate(store, 1, true);
+    EXPECT_EQ(InChild([&] {
+                  const bool seen = IsLocated(store, 1);
+                  LocateInChild(store);
+                  return seen && IsLocated(store, 2) && !HasFailure() ? 0 : 1;
+              }),
+              0);
+    EXPECT_TRUE(IsLocated(store, 2));
+}
+
+TEST_F(StateFile, ThatAForkedChildCannotOpenIsRefusedToItEachTime) {
+    Make();
+    Store store(File(), DefaultMachine, IfMissing::kRefuse);
+    EXPECT_FALSE(IsLocated(store, 1));
+    EXPECT_EQ(InChild([&] {
+                  for (const char* const part : {"", "-wal", "-shm"}) {
+                      std::filesystem::rename(File() + part, File() + part + ".old");
+                  }
+                  std::ofstream(File()).close();
+                  Execute("CREATE TABLE t (n); DROP TABLE t");  // a database without a machine
+                  int refused = 0;
+                  for (int look = 0; look < 4; ++look) {
+                      try {
+                          store.Current();
+                      } catch (const StoreError&) {
+                          ++refused;
+                      }
+                  }
+                  return refused;
+              }),
+              4);
 }
 
 // A daemon: the parent that has opened it ends at once, and others come and go meanwhile.
