@@ -33,14 +33,6 @@ void FillRecords(T* records, std::size_t count) {
     for (std::size_t i = 0; i < count * sizeof(T); ++i) bytes[i] = NextByte();
 }
 
-// The most records of an array that its caller cannot bound.
-template <class T>
-constexpr std::size_t kRoom = 1;
-template <>
-constexpr std::size_t kRoom<EncElementType_Info> = 255;
-template <>
-constexpr std::size_t kRoom<EncElement_Config> = 255;
-
 template <class T>
 concept Page = requires(T request) {
     request.header.numRequested;
@@ -75,7 +67,7 @@ void FillParameter(T parameter, std::size_t room) {
         parameter->DataLength = NextU16() * 3u;  // also longer than a piece is
         parameter->isLastPage = NextByte();
     } else {
-        FillRecords(parameter, std::min<std::size_t>(NextByte(), kRoom<Pointee>));
+        FillRecords(parameter, std::min<std::size_t>(NextByte(), hxfake::kRoomUnasked<Pointee>));
     }
 }
 

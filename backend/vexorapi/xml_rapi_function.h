@@ -42,6 +42,43 @@ inline constexpr bool kTakesPassword = false;
 template <>
 inline constexpr bool kTakesPassword<VX_LogonUser> = true;
 
+// Never defined, as those of xml_rapi_coverage.h: the compiler's message names the reason.
+void TheCallTakesANumberThatNoCommandHolds();
+void TheCallDoesNotTakeWhatACommandHolds();
+
+template <class R, class A, class B>
+constexpr bool IsSameField(A R::*one, B R::*other) {
+    if constexpr (std::is_same_v<A, B>) {
+        return one == other;
+    } else {
+        return false;
+    }
+}
+
+/// Holds a plain call against the children of its function: whatever a command can hold is passed,
+/// and a number that is passed can be held. A record may be the controller's alone to fill. Other
+/// calls say in code what they pass.
+template <class R, class... ParamRow, class Call>
+constexpr void CheckThatCallTakes(const Params<R, ParamRow...>&, const Call&) {}
+template <class R, class... ParamRow, auto function, class... T>
+constexpr void CheckThatCallTakes(const Params<R, ParamRow...>& params,
+                                  const PlainCall<function, R, T...>& call) {
+    const auto is_held = [&](auto passed) {
+        return params.rows.Apply(
+            [&](const auto&... row) { return (IsSameField(row.field, passed) || ...); });
+    };
+    const auto is_passed = [&](auto held) {
+        return call.fields.Apply(
+            [&](auto... passed) { return (IsSameField(passed, held) || ...); });
+    };
+    const bool all_are_held = call.fields.Apply(
+        [&](auto... passed) { return ((std::is_class_v<T> || is_held(passed)) && ...); });
+    if (!all_are_held) TheCallTakesANumberThatNoCommandHolds();
+    const bool all_are_passed =
+        params.rows.Apply([&](const auto&... row) { return (is_passed(row.field) && ...); });
+    if (!all_are_passed) TheCallDoesNotTakeWhatACommandHolds();
+}
+
 /// One vendor function, wholly described by its rows.
 template <class R, class ParamRows, class Call, class ResultRows, class List = NoList>
 struct Function;
@@ -66,7 +103,9 @@ struct Function<R, Params<R, ParamRow...>, Call, Result<R, Row...>, List> {
           params(function_params),
           call(function_call),
           rows(result.rows),
-          list(function_list) {}
+          list(function_list) {
+        CheckThatCallTakes(params, call);
+    }
 };
 template <class R, class ParamRows, class Call, class ResultRows>
 Function(const char*, R XML_RA_FuncData::*, ParamRows, Call, ResultRows)

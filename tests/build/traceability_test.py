@@ -107,6 +107,13 @@ def complaint_about_item(tree, item):
     return None
 
 
+def complaints_about_items(tree, where, items):
+    if not items:
+        return [f"{where} has no test"]
+    wrong = [complaint_about_item(tree, item) for item in items]
+    return [f"{where} {each}" for each in wrong if each]
+
+
 def complaints_about(tree, documents):
     path = tree / LIST
     entries = read_list(path.read_text()) if path.is_file() else []
@@ -115,12 +122,7 @@ def complaints_about(tree, documents):
     for document, sentence, items in entries:
         where = f"{LIST}: {document}: \"{sentence[:70]}\""
         quoted.setdefault(document, set()).add(sentence)
-        if not items:
-            complaints.append(f"{where} has no test")
-        for item in items:
-            wrong = complaint_about_item(tree, item)
-            if wrong:
-                complaints.append(f"{where} {wrong}")
+        complaints += complaints_about_items(tree, where, items)
     for document, end in documents.items():
         stands = list(sentences_of(document, (tree / document).read_text(), end))
         for sentence in stands:
@@ -141,12 +143,7 @@ def complaints_about_table(tree, name, text):
     for row in rows:
         items = re.findall(r"`([^`]+: [^`]+)`", row)
         where = f"{name}: {row.split('|')[0].strip()}"
-        if not items:
-            complaints.append(f"{where} has no test")
-        for item in items:
-            wrong = complaint_about_item(tree, item)
-            if wrong:
-                complaints.append(f"{where} {wrong}")
+        complaints += complaints_about_items(tree, where, items)
     return complaints if rows else [f"{name} has no table of tests"]
 
 

@@ -245,6 +245,15 @@ auto List(const std::vector<T>& records, HX_U16 page_limit = 65535) {
     };
 }
 
+/// The most records that a call may write behind a pointer whose caller does not say how many it
+/// has room for.
+template <class T>
+inline constexpr std::size_t kRoomUnasked = 1;
+template <>
+inline constexpr std::size_t kRoomUnasked<EncElementType_Info> = 255;
+template <>
+inline constexpr std::size_t kRoomUnasked<EncElement_Config> = 255;
+
 }  // namespace hxfake
 
 #endif

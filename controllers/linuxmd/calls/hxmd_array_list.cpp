@@ -85,12 +85,8 @@ LD_Config DescribeArraySettings(const View& view, const Array& array) {
 template <class Request, class Record, class Describe, class IdOf>
 HX_U8 ListArrays(HX_U8 adapter, Request* request, Record (Request::*list)[1], Describe describe,
                  IdOf id_of) {
-    const auto all = [&](const View& view) {
-        std::vector<Record> records;
-        for (const Array& array : view.machine.arrays) records.push_back(describe(view, array));
-        return records;
-    };
-    return List(adapter, request, list, all, id_of, NumberOf(Status::kNoVirtualDisk));
+    return ListEach(adapter, request, list, &Machine::arrays, describe, id_of,
+                    NumberOf(Status::kNoVirtualDisk));
 }
 
 // ---- Blocks ----

@@ -48,12 +48,8 @@ const Disk* FindDisk(const View& view, HX_U16 id) {
 template <class Request, class Record, class Describe, class IdOf>
 HX_U8 ListDisks(HX_U8 adapter, Request* request, Record (Request::*list)[1], Describe describe,
                 IdOf id_of) {
-    const auto all = [&](const View& view) {
-        std::vector<Record> records;
-        for (const Disk& disk : view.machine.disks) records.push_back(describe(view, disk));
-        return records;
-    };
-    return List(adapter, request, list, all, id_of, NumberOf(Status::kNoDisk));
+    return ListEach(adapter, request, list, &Machine::disks, describe, id_of,
+                    NumberOf(Status::kNoDisk));
 }
 
 // ---- What a disk is ----

@@ -58,4 +58,16 @@ HX_U8 List(HX_U8 adapter, Request* request, Record (Request::*list)[1], Describe
     });
 }
 
+/// The same with one record for each disk, array and so on of the machine.
+template <class Request, class Record, class Thing, class Describe, class IdOf>
+HX_U8 ListEach(HX_U8 adapter, Request* request, Record (Request::*list)[1],
+               std::vector<Thing> Machine::*things, Describe describe, IdOf id_of, HX_U8 missing) {
+    const auto all = [&](const View& view) {
+        std::vector<Record> records;
+        for (const Thing& thing : view.machine.*things) records.push_back(describe(view, thing));
+        return records;
+    };
+    return List(adapter, request, list, all, id_of, missing);
+}
+
 }  // namespace hxmd

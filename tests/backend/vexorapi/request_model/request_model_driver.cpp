@@ -212,14 +212,6 @@ void NoteArgument(std::string& line, T argument) {
     }
 }
 
-// The most records behind a pointer whose caller does not say how many it has room for.
-template <class T>
-constexpr std::size_t kRoom = 1;
-template <>
-constexpr std::size_t kRoom<EncElementType_Info> = 255;
-template <>
-constexpr std::size_t kRoom<EncElement_Config> = 255;
-
 // The header as the controller likes, but for numRequested, which says how much room there is.
 template <class Request>
 void FillPage(Request& request, std::string_view part) {
@@ -246,8 +238,9 @@ void Fill(T parameter, std::size_t room, const Answer& answer, std::size_t& part
             FillPage(*parameter, bytes);
         } else {
             const std::size_t records =
-                std::is_same_v<Target, RCT_Record> || std::is_same_v<Target, Event> ? room
-                                                                                    : kRoom<Target>;
+                std::is_same_v<Target, RCT_Record> || std::is_same_v<Target, Event>
+                    ? room
+                    : hxfake::kRoomUnasked<Target>;
             std::memcpy(static_cast<void*>(parameter), bytes.data(),
                         std::min(bytes.size(), records * sizeof(Target)));
         }

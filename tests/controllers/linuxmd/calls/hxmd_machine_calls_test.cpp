@@ -31,13 +31,8 @@ protected:
 
     // A RAID 1 over a whole disk and a partition, and a disk that is free.
     void RecordMirror() {
-        recorded_.AddDisk("sda", "0a");
-        recorded_.AddDisk("sdb", "0b");
-        recorded_.AddPartition("sdb", "sdb1");
+        recorded_.AddMirror();
         recorded_.AddDisk("sdc", "0c");
-        recorded_.AddArray("md127", "raid1", 2);
-        recorded_.AddMember("md127", "sda", "0");
-        recorded_.AddMember("md127", "sdb1", "1");
     }
 
     // Class, code and device of the events that wait.

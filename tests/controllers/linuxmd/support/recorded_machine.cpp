@@ -137,6 +137,15 @@ void RecordedMachine::AddMember(const std::string& array, const std::string& dev
     fs::create_directories(root_.Path(target + "/holders/" + array));
 }
 
+void RecordedMachine::AddMirror() {
+    AddDisk("sda", "0a");
+    AddDisk("sdb", "0b");
+    AddPartition("sdb", "sdb1");
+    AddArray("md127", "raid1", 2);
+    AddMember("md127", "sda", "0");
+    AddMember("md127", "sdb1", "1");
+}
+
 void RecordedMachine::RemoveMember(const std::string& array, const std::string& device) {
     fs::remove_all(root_.Path("/sys/block/" + array + "/md/dev-" + device));
 }

@@ -29,6 +29,8 @@ public:
     /// A member on a device (a disk or a partition) in a place; "none" for a spare.
     void AddMember(const std::string& array, const std::string& device, const std::string& slot,
                    const std::string& state = "in_sync");
+    /// The disks sda and sdb, and the RAID 1 md127 on sda and on a partition of sdb.
+    void AddMirror();
     void RemoveMember(const std::string& array, const std::string& device);
 
     /// Writes an attribute: of a disk, of an array ("md/degraded"), of a member.

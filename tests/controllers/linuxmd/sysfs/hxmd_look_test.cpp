@@ -151,12 +151,7 @@ TEST_F(ALook, SeesThatAnotherProgramHoldsADisk) {
 // ---- Arrays ----
 
 TEST_F(ALook, FindsAnArrayAndItsMembers) {
-    recorded_.AddDisk("sda", "0a");
-    recorded_.AddDisk("sdb", "0b");
-    recorded_.AddPartition("sdb", "sdb1");
-    recorded_.AddArray("md127", "raid1", 2);
-    recorded_.AddMember("md127", "sda", "0");
-    recorded_.AddMember("md127", "sdb1", "1");
+    recorded_.AddMirror();
     const Machine machine = Now();
     ASSERT_EQ(machine.arrays.size(), 1U);
     const Array& array = machine.arrays[0];
