@@ -45,7 +45,7 @@ Work ParsedBare(std::string command) {
 
 Work Rendered(std::vector<Event> events) {
     return [events = std::move(events)] {
-        std::array<char, kEventTextSize> text;
+        static std::array<char, kEventTextSize> text;  // not cleared for each work
         for (const Event& event : events) VX_HX_EVT_Sprintf(&event, text.data());
         return events.size();
     };

@@ -235,14 +235,15 @@ struct Part {
     Form form;
 };
 
-// Copied with steps of fixed size; the lengths say how much of them counts.
-struct Template {
+// Copied with steps of fixed size; the lengths say how much of them counts. Aligned, so that a
+// template's place in its list needs no multiplication.
+struct alignas(16) Template {
     char key[48];  // up to the first conversion
     std::uint8_t key_length;
     bool severity;  // its name follows the key
     std::uint8_t part_count;
     std::uint8_t after_length;
-    char after[4];  // behind the last conversion
+    char after[8];  // behind the last conversion, with the line end; zeros follow
     Part parts[5];
 };
 
@@ -328,6 +329,8 @@ consteval Template TakeApart(std::string_view form, const std::array<Arg, 5>& ar
     }
     result.after_length = CopyLiteral(result.after, TakeLiteral(form));
     if (!form.empty()) ConversionsAndArgsDiffer();
+    result.after[result.after_length++] = '\n';
+    if (result.after_length >= sizeof result.after) LiteralIsTooLong();
     return result;
 }
 
@@ -478,9 +481,12 @@ constexpr std::size_t LongestText(const Template& text) {
 }
 
 consteval bool AllFit() {
-    constexpr std::size_t kAround = kTimeLength + 1 + 1 + 1;  // time, blank, line end, NUL
+    // Behind the values stand their spilled digits, and then the whole field of what follows them,
+    // line end and NUL included.
+    constexpr std::size_t kBehindValues = std::max(kDigitSlack, sizeof Template::after);
     const auto fits = [](const Template& text) {
-        return kAround + LongestText(text) + kDigitSlack <= kLongestEventText;
+        const std::size_t to_values = kTimeLength + 1 + LongestText(text) - text.after_length;
+        return to_values + kBehindValues <= kLongestEventText;
     };
     const auto all_fit = [&](const auto& texts) {
         return std::ranges::all_of(texts.templates, fits);
@@ -497,14 +503,19 @@ static_assert(kTimeLength + 1 + sizeof(Template::key) <= kLongestEventText);
 
 // ---- Rendering ----------------------------------------------------------------------------------
 
+// Copied as a whole: what stands behind the name is written over afterwards.
 struct PaddedName {
     char text[15];
     std::uint8_t length;
 };
+static_assert(sizeof(PaddedName) == 16);
+// Every level above the last has the name of the first, which is "unknown".
+constexpr std::size_t kHighestLevel = std::size(kSeverityNames) - 1;
 consteval auto PadSeverityNames() {
-    std::array<PaddedName, std::size(kSeverityNames)> names{};
+    std::array<PaddedName, kHighestLevel + 2> names{};
     for (std::size_t i = 0; i < names.size(); ++i) {
-        names[i].length = CopyLiteral(names[i].text, kSeverityNames[i]);
+        const std::string_view name = kSeverityNames[i <= kHighestLevel ? i : 0];
+        names[i].length = CopyLiteral(names[i].text, name);
     }
     return names;
 }
@@ -530,25 +541,42 @@ char* PutSigned(char* at, HX_U32 value) {
     return PutDecimal(at, value);
 }
 
-// All eight digits, the first in the low byte: each nibble gets a byte, and the bytes their digits.
-std::uint64_t HexDigits(HX_U32 value) {
-    std::uint64_t nibbles = value;
-    nibbles = (nibbles | nibbles << 16) & 0x0000FFFF0000FFFF;
-    nibbles = (nibbles | nibbles << 8) & 0x00FF00FF00FF00FF;
-    nibbles = (nibbles | nibbles << 4) & 0x0F0F0F0F0F0F0F0F;
-    const std::uint64_t letters = (nibbles + 0x0606060606060606) >> 4 & 0x0101010101010101;
-    return __builtin_bswap64(nibbles + 0x3030303030303030 + letters * ('a' - '0' - 10));
+// Of each byte its two digits, the first in the low byte.
+consteval std::array<std::uint16_t, 256> MakeHexPairs() {
+    constexpr char kDigits[] = "0123456789abcdef";
+    std::array<std::uint16_t, 256> pairs{};
+    for (std::size_t byte = 0; byte < pairs.size(); ++byte) {
+        pairs[byte] = static_cast<std::uint16_t>(kDigits[byte >> 4] | kDigits[byte & 15] << 8);
+    }
+    return pairs;
+}
+constexpr std::array<std::uint16_t, 256> kHexPairs = MakeHexPairs();
+
+char* PutPair(char* at, HX_U32 byte) {
+    std::memcpy(at, &kHexPairs[byte], 2);
+    return at + 2;
 }
 
-char* PutDigits(char* at, std::uint64_t digits, int count) {
-    digits >>= 8 * (8 - count);
+char* PutPadded(char* at, HX_U32 value) {
+    at = PutPair(at, value >> 24);
+    at = PutPair(at, value >> 16 & 0xFF);
+    at = PutPair(at, value >> 8 & 0xFF);
+    return PutPair(at, value & 0xFF);
+}
+
+// Without leading zeros: all eight digits are written, and the last of them moved to the front.
+char* PutUnpadded(char* at, HX_U32 value, bool upper) {
+    PutPadded(at, value);
+    std::uint64_t digits;
+    std::memcpy(&digits, at, sizeof digits);
+    if (upper) digits &= ~((digits & 0x4040404040404040) >> 1);
+    const int length = (35 - std::countl_zero(value | 1)) / 4;
+    digits >>= 8 * (8 - length);
     std::memcpy(at, &digits, sizeof digits);
-    return at + count;
+    return at + length;
 }
 
-int HexLength(HX_U32 value) { return (35 - std::countl_zero(value | 1)) / 4; }
-
-char* PutSerial(char* at, const Event& event) {
+[[gnu::noinline]] char* PutSerial(char* at, const Event& event) {
     const std::size_t length =
         strnlen(reinterpret_cast<const char*>(event.SenseData), sizeof event.SenseData);
     std::memcpy(at, event.SenseData, length);
@@ -560,14 +588,11 @@ char* PutSerial(char* at, const Event& event) {
     const HX_U32 value = ValueOf(event, part);
     switch (part.form) {
         case Form::Hex:
-            return PutDigits(at, HexDigits(value), HexLength(value));
+            return PutUnpadded(at, value, false);
         case Form::HexPadded:
-            return PutDigits(at, HexDigits(value), 8);
-        case Form::HexUpper: {
-            const std::uint64_t digits = HexDigits(value);
-            const std::uint64_t letters = digits & 0x4040404040404040;
-            return PutDigits(at, digits & ~(letters >> 1), HexLength(value));
-        }
+            return PutPadded(at, value);
+        case Form::HexUpper:
+            return PutUnpadded(at, value, true);
         case Form::Decimal:
         case Form::Text:
             break;
@@ -575,11 +600,14 @@ char* PutSerial(char* at, const Event& event) {
     return PutSerial(at, event);
 }
 
+// Writes the rest of the line, its end and a NUL included. Returns the line's end.
 char* PutMessage(char* at, const Template& text, const Event& event) {
     at = PutFixed(at, text.key, text.key_length);
     if (text.severity) {
-        const std::size_t level = event.Severity < kSeverities.size() ? event.Severity : 0;
-        at = PutFixed(at, kSeverities[level].text, kSeverities[level].length);
+        const PaddedName& name =
+            kSeverities[std::min(std::size_t{event.Severity}, kHighestLevel + 1)];
+        std::memcpy(at, &name, sizeof name);
+        at += name.length;
     }
     const Part* const end = text.parts + text.part_count;
     for (const Part* part = text.parts; part != end; ++part) {
@@ -590,12 +618,10 @@ char* PutMessage(char* at, const Template& text, const Event& event) {
     return PutFixed(at, text.after, text.after_length);
 }
 
-// Two digits with a leading zero, as the bytes stand in memory.
-std::uint16_t TwoDigits(unsigned number) {
-    return static_cast<std::uint16_t>(kInnerDigits[number] >> 8);
+// Two digits with a leading zero: the last two of three.
+[[gnu::always_inline]] inline void PutTwo(char* at, unsigned number) {
+    std::memcpy(at, reinterpret_cast<const char*>(&kInnerDigits[number]) + 1, 2);
 }
-
-void PutTwo(char* at, std::uint16_t digits) { std::memcpy(at, &digits, sizeof digits); }
 
 // Four characters each.
 constexpr char kDays[] = "Sun Mon Tue Wed Thu Fri Sat ";
@@ -612,18 +638,18 @@ struct Date {
 void PutDate(char* at, const Date& date) {
     std::memcpy(at, kDays + 4 * date.weekday, 4);
     std::memcpy(at + 4, kMonths + 4 * date.month, 4);
-    PutTwo(at + 8, TwoDigits(date.day));
+    PutTwo(at + 8, date.day);
     if (date.day < 10) at[8] = ' ';
     std::memcpy(at + 10, " 00:00:00 ", 10);
-    PutTwo(at + 20, TwoDigits(date.year / 100));
-    PutTwo(at + 22, TwoDigits(date.year % 100));
+    PutTwo(at + 20, date.year / 100);
+    PutTwo(at + 22, date.year % 100);
 }
 
 [[gnu::always_inline]] inline void PutClock(char* at, unsigned hour, unsigned minute,
                                             unsigned second) {
-    PutTwo(at + 11, TwoDigits(hour));
-    PutTwo(at + 14, TwoDigits(minute));
-    PutTwo(at + 17, TwoDigits(second));
+    PutTwo(at + 11, hour);
+    PutTwo(at + 14, minute);
+    PutTwo(at + 17, second);
 }
 
 // By arithmetic: a 32-bit time ends in the year 2106, so that plain Gregorian steps do.
@@ -650,24 +676,27 @@ Date DateOf(HX_U32 days) {
 
 // The date written last: events come by time, so that the next one is mostly of the same day.
 struct DayText {
-    HX_U32 day;  // since 1 January 1970
-    char text[kTimeLength + 1];
+    HX_U32 begin;                // in seconds since 1970
+    HX_U32 length;               // in seconds; the last of all days ends with the 32 bits
+    char text[kTimeLength + 2];  // with a blank behind it, as in an event's line
 };
-constinit DayText last_day{0, "Thu Jan  1 00:00:00 1970"};
+constexpr HX_U32 kSecondsPerDay = 86400;
+constinit DayText last_day{0, kSecondsPerDay, "Thu Jan  1 00:00:00 1970 "};
 
 [[gnu::noinline]] void RememberDay(HX_U32 day) {
-    last_day.day = day;
+    last_day.begin = day * kSecondsPerDay;
+    last_day.length = std::min(UINT32_MAX - last_day.begin + 1, kSecondsPerDay);
     PutDate(last_day.text, DateOf(day));
 }
 
+// These two write the time and the blank behind it.
 [[gnu::always_inline]] inline char* PutUtcTime(char* at, HX_U32 seconds) {
-    constexpr HX_U32 kSecondsPerDay = 86400;
-    const HX_U32 day = seconds / kSecondsPerDay;
-    const HX_U32 of_day = seconds % kSecondsPerDay;
-    if (day != last_day.day) RememberDay(day);
-    std::memcpy(at, last_day.text, kTimeLength);
+    // A time before the day's beginning is far behind its end: the difference wraps around.
+    if (seconds - last_day.begin >= last_day.length) RememberDay(seconds / kSecondsPerDay);
+    const HX_U32 of_day = seconds - last_day.begin;
+    std::memcpy(at, last_day.text, kTimeLength + 1);
     PutClock(at, of_day / 3600, of_day / 60 % 60, of_day % 60);
-    return at + kTimeLength;
+    return at + kTimeLength + 1;
 }
 
 [[gnu::noinline]] char* PutLocalTime(char* at, HX_U32 seconds) {
@@ -677,7 +706,9 @@ constinit DayText last_day{0, "Thu Jan  1 00:00:00 1970"};
     // localtime_r keeps the zone that the process first saw; localtime, which shares its storage
     // with the process, does not.
     tzset();
-    return PutTimeText(at, localtime_r(&time, &local));
+    at = PutTimeText(at, localtime_r(&time, &local));
+    *at++ = ' ';
+    return at;
 }
 
 }  // namespace
@@ -699,9 +730,6 @@ int VX_HX_EVT_Sprintf(const Event* pevent, char* MsgBuf) {
     // The adapter-found event alone tells the host's own time: it dates a start of the machine.
     char* at = IsAdapterFound(*pevent) ? PutLocalTime(MsgBuf, pevent->TimeStamp)
                                        : PutUtcTime(MsgBuf, pevent->TimeStamp);
-    *at++ = ' ';
     at = PutMessage(at, ChooseText(*pevent), *pevent);
-    *at++ = '\n';
-    *at = '\0';
     return static_cast<int>(at - MsgBuf);
 }
