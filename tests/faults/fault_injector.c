@@ -27,6 +27,7 @@ static int armed_error;
 static long armed_at;
 static long calls;
 static long live_bytes;
+static long ahead;
 
 // Returns the error to fail with, or 0.
 static int Fault(int kind) {
@@ -48,6 +49,8 @@ long FaultDisarm(void) {
     armed_kind = kFaultNothing;
     return calls;
 }
+
+void FaultSetClockAhead(long seconds) { ahead = seconds; }
 
 long FaultLiveBytes(void) { return live_bytes; }
 
@@ -260,7 +263,17 @@ time_t time(time_t* at) {
     errno = error;
     return (time_t)-1;
 }
-SIMPLE(int, clock_gettime, kFaultTime, (clockid_t clock, struct timespec* now), (clock, now), -1)
+int clock_gettime(clockid_t clock, struct timespec* now) {
+    NEXT(int (*)(clockid_t, struct timespec*), "clock_gettime")
+    const int error = Fault(kFaultTime);
+    if (error != 0) {
+        errno = error;
+        return -1;
+    }
+    const int result = next(clock, now);
+    if (result == 0 && clock == CLOCK_REALTIME) now->tv_sec += ahead;
+    return result;
+}
 
 // The lookups return their error.
 #define LOOKUP(name, parameters, arguments)    \

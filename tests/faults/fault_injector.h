@@ -34,6 +34,9 @@ void FaultArm(int kind, long at, int always, int error);
 /* Everything succeeds again. Returns how many calls of the kind there were since FaultArm. */
 long FaultDisarm(void);
 
+/* From now on the real time is that much later than the machine's. */
+void FaultSetClockAhead(long seconds);
+
 /* Bytes of the heap that are taken. */
 long FaultLiveBytes(void);
 

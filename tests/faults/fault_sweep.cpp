@@ -84,8 +84,8 @@ public:
     void All() {
         const char* const form = std::getenv("FAULTS");
         const bool all = form != nullptr && std::strcmp(form, "all") == 0;
-        constexpr long kMost = 100;
-        const long step = all ? 1 : std::max(1L, (calls_ + kMost - 1) / kMost);
+        const long most = scenario_.most;
+        const long step = all ? 1 : std::max(1L, (calls_ + most - 1) / most);
         for (const int error : row_.errors) {
             for (long at = 1; at <= calls_; at += step) {
                 One(at, false, error);

@@ -16,10 +16,11 @@ struct FaultScenario {
     // the undisturbed one, which always is.
     bool (*is_documented)(int kind, const std::string& usual, const std::string& seen);
     void (*tidy)() = nullptr;  // gives back, without faults, what the run may keep
+    long most = 100;           // calls of a kind that fail when not all are asked for
 };
 
 /// Runs the sweep, each kind of call in a process of its own, and reports what is wrong as failures
 /// of the current test: an undocumented outcome, bytes or descriptors that stay, an end by a
 /// signal, and a run afterwards that is not the usual one. Every call is made to fail when the
-/// environment has FAULTS=all, and else at most 100 of a kind, chosen evenly.
+/// environment has FAULTS=all, and else at most `most` of a kind, chosen evenly.
 void ExpectDocumentedUnderFaults(const FaultScenario& scenario);

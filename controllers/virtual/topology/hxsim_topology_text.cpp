@@ -2,14 +2,13 @@
 #include "topology/hxsim_topology_text.h"
 
 #include <initializer_list>
-#include <nlohmann/json.hpp>
 
 #include "topology/hxsim_topology_error.h"
 
 namespace hxsim {
 namespace {
 
-using Json = nlohmann::json;
+using List = TopologyValue::List;
 
 [[noreturn]] void RefuseAt(const std::string& where, const std::string& expected) {
     throw TopologyError("Topology: " + where + ": expected " + expected + '.');
@@ -24,9 +23,10 @@ std::string Listed(std::span<const hxcodes::Named> names) {
 }
 
 // A code by its name.
-HX_U32 CodeOf(const Json& json, const std::string& where, std::span<const hxcodes::Named> names) {
-    const hxcodes::Named* const found =
-        json.is_string() ? hxcodes::FindName(names, json.get_ref<const std::string&>()) : nullptr;
+HX_U32 CodeOf(const TopologyValue& value, const std::string& where,
+              std::span<const hxcodes::Named> names) {
+    const auto* const name = value.As<std::string>();
+    const hxcodes::Named* const found = name != nullptr ? hxcodes::FindName(names, *name) : nullptr;
     if (found == nullptr) RefuseAt(where, "one of " + Listed(names));
     return found->code;
 }
@@ -36,85 +36,87 @@ std::string PlaceIn(const std::string& list, std::size_t i) {
 }
 
 // The object with the members that it does not name of the one that it is like.
-Json WithLike(const Json& list, const std::string& where, std::size_t i) {
-    const Json& own = list[i];
-    if (!own.is_object() || !own.contains("like")) return own;
-    const Json& like = own["like"];
-    const bool earlier = like.is_number_unsigned() && like.get<std::uint64_t>() < i;
-    if (!earlier) {
+TopologyValue WithLike(const List& list, const std::string& where, std::size_t i) {
+    const TopologyValue& own = list[i];
+    const TopologyValue* const like = own.Find("like");
+    if (like == nullptr) {
+        TopologyValue same;
+        same.Assign(own);
+        return same;
+    }
+    const auto* const earlier = like->As<std::uint64_t>();
+    if (earlier == nullptr || *earlier >= i) {
         RefuseAt(PlaceIn(where, i) + ".like", "the number of an adapter before this one");
     }
-    Json whole = WithLike(list, where, like.get<std::size_t>());
-    whole.merge_patch(own);
-    whole.erase("like");
+    TopologyValue whole = WithLike(list, where, static_cast<std::size_t>(*earlier));
+    whole.Merge(own);
+    whole.Erase("like");
     return whole;
-}
-
-Json Parse(std::string_view text) {
-    try {
-        return Json::parse(text);
-    } catch (const Json::exception& error) {
-        // The parser's own name stands in brackets before what it has to say.
-        const std::string_view what = error.what();
-        const std::size_t behind = what.find("] ");
-        throw TopologyError(
-            "Topology: no JSON text: " +
-            std::string(behind == std::string_view::npos ? what : what.substr(behind + 2)));
-    }
 }
 
 }  // namespace
 
 // ---- Values ----
 
-std::uint64_t TopologyObject::Number(const Json& json, const std::string& where,
+std::uint64_t TopologyObject::Number(const TopologyValue& read, const std::string& where,
                                      std::uint64_t most) {
-    const bool fits = json.is_number_unsigned() && json.get<std::uint64_t>() <= most;
-    if (!fits) RefuseAt(where, "a whole number from 0 to " + std::to_string(most));
-    return json.get<std::uint64_t>();
+    const auto* const number = read.As<std::uint64_t>();
+    if (number == nullptr || *number > most) {
+        RefuseAt(where, "a whole number from 0 to " + std::to_string(most));
+    }
+    return *number;
 }
 
-void TopologyObject::Read(const Json& json, const std::string& where, bool& value) {
-    if (!json.is_boolean()) RefuseAt(where, "true or false");
-    value = json.get<bool>();
+void TopologyObject::Read(const TopologyValue& read, const std::string& where, bool& value) {
+    const auto* const truth = read.As<bool>();
+    if (truth == nullptr) RefuseAt(where, "true or false");
+    value = *truth;
 }
 
-void TopologyObject::Read(const Json& json, const std::string& where, std::string& value) {
-    if (!json.is_string()) RefuseAt(where, "a text");
-    value = json.get<std::string>();
+void TopologyObject::Read(const TopologyValue& read, const std::string& where, std::string& value) {
+    const auto* const text = read.As<std::string>();
+    if (text == nullptr) RefuseAt(where, "a text");
+    value = *text;
 }
 
 template <class Version, class Part>
-void TopologyObject::ReadVersion(const Json& json, const std::string& where, Version& version,
-                                 std::initializer_list<Part Version::*> parts) {
-    if (!json.is_array() || json.size() != parts.size()) RefuseAt(where, "a list of four numbers");
+void TopologyObject::ReadVersion(const TopologyValue& read, const std::string& where,
+                                 Version& version, std::initializer_list<Part Version::*> parts) {
+    const List* const list = read.As<List>();
+    if (list == nullptr || list->size() != parts.size()) {
+        RefuseAt(where, "a list of four numbers");
+    }
     std::size_t i = 0;
-    for (const auto part : parts) Read(json[i++], where, version.*part);
+    for (const auto part : parts) Read((*list)[i++], where, version.*part);
 }
-void TopologyObject::Read(const Json& json, const std::string& where, Version_Info& version) {
-    ReadVersion(json, where, version,
+void TopologyObject::Read(const TopologyValue& read, const std::string& where,
+                          Version_Info& version) {
+    ReadVersion(read, where, version,
                 {&Version_Info::VerMajor, &Version_Info::VerMinor, &Version_Info::VerOEM,
                  &Version_Info::VerBuild});
 }
-void TopologyObject::Read(const Json& json, const std::string& where, Version_Info_CIM& version) {
-    ReadVersion(json, where, version,
+void TopologyObject::Read(const TopologyValue& read, const std::string& where,
+                          Version_Info_CIM& version) {
+    ReadVersion(read, where, version,
                 {&Version_Info_CIM::MajorVersion, &Version_Info_CIM::MinorVersion,
                  &Version_Info_CIM::RevisionNumber, &Version_Info_CIM::BuildNumber});
 }
 
-void TopologyObject::Read(const Json& json, const std::string& where, std::vector<HX_U16>& values) {
-    if (!json.is_array()) RefuseAt(where, "a list");
+void TopologyObject::Read(const TopologyValue& read, const std::string& where,
+                          std::vector<HX_U16>& values) {
+    const List* const list = read.As<List>();
+    if (list == nullptr) RefuseAt(where, "a list");
     values.clear();
-    for (std::size_t i = 0; i < json.size(); ++i) {
-        Read(json[i], PlaceIn(where, i), values.emplace_back());
+    for (std::size_t i = 0; i < list->size(); ++i) {
+        Read((*list)[i], PlaceIn(where, i), values.emplace_back());
     }
 }
 
 // ---- Objects ----
 
-TopologyObject::TopologyObject(const Json& json, std::string where)
-    : json_(json), where_(std::move(where)) {
-    if (!json.is_object()) RefuseAt(where_, "an object");
+TopologyObject::TopologyObject(const TopologyValue& object, std::string where)
+    : object_(object), where_(std::move(where)) {
+    if (object.As<TopologyValue::Object>() == nullptr) RefuseAt(where_, "an object");
 }
 
 std::string TopologyObject::Where(std::string_view member) const {
@@ -125,20 +127,19 @@ void TopologyObject::Refuse(std::string_view member, const std::string& expected
     RefuseAt(Where(member), expected);
 }
 
-const Json* TopologyObject::Find(const char* member) {
+const TopologyValue* TopologyObject::Find(const char* member) {
     known_.insert(member);
-    const auto found = json_.find(member);
-    return found == json_.end() ? nullptr : &*found;
+    return object_.Find(member);
 }
 
-const Json& TopologyObject::Need(const char* member, const std::string& expected) {
-    const Json* const found = Find(member);
+const TopologyValue& TopologyObject::Need(const char* member, const std::string& expected) {
+    const TopologyValue* const found = Find(member);
     if (found == nullptr) Refuse(member, expected + "; it is left out");
     return *found;
 }
 
 std::optional<HX_U32> TopologyObject::TakeNamed(const char* member, Names names) {
-    const Json* const found = Find(member);
+    const TopologyValue* const found = Find(member);
     if (found == nullptr) return std::nullopt;
     return CodeOf(*found, Where(member), names);
 }
@@ -148,16 +149,17 @@ HX_U32 TopologyObject::NeedNamed(const char* member, const std::string& expected
 }
 
 std::optional<std::vector<HX_U32>> TopologyObject::TakeAllNamed(const char* member, Names names) {
-    const Json* const found = Find(member);
+    const TopologyValue* const found = Find(member);
     if (found == nullptr) return std::nullopt;
-    if (!found->is_array()) Refuse(member, "a list of " + Listed(names));
+    const List* const list = found->As<List>();
+    if (list == nullptr) Refuse(member, "a list of " + Listed(names));
     std::vector<HX_U32> codes;
-    for (const Json& each : *found) codes.push_back(CodeOf(each, Where(member), names));
+    for (const TopologyValue& each : *list) codes.push_back(CodeOf(each, Where(member), names));
     return codes;
 }
 
 std::optional<TopologyObject> TopologyObject::TakeObject(const char* member) {
-    const Json* const found = Find(member);
+    const TopologyValue* const found = Find(member);
     if (found == nullptr) return std::nullopt;
     return TopologyObject(*found, Where(member));
 }
@@ -167,9 +169,10 @@ TopologyObject TopologyObject::NeedObject(const char* member, const std::string&
 }
 
 void TopologyObject::ForEach(const char* member, const Visit& visit) {
-    const Json* const list = Find(member);
-    if (list == nullptr) return;
-    if (!list->is_array()) Refuse(member, "a list of objects");
+    const TopologyValue* const found = Find(member);
+    if (found == nullptr) return;
+    const List* const list = found->As<List>();
+    if (list == nullptr) Refuse(member, "a list of objects");
     for (std::size_t i = 0; i < list->size(); ++i) {
         TopologyObject each((*list)[i], PlaceIn(Where(member), i));
         visit(each);
@@ -179,10 +182,10 @@ void TopologyObject::ForEach(const char* member, const Visit& visit) {
 
 void TopologyObject::ForEachLike(const char* member, std::size_t most, const std::string& expected,
                                  const Visit& visit) {
-    const Json& list = Need(member, expected);
-    if (!list.is_array() || list.empty() || list.size() > most) Refuse(member, expected);
-    for (std::size_t i = 0; i < list.size(); ++i) {
-        const Json own = WithLike(list, Where(member), i);
+    const List* const list = Need(member, expected).As<List>();
+    if (list == nullptr || list->empty() || list->size() > most) Refuse(member, expected);
+    for (std::size_t i = 0; i < list->size(); ++i) {
+        const TopologyValue own = WithLike(*list, Where(member), i);
         TopologyObject each(own, PlaceIn(Where(member), i));
         visit(each);
         each.Finish();
@@ -190,7 +193,7 @@ void TopologyObject::ForEachLike(const char* member, std::size_t most, const std
 }
 
 void TopologyObject::Finish() const {
-    for (const auto& [name, value] : json_.items()) {
+    for (const auto& [name, value] : std::get<TopologyValue::Object>(object_.held)) {
         if (known_.contains(name)) continue;
         std::string members;
         for (const std::string_view each : known_) {
@@ -202,10 +205,8 @@ void TopologyObject::Finish() const {
 
 // ---- Texts ----
 
-TopologyText::TopologyText(std::string_view text)
-    : json_(std::make_unique<const Json>(Parse(text))) {}
-TopologyText::~TopologyText() = default;
+TopologyText::TopologyText(std::string_view text) : value_(ParseTopology(text)) {}
 
-TopologyObject TopologyText::Root() const { return {*json_, ""}; }
+TopologyObject TopologyText::Root() const { return {value_, ""}; }
 
 }  // namespace hxsim

@@ -8,8 +8,6 @@
 #include <functional>
 #include <initializer_list>
 #include <limits>
-#include <memory>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <set>
 #include <span>
@@ -20,6 +18,7 @@
 
 #include "codes/named.h"
 #include "hxraid.h"
+#include "topology/hxsim_topology_value.h"
 
 namespace hxsim {
 
@@ -29,7 +28,7 @@ public:
     using Visit = std::function<void(TopologyObject& object)>;
 
     /// `where` is the object's place in the text; empty for the text itself.
-    TopologyObject(const nlohmann::json& json, std::string where);
+    TopologyObject(const TopologyValue& object, std::string where);
 
     /// Throws the TopologyError that says what is expected of the member.
     [[noreturn]] void Refuse(std::string_view member, const std::string& expected) const;
@@ -37,7 +36,7 @@ public:
     /// Reads the member; one that is left out leaves the value as it is, and false is returned.
     template <class Value>
     bool Take(const char* member, Value& value) {
-        const nlohmann::json* const found = Find(member);
+        const TopologyValue* const found = Find(member);
         if (found == nullptr) return false;
         Read(*found, Where(member), value);
         return true;
@@ -88,21 +87,21 @@ public:
     void Finish() const;
 
 private:
-    static void Read(const nlohmann::json& json, const std::string& where, bool& value);
-    static void Read(const nlohmann::json& json, const std::string& where, std::string& value);
-    static void Read(const nlohmann::json& json, const std::string& where, Version_Info& version);
-    static void Read(const nlohmann::json& json, const std::string& where,
+    static void Read(const TopologyValue& read, const std::string& where, bool& value);
+    static void Read(const TopologyValue& read, const std::string& where, std::string& value);
+    static void Read(const TopologyValue& read, const std::string& where, Version_Info& version);
+    static void Read(const TopologyValue& read, const std::string& where,
                      Version_Info_CIM& version);
-    static void Read(const nlohmann::json& json, const std::string& where,
+    static void Read(const TopologyValue& read, const std::string& where,
                      std::vector<HX_U16>& values);
     template <std::unsigned_integral Value>
-    static void Read(const nlohmann::json& json, const std::string& where, Value& value) {
-        value = static_cast<Value>(Number(json, where, std::numeric_limits<Value>::max()));
+    static void Read(const TopologyValue& read, const std::string& where, Value& value) {
+        value = static_cast<Value>(Number(read, where, std::numeric_limits<Value>::max()));
     }
-    static std::uint64_t Number(const nlohmann::json& json, const std::string& where,
+    static std::uint64_t Number(const TopologyValue& read, const std::string& where,
                                 std::uint64_t most);
     template <class Version, class Part>
-    static void ReadVersion(const nlohmann::json& json, const std::string& where, Version& version,
+    static void ReadVersion(const TopologyValue& read, const std::string& where, Version& version,
                             std::initializer_list<Part Version::*> parts);
 
     using Names = std::span<const hxcodes::Named>;
@@ -111,10 +110,10 @@ private:
     std::optional<std::vector<HX_U32>> TakeAllNamed(const char* member, Names names);
 
     std::string Where(std::string_view member) const;
-    const nlohmann::json* Find(const char* member);
-    const nlohmann::json& Need(const char* member, const std::string& expected);
+    const TopologyValue* Find(const char* member);
+    const TopologyValue& Need(const char* member, const std::string& expected);
 
-    const nlohmann::json& json_;
+    const TopologyValue& object_;
     const std::string where_;
     std::set<std::string_view> known_;
 };
@@ -124,14 +123,11 @@ class TopologyText {
 public:
     /// Throws TopologyError when the text is no JSON.
     explicit TopologyText(std::string_view text);
-    ~TopologyText();
-    TopologyText(const TopologyText&) = delete;
-    TopologyText& operator=(const TopologyText&) = delete;
 
     TopologyObject Root() const;
 
 private:
-    const std::unique_ptr<const nlohmann::json> json_;
+    const TopologyValue value_;
 };
 
 }  // namespace hxsim

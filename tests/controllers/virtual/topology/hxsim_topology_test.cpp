@@ -197,6 +197,7 @@ const Mistake kMistakes[] = {
     {"NoJson", "{",
      "no JSON text: parse error at line 1, column 2: syntax error while parsing object key - "
      "unexpected end of input; expected string literal"},
+    {"TooDeep", std::string(33, '['), "lists and objects stand in each other more than 32 deep."},
     {"NoObject", "[]", ": expected an object."},
     {"NoName", "{}", "name: expected a value; it is left out."},
     {"NoAdapters", R"({"name": "t"})",
