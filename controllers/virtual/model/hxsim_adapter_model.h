@@ -1,4 +1,4 @@
-// The adapters that there are to choose from: invented models, and how they are set when new.
+// The adapter models that a topology can choose: invented ones, with their factory settings.
 #pragma once
 
 #include <string_view>
@@ -9,14 +9,14 @@ namespace hxsim {
 
 struct AdapterModel {
     std::string_view name;     // as topologies call it
-    Adapter_Info info;         // without what belongs to the single adapter: names and numbers
-    Adapter_Config_V2 config;  // a rate that the model does not let be set is what it always is
+    Adapter_Info info;         // without what differs by adapter: names and numbers
+    Adapter_Config_V2 config;  // a rate that cannot be set on the model is fixed at this value
 };
 
 /// The model of that name; null when there is none.
 const AdapterModel* FindAdapterModel(std::string_view name);
 
-/// The names, as a sentence lists them.
+/// The names of the models, worded for an error message.
 inline constexpr std::string_view kAdapterModelNames = "\"large\" or \"small\"";
 
 }  // namespace hxsim

@@ -1,4 +1,4 @@
-// BIOS images: option ROMs that name the adapter that they are for.
+// BIOS images: option ROMs that name the adapter they were built for.
 #include "model/hxsim_bios_image.h"
 
 #include <cstddef>
@@ -7,8 +7,8 @@ namespace hxsim {
 namespace {
 
 // A BIOS image is an option ROM: its signature, its length in units of 512 bytes, its version and
-// the subsystem IDs of its adapter where readers of such images look for them, and bytes that mean
-// nothing; the last of them makes the sum of all a multiple of 256.
+// its adapter's subsystem IDs at the offsets where readers expect them, and filler; the last byte
+// makes the sum of all bytes a multiple of 256.
 constexpr std::size_t kUnit = 512;
 constexpr unsigned char kSampleUnits = 80;
 constexpr std::size_t kHeaderSize = 64;
@@ -35,7 +35,7 @@ unsigned SumOf(std::string_view image) {
 
 }  // namespace
 
-// A version is four words, or in older images digits: one, one, one and two of them.
+// A version is four words; in older images it is digits: 1, 1, 1 and 2 of them.
 Version_Info_CIM VersionOf(std::string_view image) {
     const auto digit = [&](std::size_t at) { return ByteAt(image, at) - '0'; };
     const auto word = [&](std::size_t at) { return WordAt(image, at); };

@@ -1,4 +1,4 @@
-// BIOS images: option ROMs that name the adapter that they are for.
+// BIOS images: option ROMs that name the adapter they were built for.
 #pragma once
 
 #include <string>
@@ -8,15 +8,15 @@
 
 namespace hxsim {
 
-/// The BIOS image that an adapter has when it is made: an option ROM with its BIOS version and its
-/// subsystem IDs. A healthy BIOS image without data in a machine's rows is this one.
+/// The BIOS image of a new adapter: an option ROM with its BIOS version and its subsystem IDs. A
+/// healthy BIOS image whose row has no data stands for this image.
 std::string SampleBios(const Adapter_Info& info);
 
-/// Whether a BIOS image is whole and was made for that adapter: its signature, its length, the sum
-/// of its bytes and its subsystem IDs are right.
+/// Whether a BIOS image is complete and was built for that adapter: checks signature, length, byte
+/// sum and subsystem IDs.
 bool IsBiosFor(const Adapter_Info& info, std::string_view image);
 
-/// The version that a BIOS image names. The image has a header.
+/// The version that a BIOS image names. Precondition: the image has a complete header.
 Version_Info_CIM VersionOf(std::string_view image);
 
 }  // namespace hxsim

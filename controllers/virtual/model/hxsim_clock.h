@@ -9,8 +9,8 @@ using Time = std::int64_t;  // milliseconds of virtual time since 1970-01-01 00:
 
 inline constexpr Time kNever = INT64_MAX;
 
-/// Virtual time: `speed` virtual milliseconds for each real one since `real`, when it was
-/// `start`. Speed 0 is a clock that stands still.
+/// Virtual time: it was `start` at the real time `real` and advances `speed` virtual milliseconds
+/// for each real one. With speed 0 the clock stands still.
 struct Clock {
     Time start = 0;
     Time real = 0;  // milliseconds of real time since 1970

@@ -1,4 +1,4 @@
-// The codes that the machine's rows, rules and calls speak of.
+// The codes that the machine's rows, rules and calls use, without their namespace.
 #pragma once
 
 #include "codes/activity.h"

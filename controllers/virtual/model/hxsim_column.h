@@ -1,4 +1,4 @@
-// A member of a row and the name that it has in texts: in the state file and in topologies.
+// A member of a row and its name in the state file and in topologies.
 #pragma once
 
 namespace hxsim {

@@ -33,8 +33,8 @@ Sectors SectorsNeeded(const Adapter& adapter, const VirtualDisk& virtual_disk) {
 }
 
 Sectors SectorsNeeded(const Adapter& adapter, const DiskGroup& group) {
-    // As much as the smallest of its disks has, so that the group does not shrink, and no less than
-    // its virtual disks have taken.
+    // The usable size of the smallest disk, so that the group does not shrink, and at least the end
+    // of the last block of its virtual disks.
     Sectors smallest = UINT64_MAX;
     for (const Home& home : adapter.homes) {
         if (home.of != Owner::kDiskGroup || home.owner != group.id) continue;

@@ -96,7 +96,7 @@ const DiskGroup* GroupOf(const Adapter& adapter, HX_U16 disk) {
             return Find(adapter.disk_groups, home.owner);
         }
     }
-    // One that is written for the group already, by a migration or a copyback.
+    // A migration or copyback of the group may be writing this disk already.
     for (const Block& block : adapter.blocks) {
         if (block.disk != disk || block.virtual_disk == kNoVirtualDisk) continue;
         const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, block.virtual_disk);

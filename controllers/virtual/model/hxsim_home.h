@@ -1,5 +1,4 @@
-// The positions of virtual disks and disk groups: which disk serves each, and which one it belongs
-// on.
+// The positions of virtual disks and disk groups: the disk that serves each, and its home disk.
 #pragma once
 
 #include <span>
@@ -18,14 +17,14 @@ const Home* HomeOf(const Adapter& adapter, Owner of, HX_U16 owner, HX_U8 positio
 Home* HomeOf(Adapter& adapter, const VirtualDisk& virtual_disk, HX_U8 position);
 const Home* HomeOf(const Adapter& adapter, const VirtualDisk& virtual_disk, HX_U8 position);
 
-/// Whether another disk serves the position than the one that it belongs on.
+/// Whether the position is served by a disk that is not its home.
 bool IsDisplaced(const Home& home);
 
-/// The disks that serve the positions of a disk group, or of a virtual disk on disks of its own;
-/// kNoId for one that is lost.
+/// The disks that serve the positions of a disk group, or of a virtual disk without one; kNoId for
+/// a lost position.
 std::vector<HX_U16> DisksOf(const Adapter& adapter, Owner of, HX_U16 owner);
 
-/// Sets which disks serve the positions, each at home there.
+/// Sets the disk that serves each position; each disk becomes the home of its position.
 void SetHomes(Adapter& adapter, Owner of, HX_U16 owner, std::span<const HX_U16> disks);
 
 /// Removes the rows of all positions.

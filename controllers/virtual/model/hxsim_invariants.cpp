@@ -1,7 +1,7 @@
 // What must hold of a machine between two calls, rule by rule.
 //
-// The rules are told of the rows alone; nothing here changes or repairs anything. An object is
-// named by its address, as hxsimctl names it: a0/pd3 is disk 3 of adapter 0.
+// The rules only read the rows and repair nothing. Sentences name an object by its address, as
+// hxsimctl does: a0/pd3 is disk 3 of adapter 0.
 #include "model/hxsim_invariants.h"
 
 #include <algorithm>
@@ -29,7 +29,7 @@ requires std::is_integral_v<Number> std::string Text(Number number) {
     return std::to_string(number);
 }
 
-// The name of a code, or the number of one that has none.
+// The name of a code, or its number when it has no name.
 template <hxcodes::CodeEnum Code>
 std::string NameOr(Code code) {
     const std::string_view name = hxcodes::NameOf(TableOf(code), NumberOf(code));
@@ -44,7 +44,7 @@ public:
 
     void Run() {
         CheckIds();
-        if (broken_.size() != known_) return;  // rows are found by their IDs
+        if (broken_.size() != known_) return;  // the other rules find rows by ID
         CheckDisks();
         CheckBlocks();
         CheckTiling();
@@ -58,7 +58,7 @@ public:
         CheckBattery();
         CheckImages();
         CheckEvents();
-        // States follow from the rows above, and are not asked for where those make no sense.
+        // States are computed from the rows above, so they are checked only when those are sound.
         if (broken_.size() == known_) CheckStates();
     }
 
@@ -158,7 +158,7 @@ private:
 
     // ---- Blocks ----
 
-    // The widest that the virtual disk's positions are: a migration may be adding some.
+    // The number of positions, including those that a running migration adds.
     unsigned TargetWidth(const VirtualDisk& virtual_disk) const {
         const Activity* const migration = Migration(virtual_disk);
         return migration == nullptr ? virtual_disk.width
@@ -172,7 +172,7 @@ private:
         return found == adapter_.activities.end() ? nullptr : &*found;
     }
 
-    // A migration or copyback that the virtual disk takes part in: one on a disk group is the
+    // The migration or copyback that concerns the virtual disk: its own, or on a disk group the
     // group's.
     const Activity* FindMove(ActivityKind kind, const VirtualDisk& virtual_disk) const {
         return virtual_disk.group == kNoId
@@ -237,7 +237,7 @@ private:
         }
     }
 
-    // Blocks leave nothing out and never overlap, disk by disk.
+    // The blocks of each disk leave no gap and never overlap.
     void CheckTiling() {
         std::vector<const Block*> blocks;
         blocks.reserve(adapter_.blocks.size());
@@ -307,7 +307,7 @@ private:
         }
     }
 
-    // A virtual disk of a disk group.
+    // Rules for a virtual disk that lies on a disk group.
     void CheckMember(const VirtualDisk& virtual_disk) {
         const DiskGroup* const group = Find(adapter_.disk_groups, virtual_disk.group);
         if (group == nullptr) {
@@ -385,7 +385,7 @@ private:
             CheckName(Of(group), group.name);
             CheckLevel(group);
         }
-        // Its disks are its own, wholly.
+        // A disk group has its disks to itself: no other virtual disk has blocks on them.
         for (const Home& home : adapter_.homes) {
             if (home.of != Owner::kDiskGroup || home.disk == kNoId) continue;
             for (const Block& block : adapter_.blocks) {
@@ -466,7 +466,7 @@ private:
         }
     }
 
-    // The homes say where the blocks are.
+    // The home rows agree with the disks on which the blocks lie.
     void CheckHomesOf(const VirtualDisk& virtual_disk) {
         const bool grouped = virtual_disk.group != kNoId;
         const Owner of = grouped ? Owner::kDiskGroup : Owner::kVirtualDisk;

@@ -1,4 +1,4 @@
-// World wide names, and what hangs on what.
+// World wide names and links: which device is attached to which.
 #include "model/hxsim_link.h"
 
 #include <algorithm>
@@ -9,13 +9,12 @@
 namespace hxsim {
 namespace {
 
-// A world wide name in the form NAA 5: 4 bits 5, 24 bits company, 36 bits of the company's own. The
-// company has the bit set that marks an identifier as locally administered, so that no maker's
-// device has the same name. The company's own bits are the kind of device, its ID, its adapter's
-// number and the port's.
+// A world wide name of type NAA 5: 4 bits with the value 5, 24 bits of company ID, 36 bits that the
+// company assigns. The company ID is marked as locally administered, so that no real device has the
+// same name. The assigned bits are the kind of device, its ID, its adapter's number and the port.
 constexpr std::uint64_t kCompany = 0x0A4858;
 
-// The kind of a disk that came later, whose name has a drawn number in place of the ID.
+// The kind for disks added later: their name has a random number in place of the ID.
 constexpr std::uint64_t kNewDisk = 8;
 
 std::uint64_t Name(std::uint64_t kind, HX_U8 adapter, HX_U16 number, unsigned port) {

@@ -1,4 +1,4 @@
-// How many members a plain struct has, so that the compiler notices one that a list has forgotten.
+// Counts the members of a plain struct, so that the compiler notices a member missing in a list.
 #pragma once
 
 #include <cstddef>
@@ -19,8 +19,8 @@ consteval bool TakesMembers(std::index_sequence<i...>) {
     return requires { Row{(static_cast<void>(i), AnyMember{})...}; };
 }
 
-/// The number of values with which the aggregate can be initialised, found between two bounds: one
-/// for each member, for each element of an array, and for a base.
+/// The number of values that initialise the aggregate, by bisection between two bounds: one for
+/// each member, for each element of an array, and for a base.
 template <class Row, std::size_t least = 0, std::size_t most = sizeof(Row) + 1>
 consteval std::size_t MemberCount() {
     constexpr std::size_t middle = (least + most + 1) / 2;
@@ -33,7 +33,7 @@ consteval std::size_t MemberCount() {
     }
 }
 
-/// The same of a row of the machine, with the members of its attachment.
+/// The number of members of a row of the machine, including those of its Attachment base.
 template <class Row>
 consteval std::size_t RowMembers() {
     if constexpr (std::is_base_of_v<Attachment, Row> && !std::is_same_v<Attachment, Row>) {

@@ -1,4 +1,4 @@
-// What the row of a running migration says of the virtual disks that it moves.
+// What the row of a running migration says about the virtual disks that it moves.
 #include "model/hxsim_migration_row.h"
 
 #include "model/hxsim_stripes.h"

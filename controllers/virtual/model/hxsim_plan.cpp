@@ -1,4 +1,4 @@
-// What can be made of disks, and how large it would be.
+// Layouts and sizes of new virtual disks and disk groups.
 #include "model/hxsim_plan.h"
 
 #include <algorithm>
@@ -15,11 +15,11 @@ namespace {
 
 constexpr HX_U16 kUsualStripe = 64;  // KiB
 
-// What a size is rounded down to.
+// The unit to which a size is rounded down, in sectors.
 Sectors UnitOf(Rounding rounding) {
     switch (rounding) {
         case Rounding::kToStripe:
-            break;  // sizes are of whole stripes before they are rounded
+            break;  // sizes are whole stripes already
         case Rounding::kTo1GiB:
             return kGib;
         case Rounding::kTo10GiB:
@@ -47,7 +47,7 @@ std::vector<Run> FreeRuns(const Adapter& adapter, HX_U16 disk) {
     return runs;
 }
 
-// What lies in a run of both. Both ascend.
+// The runs of sectors that lie in both lists, which ascend.
 std::vector<Run> Overlap(std::span<const Run> some, std::span<const Run> others) {
     std::vector<Run> both;
     std::size_t i = 0;
@@ -63,7 +63,7 @@ std::vector<Run> Overlap(std::span<const Run> some, std::span<const Run> others)
     return both;
 }
 
-// What each of the disks can give in one run.
+// The longest run that all of the disks have free, each anywhere.
 Sectors ShortestRun(const Adapter& adapter, std::span<const HX_U16> disks) {
     Sectors shortest = std::numeric_limits<Sectors>::max();
     for (const HX_U16 disk : disks) {
@@ -76,7 +76,7 @@ Sectors ShortestRun(const Adapter& adapter, std::span<const HX_U16> disks) {
 }  // namespace
 
 Sectors Layout::Data(Sectors block) const {
-    if (stripe_kib == 0) return 0;  // of a state file that somebody has changed
+    if (stripe_kib == 0) return 0;  // only in a state file that was tampered with
     return DataSectors(level, Width(), legs, stripe_kib, block);
 }
 
@@ -112,7 +112,7 @@ Status CheckSharedDisk(const Adapter& adapter, HX_U16 id) {
     const Disk* const disk = Find(adapter.disks, id);
     if (disk == nullptr) return Status::kNoDisk;
     if (!IsReady(*disk)) return Status::kDiskNotReady;
-    // A spare that has stepped in is to be a spare again.
+    // A spare that has stepped in will be a spare again, so nothing else may use it.
     const bool spare = disk->spare != Spare::kNone || disk->spare_before != Spare::kNone;
     if (spare || GroupOf(adapter, id) != nullptr) return Status::kDiskTaken;
     if (disk->has_system) return Status::kHoldsSystem;

@@ -1,4 +1,4 @@
-// The generator that serial numbers and the like are drawn from.
+// The random generator for serial numbers and similar values.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,8 @@
 
 namespace hxsim {
 
-/// The next number of the generator splitmix64, whose whole state is one number, as a machine keeps
-/// it (Machine::random). It begins with the machine's seed.
+/// The next number of the generator splitmix64. Its whole state is one number (Machine::random),
+/// which starts as the machine's seed.
 constexpr std::uint64_t Draw(std::uint64_t& state) {
     state += 0x9E3779B97F4A7C15;
     std::uint64_t drawn = state;
@@ -18,9 +18,9 @@ constexpr std::uint64_t Draw(std::uint64_t& state) {
     return drawn ^ drawn >> 31;
 }
 
-/// A serial number: those of its series begin alike, and so many digits behind that are drawn.
+/// A serial number: the prefix of its series and `digits` random digits.
 inline std::string DrawSerial(std::uint64_t& state, std::string_view series, unsigned digits) {
-    // Without the letters that are taken for digits.
+    // Without the letters I and O, which look like digits.
     constexpr std::string_view kDigits = "0123456789ABCDEFGHJKLMNPQRSTUVWXYZ";
     std::string serial(series);
     std::uint64_t drawn = Draw(state);

@@ -1,4 +1,4 @@
-// Bytes of the interface's records that say nothing.
+// Bytes of the interface's records that carry no information.
 #pragma once
 
 #include <cstring>

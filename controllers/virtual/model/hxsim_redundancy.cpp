@@ -14,7 +14,7 @@ unsigned CountLost(const Positions& lost, unsigned first, unsigned count) {
     return number;
 }
 
-// The state of an array of legs, each of which bears the loss of `redundancy` positions.
+// The state of an array of legs, each of which survives the loss of `redundancy` positions.
 State StateOfLegs(const Positions& lost, unsigned width, unsigned legs, unsigned redundancy) {
     const unsigned leg = width / std::max(legs, 1U);
     unsigned worst = 0;
@@ -26,7 +26,7 @@ State StateOfLegs(const Positions& lost, unsigned width, unsigned legs, unsigned
     return worst < redundancy ? State::kPartiallyOptimal : State::kDegraded;
 }
 
-// The state of a ring in which each position's content lies on its neighbour as well.
+// The state of a ring, in which each position's content is mirrored on its neighbour.
 State StateOfRing(const Positions& lost, unsigned width) {
     for (unsigned i = 0; i < width; ++i) {
         if (lost[i] && lost[(i + 1) % width]) return State::kOffline;
@@ -38,7 +38,7 @@ bool IsGood(const Adapter& adapter, const Block& block) {
     return block.state == State::kOptimal && IsReady(adapter, block.disk);
 }
 
-// What a disk group's disks make of it, whatever lies on them.
+// The state of a disk group that follows from its disks alone, whether or not it has virtual disks.
 State StateOfDisks(const Adapter& adapter, const DiskGroup& group) {
     Positions lost;
     lost.set();

@@ -1,4 +1,4 @@
-// The space on the disks: blocks cut out of free runs and given back.
+// The space on the disks: allocates blocks from free runs and releases them.
 #include "model/hxsim_space.h"
 
 #include <algorithm>
@@ -34,7 +34,7 @@ void AddFree(Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors) {
     Insert(adapter.blocks, block);
 }
 
-// What is left of the block when it is nobody's any more.
+// Frees the block: it keeps only its ID, disk and sectors.
 void MakeFree(Block& block) {
     Block free;
     free.id = block.id;
@@ -44,7 +44,7 @@ void MakeFree(Block& block) {
     block = free;
 }
 
-// Joins the free blocks of a disk that touch; of two the lower ID stays.
+// Joins adjacent free blocks of a disk; the lower ID stays.
 void JoinFree(Adapter& adapter, HX_U16 disk) {
     std::vector<Block*> free;
     for (Block& block : adapter.blocks) {
@@ -76,8 +76,8 @@ auto FindBlock(AnyAdapter& adapter, HX_U16 virtual_disk, HX_U8 position, bool ta
     return found == adapter.blocks.end() ? nullptr : &*found;
 }
 
-// Free blocks that running migrations will leave on the disk beyond those that are there: ends of
-// blocks that stay and become shorter.
+// Free blocks that running migrations will add to the disk: the tails of blocks that stay and
+// become shorter.
 unsigned TailsToCome(const Adapter& adapter, HX_U16 disk) {
     unsigned tails = 0;
     for (const Activity& migration : adapter.activities) {
@@ -163,7 +163,7 @@ void Resize(Adapter& adapter, HX_U16 block, Sectors sectors) {
 Block& Cut(Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors, HX_U16 virtual_disk,
            HX_U8 position) {
     Block* const free = FreeBlockWith(adapter, disk, start, sectors);
-    // Who cuts has found the space before; a call that has not changes nothing at all.
+    // The caller must have found the space before; the exception undoes a call that has not.
     if (free == nullptr || sectors == 0) throw std::logic_error("cut where nothing is free");
     const HX_U16 id = free->id;
     const Sectors before = free->start;

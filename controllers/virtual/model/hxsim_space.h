@@ -1,11 +1,11 @@
-// The space on the disks: blocks cut out of free runs and given back.
+// The space on the disks: allocates blocks from free runs and releases them.
 #pragma once
 
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
 
-/// Sectors in the free blocks of a disk, whoever may have them.
+/// Sectors in the free blocks of a disk, whether or not the disk's role lets anyone use them.
 Sectors FreeSectors(const Adapter& adapter, HX_U16 disk);
 
 /// The longest free block of a disk; null when nothing is free.
@@ -14,37 +14,37 @@ const Block* LongestFree(const Adapter& adapter, HX_U16 disk);
 /// The first free block of a disk with at least so many sectors; null when there is none.
 const Block* FirstFree(const Adapter& adapter, HX_U16 disk, Sectors sectors);
 
-/// Whether one block more on the disk is one too many. Free blocks count: a block that leaves
-/// something of a free one is one more, and one that takes all of it is not.
+/// Whether the disk cannot have one more block. Free blocks count: a new block that leaves part of
+/// a free block adds one, a block that uses all of it does not.
 bool IsFullOfBlocks(const Adapter& adapter, HX_U16 disk);
 
-/// Whether the disk can have so many blocks more, beside those that running migrations will make
+/// Whether the disk can have `more` blocks in addition to those that running migrations will create
 /// when they end.
 bool HasRoomFor(const Adapter& adapter, HX_U16 disk, unsigned more);
 
-/// Whether Cut can take these sectors: all of them lie in one free block, and what is left of that
-/// is not one block too many.
+/// Whether Cut can allocate these sectors: they lie in one free block, and its remainders do not
+/// exceed the disk's limit of blocks.
 Status CheckCut(const Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors);
 
-/// Makes a block longer (its next sectors are free) or shorter (they become free).
+/// Makes a block longer (the sectors behind it must be free) or shorter (its last sectors become
+/// free).
 void Resize(Adapter& adapter, HX_U16 block, Sectors sectors);
 
-/// Cuts `sectors` from sector `start` on out of a free block that holds them all, for a virtual
-/// disk's position. Returns the new block, which has the free one's ID; what is left of that has
-/// a new one. What the caller found before by pointer is void. Throws std::logic_error when no free
-/// block holds the sectors.
+/// Cuts `sectors` from sector `start` on out of a free block for a virtual disk's position. Returns
+/// the new block, which takes over the free block's ID; the remainders get new IDs. Invalidates
+/// pointers to blocks. Throws std::logic_error when no free block holds all the sectors.
 Block& Cut(Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors, HX_U16 virtual_disk,
            HX_U8 position);
 
-/// Gives a block's sectors back; free neighbours become one block, with the lowest of their IDs.
-/// What the caller found before by pointer is void, also after the next two.
+/// Frees a block; free neighbours become one block, with the lowest of their IDs. This and the next
+/// two functions invalidate pointers to blocks.
 void Release(Adapter& adapter, HX_U16 block);
 
-/// Gives back every block of a virtual disk, targets included.
+/// Frees every block of a virtual disk, targets included.
 void ReleaseAll(Adapter& adapter, HX_U16 virtual_disk);
 
-/// Makes the disk's whole usable space one free block, whatever was on it. Which positions the
-/// disk served (Home) is left to the caller.
+/// Drops all blocks of the disk and makes its usable space one free block. The caller updates the
+/// Home rows.
 void ResetDisk(Adapter& adapter, HX_U16 disk);
 
 /// The block that serves a virtual disk's position (or, with `target`, is to serve it); null when

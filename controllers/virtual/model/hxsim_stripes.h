@@ -1,4 +1,4 @@
-// How much data a RAID level keeps on blocks of a size, in whole stripes.
+// How much data a RAID level stores in blocks of a given size, in whole stripes.
 #pragma once
 
 #include <cstdint>
@@ -8,11 +8,11 @@
 
 namespace hxsim {
 
-/// A stripe is what of the data lies on one disk before it goes on with the next.
+/// A stripe is the data that lies on one disk before the next disk follows.
 constexpr std::uint64_t SectorsOfStripe(HX_U16 kib) { return std::uint64_t{2} * kib; }
 
-/// Sectors of data in whole stripes, when each disk gives a block of so many sectors. The level
-/// can be made of the disks.
+/// Sectors of data in whole stripes, when each disk provides a block of `block` sectors.
+/// Precondition: the level can be made of so many disks.
 constexpr std::uint64_t DataSectors(Level level, unsigned disks, unsigned legs, HX_U16 stripe_kib,
                                     std::uint64_t block) {
     const LevelRow& row = RowOf(level);
@@ -21,8 +21,8 @@ constexpr std::uint64_t DataSectors(Level level, unsigned disks, unsigned legs, 
     return data_disks * (block / stripe) / row.copies * stripe;
 }
 
-/// Sectors that each disk has to give for so much data: the fewest whole stripes of which
-/// DataSectors makes no less. The data is no more than what so many disks can hold.
+/// Sectors that each disk provides for so much data: the fewest whole stripes for which DataSectors
+/// returns at least `data`. Precondition: the disks can hold the data.
 constexpr std::uint64_t BlockSectors(Level level, unsigned disks, unsigned legs, HX_U16 stripe_kib,
                                      std::uint64_t data) {
     const LevelRow& row = RowOf(level);

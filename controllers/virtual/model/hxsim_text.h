@@ -9,14 +9,14 @@
 
 namespace hxsim {
 
-/// The text, cut to the field or filled up with NULs.
+/// Writes the text, cut to the field or padded with NULs.
 template <std::size_t size>
 void SetText(char (&field)[size], std::string_view text) {
     for (std::size_t i = 0; i < size; ++i) field[i] = i < text.size() ? text[i] : '\0';
 }
 
-/// The text, cut to `width` characters or filled up with blanks, as a device sends it; NULs behind
-/// them.
+/// Writes the text as a device sends it: cut to `width` characters or padded with blanks, then
+/// NULs.
 template <std::size_t size>
 void SetPaddedText(char (&field)[size], std::string_view text, std::size_t width = size) {
     for (std::size_t i = 0; i < size; ++i) {
@@ -25,7 +25,7 @@ void SetPaddedText(char (&field)[size], std::string_view text, std::size_t width
     }
 }
 
-/// The text of a field, which ends at its first NUL or with the field.
+/// The text of a field, up to its first NUL or the end of the field.
 template <std::size_t size>
 std::string TextOf(const char (&field)[size]) {
     return {std::begin(field), std::find(std::begin(field), std::end(field), '\0')};

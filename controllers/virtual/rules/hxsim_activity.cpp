@@ -1,4 +1,4 @@
-// Background activities: how they start, pause and go on, and at what speed.
+// Background activities: how they start, pause and resume, and their speed.
 #include "rules/hxsim_activity.h"
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 namespace hxsim {
 namespace {
 
-constexpr std::uint64_t kQuickSeconds = 5;  // that an activity without a rate takes
+constexpr std::uint64_t kQuickSeconds = 5;  // duration of an activity without a rate
 
 std::uint64_t SpeedOf(const Adapter& adapter, const Activity& activity) {
     const auto rate = RowOf(activity.kind).rate;
@@ -18,7 +18,7 @@ std::uint64_t SpeedOf(const Adapter& adapter, const Activity& activity) {
     return kFullSpeed * std::max<HX_U8>(percent, 1) / 100;
 }
 
-// From now on the activity is counted from here.
+// Stores the progress made so far; later progress counts from `now`.
 void Mark(Activity& activity, Time now) {
     activity.done = Done(activity, now);
     activity.since = now;

@@ -1,4 +1,4 @@
-// Whether what runs in the background can go on, has to wait, or has to end.
+// Whether background activities can continue, have to wait, or have to end.
 #include "rules/hxsim_activity_conditions.h"
 
 #include <algorithm>
@@ -24,7 +24,7 @@ bool IsThere(const Adapter& adapter, Owner of, HX_U16 owner) {
     return Find(adapter.disks, owner) != nullptr;
 }
 
-// Pauses the activity, or resumes one that the controller has paused. Returns whether it did.
+// Pauses the activity, or resumes it when the controller had paused it. Returns whether it changed.
 bool PauseWhile(Settling& settling, Activity& activity, bool pause) {
     if (pause && activity.state == ActivityState::kRunning) {
         AutoPause(settling.adapter, settling.now, activity);
@@ -42,7 +42,7 @@ bool End(Settling& settling, const Activity& activity) {
     return true;
 }
 
-// Whether a virtual disk would be of no use with what its targets have lost.
+// Whether the migration would leave the virtual disk unusable because of the targets it has lost.
 bool IsInVain(const Adapter& adapter, const Activity& migration, HX_U16 virtual_disk) {
     Positions lost;
     for (const Block& block : adapter.blocks) {
@@ -66,8 +66,8 @@ State StateOfOwner(const Adapter& adapter, const Activity& activity) {
     return StateOf(adapter, *Find(adapter.disk_groups, activity.owner));
 }
 
-// Calls settle(activity) for each activity, by ID: it may end the one that it is given. Returns
-// whether any of the calls returned true.
+// Calls settle(activity) for each activity; finds it anew by ID, since settle may end it. Returns
+// whether any call returned true.
 template <class Settle>
 bool ForEachActivity(Adapter& adapter, Settle settle) {
     std::vector<HX_U16> ids;

@@ -12,7 +12,7 @@
 namespace hxsim {
 namespace {
 
-// ---- What completion brings about ----
+// ---- Effects of completion ----
 
 void FinishInitialisation(Adapter& adapter, HX_U16 id) {
     VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
@@ -21,7 +21,7 @@ void FinishInitialisation(Adapter& adapter, HX_U16 id) {
     virtual_disk->errors = 0;
 }
 
-// Every sector of the virtual disk has been read.
+// Remaps all damage under the virtual disk, since every sector of it has been read.
 void MeetDamage(Adapter& adapter, Time now, HX_U16 virtual_disk) {
     for (const Block& block : adapter.blocks) {
         if (block.virtual_disk == virtual_disk && !block.target) {
@@ -45,7 +45,7 @@ void FinishFix(Adapter& adapter, Time now, HX_U16 id) {
     virtual_disk->errors = 0;
 }
 
-// A scrub tells of damage and leaves it as it is.
+// A scrub reports damage and does not remap it.
 void FinishScrub(Adapter& adapter, Time now, HX_U16 disk) {
     const Remap* first = nullptr;
     HX_U32 count = 0;
@@ -84,9 +84,9 @@ void TakeEffect(Adapter& adapter, Time now, const Activity& activity) {
     }
 }
 
-// ---- What an end before its time leaves behind ----
+// ---- Clean-up after an abort or a failure ----
 
-// What is left behind by a rebuild that cannot go on: blocks that another one begins anew.
+// After a failed rebuild the blocks are degraded again, so that another rebuild starts them anew.
 void ForgetRebuild(Adapter& adapter, HX_U16 virtual_disk) {
     for (Block& block : adapter.blocks) {
         if (block.virtual_disk == virtual_disk && block.state == State::kRebuilding) {

@@ -5,12 +5,13 @@
 
 namespace hxsim {
 
-/// Ends an activity with its effect and announces it.
+/// Completes an activity: applies its effect and announces it.
 void Complete(Adapter& adapter, Time now, HX_U16 activity_id);
 
-/// Ends an activity without its effect and announces an abort, or an error. An aborted rebuild is
-/// held: its blocks stay as they are until a caller starts it again. An aborted copyback is not
-/// tried again: the positions belong where they are now. What failed begins anew when it can.
+/// Ends an activity without its effect and announces the abort or the error. After an aborted
+/// rebuild the blocks keep their state until a caller starts it again. An aborted copyback is not
+/// retried: the disks that serve the positions become their homes. A failed activity starts anew
+/// when it can.
 void Abort(Adapter& adapter, Time now, HX_U16 activity_id);
 void Fail(Adapter& adapter, Time now, HX_U16 activity_id);
 

@@ -1,4 +1,4 @@
-// The machine brought up to now: whatever was due happens, in the order of its time.
+// Brings the machine up to now: performs the transitions that are due, in order of time.
 #include "rules/hxsim_advance.h"
 
 #include <algorithm>
@@ -16,11 +16,11 @@ namespace {
 
 constexpr HX_U8 kProgressStep = 20;  // percent between two progress events
 
-// Sectors after which the activity next has something to tell.
+// The number of done sectors at which the activity's next event is due.
 Sectors NextMark(const Activity& activity) {
     const unsigned percent = activity.announced + kProgressStep;
     if (percent >= 100) return activity.total;
-    // Split, so that no product leaves 64 bits.
+    // Split, so that no product overflows 64 bits.
     return activity.total / 100 * percent + (activity.total % 100 * percent + 99) / 100;
 }
 
@@ -36,7 +36,7 @@ Time NextTransitionOf(const Activity& activity) {
     return activity.since + static_cast<Time>(seconds * 1000 + rest);
 }
 
-// What happens next: of two at the same time, what stands first here.
+// The next transition. Of two at the same time the lower in the order of the members comes first.
 struct Due {
     Time at = kNever;
     std::size_t adapter = 0;
@@ -63,7 +63,7 @@ Due NextDue(const Machine& machine) {
     return next;
 }
 
-// Lets an activity announce its progress, or come to its end.
+// Announces an activity's progress, or completes it.
 void TakeStep(Adapter& adapter, Time now, HX_U16 id) {
     Activity* const activity = Find(adapter.activities, id);
     if (NextMark(*activity) < activity->total) {

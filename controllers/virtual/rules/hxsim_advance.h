@@ -1,15 +1,15 @@
-// What the machine does by itself as time goes on.
+// What the machine does by itself as time passes.
 #pragma once
 
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
 
-/// When something happens on this machine by itself next; kNever when nothing will.
+/// The time of the machine's next own transition; kNever when there is none.
 Time NextTransition(const Machine& machine);
 
-/// Lets everything happen that is due by `now`, in the order of its time, each with its
-/// consequences (Settle).
+/// Performs all transitions that are due by `now`, in order of time, each with its consequences
+/// (Settle).
 void Advance(Machine& machine, Time now);
 
 }  // namespace hxsim

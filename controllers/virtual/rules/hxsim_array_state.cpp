@@ -1,4 +1,4 @@
-// The states of virtual disks and disk groups as disks are lost and come back.
+// The states of virtual disks and disk groups as disks are lost and return.
 #include "rules/hxsim_array_state.h"
 
 #include <algorithm>
@@ -33,7 +33,7 @@ EventKind EventOfState(State state) {
             return EventKind::kVirtualDiskPartiallyOptimal;
         case State::kOptimal:
         case State::kRebuilding:  // of blocks alone
-        case State::kForeign:     // announced by nobody
+        case State::kForeign:     // never announced
             break;
     }
     return EventKind::kVirtualDiskOnline;
@@ -79,7 +79,7 @@ bool AnnounceStates(Settling& settling) {
         if (state == before) continue;
         changed = true;
         if (state == State::kForeign) continue;
-        // The import has announced a foreign one.
+        // The import has announced a foreign virtual disk already.
         if (before == State::kForeign && state == State::kOptimal) continue;
         Queue(adapter, settling.now, EventOfState(state), each.id);
         if (state < before) continue;

@@ -1,4 +1,4 @@
-// The states of virtual disks and disk groups as disks are lost and come back.
+// The states of virtual disks and disk groups as disks are lost and return.
 #pragma once
 
 #include "model/hxsim_codes.h"
@@ -6,21 +6,22 @@
 
 namespace hxsim {
 
-/// The event that tells that a virtual disk has come to a state.
+/// The event that reports a virtual disk's new state.
 EventKind EventOfState(State state);
 
-/// Settling rule: writes go on without the disks that are not ready, so their blocks fall out of
-/// date. Nothing is written any more once the virtual disk is offline.
+/// Settling rule: marks blocks on disks that are not ready as out of date, since writes continue
+/// without them. Not for an offline virtual disk, to which nothing is written.
 bool LetBlocksFallOutOfDate(Settling& settling);
 
-/// Settling rule: the disk that serves a position is the one where its block lies. Nothing else
-/// follows from it, so it never counts as a change.
+/// Settling rule: updates the Home rows, so that the disk that serves a position is the disk of its
+/// block. Nothing else depends on it, so it never counts as a change.
 bool FollowBlocks(Settling& settling);
 
 /// Settling rule: announces the states of virtual disks that have changed.
 bool AnnounceStates(Settling& settling);
 
-/// Sets the states of disk groups, which follow from everything else and have no event.
+/// Sets the states of disk groups. They depend on the virtual disks, so this runs last; they have
+/// no event.
 void SetGroupStates(Adapter& adapter);
 
 }  // namespace hxsim

@@ -1,7 +1,8 @@
-// The battery that keeps an adapter's cache: how its charge goes with time, and what follows.
+// The battery that protects an adapter's cache: how its charge changes with time, and the
+// consequences.
 //
-// Charge is counted in whole mAh. A battery does something by itself whenever another tenth of its
-// charge is gone or won, so that whatever depends on the charge changes at such a time.
+// Charge is counted in whole mAh. The battery has a transition at every tenth of its charge, so
+// that everything that depends on the charge changes at a transition.
 #include "rules/hxsim_battery.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ constexpr std::uint64_t kHour = 3600 * 1000;  // milliseconds
 constexpr std::uint64_t kFullCharge = 2 * kHour;
 constexpr std::uint64_t kFullDischarge = 4 * kHour;
 constexpr unsigned kSafePercentage = 30;
-constexpr HX_U16 kNoTime = 65535;  // minutes of a thing that does not happen
+constexpr HX_U16 kNoTime = 65535;  // minutes to an end that will not come
 
 std::uint64_t RoundedUp(std::uint64_t dividend, std::uint64_t divisor) {
     return (dividend + divisor - 1) / divisor;
@@ -28,12 +29,12 @@ unsigned PercentageOf(const Battery& battery, std::uint64_t charge) {
     return static_cast<unsigned>(std::min<std::uint64_t>(charge * 100 / Capacity(battery), 100));
 }
 
-// The least charge that shows as so many percent.
+// The lowest charge that is displayed as this percentage.
 std::uint64_t ChargeOf(const Battery& battery, std::uint64_t percentage) {
     return RoundedUp(percentage * Capacity(battery), 100);
 }
 
-// The charge at which the battery next does something by itself.
+// The charge at the battery's next own transition.
 std::uint64_t NextCharge(const Battery& battery) {
     const unsigned percentage = PercentageOf(battery, battery.charge_at_since);
     if (Charges(battery.phase)) {
@@ -90,14 +91,14 @@ HX_U16 MinutesTo(std::uint64_t charge, std::uint64_t full_time, const Battery& b
     return static_cast<HX_U16>(RoundedUp(charge * full_time, Capacity(battery) * kMinute));
 }
 
-// Whether a battery that is there is safe, as its record says.
+// Whether the battery's record says that it is safe for write-back.
 bool IsSafe(const Battery& battery) {
     return (battery.info.status & BatteryBit::kSafeForWriteBack) != 0;
 }
 
-// ---- What happens by itself ----
+// ---- Transitions ----
 
-// From now on the battery is counted from here.
+// Stores the charge at `now`; later charge counts from there.
 void Mark(Battery& battery, Time now) {
     battery.charge_at_since = ChargeAt(battery, now);
     battery.since = now;
@@ -108,7 +109,7 @@ void StartCharging(Adapter& adapter, Time now, Battery& battery) {
     Queue(adapter, now, EventKind::kBatteryStartedCharging, kBattery);
 }
 
-// A cell wears with every cycle, until there is too little left of it to be of use.
+// A cell wears with every cycle, down to the capacity at which it must be replaced.
 void FinishRelearn(Adapter& adapter, Time now, Battery& battery) {
     BBU_Info& info = battery.info;
     if (info.recharge_cycle != UINT16_MAX) ++info.recharge_cycle;

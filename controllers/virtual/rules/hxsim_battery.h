@@ -1,4 +1,4 @@
-// The battery unit: charge, relearn cycles, thresholds, and what they mean for the write cache.
+// The battery unit: charge, relearn cycles, thresholds, and their effect on the write cache.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace hxsim {
 
-/// The battery's record as it is now.
+/// The battery's record at the time `now`.
 BBU_Info Describe(const Battery& battery, Time now);
 
 constexpr bool Charges(BatteryPhase phase) {
@@ -22,28 +22,29 @@ constexpr bool Relearns(BatteryPhase phase) {
     return phase == BatteryPhase::kRelearnDischarging || phase == BatteryPhase::kRelearnCharging;
 }
 
-/// The device of the battery's events.
+/// The device number in the battery's events.
 inline constexpr HX_U16 kBattery = 0;
 
-/// Whether the adapter's virtual disks may keep written data in the cache now: it has a battery
-/// that is safe. An adapter that never had one may not, but nothing is forced on it.
+/// Whether the adapter's virtual disks may keep written data in the cache now: only with a safe
+/// battery. Without a battery unit they may not either, but are not forced to write-through.
 bool AllowsWriteBack(const Adapter& adapter);
 
-/// Whether write-back has been taken away from virtual disks that are set to it.
+/// Whether virtual disks that are set to write-back are forced to write-through.
 bool ForcesWriteThrough(const Adapter& adapter);
 
-/// When the battery does something by itself next (phase ends, a tenth of the charge); kNever.
+/// The time of the battery's next own transition (the phase ends, the charge passes a tenth);
+/// kNever when there is none.
 Time NextTransition(const Battery& battery);
 
-/// Does what is due at `now`, with its events.
+/// Performs the battery's transitions due by `now`, with their events.
 void AdvanceBattery(Adapter& adapter, Time now);
 
-/// Lets `change` change the battery (a measure, a bound, its charge, its phase, whether it is
-/// there). It starts from a battery whose record is right now; status bits and events follow. The
-/// adapter must have one.
+/// Changes the battery by `change` (a reading, a bound, its charge, its phase, its presence), then
+/// updates its status bits and queues the events. The battery is brought up to `now` first. The
+/// adapter must have a battery unit.
 void ChangeBattery(Adapter& adapter, Time now, const std::function<void(Battery& battery)>& change);
 
-/// The charge in mAh, and what a full one is.
+/// The charge at `now` and the charge of a full battery, in mAh.
 HX_U16 ChargeAt(const Battery& battery, Time now);
 std::uint64_t Capacity(const Battery& battery);
 

@@ -1,4 +1,4 @@
-// Copyback: what a disk serves that has stepped in returns to the disk where it belongs.
+// Copyback: a position that a stand-in disk serves returns to its home disk.
 #include "rules/hxsim_copyback.h"
 
 #include <algorithm>
@@ -17,8 +17,8 @@
 namespace hxsim {
 namespace {
 
-// A disk on which a position now belongs for good is no spare that will be one again, unless it
-// stands in for yet another disk.
+// A disk that has become a position's home does not become a spare again, unless it still stands in
+// for another disk.
 void SettleDown(Adapter& adapter, HX_U16 id) {
     const bool stands_in = std::ranges::any_of(adapter.homes, [&](const Home& each) {
         return each.disk == id && each.home != id && each.home != kNoId;
@@ -59,7 +59,7 @@ std::vector<HX_U16> TargetDisks(const Adapter& adapter, HX_U16 virtual_disk) {
     return disks;
 }
 
-// The virtual disks that a copyback is about.
+// The virtual disks that a copyback moves.
 std::vector<HX_U16> Concerned(const Adapter& adapter, const Activity& copyback) {
     if (copyback.of == Owner::kVirtualDisk) return {copyback.owner};
     std::vector<HX_U16> ids;
@@ -69,7 +69,8 @@ std::vector<HX_U16> Concerned(const Adapter& adapter, const Activity& copyback) 
     return ids;
 }
 
-// Whether what serves a position is whole and larger than a disk that it might return to.
+// Whether the array of the position is optimal and needs more sectors than its returned home disk
+// has.
 bool IsTooLargeFor(const Adapter& adapter, const Home& home, const Disk& disk) {
     if (home.of == Owner::kVirtualDisk) {
         const VirtualDisk* const row = Find(adapter.virtual_disks, home.owner);

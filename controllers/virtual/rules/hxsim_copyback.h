@@ -1,25 +1,24 @@
-// Copyback: what a disk serves that has stepped in returns to the disk where it belongs.
+// Copyback: a position that a stand-in disk serves returns to its home disk.
 #pragma once
 
 #include "rules/hxsim_settling.h"
 
 namespace hxsim {
 
-/// Tells of a disk that is back in its place and too small for what belongs there, when that could
-/// return otherwise.
+/// Reports a home disk that is present again but too small, when a copyback could start otherwise.
 void TellOfSmallHome(Adapter& adapter, Time now, HX_U16 id);
 
-/// Settling rule: starts the copyback of whatever can return home now.
+/// Settling rule: starts the copybacks that can run now.
 bool StartCopybacks(Settling& settling);
 
-/// The effect of a copyback that is complete: what was written becomes what serves.
+/// The effect of a completed copyback: its target blocks replace the blocks that served.
 void FinishCopyback(Adapter& adapter, const Activity& copyback);
 
-/// Gives back what a copyback has written. With `settle_down`, the positions belong from now on
-/// where they are.
+/// Frees the target blocks of a copyback. With `settle_down`, the disks that serve the positions
+/// become their homes.
 void DropCopyback(Adapter& adapter, const Activity& copyback, bool settle_down);
 
-/// From now on the position belongs on the disk that serves it; nothing changes for a lost one.
+/// Makes the disk that serves the position its home; does nothing for a lost position.
 void BelongThere(Adapter& adapter, Home& home);
 
 }  // namespace hxsim

@@ -1,4 +1,4 @@
-// What a disk holds for virtual disks, and what taking it off the disk does to them.
+// Takes a disk's contents away from the virtual disks that use it.
 #include "rules/hxsim_disk_contents.h"
 
 #include <algorithm>
@@ -21,7 +21,7 @@ void FailWhatWrites(Adapter& adapter, Time now, Owner of, HX_U16 owner, bool tar
     if (target && migration != nullptr) Fail(adapter, now, migration->id);
 }
 
-// A rebuild, copyback or migration whose blocks go away under it cannot go on.
+// A rebuild, copyback or migration that loses the blocks it writes cannot continue.
 void EndWritesTo(Adapter& adapter, Time now, HX_U16 disk) {
     std::vector<Block> written;
     for (const Block& block : adapter.blocks) {

@@ -1,13 +1,13 @@
-// What a disk holds for virtual disks, and what taking it off the disk does to them.
+// Takes a disk's contents away from the virtual disks that use it.
 #pragma once
 
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
 
-/// Takes everything off a disk that it serves: its blocks become free, and the positions that lay
-/// on it are lost. What was writing them fails. A virtual disk of another controller, which only
-/// its disks know of, goes with the last of them.
+/// Frees all blocks of a disk; the positions that it served are lost, and activities that were
+/// writing there fail. A foreign virtual disk is known only from its disks, so it is removed with
+/// the last of them.
 void DropContents(Adapter& adapter, Time now, HX_U16 disk);
 
 }  // namespace hxsim

@@ -5,7 +5,7 @@
 
 namespace hxsim {
 
-/// Switches a disk's write cache, with an event when that changes it.
+/// Switches a disk's write cache on or off; queues an event when that changes it.
 void SetWriteCache(Adapter& adapter, Time now, HX_U16 id, bool on);
 
 }  // namespace hxsim

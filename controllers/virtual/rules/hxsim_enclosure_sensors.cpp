@@ -1,4 +1,4 @@
-// The elements of enclosures, and what the readings of their sensors mean.
+// The elements of enclosures, and the status that follows from their sensor readings.
 #include "rules/hxsim_enclosure_sensors.h"
 
 #include "model/hxsim_codes.h"
@@ -6,7 +6,7 @@
 namespace hxsim {
 namespace {
 
-// A fan at less than these percents of what it should turn.
+// A fan below these percentages of its nominal speed deviates.
 constexpr unsigned kFanWarning = 80, kFanCritical = 50;
 
 Deviation DeviationOfTemperature(const Element& element) {
@@ -20,7 +20,7 @@ Deviation DeviationOfTemperature(const Element& element) {
     return Deviation::kNone;
 }
 
-// Bounds are half percents of the nominal value.
+// Bounds are in half percents of the nominal value.
 Deviation DeviationOfVoltage(const Element& element) {
     const unsigned nominal = element.nominal;
     const unsigned reading = element.reading;

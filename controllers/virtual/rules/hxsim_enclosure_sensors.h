@@ -1,4 +1,4 @@
-// The elements of enclosures, and what the readings of their sensors mean.
+// The elements of enclosures, and the status that follows from their sensor readings.
 #pragma once
 
 #include "hxraid.h"
@@ -6,14 +6,15 @@
 
 namespace hxsim {
 
-/// How far a reading is from what it should be.
+/// How far a reading is from its normal range.
 enum class Deviation : HX_U8 { kNone, kLowWarning, kHighWarning, kLowCritical, kHighCritical };
 
-/// Of a temperature, voltage or fan; kNone of what is not measured. A threshold of 0 is none.
+/// The deviation of a temperature, voltage or fan; kNone for elements without a reading. A
+/// threshold of 0 is not checked.
 Deviation DeviationOf(const Element& element);
 
-/// The status that follows from an element's reading. Elements without one have
-/// the status that they have been given.
+/// The status that follows from an element's reading. Elements without a reading have the status
+/// that was set.
 ElementStatus StatusOf(const Element& element);
 
 /// The element with that number; null when the enclosure has none.

@@ -1,4 +1,4 @@
-// The queue of events: filled by whatever happens, emptied by whoever takes them.
+// The queue of events: the rules and calls fill it, callers fetch from it.
 #include "rules/hxsim_event_queue.h"
 
 #include <algorithm>
@@ -15,15 +15,16 @@ HX_U32 SecondsOf(Time now) {
 
 bool TellsOfLoss(const Event& event) { return hxcodes::KindOf(event) == EventKind::kEventError; }
 
-// Drops the oldest events until one more fits beside the row that tells of them. That row stands
-// in their place and has the number of the last of them, so that numbers go on without a gap and
-// never come twice.
+// Drops the oldest events until one more fits beside the row that reports the loss. That row takes
+// their place and the number of the last of them, so that numbers continue without a gap and never
+// repeat.
 void MakeRoom(Adapter& adapter, Time now) {
     std::vector<QueuedEvent>& queue = adapter.events;
     if (queue.size() < kMostEvents) return;
     const bool told_before = TellsOfLoss(queue.front().event);
     HX_U32 lost = told_before ? queue.front().event.Params[2] : 0;
-    const std::size_t dropped = queue.size() - kMostEvents + 2;  // for the new one and the telling
+    const std::size_t dropped = queue.size() - kMostEvents + 2;  // room for the new event and the
+                                                                 // report
     lost += static_cast<HX_U32>(told_before ? dropped - 1 : dropped);
     const HX_U32 number = queue[dropped - 1].number;
     queue.erase(queue.begin(), queue.begin() + static_cast<std::ptrdiff_t>(dropped - 1));

@@ -1,4 +1,4 @@
-// What happens in the machine, told to whoever takes events.
+// The queue of events that the machine reports to callers.
 #pragma once
 
 #include <array>
@@ -8,13 +8,13 @@
 
 namespace hxsim {
 
-/// Queues an event. A full queue loses its oldest events and says so with one
-/// EventKind::kEventError, whose Params[2] is the number of events lost since the last one that was
-/// taken.
+/// Queues an event. A full queue drops its oldest events and reports that with one
+/// EventKind::kEventError, whose Params[2] is the number of events lost since the last fetched
+/// event.
 void Queue(Adapter& adapter, Time now, EventKind kind, HX_U16 device,
            std::array<HX_U32, 4> params = {}, std::string_view text = {});
 
-/// Writes the record of an event, every byte of it.
+/// Writes every byte of an event's record.
 void Describe(HX_U8 adapter, Time now, EventKind kind, HX_U16 device, HX_U32 number,
               std::array<HX_U32, 4> params, std::string_view text, Event& event);
 

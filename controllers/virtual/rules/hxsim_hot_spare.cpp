@@ -1,4 +1,4 @@
-// Hot spares: when one steps in, for which position, and when it is a spare again.
+// Hot spares: when a spare steps in, for which position, and when it becomes a spare again.
 #include "rules/hxsim_hot_spare.h"
 
 #include <set>
@@ -17,7 +17,7 @@
 namespace hxsim {
 namespace {
 
-// The disk is no spare any more, but remembers what kind it was.
+// The disk stops being a spare and remembers which kind it was.
 void StepIn(Adapter& adapter, Time now, HX_U16 id) {
     Disk* const disk = Find(adapter.disks, id);
     if (disk->spare == Spare::kNone) return;
@@ -26,7 +26,8 @@ void StepIn(Adapter& adapter, Time now, HX_U16 id) {
     Queue(adapter, now, EventKind::kSpareRemoved, id);
 }
 
-// Sets the home's disk; a disk that has not come as a spare belongs there from now on.
+// Sets the disk that serves the position; unless it stepped in as a spare, it becomes the home as
+// well.
 void MoveIn(Adapter& adapter, Home* home, HX_U16 id) {
     if (home == nullptr) return;
     home->disk = id;
@@ -37,7 +38,7 @@ void ReleaseIfThere(Adapter& adapter, const Block* block) {
     if (block != nullptr) Release(adapter, block->id);
 }
 
-// The smallest spare of a kind that is large enough, then the one with the lowest ID.
+// The smallest disk that suits; of equal disks the one with the lowest ID.
 template <class Suits>
 const Disk* SmallestSpare(const Adapter& adapter, Suits suits) {
     const Disk* best = nullptr;
@@ -60,7 +61,7 @@ const Disk* FindSpare(const Adapter& adapter, const Array& array, HX_U16 group) 
     return own != nullptr ? own : SmallestSpare(adapter, is(Spare::kGlobal));
 }
 
-// A disk that has already stepped in where the same home is lost.
+// A disk that already stands in for the same home at another virtual disk.
 const Disk* FindStandIn(const Adapter& adapter, const VirtualDisk& virtual_disk, HX_U16 home) {
     for (const Home& each : adapter.homes) {
         if (each.of != Owner::kVirtualDisk || each.home != home || each.disk == home) continue;
@@ -99,9 +100,9 @@ const Disk* LargestSpare(const Adapter& adapter, HX_U16 group) {
     return largest;
 }
 
-// Whether disks may step in on a disk group: every virtual disk on it can do without what is lost
-// (a block that is given up cannot come back), none is at work, and one of them asks for it; one
-// without virtual disks asks for it, too.
+// Whether disks may step in on a disk group: every virtual disk on it can be rebuilt (a freed block
+// cannot come back), no activity prevents that, and at least one of them has automatic rebuild. A
+// group without virtual disks takes disks as well.
 bool TakesDisks(const Adapter& adapter, const DiskGroup& group) {
     if (adapter.config.AutoRebuildOn == 0) return false;
     bool any = false;

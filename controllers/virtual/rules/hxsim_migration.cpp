@@ -24,8 +24,8 @@ constexpr Sectors kNoLimit = std::numeric_limits<Sectors>::max();
 
 // ---- Positions ----
 
-// The disks in the order of their new positions: unless the caller wants his own order, a disk
-// stays where it is, so that its block can.
+// The disks in the order of their new positions. Unless the caller insists on an order, a disk
+// keeps its position, so that its block can stay.
 std::vector<HX_U16> Arrange(std::span<const HX_U16> wanted, std::span<const HX_U16> old,
                             bool as_given) {
     std::vector<HX_U16> order(wanted.begin(), wanted.end());
@@ -72,12 +72,12 @@ void CutTarget(Adapter& adapter, HX_U16 disk, Sectors start, Sectors sectors, HX
     Cut(adapter, disk, start, sectors, virtual_disk, static_cast<HX_U8>(position)).target = true;
 }
 
-// ---- Virtual disks on disks of their own ----
+// ---- Virtual disks without a disk group ----
 
 // A virtual disk's migration before it starts.
 struct Move {
     Layout layout;
-    std::vector<HX_U16> old;  // the disks that it is on, by position
+    std::vector<HX_U16> old;  // its present disks, by position
     Sectors old_block = 0;
     Sectors block = 0;
     Sectors size = 0;
@@ -92,8 +92,8 @@ Status CheckMovable(const Adapter& adapter, const VirtualDisk* virtual_disk) {
     return Status::kSuccess;
 }
 
-// What each block can have at most: as much as the blocks that stay have, or more where every disk
-// has that much free beside them.
+// The largest size that each block can have: that of the blocks that stay, or more where every disk
+// has that much free besides.
 Sectors LongestBlock(const Adapter& adapter, const Move& move) {
     Sectors on_all = kNoLimit;
     Sectors on_others = kNoLimit;
@@ -132,7 +132,7 @@ Status LayOut(const Adapter& adapter, const VirtualDisk& virtual_disk, const Cre
     if (param.HDCount > HX_MAX_HDS) return Status::kBadDiskCount;
     Wish wish{ToCode<Level>(param.RaidMode), param.SubLDCount, param.StripeBlockSize,
               std::span(param.HDIDs, param.HDCount), adapter.info.MaxPDPerVD};
-    // What the caller leaves out stays as it is.
+    // A value that the caller leaves out stays unchanged.
     if (wish.stripe_kib == 0) wish.stripe_kib = virtual_disk.stripe_kib;
     if (wish.legs == 0 && wish.level == virtual_disk.level) wish.legs = virtual_disk.legs;
     if (const Status status = MakeLayout(adapter, wish, move.layout); status != Status::kSuccess) {
@@ -149,9 +149,9 @@ Status LayOut(const Adapter& adapter, const VirtualDisk& virtual_disk, const Cre
     return Status::kSuccess;
 }
 
-// The size that a caller wants, or that none is wanted and the most that fits is asked for. Not a
-// std::optional: compilers read the size of an empty one before they look whether it is there,
-// which memory checkers report.
+// The size that a caller wants; not given when the caller asks for the largest that fits. Not a
+// std::optional: compilers read the value of an empty optional before they test it, which memory
+// checkers report.
 struct WantedSize {
     bool is_given = false;
     Sectors sectors = 0;
@@ -171,7 +171,7 @@ Status PlanMove(const Adapter& adapter, const Create_LD_Param& param, WantedSize
     const Sectors more = stays ? 0 : wanted.sectors;
     Sectors chosen = 0;
     status = ChooseSize(move.layout, longest, more, param.RoundingScheme, chosen);
-    // Rounding takes nothing from what is there already.
+    // Rounding never shrinks the present size.
     if (status == Status::kBadRounding || (status != Status::kSuccess && more != 0)) return status;
     move.size = stays ? virtual_disk->size : std::max(chosen, virtual_disk->size);
     move.block = move.layout.Block(move.size);
@@ -179,7 +179,7 @@ Status PlanMove(const Adapter& adapter, const Create_LD_Param& param, WantedSize
     return CheckRoom(adapter, move);
 }
 
-// A disk that had stepped in as a spare belongs to the virtual disk from now on.
+// Makes the disks that serve the positions their homes: a spare that had stepped in stays there.
 void SettleDown(Adapter& adapter, Owner of, HX_U16 owner) {
     for (Home& home : adapter.homes) {
         if (home.of != of || home.owner != owner) continue;
@@ -227,8 +227,8 @@ Sectors SizeOfMembers(const Adapter& adapter, const DiskGroup& group) {
     return size;
 }
 
-// Cuts the targets of one virtual disk of the group: at its own place on the disks that are new,
-// or, when it does not fit there, on all disks at another place.
+// Cuts the targets of one virtual disk of the group: on the new disks at its present start sector,
+// or, when that does not fit, on all disks at another one.
 Status CutTargets(Adapter& adapter, const Layout& layout, std::span<const HX_U16> old,
                   const VirtualDisk& virtual_disk) {
     Layout own = layout;
@@ -265,7 +265,7 @@ void TakeForm(Adapter& adapter, DiskGroup& group, const Layout& layout) {
     SetHomes(adapter, Owner::kDiskGroup, group.id, layout.disks);
 }
 
-// Starts the migration on `adapter`, which a refusal leaves half changed.
+// Starts the migration. On refusal `adapter` may be half changed: the caller discards it.
 Status MoveGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
     DiskGroup* const group = Find(adapter.disk_groups, param.DGID);
     if (group == nullptr) return Status::kNoDiskGroup;
@@ -288,7 +288,7 @@ Status MoveGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
         TakeForm(adapter, *group, layout);
         return Status::kSuccess;
     }
-    // From the first sectors on, so that as many as can keep their places.
+    // In order of their start sectors, so that as many as possible keep their places.
     std::ranges::sort(members, {},
                       [&](const VirtualDisk& each) { return BlockOf(adapter, each.id, 0)->start; });
     Activity migration = MigrationTo(layout, Owner::kDiskGroup, group->id, space);
@@ -319,7 +319,7 @@ bool IsAsItWas(const Adapter& adapter, const CreateOrModify_DG_Param& param) {
 
 // ---- Ends ----
 
-// Puts the targets of a virtual disk in place and gives back what is left over.
+// Replaces the old blocks of a virtual disk by its targets and frees the sectors left over.
 void TakePlaces(Adapter& adapter, VirtualDisk& virtual_disk, const Activity& migration) {
     const Sectors sectors = BlockAfter(migration, virtual_disk);
     std::vector<HX_U16> gone;
@@ -343,8 +343,8 @@ void TakePlaces(Adapter& adapter, VirtualDisk& virtual_disk, const Activity& mig
     virtual_disk.size = migration.size;
 }
 
-// Writes down where the positions of what has moved are now. One that is served as before still
-// belongs where it did, for a spare that has stepped in meanwhile.
+// Sets the Home rows after a migration. A position that is served by the same disk as before keeps
+// its home: that disk may be a spare that has stepped in.
 void FindHomes(Adapter& adapter, const Activity& migration) {
     std::vector<HX_U16> disks(migration.width, kNoId);
     for (const Block& block : adapter.blocks) {

@@ -1,4 +1,4 @@
-// Rebuilds: the content of lost blocks is made again on the disks that have taken their place.
+// Rebuilds: restore the content of lost blocks on the disks that have taken their place.
 #include "rules/hxsim_rebuild.h"
 
 #include <algorithm>
@@ -50,7 +50,8 @@ bool HasBlocksToRebuild(const Adapter& adapter, const VirtualDisk& virtual_disk,
 void StartRebuild(Adapter& adapter, Time now, HX_U16 virtual_disk) {
     const Activity* const lesser = ActivityOf(adapter, Owner::kVirtualDisk, virtual_disk);
     if (lesser != nullptr && RowOf(lesser->kind).at_rebuild == AtRebuild::kEnds) {
-        // What ends for a rebuild leaves nothing behind that would have to be undone.
+        // These activities have no effects that would have to be undone, so removing the row is
+        // enough.
         Announce(adapter, now, Remove(adapter, lesser->id), Step::kAbort);
     }
     Activity rebuild;

@@ -1,4 +1,4 @@
-// Damaged sectors and the good ones that disks put in their place.
+// Damaged sectors and their replacement by spare sectors of the disk.
 #include "rules/hxsim_remap.h"
 
 #include <algorithm>
@@ -57,7 +57,7 @@ HX_U32 RemapDamage(Adapter& adapter, Time now, HX_U16 disk, Sectors start, Secto
     });
     HX_U32 count = 0;
     for (const Remap& each : damaged) {
-        // What one finds no room for, the next would not either.
+        // Without room for one run there is none for the next.
         if (!Reassign(adapter, now, disk, each.lba, each.sectors)) break;
         ++count;
     }

@@ -1,20 +1,21 @@
-// Damaged sectors and the good ones that disks put in their place.
+// Damaged sectors and their replacement by spare sectors of the disk.
 #pragma once
 
 #include "model/hxsim_machine.h"
 
 namespace hxsim {
 
-/// Puts a run where it belongs among the adapter's; one that begins at the same sector gives way.
+/// Inserts a run into the adapter's list in order; a run that starts at the same sector is
+/// replaced.
 void SetRemap(Adapter& adapter, const Remap& remap);
 
-/// Puts good sectors in the place of a damaged run that somebody has met, with its events; whether
-/// it is in Adapter::remaps as damaged already makes no difference. Returns false when the disk has
-/// no sectors left for it, and says so with an event; nothing else has changed then.
+/// Remaps a damaged run that was read, with the events, whether or not Adapter::remaps lists it
+/// already. When the disk has no spare sectors left, queues the event for that, changes nothing
+/// else and returns false.
 bool Reassign(Adapter& adapter, Time now, HX_U16 disk, Sectors lba, HX_U32 sectors);
 
-/// Reassigns the damaged runs that begin in a part of a disk, as whoever reads all of it does.
-/// Returns how many it was.
+/// Remaps the damaged runs that start in a part of a disk, as reading all of it does. Returns their
+/// number.
 HX_U32 RemapDamage(Adapter& adapter, Time now, HX_U16 disk, Sectors start, Sectors sectors);
 
 }  // namespace hxsim

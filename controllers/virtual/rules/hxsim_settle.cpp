@@ -1,4 +1,4 @@
-// The consequences of a change, drawn rule by rule until nothing follows any more.
+// Applies the settling rules until none of them changes anything more.
 #include "rules/hxsim_settle.h"
 
 #include <string>
@@ -14,7 +14,7 @@
 namespace hxsim {
 namespace {
 
-// The order is that in which events are told.
+// The order determines the order of events.
 constexpr SettlingRule kRules[] = {
     {"drop orphans", DropOrphans},
     {"let blocks fall out of date", LetBlocksFallOutOfDate},

@@ -1,4 +1,4 @@
-// What the settling rules know of the change whose consequences they draw (hxsim_settle.h).
+// What the settling rules know about the change that they settle (hxsim_settle.h).
 #pragma once
 
 #include <set>
@@ -11,7 +11,7 @@ struct Settling {
     Adapter& adapter;
     const Time now;
     bool new_alarm_cause = false;  // a virtual disk has just become degraded or offline
-    std::set<HX_U16> losses{};     // virtual disks that have just lost something
+    std::set<HX_U16> losses{};     // virtual disks that have just lost a block
 };
 
 }  // namespace hxsim
