@@ -76,7 +76,8 @@ struct Disk {
     std::optional<std::uint64_t> free_sectors;
     std::optional<unsigned> group;  // that it is a member or a spare of
     std::optional<unsigned> enclosure;
-    std::string bay;  // "slot 3", "phy 5"
+    std::optional<unsigned> expander;  // that it is connected to
+    std::string bay;                   // "slot 3", "enc0 phy 5"
     std::optional<bool> smart_alarm;
     std::optional<bool> smart_on;
     std::optional<bool> is_online;  // as it is set

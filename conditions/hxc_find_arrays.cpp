@@ -9,6 +9,7 @@
 #include "codes/state.h"
 #include "codes/virtual_disk.h"
 #include "conditions/hxc_redundancy.h"
+#include "conditions/hxc_spares.h"
 
 namespace hxconditions {
 
@@ -20,47 +21,7 @@ using hxcodes::BatteryBit;
 using hxcodes::CacheBit;
 using hxcodes::DiskBit;
 
-constexpr unsigned kConfiguredOrSpare = DiskBit::kConfigured | DiskBit::kGlobalSpare |
-                                        DiskBit::kGroupSpare | DiskBit::kUnavailable |
-                                        DiskBit::kFailed | DiskBit::kForeign | DiskBit::kRebuilding;
-constexpr unsigned kSpare = DiskBit::kGlobalSpare | DiskBit::kGroupSpare;
 constexpr unsigned kBroken = DiskBit::kUnavailable | DiskBit::kFailed;
-
-bool IsFree(const Disk& disk) { return (disk.status & kConfiguredOrSpare) == 0; }
-
-// All of a spare is kept for the one it will replace, so no list of free space counts it.
-std::uint64_t RoomOf(const Disk& disk) {
-    if ((disk.status & kSpare) != 0) return disk.sectors;
-    return disk.free_sectors.value_or(disk.sectors);
-}
-
-// The sectors that a disk needs to take a member's place: as many as the lost one has, or, while
-// none is lost, as the smallest has.
-std::uint64_t NeededBy(const Adapter& adapter, const VirtualDisk& virtual_disk,
-                       const std::vector<unsigned>& lost) {
-    if (const DiskGroup* const group = FindGroup(adapter, virtual_disk.group)) {
-        if (group->sectors_needed) return *group->sectors_needed;
-    }
-    std::uint64_t needed = 0;
-    for (const unsigned position : lost) {
-        needed = std::max(needed, virtual_disk.members[position].sectors);
-    }
-    if (needed != 0) return needed;
-    for (const Member& member : virtual_disk.members) {
-        if (needed == 0 || member.sectors < needed) needed = member.sectors;
-    }
-    return needed;
-}
-
-bool IsMember(const VirtualDisk& virtual_disk, unsigned disk) {
-    return std::ranges::any_of(virtual_disk.members,
-                               [&](const Member& each) { return each.disk && *each.disk == disk; });
-}
-
-bool Reaches(const Disk& spare, const VirtualDisk& virtual_disk) {
-    if ((spare.status & DiskBit::kGlobalSpare) != 0) return true;
-    return spare.group && virtual_disk.group && *spare.group == *virtual_disk.group;
-}
 
 // What a look at one virtual disk has found out so far.
 struct Lookup {
@@ -77,34 +38,11 @@ struct Lookup {
     Finding& Add(Code code) { return findings.emplace_back(FindingOf(code, object)); }
 };
 
-// The size of the largest disk that was lost.
-std::uint64_t SizeOfLost(const Lookup& look) {
-    std::uint64_t size = 0;
-    for (const unsigned position : look.redundancy.lost) {
-        const Disk* const disk = FindDisk(look.adapter, look.virtual_disk.members[position].disk);
-        if (disk != nullptr) size = std::max(size, disk->sectors);
-    }
-    return size;
-}
-
-// Whether the disk is more like the lost one: the smallest of those that are as large.
-bool IsLiker(const Disk& disk, const Disk& other, std::uint64_t lost) {
-    const bool large = disk.sectors >= lost;
-    if (large != (other.sectors >= lost)) return large;
-    return disk.sectors < other.sectors;
-}
-
 void FindFittingDisks(Lookup& look) {
-    const std::uint64_t lost = SizeOfLost(look);
-    const std::uint64_t needed = NeededBy(look.adapter, look.virtual_disk, look.redundancy.lost);
-    for (const Disk& disk : look.adapter.disks) {
-        if (RoomOf(disk) < needed || IsMember(look.virtual_disk, disk.id)) continue;
-        if (IsReadySpare(disk) && Reaches(disk, look.virtual_disk)) {
-            if (look.spare == nullptr) look.spare = &disk;
-        } else if (IsFree(disk) && (look.free == nullptr || IsLiker(disk, *look.free, lost))) {
-            look.free = &disk;
-        }
-    }
+    const std::vector<unsigned>& lost = look.redundancy.lost;
+    const std::uint64_t needed = NeededBy(look.adapter, look.virtual_disk, lost);
+    look.spare = SpareFor(look.adapter, look.virtual_disk, needed);
+    look.free = FreeDiskFor(look.adapter, look.virtual_disk, lost, needed);
 }
 
 void AddActivity(Values& values, const Activity* activity) {
@@ -114,16 +52,6 @@ void AddActivity(Values& values, const Activity* activity) {
         values["left"] =
             ", " + DurationText(static_cast<std::int64_t>(*activity->seconds_left)) + " left";
     }
-}
-
-// "a0/pd6 or a0/pd7".
-std::string Alternatives(const std::vector<std::string>& items) {
-    std::string text = Listed(items);
-    const std::size_t last = text.rfind(" and ");
-    if (last != std::string::npos && text.find(" more", last) == std::string::npos) {
-        text.replace(last, std::string_view(" and ").size(), " or ");
-    }
-    return text;
 }
 
 std::vector<std::string> AddressesAt(const Lookup& look, const std::vector<unsigned>& positions) {
@@ -160,7 +88,7 @@ void AddMembers(const Lookup& look, Finding& finding) {
         finding.lost.push_back(member);
     }
     for (const Disk& disk : look.adapter.disks) {
-        if ((disk.status & kSpare) == 0 || !Reaches(disk, look.virtual_disk)) continue;
+        if (!IsSpare(disk) || !Reaches(disk, look.virtual_disk)) continue;
         finding.links.push_back(look.things.Of(look.adapter, disk).identity);
     }
     if (const DiskGroup* const group = FindGroup(look.adapter, look.virtual_disk.group)) {
@@ -304,8 +232,13 @@ void FindCache(Lookup& look) {
 
 }  // namespace
 
-bool IsReadySpare(const Disk& disk) {
-    return (disk.status & kSpare) != 0 && (disk.status & kBroken) == 0;
+std::string Alternatives(const std::vector<std::string>& items) {
+    std::string text = Listed(items);
+    const std::size_t last = text.rfind(" and ");
+    if (last != std::string::npos && text.find(" more", last) == std::string::npos) {
+        text.replace(last, std::string_view(" and ").size(), " or ");
+    }
+    return text;
 }
 
 const Activity* ActivityOf(const Adapter& adapter, const VirtualDisk& virtual_disk) {

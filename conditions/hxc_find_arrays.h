@@ -3,6 +3,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "conditions/hxc_finding.h"
@@ -15,7 +16,8 @@ void FindVirtualDisks(std::vector<Finding>& findings, const Things& things, cons
 std::optional<Code> StateCodeOf(const Adapter& adapter, const VirtualDisk& virtual_disk);
 /// What it does, or the disk group that it lies on; null where nothing runs.
 const Activity* ActivityOf(const Adapter& adapter, const VirtualDisk& virtual_disk);
-bool IsReadySpare(const Disk& disk);
+/// "a0/pd6 or a0/pd7".
+std::string Alternatives(const std::vector<std::string>& items);
 void FindDiskGroups(std::vector<Finding>& findings, const Things& things, const Adapter& adapter);
 void FindSpares(std::vector<Finding>& findings, const Things& things, const Adapter& adapter);
 /// Free disks in the bays of lost members that have too little room.

@@ -7,6 +7,7 @@
 
 #include "codes/disk.h"
 #include "conditions/hxc_find_arrays.h"
+#include "conditions/hxc_spares.h"
 
 namespace hxconditions {
 

@@ -52,6 +52,14 @@ bool Contains(const std::vector<unsigned>& list, unsigned value) {
 
 }  // namespace
 
+std::optional<unsigned> SurvivesOf(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    const Redundancy redundancy = RedundancyOf(virtual_disk, adapter.disks);
+    if (redundancy.is_offline || virtual_disk.state == hxcodes::State::kOffline) return 0;
+    // Without the disks' own states a position may be lost that its block does not tell of.
+    const bool whole = adapter.disks_query.IsRead() && adapter.virtual_disks_query.IsRead();
+    return whole || redundancy.survives == 0U ? redundancy.survives : std::nullopt;
+}
+
 bool IsRedundant(unsigned level) {
     const hxcodes::LevelRow* const row = hxcodes::FindCode(hxcodes::kLevels, level);
     return row != nullptr && hxcodes::RedundancyOf(*row) > 0;

@@ -21,6 +21,9 @@ struct Redundancy {
 /// Disks may be empty where they could not be read: then the blocks' own states count alone.
 Redundancy RedundancyOf(const VirtualDisk& virtual_disk, const std::vector<Disk>& disks);
 
+/// How many more disks of it may fail, whichever they are; null where that was not seen.
+std::optional<unsigned> SurvivesOf(const Adapter& adapter, const VirtualDisk& virtual_disk);
+
 /// Whether the level has redundancy at all.
 bool IsRedundant(unsigned level);
 
