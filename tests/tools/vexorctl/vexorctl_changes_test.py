@@ -195,7 +195,7 @@ class VirtualDisk(Changes):
         alternatives = (
             "; free on a1: a1/pd3, a1/pd4, a1/pd5, a1/pd6, a1/pd7 (465.73 GiB each), "
             "a1/pd2 (465.73 GiB, holds a boot record); "
-            "free on a0: a0/pd11, a0/pd12 (838.33 GiB each), a0/pd13, a0/pd14 (1862.99 GiB each), "
+            "free on a0: a0/pd11, a0/pd12 (838.33 GiB each), a0/pd13, a0/pd14 (1.82 TiB each), "
             "a0/pd16 (465.73 GiB); with room beside virtual disks on a0: a0/pd4, a0/pd5, a0/pd6, "
             "a0/pd7, a0/pd8 (838.99 GiB each)\n")
         said = self.refused(219, "bad_level", "vd", "create", "a1/pd3", "a1/pd4", "a1/pd5",
@@ -366,7 +366,7 @@ class DiskGroup(Changes):
 
     def test_delete_names_the_virtual_disks_that_are_lost(self):
         said, code = self.terminal(["dg", "delete", "a0/dg0"], "GROUP_A")
-        self.assertIn(b"virtual disk a0/vd0 (DATABASE, 768.00 GiB) lies on it and will be lost "
+        self.assertIn(b"virtual disk a0/vd0 (DATABASE, 768 GiB) lies on it and will be lost "
                       b"with all its data", said)
         self.assertEqual(code, 0)
         self.assertEqual(self.rows("vd list a0", "name"), ["ARCHIVE"])
@@ -719,7 +719,7 @@ class Flash(Changes):
         (self.root / "cut").write_bytes((self.root / "bios.rom").read_bytes()[:-512])
         run = self.run_words("flash", "show", "cut", "--columns", "version", "--no-header")
         self.assertEqual((run.stdout, run.stderr, run.returncode), (
-            "version  3.1.0.27\n", "vexorctl: cut: the image says that it has 40960 bytes, and has "
+            "Version  3.1.0.27\n", "vexorctl: cut: the image says that it has 40960 bytes, and has "
                            "40448\n", 1))
 
     def test_what_cannot_be_sent_erases_nothing(self):

@@ -190,6 +190,21 @@ class DefaultMachine(CheckCase):
         self.assertIn("fan a0/enc0/el2 reports critical: 0 rpm", sentences)
 
 
+    def test_a_disk_is_told_by_its_serial_number_and_its_bay(self):
+        disks = json.loads(self.run_words("disk", "list", "a0", "-o", "json").stdout)["items"]
+        disk = next(each for each in disks if each["enclosure"] == "a0/enc0")
+        self.machine.hxsimctl("disk", "fail", disk["address"])
+        label = f'{disk["address"]} ({disk["serial"]}, enc0 phy {disk["phy"]})'
+        self.assertIn(label, self.run_words("check").stdout)
+
+    def test_a_media_patrol_is_information(self):
+        self.happen("start media_patrol a1/pd2")
+        document, code = self.document()
+        heads = [(each["code"], each["object"]["address"]) for each in document["conditions"]]
+        self.assertIn(("ACTIVITY_RUNNING", "a1/pd2"), heads)
+        self.assertEqual(code, 0)
+
+
 class Unreachable(CheckCase):
     def test_a_query_that_fails_is_unknown_and_what_it_counts_is_null(self):
         self.machine.hxsimctl("inject", "--call", "HX_LD_GetInfo", "--code", "7")
@@ -238,6 +253,13 @@ class Unreachable(CheckCase):
         run = self.run_words("check", "a9")
         self.assertIn("there is no adapter a9", run.stdout)
         self.assertEqual(run.returncode, 3)
+
+    def test_a_target_that_is_no_adapter_is_not_taken_for_all_of_them(self):
+        for target in ("a0/pd1", "name:DATA", "serial:none"):
+            with self.subTest(target=target):
+                run = self.run_words("check", target)
+                self.assertTrue(run.stdout.startswith("UNKNOWN: "), run.stdout)
+                self.assertEqual(run.returncode, 3)
 
     def test_names_from_outside_stay_on_their_line(self):
         self.happen(DATA.replace("name=DATA", "name=a|b"), "disk fail a0/pd5")

@@ -36,6 +36,7 @@ LISTS = [
     "adapter list", "enclosure list", "enclosure elements", "enclosure expanders",
     "enclosure multipliers", "disk list", "disk blocks", "disk remapped a0/pd3", "vd list",
     "dg list", "task list", "battery list", "flash list", "user show root", "check",
+    "overview", "risk",
     "disk show a0/pd0", "vd show name:MIRROR", "vd delete a0/vd2 --dry-run",
     "vd create --adapter 1 --raid 5 --disks 3 --dry-run", "counters show", "event keys",
     "event list --last 4", "event list --last 4 --raw",
@@ -81,6 +82,7 @@ class Output(VexorctlCase):
                     schema(SCHEMA).validate({**document, "command": "disk list"})
 
     def test_a_field_visible_in_one_format_is_in_all_of_them(self):
+        self.collect()
         for command in LISTS:
             with self.subTest(command=command):
                 text = {form: (GOLDEN / (re.sub(r"[^\w-]+", "-", command) + "." + form)).read_text()
@@ -91,8 +93,16 @@ class Output(VexorctlCase):
                 keys = list(items[0])
                 self.assertEqual(keys, list(json.loads(text["jsonl"].splitlines()[0])))
                 self.assertEqual(keys, next(csv.reader(io.StringIO(text["csv"]))))
-                self.assertEqual(
-                    keys, [line.split()[0] for line in text["list"].split("\n\n")[0].splitlines()])
+                labels = [re.split("  +", line)[0]
+                          for line in text["list"].split("\n\n")[0].splitlines()]
+                header = re.split("  +", text["wide"].splitlines()[0].strip())
+                self.assertEqual([label.upper() for label in labels], [h.upper() for h in header])
+                self.assertEqual((len(labels), len(set(labels))), (len(keys), len(keys)))
+                turned = self.run_words(*command.split(), "-o", "list",
+                                        "--columns", ",".join(reversed(keys))).stdout
+                self.assertEqual([re.split("  +", line)[0]
+                                  for line in turned.split("\n\n")[0].splitlines()],
+                                 labels[::-1])  # so each label is that of the key in its place
                 known = [key for key in keys if items[0][key] is not None]
                 item = xml.etree.ElementTree.fromstring(text["xml"]).find("item")
                 self.assertEqual(known, [element.tag for element in item])
@@ -111,7 +121,7 @@ class Output(VexorctlCase):
         self.assertEqual(numbers, sorted(numbers, reverse=True))
 
     def test_sizes_are_gib_bytes_or_gb(self):
-        for options, size in (([], "768.00 GiB"), (["--bytes"], "824633720832"),
+        for options, size in (([], "768 GiB"), (["--bytes"], "824633720832"),
                               (["--si"], "824.63 GB")):
             run = self.run_words("vd", "list", "a0/vd0", "--columns=size_bytes", "--no-header",
                                  *options)
@@ -411,7 +421,7 @@ class Plans(VexorctlCase):
 
     def test_deleting_asks_for_the_name_and_another_answer_is_no(self):
         said, code = self.terminal(["vd", "delete", "a0/vd2"], "yes")
-        self.assertIn(b"Delete virtual disk a0/vd2 (ARCHIVE, raid6, 3072.00 GiB)", said)
+        self.assertIn(b"Delete virtual disk a0/vd2 (ARCHIVE, raid6, 3 TiB)", said)
         self.assertIn(b"all data on it will be lost", said)
         self.assertIn(b"Type ARCHIVE to go on: ", said)
         self.assertIn(b"not confirmed; nothing was changed", said)

@@ -247,7 +247,7 @@ class Parallel(VexorctlCase):
         self.assertEqual(sorted(told), [f"a1/vd{number}" for number in range(1, 6)])
         run = self.run_words("vd", "list", "a1", "--columns", "disks", "--no-header")
         self.assertEqual(sorted(run.stdout.split()),
-                         ["a1/pd0,a1/pd1", *(f"a1/pd{number}" for number in range(3, 8))])
+                         ["a1/pd0-1", *(f"a1/pd{number}" for number in range(3, 8))])
 
 
 if __name__ == "__main__":

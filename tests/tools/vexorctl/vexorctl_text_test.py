@@ -178,7 +178,7 @@ class HostileNames(vexorctl_machine.VexorctlCase):
         for format_ in "table", "wide", "list":
             for words in ("vd", "list"), ("disk", "list"), ("disk", "show", "a0/pd4"):
                 with self.subTest(format_ + " " + " ".join(words)):
-                    run = self.run_words(*words, "-o", format_)
+                    run = self.run_words(*words, "-o", format_, "--columns", "all")
                     self.assertEqual(run.returncode, 0, run.stderr)
                     self.assert_harmless(run.stdout.replace("\n", ""))
 

@@ -207,7 +207,7 @@ class Recorded(VexorctlCase):
     def shown(self, command):
         """What a command shows: its items in the list format, its errors, and its exit code."""
         run = self.run_words(*command.split(), "-o", "list")
-        items = [dict(re.match(r"(\S+)\s+(.*)", line).groups() for line in item.splitlines())
+        items = [dict(re.match(r"(.+?)  +(.*)", line).groups() for line in item.splitlines())
                  for item in run.stdout.split("\n\n") if item.strip()]
         return items, run.stderr, run.returncode
 

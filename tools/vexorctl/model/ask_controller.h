@@ -175,6 +175,10 @@ public:
     /// Restricts Selected to these; one that is not there becomes a fault with Exit::kNoObject.
     void Select(const std::vector<unsigned>& adapters);
 
+    /// What a selected adapter lacks, a battery say, is an answer from now on and no fault: the
+    /// adapter was asked for everything that it has.
+    void AcceptAbsences() { chosen_ = false; }
+
     /// From here on every object that is loaded is noted in sightings(): a change is planned.
     void RememberSightings() { sightings_.emplace(); }
     /// Null when nothing is to be remembered.

@@ -70,8 +70,13 @@ std::vector<Enclosure> LoadEnclosures(Controller& controller) {
 }
 
 std::vector<Element> LoadElements(Controller& controller) {
+    return LoadElements(controller, LoadEnclosures(controller));
+}
+
+std::vector<Element> LoadElements(Controller& controller,
+                                  const std::vector<Enclosure>& enclosures) {
     std::vector<Element> elements;
-    for (const Enclosure& enclosure : LoadEnclosures(controller)) {
+    for (const Enclosure& enclosure : enclosures) {
         LoadElementsOf(controller, enclosure.address, elements);
     }
     return elements;

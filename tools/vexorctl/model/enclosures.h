@@ -31,7 +31,8 @@ std::optional<std::uint64_t> DeviceId(const View<R>& device) {
 
 /// Those on the adapters that the controller has selected. What cannot be read is noted as a fault.
 std::vector<Enclosure> LoadEnclosures(Controller& controller);
-/// The elements of all of them.
+/// The elements of all of them, or of these.
 std::vector<Element> LoadElements(Controller& controller);
+std::vector<Element> LoadElements(Controller& controller, const std::vector<Enclosure>& enclosures);
 
 }  // namespace vexorctl

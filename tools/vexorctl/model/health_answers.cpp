@@ -8,6 +8,7 @@
 
 #include "codes/activity.h"
 #include "codes/battery.h"
+#include "codes/device.h"
 #include "codes/disk.h"
 #include "codes/enclosure.h"
 #include "codes/named.h"
@@ -133,7 +134,6 @@ hxc::Adapter* AdapterAt(hxc::Answers& answers, std::string_view address) {
 
 void TakeFaults(hxc::Answers& answers, Controller& controller) {
     for (const Fault& fault : controller.faults()) {
-        if (fault.code != 0 && controller.codes().IsAbsence(fault.code)) continue;
         hxc::Adapter* const adapter = AdapterAt(answers, fault.address);
         if (adapter == nullptr) {
             answers.machine.result = Query::Result::kFailed;
@@ -151,10 +151,10 @@ void TakeFaults(hxc::Answers& answers, Controller& controller) {
 
 // ---- What was read ----
 
-void TakeAdapters(Controller& controller, hxc::Answers& answers) {
+void TakeAdapters(const std::vector<Adapter>& adapters, hxc::Answers& answers) {
     using fields::Adapter_Config_V2;
     using fields::Adapter_Info;
-    for (const Adapter& each : LoadAdapters(controller)) {
+    for (const Adapter& each : adapters) {
         hxc::Adapter& adapter = *AdapterAt(answers, each.address.Text());
         adapter.serial = each.info[Adapter_Info::SerialNo].value_or("");
         hxc::Flash& flash = adapter.flash;
@@ -190,16 +190,67 @@ void TakeSmart(const Disk& disk, hxc::Adapter& adapter, hxc::Disk& taken) {
     }
 }
 
-std::string BayOf(const Disk& disk) {
-    const auto parent = disk.info[fields::HD_Info::Link][fields::Link_Entity::Parent];
-    const auto phys = parent[fields::Link_Endpoint::PhyID];
-    const auto count = parent[fields::Link_Endpoint::PhyCnt];
-    if (!phys || phys->empty() || count.value_or(0) == 0) return "";
-    return "phy " + std::to_string(phys->front());
+std::optional<hxc::Activity> ActivityOf(const Meaning& meaning, const Number& kind,
+                                        const Number& state, const Number& percent) {
+    const auto is = meaning.Of(&Codes::activities, hxcodes::kActivityNames, kind);
+    if (!is) return std::nullopt;
+    hxc::Activity activity;
+    activity.kind = *is;
+    activity.state = meaning.Of(&Codes::activity_states, hxcodes::kActivityStateNames, state)
+                         .value_or(kNoMeaning);
+    activity.percent = Small(percent);
+    return activity;
 }
 
-void TakeDisks(Controller& controller, const Meaning& meaning, hxc::Answers& answers) {
-    for (const Disk& each : LoadDisks(controller)) {
+// Stands for no enclosure.
+constexpr std::uint64_t kNoEnclosure = 65535;
+
+// Where the disk is, and how it is linked. The interface has no number of a slot: the phy of the
+// device above tells one bay of an enclosure from the others.
+void TakePlace(const Disk& disk, const Meaning& meaning, hxc::Disk& taken) {
+    using fields::Link_Endpoint;
+    const auto link = disk.info[fields::HD_Info::Link];
+    const auto parent = link[fields::Link_Entity::Parent];
+    const auto phys = parent[Link_Endpoint::PhyID];
+    taken.phys = Small(parent[Link_Endpoint::PhyCnt]);
+    if (phys && !phys->empty() && taken.phys.value_or(0) != 0) {
+        taken.bay = "phy " + std::to_string(phys->front());
+    }
+    const Number enclosure = link[fields::Link_Entity::Self][Link_Endpoint::EnclosureID];
+    if (enclosure && *enclosure != kNoEnclosure) {
+        taken.enclosure = Small(enclosure);
+        taken.bay.insert(0, "enc" + std::to_string(*enclosure) + (taken.bay.empty() ? "" : " "));
+    }
+    const auto device =
+        meaning.Of(&Codes::devices, hxcodes::kDeviceNames, parent[Link_Endpoint::DevType]);
+    if (device == NumberOf(hxcodes::Device::kExpander)) {
+        taken.expander = Small(parent[Link_Endpoint::DevID]);
+    }
+    taken.speed = meaning.Of(&Codes::link_speeds, hxcodes::kLinkSpeedNames,
+                             disk.config[fields::HD_Config::DriveSpeed]);
+    const auto wwn = disk.info[fields::HD_Info::WWN];
+    for (const std::uint64_t byte : wwn.value_or(std::vector<std::uint64_t>())) {
+        constexpr std::string_view kDigits = "0123456789ABCDEF";
+        taken.wwn += kDigits[(byte >> 4) & 0xF];
+        taken.wwn += kDigits[byte & 0xF];
+    }
+}
+
+// Media patrols and data scrubs. A disk that takes part in an activity of its virtual disk tells
+// that one as well.
+std::optional<hxc::Activity> OwnActivityOf(const Disk& disk, const Meaning& meaning) {
+    using fields::HD_BGA_Status;
+    const auto activity = ActivityOf(meaning, disk.activity[HD_BGA_Status::Bga],
+                                     disk.activity[HD_BGA_Status::BgaStatus],
+                                     disk.activity[HD_BGA_Status::Percentage]);
+    if (!activity) return std::nullopt;
+    const auto* const row = hxcodes::FindCode(hxcodes::kActivities, activity->kind);
+    const bool is_own = row != nullptr && row->runs_on == hxcodes::RunsOn::kDisk;
+    return is_own ? activity : std::nullopt;
+}
+
+void TakeDisks(const std::vector<Disk>& disks, const Meaning& meaning, hxc::Answers& answers) {
+    for (const Disk& each : disks) {
         hxc::Adapter& adapter = *AdapterAt(answers, each.address.Text());
         hxc::Disk& disk = adapter.disks.emplace_back();
         disk.id = each.address.id;
@@ -220,22 +271,12 @@ void TakeDisks(Controller& controller, const Meaning& meaning, hxc::Answers& ans
         }
         disk.free_sectors = each.free_space[fields::HD_FreeSpaceInfo::Size];
         if (each.group.presence == Presence::kThere) disk.group = each.group.group;
-        disk.bay = BayOf(each);
+        TakePlace(each, meaning, disk);
         disk.smart_on = Flag(each.config[fields::HD_Config::SMARTOn]);
+        disk.is_online = Flag(each.config[fields::HD_Config::Online]);
+        disk.activity = OwnActivityOf(each, meaning);
         TakeSmart(each, adapter, disk);
     }
-}
-
-std::optional<hxc::Activity> ActivityOf(const Meaning& meaning, const Number& kind,
-                                        const Number& state, const Number& percent) {
-    const auto is = meaning.Of(&Codes::activities, hxcodes::kActivityNames, kind);
-    if (!is) return std::nullopt;
-    hxc::Activity activity;
-    activity.kind = *is;
-    activity.state = meaning.Of(&Codes::activity_states, hxcodes::kActivityStateNames, state)
-                         .value_or(kNoMeaning);
-    activity.percent = Small(percent);
-    return activity;
 }
 
 using Blocks = std::map<std::uint64_t, Record<fields::Block_Info>>;
@@ -268,7 +309,8 @@ void TakeMembers(const VirtualDisk& each, const Meaning& meaning, const Blocks& 
     }
 }
 
-void TakeVirtualDisks(Controller& controller, const Meaning& meaning, hxc::Answers& answers) {
+void TakeVirtualDisks(Controller& controller, const std::vector<VirtualDisk>& disks,
+                      const Meaning& meaning, hxc::Answers& answers) {
     using fields::LD_Info;
     using fields::LD_Status;
     std::map<unsigned, Blocks> blocks;
@@ -277,7 +319,7 @@ void TakeVirtualDisks(Controller& controller, const Meaning& meaning, hxc::Answe
             blocks[adapter.number].insert_or_assign(id, std::move(block));
         }
     }
-    for (const VirtualDisk& each : LoadVirtualDisks(controller)) {
+    for (const VirtualDisk& each : disks) {
         hxc::Adapter& adapter = *AdapterAt(answers, each.address.Text());
         hxc::VirtualDisk& disk = adapter.virtual_disks.emplace_back();
         disk.id = each.address.id;
@@ -313,9 +355,10 @@ void TakeVirtualDisks(Controller& controller, const Meaning& meaning, hxc::Answe
     }
 }
 
-void TakeDiskGroups(Controller& controller, const Meaning& meaning, hxc::Answers& answers) {
+void TakeDiskGroups(const std::vector<DiskGroup>& groups, const Meaning& meaning,
+                    hxc::Answers& answers) {
     using fields::DG_Info;
-    for (const DiskGroup& each : LoadDiskGroups(controller)) {
+    for (const DiskGroup& each : groups) {
         hxc::Adapter& adapter = *AdapterAt(answers, each.address.Text());
         hxc::DiskGroup& group = adapter.groups.emplace_back();
         group.id = each.address.id;
@@ -332,6 +375,10 @@ void TakeDiskGroups(Controller& controller, const Meaning& meaning, hxc::Answers
              DisksOf(each.info.view()).value_or(std::vector<std::uint64_t>())) {
             group.disks.push_back(static_cast<unsigned>(id));
         }
+        for (const std::uint64_t id :
+             SparesOf(each.info.view()).value_or(std::vector<std::uint64_t>())) {
+            group.spares.push_back(static_cast<unsigned>(id));
+        }
         group.activity = ActivityOf(meaning, each.info[DG_Info::BgaType],
                                     each.info[DG_Info::BgaState], std::nullopt);
     }
@@ -347,12 +394,13 @@ Query::Result AbsenceOfBattery(Controller& controller, unsigned adapter) {
     return absent ? Query::Result::kUnsupported : Query::Result::kRead;
 }
 
-void TakeBatteries(Controller& controller, const Meaning& meaning, hxc::Answers& answers) {
+void TakeBatteries(Controller& controller, const std::vector<Battery>& batteries,
+                   const Meaning& meaning, hxc::Answers& answers) {
     using fields::BBU_Info;
     for (hxc::Adapter& adapter : answers.adapters) {
         adapter.battery_query.result = AbsenceOfBattery(controller, adapter.number);
     }
-    for (const Battery& each : LoadBatteries(controller)) {
+    for (const Battery& each : batteries) {
         hxc::Adapter& adapter = *AdapterAt(answers, each.address.Text());
         const Number status = each.info[BBU_Info::status];
         const auto bits = meaning.OfBits(&Codes::battery_bits, hxcodes::kBatteryBits, status);
@@ -410,15 +458,17 @@ void TakeReadings(const Element& each, hxc::Element& element) {
     }
 }
 
-void TakeEnclosures(Controller& controller, const Meaning& meaning, hxc::Answers& answers) {
-    for (const Element& each : LoadElements(controller)) {
+void TakeEnclosures(const MachineLook& look, const Meaning& meaning, hxc::Answers& answers) {
+    for (const Enclosure& each : look.enclosures) {
+        hxc::Enclosure& enclosure =
+            AdapterAt(answers, each.address.Text())->enclosures.emplace_back();
+        enclosure.id = each.address.id;
+        enclosure.logical_id = each.info[fields::Enclosure_Info::LogicalID].value_or("");
+    }
+    for (const Element& each : look.elements) {
         hxc::Adapter& adapter = *AdapterAt(answers, each.address.Text());
-        auto enclosure =
+        const auto enclosure =
             std::ranges::find(adapter.enclosures, each.address.id, &hxc::Enclosure::id);
-        if (enclosure == adapter.enclosures.end()) {
-            enclosure = adapter.enclosures.emplace(adapter.enclosures.end());
-            enclosure->id = each.address.id;
-        }
         hxc::Element& element = enclosure->elements.emplace_back();
         element.id = each.address.element;
         const Number status = each.info[fields::EncElementType_Info::Status];
@@ -443,32 +493,60 @@ hxc::Answers UnreachableHealth(Exit exit, const std::string& reason) {
     return answers;
 }
 
-hxc::Answers LoadHealth(Controller& controller) {
-    hxc::Answers answers;
-    try {
-        answers.machine.result = Query::Result::kRead;
-        for (const unsigned number : controller.Selected()) {
-            hxc::Adapter& adapter = answers.adapters.emplace_back();
-            adapter.number = number;
-            for (const FunctionQuery& each : kQueries) {
-                (adapter.*each.query).result = Query::Result::kRead;
-            }
+MachineLook LookAtMachine(Controller& controller) {
+    MachineLook look;
+    hxc::Answers& answers = look.answers;
+    controller.AcceptAbsences();
+    answers.machine.result = Query::Result::kRead;
+    for (const unsigned number : controller.Selected()) {
+        hxc::Adapter& adapter = answers.adapters.emplace_back();
+        adapter.number = number;
+        for (const FunctionQuery& each : kQueries) {
+            (adapter.*each.query).result = Query::Result::kRead;
         }
-        const Meaning meaning(controller.codes().table());
-        TakeAdapters(controller, answers);
-        TakeDisks(controller, meaning, answers);
-        TakeVirtualDisks(controller, meaning, answers);
-        TakeDiskGroups(controller, meaning, answers);
-        TakeBatteries(controller, meaning, answers);
-        TakeEnclosures(controller, meaning, answers);
+    }
+    const Meaning meaning(controller.codes().table());
+    look.adapters = LoadAdapters(controller);
+    TakeAdapters(look.adapters, answers);
+    look.disks = LoadDisks(controller);
+    TakeDisks(look.disks, meaning, answers);
+    look.virtual_disks = LoadVirtualDisks(controller);
+    TakeVirtualDisks(controller, look.virtual_disks, meaning, answers);
+    look.groups = LoadDiskGroups(controller);
+    TakeDiskGroups(look.groups, meaning, answers);
+    look.batteries = LoadBatteries(controller);
+    TakeBatteries(controller, look.batteries, meaning, answers);
+    look.enclosures = LoadEnclosures(controller);
+    look.elements = LoadElements(controller, look.enclosures);
+    TakeEnclosures(look, meaning, answers);
+    TakeFaults(answers, controller);
+    return look;
+}
+
+void TakeRemapped(Controller& controller, hxc::Answers& answers) {
+    using Function = calls::HX_PD_GetRCT;
+    for (hxc::Adapter& adapter : answers.adapters) {
+        for (hxc::Disk& disk : adapter.disks) {
+            const auto answer =
+                controller.Ask(Request<Function>{{Function::AdapterID, adapter.number},
+                                                 {Function::HD_ID, disk.id},
+                                                 {Function::n, 1},
+                                                 {Function::s, 0},
+                                                 {Function::e, 0}});
+            if (answer.exit == Exit::kDone) disk.remapped = Small(answer[Function::Result::Count]);
+        }
+    }
+}
+
+hxc::Answers LoadHealth(Controller& controller) {
+    try {
+        return LookAtMachine(controller).answers;
     } catch (const Failure& failure) {
         return UnreachableHealth(failure.exit, failure.what());
     } catch (const Unavailable& failure) {
         const std::string subject = failure.subject.empty() ? "" : failure.subject + ": ";
         return UnreachableHealth(Exit::kUnavailable, subject + failure.what());
     }
-    TakeFaults(answers, controller);
-    return answers;
 }
 
 }  // namespace vexorctl

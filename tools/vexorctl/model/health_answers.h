@@ -1,16 +1,46 @@
 // What the controller answers about its health, as the table of conditions takes it.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "conditions/hxc_answers.h"
+#include "model/adapters.h"
 #include "model/ask_controller.h"
+#include "model/batteries.h"
+#include "model/disk_groups.h"
+#include "model/disks.h"
+#include "model/enclosures.h"
+#include "model/virtual_disks.h"
 
 namespace vexorctl {
+
+/// One look at the adapters that the controller has selected: the records as they came, and what
+/// the table of conditions takes from them.
+struct MachineLook {
+    std::vector<Adapter> adapters;
+    std::vector<Disk> disks;
+    std::vector<VirtualDisk> virtual_disks;
+    std::vector<DiskGroup> groups;
+    std::vector<Battery> batteries;
+    std::vector<Enclosure> enclosures;
+    std::vector<Element> elements;
+    hxconditions::Answers answers;
+};
+
+/// What cannot be read is noted as a fault. Throws Failure and Unavailable for a machine that
+/// cannot be asked at all.
+MachineLook LookAtMachine(Controller& controller);
 
 /// One look at the adapters that the controller has selected. What could not be read, or cannot be
 /// understood because nobody has said what its codes mean, is told as such in the queries; a
 /// controller that cannot be asked at all as the machine's. Throws nothing for what a controller
 /// says.
 hxconditions::Answers LoadHealth(Controller& controller);
+
+/// Adds how many sectors each disk has remapped, which takes a question for each. What is not
+/// answered stays unknown.
+void TakeRemapped(Controller& controller, hxconditions::Answers& answers);
 
 /// The answers of a machine that cannot be asked at all, and why.
 hxconditions::Answers UnreachableHealth(Exit exit, const std::string& reason);

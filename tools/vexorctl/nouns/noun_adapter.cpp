@@ -79,7 +79,7 @@ constexpr Column<Adapter> kColumns[] = {
      [](const Adapter& it) { return VersionCell(it.info, Adapter_Info::BIOSVersion); }},
     {{"ports", "PORTS", kNumber, kTable, "The number of its ports"},
      [](const Adapter& it) { return FieldCell(it.info, Adapter_Info::PortCount); }},
-    {{"levels", "LEVELS", kBits, kTable, "The RAID levels it offers", &CodeTable::level_bits},
+    {{"levels", "LEVELS", kBits, kWide, "The RAID levels it offers", &CodeTable::level_bits},
      [](const Adapter& it) { return FieldCell(it.info, Adapter_Info::LogicalDriverMode); }},
     {{"flash_healthy", "FLASH OK", kBool, kTable, "Whether all images in its flash are whole"},
      [](const Adapter& it) { return FieldCell(it.info, Adapter_Info::img_health); }},

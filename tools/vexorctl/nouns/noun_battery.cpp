@@ -43,7 +43,7 @@ constexpr Column<Battery> kColumns[] = {
      [](const Battery& it) { return PercentAt(it.info, BBU_Info::percentage); }},
     {{"temperature_celsius", "CELSIUS", kNumber, kTable, "Its temperature"},
      [](const Battery& it) { return FieldCell(it.info, BBU_Info::temperature); }},
-    {{"voltage_millivolts", "MILLIVOLTS", kNumber, kTable, "Its voltage"},
+    {{"voltage_millivolts", "MILLIVOLTS", kNumber, kWide, "Its voltage"},
      [](const Battery& it) { return FieldCell(it.info, BBU_Info::voltage); }},
     {{"capacity_mah", "MAH", kNumber, kTable, "What is left in it"},
      [](const Battery& it) { return FieldCell(it.info, BBU_Info::curCapacity); }},

@@ -19,6 +19,7 @@
 #include "model/health_answers.h"
 #include "model/library_record.h"
 #include "model/library_session.h"
+#include "nouns/adapter_targets.h"
 #include "nouns/nouns.h"
 #include "output/cell.h"
 #include "output/report.h"
@@ -84,7 +85,7 @@ void LimitTime(const Invocation& invocation) {
 
 hxc::Answers Look(Invocation& invocation) {
     try {
-        SelectAdapters(invocation);
+        SelectTargets(invocation);
     } catch (const Failure& failure) {
         return UnreachableHealth(failure.exit, failure.what());
     } catch (const Unavailable& failure) {

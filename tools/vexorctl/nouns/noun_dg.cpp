@@ -70,11 +70,11 @@ constexpr Column<DiskGroup> kColumns[] = {
      [](const DiskGroup& it) {
          return AddressesCell(it, ObjectKind::kDisk, SparesOf(it.info.view()));
      }},
-    {{"vds", "VDS", kTexts, kTable, "The virtual disks on it"},
+    {{"vds", "VDS", kTexts, kWide, "The virtual disks on it"},
      [](const DiskGroup& it) {
          return AddressesCell(it, ObjectKind::kVirtualDisk, it.info[DG_Info::VDIDs]);
      }},
-    {{"activity", "ACTIVITY", kCode, kTable, "What is going on in the background",
+    {{"activity", "ACTIVITY", kCode, kWide, "What is going on in the background",
       &CodeTable::activities},
      [](const DiskGroup& it) { return FieldCell(it.info, DG_Info::BgaType); }},
     {{"activity_state", "ACTIVITY STATE", kCode, kWide, "How that stands",

@@ -1,5 +1,6 @@
 // vexorctl disk ...
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 #include "codes/code_table.h"
@@ -88,19 +89,19 @@ constexpr Column<Disk> kColumns[] = {
      [](const Disk& it) { return OwnerCell(it); }},
     {{"dg", "DG", kText, kTable, "The disk group that it serves"},
      [](const Disk& it) { return GroupCell(it); }},
-    {{"model", "MODEL", kText, kTable, "Its model"},
+    {{"model", "MODEL", kText, kWide, "Its model"},
      [](const Disk& it) { return FieldCell(it.info, HD_Info::Model); }},
     {{"serial", "SERIAL", kText, kTable, "Its serial number"},
      [](const Disk& it) { return FieldCell(it.info, HD_Info::SerialNo); }},
-    {{"connection", "LINK", kCode, kTable, "How it is connected", &CodeTable::connections},
+    {{"connection", "LINK", kCode, kWide, "How it is connected", &CodeTable::connections},
      [](const Disk& it) { return FieldCell(it.info, HD_Info::ConnectionType); }},
-    {{"enclosure", "ENCLOSURE", kText, kTable, "The enclosure that it is in"},
+    {{"enclosure", "ENCLOSURE", kText, kWide, "The enclosure that it is in"},
      [](const Disk& it) {
          return AddressCell(it, ObjectKind::kEnclosure, SelfOf(it)[Link_Endpoint::EnclosureID]);
      }},
-    {{"phy", "PHY", kNumber, kTable, "The phy of its parent to which it is connected"},
+    {{"phy", "PHY", kNumber, kWide, "The phy of its parent to which it is connected"},
      [](const Disk& it) { return PhyCell(it); }},
-    {{"smart_alarm", "SMART ALARM", kBool, kTable, "Whether a SMART threshold is exceeded"},
+    {{"smart_alarm", "SMART ALARM", kBool, kWide, "Whether a SMART threshold is exceeded"},
      [](const Disk& it) { return FieldCell(it.smart, HD_SMART_Status::SmartThresholdExceeded); }},
     {{"status", "STATUS", kBits, kWide, "Its state as bits", &CodeTable::disk_bits},
      [](const Disk& it) { return FieldCell(it.info, HD_Info::Status); }},
@@ -171,7 +172,80 @@ constexpr Column<Disk> kColumns[] = {
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
+// What a target that is no disk itself says of the disks: those of a virtual disk, those that serve
+// a disk group, those in an enclosure.
+using IsMeant = std::function<bool(const Disk&)>;
+
+IsMeant DisksMeantBy(Invocation& invocation, const std::string& typed) {
+    const Selector selector = ParseSelector(typed);
+    if (selector.form == Selector::Form::kSerial) return nullptr;
+    const ObjectKind kind =
+        selector.form == Selector::Form::kName ? ObjectKind::kVirtualDisk : selector.address.kind;
+    if (kind == ObjectKind::kAdapter || kind == ObjectKind::kDisk) return nullptr;
+    const Address address = FindObject(invocation, kind, typed);
+    if (kind == ObjectKind::kVirtualDisk) {
+        auto disks = TakeObject(LoadVirtualDisks(invocation.controller()), address).disks;
+        if (!disks) throw Failure(Exit::kRefused, typed + ": its disks are not known");
+        return [address, ids = *std::move(disks)](const Disk& disk) {
+            return disk.address.adapter == address.adapter &&
+                   std::ranges::find(ids, disk.address.id) != ids.end();
+        };
+    }
+    if (kind == ObjectKind::kDiskGroup) {
+        return [address](const Disk& disk) {
+            return disk.address.adapter == address.adapter && disk.group.IsIn(address.id);
+        };
+    }
+    if (kind == ObjectKind::kEnclosure) {
+        return [address](const Disk& disk) {
+            return disk.address.adapter == address.adapter &&
+                   SelfOf(disk)[Link_Endpoint::EnclosureID] == address.id;
+        };
+    }
+    throw UsageError(typed + " holds no disks: a disk, adapter, vd, dg or enclosure is needed");
+}
+
+// The same of a target that names a disk or an adapter.
+IsMeant DisksNamedBy(Invocation& invocation, const std::string& typed) {
+    const Selector selector = ParseSelector(typed);
+    const bool is_adapter =
+        selector.form == Selector::Form::kAddress && selector.address.kind == ObjectKind::kAdapter;
+    const Address address =
+        FindObject(invocation, is_adapter ? ObjectKind::kAdapter : ObjectKind::kDisk, typed);
+    return [address, is_adapter](const Disk& disk) {
+        return is_adapter ? disk.address.adapter == address.adapter : disk.address == address;
+    };
+}
+
+// Empty when all targets name disks and adapters, which are looked up in the list itself.
+std::vector<IsMeant> MeantByOwners(Invocation& invocation) {
+    std::vector<IsMeant> meant;
+    Controller& controller = invocation.controller();
+    const auto select_all = [&] { controller.Select(controller.Adapters()); };
+    for (const std::string& target : invocation.targets()) {
+        meant.push_back(DisksMeantBy(invocation, target));
+        if (meant.back()) select_all();
+    }
+    if (std::ranges::none_of(meant, [](const IsMeant& each) { return each != nullptr; })) return {};
+    for (std::size_t i = 0; i < meant.size(); ++i) {
+        if (meant[i]) continue;
+        meant[i] = DisksNamedBy(invocation, invocation.targets()[i]);
+        select_all();
+    }
+    return meant;
+}
+
+Exit ShowDisks(Invocation& invocation, std::vector<Disk> disks, const std::vector<IsMeant>& meant) {
+    if (meant.empty()) return Show(invocation, Tabulated(invocation, kColumns, disks));
+    std::erase_if(disks, [&](const Disk& disk) {
+        return std::ranges::none_of(meant, [&](const IsMeant& each) { return each(disk); });
+    });
+    return Present(invocation, Tabulated(invocation, kColumns, disks),
+                   invocation.row().verb == "show" ? "list" : "table");
+}
+
 Exit ListDisks(Invocation& invocation) {
+    const std::vector<IsMeant> meant = MeantByOwners(invocation);
     SelectAdapters(invocation);
     std::vector<Disk> disks = LoadDisks(invocation.controller());
     if (invocation.Has("--free")) {
@@ -181,7 +255,7 @@ Exit ListDisks(Invocation& invocation) {
         std::erase_if(
             disks, [](const Disk& disk) { return !disk.state.value_or("").ends_with("_spare"); });
     }
-    return Show(invocation, Tabulated(invocation, kColumns, disks));
+    return ShowDisks(invocation, std::move(disks), meant);
 }
 
 // ---- Blocks -----------------------------------------------------------------------------------
@@ -480,9 +554,12 @@ constexpr CommandRow kCommands[] = {
      .target_name = "DISK",
      .options = kListOptions,
      .functions = kListFunctions,
-     .examples = {"vexorctl disk list", "vexorctl disk list --free --sort=-size_bytes"},
+     .examples = {"vexorctl disk list a0/dg0", "vexorctl disk list --free --sort=-size_bytes"},
      .run = ListDisks,
-     .columns = Columns},
+     .columns = Columns,
+     .note =
+         "A virtual disk as the target means the disks that it lies on, a disk group those that "
+         "serve it, its spares among them, an enclosure those in it."},
     {.noun = "disk",
      .verb = "show",
      .summary = "Show all about disks",

@@ -73,7 +73,7 @@ constexpr Column<VirtualDisk> kColumns[] = {
      [](const VirtualDisk& it) { return SectorsAt(it.info, LD_Info::Size); }},
     {{"disks", "DISKS", kTexts, kTable, "The disks that it lies on"},
      [](const VirtualDisk& it) { return DisksCell(it); }},
-    {{"dg", "DG", kText, kTable, "The disk group that it lies on"},
+    {{"dg", "DG", kText, kWide, "The disk group that it lies on"},
      [](const VirtualDisk& it) { return GroupCell(it); }},
     {{"cache", "CACHE", kBits, kWide, "Its cache", &CodeTable::cache_bits},
      [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::CacheMode); }},

@@ -24,9 +24,13 @@ std::span<const CommandRow> EventCommands();
 std::span<const CommandRow> UserCommands();
 std::span<const CommandRow> CountersCommands();
 std::span<const CommandRow> ConfigCommands();
+std::span<const CommandRow> OverviewCommands();
 std::span<const CommandRow> CheckCommands();
+std::span<const CommandRow> RiskCommands();
 std::span<const CommandRow> CallCommands();
 std::span<const CommandRow> XmlCommands();
 std::span<const CommandRow> CompletionCommands();
+std::span<const CommandRow> HelpCommands();
+std::span<const CommandRow> VersionCommands();
 
 }  // namespace vexorctl

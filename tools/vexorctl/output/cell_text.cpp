@@ -1,18 +1,25 @@
 #include "output/cell_text.h"
 
+#include <cstddef>
 #include <cstdio>
+#include <iterator>
 
 #include "common/size.h"
 #include "common/timestamp.h"
+#include "output/address_ranges.h"
 
 namespace vexorctl {
 
 namespace {
 
-std::string Scaled(std::uint64_t number, double unit, const char* name) {
+// Two digits behind the point, unless they are zeros.
+std::string Scaled(double size, const char* unit) {
     char text[64];
-    std::snprintf(text, sizeof(text), "%.2f %s", static_cast<double>(number) / unit, name);
-    return text;
+    std::snprintf(text, sizeof(text), "%.2f", size);
+    std::string number(text);
+    number.erase(number.find_last_not_of('0') + 1);
+    if (number.ends_with('.')) number.pop_back();
+    return number + " " + unit;
 }
 
 }  // namespace
@@ -28,10 +35,17 @@ std::string Joined(const std::vector<std::string>& texts, std::string_view betwe
 
 std::string SizeText(std::uint64_t bytes, const Style& style) {
     if (style.bytes) return std::to_string(bytes);
-    // Stripes, not disks: in GiB they would all be 0.00.
-    if (bytes != 0 && bytes < 1024 * 1024) return std::to_string(bytes / 1024) + " KiB";
-    if (style.si) return Scaled(bytes, 1e9, "GB");
-    return Scaled(bytes, 1024.0 * 1024 * 1024, "GiB");
+    if (bytes == 0) return "0";
+    constexpr const char* kBinary[] = {"B", "KiB", "MiB", "GiB", "TiB", "PiB"};
+    constexpr const char* kDecimal[] = {"B", "kB", "MB", "GB", "TB", "PB"};
+    const double step = style.si ? 1000 : 1024;
+    double size = static_cast<double>(bytes);
+    std::size_t unit = 0;
+    while (size >= step && unit + 1 < std::size(kBinary)) {
+        size /= step;
+        ++unit;
+    }
+    return Scaled(size, style.si ? kDecimal[unit] : kBinary[unit]);
 }
 
 std::string SectorsText(std::optional<std::uint64_t> sectors) {
@@ -62,8 +76,10 @@ std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& st
             return vexortools::TimeText(static_cast<std::int64_t>(cell.number), style.utc);
         case Kind::kCode:
             return cell.text.empty() ? std::to_string(cell.number) : cell.text;
-        case Kind::kBits:
         case Kind::kTexts:
+            if (AreAddresses(cell.texts)) return AddressRanges(cell.texts);
+            [[fallthrough]];
+        case Kind::kBits:
             return Joined(cell.texts, ",");
         case Kind::kNumbers: {
             std::vector<std::string> texts;
@@ -77,6 +93,7 @@ std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& st
 std::string PlainText(const ColumnInfo& column, const Cell& cell, const Style& style) {
     if (!cell.IsKnown()) return {};
     if (column.kind == Kind::kBytes) return std::to_string(cell.number);
+    if (column.kind == Kind::kTexts) return Joined(cell.texts, ",");
     if (column.kind == Kind::kBool) return cell.number != 0 ? "true" : "false";
     if (column.kind == Kind::kRatio) {
         char text[32];

@@ -1,8 +1,11 @@
 // What a command has found: the columns, a row of cells for each object, and what went wrong.
 #pragma once
 
+#include <cstddef>
 #include <iterator>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "codes/code_table.h"
@@ -38,6 +41,17 @@ void Tabulate(Report& report, const Column<Record> (&columns)[n],
             NameCodes(column, codes, row.back());
         }
     }
+}
+
+/// Leaves the columns of these indices, in this order.
+inline void KeepColumns(Report& report, const std::vector<std::size_t>& kept) {
+    const auto keep = [&](auto& cells) {
+        std::remove_reference_t<decltype(cells)> left;
+        for (const std::size_t i : kept) left.push_back(cells[i]);
+        cells = std::move(left);
+    };
+    keep(report.columns);
+    for (std::vector<Cell>& row : report.rows) keep(row);
 }
 
 }  // namespace vexorctl

@@ -7,6 +7,7 @@
 
 #include "common/terminal_text.h"
 #include "output/cell.h"
+#include "output/label.h"
 
 namespace vexorctl {
 
@@ -53,7 +54,41 @@ std::vector<std::string> LineOf(const Report& report, const std::vector<Cell>& r
     return line;
 }
 
+std::size_t WidthOf(const Report& report, std::size_t column, const Style& style) {
+    std::size_t width = style.header ? DisplayWidth(report.columns[column].header) : 1;
+    for (const std::vector<Cell>& row : report.rows) {
+        width = std::max(
+            width, DisplayWidth(Printable(CellText(report.columns[column], row[column], style))));
+    }
+    return width;
+}
+
 }  // namespace
+
+std::vector<std::size_t> ColumnsThatFit(const Report& report, const Style& style,
+                                        std::size_t width) {
+    constexpr std::size_t kBetween = 2;
+    std::vector<bool> taken(report.columns.size(), false);
+    std::size_t used = 0;
+    std::size_t count = 0;
+    const auto take = [&](Place place) {
+        for (std::size_t i = 0; i < taken.size(); ++i) {
+            if (report.columns[i].place != place) continue;
+            const std::size_t more = WidthOf(report, i, style) + (count == 0 ? 0 : kBetween);
+            if (count != 0 && used + more > width) return false;
+            taken[i] = true;
+            used += more;
+            ++count;
+        }
+        return true;
+    };
+    if (take(Place::kTable)) take(Place::kWide);
+    std::vector<std::size_t> chosen;
+    for (std::size_t i = 0; i < taken.size(); ++i) {
+        if (taken[i]) chosen.push_back(i);
+    }
+    return chosen;
+}
 
 void WriteTable(const Report& report, const Style& style, bool header, std::string& out) {
     const std::size_t count = report.columns.size();
@@ -92,14 +127,18 @@ void WriteTable(const Report& report, const Style& style, bool header, std::stri
 
 void WriteList(const Report& report, const Style& style, bool first, std::string& out) {
     std::size_t width = 0;
-    for (const ColumnInfo& column : report.columns) width = std::max(width, column.key.size());
+    std::vector<std::string> labels;
+    for (const ColumnInfo& column : report.columns) {
+        labels.push_back(LabelOf(column.header));
+        width = std::max(width, labels.back().size());
+    }
     for (const std::vector<Cell>& row : report.rows) {
         if (!first) out += '\n';
         first = false;
         for (std::size_t i = 0; i < row.size(); ++i) {
             std::string text = Printable(CellText(report.columns[i], row[i], style));
             if (text.empty()) text = "-";
-            out.append(report.columns[i].key).append(width - report.columns[i].key.size(), ' ');
+            out.append(labels[i]).append(width - labels[i].size(), ' ');
             out.append("  ").append(text).append("\n");
         }
     }

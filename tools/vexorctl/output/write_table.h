@@ -1,12 +1,19 @@
 // Tables, and lists of one field a line, for people.
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 #include "output/cell_text.h"
 #include "output/report.h"
 
 namespace vexorctl {
+
+/// The columns of a table of at most that width: those of Place::kTable as long as they fit, and
+/// then as many of the others. One at least.
+std::vector<std::size_t> ColumnsThatFit(const Report& report, const Style& style,
+                                        std::size_t width);
 
 /// Appends the rows as a table.
 void WriteTable(const Report& report, const Style& style, bool header, std::string& out);

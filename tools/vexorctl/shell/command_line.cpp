@@ -51,24 +51,6 @@ std::size_t MoveLeadingOptions(std::vector<std::string>& words) {
     return leading.size();
 }
 
-const NounRow& FindNoun(std::span<const NounRow> nouns, const std::string& word) {
-    std::string names;
-    for (const NounRow& noun : nouns) {
-        if (noun.name == word) return noun;
-        names.append(names.empty() ? "" : ", ").append(noun.name);
-    }
-    throw UsageError("there is no \"" + word + "\"; say one of " + names);
-}
-
-const CommandRow& FindVerb(const NounRow& noun, const std::string& word) {
-    std::string names;
-    for (const CommandRow& command : noun.commands) {
-        if (command.verb == word) return command;
-        names.append(names.empty() ? "" : ", ").append(command.verb);
-    }
-    throw UsageError(std::string(noun.name) + " has no verb \"" + word + "\"; say one of " + names);
-}
-
 void CheckArity(const CommandRow& row, std::size_t count) {
     const bool needs = row.arity == Arity::kOne || row.arity == Arity::kMany;
     if (needs && count == 0) {
@@ -163,9 +145,17 @@ Exit ParseAndRun(const CommandRow& row, const std::vector<std::string>& words) {
     return RunDocumentingFailure(row, invocation);
 }
 
+[[noreturn]] void ThrowNoVerb(const NounRow& noun) {
+    std::string verbs;
+    for (const CommandRow& command : noun.commands) {
+        verbs.append(verbs.empty() ? "" : ", ").append(command.verb);
+    }
+    throw UsageError("a verb is missing; say one of " + verbs);
+}
+
 Exit Run(std::span<const NounRow> nouns, std::vector<std::string> words, std::string& where) {
     const std::size_t leading = MoveLeadingOptions(words);
-    if (words.size() == leading) throw UsageError("a command is missing");
+    if (words.size() == leading) words.insert(words.begin(), "overview");
     if (words.front() == "--version") return Help("vexorctl " VEXORCTL_VERSION "\n");
     if (IsHelp(words.front())) return Help(ProgramHelp(nouns));
     if (words.front().starts_with('-')) {
@@ -177,13 +167,9 @@ Exit Run(std::span<const NounRow> nouns, std::vector<std::string> words, std::st
     const bool has_verbs = !noun.commands.front().verb.empty();
     if (has_verbs) {
         if (words.empty() || (words.front().starts_with('-') && !IsHelp(words.front()))) {
-            std::string verbs;
-            for (const CommandRow& command : noun.commands) {
-                verbs.append(verbs.empty() ? "" : ", ").append(command.verb);
-            }
-            throw UsageError("a verb is missing; say one of " + verbs);
+            ThrowNoVerb(noun);
         }
-        if (IsHelp(words.front())) return Help(NounHelp(noun));
+        if (IsHelp(words.front()) || words.front() == "help") return Help(NounHelp(noun));
     }
     const CommandRow& row = has_verbs ? FindVerb(noun, words.front()) : noun.commands.front();
     if (has_verbs) {

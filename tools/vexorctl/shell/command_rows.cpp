@@ -2,6 +2,8 @@
 
 #include <iterator>
 
+#include "model/failure.h"
+
 namespace vexorctl {
 
 namespace {
@@ -38,6 +40,24 @@ std::vector<OptionRow> OptionsOf(const CommandRow& command) {
         options.insert(options.end(), std::begin(kOutputOptions), std::end(kOutputOptions));
     }
     return options;
+}
+
+const NounRow& FindNoun(std::span<const NounRow> nouns, const std::string& word) {
+    std::string names;
+    for (const NounRow& noun : nouns) {
+        if (noun.name == word) return noun;
+        names.append(names.empty() ? "" : ", ").append(noun.name);
+    }
+    throw UsageError("there is no \"" + word + "\"; say one of " + names);
+}
+
+const CommandRow& FindVerb(const NounRow& noun, const std::string& word) {
+    std::string names;
+    for (const CommandRow& command : noun.commands) {
+        if (command.verb == word) return command;
+        names.append(names.empty() ? "" : ", ").append(command.verb);
+    }
+    throw UsageError(std::string(noun.name) + " has no verb \"" + word + "\"; say one of " + names);
 }
 
 }  // namespace vexorctl

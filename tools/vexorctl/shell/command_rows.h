@@ -74,6 +74,11 @@ struct NounRow {
     std::span<const CommandRow> commands;
 };
 
+/// The noun of that name, and its command of that verb. Throw UsageError, which names those that
+/// there are.
+const NounRow& FindNoun(std::span<const NounRow> nouns, const std::string& word);
+const CommandRow& FindVerb(const NounRow& noun, const std::string& word);
+
 /// The options that every command with columns takes.
 std::span<const OptionRow> OutputOptions();
 /// The options that every command takes that changes something.

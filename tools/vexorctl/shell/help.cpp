@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "model/exit_code.h"
+#include "model/failure.h"
 #include "output/cell.h"
 
 namespace vexorctl {
@@ -84,7 +85,8 @@ std::string UsageLine(const CommandRow& command) {
 std::string ProgramHelp(std::span<const NounRow> nouns) {
     std::string out =
         "vexorctl manages RAID controllers through libvexorapi.\n"
-        "\nUsage: vexorctl NOUN VERB [TARGET...] [OPTION...]\n\nNouns:\n";
+        "\nUsage: vexorctl NOUN VERB [TARGET...] [OPTION...]\n"
+        "       vexorctl            everything on one screen, as \"vexorctl overview\"\n\nNouns:\n";
     for (const NounRow& noun : nouns) AppendRow(out, noun.name, noun.summary, 12);
     out += "\n";
     AppendRow(out, "", kSeeAlso, 0);
@@ -148,6 +150,16 @@ std::string CommandHelp(const CommandRow& command) {
         out.append("  ").append(example).append("\n");
     }
     return out + "\n" + ExitCodeHelp();
+}
+
+std::string HelpFor(std::span<const NounRow> nouns, const std::vector<std::string>& words) {
+    const NounRow& noun = FindNoun(nouns, words.front());
+    const bool has_verbs = !noun.commands.front().verb.empty();
+    if (words.size() > (has_verbs ? 2U : 1U)) {
+        throw UsageError("\"" + words.back() + "\" is no word of a command");
+    }
+    if (words.size() == 2) return CommandHelp(FindVerb(noun, words.back()));
+    return has_verbs ? NounHelp(noun) : CommandHelp(noun.commands.front());
 }
 
 }  // namespace vexorctl

@@ -4,6 +4,7 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
 #include "shell/command_rows.h"
 
@@ -15,6 +16,9 @@ std::string ProgramHelp(std::span<const NounRow> nouns);
 std::string NounHelp(const NounRow& noun);
 /// vexorctl disk list --help
 std::string CommandHelp(const CommandRow& command);
+
+/// vexorctl help NOUN [VERB]. Throws UsageError for words that are none.
+std::string HelpFor(std::span<const NounRow> nouns, const std::vector<std::string>& words);
 
 /// "vexorctl disk list [DISK...] [OPTION...]"
 std::string UsageLine(const CommandRow& command);

@@ -11,6 +11,7 @@
 #include "model/failure.h"
 #include "output/cell.h"
 #include "output/streams.h"
+#include "output/terminal_width.h"
 #include "output/write_csv.h"
 #include "output/write_json.h"
 #include "output/write_table.h"
@@ -82,16 +83,6 @@ bool CellLess(const ColumnInfo& column, const Cell& one, const Cell& other) {
     return SortKey(column, one) < SortKey(column, other);
 }
 
-void ReportFaults(const Report& report) {
-    for (const Fault& fault : report.faults) {
-        std::string subject = fault.address;
-        if (!fault.function.empty()) {
-            subject.append(subject.empty() ? "" : ": ").append(fault.function);
-        }
-        ReportFailure(subject, fault.message);
-    }
-}
-
 // The addresses that a target of this command means by naming an adapter: everything on it.
 bool IsOn(std::string_view address, std::string_view owner) {
     return address.starts_with(owner) &&
@@ -142,8 +133,11 @@ std::vector<std::size_t> NamedColumns(const Report& report, const std::string& k
     return chosen;
 }
 
-// The columns that are shown when none are named.
+// The columns that are shown when none are named. A table has the same in every pipe, and as many
+// as fit on a terminal.
 std::vector<std::size_t> PlacedColumns(const Report& report, const Style& style, bool all) {
+    const auto width = TerminalWidth();
+    if (!all && style.format == "table" && width) return ColumnsThatFit(report, style, *width);
     std::vector<std::size_t> chosen;
     for (std::size_t i = 0; i < report.columns.size(); ++i) {
         if (all || style.format != "table" || report.columns[i].place == Place::kTable) {
@@ -183,6 +177,16 @@ bool IsFaultWhenAbsent(Controller& controller, const Selector& selector) {
 
 }  // namespace
 
+void ReportFaults(const std::vector<Fault>& faults) {
+    for (const Fault& fault : faults) {
+        std::string subject = fault.address;
+        if (!fault.function.empty()) {
+            subject.append(subject.empty() ? "" : ": ").append(fault.function);
+        }
+        ReportFailure(subject, fault.message);
+    }
+}
+
 Style StyleOf(const Invocation& invocation, std::string_view otherwise) {
     Style style;
     const std::string* const format = invocation.Get("--output");
@@ -202,18 +206,12 @@ void Arrange(const Invocation& invocation, const Style& style, Report& report) {
     const std::vector<std::size_t> chosen = keys != nullptr && *keys != "all"
                                                 ? NamedColumns(report, *keys)
                                                 : PlacedColumns(report, style, keys != nullptr);
-    Report arranged{report.command, {}, {}, std::move(report.faults), std::move(report.more)};
-    for (const std::size_t i : chosen) arranged.columns.push_back(report.columns[i]);
-    for (const std::vector<Cell>& row : report.rows) {
-        std::vector<Cell>& cells = arranged.rows.emplace_back();
-        for (const std::size_t i : chosen) cells.push_back(row[i]);
-    }
-    report = std::move(arranged);
+    KeepColumns(report, chosen);
 }
 
 void Print(const Report& report, const Style& style) {
     PrintDocument(report, style);
-    ReportFaults(report);
+    ReportFaults(report.faults);
 }
 
 void PrintEarlyEnd(const Invocation& invocation, const Fault& fault) {

@@ -36,6 +36,9 @@ Report Tabulated(Invocation& invocation, const Column<Record> (&columns)[n],
 /// that is no column's.
 void Arrange(const Invocation& invocation, const Style& style, Report& report);
 
+/// One line on standard error for each.
+void ReportFaults(const std::vector<Fault>& faults);
+
 /// Prints the report and one line on standard error for each fault. Throws OutputError.
 void Print(const Report& report, const Style& style);
 
