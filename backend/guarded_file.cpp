@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <linux/openat2.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -24,16 +25,23 @@ constexpr int kMostLinks = 40;  // as many as the kernel follows
 bool IsTrusted(uid_t owner) { return owner == 0 || owner == geteuid(); }
 
 // Whether somebody else can put another file or a link under a name in the folder.
-bool OthersMayWrite(const struct stat& folder) {
-    return !IsTrusted(folder.st_uid) || (folder.st_mode & (S_IWGRP | S_IWOTH)) != 0;
+bool OthersMayWrite(const FileStatus& folder) {
+    return !IsTrusted(folder.owner) || (folder.mode & (S_IWGRP | S_IWOTH)) != 0;
 }
 
-bool Look(const Descriptor& file, struct stat& status) {
-    return file.IsOpen() && fstat(file.Get(), &status) == 0;
+// Asks for no times: after they were told, the next write of the file would give it new ones, to
+// the nanosecond and through the file system's journal, which takes longer than the write itself.
+bool Look(const Descriptor& file, FileStatus& status) {
+    constexpr unsigned kAsked = STATX_TYPE | STATX_MODE | STATX_NLINK | STATX_UID;
+    struct statx found;
+    if (!file.IsOpen() || statx(file.Get(), "", AT_EMPTY_PATH, kAsked, &found) != 0) return false;
+    if ((found.stx_mask & kAsked) != kAsked) return false;
+    status = {.mode = found.stx_mode, .owner = found.stx_uid, .links = found.stx_nlink};
+    return true;
 }
 
-bool IsWritableKind(const struct stat& status) {
-    return S_ISREG(status.st_mode) || S_ISCHR(status.st_mode);
+bool IsWritableKind(const FileStatus& status) {
+    return S_ISREG(status.mode) || S_ISCHR(status.mode);
 }
 
 // A path without links to a file of ours that has one name: nobody can have exchanged it, whatever
@@ -46,8 +54,8 @@ GuardedFile OpenPlain(const char* path, int flags, mode_t mode) {
     GuardedFile opened;
     opened.file =
         Descriptor(static_cast<int>(syscall(SYS_openat2, AT_FDCWD, path, &how, sizeof how)));
-    const bool plain = Look(opened.file, opened.status) && S_ISREG(opened.status.st_mode) &&
-                       opened.status.st_nlink == 1 && IsTrusted(opened.status.st_uid);
+    const bool plain = Look(opened.file, opened.status) && S_ISREG(opened.status.mode) &&
+                       opened.status.links == 1 && IsTrusted(opened.status.owner);
     if (!plain) opened.file.Close();
     return opened;
 }
@@ -105,16 +113,16 @@ private:
     // a link here. Returns false when it is neither or the link is not to be followed.
     bool Step(const char* name, bool last) {
         Descriptor next(openat(folder_.Get(), name, O_PATH | O_NOFOLLOW | O_CLOEXEC));
-        struct stat status;
+        FileStatus status;
         if (!Look(next, status)) return false;
-        if (S_ISLNK(status.st_mode)) return Follow(next, status);
+        if (S_ISLNK(status.mode)) return Follow(next, status);
         if (last) return false;
         Enter(std::move(next));
         return true;
     }
 
-    bool Follow(const Descriptor& link, const struct stat& status) {
-        if (!IsTrusted(status.st_uid) || OthersMayWrite(folder_status_)) return false;
+    bool Follow(const Descriptor& link, const FileStatus& status) {
+        if (!IsTrusted(status.owner) || OthersMayWrite(folder_status_)) return false;
         if (++links_ > kMostLinks) return false;
         char target[kRootPathSize];
         const ssize_t read = readlinkat(link.Get(), "", target, sizeof target);
@@ -130,18 +138,18 @@ private:
     }
 
     GuardedFile Checked(GuardedFile opened) const {
-        const struct stat& status = opened.status;
+        const FileStatus& status = opened.status;
         const bool shared = OthersMayWrite(folder_status_);
         const bool fine = Look(opened.file, opened.status) && IsWritableKind(status) &&
-                          (IsTrusted(status.st_uid) || (!shared && status.st_nlink == 1)) &&
-                          (!shared || status.st_nlink == 1);
+                          (IsTrusted(status.owner) || (!shared && status.links == 1)) &&
+                          (!shared || status.links == 1);
         if (!fine) opened.file.Close();
         return opened;
     }
 
     char rest_[kRootPathSize];  // begins with a slash behind a folder that was entered
     Descriptor folder_;         // closed when there is none to go on from
-    struct stat folder_status_ {};
+    FileStatus folder_status_;
     int links_ = 0;
 };
 

@@ -2,15 +2,23 @@
 // which one it is: the library is loaded by root, and its paths can lead through folders of others.
 #pragma once
 
-#include <sys/stat.h>
 #include <sys/types.h>
 
+#include <cstdint>
+
 #include "descriptor.h"
+
+/// What is asked about a file before it is written.
+struct FileStatus {
+    mode_t mode = 0;
+    uid_t owner = 0;
+    std::uint32_t links = 0;
+};
 
 /// A file that has been opened, and what it is.
 struct GuardedFile {
     Descriptor file;  // closed when the file could not be opened or is refused
-    struct stat status {};
+    FileStatus status;
 };
 
 /// Opens `path` with the access and O_ flags of `flags`; with O_CREAT it is made with `mode`.

@@ -64,7 +64,7 @@ BENCHMARK(CheckInLibrary)->Name("check_in/library");
 
 void CheckInBare(benchmark::State& state) {
     const FilledStore store(kPage);
-    yardstick::BareCheckIn calls(store.EventFile(), store.SeqFile());
+    yardstick::BareCheckIn calls(store.EventFile(), store.SeqFile(), kPage);
     Measure(state, [&] { calls.Run(); });
 }
 BENCHMARK(CheckInBare)->Name("check_in/own_calls");

@@ -82,8 +82,11 @@ std::vector<Event> SampleEvents(HX_U32 first, HX_U32 count) {
 
 // ---- The system calls alone -------------------------------------------------------------------
 
-BareCheckIn::BareCheckIn(std::string event_file, std::string seq_file)
-    : event_file_(std::move(event_file)), seq_file_(std::move(seq_file)), slots_(kBatch) {
+BareCheckIn::BareCheckIn(std::string event_file, std::string seq_file, HX_U32 ring)
+    : event_file_(std::move(event_file)),
+      seq_file_(std::move(seq_file)),
+      ring_(ring),
+      slots_(kBatch) {
     const int file = open(event_file_.c_str(), O_RDONLY | O_CLOEXEC);
     Require(pread(file, head_, sizeof head_, 0) == sizeof head_, "read the header");
     const auto bytes = static_cast<ssize_t>(kBatch * sizeof slots_[0]);
@@ -102,7 +105,9 @@ void BareCheckIn::Run() {
     const int seq = open(seq_file_.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     Require(pread(seq, numbers, sizeof numbers, 0) == sizeof numbers, "pread");
     const std::size_t bytes = kBatch * sizeof slots_[0];
-    Require(pwrite(file, slots_.data(), bytes, kSlots) == static_cast<ssize_t>(bytes), "pwrite");
+    const off_t at = kSlots + static_cast<off_t>(slot_ * sizeof slots_[0]);
+    Require(pwrite(file, slots_.data(), bytes, at) == static_cast<ssize_t>(bytes), "pwrite");
+    slot_ = slot_ + 2 * kBatch > ring_ ? 0 : slot_ + kBatch;
     Require(pwrite(file, head_, sizeof head_, 0) == sizeof head_, "pwrite");
     Require(pwrite(seq, numbers_, sizeof numbers_, 0) == sizeof numbers_, "pwrite");
     close(file);

@@ -25,15 +25,17 @@ std::vector<Event> SampleEvents(HX_U32 first, HX_U32 count);
 // ---- The system calls alone -------------------------------------------------------------------
 
 /// The calls that no check-in of kBatch events can do without, with what they write made
-/// beforehand: two files opened, read and closed, and three pieces written.
+/// beforehand: two files opened, read and closed, and three pieces written. The events go to where
+/// a check-in puts them, one poll behind the other around a ring of so many slots.
 class BareCheckIn {
 public:
     /// Takes the files as they are now: contents and names.
-    BareCheckIn(std::string event_file, std::string seq_file);
+    BareCheckIn(std::string event_file, std::string seq_file, HX_U32 ring);
     void Run();
 
 private:
     std::string event_file_, seq_file_;
+    HX_U32 ring_, slot_ = 0;
     char head_[112];
     char numbers_[96];
     std::vector<VX_EvEntryHeader> slots_;

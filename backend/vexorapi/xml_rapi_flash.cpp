@@ -30,7 +30,7 @@ constexpr mode_t kImageMode = 0644;
 // regular file counts as unopenable.
 Descriptor OpenImageForWrite(const char* filename) {
     GuardedFile image = OpenGuarded(filename, O_RDWR | O_CREAT, kImageMode);
-    if (!S_ISREG(image.status.st_mode)) image.file.Close();
+    if (!S_ISREG(image.status.mode)) image.file.Close();
     return std::move(image.file);
 }
 

@@ -71,7 +71,7 @@ TEST_F(GuardedFileTest, MakesAFileWithTheMode) {
     const GuardedFile opened = OpenGuarded(Text(root_.Path("/new")), O_WRONLY | O_CREAT, 0640);
     umask(before);
     ASSERT_TRUE(opened.file.IsOpen());
-    EXPECT_EQ(S_IFREG | 0640U, opened.status.st_mode);
+    EXPECT_EQ(S_IFREG | 0640U, opened.status.mode);
     EXPECT_EQ(FD_CLOEXEC, fcntl(opened.file.Get(), F_GETFD));
 }
 
@@ -88,7 +88,7 @@ TEST_F(GuardedFileTest, KeepsWhatAFileHolds) {
 TEST_F(GuardedFileTest, OpensCharacterDevicesAlone) {
     const GuardedFile opened = OpenGuarded("/dev/null", O_RDWR, 0);
     EXPECT_TRUE(opened.file.IsOpen());
-    EXPECT_TRUE(S_ISCHR(opened.status.st_mode));
+    EXPECT_TRUE(S_ISCHR(opened.status.mode));
     ASSERT_EQ(0, mkfifo(Text(root_.Path("/fifo")), 0600));
     EXPECT_FALSE(Opens("/fifo"));
     EXPECT_FALSE(Opens("/folder"));
