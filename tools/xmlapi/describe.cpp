@@ -155,16 +155,21 @@ const std::map<std::string, std::string> kExampleValues = {
     {"HX_DG_StartMigration.PDCount", "5"},
     {"HX_DG_StartMigration.PDIDs", "0 1 2 3 11"},
     {"HX_DG_StartMigration.RaidMode", "6"},
-    {"HX_Flash_Option.Actions", "240"},
+    {"HX_Flash_Option.Actions", "15"},
     {"HX_Flash_Option.Type", "1"},
-    {"HX_Flash_Option.filepath", "saved.rom"},
+    {"HX_LD_BGAControl.LD_ID", "2"},
     {"HX_LD_Create_OnDG.DGSlotNum", "1"},
     {"HX_LD_Create_OnDG.Size", "2097152"},
+    {"HX_LD_DG_StartRebuild.PDCount", "1"},
+    {"HX_LD_DG_StartRebuild.PDIDs", "11"},
+    {"HX_LD_DG_StartRebuild.RebuildType", "1"},
     {"HX_LD_GetMigratedLdSize.AdapterID", "1"},
     {"HX_LD_GetMigratedLdSize.HDIDs", "0 1 3"},
     {"HX_LD_SetConfig.CacheMode", "5"},
     {"HX_LD_StartMigration.AdapterID", "1"},
     {"HX_LD_StartMigration.HDIDs", "0 1 3"},
+    {"HX_LD_StartRebuild.LD_ID", "2"},
+    {"HX_LD_StartRebuild.Rebuild_HD_ID", "9"},
     {"HX_PD_FreeHD2DGSpare.HD_ID", "11"},
     {"HX_PD_FreeHD2GlobalSpare.HD_ID", "13"},
     {"HX_PD_GetRCT.HD_ID", "6"},
@@ -196,9 +201,10 @@ const std::map<std::string, std::string> kExampleValues = {
     {"VX_HX_EVT_GetEvents.s", "4294967295"},
     {"deviceType", "4"},
     {"e", "1"},
-    {"filepath", "bios.rom"},
-    {"lpszPassword", "secret"},
-    {"lpszUsername", "root"},
+    {"filepath", "examples/sample-bios.bin"},
+    {"lpszPassword", "raid &amp; roll"},
+    {"lpszUsername", "admin"},
+    {"ledStatus", "1"},
     {"n", "2"},
     {"numRequested", "1"},
     {"port_phy_ctrl", "0 0 0 0 0 0 0 0"},
@@ -207,6 +213,37 @@ const std::map<std::string, std::string> kExampleValues = {
     {"tempUpperBound", "55"},
     {"volLowerBound", "3500"},
     {"volUpperBound", "4300"},
+};
+
+// What is sent before a function's example, as the function and its children.
+struct Before {
+    const char* example;
+    const char* function;
+    std::vector<std::pair<const char*, const char*>> children;
+};
+const Before kBefore[] = {
+    {"HX_LD_StartRebuild", "HX_PD_Spare2FreeHD", {{"AdapterID", "0"}, {"HD_ID", "9"}}},
+    {"HX_LD_StartRebuild",
+     "HX_PD_SetHDStatus",
+     {{"AdapterID", "0"}, {"HD_ID", "4"}, {"Action", "2"}}},
+    {"HX_LD_DG_StartRebuild", "HX_PD_Spare2FreeHD", {{"AdapterID", "0"}, {"HD_ID", "10"}}},
+    {"HX_LD_DG_StartRebuild", "HX_PD_Spare2FreeHD", {{"AdapterID", "0"}, {"HD_ID", "9"}}},
+    {"HX_LD_DG_StartRebuild",
+     "HX_PD_SetHDStatus",
+     {{"AdapterID", "0"}, {"HD_ID", "0"}, {"Action", "2"}}},
+    {"HX_LD_PauseAll", "HX_LD_StartConsistencyCheck", {{"AdapterID", "0"}, {"LD_ID", "2"}}},
+    {"HX_LD_BGAControl", "HX_LD_StartConsistencyCheck", {{"AdapterID", "0"}, {"LD_ID", "2"}}},
+    {"HX_DG_BGAControl", "HX_LD_StartConsistencyCheck", {{"AdapterID", "0"}, {"LD_ID", "0"}}},
+    {"HX_PD_BGAControl", "HX_PD_StartMediaPatrol", {{"AdapterID", "0"}, {"HD_ID", "0"}}},
+    {"HX_Flash_Option", "HX_Flash_Erase", {{"AdapterID", "0"}, {"Page", "1"}}},
+};
+
+const std::map<std::string, std::string> kRemarks = {
+    {"HX_LD_Import",
+     "The machine of the examples has no virtual disk of another controller: the answer is the "
+     "refusal\n"
+     "`not_foreign`."},
+    {"HX_PD_GetPMInfo", "The machine of the examples has no port multiplier: the list is empty."},
 };
 
 std::string ExampleValue(const std::string& function, const std::string& child) {
@@ -266,4 +303,23 @@ std::string ExampleCommand(const FunctionText& function) {
         command.append("</").append(child.name).append(">\n");
     }
     return command + "</" + function.name + ">\n";
+}
+
+std::vector<std::string> CommandsBefore(const FunctionText& function) {
+    std::vector<std::string> commands;
+    for (const Before& before : kBefore) {
+        if (before.example != function.name) continue;
+        std::string command = "<" + std::string(before.function) + " type=\"function\">\n";
+        for (const auto& [name, value] : before.children) {
+            command.append("  <").append(name).append(">").append(value);
+            command.append("</").append(name).append(">\n");
+        }
+        commands.push_back(command + "</" + before.function + ">\n");
+    }
+    return commands;
+}
+
+std::string RemarkOn(const FunctionText& function) {
+    const auto remark = kRemarks.find(function.name);
+    return remark == kRemarks.end() ? std::string() : remark->second;
 }

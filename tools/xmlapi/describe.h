@@ -49,5 +49,11 @@ std::vector<FunctionText> DescribeFunctions();
 /// The management functions, in table order.
 std::vector<FunctionText> DescribeManagement();
 
+/// The commands that bring the machine to where the example works; none for most.
+std::vector<std::string> CommandsBefore(const FunctionText& function);
+
+/// What has to be said of the example; empty for most.
+std::string RemarkOn(const FunctionText& function);
+
 /// An example command: every child once.
 std::string ExampleCommand(const FunctionText& function);

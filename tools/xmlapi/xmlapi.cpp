@@ -1,7 +1,5 @@
 // xmlapi DIR: writes DIR/xml-api.md and DIR/vexorapi-results.rng.
 // xmlapi --check DIR: writes nothing; exits 1 and names the file when one of them is out of date.
-#include <crypt.h>
-
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
@@ -23,26 +21,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A folder that stands in for "/" while the examples run: an administrator "root" whose password is
-// "secret", and a BIOS image.
+// A folder that stands in for "/" and for the top of the tree while the examples run.
 class ExampleRoot {
 public:
-    ExampleRoot() {
+    explicit ExampleRoot(const fs::path& examples) {
         std::string pattern = fs::temp_directory_path() / "xmlapi-XXXXXX";
         if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
         path_ = pattern;
         setenv("VEXORAPI_ROOT", path_.c_str(), 1);
-        fs::create_directory(path_ / "etc");
-        Write("etc/passwd", "root:x:0:0:root:/root:/bin/sh\n");
-        Write("etc/group", "root:x:0:\n");
-        Write("etc/shadow",
-              std::string("root:") + crypt("secret", "$5$rounds=1000$vexorapi$") + ":1::::::\n");
-        // Version 3.1.0 build 12 in ASCII digits; the virtual controller's own subsystem.
-        std::string image(64, '\0');
-        image.replace(6, 8, std::string("3\0001\0000\00012", 8));
-        image.replace(32, 4, "\xc0\xfa\x04\x04");
-        Write("bios.rom", image);
-        // Example commands name the image by a path without a folder.
+        fs::copy(examples / "root", path_, fs::copy_options::recursive);
+        // Example commands name files from the top of the tree on.
+        fs::create_directory_symlink(examples, path_ / "examples");
         fs::current_path(path_);
     }
     ~ExampleRoot() {
@@ -54,43 +43,55 @@ public:
     ExampleRoot& operator=(const ExampleRoot&) = delete;
 
 private:
-    void Write(const char* name, const std::string& bytes) const {
-        std::ofstream(path_ / name, std::ios::binary) << bytes;
-    }
     fs::path path_;
 };
 
-// Puts two events into the store: their times do not change from one run to the next.
+// Puts the two events of docs/event-store.md into the store: their times do not change from one run
+// to the next.
 void StoreExampleEvents() {
     Event created{};
     created.Class = 1;
     created.Code = 2;
-    created.TimeStamp = 1750000000;
+    created.TimeStamp = 1700000000;
+    created.DeviceID = 3;
     created.Severity = 2;
-    created.SequenceNo = 1;
-    Event disk_error = created;
-    disk_error.Class = 2;
-    disk_error.Code = 4;
-    disk_error.TimeStamp += 60;
-    disk_error.DeviceID = 5;
-    disk_error.Severity = 3;
-    disk_error.SequenceNo = 2;
-    disk_error.SenseDataLength = 8;
-    disk_error.SenseData[0] = 0x70;  // SCSI sense data in fixed format: a medium error
-    disk_error.SenseData[2] = 0x03;
-    const Event events[] = {created, disk_error};
+    created.SequenceNo = 7;
+    Event sense_code = created;
+    sense_code.Class = 2;
+    sense_code.Code = 36;
+    sense_code.TimeStamp += 1;
+    sense_code.DeviceID = 17;
+    sense_code.Severity = 6;
+    sense_code.SequenceNo = 8;
+    sense_code.Params[0] = 0x28;
+    sense_code.Params[1] = 0x12345678;
+    sense_code.Params[3] = 0xFFFFFFFF;
+    sense_code.SenseDataLength = 3;
+    sense_code.SenseData[0] = 0x70;  // SCSI sense data in fixed format: an illegal request
+    sense_code.SenseData[2] = 0x05;
+    const Event events[] = {created, sense_code};
+    const Event behind[2] = {};  // what a check-in counts besides
     char path[kRootPathSize];
     if (RootPath(path, "/opt/kestrel/raid/db/vx_hx_raid.ev") == nullptr) return;
     fs::create_directories(fs::path(path).parent_path());
     if (VX_EvFile_Create(path) == 0) throw std::runtime_error("cannot make an event store");
     VX_EvFilter(events, 2);
+    VX_EvFilter(behind, 2);
     VX_EvFile_SaveEvents(0, events, 2);
     VX_EvFile_SaveHeader();
     VX_EvFile_Close();
 }
 
-void RunExamples(std::vector<Chapter>& chapters) {
-    const ExampleRoot root;
+// Carries out what the machine of an example has to go through before.
+void RequireDone(const std::string& command, std::string& result) {
+    if (vexorApi(command.c_str(), result.data(), VEXORAPI_MAX_RESULT) != 1 ||
+        result.find("<RetVal type=\"U8\">0<") == std::string::npos) {
+        throw std::runtime_error("before an example, this failed:\n" + command + result.c_str());
+    }
+}
+
+void RunExamples(std::vector<Chapter>& chapters, const fs::path& examples) {
+    const ExampleRoot root(examples);
     std::string result(VEXORAPI_MAX_RESULT, '\0');
     // A machine in memory is a new one each time that the library is opened, so that no example
     // shows what another one has done.
@@ -102,6 +103,9 @@ void RunExamples(std::vector<Chapter>& chapters) {
         for (const FunctionText& function : chapter.functions) {
             const std::string command = ExampleCommand(function);
             vexorApiInit();
+            for (const std::string& before : CommandsBefore(function)) {
+                RequireDone(before, result);
+            }
             const int ok = vexorApi(command.c_str(), result.data(), VEXORAPI_MAX_RESULT);
             vexorApiShutdown();
             if (ok != 1) {
@@ -122,7 +126,7 @@ int Run(const fs::path& folder, bool check) {
         {"The controller's functions", DescribeFunctions(), {}},
         {"The management functions", DescribeManagement(), {}},
     };
-    RunExamples(chapters);
+    RunExamples(chapters, folder.parent_path() / "examples");
     const std::pair<const char*, std::string> files[] = {
         {"xml-api.md", Markdown(chapters)},
         {"vexorapi-results.rng", RelaxNg(chapters)},
