@@ -1,4 +1,4 @@
-// The calls that start background activities and steer them.
+// The calls that start, pause, resume and abort background activities.
 #include "calls/hxsim_activity_control.h"
 
 #include <algorithm>
@@ -38,7 +38,7 @@ Status CanBeRebuilt(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     return MayRebuild(adapter, virtual_disk) ? Status::kSuccess : Status::kBusy;
 }
 
-// Whether the disk carries a lost block of the virtual disk, which can be rebuilt where it is.
+// Whether the disk carries a lost block of the virtual disk, which can be rebuilt in place.
 bool CarriesLost(const Adapter& adapter, HX_U16 virtual_disk, HX_U16 disk) {
     return std::ranges::any_of(adapter.blocks, [&](const Block& block) {
         return block.virtual_disk == virtual_disk && block.disk == disk && !block.target &&
@@ -62,7 +62,7 @@ Status CheckNamedDisks(const Adapter& adapter, std::span<const HX_U16> disks) {
     return NamesTwice(disks) ? Status::kDiskRepeated : Status::kSuccess;
 }
 
-// Positions of a virtual disk, or of a disk group, that need a disk, from the lowest on.
+// The positions of a virtual disk or of a disk group that need a disk, in ascending order.
 std::vector<HX_U8> Vacant(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     std::vector<HX_U8> positions;
     for (unsigned i = 0; i < virtual_disk.width; ++i) {
@@ -82,7 +82,7 @@ std::vector<HX_U8> Vacant(const Adapter& adapter, const DiskGroup& group) {
     return positions;
 }
 
-// Puts disks that can serve into vacant positions, one into each.
+// Puts the disks into vacant positions, one into each; refused when a disk cannot serve.
 template <class Array>
 Status Occupy(Adapter& adapter, Time now, const Array& array, std::span<const HX_U16> disks) {
     const std::vector<HX_U8> vacant = Vacant(adapter, array);
@@ -166,7 +166,7 @@ Status StartCheck(Adapter& adapter, Time now, HX_U16 id, HX_U8 type) {
     if (!ToCode<CheckType>(type)) return Status::kBadAction;
     if (!IsRedundant(virtual_disk->level)) return Status::kNotRedundant;
     if (IsBusy(adapter, *virtual_disk)) return Status::kBusy;
-    // Without all its disks, or before it has been initialised, nothing is there to agree.
+    // Redundancy can be compared only with all disks present and after initialisation.
     if (StateOf(adapter, *virtual_disk) != State::kOptimal || !virtual_disk->initialised) {
         return Status::kWrongState;
     }
@@ -229,7 +229,7 @@ Status RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const H
     for (const VirtualDisk& each : adapter.virtual_disks) {
         if (each.group != id) continue;
         members.push_back(each.id);
-        // One that has been rebuilt before the others may have nothing to be done.
+        // A virtual disk that was rebuilt before the others needs nothing.
         if (StateOf(adapter, each) == State::kOptimal) continue;
         if (const Status refusal = CanBeRebuilt(adapter, each); refusal != Status::kSuccess) {
             return refusal;
@@ -265,7 +265,7 @@ Status Control(Adapter& adapter, Time now, Owner of, HX_U16 owner, HX_U8 action)
             return Pause(adapter, now, *activity);
         case ControlAction::kResume:
             if (activity->state == ActivityState::kRunning) return Status::kNoChange;
-            // What has made the controller pause it is still there.
+            // The reason for which the controller paused it still holds.
             if (activity->state == ActivityState::kAutoPaused) return Status::kWrongState;
             Resume(adapter, now, *activity);
             return Status::kSuccess;
@@ -290,7 +290,7 @@ Status ControlGroup(Adapter& adapter, Time now, HX_U16 id, HX_U8 action) {
     return result;
 }
 
-// Pausing is what is asked for: it has been done, too, when nothing runs.
+// Succeeds when nothing runs as well, since everything is then paused as asked.
 Status PauseAll(Adapter& adapter, Time now) {
     for (Activity& each : adapter.activities) {
         if (each.of != Owner::kDisk) Pause(adapter, now, each);

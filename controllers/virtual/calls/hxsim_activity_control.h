@@ -1,4 +1,4 @@
-// What callers start in the background, pause, resume and abort.
+// The calls that start, pause, resume and abort background activities.
 #pragma once
 
 #include <optional>
@@ -9,13 +9,13 @@
 
 namespace hxsim {
 
-/// The activity that initialises a virtual disk in the way of an Init; none for Init::kNone and for
-/// a number that is no Init.
+/// The activity for an initialisation type (Init); none for Init::kNone and for a number that is no
+/// Init.
 std::optional<ActivityKind> KindOfInitialisation(HX_U8 type);
 
 /// Each returns Status::kSuccess or a refusal. On refusal the adapter may be half changed: the
-/// caller discards it, as Change does. Consequences are drawn by the caller (Settle). `id` is that
-/// of the virtual disk, disk group or disk.
+/// caller discards it, as Change does. The caller calls Settle afterwards. `id` is that of the
+/// virtual disk, disk group or disk.
 Status StartInitialisation(Adapter& adapter, Time now, HX_U16 id, HX_U8 type);
 Status StartCheck(Adapter& adapter, Time now, HX_U16 id, HX_U8 type);
 Status StartMediaPatrol(Adapter& adapter, Time now, HX_U16 disk);
@@ -26,17 +26,17 @@ Status StartDataScrub(Adapter& adapter, Time now, HX_U16 disk);
 Status RebuildVirtualDisk(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks);
 Status RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const HX_U16> disks);
 
-/// Pauses, resumes or aborts (ControlAction) what runs on an object, for a caller. Refused with
+/// Pauses, resumes or aborts (ControlAction) the activity of an object, for a caller. Refused with
 /// Status::kNoActivity, Status::kBadAction, Status::kWrongState or Status::kNoChange.
 Status Control(Adapter& adapter, Time now, Owner of, HX_U16 owner, HX_U8 action);
 
-/// Controls (ControlAction) what runs on a disk group itself, or else on its virtual disks.
+/// Controls (ControlAction) the activity of a disk group, or else those of its virtual disks.
 Status ControlGroup(Adapter& adapter, Time now, HX_U16 id, HX_U8 action);
 
-/// Pauses what runs on virtual disks and disk groups.
+/// Pauses all activities of virtual disks and disk groups.
 Status PauseAll(Adapter& adapter, Time now);
 
-/// Whether a media patrol of the disk could be started: Status::kSuccess, or why not.
+/// Status::kSuccess when a media patrol of the disk can be started, else the reason why not.
 Status CanPatrol(const Adapter& adapter, HX_U16 id);
 
 }  // namespace hxsim

@@ -1,4 +1,4 @@
-// The adapters: what they are, how they are set, and their alarm.
+// The adapters: their description, their settings and their alarm.
 #include "calls/hxsim_adapter.h"
 
 #include <algorithm>
@@ -36,7 +36,7 @@ EventKind ChangeOf(Rate rate) {
     return EventKind::kBackgroundRateChanged;
 }
 
-// A switch and its events.
+// A setting that is on or off, and its events.
 struct Switch {
     HX_U8 Adapter_Config_V2::*setting;
     EventKind on, off;
@@ -48,8 +48,8 @@ constexpr Switch kSwitches[] = {
     {&Adapter_Config_V2::CopyBack, EventKind::kCopybackSetOn, EventKind::kCopybackSetOff},
 };
 
-// Of these two-valued settings only 0 and 1 are known; what is declared HX_BOOLEAN takes every
-// other value for 1.
+// These two-valued settings accept only 0 and 1; those declared HX_BOOLEAN take every other value
+// for 1.
 constexpr HX_U8 Adapter_Config_V2::*kZeroOrOne[] = {
     &Adapter_Config_V2::PollSMARTStatus, &Adapter_Config_V2::CopyBack,
     &Adapter_Config_V2::InterruptCoalescing, &Adapter_Config_V2::ModuleConsolidate};
@@ -126,7 +126,7 @@ Status SetAdapter(Adapter& adapter, Time now, const Adapter_Config_V2& config) {
 Status Mute(Adapter& adapter) {
     if (adapter.info.AlarmSupport == 0) return Status::kNotSupported;
     adapter.muted = true;
-    // With nothing wrong there is nothing to be silenced, and the next alarm sounds.
+    // Without a cause this resets `muted`, so that the next alarm sounds.
     UpdateAlarm(adapter, false);
     return Status::kSuccess;
 }

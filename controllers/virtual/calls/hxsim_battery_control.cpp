@@ -1,4 +1,4 @@
-// What callers do to the battery, and its record.
+// The calls that read and change the battery.
 #include "calls/hxsim_battery_control.h"
 
 #include "calls/hxsim_session.h"

@@ -1,4 +1,4 @@
-// Lists of the blocks that the disks are cut into.
+// The calls that list the blocks on the disks.
 #include <cstddef>
 #include <optional>
 

@@ -1,4 +1,4 @@
-// What the records of blocks say.
+// Fills the records of blocks.
 #include "calls/hxsim_block_record.h"
 
 #include <algorithm>
@@ -31,7 +31,7 @@ void Describe(const Disk& disk, const DiskRole& role, const Block& block, Block_
     info.LDID = block.virtual_disk;
     info.Status = NumberOf(StateOn(disk, block));
     info.BlockSize = 512;
-    info.ReservedSpaceForMigration = 0;  // a migration takes blocks of its own
+    info.ReservedSpaceForMigration = 0;  // a migration allocates its own blocks
     info.StartLBA.value = block.start;
     info.Size.value = block.sectors;
     SetZero(info.Reserved);

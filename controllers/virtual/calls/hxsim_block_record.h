@@ -1,4 +1,4 @@
-// What the records of blocks say. Every function writes every byte of its record.
+// Fills the records of blocks. Every function writes every byte of its record.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,8 @@ void Describe(const Disk& disk, const DiskRole& role, const Block& block, Block_
 class BlocksByDisk {
 public:
     explicit BlocksByDisk(const Adapter& adapter);
-    /// Of the disk in that place of the adapter's list, as many as a record holds.
+    /// The block IDs of the disk at that index of the adapter's list, at most as many as a record
+    /// holds.
     const std::vector<HX_U16>& At(std::size_t place) const { return ids_[place]; }
 
 private:

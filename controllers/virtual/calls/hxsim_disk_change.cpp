@@ -1,4 +1,4 @@
-// What callers do to disks.
+// The calls that change disks.
 #include "calls/hxsim_disk_change.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 namespace hxsim {
 namespace {
 
-// Whether a disk can be set offline, and from there online again.
+// Whether a disk can be set offline and online.
 bool CanBeSwitched(const Disk& disk) { return Answers(disk) && !disk.foreign; }
 
 void SetOnline(Adapter& adapter, Time now, Disk& disk, bool online) {
@@ -21,7 +21,7 @@ void SetOnline(Adapter& adapter, Time now, Disk& disk, bool online) {
     Queue(adapter, now, online ? EventKind::kDiskOnline : EventKind::kDiskOffline, disk.id);
 }
 
-// What it was before it stepped in is part of what is taken off it, too.
+// Also forgets the kind of spare that it was before it stepped in.
 void MakeNoSpare(Adapter& adapter, Time now, Disk& disk) {
     if (disk.spare != Spare::kNone) Queue(adapter, now, EventKind::kSpareRemoved, disk.id);
     disk.spare = disk.spare_before = Spare::kNone;
@@ -59,7 +59,7 @@ Status CheckSpare(const Adapter& adapter, const Disk& disk, Spare spare, HX_U16 
     return disk.spare == Spare::kNone ? Status::kSuccess : Status::kDiskTaken;
 }
 
-// A spare that has stepped in comes back, so that its place is kept.
+// A spare that has stepped in counts: it returns later, so its place stays reserved.
 bool IsSpareOf(const Disk& disk, HX_U16 group) {
     return (disk.spare == Spare::kGroup && disk.spare_group == group) ||
            (disk.spare_before == Spare::kGroup && disk.spare_group_before == group);

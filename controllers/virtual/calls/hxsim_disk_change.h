@@ -1,4 +1,4 @@
-// What callers do to disks.
+// The calls that change disks.
 #pragma once
 
 #include "hxraid.h"
@@ -6,8 +6,8 @@
 
 namespace hxsim {
 
-/// Each returns Status::kSuccess, or refuses with the adapter as it was. Consequences are drawn by
-/// the caller (Settle).
+/// Each returns Status::kSuccess, or a refusal that leaves the adapter unchanged. The caller calls
+/// Settle afterwards.
 Status SetDisk(Adapter& adapter, Time now, HX_U16 id, const HD_Config& config);
 Status WipeDisk(Adapter& adapter, Time now, HX_U16 id, bool force);
 Status SetDiskState(Adapter& adapter, Time now, HX_U16 id, HX_U8 action);  // DiskAction

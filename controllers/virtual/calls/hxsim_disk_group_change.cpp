@@ -1,4 +1,4 @@
-// Disk groups: set and deleted.
+// The calls that configure and delete disk groups.
 #include "calls/hxsim_disk_group_change.h"
 
 #include <algorithm>

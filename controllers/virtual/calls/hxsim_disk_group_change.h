@@ -1,6 +1,6 @@
-// Disk groups: set and deleted.
+// The calls that configure and delete disk groups.
 //
-// Every function here that refuses leaves the adapter as it is.
+// On refusal no function here changes the adapter.
 #pragma once
 
 #include "hxraid.h"
@@ -8,10 +8,10 @@
 
 namespace hxsim {
 
-/// Sets name and write cache, the latter on each of its disks.
+/// Sets the name, and the write cache of each of its disks.
 Status SetDiskGroup(Adapter& adapter, Time now, HX_U16 id, const DG_Config& config);
 
-/// Deletes a disk group and its virtual disks, with what goes on on them; its spares are free.
+/// Deletes a disk group with its virtual disks and their activities, and frees its spares.
 Status DeleteDiskGroup(Adapter& adapter, Time now, HX_U16 id);
 
 }  // namespace hxsim

@@ -1,4 +1,4 @@
-// New disk groups, and disk groups that change in name, level and disks.
+// The calls that create disk groups and change their name, level and disks.
 #include "calls/hxsim_disk_group_create.h"
 
 #include <cstddef>
@@ -38,7 +38,7 @@ Status Create(Adapter& adapter, Time now, CreateOrModify_DG_Param& param) {
     Sectors size = 0;
     const Status status = PlanDiskGroup(adapter, param, layout, size);
     if (status != Status::kSuccess) return status;
-    // Activities belong to the virtual disks; the option has to be one all the same.
+    // Only virtual disks are initialised, but the option must still be a valid one.
     if (!ToCode<Init>(param.InitializationOption)) return Status::kBadAction;
     if (param.Size.value > size) return Status::kNoSpace;
 

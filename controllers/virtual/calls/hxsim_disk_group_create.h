@@ -1,6 +1,6 @@
-// Disk groups: made, and changed in name, level and disks.
+// The calls that create disk groups and change their name, level and disks.
 //
-// Every function here that refuses leaves the adapter and what it was given as they are.
+// On refusal no function here changes the adapter or its parameters.
 #pragma once
 
 #include "hxraid.h"
@@ -8,12 +8,12 @@
 
 namespace hxsim {
 
-/// Makes the disk group param.DGID (HX_NEW_ID) of free disks, or changes one: its name, unless that
-/// is empty, and its level and disks (none named: as they are), which is a migration. Sets
-/// param.DGID and param.Size, the space that the group manages then.
+/// Creates a disk group from free disks (param.DGID is HX_NEW_ID), or changes the group param.DGID:
+/// its name, unless that is empty, and by a migration its level and disks, when disks are given.
+/// Sets param.DGID and param.Size, the space that the group will manage.
 Status CreateOrModifyDiskGroup(Adapter& adapter, Time now, CreateOrModify_DG_Param& param);
 
-/// Sets param.Size as CreateOrModifyDiskGroup would, whatever size is asked for.
+/// Sets param.Size as CreateOrModifyDiskGroup would, ignoring the size asked for.
 Status SizeDiskGroup(const Adapter& adapter, CreateOrModify_DG_Param& param);
 
 }  // namespace hxsim

@@ -1,4 +1,4 @@
-// What the records of disk groups say.
+// Fills the records of disk groups.
 #include "calls/hxsim_disk_group_record.h"
 
 #include <algorithm>
@@ -54,7 +54,7 @@ void Describe(const Adapter& adapter, const DiskGroup& group, Time, DG_Info& inf
     info.StripeBlockSize = group.stripe_kib;
     info.BlockSize = kSectorSize;
     info.TotalManagedSpace.value = ManagedSpace(adapter, layout);
-    // What one virtual disk more would get.
+    // The size that one more virtual disk could have.
     info.RemainingManagedSpace.value =
         layout.Data(Longest(CommonFree(adapter, layout.disks)).sectors);
     info.SmallestAvailablePDSize.value = SmallestDisk(adapter, layout.disks);

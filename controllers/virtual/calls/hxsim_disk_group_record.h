@@ -1,4 +1,4 @@
-// What the records of disk groups say. Every function writes every byte of its record.
+// Fills the records of disk groups. Every function writes every byte of its record.
 #pragma once
 
 #include "hxraid.h"
@@ -8,7 +8,7 @@ namespace hxsim {
 
 void Describe(const Adapter& adapter, const DiskGroup& group, Time now, DG_Info& info);
 
-/// The settings are the group's; its disks have them as long as they serve it.
+/// The settings belong to the group; its disks have them as long as they serve it.
 void Describe(const Adapter& adapter, const DiskGroup& group, Time now, DG_Config& config);
 
 }  // namespace hxsim

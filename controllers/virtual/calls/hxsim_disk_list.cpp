@@ -79,7 +79,7 @@ HX_U8 HX_PD_GetHDInfo(HX_U8 AdapterID, HD_Info_Request* request) {
     return hxsim::ListDisks(__func__, AdapterID, request, &HD_Info_Request::hdInfo);
 }
 
-// What the plain call cannot number, no adapter here has.
+// Same as the plain call: no adapter here has disks that it cannot number.
 HX_U8 HX_PD_GetHDInfo_Ext(HX_U8 AdapterID, HD_Info_Request* request) {
     return hxsim::ListDisks(__func__, AdapterID, request, &HD_Info_Request::hdInfo);
 }

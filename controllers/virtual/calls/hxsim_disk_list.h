@@ -1,4 +1,4 @@
-// Lists that have a record for each disk.
+// List calls with a record for each disk.
 #pragma once
 
 #include <optional>
@@ -10,7 +10,7 @@
 
 namespace hxsim {
 
-/// List of disks. `describe(adapter, disk, role, now, record)` writes the record.
+/// Lists the disks. `describe(adapter, disk, role, now, record)` fills a record.
 template <class Request, class Record, class Describe>
 HX_U8 ListDisks(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
                 Describe describe) {
@@ -29,7 +29,7 @@ HX_U8 ListDisks(const char* call, HX_U8 adapter_id, Request* request, Record (Re
         });
 }
 
-/// List of disks by the Describe of the record.
+/// Lists the disks with the Describe overload for the record.
 template <class Request, class Record>
 HX_U8 ListDisks(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1]) {
     return ListDisks(call, adapter_id, request, list,

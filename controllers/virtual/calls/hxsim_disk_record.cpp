@@ -1,4 +1,4 @@
-// What the records of disks say.
+// Fills the records of disks.
 #include "calls/hxsim_disk_record.h"
 
 #include "model/hxsim_activity_row.h"
@@ -14,7 +14,7 @@ void Describe(const Adapter& adapter, const Disk& disk, const DiskRole& role, Ti
     info.Status = role.status;
     info.HDType = NumberOf(disk.sas ? DiskType::kSas : DiskType::kSata);
     info.ConnectionType = NumberOf(disk.sas ? ConnectionType::kSas : ConnectionType::kSata);
-    info.DeviceType = 0;  // a disk, as SCSI counts
+    info.DeviceType = 0;  // a disk, in SCSI's numbering
     // SAS has no such modes.
     info.PIOMode = info.CurrentPIOMode = disk.sas ? 0 : 4;
     info.MDMAMode = info.CurrentMDMAMode = disk.sas ? 0 : 2;
@@ -61,7 +61,7 @@ void Describe(const Adapter& adapter, const Disk& disk, const DiskRole& role, Ti
 }
 
 void Describe(const Adapter&, const Disk& disk, const DiskRole&, Time, HD_SMART_Status& smart) {
-    // With SMART off nothing is measured, and nothing is known to be over its threshold.
+    // With SMART off nothing is measured, so no threshold is known to be exceeded.
     smart.SmartThresholdExceeded = disk.smart_on && disk.smart_exceeded;
     smart.HDID = disk.id;
     SetZero(smart.Reserved1, smart.Reserved2);

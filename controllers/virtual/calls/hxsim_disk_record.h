@@ -1,7 +1,7 @@
-// What the records of disks say.
+// Fills the records of disks.
 //
-// Every function writes every byte of its record, so that a member that is forgotten is noticed:
-// hxsim_records_test describes into records of different bytes and compares them.
+// Every function writes every byte of its record, and hxsim_records_test notices a forgotten
+// member: it fills records that held different bytes and compares them.
 #pragma once
 
 #include "hxraid.h"

@@ -1,4 +1,4 @@
-// Lists of enclosures and their elements.
+// The calls that list enclosures and their elements.
 #include <cstddef>
 
 #include "calls/hxsim_enclosure_record.h"
@@ -13,7 +13,7 @@ namespace {
 template <class Record>
 Status ListElements(const Adapter& adapter, HX_U16 enclosure, Record* records, HX_U8* count) {
     if (records == nullptr || count == nullptr) return Status::kNullAddress;
-    *count = 0;  // also when refused: callers who ask every adapter in turn add up what they find
+    *count = 0;  // on refusal as well: callers that ask every adapter in turn add up the counts
     if (Find(adapter.enclosures, enclosure) == nullptr) return Status::kNoEnclosure;
     std::size_t listed = 0;
     for (const Element& element : adapter.elements) {

@@ -1,4 +1,4 @@
-// What the records of enclosures and their elements say.
+// Fills the records of enclosures and their elements.
 #include "calls/hxsim_enclosure_record.h"
 
 #include <algorithm>
@@ -41,7 +41,7 @@ void DescribeExpanders(const Adapter& adapter, HX_U16 enclosure, Enclosure_Info&
     }
 }
 
-// What the two kinds of record begin with.
+// The members that both kinds of record begin with.
 template <class Record>
 void DescribeElement(const Element& element, Record& record) {
     record.EnclosureID = element.enclosure;
@@ -85,7 +85,7 @@ void Describe(const Adapter& adapter, const Enclosure& enclosure, Time, Enclosur
 
 void Describe(const Adapter& adapter, const Element& element, EncElementType_Info& state) {
     DescribeElement(element, state);
-    SetZero(state.ElementData);  // what the type has nothing to say of
+    SetZero(state.ElementData);  // fields that the type does not use
     switch (element.type) {
         case ElementType::kPowerSupply:
             state.HotSwap = 1;

@@ -1,4 +1,4 @@
-// What the records of enclosures and their elements say. Every function writes every byte of its
+// Fills the records of enclosures and their elements. Every function writes every byte of its
 // record.
 #pragma once
 
@@ -9,7 +9,7 @@ namespace hxsim {
 
 void Describe(const Adapter& adapter, const Enclosure& enclosure, Time now, Enclosure_Info& info);
 
-/// What an element is and reads.
+/// The element's type, status and readings.
 void Describe(const Adapter& adapter, const Element& element, EncElementType_Info& state);
 
 /// Its thresholds.

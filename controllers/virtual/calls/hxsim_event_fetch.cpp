@@ -1,11 +1,11 @@
-// Callers take events off the queue.
+// The call that fetches events from the queue.
 #include "calls/hxsim_session.h"
 #include "hxraid.h"
 #include "incidents/hxsim_hostile_answer.h"
 #include "rules/hxsim_event_queue.h"
 
 HX_U8 HX_EVT_GetEvent(HX_U8 AdapterID, HX_U8 max, HX_U8* count, Event* events) {
-    // An empty queue is what a caller finds nearly always, and looking writes nothing.
+    // The queue is nearly always empty, so look first: that writes nothing to the state file.
     bool empty = true;
     const HX_U8 status = hxsim::Look(
         __func__, AdapterID, [&](const hxsim::Adapter& adapter, hxsim::Time) -> hxcodes::Status {
@@ -15,7 +15,7 @@ HX_U8 HX_EVT_GetEvent(HX_U8 AdapterID, HX_U8 max, HX_U8* count, Event* events) {
             return hxcodes::Status::kSuccess;
         });
     if (status != hxcodes::Status::kSuccess || empty) return status;
-    // The same call goes on: whatever fault is in its way has counted it.
+    // No name: this is a further part of the same call, which faults have counted already.
     HX_U8 taken = 0;
     const HX_U8 changed = hxsim::Change(
         nullptr, AdapterID, [&](hxsim::Adapter& adapter, hxsim::Time) -> hxcodes::Status {
@@ -26,7 +26,7 @@ HX_U8 HX_EVT_GetEvent(HX_U8 AdapterID, HX_U8 max, HX_U8* count, Event* events) {
             }
             return hxcodes::Status::kSuccess;
         });
-    // What could not be saved stays in the queue and comes again: it has not been taken.
+    // When saving fails, the events stay in the queue and come again, so report none.
     *count = changed == hxcodes::Status::kSuccess ? taken : HX_U8{0};
     return changed;
 }

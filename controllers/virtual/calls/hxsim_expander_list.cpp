@@ -1,4 +1,4 @@
-// Lists of what stands between adapters and disks: expanders and port multipliers.
+// The calls that list expanders and port multipliers.
 #include "calls/hxsim_expander_record.h"  // IWYU pragma: keep: the list looks for Describe
 #include "calls/hxsim_list_page.h"
 #include "hxraid.h"

@@ -1,4 +1,4 @@
-// What the records of expanders and port multipliers say.
+// Fills the records of expanders and port multipliers.
 #include "calls/hxsim_expander_record.h"
 
 #include "model/hxsim_link.h"
@@ -10,7 +10,7 @@ namespace hxsim {
 void Describe(const Adapter& adapter, const Expander& expander, Time, Exp_Info& info) {
     SetLink(info.Link, adapter, expander);
     info.AdapterID = adapter.id;
-    info.Configuring = 0;  // its routes are there when the machine is
+    info.Configuring = 0;  // its routes are complete from the start
     info.RouteTableConfigurable = 1;
     info.PhyCount = expander.phy_count;
     info.ExpChangeCount = expander.changes;

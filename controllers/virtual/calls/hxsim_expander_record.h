@@ -1,4 +1,4 @@
-// What the records of expanders and port multipliers say. Every function writes every byte of its
+// Fills the records of expanders and port multipliers. Every function writes every byte of its
 // record.
 #pragma once
 

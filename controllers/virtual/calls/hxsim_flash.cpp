@@ -16,7 +16,7 @@
 namespace hxsim {
 namespace {
 
-constexpr std::size_t kRegion = 2 * 1024 * 1024;  // bytes that an image can have
+constexpr std::size_t kRegion = 2 * 1024 * 1024;  // the largest image, in bytes
 
 // ---- The rows ----
 
@@ -27,7 +27,7 @@ auto FindImage(Rows& images, HX_U8 type) -> decltype(images.data()) {
     return found == images.end() ? nullptr : &*found;
 }
 
-// Where an adapter tells the health of a type of image.
+// The member of Adapter_Info that reports the health of a type of image.
 struct Health {
     Image type;
     HX_BOOLEAN Adapter_Info::*field;
@@ -67,7 +67,7 @@ void FinishWriting(Adapter& adapter, Time now, FlashImage& image) {
     }
 }
 
-// Pieces are counted by their number alone, so that all but the last one are whole.
+// A piece's offset follows from its number, so all pieces but the last must have full length.
 bool IsNextPiece(const FlashImage& image, const Flash_Data& piece) {
     if (piece.DataLength == 0 || piece.DataLength > HX_FLASH_PIECE_SIZE) return false;
     if (piece.PageNum != image.written) return false;
@@ -117,7 +117,7 @@ Status ReadPiece(const Adapter& adapter, HX_U8 type, Flash_Data& piece) {
     const FlashImage* const image = FindImage(adapter.images, type);
     if (image == nullptr || image->erased) return Status::kNoImage;
     if (!image->healthy) return Status::kBadImage;
-    std::string made;  // what an image without data is
+    std::string made;  // the image that a row without data stands for
     if (image->data == nullptr && type == Image::kBios) made = SampleBios(adapter.info);
     const std::string_view data = image->data == nullptr ? made : *image->data;
     if (data.empty()) return Status::kNoImage;

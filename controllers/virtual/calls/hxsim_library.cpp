@@ -15,6 +15,5 @@ const char* HX_API_Version() {
     return kVersion;
 }
 
-// A controller that has not been looked for has not been found: an unopened library has no
-// adapters.
+// No adapters are known before the library is opened: reports 0 then.
 HX_U8 HX_Adapter_GetCount() { return hxsim::AdapterCount(); }

@@ -1,4 +1,4 @@
-// One page of a list: the one loop behind every list function.
+// One page of a list: the loop shared by all list functions.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 
 namespace hxsim {
 
-/// Says of each listed row in turn whether a request wants it.
+/// Decides for each listed row in turn whether a request asks for it.
 class Selection {
 public:
     explicit Selection(const RequestHeader& header)
@@ -31,10 +31,10 @@ private:
 
 /// Answers a list request with some of the adapter's rows, which ascend by ID.
 ///
-/// `rows` is the list in the adapter, `is_listed(adapter, row)` says which of them a caller sees,
-/// and `describe(adapter, row, now, record)` writes the record. Never writes more than
-/// numRequested records; an index past the last object is the end of the list, and an ID that no
-/// listed object has is refused with `missing`.
+/// `rows` is the list in the adapter, `is_listed(adapter, row)` tells whether callers see a row,
+/// and `describe(adapter, row, now, record)` fills a record. Never writes more than numRequested
+/// records. An index past the last object gives an empty last page; an ID that no listed object has
+/// is refused with `missing`.
 template <class Request, class Record, class Row, class IsListed, class Describe>
 HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
            std::vector<Row> Adapter::*rows, Status missing, IsListed is_listed, Describe describe) {
@@ -69,7 +69,7 @@ HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request
     });
 }
 
-/// List of every row.
+/// The same with every row listed.
 template <class Request, class Record, class Row, class Describe>
 HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
            std::vector<Row> Adapter::*rows, Status missing, Describe describe) {
@@ -77,7 +77,8 @@ HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request
     return List(call, adapter_id, request, list, rows, missing, every, describe);
 }
 
-/// The same by the Describe of the row and the record, which the caller has included.
+/// The same with the Describe overload for the row and the record, whose header the caller has
+/// included.
 template <class Request, class Record, class Row>
 HX_U8 List(const char* call, HX_U8 adapter_id, Request* request, Record (Request::*list)[1],
            std::vector<Row> Adapter::*rows, Status missing) {

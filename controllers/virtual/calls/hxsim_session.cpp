@@ -1,4 +1,4 @@
-// The one open machine of this process, and the faults that are put in the way of its calls.
+// The one open machine of this process, and the faults injected into its calls.
 #include "calls/hxsim_session.h"
 
 #include <exception>
@@ -18,7 +18,7 @@ namespace {
 
 struct Session {
     Store store{StatePath(), DefaultMachine, WhenStateIsMissing()};
-    bool hostile = false;  // the call that runs now is to answer as broken firmware does
+    bool hostile = false;  // the current call answers as broken firmware does
 };
 
 // Made by Open, freed by Close.
@@ -26,14 +26,14 @@ constinit Session* session = nullptr;
 
 // ---- Faults ----
 
-// Counting is a change of the machine like any other; a fault that counts nothing costs none.
+// Counting changes the machine and costs a transaction; a fault without a count costs none.
 std::optional<Injection> CountedFault(const char* call, HX_U8 adapter) {
     std::vector<Injection> injections = session->store.Current().injections;
     bool counts = false;
     std::optional<Injection> hit = NextFault(injections, call, adapter, counts);
     if (!counts) return hit;
     session->store.Change([&](Machine& machine, Time) {
-        // Another process may have been first.
+        // Decide again: another process may have counted in between.
         hit = NextFault(machine.injections, call, adapter, counts);
         return true;
     });
@@ -42,7 +42,7 @@ std::optional<Injection> CountedFault(const char* call, HX_U8 adapter) {
 
 // ---- Calls ----
 
-// Runs `work`; nothing that it throws goes on.
+// Runs `work` and turns every exception into a status, since callers are in C.
 template <class Work>
 Status Caught(Work work) {
     try {
@@ -54,14 +54,14 @@ Status Caught(Work work) {
         hxlibrary::NoteTrouble(error.what());
         return Status::kUnsettled;
     } catch (const std::exception& error) {
-        // The file, or a machine that cannot be saved: the state cannot be used either way.
+        // The file failed or the machine cannot be saved: either way the state is unusable.
         hxlibrary::NoteTrouble(error.what());
         return Status::kNoState;
     }
 }
 
-// What comes before every call on an adapter, or, without a name, before a further part of one.
-// `work` is given the machine.
+// The checks before every call on an adapter; without a name, before a further part of a call,
+// which no fault hits. Calls work(machine).
 template <class Work>
 Status OnAdapter(const char* call, HX_U8 adapter, Work work) {
     if (session == nullptr) return Status::kNotInitialized;
@@ -124,7 +124,7 @@ HX_U8 Look(const char* call, HX_U8 adapter,
 HX_U8 Change(const char* call, HX_U8 adapter,
              hxlibrary::FunctionRef<Status(Adapter& adapter, Time now)> work) {
     return NumberOf(OnAdapter(call, adapter, [&](const Machine&) -> Status {
-        Status status = Status::kNoAdapter;  // gone since, with the whole machine
+        Status status = Status::kNoAdapter;  // the machine was replaced since
         session->store.Change([&](Machine& machine, Time now) {
             if (adapter >= machine.adapters.size()) return false;
             Adapter& row = machine.adapters[adapter];

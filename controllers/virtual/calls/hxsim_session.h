@@ -1,4 +1,4 @@
-// The machine that the library works on: opened once, brought up to now before every call, and
+// The machine behind the library's calls: opened once, brought up to now before every call, and
 // saved after every call that changes it.
 #pragma once
 
@@ -8,22 +8,22 @@
 
 namespace hxsim {
 
-/// A call on one adapter that only looks; the status that the caller gets, as a number. Refused
+/// Runs a call that only reads one adapter. Returns the status for the caller, as a number. Refused
 /// with Status::kNotInitialized, Status::kNoAdapter, Status::kNoState, Status::kNoMemory or
 /// Status::kUnsettled, or as an injected fault says, before `work` runs. `call` is the function's
-/// own name: pass __func__; null for a further part of a call that has been let through, which
-/// meets no fault and answers as the first part does (IsHostile). Nothing is thrown.
+/// own name: pass __func__; null for a further part of a call that was let through, to which no
+/// fault applies and which is hostile if the first part was (IsHostile). Throws nothing.
 HX_U8 Look(const char* call, HX_U8 adapter,
            hxlibrary::FunctionRef<Status(const Adapter& adapter, Time now)> work);
 
-/// A call on one adapter that changes it, as one transaction that no other process comes between.
-/// When `work` refuses (returns anything but Status::kSuccess) or throws, nothing is changed. When
-/// it succeeds, what follows is drawn (Settle) and saved before this returns; where that has no
-/// end, nothing is changed and the call is refused with Status::kUnsettled.
+/// Runs a call that changes one adapter, as one transaction, isolated from other processes. When
+/// `work` refuses (returns anything but Status::kSuccess) or throws, nothing is changed. When it
+/// succeeds, Settle runs and the result is saved before this returns; when the rules do not come to
+/// rest, nothing is changed and the call is refused with Status::kUnsettled.
 HX_U8 Change(const char* call, HX_U8 adapter,
              hxlibrary::FunctionRef<Status(Adapter& adapter, Time now)> work);
 
-/// Change by work(adapter, now, what...).
+/// Change with work(adapter, now, what...).
 template <class Work, class... What>
 HX_U8 ChangeBy(const char* call, HX_U8 adapter, Work work, What... what) {
     return Change(call, adapter, [&](Adapter& row, Time now) { return work(row, now, what...); });
@@ -44,11 +44,12 @@ HX_U8 ChangeWith(const char* call, HX_U8 adapter, Record* record, Work work, Key
     });
 }
 
-/// Whether the call that runs now is to answer as broken firmware does.
+/// Whether the current call is to answer as broken firmware does.
 bool IsHostile();
 
 /// Opens the state file that StatePath names, if it is not open yet. Refused with Status::kNoState,
-/// Status::kNoMemory or Status::kUnsettled, and hx_trouble tells why; the library is closed then.
+/// Status::kNoMemory or Status::kUnsettled; hx_trouble then tells why, and the library stays
+/// closed.
 Status Open();
 
 /// Closes it, if it is open.

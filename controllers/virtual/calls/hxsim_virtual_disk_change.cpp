@@ -1,4 +1,4 @@
-// Virtual disks: set, imported and deleted.
+// The calls that configure, import and delete virtual disks.
 #include "calls/hxsim_virtual_disk_change.h"
 
 #include <algorithm>
@@ -50,7 +50,7 @@ Status DeleteVirtualDisk(Adapter& adapter, Time now, HX_U16 id, bool erase_mbr) 
     const VirtualDisk* const virtual_disk = Find(adapter.virtual_disks, id);
     if (virtual_disk == nullptr) return Status::kNoVirtualDisk;
     if (virtual_disk->foreign) return Status::kWrongState;
-    // A migration of its group counts on every virtual disk of it.
+    // An activity of its disk group needs every virtual disk of the group.
     if (virtual_disk->group != kNoId &&
         ActivityOf(adapter, Owner::kDiskGroup, virtual_disk->group) != nullptr) {
         return Status::kBusy;
@@ -77,7 +77,7 @@ Status ImportVirtualDisk(Adapter& adapter, Time now, HX_U16 id) {
 }
 
 void RemoveVirtualDisk(Adapter& adapter, Time now, HX_U16 id) {
-    // A migration can wait behind a rebuild.
+    // A loop, since a migration may be waiting for the rebuild.
     while (const Activity* const activity = ActivityOf(adapter, Owner::kVirtualDisk, id)) {
         Abort(adapter, now, activity->id);
     }

@@ -1,6 +1,6 @@
-// Virtual disks: set, imported and deleted.
+// The calls that configure, import and delete virtual disks.
 //
-// Every function here that refuses leaves the adapter as it is.
+// On refusal no function here changes the adapter.
 #pragma once
 
 #include "hxraid.h"
@@ -9,28 +9,28 @@
 
 namespace hxsim {
 
-/// The bits of a cache that a caller sets.
+/// The cache bits that a caller sets.
 inline constexpr HX_U8 kCacheBits = CacheBit::kWriteBack | CacheBit::kReadAhead;
 
-/// Sets name, cache and automatic rebuild. CacheBit::kForcedWriteThrough may be set, as it is in
-/// what is read, and counts for nothing.
+/// Sets name, cache and automatic rebuild. CacheBit::kForcedWriteThrough is ignored: a caller may
+/// send back the value that it has read.
 Status SetVirtualDisk(Adapter& adapter, Time now, HX_U16 id, const LD_Config& config);
 
-/// Deletes a virtual disk, with what goes on on it. With `erase_mbr` its disks lose their master
-/// boot records.
+/// Deletes a virtual disk and its activities. With `erase_mbr` its disks lose their master boot
+/// records.
 Status DeleteVirtualDisk(Adapter& adapter, Time now, HX_U16 id, bool erase_mbr);
 
 /// Takes a virtual disk and its disks over from another controller.
 Status ImportVirtualDisk(Adapter& adapter, Time now, HX_U16 id);
 
-/// Whether these are bits of a cache that a caller may send.
+/// Whether a caller may send these cache bits.
 bool IsCache(HX_U8 cache);
 
-/// Sets the cache, which IsCache, and tells of it when it is another one.
+/// Sets the cache bits and queues an event when they change. Precondition: IsCache(cache).
 void SetCache(Adapter& adapter, Time now, VirtualDisk& virtual_disk, HX_U8 cache);
 
-/// Takes a virtual disk away: its activities are aborted, its blocks are free and its disks are
-/// what they were before. It exists.
+/// Removes a virtual disk: aborts its activities, frees its blocks and returns stand-in spares.
+/// Precondition: it exists.
 void RemoveVirtualDisk(Adapter& adapter, Time now, HX_U16 id);
 
 }  // namespace hxsim

@@ -1,4 +1,4 @@
-// New virtual disks, on disks of their own and on disk groups.
+// The calls that create virtual disks, with and without a disk group.
 #include "calls/hxsim_virtual_disk_create.h"
 
 #include <algorithm>
@@ -22,7 +22,7 @@
 namespace hxsim {
 namespace {
 
-// Sectors of the host that are made of 1, 2, 4 or 8 of the disks'; 0 is 1.
+// A host sector consists of 1, 2, 4 or 8 disk sectors; 0 stands for 1.
 bool IsCoefficient(HX_U8 coefficient) {
     return coefficient <= 8 && (coefficient & (coefficient - 1)) == 0;
 }
@@ -32,7 +32,7 @@ Status CheckSettings(HX_U8 cache, HX_U8 init, HX_U8 coefficient) {
     return ToCode<Init>(init) ? Status::kSuccess : Status::kBadAction;
 }
 
-// Adds the virtual disk under a free ID, which is returned. Its blocks are still to be cut.
+// Adds the virtual disk under a free ID and returns that; the caller cuts its blocks.
 HX_U16 Add(Adapter& adapter, Time now, VirtualDisk virtual_disk) {
     virtual_disk.id = FreeId(adapter.virtual_disks);
     const HX_U16 id = virtual_disk.id;
@@ -65,7 +65,7 @@ VirtualDisk Form(const Layout& layout, Sectors size, HX_U8 cache, HX_U8 coeffici
 
 // ---- On disk groups ----
 
-// Whether blocks for a virtual disk can be cut from the group's disks, and resized there, now.
+// Whether blocks on the group's disks can be cut and resized now.
 Status CheckGroup(const Adapter& adapter, const DiskGroup& group) {
     const bool moves = std::ranges::any_of(adapter.activities, [&](const Activity& each) {
         if (each.of == Owner::kDiskGroup) return each.owner == group.id;
@@ -90,7 +90,7 @@ Status CheckSlot(const Adapter& adapter, const DiskGroup& group, HX_U8 slot) {
     return taken ? Status::kSlotTaken : Status::kSuccess;
 }
 
-// The group's level and disks, with the stripes that the virtual disk is to have.
+// The group's level and disks with the virtual disk's own stripe size.
 Status LayOutOnGroup(const Adapter& adapter, const DiskGroup& group,
                      const CreateOrModify_VD_Param& param, Layout& layout) {
     if (param.BlockSize != 0 && param.BlockSize != kSectorSize) return Status::kBadSectorSize;
@@ -151,7 +151,7 @@ Sectors FreeBehind(const Adapter& adapter, const Block& block) {
     return 0;
 }
 
-// Makes the virtual disk larger where it lies.
+// Enlarges the virtual disk in place.
 Status Grow(Adapter& adapter, const DiskGroup& group, VirtualDisk& virtual_disk,
             const CreateOrModify_VD_Param& param) {
     if (IsBusy(adapter, virtual_disk)) return Status::kBusy;

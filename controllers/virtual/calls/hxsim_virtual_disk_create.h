@@ -1,6 +1,6 @@
-// Virtual disks: made, and changed on their disk groups.
+// The calls that create virtual disks and change those on disk groups.
 //
-// Every function here that refuses leaves the adapter and what it was given as they are.
+// On refusal no function here changes the adapter or its parameters.
 #pragma once
 
 #include "hxraid.h"
@@ -8,17 +8,17 @@
 
 namespace hxsim {
 
-/// Makes a virtual disk on disks of its own and starts its initialisation. Sets param.LDID to its
-/// ID and param.Size to its size.
+/// Creates a virtual disk without a disk group and starts its initialisation. Sets param.LDID and
+/// param.Size.
 Status CreateVirtualDisk(Adapter& adapter, Time now, Create_LD_Param& param);
 
-/// Sets param.Size to the most that CreateVirtualDisk could give.
+/// Sets param.Size to the largest size that CreateVirtualDisk could give.
 Status SizeVirtualDisk(const Adapter& adapter, Create_LD_Param& param);
 
-/// Makes the virtual disk param.VDID (HX_NEW_ID) in a slot of a disk group, or changes its name,
-/// its cache and, upwards, its size. A new one takes param.Size, or the longest run that is left;
-/// one that is there keeps its name for an empty one, its size for 0, and its slot. Sets
-/// param.VDID and param.Size.
+/// Creates a virtual disk in a slot of a disk group (param.VDID is HX_NEW_ID), or changes the name
+/// and the cache of an existing one or enlarges it. A new virtual disk takes param.Size, or for 0
+/// the longest free run; an existing one keeps its name for an empty name, its size for 0, and
+/// always its slot. Sets param.VDID and param.Size.
 Status CreateOrModifyOnGroup(Adapter& adapter, Time now, CreateOrModify_VD_Param& param);
 
 }  // namespace hxsim

@@ -1,4 +1,4 @@
-// Lists of virtual disks: what they are and what they are doing.
+// The calls that list virtual disks and their status.
 #include "calls/hxsim_list_page.h"
 #include "calls/hxsim_session.h"
 #include "calls/hxsim_virtual_disk_record.h"

@@ -1,4 +1,4 @@
-// What the records of virtual disks say.
+// Fills the records of virtual disks.
 #include "calls/hxsim_virtual_disk_record.h"
 
 #include <algorithm>

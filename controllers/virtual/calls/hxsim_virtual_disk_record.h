@@ -1,4 +1,4 @@
-// What the records of virtual disks say. Every function writes every byte of its record.
+// Fills the records of virtual disks. Every function writes every byte of its record.
 #pragma once
 
 #include <cstddef>

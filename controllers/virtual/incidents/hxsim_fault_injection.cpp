@@ -1,4 +1,4 @@
-// Faults that are put in the way of calls, and how they are counted.
+// Faults that are injected into calls, and their counters.
 #include "incidents/hxsim_fault_injection.h"
 
 namespace hxsim {

@@ -1,4 +1,4 @@
-// Faults that are put in the way of calls, and how they are counted.
+// Faults that are injected into calls, and their counters.
 #pragma once
 
 #include <optional>
@@ -9,8 +9,8 @@
 
 namespace hxsim {
 
-/// The first fault that hits the call, with what has been counted on the way; nothing when none
-/// does. `counts` becomes true when a row has changed or is gone.
+/// The first fault that hits the call, if any; updates the counters of the rows on the way. Sets
+/// `counts` when a row was changed or removed.
 std::optional<Injection> NextFault(std::vector<Injection>& injections, std::string_view call,
                                    HX_U8 adapter, bool& counts);
 

@@ -1,7 +1,7 @@
-// Answers as broken firmware gives them, for callers that have to survive them.
+// Answers like those of broken firmware, for callers that have to survive them.
 //
-// Every answer is made wrong in the next of a few ways, so that a caller who asks again and again
-// meets them all, in the same order every time.
+// Each answer is corrupted in the next of a few ways, so that a caller that asks repeatedly meets
+// them all, always in the same order.
 #include "incidents/hxsim_hostile_answer.h"
 
 #include <array>
@@ -12,15 +12,15 @@ namespace {
 
 void LeaveRecords(unsigned char*, std::size_t) {}
 
-// Counts are 255, numbers the largest, and no text has an end.
+// Counts are 255, numbers have their largest value, and no text is terminated.
 void FillWithOnes(unsigned char* bytes, std::size_t size) { std::memset(bytes, 0xFF, size); }
 
-// Texts are printable and have no end.
+// Texts are printable and not terminated.
 void FillWithLetters(unsigned char* bytes, std::size_t size) {
     for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<unsigned char>('A' + i % 26);
 }
 
-// Bytes that are not of one kind, markup and controls among them.
+// Mixed bytes, with markup and control characters among them.
 void FillWithEverything(unsigned char* bytes, std::size_t size) {
     for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<unsigned char>(i * 167 + 13);
 }
@@ -49,7 +49,7 @@ constexpr std::array kWays = {
     Way{FillWithEverything, FirstPageAgain}, Way{FillWithOnes, NothingButMore},
 };
 
-constinit std::size_t answers = 0;  // made hostile so far
+constinit std::size_t answers = 0;  // that were corrupted so far
 
 const Way& NextWay() { return kWays[answers++ % kWays.size()]; }
 

@@ -1,4 +1,4 @@
-// Answers as broken firmware gives them.
+// Answers like those of broken firmware.
 #pragma once
 
 #include <cstddef>
@@ -7,11 +7,11 @@
 
 namespace hxsim {
 
-/// Makes a page that has been filled into one of broken firmware: counts, indices and texts that
-/// nobody asked for. Stays inside the header and `bytes` bytes of records.
+/// Corrupts a filled page as broken firmware does: wrong counts, indices and texts. Stays inside
+/// the header and `bytes` bytes of records.
 void MakePageHostile(RequestHeader& header, void* records, std::size_t bytes);
 
-/// Does the same to records that no header counts. Stays inside `bytes` bytes.
+/// Corrupts records that have no header. Stays inside `bytes` bytes.
 void MakeRecordHostile(void* record, std::size_t bytes);
 
 }  // namespace hxsim

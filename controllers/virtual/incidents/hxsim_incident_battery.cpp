@@ -1,4 +1,4 @@
-// What happens to the battery from outside.
+// Incidents of the battery.
 #include "incidents/hxsim_incident_battery.h"
 
 #include <string>

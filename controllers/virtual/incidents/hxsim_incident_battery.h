@@ -1,4 +1,4 @@
-// What happens to the battery from outside.
+// Incidents of the battery.
 #pragma once
 
 #include "incidents/hxsim_incident.h"

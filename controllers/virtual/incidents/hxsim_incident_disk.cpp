@@ -1,4 +1,4 @@
-// What happens to disks from outside: they fail, are pulled out, put in and replaced.
+// Incidents of disks: they fail, are removed, inserted and replaced.
 #include "incidents/hxsim_incident_disk.h"
 
 #include <algorithm>
@@ -40,7 +40,7 @@ bool IsTaken(const Adapter& adapter, std::uint64_t wwn) {
     return std::ranges::find(adapter.disks, wwn, &Disk::wwn) != adapter.disks.end();
 }
 
-// A serial number of the series that the old one is of.
+// A new serial number of the same series as the old one.
 std::string NewSerial(const Adapter& adapter, const std::string& old, std::uint64_t& random) {
     constexpr unsigned kDrawn = 6;
     std::string serial;
@@ -75,14 +75,14 @@ const Block* ContentAt(const Adapter& adapter, HX_U16 disk, Sectors lba) {
     return found == adapter.blocks.end() ? nullptr : &*found;
 }
 
-// Whether the host reads what the virtual disk has on the disk: the error is met at once. What
-// nobody reads waits for a media patrol or a check.
+// Whether the host can read the virtual disk's blocks on the disk: then it meets the error at once.
+// Otherwise the damage waits for a media patrol or a check.
 bool IsRead(const Adapter& adapter, const Disk& disk, const VirtualDisk& virtual_disk) {
     const State state = StateOf(adapter, virtual_disk);
     return IsReady(disk) && state != State::kOffline && state != State::kForeign;
 }
 
-// What was in the sector is made again of what the other disks hold, where they hold enough.
+// Whether the other disks hold enough to restore the sector's content.
 bool CanBeMadeAgain(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     const State state = StateOf(adapter, virtual_disk);
     return IsRedundant(virtual_disk.level) &&
@@ -205,7 +205,7 @@ Outcome DamageSector(Adapter& adapter, Time now, HX_U16 disk, Sectors lba) {
         Queue(adapter, now, EventKind::kDiskErrorFixed, disk);
         return {};
     }
-    // A check finds the stripe.
+    // A consistency check will find this stripe.
     if (IsRedundant(virtual_disk->level)) ++virtual_disk->errors;
     Queue(adapter, now, EventKind::kInconsistentAddress, virtual_disk->id, AddressAnd(lba, 0, 0));
     return {};

@@ -1,4 +1,4 @@
-// What happens to disks from outside: they fail, are pulled out, put in and replaced.
+// Incidents of disks: they fail, are removed, inserted and replaced.
 #pragma once
 
 #include <cstdint>
@@ -8,18 +8,19 @@
 
 namespace hxsim {
 
-// Disks, by the ID of their place. Consequences are drawn by the caller (Settle).
+// `disk` is the ID of the disk's place. The caller calls Settle afterwards.
 Outcome FailDisk(Adapter& adapter, Time now, HX_U16 disk);
 Outcome RemoveDisk(Adapter& adapter, Time now, HX_U16 disk);
-/// Puts the disk back that was removed.
+/// Inserts the removed disk again.
 Outcome InsertDisk(Adapter& adapter, Time now, HX_U16 disk);
-/// Puts a new, empty disk of the same model into the place; its serial number is drawn from
-/// `random`. `foreign` makes it one with another controller's metadata; `sectors` is its size, 0
-/// that of the old one.
+/// Puts a new, empty disk of the same model into the place, with a serial number drawn from
+/// `random`. With `foreign` it carries another controller's metadata; `sectors` is its size, 0 that
+/// of the old disk.
 Outcome ReplaceDisk(Adapter& adapter, Time now, HX_U16 disk, std::uint64_t& random, bool foreign,
                     Sectors sectors = 0);
 Outcome TripSmart(Adapter& adapter, Time now, HX_U16 disk);
-/// A read error at a sector: remapped, or a medium error that a check or patrol finds.
+/// Damages a sector. Where the host reads, it is a read error and remapped at once; elsewhere a
+/// check or media patrol finds it later.
 Outcome DamageSector(Adapter& adapter, Time now, HX_U16 disk, Sectors lba);
 
 }  // namespace hxsim

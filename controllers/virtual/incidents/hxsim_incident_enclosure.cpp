@@ -1,4 +1,4 @@
-// What happens to the elements of enclosures from outside.
+// Incidents of enclosure elements.
 #include "incidents/hxsim_incident_enclosure.h"
 
 #include <algorithm>
@@ -38,7 +38,7 @@ void SetReading(Adapter& adapter, Time now, Element& element, HX_U16 reading) {
     SetStatus(adapter, now, element, StatusOf(element));
 }
 
-// A fan's speed in seven steps, of which the third is what it usually turns.
+// A fan's speed in seven steps; the third is its nominal speed.
 HX_U8 SpeedCodeOf(const Element& fan) {
     if (fan.reading == 0) return 0;
     const unsigned nominal = std::max(1U, unsigned{fan.nominal});

@@ -1,4 +1,4 @@
-// What happens to the elements of enclosures from outside.
+// Incidents of enclosure elements.
 #pragma once
 
 #include "incidents/hxsim_incident.h"

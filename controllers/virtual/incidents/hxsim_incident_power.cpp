@@ -1,4 +1,4 @@
-// A power cut, and what a controller finds when it comes up again.
+// A power cut, and what the controller reports when it comes up again.
 #include "incidents/hxsim_incident_power.h"
 
 #include <algorithm>
@@ -13,14 +13,15 @@
 namespace hxsim {
 namespace {
 
-// What was held back in the cache, and is written nowhere now, leaves a stripe half written.
+// Whether cached data is lost: the write-back cache has no safe battery, so a stripe may stay half
+// written.
 bool LosesWhatIsCached(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     return (virtual_disk.cache & CacheBit::kWriteBack) != 0 && !AllowsWriteBack(adapter) &&
            !ForcesWriteThrough(adapter) && virtual_disk.initialised && !virtual_disk.foreign &&
            IsRedundant(virtual_disk.level) && StateOf(adapter, virtual_disk) != State::kOffline;
 }
 
-// Whether a virtual disk has gone with all its disks.
+// Whether all disks of the virtual disk are missing.
 bool IsGone(const Adapter& adapter, HX_U16 virtual_disk) {
     return std::ranges::none_of(adapter.blocks, [&](const Block& block) {
         if (block.virtual_disk != virtual_disk) return false;
@@ -29,7 +30,7 @@ bool IsGone(const Adapter& adapter, HX_U16 virtual_disk) {
     });
 }
 
-// What a controller finds missing when it comes up.
+// Reports the disks, virtual disks and battery that are missing at start-up.
 void AnnounceMissing(Adapter& adapter, Time now) {
     for (const Disk& disk : adapter.disks) {
         if (!disk.present && IsConfigured(adapter, disk.id)) {

@@ -5,9 +5,9 @@
 
 namespace hxsim {
 
-/// The power fails and comes back: what ran in the background restarts where it was, and what was
-/// in the cache without a battery is lost (initialised virtual disks set to write-back may then
-/// have stripes whose redundancy disagrees).
+/// The power fails and returns: running activities restart where they were, and cached data without
+/// a battery is lost (initialised virtual disks set to write-back may then have stripes whose
+/// redundancy disagrees).
 void CutPower(Adapter& adapter, Time now);
 
 }  // namespace hxsim

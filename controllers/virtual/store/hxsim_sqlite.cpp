@@ -1,4 +1,4 @@
-// What people are told when the virtual controller's state file cannot be used.
+// The sentences for a state file of the virtual controller that cannot be used.
 #include "store/hxsim_sqlite.h"
 
 namespace hxsim {

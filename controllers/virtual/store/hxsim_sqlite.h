@@ -1,4 +1,4 @@
-// SQLite as the virtual controller's store uses it: what it throws tells people about hxsimctl and
+// SQLite for the virtual controller's store, with error sentences that advise about hxsimctl and
 // HXSIM_STATE.
 #pragma once
 
@@ -17,11 +17,11 @@ using hxsqlite::Transaction;
 class Connection : public hxsqlite::Connection {
 public:
     Connection() = default;
-    /// Opens a file that is there, or an empty database for ":memory:".
+    /// Opens an existing file, or an empty database for ":memory:".
     explicit Connection(const std::string& path);
 };
 
-/// Throws the StoreError (or std::bad_alloc) that tells of an SQLite error.
+/// Throws an SQLite error as StoreError or std::bad_alloc.
 [[noreturn]] void ThrowStoreError(const std::string& path, int code, int system_error,
                                   std::string_view detail);
 

@@ -1,9 +1,8 @@
-// The state file: where it is, how it comes to be, and the transactions on it.
+// The state file: its path, its creation, and the transactions on it.
 //
-// The database keeps its changes in a log beside it (WAL) and is asked for no more than
-// synchronous = NORMAL: a killed process loses nothing that was committed, and a power cut may take
-// back the last transactions, whole ones, never half of one. That is what a machine that is only
-// virtual is worth, and it is what keeps a change from waiting for the disk.
+// The database uses a write-ahead log (WAL) and synchronous = NORMAL, so that no change waits for
+// the disk: a killed process loses nothing that was committed, and a power cut may undo the last
+// transactions, always whole ones. That is safe enough for a virtual machine.
 #include "store/hxsim_store.h"
 
 #include <fcntl.h>
@@ -57,7 +56,7 @@ std::string HomeFolder() {
                      "); name another file in HXSIM_STATE.");
 }
 
-// Folders are the user's own, as the file is.
+// Makes the folders with mode 0700: like the file they are private to the user.
 void MakeFolders(const std::filesystem::path& folder) {
     if (folder.empty() || std::filesystem::exists(folder)) return;
     MakeFolders(folder.parent_path());
@@ -69,11 +68,11 @@ void RequireRegular(const std::string& path, const struct stat& found) {
     throw StoreError(path + " is no regular file; name another one in HXSIM_STATE.");
 }
 
-// A machine is replaced only in a file of the user's own: a link, and in a folder of others a file,
-// can have been put there by anybody.
+// Only the user's own file is overwritten: somebody else may have placed a link, or a file in a
+// shared folder.
 void RefuseForeign(const std::string& path) {
     struct stat found {};
-    if (lstat(path.c_str(), &found) != 0) return;  // MakeFile tells why
+    if (lstat(path.c_str(), &found) != 0) return;  // MakeFile reports why
     if (S_ISLNK(found.st_mode)) {
         throw StoreError(path +
                          " is a link, and a machine is made in no file behind one; name the "
@@ -84,10 +83,10 @@ void RefuseForeign(const std::string& path) {
     }
 }
 
-// Makes an empty file where there is none. One that is there is not even opened: closing it would
-// give up the locks that this process has on it through other connections. The log and its index
-// get the file's mode from SQLite. What is no file is refused here, before SQLite leaves files of
-// its own beside it.
+// Creates an empty file unless the path exists. An existing file is not opened, because closing it
+// would release the locks that this process holds on it through other connections. SQLite gives the
+// log and its index the same mode. Anything but a regular file is refused here, before SQLite
+// creates files beside it.
 void MakeFile(const std::string& path) {
     MakeFolders(std::filesystem::path(path).parent_path());
     const int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
@@ -106,7 +105,7 @@ void MakeFile(const std::string& path) {
                      "\", or name another file in HXSIM_STATE.");
 }
 
-// Nothing is written where no machine is: SQLite would turn an empty file into a database.
+// Refuses a missing or empty file, which SQLite would turn into a database.
 void RequireFile(const std::string& path) {
     struct stat found {};
     if (stat(path.c_str(), &found) != 0) {
@@ -117,7 +116,7 @@ void RequireFile(const std::string& path) {
     if (found.st_size == 0) ThrowNoMachine(path);
 }
 
-// A folder that the process leaves later must not change which file is meant.
+// The absolute path, so that a later change of the working folder does not change the file.
 std::string Absolute(const std::string& path) {
     if (path == kMemory) return path;
     std::error_code error;
@@ -128,8 +127,8 @@ std::string Absolute(const std::string& path) {
 
 // ---- Connections ----
 
-// Two processes that find a new file at once get in each other's way here, and SQLite does not wait
-// for a lock that two of them try to strengthen.
+// Retries, since two processes that open a new file at once block each other here: SQLite does not
+// wait when both try to upgrade the same lock.
 void UseLog(const Connection& connection) {
     constexpr int kTries = 500;
     constexpr timespec kPause{0, 10'000'000};
@@ -144,7 +143,7 @@ void UseLog(const Connection& connection) {
     }
 }
 
-// A transaction that reads, to its end.
+// A read transaction, which ends with this object.
 class Reading {
 public:
     explicit Reading(const Connection& connection) : connection_(connection) {
@@ -154,7 +153,7 @@ public:
         try {
             connection_.Execute("COMMIT");
         } catch (const std::exception&) {
-            return;  // ended by the error that ended the reading
+            return;  // SQLite has ended it already because of the error
         }
     }
     Reading(const Reading&) = delete;
@@ -167,8 +166,8 @@ private:
 Connection Open(const std::string& path) {
     Connection connection(path);
     {
-        // What the file is, is asked first: another program's database stays as it is. In one
-        // transaction, since another process may be making the tables at this moment.
+        // Check the file first, so that another program's database stays unchanged. In one
+        // transaction, since another process may be creating the tables right now.
         const Reading reading(connection);
         IsStateFile(connection, path);
     }
@@ -190,14 +189,15 @@ std::string StatePath() {
     if (const std::string root = Environment("VEXORAPI_ROOT"); !root.empty()) {
         return root + kSystemPath;
     }
-    // A folder that is not absolute is to be ignored, as its users have agreed.
+    // The XDG base directory rules say to ignore a relative path.
     const std::string state = Environment("XDG_STATE_HOME");
     if (!state.empty() && state.front() == '/') return state + kUserPath;
     return HomeFolder() + "/.local/state" + kUserPath;
 }
 
 IfMissing WhenStateIsMissing() {
-    // A set-user-ID process has no environment here, as in StatePath.
+    // secure_getenv returns nothing in a set-user-ID process, which ignores HXSIM_STATE
+    // (StatePath).
     return Environment("HXSIM_STATE").empty() ? IfMissing::kMake : IfMissing::kRefuse;
 }
 
@@ -219,8 +219,8 @@ private:
 }  // namespace
 
 struct Store::Database {
-    // Tells whether the process has been forked since the mark was made or renewed. Asking for the
-    // process's number would be a system call before every call of the controller.
+    // Tells whether the process has forked since the mark was made or renewed, without the system
+    // call that getpid would cost before every call of the controller.
     class ForkMark {
     public:
         ForkMark() {
@@ -228,8 +228,8 @@ struct Store::Database {
                                     MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
             if (page == MAP_FAILED) return;
             in_child_zero_ = static_cast<int*>(page);
-            // Emulators (qemu before version 8) do nothing at any advice and say that they did it;
-            // they are known by an advice that does not exist.
+            // Some emulators (qemu before version 8) ignore every advice and report success. They
+            // are detected by an advice that does not exist.
             constexpr int kNoAdvice = -1;
             wiped_ = madvise(page, sizeof *in_child_zero_, kNoAdvice) != 0 &&
                      madvise(page, sizeof *in_child_zero_, MADV_WIPEONFORK) == 0;
@@ -257,7 +257,7 @@ struct Store::Database {
         explicit Link(const std::string& path)
             : connection(Open(path)), data_version(connection.Prepare("PRAGMA data_version")) {}
 
-        // A number that is another one whenever another connection has committed something.
+        // A number that changes whenever another connection commits.
         std::int64_t DataVersion() {
             const std::int64_t version = data_version.Step() ? data_version.Integer(0) : 0;
             data_version.Reset();
@@ -289,8 +289,8 @@ struct Store::Database {
     }
 
 private:
-    // Opens the file, and makes the machine when there is none: a copy of `inherited`, or the first
-    // one.
+    // Opens the file and creates the machine when there is none: a copy of `inherited`, or
+    // `first_`.
     void Connect(const Machine* inherited) {
         if (path_ != kMemory && if_missing_ == IfMissing::kMake) MakeFile(path_);
         if (path_ != kMemory && if_missing_ == IfMissing::kRefuse) RequireFile(path_);
@@ -306,22 +306,23 @@ private:
         }
         transaction.Commit();
         loaded_ = false;
-        // Not before: a child in which this fails shows nothing of its parent's, but tries again.
+        // Last, so that a child in which Connect fails tries again instead of using its parent's
+        // data.
         fork_mark_.Renew();
     }
 
-    // In a child process that was forked, everything is opened anew. A machine in memory goes on
-    // as it was.
+    // In a forked child, opens everything anew. A machine in memory is kept.
     void FollowFork() {
         if (!fork_mark_.IsForked()) return;
         if (busy_) {
-            // A thread of the parent's that is not there any more was in the middle of something.
+            // A thread of the parent, missing in the child, was using the connection: leak it.
             static_cast<void>(link_.release());
             busy_ = false;
         } else if (link_ != nullptr) {
-            // Locks are not inherited, so that closing gives none of the parent's up, and it tidies
-            // nothing up either. To leave the connection open would be worse: SQLite knows files by
-            // their inodes, and a new connection would count on locks that only the parent holds.
+            // Closing is safe: locks are not inherited, so none of the parent's are released, and
+            // with LeaveLog nothing is tidied up. Keeping the connection open would be worse:
+            // SQLite identifies files by inode, and a new connection would rely on locks that only
+            // the parent holds.
             link_->connection.LeaveLog();
             link_.reset();
         }
@@ -333,9 +334,9 @@ private:
         }
     }
 
-    // Reads what another process has committed, if any has.
+    // Reads the machine anew if another process has committed.
     void Follow() {
-        // Taken before SQLite is asked: what is committed between the two is found the next time.
+        // Taken before asking SQLite, so that a commit in between is noticed the next time.
         const auto head = link_->connection.Head();
         if (loaded_ && head && head == known_head_) return;
         if (!loaded_ || link_->DataVersion() != known_version_) {
@@ -345,32 +346,33 @@ private:
         known_head_ = head;
     }
 
-    // Reads what another process has written. Within a transaction.
+    // Reads the machine if another process has changed it. Within a transaction.
     void Refresh() {
         const std::int64_t version = link_->DataVersion();
         if (loaded_ && version == known_version_) return;
         loaded_ = false;
-        Upgrade(link_->connection, path_, {}, kSchemaVersion);  // somebody may have made it anew
+        Upgrade(link_->connection, path_, {}, kSchemaVersion);  // refuses a file recreated with
+                                                                // another schema
         machine_ = link_->tables.Load(path_);
         known_version_ = version;
         loaded_ = true;
         Reckon();
     }
 
-    // The real time at which the machine changes by itself next, so that a look need not ask.
+    // Sets due_, so that Current needs no computation until the next transition.
     void Reckon() {
         const Time next = NextTransition(machine_);
         const Time real = RealNow();
         due_ = next <= Now(machine_.clock, real) ? real : RealTimeOf(machine_.clock, next);
     }
 
-    // One transaction: up to now, then `work`, where there is one.
+    // One transaction: brings the machine up to now, then runs `work`, if any.
     bool Write(const std::function<bool(Machine&, Time)>& work) {
         Transaction transaction(link_->connection);
         Refresh();
         const Time now = Now(machine_.clock, RealNow());
         Machine before = machine_;
-        // Whatever is thrown: what is in memory then is nothing to go on from.
+        // If anything below throws, the machine in memory is invalid.
         loaded_ = false;
         if (NextTransition(machine_) <= now) {
             Advance(machine_, now);
@@ -390,16 +392,16 @@ private:
     }
 
     const std::string path_;
-    const std::function<Machine()> first_;  // of a file that is not there
+    const std::function<Machine()> first_;  // creates the machine of a new file
     const IfMissing if_missing_;
-    ForkMark fork_mark_;  // of the process that has opened it
+    ForkMark fork_mark_;  // of the process that opened the file
     std::unique_ptr<Link> link_;
     std::int64_t known_version_ = 0;
-    std::optional<hxsqlite::LogHead> known_head_;  // of the log, when nothing newer was in it
-    bool busy_ = false;                            // in the middle of a call
-    bool loaded_ = false;  // whether `machine_` is what stands in the file at `known_version_`
+    std::optional<hxsqlite::LogHead> known_head_;  // of the log when machine_ was current
+    bool busy_ = false;                            // during a call
+    bool loaded_ = false;  // whether `machine_` equals the file at `known_version_`
     Machine machine_;
-    Time due_ = kNever;  // in real time
+    Time due_ = kNever;  // real time of the next transition
 };
 
 Store::Store(const std::string& path, std::function<Machine()> first, IfMissing if_missing)

@@ -1,4 +1,4 @@
-// The state file: one SQLite database that holds a machine, for every process that works on it.
+// The state file: one SQLite database with a machine, shared by all processes that use it.
 #pragma once
 
 #include <functional>
@@ -11,36 +11,36 @@
 namespace hxsim {
 
 /// The state file's path: HXSIM_STATE, else below the folder that VEXORAPI_ROOT names, else in the
-/// user's state folder. Set-user-ID processes look at none of them but the system's own folder.
+/// user's state folder. Set-user-ID processes ignore the environment and use the system's folder.
 std::string StatePath();
 
 enum class IfMissing { kMake, kRefuse };
 
-/// What becomes of a state file that is not there: one that HXSIM_STATE names is not made by
-/// whoever merely looks, since its name may be misspelt; the others are.
+/// What to do when the state file is missing. A file that HXSIM_STATE names is refused, since its
+/// name may be misspelt; the default ones are created.
 IfMissing WhenStateIsMissing();
 
-/// An open state file and the machine as it was last read from it or written to it.
+/// An open state file and the machine as last read from it or written to it.
 class Store {
 public:
-    /// Opens the file. One that is not there, or is empty, is made with the machine that `first`
-    /// makes, or refused; a machine in memory is always made. Throws StoreError.
+    /// Opens the file. A missing or empty file is refused or gets the machine that `first` returns;
+    /// a database in memory always gets it. Throws StoreError.
     Store(const std::string& path, std::function<Machine()> first,
           IfMissing if_missing = IfMissing::kMake);
     ~Store();
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
 
-    /// Makes the file anew, with this machine. An existing machine is replaced, in one transaction;
-    /// one behind a link or of another user is refused. Throws StoreError.
+    /// Creates the file with this machine, or replaces the machine in it, in one transaction. A
+    /// link or a file of another user is refused. Throws StoreError.
     static void Create(const std::string& path, const Machine& machine);
 
-    /// The machine, brought up to now: whatever was due has happened and is saved.
+    /// The machine, brought up to now: all due transitions are done and saved.
     const Machine& Current();
 
-    /// One transaction: brings the machine up to now, lets `work` change it and saves what is
-    /// different. When `work` returns false or throws, nothing of its changes stays.
-    /// Returns what `work` returned.
+    /// One transaction: brings the machine up to now, lets `work` change it and saves the
+    /// differences. When `work` returns false or throws, its changes are discarded. Returns the
+    /// result of `work`.
     bool Change(const std::function<bool(Machine& machine, Time now)>& work);
 
 private:

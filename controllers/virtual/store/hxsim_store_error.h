@@ -1,4 +1,4 @@
-// What every file of the store throws when the state file cannot be used.
+// The exception that the store throws when the state file cannot be used.
 #pragma once
 
 #include "sqlite/store_error.h"

@@ -1,7 +1,7 @@
 // The descriptors of tables and columns, made by the compiler from the rows of hxsim_table_rows.h.
 //
-// Of a column nothing is a template but the two functions that reach its member, which are a few
-// instructions each: templates of whole loops took compilers half a minute.
+// Only the two functions that access a column's member are templates, a few instructions each:
+// whole loops as templates took compilers half a minute.
 #include "store/hxsim_table_access.h"
 
 #include <array>
@@ -31,7 +31,7 @@ constexpr const char* TypeOf(const std::string*) { return "TEXT NOT NULL"; }
 constexpr const char* TypeOf(const Bytes*) { return "BLOB"; }
 constexpr const char* TypeOf(const Record auto*) { return "BLOB NOT NULL"; }
 
-// The 64 bits of an unsigned number stand as those of the signed one that SQLite knows.
+// SQLite knows only signed numbers: an unsigned one is stored with the same 64 bits.
 Cell CellOf(const Number auto& value) {
     return {Cell::Kind::kInteger, static_cast<std::int64_t>(value)};
 }
@@ -161,7 +161,7 @@ constexpr auto kOfAdapter = Lists<Adapter, kAdapterTables>(
 std::strong_ordering Compare(const Cell& one, const Cell& other) {
     if (one.kind != other.kind) return one.kind <=> other.kind;
     if (one.integer != other.integer) return one.integer <=> other.integer;
-    // A flash image that two machines share is not compared byte by byte.
+    // Skips the comparison byte by byte of a flash image that two machines share.
     const bool is_shared =
         one.bytes.data() == other.bytes.data() && one.bytes.size() == other.bytes.size();
     return is_shared ? std::strong_ordering::equal : one.bytes <=> other.bytes;

@@ -1,5 +1,5 @@
-// The tables of the state file as data: what each column holds of a row and how that is read and
-// written, so that one loop serves all tables and columns.
+// The tables of the state file as data: each column with functions to read and write its value, so
+// that one loop serves all tables and columns.
 #pragma once
 
 #include <compare>
@@ -12,21 +12,21 @@
 
 namespace hxsim {
 
-/// What stands in one column of one row. The bytes belong to the row or to the statement.
+/// The value of one column of one row. The bytes belong to the row or to the statement.
 struct Cell {
     enum class Kind : std::uint8_t {
         kNothing,
         kInteger,
         kText,
         kBlob,
-        kOther,  // nothing that a machine's rows hold
+        kOther,  // a type that no column has
     };
     Kind kind = Kind::kNothing;
     std::int64_t integer = 0;
     std::string_view bytes{};
 };
 
-/// Integers by their values, texts and blobs by their bytes.
+/// Compares integers by value, texts and blobs by their bytes.
 std::strong_ordering Compare(const Cell& one, const Cell& other);
 
 /// One column of a table whose rows are in a Machine or an Adapter. Rows are counted from 0.
@@ -35,11 +35,11 @@ struct ColumnOf {
     const char* name;
     const char* type;  // in SQL
     Cell (*read)(const Holder& holder, std::size_t row);
-    /// False, with nothing written, for what the member cannot hold.
+    /// Returns false and writes nothing when the member cannot hold the value.
     bool (*write)(Holder& holder, std::size_t row, const Cell& cell);
 };
 
-/// One table. Its first `keys` columns name a row among those of its holder.
+/// One table. Its first `keys` columns are the key within its holder.
 template <class Holder>
 struct TableOf {
     const char* name;
@@ -49,9 +49,9 @@ struct TableOf {
     void (*append)(Holder& holder);  // an empty row; null for a table that always has one row
 };
 
-/// The machine's own table and its clock's, of one row each, then those of the machine's lists.
+/// The tables of the machine itself and its clock, with one row each, then those of its lists.
 std::span<const TableOf<Machine>> MachineTables();
-/// Those of an adapter's lists.
+/// The tables of an adapter's lists.
 std::span<const TableOf<Adapter>> AdapterTables();
 
 }  // namespace hxsim

@@ -1,8 +1,8 @@
-// The tables of the state file, row by row: how tables and columns are called, and what of a
-// machine stands in them. All that is read, compared and written follows from these rows.
+// The tables of the state file, row by row: the names of tables and columns, and the members of the
+// machine that they store. Reading, comparing and writing follow from these rows.
 //
-// A member that is added to a row of the machine needs its column here, which the compiler asks
-// for, and a step in kUpgradeSteps (hxsim_upgrade.h).
+// A new member of a machine's row needs a column here, which the compiler demands, and a step in
+// kUpgradeSteps (hxsim_upgrade.h).
 #pragma once
 
 #include <cstddef>
@@ -15,8 +15,8 @@
 
 namespace hxsim {
 
-/// A table that has a row for each entry of a list. Its first `keys` columns name the entry among
-/// those of the list and stand in the list's order; without any there is one entry at most.
+/// A table with a row for each entry of a list. Its first `keys` columns are the key, and the list
+/// ascends by it; a table without a key has at most one row.
 template <std::size_t keys, class Holder, class Entry, class... Columns>
 struct Table {
     static constexpr std::size_t kKeys = keys;
@@ -26,7 +26,7 @@ struct Table {
     std::tuple<Columns...> columns;
 };
 
-/// Members of a row that stand in tables of their own.
+/// The number of a row's members that are lists, each stored in its own table.
 template <class Row>
 inline constexpr std::size_t kLists = 0;
 template <>
@@ -41,7 +41,7 @@ constexpr Table<keys, Holder, Entry, Columns...> Rows(const char* name,
     return {name, list, columns};
 }
 
-/// Of the machine itself and its clock, each in a table of one row.
+/// The columns of the machine itself and of its clock, each in a table of one row.
 inline constexpr std::tuple kMachineColumns{
     Col("seed", &Machine::seed),
     Col("random", &Machine::random),
@@ -53,7 +53,7 @@ inline constexpr std::tuple kClockColumns{
     Col("speed", &Clock::speed),
 };
 
-/// Of the machine's lists.
+/// The tables of the machine's lists.
 inline constexpr std::tuple kMachineTables{
     Rows<1>("adapter", &Machine::adapters,
             std::tuple{
@@ -76,7 +76,7 @@ inline constexpr std::tuple kMachineTables{
             }),
 };
 
-/// Of each adapter's lists; their first column is the adapter's number.
+/// The tables of each adapter's lists; their first column is the adapter's number.
 inline constexpr std::tuple kAdapterTables{
     Rows<1>("disk", &Adapter::disks,
             std::tuple{
@@ -274,7 +274,7 @@ static_assert(std::tuple_size_v<decltype(kMachineColumns)> + 1 +
 static_assert(std::tuple_size_v<decltype(kAdapterTables)> == kLists<Adapter>,
               "every list of an adapter has a table");
 
-// Whether a number in a file is a value of an enumeration: of codes, one of their table.
+// Whether a number in a file is a value of an enumeration; codes must be in their table.
 template <hxcodes::CodeEnum Code>
 constexpr bool IsValue(Code, std::uint64_t number) {
     return ToCode<Code>(number).has_value();

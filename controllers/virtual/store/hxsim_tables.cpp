@@ -1,4 +1,4 @@
-// How a machine's rows are made, read, compared and written: one loop over tables and columns.
+// Reads, compares and writes a machine's rows by one loop over tables and columns.
 #include "store/hxsim_tables.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@
 namespace hxsim {
 namespace {
 
-// More rows than any list of a machine has: a file that says otherwise is not read to its end.
+// More rows than any list of a machine has; reading stops at a file with more.
 constexpr std::size_t kMostRows = 65536;
 
 // ---- A value in a statement ----
@@ -36,7 +36,7 @@ void Bind(Statement& statement, int parameter, const Cell& cell) {
     statement.BindNull(parameter);
 }
 
-// Good until the statement's next step.
+// Valid until the statement's next step.
 Cell CellAt(const Statement& statement, int column) {
     switch (statement.TypeOf(column)) {
         case SQLITE_INTEGER:
@@ -54,11 +54,11 @@ Cell CellAt(const Statement& statement, int column) {
 
 // ---- Statements ----
 
-// Tables of an adapter's lists begin with a column that names it.
+// Tables of an adapter's lists begin with the column of the adapter's number.
 template <class Holder>
 constexpr bool kIsOfAdapter = std::is_same_v<Holder, Adapter>;
 
-// "adapter, id, parent, ...": so many of the table's columns, and the adapter's before them.
+// "adapter, id, parent, ...": the first `count` columns of the table, after the adapter's.
 template <class Holder>
 std::string Names(const TableOf<Holder>& table, std::size_t count) {
     std::string names = kIsOfAdapter<Holder> ? "adapter" : "";
@@ -119,14 +119,14 @@ std::string EraseSql(const TableOf<Holder>& table) {
 
 // ---- Rows ----
 
-// A row of a table's.
+// Refers to one row of a table.
 template <class Holder>
 struct RowIn {
     const Holder* holder;
     std::size_t row;
 };
 
-// By so many of their columns, from the first on.
+// Compares two rows by their first `columns` columns.
 template <class Holder>
 std::strong_ordering Compare(const TableOf<Holder>& table, std::size_t columns, RowIn<Holder> one,
                              RowIn<Holder> other) {
@@ -138,8 +138,8 @@ std::strong_ordering Compare(const TableOf<Holder>& table, std::size_t columns, 
     return std::strong_ordering::equal;
 }
 
-// The rows by their keys. A machine whose lists have lost their order is written all the same; one
-// that has two rows of one name cannot be.
+// The rows sorted by key, also when the machine's list is out of order; two rows with the same key
+// throw, since they cannot be stored.
 template <class Holder>
 std::vector<RowIn<Holder>> ByKey(const TableOf<Holder>& table, const Holder& holder) {
     std::vector<RowIn<Holder>> sorted;
@@ -200,8 +200,8 @@ public:
     }
 
 private:
-    // The table's columns are those of the statement from `first` on; `holder_of` says whose row
-    // the statement's is.
+    // The table's columns start at the statement's column `first`; `holder_of` finds the holder of
+    // the current row.
     template <class Holder, class HolderOf>
     void Load(const TableOf<Holder>& table, int first, HolderOf holder_of) {
         Statement& statement = tables_.statements_[next_++].load;
@@ -241,7 +241,7 @@ private:
         ThrowDamaged(path_, std::string("table ") + table + ' ' + what + '.');
     }
 
-    // A statement that does not run to its end would keep the transaction open.
+    // Resets the statement, since one that did not run to its end keeps the transaction open.
     class Running {
     public:
         explicit Running(Statement& statement) : statement_(statement) {}
@@ -290,12 +290,12 @@ public:
 
 private:
     void SaveOne(const TableOf<Machine>& table, const Machine& before, const Machine& after) {
-        // A new machine has the row not yet, and the same values as `before` perhaps.
+        // A new file lacks the row even when the values equal those of `before`.
         const bool anew = before.adapters.empty();
         if (anew || !IsSame(table, {&before, 0}, {&after, 0})) Put(table, {&after, 0}, -1);
     }
 
-    // The lists of all adapters, of which either machine may lack some.
+    // Saves the lists of all adapters; either machine may lack some adapters.
     void SaveLists(const TableOf<Adapter>& table, const Machine& before, const Machine& after) {
         for (const Adapter& adapter : before.adapters) {
             if (Find(after.adapters, adapter.id) == nullptr) {
@@ -348,7 +348,7 @@ private:
         RunWith(erase, table, table.keys, row, adapter);
     }
 
-    // Runs a statement whose parameters are the adapter and so many of the row's columns.
+    // Runs a statement whose parameters are the adapter and the first `columns` columns of the row.
     template <class Holder>
     static void RunWith(Statement& statement, const TableOf<Holder>& table, std::size_t columns,
                         RowIn<Holder> row, int adapter) {
@@ -361,7 +361,7 @@ private:
     }
 
     Tables& tables_;
-    const Adapter none_;  // what an adapter that is not there has
+    const Adapter none_;  // stands for a missing adapter
     std::size_t next_ = 0;
 };
 

@@ -1,4 +1,4 @@
-// A machine in a database's tables: made, read, and written where it has changed.
+// A machine in a database's tables: creates the tables, reads the machine, writes its changes.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace hxsim {
 
-/// Makes the tables, dropping whatever was there. Within the caller's transaction.
+/// Drops all existing tables and creates new ones. Within the caller's transaction.
 void MakeTables(const Connection& connection);
 
 /// The statements for the tables of one connection.
@@ -17,14 +17,14 @@ class Tables {
 public:
     explicit Tables(const Connection& connection);
 
-    /// Reads the machine. Throws StoreError for an impossible value or a broken rule (Check). Runs
-    /// within a transaction of the caller's, so that all is of one moment.
+    /// Reads the machine. Throws StoreError for an impossible value or a broken rule (Check).
+    /// Within the caller's transaction, so that all rows are from the same moment.
     Machine Load(const std::string& path);
 
-    /// The same without a look at the rules.
+    /// The same without checking the rules.
     Machine LoadUnchecked(const std::string& path);
 
-    /// Writes what is different in `after`. Within the caller's transaction.
+    /// Writes the rows that differ in `after`. Within the caller's transaction.
     void Save(const Machine& before, const Machine& after);
 
 private:

@@ -1,4 +1,4 @@
-// Which files are state files, and how one of an older version becomes one of today's.
+// Recognises state files and upgrades those of an older version.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace hxsim {
 
-/// What tells a state file from any other database: "VXSM".
+/// SQLite's application ID of a state file: "VXSM".
 inline constexpr std::int64_t kApplicationId = 0x5658534D;
 
 /// The version of the tables that this program reads and writes.

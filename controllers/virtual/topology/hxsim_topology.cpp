@@ -1,4 +1,4 @@
-// Machines from topologies.
+// Creates machines from topologies.
 #include "topology/hxsim_topology.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Machines made from a topology, a JSON text that says what hangs on what, and a seed.
+// Creates machines from a topology (a JSON text that lists the devices and their links) and a seed.
 #pragma once
 
 #include <cstdint>
@@ -10,17 +10,17 @@
 
 namespace hxsim {
 
-/// The topologies that are built in: "default", "small" and "rack".
+/// The names of the built-in topologies: "default", "small" and "rack".
 std::vector<std::string_view> BuiltInTopologies();
 
-/// The text of a built-in topology; empty when none has that name.
+/// The text of a built-in topology; empty for an unknown name.
 std::string_view BuiltInTopology(std::string_view name);
 
 /// The machine of a topology. The same text, seed and time make the same machine, byte for byte.
-/// `now` is what its clock starts at, in real and in virtual time. Throws TopologyError.
+/// `now` is the start of its clock, in real and in virtual time. Throws TopologyError.
 Machine MakeMachine(std::string_view topology, std::uint64_t seed, Time now);
 
-/// The machine of a state file that nobody has made: of the topology "default", from now on.
+/// The machine of an automatically created state file: topology "default", starting now.
 Machine DefaultMachine();
 
 }  // namespace hxsim

@@ -1,4 +1,4 @@
-// One adapter of a topology, and what its text leaves out.
+// Reads one adapter of a topology, with defaults for members that its text leaves out.
 #include "topology/hxsim_topology_adapter.h"
 
 #include <algorithm>
@@ -45,7 +45,7 @@ public:
     }
 
 private:
-    // ---- What it is ----
+    // ---- Model and settings ----
 
     void ReadInfo() {
         std::string name = "large";
@@ -79,7 +79,8 @@ private:
 
     // ---- Devices ----
 
-    // What it hangs on: a port of the adapter, a phy of an expander or a port of a port multiplier.
+    // The device's attachment: a port of the adapter, a phy of an expander or a port of a port
+    // multiplier.
     void ReadAttachment(TopologyObject& object, Attachment& at) const {
         constexpr const char* kExpected =
             "an object with \"port\", with \"expander\" and \"phy\", or with \"port_multiplier\" "
@@ -101,13 +102,13 @@ private:
         place.Finish();
     }
 
-    // Its ID, when the text leaves it out, follows that of the one before.
+    // The default ID: the number after the previous row's ID.
     template <class Rows>
     static HX_U16 NextId(const Rows& rows) {
         return rows.empty() ? HX_U16{0} : static_cast<HX_U16>(rows.back().id + 1);
     }
 
-    // Lists ascend by ID, in the text as in the machine.
+    // Appends a row; lists ascend by ID, in the text as in the machine.
     template <class Rows, class Row>
     static void Append(const TopologyObject& object, Rows& rows, Row row) {
         if (row.id == kNoId || (!rows.empty() && row.id <= rows.back().id)) {
@@ -116,7 +117,7 @@ private:
         rows.push_back(std::move(row));
     }
 
-    // A row that hangs on something, with the members that its columns name.
+    // Reads the row of an attached device, with the members that its columns name.
     template <class Row, class Columns>
     Row ReadAttached(TopologyObject& object, const std::vector<Row>& rows,
                      const Columns& columns) const {
@@ -154,7 +155,7 @@ private:
         Append(object, adapter_.enclosures, row);
     }
 
-    // How many alike.
+    // The number of identical devices that the object describes.
     static unsigned CountOf(TopologyObject& object) {
         HX_U8 count = 1;
         object.Take("count", count);
@@ -177,7 +178,7 @@ private:
             object.TakeNeeded("centivolts", element.reading);
             element.nominal = element.reading;
             object.Take("nominal", element.nominal);
-            // Half percents of the nominal voltage.
+            // In half percents of the nominal voltage.
             element.high_critical = element.low_critical = 20;
             element.high_warning = element.low_warning = 10;
             object.TakeAll(kThresholdColumns, element);
@@ -185,7 +186,7 @@ private:
         return element;
     }
 
-    // The text has degrees Celsius, the interface 20 more, so that a byte suffices.
+    // The text has degrees Celsius; the interface adds 20, so that a byte suffices.
     static void ReadTemperature(TopologyObject& object, Element& element) {
         constexpr HX_U8 kShift = 20;
         constexpr HX_U8 kMost = 235;
@@ -233,7 +234,7 @@ private:
         disk.sectors = model.sectors;
         disk.sas = model.sas;
         disk.speed = model.speed;
-        // The same calls for the same text, so that all disks are drawn alike.
+        // Always the same draws for the same text, so that machines are reproducible.
         series_ = model.serials;
     }
 
@@ -241,11 +242,11 @@ private:
         bool global = false;
         object.Take("global_spare", global);
         if (global) disk.spare = Spare::kGlobal;
-        // That the group is there is checked when all are read.
+        // Whether the group exists is checked after all groups are read.
         if (object.Take("group_spare", disk.spare_group)) disk.spare = Spare::kGroup;
     }
 
-    // Of several disks alike, each has the phy and the slot behind the last one's.
+    // Among identical disks, each has the phy and the slot after the previous disk's.
     void AddDisk(TopologyObject& object, const Disk& first, unsigned i, unsigned count) {
         Disk disk = first;
         const unsigned phy = first.phy + i * first.phys;
@@ -298,7 +299,7 @@ private:
 
     // ---- Disk groups ----
 
-    // Level, legs and stripes, of a disk group or a virtual disk.
+    // Reads level, legs and stripe size of a disk group or a virtual disk.
     template <class Row>
     static void ReadLevel(TopologyObject& object, Row& row) {
         row.level = object.NeedCode<Level>("level", "a RAID level");
@@ -307,7 +308,7 @@ private:
         if (!asked && RowOf(row.level).legs) row.legs = 2;
     }
 
-    // The disks that something is made of.
+    // Reads the member disks of a virtual disk or a disk group.
     std::vector<HX_U16> ReadMembers(TopologyObject& object, Level level, HX_U8 legs) {
         std::vector<HX_U16> disks;
         object.TakeNeeded("disks", disks, "a list of disks");
@@ -360,7 +361,7 @@ private:
         for (unsigned i = 0; i < count; ++i) AddVirtualDisk(object, first, i, count, disks, block);
     }
 
-    // The disks, the virtual disk's own or its group's.
+    // Reads the virtual disk's disks: its own or those of its group.
     std::vector<HX_U16> ReadPlace(TopologyObject& object, VirtualDisk& row) {
         if (!object.Take("disk_group", row.group)) {
             ReadLevel(object, row);
@@ -376,7 +377,7 @@ private:
         return DisksOf(adapter_, Owner::kDiskGroup, row.group);
     }
 
-    // The sectors of its block on each disk, from these or from the size of its data.
+    // Reads the sectors of its block on each disk, given directly or by the size of its data.
     static Sectors ReadBlock(TopologyObject& object, VirtualDisk& row) {
         constexpr Sectors kMost = Sectors{1} << 50;
         if (row.stripe_kib == 0) object.Refuse("stripe_kib", "at least 1");
@@ -395,8 +396,8 @@ private:
         return block;
     }
 
-    // Of several virtual disks alike, each has the slot behind the last one's, and its number
-    // behind the name.
+    // Among identical virtual disks, each has the slot after the previous one's and its number
+    // appended to the name.
     void AddVirtualDisk(TopologyObject& object, const VirtualDisk& first, unsigned i,
                         unsigned count, const std::vector<HX_U16>& disks, Sectors block) {
         VirtualDisk row = first;
@@ -415,8 +416,8 @@ private:
         if (first.group == kNoId) SetHomes(adapter_, Owner::kVirtualDisk, id, disks);
     }
 
-    // At the first sector from which every disk has room: those of a disk group have their blocks
-    // at the same place.
+    // Cuts the block from the first large enough free run of each disk; on a disk group these start
+    // at the same sector.
     void CutBlocks(const TopologyObject& object, HX_U16 id, const std::vector<HX_U16>& disks,
                    Sectors block) {
         for (std::size_t position = 0; position < disks.size(); ++position) {
@@ -467,8 +468,8 @@ private:
         adapter_.batteries.push_back(battery);
     }
 
-    // All of them, as long as the text does not say otherwise. What they hold follows from the
-    // adapter until somebody writes another one.
+    // All image types, unless the text names some. Their content follows from the adapter until
+    // another image is written.
     void ReadImages() {
         std::set<Image> types;
         if (const auto named = text_.TakeCodes<Image>("images")) {
@@ -487,7 +488,7 @@ private:
 
     // ---- Events ----
 
-    // What a controller tells when it comes up, in that order.
+    // Queues the events that a controller reports at start-up, in its order.
     void QueueStart() {
         const Time now = machine_.clock.start;
         Queue(adapter_, now, EventKind::kAdapterFound, adapter_.id, {},

@@ -7,8 +7,8 @@
 
 namespace hxsim {
 
-/// Reads an adapter that has its number, with all that hangs on it. Serial numbers that the text
-/// leaves out are drawn from the machine's generator. Throws TopologyError.
+/// Reads an adapter, whose ID is already set, with all attached devices. Serial numbers that the
+/// text leaves out are drawn from the machine's generator. Throws TopologyError.
 void ReadAdapter(TopologyObject& text, const DiskModels& models, Machine& machine,
                  Adapter& adapter);
 

@@ -1,8 +1,7 @@
-// Which members of the machine's rows a topology sets, and why it does not set the others.
+// The members of the machine's rows that a topology sets, and why it does not set the others.
 //
-// Every member of a row stands in one of three lists: its columns, which are read by their names;
-// what is read in some other way; and what no topology says, with the reason. The compiler counts
-// them.
+// Every member of a row is a column, which is read by its name, or stands in the list of others
+// with the reason: read in another way, or not set by topologies. The compiler counts both lists.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +15,7 @@
 
 namespace hxsim {
 
-/// A member that is read in some way of its own, or that no topology says.
+/// A member that is read in another way, or that no topology sets.
 template <class Class, class Value>
 struct OtherMember {
     Value Class::*field;
@@ -27,7 +26,7 @@ constexpr OtherMember<Class, Value> Other(Value Class::*field, const char* how) 
     return {field, how};
 }
 
-/// How many values a member takes where its row is counted: an array takes one for each element.
+/// The number of values that a member counts for: an array counts one for each element.
 template <class Value>
 consteval std::size_t ValuesOf() {
     if constexpr (std::is_array_v<Value>) {

@@ -6,7 +6,7 @@
 namespace hxsim {
 namespace {
 
-// The sectors of a disk of so many gigabytes (of 10^9 bytes), as the makers have agreed on them.
+// The sectors of a disk of `gigabytes` (10^9 bytes) by the formula that disk makers share.
 constexpr Sectors SectorsOf(std::uint64_t gigabytes) {
     return 97696368 + 1953504 * (gigabytes - 50);
 }

@@ -11,7 +11,7 @@ namespace hxsim {
 
 struct DiskModel {
     std::string firmware;
-    std::string serials;  // with what the serial numbers begin
+    std::string serials;  // prefix of the serial numbers
     Sectors sectors = 0;
     bool sas = false;
     LinkSpeed speed = LinkSpeed::k6Gbit;

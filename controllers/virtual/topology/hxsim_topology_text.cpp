@@ -35,7 +35,7 @@ std::string PlaceIn(const std::string& list, std::size_t i) {
     return list + '[' + std::to_string(i) + ']';
 }
 
-// The object with the members that it does not name of the one that it is like.
+// The object, with the members that it leaves out taken from the object that it is `like`.
 TopologyValue WithLike(const List& list, const std::string& where, std::size_t i) {
     const TopologyValue& own = list[i];
     const TopologyValue* const like = own.Find("like");

@@ -1,7 +1,7 @@
 // The JSON text of a topology, read member by member.
 //
-// A member that is not known is an error like a wrong value: it is most likely misspelt, and the
-// machine would not be what was meant.
+// An unknown member is an error like a wrong value: it is most likely misspelt, and the machine
+// would not be the intended one.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +22,7 @@
 
 namespace hxsim {
 
-/// An object of the text, and which of its members are known.
+/// An object of the text; records which of its members were read.
 class TopologyObject {
 public:
     using Visit = std::function<void(TopologyObject& object)>;
@@ -30,10 +30,10 @@ public:
     /// `where` is the object's place in the text; empty for the text itself.
     TopologyObject(const TopologyValue& object, std::string where);
 
-    /// Throws the TopologyError that says what is expected of the member.
+    /// Throws the TopologyError that names the member and the expected value.
     [[noreturn]] void Refuse(std::string_view member, const std::string& expected) const;
 
-    /// Reads the member; one that is left out leaves the value as it is, and false is returned.
+    /// Reads the member. When it is left out, keeps the value and returns false.
     template <class Value>
     bool Take(const char* member, Value& value) {
         const TopologyValue* const found = Find(member);
@@ -51,7 +51,7 @@ public:
                    columns);
     }
 
-    /// A code by its name.
+    /// Reads a code by its name.
     template <hxcodes::CodeEnum Code>
     void TakeCode(const char* member, Code& code) {
         const auto number = TakeNamed(member, hxcodes::NamesOf<Code>());
@@ -61,7 +61,7 @@ public:
     Code NeedCode(const char* member, const std::string& expected) {
         return static_cast<Code>(NeedNamed(member, expected, hxcodes::NamesOf<Code>()));
     }
-    /// A list of codes by their names; nothing when it is left out.
+    /// Reads a list of codes by their names; nothing when it is left out.
     template <hxcodes::CodeEnum Code>
     std::optional<std::vector<Code>> TakeCodes(const char* member) {
         const auto numbers = TakeAllNamed(member, hxcodes::NamesOf<Code>());
@@ -71,19 +71,18 @@ public:
         return codes;
     }
 
-    /// An object of its own, to be finished by the caller; nothing when it is left out.
+    /// A nested object, for which the caller calls Finish; nothing when it is left out.
     std::optional<TopologyObject> TakeObject(const char* member);
     TopologyObject NeedObject(const char* member, const std::string& expected);
 
-    /// Visits each object of a list, and finishes it.
+    /// Visits each object of a list and calls its Finish.
     void ForEach(const char* member, const Visit& visit);
-    /// The same for a list of 1 to `most` objects that is needed. An object that is `like` an
-    /// earlier one has what that one has, but for the members that it names; one that is null is as
-    /// if left out.
+    /// The same for a required list of 1 to `most` objects. An object that is `like` an earlier one
+    /// takes the members from there that it does not name itself; a null removes a member.
     void ForEachLike(const char* member, std::size_t most, const std::string& expected,
                      const Visit& visit);
 
-    /// Refuses members that nobody has asked for.
+    /// Refuses members that were never read, as unknown.
     void Finish() const;
 
 private:
@@ -118,7 +117,7 @@ private:
     std::set<std::string_view> known_;
 };
 
-/// A text that has been parsed.
+/// A parsed text.
 class TopologyText {
 public:
     /// Throws TopologyError when the text is no JSON.

@@ -20,7 +20,7 @@ auto PlaceOf(Members& members, std::string_view name) {
     return std::ranges::lower_bound(members, name, {}, &TopologyMember::name);
 }
 
-// The member, made as a null where there is none.
+// The member of that name, added as a null when missing.
 TopologyValue& MemberOf(TopologyValue::Object& members, std::string_view name) {
     auto place = PlaceOf(members, name);
     if (place == members.end() || place->name != name) {
@@ -29,7 +29,7 @@ TopologyValue& MemberOf(TopologyValue::Object& members, std::string_view name) {
     return place->value;
 }
 
-// Takes the values as the parser comes to them. Its functions have the parser's names.
+// Builds the tree from the parser's calls; the parser sets the names of the functions.
 class Builder {
 public:
     explicit Builder(TopologyValue& root) : root_(root) {}
@@ -52,7 +52,7 @@ public:
         return true;
     }
     bool parse_error(std::size_t, const std::string&, const Json::exception& error) {
-        // The parser's own name stands in brackets before what it has to say.
+        // The parser's message begins with its own name in brackets.
         const std::string_view what = error.what();
         const std::size_t behind = what.find("] ");
         throw TopologyError(
@@ -61,7 +61,7 @@ public:
     }
 
 private:
-    // Where the next value goes. Of two members of one name the later one counts.
+    // The place for the next value. Of two members of one name the later one counts.
     TopologyValue& Next() {
         if (open_.empty()) return root_;
         if (auto* const list = std::get_if<TopologyValue::List>(&open_.back()->held)) {

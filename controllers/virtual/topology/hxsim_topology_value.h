@@ -15,12 +15,11 @@ namespace hxsim {
 
 struct TopologyMember;
 
-/// One value. A number that is no whole one from 0 on is of no use to a topology, and not kept.
+/// One value. A topology uses only whole numbers from 0 on; other numbers are not kept.
 struct TopologyValue {
     struct OtherNumber {};
     using List = std::vector<TopologyValue>;
-    using Object =
-        std::vector<TopologyMember>;  // ordered by their names, each of which is there once
+    using Object = std::vector<TopologyMember>;  // sorted by name, without duplicates
 
     std::variant<std::nullptr_t, bool, std::uint64_t, OtherNumber, std::string, List, Object> held;
 
@@ -30,17 +29,17 @@ struct TopologyValue {
     TopologyValue(TopologyValue&&) = default;
     TopologyValue& operator=(TopologyValue&&) = default;
 
-    /// Nothing when it is of another type.
+    /// Null when the value is of another type.
     template <class Type>
     const Type* As() const {
         return std::get_if<Type>(&held);
     }
-    /// The object's member; nothing when it has none of that name, or is no object.
+    /// The object's member; null when there is none of that name, or the value is no object.
     const TopologyValue* Find(std::string_view name) const;
 
     void Assign(const TopologyValue& other);
-    /// Takes what the patch names: members of objects one by one, everything else as a whole. What
-    /// is null in the patch is taken away.
+    /// Applies a patch: members of objects one by one, every other value as a whole. A null in the
+    /// patch removes the member.
     void Merge(const TopologyValue& patch);
     void Erase(std::string_view name);
 };
