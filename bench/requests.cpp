@@ -67,6 +67,26 @@ void CommandBareExpat(benchmark::State& state) {
 }
 BENCHMARK(CommandBareExpat)->Name("command/bare_expat")->RangeMultiplier(10)->Range(1000, 1000000);
 
+// The most that a command makes the parser keep: elements that are never closed, each of its own
+// block.
+std::string NestedCommand(std::size_t bytes) {
+    std::string command = "<HX_Adapter_SetConfig type=\"function\">";
+    while (command.size() < bytes) command += "<a>";
+    return command;
+}
+
+void NestedLibrary(benchmark::State& state) {
+    const std::string command = NestedCommand(static_cast<std::size_t>(state.range(0)));
+    Measure(state, [&] { vexorApi(command.c_str(), result.data(), result.size()); });
+}
+BENCHMARK(NestedLibrary)->Name("nested/library")->Arg(1048576);
+
+void NestedBareExpat(benchmark::State& state) {
+    const std::string command = NestedCommand(static_cast<std::size_t>(state.range(0)));
+    Measure(state, [&] { yardstick::BareExpat(command); });
+}
+BENCHMARK(NestedBareExpat)->Name("nested/bare_expat")->Arg(1048576);
+
 constexpr unsigned kListedDisks = 100;
 
 void DiskListLibrary(benchmark::State& state) {
