@@ -1,4 +1,4 @@
-// Background activities: one row for each, from which every rule about them follows.
+// Background activities: one row for each, on which every rule about them is based.
 #pragma once
 
 #include <optional>
@@ -30,14 +30,14 @@ enum class RunsOn : HX_U8 {
     kDisk,
 };
 
-/// What its completion brings about.
+/// The effect of its completion.
 enum class Effect : HX_U8 {
     kNothing,
     kTellsOfErrors,  // announces stripes that disagree, and remaps damaged sectors
     kMendsErrors,    // makes stripes agree, and remaps damaged sectors
-    kInitialises,    // redundancy is valid
-    kRebuilds,       // what was lost has been made again
-    kMigrates,       // the virtual disk or disk group has its new form
+    kInitialises,    // makes redundancy valid
+    kRebuilds,       // lost content has been restored
+    kMigrates,       // the virtual disk or disk group has its new layout
     kCopiesBack,     // the content is back where it belongs
     kRemapsDamage,   // of a disk
     kTellsOfDamage,  // of a disk, and leaves it as it is
@@ -45,7 +45,7 @@ enum class Effect : HX_U8 {
 
 /// What it does when its virtual disk needs a rebuild.
 enum class AtRebuild : HX_U8 {
-    kIsUnconcerned,  // it runs on a disk, and gives way while that disk is rebuilt from or to
+    kIsUnconcerned,  // it runs on a disk, and pauses while the disk takes part in a rebuild
     kEnds,           // it is aborted, and the rebuild starts
     kWaits,          // it pauses until the rebuild has ended
     kBlocks,         // the rebuild has to wait
@@ -55,8 +55,8 @@ enum class AtRebuild : HX_U8 {
 struct StepEvents {
     EventClass type;
     HX_U16 first;
-    // Of those whose texts follow from a rule: the part of their keys, and what their sentences
-    // begin with. Empty where each step has a row of its own in kEvents.
+    // For activities whose event texts follow a rule: the part of the keys and the start of the
+    // sentences. Empty where each step has its own row in kEvents.
     std::string_view key;
     std::string_view phrase;
 };
@@ -65,10 +65,10 @@ struct ActivityRow {
     ActivityKind code;
     std::string_view name;
     RunsOn runs_on;
-    std::optional<Rate> rate;  // none: it takes the same short time whatever it goes over
+    std::optional<Rate> rate;  // none: it always takes the same short time
     Effect effect;
     AtRebuild at_rebuild;
-    std::optional<StepEvents> events;  // none: nobody is told
+    std::optional<StepEvents> events;  // none: it is not announced
 };
 inline constexpr std::optional<Rate> kNoRate;
 inline constexpr std::optional<StepEvents> kNoEvents;
@@ -106,7 +106,7 @@ static_assert(IsTable(kActivities));
 constexpr const auto& TableOf(ActivityKind) { return kActivities; }
 inline constexpr auto kActivityNames = NamesFrom(kActivities);
 
-/// The steps of an activity: what they add to its first code.
+/// The steps of an activity; each value is added to the activity's first event code.
 enum class Step : HX_U8 {
     kStart = 0,
     kRestart = 1,
@@ -121,12 +121,12 @@ enum class Step : HX_U8 {
 };
 inline constexpr HX_U16 kCodesPerActivity = 10;
 
-/// How an activity stands: BgaState of LD_Status and DG_Info, BgaStatus of HD_BGA_Status.
+/// The state of an activity: BgaState of LD_Status and DG_Info, BgaStatus of HD_BGA_Status.
 enum class ActivityState : HX_U8 {
     kIdle = 0,
     kRunning = 1,
     kPaused = 2,      // by a caller
-    kAutoPaused = 3,  // something more urgent runs
+    kAutoPaused = 3,  // by the controller, for something more urgent
 };
 inline constexpr Named kActivityStateNames[] = {
     {ActivityState::kIdle, "idle"},
@@ -151,11 +151,11 @@ inline constexpr Named kControlActionNames[] = {
 static_assert(IsTable(kControlActionNames));
 constexpr const auto& TableOf(ControlAction) { return kControlActionNames; }
 
-/// InitializationOption of what is created and Init_Type of HX_LD_StartINIT, which does not take
+/// InitializationOption of the creating calls and Init_Type of HX_LD_StartINIT, which refuses
 /// kNone.
 enum class Init : HX_U8 {
     kQuick = 0,
-    kForeground = 1,  // not usable before the end
+    kForeground = 1,  // usable only after it has ended
     kBackground = 2,  // usable at once
     kNone = 3,
 };

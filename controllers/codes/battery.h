@@ -1,4 +1,4 @@
-// The battery that keeps the cache's content through a power cut.
+// The battery that preserves the cache's content during a power cut.
 #pragma once
 
 #include "codes/named.h"
@@ -47,7 +47,7 @@ constexpr const auto& TableOf(BatteryFeature) { return kBatteryFeatureBits; }
 template <>
 inline constexpr bool kAreBits<BatteryFeature> = true;
 
-/// Action of HX_BBU_ChangePower. That 0 starts a relearn cycle is the interface's.
+/// Action of HX_BBU_ChangePower. The interface defines that 0 starts a relearn cycle.
 enum class Power : HX_U8 {
     kRelearn = 0,
     kCharge = 1,

@@ -1,4 +1,4 @@
-// The tables of codes, put together for programs that show them.
+// The tables of codes, collected for programs that print them.
 #include "codes/code_table.h"
 
 #include <vector>

@@ -1,9 +1,9 @@
-// A controller's codes as programs need them that show them: one struct of names and sentences.
+// A controller's codes for programs that print them: one struct of names and sentences.
 //
-// What the interface itself fixes (levels, types of elements, severities and classes of events)
-// holds for every controller; all else is the choice of whoever makes the controller. So a program
-// asks which controller answers before it uses OwnCodes, and uses NoCodes for one it does not know,
-// or a table that it has read from a file: spans over strings that whoever has read it keeps.
+// The interface fixes levels, types of elements, and severities and classes of events for every
+// controller; all other codes are each maker's choice. So a program checks which controller answers
+// before it uses OwnCodes; for an unknown one it uses NoCodes or a table read from a file, whose
+// reader owns the strings behind the spans.
 #pragma once
 
 #include <span>
@@ -28,13 +28,13 @@ struct EventText {
     HX_U16 event_class;
     HX_U16 code;
     HX_U8 severity;
-    std::string key;       // as the library writes it: EVT_CODE_LD_CREATE
-    std::string sentence;  // with the places {object}, {1}, {2}, ... where its values go
+    std::string key;       // as the library prints it: EVT_CODE_LD_CREATE
+    std::string sentence;  // with the placeholders {object}, {1}, {2}, ...
 };
 
 struct CodeTable {
     std::span<const RefusalText> refusals{};
-    std::span<const EventText> events{};  // in the order of the library's texts
+    std::span<const EventText> events{};  // sorted like the library's texts
 
     // The controller's own codes.
     std::span<const Named> activities{};
@@ -69,19 +69,19 @@ struct CodeTable {
     std::span<const Named> severities{};
 };
 
-/// Where the names of a kind of code stand, and what a table in a file calls it.
+/// The member with the names of a kind of code, and its name in a table file.
 struct CodeList {
     std::string_view name;
     std::span<const Named> CodeTable::*names;
 };
 
-/// Every list of names that is the controller's own.
+/// Every list of names that depends on the controller.
 std::span<const CodeList> CodeLists();
 
 /// The codes of our own controllers.
 const CodeTable& OwnCodes();
 
-/// The codes of a controller that nobody knows: the interface's alone.
+/// The codes for an unknown controller: only those of the interface.
 const CodeTable& NoCodes();
 
 }  // namespace hxcodes

@@ -1,4 +1,4 @@
-// Every table of codes has a row for each of its codes: a forgotten one does not compile.
+// Checks that every table has a row for each of its codes; a missing row does not compile.
 #include "codes/complete.h"
 
 #include "codes/activity.h"
@@ -50,7 +50,7 @@ static_assert(IsCompleteInBits<CacheBit, kCacheBits>());
 static_assert(IsCompleteInBits<DiskBit, kDiskBits>());
 static_assert(IsCompleteInBits<DiskFeature, kDiskFeatureBits>());
 
-// Codes of events have seven bits in each class, and one is 65535.
+// Event codes have seven bits in each class, except one that is 65535.
 template <HX_U16... event_class>
 consteval bool HasRowForEachEvent(std::integer_sequence<HX_U16, event_class...>) {
     return (HasRowForEach<EventKind, kEvents, At(event_class, 0), 128>() && ...);

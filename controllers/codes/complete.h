@@ -1,12 +1,12 @@
-// Whether a table has a row for every enumerator of its codes. The compiler is asked: how it writes
-// a value tells whether the value has a name.
+// Whether a table has a row for every enumerator of its codes, decided by how the compiler spells a
+// value: with a name or without.
 #pragma once
 
 #include "codes/named.h"
 
 namespace hxcodes {
 
-/// Whether each of the values is an enumerator. The compiler lists them, by name or as "(Type)7".
+/// Whether each of the values is an enumerator: the compiler spells it by name, else as "(Type)7".
 template <auto... values>
 consteval auto AreEnumerators() {
     std::array<bool, sizeof...(values)> are{};
@@ -21,7 +21,7 @@ consteval auto AreEnumerators() {
     return are;
 }
 
-/// Whether the rows are those of the enumerators among so many numbers from `first` on.
+/// Whether the rows are exactly the enumerators among `count` numbers from `first` on.
 template <class Code, const auto& rows, HX_U32 first, std::size_t count>
 consteval bool HasRowForEach() {
     constexpr auto are = []<std::size_t... i>(std::index_sequence<i...>) {
@@ -38,7 +38,7 @@ consteval bool IsComplete() {
     return HasRowForEach<Code, rows, 0, 256>();
 }
 
-/// The same of bits: 1, 2, 4, ....
+/// The same for bits: 1, 2, 4, ....
 template <class Code, const auto& rows>
 consteval bool IsCompleteInBits() {
     constexpr auto are = []<std::size_t... i>(std::index_sequence<i...>) {

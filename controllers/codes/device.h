@@ -1,4 +1,4 @@
-// What a device is and how it is linked.
+// Kinds of devices and their links.
 #pragma once
 
 #include "codes/named.h"
@@ -24,7 +24,7 @@ static_assert(IsTable(kDeviceNames));
 constexpr const auto& TableOf(Device) { return kDeviceNames; }
 
 /// How a disk is connected: ConnectionType of HD_Info. Bit 0x01 is ATA commands, 0x02 SCSI
-/// commands, 0x04 a serial link; from 0x10 on each kind has a bit of its own.
+/// commands, 0x04 a serial link; from 0x10 on each kind has its own bit.
 enum class ConnectionType : HX_U8 {
     kSata = 0x05,
     kSas = 0x06,
@@ -41,7 +41,7 @@ inline constexpr Named kConnectionTypeNames[] = {
 static_assert(IsTable(kConnectionTypeNames));
 constexpr const auto& TableOf(ConnectionType) { return kConnectionTypeNames; }
 
-/// The same for callers of older adapters, which derive ConnectionType from it: HDType of HD_Info.
+/// HDType of HD_Info, the older form from which callers derive ConnectionType.
 enum class DiskType : HX_U8 {
     kSata = 0x01,
     kSas = 0x04,

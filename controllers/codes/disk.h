@@ -1,12 +1,12 @@
-// Disks: their state, what they can do and what becomes of them.
+// Disks: state, features and actions.
 #pragma once
 
 #include "codes/named.h"
 
 namespace hxcodes {
 
-/// The state of a disk, as bits: Status of HD_Info, HD_RAID_Status and HD_BGA_Status. The bits of
-/// disks that are not free (0x04, 0x08, 0x40, 0x80) stand where callers look for them.
+/// The state of a disk, as bits: Status of HD_Info, HD_RAID_Status and HD_BGA_Status. Callers test
+/// the bits 0x04, 0x08, 0x40 and 0x80 to find disks that are not free.
 enum class DiskBit : HX_U8 {
     kOnline = 0x01,
     kForeign = 0x02,     // carries the metadata of another controller
@@ -28,7 +28,7 @@ constexpr const auto& TableOf(DiskBit) { return kDiskBits; }
 template <>
 inline constexpr bool kAreBits<DiskBit> = true;
 
-/// The one word for a disk's state. The first row whose bits are all set is it.
+/// One word for a disk's state: the first row whose bits are all set.
 struct DiskWord {
     HX_U8 bits;
     std::string_view name;
@@ -51,7 +51,7 @@ constexpr std::string_view DiskWordOf(std::uint64_t status) {
 }
 static_assert(kDiskWords[std::size(kDiskWords) - 1].bits == 0);
 
-/// What a disk can do, as bits: FeatureSupport of HD_Info.
+/// A disk's features, as bits: FeatureSupport of HD_Info.
 enum class DiskFeature : HX_U32 {
     kSmart = 0x01,
     kWriteCache = 0x02,
@@ -67,11 +67,11 @@ constexpr const auto& TableOf(DiskFeature) { return kDiskFeatureBits; }
 template <>
 inline constexpr bool kAreBits<DiskFeature> = true;
 
-/// What a disk is to become: Action of HX_PD_SetHDStatus.
+/// The new state of a disk: Action of HX_PD_SetHDStatus.
 enum class DiskAction : HX_U8 {
     kOnline = 1,
     kOffline = 2,
-    kFree = 3,  // takes a failed or foreign disk's configuration off
+    kFree = 3,  // removes a failed or foreign disk's configuration
 };
 inline constexpr Named kDiskActionNames[] = {
     {DiskAction::kOnline, "online"},
@@ -81,7 +81,7 @@ inline constexpr Named kDiskActionNames[] = {
 static_assert(IsTable(kDiskActionNames));
 constexpr const auto& TableOf(DiskAction) { return kDiskActionNames; }
 
-/// Why sectors have been remapped: flag of RCT_Record.
+/// The reason for a remap: flag of RCT_Record.
 enum class RemapReason : HX_U8 {
     kReadError = 1,
     kWriteError = 2,

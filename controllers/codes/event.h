@@ -1,9 +1,8 @@
-// Events: one row for each, with its key, its sentence and the conditions that it tells of.
+// Events: one row for each, with its key, its sentence and the conditions that it affects.
 //
-// Classes and codes are those of the library's event texts, which are its own: a test holds the
-// keys against them. Severities are our controllers' choice. The virtual controller sends most of
-// these; its charger, timers and memory do not fail, and its battery relearns only when it is told
-// to.
+// Classes and codes are those of the library's event texts; a test compares the keys with them.
+// Severities are our controllers' choice. The virtual controller sends most of these events; its
+// charger, timers and memory do not fail, and its battery relearns only on request.
 #pragma once
 
 #include <algorithm>
@@ -17,21 +16,21 @@ namespace hxcodes {
 constexpr HX_U32 At(HX_U16 event_class, HX_U16 code) { return HX_U32{event_class} << 16 | code; }
 constexpr HX_U32 At(EventClass event_class, HX_U16 code) { return At(NumberOf(event_class), code); }
 
-/// Which event. What its Params hold is said beside it; where nothing is said they are zero.
+/// Kinds of events. The comments describe Params; without one they are zero.
 enum class EventKind : HX_U32 {
     // Adapters.
     kSmartPollingOn = At(EventClass::kAdapter, 0),
     kSmartPollingOff = At(EventClass::kAdapter, 1),
-    kAlarmOn = At(EventClass::kAdapter, 2),  // the alarm may sound
+    kAlarmOn = At(EventClass::kAdapter, 2),  // the alarm is switched on
     kAlarmOff = At(EventClass::kAdapter, 3),
     kAutoRebuildOn = At(EventClass::kAdapter, 4),
     kAutoRebuildOff = At(EventClass::kAdapter, 5),
     kMediaPatrolRateSet = At(EventClass::kAdapter, 6),
     kCopybackSetOn = At(EventClass::kAdapter, 7),
     kCopybackSetOff = At(EventClass::kAdapter, 8),
-    kAdapterFound = At(EventClass::kAdapter, 9),    // the text is its serial number
+    kAdapterFound = At(EventClass::kAdapter, 9),    // the text is the adapter's serial number
     kEventError = At(EventClass::kAdapter, 65535),  // Params[2]: events lost
-    // Virtual disks; the steps of their activities have the codes of kActivities.
+    // Virtual disks; the steps of their activities have codes from kActivities.
     kVirtualDiskOffline = At(EventClass::kVirtualDisk, 0),
     kVirtualDiskOnline = At(EventClass::kVirtualDisk, 1),
     kVirtualDiskCreated = At(EventClass::kVirtualDisk, 2),
@@ -39,7 +38,7 @@ enum class EventKind : HX_U32 {
     kVirtualDiskDegraded = At(EventClass::kVirtualDisk, 4),
     kVirtualDiskPartiallyOptimal = At(EventClass::kVirtualDisk, 5),
     kCacheModeChanged = At(EventClass::kVirtualDisk, 6),
-    kErrorsFixed = At(EventClass::kVirtualDisk, 7),  // a check or fix has made redundancy agree
+    kErrorsFixed = At(EventClass::kVirtualDisk, 7),  // a fix has made redundancy agree
     kErrorsFound = At(EventClass::kVirtualDisk, 8),  // Params[0]: stripes that disagree
     kVirtualDiskImported =
         At(EventClass::kVirtualDisk, 9),  // Params[0]: its ID on the other controller
@@ -126,7 +125,7 @@ enum class EventKind : HX_U32 {
     kShutdownCommand = At(EventClass::kMisc, 7),
     kDiskMissingAtBoot = At(EventClass::kMisc, 16),
     kVirtualDiskMissesDisks = At(EventClass::kMisc, 17),
-    kVirtualDiskMissingAtBoot = At(EventClass::kMisc, 18),  // not one of its disks is there
+    kVirtualDiskMissingAtBoot = At(EventClass::kMisc, 18),  // all of its disks are missing
     kPreviousConfigurationMissingAtBoot = At(EventClass::kMisc, 19),
     kDiskTooSmallForRebuild = At(EventClass::kMisc, 20),
     kDiskTooSmallForCopyback = At(EventClass::kMisc, 21),
@@ -147,7 +146,7 @@ constexpr EventKind KindOf(const Event& event) {
 constexpr HX_U16 ClassOf(EventKind kind) { return static_cast<HX_U16>(NumberOf(kind) >> 16); }
 constexpr HX_U16 CodeOf(EventKind kind) { return static_cast<HX_U16>(NumberOf(kind) & 0xFFFF); }
 
-/// What DeviceID of an event numbers.
+/// The kind of object that DeviceID of an event refers to.
 enum class Subject : HX_U8 {
     kOfAdapter,
     kOfVirtualDisk,
@@ -163,14 +162,13 @@ struct EventRow {
     EventKind code;
     Subject subject;
     Severity severity;
-    // The key that the library writes, without its prefix, and the sentence for people. {object}
-    // stands for the object's address, {1} for the number that is in every line, {2} and on for
-    // what follows it. Both are empty where the library has no text.
+    // The library's key without its prefix, and the sentence for people. {object} stands for the
+    // object's address, {1} for the number that every line has, {2} and so on for the values after
+    // it. Both are empty where the library has no text.
     std::string_view key;
     std::string_view sentence;
-    // The codes of the conditions that it may be the beginning or the end of, with blanks between
-    // them. Whether they hold is seen by a look at the object: an event calls for one, and tells
-    // since when.
+    // The codes of the conditions that the event may start or end, separated by blanks. Whether
+    // they hold is decided by reading the object: the event triggers that and gives the time.
     std::string_view raises = {};
     std::string_view clears = {};
 };
@@ -350,7 +348,7 @@ inline constexpr EventRow kEvents[] = {
     {kFlashDamaged, kOfImage, kCritical, "", "", "FLASH_IMAGE_DAMAGED"},
     {kBackgroundRateChanged, kOfAdapter, kInfo, "MISC_CHANGE_BACK_ACTIVITY_RATE",
      "The background rate was changed to {1} percent"},
-    // The key is spelt MUTLI; so the library writes it.
+    // Spelt MUTLI, as the library prints it.
     {kMemoryErrorOfSeveralBits, kOfAdapter, kCritical, "MISC_MUTLI_BIT_ECC_ERR",
      "A memory error of several bits that could not be corrected (syndrome {1}, address 0x{2}, "
      "count {3})",
@@ -392,7 +390,7 @@ inline constexpr EventRow kEvents[] = {
 
 using event_rows::kEvents;
 
-/// A second text of an event that has one with a serial number already.
+/// The text without a serial number of an event that has one with it in its row.
 struct TextVariant {
     EventKind code;
     std::string_view key;
@@ -405,8 +403,8 @@ inline constexpr TextVariant kTextVariants[] = {
 
 // ---- Steps of activities ----------------------------------------------------------------------
 
-/// What the step of an activity adds to its row. Keys and sentences are put together from both:
-/// LD_CHECK_START, "The consistency check of virtual disk {object} has started".
+/// The part of a step in an activity's texts. Keys and sentences combine both: LD_CHECK_START, "The
+/// consistency check of virtual disk {object} has started".
 struct StepRow {
     Step code;
     Severity severity;
@@ -429,7 +427,7 @@ inline constexpr StepRow kSteps[] = {
 };
 static_assert(Ascends(kSteps) && std::size(kSteps) == kCodesPerActivity);
 
-/// The conditions of steps that tell of others than their activity's.
+/// Steps of single activities whose conditions differ from those in kSteps, which these replace.
 struct StepConditions {
     ActivityKind activity;
     Step step;
@@ -452,7 +450,7 @@ inline constexpr StepConditions kStepConditions[] = {
     {ActivityKind::kRebuild, Step::kError, "REBUILD_FAILED", ""},
 };
 
-/// The event of an activity's step; none of an activity that nobody is told of.
+/// The event of an activity's step; none for an activity without events.
 constexpr std::optional<EventKind> EventOf(ActivityKind activity, Step step) {
     const auto& events = RowOf(activity).events;
     if (!events) return std::nullopt;
@@ -460,7 +458,7 @@ constexpr std::optional<EventKind> EventOf(ActivityKind activity, Step step) {
     return static_cast<EventKind>(At(events->type, code));
 }
 
-/// The activity that has an event of this kind among its steps; null when there is none.
+/// The activity to whose steps this kind of event belongs; null when there is none.
 constexpr const ActivityRow* ActivityOf(EventKind kind) {
     for (const ActivityRow& row : kActivities) {
         if (!row.events || NumberOf(row.events->type) != ClassOf(kind)) continue;
@@ -470,7 +468,7 @@ constexpr const ActivityRow* ActivityOf(EventKind kind) {
     return nullptr;
 }
 
-/// The step that such an event tells of.
+/// The step that such an event reports.
 constexpr const StepRow& StepOf(const ActivityRow& activity, EventKind kind) {
     return kSteps[CodeOf(kind) - activity.events->first];
 }
@@ -481,7 +479,7 @@ constexpr Severity SeverityOf(EventKind kind) {
     return activity == nullptr ? Severity::kUnknown : StepOf(*activity, kind).severity;
 }
 
-// ---- What holds of the rows ---------------------------------------------------------------------
+// ---- Checks of the rows -------------------------------------------------------------------------
 
 static_assert(Ascends(kEvents), "codes ascend, and no two events have the same");
 
@@ -501,7 +499,7 @@ constexpr bool HasGoodTexts(const EventRow& row) {
 static_assert(std::ranges::all_of(kEvents, HasGoodTexts),
               "a key has its sentence, whose places can be filled");
 
-/// Whether each step of each activity has exactly one text: by the rule, or by a row of its own.
+/// Whether each step of each activity has exactly one text: by the rule, or by its own row.
 consteval bool StepsHaveOneTextEach() {
     for (const ActivityRow& activity : kActivities) {
         for (const StepRow& step : kSteps) {
@@ -518,7 +516,7 @@ consteval bool StepsHaveOneTextEach() {
 static_assert(StepsHaveOneTextEach(),
               "the codes of an activity's steps and those of other events do not meet");
 
-/// The library makes the texts of virtual disks' activities by this rule.
+/// The library composes the texts of virtual disks' activities by this rule.
 constexpr bool FollowsRuleOfTexts(const ActivityRow& row) {
     if (row.runs_on != RunsOn::kVirtualDisk) return true;
     return row.events && row.events->first == 10 + kCodesPerActivity * NumberOf(row.code);

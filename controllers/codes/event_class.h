@@ -26,8 +26,8 @@ enum class EventClass : HX_U16 {
 struct EventClassRow {
     EventClass code;
     std::string_view name;
-    // Of its events whose code has no text: what the library writes as their key, and the sentence.
-    // Empty where the library writes nothing.
+    // For events whose code has no text: the library's key and the sentence. Empty where the
+    // library prints nothing.
     std::string_view unknown_key;
     std::string_view unknown_sentence;
 };
@@ -56,7 +56,7 @@ static_assert(IsTable(kEventClasses));
 constexpr const auto& TableOf(EventClass) { return kEventClasses; }
 inline constexpr auto kEventClassNames = NamesFrom(kEventClasses);
 
-/// What the library writes for an event of a class that has no row.
+/// The library's key for an event of an unknown class.
 inline constexpr std::string_view kUnknownClassKey = "EVT_Unknown";
 inline constexpr std::string_view kUnknownClassSentence =
     "An event of unknown class {1} on adapter {2}";

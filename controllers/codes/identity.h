@@ -1,16 +1,15 @@
-// How a controller is known that has the codes of this folder.
+// How to recognise a controller that has the codes of this folder.
 #pragma once
 
 #include <string_view>
 
 namespace hxcodes {
 
-/// The end of the text that HX_API_Version gives for the virtual controller. It is the one thing
-/// that a controller library says of itself before there is an adapter; what adapters say (vendor,
-/// device) is set by whoever describes the machine.
+/// The end of the virtual controller's HX_API_Version. Only this text identifies the library
+/// itself: the vendor and device of its adapters can be chosen by the topology.
 inline constexpr std::string_view kVirtualController = " (virtual controller)";
 
-/// The same for the controller over the kernel's own arrays.
+/// The same for the controller of Linux software RAID.
 inline constexpr std::string_view kLinuxMd = " (linuxmd)";
 
 }  // namespace hxcodes

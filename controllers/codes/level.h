@@ -1,4 +1,4 @@
-// RAID levels: what each is made of, and how much of its disks holds data.
+// RAID levels: the number of disks of each, and how many of them hold data.
 #pragma once
 
 #include <algorithm>
@@ -20,35 +20,35 @@ enum class Level : HX_U8 {
     kRaid60 = 0x60,
 };
 
-/// How many disks make a leg, besides the fewest and the most.
+/// The rule for the number of disks in a leg, besides its limits.
 enum class Disks : HX_U8 { kAny, kEven, kOdd };
 
-/// Which disks make up for each other's loss.
+/// The disks among which redundancy is spread.
 enum class Spread : HX_U8 {
-    kLegs,   // all disks of a leg, by parity; none where the level has no parity
-    kPairs,  // two disks that hold the same
+    kLegs,   // all disks of a leg, with parity if the level has any
+    kPairs,  // two disks with the same content
     kRing,   // neighbours: each disk shares a copy with the next one
 };
 
 struct LevelRow {
     Level code;
     std::string_view name;
-    std::string_view number;  // as people say it: "RAID 1E"
+    std::string_view number;  // for people: "RAID 1E"
     HX_U16 mode;              // its bit in LogicalDriverMode of Adapter_Info
-    HX_U8 leg_least;          // the fewest disks of a leg; of the whole where there are no legs
+    HX_U8 leg_least;          // the fewest disks of a leg, or of the array without legs
     HX_U8 leg_most;           // the most; 0: no limit
     Disks leg_disks;
-    HX_U8 copies;      // disks that hold the same
-    HX_U8 leg_parity;  // disks of each leg that hold parity
+    HX_U8 copies;      // copies of all data, each on another disk
+    HX_U8 leg_parity;  // disks' worth of parity in each leg
     Spread spread;
-    bool legs;  // is made of legs, two where the caller names no number
+    bool legs;  // has legs; two unless the caller names a number
 };
 inline constexpr LevelRow kLevels[] = {
     // disks of a leg: least, most, which; copies, parity
     {Level::kRaid0, "raid0", "0", 0x0001, 1, 0, Disks::kAny, 1, 0, Spread::kLegs, false},
     {Level::kRaid1, "raid1", "1", 0x0002, 2, 2, Disks::kAny, 2, 0, Spread::kPairs, false},
     {Level::kRaid5, "raid5", "5", 0x0010, 3, 0, Disks::kAny, 1, 1, Spread::kLegs, false},
-    // Of three disks, one of data is enough to ask for.
+    // Three disks suffice: one of data and two of parity.
     {Level::kRaid6, "raid6", "6", 0x0020, 3, 0, Disks::kAny, 1, 2, Spread::kLegs, false},
     {Level::kRaid10, "raid10", "10", 0x0004, 4, 0, Disks::kEven, 2, 0, Spread::kPairs, false},
     {Level::kRaid1E, "raid1e", "1e", 0x0008, 3, 0, Disks::kOdd, 2, 0, Spread::kRing, false},
@@ -60,7 +60,7 @@ constexpr const auto& TableOf(Level) { return kLevels; }
 
 inline constexpr auto kLevelNames = NamesFrom(kLevels);
 
-/// The numbers in the order in which people list them: 1, 1e, 5, ....
+/// The levels in the order that people expect: 1, 1e, 5, ....
 inline constexpr auto kLevelNumbers = [] {
     std::array<std::string_view, std::size(kLevels)> numbers{};
     for (std::size_t i = 0; i < numbers.size(); ++i) numbers[i] = kLevels[i].number;
@@ -83,13 +83,13 @@ constexpr unsigned RedundancyOf(const LevelRow& level) {
     return level.copies - 1U + level.leg_parity;
 }
 
-/// The number of legs: 1 where the level has none, whatever is asked for.
+/// The number of legs; always 1 where the level has none.
 constexpr unsigned LegsOf(const LevelRow& level, unsigned asked) {
     if (!level.legs) return 1;
     return asked == 0 ? 2 : asked;
 }
 
-/// Whether the level can be made of so many disks in so many legs.
+/// Whether the level can be made of this number of disks and legs.
 constexpr bool CanBeMade(const LevelRow& level, unsigned disks, unsigned asked_legs) {
     const unsigned legs = LegsOf(level, asked_legs);
     if (level.legs && legs < 2) return false;

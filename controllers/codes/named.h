@@ -1,8 +1,8 @@
-// What every table of codes is made of: rows of a code and its name, and what must hold of them.
+// The base of every table of codes: rows of a code and its name, and the checks of such tables.
 //
-// The codes are those of our own controllers. Another controller's may differ, so a program shows
-// the number beside the name, and the number alone where no name is known. Rows stand in the order
-// of their codes. A name is lower case with underscores, fit for scripts, and never changes.
+// The codes are those of our own controllers. Another controller's may differ, so programs print
+// the number beside the name, or alone without a name. Rows stand in the order of their codes.
+// Names are lower case with underscores, for use in scripts, and never change.
 #pragma once
 
 #include <array>
@@ -24,21 +24,21 @@ namespace hxcodes {
 template <class Code>
 concept CodeEnum = std::is_enum_v<Code>;
 
-/// The number of a code, as a record has it.
+/// The number of a code, as records contain it.
 template <CodeEnum Code>
 constexpr auto NumberOf(Code code) {
     return static_cast<std::underlying_type_t<Code>>(code);
 }
 constexpr HX_U32 NumberOf(HX_U32 code) { return code; }
 
-/// A number of a record may be compared with a code; it becomes one by ToCode alone.
+/// A record's number can be compared with a code; only ToCode converts it to one.
 template <std::integral Number, CodeEnum Code>
 constexpr bool operator==(Number number, Code code) {
     return std::cmp_equal(number, NumberOf(code));
 }
 
-/// Whether the codes of an enumeration are bits, which stand in a record together. Set beside those
-/// that are.
+/// Whether the codes of an enumeration are bits that records combine. Specialised beside such
+/// enumerations.
 template <class Code>
 inline constexpr bool kAreBits = false;
 template <class Code>
@@ -61,7 +61,7 @@ constexpr Number operator&(Number number, Bit bit) {
     return static_cast<Number>(number & NumberOf(bit));
 }
 
-/// A code and its name. Tables whose rows hold more give theirs by NamesOf.
+/// A code and its name. Tables with larger rows provide these by NamesFrom.
 struct Named {
     HX_U32 code;
     std::string_view name;
@@ -71,7 +71,7 @@ struct Named {
     constexpr Named(Code number, std::string_view text) : code(NumberOf(number)), name(text) {}
 };
 
-/// The codes and names of rows that hold more.
+/// The codes and names of larger rows.
 template <class Row, std::size_t n>
 constexpr std::array<Named, n> NamesFrom(const Row (&rows)[n]) {
     return [&]<std::size_t... i>(std::index_sequence<i...>) {
@@ -80,7 +80,7 @@ constexpr std::array<Named, n> NamesFrom(const Row (&rows)[n]) {
     (std::make_index_sequence<n>());
 }
 
-/// The names of `rows` by another number of theirs, in its order, without rows where it is 0.
+/// The names of `rows` keyed and sorted by another of their numbers, without rows where that is 0.
 template <const auto& rows, auto number>
 consteval auto NamesBy() {
     constexpr auto count = [] {
@@ -110,7 +110,7 @@ consteval auto NamesBy() {
     (std::make_index_sequence<count()>());
 }
 
-/// The row of a number; null when no row has it.
+/// The row with the number; null when there is none.
 template <class Rows>
 constexpr auto FindCode(const Rows& rows, std::uint64_t number) -> decltype(std::data(rows)) {
     for (const auto& row : rows) {
@@ -131,7 +131,7 @@ constexpr bool HasCode(const Rows& rows, std::uint64_t number) {
     return false;
 }
 
-/// The row of a name; null when no row is called so.
+/// The row with the name; null when there is none.
 template <class Rows>
 constexpr auto FindName(const Rows& rows, std::string_view name) -> decltype(std::data(rows)) {
     for (const auto& row : rows) {
@@ -147,7 +147,7 @@ constexpr std::string_view NameOf(const Rows& rows, std::uint64_t number) {
     return row == nullptr ? std::string_view() : row->name;
 }
 
-/// The code that a number is; none when it is no code. TableOf stands beside each table.
+/// Converts a number to a code; none when it is no code. Needs a TableOf beside the table.
 template <CodeEnum Code>
 constexpr std::optional<Code> ToCode(std::uint64_t number) {
     if (!HasCode(TableOf(Code{}), number)) return std::nullopt;
@@ -160,7 +160,7 @@ constexpr bool IsCode(Code code) {
     return HasCode(TableOf(code), NumberOf(code));
 }
 
-/// The row of a code, which has one. Throws std::out_of_range for a number that is no code.
+/// The row of a code. Throws std::out_of_range for a number that is no code.
 template <class Rows, CodeEnum Code>
 constexpr const auto& RowOf(const Rows& rows, Code code) {
     for (const auto& row : rows) {
@@ -169,7 +169,7 @@ constexpr const auto& RowOf(const Rows& rows, Code code) {
     throw std::out_of_range("a number that is no code");
 }
 
-/// The row of a code in the table of its enumeration, which has one for every code.
+/// The row of a code in the table of its enumeration.
 template <CodeEnum Code>
 constexpr const auto& RowOf(Code code) {
     return RowOf(TableOf(code), code);
@@ -204,7 +204,7 @@ constexpr bool IsFitForScripts(std::string_view name) {
     return !name.empty();
 }
 
-/// Whether the codes ascend, and so none comes twice.
+/// Whether the codes ascend strictly, so that none is repeated.
 template <class Rows>
 consteval bool Ascends(const Rows& rows) {
     for (std::size_t i = 1; i < std::size(rows); ++i) {
@@ -213,7 +213,7 @@ consteval bool Ascends(const Rows& rows) {
     return true;
 }
 
-/// Whether the rows make a table: codes ascend, and every name is fit for scripts and no other's.
+/// Whether the rows form a table: codes ascend, names are unique and fit for scripts.
 template <class Rows>
 consteval bool IsTable(const Rows& rows) {
     for (const auto& row : rows) {
@@ -222,7 +222,7 @@ consteval bool IsTable(const Rows& rows) {
     return Ascends(rows);
 }
 
-/// The same of a table of bits: each code is a bit of its own.
+/// The same for a table of bits: each code is a single, distinct bit.
 template <class Rows>
 consteval bool IsTableOfBits(const Rows& rows) {
     for (const auto& row : rows) {

@@ -1,4 +1,4 @@
-// The rates that are set for background activities, as a share of the controller's time.
+// The rates of background activities: their share of the controller's time.
 #pragma once
 
 #include "codes/named.h"
@@ -6,7 +6,7 @@
 namespace hxcodes {
 
 enum class Rate : HX_U8 {
-    kGeneral,  // of activities without a rate of their own
+    kGeneral,  // for activities without their own rate
     kSync,
     kInit,
     kRebuild,
@@ -19,7 +19,8 @@ struct RateRow {
     Rate code;
     std::string_view name;
     HX_U8 Adapter_Config_V2::*setting;  // in percent
-    HX_U8 feature;  // the bit of Adapter_Info::Features that lets it be set; 0: it always can be
+    HX_U8 feature;  // the bit of Adapter_Info::Features that permits setting it; 0: always
+                    // permitted
 };
 inline constexpr RateRow kRates[] = {
     {Rate::kGeneral, "general", &Adapter_Config_V2::BGARate, 0},

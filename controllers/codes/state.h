@@ -5,13 +5,13 @@
 
 namespace hxcodes {
 
-/// Status of Block_Info, LD_Info, LD_Status, LD_Config and DG_Info. The worse, the higher.
+/// Status of Block_Info, LD_Info, LD_Status, LD_Config and DG_Info. A higher code is a worse state.
 enum class State : HX_U8 {
     kOptimal = 1,
-    kPartiallyOptimal = 2,  // disks are lost and some redundancy is left
-    kRebuilding = 3,        // a block: its content is being made
-    kDegraded = 4,          // disks are lost and no redundancy is left
-    kOffline = 5,           // more is lost than redundancy can make up for
+    kPartiallyOptimal = 2,  // positions are lost; some redundancy is left
+    kRebuilding = 3,        // a block: its content is being restored
+    kDegraded = 4,          // positions are lost; no redundancy is left
+    kOffline = 5,           // data is lost: more losses than redundancy covers
     kForeign = 6,           // made by another controller and not imported
 };
 inline constexpr Named kStateNames[] = {

@@ -5,9 +5,9 @@
 
 namespace hxcodes {
 
-/// What a call answers. A refused call changes nothing, and writes nothing but what its declaration
-/// names. The codes of refusals start at 200, clear of the small codes and of the 73 and 159 that
-/// callers of the library use for what they find out themselves.
+/// The results of calls. A refused call changes nothing, and writes only what its declaration
+/// names. Refusals start at 200, to avoid the small codes and the 73 and 159 with which callers of
+/// the library report their own findings.
 enum class Status : HX_U8 {
     kSuccess = HX_SUCCESS,
     kNotInitialized = 200,
@@ -67,22 +67,22 @@ enum class Status : HX_U8 {
     kUnsettled = 254,
 };
 
-/// What is wrong, in kind: exit codes of programs follow from it.
+/// The kind of refusal, from which the exit codes of programs follow.
 enum class Fault : HX_U8 {
-    kRequest,      // the call asks for what cannot be done, or not now
-    kNoObject,     // what it is about does not exist
-    kUnavailable,  // the controller can serve nobody now
+    kRequest,      // the request cannot be fulfilled, or not now
+    kNoObject,     // its object does not exist
+    kUnavailable,  // the controller cannot be used now
 };
 
 /// A refusal.
 struct StatusRow {
     Status code;
     std::string_view name;
-    std::string_view sentence;  // tells a person what is wrong
+    std::string_view sentence;  // for people
     Fault fault = Fault::kRequest;
 };
 
-/// Every code but success.
+/// Every code except success.
 inline constexpr StatusRow kRefusals[] = {
     {Status::kNotInitialized, "not_initialized", "The controller library is not open.",
      Fault::kUnavailable},
@@ -163,7 +163,8 @@ inline constexpr StatusRow kRefusals[] = {
 static_assert(IsTable(kRefusals));
 static_assert(NumberOf(kRefusals[0].code) == 200, "below 200 are codes of the library's callers");
 
-/// Whether the adapter simply does not have what was asked for. Nobody minds where a list asked.
+/// Whether the adapter just lacks what was asked for, which is no error when a list asks all
+/// adapters.
 constexpr bool IsAbsence(std::uint64_t status) {
     return status == Status::kNotSupported || status == Status::kNoBattery;
 }

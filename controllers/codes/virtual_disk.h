@@ -1,11 +1,11 @@
-// Virtual disks: what their blocks are for, their cache, and how their size is rounded.
+// Virtual disks: the use of their blocks, their cache, and the rounding of their size.
 #pragma once
 
 #include "codes/named.h"
 
 namespace hxcodes {
 
-/// What a block is there for, as bits: Flags of Block_Info.
+/// The use of a block, as bits: Flags of Block_Info.
 enum class BlockBit : HX_U16 {
     kUsed = 0x0001,     // by its virtual disk
     kOfGroup = 0x0002,  // it lies on a disk of a disk group
@@ -39,7 +39,7 @@ inline constexpr bool kAreBits<CacheBit> = true;
 
 /// How the size of a virtual disk is rounded down: RoundingScheme.
 enum class Rounding : HX_U8 {
-    kToStripe = 0,  // to whole stripes, as every size is
+    kToStripe = 0,  // only to whole stripes, which always applies
     kTo1GiB = 1,
     kTo10GiB = 2,
 };

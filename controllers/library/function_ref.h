@@ -1,4 +1,4 @@
-// A reference to something that can be called.
+// A non-owning reference to a callable.
 #pragma once
 
 #include <memory>
@@ -10,8 +10,8 @@ namespace hxlibrary {
 template <class Signature>
 class FunctionRef;
 
-/// Refers to a callable that the caller keeps until the call ends. Unlike std::function it is made
-/// without memory, so that an entry point can be called when there is none.
+/// Refers to a callable that must outlive the call. Unlike std::function it never allocates, so
+/// that an entry point works when memory has run out.
 template <class Result, class... Arguments>
 class FunctionRef<Result(Arguments...)> {
 public:

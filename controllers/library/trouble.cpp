@@ -1,4 +1,4 @@
-// The reason that was kept last.
+// Stores the reason of the last failure.
 #include "library/trouble.h"
 
 #include <cstdio>
@@ -6,7 +6,7 @@
 namespace hxlibrary {
 namespace {
 
-// A path of the greatest length and a sentence.
+// Large enough for the longest path and a sentence.
 constinit char kept[4096 + 512] = "";
 
 }  // namespace

@@ -1,13 +1,12 @@
-// What a controller library gives back when it is unloaded.
+// Frees memory when a controller library is unloaded.
 //
-// The C++ runtime in it (it is linked statically) keeps a reserve of 72 KiB for exceptions that are
-// thrown when memory has run out. A process that loads and unloads the library would lose one each
-// time.
+// The statically linked C++ runtime keeps a reserve of 72 KiB for exceptions thrown when memory has
+// run out. A process that loads and unloads the library would leak one reserve each time.
 
-// The names are the runtime's.
+// The runtime defines these names.
 namespace __gnu_cxx {  // NOLINT(bugprone-reserved-identifier)
 
-// Declared in no header of the runtime; made for programs that look for leaks.
+// Not declared in any header of the runtime; it exists for leak checkers.
 void __freeres();  // NOLINT(bugprone-reserved-identifier)
 
 }  // namespace __gnu_cxx

@@ -92,7 +92,7 @@ bool Statement::Step() {
         Reset();
         return false;
     }
-    // The message is the connection's, and Reset would say another one.
+    // Throw first: the message belongs to the connection, and Reset would replace it.
     try {
         Throw(sqlite3_db_handle(statement_.get()), sentence_, code);
     } catch (...) {
@@ -130,7 +130,7 @@ Connection::Connection(const std::string& path, Access access, Sentence sentence
     }
     sqlite3_extended_result_codes(database, 1);
     sqlite3_busy_timeout(database, kPatience);
-    // A file may come from anywhere: nothing in it is run, and its tables are what they seem.
+    // The file may be untrusted: run no triggers, views or functions from it.
     sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
@@ -157,13 +157,13 @@ std::optional<LogHead> Connection::Head() const {
     if (io->xShmMap(file, 0, kIndexPage, 0, &page) != SQLITE_OK || page == nullptr) {
         return std::nullopt;
     }
-    // Read while others may write it: two copies that differ are a commit that is going on.
+    // Other processes may be writing it: two copies that differ mean a commit in progress.
     std::array<LogHead, 2> copies{};
     const auto* words = static_cast<const volatile std::uint32_t*>(page);
     for (LogHead& copy : copies) {
         for (std::uint32_t& word : copy) word = *words++;
     }
-    // An index that nobody has filled yet, or is rebuilding, never changes by a commit.
+    // Ignore an index that is not filled yet or is being recovered: commits do not change it.
     constexpr std::uint32_t kVersion = 3007000;
     std::uint8_t is_filled = 0;
     std::memcpy(&is_filled, &copies[0][3], 1);
@@ -180,7 +180,7 @@ Transaction::~Transaction() {
     try {
         connection_.Execute("ROLLBACK");
     } catch (const std::exception&) {
-        // After some errors (a full disk, say) SQLite has rolled back already.
+        // After some errors (e.g. a full disk) SQLite has rolled back already.
         return;
     }
 }

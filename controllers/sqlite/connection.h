@@ -1,5 +1,5 @@
-// SQLite as the controllers' state files use it: connections and statements that clean up after
-// themselves and throw StoreError with a sentence for people.
+// SQLite for the controllers' state files: connections and statements with destructors, which throw
+// StoreError with a sentence for people.
 #pragma once
 
 #include <sqlite3.h>
@@ -15,7 +15,7 @@
 
 namespace hxsqlite {
 
-/// Another process keeps the file to itself.
+/// Another process holds a lock on the file for too long.
 struct BusyError : StoreError {
     using StoreError::StoreError;
 };
@@ -27,17 +27,17 @@ inline constexpr int kPatience = 5000;  // milliseconds
 enum class Trouble : std::uint8_t {
     kBusy,     // another process keeps it to itself
     kFull,     // it cannot grow
-    kDamaged,  // it is damaged, or no state file
+    kDamaged,  // it is damaged or no SQLite database
     kClosed,   // it cannot be opened, or not for writing
     kOther,
 };
 
-/// What a controller tells people about trouble with its state file: one sentence. `why` is what
-/// SQLite and the system say.
+/// Composes a controller's error sentence about its state file. `why` is the message of SQLite and
+/// the system.
 using Sentence = std::string (*)(Trouble trouble, const std::string& path, const std::string& why);
 
-/// A prepared statement. Columns and parameters are counted as SQLite does: the former from 0, the
-/// latter from 1. What it throws is StoreError, or std::bad_alloc.
+/// A prepared statement. As in SQLite, columns count from 0 and parameters from 1. Throws
+/// StoreError or std::bad_alloc.
 class Statement {
 public:
     Statement() = default;
@@ -46,24 +46,23 @@ public:
     explicit operator bool() const { return statement_ != nullptr; }
 
     void Bind(int parameter, std::int64_t value);
-    /// The bytes must be there until the statement has run.
+    /// The bytes must stay valid until the statement has run.
     void BindText(int parameter, std::string_view text);
     void BindBlob(int parameter, std::string_view bytes);
     void BindNull(int parameter);
 
-    /// Goes on to the next row; false when there is none. It has run to its end, or Reset is
-    /// called.
+    /// Steps to the next row; false when there is none. Unless it runs to its end, call Reset.
     bool Step();
     void Reset();
     /// Runs a statement that returns no row.
     void Run();
 
-    /// Of a row: SQLITE_INTEGER, SQLITE_TEXT, ...
+    /// The type of a column of the current row: SQLITE_INTEGER, SQLITE_TEXT, ...
     int TypeOf(int column) const { return sqlite3_column_type(statement_.get(), column); }
     std::int64_t Integer(int column) const {
         return sqlite3_column_int64(statement_.get(), column);
     }
-    /// The bytes of a text or blob; good until the next step.
+    /// The bytes of a text or blob; valid until the next step.
     std::string_view Bytes(int column) const;
 
 private:
@@ -75,10 +74,10 @@ private:
     Sentence sentence_ = nullptr;
 };
 
-/// The head of the index of a file's log of changes (WAL), in the memory that all processes share
-/// which have the file open: version, unused, number of changes, filled, frames, pages, and the
-/// sums over the log and over these. Every commit changes it, and SQLite itself compares nothing
-/// else to find out whether somebody has committed.
+/// The header of the index of a file's write-ahead log (WAL), in memory shared by all processes
+/// that have the file open: version, unused, change counter, filled, frames, pages, and checksums
+/// of the log and of the header. Every commit changes it; SQLite itself detects commits by
+/// comparing it.
 using LogHead = std::array<std::uint32_t, 12>;
 
 enum class Access : std::uint8_t { kRead, kWrite };
@@ -87,24 +86,24 @@ enum class Access : std::uint8_t { kRead, kWrite };
 class Connection {
 public:
     Connection() = default;
-    /// Opens a file that is there, or an empty database for ":memory:".
+    /// Opens an existing file, or an empty database for ":memory:".
     Connection(const std::string& path, Access access, Sentence sentence);
 
     Statement Prepare(const std::string& sql) const { return {database_.get(), sentence_, sql}; }
-    /// Runs statements that return nothing of interest.
+    /// Runs statements and ignores their rows.
     void Execute(const std::string& sql) const;
-    /// The first column of the first row, a number.
+    /// Returns the first column of the first row as a number.
     std::int64_t Number(const std::string& sql) const;
 
     explicit operator bool() const { return database_ != nullptr; }
 
-    /// The log's head, without a system call. While it is the same, nobody has committed anything.
-    /// None without a log, as in memory, and while it is being written. The connection must have
-    /// read from the file before: only then is the index mapped.
+    /// The log's header, read without a system call. While it is unchanged, nobody has committed.
+    /// None without a log (a database in memory) and during a commit. The connection must have read
+    /// from the file before: only then is the index mapped.
     std::optional<LogHead> Head() const;
 
-    /// Has closing the connection leave the log of changes as it is, even for the last one to
-    /// close: it is somebody else's.
+    /// Makes closing the connection leave the log alone, even as the last one to close, because the
+    /// log belongs to another process.
     void LeaveLog() const;
 
 private:
@@ -115,8 +114,8 @@ private:
     Sentence sentence_ = nullptr;
 };
 
-/// A transaction. While one that writes is open nobody else writes; one that reads sees everything
-/// as it is at one time. Rolled back unless committed.
+/// A transaction. A write transaction excludes all other writers; a read transaction sees one
+/// consistent state. Rolled back unless committed.
 class Transaction {
 public:
     explicit Transaction(const Connection& connection, Access access = Access::kWrite)
@@ -134,7 +133,7 @@ private:
     bool open_ = true;
 };
 
-/// Throws the StoreError (or std::bad_alloc) that tells of an SQLite error.
+/// Throws an SQLite error as StoreError or std::bad_alloc.
 [[noreturn]] void ThrowStoreError(Sentence sentence, const std::string& path, int code,
                                   int system_error, std::string_view detail);
 

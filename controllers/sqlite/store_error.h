@@ -1,4 +1,4 @@
-// What is thrown when a state file cannot be used.
+// The exception for a state file that cannot be used.
 #pragma once
 
 #include <stdexcept>

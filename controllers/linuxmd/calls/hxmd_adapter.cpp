@@ -1,4 +1,4 @@
-// The library's version, and what the adapter is.
+// The library's version, and the adapter's description and settings.
 #include "calls/hxmd_adapter.h"
 
 #include <array>
@@ -34,7 +34,7 @@ std::array<HX_U32, 3> NumbersOf(std::string_view release) {
     return numbers;
 }
 
-// Nothing can be made or set, and so no level, stripe size or rate is offered.
+// Offers no level, stripe size or rate, since nothing can be created or set.
 Adapter_Info Describe(const Machine& machine) {
     Adapter_Info info{};
     const auto version = NumbersOf(machine.release);
@@ -48,7 +48,7 @@ Adapter_Info Describe(const Machine& machine) {
     return info;
 }
 
-// What is set with HX_Adapter_SetConfig; what nobody has set is 0.
+// The settings of HX_Adapter_SetConfig; one that was never set is 0.
 struct Setting {
     const char* name;
     HX_U8 Adapter_Config_V2::*field;
@@ -87,7 +87,7 @@ HX_U8 Fill(HX_U8 adapter, HX_U8* count, Record* record, Describe describe) {
 std::string SerialNumber() {
     const std::string machine_id = LineOf("/etc", "machine-id");
     if (machine_id.empty()) return "";
-    std::uint64_t hash = 0xCBF29CE484222325;  // FNV-1a: its 64 bits do not give the 128 back
+    std::uint64_t hash = 0xCBF29CE484222325;  // FNV-1a: 64 bits do not reveal the 128
     for (const char each : machine_id) {
         hash = (hash ^ static_cast<unsigned char>(each)) * 0x100000001B3;
     }

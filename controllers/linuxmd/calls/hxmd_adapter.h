@@ -1,12 +1,12 @@
-// The one adapter: the machine itself.
+// The only adapter: the machine itself.
 #pragma once
 
 #include <string>
 
 namespace hxmd {
 
-/// A letter and digits that stay with the installed system; empty when it has no machine ID. The
-/// machine ID itself is not told.
+/// The adapter's serial number: a letter and digits that identify the installed system; empty
+/// without a machine ID. A hash, so that the machine ID itself stays private.
 std::string SerialNumber();
 
 }  // namespace hxmd

@@ -1,4 +1,4 @@
-// The records of virtual disks, which are MD's arrays, and of their blocks, the members' places.
+// The records of virtual disks (MD's arrays) and of their blocks (the members).
 #include <algorithm>
 #include <iterator>
 
@@ -18,7 +18,7 @@ using hxcodes::CacheBit;
 using hxcodes::NumberOf;
 using hxcodes::Status;
 
-constexpr HX_U8 kNoGroup = 255;       // DGID of a virtual disk that lies on no disk group
+constexpr HX_U8 kNoGroup = 255;       // DGID without a disk group
 constexpr HX_U8 kUnknownLevel = 255;  // of an array that was never seen running
 constexpr std::uint64_t kSector = 512;
 
@@ -41,7 +41,7 @@ LD_Info Describe(const View& view, const Array& array) {
     info.StripeBlockSize =
         static_cast<HX_U16>(std::min<std::uint64_t>(array.chunk.value_or(0) / 1024, UINT16_MAX));
     const auto known = std::ranges::find(view.kept.known_arrays, array.id, &KeptArray::id);
-    // An incomplete array says neither its level nor its places; both are as they were.
+    // An incomplete array reports neither its level nor its places; use the last known ones.
     const std::uint64_t level =
         LevelOf(array).value_or(known->level == kNoId ? kUnknownLevel : known->level);
     info.RaidMode = AtMost255(level);
@@ -54,7 +54,7 @@ LD_Info Describe(const View& view, const Array& array) {
     for (const Member& member : array.members) {
         if (!member.slot || *member.slot >= std::size(info.BlockIDs)) continue;
         HX_U16& block = info.BlockIDs[*member.slot];
-        // Of two members in a place it is the one that holds the content.
+        // When two members share a place, the member with the content counts.
         if (block == kNoId || HasContent(member)) block = member.block;
     }
     info.NumParityDisk = ParityDisks(array);
@@ -115,7 +115,7 @@ std::vector<Block_Info> Blocks(const View& view) {
         }
     }
     std::ranges::sort(blocks, {}, &Block_Info::ID);
-    // A place whose disk is gone can have the block of one that is there under another name.
+    // A place with a missing disk can have the same block as a present member of another name.
     const auto same = [](const Block_Info& one, const Block_Info& other) {
         return one.ID == other.ID;
     };

@@ -78,7 +78,7 @@ void SetName(HX_U8 (&field)[8], std::uint64_t name) {
     }
 }
 
-// The 64 bits of "naa.5000c500a1b2c3d4"; none of a longer or another name.
+// The 64 bits of "naa.5000c500a1b2c3d4"; none for longer names and other forms.
 std::optional<std::uint64_t> WorldWideName(const Text& wwid) {
     if (!wwid) return std::nullopt;
     const std::string_view text = *wwid;
@@ -154,7 +154,7 @@ HD_Config DescribeDiskSettings(const View& view, const Disk& disk) {
     return config;
 }
 
-// A disk is busy with its array's rebuild while it is being filled.
+// While a disk is being filled, its activity is the rebuild of its array.
 HD_BGA_Status DescribeActivity(const View& view, const Disk& disk) {
     HD_BGA_Status status{};
     const Role role = RoleOf(view, disk);
@@ -175,7 +175,7 @@ HD_SMART_Status DescribeSmart(const View& view, const Disk& disk) {
     status.HDID = disk.id;
     const auto& smart = view.kept.smart;
     const auto row = std::ranges::find(smart, disk.id, &KeptSmart::disk);
-    // What nobody has measured is not known to be over its threshold.
+    // Without a measurement no threshold is known to be exceeded.
     status.SmartThresholdExceeded = row != smart.end() && row->passed == 0 ? 1 : 0;
     return status;
 }
@@ -191,7 +191,7 @@ HD_RAID_Status DescribeRole(const View& view, const Disk& disk) {
 
 HX_U16 IdOfDisk(const HD_Info& info) { return info.Link.Self.DevID; }
 
-// ---- What lies on it ----
+// ---- Contents of disks ----
 
 HX_U8 FindTables(const View& view, HD_MBR_Info* info) {
     if (info == nullptr) return NumberOf(Status::kNullAddress);
@@ -222,7 +222,7 @@ HX_U8 FindUse(const View& view, HX_U8 kind, HX_U8 count, const HX_U16* ids) {
         const Disk* const disk = FindDisk(view, id);
         if (disk == nullptr) return NumberOf(Status::kNoDisk);
         const bool is_free = IsFree(RoleOf(view, *disk));
-        // Where the system lies is not fully known: it can be on any disk that is not free.
+        // If the search for the system's disks is incomplete, any disk that is not free may be one.
         if (HoldsSystem(system, *disk) || (!system.complete && !is_free)) {
             return NumberOf(Status::kHoldsSystem);
         }

@@ -1,4 +1,4 @@
-// The records of enclosures. The kernel shows their slots; their elements it does not show.
+// The records of enclosures. The kernel reports their slots but not their elements.
 #include <string_view>
 
 #include "calls/hxmd_list_page.h"
@@ -16,7 +16,7 @@ using hxcodes::ElementStatus;
 using hxcodes::NumberOf;
 using hxcodes::Status;
 
-// Without its elements an enclosure's state is not known.
+// The status is unknown, since the elements are not seen.
 Enclosure_Info Describe(const Enclosure& enclosure) {
     Enclosure_Info info{};
     info.Link.Parent.DevType = NumberOf(hxcodes::Device::kAdapter);
@@ -33,7 +33,7 @@ Enclosure_Info Describe(const Enclosure& enclosure) {
     return info;
 }
 
-// No element is told of.
+// Answers with an empty list of elements.
 HX_U8 NoElements(HX_U8 adapter, HX_U16 id, const void* elements, HX_U8* count) {
     return OnView(adapter, [&](const View& view) -> HX_U8 {
         if (elements == nullptr || count == nullptr) return NumberOf(Status::kNullAddress);
@@ -72,7 +72,7 @@ HX_U8 HX_ENC_GetElementConfig(HX_U8 AdapterID, HX_U16 ENC_ID, EncElement_Config*
 }
 
 HX_U8 HX_PD_GetExpanderInfo(HX_U8 AdapterID, Exp_Info_Request* request) {
-    // Those that are there are not read: an empty list would deny them.
+    // Expanders are not read; where some exist an empty list would deny them.
     if (!hxmd::Folder::OfSystem("/sys/class/sas_expander").Names().empty()) {
         return hxmd::NotSupported(AdapterID);
     }

@@ -1,4 +1,4 @@
-// One page of a list: the one loop behind every list function.
+// One page of a list: the loop shared by all list functions.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 
 namespace hxmd {
 
-/// The text, cut to the field or filled up with NULs.
+/// Writes the text, cut to the field or padded with NULs.
 template <std::size_t size>
 void SetText(char (&field)[size], std::string_view text) {
     text = text.substr(0, size);
@@ -20,9 +20,9 @@ void SetText(char (&field)[size], std::string_view text) {
     std::ranges::copy(text, field);
 }
 
-/// Writes into the request those of the records that it wants; all of them ascend by ID, which
-/// `id_of(record)` tells. An index past the last record is the end of the list; an ID that none has
-/// is refused with `missing`.
+/// Writes the requested records into the request. `all` ascends by ID, which `id_of(record)`
+/// returns. An index past the last record gives an empty last page; an unknown ID is refused with
+/// `missing`.
 template <class Request, class Record, class IdOf>
 HX_U8 WritePage(Request& request, Record (Request::*list)[1], const std::vector<Record>& all,
                 IdOf id_of, HX_U8 missing) {
@@ -48,7 +48,7 @@ HX_U8 WritePage(Request& request, Record (Request::*list)[1], const std::vector<
     return HX_SUCCESS;
 }
 
-/// Answers a list request. `describe(view)` makes every record.
+/// Answers a list request. `describe(view)` returns all records.
 template <class Request, class Record, class Describe, class IdOf>
 HX_U8 List(HX_U8 adapter, Request* request, Record (Request::*list)[1], Describe describe,
            IdOf id_of, HX_U8 missing) {

@@ -1,4 +1,4 @@
-// Functions that this adapter does not have, each with the answer that says so.
+// Functions that this adapter does not support, each with its refusal.
 #include <vector>
 
 #include "calls/hxmd_list_page.h"
@@ -9,13 +9,13 @@
 namespace hxmd {
 namespace {
 
-// There is no battery; the adapter itself is asked for first.
+// There is no battery; an adapter that does not exist is refused first.
 HX_U8 NoBattery(HX_U8 adapter) {
     const HX_U8 status = Check(adapter);
     return status != HX_SUCCESS ? status : hxcodes::NumberOf(hxcodes::Status::kNoBattery);
 }
 
-// Who uses the space of an array decides how it is divided: there are no disk groups.
+// Users of an array divide its space themselves, so there are no disk groups.
 template <class Request, class Record>
 HX_U8 NoDiskGroups(HX_U8 adapter, Request* request, Record (Request::*list)[1]) {
     return List(
@@ -121,7 +121,7 @@ HX_U8 HX_LD_DG_StartRebuild(HX_U8 AdapterID, LD_DG_Rebuild_Param* /*param*/) {
     return hxmd::RefuseChange(AdapterID);
 }
 
-// ---- What no machine has by itself ----
+// ---- Functions without a counterpart in MD ----
 
 HX_U8 HX_AdapterMute(HX_U8 AdapterID) { return hxmd::NotSupported(AdapterID); }
 

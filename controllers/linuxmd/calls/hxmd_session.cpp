@@ -1,4 +1,4 @@
-// The open library: its state file, and looks that are compared with it.
+// The open library: its state file, and the comparison of the machine with it.
 #include "calls/hxmd_session.h"
 
 #include <unistd.h>
@@ -27,12 +27,12 @@ using hxcodes::Status;
 // Made by Open, freed by Close.
 constinit Store* store = nullptr;
 
-// After a boot disks are still being found.
+// Before this uptime the kernel may still be finding disks.
 constexpr std::uint64_t kSettled = 30;  // seconds
 
 std::int64_t RealNow() { return std::time(nullptr); }
 
-// Runs `work`; nothing that it throws goes on.
+// Runs `work` and turns every exception into a status, since callers are in C.
 template <class Work>
 HX_U8 Caught(Work work) {
     try {
@@ -52,7 +52,8 @@ bool HasNewNumbers(const Kept& before, const Kept& after) {
            before.known_enclosures != after.known_enclosures;
 }
 
-// Two processes may meet the same new object: the one that comes second finds its number given.
+// Numbers are given inside the transaction: two processes may meet the same new object, and the
+// second must find the number of the first.
 void Enumerate(View& view) {
     const Machine found = view.machine;
     const std::int64_t now = RealNow();
@@ -70,7 +71,7 @@ void Enumerate(View& view) {
     });
 }
 
-// Compares the machine with what was last seen, and keeps what is seen now.
+// Queues the changes since the last look and stores the machine as seen now.
 void Collect(Kept& kept, Machine machine) {
     const bool first = kept.look.empty();
     if (first) kept.look.emplace_back();
@@ -138,8 +139,8 @@ HX_U8 TakeEvents(HX_U8 adapter, HX_U8 max, HX_U8* count, Event* events) {
     if (count == nullptr || events == nullptr) return NumberOf(Status::kNullAddress);
     return Caught([&]() -> HX_U8 {
         HX_U8 taken = 0;
-        // The look comes after the transaction has begun: a process that looked earlier and wrote
-        // later would tell things backwards.
+        // Look within the transaction: a process that looked earlier but wrote later would report
+        // changes backwards.
         store->Change([&](Kept& kept) {
             auto machine = Look();
             if (machine) Collect(kept, std::move(*machine));

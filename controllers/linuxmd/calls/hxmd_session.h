@@ -1,5 +1,5 @@
-// What every call goes through: the library is open, the adapter is there, and the machine is
-// looked at afresh.
+// The frame of every call: checks that the library is open and the adapter exists, and reads the
+// machine anew.
 #pragma once
 
 #include "hxraid.h"
@@ -9,7 +9,7 @@
 
 namespace hxmd {
 
-/// The machine as it is now, its objects with their numbers, and what is kept of it.
+/// The machine as it is now, its objects with their numbers, and the state file's rows.
 struct View {
     Machine machine;
     Kept kept;
@@ -19,22 +19,23 @@ struct View {
 HX_U8 Open();
 void Close();
 
-/// 1 where the kernel has MD or can load it and sysfs tells of disks; 0 while closed.
+/// 1 where the kernel has MD or can load it and sysfs is present; 0 while closed.
 HX_U8 AdapterCount();
 
-/// HX_SUCCESS when a call on this adapter can go on.
+/// HX_SUCCESS when the library is open and has this adapter, else the refusal.
 HX_U8 Check(HX_U8 adapter);
 
-/// A call that only looks. Objects that have no number get one, where that can be saved.
+/// Runs a call that only reads. New objects get a number if that can be saved.
 HX_U8 OnView(HX_U8 adapter, hxlibrary::FunctionRef<HX_U8(const View& view)> work);
 
-/// Takes events: looks at the machine, queues what is different and hands out the oldest.
+/// Fetches events: reads the machine, queues the changes since the last look and returns the oldest
+/// events.
 HX_U8 TakeEvents(HX_U8 adapter, HX_U8 max, HX_U8* count, Event* events);
 
-/// A function that this adapter does not have.
+/// The refusal of a function that this adapter does not support.
 HX_U8 NotSupported(HX_U8 adapter);
 
-/// A change that this adapter does not make: nobody but root could ask for it.
+/// The refusal of a change: not supported for root, no permission for other users.
 HX_U8 RefuseChange(HX_U8 adapter);
 
 }  // namespace hxmd

@@ -1,5 +1,5 @@
-// What the state file keeps from one look to the next, as plain rows: who has which number, what
-// was set, what the last look has seen, and the events that nobody has taken yet.
+// The rows that the state file keeps between two looks: the numbers of objects, the settings, the
+// result of the last look, and the events that were not fetched yet.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ namespace hxmd {
 
 // ---- Numbers ----
 
-/// A disk keeps its number for good.
+/// A disk keeps its number for ever.
 struct KeptDisk {
     HX_U16 id = kNoId;
     std::string key;
@@ -27,9 +27,9 @@ struct KeptArray {
     HX_U16 id = kNoId;
     std::string uuid;
     std::string title;
-    HX_U16 level = kNoId;  // 65535: it was never seen running
+    HX_U16 level = kNoId;  // 65535: never seen running
     HX_U16 places = 0;
-    std::int64_t left = 0;  // when it was seen to be gone; 0: it is there
+    std::int64_t left = 0;  // time at which it was found missing; 0: present
     friend bool operator==(const KeptArray&, const KeptArray&) = default;
 };
 
@@ -50,7 +50,7 @@ struct KeptEnclosure {
 
 // ---- Settings and measurements ----
 
-/// A spare for every array.
+/// A global spare.
 struct KeptSpare {
     HX_U16 disk = kNoId;
     friend bool operator==(const KeptSpare&, const KeptSpare&) = default;
@@ -69,14 +69,14 @@ struct KeptSetting {
     friend bool operator==(const KeptSetting&, const KeptSetting&) = default;
 };
 
-/// One row: what is counted over all looks.
+/// One row: the boot of the last look and the next event's number.
 struct KeptLook {
     std::string boot_id;
     std::uint64_t next_event = 1;
     friend bool operator==(const KeptLook&, const KeptLook&) = default;
 };
 
-// ---- What the last look has seen ----
+// ---- The result of the last look ----
 
 struct SeenDisk {
     HX_U16 id = kNoId;
@@ -86,7 +86,7 @@ struct SeenDisk {
     HX_U8 write_cache = 0;  // 0 unknown, 1 write through, 2 write back
     HX_U8 smart_failed = 0;
     HX_U16 serves = kNoId;
-    std::uint64_t errors = 0;      // that MD has mended
+    std::uint64_t errors = 0;      // that MD has corrected
     std::uint64_t bad_blocks = 0;  // rows of the log
     friend bool operator==(const SeenDisk&, const SeenDisk&) = default;
 };
@@ -99,14 +99,14 @@ struct SeenArray {
     HX_U8 activity_state = 0;
     HX_U16 percent = 0;
     HX_U8 in_sync = 0;      // no synchronisation or migration is due
-    HX_U8 at_start = 0;     // no check has ended before its time
+    HX_U8 at_start = 0;     // no interrupted check is pending
     HX_U8 last_action = 0;  // SyncAction
     HX_U8 read_ahead = 0;
     std::uint64_t mismatches = 0;
     friend bool operator==(const SeenArray&, const SeenArray&) = default;
 };
 
-/// Whose content a place of an array holds.
+/// The disk that holds the content of an array's place.
 struct SeenSlot {
     HX_U16 array = kNoId;
     HX_U16 slot = 0;

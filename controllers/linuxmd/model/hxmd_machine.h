@@ -1,5 +1,5 @@
-// What a look at the machine has found: its disks, arrays and enclosures, as the kernel tells of
-// them. What could not be read is empty, never zero.
+// The result of a look at the machine: its disks, arrays and enclosures as the kernel reports them.
+// A value that could not be read is empty, never zero.
 #pragma once
 
 #include <cstdint>
@@ -14,24 +14,24 @@ namespace hxmd {
 using Number = std::optional<std::uint64_t>;
 using Text = std::optional<std::string>;
 
-/// The ID of what has none yet, and of nothing.
+/// Stands for an ID that is not given yet, and for no object.
 inline constexpr HX_U16 kNoId = 65535;
 
 struct Partition {
     std::string name;  // of the kernel: "sda1"
     Number start;      // sectors
     Number sectors;
-    bool held = false;  // by something that is no MD array
+    bool held = false;  // in use by something other than an MD array
 };
 
-/// What udev's database says lies on a device.
+/// The contents of a device according to udev's database.
 struct Content {
-    bool known = false;  // the device has been looked at
+    bool known = false;  // udev has examined the device
     bool partition_table = false;
     bool anything = false;  // a partition table, or any signature
 };
 
-/// How a disk is linked: what its path in /sys/devices runs through.
+/// How a disk is linked, from its path in /sys/devices.
 enum class Link : std::uint8_t { kOther, kSata, kSas, kNvme, kVirtio, kUsb };
 
 struct Disk {
@@ -57,15 +57,15 @@ struct Disk {
 
     std::string name;     // the kernel's, for this boot; never a key
     std::string path;     // in /sys/devices
-    std::string key;      // who it is
-    bool stable = false;  // the key goes with the disk
-    bool twice = false;   // another device has the same key: two paths of one disk
-    bool held = false;    // by something that is no MD array
+    std::string key;      // identifies the disk
+    bool stable = false;  // the key belongs to the disk, not to its place
+    bool twice = false;   // a second device has the same key: two paths to one disk
+    bool held = false;    // in use by something other than an MD array
     Link link = Link::kOther;
     Content content;
     std::vector<Partition> partitions;
 
-    bool present = true;  // else known from the state file alone
+    bool present = true;  // else known only from the state file
     HX_U16 id = kNoId;
 };
 
@@ -99,7 +99,7 @@ struct Completed {
 /// `raid_disks`: "4", and "4 (3)" while the array grows.
 struct DiskCount {
     std::uint64_t now = 0;
-    std::uint64_t before = 0;  // 0: it does not change
+    std::uint64_t before = 0;  // 0: the count does not change
 };
 
 /// The words of a member's `state`.
@@ -114,7 +114,7 @@ struct MemberState {
 struct Member {
     // Attributes of /sys/block/mdN/md/dev-NAME.
     std::optional<MemberState> state;
-    Number slot;  // none: it has no place in the array
+    Number slot;  // none: no place in the array
     Number offset;
     Number size_kib;
     Number recovery_start;  // sectors; none: it is complete
@@ -124,8 +124,8 @@ struct Member {
 
     std::string name;         // of the device: "sda1"
     bool present = false;     // its device is there
-    std::string device;       // the disk that holds it, by its name; empty: none that is listed
-    std::uint64_t start = 0;  // sector of the disk at which the device begins
+    std::string device;       // key of the disk that holds it; empty: no listed disk
+    std::uint64_t start = 0;  // the device's first sector on the disk
     HX_U16 disk = kNoId;
     HX_U16 block = kNoId;
 };
@@ -146,7 +146,7 @@ struct Array {
     Number resync_start;      // sectors; none: the array is in sync
     Number reshape_position;  // sectors; none: it is not reshaped
     Number mismatches;
-    Number sync_min;  // sectors; where a check that ended before its time would go on
+    Number sync_min;  // sectors; where an interrupted check would continue
     std::optional<SyncAction> last_action;
     Text uuid;  // 32 digits
     Text metadata;
@@ -177,7 +177,7 @@ struct Enclosure {
 };
 
 struct Machine {
-    std::vector<Disk> disks;            // ascending by ID, once they have one
+    std::vector<Disk> disks;            // ascending by ID once they are identified
     std::vector<Array> arrays;          // likewise
     std::vector<Enclosure> enclosures;  // likewise
     std::string release;                // of the kernel

@@ -18,11 +18,12 @@ using hxcodes::NumberOf;
 using hxcodes::State;
 using hxcodes::Step;
 
-// The rows of MD's bad-block log for one member, and where it is told to fill up.
+// The capacity of MD's bad-block log of one member, and the number of rows that is reported as
+// nearly full.
 constexpr std::uint64_t kLogRows = 512;
 constexpr std::uint64_t kLogNearlyFull = kLogRows * 8 / 10;
 
-// Errors that MD has mended are told again at this many and at each doubling.
+// Corrected errors are reported again at this count and at each doubling.
 constexpr std::uint64_t kManyErrors = 20;
 
 constexpr HX_U16 kProgressSteps[] = {80, 60, 40, 20};  // percent
@@ -119,7 +120,7 @@ void Compare(const Seen& all_before, const SeenDisk& before, const SeenDisk& now
              now.id);
     }
     if (before.present == 0 && now.present != 0) Tell(told, EventKind::kDiskOnline, now.id);
-    // A disk whose content was copied away is faulty to MD, and has not failed.
+    // After a copyback MD marks the old disk as faulty although it has not failed.
     if (before.failed == 0 && now.failed != 0 && !IsCopyback(all_before, now.serves)) {
         Tell(told, EventKind::kDiskSetDown, now.id);
     }
@@ -159,7 +160,7 @@ bool IsCheckOrFix(HX_U8 activity) {
     return activity == NumberOf(ActivityKind::kCheck) || activity == NumberOf(ActivityKind::kFix);
 }
 
-// Whether a place holds the content on another disk than before.
+// Whether the content of a place has moved to another disk.
 bool HasOtherDisk(const Seen& before, const Seen& now, HX_U16 array) {
     return std::ranges::any_of(now.slots, [&](const SeenSlot& slot) {
         if (slot.array != array) return false;
@@ -175,7 +176,7 @@ Step EndOf(const SeenArray& before, const SeenArray& now) {
                        before.activity == NumberOf(ActivityKind::kCopyback);
     const bool at_end =
         fills ? IsOptimal(now) || now.state < before.state : now.in_sync != 0 && now.at_start != 0;
-    // An array that is worse has lost a disk meanwhile.
+    // The array's state got worse: it has lost a disk meanwhile.
     if (now.state > before.state) return Step::kError;
     return at_end ? Step::kComplete : Step::kAbort;
 }
@@ -216,7 +217,7 @@ void CompareRunning(const SeenArray& before, const SeenArray& now, Happenings& t
     }
 }
 
-// What has begun and ended between two looks is told by what it has left.
+// Reports activities that started and ended between two looks, as far as their results show them.
 void TellUnseen(const SeenArray& before, const SeenArray& now, bool other_disk, Happenings& told) {
     if (other_disk) {
         constexpr HX_U8 kRebuild = NumberOf(ActivityKind::kRebuild);
@@ -251,8 +252,8 @@ void CompareActivity(const SeenArray& before, const SeenArray& now, Happenings& 
     if (Runs(now)) TellStep(told, now.activity, Step::kStart, now.id);
 }
 
-// An array that gets better does so when its activity has ended; one that gets worse had to before
-// a rebuild could begin.
+// A better state is reported after the activity's end that caused it, a worse state before the
+// start of the rebuild that it caused.
 void Compare(const SeenArray& before, const SeenArray& now, bool other_disk, Since since,
              Happenings& told) {
     if (now.present == 0) {
@@ -313,13 +314,14 @@ bool TellsOfLoss(const Event& event) {
            event.Code == hxcodes::CodeOf(EventKind::kEventError);
 }
 
-// The row that tells of lost events stands in the place and under the number of the last of them.
+// The row that reports lost events takes the place and the number of the last of them.
 void MakeRoom(Kept& kept, std::int64_t now) {
     std::vector<QueuedEvent>& queue = kept.events;
     if (queue.size() < kMostEvents) return;
     const Event first = Unpack(queue.front());
     const bool told = TellsOfLoss(first);
-    const std::size_t dropped = queue.size() - kMostEvents + 2;  // for the new one and the telling
+    const std::size_t dropped = queue.size() - kMostEvents + 2;  // room for the new event and the
+                                                                 // report
     const HX_U32 lost =
         (told ? first.Params[2] : 0) + static_cast<HX_U32>(told ? dropped - 1 : dropped);
     queue.erase(queue.begin(), queue.begin() + static_cast<std::ptrdiff_t>(dropped - 1));

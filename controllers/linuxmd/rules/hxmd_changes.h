@@ -1,4 +1,4 @@
-// Events: what is different between what the last look saw and what this one sees.
+// Events from the differences between the last look and this one.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@
 
 namespace hxmd {
 
-/// Something that has happened.
+/// An event before it gets its time and number.
 struct Happening {
     hxcodes::EventKind kind;
     HX_U16 device = 0;
@@ -21,24 +21,26 @@ struct Happening {
     friend bool operator==(const Happening&, const Happening&) = default;
 };
 
-/// What is to be compared at the next look. The machine's objects have their numbers.
+/// The state to compare with at the next look. Precondition: the machine's objects have their
+/// numbers.
 Seen Picture(const Machine& machine, const Kept& kept);
 
-/// What is not well, as the first look tells it.
+/// The problems that the first look reports.
 std::vector<Happening> Complaints(const Seen& now);
 
 enum class Since : std::uint8_t { kLastLook, kReboot };
 
-/// What has happened in between, in the order in which it must have: disks, members, arrays,
-/// spares, settings.
+/// The events between two looks, in the order in which they must have happened: disks, members,
+/// arrays, spares, settings.
 std::vector<Happening> Differences(const Seen& before, const Seen& now, Since since);
 
 // ---- The queue ----
 
-/// The most events that wait; then the oldest give way to one that tells how many they were.
+/// The capacity of the queue. When it is full, the oldest events are replaced by one event with
+/// their number.
 inline constexpr std::size_t kMostEvents = 512;
 
-/// Puts an event behind those that wait. `text` goes into its sense data.
+/// Appends an event to the queue. `text` goes into its sense data.
 void Queue(Kept& kept, const Happening& happening, std::int64_t now, std::string_view text = {});
 
 /// Takes the oldest events, at most `max`; returns how many.

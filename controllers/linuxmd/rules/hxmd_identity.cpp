@@ -1,4 +1,4 @@
-// Numbers are found by key, and given.
+// Finds numbers by key and gives new ones.
 #include "rules/hxmd_identity.h"
 
 #include <algorithm>
@@ -22,7 +22,7 @@ std::optional<HX_U16> FreeNumber(const Rows& rows, HX_U16 limit) {
     return std::nullopt;
 }
 
-// The row of a key, made when it may be; null when there is none.
+// The row of a key, added if `numbering` permits; null when there is none.
 template <class Row>
 Row* RowOfKey(std::vector<Row>& rows, const std::string& key, Numbering numbering) {
     const auto found = std::ranges::find(rows, key, &Row::key);
@@ -72,7 +72,7 @@ KeptArray* RowOfArray(Kept& kept, const std::string& uuid, Numbering numbering) 
         row.uuid = uuid;
         return &row;
     }
-    // The number of the array that has been gone for the longest time is given again.
+    // All numbers are in use: reuse that of the array that has been missing longest.
     KeptArray* oldest = nullptr;
     for (KeptArray& row : rows) {
         if (row.left != 0 && (oldest == nullptr || row.left < oldest->left)) oldest = &row;
@@ -92,7 +92,7 @@ KeptArray* RowOfArray(Kept& kept, const std::string& uuid, Numbering numbering) 
 void IdentifyArrays(Machine& machine, Kept& kept, Numbering numbering, std::int64_t now) {
     std::vector<HX_U16> there;
     for (Array& array : machine.arrays) {
-        if (!array.uuid) continue;  // nothing tells it from others
+        if (!array.uuid) continue;  // nothing identifies it
         KeptArray* const row = RowOfArray(kept, *array.uuid, numbering);
         if (row == nullptr || std::ranges::count(there, row->id) != 0) continue;
         there.push_back(row->id);
@@ -136,7 +136,7 @@ void IdentifyPresent(Member& member, const Array& array, const Machine& machine,
     member.block = row->id;
 }
 
-// A place has the block of who fills it now, and no longer that of who did before.
+// Forgets the block of a place's former member once another member holds its content.
 void ForgetReplaced(const Array& array, std::vector<KeptBlock>& rows) {
     for (const Member& member : array.members) {
         if (member.block == kNoId || !member.state || !member.state->in_sync) continue;
@@ -168,7 +168,7 @@ void AddMissing(Machine& machine, const Kept& kept, HX_U16 disk) {
     missing.sectors = row->sectors;
 }
 
-// The members whose disks are gone are known by the places that they had.
+// Finds the disks of missing members by the places that they had.
 void IdentifyMissing(Machine& machine, Array& array, const Kept& kept) {
     const auto places = static_cast<std::size_t>(
         array.disks ? std::min<std::uint64_t>(array.disks->now, kNoId) : 0);

@@ -1,5 +1,5 @@
-// Who is who: the numbers by which callers know disks, arrays, blocks and enclosures. The kernel's
-// names are of one boot; a number stays with the disk's own key and the array's UUID.
+// The numbers by which callers know disks, arrays, blocks and enclosures. The kernel's names hold
+// for one boot only, so a number is tied to the disk's key or the array's UUID.
 #pragma once
 
 #include <cstdint>
@@ -9,14 +9,14 @@
 
 namespace hxmd {
 
-/// The most arrays that have numbers: 255 means none where a block names its virtual disk.
+/// The limit of numbered arrays: a block's virtual disk 255 means none.
 inline constexpr HX_U16 kMostArrays = 255;
 
-/// Whether objects that have no number get one. Only who can save it may give it.
+/// Whether new objects get a number; only a process that can save it may give one.
 enum class Numbering : std::uint8_t { kKnownOnly, kNewToo };
 
-/// Gives every object its number and sorts them by it; leaves out those that have none. Adds the
-/// disks that are not there and that a place of an array waits for.
+/// Gives every object its number, sorts by it and drops objects without one. Adds the missing disks
+/// that places of arrays refer to.
 void Identify(Machine& machine, Kept& kept, Numbering numbering, std::int64_t now);
 
 }  // namespace hxmd

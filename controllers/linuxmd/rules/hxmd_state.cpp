@@ -1,4 +1,4 @@
-// States and activities, by MD's words.
+// States and activities, derived from MD's attributes.
 #include "rules/hxmd_state.h"
 
 #include <algorithm>
@@ -17,7 +17,7 @@ using hxcodes::Level;
 using hxcodes::NumberOf;
 using hxcodes::State;
 
-// The most places that are looked at, more than MD takes: an attribute may say anything.
+// A limit above MD's own: an attribute may contain any number.
 constexpr std::uint64_t kMostSlots = 1024;
 
 bool IsRunning(const Array& array) {
@@ -26,7 +26,7 @@ bool IsRunning(const Array& array) {
 
 // ---- Redundancy ----
 
-// raid10's layout: copies beside each other in the low byte, copies far apart in the next one.
+// raid10's layout: the number of near copies in the low byte, of far copies in the next one.
 std::uint64_t CopiesOf(const Array& array) {
     const std::uint64_t layout = array.layout.value_or(0);
     const std::uint64_t near = std::max<std::uint64_t>(layout & 0xFF, 1);
@@ -37,7 +37,7 @@ std::uint64_t NearCopiesOf(const Array& array) {
     return std::max<std::uint64_t>(array.layout.value_or(0) & 0xFF, 1);
 }
 
-// Which places hold their content.
+// Tells for each place whether a member holds its content.
 std::vector<bool> FilledSlots(const Array& array) {
     std::vector<bool> filled(SlotCount(array));
     for (const Member& member : array.members) {
@@ -48,8 +48,8 @@ std::vector<bool> FilledSlots(const Array& array) {
     return filled;
 }
 
-// The fewest copies of anything in the array that are left, where losing one more than this and
-// parity make up for loses content: 0 when content is lost.
+// The number of further losses at which content would be lost: 1 means no redundancy is left, 0
+// that content is lost already.
 std::uint64_t FewestLeft(const Array& array, const std::vector<bool>& filled) {
     const auto count = filled.size();
     const auto there = static_cast<std::uint64_t>(std::ranges::count(filled, true));
@@ -63,7 +63,8 @@ std::uint64_t FewestLeft(const Array& array, const std::vector<bool>& filled) {
         case NumberOf(Level::kRaid6):
             return missing > 2 ? 0 : 3 - missing;
         case NumberOf(Level::kRaid10): {
-            // The copies of a chunk lie on neighbours, and the next chunk's behind its near ones.
+            // The copies of a chunk lie on consecutive slots; the next chunk starts after the near
+            // copies.
             const std::uint64_t copies = std::min<std::uint64_t>(CopiesOf(array), count);
             std::uint64_t fewest = copies;
             for (std::uint64_t chunk = 0; chunk < count; ++chunk) {
@@ -94,7 +95,7 @@ std::uint64_t ComponentSectors(const Array& array) {
     return array.component_kib.value_or(0) / 512 * 1024 + array.component_kib.value_or(0) % 512 * 2;
 }
 
-// The least place up to which a member is filled; none when no member is being filled.
+// The progress of the member that is filled least; none when no member is being filled.
 Number LeastFilled(const Array& array) {
     Number least;
     for (const Member& member : array.members) {
@@ -115,7 +116,7 @@ ActivityCode Filling(const Array& array) {
     return IsCopyback(array) ? ActivityKind::kCopyback : ActivityKind::kRebuild;
 }
 
-// What a paused array was doing, by the place that is not at its end.
+// The activity that was paused, recognised by the progress attribute that is not at its end.
 Activity Frozen(const Array& array) {
     Activity activity;
     activity.state = ActivityState::kPaused;
@@ -161,7 +162,7 @@ bool IsOnline(const Disk& disk) {
     return state == "running" || state == "live";
 }
 
-// Whether anything on the disk is not known to be nothing. What nobody has looked at is not free.
+// Whether the disk may hold something. A disk that udev has not examined does not count as free.
 bool IsOccupied(const Disk& disk) {
     return !disk.content.known || disk.content.anything || !disk.partitions.empty() || disk.held ||
            disk.twice || disk.read_only.value_or(0) != 0;
@@ -172,7 +173,7 @@ void Add(Role& role, Bit bit) {
     role.bits = static_cast<HX_U8>(role.bits | hxcodes::NumberOf(bit));
 }
 
-// What the disk is as this member of this array.
+// Adds the disk's role as this member of this array.
 void Serve(Role& role, const Disk& disk, const Array& array, const Member& member) {
     if (role.serves == kNoId) role.serves = array.id;
     if (IsSpare(array, member)) {
@@ -201,7 +202,7 @@ bool IsFilling(const Member& member) {
            !member.state->faulty;
 }
 
-// The members of an incomplete array say "spare", whatever they are.
+// Only of a running array: in an incomplete one every member reports "spare".
 bool IsSpare(const Array& array, const Member& member) {
     return IsRunning(array) && member.present && member.state && member.state->spare &&
            !member.state->faulty && !member.slot;
@@ -233,7 +234,7 @@ StateCode StateOf(const Array& array) {
     if (complete) return State::kOptimal;
     const std::uint64_t left = FewestLeft(array, filled);
     if (left == 0) return State::kOffline;
-    // Before the first synchronisation has ended nothing makes up for a loss.
+    // Until the first synchronisation has ended there is no redundancy.
     if (left == 1 || array.resync_start) return State::kDegraded;
     return State::kPartiallyOptimal;
 }

@@ -1,4 +1,4 @@
-// How arrays and disks stand: states and activities in the interface's terms.
+// The states and activities of arrays and disks in the interface's terms.
 #pragma once
 
 #include <cstddef>
@@ -15,22 +15,22 @@ using ActivityStateCode = decltype(hxcodes::ActivityState::kIdle);
 
 /// The interface's level code of MD's raid10 with two copies over an odd number of disks.
 inline constexpr HX_U8 kRaid1e = 0x11;
-/// RAID 4, which is listed and never made.
+/// RAID 4: listed, but never created.
 inline constexpr HX_U8 kRaid4 = 0x04;
 
-/// The places of an array; 0 when it does not tell (it is incomplete).
+/// The number of places of an array; 0 when unknown (an incomplete array).
 std::size_t SlotCount(const Array& array);
 
-/// Whether the member holds its part of the array's content: it is there, complete and not failed.
+/// Whether the member holds its part of the array's content: present, complete and not failed.
 bool HasContent(const Member& member);
 
 /// Whether the member is being filled.
 bool IsFilling(const Member& member);
 
-/// Whether it waits to step in.
+/// Whether the member is a spare.
 bool IsSpare(const Array& array, const Member& member);
 
-/// The interface's level; none of an incomplete array.
+/// The interface's level code; none for an incomplete array.
 Number LevelOf(const Array& array);
 HX_U8 ParityDisks(const Array& array);
 
@@ -53,7 +53,7 @@ struct Role {
     HX_U16 serves = kNoId;  // the array that it serves as a member or spare
     bool failed = false;
 };
-/// `global_spare`: the state file says so. An array whose disk it is has its members' IDs.
+/// `global_spare` comes from the state file. Precondition: the members have their disks' IDs.
 Role RoleOf(const Machine& machine, const Disk& disk, bool global_spare);
 
 }  // namespace hxmd

@@ -1,6 +1,6 @@
 // The tables of the state file, and its transactions.
 //
-// Its journal is the kind that is rolled back: who reads a write-ahead log has to write, too.
+// It uses a rollback journal, because even readers of a write-ahead log need write permission.
 #include "store/hxmd_store.h"
 
 #include <fcntl.h>
@@ -89,7 +89,7 @@ void ForEachTable(Work work) {
     std::apply([&](const auto&... table) { (work(table), ...); }, kTables);
 }
 
-// Texts come from disks and may be any bytes.
+// Texts come from disks and may contain any bytes.
 const char* TypeOf(const std::string&) { return " BLOB NOT NULL"; }
 template <std::integral Value>
 const char* TypeOf(Value) {
@@ -114,7 +114,7 @@ void Get(const Statement& statement, int column, std::string& value) {
 template <std::integral Value>
 void Get(const Statement& statement, int column, Value& value) {
     const std::int64_t number = statement.Integer(column);
-    // Numbers of 64 bits keep their bits; the others fit.
+    // 64-bit numbers keep their bits; smaller ones are checked for their range.
     if constexpr (sizeof(Value) < sizeof number) {
         if (number < 0 || number > std::int64_t{std::numeric_limits<Value>::max()}) {
             throw StoreError("The state file has an impossible number.");
@@ -143,7 +143,7 @@ void Load(const Connection& connection, const Table<Row, Columns...>& table, Kep
     }
 }
 
-// Tables are small: one that differs is written whole.
+// Tables are small, so a changed table is rewritten completely.
 template <class Row, class... Columns>
 void Save(const Connection& connection, const Table<Row, Columns...>& table, const Kept& before,
           const Kept& after) {
@@ -172,7 +172,7 @@ std::string TextOf(hxsqlite::Trouble, const std::string& path, const std::string
     return path + " cannot be used (" + why + ").";
 }
 
-// Folders that are missing are made for everybody to read.
+// Makes missing folders, readable for everybody.
 void MakeFolders(const std::string& path) {
     for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
          slash = path.find('/', slash + 1)) {
@@ -180,7 +180,7 @@ void MakeFolders(const std::string& path) {
     }
 }
 
-// Whether the file can be written; it is made when it is not there.
+// Creates the file if missing. Returns whether it can be written.
 bool MakeFile(const std::string& path) {
     MakeFolders(path);
     const int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0644);
@@ -188,8 +188,8 @@ bool MakeFile(const std::string& path) {
         close(file);
         return true;
     }
-    // One that is there is not opened here: closing it would give up the locks that this process
-    // has on it through other connections.
+    // An existing file is not opened, because closing it would release the locks that this process
+    // holds on it through other connections.
     return errno == EEXIST && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
 }
 
@@ -200,7 +200,7 @@ bool IsFile(const std::string& path) {
     return true;
 }
 
-// False for a database with nothing in it.
+// True for a state file, false for an empty database; throws for any other.
 bool IsStateFile(const Connection& connection, const std::string& path) {
     const std::int64_t application = connection.Number("PRAGMA application_id");
     const std::int64_t tables = connection.Number("SELECT count(*) FROM sqlite_master");
@@ -231,7 +231,7 @@ std::string StatePath() {
 struct Store::Database {
     explicit Database(const std::string& file) : path(file), writable(MakeFile(file)) { Connect(); }
 
-    // A file that comes later, made by who may, is found then.
+    // Called again by Follow, so that a file created later by another process is found.
     void Connect() {
         pid = getpid();
         if (!IsFile(path)) return;
@@ -246,7 +246,7 @@ struct Store::Database {
         transaction.Commit();
     }
 
-    // Locks are not inherited by a child process: it opens the file anew.
+    // A forked child opens the file anew, since it does not inherit locks.
     void Follow() {
         if (pid != getpid()) connection = Connection();
         if (!connection) Connect();

@@ -1,5 +1,5 @@
-// The state file: one SQLite database for every process that works on the machine. Who may write it
-// keeps in it what it learns; all others read it.
+// The state file: one SQLite database for all processes of the machine. Processes with write
+// permission update it; all others only read it.
 #pragma once
 
 #include <functional>
@@ -11,27 +11,27 @@
 
 namespace hxmd {
 
-/// Where it stands, below the root prefix. Throws StoreError when that path is too long.
+/// Its path, below the root prefix. Throws StoreError when that is too long.
 std::string StatePath();
 
 class Store {
 public:
-    /// Opens the file for writing, making it when it is not there; where that is not permitted, for
-    /// reading. Throws hxsqlite::StoreError for a file that is damaged or of another program.
+    /// Opens the file for writing and creates it if missing; without permission, opens it for
+    /// reading. Throws hxsqlite::StoreError for a damaged file or another program's database.
     explicit Store(const std::string& path);
     ~Store();
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
 
     bool IsWritable() const;
-    /// Whether there is a file at all; one that cannot be written can be missing.
+    /// Whether the file exists; without write permission it may be missing.
     bool IsThere() const;
 
-    /// What is kept; nothing without a file.
+    /// The stored rows; empty without a file.
     Kept Read();
 
-    /// One transaction that no other process comes between: `work` is given what is kept, and what
-    /// it changes is saved when it returns. When it throws, nothing is.
+    /// One write transaction: `work` gets the stored rows, and its changes are saved when it
+    /// returns. When it throws, nothing is saved.
     void Change(const std::function<void(Kept& kept)>& work);
 
 private:

@@ -65,7 +65,8 @@ auto Find(const Words& words, std::string_view word) -> decltype(std::begin(word
     return found == std::end(words) ? nullptr : found;
 }
 
-// A word that a later kernel brings is known to be there, and no more.
+// An unknown word, of a later kernel, gives `otherwise`: the attribute exists but its value is not
+// understood.
 template <class Words, class Value>
 std::optional<Value> Meaning(const Words& words, std::string_view text, Value otherwise) {
     text = Trimmed(text);

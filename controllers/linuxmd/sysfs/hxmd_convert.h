@@ -1,5 +1,5 @@
-// What the texts of attributes mean. Whatever does not have the form that the kernel gives it is
-// unknown.
+// Converts the texts of attributes. A text that does not have the kernel's form gives an unknown
+// value.
 #pragma once
 
 #include <optional>
@@ -9,18 +9,18 @@
 
 namespace hxmd {
 
-/// Without the line end and the blanks around it.
+/// The text without surrounding blanks and line end.
 std::string_view Trimmed(std::string_view text);
 
-/// Decimal, nothing else; "none" is unknown, too.
+/// A decimal number; everything else, also "none", is unknown.
 Number ToNumber(std::string_view text);
-/// Hexadecimal behind "0x".
+/// A hexadecimal number after "0x".
 Number ToAddress(std::string_view text);
-/// Anything but the empty text.
+/// The text; unknown when empty.
 Text ToText(std::string_view text);
-/// The serial number of SCSI's vital product data page 0x80, a header of four bytes before it.
+/// The serial number in SCSI's vital product data page 0x80, after its header of four bytes.
 Text ToSerialPage(std::string_view bytes);
-/// The 32 digits of a UUID, in whatever groups; lower case.
+/// The 32 digits of a UUID in lower case, however they are grouped.
 Text ToUuid(std::string_view text);
 
 std::optional<ArrayState> ToArrayState(std::string_view text);
@@ -28,9 +28,10 @@ std::optional<SyncAction> ToSyncAction(std::string_view text);
 std::optional<Completed> ToCompleted(std::string_view text);
 std::optional<DiskCount> ToDiskCount(std::string_view text);
 std::optional<MemberState> ToMemberState(std::string_view text);
-/// The interface's code of "raid5"; unknown for what is no virtual disk.
+/// The interface's level code of "raid5" and the like; unknown for arrays that are no virtual
+/// disks.
 Number ToLevel(std::string_view text);
-/// The rows of a bad-block log.
+/// The number of rows of a bad-block log.
 Number ToRowCount(std::string_view text);
 
 }  // namespace hxmd

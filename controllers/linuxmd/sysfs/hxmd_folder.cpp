@@ -38,7 +38,7 @@ Folder Folder::Open(const std::string& path) const {
 
 std::optional<std::string> Folder::Read(const std::string& path, std::size_t most) const {
     if (!IsOpen()) return std::nullopt;
-    // Nobody expects a FIFO there; opening one would wait.
+    // O_NONBLOCK: opening an unexpected FIFO would block.
     const Descriptor file(
         openat(folder_.Get(), path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat found {};
@@ -73,7 +73,7 @@ bool Folder::Has(const std::string& path) const {
 std::vector<std::string> Folder::Names() const {
     std::vector<std::string> names;
     if (!IsOpen()) return names;
-    // A descriptor of its own: the place in a folder belongs to the open file.
+    // A separate descriptor, because the position in a folder belongs to the open file.
     Descriptor again = OpenFolder(folder_.Get(), ".");
     const std::unique_ptr<DIR, CloseFolder> folder(again.IsOpen() ? fdopendir(again.Get())
                                                                   : nullptr);

@@ -1,5 +1,5 @@
 // Folders of sysfs and procfs, and the attributes in them. Nothing here opens a device or starts a
-// process; whatever is read is bounded.
+// process; all reads are bounded.
 #pragma once
 
 #include <cstddef>
@@ -11,13 +11,13 @@
 
 namespace hxmd {
 
-/// The longest attribute that is read, a page: sysfs has none that is longer.
+/// The longest attribute that is read: a page, sysfs's own limit.
 inline constexpr std::size_t kMostBytes = 4096;
 /// The longest text of procfs that is read, and the most entries of a folder that are listed.
 inline constexpr std::size_t kMostText = std::size_t{1} << 20;
 inline constexpr std::size_t kMostEntries = 65536;
 
-/// An open folder, or none: then everything in it is missing.
+/// An open folder, or none; then everything in it counts as missing.
 class Folder {
 public:
     Folder() = default;
@@ -28,17 +28,17 @@ public:
 
     bool IsOpen() const { return folder_.IsOpen(); }
 
-    /// A folder in this one, through links.
+    /// Opens a folder in this one, following links.
     Folder Open(const std::string& path) const;
 
     /// The bytes of a file; none when it is missing, cannot be read or is longer than `most`. An
-    /// attribute whose object goes away while it is read is missing, too.
+    /// attribute whose object disappears during the read counts as missing.
     std::optional<std::string> Read(const std::string& path, std::size_t most = kMostBytes) const;
 
-    /// What a symbolic link says; empty when it is none.
+    /// The target of a symbolic link; empty when it is no link.
     std::string Link(const std::string& path) const;
 
-    /// Whether something is there at the end of all links.
+    /// Whether the path exists, following links.
     bool Has(const std::string& path) const;
 
     /// The names in the folder, sorted, without those that begin with a dot.

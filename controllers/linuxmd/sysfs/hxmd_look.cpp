@@ -1,4 +1,4 @@
-// The rows of attributes, one table for each kind of object, and how objects are found.
+// The rows of attributes, one table for each kind of object, and the search for objects.
 #include "sysfs/hxmd_look.h"
 
 #include <algorithm>
@@ -22,7 +22,7 @@ struct Attribute {
 template <class Record, class Value>
 Record RecordOf(Value Record::*field);
 
-// Stores what the text means, unless an attribute before it has told already.
+// Converts and stores the text, unless an earlier attribute has set the field.
 template <auto field, auto convert>
 void Into(decltype(RecordOf(field))& record, std::string_view text) {
     if (!(record.*field)) record.*field = convert(text);
@@ -124,7 +124,7 @@ std::string_view Property(std::string_view database, std::string_view name) {
     return value.substr(0, value.find('\n'));
 }
 
-// What udev has noted about a block device; empty when it has not looked at it.
+// udev's entry for a block device; empty when udev has not examined it.
 std::string Notes(const Folder& udev, const Text& device_number) {
     if (!device_number || device_number->find('/') != std::string::npos) return "";
     const auto text = udev.Read("b" + *device_number, kMostText);
@@ -134,7 +134,7 @@ std::string Notes(const Folder& udev, const Text& device_number) {
 Content ContentOf(const Folder& udev, const Text& device_number) {
     const std::string notes = Notes(udev, device_number);
     Content content;
-    // The line says when udev has finished with the device for the first time.
+    // udev writes this line when it has finished the device for the first time.
     content.known = notes.find("\nI:") != std::string::npos;
     content.partition_table = !Property(notes, "ID_PART_TABLE_TYPE").empty();
     content.anything = content.partition_table || notes.find("\nE:ID_FS_") != std::string::npos;
@@ -147,7 +147,7 @@ struct LinkRow {
     std::string_view part;  // of the path in /sys/devices
     Link link;
 };
-// The first that is met: a disk behind USB may be an ATA disk, too.
+// The first match counts: a disk behind USB may be an ATA disk as well.
 constexpr LinkRow kLinks[] = {
     {"/nvme", Link::kNvme},       {"/usb", Link::kUsb},  {"/virtio", Link::kVirtio},
     {"/end_device-", Link::kSas}, {"/ata", Link::kSata},
@@ -160,7 +160,7 @@ Link LinkOf(std::string_view path) {
     return row == std::end(kLinks) ? Link::kOther : row->link;
 }
 
-// Some devices have an identifier of zeros, which all of their kind share.
+// False for the all-zero identifiers that some devices share.
 bool Identifies(const std::string& wwid) {
     const std::size_t dot = wwid.find('.');
     return wwid.find_first_not_of("0 -", dot == std::string::npos ? 0 : dot + 1) !=
@@ -182,7 +182,7 @@ std::string KeyOf(const Disk& disk, bool& stable) {
 
 bool IsMd(const Folder& block, const std::string& name) { return block.Has(name + "/md"); }
 
-// Whether anything holds the device that is no array in the list.
+// Whether something other than the listed arrays holds the device.
 bool IsHeld(const Folder& device, const std::vector<Array>& arrays) {
     const std::vector<std::string> holders = device.Open("holders").Names();
     return std::ranges::any_of(holders, [&](const std::string& holder) {
@@ -192,8 +192,8 @@ bool IsHeld(const Folder& device, const std::vector<Array>& arrays) {
 
 constexpr std::uint64_t kOptical = 5;  // SCSI peripheral device type
 
-// None for what is no disk: without a device it is made of software (device-mapper, loop, zram),
-// and a drive without a medium has no sectors.
+// None for a block device that is no disk: software devices (device-mapper, loop, zram) have no
+// "device" link, and a drive without a medium has no sectors.
 std::optional<Disk> ReadDisk(const Folder& block, const Folder& udev, const std::string& name,
                              const std::vector<Array>& arrays) {
     const Folder folder = block.Open(name);
@@ -220,7 +220,7 @@ std::optional<Disk> ReadDisk(const Folder& block, const Folder& udev, const std:
     return disk;
 }
 
-// Two devices with one key are two ways to one disk: it is listed once.
+// Two devices with the same key are two paths to one disk, which is listed once.
 void JoinPaths(std::vector<Disk>& disks) {
     std::vector<Disk> joined;
     for (Disk& disk : disks) {
@@ -245,11 +245,10 @@ std::vector<Member> ReadMembers(const Folder& md) {
         const Folder folder = md.Open(entry);
         Member member;
         ReadAll(folder, kMemberRows, member);
-        if (!member.state) continue;  // it is going
+        if (!member.state) continue;  // it is being removed
         const std::string device = LastPart(folder.Link("block"));
         member.name = device.empty() ? entry.substr(kMemberPrefix.size()) : device;
-        // A disk that was pulled leaves the link and nothing at its end, while the state stays
-        // in_sync until the next write.
+        // A pulled disk leaves a dangling link, and its state stays in_sync until the next write.
         member.present = folder.Has("block");
         members.push_back(std::move(member));
     }
@@ -267,12 +266,12 @@ Array ReadArrayOnce(const Folder& folder, const std::string& name) {
 bool IsVirtualDisk(const Array& array) {
     if (!array.state || *array.state == ArrayState::kClear) return false;
     if (array.metadata.value_or("").starts_with("external")) return false;
-    // An incomplete array does not say its level.
+    // An incomplete array does not report its level.
     return array.level || *array.state == ArrayState::kInactive;
 }
 
-// The array as it is between two equal states: one that starts or stops meanwhile is read again,
-// once. None when it is gone.
+// Reads the array; if its state changes meanwhile (it starts or stops), reads it once more. None
+// when it is gone.
 std::optional<Array> ReadArray(const Folder& block, const Folder& udev, const std::string& name) {
     const Folder folder = block.Open(name);
     Array array = ReadArrayOnce(folder, name);

@@ -1,4 +1,4 @@
-// A look at the machine: everything that sysfs tells of disks, arrays and enclosures.
+// A look at the machine: reads disks, arrays and enclosures from sysfs.
 #pragma once
 
 #include <optional>
@@ -11,7 +11,7 @@ namespace hxmd {
 /// Whether the kernel has MD, or can load it.
 bool HasMd();
 
-/// Whether sysfs is there.
+/// Whether sysfs is mounted.
 bool HasDisks();
 
 /// The first line of a file below the root prefix; empty when there is none. `folder` begins with

@@ -47,7 +47,7 @@ private:
         if (!name.empty()) {
             Follow(name);
         } else {
-            FollowSource(source);  // a file system over several devices has a number of its own
+            FollowSource(source);  // a file system over several devices has its own device number
         }
     }
 
@@ -73,7 +73,7 @@ private:
         if (!device.IsOpen()) found_.complete = false;
         for (const std::string& slave : device.Open("slaves").Names()) Follow(slave);
         if (!device.Has("partition")) return;
-        // The folder of a partition lies in that of its disk.
+        // A partition's folder lies inside its disk's folder.
         const std::string way = blocks_.Link(name);
         const std::size_t end = way.rfind('/');
         if (end == std::string::npos) {

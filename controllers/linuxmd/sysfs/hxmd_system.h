@@ -1,4 +1,4 @@
-// Which devices the running system lies on.
+// The devices that hold the running system.
 #pragma once
 
 #include <set>
@@ -7,11 +7,11 @@
 namespace hxmd {
 
 struct SystemDevices {
-    std::set<std::string> names;  // the kernel's: disks, partitions and what lies between
-    bool complete = true;         // false: a file system of the system's could not be followed
+    std::set<std::string> names;  // kernel names: disks, partitions and devices between
+    bool complete = true;         // false: a system file system could not be traced
 };
 
-/// Follows the file systems at /, /boot, /boot/efi, /usr and /var and the swap areas down to their
+/// Traces the file systems at /, /boot, /boot/efi, /usr and /var and the swap areas down to their
 /// disks.
 SystemDevices FindSystem();
 
