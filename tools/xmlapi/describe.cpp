@@ -172,6 +172,7 @@ const std::map<std::string, std::string> kExampleValues = {
     {"HX_LD_StartRebuild.Rebuild_HD_ID", "9"},
     {"HX_PD_FreeHD2DGSpare.HD_ID", "11"},
     {"HX_PD_FreeHD2GlobalSpare.HD_ID", "13"},
+    {"HX_PD_GetPMInfo.AdapterID", "1"},
     {"HX_PD_GetRCT.HD_ID", "6"},
     {"HX_PD_SetConfig.Online", "1"},
     {"HX_PD_SetConfig.SMARTOn", "1"},
@@ -243,7 +244,6 @@ const std::map<std::string, std::string> kRemarks = {
      "The machine of the examples has no virtual disk of another controller: the answer is the "
      "refusal\n"
      "`not_foreign`."},
-    {"HX_PD_GetPMInfo", "The machine of the examples has no port multiplier: the list is empty."},
 };
 
 std::string ExampleValue(const std::string& function, const std::string& child) {
