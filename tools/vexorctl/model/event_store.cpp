@@ -93,6 +93,27 @@ Request<EventQuery> RequestEvents(std::uint64_t n, std::uint64_t s, std::uint64_
     return {{EventQuery::n, n}, {EventQuery::s, s}, {EventQuery::e, e}};
 }
 
+constexpr int kTries = 3;  // of what a passing trouble was in the way of
+
+bool IsOfZeros(const Record<fields::Event>& event) {
+    return event[fields::Event::TimeStamp].value_or(1) == 0;
+}
+
+// Asks for events. Those that cannot be read are answered as zeros, like those whose writing has
+// failed: what was in the way is told, or may have gone when they are asked for again.
+auto AskForEvents(Controller& controller, std::uint64_t first, std::uint64_t count) {
+    const auto request = RequestEvents(count, first, first + count - 1);
+    auto answer = controller.Ask(request);
+    for (int tried = 1; tried < kTries; ++tried) {
+        if (!std::ranges::any_of(answer[EventQuery::Result::Event], IsOfZeros)) break;
+        if (const auto reason = WhyNoEventStore(EventStorePath())) {
+            throw Failure(Exit::kUnavailable, *reason);
+        }
+        answer = controller.Ask(request);
+    }
+    return answer;
+}
+
 }  // namespace
 
 std::string StoredEvent::Text() const {
@@ -122,29 +143,35 @@ std::string StoredEvent::Fingerprint() const {
 }
 
 Extent AskExtent(Controller& controller) {
-    const auto answer = controller.Ask(RequestEvents(0, 0, 0));
-    const auto count = answer[EventQuery::Result::n];
-    const auto first = answer[EventQuery::Result::s];
-    if (answer.exit != Exit::kDone || !count || !first) {
-        throw Failure(
-            answer.exit == Exit::kDone ? Exit::kUnavailable : answer.exit,
-            "the events cannot be read: " + (answer.exit == Exit::kDone
-                                                 ? "the result does not tell how many there are"
-                                                 : answer.complaint));
-    }
-    if (*count == 0) {
+    for (int tried = 0; tried < kTries; ++tried) {
+        const auto answer = controller.Ask(RequestEvents(0, 0, 0));
+        const auto count = answer[EventQuery::Result::n];
+        const auto first = answer[EventQuery::Result::s];
+        if (answer.exit != Exit::kDone || !count || !first) {
+            throw Failure(
+                answer.exit == Exit::kDone ? Exit::kUnavailable : answer.exit,
+                "the events cannot be read: " + (answer.exit == Exit::kDone
+                                                     ? "the result does not tell how many there are"
+                                                     : answer.complaint));
+        }
+        if (*count != 0) return {*first, *first + *count};
         // A store that cannot be read has the same extent as an empty one; but asked for an event,
         // it answers with one of zeros, where the empty one answers with none.
         const auto probe = controller.Ask(RequestEvents(1, 0, 0));
         const auto event = First(probe[EventQuery::Result::Event]);
-        if (event.IsThere() && event[fields::Event::TimeStamp].value_or(0) == 0) {
+        if (!event.IsThere()) return {*first, *first};
+        if (IsOfZeros(event)) {
             // A file that is fine was being made or reset meanwhile: it has no events yet.
             if (const auto reason = WhyNoEventStore(EventStorePath())) {
                 throw Failure(Exit::kUnavailable, *reason);
             }
+            return {*first, *first};
         }
+        // There is an event, so that the extent was not read.
     }
-    return {*first, *first + *count};
+    throw Failure(
+        Exit::kUnavailable,
+        "the events cannot be read: the event store says that it is empty, and it is not");
 }
 
 std::vector<StoredEvent> ReadEvents(Controller& controller, std::uint64_t first,
@@ -152,7 +179,7 @@ std::vector<StoredEvent> ReadEvents(Controller& controller, std::uint64_t first,
     std::vector<StoredEvent> events;
     while (count != 0) {
         const std::uint64_t asked = std::min(count, page);
-        const auto answer = controller.Ask(RequestEvents(asked, first, first + asked - 1));
+        const auto answer = AskForEvents(controller, first, asked);
         if (answer.exit == Exit::kUndelivered && asked > 1) {
             page = asked / 2;
             continue;

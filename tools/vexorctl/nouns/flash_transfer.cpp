@@ -63,25 +63,23 @@ void Receive(const Send& send, const FlashPlace& place, const std::string& path)
     send(ReadCommand(place, path));
 }
 
-// Where no room can be reserved, a file that was cut shows in a second one: there is less room for
-// it, not more.
+// The library does not tell a write that failed. What one was missing in shows in a second file:
+// there is less room for it, not more, and a disk seldom fails twice at the same byte.
 void RequireSecond(const Send& send, const FlashPlace& place, const NewFile& first,
                    const std::string& path) {
     const NewFile second(path);
     Receive(send, place, second.Path());
-    if (BytesOf(first.Path()) != BytesOf(second.Path())) throw FileError(ENOSPC);
+    if (BytesOf(first.Path()) != BytesOf(second.Path())) throw FileError(EIO);
 }
 
-// Receives the image into the file, to its last byte. Room is reserved before, so that no write can
+// Receives the image into the file. Room is reserved before, so that no write can
 // fail for want of it; as long as the image fills all of it, there may be more.
-void ReceiveWhole(const Send& send, const FlashPlace& place, const NewFile& file,
-                  const std::string& path) {
+void ReceiveWhole(const Send& send, const FlashPlace& place, const NewFile& file) {
     for (std::uint64_t room = kFirstRoom;; room = std::min(room * kGrowth, kMostImageBytes + 1)) {
         const bool reserved = file.Reserve(room);
         Receive(send, place, file.Path());
         if (file.Size() == 0) throw FileError(EIO);
-        if (!reserved) return RequireSecond(send, place, file, path);
-        if (file.Size() < room) return;
+        if (!reserved || file.Size() < room) return;
         if (room > kMostImageBytes) throw FileError(EFBIG);
     }
 }
@@ -105,7 +103,8 @@ void SaveImage(const Send& send, const FlashPlace& place, const std::string& pat
                Existing existing) {
     try {
         const NewFile file(path);
-        ReceiveWhole(send, place, file, path);
+        ReceiveWhole(send, place, file);
+        RequireSecond(send, place, file, path);
         file.Put(existing, kImageMode);
     } catch (const FileError& error) {
         ThrowNotWritten(path, error);
@@ -121,7 +120,7 @@ void CompareWithFlash(const Send& send, const FlashPlace& place, const std::stri
     try {
         const std::string copy = std::filesystem::temp_directory_path() / "image";
         const NewFile file(copy);
-        ReceiveWhole(send, place, file, copy);
+        ReceiveWhole(send, place, file);
         sent = BytesOf(path);
         found = BytesOf(file.Path());
     } catch (const FileError& error) {
