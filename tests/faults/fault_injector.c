@@ -18,6 +18,7 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/syscall.h>
+#include <sys/uio.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -194,6 +195,10 @@ MOVE(pwrite, kFaultWrite, (int file, const void* bytes, size_t size, off_t at),
      (file, bytes, size, at), (file, bytes, HALF, at))
 MOVE(pwrite64, kFaultWrite, (int file, const void* bytes, size_t size, off64_t at),
      (file, bytes, size, at), (file, bytes, HALF, at))
+
+// A short one moves the first part alone.
+MOVE(writev, kFaultWrite, (int file, const struct iovec* parts, int count), (file, parts, count),
+     (file, parts, count > 1 ? 1 : count))
 
 #define SIMPLE(result, name, kind, parameters, arguments, failed) \
     result name parameters {                                      \
