@@ -1,6 +1,5 @@
-// One look at a machine: what the controller answered, and what it did not. Whoever asks fills this
-// in, from whatever the answers came in. A field that is not known is null, never zero, and a list
-// counts only when its query was read.
+// The answers of one look at a machine, filled in by the caller from any source. An unknown field
+// is null, never zero, and a list is valid only when its query was read.
 #pragma once
 
 #include <cstdint>
@@ -10,22 +9,22 @@
 
 namespace hxconditions {
 
-/// How a question ended.
+/// The result of one query.
 struct Query {
     enum class Result : std::uint8_t {
         kNotAsked,
         kRead,
-        kUnsupported,  // the adapter does not know the call: an answer
-        kNone,         // there is no such thing, as no battery: an answer
+        kUnsupported,  // the adapter does not support the call; counts as an answer
+        kNone,         // the object does not exist, e.g. no battery; counts as an answer
         kFailed,
-        kImplausible,  // what came cannot be
+        kImplausible,  // the answer is impossible
         kDenied,       // no permission
     };
     Result result = Result::kNotAsked;
-    std::string call;   // the one that did not succeed: "HX_LD_GetInfo"
-    unsigned code = 0;  // what it returned
-    std::string name;   // of the code, where it has one: "busy"
-    std::string what;   // kImplausible: what is wrong with it
+    std::string call;   // the call that did not succeed: "HX_LD_GetInfo"
+    unsigned code = 0;  // the status that it returned
+    std::string name;   // the code's name, if any: "busy"
+    std::string what;   // kImplausible: what is wrong with the answer
 
     bool IsRead() const {
         return result == Result::kRead || result == Result::kUnsupported || result == Result::kNone;
@@ -36,7 +35,7 @@ struct Query {
     }
 };
 
-/// Codes are those of codes/activity.h.
+/// `kind` and `state` are codes of codes/activity.h.
 struct Activity {
     unsigned kind = 0;
     unsigned state = 0;
@@ -58,7 +57,7 @@ struct VirtualDisk {
     unsigned level = 0;  // codes/level.h
     unsigned legs = 0;
     unsigned state = 0;             // codes/state.h
-    std::string state_text;         // of a state that has no code there: "7", "dreaming"
+    std::string state_text;         // for a state without a code there: "7", "dreaming"
     std::optional<unsigned> cache;  // codes/virtual_disk.h
     std::optional<unsigned> group;
     std::vector<Member> members;
@@ -74,15 +73,15 @@ struct Disk {
     unsigned status = 0;  // bits of codes/disk.h
     std::uint64_t sectors = 0;
     std::optional<std::uint64_t> free_sectors;
-    std::optional<unsigned> group;  // that it is a member or a spare of
+    std::optional<unsigned> group;  // of which it is a member or a spare
     std::optional<unsigned> enclosure;
-    std::optional<unsigned> expander;  // that it is connected to
+    std::optional<unsigned> expander;  // to which it is connected
     std::string bay;                   // "slot 3", "enc0 phy 5"
     std::optional<bool> smart_alarm;
     std::optional<bool> smart_on;
-    std::optional<bool> is_online;  // as it is set
+    std::optional<bool> is_online;  // by its setting
     std::optional<unsigned> phys;
-    std::optional<unsigned> speed;  // the higher, the faster
+    std::optional<unsigned> speed;  // a higher code is a faster speed
     std::optional<unsigned> remapped;
     std::optional<Activity> activity;  // a media patrol or data scrub
 };
@@ -94,7 +93,7 @@ struct DiskGroup {
     unsigned state = 0;
     std::vector<unsigned> disks;
     std::vector<unsigned> spares;
-    std::optional<std::uint64_t> sectors_needed;  // of a disk that takes a member's place
+    std::optional<std::uint64_t> sectors_needed;  // by a disk that replaces a member
     std::optional<Activity> activity;
 };
 
@@ -102,7 +101,7 @@ struct Element {
     unsigned id = 0;
     unsigned type = 0;           // codes/enclosure.h
     unsigned status = 0;         // codes/enclosure.h
-    std::optional<int> reading;  // degrees Celsius, turns a minute, millivolts
+    std::optional<int> reading;  // degrees Celsius, rpm or millivolts
     std::optional<int> low_critical, low_warning, high_warning, high_critical;
 };
 
@@ -121,7 +120,7 @@ struct Battery {
     std::optional<unsigned> minutes_to_full;
 };
 
-/// Whether each image of the flash is sound.
+/// Whether the images of the flash are healthy.
 struct Flash {
     std::optional<bool> all, autoload, boot_loader, firmware, bios, hba_info;
 };
@@ -144,25 +143,26 @@ struct Adapter {
     std::vector<Enclosure> enclosures;
     Query battery_query;
     std::optional<Battery> battery;
-    std::optional<std::int64_t> spares_collected_ago_s;  // Linux RAID: by the event service
+    std::optional<std::int64_t> spares_collected_ago_s;  // Linux RAID: by the event service,
+                                                         // seconds ago
 };
 
-/// The files that hold the events.
+/// The files in which the events are stored.
 struct Store {
     enum class State : std::uint8_t {
         kNotLooked,
         kGood,
         kNotWritable,
-        kUnreadable,  // not there, or not permitted, where one should be
+        kUnreadable,  // missing or not permitted, although expected
         kDamaged,
     };
     State state = State::kNotLooked;
     std::string path;
     std::string reason;
-    std::uint64_t events_lost = 0;  // by a gap or a reset that this look found
+    std::uint64_t events_lost = 0;  // in a gap or a reset found by this look
 };
 
-/// A way by which alerts go out.
+/// A destination of alerts.
 struct Sink {
     std::string name;
     bool is_failing = false;
@@ -171,10 +171,11 @@ struct Sink {
     std::uint64_t given_up = 0;
 };
 
-/// The event service, as itself or as its last report tells of it.
+/// The event service, as known to itself or from its last report.
 struct Service {
-    bool is_here = false;  // it remembers, and collects events: rows of memory and events are seen
-    std::optional<std::int64_t> silent_for_s;  // it has run here, and its report is old
+    bool is_here = false;  // the look is made by the service, so rows that need memory or events
+                           // are checked
+    std::optional<std::int64_t> silent_for_s;  // it has run here before; the age of its report
     std::string rejected_configuration;        // "FILE:LINE: WHAT"
     bool state_was_damaged = false;
     std::string state_damage;
@@ -184,15 +185,15 @@ struct Service {
 };
 
 struct Answers {
-    Query machine;       // the library is there and opened, and has counted its adapters
-    std::string reason;  // kFailed: why not
-    std::string advice;  // and what to do
+    Query machine;       // loading and opening the library and counting its adapters
+    std::string reason;  // kFailed: the reason
+    std::string advice;  // kFailed: what to do
     std::vector<Adapter> adapters;
     Store store;
     Service service;
 };
 
-/// An event, as the controller told it.
+/// An event as the controller reported it.
 struct Event {
     unsigned adapter = 0;
     std::uint32_t sequence = 0;
@@ -205,8 +206,8 @@ struct Event {
 
 /// The clocks of this machine.
 struct Now {
-    std::int64_t real = 0;  // seconds since 1970: dates, and nothing else
-    std::int64_t boot = 0;  // seconds since the boot, sleep included: intervals
+    std::int64_t real = 0;  // seconds since 1970, used only for dates
+    std::int64_t boot = 0;  // seconds since the boot, including sleep; used for intervals
     std::string boot_id;
 };
 

@@ -1,4 +1,5 @@
-// The lines of a monitoring plugin. Names in them are data: no bar and no line end gets through.
+// The lines of a monitoring plugin. Names come from outside, so "|" and line ends are replaced in
+// them.
 #include "conditions/hxc_check.h"
 
 #include <algorithm>
@@ -28,7 +29,7 @@ std::string Counted(const std::optional<std::uint64_t>& number, const std::strin
     return (number ? std::to_string(*number) : "?") + " " + what + (number == 1U ? "" : "s");
 }
 
-// Whole items, as many as fit.
+// Joins items as long as they fit; never cuts one.
 class Items {
 public:
     void Add(const std::string& item) {
@@ -63,7 +64,7 @@ struct Measured {
     const Adapter* adapter;
     const VirtualDisk* virtual_disk;
     std::optional<unsigned> survives;
-    unsigned rank;  // of its state; the worst first
+    unsigned rank;  // rank of its state; the worst first
 };
 
 std::vector<Measured> WorstFirst(const Answers& answers) {
@@ -84,7 +85,7 @@ void AddVirtualDisks(Items& items, const Answers& answers) {
     for (const Measured& each : WorstFirst(answers)) {
         const std::string label =
             LabelOf(AddressOf(each.adapter->number, Kind::kVirtualDisk, each.virtual_disk->id));
-        // What never had redundancy is not worse for having none.
+        // No threshold without redundancy: such a level never survives a failure.
         const bool redundant = IsRedundant(each.virtual_disk->level);
         items.Add(label + "_survives", each.survives, redundant ? ";1:;" : "");
         const Activity* const activity = ActivityOf(*each.adapter, *each.virtual_disk);

@@ -1,4 +1,4 @@
-// Events, their objects and the conditions that they tell of.
+// The objects of events and the conditions that they start or end.
 #include "conditions/hxc_event_codes.h"
 
 #include <algorithm>

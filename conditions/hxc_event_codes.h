@@ -1,4 +1,4 @@
-// Which conditions an event tells of: by the columns of the controllers' table of events.
+// The conditions that an event starts or ends, from the table of events of our own controllers.
 #pragma once
 
 #include <string_view>
@@ -9,7 +9,7 @@
 
 namespace hxconditions {
 
-/// Names of conditions with blanks between them.
+/// Names of conditions, separated by blanks.
 struct EventCodes {
     std::string_view raises;
     std::string_view clears;
@@ -20,10 +20,10 @@ std::vector<Code> CodesIn(std::string_view names);
 bool Raises(const Event& event, Code code);
 bool Clears(const Event& event, Code code);
 
-/// What the event is of; as it is listed, or by its address alone where it is not.
+/// The object of an event: the listed one, or one with only an address when it is not listed.
 Object ObjectOf(const Event& event, const Things& things);
 
-/// The activity whose step the event tells of; 0 where there is none.
+/// The activity whose step the event reports; 0 when there is none.
 unsigned ActivityOf(const Event& event);
 
 }  // namespace hxconditions

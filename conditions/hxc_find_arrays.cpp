@@ -1,4 +1,4 @@
-// Virtual disks, disk groups, their rebuilds and their spares.
+// Conditions of virtual disks, disk groups, their rebuilds and their spares.
 #include "conditions/hxc_find_arrays.h"
 
 #include <algorithm>
@@ -23,7 +23,7 @@ using hxcodes::DiskBit;
 
 constexpr unsigned kBroken = DiskBit::kUnavailable | DiskBit::kFailed;
 
-// What a look at one virtual disk has found out so far.
+// The findings and intermediate results for one virtual disk.
 struct Lookup {
     std::vector<Finding>& findings;
     const Things& things;
@@ -32,8 +32,8 @@ struct Lookup {
     Object object;
     Redundancy redundancy;
     const Activity* activity = nullptr;  // its own, or its disk group's
-    const Disk* spare = nullptr;         // that fits
-    const Disk* free = nullptr;          // that would fit
+    const Disk* spare = nullptr;         // a spare that fits
+    const Disk* free = nullptr;          // a free disk that would fit
 
     Finding& Add(Code code) { return findings.emplace_back(FindingOf(code, object)); }
 };
@@ -63,7 +63,8 @@ std::vector<std::string> AddressesAt(const Lookup& look, const std::vector<unsig
     return addresses;
 }
 
-// What is left of the redundancy, exactly: of pairs and legs only some disks may not fail any more.
+// The exact redundancy that is left: with pairs and legs, only the failure of certain disks loses
+// data.
 std::string RedundancyText(const Lookup& look) {
     const std::vector<std::string> needed = AddressesAt(look, look.redundancy.needed);
     const std::vector<std::string> others = AddressesAt(look, look.redundancy.spare_positions);
@@ -104,7 +105,7 @@ void AddMembers(const Lookup& look, Finding& finding) {
     finding.values["members"] = addresses.empty() ? "a disk" : Listed(addresses);
 }
 
-// The row of its state: none while all is well.
+// The condition for its state; none while all is well.
 std::optional<Code> StateCodeOf(const VirtualDisk& virtual_disk, const Redundancy& redundancy,
                                 bool rebuild_moves) {
     const unsigned state = virtual_disk.state;
@@ -150,7 +151,7 @@ bool IsRebuild(const Activity& activity) {
     return activity.kind == ActivityKind::kRebuild || activity.kind == ActivityKind::kCopyback;
 }
 
-// A member's disk that a rebuild was to write, while no rebuild runs.
+// The disk of a member whose rebuild is needed but not running.
 const Disk* AbandonedTarget(const Lookup& look) {
     if (look.virtual_disk.state == hxcodes::State::kOptimal) return nullptr;
     if (look.activity != nullptr && IsRebuild(*look.activity)) return nullptr;
@@ -188,7 +189,8 @@ void FindHindrances(Lookup& look) {
         aborted.values["target"] = AddressOf(look.adapter.number, Kind::kDisk, target->id);
         return;
     }
-    // A disk is needed only where one is gone or broken; other positions wait for their rebuild.
+    // Ask for a disk only where one is missing or has failed; other positions just wait for their
+    // rebuild.
     const bool offline =
         look.virtual_disk.state == hxcodes::State::kOffline || look.redundancy.is_offline;
     if (offline || look.adapter.disks.empty()) return;
@@ -300,7 +302,7 @@ void FindDiskGroups(std::vector<Finding>& findings, const Things& things, const 
 void FindSpares(std::vector<Finding>& findings, const Things& things, const Adapter& adapter) {
     bool has_global = false;
     for (const Disk& disk : adapter.disks) {
-        if (!IsReadySpare(disk) || disk.sectors == 0) continue;  // 0: not told
+        if (!IsReadySpare(disk) || disk.sectors == 0) continue;  // 0: unknown
         has_global = has_global || (disk.status & DiskBit::kGlobalSpare) != 0;
         std::vector<std::string> too_large;
         std::uint64_t least = 0;

@@ -1,5 +1,4 @@
-// What is wrong with virtual disks and disk groups: their redundancy, what they do, and what keeps
-// a rebuild from running.
+// Conditions of virtual disks and disk groups: redundancy, activities, and obstacles to a rebuild.
 #pragma once
 
 #include <optional>
@@ -12,15 +11,15 @@ namespace hxconditions {
 
 void FindVirtualDisks(std::vector<Finding>& findings, const Things& things, const Adapter& adapter,
                       const Movement* movement);
-/// The row of its state; null while all is well.
+/// The condition for a virtual disk's state; null while all is well.
 std::optional<Code> StateCodeOf(const Adapter& adapter, const VirtualDisk& virtual_disk);
-/// What it does, or the disk group that it lies on; null where nothing runs.
+/// The activity of a virtual disk or of its disk group; null when none runs.
 const Activity* ActivityOf(const Adapter& adapter, const VirtualDisk& virtual_disk);
 /// "a0/pd6 or a0/pd7".
 std::string Alternatives(const std::vector<std::string>& items);
 void FindDiskGroups(std::vector<Finding>& findings, const Things& things, const Adapter& adapter);
 void FindSpares(std::vector<Finding>& findings, const Things& things, const Adapter& adapter);
-/// Free disks in the bays of lost members that have too little room.
+/// Finds free disks in the bays of lost members that are too small to replace them.
 void FindReplacements(std::vector<Finding>& findings, const Things& things, const Adapter& adapter);
 
 }  // namespace hxconditions

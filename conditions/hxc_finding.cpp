@@ -1,4 +1,5 @@
-// The machine, its adapters, disks, enclosures, batteries, flash, store, service and sinks.
+// Findings about the machine, adapters, disks, enclosures, batteries, flash, store, service and
+// sinks.
 #include "conditions/hxc_finding.h"
 
 #include <algorithm>
@@ -24,7 +25,7 @@ using hxcodes::ElementType;
 
 using Findings = std::vector<Finding>;
 
-// ---- What could not be asked ----
+// ---- Failed queries ----
 
 void FindUnreadable(Findings& findings, const Things& things, const Adapter& adapter) {
     const std::pair<Code, const Query*> queries[] = {
@@ -42,7 +43,7 @@ void FindUnreadable(Findings& findings, const Things& things, const Adapter& ada
         if (!query->Failed()) continue;
         const bool told = query->result != Query::Result::kImplausible;
         if (!told) implausible.push_back(Harmless(query->call + ": " + query->what));
-        // What makes no sense has been answered all the same.
+        // Skip an implausible answer: the adapter did answer.
         if (!told && code == Code::kAdapterUnreadable) continue;
         Finding& finding = findings.emplace_back(FindingOf(code, things.Of(adapter)));
         finding.values["call"] = query->call;
@@ -296,7 +297,8 @@ void FindElements(Findings& findings, const Things& things, const Adapter& adapt
                 element.reading ? ": " + ReadingText(element.type, *element.reading) : "";
             finding.values["limit"] = LimitText(element);
             finding.links.push_back(things.Of(adapter, enclosure).identity);
-            // Half of the power is gone at once; other readings may pass by.
+            // A failed power supply is shown at once, without damping; other readings may be
+            // transient.
             if (*code == Code::kEncElementCritical && element.type == ElementType::kPowerSupply) {
                 finding.up = Damping{};
             }
@@ -308,7 +310,7 @@ struct ImageText {
     std::optional<bool> Flash::*sound;
     Code code;
     std::string_view text;
-    std::string_view name;  // as vexorctl takes it
+    std::string_view name;  // as an argument of vexorctl
 };
 constexpr ImageText kImages[] = {
     {&Flash::firmware, Code::kFlashFirmwareDamaged, "the firmware", "firmware"},

@@ -1,4 +1,4 @@
-// What one look at the machine finds wrong, row by row, before any memory is asked.
+// The findings of one look at the machine, row by row, without memory.
 #pragma once
 
 #include <optional>
@@ -16,7 +16,7 @@ namespace hxconditions {
 
 /// A member that a virtual disk or disk group has lost.
 struct LostMember {
-    std::string identity;  // of the disk; empty where none is known
+    std::string identity;  // of the disk; empty when unknown
     std::string address;
 
     bool operator==(const LostMember&) const = default;
@@ -26,33 +26,33 @@ struct Finding {
     Code code = Code::kNotWatched;
     Object object{};
     Values values{};
-    std::uint64_t count = 0;  // grows when it gets worse: lost blocks, lost members
+    std::uint64_t count = 0;  // grows as it gets worse: lost blocks, lost members
     std::vector<LostMember> lost{};
-    std::vector<std::string> links{};  // identities of the things whose conditions it takes up
-    std::optional<Damping> up{};       // instead of the row's
+    std::vector<std::string> links{};  // identities of the objects whose conditions fold into it
+    std::optional<Damping> up{};       // replaces the row's damping
 };
 
-/// What an activity looked like before, for rows that need memory: whether it still moves.
+/// Tells whether activities still make progress, for rows that need memory.
 class Movement {
 public:
     virtual ~Movement() = default;
     virtual bool Stands(const Object& object) const = 0;
 };
 
-/// Every row that needs nothing but this look. `movement` may be null.
+/// Finds every row that needs only this look. `movement` may be null.
 std::vector<Finding> FindAll(const Answers& answers, const Things& things,
                              const Movement* movement);
 
-/// A finding whose values begin with those that every one has.
+/// A finding with the values that all findings have.
 Finding FindingOf(Code code, const Object& object);
 
 /// "rebuild", "consistency check", ... as in sentences.
 std::string_view ActivityText(unsigned kind);
-/// "29 %", or "?" where it is not told.
+/// "29 %", or "?" when unknown.
 std::string PercentText(const std::optional<unsigned>& percent);
 /// "power supply", "fan", ...
 std::string_view ElementTypeText(unsigned type);
-/// ", slot 3": what tells a disk from its neighbours.
+/// ", slot 3": how to find the disk among its neighbours.
 std::string DiskIdText(const Object& object, const Disk& disk);
 
 }  // namespace hxconditions

@@ -1,4 +1,4 @@
-// JSON of conditions. What is not known is null, and always there.
+// Conditions as JSON. Unknown members are null instead of left out.
 #include "conditions/hxc_json.h"
 
 #include <nlohmann/json.hpp>

@@ -1,4 +1,4 @@
-// Conditions as JSON: of vexorctl check, of the event service's report, and of what its sinks send.
+// Conditions as JSON, for vexorctl check, the event service's report and its sinks.
 #pragma once
 
 #include <string>
@@ -8,14 +8,14 @@
 
 namespace hxconditions {
 
-/// An object with "overall", "counts" (of conditions), "machine" (counts of things, null where they
-/// could not be read) and "conditions", the worst first. Texts that are not UTF-8 get U+FFFD.
+/// An object with "overall", "counts" (of conditions), "machine" (counts of objects, null when they
+/// could not be read) and "conditions", the worst first. Invalid UTF-8 is replaced by U+FFFD.
 std::string OverviewJson(const Overview& overview, const Counts& counts);
 
-/// One condition, with the folded ones in it.
+/// One condition with its folded conditions.
 std::string ConditionJson(const Condition& condition);
 
-/// The condition of a message, with "change" and, where they are known, "was" and "lasted_s".
+/// The condition of a message, with "change" and, when known, "was" and "lasted_s".
 std::string MessageJson(const Message& message);
 
 }  // namespace hxconditions

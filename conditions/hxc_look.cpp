@@ -1,4 +1,4 @@
-// Damping, identity, families, stale rows, what only events tell, and the messages.
+// Damping, identities, families, stale rows, conditions known only from events, and messages.
 #include "conditions/hxc_look.h"
 
 #include <algorithm>
@@ -28,14 +28,14 @@ struct Ended {
     std::string reason;
 };
 
-// One look at work: what it was given, and what it makes.
+// The inputs and intermediate results of one look.
 struct Work {
     State& state;
     const Answers& answers;
     const Things& things;
     const std::vector<Event>& events;
     std::int64_t real;
-    bool is_once;  // without memory: nothing is damped
+    bool is_once;  // LookOnce: no memory, no damping
     std::vector<Ended> ended{};
 };
 
@@ -61,7 +61,7 @@ void Rename(Finding& finding, const std::string& from, const std::string& to) {
     for (LostMember& lost : finding.lost) Replace(lost.identity, from, to);
 }
 
-// An adapter that tells of itself for the first time was known by its number until now.
+// An adapter whose identity is read for the first time was identified by its number until now.
 void RenameAdapters(State& state, const Answers& answers, const Things& things) {
     for (const Adapter& adapter : answers.adapters) {
         const std::string number = "adapter number " + std::to_string(adapter.number);
@@ -108,7 +108,8 @@ void LendEvent(Held& held, const Work& work) {
     }
 }
 
-// A thing that has begun to say what it is keeps what was told of it.
+// When an object's identity becomes known, the record of what was reported about it moves to the
+// new key.
 void MoveTold(State& state, const Finding& from, const Finding& to) {
     const std::string old = KeyOf(from.code, from.object);
     const std::string key = KeyOf(to.code, to.object);
@@ -186,7 +187,8 @@ bool IsReplaced(const Held& held, const Things& things) {
     });
 }
 
-// Whether it ends with this look, in which it was not found. What cannot be seen does not end.
+// Whether a condition that was not found in this look has ended. It has not while its answers
+// cannot be read.
 std::optional<std::string> EndOf(Held& held, Work& work) {
     const Row& row = RowOf(held.found.code);
     if (IsReplaced(held, work.things)) return "replaced";
@@ -206,9 +208,10 @@ void End(Work& work, const Held& held, std::string reason) {
     work.ended.push_back({held, std::move(reason)});
 }
 
-// ---- What the look has found ----
+// ---- Findings of this look ----
 
-// A better member of the family is believed only when all that it rests on was read.
+// Whether a milder condition of the same family must be ignored, because not all of its answers
+// were read.
 bool IsBetterByHalf(const Finding& finding, const Work& work) {
     if (work.things.IsRead(finding.object, RowOf(finding.code).rests_on)) return false;
     return std::ranges::any_of(work.state.held, [&](const Held& held) {
@@ -230,8 +233,8 @@ void TakeFindings(Work& work, std::vector<Finding> findings, bool from_memory,
     }
 }
 
-// Whether another member of its family has taken its place. That one is shown at once: the thing
-// was bad before, and waiting would look as if it had been good in between.
+// Whether another condition of the same family has replaced it. The new one is shown at once: with
+// damping the object would look healthy in between.
 bool PassOn(Work& work, const Held& held, const std::set<std::string>& found) {
     const auto next = std::ranges::find_if(work.state.held, [&](const Held& other) {
         return found.contains(RaiseKey(other)) && IsSibling(other.found, held.found);
@@ -261,7 +264,7 @@ void EndWhatWasNotFound(Work& work, const std::set<std::string>& found) {
                   [&](const Held& held) { return ended.contains(RaiseKey(held)); });
 }
 
-// ---- What only events tell ----
+// ---- Conditions known only from events ----
 
 std::string BlockText(const Event& event) {
     std::array<char, 32> text{};
@@ -318,8 +321,8 @@ void EndByEvent(Work& work, Code code, const Event& event) {
     work.state.held = std::move(kept);
 }
 
-// A check that was seen from its start to its end, and found nothing, shows that all agrees. What
-// it finds is told before its end.
+// A check whose start and end were both seen proves the virtual disk consistent, unless it reported
+// errors before its end.
 void FollowCheck(Work& work, const Event& event) {
     const Object object = ObjectOf(event, work.things);
     const auto seen = work.state.memory.virtual_disks.find(object.identity);
@@ -358,7 +361,7 @@ void NoteClock(Work& work) {
     for (const auto& [number, time] : newest) {
         const Adapter* const adapter = work.things.FindAdapter(number);
         if (adapter == nullptr) continue;
-        // At the first look old events may have waited; only later ones have just happened.
+        // At the first look events may be old, so a clock that is behind cannot be detected yet.
         const std::int64_t ahead = time - work.real;
         const std::int64_t behind = work.state.looks == 0 ? 0 : -ahead;
         work.state.memory.clock_differences[work.things.Of(*adapter).identity] =
@@ -408,7 +411,7 @@ std::optional<std::string> EndOfEventRow(const Held& held, const Work& work) {
     if (IsMended(held, work)) return "";
     const Ticks age = row.age_s != 0 ? row.age_s : row.hits_within_s;
     if (age != 0 && !held.hits.empty() && work.state.now - held.hits.back() >= age) return "";
-    // Of the table of remapped sectors, the fuller state holds.
+    // For the remap table the condition of the fuller table wins.
     const bool outdone = std::ranges::any_of(work.state.held, [&](const Held& other) {
         return IsSibling(other.found, held.found) && other.looks != 0 &&
                RowOf(other.found.code).rank < row.rank &&
@@ -500,7 +503,7 @@ void TellHead(std::vector<Message>& messages, State& state, Condition head) {
     messages.push_back({worse ? Change::kWorse : Change::kBetter, std::move(head), was, 0, ""});
 }
 
-// What was said of it when it was told of last.
+// The condition as it was last reported.
 Condition LastConditionOf(const Told& told, const Settings& settings, std::int64_t real) {
     State alone;
     Held& held = alone.held.emplace_back();
@@ -533,7 +536,8 @@ void TellCleared(std::vector<Message>& messages, Work& work, const Settings& set
     });
 }
 
-// Critical, raised and gone between two looks: told once, for nothing else would ever tell of it.
+// Reports critical conditions that started and ended between two looks, since nothing else would
+// report them.
 void TellPassed(std::vector<Message>& messages, const Work& work, const Settings& settings) {
     for (auto raise = work.events.begin(); raise != work.events.end(); ++raise) {
         for (const Code code : CodesIn(CodesOf(*raise).raises)) {

@@ -1,5 +1,5 @@
-// The core: one look at the machine and what was remembered make what is remembered now, and what
-// has to be told. No clock is read and nothing is kept anywhere else.
+// The core: computes the new state and the messages from the old state and one look at the machine.
+// It reads no clock and keeps no other data.
 #pragma once
 
 #include <string>
@@ -15,13 +15,13 @@ enum class Change : std::uint8_t {
     kWorse,
     kBetter,
     kCleared,
-    kPassed,  // raised and gone between two looks
+    kPassed,  // started and ended between two looks
 };
 std::string_view NameOf(Change change);
 
 struct Message {
     Change change = Change::kRaised;
-    Condition condition;        // as it is, or as it was when it is cleared
+    Condition condition;        // the current one, or the last one when cleared
     std::optional<Code> was;    // kWorse, kBetter
     std::int64_t lasted_s = 0;  // kCleared, kPassed
     std::string reason;         // kCleared: "replaced", "acknowledged", or empty
@@ -33,13 +33,11 @@ struct Look {
     Overview overview;
 };
 
-/// The state is what the last look has returned, or a new one; the events are those that the
-/// service has collected since.
+/// `state` is the result of the last look, or a new one; `events` are those collected since then.
 Look LookAt(State state, const Answers& answers, const std::vector<Event>& events, const Now& now,
             const Settings& settings);
 
-/// One look without memory: what is wrong by itself, at once. Rows that need memory or events are
-/// not looked at.
+/// One look without memory or damping. Rows that need memory or events are skipped.
 Overview LookOnce(const Answers& answers, const Now& now, const Settings& settings);
 
 }  // namespace hxconditions

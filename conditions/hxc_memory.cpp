@@ -1,4 +1,4 @@
-// The inventory: filled by every look, compared with the next.
+// The inventory, which each look updates and the next one is compared with.
 #include "conditions/hxc_memory.h"
 
 #include <algorithm>
@@ -38,7 +38,7 @@ bool IsUnused(const Disk& disk) {
     return (disk.status & kAnything) == 0;
 }
 
-// Whether something is still listed, or something else stands where it did.
+// Whether an object is still listed, or another one has taken its address.
 enum class Place { kListed, kTaken, kEmpty };
 Place PlaceOf(const Things& things, const Object& object) {
     bool taken = false;
@@ -95,7 +95,7 @@ void FindStanding(std::vector<Finding>& findings, const Memory& memory, const Th
         finding.values["activity"] = ActivityText(seen->second.activity.kind);
         finding.values["percent"] = PercentText(seen->second.activity.percent);
         finding.values["for"] = " for " + DurationText(now - seen->second.moved);
-        finding.up = Damping{};  // it has stood for so long already
+        finding.up = Damping{};  // it has been standing still long enough already
     }
     for (const VirtualDisk& each : adapter.virtual_disks) {
         const Object object = things.Of(adapter, each);
@@ -249,8 +249,8 @@ void RememberAdapter(Memory& memory, const Things& things, const Adapter& adapte
     RememberDisks(memory, things, adapter, now);
 }
 
-// An adapter that was never seen before, at the number of one that is seen no more, has taken its
-// place. One that was known has only moved up.
+// A new adapter at the number of a missing one has replaced that; a known adapter at this number
+// has only been renumbered.
 void ForgetExchanged(Memory& memory, const Things& things, const Adapter& adapter) {
     const std::string identity = things.Of(adapter).identity;
     if (!adapter.info.IsRead() || memory.adapters.contains(identity)) return;

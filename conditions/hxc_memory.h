@@ -1,4 +1,5 @@
-// The rows that need memory: what was there and is not, what does not move, what was better before.
+// The rows that need memory: objects that are gone, activities that stand still, values that were
+// better before.
 #pragma once
 
 #include <vector>
@@ -8,7 +9,7 @@
 
 namespace hxconditions {
 
-/// Which activities stand, by what was remembered of them.
+/// Tells which activities stand still, from the remembered progress.
 class RememberedMovement : public Movement {
 public:
     RememberedMovement(const Memory& memory, Ticks now) : memory_(memory), now_(now) {}
@@ -19,14 +20,14 @@ private:
     Ticks now_;
 };
 
-/// Notes how far each activity has got. To be called before anything is found.
+/// Stores the progress of each activity. Call it before the functions that find.
 void RememberProgress(Memory& memory, const Answers& answers, const Things& things, Ticks now);
 
-/// What the memory finds wrong with this look.
+/// The findings from comparing this look with the memory.
 std::vector<Finding> FindFromMemory(const Memory& memory, const Answers& answers,
                                     const Things& things, Ticks now);
 
-/// Takes what this look has seen into the memory.
+/// Stores what this look has seen in the memory.
 void Remember(Memory& memory, const Answers& answers, const Things& things, Ticks now);
 
 }  // namespace hxconditions

@@ -1,4 +1,4 @@
-// Addresses, identities and titles of the things that conditions are of.
+// Addresses, identities and titles of the objects of conditions.
 #include "conditions/hxc_object.h"
 
 #include <algorithm>
@@ -28,7 +28,7 @@ std::string AddressOf(unsigned adapter, Kind kind, unsigned id) {
 bool IsSameThing(const Object& left, const Object& right) {
     if (left.kind != right.kind) return false;
     if (left.identity == right.identity) return true;
-    // One that does not say what it is may still be the one that was there.
+    // An object without identifying data may still be the same one.
     return (!left.is_known || !right.is_known) && !left.address.empty() &&
            left.address == right.address;
 }

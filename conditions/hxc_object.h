@@ -1,4 +1,4 @@
-// What a condition is of: the thing itself, told apart from whatever else stands at its address.
+// The object of a condition, distinguished from other objects that get the same address.
 #pragma once
 
 #include <string>
@@ -16,11 +16,11 @@ struct Object {
     unsigned id = 0;
     unsigned element = 0;
     std::string address;  // "a0/vd0"; empty where there is none
-    std::string name;     // as it came from outside, harmless
+    std::string name;     // from outside, made harmless
     std::string serial;
-    // Equal for the same thing wherever it is, for ever: made of what the thing itself says.
+    // Identifies the object permanently and wherever it is; made from its own data.
     std::string identity;
-    // False where the thing says nothing of itself and the identity is only its address.
+    // False when the object reports no identifying data and the identity is only its address.
     bool is_known = true;
     std::string adapter_identity;
 
@@ -31,16 +31,17 @@ struct Object {
 std::string AddressOf(unsigned adapter);
 std::string AddressOf(unsigned adapter, Kind kind, unsigned id);
 
-/// Whether both are the same thing, as far as it can be known.
+/// Whether both are the same object, as far as can be known.
 bool IsSameThing(const Object& left, const Object& right);
 
-/// Whether the second stands where the first did and is another thing.
+/// Whether a different object now has the address of the old one.
 bool IsReplacedBy(const Object& old, const Object& now);
 
-/// "DATA (a0/vd0)", "a0/pd5", or the name alone where there is no address.
+/// "DATA (a0/vd0)", "a0/pd5", or only the name when there is no address.
 std::string TitleOf(const Object& object);
 
-/// A text from outside: control characters, line ends and bars as "?", blanks at its ends gone.
+/// Makes a text from outside harmless: replaces control characters, line ends and "|" by "?", trims
+/// blanks.
 std::string Harmless(std::string_view text);
 
 }  // namespace hxconditions

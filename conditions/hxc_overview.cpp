@@ -20,7 +20,7 @@ struct Entry {
     const Held* held = nullptr;
     const Row* row = nullptr;
     Condition condition{};
-    Entry* into = nullptr;  // the one that takes it up
+    Entry* into = nullptr;  // the head into which it folds
     std::vector<Entry*> folded{};
 
     const Finding& found() const { return held->found; }
@@ -53,7 +53,7 @@ bool IsMachineUnread(const Entry& entry) {
 
 bool IsBattery(const Entry& entry) { return entry.found().object.kind == Kind::kBattery; }
 
-// What explains why a disk's trouble is no news: the disk has failed.
+// Whether the condition only announces the failure of a disk, so that a failed disk explains it.
 bool IsSignOfFailure(Code code) {
     return code == Code::kDiskPredictedFailure || code == Code::kDiskRemapFull ||
            code == Code::kDiskRemapNearlyFull || code == Code::kDiskMediaErrors ||
@@ -73,7 +73,7 @@ Entry* FirstOf(Entries& entries, Take take) {
     return nullptr;
 }
 
-// What a stale condition, or one that says that something could not be read, folds into.
+// The head for a stale condition or for a failed query.
 Entry* HeadOfUnread(Entries& entries, const Entry& entry) {
     if (entry.found().object.adapter != kNoNumber) {
         if (Entry* const machine = FirstOf(entries, IsMachineUnread)) {
@@ -119,7 +119,7 @@ Entry* HeadOfDisk(Entries& entries, const Entry& entry) {
     });
 }
 
-// The entries are in order, so that the first that takes it up is the worst.
+// Entries are sorted, so the first head that fits is the worst.
 Entry* HeadOf(Entries& entries, const Entry& entry) {
     if (Entry* const head = HeadOfUnread(entries, entry)) return head;
     if (entry.row->folds == Folds::kIntoVirtualDisk) {
@@ -160,7 +160,8 @@ std::string PhraseOf(const Entry& entry, std::int64_t real, bool is_watched) {
 bool IsDiskState(const Entry& entry) { return entry.row->family == Family::kDisk; }
 bool IsHindrance(const Entry& entry) { return entry.row->family == Family::kHindrance; }
 
-// Which member failed how; of a lost member that no condition explains, that it holds nothing yet.
+// Names the failed members and how they failed; a lost member without a condition of its own holds
+// no valid data.
 std::string CauseText(const Entry& head, const Entries& entries, std::int64_t real,
                       bool is_watched) {
     std::vector<std::string> texts;
@@ -261,7 +262,7 @@ void Say(Entry& entry, const Entries& entries, std::int64_t real, bool is_watche
     AddNextStep(entry, values);
 }
 
-// The head of a disk that is in several virtual disks is the worst of them; the disk names all.
+// A disk in several virtual disks folds into the worst of them, but its text names all.
 void NameAllHeads(Entry& entry, Entries& entries) {
     if (entry.into == nullptr || entry.found().object.kind != Kind::kDisk) return;
     std::vector<std::string> heads;
@@ -273,7 +274,7 @@ void NameAllHeads(Entry& entry, Entries& entries) {
     if (heads.size() > 1) entry.condition.sentence += "; it concerns " + Listed(heads);
 }
 
-// ---- From what is held to what is listed ----
+// ---- Composing the overview ----
 
 Condition ConditionOf(const Held& held, const State& state, const Settings& settings,
                       std::int64_t real, bool is_watched) {

@@ -1,4 +1,5 @@
-// What is wrong now, folded and in order: heads, worst first, each with what it takes up.
+// The current conditions, sorted and folded: heads, worst first, each with the conditions that fold
+// into it.
 #pragma once
 
 #include <map>
@@ -10,7 +11,7 @@
 
 namespace hxconditions {
 
-/// The user's own choices.
+/// The user's settings.
 struct Settings {
     std::map<Code, Level> levels;
 };
@@ -35,19 +36,19 @@ struct Condition {
     std::optional<Code> hindrance;
     std::string next_step;
     std::vector<std::string> command;
-    std::string otherwise;  // what else can be done: "replace a0/pd5"
+    std::string otherwise;  // the alternative: "replace a0/pd5"
     std::uint64_t count = 0;
     bool is_stale = false;
     bool is_flapping = false;
     std::optional<Acknowledgement> acknowledged;
     std::optional<std::int64_t> silenced_until;
-    std::string detail;  // what a hindrance adds to its name: "a0/pd7 (free, 1.8 TiB) would fit"
+    std::string detail;  // addition to a hindrance's name: "a0/pd7 (free, 1.8 TiB) would fit"
     std::string label;   // "a0/pd5 (QD-W17J22K63, phy 5)"
     std::optional<Event> event;
     std::vector<Condition> folded;
 };
 
-/// Things that were counted; null where they could not be.
+/// Counts of objects; null when they could not be counted.
 struct Counts {
     std::optional<std::uint64_t> adapters, virtual_disks, disks, spares;
     std::optional<std::uint64_t> offline, unprotected, reduced, failed, missing, predicted;
@@ -56,22 +57,23 @@ struct Counts {
 struct Overview {
     std::vector<Condition> heads;
     std::optional<Level> overall;  // the worst of the heads; null when there is none
-    // Of the heads, in the order of Level; both kinds of unknown are counted as one.
+    // Numbers of heads by level; both kinds of unknown count as one.
     std::uint64_t critical = 0, unknown = 0, warning = 0, info = 0;
     std::uint64_t acknowledged = 0, silenced = 0;
-    bool is_whole = true;  // silenced ones are among the heads
+    bool is_whole = true;  // silenced conditions are among the heads
 };
 
-/// `real` is the date by this machine's clock; `watched` tells that times are known.
+/// `real` is the time by this machine's clock; `is_watched` tells that times of conditions are
+/// known.
 Overview OverviewOf(const State& state, const Settings& settings, std::int64_t real,
                     bool is_watched);
 
-/// Without the silenced ones, as the exit code sees it then. Their number stays.
+/// The overview without silenced conditions, which the exit code ignores; their count stays.
 Overview WithoutSilenced(Overview overview);
 
 Counts CountsOf(const Answers& answers);
 
-/// What is equally grave is listed by adapter, kind and number.
+/// The order of conditions: by rank, then by adapter, kind and number; silenced ones last.
 bool ComesBefore(const Condition& left, const Condition& right);
 
 }  // namespace hxconditions

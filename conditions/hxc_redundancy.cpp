@@ -1,4 +1,4 @@
-// Legs, pairs and rings, and what each may still lose.
+// Legs, pairs and rings, and the losses that each still survives.
 #include "conditions/hxc_redundancy.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace {
 
 using hxcodes::DiskBit;
 
-// Positions that make up for each other's loss.
+// Positions that share redundancy.
 struct Leg {
     std::vector<unsigned> positions;
     unsigned redundancy;
@@ -55,7 +55,7 @@ bool Contains(const std::vector<unsigned>& list, unsigned value) {
 std::optional<unsigned> SurvivesOf(const Adapter& adapter, const VirtualDisk& virtual_disk) {
     const Redundancy redundancy = RedundancyOf(virtual_disk, adapter.disks);
     if (redundancy.is_offline || virtual_disk.state == hxcodes::State::kOffline) return 0;
-    // Without the disks' own states a position may be lost that its block does not tell of.
+    // Without the disks' states a position may be lost although its block looks good.
     const bool whole = adapter.disks_query.IsRead() && adapter.virtual_disks_query.IsRead();
     return whole || redundancy.survives == 0U ? redundancy.survives : std::nullopt;
 }

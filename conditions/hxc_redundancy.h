@@ -1,5 +1,5 @@
-// What a virtual disk still survives, computed from its lost positions instead of taken from the
-// word for its state: RAID 10 says "degraded" while disks of every other pair may still fail.
+// The number of failures that a virtual disk still survives, computed from its lost positions. Its
+// state alone is not enough: a "degraded" RAID 10 survives failures in every other pair.
 #pragma once
 
 #include <optional>
@@ -11,17 +11,18 @@ namespace hxconditions {
 
 struct Redundancy {
     std::vector<unsigned> lost;  // positions
-    // How many more any disks may fail; null where the positions are not known or the level is not.
+    // How many more disks may fail, whichever they are; null when the positions or the level are
+    // unknown.
     std::optional<unsigned> survives;
-    bool is_offline = false;                // more is lost than the level makes up for
-    std::vector<unsigned> needed;           // positions whose loss nothing makes up for
-    std::vector<unsigned> spare_positions;  // those that may still fail, one at a time
+    bool is_offline = false;                // more positions are lost than the level survives
+    std::vector<unsigned> needed;           // positions whose loss would lose data
+    std::vector<unsigned> spare_positions;  // positions that may still fail, one at a time
 };
 
-/// Disks may be empty where they could not be read: then the blocks' own states count alone.
+/// `disks` may be empty when they could not be read: then only the states of the blocks count.
 Redundancy RedundancyOf(const VirtualDisk& virtual_disk, const std::vector<Disk>& disks);
 
-/// How many more disks of it may fail, whichever they are; null where that was not seen.
+/// How many more of its disks may fail, whichever they are; null when not known.
 std::optional<unsigned> SurvivesOf(const Adapter& adapter, const VirtualDisk& virtual_disk);
 
 /// Whether the level has redundancy at all.

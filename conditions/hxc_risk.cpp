@@ -1,4 +1,4 @@
-// Risks, and their sentences.
+// Computes risks and their sentences.
 #include "conditions/hxc_risk.h"
 
 #include <algorithm>
@@ -33,7 +33,7 @@ std::vector<std::string> DisksAt(const Adapter& adapter, const VirtualDisk& virt
     return disks;
 }
 
-// A member's room, whichever of them fails; null where it is not told.
+// The sectors that suffice to replace any member; null when unknown.
 std::optional<std::uint64_t> NeededForAny(const Adapter& adapter, const VirtualDisk& virtual_disk,
                                           const Redundancy& redundancy) {
     std::uint64_t needed = NeededBy(adapter, virtual_disk, redundancy.lost);
@@ -43,7 +43,7 @@ std::optional<std::uint64_t> NeededForAny(const Adapter& adapter, const VirtualD
     return needed == 0 ? std::nullopt : std::optional(needed);
 }
 
-// Why no spare steps in, for each that there is.
+// The reason why each existing spare cannot step in.
 std::string WhyNone(const Adapter& adapter, const VirtualDisk& virtual_disk, std::uint64_t needed) {
     std::vector<std::string> reasons;
     for (const Disk& disk : adapter.disks) {

@@ -1,5 +1,5 @@
-// How near every virtual disk is to losing data: what it still survives, what would mend it, how
-// long that would take, and what its disks have in common.
+// The risk of data loss of every virtual disk: the failures that it survives, the disk that would
+// restore it, the time of a rebuild, and enclosures or expanders that its disks share.
 #pragma once
 
 #include <cstdint>
@@ -12,17 +12,17 @@
 
 namespace hxconditions {
 
-/// An enclosure or expander that takes several members along when it goes.
+/// An enclosure or expander whose failure takes several members away.
 struct SharedPlace {
     std::string place;  // "a0/enc0", "expander 1 of a0"
     std::vector<std::string> disks;
 };
 
-/// A member that tells that it is not well, though it still works.
+/// A working member that shows signs of failure.
 struct WeakMember {
     std::string disk;
     bool announces_failure = false;  // by SMART
-    unsigned remapped = 0;           // entries of its table of remapped sectors
+    unsigned remapped = 0;           // entries of its remap table
 };
 
 struct Risk {
@@ -33,29 +33,30 @@ struct Risk {
     bool is_redundant = false;
     bool is_offline = false;
     std::optional<unsigned> survives;             // failures of any disks
-    std::vector<std::string> lost;                // disks; of a position without one nothing
+    std::vector<std::string> lost;                // disks; positions without a disk are left out
     std::size_t lost_count = 0;                   // positions
     std::vector<std::string> needed;              // disks that must not fail
     std::vector<std::string> may_fail;            // one at a time
-    bool is_rebuilding = false;                   // one that moves
-    std::optional<unsigned> percent;              // of it
-    std::optional<std::string> spare;             // that steps in at the next failure, or now
-    std::string no_spare;                         // why none does
+    bool is_rebuilding = false;                   // a rebuild makes progress
+    std::optional<unsigned> percent;              // of the rebuild
+    std::optional<std::string> spare;             // the spare that steps in at the next failure, or
+                                                  // now
+    std::string no_spare;                         // why there is none
     std::optional<std::string> free;              // a free disk that would suffice
     std::optional<std::uint64_t> needed_sectors;  // of a disk that takes a member's place
     std::optional<std::int64_t> exposure_s;       // from a failure to the end of its rebuild
-    std::vector<SharedPlace> shared;              // whose loss it does not survive
+    std::vector<SharedPlace> shared;              // places whose loss it does not survive
     std::vector<WeakMember> weak;
     std::string sentence;
 };
 
-/// Sectors per second that rebuilds have been seen to write, by adapter.
+/// Observed speed of rebuilds in sectors per second, by adapter.
 using RebuildRates = std::map<unsigned, double>;
 
-/// One for each virtual disk whose list was read, in the order of adapters and numbers.
+/// One risk for each listed virtual disk, in the order of adapters and numbers.
 std::vector<Risk> RisksOf(const Answers& answers, const RebuildRates& rates);
 
-/// Whether the next failure of some disk loses data, or one already has.
+/// Whether data is lost already, or the failure of some disk would lose it.
 bool IsAtRisk(const Risk& risk);
 
 }  // namespace hxconditions

@@ -1,4 +1,4 @@
-// The rows themselves, and what must hold of every one of them.
+// The rows of conditions, and the checks that every row must pass.
 #include "conditions/hxc_rows.h"
 
 #include <algorithm>
@@ -1355,7 +1355,7 @@ consteval bool NamesAreUnique() {
 }
 static_assert(NamesAreUnique());
 
-// The places that something fills.
+// The placeholders that the finders fill.
 constexpr std::string_view kPlaces[] = {
     "a",          "activity",       "adapter",    "advice", "ago",        "allowed",
     "before",     "block",          "c",          "call",   "capacity",   "code_name",

@@ -1,5 +1,5 @@
-// The table of conditions: what can be wrong with a machine, how grave it is, what is said of it
-// and what to do. Whoever shows, sends or counts conditions takes all of that from here.
+// The table of conditions: what can be wrong with a machine, its level, its texts and the next
+// step. All consumers take these from here.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,8 @@
 
 namespace hxconditions {
 
-/// In the order of their ranks. A code keeps its level for ever: what is worse or better is another
-/// code. A name that has been delivered is never changed and never used for something else.
+/// In the order of their ranks. The level of a code never changes: a worse or milder condition is
+/// another code. A released name is never changed or reused.
 enum class Code : std::uint8_t {
     // Critical.
     kVdOffline,
@@ -24,7 +24,7 @@ enum class Code : std::uint8_t {
     kFlashFirmwareDamaged,
     kEncElementCritical,
     kEventsNotCollected,
-    // Unknown, and may hide something critical.
+    // Unknown: may hide something critical.
     kControllerUnreachable,
     kControllerDenied,
     kAdapterUnreadable,
@@ -86,7 +86,7 @@ enum class Code : std::uint8_t {
     kServiceSlow,
     kDeliveryFailing,
     kDeliveryDropped,
-    // Unknown, and hides at most a warning.
+    // Unknown: hides at most a warning.
     kBatteryUnreadable,
     kSmartUnreadable,
     kGroupsUnreadable,
@@ -104,10 +104,11 @@ enum class Code : std::uint8_t {
     kNotWatched,
 };
 
-/// The worse, the smaller. Both kinds of unknown are called so; what they may hide sets them apart.
+/// A smaller value is worse. The two kinds of unknown have the same name and differ in what they
+/// may hide.
 enum class Level : std::uint8_t { kCritical, kUnknown, kWarning, kMinorUnknown, kInfo };
 
-/// What a condition is of, in the order in which equally grave ones are listed.
+/// The kind of a condition's object. Conditions of equal rank are listed in this order.
 enum class Kind : std::uint8_t {
     kMachine,
     kAdapter,
@@ -122,11 +123,11 @@ enum class Kind : std::uint8_t {
     kSink,
 };
 
-/// Codes of one family exclude each other on an object: the worst holds.
+/// Codes of one family exclude each other on an object: only the worst holds.
 enum class Family : std::uint8_t {
     kNone,
     kVirtualDisk,
-    kHindrance,  // keeps a rebuild from running; several may hold, the first one is told
+    kHindrance,  // prevents a rebuild; several may hold, but only the first is reported
     kDisk,
     kRemapTable,
     kElement,
@@ -134,14 +135,14 @@ enum class Family : std::uint8_t {
     kCache,
 };
 
-/// What a row needs besides one look at the machine.
+/// The data that a row needs besides one look at the machine.
 enum class Needs : std::uint8_t {
     kLook,    // nothing
-    kMemory,  // what earlier looks have seen
-    kEvents,  // nothing but events tells it
+    kMemory,  // the results of earlier looks
+    kEvents,  // events: it is known only from them
 };
 
-/// The answers that a row rests on: it is cleared only when all of them were read.
+/// The answers on which a row depends: it is cleared only when all of them were read.
 struct Source {
     enum Bit : std::uint16_t {
         kMachine = 0x0001,
@@ -159,15 +160,15 @@ struct Source {
     };
 };
 
-/// Which head takes a condition up as its cause, its hindrance or its consequence.
+/// The head into which a condition folds as its cause, hindrance or consequence.
 enum class Folds : std::uint8_t {
     kNever,
-    kIntoVirtualDisk,  // whose member, disk group or rebuild it is
+    kIntoVirtualDisk,  // of its member, disk group or rebuild
     kIntoBattery,      // of the same adapter
-    kIntoUnreadable,   // of the same adapter: what says why it could not be read
+    kIntoUnreadable,   // of the same adapter: the condition that explains the failed query
 };
 
-/// So long a condition must hold before it is shown, or be good before it is cleared.
+/// How long a condition must hold before it is shown, or be absent before it is cleared.
 struct Damping {
     std::uint32_t seconds = 0;
     std::uint32_t looks = 0;
@@ -184,21 +185,22 @@ struct Row {
     Folds folds = Folds::kNever;
     Damping up{};
     Damping down{};
-    // Of what only events tell: so many within this time raise it, and it ends so long after the
-    // last one (0: not by age).
+    // For Needs::kEvents: the number of events within a time that raise the condition, and the time
+    // after the last event at which it ends (0: it does not end by age).
     std::uint32_t hits = 1;
     std::uint32_t hits_within_s = 0;
     std::uint32_t age_s = 0;
-    bool ends_by_ack = false;  // acknowledging it ends it
-    // In the sentence {o} is the object with name and address, {a} its address alone.
+    bool ends_by_ack = false;  // an acknowledgement ends it
+    // In the sentence {o} is the object's name and address, {a} only its address.
     std::string_view sentence;
-    std::string_view phrase = {};  // within the sentence of the head that takes it up
+    std::string_view phrase = {};  // used in the sentence of the head into which it folds
     std::string_view meaning;
     std::string_view next_step;
-    std::string_view command = {};  // words between blanks; an unfilled place drops it
+    std::string_view command = {};  // words separated by blanks; dropped when a placeholder cannot
+                                    // be filled
     std::string_view raised_by;
     std::string_view cleared_by;
-    // The journal's MESSAGE_ID of its raises, and that of its clears.
+    // The journal's MESSAGE_ID for raising and for clearing.
     std::string_view message_id;
     std::string_view clear_id;
 };
@@ -213,12 +215,13 @@ Level LevelOf(const Row& row);
 std::string_view NameOf(Level level);
 std::string_view NameOf(Kind kind);
 
-/// As monitoring plugins exit: 2, 3, 1, 3 and, for information and for nothing, 0.
+/// Exit codes of monitoring plugins: 2, 3, 1, 3, and 0 for information or no condition.
 int ExitCodeOf(std::optional<Level> overall);
 /// "critical", "unknown", "warning", "ok".
 std::string_view OverallNameOf(std::optional<Level> overall);
 
-/// Whether the level may be set by the user: what has lost data, or is about to, stays critical.
+/// Whether the user may set the level: not for conditions of lost or endangered data, which stay
+/// critical.
 bool MayBeLowered(const Row& row);
 
 }  // namespace hxconditions

@@ -1,4 +1,4 @@
-// Spares and free disks, and whether they suffice.
+// Spares and free disks, and whether they are large enough.
 #include "conditions/hxc_spares.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ constexpr unsigned kUseless = DiskBit::kUnavailable | DiskBit::kFailed;
 
 bool IsOfGroup(const Disk& disk) { return (disk.status & DiskBit::kGroupSpare) != 0; }
 
-// The size of the largest disk that was lost, or of the largest member while none is.
+// The size of the largest lost disk, or of the largest member while none is lost.
 std::uint64_t SizeToReplace(const Adapter& adapter, const VirtualDisk& virtual_disk,
                             const std::vector<unsigned>& lost) {
     std::uint64_t size = 0;
@@ -51,7 +51,7 @@ bool Reaches(const Disk& spare, const VirtualDisk& virtual_disk) {
 }
 
 std::uint64_t RoomOf(const Disk& disk) {
-    // All of a spare is kept for the one it will replace, so no list of free space counts it.
+    // A spare is reserved as a whole, so lists of free space do not count it.
     if (IsSpare(disk)) return disk.sectors;
     return disk.free_sectors.value_or(disk.sectors);
 }

@@ -1,4 +1,4 @@
-// Which disks may take the place of a member that a virtual disk has lost.
+// The disks that can replace a lost member of a virtual disk.
 #pragma once
 
 #include <cstdint>
@@ -8,28 +8,29 @@
 
 namespace hxconditions {
 
-/// Whether it serves nothing and is well.
+/// Whether the disk is healthy and unused.
 bool IsFree(const Disk& disk);
-/// Whether it is a spare of either kind, broken or not.
+/// Whether the disk is a spare of either kind, usable or not.
 bool IsSpare(const Disk& disk);
-/// A spare that can step in.
+/// Whether the disk is a spare that can step in.
 bool IsReadySpare(const Disk& disk);
 bool IsMember(const VirtualDisk& virtual_disk, unsigned disk);
-/// Whether the spare serves the virtual disk: every one of its adapter, or those of its group.
+/// Whether the spare may serve the virtual disk: a global spare any of its adapter, a group spare
+/// those of its group.
 bool Reaches(const Disk& spare, const VirtualDisk& virtual_disk);
 
-/// The sectors that it could give to a member.
+/// The sectors that the disk can provide for a member.
 std::uint64_t RoomOf(const Disk& disk);
-/// The sectors that a disk needs to take a member's place: as many as the lost ones have, or, while
-/// none is lost, as the smallest has.
+/// The sectors that a replacement disk needs: those of the lost members, or those of the smallest
+/// member while none is lost.
 std::uint64_t NeededBy(const Adapter& adapter, const VirtualDisk& virtual_disk,
                        const std::vector<unsigned>& lost);
 
-/// The spare that steps in first where so much is needed: one of its disk group before one of the
-/// adapter, and of each kind the smallest; null where none fits.
+/// The spare that would step in: spares of the disk group before global ones, the smallest of each
+/// kind first; null when none has `needed` sectors.
 const Disk* SpareFor(const Adapter& adapter, const VirtualDisk& virtual_disk, std::uint64_t needed);
-/// The free disk that is most like the lost ones, or, while none is lost, like the largest member:
-/// the smallest that is as large, else the smallest that suffices. Null where none does.
+/// The best free disk to replace a lost member, or the largest member while none is lost: the
+/// smallest disk of at least its size, else the smallest that suffices; null when none does.
 const Disk* FreeDiskFor(const Adapter& adapter, const VirtualDisk& virtual_disk,
                         const std::vector<unsigned>& lost, std::uint64_t needed);
 

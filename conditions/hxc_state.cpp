@@ -8,7 +8,8 @@ namespace hxconditions {
 
 namespace {
 
-// What ends by its acknowledgement must not be found again in the memory.
+// Removes the object from the memory, so that a condition ended by acknowledgement is not found
+// again.
 void Forget(Memory& memory, const Held& held) {
     const std::string& identity = held.found.object.identity;
     memory.adapters.erase(identity);

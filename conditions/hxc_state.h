@@ -1,5 +1,5 @@
-// What is remembered from look to look. It is plain data: whoever keeps it writes it down whole,
-// and a look that begins with what was written goes on as if nothing had been in between.
+// The state that is kept between looks. It is plain data: saved and loaded completely, it lets the
+// next look continue as if nothing had happened in between.
 #pragma once
 
 #include <cstdint>
@@ -12,8 +12,8 @@
 
 namespace hxconditions {
 
-/// Seconds since this machine was first watched. They run with the machine, not with its calendar,
-/// and stand still while it is off.
+/// Seconds since this machine was first watched. They count only while the machine runs and ignore
+/// changes of its clock.
 using Ticks = std::int64_t;
 
 struct Acknowledgement {
@@ -23,40 +23,40 @@ struct Acknowledgement {
 };
 
 enum class SinceIs : std::uint8_t {
-    kEvent,       // the time that the controller told
-    kAtOrBefore,  // it was so when it was first seen
+    kEvent,       // the time that the controller reported
+    kAtOrBefore,  // it held already when it was first seen
 };
 
 /// A condition, from its first sign until it is cleared.
 struct Held {
     Finding found{};
     bool is_from_memory = false;
-    bool is_shown = false;  // it has held long enough
+    bool is_shown = false;  // it has passed its damping
     bool is_stale = false;
     bool is_flapping = false;
     std::int64_t since = 0;
     SinceIs since_is = SinceIs::kAtOrBefore;
     std::int64_t first_seen = 0;
     std::int64_t last_seen = 0;
-    Ticks began = 0;  // to hold
+    Ticks began = 0;  // when it began to hold
     std::uint32_t looks = 0;
     std::optional<Ticks> good_since;
     std::uint32_t good_looks = 0;
-    std::vector<Ticks> hits;  // of what only events tell
+    std::vector<Ticks> hits;  // for Needs::kEvents: times of the events
     std::optional<Event> event;
     std::optional<Acknowledgement> acknowledged;
 };
 
 struct Silence {
-    std::optional<Code> code{};  // of this code, of this thing, or of both
+    std::optional<Code> code{};  // by code, by object, or by both
     std::string identity{};
     Ticks until = 0;
-    bool is_sticky = false;  // stays when it gets worse, and when the condition ends
+    bool is_sticky = false;  // continues when the condition gets worse or ends
     std::string by{};
     std::string note{};
 };
 
-/// What consumers were last told of one thing and family.
+/// The last report to consumers about one object and family.
 struct Told {
     Finding found{};
     std::uint64_t count = 0;
@@ -69,9 +69,9 @@ struct Told {
 
 struct SeenVirtualDisk {
     Object object;
-    Ticks checked = 0;            // or first seen
-    bool check_found = false;     // the check that runs has found stripes that disagree
-    bool check_was_seen = false;  // from its start
+    Ticks checked = 0;            // the last check, or the first look
+    bool check_found = false;     // the running check has found stripes that disagree
+    bool check_was_seen = false;  // the running check was seen from its start
 };
 
 struct SeenProgress {
@@ -99,7 +99,7 @@ struct SeenRemaps {
     unsigned count = 0;
 };
 
-/// The inventory that rows of memory are found by; keys are identities.
+/// The inventory with which rows that need memory are found; keys are identities.
 struct Memory {
     KnownAdapters numbers;
     std::map<std::string, SeenAdapter> adapters;
@@ -117,10 +117,10 @@ struct Memory {
 
 struct State {
     Ticks now = 0;
-    std::int64_t boot = 0;  // by the clock of boot_id when it was `now`
+    std::int64_t boot = 0;  // the boot clock (of boot_id) at the time `now`
     std::string boot_id;
     std::uint64_t looks = 0;
-    std::optional<Ticks> started;  // this process, with its first look
+    std::optional<Ticks> started;  // time of this process's first look
     std::vector<Held> held;
     std::map<std::string, std::vector<Ticks>> raises;  // of the last hour, by key
     std::map<std::string, Told> told;
@@ -128,22 +128,22 @@ struct State {
     Memory memory;
 };
 
-/// To be called once when a process begins with what another has written.
+/// Call it once when a process starts with a state that another has saved.
 void NoteStart(State& state);
 
-/// Acknowledges what is shown under that code on that thing: listed and quiet until it gets worse
-/// or ends, or ended where the row says so. False when nothing is.
+/// Acknowledges the shown condition of that code on that object: it stays listed but quiet until it
+/// gets worse or ends, or it ends at once where its row says so. False when there is none.
 bool Acknowledge(State& state, Code code, const std::string& identity, const Acknowledgement& ack);
 
-/// Whether acknowledging ends it: where its row says so, and for a free disk that is gone, for
-/// nothing but the memory knows of it.
+/// Whether an acknowledgement ends the condition: where its row says so, and for a missing free
+/// disk, which only the memory knows.
 bool EndsByAcknowledgement(const Held& held);
 
 /// At most 90 days, counted while the machine runs.
 inline constexpr Ticks kLongestSilence = 90 * 86400;
 void Silences(State& state, Silence silence, Ticks duration);
 
-/// Of what a message is told once: the thing, and the family or the code.
+/// The key by which messages are not repeated: the object, and the family or else the code.
 std::string KeyOf(Code code, const Object& object);
 
 }  // namespace hxconditions

@@ -24,7 +24,7 @@ std::string DateText(std::int64_t seconds, char between, const char* zone) {
     return text.data();
 }
 
-// Calls take(text) for what stands as it is and place(name) for each place.
+// Calls take(text) for literal text and place(name) for each placeholder.
 template <class Take, class Place>
 void Walk(std::string_view text, Take take, Place place) {
     while (!text.empty()) {

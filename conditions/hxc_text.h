@@ -1,4 +1,4 @@
-// How numbers, times and sentences are written, the same for every consumer.
+// Formats numbers, times and sentences in the same way for every consumer.
 #pragma once
 
 #include <cstdint>
@@ -10,13 +10,13 @@
 
 namespace hxconditions {
 
-/// What stands in the places of a sentence.
+/// The values of a sentence's placeholders, by name.
 using Values = std::map<std::string, std::string, std::less<>>;
 
-/// The text with its places filled; "?" where nothing is known to stand.
+/// The text with its placeholders filled; "?" for unknown values.
 std::string Fill(std::string_view text, const Values& values);
 
-/// The words of a command; none when a place cannot be filled.
+/// The words of a command; empty when a placeholder cannot be filled.
 std::vector<std::string> FillCommand(std::string_view command, const Values& values);
 
 /// "1.8 TiB", "300 GiB".
@@ -34,7 +34,7 @@ std::string IsoTimeText(std::int64_t seconds);
 /// "a", "a and b", "a, b and c"; of more than four "a, b, c and 3 more".
 std::string Listed(const std::vector<std::string>& items);
 
-/// At most so many bytes, cut between characters, with "..." where something is missing.
+/// At most `most` bytes, cut between characters, with "..." when something was cut off.
 std::string Shortened(std::string_view text, std::size_t most);
 
 }  // namespace hxconditions

@@ -1,6 +1,6 @@
-// Identities: an adapter by its serial number, a disk by its world wide name or serial number, a
-// virtual disk and a disk group by adapter, number, name and size, an element by its enclosure's
-// logical identifier and its number.
+// Identities: an adapter has its serial number, a disk its world wide name or serial number, a
+// virtual disk or disk group its adapter, number, name and size, an element its enclosure's logical
+// identifier and its number.
 #include "conditions/hxc_things.h"
 
 #include <algorithm>

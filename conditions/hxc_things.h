@@ -1,4 +1,4 @@
-// The things of one look as objects: which is where, and whether it was seen at all.
+// The objects of one look: their addresses and identities, and whether they could be read.
 #pragma once
 
 #include <map>
@@ -11,12 +11,12 @@
 
 namespace hxconditions {
 
-/// The identity of each adapter by its number, as it was when it last told of itself.
+/// The last identity read from each adapter, by its number.
 using KnownAdapters = std::map<unsigned, std::string>;
 
 class Things {
 public:
-    /// The answers must outlive it.
+    /// `answers` must outlive this object.
     Things(const Answers& answers, const KnownAdapters& known);
 
     Object Machine() const;
@@ -34,14 +34,14 @@ public:
     const Adapter* FindAdapter(const std::string& identity) const;
     const Adapter* FindAdapter(unsigned number) const;
 
-    /// Everything that the lists name.
+    /// All objects in the lists.
     const std::vector<Object>& All() const { return all_; }
 
-    /// Whether all that `rests_on` names was read where the object is.
+    /// Whether all answers in `rests_on` (Source bits) were read for the object.
     bool IsRead(const Object& object, unsigned rests_on) const;
 
 private:
-    // What an adapter counts: at its address.
+    // An object that an adapter numbers, with its address and still the adapter's identity.
     Object OfNumbered(const Adapter& adapter, Kind kind, unsigned id) const;
     // A virtual disk or disk group, whose identity begins with `word`.
     template <class Array>
