@@ -31,13 +31,13 @@ consteval bool ARowsPlaceIsItsKind() {
 }
 static_assert(ARowsPlaceIsItsKind());
 
-// The library counts adapters by 8 bits, of which 255 means all of them, and objects by 16.
+// The library numbers adapters with 8 bits, where 255 means all of them, and objects with 16.
 constexpr unsigned kMaxAdapter = 254;
 constexpr unsigned kMaxId = 65534;
 
 constexpr const KindRow& RowOf(ObjectKind kind) { return kKinds[static_cast<std::size_t>(kind)]; }
 
-// Takes PREFIX and a number off the front of the text; false when it does not begin so.
+// Removes PREFIX and a number from the front of the text; false when it does not begin with them.
 bool Take(std::string_view& text, ObjectKind kind, unsigned max, unsigned& number) {
     const std::string_view prefix = RowOf(kind).prefix;
     if (!text.starts_with(prefix)) return false;
@@ -66,7 +66,7 @@ bool ParseAddress(std::string_view text, Address& address) {
     return false;
 }
 
-// Whether the text is PREFIX and something behind it, which is then left in `rest`.
+// Whether the text is PREFIX followed by something, which `rest` receives.
 bool IsCalled(std::string_view text, std::string_view prefix, std::string& rest) {
     if (!text.starts_with(prefix) || text.size() == prefix.size()) return false;
     rest = text.substr(prefix.size());

@@ -1,5 +1,5 @@
 // How people name an object of an adapter: by its address (a0, a0/pd12, a0/vd1, a0/dg2, a0/enc0,
-// a0/enc0/el3), or by what it is called (name:data1, serial:5XW0PR1T).
+// a0/enc0/el3), by its name (name:data1) or by its serial number (serial:5XW0PR1T).
 #pragma once
 
 #include <string>
@@ -25,20 +25,20 @@ std::string_view NameOf(ObjectKind kind);
 /// The same with its article: "an adapter".
 std::string NameWithArticle(ObjectKind kind);
 
-/// An object as it was named, which is not known to exist.
+/// An object as the user named it; it may not exist.
 struct Selector {
     enum class Form { kAddress, kName, kSerial };
     Form form = Form::kAddress;
-    Address address;    // of kAddress
-    std::string text;   // the name or the serial number, of the other two
-    std::string typed;  // all of it, for messages
+    Address address;    // for kAddress
+    std::string text;   // for kName and kSerial: the name or serial number
+    std::string typed;  // the whole text as typed, for messages
 };
 
-/// Throws UsageError, with the grammar, for what is none.
+/// Throws UsageError, with the grammar, for an invalid text.
 Selector ParseSelector(std::string_view text);
 
-/// The same for an object of that kind. Throws UsageError for an address of another kind, too; of
-/// which kind an object is that was named otherwise shows when it is looked up.
+/// The same for an object of that kind. Throws UsageError for an address of another kind as well;
+/// for a name or serial number the kind is checked at the look-up.
 Selector ParseSelector(std::string_view text, ObjectKind kind);
 
 }  // namespace vexortools

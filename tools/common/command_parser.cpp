@@ -75,7 +75,7 @@ CommandParser::~CommandParser() = default;
 void CommandParser::OptionsMayFollow() const { app_->fallthrough(); }
 
 void CommandParser::Parse(std::vector<std::string> words) const {
-    std::ranges::reverse(words);  // CLI11 takes them from the end
+    std::ranges::reverse(words);  // CLI11 expects them in reverse order
     try {
         app_->parse(words);
     } catch (const CLI::ArgumentMismatch& error) {

@@ -1,6 +1,6 @@
-// The words of a command line, taken apart: commands, the commands below them, options, arguments.
-// CLI11 does the work. Its headers cost a compiler eleven seconds, so only the source of this
-// header includes them.
+// Parses the words of a command line: commands, subcommands, options and arguments. CLI11 does the
+// work. Its headers cost a compiler eleven seconds, so only the source of this header includes
+// them.
 #pragma once
 
 #include <cstddef>
@@ -18,18 +18,17 @@ class Option;
 
 namespace vexortools {
 
-/// An option that was typed without the value that it takes. what() begins with its name and a
-/// colon.
+/// An option was typed without its value. what() begins with the option's name and a colon.
 struct ValueMissing : UsageError {
     using UsageError::UsageError;
 };
 
-/// Help or the version was asked for; `text` is what to print.
+/// Help or the version was requested; `text` is to be printed.
 struct HelpAsked {
     std::string text;
 };
 
-/// What was typed for an option or an argument. Lives as long as the parser.
+/// The values typed for an option or an argument. Valid as long as the parser.
 class Typed {
 public:
     explicit Typed(const CLI::Option& option) : option_(&option) {}
@@ -44,70 +43,70 @@ private:
     const CLI::Option* option_;
 };
 
-/// A command as the parser knows it: a handle that may be copied, and that the parser outlives.
-/// Names are "--name" or "--name,-n" for an option, and a bare word for an argument.
+/// A copyable handle to a command of the parser, which must outlive it. Names are "--name" or
+/// "--name,-n" for an option, and a bare word for an argument.
 class Command {
 public:
     explicit Command(CLI::App& app) : app_(&app) {}
 
-    /// A command below this one.
+    /// Adds a subcommand.
     Command AddCommand(const std::string& name, const std::string& help) const;
 
-    /// At least so many of the commands below it, and at most `most`; 0 for any number.
+    /// Requires `least` to `most` subcommands; `most` 0 for any number.
     void RequireCommands(std::size_t least, std::size_t most) const;
 
-    /// Whether one below it has this name.
+    /// Whether a subcommand has this name.
     bool HasCommand(const std::string& name) const;
 
-    /// Whether one below it was typed.
+    /// Whether a subcommand was typed.
     bool CommandTyped() const;
 
-    /// An option or argument with one value, which stays as it is when nothing is typed.
+    /// Adds an option or argument with one value, which stays unchanged when nothing is typed.
     void AddText(const std::string& name, std::string& value, const std::string& help) const;
 
-    /// The same, of one that must be typed.
+    /// The same for a required option or argument.
     void AddRequiredText(const std::string& name, std::string& value,
                          const std::string& help) const;
 
-    /// The same, its value taken by a function.
+    /// The same with a function that receives the value.
     void AddText(const std::string& name, const std::function<void(const std::string&)>& take,
                  const std::string& help) const;
 
     void AddFlag(const std::string& name, bool& value, const std::string& help) const;
 
-    /// A flag, an option with a value each time it is typed, and arguments without an end: what was
-    /// typed is asked for after parsing.
+    /// Add a flag, an option that may be repeated with a value each time, and any number of
+    /// arguments. Ask the result for the values after parsing.
     Typed AddFlag(const std::string& name) const;
     Typed AddOption(const std::string& name) const;
     Typed AddArguments(const std::string& name) const;
 
-    /// What is to be done when this command was typed, once all its words are known.
+    /// Sets the function to call when this command was typed, after all its words were parsed.
     void WhenTyped(std::function<void()> done) const;
 
 private:
     CLI::App* app_;
 };
 
-/// Takes a program's words apart.
+/// Parses a program's words.
 class CommandParser {
 public:
-    /// Knows no --help.
+    /// A parser without --help.
     CommandParser();
 
-    /// Knows --help, which begins with `about` and ends with `closing`, and --version.
+    /// A parser with --version and with --help, which begins with `about` and ends with `closing`.
     CommandParser(const std::string& name, const std::string& version, const std::string& about,
                   const std::string& closing);
     ~CommandParser();
     CommandParser(const CommandParser&) = delete;
     CommandParser& operator=(const CommandParser&) = delete;
 
-    /// The program as the command above all others.
+    /// The top-level command.
     const Command& Program() const { return program_; }
 
-    /// The program's own options may stand behind a command, too.
+    /// Permits the program's own options after a command as well.
     void OptionsMayFollow() const;
 
-    /// Throws UsageError, ValueMissing among them, or HelpAsked.
+    /// Throws UsageError (also as ValueMissing) or HelpAsked.
     void Parse(std::vector<std::string> words) const;
 
 private:

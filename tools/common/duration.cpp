@@ -25,8 +25,8 @@ constexpr std::uint64_t kLongest = Duration::max().count();
                      std::to_string(kLongest / kDurationUnits[1].milliseconds) + "d");
 }
 
-// The unit that the text begins with, up to the next digit; null for none. A number without a unit
-// is seconds only where it is all that there is.
+// Takes the unit at the front of the text, up to the next digit; null when it is none. A number
+// without a unit is seconds only when it is the whole text.
 const DurationUnit* TakeUnit(std::string_view& text, bool is_first) {
     const std::string_view name =
         text.substr(0, std::min(text.find_first_of("0123456789"), text.size()));
@@ -42,7 +42,7 @@ const DurationUnit* TakeUnit(std::string_view& text, bool is_first) {
 std::optional<Duration> ReadDuration(std::string_view text) {
     std::string_view rest = text;
     std::uint64_t sum = 0;
-    // Thrown only after the rest has been read: it may be no duration at all.
+    // Throw only after reading the rest: the text may be no duration at all.
     bool is_too_long = false;
     do {
         std::uint64_t number = 0;

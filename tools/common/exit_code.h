@@ -21,17 +21,17 @@ enum class Exit {
 
 constexpr int CodeOf(Exit exit) { return static_cast<int>(exit); }
 
-/// The exit of a command whose parts ended differently. The earlier a part failed on its way to the
-/// controller, the more serious it is: wrong usage outweighs a refusal.
+/// The exit code of a command whose parts ended differently. A failure is more serious the earlier
+/// it occurs on the way to the controller: wrong usage outweighs a refusal.
 Exit MoreSerious(Exit one, Exit other);
 
-/// What a tool's help says of a code.
+/// The meaning of an exit code in a tool's help.
 struct ExitMeaning {
     Exit exit;
     const char* meaning;
 };
 
-/// "Exit codes:" and the rows as they stand, a line each, without a line end behind the last.
+/// "Exit codes:" and one line for each row in the given order, without a final line end.
 std::string ExitCodeHelp(std::span<const ExitMeaning> rows);
 
 }  // namespace vexortools

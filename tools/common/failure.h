@@ -1,5 +1,5 @@
-// How a command of the tools ends early: main() turns what is thrown into one line on standard
-// error and an exit code.
+// The exceptions that end a command early: main() turns them into one line on standard error and an
+// exit code.
 #pragma once
 
 #include <stdexcept>
@@ -16,12 +16,12 @@ struct Failure : std::runtime_error {
     Exit exit;
 };
 
-/// What was typed cannot be understood. Nothing was done.
+/// The command line is invalid. Nothing was done.
 struct UsageError : Failure {
     explicit UsageError(const std::string& message) : Failure(Exit::kUsage, message) {}
 };
 
-/// What was typed, as messages cite it.
+/// The text in quotation marks, for messages.
 inline std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 }  // namespace vexortools

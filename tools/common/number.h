@@ -1,4 +1,4 @@
-// Whole numbers as people type them.
+// Parses whole numbers.
 #pragma once
 
 #include <cstdint>
@@ -8,10 +8,10 @@
 
 namespace vexortools {
 
-/// The number that a text of nothing but digits is, at most `most`; null for any other text.
+/// The number in a text of only digits, up to `most`; null for any other text.
 std::optional<std::uint64_t> ReadNumber(std::string_view text, std::uint64_t most);
 
-/// The same; throws UsageError where it would be null. `what` names it there, as in "seed".
+/// The same; throws UsageError instead of returning null. `what` names the number, e.g. "seed".
 std::uint64_t ParseNumber(std::string_view text, std::uint64_t most, const std::string& what);
 
 }  // namespace vexortools

@@ -14,7 +14,7 @@ namespace vexortools {
 
 namespace {
 
-// Anything else that is not caught ends the program as ever.
+// The terminate handler; any other uncaught exception aborts as usual.
 [[noreturn]] void EndOrAbort() noexcept {
     if (const std::exception_ptr thrown = std::current_exception()) {
         try {
@@ -28,7 +28,7 @@ namespace {
     std::abort();
 }
 
-// Before the static objects of the program: those of the parser's headers allocate.
+// Runs before the program's static objects, because those of the parser's headers allocate.
 [[gnu::constructor(101)]] void WatchForIt() { std::set_terminate(EndOrAbort); }
 
 void Say(const char* text) {

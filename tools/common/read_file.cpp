@@ -50,7 +50,7 @@ FileError::FileError(int number) : FileError(number, std::strerror(number)) {}
 FileError::FileError(int number, const char* reason) : std::runtime_error(reason), error(number) {}
 
 std::string ReadFile(const char* path, FileKind kind, std::size_t limit) {
-    // Standard input stays open: a question may be asked on it later.
+    // Standard input stays open, since the user may be asked a question later.
     if (kind == FileKind::kAny && std::strcmp(path, "-") == 0) return ReadAll(STDIN_FILENO, limit);
     return ReadAll(Open(path, kind).Get(), limit);
 }

@@ -11,14 +11,14 @@ namespace vexortools {
 struct FileError : std::runtime_error {
     explicit FileError(int number);  // an errno
     FileError(int number, const char* reason);
-    int error;  // the errno that fits best
+    int error;  // the best matching errno
 };
 
 enum class FileKind { kAny, kRegular };
 
-/// Returns all bytes of the file at `path`, or of standard input when the path is "-" and any kind
-/// will do. Opening a file that must be a regular one never waits (a FIFO would). Throws FileError,
-/// with EFBIG when the file holds more than `limit` bytes.
+/// Returns all bytes of the file at `path`, or of standard input for "-" with FileKind::kAny. With
+/// kRegular, opening never waits (as it would for a FIFO). Throws FileError, with EFBIG when the
+/// file has more than `limit` bytes.
 std::string ReadFile(const char* path, FileKind kind, std::size_t limit);
 
 }  // namespace vexortools

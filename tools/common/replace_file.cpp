@@ -38,8 +38,8 @@ mode_t Umask() {
     return mask;
 }
 
-// What stands at the path itself, when that is a file. What is neither a file nor a link, such as a
-// device, is not replaced.
+// Finds the file or link at the path itself, without following a link. Anything else, such as a
+// device, is not replaced: throws.
 bool FindFile(const std::string& path, struct stat& found) {
     if (lstat(path.c_str(), &found) != 0) {
         if (errno != ENOENT) throw FileError(errno);
@@ -52,8 +52,8 @@ bool FindFile(const std::string& path, struct stat& found) {
     return S_ISREG(found.st_mode);
 }
 
-// Renames without replacing anything where `existing` says so. A file system that has no such
-// rename is asked beforehand, which another process can come between.
+// Renames; with kKeep without replacing anything. On file systems without such a rename the check
+// comes first, and another process may create the file in between.
 void Rename(const std::string& from, const std::string& to, Existing existing) {
     if (existing == Existing::kKeep) {
         if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return;
@@ -63,7 +63,7 @@ void Rename(const std::string& from, const std::string& to, Existing existing) {
     if (std::rename(from.c_str(), to.c_str()) != 0) throw FileError(errno);
 }
 
-// A rename is on the disk when its folder is. A folder that may not be read cannot be asked for it.
+// A rename is durable once its folder is synced. An unreadable folder cannot be synced.
 void SyncFolderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
@@ -74,7 +74,7 @@ void SyncFolderOf(const std::string& path) {
 }  // namespace
 
 NewFile::NewFile(const std::string& path) : place_(path) {
-    // In the same folder: a file is renamed within one file system only.
+    // In the same folder, because rename works only within a file system.
     const std::size_t slash = path.rfind('/');
     folder_ = path.substr(0, slash == std::string::npos ? 0 : slash + 1) + ".new-XXXXXX";
     if (mkdtemp(folder_.data()) == nullptr) throw FileError(errno);
@@ -93,7 +93,8 @@ NewFile::~NewFile() {
 }
 
 bool NewFile::Reserve(std::uint64_t bytes) const {
-    // The limit of the process holds for writing, and not for reserving without growing.
+    // The process's limit of file sizes applies to writing but not to this kind of reservation, so
+    // check it here.
     rlimit limit{};
     if (getrlimit(RLIMIT_FSIZE, &limit) == 0 && bytes > limit.rlim_cur) throw FileError(EFBIG);
     const Descriptor file = OpenToWrite(file_, O_TRUNC);
@@ -113,13 +114,13 @@ void NewFile::Put(Existing existing, mode_t mode) const {
     const bool replaces = FindFile(place_, old);
     if (replaces && existing == Existing::kKeep) throw FileError(EEXIST);
     Descriptor file = OpenToWrite(file_);
-    // Room that was reserved and is not needed goes back.
+    // Release reserved space that was not needed.
     if (ftruncate(file.Get(), static_cast<off_t>(Size())) != 0) throw FileError(errno);
     mode_t wanted = mode & ~Umask();
     if (replaces) {
         wanted = old.st_mode & kPermissions;
-        // Whoever may not give the file away keeps it, but lets nobody in whom the old one kept
-        // out.
+        // If the owner cannot be changed, drop the group's and others' permissions, which would
+        // apply to other users.
         if (fchown(file.Get(), old.st_uid, old.st_gid) != 0) wanted &= S_IRWXU;
     }
     if (fchmod(file.Get(), wanted) != 0 || fsync(file.Get()) != 0 || !file.Close()) {

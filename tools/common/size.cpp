@@ -30,7 +30,7 @@ constexpr SizeUnit kSizeUnits[] = {
     {"s", kSectorBytes},
 };
 
-// One less than 8 EiB, so that no sum of two sizes passes 64 bits.
+// One byte less than 8 EiB, so that no sum of two sizes overflows 64 bits.
 constexpr std::uint64_t kLargest = INT64_MAX;
 
 constexpr std::string_view kDigits = "0123456789";
@@ -47,7 +47,7 @@ std::string_view TakeDigits(std::string_view& text) {
                      std::to_string((kLargest >> 40) + 1) + "TiB");
 }
 
-// DIGITS of a unit in bytes, in whole numbers: a floating-point number would lose some of them.
+// Converts DIGITS of a unit to bytes with integers: floating point would lose digits.
 std::uint64_t WholeUnits(std::string_view digits, const SizeUnit& unit, std::string_view text) {
     std::uint64_t number = 0;
     if (digits.empty()) return 0;

@@ -7,17 +7,17 @@
 
 namespace vexortools {
 
-/// Sizes on the way to the controller and from it are counted in these.
+/// The unit of sizes in the controller's calls.
 inline constexpr std::uint64_t kSectorBytes = 512;
 
-/// A size in bytes: a number, with a fraction where it has one, and B, kB, MB, GB, TB, KiB, MiB,
-/// GiB, TiB or s for sectors; a number that stands alone is bytes. Rounded to whole bytes. Throws
-/// UsageError, with examples, for anything else and for 8 EiB or more.
+/// Reads a size in bytes: a number, optionally with a fraction, and B, kB, MB, GB, TB, KiB, MiB,
+/// GiB, TiB or s (sectors); without a unit it is bytes. Rounded to whole bytes. Throws UsageError,
+/// with examples, for anything else and for 8 EiB or more.
 std::uint64_t ParseSize(std::string_view text);
 
-/// A size, or a share of the largest that there is room for.
+/// A size, or a percentage of the largest possible size.
 struct SizeOrShare {
-    std::optional<std::uint64_t> bytes;  // null: a share
+    std::optional<std::uint64_t> bytes;  // null: a percentage
     unsigned percent = 100;              // 1 to 100
 };
 

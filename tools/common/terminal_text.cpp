@@ -11,9 +11,8 @@ namespace vexortools {
 
 namespace {
 
-// The C library's table of characters, whatever the locale of the environment is: a terminal shows
-// UTF-8 where LANG says nothing, too. The C library itself brings this locale along. While one of
-// these is alive, wcwidth reads it.
+// Selects the C library's built-in C.UTF-8 character table for wcwidth while an object is alive,
+// whatever the locale is: terminals show UTF-8 even without LANG.
 class CharacterTable {
 public:
     CharacterTable() : former_(uselocale(Table())) {}
@@ -21,8 +20,8 @@ public:
     CharacterTable(const CharacterTable&) = delete;
     CharacterTable& operator=(const CharacterTable&) = delete;
 
-    /// The columns of a character; -1 for one that is not to be printed. Where the table is missing
-    /// every character but ASCII is such a one.
+    /// The columns of a character; -1 for an unprintable one. Without the table only ASCII is
+    /// printable.
     int WidthOf(char32_t code) const { return wcwidth(static_cast<wchar_t>(code)); }
 
 private:
@@ -34,7 +33,7 @@ private:
     locale_t former_;
 };
 
-// Characters without a width of their own that change the text around them.
+// Invisible characters, and characters that change the text around them.
 struct Range {
     char32_t first;
     char32_t last;
@@ -47,7 +46,7 @@ constexpr Range kTricks[] = {
     {0x200E, 0x200F},    // marks of direction
     {0x202A, 0x202E},    // embeddings and overrides of direction
     {0x2060, 0x2064},    // word joiner and invisible operators
-    {0x2066, 0x206F},    // isolates of direction, and what is deprecated
+    {0x2066, 0x206F},    // isolates of direction, and deprecated characters
     {0xFEFF, 0xFEFF},    // byte order mark
     {0xFFF9, 0xFFFB},    // annotations
     {0xE0000, 0xE007F},  // tags
@@ -79,7 +78,7 @@ std::size_t DisplayWidth(std::string_view text) {
     while (!text.empty()) {
         const Utf8Character character = TakeUtf8(text);
         const int columns = character.is_valid ? table.WidthOf(character.code) : -1;
-        // Printable() puts one character in the place of one that cannot be printed.
+        // Printable() replaces an unprintable character by one "?".
         width += columns < 0 ? 1 : static_cast<std::size_t>(columns);
     }
     return width;

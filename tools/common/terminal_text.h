@@ -1,5 +1,5 @@
-// Text that comes from elsewhere (a controller, a disk, a file, the command line) on a terminal:
-// what could move the cursor, change the order in which text is read, or hide, is taken out of it.
+// Prepares text from outside (a controller, a disk, a file, the command line) for a terminal:
+// replaces characters that could move the cursor, change the direction of text, or be invisible.
 #pragma once
 
 #include <cstddef>
@@ -8,13 +8,13 @@
 
 namespace vexortools {
 
-/// The text with a "?" for each control character (C0, DEL and C1, line ends among them), each
-/// character that changes the direction of text or that cannot be seen, each that the C library
-/// does not know, and each run of bytes that is not UTF-8. What is left stays on its line.
+/// The text with a "?" for each control character (C0, DEL and C1, including line ends), each
+/// character that changes the direction of text, is invisible or unknown to the C library, and each
+/// run of invalid UTF-8. The result is one line.
 std::string Printable(std::string_view text);
 
-/// The columns that a terminal needs for a text of Printable: a wide character takes two, a
-/// combining one none.
+/// The number of columns that a terminal needs for a text from Printable: two for a wide character,
+/// none for a combining one.
 std::size_t DisplayWidth(std::string_view text);
 
 }  // namespace vexortools

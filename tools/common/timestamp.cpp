@@ -14,8 +14,7 @@ namespace {
 using std::chrono::sys_days;
 using std::chrono::sys_seconds;
 
-// Takes a text apart from its front. Whatever does not fit throws, so that the first thing that is
-// wrong is named.
+// Reads a text from its front and throws at the first error, so that the message names it.
 class Reader {
 public:
     explicit Reader(std::string_view text) : text_(text), rest_(text) {}
@@ -139,8 +138,8 @@ std::optional<std::chrono::minutes> ReadZone(Reader& reader) {
     return is_behind ? -offset : offset;
 }
 
-// mktime knows the rules of the zone, but it moves a time that does not exist; so its result is
-// compared with what was asked for.
+// mktime knows the rules of the zone but silently moves a non-existent time, so its result is
+// compared with the input.
 sys_seconds LocalTime(Reader& reader, const std::chrono::year_month_day& date,
                       const TimeOfDay& time) {
     std::tm wanted{};
@@ -152,7 +151,7 @@ sys_seconds LocalTime(Reader& reader, const std::chrono::year_month_day& date,
     wanted.tm_sec = static_cast<int>(time.second);
     wanted.tm_isdst = -1;
     std::tm found = wanted;
-    found.tm_wday = -1;  // stays so when the system cannot tell
+    found.tm_wday = -1;  // unchanged when mktime fails
     const std::time_t seconds = std::mktime(&found);
     if (found.tm_wday == -1) {
         reader.ThrowImpossible("local time does not reach so far; write it with Z or an offset");

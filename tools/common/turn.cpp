@@ -15,8 +15,8 @@ namespace vexortools {
 
 namespace {
 
-// Of root only, so that no other user can keep it. Whoever may not write there works with the
-// virtual controller, and takes turns at the program's own file, which all can open.
+// Only root can open it, so that no other user can block root. Processes that cannot write there
+// work with the virtual controller and lock the program's own file, which everybody can open.
 constexpr char kLockFile[] = "/run/vexorctl.lock";
 constexpr char kProgramFile[] = "/proc/self/exe";
 

@@ -1,26 +1,25 @@
-// One tool at a time between its second look at what it changes and the end of its act. Without
-// that, two of them could both look and then both act on what they have seen.
+// A lock that lets one tool at a time check and change an object. Without it two tools could both
+// check first and then both act on outdated results.
 #pragma once
 
 #include <chrono>
 
 namespace vexortools {
 
-/// Held until it is destroyed, or until its process ends in whatever way.
+/// The lock; released by the destructor or the end of the process.
 class Turn {
 public:
-    /// Waits for the others, at most so long.
+    /// Waits for other tools, at most for `patience`.
     explicit Turn(std::chrono::milliseconds patience);
     ~Turn();
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
 
-    /// False when somebody else still has it. Where there is nothing that can be locked, nobody has
-    /// it: it is true.
+    /// False when another tool still holds the lock. True where no file can be locked.
     bool IsOurs() const { return is_ours_; }
 
 private:
-    int lock_;  // -1: there is nothing to lock
+    int lock_;  // -1: no file to lock
     bool is_ours_ = true;
 };
 

@@ -6,8 +6,8 @@ namespace vexortools {
 
 namespace {
 
-// What may stand at the front of a character, and what behind it; the rest are 80 to BF. The bounds
-// of the second byte keep out surrogates, codes past U+10FFFF and forms longer than need be.
+// The valid first and second bytes of a character; further bytes are 80 to BF. The bounds of the
+// second byte exclude surrogates, codes above U+10FFFF and overlong forms.
 struct Lead {
     unsigned char first;
     unsigned char last;
@@ -28,8 +28,8 @@ const Lead* FindLead(unsigned char byte) {
     return nullptr;
 }
 
-// The length of the character at the front of the text. Of a character that is cut off or
-// malformed, only the bytes that belong to it count.
+// The length of the character at the front of the text; of a truncated or malformed character only
+// the bytes that belong to it.
 std::size_t LengthOf(std::string_view text, const Lead& lead) {
     std::size_t length = 1;
     while (length < lead.length && length < text.size()) {
@@ -53,7 +53,7 @@ Utf8Character TakeUtf8(std::string_view& text) {
     text.remove_prefix(length);
     character.is_valid = lead != nullptr && length == lead->length;
     if (!character.is_valid) return character;
-    // 7 bits of the first byte, or 5, 4 and 3 of it.
+    // The first byte contributes 7 bits alone, or 5, 4 or 3 bits with further bytes.
     character.code = length == 1 ? first : first & (0x7FU >> length);
     for (const char byte : character.bytes.substr(1)) {
         character.code = character.code << 6 | (static_cast<unsigned char>(byte) & 0x3FU);

@@ -1,4 +1,5 @@
-// UTF-8, taken apart character by character. Controllers, disks and files hold bytes of any kind.
+// Decodes UTF-8 character by character. Texts of controllers, disks and files may contain any
+// bytes.
 #pragma once
 
 #include <string>
@@ -9,15 +10,14 @@ namespace vexortools {
 /// A character at the front of a text: its code, and the bytes that it takes.
 struct Utf8Character {
     bool is_valid = false;
-    char32_t code = 0;       // of a valid one
-    std::string_view bytes;  // of one that is not: those that cannot be a part of any other
+    char32_t code = 0;       // of a valid character
+    std::string_view bytes;  // of an invalid one: the bytes that belong to no other character
 };
 
-/// Takes the first character off a text that is not empty.
+/// Removes and returns the first character of a non-empty text.
 Utf8Character TakeUtf8(std::string_view& text);
 
-/// The text with U+FFFD in the place of everything that is no character: for documents that have to
-/// be UTF-8.
+/// The text with invalid bytes replaced by U+FFFD, for documents that must be UTF-8.
 std::string ValidUtf8(std::string_view text);
 
 }  // namespace vexortools

@@ -52,7 +52,7 @@ Step ParseObjectStep(const Words& words) {
     return CallAbout(ParseTarget(words[1], row.kind), row.call);
 }
 
-// One call about an object and a second one of the same adapter.
+// Calls the library with an object and a second object of the same adapter.
 Step CallAboutTwo(const Target& target, const Target& second, const char* function,
                   HX_U8 (*call)(HX_U8 adapter, HX_U16 id, HX_U16 second)) {
     return [=](Story& story) {
@@ -215,7 +215,7 @@ Step ParseSet(const Words& words) {
     };
 }
 
-// Takes the events of an adapter off its queue, as the event service does.
+// Fetches all events of an adapter, as the event service does.
 Step ParseTake(const Words& words) {
     RequireWords(words, 2, "take a0");
     const Target target = ParseTarget(words[1], ObjectKind::kAdapter);
@@ -232,7 +232,7 @@ Step ParseTake(const Words& words) {
     };
 }
 
-// Forgets all but the state file, so that the next step reads the machine from there.
+// Closes everything, so that the next step reads the machine from the state file.
 Step ParseRestart(const Words& words) {
     if (words.size() != 1) throw UsageError("nothing stands behind restart");
     return [](Story& story) { story.driver().Restart(); };

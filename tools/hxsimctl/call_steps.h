@@ -1,5 +1,5 @@
-// The steps of scenarios that call the library, as any program does: about activities, disks and
-// the adapter. Those that create, migrate and delete stand in creation_steps.h.
+// The steps of scenarios that call the library: for activities, disks and the adapter. For
+// creating, migrating and deleting see creation_steps.h.
 #pragma once
 
 #include <string_view>
@@ -9,10 +9,10 @@
 
 namespace hxsimctl {
 
-/// Whether a word begins a step that calls the library.
+/// Whether the word starts a step that calls the library.
 bool IsCall(std::string_view word);
 
-/// The step that the words say; the first of them is such a word. Throws UsageError.
+/// Parses a step; its first word must satisfy IsCall. Throws UsageError.
 Step ParseCall(const Words& words);
 
 }  // namespace hxsimctl

@@ -1,4 +1,4 @@
-// clock: how virtual time passes.
+// clock: shows and sets the virtual clock.
 #pragma once
 
 #include "common/command_parser.h"

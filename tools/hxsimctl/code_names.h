@@ -1,4 +1,4 @@
-// Names of codes, as people type and read them.
+// Names of codes on the command line.
 #pragma once
 
 #include <span>
@@ -10,8 +10,8 @@
 
 namespace hxsimctl {
 
-/// The code that a name stands for. `what` tells in the UsageError what is wanted; the names that
-/// there are stand behind it.
+/// The code of a name. The UsageError for an unknown name says `what` is expected and lists the
+/// names.
 HX_U32 ParseName(std::span<const hxcodes::Named> names, std::string_view word,
                  const std::string& what);
 template <hxcodes::CodeEnum Code>
@@ -19,7 +19,7 @@ Code ParseCode(std::string_view word, const std::string& what) {
     return static_cast<Code>(ParseName(hxcodes::NamesOf<Code>(), word, what));
 }
 
-/// Throws the same UsageError unless the word is one of those.
+/// Throws the same UsageError unless `words` contains the word.
 void RequireOneOf(std::string_view word, const std::vector<std::string_view>& words,
                   const std::string& what);
 

@@ -71,8 +71,8 @@ SizeOrShare SizeIn(const StepValues& values) {
     return values.Has("size") ? vexortools::ParseSizeOrShare(values.Text("size")) : SizeOrShare{};
 }
 
-// A size in sectors. 0 stands for the largest, as it does in the calls; what that is, is looked up
-// only for a share of it.
+// A size in sectors. As in the calls, 0 means the largest possible; `largest` is called only for a
+// percentage.
 template <class Largest>
 HX_U64 SectorsOf(const SizeOrShare& size, const Largest& largest) {
     HX_U64 sectors{};
@@ -155,7 +155,7 @@ std::uint64_t RoomOnGroup(Driver& driver, const Object& group) {
     return request.dgInfo[0].RemainingManagedSpace.value;
 }
 
-// A disk group has level, legs and stripe size already: the call repeats them.
+// The call must repeat level, legs and stripe size of the disk group.
 Step CreateOnGroup(const Target& target, const Words& words) {
     const StepValues values(words, 3, {"name", "size", "slot", "init", "cache"});
     const CreateOrModify_VD_Param param = VirtualDiskOnGroupParam(values);
@@ -187,9 +187,9 @@ Step CreateDiskGroup(const Target& adapter, const Words& words) {
     };
 }
 
-// ---- What is done to virtual disks and disk groups alike ----
+// ---- Steps for both virtual disks and disk groups ----
 
-// Which of the two a step is about.
+// Whether a step is about a virtual disk or a disk group.
 ObjectKind KindIn(const Words& words, const std::string& done) {
     if (words[1] == "vd") return ObjectKind::kVirtualDisk;
     if (words[1] == "dg") return ObjectKind::kDiskGroup;
@@ -197,7 +197,7 @@ ObjectKind KindIn(const Words& words, const std::string& done) {
                      words[0] + " dg");
 }
 
-// The call with the parameters, into which the number of the object is put.
+// Calls the library with the parameters after setting the object's number in them.
 template <class Param>
 Step Migrate(const Target& target, const Param& param, HX_U16 Param::*id, const char* function,
              HX_U8 (*call)(HX_U8 adapter, Param* param)) {

@@ -72,7 +72,7 @@ void Driver::SetClock(std::int64_t speed, hxsim::Time forward) {
         }
         machine.clock = {now + forward, hxsim::RealNow(), speed};
     });
-    Current();  // whatever is due by the new time happens
+    Current();  // performs all transitions due by the new time
 }
 
 }  // namespace hxsimctl

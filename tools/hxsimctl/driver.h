@@ -1,4 +1,4 @@
-// The machine that hxsimctl drives: the state file, and the library on the same file.
+// The machine that hxsimctl drives: its state file, and the library opened on the same file.
 #pragma once
 
 #include <functional>
@@ -35,11 +35,11 @@ public:
     /// The machine, brought up to now.
     const hxsim::Machine& Current();
 
-    /// What the machine's clock shows.
+    /// The virtual time.
     hxsim::Time Now();
 
-    /// Lets something happen to an object and settles what follows from it. Throws NoObject, or
-    /// Refused when it does not happen.
+    /// Applies an incident to an object and settles its consequences. Throws NoObject, or Refused
+    /// when the incident is refused.
     using Incident =
         std::function<hxsim::Outcome(hxsim::Machine&, hxsim::Adapter&, hxsim::Time, const Object&)>;
     void Happen(const Target& target, const Incident& incident);
@@ -51,11 +51,11 @@ public:
     /// Throws CallRefused.
     void Call(const std::string& name, const std::function<HX_U8()>& call);
 
-    /// Closes the library and the state file, as if the program ended. The next use opens them.
+    /// Closes the library and the state file, as if the program ended. The next use opens them
+    /// again.
     void Restart();
 
-    /// Sets the clock `forward` and lets it go on at that speed. Throws Refused when that is beyond
-    /// the year 9999.
+    /// Advances the clock by `forward` and sets its speed. Throws Refused beyond the year 9999.
     void SetClock(std::int64_t speed, hxsim::Time forward = 0);
 
 private:
@@ -67,7 +67,7 @@ private:
     bool library_open_ = false;
 };
 
-/// What a command does, once its words have been understood.
+/// The action of a parsed command.
 using Action = std::function<void(Driver&)>;
 
 }  // namespace hxsimctl

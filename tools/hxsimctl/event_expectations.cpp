@@ -12,7 +12,7 @@ namespace hxsimctl {
 
 namespace {
 
-// The key of an event's text; class and code for one that has no text of its own.
+// The key of an event's text; class and code for an event without a text.
 std::string KeyOf(const Event& event) {
     std::vector<char> line(kEventTextSize);
     VX_HX_EVT_Sprintf(&event, line.data());
@@ -54,7 +54,7 @@ struct WantedEvent {
     }
 };
 
-// ADDRESS KEY [DEVICE], from the word of that number on.
+// Parses ADDRESS KEY [DEVICE], starting at the word with index `first`.
 WantedEvent ParseEvent(const Words& words, std::size_t first, const std::string& form) {
     const std::size_t count = words.size() - first;
     if (words.size() < first || count < 2 || count > 3) throw UsageError("write expect " + form);
@@ -88,7 +88,7 @@ std::string LastEvents(const std::vector<Story::Seen>& events) {
     return text;
 }
 
-// The first such event that no step has expected; null when there is none.
+// The first such event that no step has matched; null when there is none.
 Story::Seen* FindEvent(Story& story, const WantedEvent& wanted) {
     const HX_U8 adapter = NameObject(story.driver().Current(), wanted.adapter).adapter;
     std::vector<Story::Seen>& events = story.Events();

@@ -6,11 +6,11 @@
 
 namespace hxsimctl {
 
-/// event a0 KEY [DEVICE]: there has been such an event that no earlier step expected. Throws
+/// event a0 KEY [DEVICE]: expects such an event that no earlier step has matched. Throws
 /// UsageError.
 Step ExpectEvent(const Words& words);
 
-/// no event a0 KEY [DEVICE]: there has been none. Throws UsageError.
+/// no event a0 KEY [DEVICE]: expects that there is none. Throws UsageError.
 Step ExpectNoEvent(const Words& words);
 
 }  // namespace hxsimctl

@@ -56,7 +56,7 @@ std::vector<std::string_view> LevelWords() { return WordsOf(hxcodes::kLevelNames
 std::vector<std::string_view> ElementWords() { return WordsOf(hxcodes::kElementStatusNames); }
 std::vector<std::string_view> AlarmWords() { return {"sounding", "silent"}; }
 
-// What a row says, or that there is none.
+// The text of a row, or "gone" when there is no row.
 template <class Row, class Text>
 std::string OrGone(const Row* row, Text text) {
     return row == nullptr ? std::string(kGone) : std::string(text(*row));
@@ -97,7 +97,7 @@ struct WordRow {
     const char* form;
     ObjectKind kind;
     const char* what;
-    std::vector<std::string_view> (*words)();  // that can be expected
+    std::vector<std::string_view> (*words)();  // the words that can be expected
     std::string (*is)(const Adapter&, const Object&);
 };
 constexpr WordRow kWordRows[] = {
@@ -172,7 +172,7 @@ std::optional<std::uint64_t> PercentIn(std::string_view word, const std::string&
 
 // ---- The battery ----
 
-// A bit of its status, which is set or, behind "no", is not; or its charge in percent.
+// Expects a status bit to be set (after "no": not set), or a charge in percent.
 Step ExpectBattery(const Words& words) {
     const bool no = words.size() == 4 && words[2] == "no";
     RequireForm(no || words.size() == 3, "battery ADDRESS [no] STATUS|PERCENT%");
@@ -238,7 +238,7 @@ struct WantedActivity {
     }
 };
 
-// "none", or the kind and then, where they matter, state and percent.
+// Parses "none", or a kind with optional state and percentage.
 Step ExpectActivity(const Words& words) {
     RequireForm(words.size() >= 3 && words.size() <= 5, "activity ADDRESS KIND [STATE] [PERCENT%]");
     const Target target = ParseTarget(words[1]);

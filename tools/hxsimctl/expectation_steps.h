@@ -1,5 +1,4 @@
-// Scenario steps that compare the machine with what is expected. Those about events stand in
-// event_expectations.h.
+// Scenario steps that check the state of the machine. For events see event_expectations.h.
 #pragma once
 
 #include "step_values.h"
@@ -7,8 +6,8 @@
 
 namespace hxsimctl {
 
-/// The step that the words behind `expect` say. It throws Refused, with what is there instead, when
-/// the expectation fails. Throws UsageError.
+/// Parses the words after `expect`. The step throws Refused, with the actual state, when the
+/// expectation fails. Throws UsageError.
 Step ParseExpectation(const Words& words);
 
 }  // namespace hxsimctl

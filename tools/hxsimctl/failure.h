@@ -16,7 +16,7 @@ struct NoObject : Failure {
     explicit NoObject(const std::string& message) : Failure(Exit::kNoObject, message) {}
 };
 
-/// What was asked for does not happen, or is not as it was expected.
+/// The request was refused, or an expectation failed.
 struct Refused : Failure {
     explicit Refused(const std::string& message) : Failure(Exit::kRefused, message) {}
 };

@@ -29,13 +29,14 @@ Object ObjectAt(const Address& address) {
             static_cast<HX_U16>(address.element), address.Text()};
 }
 
-// A fixed field or a text of a device may end in blanks, which nobody types.
+// Removes the trailing blanks of fixed fields and device texts, which nobody types.
 std::string WithoutBlanks(std::string text) {
     text.erase(text.find_last_not_of(' ') + 1);
     return text;
 }
 
-// The addresses of an adapter's objects of that kind whose name or serial number is the selector's.
+// Finds the addresses of an adapter's objects that match the kind and the name or serial number of
+// a target.
 class Search {
 public:
     Search(const hxsim::Adapter& adapter, const Target& target)

@@ -1,4 +1,5 @@
-// Objects of the machine, as commands and steps name them: a0/pd12, name:DATA, serial:6TW0B821SA.
+// Finds objects of the machine by address, name or serial number: a0/pd12, name:DATA,
+// serial:6TW0B821SA.
 #pragma once
 
 #include <optional>
@@ -13,18 +14,18 @@ namespace hxsimctl {
 
 using vexortools::ObjectKind;
 
-/// An object as it was named. A name or a serial number is looked up in the machine only when the
-/// object is needed.
+/// An object as the user named it. Names and serial numbers are looked up only when the object is
+/// needed.
 struct Target {
     ObjectKind kind = ObjectKind::kAdapter;
     vexortools::Selector selector;
 };
 
-/// An object of that kind. Throws UsageError.
+/// Parses an object of that kind. Throws UsageError.
 Target ParseTarget(std::string_view word, ObjectKind kind);
 
-/// An object of any kind that an address tells. A name means a virtual disk, a serial number a
-/// disk. Throws UsageError.
+/// Parses an object of any kind: an address includes the kind, a name means a virtual disk, a
+/// serial number a disk. Throws UsageError.
 Target ParseTarget(std::string_view word);
 
 /// The numbers by which the machine and the library's calls know an object.
@@ -36,17 +37,17 @@ struct Object {
     std::string text;    // its address, for messages
 };
 
-/// The object that a target means; null when nothing has that name or serial number. The object of
-/// an address is not looked for. Throws UsageError when several have the name or number.
+/// The object of a target; null when no object has that name or serial number. An address is not
+/// checked. Throws UsageError when several objects have the name or number.
 std::optional<Object> FindObject(const hxsim::Machine& machine, const Target& target);
 
-/// The same; throws NoObject where it would be null.
+/// The same; throws NoObject instead of returning null.
 Object NameObject(const hxsim::Machine& machine, const Target& target);
 
-/// The same; throws NoObject when the machine does not have what an address names, either.
+/// The same; throws NoObject also for an address without an object.
 Object RequireObject(const hxsim::Machine& machine, const Target& target);
 
-/// The adapter that an object is on. Throw NoObject.
+/// The adapter of an object. Both throw NoObject.
 const hxsim::Adapter& AdapterAt(const hxsim::Machine& machine, const Object& object);
 hxsim::Adapter& AdapterAt(hxsim::Machine& machine, const Object& object);
 

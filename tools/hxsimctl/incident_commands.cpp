@@ -37,7 +37,7 @@ Command AddOnObject(const Command& app, const std::string& name, const std::stri
 }
 
 struct NumberWord {
-    std::string name;  // as help shows it
+    std::string name;  // in the help
     std::string what;
     std::uint64_t most;
 };
@@ -68,7 +68,7 @@ void AddOnObjectAndNumber(const Command& app, const std::string& name, const std
 
 void AddDiskReplace(const Command& disk, Action& action) {
     const auto foreign = std::make_shared<bool>(false);
-    const auto sectors = std::make_shared<hxsim::Sectors>(0);  // 0: as many as the old one
+    const auto sectors = std::make_shared<hxsim::Sectors>(0);  // 0: those of the old disk
     const Command replace = AddOnObject(
         disk, "replace", "A new one of the same model is put in its place", ObjectKind::kDisk,
         "a0/pd12", action, [=](Machine& machine, Adapter& adapter, Time now, const Object& object) {

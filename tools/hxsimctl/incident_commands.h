@@ -1,5 +1,5 @@
-// What happens to a machine from outside: disk, smart, battery, fan, temp, psu and power-cut, and
-// inject. These commands are steps of scenarios, too.
+// Incidents from outside: disk, smart, battery, fan, temp, psu and power-cut, and inject. These
+// commands are steps of scenarios as well.
 #pragma once
 
 #include <string>
@@ -12,7 +12,7 @@ namespace hxsimctl {
 
 void AddIncidentCommands(const vexortools::Command& app, Action& action);
 
-/// What the words of one of these commands do; empty when the first word is none of them. Throws
+/// The action of one of these commands; empty when the first word is none of them. Throws
 /// UsageError.
 Action ParseIncident(const std::vector<std::string>& words);
 

@@ -1,4 +1,4 @@
-// inject: faults that are put in the way of the library's calls.
+// inject: faults in the library's calls.
 #pragma once
 
 #include "common/command_parser.h"

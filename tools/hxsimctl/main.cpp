@@ -38,7 +38,7 @@ void Run(int argc, char** argv) {
         vexortools::ExitCodeHelp(kExitMeanings));
     const vexortools::Command& program = parser.Program();
     program.RequireCommands(1, 1);
-    parser.OptionsMayFollow();  // --state may stand behind the command, too
+    parser.OptionsMayFollow();  // --state may also follow the command
     std::string state;
     program.AddText("--state", state,
                     "the state file; else what HXSIM_STATE names, else the user's");
@@ -53,7 +53,7 @@ void Run(int argc, char** argv) {
         std::cout << help.text;
         return RequireOutput();
     }
-    // The library in this process works on the same file.
+    // Makes the library in this process use the same file.
     if (!state.empty()) setenv("HXSIM_STATE", state.c_str(), 1);
     Driver driver(hxsim::StatePath(), std::cout);
     action(driver);

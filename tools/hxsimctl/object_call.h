@@ -1,4 +1,4 @@
-// A step that makes one call about one object.
+// Steps that make one call about one object.
 #pragma once
 
 #include "find_object.h"
@@ -6,17 +6,17 @@
 
 namespace hxsimctl {
 
-/// A function of the library and how it is called about an object.
+/// A function of the library and its call for an object.
 struct ObjectCall {
     const char* function;
     HX_U8 (*make)(const Object&);
 };
 
-/// The step that calls the library about the object that the target means by then.
+/// The step that calls the library for the target, which is looked up when the step runs.
 Step CallAbout(const Target& target, const ObjectCall& call);
 
-/// The object that a target means now. An address is not looked for: calls about what is not there
-/// are for the library to refuse. Throws NoObject and UsageError.
+/// The object of a target now. An address is not checked, so that the library refuses missing
+/// objects itself. Throws NoObject and UsageError.
 Object ObjectNow(Story& story, const Target& target);
 
 }  // namespace hxsimctl

@@ -17,7 +17,7 @@ namespace {
 constexpr std::uint64_t kMostRepetitions = 100000;
 constexpr std::size_t kMostLines = 1000000;
 
-// The words of a line: parted by blanks; "a b" is one word; a # that begins a word begins a
+// The words of a line, separated by blanks; "a b" is one word; a # at the start of a word begins a
 // comment.
 Words SplitLine(std::string_view line) {
     Words words;
@@ -41,7 +41,7 @@ Words SplitLine(std::string_view line) {
     return words;
 }
 
-// A step in the words of hxsimctl's own commands.
+// Parses a step that is one of hxsimctl's own commands.
 Step ParseCommand(const Words& words) {
     const Action action = ParseIncident(words);
     if (!action) {
@@ -53,7 +53,7 @@ Step ParseCommand(const Words& words) {
 
 Step ParseStep(const Words& words);
 
-// A step that the library is to refuse with that code and no other.
+// Parses a step that the library must refuse with exactly the given code.
 Step ParseRefused(const Words& words) {
     if (words.size() < 3) throw UsageError("write refused, the name of a code and a step");
     const hxcodes::StatusRow* const named = hxcodes::FindName(hxcodes::kRefusals, words[1]);
@@ -147,7 +147,7 @@ private:
     }
 
     Scenario scenario_;
-    std::uint64_t times_ = 0;  // of the repeat that is open; 0 none
+    std::uint64_t times_ = 0;  // count of the open repeat; 0: none
     std::size_t first_ = 0;    // its first line
     std::size_t repeat_line_ = 0;
 };

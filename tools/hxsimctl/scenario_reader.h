@@ -10,22 +10,22 @@
 
 namespace hxsimctl {
 
-/// A line of a scenario that has been understood.
+/// A parsed line of a scenario.
 struct Line {
     std::size_t number = 0;  // from 1
-    std::string text;        // of the step, for whoever watches
-    bool at = false;         // `time` counts from the beginning, not from the step before
+    std::string text;        // the step's text, for --verbose
+    bool at = false;         // `time` counts from the start, not from the previous step
     hxsim::Time time = 0;
-    Step step;  // empty: time passes, no more
+    Step step;  // empty: only time passes
 };
 
-/// A scenario that has been understood, its repetitions written out.
+/// A parsed scenario with its repetitions expanded.
 struct Scenario {
     std::string file;
     std::vector<Line> lines;
 };
 
-/// "story.txt:3: ", as messages begin.
+/// "story.txt:3: ", the start of messages.
 std::string PlaceOf(const std::string& file, std::size_t line);
 
 /// Reads a scenario's text. `file` is its name in failures. Throws UsageError with file and line.

@@ -13,7 +13,7 @@ namespace {
 
 using hxsim::Time;
 
-// Stops the clock while it is alive; then the clock goes on as before.
+// Stops the clock during its lifetime and then restores its speed.
 class StillClock {
 public:
     explicit StillClock(Driver& driver) : driver_(driver), speed_(driver.Current().clock.speed) {
@@ -23,7 +23,7 @@ public:
         try {
             driver_.SetClock(speed_);
         } catch (const std::exception&) {
-            // The state file cannot be used. That was the run's failure, or will be the next one's.
+            // The state file cannot be used: the run has reported that, or the next one will.
         }
     }
     StillClock(const StillClock&) = delete;
@@ -59,7 +59,7 @@ void Run(Story& story, const Line& line, Time begin, Time& passed, bool verbose)
         driver.Out() << TextOf(passed) << ' ' << vexortools::Printable(line.text) << std::endl;
     }
     if (line.step) line.step(story);
-    story.Events();  // notes the new ones before a full queue loses them
+    story.Events();  // notes new events before a full queue drops them
     RequireSound(driver);
 }
 

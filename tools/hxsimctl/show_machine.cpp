@@ -34,7 +34,7 @@ using hxsim::Owner;
 using hxsim::Time;
 using hxsim::VirtualDisk;
 
-// A text of a device, as it may be shown: without the blanks that fill its field.
+// A device's text made printable and without the padding of its field.
 std::string Shown(std::string text) {
     text.erase(text.find_last_not_of(' ') + 1);
     return vexortools::Printable(text);
@@ -101,8 +101,8 @@ private:
         return out_;
     }
 
-    // The devices below a device. Expanders that form a circle would never end, so the depth is
-    // limited; check reports the circle.
+    // Prints the devices below a device. The depth is limited, because expanders may form a cycle
+    // in a damaged machine, which check reports.
     void PrintDevices(int depth, hxcodes::Device parent, HX_U16 parent_id) {
         constexpr int kDeepest = 16;
         if (depth > kDeepest) return;
@@ -179,7 +179,7 @@ private:
         PrintActivity(Owner::kVirtualDisk, virtual_disk.id);
     }
 
-    // The disks that serve the positions; a dash for a position that is lost.
+    // Prints the disks that serve the positions; a dash for a lost position.
     void PrintDisks(Owner of, HX_U16 owner, HX_U8 width) {
         for (HX_U8 position = 0; position < width; ++position) {
             const hxsim::Home* const home = hxsim::HomeOf(adapter_, of, owner, position);

@@ -8,11 +8,11 @@
 
 namespace hxsimctl {
 
-/// Prints the machine as it is at `now`: adapters, what hangs on them, disk groups, virtual disks
+/// Prints the machine at the time `now`: adapters with their devices, disk groups, virtual disks
 /// and batteries, each with its address.
 void ShowMachine(const hxsim::Machine& machine, hxsim::Time now, std::ostream& out);
 
-/// Prints the time and how fast it passes.
+/// Prints the virtual time and the clock's speed.
 void ShowClock(const hxsim::Clock& clock, hxsim::Time now, std::ostream& out);
 
 /// Virtual time as a date: 2026-03-01 12:00:00 UTC.

@@ -1,4 +1,4 @@
-// The words of a scenario's step, and the values behind it: disks=0,1,2 size=100GiB.
+// The words of a scenario's step and its values: disks=0,1,2 size=100GiB.
 #pragma once
 
 #include <cstddef>
@@ -12,17 +12,16 @@ namespace hxsimctl {
 
 using Words = std::vector<std::string>;
 
-/// Throws UsageError, which shows the form, when there are fewer words.
+/// Throws UsageError, which shows `form`, when there are fewer words.
 void RequireWords(const Words& words, std::size_t least, const std::string& form);
 
 /// Throws UsageError when there are more words.
 void RequireNoMore(const Words& words, std::size_t most);
 
-/// The values name=value behind a step.
+/// The name=value words of a step.
 class StepValues {
 public:
-    /// Reads the words from that one on. Throws UsageError for a name that the step does not know
-    /// or that is given twice.
+    /// Reads the words from index `first` on. Throws UsageError for an unknown or repeated name.
     StepValues(const Words& words, std::size_t first, const std::vector<std::string_view>& known);
 
     bool Has(const std::string& name) const { return values_.contains(name); }
@@ -30,7 +29,7 @@ public:
     /// Empty when it is not given.
     std::string Text(const std::string& name) const;
 
-    /// What stands between the commas; nothing when it is not given.
+    /// The parts between commas; empty when it is not given.
     Words List(const std::string& name) const;
 
     /// Throws UsageError for anything but a number up to `most`.

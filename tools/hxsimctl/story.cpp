@@ -19,8 +19,8 @@ void Story::Keep(const Event& event) {
     events_.push_back({event, false});
 }
 
-// A full queue replaces the events that it loses by a single one. That one takes over the number of
-// a lost event and changes with every further loss, so the copy noted last is replaced.
+// A full queue replaces the events that it drops by a single one, which takes over the number of a
+// dropped event and changes with every further loss. So the stored copy is replaced.
 void Story::KeepLoss(const Event& event) {
     for (Seen& each : events_) {
         if (each.event.AdapterID != event.AdapterID || each.event.Class != event.Class ||

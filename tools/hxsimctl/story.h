@@ -1,4 +1,4 @@
-// What has happened while a scenario runs, and what a step of it is.
+// The events during a scenario's run, and the type of its steps.
 #pragma once
 
 #include <functional>
@@ -16,24 +16,24 @@ public:
 
     struct Seen {
         Event event{};
-        bool expected = false;  // by an earlier step
+        bool expected = false;  // matched by an earlier step
     };
 
-    /// Every event since the beginning, also those that have left their adapter's queue.
+    /// Every event since the start, including those that have left their adapter's queue.
     std::vector<Seen>& Events();
 
-    /// Notes an event that a step has taken off the queue.
+    /// Stores an event that a step has fetched from the queue.
     void Keep(const Event& event);
 
 private:
     void KeepLoss(const Event& event);
 
     Driver& driver_;
-    std::vector<HX_U32> next_;  // number of each adapter's first event that has not been noted
+    std::vector<HX_U32> next_;  // for each adapter the number of the next event to store
     std::vector<Seen> events_;
 };
 
-/// What a step does.
+/// The action of a step.
 using Step = std::function<void(Story&)>;
 
 }  // namespace hxsimctl

@@ -1,4 +1,4 @@
-// Virtual time, as it is typed.
+// Parses virtual time.
 #pragma once
 
 #include <string_view>
@@ -8,8 +8,8 @@
 
 namespace hxsimctl {
 
-/// Refuses a duration of more than 36500 days, which keeps sums of durations far from the end of
-/// Time. Throws UsageError.
+/// Throws UsageError for a duration of more than 36500 days, so that sums of durations stay within
+/// Time.
 hxsim::Time TimeSpanOf(vexortools::Duration duration);
 
 /// A duration such as 2h30m, of at most 36500 days. Throws UsageError.

@@ -1,4 +1,4 @@
-// A chapter of the reference, from which each kind of document is written.
+// A chapter of the reference, the source of each kind of document.
 #pragma once
 
 #include <string>

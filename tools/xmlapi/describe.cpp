@@ -1,5 +1,5 @@
-// Walks the rows. Every kind of row has its overload here: one that is new does not compile until
-// it is described.
+// Walks the rows. Every kind of row has an overload here, so a new kind does not compile until it
+// is described.
 #include "describe.h"
 
 #include <map>
@@ -112,7 +112,7 @@ void DescribeList(const CollectedList<kReply, R>&, std::vector<Element>& element
     elements.push_back(DescribeRecord(kReply.name, kReply.kRows));
     elements.back().repeats = true;
 }
-// What the two value writers write.
+// The elements of the two value writers.
 template <class R, class Inner>
 void DescribeList(const UserValues<XML_RA_UserGroup_Value, R, Inner>&,
                   std::vector<Element>& elements) {
@@ -216,7 +216,7 @@ const std::map<std::string, std::string> kExampleValues = {
     {"volUpperBound", "4300"},
 };
 
-// What is sent before a function's example, as the function and its children.
+// A command to send before a function's example.
 struct Before {
     const char* example;
     const char* function;

@@ -1,4 +1,4 @@
-// The functions' rows as plain data: what a command may hold and what its result is made of.
+// The functions' rows as plain data: the children of a command and the elements of its result.
 #pragma once
 
 #include <string>
@@ -24,7 +24,7 @@ struct Element {
         Scalar,
         Hex,
         Array,   // `width` items
-        Bytes,   // as many bytes as its width attribute says; no element at all for none
+        Bytes,   // as many bytes as its width attribute says; left out when there are none
         Record,  // `children`
         Ports,   // an array of 8 for each port, up to `width` of them, numbered in their names
     };
@@ -32,7 +32,7 @@ struct Element {
     std::string type;  // the value of its type attribute
     Kind kind = Kind::Scalar;
     std::size_t width = 0;
-    bool repeats = false;  // any number of them, also none
+    bool repeats = false;  // any number of times, also 0
     std::vector<Element> children = {};
 };
 
@@ -49,10 +49,10 @@ std::vector<FunctionText> DescribeFunctions();
 /// The management functions, in table order.
 std::vector<FunctionText> DescribeManagement();
 
-/// The commands that bring the machine to where the example works; none for most.
+/// The commands that prepare the machine for the example; usually none.
 std::vector<std::string> CommandsBefore(const FunctionText& function);
 
-/// What has to be said of the example; empty for most.
+/// A remark on the example; usually empty.
 std::string RemarkOn(const FunctionText& function);
 
 /// An example command: every child once.

@@ -119,7 +119,7 @@ const CodeList& ListOf(Codes codes) {
     throw std::logic_error("a table of codes without a title");
 }
 
-// The anchor that page renderers make of a heading.
+// The anchor that page renderers generate for a heading.
 std::string Anchor(std::string_view heading) {
     std::string anchor;
     for (const char c : heading) {
@@ -191,7 +191,7 @@ class Records {
 public:
     std::string LinkOf(const Element& record) { return LinkTo(Heading(record)); }
 
-    // Tables of every record that was linked, and of those that they hold.
+    // Tables of every linked record and of the records inside them.
     std::string Tables();
 
     std::string Table(std::string_view of, const std::vector<Element>& elements) {
@@ -226,7 +226,7 @@ private:
         return type;
     }
 
-    // What tells two records of one name apart.
+    // Distinguishes two records of the same name.
     static std::string ContentOf(const Element& record) {
         std::string content = record.type;
         for (const Element& element : record.children)

@@ -1,4 +1,5 @@
-// One row for each field. A row of a record or a function goes before the row of the name alone.
+// One row for each field. A row for a certain record or function takes precedence over a row for
+// the name alone.
 #include "meanings.h"
 
 #include <iterator>

@@ -1,5 +1,5 @@
-// What each field of a command and of a result means: its text, its unit, the values that it can
-// have and the table of codes that names them.
+// The meaning of each field of commands and results: its text, unit, possible values and table of
+// codes.
 #pragma once
 
 #include <string_view>
@@ -43,19 +43,18 @@ enum class Codes {
 };
 
 struct Meaning {
-    std::string_view
-        of;  // a record or a function; empty for the field of that name everywhere else
+    std::string_view of;  // a record or a function; empty: every other field of that name
     std::string_view field;
     std::string_view text;
-    // The unit and the range; empty where the type or the table of codes says it all.
+    // The unit and the range; empty where the type or the table of codes suffices.
     std::string_view values;
     Codes codes = Codes::kNone;
 };
 
 /// The meaning of a field of a record, or of a child or an element of a function. Throws
-/// std::runtime_error, which names it, when there is none or its values are not told.
+/// std::runtime_error, which names the field, when it or its values are missing.
 const Meaning& MeaningOf(std::string_view of, const Element& element);
 const Meaning& MeaningOf(std::string_view of, const Child& child);
 
-/// The rows that MeaningOf has not given yet: what they told of is gone.
+/// The rows that MeaningOf has never returned: their fields no longer exist.
 std::vector<const Meaning*> UnusedMeanings();

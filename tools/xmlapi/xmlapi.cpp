@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A folder that stands in for "/" and for the top of the tree while the examples run.
+// A temporary folder that replaces "/" and the top of the tree while the examples run.
 class ExampleRoot {
 public:
     explicit ExampleRoot(const fs::path& examples) {
@@ -30,7 +30,7 @@ public:
         path_ = pattern;
         setenv("VEXORAPI_ROOT", path_.c_str(), 1);
         fs::copy(examples / "root", path_, fs::copy_options::recursive);
-        // Example commands name files from the top of the tree on.
+        // Example commands name files relative to the top of the tree.
         fs::create_directory_symlink(examples, path_ / "examples");
         fs::current_path(path_);
     }
@@ -46,8 +46,8 @@ private:
     fs::path path_;
 };
 
-// Puts the two events of docs/event-store.md into the store: their times do not change from one run
-// to the next.
+// Puts the two events of docs/event-store.md into the store, since their times are the same in
+// every run.
 void StoreExampleEvents() {
     Event created{};
     created.Class = 1;
@@ -82,7 +82,7 @@ void StoreExampleEvents() {
     VX_EvFile_Close();
 }
 
-// Carries out what the machine of an example has to go through before.
+// Runs the commands that prepare an example's machine.
 void RequireDone(const std::string& command, std::string& result) {
     if (vexorApi(command.c_str(), result.data(), VEXORAPI_MAX_RESULT) != 1 ||
         result.find("<RetVal type=\"U8\">0<") == std::string::npos) {
@@ -93,8 +93,8 @@ void RequireDone(const std::string& command, std::string& result) {
 void RunExamples(std::vector<Chapter>& chapters, const fs::path& examples) {
     const ExampleRoot root(examples);
     std::string result(VEXORAPI_MAX_RESULT, '\0');
-    // A machine in memory is a new one each time that the library is opened, so that no example
-    // shows what another one has done.
+    // Opening the library creates a new machine in memory, so that examples do not affect each
+    // other.
     setenv("HXSIM_STATE", ":memory:", 1);
     vexorApiInit();
     StoreExampleEvents();
