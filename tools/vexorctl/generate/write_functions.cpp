@@ -46,6 +46,36 @@ bool HasStatus(const FunctionText& function) {
     return false;
 }
 
+// Without any digit or character of a value.
+std::size_t LeastBytes(const Element& element, std::size_t depth) {
+    constexpr std::size_t kIndentation = 2;
+    const bool may_be_missing =
+        element.kind == Element::Kind::Bytes || element.kind == Element::Kind::Ports;
+    if (may_be_missing) return 0;
+    const std::size_t tags =
+        std::strlen("< type=\"\"></>\n") + 2 * element.name.size() + element.type.size();
+    std::size_t bytes = kIndentation * depth + tags;
+    for (const Element& child : element.children) bytes += LeastBytes(child, depth + 1);
+    return bytes;
+}
+
+// The list of a function whose caller says how many records it wants, and the parameter that says
+// it.
+struct ListText {
+    const char* wanted = "";
+    std::size_t least_record = 0;
+};
+ListText ListOf(const FunctionText& function) {
+    ListText list;
+    for (const Child& child : function.children) {
+        if (child.name == "numRequested" || child.name == "n") list.wanted = child.name.c_str();
+    }
+    for (const Element& element : function.elements) {
+        if (element.repeats && *list.wanted != '\0') list.least_record = LeastBytes(element, 1);
+    }
+    return list;
+}
+
 void WriteTable(const std::vector<FunctionText>& functions) {
     std::puts(
         "#include \"model/library_functions.h\"\n\nnamespace vexorctl {\n\nnamespace {\n\n"
@@ -59,8 +89,11 @@ void WriteTable(const std::vector<FunctionText>& functions) {
     std::puts("};\n\nconstexpr FunctionRow kFunctions[] = {");
     std::size_t first = 0;
     for (const FunctionText& function : functions) {
-        std::printf("    {\"%s\", {kFields + %zu, %zu}, %s},\n", function.name.c_str(), first,
-                    function.children.size(), HasStatus(function) ? "true" : "false");
+        const ListText list = ListOf(function);
+        std::printf("    {\"%s\", {kFields + %zu, %zu}, %s, %s, \"%s\", %zu},\n",
+                    function.name.c_str(), first, function.children.size(),
+                    HasStatus(function) ? "true" : "false", function.paged ? "true" : "false",
+                    list.wanted, list.least_record);
         first += function.children.size();
     }
     std::puts(

@@ -19,7 +19,10 @@ struct FieldRow {
 struct FunctionRow {
     std::string_view name;
     std::span<const FieldRow> fields;
-    bool has_status;  // its result has a RetVal that is a number
+    bool has_status;                // its result has a RetVal that is a number
+    bool is_paged;                  // it begins with a paging header
+    std::string_view wanted_field;  // says how many records are wanted; empty: no list
+    std::size_t least_record;       // no record of its list takes fewer bytes of a result
 };
 
 /// All of them: the controller's, then the management functions.

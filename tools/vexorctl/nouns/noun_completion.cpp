@@ -261,15 +261,19 @@ Candidates CandidatesFor(Controller& controller, std::vector<std::string>& words
     if (noun == Nouns().end()) return found;
     words.erase(words.begin());
     const CommandRow* command = &noun->commands.front();
-    if (!command->verb.empty()) {
-        if (words.size() == 1) {
-            for (const CommandRow& row : noun->commands) candidates.emplace_back(row.verb);
-            return found;
+    const bool is_command = command->verb.empty();
+    if (words.size() == 1) {
+        for (const CommandRow& row : noun->commands) {
+            if (!row.verb.empty()) candidates.emplace_back(row.verb);
         }
-        const auto verb = std::ranges::find(noun->commands, words.front(), &CommandRow::verb);
-        if (verb == noun->commands.end()) return found;
+        if (!is_command) return found;
+    } else if (const auto verb =
+                   std::ranges::find(noun->commands, words.front(), &CommandRow::verb);
+               verb != noun->commands.end()) {
         command = &*verb;
         words.erase(words.begin());
+    } else if (!is_command) {
+        return found;
     }
     AddOfCommand(found, controller, *command, words);
     return found;

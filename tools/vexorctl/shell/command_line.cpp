@@ -171,8 +171,13 @@ Exit Run(std::span<const NounRow> nouns, std::vector<std::string> words, std::st
         }
         if (IsHelp(words.front()) || words.front() == "help") return Help(NounHelp(noun));
     }
-    const CommandRow& row = has_verbs ? FindVerb(noun, words.front()) : noun.commands.front();
-    if (has_verbs) {
+    // A noun that is a command itself may have verbs as well, which its own arguments give way to.
+    const bool names_verb =
+        has_verbs ||
+        (!words.empty() &&
+         std::ranges::find(noun.commands, words.front(), &CommandRow::verb) != noun.commands.end());
+    const CommandRow& row = names_verb ? FindVerb(noun, words.front()) : noun.commands.front();
+    if (names_verb) {
         words.erase(words.begin());
         where.append(" ").append(row.verb);
     }
