@@ -269,7 +269,7 @@ Candidates CandidatesFor(Controller& controller, std::vector<std::string>& words
         if (!is_command) return found;
     } else if (const auto verb =
                    std::ranges::find(noun->commands, words.front(), &CommandRow::verb);
-               verb != noun->commands.end()) {
+               verb != noun->commands.end() && !verb->verb.empty()) {
         command = &*verb;
         words.erase(words.begin());
     } else if (!is_command) {

@@ -174,7 +174,7 @@ Exit Run(std::span<const NounRow> nouns, std::vector<std::string> words, std::st
     // A noun that is a command itself may have verbs as well, which its own arguments give way to.
     const bool names_verb =
         has_verbs ||
-        (!words.empty() &&
+        (!words.empty() && !words.front().empty() &&
          std::ranges::find(noun.commands, words.front(), &CommandRow::verb) != noun.commands.end());
     const CommandRow& row = names_verb ? FindVerb(noun, words.front()) : noun.commands.front();
     if (names_verb) {
