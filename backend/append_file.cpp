@@ -11,7 +11,7 @@
 
 namespace {
 
-// Logs can hold commands with passwords: they are created for their owner alone.
+// Logs can contain commands with passwords, so only their owner may read them.
 constexpr mode_t kLogMode = 0600;
 
 }  // namespace
@@ -22,8 +22,8 @@ Descriptor OpenForAppend(const char* path) {
 
 void TruncateFile(const char* path) {
     const GuardedFile log = OpenGuarded(path, O_WRONLY | O_CREAT, kLogMode);
-    // A file that cannot be emptied keeps its text, and messages are appended behind it. Devices
-    // have nothing to be emptied.
+    // If truncation fails, the file keeps its text and messages are appended to it. Devices have
+    // nothing to truncate.
     [[maybe_unused]] const bool emptied = log.file.IsOpen() && ftruncate(log.file.Get(), 0) == 0;
 }
 
@@ -40,7 +40,7 @@ void AppendBytes(int descriptor, const char* bytes, std::size_t length) {
 int FormatWhole(HeapBlock<char>& text, const char* fmt, std::va_list args) {
     char* formatted = nullptr;
     const int length = vasprintf(&formatted, fmt, args);
-    // After a failure the pointer is not ours to free: its value is undefined.
+    // After a failure the pointer is undefined and must not be freed.
     text.reset(length < 0 ? nullptr : formatted);
     return length < 0 ? -1 : length;
 }

@@ -1,5 +1,5 @@
-// A file descriptor that closes itself, so that an early return leaves no file open. Needs nothing
-// but the system, so that every part of the tree can use it.
+// A file descriptor that closes itself, so that an early return leaves no file open. Depends on the
+// system only, so that every part of the tree can use it.
 #pragma once
 
 #include <unistd.h>
@@ -10,7 +10,7 @@
 class Descriptor {
 public:
     Descriptor() = default;
-    /// Takes over what open returned; -1 is none.
+    /// Takes ownership of the result of open; -1 is none.
     explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
     ~Descriptor() { Close(); }
 
@@ -27,14 +27,14 @@ public:
 
     bool IsOpen() const { return descriptor_ >= 0; }
 
-    /// The descriptor, which stays owned; -1 when there is none.
+    /// The descriptor, still owned by this object; -1 when there is none.
     int Get() const { return descriptor_; }
 
-    /// Gives the descriptor up to the caller; -1 when there is none.
+    /// Passes ownership of the descriptor to the caller; -1 when there is none.
     [[nodiscard]] int Release() { return std::exchange(descriptor_, -1); }
 
-    /// Closes the file, if there is one. Returns whether that worked: false means that what was
-    /// written may not be in the file.
+    /// Closes the file, if there is one. Returns false on failure: then written data may not be in
+    /// the file.
     bool Close() { return !IsOpen() || close(Release()) == 0; }
 
 private:

@@ -1,4 +1,4 @@
-// The guard, and a walk along the path for whatever is more than a plain file without links.
+// The guard: one call for a plain file without links, else a walk along the path.
 #include "guarded_file.h"
 
 #include <fcntl.h>
@@ -17,20 +17,20 @@
 
 namespace {
 
-// A terminal must not become the process's own, and the other end of a FIFO is not waited for.
+// No terminal becomes the process's controlling terminal, and opening a FIFO does not wait.
 constexpr int kAlways = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
 constexpr int kMostLinks = 40;  // as many as the kernel follows
 
 bool IsTrusted(uid_t owner) { return owner == 0 || owner == geteuid(); }
 
-// Whether somebody else can put another file or a link under a name in the folder.
+// Whether another user can create or exchange files and links in the folder.
 bool OthersMayWrite(const FileStatus& folder) {
     return !IsTrusted(folder.owner) || (folder.mode & (S_IWGRP | S_IWOTH)) != 0;
 }
 
-// Asks for no times: after they were told, the next write of the file would give it new ones, to
-// the nanosecond and through the file system's journal, which takes longer than the write itself.
+// Asks for no times: once they were queried, the next write would have to update them to the
+// nanosecond through the file system's journal, which takes longer than the write itself.
 bool Look(const Descriptor& file, FileStatus& status) {
     constexpr unsigned kAsked = STATX_TYPE | STATX_MODE | STATX_NLINK | STATX_UID;
     struct statx found;
@@ -44,8 +44,8 @@ bool IsWritableKind(const FileStatus& status) {
     return S_ISREG(status.mode) || S_ISCHR(status.mode);
 }
 
-// A path without links to a file of ours that has one name: nobody can have exchanged it, whatever
-// the folders are. Nearly every path is one, and the kernel finds out in one call.
+// Opens a path without links to our own file with one name, which nobody can have exchanged,
+// whatever the folders are. Nearly every path is like that, and one system call finds out.
 GuardedFile OpenPlain(const char* path, int flags, mode_t mode) {
     open_how how{};
     how.flags = static_cast<unsigned>(flags | kAlways | O_LARGEFILE);
@@ -60,8 +60,8 @@ GuardedFile OpenPlain(const char* path, int flags, mode_t mode) {
     return opened;
 }
 
-// A path that is walked name by name. The folder reached is held open, so that what is checked of
-// it stays true of what is opened in it.
+// Walks a path name by name. The current folder is held open, so that its checks apply to the
+// folder in which the next name is opened.
 class Walk {
 public:
     explicit Walk(const char* path) {
@@ -87,7 +87,7 @@ public:
     }
 
 private:
-    // Goes to where the rest of the path begins.
+    // Enters the folder at which the rest of the path starts.
     void EnterStart() {
         Enter(Descriptor(open(rest_[0] == '/' ? "/" : ".", O_PATH | O_DIRECTORY | O_CLOEXEC)));
     }
@@ -96,8 +96,8 @@ private:
         folder_ = std::move(folder);
     }
 
-    // Takes the next name off the rest. Returns whether it is the last; a path that ends in a slash
-    // has none, since it names no file, and its last name is followed by an empty one.
+    // Removes the next name from the rest. Returns whether it is the last one. A path that ends in
+    // a slash names no file: its last name is followed by an empty one, so it has no last name.
     bool TakeName(char (&name)[kRootPathSize]) {
         const char* const begin = rest_ + std::strspn(rest_, "/");
         const std::size_t length = std::strcspn(begin, "/");
@@ -109,8 +109,8 @@ private:
         return last;
     }
 
-    // Enters the folder of this name, or puts a link's target in its place. A last name can only be
-    // a link here. Returns false when it is neither or the link is not to be followed.
+    // Enters the folder of this name, or replaces a link by its target; the last name can only be a
+    // link. Returns false when it is neither or the link must not be followed.
     bool Step(const char* name, bool last) {
         Descriptor next(openat(folder_.Get(), name, O_PATH | O_NOFOLLOW | O_CLOEXEC));
         FileStatus status;
@@ -129,7 +129,7 @@ private:
         if (read <= 0) return false;
         const auto length = static_cast<std::size_t>(read);
         const std::size_t rest_length = std::strlen(rest_);
-        // A target that fills its field may have been cut.
+        // A target that fills its buffer may be truncated.
         if (length + rest_length >= sizeof rest_) return false;
         std::copy_backward(rest_, rest_ + rest_length + 1, rest_ + length + rest_length + 1);
         std::memcpy(rest_, target, length);
@@ -148,7 +148,7 @@ private:
     }
 
     char rest_[kRootPathSize];  // begins with a slash behind a folder that was entered
-    Descriptor folder_;         // closed when there is none to go on from
+    Descriptor folder_;         // closed when the walk cannot continue
     FileStatus folder_status_;
     int links_ = 0;
 };

@@ -1,5 +1,5 @@
-// How every file is opened that the library writes, so that no other user of the machine chooses
-// which one it is: the library is loaded by root, and its paths can lead through folders of others.
+// Opens every file that the library writes, such that no other user can redirect it to another
+// file: the library is loaded by root, and its paths can lead through folders of other users.
 #pragma once
 
 #include <sys/types.h>
@@ -8,20 +8,20 @@
 
 #include "descriptor.h"
 
-/// What is asked about a file before it is written.
+/// The properties of a file that are checked before it is written.
 struct FileStatus {
     mode_t mode = 0;
     uid_t owner = 0;
     std::uint32_t links = 0;
 };
 
-/// A file that has been opened, and what it is.
+/// An opened file and its properties.
 struct GuardedFile {
-    Descriptor file;  // closed when the file could not be opened or is refused
+    Descriptor file;  // closed when the file cannot be opened or is refused
     FileStatus status;
 };
 
-/// Opens `path` with the access and O_ flags of `flags`; with O_CREAT it is made with `mode`.
+/// Opens `path` with the access and O_ flags of `flags`; with O_CREAT it is created with `mode`.
 /// Opening never waits, never empties the file (pass no O_TRUNC) and never makes a terminal the
 /// process's own; the descriptor is close-on-exec.
 ///
@@ -34,6 +34,6 @@ struct GuardedFile {
 ///   stands in a folder that others may write;
 /// - a file of another user in a folder that others may write.
 ///
-/// What is opened is what was checked: links are read by descriptor, and the file is looked at when
-/// it is open.
+/// The opened file is the checked one: links are read by descriptor, and the file is checked after
+/// opening.
 [[nodiscard]] GuardedFile OpenGuarded(const char* path, int flags, mode_t mode);

@@ -1,5 +1,5 @@
-// Blocks of malloc that free themselves, so that an early return loses nothing. Needs nothing but
-// the system, so that every part of the tree can use it.
+// Blocks of malloc that free themselves, so that an early return leaks nothing. Depends on the
+// system only, so that every part of the tree can use it.
 #pragma once
 
 #include <cstddef>
@@ -35,7 +35,7 @@ struct WipeAndFreeBlock {
     }
 };
 
-/// Owns one block that has held a password or a hash: it is wiped before it is freed.
+/// Owns one block that holds a password or a hash and is wiped before it is freed.
 template <class T>
 using SecretBlock = std::unique_ptr<T, WipeAndFreeBlock>;
 

@@ -14,7 +14,7 @@ namespace {
 
 constexpr char kServiceLog[] = "/var/log/hxraidsvc.log";
 
-// Of asctime's own shape, so that readers of the log can take every line apart the same way.
+// In asctime's form, so that readers can parse every line of the log in the same way.
 constexpr char kUnknownTime[kTimeTextSize] = "Thu Jan  1 00:00:00 1970\n";
 
 constinit int file = -1;  // the open log, -1 between lines

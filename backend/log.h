@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <ctime>
 
-// The three entry points of the log. vexorapi.h, the public header, declares them for C as well and
-// says what they promise; vexorapi.cpp includes both headers, so that the compiler compares them.
+// The three entry points of the log. vexorapi.h, the public header, declares and documents them for
+// C; vexorapi.cpp includes both headers, so that the compiler compares them.
 // NOLINTBEGIN(readability-redundant-declaration)
 extern "C" {
 [[gnu::visibility("default")]] int InitLog() noexcept;

@@ -8,7 +8,7 @@
 #include <cerrno>
 
 Descriptor OpenForRead(const char* path) {
-    // Without O_NONBLOCK the opening of a FIFO would wait for somebody to write into it.
+    // Without O_NONBLOCK, opening a FIFO would wait for a writer.
     Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!file.IsOpen()) return file;
     struct stat status;

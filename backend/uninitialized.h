@@ -1,6 +1,6 @@
-// Large variables on the way of every request, which their owners fill at once.
+// For large local variables in the path of every request, which are filled at once.
 #pragma once
 
-// Releases zero what nothing was stored in (-ftrivial-auto-var-init). For kilobytes on every
-// request that would cost more than much of the request. The spelling that both compilers know.
+// Release builds zero uninitialised variables (-ftrivial-auto-var-init). For kilobytes in every
+// request that would cost a large part of the request. Both compilers know this spelling.
 #define VEXOR_UNINITIALIZED __attribute__((uninitialized))

@@ -1,4 +1,4 @@
-// The document writer, piece by piece. It writes all of a result but the records that fit whole,
+// The document writer, piece by piece. It writes everything except records that fit as a whole,
 // which the record rows (xml_rapi_rows.h) copy with the same bytes.
 #include "XMLWriter.h"
 
@@ -16,7 +16,7 @@ void AppendPiece(XMLWR_Doc* doc, const char* bytes, std::size_t length) {
     XMLWR_AddCurPos(doc, XMLWR_MemCpy(doc, bytes, static_cast<HX_U16>(length)));
 }
 
-// Formats into `piece` and returns the length of what stands in it, cut to its room.
+// Formats into `piece`, truncated to its size, and returns the length of the result.
 template <std::size_t n>
 [[gnu::format(printf, 2, 0)]] std::size_t FormatPiece(char (&piece)[n], const char* fmt,
                                                       std::va_list args) {

@@ -31,8 +31,8 @@ inline constexpr HX_U16 kNoNewLine = 4;     // start, text: no line end behind i
 inline constexpr std::size_t kPieceSize = 1024;
 inline constexpr std::size_t kAttributeSize = 512;  // attribute text, character data
 
-/// Puts the parts one behind the other into `room`, cut as if they had been formatted there: a NUL
-/// would fit behind them. To format what is known costs more than all else about a tag.
+/// Concatenates the parts in `room`, truncated like a formatted text, with space for a NUL. Faster
+/// than formatting, which would be the largest cost of writing a tag.
 template <std::size_t n>
 std::string_view JoinText(char (&room)[n], std::initializer_list<std::string_view> parts) {
     std::size_t length = 0;

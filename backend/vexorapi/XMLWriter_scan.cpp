@@ -13,7 +13,7 @@ int Scan(const char*& cursor, void* target) {
     if (!ScanNumber(cursor, number)) return -1;
     const auto field = static_cast<Field>(number);
     std::memcpy(target, &field, sizeof field);
-    // The text's end is not counted as a character that was passed.
+    // The end of the text does not count as a passed character.
     return static_cast<int>(cursor - from) - (*cursor == '\0' ? 1 : 0);
 }
 
@@ -30,7 +30,7 @@ int XMLWR_CharDataToDec(const char** str, void* tmp, int DataWidth) {
         case 64:
             return Scan<std::uint64_t, std::uint64_t>(*str, tmp);
     }
-    // No number has another width: what is found is stored nowhere, but logged when it is below 32.
+    // No field has another width: the number is not stored, only logged if the width is below 32.
     if (FindDigit(*str) && DataWidth < 32) {
         const char* digits = *str;
         TraceNumber(ReadDigits<HX_U32>(digits));

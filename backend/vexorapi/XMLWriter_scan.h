@@ -40,7 +40,7 @@ inline bool IsDecChar(char a) { return a >= '0' && a <= '9'; }
 /// fit, on every word size alike.
 template <class Number>
 [[gnu::always_inline]] inline Number ReadDigits(const char*& cursor) {
-    // So many digits fit whatever they are, and nearly no number has more.
+    // This many digits always fit, and nearly no number has more.
     constexpr int kSafe = std::numeric_limits<Number>::digits10;
     const char* const first = cursor;
     Number value = 0;

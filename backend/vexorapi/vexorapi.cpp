@@ -1,4 +1,4 @@
-// The entry points: the life of a process and of one request.
+// The entry points: initialisation, shutdown and the processing of a request.
 #include "vexorapi.h"
 
 #include <cstring>
@@ -82,7 +82,7 @@ int vexorApi(const char* XMLCmd, char* XMLRet, std::uint32_t XMLRetLen) noexcept
 
 int vexorApiInit() noexcept {
     VX_EvInit();
-    // Skipped only when the controller library refused to start the last time.
+    // Skipped only when the last initialisation of the controller library failed.
     if (HX_API_InitializeRet == HX_SUCCESS) VX_VER_INIT();
     HX_API_InitializeRet = HX_API_Initialize();
     if (HX_API_InitializeRet != HX_SUCCESS) {

@@ -13,13 +13,13 @@
 #include "vexorapi_limits.h"
 #include "vx_dbg.h"
 
-/// Of XMLElement::LastDot: where the path's last dot is, has to be searched for. No path begins
-/// with a dot.
+/// XMLElement::LastDot when the position of the last dot is unknown and must be searched. No path
+/// begins with a dot.
 inline constexpr HX_U16 kNoDot = 0;
 
-/// What a function needs of its record: how much is allocated, and how much of that is filled with
-/// zeros, so that no request pays for the largest function's record; and whether it takes a
-/// password, which is wiped when the request ends.
+/// The needs of a function's record: the bytes to allocate and the bytes to zero, so that no
+/// request pays for the largest function's record, and whether it takes a password, which is wiped
+/// when the request ends.
 struct RecordNeeds {
     std::size_t bytes;
     std::size_t zeroed;
@@ -90,7 +90,7 @@ inline void CopyShort(char* to, const char* from, std::size_t length) {
     }
 }
 
-/// Appends the element's name to the path and empties the text. What does not fit is dropped.
+/// Appends the element's name to the path and empties the text. Text that does not fit is dropped.
 template <class Context>
 void EnterElement(Context& context, const XML_Char* name) {
     const XML_Char* end = strchrnul(name, '.');

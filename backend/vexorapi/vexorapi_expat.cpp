@@ -32,7 +32,8 @@ constinit bool wipe_freed_blocks = false;
     std::free(block);
 }
 
-// Checks for null first: of the 74 blocks that XML_ParserFree frees most were never allocated.
+// Checks for null first, because most of the 74 blocks that XML_ParserFree frees were never
+// allocated.
 void FreeParserBlock(void* block) {
     if (block == nullptr) return;
     if (wipe_freed_blocks) [[unlikely]]

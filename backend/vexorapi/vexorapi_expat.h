@@ -1,4 +1,4 @@
-// One run of expat over a whole text: what commands and the configuration file have in common.
+// One run of expat over a whole text, shared by commands and the configuration file.
 #pragma once
 
 #include <expat.h>
@@ -27,8 +27,8 @@ struct ParseHandlers {
 ///
 /// Returns 1, or 0 when the text is not well-formed, declares too much, is longer than expat takes
 /// or no parser can be made. expat's error is written to the debug log. Expat's copies of the text
-/// are wiped when it is secret, and also when it is not well-formed: then it may be a logon command
-/// whose root element was not reached.
+/// are wiped when it is secret or not well-formed: a malformed text may be a logon command whose
+/// root element was not reached.
 int RunExpat(const char* text, std::size_t length, void* context, ParseGuard& guard,
              const ParseHandlers& handlers);
 

@@ -11,8 +11,8 @@
 #include "vexorapi_element.h"
 #include "xml_rapi_functions.h"  // IWYU pragma: keep (its names are pasted together by the function list)
 
-// Never defined: a function whose rows come to call it does not compile, and the compiler's message
-// names the reason.
+// Never defined: a function whose rows have another name calls it and does not compile, and the
+// compiler's message names the reason.
 void RowsBearAnotherName();
 
 namespace {
@@ -54,14 +54,16 @@ constexpr bool NamesAreSound() {
 }
 static_assert(NamesAreSound(), "every name fits FuncName and none comes twice");
 
-// A name is looked up by its hash; the seed is chosen at compile time so that no two share a slot.
+// Names are looked up by hash; the seed is chosen at compile time so that no two names share a
+// slot.
 constexpr int kSlotBits = 10;
 constexpr std::size_t kSlots = 1u << kSlotBits;
 
 // `seed` is odd.
 constexpr std::uint32_t Hash(std::uint32_t seed, const char* name) {
     std::uint32_t hash = 0;
-    // Multiplied once after the loop: in each step it would make the next one wait.
+    // Multiplies once after the loop, since each step would otherwise wait for the previous
+    // multiplication.
     for (; *name != '\0'; ++name) hash = std::rotl(hash, 5) ^ static_cast<unsigned char>(*name);
     return hash * seed >> (32 - kSlotBits);
 }

@@ -1,4 +1,4 @@
-// The table of the vendor functions: a function by the name that commands call it by, and the
+// The table of the vendor functions: finds a function by its name in commands, and declares the
 // handlers that read its parameters.
 #pragma once
 

@@ -1,5 +1,5 @@
-// The limits of one parse, of a command as of the configuration file. What is beyond them is
-// dropped or refused; none of it overruns a record.
+// The limits of parsing a command or the configuration file. Anything beyond them is dropped or
+// refused, so that it never overruns a record.
 #pragma once
 
 #include <cstddef>

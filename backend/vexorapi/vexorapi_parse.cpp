@@ -14,10 +14,10 @@ void ClearHandlers(XMLElement& elmt) {
     elmt.CharDataHandler = nullptr;
 }
 
-// Allocates the record that the dispatcher has asked for. Both kinds of record begin with the
-// function's name, which is shorter than its 64 characters: the tables check that.
+// Allocates the record that the dispatcher has requested. Both kinds of record begin with the
+// function's name, which fits its 64 characters: the tables check that.
 void AllocateRecord(XMLElement& elmt, const XML_Char* name) {
-    // Set even if there is no memory for the record: the password is parsed all the same.
+    // Set even without memory for the record, because the password is parsed anyway.
     elmt.Guard.secret = elmt.ExtNeeds.secret;
     elmt.Ext = std::malloc(elmt.ExtNeeds.bytes);
     if (elmt.Ext == nullptr) return;

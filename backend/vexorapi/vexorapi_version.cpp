@@ -62,7 +62,7 @@ void StoreBuiltIn(const BuiltIn& version) {
 // The characters of one field.
 class FieldText {
 public:
-    // Drops what does not fit, and 0xFF, which equals EOF where characters are signed.
+    // Drops bytes that do not fit, and 0xFF, which equals EOF where characters are signed.
     void Append(unsigned char byte) {
         if (byte < 0xFF && length_ < kCapacity) text_[length_++] = static_cast<char>(byte);
     }
@@ -84,7 +84,7 @@ private:
     std::size_t length_ = 0;
 };
 
-// Takes the file's bytes in the order they come in.
+// Parses the file byte by byte.
 class VersionReader {
 public:
     void Take(unsigned char byte) {

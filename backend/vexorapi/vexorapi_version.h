@@ -21,7 +21,7 @@ void STORE_KEY(int module, int Major, int Minor, int OEM, int Build);
 /// Stores the built-in versions of all four modules.
 void VX_VER_INIT();
 
-/// Reads the event service's version from "/hxraidver.dat" (four numbers joined by dots), or takes
+/// Reads the event service's version from "/hxraidver.dat" (four numbers joined by dots), or uses
 /// the built-in one when that is no regular file or cannot be opened. A number too large for an int
-/// becomes the largest int. Fields that the file does not have keep their values.
+/// becomes the largest int. Fields missing in the file keep their values.
 void getEventSvcVersion();

@@ -1,4 +1,4 @@
-// The configuration file is read and parsed afresh for every section that a service asks for.
+// The configuration file is read and parsed anew for every section that a service requests.
 #include "vx_cfg.h"
 
 #include <unistd.h>
@@ -21,8 +21,8 @@ constexpr char kConfigFile[] = "/vexorapi.ini";
 // A file that fills the buffer counts as absent, so the largest one that is read has 65535 bytes.
 constexpr std::size_t kWorkBufferSize = 65536;
 
-// Most installations have no file; then one call of access is all that a request costs. Every other
-// error is left to the opening of the file.
+// Most installations have no file; then a request costs only one call of access. Other errors are
+// found when the file is opened.
 bool ConfigFileIsAbsent() {
     VEXOR_UNINITIALIZED char path[kRootPathSize];
     if (RootPath(path, kConfigFile) == nullptr) return true;

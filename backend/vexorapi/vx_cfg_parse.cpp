@@ -1,5 +1,5 @@
-// The sections of the configuration file: which there are, and how their attributes are read into
-// the caller's record.
+// The sections of the configuration file, and how their attributes are read into the caller's
+// record.
 #include "vx_cfg_parse.h"
 
 #include <cstring>
@@ -60,8 +60,8 @@ void Store(const char*, const char* value, T& field) {
     field = static_cast<T>(number);
 }
 
-// A path. One that is too long for its field counts as absent, because a cut path names another
-// file.
+// A path. If it is too long for its field, it counts as absent, because a truncated path would name
+// another file.
 template <std::size_t size>
 void Store(const char* name, const char* value, char (&field)[size]) {
     const std::size_t length = std::strlen(value);
@@ -70,8 +70,8 @@ void Store(const char* name, const char* value, char (&field)[size]) {
     VX_DBG_TRACE("%s %s\n", name, value);
 }
 
-// The whole record is zeroed first, so that the later one of two sections of the same name wins and
-// attributes that it lacks are 0.
+// The record is zeroed first, so that of two sections of the same name the later one wins, with 0
+// for the attributes that it lacks.
 template <class R, class... T>
 void ReadSection(void* userData, const XML_Char** atts,
                  const std::tuple<Setting<R, T>...>& settings) {

@@ -1,4 +1,4 @@
-// The parse of the configuration file: expat's callbacks, which find the section asked for, and the
+// The parse of the configuration file: expat's callbacks, which find the requested section, and the
 // section handlers, which read its attributes into the caller's record.
 #pragma once
 
@@ -15,13 +15,13 @@ struct XMLWR_Doc;
 
 inline constexpr std::size_t kCfgNameSize = 128;  // CfgName, its NUL included
 
-/// The parse context of one look into the configuration file, expat's user data; all zero at first.
+/// The parse context of one read of the configuration file, expat's user data; initially all zero.
 struct XMLElmtCfg {
     std::int32_t Depth;                        // elements open now; the sections stand at 1
     XML_StartElementHandler StartHandler;      // the section's, while inside of it, or null
     XML_EndElementHandler EndHandler;          // the section's, or null
     XML_CharacterDataHandler CharDataHandler;  // an extra one; no section sets it
-    char CfgName[kCfgNameSize];                // the section asked for; empty: none
+    char CfgName[kCfgNameSize];                // the requested section; empty: none
     HX_U16 ArrayWidth;                         // unused here
     char DirName[kPathSize];                   // root.child.grandchild, NUL-terminated
     HX_U16 CharDataIndex;                      // bytes kept in CharDataBuf
@@ -32,15 +32,15 @@ struct XMLElmtCfg {
     ParseGuard Guard;
 };
 
-/// Sets the section asked for. No section has a name that is too long for the field: for such a one
-/// it stays empty.
+/// Sets the requested section. A name that is too long for the field leaves it empty, since no
+/// section has such a name.
 void SetCfgName(XMLElmtCfg& elmt, const char* name);
 
 void XMLCALL CFG_StartElement(void* userData, const XML_Char* name, const XML_Char** atts);
 void XMLCALL CFG_EndElement(void* userData, const XML_Char* name);
 void XMLCALL CFG_CharacterDataHandler(void* userData, const XML_Char* s, int len);
 
-/// Installs the handlers of the section `name` when it is the one asked for. Returns 1, or 0 with
+/// Installs the handlers of the section `name` when it is the requested one. Returns 1, or 0 with
 /// the handlers unchanged.
 int CFG_FuncElementDispatcher(void* userData, const XML_Char* name, const XML_Char** atts);
 

@@ -15,18 +15,18 @@ namespace {
 
 constexpr std::uint32_t kSectionLoaded = 1;  // of Flags
 
-// No file of this name is ever opened and nothing is bound to the standard error stream: what is
-// logged under it goes nowhere.
+// Messages to the name "stderr" are dropped: no file of that name is opened, and the standard error
+// stream is not used.
 bool IsStderr(const char* filename) { return std::strcmp(filename, "stderr") == 0; }
 
-// Whether `filename` names a log. One that is too long for its field names none, because a cut name
-// would be another file's.
+// Whether `filename` names a log. A name that is too long for its field does not, because a
+// truncated name would be another file's.
 bool IsLogName(const char* filename) {
     return filename != nullptr && filename[0] != '\0' &&
            strnlen(filename, sizeof DBG_Ext.FileName) < sizeof DBG_Ext.FileName;
 }
 
-// memmove, because a caller may hand the log its own name back.
+// memmove, because a caller may pass the log's own name.
 void SetLogName(const char* filename) {
     std::memmove(DBG_Ext.FileName, filename, std::strlen(filename) + 1);
 }
@@ -36,17 +36,17 @@ Descriptor OpenMessageFile(const char* filename) {
 }
 
 void Append(int descriptor, const char* text) {
-    // A text ends at its NUL, also at one that "%c" brought into its middle.
+    // A text ends at its first NUL, even one from "%c" in the middle.
     if (descriptor >= 0) AppendBytes(descriptor, text, std::strlen(text));
 }
 
-// What the debug log says where it leaves out the rest of a request.
+// The line in the debug log when the rest of a request is left out.
 constexpr char kLeftOut[] =
     "The request's further messages are left out: it has filled the 16777216 bytes that one "
     "request may write to the debug log.\n";
 static_assert(kMostTraced == 16777216);
 
-// Formats a message and hands it to `take`. Returns its length, or 0 where it cannot be formatted.
+// Formats a message and passes it to `take`. Returns its length, or 0 when formatting fails.
 template <class Take>
 [[gnu::format(printf, 1, 0)]] int Format(const char* fmt, std::va_list args, const Take& take) {
     HeapBlock<char> text;

@@ -23,8 +23,8 @@ inline bool VX_DBG_On() { return DBG_Ext.Cfg.LogEnable != 0 && DBG_Ext.FileName[
 /// documented stays below it; one made for it fills five hundred times its own length.
 inline constexpr std::size_t kMostTraced = 16777216;
 
-/// While it lives, the debug log takes kMostTraced bytes, and then a line that says so and nothing
-/// more. Messages that are left out are counted like those to a file that cannot be opened.
+/// During its lifetime the debug log accepts kMostTraced bytes, then one line that says so, then
+/// nothing. Callers see dropped messages like messages to a file that cannot be opened.
 class RequestTraces {
 public:
     RequestTraces() { room = kMostTraced; }
@@ -32,10 +32,11 @@ public:
     RequestTraces(const RequestTraces&) = delete;
     RequestTraces& operator=(const RequestTraces&) = delete;
 
-    /// Whether nothing more is written.
+    /// Whether the limit is reached.
     static bool AreFull() { return room == 0; }
 
-    /// Takes a message of `length` bytes. Returns false, and is full, when there is no room for it.
+    /// Accounts for a message of `length` bytes. Returns false, and reaches the limit, when the
+    /// message does not fit.
     static bool Take(std::size_t length) {
         if (room == kUnlimited) return true;
         const bool fits = length < room;

@@ -1,5 +1,5 @@
-// The event store's semaphore, and what runs under it: the collection of events from the
-// controllers, and the queries.
+// The event store's semaphore and the operations under it: collecting the controllers' events, and
+// queries.
 #include "vxevent.h"
 
 #include <semaphore.h>
@@ -11,8 +11,8 @@
 
 namespace {
 
-// Created process-shared with the value 5, but in each process's own memory: it excludes neither
-// other processes nor threads. A stopped service can therefore not block the front end.
+// Created process-shared with the value 5, but in each process's own memory, so it excludes neither
+// other processes nor threads. A stopped service therefore cannot block the front end.
 constinit sem_t sem{};
 constexpr unsigned kSemaphoreValue = 5;
 
@@ -29,8 +29,8 @@ void PostStore() {
 constexpr HX_U32 kMaxCount = 255;
 constinit Event poll[2 * kMaxCount]{};
 
-// A controller that never runs dry must not hold the service for ever: this many rounds empty any
-// queue that there is, and the next check-in goes on.
+// Limits a check-in, so that a controller with endless events does not block the service: this many
+// rounds empty every real queue, and the next check-in continues.
 constexpr HX_U32 kMaxRounds = 65536;
 
 // The line that the message about an unreadable store names; readers of logs search for it.
@@ -89,12 +89,12 @@ bool PollAll(HX_U8 adapters) {
     return total != 0;
 }
 
-// What a query asks for, and what it is answered.
+// The numbers of a query and of its answer.
 struct Range {
     HX_U32 n, s, e;
 };
 
-// Reads at most `room` events; the range is set as if all were read. Returns how many were.
+// Reads at most `room` events; sets the range as if all were read. Returns the number read.
 HX_U32 ReadPage(Range& range, Event* ev, HX_U32 room) {
     const HX_U32 oldest = g_VX_EventExt.EvLogHeader.SeqStart;
     const HX_U32 count = g_VX_EventExt.EvLogHeader.NumOfEvent;
@@ -115,9 +115,8 @@ HX_U32 ReadPage(Range& range, Event* ev, HX_U32 room) {
     return VX_EvFile_LoadEventsBySeq(ev, range.s, std::min(range.n, room));
 }
 
-// How many of the `count` events from number `first` upward, read under the header `before`, may
-// have been overwritten while they were read. The oldest go first; all of them, when the store was
-// reset meanwhile.
+// How many of the `count` events from number `first` on, read under the header `before`, may have
+// been overwritten during the read: the oldest ones, or all if the store was reset meanwhile.
 HX_U32 Overwritten(const VX_EvLogHeader& before, HX_U32 first, HX_U32 count) {
     const VX_EvLogHeader& now = g_VX_EventExt.EvLogHeader;
     const auto end = [](const VX_EvLogHeader& header) {
@@ -130,13 +129,13 @@ HX_U32 Overwritten(const VX_EvLogHeader& before, HX_U32 first, HX_U32 count) {
     return now.SeqStart <= first ? 0 : std::min(count, now.SeqStart - first);
 }
 
-// A reader that is overtaken asks once more, from what is then the oldest event. Each time a
-// writer has to go round the whole of the ring.
+// How often an overtaken reader reads, each time from the then oldest event. To overtake it again a
+// writer must overwrite the whole ring.
 constexpr int kMostReads = 3;
 
-// Answers a query. The service may overwrite entries while they are read, so the header is read
-// again behind them: an entry leaves the header in the file before its slot is written, and what
-// the header still lists is whole and the right one.
+// Answers a query. The service may overwrite entries during the read, so the header is read again
+// afterwards: an entry is removed from the header in the file before its slot is overwritten, so
+// entries that the header still lists are intact.
 void Query(HX_U32& n, HX_U32& s, HX_U32& e, Event* ev, HX_U32 room) {
     const Range asked{n, s, e};
     for (int reads = 1;; ++reads) {
@@ -212,14 +211,15 @@ HX_U8 VX_EvGetFirst(HX_U32* n, HX_U32* s, HX_U32* e, Event* ev, HX_U32 room) {
         VX_EvFile_Close();
     }
     PostStore();
-    // The caller writes n events all the same.
+    // The caller writes n events anyway.
     if (!read) std::fill_n(ev, std::min(*n, room), Event{});
     return 0;
 }
 
 void VX_EvGetInfo(HX_U32* SeqStart, HX_U32* Count) noexcept {
     if (WaitStore()) {
-        static_cast<void>(VX_EvFile_Load(kForReading));  // without a store it is empty
+        static_cast<void>(VX_EvFile_Load(kForReading));  // without a store the numbers are those of
+                                                         // an empty one
         *SeqStart = g_VX_EventExt.EvLogHeader.SeqStart;
         *Count = g_VX_EventExt.EvLogHeader.NumOfEvent;
         VX_EvFile_Close();

@@ -1,10 +1,10 @@
-// The event store: collects the controllers' events into a file that survives restarts, counts what
-// has changed, and answers queries.
+// The event store: collects the controllers' events in a file that survives restarts, counts
+// changes by class, and answers queries.
 //
 // Each function runs between a wait and a post on the event semaphore, except
 // VX_EvGetChangeCounters. No file is open between them. VX_EvFile_CheckIn and VX_EvGetInfo stand in
-// vexorapi.h. Without a semaphore (before VX_EvInit, after VX_EvShutdown) they do what they do when
-// the wait fails.
+// vexorapi.h. Without a semaphore (before VX_EvInit, after VX_EvShutdown) they behave as after a
+// failed wait.
 #pragma once
 
 #include "hxraid.h"

@@ -1,5 +1,6 @@
 // The event store's two files: opened, created, read and written by descriptor, and the arithmetic
-// of the ring between them. What a file says is never trusted: another process writes it unlocked.
+// of the ring between them. The content of the files is never trusted: another process writes them
+// without a lock.
 #include "vxevent_file.h"
 
 #include <fcntl.h>
@@ -43,8 +44,8 @@ static_assert(kLongestEventText <= kStoredTextSize, "no text is cut in the file"
 constexpr std::uint32_t kConfigLoaded = 1;  // bit of VX_EventExt::Flags
 constexpr HX_U16 kEntryType = 0x0101;
 
-// Class and code of the event that tells of an adapter found. It comes with every start of the
-// controller, so that it is stored whatever its sequence number.
+// Class and code of the adapter-found event. It occurs at every start of the controller and is
+// stored whatever its sequence number.
 constexpr HX_U16 kAdapterClass = 0;
 constexpr HX_U16 kAdapterFound = 9;
 
@@ -86,7 +87,7 @@ Descriptor Create(const char* path) {
     return std::move(OpenGuarded(path, O_RDWR | O_CREAT, kFileMode).file);
 }
 
-// Closes one of the store's two files, which stand in its state as numbers, -1 when closed.
+// Closes one of the store's two files, whose descriptors are numbers in its state, -1 when closed.
 void Close(int& file) { Descriptor(std::exchange(file, -1)).Close(); }
 
 // Reads `size` bytes at `offset`, fewer at the end of the file or at an error. Returns how many.
@@ -116,8 +117,7 @@ void WriteAt(int file, const void* bytes, std::size_t size, std::uint64_t offset
     }
 }
 
-// Cuts off what a file that is made anew held behind its first `size` bytes. What is no regular
-// file has nothing there.
+// Truncates a recreated file to `size` bytes. Anything but a regular file has nothing to truncate.
 void CutTo(int file, std::size_t size) {
     [[maybe_unused]] const int failed = ftruncate(file, static_cast<off_t>(size));
 }
@@ -128,16 +128,15 @@ const VX_EvLogHeader& Header() { return g_VX_EventExt.EvLogHeader; }
 std::uint64_t RingSize(const VX_EvLogHeader& header) { return std::uint64_t{header.Capacity} + 1; }
 std::uint64_t RingSize() { return RingSize(Header()); }
 
-// Whether the indices belong together as a writer of ours keeps them: the entry numbered 0 stood in
-// slot 0. A header that was read while another process wrote it is part old and part new, and then
-// they do not. A damaged file's may never do.
+// Whether the indices are consistent: our writers keep entry number 0 in slot 0. They are not in a
+// header that was read during another process's write, nor perhaps in a damaged file.
 bool IsConsistent(const VX_EvLogHeader& header) {
     const std::uint64_t ring = RingSize(header);
     return header.SeqStart % ring == header.Start &&
            (std::uint64_t{header.Start} + header.NumOfEvent) % ring == header.End;
 }
 
-// How often a header that is not consistent is read: writing it takes nanoseconds.
+// How often an inconsistent header is read at most; a write takes only nanoseconds.
 constexpr int kMostLooks = 3;
 
 // The slot at an offset from the oldest entry.
@@ -186,7 +185,7 @@ void FillEntry(VX_EvEntryHeader& entry, const Event& event) {
     std::memset(entry.HXEvtMsg + length, 0, sizeof entry.HXEvtMsg - length);
 }
 
-// Moves the indices past one more entry; a full ring gives up its oldest.
+// Advances the indices by one entry; a full ring drops its oldest.
 void Advance(VX_EvLogHeader& header) {
     const std::uint64_t ring = RingSize();
     if (header.NumOfEvent < header.Capacity) ++header.NumOfEvent;
@@ -196,9 +195,9 @@ void Advance(VX_EvLogHeader& header) {
     header.Start = std::uint64_t{header.Start} + 1 >= ring ? 0 : header.Start + 1;
 }
 
-// Removes the oldest entries, whose slots are about to be overwritten, from the file's header. If
-// the writer is killed between two pages of a slot, no entry is then half of one event and half of
-// another; a reader in between finds fewer entries.
+// Removes the oldest entries from the file's header before their slots are overwritten. So if the
+// writer is killed within a slot, no listed entry is a mix of two events; a reader in between finds
+// fewer entries.
 void GiveUpOldest(VX_EvLogHeader& written, HX_U32 count) {
     count = std::min(count, written.NumOfEvent);
     if (count == 0) return;

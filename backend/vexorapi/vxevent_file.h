@@ -116,7 +116,7 @@ void VX_EvHeader_Init(VX_EvLogHeader* header);
 /// header and counters read stay in memory).
 [[nodiscard]] int VX_EvFile_Load(unsigned mode);
 
-/// Reads the header of the open event file again. What the file does not have any more is zero.
+/// Reads the header of the open event file again. Missing bytes of a shortened file become zero.
 void VX_EvFile_ReloadHeader();
 
 /// Closes the event file if it is open.
@@ -144,8 +144,8 @@ void VX_EvSeqNoFile_Save();
 /// except that entries about to be overwritten leave the header in the file beforehand.
 void VX_EvFile_SaveEvents(HX_U8 adapter, const Event* events, HX_U32 count);
 
-/// Reads `count` events at ring offset `off` (0: the oldest) into `dest`. What lies behind the
-/// file's end reads as zeros. The caller keeps the block inside the ring and unwrapped.
+/// Reads `count` events at ring offset `off` (0: the oldest) into `dest`. Bytes behind the file's
+/// end read as zeros. The caller keeps the block inside the ring and unwrapped.
 void VX_EvFile_LoadEventsFromOffsetBlindly(Event* dest, HX_U32 off, HX_U32 count);
 
 /// Returns the ring offset of a store sequence number, or kNoOffset.

@@ -1,6 +1,6 @@
-// The text of every event: one line of time, key, severity and numbers. Each text stands whole in a
-// row, but for the activities of a virtual disk, which follow a rule; the compiler takes the rows
-// apart into templates, so that rendering copies pieces of fixed size and reads no format.
+// The text of every event: one line of time, key, severity and numbers. Each text is one row,
+// except those of a virtual disk's activities, which follow a rule. The compiler converts the rows
+// to templates, so that rendering copies pieces of fixed size instead of parsing a format.
 #include "vxevent_text.h"
 
 #include <algorithm>
@@ -193,7 +193,7 @@ constexpr EventText kArrayTexts[] = {
     {1, "EVT_CODE_ARRAY_DELETE|%s|%d| ", {DeviceID}},
 };
 
-// Texts that no code alone selects; ChooseText does.
+// Texts that depend on more than the code; ChooseText selects them.
 constexpr EventText kAdapterFound{9, "EVT_CODE_ADAPTER_FOUND|%s|%d|%s| ", {AdapterID, Serial}};
 constexpr EventText kAdapterFoundNoSerial{
     9, "EVT_CODE_ADAPTER_FOUND_NO_SERIAL|%s|%d| ", {AdapterID}};
@@ -221,12 +221,12 @@ constexpr EventText kNoText{0, ""};
 // Stands for a time that has no calendar date.
 constexpr std::string_view kNoTime = "??? ??? ?? ??:??:?? ????";
 
-// ---- Templates: rows taken apart ----------------------------------------------------------------
+// ---- Templates: parsed rows ---------------------------------------------------------------------
 
 enum class Form : std::uint8_t { Decimal, Hex, HexPadded, HexUpper, Text };
 
-// A conversion and the few characters in front of it. The value is found without a branch: four
-// bytes of the event from `offset` on, of which `mask` keeps the field's.
+// A conversion and the few characters before it. The value is read without a branch: four bytes of
+// the event at `offset`, masked to the field's width.
 struct Part {
     char before[4];
     HX_U32 mask;
@@ -235,8 +235,8 @@ struct Part {
     Form form;
 };
 
-// Copied with steps of fixed size; the lengths say how much of them counts. Aligned, so that a
-// template's place in its list needs no multiplication.
+// Members are copied with fixed sizes; the lengths tell how many bytes count. Aligned, so that
+// indexing the list needs no multiplication.
 struct alignas(16) Template {
     char key[48];  // up to the first conversion
     std::uint8_t key_length;
@@ -254,7 +254,7 @@ constexpr std::uint8_t CopyLiteral(char (&to)[n], std::string_view text) {
     return static_cast<std::uint8_t>(text.size());
 }
 
-// Takes a conversion off the front of `form`.
+// Removes a conversion from the front of `form`.
 constexpr Form TakeForm(std::string_view& form) {
     constexpr struct {
         std::string_view text;
@@ -481,8 +481,8 @@ constexpr std::size_t LongestText(const Template& text) {
 }
 
 consteval bool AllFit() {
-    // Behind the values stand their spilled digits, and then the whole field of what follows them,
-    // line end and NUL included.
+    // After the values, spilled digits and then the whole field `after`, including line end and
+    // NUL, are written.
     constexpr std::size_t kBehindValues = std::max(kDigitSlack, sizeof Template::after);
     const auto fits = [](const Template& text) {
         const std::size_t to_values = kTimeLength + 1 + LongestText(text) - text.after_length;
@@ -503,7 +503,7 @@ static_assert(kTimeLength + 1 + sizeof(Template::key) <= kLongestEventText);
 
 // ---- Rendering ----------------------------------------------------------------------------------
 
-// Copied as a whole: what stands behind the name is written over afterwards.
+// Copied as a whole; later writes overwrite the padding.
 struct PaddedName {
     char text[15];
     std::uint8_t length;
@@ -541,7 +541,7 @@ char* PutSigned(char* at, HX_U32 value) {
     return PutDecimal(at, value);
 }
 
-// Of each byte its two digits, the first in the low byte.
+// The two digits of each byte value, the first in the low byte.
 consteval std::array<std::uint16_t, 256> MakeHexPairs() {
     constexpr char kDigits[] = "0123456789abcdef";
     std::array<std::uint16_t, 256> pairs{};
@@ -564,7 +564,8 @@ char* PutPadded(char* at, HX_U32 value) {
     return PutPair(at, value & 0xFF);
 }
 
-// Without leading zeros: all eight digits are written, and the last of them moved to the front.
+// Writes without leading zeros: writes all eight digits and moves the significant ones to the
+// front.
 char* PutUnpadded(char* at, HX_U32 value, bool upper) {
     PutPadded(at, value);
     std::uint64_t digits;
@@ -600,7 +601,7 @@ char* PutUnpadded(char* at, HX_U32 value, bool upper) {
     return PutSerial(at, event);
 }
 
-// Writes the rest of the line, its end and a NUL included. Returns the line's end.
+// Writes the rest of the line, including its end and a NUL. Returns the line's end.
 char* PutMessage(char* at, const Template& text, const Event& event) {
     at = PutFixed(at, text.key, text.key_length);
     if (text.severity) {
@@ -633,8 +634,8 @@ struct Date {
     unsigned day, year;
 };
 
-// A time is kTimeLength characters in asctime's form, without its line end: first the date, with
-// whatever stands at the clock's places, then the clock.
+// Writes the date of a text of kTimeLength characters in asctime's form, without line end. The
+// places of the clock get arbitrary bytes, which the clock overwrites.
 void PutDate(char* at, const Date& date) {
     std::memcpy(at, kDays + 4 * date.weekday, 4);
     std::memcpy(at + 4, kMonths + 4 * date.month, 4);
@@ -652,7 +653,8 @@ void PutDate(char* at, const Date& date) {
     PutTwo(at + 17, second);
 }
 
-// By arithmetic: a 32-bit time ends in the year 2106, so that plain Gregorian steps do.
+// Computes a date with plain Gregorian arithmetic, which suffices because a 32-bit time ends in
+// 2106.
 Date DateOf(HX_U32 days) {
     constexpr HX_U32 kDaysToEpoch = 719468;  // from 1 March of the year 0, when leap days come last
     constexpr HX_U32 kDaysPerCentury4 = 146097;  // four centuries
@@ -674,7 +676,8 @@ Date DateOf(HX_U32 days) {
     };
 }
 
-// The date written last: events come by time, so that the next one is mostly of the same day.
+// Caches the last written date: events are ordered by time, so the next one is mostly of the same
+// day.
 struct DayText {
     HX_U32 begin;                // in seconds since 1970
     HX_U32 length;               // in seconds; the last of all days ends with the 32 bits
@@ -691,7 +694,7 @@ constinit DayText last_day{0, kSecondsPerDay, "Thu Jan  1 00:00:00 1970 "};
 
 // These two write the time and the blank behind it.
 [[gnu::always_inline]] inline char* PutUtcTime(char* at, HX_U32 seconds) {
-    // A time before the day's beginning is far behind its end: the difference wraps around.
+    // For a time before the day's beginning the difference wraps around to a large number.
     if (seconds - last_day.begin >= last_day.length) RememberDay(seconds / kSecondsPerDay);
     const HX_U32 of_day = seconds - last_day.begin;
     std::memcpy(at, last_day.text, kTimeLength + 1);
@@ -727,7 +730,7 @@ char* PutTimeText(char* at, const std::tm* time) {
 }
 
 int VX_HX_EVT_Sprintf(const Event* pevent, char* MsgBuf) {
-    // The adapter-found event alone tells the host's own time: it dates a start of the machine.
+    // Only the adapter-found event is shown in local time: it dates a start of the machine.
     char* at = IsAdapterFound(*pevent) ? PutLocalTime(MsgBuf, pevent->TimeStamp)
                                        : PutUtcTime(MsgBuf, pevent->TimeStamp);
     at = PutMessage(at, ChooseText(*pevent), *pevent);

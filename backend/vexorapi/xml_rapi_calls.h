@@ -1,8 +1,7 @@
-// What the controller is asked: one call with fields of the request's record, or a call per
-// adapter.
+// Call rows: one call of the controller with fields of the request's record, or a call per adapter.
 //
-// A call row performs the function on its record, stores the code in RetVal and returns whether the
-// result is to be written.
+// A call row performs the function with its record, stores the code in RetVal and returns whether
+// to write the result.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +11,7 @@
 #include "hxraid.h"
 #include "xml_rapi_row_list.h"
 
-/// A number goes to the controller by value, a record by address.
+/// Passes a number to the controller by value, a record by address.
 template <class T>
 auto Argument(T& field) {
     if constexpr (std::is_class_v<T>) {
@@ -39,7 +38,8 @@ constexpr PlainCall<function, R, T...> Call(T R::*... fields) {
     return {RowList<T R::*...>(fields...)};
 }
 
-/// Whether each adapter's items follow those of the one before, or all go to the first element.
+/// Whether each adapter's items follow those of the previous one, or all overwrite the first
+/// element.
 enum class Items : bool { FollowEachOther, OverwriteTheFirst };
 
 /// The executor's running count and sum, both of 8 bits. The process has one of each, because
@@ -58,8 +58,7 @@ struct AdaptersCall {
     bool operator()(R& record) const {
         Item* const first = record.*items;
         std::size_t zeroed = 0;
-        // Zeroes the items that the controller may fill: 255 from `at` on, the most that it can
-        // count.
+        // Zeroes the items that the controller may fill: the next 255, the most that it can count.
         const auto zero_from = [&](std::size_t at) {
             const std::size_t from = at < zeroed ? zeroed : at;
             const std::size_t end = at + 255;
@@ -87,8 +86,8 @@ struct AdaptersCall {
     }
 };
 
-/// Asks one adapter, or every one of them when AdapterID says so. `query` is called with the
-/// record, the adapter, the address of its 8-bit item count and the place for the items.
+/// Queries one adapter, or all of them when AdapterID is 255. Calls `query` with the record, the
+/// adapter, the address of its 8-bit item count and the destination of the items.
 template <class R, class Item, std::size_t room, class Query>
 constexpr AdaptersCall<R, Item, room, Query> EachAdapter(Item (R::*items)[room], Items order,
                                                          Query query) {

@@ -1,13 +1,14 @@
-// Whether the rows of a record cover its members. A list of rows that forgets one does not compile.
+// Checks that the rows of a record cover its members: a list of rows without one of them does not
+// compile.
 //
-// A row says in kWidth how many bytes of its record it shows or fills. Records have no unnamed
-// gaps, so that the widths of the rows and of the members that are left out by name add up to the
+// kWidth of a row is the number of bytes of its record that it shows or fills. Records have no
+// unnamed gaps, so the widths of the rows and of the members left out by name must add up to the
 // record.
 #pragma once
 
 #include <cstddef>
 
-// Never defined: a list of rows that comes to call it does not compile, and the compiler's message
+// Never defined: a faulty list of rows calls it and does not compile, and the compiler's message
 // names the reason.
 void RowsAndMembersDifferInWidth();
 

@@ -1,7 +1,8 @@
-// Disk groups, and virtual disks on them, by the controller library's one call for each.
+// Creates and changes disk groups, and virtual disks on them, by the controller library's one call
+// for each.
 //
-// Functions called HX_ stand beside the controller library's own in every respect: they return its
-// codes, 0 for success, and the executor calls them with the fields of their request's record.
+// Functions called HX_ behave like the controller library's own: they return its codes, 0 for
+// success, and the executor calls them with the fields of their request's record.
 #pragma once
 
 #include "hxraid.h"

@@ -1,4 +1,4 @@
-// Flash images go in pieces of 32 KiB; a BIOS image's version stands in its header.
+// Transfers flash images in pieces of 32 KiB and reads a BIOS image's version from its header.
 #include "xml_rapi_flash.h"
 
 #include <fcntl.h>
@@ -37,7 +37,7 @@ Descriptor OpenImageForWrite(const char* filename) {
 // 32 KiB, too much for a stack that may be a thread's.
 HeapBlock<Flash_Data> MakePiece() { return MakeBlock<Flash_Data>(); }
 
-// Clears the piece, so that nothing of the one before is sent with it.
+// Clears the piece, so that no bytes of the previous one are sent with it.
 void NumberPiece(Flash_Data& piece, HX_U32 number) {
     std::memset(&piece, 0, sizeof piece);
     piece.PageNum = static_cast<HX_U16>(number);
@@ -68,7 +68,7 @@ HX_U8 ReceiveImage(HX_U8 AdapterID, HX_U8 Type, const char* filename) {
     if (piece == nullptr) return kFailed;
     const Descriptor file = OpenImageForWrite(filename);
     if (!file.IsOpen()) return kFailed;
-    // Whatever the umask is. A file of another user keeps its mode.
+    // Sets the mode regardless of the umask; fails harmlessly for another user's file.
     static_cast<void>(fchmod(file.Get(), kImageMode));
     for (HX_U32 number = 0; number < kMostPieces; ++number) {
         NumberPiece(*piece, number);
@@ -86,7 +86,7 @@ constexpr std::size_t kBiosHeaderSize = 64;
 
 HX_U16 LittleEndian16(const HX_U8* at) { return static_cast<HX_U16>(at[0] | at[1] << 8); }
 
-// Other bytes than digits are not refused; the numbers wrap at 16 bits.
+// Bytes other than digits are not refused; the numbers wrap at 16 bits.
 HX_U16 Digit(const HX_U8* at) { return static_cast<HX_U16>(at[0] - '0'); }
 HX_U16 TwoDigits(const HX_U8* at) {
     return static_cast<HX_U16>(10 * (at[0] - '0') + (at[1] - '0'));

@@ -1,8 +1,8 @@
-// Flash images on their way between a file and an adapter, the version of a BIOS image, and the
-// file functions that both use.
+// Transfers flash images between a file and an adapter, reads the version of a BIOS image, and has
+// the file functions for both.
 //
-// Functions called HX_ stand beside the controller library's own in every respect: they return its
-// codes, 0 for success, and the executor calls them with the fields of their request's record.
+// Functions called HX_ behave like the controller library's own: they return its codes, 0 for
+// success, and the executor calls them with the fields of their request's record.
 #pragma once
 
 #include <cstddef>
@@ -38,10 +38,10 @@ struct VX_BIOS_Version {
 /// be opened, when it ends before the piece that is marked last, when it has more than 65536 pieces
 /// and when there is no memory; otherwise the controller's code for the last piece.
 ///
-/// Only regular files are opened. The file of an image that is read is made when it is missing, and
-/// its mode becomes 0644. It is overwritten from its start and not shortened, and a failed write is
-/// not reported. Where another user may have put a link in its place it is not opened, as
-/// OpenGuarded says.
+/// Only regular files are opened. When an image is read from the adapter, its file is created if
+/// missing and gets the mode 0644; it is overwritten from its start but not truncated, and a failed
+/// write is not reported. It is opened by OpenGuarded, so not where another user may have put a
+/// link in its place.
 HX_U8 HX_Flash_Option(HX_U8 AdapterID, HX_U8 Actions, HX_U8 Type, HX_U8* filename);
 
 /// Reads version and subsystem IDs from the header of the BIOS image `filename`. Returns 0, or 1

@@ -1,5 +1,5 @@
-// What one vendor function is: rows for its request, its call and its result. From them follow its
-// handlers, which every function shares.
+// The description of a vendor function: rows for its request, its call and its result. The shared
+// handlers work from these rows.
 #pragma once
 
 #include <cstddef>
@@ -16,8 +16,8 @@
 #include "xml_rapi_row_list.h"
 #include "xml_rapi_rows.h"
 
-/// Bytes of a request record that are zero when the parse begins: all of it, but for records with
-/// room that the call zeroes itself, as far as it may be filled.
+/// Bytes of a request record that are zeroed before the parse: all of it, except for arrays that
+/// the call itself zeroes as far as they may be filled.
 template <class R>
 inline constexpr std::size_t kZeroedBytes = sizeof(R);
 template <>
@@ -42,7 +42,7 @@ inline constexpr bool kTakesPassword = false;
 template <>
 inline constexpr bool kTakesPassword<VX_LogonUser> = true;
 
-// Never defined, as those of xml_rapi_coverage.h: the compiler's message names the reason.
+// Never defined, like those of xml_rapi_coverage.h: the compiler's message names the reason.
 void TheCallTakesANumberThatNoCommandHolds();
 void TheCallDoesNotTakeWhatACommandHolds();
 
@@ -55,9 +55,9 @@ constexpr bool IsSameField(A R::*one, B R::*other) {
     }
 }
 
-/// Holds a plain call against the children of its function: whatever a command can hold is passed,
-/// and a number that is passed can be held. A record may be the controller's alone to fill. Other
-/// calls say in code what they pass.
+/// Checks a plain call against the children of its function: every child is passed, and every
+/// passed number is a child. A record may be filled by the controller alone. Other calls are code
+/// and are not checked.
 template <class R, class... ParamRow, class Call>
 constexpr void CheckThatCallTakes(const Params<R, ParamRow...>&, const Call&) {}
 template <class R, class... ParamRow, auto function, class... T>
@@ -79,7 +79,7 @@ constexpr void CheckThatCallTakes(const Params<R, ParamRow...>& params,
     if (!all_are_passed) TheCallDoesNotTakeWhatACommandHolds();
 }
 
-/// One vendor function, wholly described by its rows.
+/// One vendor function, completely described by its rows.
 template <class R, class ParamRows, class Call, class ResultRows, class List = NoList>
 struct Function;
 
@@ -88,11 +88,11 @@ struct Function<R, Params<R, ParamRow...>, Call, Result<R, Row...>, List> {
     using Type = R;
     static constexpr std::size_t kRows = sizeof...(Row);
 
-    const char* name;               // as it stands in commands and results
+    const char* name;               // in commands and results
     R XML_RA_FuncData::*record;     // its record in the request
-    Params<R, ParamRow...> params;  // what a command may hold
-    Call call;                      // what the controller is asked
-    RowList<Row...> rows;           // what the result begins with ...
+    Params<R, ParamRow...> params;  // the children of a command
+    Call call;                      // the call of the controller
+    RowList<Row...> rows;           // the start of the result ...
     List list;                      // ... and the records that follow
 
     constexpr Function(const char* function_name, R XML_RA_FuncData::*function_record,
@@ -114,7 +114,7 @@ template <class R, class ParamRows, class Call, class ResultRows, class List>
 Function(const char*, R XML_RA_FuncData::*, ParamRows, Call, ResultRows, List)
     -> Function<R, ParamRows, Call, ResultRows, List>;
 
-/// The children of a function that takes none.
+/// The empty list of children.
 template <class R>
 constexpr Params<R> NoParams() {
     return Params<R>{};
@@ -150,7 +150,7 @@ inline constexpr auto kEndTag = MakeLiteral([](LiteralSink& sink) {
     sink.Put(kFunction.name);
     sink.Put(">\n");
 });
-// The last row's tail, and the end tag when no list stands between them.
+// The last row's tail, and the end tag unless a list comes between them.
 template <const auto& kFunction>
 inline constexpr auto kFunctionClose = MakeLiteral([](LiteralSink& sink) {
     RowAt<std::remove_cvref_t<decltype(kFunction)>::kRows - 1>(kFunction.rows)

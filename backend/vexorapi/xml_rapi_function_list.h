@@ -6,10 +6,10 @@
 
 #include "hxraid.h"
 
-// A function is known to the library when it stands here; what it is stands in its rows, kHX_<name>
-// in the header of its family. All else follows from the name: its handlers XML_HX_<name>_SEH and
-// _EEH, its result writer XML_HX_<name>_Ret, its place in the table and in the executor. It is a
-// macro because only a macro makes names out of names.
+// The library knows the functions in this list; their rows, kHX_<name>, are in the header of their
+// family. Everything else follows from the name: its handlers XML_HX_<name>_SEH and _EEH, its
+// result writer XML_HX_<name>_Ret, its place in the table and in the executor. It is a macro
+// because only a macro can compose names.
 #define VENDOR_FUNCTIONS(FUNCTION)        \
     FUNCTION(HX_API_Version)              \
     FUNCTION(HX_Adapter_GetCount)         \

@@ -64,7 +64,7 @@ inline constexpr Params kAdapterConfigParams{
     Param("port_phy_ctrl", &Adapter_Config_V2::port_phy_ctrl),
 };
 
-/// A rate, and the bit of Adapter_Info's Features that says whether the adapter lets it be set.
+/// A rate, and the bit of Adapter_Info's Features for an adapter on which it can be set.
 struct AdapterRate {
     HX_U8 feature;
     HX_U8 Adapter_Config_V2::*rate;
@@ -100,8 +100,8 @@ inline constexpr Function kHX_Adapter_SetConfig{
     StatusOnly<VX_Adapter_SetConfig>(),
 };
 
-// HX_Adapter_GetConfig: asked for all adapters, each one's settings overwrite the last one's, and
-// Count is the total.
+// HX_Adapter_GetConfig: for all adapters, the settings of each overwrite those of the previous one,
+// and Count is the total.
 inline constexpr Function kHX_Adapter_GetConfig{
     "HX_Adapter_GetConfig",
     &XML_RA_FuncData::HX_Adapter_GetConfig,

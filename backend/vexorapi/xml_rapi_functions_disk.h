@@ -4,7 +4,7 @@
 #include "xml_rapi_function.h"
 #include "xml_rapi_remap_table.h"
 
-// HX_PD_GetHDInfo: the extended call first, the plain one where an adapter does not know it.
+// HX_PD_GetHDInfo: the extended call first, the plain one where an adapter does not support it.
 inline constexpr Function kHX_PD_GetHDInfo{
     "HX_PD_GetHDInfo",
     &XML_RA_FuncData::HX_PD_GetHDInfo,
@@ -108,7 +108,7 @@ inline constexpr Function kHX_PD_GetBGAStatus{
     Reply<kHD_BGA_Status_Reply, VX_PD_GetBGAStatus>(),
 };
 
-// HX_PD_GetRCT: a window of the disk's remap table. As many records are written as were asked for.
+// HX_PD_GetRCT: a window of the disk's remap table. Writes as many records as were requested.
 inline constexpr Function kHX_PD_GetRCT{
     "HX_PD_GetRCT",
     &XML_RA_FuncData::HX_PD_GetRCT,
@@ -292,7 +292,7 @@ inline constexpr Function kHX_BLK_GetInfo{
     Reply<kBlock_Info_Reply, VX_BLK_GetInfo>(),
 };
 
-// HX_BLK_GetHDBlock: no more than 512 bytes are cleared before each page, whatever its size.
+// HX_BLK_GetHDBlock: only 512 bytes are cleared before each page, whatever its size.
 inline constexpr Function kHX_BLK_GetHDBlock{
     "HX_BLK_GetHDBlock",
     &XML_RA_FuncData::HX_BLK_GetHDBlock,

@@ -4,7 +4,7 @@
 #include "xml_rapi_disk_group.h"
 #include "xml_rapi_function.h"
 
-/// A disk group's parameters but its number.
+/// A disk group's parameters except its number.
 inline constexpr Params kDiskGroupParams{
     Without(&CreateOrModify_DG_Param::DGID, &CreateOrModify_DG_Param::Reserved1,
             &CreateOrModify_DG_Param::Reserved2, &CreateOrModify_DG_Param::Reserved3,

@@ -212,7 +212,7 @@ inline constexpr Function kHX_LD_StartINIT{
     StatusOnly<VX_LD_StartINIT>(),
 };
 
-/// What a migration changes: the level and the disks of a virtual disk.
+/// The parameters of a migration: the new level and disks of a virtual disk.
 inline constexpr Params kMigrationParams{
     Param("LDID", &Create_LD_Param::LDID),
     Param("RaidMode", &Create_LD_Param::RaidMode),

@@ -23,8 +23,8 @@ void AdjustRequestNum(RequestHeader* pReq, HX_U16 maxAdapterSupport, HX_U16 maxA
 void ResetnumRequestOfRequestHead(RequestHeader* pReq, HX_U16 maxAdapterSupport,
                                   HX_U16 maxRequested, HX_U16 numreturned, HX_U16 maxAPISupport) {
     if (pReq->nextStartingIndex == HX_LIST_COMPLETE) return;
-    // Never negative: a controller that returned too many entries is not asked for nearly 65536
-    // more.
+    // Never negative: otherwise a controller that returned too many entries would be asked for
+    // nearly 65536 more.
     const int missing = std::max(0, maxRequested - numreturned);
     pReq->numRequested = static_cast<HX_U16>(missing);
     AdjustRequestNum(pReq, maxAdapterSupport, maxAPISupport);

@@ -1,5 +1,4 @@
-// Lists that come in pages: the headers of their requests, and the call row that collects a list
-// page by page.
+// Paged lists: the headers of their requests, and the call row that collects a list page by page.
 #pragma once
 
 #include <cstddef>
@@ -22,8 +21,8 @@ void ResetRequestHeader(RequestHeader* pReq);
 /// Cuts numRequested to what the adapter and the interface can move in one call.
 void AdjustRequestNum(RequestHeader* pReq, HX_U16 maxAdapterSupport, HX_U16 maxAPISupport);
 
-/// Sizes the next page when `numreturned` of the `maxRequested` entries wanted have come: what is
-/// missing, cut as by AdjustRequestNum; 0 when nothing is. A complete list is left as it is.
+/// Sets the size of the next page after `numreturned` of the `maxRequested` entries: the missing
+/// ones, limited as by AdjustRequestNum; 0 when none are missing. Leaves a complete list unchanged.
 void ResetnumRequestOfRequestHead(RequestHeader* pReq, HX_U16 maxAdapterSupport,
                                   HX_U16 maxRequested, HX_U16 numreturned, HX_U16 maxAPISupport);
 
@@ -53,8 +52,9 @@ struct PagesCall {
         record.Result = reinterpret_cast<RequestHeader*>(list);
 
         const HX_U16 kibibytes = Get_Adapter_MaxBuffersize(record.AdapterID);
-        // Cut to 16 bits on purpose, because controllers have always been asked so: 65536 items
-        // become 0, and a buffer of 1024 KiB lists nothing when an item has 8 or 16 bytes.
+        // Truncated to 16 bits on purpose, because controllers have always been asked this way:
+        // 65536 items become 0, and a buffer of 1024 KiB lists nothing when an item has 8 or 16
+        // bytes.
         const auto page_limit = static_cast<HX_U16>(
             kibibytes == 0 ? kLimit : std::size_t{kibibytes} * 1024 / sizeof(Item));
         AdjustRequestNum(&header, page_limit, kLimit);
@@ -63,7 +63,7 @@ struct PagesCall {
             std::memset(static_cast<void*>(record.Request.items), 0, sizeof record.Request.items);
         }
         HX_U16 collected = 0;
-        // Signed and 16 bits wide: a request for 32768 items and more asks for nothing.
+        // Signed and 16 bits wide: a request for 32768 or more items returns nothing.
         auto wanted = static_cast<std::int16_t>(requested);
         while (header.nextStartingIndex != HX_LIST_COMPLETE && wanted >= 1) {
             std::memset(static_cast<void*>(record.Request.items), 0, cleared);
@@ -84,7 +84,7 @@ struct PagesCall {
         return true;
     }
 
-    /// Runs when the result has been written.
+    /// Called after the result has been written.
     static void Release(R& record) { std::free(record.Result); }
 };
 
@@ -98,13 +98,14 @@ struct FetchPage<function> {
     }
 };
 
-/// One call of `function` a page. All of the data area is cleared before it, or `cleared` bytes.
+/// One call of `function` per page. The whole data area, or `cleared` bytes of it, is cleared
+/// before each.
 template <auto function, class R>
 constexpr PagesCall<R, FetchPage<function>> Pages(std::size_t cleared = sizeof R::Request.items) {
     return {{}, cleared};
 }
 
-/// Whatever `fetch` does for a page.
+/// One call of `fetch` per page.
 template <class R, class Fetch>
 constexpr PagesCall<R, Fetch> PagesBy(Fetch fetch) {
     return {fetch, sizeof R::Request.items};

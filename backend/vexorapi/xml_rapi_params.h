@@ -1,5 +1,5 @@
-// What a command may hold: a row for each child of its root, and the loop that stores a child in
-// the field of its row.
+// The parameters of a command: a row for each child of its root, and the loop that stores a child
+// in the field of its row.
 #pragma once
 
 #include <cstddef>
@@ -21,8 +21,8 @@ constexpr unsigned NameStart(const char* name) {
     return name[0] == '\0' ? 0u : character(name[0]) + 256u * character(name[1]);
 }
 
-/// A child's name. Nearly all children of a function differ in the first two characters of their
-/// names, so that these are compared before the whole.
+/// A child's name. Nearly all children of a function differ in the first two characters, so these
+/// are compared before the whole name.
 struct ChildName {
     const char* text;
     unsigned start;
@@ -55,8 +55,8 @@ constexpr RequestParam<R, T> Param(const char* name, T R::*field) {
     return {ChildName(name), field};
 }
 
-/// A text that must not be cut: a path, name or password. A text that is too long fills the field
-/// without a NUL, which the function refuses.
+/// A text that must not be truncated: a path, name or password. A text that is too long fills the
+/// field without a NUL, which the function refuses.
 template <class R, std::size_t n>
 struct WholeTextRow {
     using Of = R;
@@ -69,8 +69,8 @@ constexpr WholeTextRow<R, n> WholeTextParam(const char* name, char (R::*field)[n
     return {ChildName(name), field};
 }
 
-/// The children of a request, or of a record within it. For a record of the controller library they
-/// begin with the members that are left out, and must then fill all others.
+/// The children of a request, or of a record within it. For a record of the controller library the
+/// list begins with the members left out and must then fill all others.
 template <class R, class... Row>
 struct Params {
     using Type = R;
@@ -119,9 +119,9 @@ constexpr auto PagedParams() {
     };
 }
 
-// Stores one value; `name` is the child's, for the log. Called for one row of a function's many and
-// therefore not inlined, so that the search for that row is short. A number: its low bits; a text
-// without a digit leaves the field as it was.
+// Stores one value; `name` is the child's, for the log. Not inlined, since only one of a function's
+// many rows calls it and the search for that row stays short. A number: its low bits; a text
+// without a digit leaves the field unchanged.
 template <class T>
 requires std::is_unsigned_v<T>
 [[gnu::noinline]] void StoreParam(XMLElement& elmt, const char*, T& field) {
@@ -134,7 +134,8 @@ requires std::is_unsigned_v<T>
     std::uint64_t number;
     if (ScanNumber(cursor, number)) field.value = number;
 }
-// An array: as many numbers as the text has and the field holds; the rest of the field stays.
+// An array: as many numbers as the text has and the field holds; the rest of the field is
+// unchanged.
 template <class T, std::size_t n>
 requires std::is_unsigned_v<T>
 [[gnu::noinline]] void StoreParam(XMLElement& elmt, const char*, T (&field)[n]) {

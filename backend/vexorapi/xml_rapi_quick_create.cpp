@@ -55,13 +55,13 @@ bool IsInUse(HX_U16 DiskID, std::span<const Block_Info> blocks) {
     });
 }
 
-// A list of blocks may never end. No adapter needs more pages than this for all disks of a request;
-// beyond them every walk counts as ended.
+// A faulty list of blocks may never end. No adapter needs more pages than this for all disks of a
+// request, so beyond them every list counts as ended.
 constexpr HX_U32 kMostPages = 65536;
 
-// Walks over the adapter's blocks until the list ends or `pages`, what the request may still read,
-// is down to `kept`, and then looks for an operating system. At least one page is read. Returns as
-// HDisFreeDiskForSkua does.
+// Reads the adapter's list of blocks until it ends or `pages`, the pages that the request may still
+// read, is down to `kept`; then looks for an operating system. Reads at least one page. Returns
+// what HDisFreeDiskForSkua does.
 HX_U8 LookAtDisk(HX_U8 adapter, HX_U16 disk, HX_U32& pages, HX_U32 kept) {
     const auto page = MakeBlock<BlockList>();
     if (page == nullptr) return kOutOfMemory;
@@ -73,13 +73,13 @@ HX_U8 LookAtDisk(HX_U8 adapter, HX_U16 disk, HX_U32& pages, HX_U32 kept) {
         // Each page overwrites the status, so that the last page alone decides.
         status = HX_BLK_GetInfo(adapter, page->AsRequest());
         if (status == HX_SUCCESS && IsInUse(disk, page->Returned())) status = kDiskInUse;
-        // The rest of the header goes back as the controller left it, but for the number of blocks
-        // to be filled in: there is no room for more.
+        // The header is sent back as the controller left it, except that numRequested is limited to
+        // the room for blocks.
         header.numRequested = std::min(header.numRequested, kBlocksPerPage);
         header.startingIndexOrId = header.nextStartingIndex;
         --pages;
-        // An index that comes again is no end: a page that failed without being written leads back
-        // to itself, and may come the next time.
+        // A repeated index does not end the loop: a failed page leaves its own index and may
+        // succeed the next time.
     } while (header.nextStartingIndex != HX_LIST_COMPLETE && pages > kept);
     if (HX_DiskHasOS(adapter, kLook, 1, &disk) != 0) status = kDiskHasOS;
     return status;
@@ -137,7 +137,7 @@ HX_U8 HX_LD_QuickCreate(HX_U8 AdapterID, HX_BOOLEAN type) {
     const auto disks = MakeZeroedBlock<StatusList>();
     if (disks == nullptr) return kOutOfMemory;
     setRequestHeader(&disks->header, HX_REQUEST_BY_INDEX, 0, HX_MAX_HDS);
-    // The code is ignored: a list that cannot be read holds no disk.
+    // The code is ignored: an unreadable list contains no disk.
     static_cast<void>(HX_PD_GetHDRaidStatus(AdapterID, disks->AsRequest()));
 
     Create_LD_Param param{};
@@ -150,12 +150,14 @@ HX_U8 HX_LD_QuickCreate(HX_U8 AdapterID, HX_BOOLEAN type) {
     for (const HD_RAID_Status& disk : disks->Returned()) {
         --disks_left;
         if ((disk.Status & kNotFree) != 0) continue;
-        // A page is kept back for each disk to come, so that none is taken unseen.
+        // Reserves one page for each remaining disk, so that no disk is used without reading its
+        // blocks.
         if (LookAtDisk(AdapterID, disk.HDID, pages, disks_left) != HX_SUCCESS) continue;
         param.HDIDs[param.HDCount++] = disk.HDID;
     }
     param.RaidMode = GetRaidMode(AdapterID, type, &param);
-    // Not the number that the level needs: the controller wants 2 for every level but one.
+    // Not the number of parity disks of the level: the controller expects 2 for every level but
+    // RAID 60.
     param.NumParityDisk = param.RaidMode == kRaid60 ? 4 : 2;
     return HX_LD_Create(AdapterID, &param);
 }

@@ -1,7 +1,7 @@
-// Quick creation: one virtual disk of all free disks, at a level that is chosen for them.
+// Quick creation: one virtual disk of all free disks, with an automatically chosen level.
 //
-// Functions called HX_ stand beside the controller library's own in every respect: they return its
-// codes, 0 for success, and the executor calls them with the fields of their request's record.
+// Functions called HX_ behave like the controller library's own: they return its codes, 0 for
+// success, and the executor calls them with the fields of their request's record.
 #pragma once
 
 #include "hxraid.h"
@@ -10,10 +10,10 @@
 ///
 /// 73 when the last page of the adapter's blocks lists a block of a virtual disk on it; 159 when it
 /// holds an operating system; 4 when there is no memory; else the code with which that page failed.
-/// A list that has not ended by then counts as ended after 65536 pages.
+/// An endless list counts as ended after 65536 pages.
 HX_U8 HDisFreeDiskForSkua(HX_U8 AdapterID, HX_U16 DiskID);
 
-/// A RAID level and the disks that it can be made of.
+/// A RAID level and the number of disks that it needs.
 struct RaidSupport {
     HX_U8 raidmode;    // level code of the controller
     HX_U8 minhdcount;  // the fewest disks that it takes
@@ -22,9 +22,9 @@ struct RaidSupport {
     HX_BOOLEAN isExactNum;  // never more than minhdcount
 };
 
-/// Chooses the level for a virtual disk of HDCount disks: 0 when `type` is false or nothing better
-/// can be made of them, otherwise the best that the adapter offers. A level of a fixed number of
-/// disks cuts HDCount to that number.
+/// Chooses the level for a virtual disk of HDCount disks: 0 when `type` is false or they suffice
+/// for no better level, otherwise the best level that the adapter offers. A level with a fixed
+/// number of disks reduces HDCount to that number.
 HX_U8 GetRaidMode(HX_U8 AdapterID, HX_BOOLEAN type, Create_LD_Param* ldParams);
 
 /// Makes one virtual disk of all free disks (of the first 128 that the adapter lists), at the level

@@ -14,7 +14,7 @@ inline constexpr Record kVersion_Info{
     Col("VerBuild", kU32, &Version_Info::VerBuild),
 };
 
-// The 16-bit version goes under the same type name; readers tell the two apart by the element name.
+// The 16-bit version has the same type name; readers distinguish the two by the element name.
 inline constexpr Record kVersion_Info_CIM{
     "struct Version_Info",
     Col("VerMajor", kU16, &Version_Info_CIM::MajorVersion),
@@ -82,7 +82,7 @@ private:
     static std::size_t Ports(const Adapter_Info& record) {
         return record.PortCount < kPorts ? record.PortCount : kPorts;
     }
-    // A whole element without its items, to be measured; the names end in the port's number.
+    // A whole element without its items, for its size; the names end in the port's number.
     static constexpr void Element(LiteralSink& sink, int depth, std::string_view number) {
         ArrayHead(sink, depth, "PortSasAddress", kU8.name, 8);
         sink.Put(number);
@@ -342,8 +342,8 @@ inline constexpr Record kEnclosure_Info{
     Col("ExpanderIDs", kU16, &Enclosure_Info::ExpanderIDs),
 };
 
-// Every group is written whatever the element's type; a reader takes the one of that type. The
-// groups lie over each other, so that their widths add up to more than the record.
+// Every group is written whatever the element's type; a reader uses the group of that type. The
+// groups overlap, so their widths add up to more than the record.
 inline constexpr Record kENC_ElementInfo{
     "struct EncElementType_Info",
     PartOf<EncElementType_Info>(),

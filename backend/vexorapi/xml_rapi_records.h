@@ -60,8 +60,8 @@ int XML_RA_Create_DG_Param(XMLWR_Doc* doc, const char* elmt, const CreateOrModif
 int XML_RA_DG_Size(XMLWR_Doc* doc, const char* elmt, const CreateOrModify_DG_Param* records,
                    HX_U32 count);
 
-/// First sets each disk's ConnectionType and DeviceType from its HDType where they are 0, in the
-/// caller's records.
+/// First completes ConnectionType and DeviceType in the caller's records from HDType where they are
+/// 0.
 int XML_RA_HD_Info(XMLWR_Doc* doc, const char* elmt, HD_Info* records, HX_U32 count);
 
 /// Writes each user's scalars and closes the element `elmt`, which the caller has opened.

@@ -19,7 +19,7 @@ bool ReadRemapTable(VX_PD_GetRCT& record) {
     if (std::uint64_t{record.s} + record.n > total) record.s = total - record.n;
     if (record.e > total) record.e = total - 1;
 
-    // At least one byte, so that a table without records is no failed allocation.
+    // At least one byte, so that the allocation for an empty table does not look like a failure.
     std::size_t bytes;
     if (__builtin_mul_overflow(std::size_t{total}, sizeof(RCT_Record), &bytes)) return false;
     const auto table = MakeZeroedBlock<RCT_Record>(bytes + 1);

@@ -1,8 +1,8 @@
-// A disk's remap table, of which a request shows a window.
+// A disk's remap table, from which a request returns a window.
 #pragma once
 
 #include "xml_rapi_requests.h"
 
-/// Reads the wanted window of a disk's remap table. Returns false, with no result to write, when
+/// Reads the requested window of a disk's remap table. Returns false, with no result to write, when
 /// there is no memory for the table.
 bool ReadRemapTable(VX_PD_GetRCT& record);

@@ -1,11 +1,12 @@
-// What each paged reply lists: its items' rows, their writer, and the name of their elements.
+// The contents of each paged reply: the rows of its items, their writer, and the name of their
+// elements.
 #pragma once
 
 #include "xml_rapi_record_rows.h"
 #include "xml_rapi_records.h"
 
-/// What a paged reply lists: the rows of an item, the writer of its items and that of whole
-/// replies, and the items' element name.
+/// The contents of a paged reply: the rows of an item, the writers of items and of whole replies,
+/// and the items' element name.
 template <const auto& kItem, auto item_writer, auto reply_writer>
 struct PagedReply {
     using Item = RecordType<kItem>;

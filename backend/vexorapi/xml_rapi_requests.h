@@ -1,5 +1,5 @@
-// The records of the vendor functions' requests: parameters as a command gives them, results as the
-// controller returns them. Fields that go to the controller as one record stand in that record.
+// The records of the vendor functions' requests: parameters from the command, results from the
+// controller. Fields that are passed to the controller as one record are in that record.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@ inline constexpr std::size_t kAdapterRoom = 255 + 255;
 inline constexpr std::size_t kElementRoom = 513;
 static_assert(kElementRoom >= kAdapterRoom);
 
-/// Remap-table records that one request returns at the most.
+/// The most remap-table records that one request returns.
 inline constexpr std::size_t kRemapRecords = 150;
 
 // The library and its adapters -------------------------------------------------------------------
@@ -76,11 +76,11 @@ struct PagedRequest {
     HX_U8 AdapterID;
     HX_U16 ID;              // ignored
     HX_U32 Count;           // ignored
-    RequestHeader* Result;  // the collected list: a header and its items; the executor's
-    Page Request;           // what the controller is called with
+    RequestHeader* Result;  // the collected list: a header and its items; owned by the executor
+    Page Request;           // the request for the controller
 };
 
-/// Where the header of a paged request ends and the room for a page begins.
+/// The offset of the end of a paged request's header, where the room for a page begins.
 template <class Paged>
 inline constexpr std::size_t kPageHeaderEnd = offsetof(Paged, Request) + sizeof(RequestHeader);
 
@@ -128,7 +128,7 @@ struct VX_PD_GetRCT {
     HX_U8 AdapterID;
     HX_U16 HD_ID;
     HX_U32 Count;       // records in the disk's table
-    HX_U32 n, s, e;     // wanted: how many, the first, the last; then what was taken
+    HX_U32 n, s, e;     // requested number, first and last; then the actual ones
     HX_U32 nn, ss, ee;  // the three as asked
     RCT_Record record[kRemapRecords];
 };
@@ -179,7 +179,7 @@ struct VX_PD_StartMediaPatrol {
     HX_U16 HD_ID;
 };
 
-// The function is not in the table: no command can call it.
+// This function is not in the table, so no command can call it.
 struct VX_PD_HDMPCheck {
     HX_U8 RetVal;
     HX_U8 AdapterID;

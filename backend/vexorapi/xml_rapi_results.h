@@ -1,4 +1,4 @@
-// What a result is made of: the rows that it begins with, and the list that may follow.
+// The parts of a result: the rows at its start, and the list that may follow.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 #include "xml_rapi_row_list.h"
 #include "xml_rapi_rows.h"
 
-/// The elements of known size that a result begins with, RetVal first.
+/// The elements of known size at the start of a result, RetVal first.
 template <class R, class... Row>
 struct Result {
     RowList<Row...> rows;
@@ -20,7 +20,7 @@ struct Result {
 template <class First, class... Row>
 Result(First, Row...) -> Result<typename First::Of, First, Row...>;
 
-/// The result of a function that answers with its status alone.
+/// The result of a function that returns only its status.
 template <class R>
 constexpr auto StatusOnly() {
     return Result{Col("RetVal", kU8, &R::RetVal)};
@@ -31,7 +31,7 @@ struct NoList {
     static constexpr bool kWrites = false;
 };
 
-/// As many records as `number` says, at most as many as the field holds.
+/// `number` records, but at most as many as the field holds.
 template <const auto& kRecord, auto writer, class R, std::size_t room, class Number>
 struct CountedList {
     static constexpr bool kWrites = true;

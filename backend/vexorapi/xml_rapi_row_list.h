@@ -1,7 +1,7 @@
 // A list of rows of different types, in their order.
 //
-// std::tuple would do, but for its constructors: choosing among them took compilers four seconds
-// and half a gigabyte for the rows of all functions, which take half a second here.
+// Not std::tuple: choosing among its constructors took compilers four seconds and half a gigabyte
+// for the rows of all functions, which take half a second here.
 #pragma once
 
 #include <cstddef>

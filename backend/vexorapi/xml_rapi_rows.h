@@ -1,9 +1,9 @@
 // Rows: one constexpr list of fields per record, and the loops that write records by it.
 //
 // The list drives two writers whose bytes are equal. The fast one joins, at compile time, each
-// field's end tag with the line end, indentation and start tag of the next, checks the room once a
-// record and copies. The exact one, for the records at the document's end, goes piece by piece
-// through the document writer, which alone decides what is dropped when the document is full.
+// field's end tag with the line end, indentation and start tag of the next field, checks the room
+// once per record and copies. The exact one, for records at the document's end, goes piece by piece
+// through the document writer, which decides what is dropped when the document is full.
 #pragma once
 
 #include <array>
@@ -22,8 +22,8 @@
 #include "xml_rapi_row_list.h"
 #include "xml_rapi_text.h"
 
-// The depth at which a result lists its records: directly below the function element. Only there
-// the fast writer is compiled; anywhere else records are written piece by piece.
+// The depth at which a result lists its records: directly below the function element. The fast
+// writer is compiled only for this depth; elsewhere records are written piece by piece.
 inline constexpr int kListDepth = 1;
 
 /// A type name of the result grammar, and the width in bytes that a field of this type must have.
@@ -33,12 +33,12 @@ struct XmlType {
 };
 inline constexpr XmlType kU8{"U8", 1}, kBOOL{"BOOL", 1}, kU16{"U16", 2}, kU32{"U32", 4},
     kU64{"U64", 8};
-// The same kinds under the controller library's own names, which some records are written with.
+// The same types under the controller library's names, which some records use.
 inline constexpr XmlType kHX_U8{"HX_U8", 1}, kHX_BOOLEAN{"HX_BOOLEAN", 1}, kHX_U16{"HX_U16", 2},
     kHX_U32{"HX_U32", 4};
 
-// Never defined: a list of rows that comes to call it does not compile, and the
-// compiler's message names the reason.
+// Never defined: a faulty list of rows calls it and does not compile, and the compiler's message
+// names the reason.
 void TypeAndFieldDifferInWidth();
 
 // Text that is known at compile time -----------------------------------------------------------
@@ -63,7 +63,7 @@ struct LiteralSink {
     }
 };
 
-/// The text that `fill` (a lambda without captures over a LiteralSink&) puts together.
+/// The text that `fill` (a lambda without captures over a LiteralSink&) composes.
 template <class Fill>
 consteval auto MakeLiteral(Fill fill) {
     constexpr std::size_t length = [] {
@@ -336,7 +336,7 @@ struct TextColumn {
     }
 };
 
-/// A record: the value of its element's type attribute, and its rows, all over the same `R`, which
+/// A record: the value of its element's type attribute and its rows, all of the same `R`, which
 /// show every member that is not left out by name.
 template <class R, class... Row>
 struct Record {
@@ -376,8 +376,8 @@ inline constexpr std::size_t kRowsBound = []<std::size_t... i>(std::index_sequen
 }
 (std::make_index_sequence<std::remove_cvref_t<decltype(kRecord)>::kRows>{});
 
-// The text between the values of rows i - 1 and i; before the first and behind the last row, only
-// the one side that there is.
+// The text between the values of rows i - 1 and i; only the existing side before the first and
+// after the last row.
 template <const auto& kRecord, std::size_t i, int depth>
 inline constexpr auto kGap = MakeLiteral([](LiteralSink& sink) {
     constexpr std::size_t rows = std::remove_cvref_t<decltype(kRecord)>::kRows;
@@ -385,15 +385,15 @@ inline constexpr auto kGap = MakeLiteral([](LiteralSink& sink) {
     if constexpr (i < rows) RowAt<i>(kRecord.rows).Head(sink, depth);
 });
 
-// The value of one row. The row is copied at compile time, because compilers read a table's fields
-// from memory, each time anew, and do not fold them.
+// Writes the value of one row. The row is copied at compile time, because compilers do not fold a
+// table's fields but read them from memory each time.
 template <const auto& kRecord, std::size_t i, int depth>
 [[gnu::always_inline]] inline char* PutRow(char* at, const RecordType<kRecord>& record) {
     constexpr auto row = RowAt<i>(kRecord.rows);
     return row.template Put<depth>(at, record);
 }
 
-// From the first row's value to the last one's; the gaps around them are the caller's.
+// Writes from the first row's value to the last one's; the caller writes the gaps around them.
 template <const auto& kRecord, int depth>
 [[gnu::always_inline]] inline char* PutRows(char* at, const RecordType<kRecord>& record) {
     [&]<std::size_t... i>(std::index_sequence<i...>) __attribute__((always_inline)) {
@@ -405,7 +405,7 @@ template <const auto& kRecord, int depth>
     return at;
 }
 
-/// Writes a record's rows piece by piece, at whatever depth the document is.
+/// Writes a record's rows piece by piece, at the document's current depth.
 template <const auto& kRecord>
 [[gnu::noinline]] void WriteRowsExact(XMLWR_Doc* doc, const RecordType<kRecord>& record) {
     kRecord.rows.Apply([&](const auto&... row) { (row.WriteExact(doc, record), ...); });
@@ -624,7 +624,7 @@ int WriteRecords(XMLWR_Doc* doc, const char* elmt, const RecordType<kRecord>* re
             doc->CurPos = static_cast<std::uint32_t>(at - doc->Buf);
             continue;
         }
-        if (doc->CurPos == kDocCapacity) break;  // not even a line end fits any more
+        if (doc->CurPos == kDocCapacity) break;  // the document is completely full
         XMLWR_ElmtStartPrintf(doc, 0, elmt, " %s=\"%s\"", "type", kRecord.type);
         WriteRowsExact<kRecord>(doc, *record);
         XMLWR_ElmtEnd(doc, 0, elmt);

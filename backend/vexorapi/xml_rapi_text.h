@@ -1,5 +1,4 @@
-// Texts in fixed-width fields: those of a request, and those of a controller as a result shows
-// them.
+// Texts in fixed-width fields: of requests, and of the controller's records in results.
 //
 // A cleaner's Put(at, field) writes the text of an n-character field at `at` and returns its end;
 // n + 1 bytes from `at` on may be overwritten.

@@ -20,8 +20,8 @@
 
 namespace {
 
-constexpr char kAdministrator[] = "root";       // the user that is always one
-constexpr char kAdministratorGroup[] = "root";  // the group whose listed members are
+constexpr char kAdministrator[] = "root";       // this user is always an administrator
+constexpr char kAdministratorGroup[] = "root";  // its listed members are administrators
 
 constexpr HX_BOOLEAN kNoShadowEntry = 2;
 constexpr HX_BOOLEAN kWrongPassword = 3;
@@ -80,7 +80,7 @@ File OpenDatabase(const char* path) {
 }
 
 // Finds the first entry of that name, as the system's lookup does. Each search starts at the
-// beginning of the file, because a read that had too little room may have consumed its line.
+// beginning of the file, because a read with too little room may have consumed the line.
 template <class Database>
 int FindInFile(std::FILE* file, const char* name, typename Database::Entry* entry, char* texts,
                std::size_t room, typename Database::Entry** found) {
@@ -142,15 +142,15 @@ private:
     SecretBlock<char> texts_;
 };
 
-// What a function of users answers.
+// The answer of a user function.
 struct Answer {
     HX_BOOLEAN code;
     UserGroup group;
-    bool seen = true;  // false: for lack of memory the group is not what it may be
+    bool seen = true;  // false: the group may be wrong for lack of memory
 };
 
-// The group of a user who exists, with code 0: UnknownUser when the host has no group of
-// administrators. The primary group is not asked: only who is listed counts.
+// The group of an existing user, with code 0; UnknownUser when the host has no administrators'
+// group. Only listed members count, not users with that primary group.
 Answer GroupOf(const char* user) {
     if (std::strcmp(user, kAdministrator) == 0) return {0, AdminUser};
     Search<GroupDatabase> search;
@@ -163,13 +163,13 @@ Answer GroupOf(const char* user) {
 }
 
 bool IsPassword(const char* password, const char* stored_hash) {
-    // crypt's working memory holds the password and what was made of it. It has 32 KiB and more,
-    // too much for a stack that may be a thread's.
+    // crypt's working memory holds the password and values derived from it. It takes 32 KiB and
+    // more, too much for a thread's stack.
     const auto data = MakeSecretBlock<crypt_data>();
     if (data == nullptr) return false;
     const char* const hash = crypt_r(password, stored_hash, data.get());
     // For an entry that is no hash (locked or empty) crypt returns null or a text that begins with
-    // an asterisk, as no hash does. That text must not equal the entry by accident.
+    // an asterisk, which no hash does. That text could equal the entry, so refuse it first.
     if (hash == nullptr || *hash == '*') return false;
     return std::strcmp(hash, stored_hash) == 0;
 }

@@ -1,7 +1,7 @@
 // Logon and user groups, answered from the host's user, shadow and group databases.
 //
-// Functions called HX_ stand beside the controller library's own in every respect: they return its
-// codes, 0 for success, and the executor calls them with the fields of their request's record.
+// Functions called HX_ behave like the controller library's own: they return its codes, 0 for
+// success, and the executor calls them with the fields of their request's record.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@ enum UserGroup : HX_U32 {
     UnknownUser = 3,
 };
 
-/// The record of HX_LogonUser. Everything but user name and password is carried and ignored.
+/// The record of HX_LogonUser. Everything except user name and password is ignored.
 struct VX_HX_LogonUser {
     HX_U8 RetVal;
     UserGroup UG;
@@ -65,8 +65,7 @@ HX_BOOLEAN HX_LogonUser(HX_U8* lpszUsername, HX_U8* lpszDomain, HX_U8* lpszPassw
 HX_BOOLEAN HX_GetUserGroup(HX_U8* lpszUsername, HX_U8* lpszDomain, UserGroup* UG);
 
 /// HX_LogonUser and HX_GetUserGroup for the fields of a request. They return false when there was
-/// no memory to look the group up: the record then holds another group than the user may have, and
-/// is not to be shown.
+/// no memory to look up the group: the record may then hold a wrong group and must not be shown.
 [[nodiscard]] bool AnswerLogon(VX_LogonUser& record);
 [[nodiscard]] bool AnswerUserGroup(VX_GetUserGroup& record);
 

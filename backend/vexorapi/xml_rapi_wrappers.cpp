@@ -1,9 +1,9 @@
-// Each calls the controller library's function of the other name.
+// Each calls the controller library's function under its other name.
 #include "xml_rapi_wrappers.h"
 
 namespace {
 
-constexpr HX_U8 kRelearn = 0;  // HX_BBU_ChangePower: a learning cycle
+constexpr HX_U8 kRelearn = 0;  // HX_BBU_ChangePower: a relearn cycle
 
 }  // namespace
 

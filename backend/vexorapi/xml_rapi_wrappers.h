@@ -1,7 +1,7 @@
 // Functions that the controller library has under another name, or not at all.
 //
-// Functions called HX_ stand beside the controller library's own in every respect: they return its
-// codes, 0 for success, and the executor calls them with the fields of their request's record.
+// Functions called HX_ behave like the controller library's own: they return its codes, 0 for
+// success, and the executor calls them with the fields of their request's record.
 #pragma once
 
 #include "hxraid.h"
@@ -9,10 +9,10 @@
 /// Does nothing and returns 0: the controller library has no call for it.
 HX_U8 HX_BBU_SetMaxCapacity(HX_U8 BBU_ID, HX_U16 maxCapacity);
 
-/// Starts a learning cycle of the battery, which is power action 0.
+/// Starts a relearn cycle of the battery, which is power action 0.
 HX_U8 HX_BBU_ActRelearn(HX_U8 AdapterID);
 
-/// Lists spare disks: returns the list of what disks are used for, spares among them.
+/// Lists spare disks: returns the RAID status of all disks, spares among them.
 HX_U8 HX_PD_GetSpareInfo(HX_U8 AdapterID, HD_RAID_Status_Request* pHdRaidStatusReq);
 
 /// The record of HX_PD_StartDataScrub.

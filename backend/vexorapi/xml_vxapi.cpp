@@ -34,7 +34,7 @@ constexpr RecordNeeds Whole(std::size_t record) {
 }
 static_assert(offsetof(XML_VX_FuncData, VX_HX_EVT_GetEvents) == kFuncNameSize);
 
-// The events are written before they are read, so that they need not be cleared.
+// The events need not be cleared, because they are written before they are read.
 constexpr RecordNeeds kGetEventsRecord{kFuncNameSize + sizeof(VX_HX_EVT_GetEvents),
                                        kFuncNameSize + offsetof(VX_HX_EVT_GetEvents, ev)};
 
@@ -92,9 +92,9 @@ void ReadVersions(VX_Module_GetInfo& info) {
                              eventSvcVersionBuild);
 }
 
-// More events than these never fit into a document, so they are not read. The shortest event
-// element has 430 bytes; ten more are allowed for, because small pieces of further elements still
-// fit into the last bytes.
+// A document never holds more events than these, so no more are read. The shortest event element
+// has 430 bytes; ten more are allowed, because small pieces of further elements still fit into the
+// last bytes.
 constexpr HX_U32 kMostListed = kDocCapacity / 430 + 10;
 static_assert(kMostListed < kMaxEvents);
 
@@ -106,8 +106,7 @@ void ReadEvents(VX_HX_EVT_GetEvents& query) {
     query.RetVal = VX_EvGetFirst(&query.n, &query.s, &query.e, query.ev, kMostListed);
 }
 
-// The number of events that the result lists: none for a query for the extent, although their
-// number is in n.
+// The number of events in the result: 0 for a query for the extent, although n holds their number.
 HX_U32 ListedEvents(const VX_HX_EVT_GetEvents& query) {
     return query.nn == 0 ? 0 : std::min(query.n, kMostListed);
 }

@@ -1,5 +1,5 @@
-// The management functions: what a command may ask of the library itself (module versions, the
-// event store) rather than of the controller.
+// The management functions, which the library itself answers instead of the controller: module
+// versions and the event store.
 #pragma once
 
 #include "XMLWriter.h"
@@ -50,8 +50,8 @@ struct VX_HX_EVT_Reset {
     HX_U8 RetVal;  // stays 0
 };
 
-/// The record of one request of a management function. Only as much of it exists as the function
-/// needs, so it is never copied or cleared as a whole.
+/// The record of one request of a management function. Only as many bytes as the function needs are
+/// allocated, so it is never copied or cleared as a whole.
 struct XML_VX_FuncData {
     char FuncName[64];  // selects the member below
     union {

@@ -35,8 +35,8 @@ inline constexpr Record kChangeCounters{
     Col("ARRAY_Change", kU32, &VX_HX_ChangeCounters::ARRAY_Change),
 };
 
-// The valid part of the sense data; no element at all when there is none. Its width differs from
-// event to event, so that the whole element is the row's value.
+// The valid part of the sense data; the element is left out when there is none. Its width differs
+// by event, so the row's value is the whole element.
 struct SenseDataRow {
     using Of = Event;
     static constexpr std::size_t kWidth = sizeof(Event::SenseData);
