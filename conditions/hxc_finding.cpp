@@ -90,7 +90,7 @@ std::string RoleText(const Things& things, const Adapter& adapter, const Disk& d
     }
     if (disk.group)
         return "; it was in " + AddressOf(adapter.number, Kind::kDiskGroup, *disk.group);
-    return adapter.virtual_disks_query.IsRead() ? "; it was in no virtual disk" : "";
+    return adapter.virtual_disks_query.IsRead() ? "; it is in no virtual disk" : "";
 }
 
 std::optional<Code> StateCodeOf(const Disk& disk) {

@@ -98,10 +98,10 @@ TEST(TheFirstLine, CountsTheOthersAndTheSilencedOnes) {
     watcher.Look(answers);
     const std::string line = FirstLine(watcher.overview, CountsOf(answers));
     EXPECT_EQ(line,
-              "WARNING: a0/pd7 (QD-7, slot 7) was set offline 1 min ago; it was in no virtual "
+              "WARNING: a0/pd7 (QD-7, slot 7) was set offline 1 min ago; it is in no virtual "
               "disk; and 2 more; 1 silenced");
     EXPECT_EQ(FirstLine(WithoutSilenced(watcher.overview), CountsOf(answers)),
-              "WARNING: a0/pd7 (QD-7, slot 7) was set offline 1 min ago; it was in no virtual "
+              "WARNING: a0/pd7 (QD-7, slot 7) was set offline 1 min ago; it is in no virtual "
               "disk; and 1 more; 1 silenced");
 }
 

@@ -65,7 +65,7 @@ class Overview(ScreenCase):
     def test_what_redundancy_is_left_is_not_known_without_the_disks(self):
         self.machine.hxsimctl("inject", "--call", "HX_PD_GetHDInfo_Ext", "--code", "7")
         self.assertRegex(self.run_words("overview").stdout,
-                         r"\na0/vd0 +DATABASE +optimal +raid5 +768 GiB +\? ")
+                         r"\na0/vd0 +DATABASE +optimal +raid5 +\? +768 GiB ")
 
     def test_a_controller_that_cannot_be_opened_is_no_empty_screen(self):
         self.environment["HXSIM_STATE"] = str(self.root)  # a folder

@@ -6,13 +6,15 @@ usage: vexorctl_tables_test.py VEXORCTL [TEST]...
 
 import fcntl
 import os
+import pathlib
 import pty
+import re
 import struct
 import subprocess
 import termios
 
 import vexorctl_machine
-from vexorctl_machine import VexorctlCase
+from vexorctl_machine import TREE, VexorctlCase
 
 LISTS = ["overview -o table", "adapter list", "enclosure list", "enclosure elements",
          "enclosure expanders", "enclosure multipliers", "disk list", "disk blocks", "vd list",
@@ -20,13 +22,13 @@ LISTS = ["overview -o table", "adapter list", "enclosure list", "enclosure eleme
          "user show root"]
 
 
-class Tables(VexorctlCase):
-    def wide(self, columns, *words):
+class WideCase(VexorctlCase):
+    def wide(self, columns, *words, code=0):
         """What is printed on a terminal that is so wide, without colours."""
         master, slave = pty.openpty()
         fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 40, columns, 0, 0))
         process = subprocess.Popen([self.vexorctl, *words], cwd=self.root, stdout=slave,
-                                   stdin=subprocess.DEVNULL,
+                                   stderr=slave, stdin=subprocess.DEVNULL,
                                    env={**self.environment, "NO_COLOR": "1"})
         os.close(slave)
         said = b""
@@ -36,9 +38,11 @@ class Tables(VexorctlCase):
         except OSError:
             pass
         os.close(master)
-        self.assertEqual(process.wait(timeout=60), 0)
+        self.assertIn(process.wait(timeout=60), (0, code), said)
         return said.decode().replace("\r\n", "\n")
 
+
+class Tables(WideCase):
     def test_every_default_table_fits_80_columns_in_a_pipe(self):
         for words in LISTS:
             with self.subTest(words=words):
@@ -55,6 +59,35 @@ class Tables(VexorctlCase):
         self.assertTrue(narrow.startswith("ADDRESS  STATE"), narrow)
         self.assertNotIn("SERIAL", narrow)
         self.assertIn("SMART ALARM", broad.splitlines()[0])
+
+    def test_the_text_of_a_row_goes_on_in_the_next_line(self):
+        self.run_words("task", "start", "a0/vd0", "--kind", "check")
+        self.collect()
+        wanted = self.run_words("event", "list", "--last", "1", "--columns", "text", "--no-header")
+        for columns in (40, 60, 80):
+            lines = self.wide(columns, "event", "list", "--last", "1").splitlines()
+            self.assertLessEqual(max(map(len, lines)), columns, lines)
+            start = lines[0].index("EVENT")
+            self.assertEqual(" ".join(line[start:] for line in lines[1:]) + "\n", wanted.stdout)
+            self.assertTrue(all(line[:start].isspace() for line in lines[2:]), lines)
+        self.assertEqual(len(lines), 3)
+
+    def test_a_word_that_is_wider_than_its_column_is_broken(self):
+        self.run_words("task", "start", "a0/vd0", "--kind", "check")
+        self.collect()
+        lines = self.wide(40, "event", "list", "--last", "1", "--raw").splitlines()
+        self.assertLessEqual(max(map(len, lines)), 40, lines)
+        start = lines[0].index("EVENT")
+        wanted = self.run_words("event", "list", "--last", "1", "--raw", "--columns", "text",
+                                "--no-header").stdout
+        self.assertEqual("".join(line[start:] for line in lines[1:]) + "\n", wanted)
+
+    def test_sentences_follow_the_terminal_and_are_a_line_each_in_a_pipe(self):
+        piped = self.run_words("risk").stdout
+        self.assertEqual(len(piped.splitlines()), 3)
+        text = self.wide(60, "risk")
+        self.assertLessEqual(max(map(len, text.splitlines())), 60)
+        self.assertEqual(text.split(), piped.split())
 
     def test_what_columns_name_is_shown_however_narrow_it_is(self):
         text = self.wide(40, "disk", "list", "--columns", "address,model,serial,wwn")
@@ -94,6 +127,51 @@ class Tables(VexorctlCase):
                              "size_bytes,smart_alarm,wwn,parent_id")
         self.assertEqual([line.split("  ")[0] for line in run.stdout.splitlines()],
                          ["Size", "SMART alarm", "WWN", "Parent ID"])
+
+
+class Screens(WideCase):
+    """docs/screens.md: each "scenario" makes a machine, and what is printed follows its command."""
+
+    def machine_of(self, steps):
+        topology = re.search(r'^# on the machine "(\w+)"$', steps, re.M)[1]
+        self.machine = vexorctl_machine.Machine(self.machine.programs, self.machine.state, topology)
+        for step in steps.splitlines()[1:]:
+            path = self.root / "story"
+            path.write_text(step + "\n")
+            self.machine.hxsimctl("scenario", "run", path)
+
+    def printed(self, document):
+        """The document with what the commands print now."""
+        lines, columns, steps, inside = [], 0, "", ""
+        for line in document.splitlines(keepends=True):
+            if width := re.fullmatch(r"(\d+) columns:\n", line):
+                columns = int(width[1])
+            if line.startswith("```"):
+                if inside == "scenario":
+                    self.machine_of(steps)
+                inside, steps = line[3:].strip(), ""
+            elif inside == "scenario":
+                steps += line
+            elif inside == "console":
+                if not line.startswith("$ "):
+                    continue
+                words = line[2:].split()[1:]
+                code = {"check": 2, "risk": 9}.get(words[0], 0) if words else 0
+                line += self.wide(columns, *words, code=code)
+                for each in line.splitlines()[1:]:
+                    if words != ["check"]:
+                        self.assertLessEqual(len(each), columns, each)
+            lines.append(line)
+        return "".join(lines)
+
+    def test_every_screen_is_what_is_printed(self):
+        document = pathlib.Path(os.environ.get("VEXORCTL_SCREENS", TREE / "docs" / "screens.md"))
+        text = document.read_text()
+        printed = self.printed(text)
+        if "VEXORCTL_SCREENS" in os.environ:
+            document.write_text(printed)
+        self.assertGreater(text.count("\n$ vexorctl"), 5)
+        self.assertEqual(printed, text)
 
 
 if __name__ == "__main__":

@@ -57,7 +57,7 @@ constexpr Column<Condition> kColumns[] = {
      [](const Condition& it) { return TextOrNone(it.object.address); }},
     {{"name", "NAME", kText, kWide, "What the object is called"},
      [](const Condition& it) { return TextOrNone(it.object.name); }},
-    {{"message", "MESSAGE", kText, kTable, "What is wrong with it"},
+    {{"message", "MESSAGE", kText, kSentence, "What is wrong with it"},
      [](const Condition& it) { return TextCell(it.sentence); }},
     {{"next_step", "NEXT STEP", kText, kWide, "What to do"},
      [](const Condition& it) { return TextOrNone(it.next_step); }},

@@ -70,7 +70,7 @@ constexpr Column<Shown> kColumns[] = {
      [](const Shown& it) { return FieldCell(it.event.record, Event::Severity); }},
     {{"address", "ADDRESS", kText, kTable, "The object it is about"},
      [](const Shown& it) { return TextCell(it.event.object); }},
-    {{"text", "EVENT", kText, kTable, "What happened; with --raw its key and values"},
+    {{"text", "EVENT", kText, kSentence, "What happened; with --raw its key and values"},
      [](const Shown& it) {
          return OfText(it.event, TextCell(it.raw ? it.event.Raw() : it.event.Text()));
      }},
@@ -373,7 +373,7 @@ Exit FollowEvents(Invocation& invocation) {
 constexpr Column<EventPhrase> kKeyColumns[] = {
     {{"key", "KEY", kText, kTable, "The key as the store has it"},
      [](const EventPhrase& it) { return TextCell(it.key); }},
-    {{"phrase", "TEXT", kText, kTable, "Its text, with the places of its values"},
+    {{"phrase", "TEXT", kText, kSentence, "Its text, with the places of its values"},
      [](const EventPhrase& it) { return TextCell(it.phrase); }},
 };
 

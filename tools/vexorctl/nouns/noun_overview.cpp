@@ -17,10 +17,10 @@
 #include "nouns/nouns.h"
 #include "nouns/overview_screen.h"
 #include "output/cell.h"
+#include "output/cell_text.h"
 #include "output/record_cells.h"
 #include "output/report.h"
 #include "output/streams.h"
-#include "output/terminal_width.h"
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
 #include "shell/present.h"
@@ -128,8 +128,9 @@ Exit ShowOverview(Invocation& invocation) {
         report.more = hxc::OverviewJson(overview, hxc::CountsOf(look.answers));
         return Present(invocation, std::move(report), "table");
     }
-    PrintText(OverviewScreen(look, overview, codes, StyleOf(invocation, "table"),
-                             TerminalWidth().value_or(kPipeWidth)));
+    Style style = StyleOf(invocation, "table");
+    if (style.width == 0) style.width = kPipeWidth;
+    PrintText(OverviewScreen(look, overview, codes, style));
     ReportFaults(controller.faults());
     return controller.exit();
 }

@@ -19,6 +19,8 @@
 #include "output/cell.h"
 #include "output/report.h"
 #include "output/streams.h"
+#include "output/terminal_width.h"
+#include "output/wrapped_text.h"
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
 #include "shell/present.h"
@@ -132,7 +134,11 @@ Exit ShowRisks(Invocation& invocation) {
         exit = Present(invocation, Tabulated(invocation, kColumns, risks), "table");
     } else {
         std::string text;
-        for (const Risk& risk : risks) text += vexortools::Printable(risk.sentence) + "\n";
+        // A pipe gets one line for each, which other programs can search.
+        const std::size_t width = TerminalWidth().value_or(std::string::npos);
+        for (const Risk& risk : risks) {
+            text += Wrapped("", vexortools::Printable(risk.sentence), width);
+        }
         PrintText(text);
         ReportFaults(controller.faults());
     }

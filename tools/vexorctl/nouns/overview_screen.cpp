@@ -22,6 +22,7 @@
 #include "output/cell.h"
 #include "output/record_cells.h"
 #include "output/report.h"
+#include "output/wrapped_text.h"
 #include "output/write_table.h"
 
 namespace vexorctl {
@@ -30,7 +31,6 @@ namespace {
 
 namespace hxc = hxconditions;
 using hxcodes::CodeTable;
-using vexortools::DisplayWidth;
 using vexortools::Printable;
 using enum Kind;
 using enum Place;
@@ -43,11 +43,11 @@ const hxc::Adapter* AdapterOf(const MachineLook& look, const Address& address) {
 
 template <class Record, std::size_t n>
 std::string Section(const Column<Record> (&columns)[n], const std::vector<Record>& records,
-                    const CodeTable& codes, const Style& style, std::size_t width) {
+                    const CodeTable& codes, const Style& style) {
     if (records.empty()) return "";
     Report report;
     Tabulate(report, columns, records, codes);
-    KeepColumns(report, ColumnsThatFit(report, style, width));
+    KeepColumns(report, ColumnsThatFit(report, style));
     std::string out = "\n";
     WriteTable(report, style, true, out);
     return out;
@@ -106,15 +106,14 @@ constexpr Column<AdapterLine> kAdapterColumns[] = {
      }},
 };
 
-std::string Adapters(const MachineLook& look, const CodeTable& codes, const Style& style,
-                     std::size_t width) {
+std::string Adapters(const MachineLook& look, const CodeTable& codes, const Style& style) {
     std::vector<AdapterLine> lines;
     for (const Adapter& each : look.adapters) {
         if (const hxc::Adapter* const health = AdapterOf(look, each.address)) {
             lines.push_back({&each, health});
         }
     }
-    return Section(kAdapterColumns, lines, codes, style, width);
+    return Section(kAdapterColumns, lines, codes, style);
 }
 
 // ---- Enclosures ----
@@ -292,10 +291,10 @@ constexpr Column<VirtualDiskLine> kVirtualDiskColumns[] = {
      [](const VirtualDiskLine& it) {
          return FieldCell(it.record->info, fields::LD_Info::RaidMode);
      }},
-    {{"size_bytes", "SIZE", kBytes, kTable, ""},
-     [](const VirtualDiskLine& it) { return SectorsAt(it.record->info, fields::LD_Info::Size); }},
     {{"survives", "SURVIVES", kNumber, kTable, ""},
      [](const VirtualDiskLine& it) { return NumberCell(it.survives); }},
+    {{"size_bytes", "SIZE", kBytes, kTable, ""},
+     [](const VirtualDiskLine& it) { return SectorsAt(it.record->info, fields::LD_Info::Size); }},
     {{"disks", "DISKS", kText, kTable, ""},
      [](const VirtualDiskLine& it) { return TextCell(DisksText(*it.record)); }},
 };
@@ -356,26 +355,6 @@ constexpr Column<ActivityLine> kActivityColumns[] = {
 
 // ---- What needs attention ----
 
-// The words in lines of that width, which begin with `first` and then with as many blanks.
-void AppendWrapped(std::string& out, std::string first, std::string_view text, std::size_t width) {
-    const std::size_t indent = DisplayWidth(first);
-    std::string line = std::move(first);
-    bool fresh = true;
-    while (!text.empty()) {
-        const std::string_view word = text.substr(0, text.find(' '));
-        if (!fresh && DisplayWidth(line) + 1 + DisplayWidth(word) > width) {
-            out += line + "\n";
-            line.assign(indent, ' ');
-            fresh = true;
-        }
-        if (!fresh) line += ' ';
-        line += word;
-        fresh = false;
-        text.remove_prefix(std::min(word.size() + 1, text.size()));
-    }
-    out += line + "\n";
-}
-
 std::string NextStep(const hxc::Condition& head) {
     if (head.command.empty()) return head.next_step;
     std::string text;
@@ -396,9 +375,8 @@ std::string Attention(const hxc::Overview& overview, std::size_t width) {
         }
         ++shown;
         const std::string level = "[" + std::string(hxc::NameOf(head.level)) + "] ";
-        AppendWrapped(out, level, Printable(head.sentence), width);
-        AppendWrapped(out, std::string(level.size(), ' ') + "-> ", Printable(NextStep(head)),
-                      width);
+        out += Wrapped(level, Printable(head.sentence), width);
+        out += Wrapped(std::string(level.size(), ' ') + "-> ", Printable(NextStep(head)), width);
     }
     if (out.empty()) return "";
     if (left > 0) out += "and " + std::to_string(left) + " more: vexorctl check\n";
@@ -408,23 +386,23 @@ std::string Attention(const hxc::Overview& overview, std::size_t width) {
 }  // namespace
 
 std::string OverviewScreen(const MachineLook& look, const hxc::Overview& overview,
-                           const CodeTable& codes, const Style& style, std::size_t width) {
-    std::string out;
-    AppendWrapped(out, "", Printable(hxc::FirstLine(overview, hxc::CountsOf(look.answers))), width);
-    out += Adapters(look, codes, style, width);
+                           const CodeTable& codes, const Style& style) {
+    std::string out =
+        Wrapped("", Printable(hxc::FirstLine(overview, hxc::CountsOf(look.answers))), style.width);
+    out += Adapters(look, codes, style);
     std::vector<EnclosureLine> enclosures;
     for (const Enclosure& each : look.enclosures) {
         enclosures.push_back({&each, ElementsText(look, each, codes)});
     }
-    out += Section(kEnclosureColumns, enclosures, codes, style, width);
-    out += Section(kBayColumns, Bays(look, codes), codes, style, width);
+    out += Section(kEnclosureColumns, enclosures, codes, style);
+    out += Section(kBayColumns, Bays(look, codes), codes, style);
     std::vector<VirtualDiskLine> virtual_disks;
     for (const VirtualDisk& each : look.virtual_disks) {
         virtual_disks.push_back({&each, SurvivesOf(look, each)});
     }
-    out += Section(kVirtualDiskColumns, virtual_disks, codes, style, width);
-    out += Section(kActivityColumns, Activities(look), codes, style, width);
-    return out + Attention(overview, width);
+    out += Section(kVirtualDiskColumns, virtual_disks, codes, style);
+    out += Section(kActivityColumns, Activities(look), codes, style);
+    return out + Attention(overview, style.width);
 }
 
 }  // namespace vexorctl

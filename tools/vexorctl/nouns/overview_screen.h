@@ -15,9 +15,8 @@ namespace vexorctl {
 inline constexpr std::size_t kPipeWidth = 80;
 
 /// The adapters, the enclosures and what is in their bays, the virtual disks, what goes on in the
-/// background, and what needs attention, the worst first. No line is wider than `width` columns, as
-/// long as no single word is.
+/// background, and what needs attention, the worst first. No line is wider than the style's width.
 std::string OverviewScreen(const MachineLook& look, const hxconditions::Overview& overview,
-                           const hxcodes::CodeTable& codes, const Style& style, std::size_t width);
+                           const hxcodes::CodeTable& codes, const Style& style);
 
 }  // namespace vexorctl

@@ -61,7 +61,11 @@ Cell NumbersCell(std::optional<std::vector<std::uint64_t>> numbers);
 Cell CodeCell(std::span<const hxcodes::Named> names, std::uint64_t code);
 
 /// Where a column is shown without being asked for. Everything but the table shows all of them.
-enum class Place { kTable, kWide };
+enum class Place {
+    kTable,
+    kSentence,  // in tables as well, as the last of their columns; it may take several lines
+    kWide,
+};
 
 /// The names of a kCode or kBits in the table of codes.
 using CodeNames = std::span<const hxcodes::Named> hxcodes::CodeTable::*;

@@ -1,6 +1,7 @@
 // How a cell is written where people or scripts read it as text.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -18,6 +19,7 @@ struct Style {
     bool si = false;
     bool utc = false;
     bool colour = false;
+    std::size_t width = 0;  // of the terminal that a table is for; 0: no limit
 };
 
 /// A size as tables show it.

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "common/terminal_text.h"
 #include "output/cell.h"
 #include "output/label.h"
+#include "output/wrapped_text.h"
 
 namespace vexorctl {
 
@@ -63,26 +65,86 @@ std::size_t WidthOf(const Report& report, std::size_t column, const Style& style
     return width;
 }
 
+constexpr std::size_t kBetween = 2;             // blanks between two columns
+constexpr std::size_t kNarrowestSentence = 24;  // less is no fun to read
+
+// Lines of a table whose columns are so wide.
+class TableLines {
+public:
+    TableLines(const Report& report, const Style& style, std::vector<std::size_t> widths)
+        : report_(report), style_(style), widths_(std::move(widths)) {
+        for (std::size_t i = 0; i + 1 < widths_.size(); ++i) before_ += widths_[i] + kBetween;
+    }
+
+    void Append(std::string& out, const std::vector<std::string>& line, bool colour) const {
+        for (std::size_t i = 0; i < line.size(); ++i) {
+            if (i != 0) out.append(kBetween, ' ');
+            const bool last = i + 1 == line.size();
+            if (last && GoesOn(line[i])) {
+                const std::string lines = Wrapped(std::string(before_, ' '), line[i], style_.width);
+                out.append(lines, before_, lines.size() - before_ - 1);
+            } else {
+                AppendCell(out, i, line[i], colour ? ColourOf(line[i]) : std::string_view());
+            }
+        }
+        out += '\n';
+    }
+
+private:
+    // Whether it is a sentence that the terminal has no room for on this line.
+    bool GoesOn(std::string_view text) const {
+        return report_.columns.back().place == Place::kSentence &&
+               before_ + kNarrowestSentence <= style_.width &&
+               before_ + DisplayWidth(text) > style_.width;
+    }
+
+    void AppendCell(std::string& out, std::size_t i, std::string_view text,
+                    std::string_view colour) const {
+        const std::string blanks(widths_[i] - DisplayWidth(text), ' ');
+        const bool right = IsRightAligned(report_.columns[i].kind);
+        if (right) out += blanks;
+        out.append(colour).append(text);
+        if (!colour.empty()) out += kPlain;
+        if (!right && i + 1 != widths_.size()) out += blanks;
+    }
+
+    const Report& report_;
+    const Style& style_;
+    std::vector<std::size_t> widths_;
+    std::size_t before_ = 0;  // the columns of the terminal before the last one of the table
+};
+
 }  // namespace
 
-std::vector<std::size_t> ColumnsThatFit(const Report& report, const Style& style,
-                                        std::size_t width) {
-    constexpr std::size_t kBetween = 2;
+std::vector<std::size_t> ColumnsThatFit(const Report& report, const Style& style) {
     std::vector<bool> taken(report.columns.size(), false);
     std::size_t used = 0;
     std::size_t count = 0;
+    const auto take_one = [&](std::size_t column, std::size_t its_width) {
+        const std::size_t more = its_width + (count == 0 ? 0 : kBetween);
+        if (count != 0 && used + more > style.width) return false;
+        taken[column] = true;
+        used += more;
+        ++count;
+        return true;
+    };
+    const auto sentence = static_cast<std::size_t>(
+        std::ranges::find(report.columns, Place::kSentence, &ColumnInfo::place) -
+        report.columns.begin());
+    const std::size_t width = sentence == taken.size() ? 0 : WidthOf(report, sentence, style);
+    const std::size_t least = std::min(width, kNarrowestSentence);
+    if (sentence != taken.size()) take_one(sentence, least);
     const auto take = [&](Place place) {
         for (std::size_t i = 0; i < taken.size(); ++i) {
-            if (report.columns[i].place != place) continue;
-            const std::size_t more = WidthOf(report, i, style) + (count == 0 ? 0 : kBetween);
-            if (count != 0 && used + more > width) return false;
-            taken[i] = true;
-            used += more;
-            ++count;
+            if (report.columns[i].place != place || taken[i]) continue;
+            if (!take_one(i, WidthOf(report, i, style))) return false;
         }
         return true;
     };
-    if (take(Place::kTable)) take(Place::kWide);
+    if (take(Place::kTable)) {
+        used += width - least;  // all of it is worth more than further columns
+        take(Place::kWide);
+    }
     std::vector<std::size_t> chosen;
     for (std::size_t i = 0; i < taken.size(); ++i) {
         if (taken[i]) chosen.push_back(i);
@@ -91,38 +153,21 @@ std::vector<std::size_t> ColumnsThatFit(const Report& report, const Style& style
 }
 
 void WriteTable(const Report& report, const Style& style, bool header, std::string& out) {
-    const std::size_t count = report.columns.size();
     std::vector<std::vector<std::string>> texts;
-    std::vector<std::size_t> widths(count, 0);
-    if (header) {
-        for (std::size_t i = 0; i < count; ++i) widths[i] = DisplayWidth(report.columns[i].header);
-    }
     texts.reserve(report.rows.size());
-    for (const std::vector<Cell>& row : report.rows) {
-        texts.push_back(LineOf(report, row, style));
-        for (std::size_t i = 0; i < count; ++i) {
-            widths[i] = std::max(widths[i], DisplayWidth(texts.back()[i]));
-        }
+    for (const std::vector<Cell>& row : report.rows) texts.push_back(LineOf(report, row, style));
+    std::vector<std::size_t> widths(report.columns.size(), 0);
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+        if (header) widths[i] = DisplayWidth(report.columns[i].header);
+        for (const auto& line : texts) widths[i] = std::max(widths[i], DisplayWidth(line[i]));
     }
-    const auto append = [&](std::size_t i, std::string_view text, std::string_view colour) {
-        const std::string blanks(widths[i] - DisplayWidth(text), ' ');
-        const bool right = IsRightAligned(report.columns[i].kind);
-        if (i != 0) out += "  ";
-        if (right) out += blanks;
-        out.append(colour).append(text);
-        if (!colour.empty()) out += kPlain;
-        if (!right && i + 1 != count) out += blanks;
-    };
+    const TableLines lines(report, style, std::move(widths));
     if (header) {
-        for (std::size_t i = 0; i < count; ++i) append(i, report.columns[i].header, {});
-        out += '\n';
+        std::vector<std::string> headers;
+        for (const ColumnInfo& column : report.columns) headers.emplace_back(column.header);
+        lines.Append(out, headers, false);
     }
-    for (const std::vector<std::string>& line : texts) {
-        for (std::size_t i = 0; i < count; ++i) {
-            append(i, line[i], style.colour ? ColourOf(line[i]) : std::string_view());
-        }
-        out += '\n';
-    }
+    for (const std::vector<std::string>& line : texts) lines.Append(out, line, style.colour);
 }
 
 void WriteList(const Report& report, const Style& style, bool first, std::string& out) {

@@ -141,7 +141,7 @@ std::string CommandHelp(const CommandRow& command) {
         for (const ColumnInfo& column : columns) width = std::max(width, column.key.size());
         out += "\nColumns (a table shows those with a *, every other format all of them):\n";
         for (const ColumnInfo& column : columns) {
-            const std::string mark = column.place == Place::kTable ? "*" : "";
+            const std::string mark = column.place != Place::kWide ? "*" : "";
             AppendRow(out, std::string(column.key) + mark, column.help, width + 1);
         }
     }

@@ -136,11 +136,10 @@ std::vector<std::size_t> NamedColumns(const Report& report, const std::string& k
 // The columns that are shown when none are named. A table has the same in every pipe, and as many
 // as fit on a terminal.
 std::vector<std::size_t> PlacedColumns(const Report& report, const Style& style, bool all) {
-    const auto width = TerminalWidth();
-    if (!all && style.format == "table" && width) return ColumnsThatFit(report, style, *width);
+    if (!all && style.width != 0) return ColumnsThatFit(report, style);
     std::vector<std::size_t> chosen;
     for (std::size_t i = 0; i < report.columns.size(); ++i) {
-        if (all || style.format != "table" || report.columns[i].place == Place::kTable) {
+        if (all || style.format != "table" || report.columns[i].place != Place::kWide) {
             chosen.push_back(i);
         }
     }
@@ -191,6 +190,7 @@ Style StyleOf(const Invocation& invocation, std::string_view otherwise) {
     Style style;
     const std::string* const format = invocation.Get("--output");
     style.format = format == nullptr ? otherwise : std::string_view(*format);
+    if (style.format == "table") style.width = TerminalWidth().value_or(0);
     style.header = !invocation.Has("--no-header");
     style.bytes = invocation.Has("--bytes");
     style.si = invocation.Has("--si");
