@@ -1,10 +1,10 @@
-# The objects do not depend on the folder that the tree stands in: no path of it reaches them, neither
-# __FILE__ nor the debugger's names (start the debugger in the root of the tree). So a second build of
-# the same sources compiles nothing where ccache is installed, be it in another folder.
+# Object files contain no path of the tree's folder, neither in __FILE__ nor in debug information
+# (start the debugger in the root of the tree). So with ccache a second build of the same sources
+# compiles nothing, even in another folder.
 add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
 
-# ccache reads paths relative to the tree; the sloppiness is what precompiled headers take. Whoever
-# names a launcher of his own gets that one.
+# ccache gets paths relative to the tree, and the sloppiness that precompiled headers need. A
+# launcher that the user has set is kept.
 option(VEXORAPI_CCACHE "Compile through ccache where it is installed" ON)
 find_program(CCACHE ccache)
 mark_as_advanced(CCACHE)

@@ -1,9 +1,9 @@
 # vexor_controller_library(TARGET OBJECTS DESTINATION): one of our own controllers as a libhxraid.so of
 # those objects, installed in that folder.
 #
-# The soname has no version: it is the vendor's, whose library takes this one's place. It exports what
-# hxraid.h declares and nothing else. What is thrown inside is caught inside, and the C++ runtime that
-# this takes is in the library: it is loaded into PHP and into daemons, as the vendor's library is.
+# The soname has no version because it is the vendor's, whose library can replace this one. Only the
+# functions of hxraid.h are exported. Like the vendor's library it is loaded into PHP and into
+# daemons, so exceptions never leave it and the C++ runtime is linked statically.
 function(vexor_controller_library target objects destination)
     set(exports "${PROJECT_SOURCE_DIR}/controllers/hxraid.map")
     add_library(${target} SHARED "${PROJECT_SOURCE_DIR}/controllers/library/unload.cpp")
@@ -13,7 +13,7 @@ function(vexor_controller_library target objects destination)
         LINK_DEPENDS "${exports}")
     target_link_options(${target} PRIVATE
         "LINKER:--version-script=${exports}" "LINKER:--exclude-libs,ALL"
-        # clang names libm beside the static C++ runtime, whether or not anything of it is used.
+        # clang links libm along with the static C++ runtime even if nothing uses it.
         "LINKER:--as-needed" -static-libgcc -static-libstdc++)
     target_link_libraries(${target}
         PUBLIC hxraid_interface

@@ -1,8 +1,9 @@
-# vexor_precompiled(TARGET): the standard headers that most sources read are compiled once for the
-# target. Reading them takes a compiler three quarters of a second, which is most of what a small
-# source costs. Standard headers alone: a change of one of ours compiles only what includes it.
+# vexor_precompiled(TARGET): precompiles the standard headers that most sources use. Reading them
+# takes a compiler three quarters of a second, most of the time of a small source. Only standard
+# headers, so that a change of our own headers recompiles only the sources that include them.
 #
-# A source still includes all that it uses. The preset tidy builds without this, and tells.
+# A source still includes all that it uses: the preset tidy builds without this and notices missing
+# includes.
 function(vexor_precompiled target)
     target_precompile_headers(${target} PRIVATE
         <algorithm> <array> <bit> <charconv> <cstddef> <cstdint> <cstdio> <cstdlib> <cstring>
@@ -10,5 +11,6 @@ function(vexor_precompiled target)
         <string_view> <tuple> <utility> <vector>)
 endfunction()
 
-# clang puts the time into such a header, and whatever uses it would miss ccache.
+# Without this clang stores the time in such a header, so that sources that use it would miss in
+# ccache.
 add_compile_options("$<$<COMPILE_LANG_AND_ID:CXX,Clang>:SHELL:-Xclang -fno-pch-timestamp>")

@@ -1,17 +1,18 @@
-# vexor_run_path(TARGET [BUILD folder...] [INSTALL folder...] [DESTINATION folder]): where the built and
-# the installed file of the target look for their libraries. Comes behind the target's install(TARGETS).
+# vexor_run_path(TARGET [BUILD folder...] [INSTALL folder...] [DESTINATION folder]): sets the
+# library search paths of the built and of the installed file. Call it after the target's
+# install(TARGETS).
 #
-# CMake's own build run paths end in a colon whenever the path is another one when it is installed, and
-# an empty entry means the current folder: whoever starts a program of the build tree in a folder of
-# somebody else's would load the libraries that lie there. So CMake is told that the path stays, and it
-# is exchanged behind the installation, by the command that CMake's own scripts exchange it with. The
-# new path must not be longer than the old one, which is made long enough with "/.". A target that needs
-# no path of its own still comes here, for the 32-bit build's folder of libraries.
+# CMake's build run paths end in a colon when the installed path differs, and an empty entry means
+# the current folder: a program of the build tree started in another user's folder would load
+# libraries from there. So CMake is told that the path does not change, and it is replaced after the
+# installation by the command that CMake's own scripts use. The new path must not be longer than the
+# old one, which is padded with "/.". A target without its own path still needs this call, for the
+# 32-bit build's folder of libraries.
 function(vexor_run_path target)
     cmake_parse_arguments(PARSE_ARGV 1 run_path "" "DESTINATION" "BUILD;INSTALL")
     list(JOIN run_path_INSTALL ":" installed)
     list(JOIN run_path_BUILD ":" built)
-    # Libraries from a folder of their own, as the 32-bit ones.
+    # Libraries in a separate folder, such as the 32-bit ones.
     get_filename_component(expat_folder "${EXPAT_LIBRARY}" DIRECTORY)
     if(NOT expat_folder IN_LIST CMAKE_C_IMPLICIT_LINK_DIRECTORIES)
         if(NOT built STREQUAL "")

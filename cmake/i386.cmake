@@ -1,6 +1,6 @@
-# Builds for 32-bit x86 with the machine's own compiler. Its 32-bit runtime comes with g++-multilib,
-# the other libraries from the folder that scripts/i386-sysroot fills. The programs run on this
-# machine as they are: the build's run path leads into that folder.
+# Builds for 32-bit x86 with the machine's compiler. Its 32-bit runtime comes with g++-multilib, the
+# other libraries from the folder that scripts/i386-sysroot fills. The programs run on this machine,
+# since the build's run path contains that folder.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 
@@ -12,13 +12,13 @@ if(NOT EXISTS "${vexorapi_i386_root}/contents")
     message(FATAL_ERROR "No 32-bit libraries; run: scripts/i386-sysroot ${VEXORAPI_I386_SYSROOT}")
 endif()
 
-# Files past 2 GiB and dates past 2038, in everything that is compiled here, GoogleTest included.
+# Support files past 2 GiB and dates past 2038 in everything, including GoogleTest.
 set(vexorapi_i386_flags "-m32 -D_FILE_OFFSET_BITS=64 -D_TIME_BITS=64")
 set(CMAKE_C_FLAGS_INIT "${vexorapi_i386_flags}")
 set(CMAKE_CXX_FLAGS_INIT "${vexorapi_i386_flags}")
 
-# Libraries come from that folder or not at all: the machine's own are 64 bits wide. Header-only
-# packages and programs are the machine's.
+# Libraries come only from that folder, because the machine's are 64-bit. Header-only packages and
+# programs come from the machine.
 set(CMAKE_LIBRARY_ARCHITECTURE i386-linux-gnu)
 set(CMAKE_FIND_ROOT_PATH "${vexorapi_i386_root}")
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

@@ -63,7 +63,7 @@ static_assert(sizeof(VX_EvEntryHeader) % kCacheLine == 0);
 alignas(kCacheLine) constinit SlotBuffer slot_buffer{};
 constexpr auto& slots = slot_buffer.slots;
 
-// What stands at the start of the event file, read and written at once.
+// The start of the event file, read and written in one call.
 struct FileHead {
     VX_EvLogHeader header;
     VX_HX_ChangeCounters counters;

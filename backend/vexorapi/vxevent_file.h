@@ -15,7 +15,7 @@ inline constexpr HX_U32 kNoOffset = 0xFFFFFFFF;      // no entry has this sequen
 inline constexpr HX_U32 kDefaultCapacity = 50000;    // of a new file, unless configured
 inline constexpr std::size_t kStoredTextSize = 120;  // bytes of an event's text in the file
 
-// What VX_EvFile_Load and VX_EvSeqNoFile_Load open a file for.
+// The modes of VX_EvFile_Load and VX_EvSeqNoFile_Load.
 inline constexpr unsigned kForReading = 1;
 inline constexpr unsigned kForUpdate = 3;
 

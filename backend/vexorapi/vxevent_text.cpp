@@ -42,7 +42,7 @@ using enum Arg;  // so that a row stays on one line
 
 struct EventText {
     HX_U16 code;
-    // The whole text; its first "%s" takes the severity name. "%d" is signed, whatever it is given.
+    // The whole text; its first "%s" takes the severity name. "%d" is always signed.
     const char* form;
     std::array<Arg, 5> args{};  // what the other conversions take, in order
 };

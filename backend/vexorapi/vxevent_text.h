@@ -8,8 +8,8 @@
 
 inline constexpr std::size_t kEventTextSize = 512;  // room for an event's text, as callers give it
 
-// What VX_HX_EVT_Sprintf may touch of its buffer: the longest text there is, its NUL, and what the
-// digit writers spill behind it.
+// The bytes of its buffer that VX_HX_EVT_Sprintf may write: the longest text, its NUL, and the
+// bytes that the digit writers spill behind it.
 inline constexpr std::size_t kLongestEventText = 112;
 
 /// Renders the event as one line, its line end and a NUL included. `MsgBuf` has kEventTextSize

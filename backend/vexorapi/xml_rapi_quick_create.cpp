@@ -39,7 +39,7 @@ struct List {
 
     Request* AsRequest() { return reinterpret_cast<Request*>(this); }
 
-    // What the controller has returned: no more than there is room for, whatever it says.
+    // The returned records; never more than there is room for, even if the controller reports more.
     std::span<const Item> Returned() const {
         return {items, std::min<std::size_t>(header.numReturned, room)};
     }

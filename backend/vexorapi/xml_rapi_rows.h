@@ -530,7 +530,7 @@ consteval Column<R, T, Form::Flag> Flag(const char* name, XmlType type, T R::*fi
     return {name, type.name, field};
 }
 
-/// A text in CDATA, as it stands in its field or cleaned first.
+/// A text in CDATA, unchanged or cleaned first.
 template <class Cleaner = PlainText, class R, class C, std::size_t n>
 consteval TextColumn<R, C, n, Cleaner, Markup::CData> CData(const char* name, C (R::*field)[n]) {
     static_assert(sizeof(C) == 1);

@@ -10,7 +10,7 @@
 
 inline constexpr std::size_t kUserTextSize = 128;  // a name, domain or password, its NUL included
 
-/// What a user may do with the front end.
+/// The rights of a user in the front end.
 enum UserGroup : HX_U32 {
     AdminUser = 1,
     ValidUser = 2,

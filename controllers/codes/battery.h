@@ -33,7 +33,7 @@ constexpr const auto& TableOf(BatteryBit) { return kBatteryBits; }
 template <>
 inline constexpr bool kAreBits<BatteryBit> = true;
 
-/// What it can do, as bits: featureSupport of BBU_Info.
+/// Its features, as bits: featureSupport of BBU_Info.
 enum class BatteryFeature : HX_U16 {
     kRelearn = 0x01,
     kThresholds = 0x02,

@@ -19,7 +19,7 @@ using hxsim::Machine;
 using vexortools::Command;
 using vexortools::ParseNumber;
 
-// What was typed.
+// The words of the command, as typed.
 struct InjectWords {
     std::string call, code, times = "0", after = "0", adapter;
     bool hostile = false;

@@ -9,7 +9,7 @@
 
 namespace hxmd {
 
-/// The machine as it is now, its objects with their numbers, and the state file's rows.
+/// The current machine, its objects with their numbers, and the state file's rows.
 struct View {
     Machine machine;
     Kept kept;

@@ -37,7 +37,7 @@ HX_U8 ParityDisks(const Array& array);
 StateCode StateOf(const Array& array);
 StateCode StateOf(const Member& member);
 
-/// What an array is doing.
+/// The activity of an array.
 struct Activity {
     ActivityCode kind = hxcodes::ActivityKind::kNone;
     ActivityStateCode state = hxcodes::ActivityState::kIdle;
@@ -47,7 +47,7 @@ struct Activity {
 };
 Activity ActivityOf(const Array& array);
 
-/// What a disk is used for.
+/// The use of a disk.
 struct Role {
     HX_U8 bits = 0;         // Status of HD_Info
     HX_U16 serves = kNoId;  // the array that it serves as a member or spare

@@ -27,7 +27,7 @@ constexpr HX_U8 BitsOf(std::initializer_list<Rate> rates) {
 // StripeSizeSupported has bit n for 2^n KiB, PortSupportType bit 0 for SAS and bit 1 for SATA: the
 // interface leaves both to the maker.
 
-// What all models have in common: the driver, the maker, ports of both kinds and sound images.
+// The common part of all models: the driver, the maker, ports of both kinds and healthy images.
 constexpr Adapter_Info AnyModel() {
     Adapter_Info model{};
     model.DriverVersion = {4, 1, 0, 1208};
@@ -43,7 +43,7 @@ constexpr Adapter_Info AnyModel() {
     return model;
 }
 
-// The larger one: expanders, disk groups, every level, a battery.
+// The larger model: expanders, disk groups, every level, a battery.
 constexpr Adapter_Info LargeModel() {
     Adapter_Info model = AnyModel();
     model.BIOSVersion = {3, 1, 0, 27};
@@ -79,7 +79,7 @@ constexpr Adapter_Info LargeModel() {
     return model;
 }
 
-// The smaller one: no expanders, no disk groups, no alarm, fewer levels and rates.
+// The smaller model: no expanders, no disk groups, no alarm, fewer levels and rates.
 constexpr Adapter_Info SmallModel() {
     Adapter_Info model = AnyModel();
     model.BIOSVersion = {3, 0, 1, 14};
@@ -107,7 +107,7 @@ constexpr Adapter_Info SmallModel() {
     return model;
 }
 
-// What an adapter is set to. A rate that its model does not let be set is what it always is.
+// The factory settings. A rate that cannot be set on the model is fixed at this value.
 constexpr Adapter_Config_V2 LargeSettings() {
     Adapter_Config_V2 settings{};
     settings.AlarmOn = 1;

@@ -1,4 +1,4 @@
-// What each disk is used for: by disk groups, by virtual disks, as a spare, or not at all.
+// The role of each disk: member of a disk group or of virtual disks, spare, or none.
 #pragma once
 
 #include <vector>

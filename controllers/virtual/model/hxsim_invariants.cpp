@@ -1,4 +1,4 @@
-// What must hold of a machine between two calls, rule by rule.
+// The rules that a machine must satisfy between two calls.
 //
 // The rules only read the rows and repair nothing. Sentences name an object by its address, as
 // hxsimctl does: a0/pd3 is disk 3 of adapter 0.

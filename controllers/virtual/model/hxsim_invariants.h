@@ -1,4 +1,4 @@
-// What must hold of a machine between two calls.
+// The rules that a machine must satisfy between two calls.
 #pragma once
 
 #include <string>

@@ -12,7 +12,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// A tree is left as deep as it is.
+// Does not limit the depth of the tree.
 constexpr std::size_t kMostLevels = 32;
 
 template <class Members>
