@@ -13,6 +13,7 @@
 #include <malloc.h>
 #include <pwd.h>
 #include <shadow.h>
+#include <signal.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -29,12 +30,16 @@ static long armed_at;
 static long calls;
 static long live_bytes;
 static long ahead;
+static size_t cut;
+
+static void Die(void) { kill(getpid(), SIGKILL); }
 
 // Returns the error to fail with, or 0.
 static int Fault(int kind) {
     if (kind != armed_kind) return 0;
     ++calls;
     if (armed_at == 0 || calls < armed_at || (calls > armed_at && !armed_always)) return 0;
+    if (armed_error == kFaultKill && kind != kFaultWrite) Die();
     return armed_error;
 }
 
@@ -50,6 +55,8 @@ long FaultDisarm(void) {
     armed_kind = kFaultNothing;
     return calls;
 }
+
+void FaultSetCut(size_t bytes) { cut = bytes; }
 
 void FaultSetClockAhead(long seconds) { ahead = seconds; }
 
@@ -152,17 +159,24 @@ void free(void* block) {
         errno = error;                            \
         return -1;                                \
     }
-// Reads, writes: a short one moves half of the bytes, and at least one.
-#define MOVE(name, kind, parameters, arguments, shorter) \
-    ssize_t name parameters {                            \
-        NEXT(ssize_t(*) parameters, #name)               \
-        const int error = Fault(kind);                   \
-        if (error == 0) return next arguments;           \
-        if (error == kFaultShort) return next shorter;   \
-        errno = error;                                   \
-        return -1;                                       \
+// Of the bytes of a read or write: half of them, and at least one, or those before a kill.
+static size_t Part(size_t size) {
+    if (armed_error == kFaultKill) return cut < size ? cut : size;
+    return size > 1 ? size / 2 : size;
+}
+static ssize_t AfterPart(int error, ssize_t moved) {
+    if (error == kFaultKill) Die();
+    return moved;
+}
+#define MOVE(name, kind, parameters, arguments, shorter)                                        \
+    ssize_t name parameters {                                                                   \
+        NEXT(ssize_t(*) parameters, #name)                                                      \
+        const int error = Fault(kind);                                                          \
+        if (error == 0) return next arguments;                                                  \
+        if (error == kFaultShort || error == kFaultKill) return AfterPart(error, next shorter); \
+        errno = error;                                                                          \
+        return -1;                                                                              \
     }
-#define HALF (size > 1 ? size / 2 : size)
 
 #undef open
 #undef open64
@@ -176,25 +190,25 @@ OPEN_2(__open_2)
 OPEN_2(__open64_2)
 
 MOVE(read, kFaultRead, (int file, void* bytes, size_t size), (file, bytes, size),
-     (file, bytes, HALF))
+     (file, bytes, Part(size)))
 MOVE(__read_chk, kFaultRead, (int file, void* bytes, size_t size, size_t room),
-     (file, bytes, size, room), (file, bytes, HALF, room))
+     (file, bytes, size, room), (file, bytes, Part(size), room))
 #undef pread
 #undef pwrite
 MOVE(pread, kFaultRead, (int file, void* bytes, size_t size, off_t at), (file, bytes, size, at),
-     (file, bytes, HALF, at))
+     (file, bytes, Part(size), at))
 MOVE(pread64, kFaultRead, (int file, void* bytes, size_t size, off64_t at), (file, bytes, size, at),
-     (file, bytes, HALF, at))
+     (file, bytes, Part(size), at))
 MOVE(__pread_chk, kFaultRead, (int file, void* bytes, size_t size, off_t at, size_t room),
-     (file, bytes, size, at, room), (file, bytes, HALF, at, room))
+     (file, bytes, size, at, room), (file, bytes, Part(size), at, room))
 MOVE(__pread64_chk, kFaultRead, (int file, void* bytes, size_t size, off64_t at, size_t room),
-     (file, bytes, size, at, room), (file, bytes, HALF, at, room))
+     (file, bytes, size, at, room), (file, bytes, Part(size), at, room))
 MOVE(write, kFaultWrite, (int file, const void* bytes, size_t size), (file, bytes, size),
-     (file, bytes, HALF))
+     (file, bytes, Part(size)))
 MOVE(pwrite, kFaultWrite, (int file, const void* bytes, size_t size, off_t at),
-     (file, bytes, size, at), (file, bytes, HALF, at))
+     (file, bytes, size, at), (file, bytes, Part(size), at))
 MOVE(pwrite64, kFaultWrite, (int file, const void* bytes, size_t size, off64_t at),
-     (file, bytes, size, at), (file, bytes, HALF, at))
+     (file, bytes, size, at), (file, bytes, Part(size), at))
 
 // A short one moves the first part alone.
 MOVE(writev, kFaultWrite, (int file, const struct iovec* parts, int count), (file, parts, count),
@@ -213,6 +227,9 @@ SIMPLE(int, fdatasync, kFaultSync, (int file), (file), -1)
 SIMPLE(int, ftruncate, kFaultTruncate, (int file, off_t size), (file, size), -1)
 SIMPLE(int, ftruncate64, kFaultTruncate, (int file, off64_t size), (file, size), -1)
 SIMPLE(int, rename, kFaultRename, (const char* from, const char* to), (from, to), -1)
+SIMPLE(int, renameat2, kFaultRename,
+       (int from_folder, const char* from, int to_folder, const char* to, unsigned flags),
+       (from_folder, from, to_folder, to, flags), -1)
 
 #define MAP(name, offset)                                                                 \
     void* name(void* at, size_t size, int protection, int flags, int file, offset from) { \

@@ -4,6 +4,8 @@
  * for every library that the program loads. */
 #pragma once
 
+#include <stddef.h>
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -24,12 +26,16 @@ enum FaultKind {
     kFaultKinds
 };
 
-/* An error beside the system's numbers: a read or write of half the bytes. */
-enum { kFaultShort = 10000 };
+/* Errors beside the system's numbers: a read or write of half the bytes; the end of the process
+ * by SIGKILL, before the call or within a write. */
+enum { kFaultShort = 10000, kFaultKill = 10001 };
 
 /* From now on call number `at` (from 1; 0: none) of that kind fails with `error`, and with `always`
  * all that follow. */
 void FaultArm(int kind, long at, int always, int error);
+
+/* The write in which the process is killed has moved so many bytes. */
+void FaultSetCut(size_t bytes);
 
 /* Everything succeeds again. Returns how many calls of the kind there were since FaultArm. */
 long FaultDisarm(void);

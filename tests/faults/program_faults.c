@@ -4,7 +4,8 @@
  * FAULT_KIND=NUMBER    which calls: enum FaultKind
  * FAULT_AT=NUMBER      the call that fails, from 1; 0: none does
  * FAULT_ALWAYS=1       and all that follow it
- * FAULT_ERROR=NUMBER   errno, or kFaultShort
+ * FAULT_ERROR=NUMBER   errno, kFaultShort or kFaultKill
+ * FAULT_CUT=NUMBER     of kFaultKill: the bytes that the write has moved
  * FAULT_COUNT=FILE     the number of calls is written there at the end */
 #include <fcntl.h>
 #include <stdio.h>
@@ -22,6 +23,7 @@ static long Number(const char* name) {
 
 __attribute__((constructor)) static void Begin(void) {
     count_file = getenv("FAULT_COUNT");
+    FaultSetCut((size_t)Number("FAULT_CUT"));
     FaultArm((int)Number("FAULT_KIND"), Number("FAULT_AT"), (int)Number("FAULT_ALWAYS"),
              (int)Number("FAULT_ERROR"));
 }
