@@ -31,7 +31,7 @@ struct Lookup {
     const VirtualDisk& virtual_disk;
     Object object;
     Redundancy redundancy;
-    const Activity* activity = nullptr;  // its own, or its disk group's
+    const Activity* activity = nullptr;  // the virtual disk's own or its disk group's
     const Disk* spare = nullptr;         // a spare that fits
     const Disk* free = nullptr;          // a free disk that would fit
 

@@ -1,4 +1,4 @@
-// Folding, order, sentences and next steps.
+// Folds and sorts conditions, and composes their sentences and next steps.
 #include "conditions/hxc_overview.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::int64_t kToldAfter = 60;  // seconds: "1 min ago"
 
-// A shown condition on its way into the overview.
+// A shown condition while the overview is composed.
 struct Entry {
     const Held* held = nullptr;
     const Row* row = nullptr;

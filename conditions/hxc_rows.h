@@ -137,7 +137,7 @@ enum class Family : std::uint8_t {
 
 /// The data that a row needs besides one look at the machine.
 enum class Needs : std::uint8_t {
-    kLook,    // nothing
+    kLook,    // nothing more
     kMemory,  // the results of earlier looks
     kEvents,  // events: it is known only from them
 };

@@ -27,7 +27,7 @@ inline constexpr HX_U16 kEmptyElement = 1;  // start: close the element at once,
 inline constexpr HX_U16 kNoIndent = 2;      // text, end: continue the current line
 inline constexpr HX_U16 kNoNewLine = 4;     // start, text: no line end behind it
 
-// A formatted piece is cut to the room of the local buffers that pieces are formatted in.
+// The sizes of the local buffers for formatting; a longer piece is truncated.
 inline constexpr std::size_t kPieceSize = 1024;
 inline constexpr std::size_t kAttributeSize = 512;  // attribute text, character data
 
@@ -67,7 +67,7 @@ int XMLWR_MemCpy(XMLWR_Doc* Doc, const char* buf, HX_U16 Len);
 /// Moves the cursor by `pos` bytes, unless that is -1.
 void XMLWR_AddCurPos(XMLWR_Doc* Doc, int pos);
 
-/// Appends two blanks per open element, each pair a piece of its own.
+/// Appends two blanks per open element, each pair as a separate piece.
 void XMLWR_PrintTabs(XMLWR_Doc* Doc);
 
 /// Appends a line end.
@@ -82,7 +82,8 @@ void XMLWR_PrintNewLine(XMLWR_Doc* Doc);
 [[gnu::format(printf, 3, 4)]] int XMLWR_ElmtCharData(XMLWR_Doc* Doc, HX_U16 Flags, const char* fmt,
                                                      ...);
 
-/// XMLWR_ElmtStartPrintf and XMLWR_ElmtCharData with a text as it stands, cut like a formatted one.
+/// XMLWR_ElmtStartPrintf and XMLWR_ElmtCharData with a literal text, truncated like a formatted
+/// one.
 void StartElement(XMLWR_Doc* Doc, HX_U16 Flags, const char* Name, std::string_view attributes);
 void PutCharData(XMLWR_Doc* Doc, HX_U16 Flags, std::string_view text);
 

@@ -44,7 +44,7 @@ inline char* PutInner(char* at, std::uint32_t below_1000) {
 
 inline char* PutDecimal(char* at, HX_U8 value) { return PutStep(at, kLeadingDigits[value]); }
 
-// Always inlined: otherwise compilers decide by what else is in the source.
+// Always inlined: otherwise compilers decide by the rest of the source.
 [[gnu::always_inline]] inline char* PutDecimal(char* at, HX_U16 value) {
     const HX_U32 number = value;  // 16 bits take compilers more steps to divide
     if (number < 1000) [[likely]]

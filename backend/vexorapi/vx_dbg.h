@@ -19,8 +19,8 @@ extern constinit VX_DBG_Ext DBG_Ext;
 /// Whether VX_DBG_Printf would format its message.
 inline bool VX_DBG_On() { return DBG_Ext.Cfg.LogEnable != 0 && DBG_Ext.FileName[0] != '\0'; }
 
-/// Bytes that one request may add to the debug log. A command of 1 MiB that names its parameters as
-/// documented stays below it; one made for it fills five hundred times its own length.
+/// Bytes that one request may add to the debug log. A command of 1 MiB with documented parameters
+/// stays below it; a malicious one could log five hundred times its own length.
 inline constexpr std::size_t kMostTraced = 16777216;
 
 /// During its lifetime the debug log accepts kMostTraced bytes, then one line that says so, then

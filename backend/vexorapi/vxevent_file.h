@@ -74,7 +74,7 @@ static_assert(sizeof(VX_EvEntryHeader) == 192 && std::is_trivially_copyable_v<VX
 static_assert(offsetof(VX_EvEntryHeader, data) == 8 && offsetof(VX_EvEntryHeader, HXEvtMsg) == 72);
 static_assert(sizeof(Event) == sizeof(VX_EvEntryHeader::data));
 
-// The sequence-number file is one of these and nothing else.
+// The sequence-number file consists of one of these.
 struct VX_EvSeqNo {
     HX_U32 SequenceNo[kEventAdapters];   //  0: of the last event stored from that adapter; 0: none
     HX_U8 SerialNo[kEventAdapters][20];  // 16: always zero

@@ -51,15 +51,15 @@ HX_U8 HX_BIOS_Version(HX_U8* filename, VX_BIOS_Version* BiosVersion);
 
 // Files, by descriptor ---------------------------------------------------------------------------
 
-/// Writes `size` bytes where the file stands. Returns 1 when fewer were written, otherwise 0.
+/// Writes `size` bytes at the file's position. Returns 1 when fewer were written, otherwise 0.
 HX_U8 WriteToFile(int file, HX_U8* Data, HX_U32 size);
 
-/// Reads up to `len` bytes from where the file stands and sets *ReadBytes to their number: fewer at
-/// the end of the file or at an error. Returns 0.
+/// Reads up to `len` bytes at the file's position and sets *ReadBytes to their number: fewer at the
+/// end of the file or after an error. Returns 0.
 HX_U8 ReadFromFile(int file, HX_U8* buf, HX_U32 len, HX_U32* ReadBytes);
 
-/// The file's length; 0xFFFFFFFF when it has none or 32 bits do not hold it. The file stands where
-/// it stood.
+/// The file's length; 0xFFFFFFFF when it has none or 32 bits do not hold it. Keeps the file's
+/// position.
 HX_U32 GetFileLen(int file);
 
 /// lseek. Returns the new position; 0xFFFFFFFF when it fails or 32 bits do not hold it.

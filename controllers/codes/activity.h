@@ -13,7 +13,7 @@ namespace hxcodes {
 enum class ActivityKind : HX_U8 {
     kNone = 0,
     kCheck = 1,  // compares data and redundancy
-    kFix = 2,    // makes them agree
+    kFix = 2,    // also makes redundancy agree with the data
     kInitQuick = 3,
     kInitBackground = 4,
     kInitForeground = 5,

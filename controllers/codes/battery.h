@@ -5,7 +5,7 @@
 
 namespace hxcodes {
 
-/// Its state, as bits: status and prev_status of BBU_Info.
+/// The battery's state, as bits: status and prev_status of BBU_Info.
 enum class BatteryBit : HX_U32 {
     kPresent = 0x01,
     kCharging = 0x02,
@@ -33,7 +33,7 @@ constexpr const auto& TableOf(BatteryBit) { return kBatteryBits; }
 template <>
 inline constexpr bool kAreBits<BatteryBit> = true;
 
-/// Its features, as bits: featureSupport of BBU_Info.
+/// The battery's features, as bits: featureSupport of BBU_Info.
 enum class BatteryFeature : HX_U16 {
     kRelearn = 0x01,
     kThresholds = 0x02,

@@ -135,7 +135,7 @@ struct Kept : Seen {
     std::vector<KeptSpare> spares;
     std::vector<KeptSmart> smart;
     std::vector<KeptSetting> settings;
-    std::vector<KeptLook> look;  // none before the first one
+    std::vector<KeptLook> look;  // empty before the first look
     std::vector<QueuedEvent> events;
 };
 

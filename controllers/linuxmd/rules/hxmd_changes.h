@@ -43,7 +43,7 @@ inline constexpr std::size_t kMostEvents = 512;
 /// Appends an event to the queue. `text` goes into its sense data.
 void Queue(Kept& kept, const Happening& happening, std::int64_t now, std::string_view text = {});
 
-/// Takes the oldest events, at most `max`; returns how many.
+/// Moves the oldest events, at most `max`, from the queue to `events`. Returns their number.
 HX_U8 Take(Kept& kept, HX_U8 max, Event* events);
 
 }  // namespace hxmd

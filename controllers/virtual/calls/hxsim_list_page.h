@@ -26,7 +26,7 @@ public:
 private:
     const bool by_id_;
     const HX_U16 from_;
-    std::size_t place_ = 0;  // of the next row among those listed
+    std::size_t place_ = 0;  // index of the next listed row
 };
 
 /// Answers a list request with some of the adapter's rows, which ascend by ID.

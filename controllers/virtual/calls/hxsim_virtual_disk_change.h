@@ -20,7 +20,7 @@ Status SetVirtualDisk(Adapter& adapter, Time now, HX_U16 id, const LD_Config& co
 /// records.
 Status DeleteVirtualDisk(Adapter& adapter, Time now, HX_U16 id, bool erase_mbr);
 
-/// Takes a virtual disk and its disks over from another controller.
+/// Imports a foreign virtual disk with its disks.
 Status ImportVirtualDisk(Adapter& adapter, Time now, HX_U16 id);
 
 /// Whether a caller may send these cache bits.

@@ -58,7 +58,7 @@ Sectors Done(const Activity& activity, Time now) {
     const Sectors left = activity.total - std::min(activity.done, activity.total);
     const auto milliseconds = static_cast<std::uint64_t>(now - activity.since);
     const std::uint64_t speed = std::max<std::uint64_t>(activity.speed, 1);
-    // Whole seconds first, so that no product leaves 64 bits.
+    // Whole seconds first, so that no product overflows 64 bits.
     if (milliseconds / 1000 > left / speed) return activity.total;
     return activity.done +
            std::min(left, milliseconds / 1000 * speed + milliseconds % 1000 * speed / 1000);

@@ -89,7 +89,7 @@ Status MakeLayout(const Adapter& adapter, const Wish& wish, Layout& layout) {
     if (!wish.level) return Status::kBadLevel;
     const LevelRow& level = RowOf(*wish.level);
     if ((model.LogicalDriverMode & level.mode) == 0) return Status::kBadLevel;
-    // A stripe size in KiB is its own bit in the mask of those that are supported.
+    // In the mask of supported stripe sizes, the bit of a size has the value of its KiB.
     const HX_U16 stripe = wish.stripe_kib == 0 ? kUsualStripe : wish.stripe_kib;
     if ((stripe & (stripe - 1)) != 0 || (model.StripeSizeSupported & stripe) == 0) {
         return Status::kBadStripeSize;

@@ -18,7 +18,7 @@ void Queue(Adapter& adapter, Time now, EventKind kind, HX_U16 device,
 void Describe(HX_U8 adapter, Time now, EventKind kind, HX_U16 device, HX_U32 number,
               std::array<HX_U32, 4> params, std::string_view text, Event& event);
 
-/// Takes the oldest events off the queue: at most `max`. Returns how many.
+/// Moves the oldest events, at most `max`, from the queue to `events`. Returns their number.
 HX_U8 Take(Adapter& adapter, HX_U8 max, Event* events);
 
 }  // namespace hxsim

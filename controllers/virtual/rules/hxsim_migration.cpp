@@ -1,4 +1,4 @@
-// Migrations: virtual disks and disk groups that move to another level or to other disks.
+// Migrations of virtual disks and disk groups to another level or to other disks.
 #include "rules/hxsim_migration.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Migrations: virtual disks and disk groups that move to another level or to other disks.
+// Migrations of virtual disks and disk groups to another level or to other disks.
 //
 // A position that stays on its disk and needs no larger block keeps its block; the others get a
 // target block each, which is written while the old blocks serve. At the end the targets replace

@@ -10,7 +10,7 @@
 namespace hxsim {
 namespace {
 
-// Runs that a disk can remap.
+// The number of runs that a disk can remap.
 constexpr std::size_t kRemapRoom = 64;
 constexpr std::size_t kRemapWarning = kRemapRoom * 8 / 10;
 

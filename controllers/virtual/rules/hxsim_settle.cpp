@@ -29,7 +29,7 @@ constexpr SettlingRule kRules[] = {
     {"return spares", ReturnSpares},
 };
 
-// Far above what sound rules need: 4 rounds were the most in long runs of random changes.
+// Far above the need of sound rules: long runs of random changes took at most 4 rounds.
 constexpr unsigned kMostRounds = 256;
 
 using RuleNames = std::vector<std::string_view>;
