@@ -137,7 +137,7 @@ constexpr TableOf<Machine> OneRow(const char* name) {
 }
 
 template <class Holder, const auto& tables, std::size_t i>
-constexpr TableOf<Holder> List() {
+constexpr TableOf<Holder> ListTable() {
     using Place = ItsList<tables, i>;
     return {Place::kTable.name, Place::kTable.kKeys, kColumnsIn<Holder, Place>,
             [](const Holder& holder) { return (holder.*Place::kTable.list).size(); },
@@ -146,13 +146,13 @@ constexpr TableOf<Holder> List() {
 
 template <class Holder, const auto& tables, std::size_t... i>
 constexpr auto Lists(std::index_sequence<i...>) {
-    return std::array{List<Holder, tables, i>()...};
+    return std::array{ListTable<Holder, tables, i>()...};
 }
 
 static_assert(std::tuple_size_v<decltype(kMachineTables)> == 2);
 constexpr std::array kOfMachine{OneRow<MachineItself>("machine"), OneRow<ItsClock>("clock"),
-                                List<Machine, kMachineTables, 0>(),
-                                List<Machine, kMachineTables, 1>()};
+                                ListTable<Machine, kMachineTables, 0>(),
+                                ListTable<Machine, kMachineTables, 1>()};
 constexpr auto kOfAdapter = Lists<Adapter, kAdapterTables>(
     std::make_index_sequence<std::tuple_size_v<decltype(kAdapterTables)>>());
 

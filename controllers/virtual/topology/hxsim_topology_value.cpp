@@ -21,7 +21,7 @@ auto PlaceOf(Members& members, std::string_view name) {
 }
 
 // The member of that name, added as a null when missing.
-TopologyValue& MemberOf(TopologyValue::Object& members, std::string_view name) {
+TopologyValue& MemberNamed(TopologyValue::Object& members, std::string_view name) {
     auto place = PlaceOf(members, name);
     if (place == members.end() || place->name != name) {
         place = members.insert(place, TopologyMember{std::string(name), {}});
@@ -67,7 +67,7 @@ private:
         if (auto* const list = std::get_if<TopologyValue::List>(&open_.back()->held)) {
             return list->emplace_back();
         }
-        return MemberOf(std::get<TopologyValue::Object>(open_.back()->held), name_);
+        return MemberNamed(std::get<TopologyValue::Object>(open_.back()->held), name_);
     }
     template <class Value>
     bool Keep(Value value) {
@@ -138,7 +138,7 @@ void TopologyValue::Merge(const TopologyValue& patch) {
         if (member.value.As<std::nullptr_t>() != nullptr) {
             Erase(member.name);
         } else {
-            MemberOf(std::get<Object>(held), member.name).Merge(member.value);
+            MemberNamed(std::get<Object>(held), member.name).Merge(member.value);
         }
     }
 }
