@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The manual pages: mandoc finds nothing in them, and they tell all that the sources know.
 
-usage: manual_test.py TREE FOLDER_OF_PROGRAMS
+usage: manual_test.py TREE FOLDER_OF_PROGRAMS FOLDER_OF_VEXORCTL_PAGES
 
 Without mandoc its part is skipped, and fails where the variable CI is set; scripts/bootstrap installs it.
 """
@@ -17,7 +17,8 @@ import tempfile
 import unittest
 
 TREE, PROGRAMS = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
-PAGES = sorted((TREE / "docs/man").glob("*.[1-9]"))
+WRITTEN = sorted(pathlib.Path(sys.argv[3]).glob("*.[1-9]"))  # by a program, while building
+PAGES = sorted((TREE / "docs/man").glob("*.[1-9]")) + WRITTEN
 
 SECTIONS = {
     "1": ["NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "ENVIRONMENT", "FILES", "EXIT STATUS",
@@ -53,7 +54,8 @@ def lint(page):
                      "mandoc is not installed; scripts/bootstrap installs it")
 class Lint(unittest.TestCase):
     def test_finds_nothing_in_any_page(self):
-        self.assertGreater(len(PAGES), 6)
+        self.assertGreater(len(PAGES) - len(WRITTEN), 6)
+        self.assertGreater(len(WRITTEN), 16)
         for page in PAGES:
             with self.subTest(page=page.name):
                 self.assertEqual(lint(page), [])
@@ -79,13 +81,43 @@ class Pages(unittest.TestCase):
         for page in PAGES:
             for name, section in re.findall(r"\bXr (\S+) (\d)", page.read_text()):
                 with self.subTest(page=page.name, other=name):
-                    self.assertTrue(f"{name}.{section}" in own or name.startswith("vexorctl"))
+                    self.assertIn(f"{name}.{section}", own)
 
     def test_are_all_installed_in_the_folder_of_their_section(self):
         listed = (TREE / "docs/man/CMakeLists.txt").read_text()
-        for page in PAGES:
+        for page in set(PAGES) - set(WRITTEN):
             section = page.suffix[1:]
             self.assertRegex(listed, rf"install\(FILES[^)]*\b{re.escape(page.name)}[^)]*/man{section}\"\)")
+
+
+class Vexorctl(unittest.TestCase):
+    def test_has_every_verb_and_every_option_of_the_help(self):
+        for page in WRITTEN:
+            noun = page.stem.partition("-")[2]
+            text = page.read_text()
+            help_text = run(PROGRAMS / "vexorctl", *noun.split(), "--help").stdout
+            verbs = re.findall(r"^  ([\w-]+) ", (help_text + "\n\n").split("\nVerbs:\n")[-1]
+                               .split("\n\n")[0], re.MULTILINE) if "\nVerbs:\n" in help_text else []
+            for words in [[noun, verb] for verb in verbs] or [[noun]] if noun else []:
+                with self.subTest(page=page.name, words=words):
+                    self.assertIn(f"\n.Ss {' '.join(words)}\n", text)
+                    options = run(PROGRAMS / "vexorctl", *words, "--help").stdout
+                    for option in re.findall(r"^  (?:-\w, )?-(-[\w-]+)", options, re.MULTILINE):
+                        self.assertRegex(text, rf"(?m)^\.It Fl (?:\w , )?{option}( |$)")
+
+    def test_has_the_exit_codes_of_each_noun(self):
+        pages = {page.stem: page.read_text() for page in WRITTEN}
+
+        def codes(name):
+            part = pages[name].split(".Sh EXIT STATUS\n")[1].split(".Sh ")[0]
+            return re.findall(r"^\.It (\d+)$", part, re.MULTILINE)
+
+        text = run(PROGRAMS / "vexorctl", "--help").stdout.split("Exit codes:\n")[1]
+        usual = re.findall(r"^ +(\d+) ", text, re.MULTILINE)
+        self.assertEqual(codes("vexorctl"), usual)
+        self.assertEqual(codes("vexorctl-disk"), usual)
+        self.assertEqual(codes("vexorctl-check"), ["0", "1", "2", "3"])
+        self.assertEqual(codes("vexorctl-risk"), [*usual, "9"])
 
 
 class Hxsimctl(unittest.TestCase):

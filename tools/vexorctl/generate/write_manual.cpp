@@ -8,13 +8,12 @@
 #include <string>
 
 #include "generate/json_schema.h"
+#include "generate/manual_pages.h"
 #include "model/codes_file.h"
-#include "model/exit_code.h"
 #include "model/library_functions.h"
 #include "nouns/nouns.h"
 #include "output/cell.h"
 #include "shell/command_rows.h"
-#include "shell/help.h"
 
 namespace vexorctl {
 
@@ -40,50 +39,6 @@ std::string FunctionTable() {
     return out;
 }
 
-// Text as roff takes it: no line begins with a dot or a quote, and dashes stay dashes.
-std::string Roff(std::string_view text) {
-    std::string out;
-    for (const char c : text) {
-        if (c == '-') {
-            out += "\\-";
-        } else if (c == '\\') {
-            out += "\\e";
-        } else {
-            out += c;
-        }
-    }
-    if (out.starts_with('.') || out.starts_with('\'')) out.insert(0, "\\&");
-    return out;
-}
-
-std::string Page(const std::string& title, std::string_view summary, const std::string& body) {
-    return ".TH " + title + " 1 \"\" \"vexorctl " VEXORCTL_VERSION "\" \"vexorctl\"\n.SH NAME\n" +
-           Roff(title) + " \\- " + Roff(summary) + "\n" + body + ".SH EXIT STATUS\n.nf\n" +
-           Roff(ExitCodeHelp()) + ".fi\n";
-}
-
-std::string CommandSection(const CommandRow& command) {
-    std::string out =
-        ".SH \"" + Roff(UsageLine(command).substr(9)) + "\"\n" + Roff(command.summary) + ".\n";
-    if (!command.note.empty()) out += ".PP\n" + Roff(command.note) + "\n";
-    for (const OptionRow& option : OptionsOf(command)) {
-        out += ".TP\n.B " + Roff(option.name);
-        if (!option.value.empty()) out += " " + Roff(option.value);
-        out += "\n" + Roff(option.help) + ".";
-        if (!option.choices.empty()) out += " One of: " + Roff(option.choices) + ".";
-        out += "\n";
-    }
-    if (command.columns != nullptr) {
-        out += ".PP\nColumns:\n";
-        for (const ColumnInfo& column : command.columns()) {
-            out += ".TP\n.I " + Roff(column.key) + "\n" + Roff(column.help) + ".\n";
-        }
-    }
-    out += ".PP\nExamples:\n.PP\n.nf\n";
-    for (const std::string_view example : command.examples) out += Roff(example) + "\n";
-    return out + ".fi\n";
-}
-
 bool WriteFile(const std::string& path, const std::string& text) {
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file << text;
@@ -93,22 +48,13 @@ bool WriteFile(const std::string& path, const std::string& text) {
 }
 
 bool WritePages(const std::string& folder) {
-    std::string nouns =
-        ".SH DESCRIPTION\n.nf\n" + Roff(ProgramHelp(Nouns())) + ".fi\n.SH SEE ALSO\n";
     bool written = true;
-    for (const NounRow& noun : Nouns()) {
-        const std::string title = "vexorctl-" + std::string(noun.name);
-        std::string body = ".SH SYNOPSIS\n.nf\n";
-        for (const CommandRow& command : noun.commands) body += Roff(UsageLine(command)) + "\n";
-        body += ".fi\n";
-        for (const CommandRow& command : noun.commands) body += CommandSection(command);
+    for (const ManualPage& page : ManualPages(Nouns())) {
         std::string path = folder;
-        path.append("/").append(title).append(".1");
-        written = WriteFile(path, Page(title, noun.summary, body)) && written;
-        nouns += ".BR " + Roff(title) + " (1)\n";
+        path.append("/").append(page.name).append(".1");
+        written = WriteFile(path, page.text) && written;
     }
-    return WriteFile(folder + "/vexorctl.1", Page("vexorctl", "manages RAID controllers", nouns)) &&
-           written;
+    return written;
 }
 
 }  // namespace
