@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kMostMistakes = 2;
 // Longer ones are no slips of somebody who typed a name.
-constexpr std::size_t kLongest = 128;
+constexpr std::size_t kLongestName = 128;
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -42,11 +42,11 @@ std::size_t Mistakes(std::string_view one, std::string_view other) {
 }  // namespace
 
 std::string_view NearestName(std::string_view typed, std::span<const std::string_view> names) {
-    if (typed.size() > kLongest) return {};
+    if (typed.size() > kLongestName) return {};
     std::string_view nearest;
     std::size_t least = kMostMistakes + 1;
     for (const std::string_view name : names) {
-        if (name.size() > kLongest) continue;
+        if (name.size() > kLongestName) continue;
         const std::size_t mistakes = Mistakes(typed, name);
         if (mistakes < least && 2 * mistakes < name.size()) {
             nearest = name;
