@@ -9,6 +9,7 @@ import os
 import pathlib
 import pty
 import re
+import select
 import struct
 import subprocess
 import termios
@@ -127,6 +128,125 @@ class Tables(WideCase):
                              "size_bytes,smart_alarm,wwn,parent_id")
         self.assertEqual([line.split("  ")[0] for line in run.stdout.splitlines()],
                          ["Size", "SMART alarm", "WWN", "Parent ID"])
+
+
+class Terminal:
+    """What stands on a terminal of that width after what was written to it."""
+
+    def __init__(self, columns):
+        self.columns, self.rows, self.row, self.column = columns, [""], 0, 0
+
+    def write(self, text):
+        for control, lines, character in re.findall(r"\x1b\[(\d*)([A-Za-z])|(.)", text, re.S):
+            if lines:
+                self.control(lines, int(control or 1))
+            elif character == "\r":
+                self.column = 0
+            elif character == "\n":
+                self.down()
+            else:
+                if self.column == self.columns:
+                    self.column = 0
+                    self.down()
+                line = self.rows[self.row].ljust(self.column)
+                self.rows[self.row] = line[:self.column] + character + line[self.column + 1:]
+                self.column += 1
+
+    def control(self, letter, count):
+        if letter == "A":
+            self.row = max(self.row - count, 0)
+        elif letter == "K":
+            self.rows[self.row] = self.rows[self.row][:self.column]
+        elif letter == "J":
+            self.rows[self.row] = self.rows[self.row][:self.column]
+            del self.rows[self.row + 1:]
+        else:
+            raise AssertionError(f"unknown control {letter}")
+
+    def down(self):
+        self.row += 1
+        if self.row == len(self.rows):
+            self.rows.append("")
+
+
+OVER = "vexorctl: a0/vd0: the wait timed out; the task goes on"
+
+
+class Watching(WideCase):
+    def watch(self, columns, *words, later=None):
+        """Runs task watch on a terminal. The texts that it wrote, one for each drawing, and how it
+        ended; `later` is done with the terminal after the third."""
+        master, slave = pty.openpty()
+        fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 40, columns, 0, 0))
+        process = subprocess.Popen([self.vexorctl, "task", "watch", *words], cwd=self.root,
+                                   stdout=slave, stderr=slave, stdin=subprocess.DEVNULL,
+                                   env=self.environment)
+        said = []
+        while process.poll() is None or select.select([master], [], [], 0)[0]:
+            if not select.select([master], [], [], 0.05)[0]:
+                continue
+            said.append(os.read(master, 65536).decode())
+            if len(said) == 3 and later:
+                later(slave)
+        os.close(slave)
+        os.close(master)
+        return said, process.returncode
+
+    def start(self, *addresses):
+        for address in addresses:
+            run = self.run_words("task", "start", address, "--kind", "check")
+            self.assertEqual(run.returncode, 0, run.stderr)
+
+    def test_all_are_shown_a_line_each_at_every_width(self):
+        self.start("a0/vd0", "a0/vd2", "a1/vd0")
+        for columns in (40, 60, 80, 200):
+            with self.subTest(columns=columns):
+                said, code = self.watch(columns, "--timeout", "1s")
+                self.assertEqual(code, 7)
+                terminal = Terminal(columns)
+                frames = 0
+                for text in said:
+                    terminal.write(text)
+                    if OVER.startswith(terminal.rows[0]):
+                        continue  # they are taken away, and the reason is told
+                    frames += 1
+                    self.assertEqual([line.split(" [")[0] for line in terminal.rows],
+                                     ["a0/vd0 check", "a0/vd2 check", "a1/vd0 check"])
+                    self.assertLess(max(map(len, terminal.rows)), columns)
+                    self.assertTrue(all(line.endswith("] 0%") for line in terminal.rows))
+                self.assertGreater(frames, 2)
+                self.assertEqual("".join(terminal.rows), OVER)
+
+    def test_another_width_holds_from_the_next_drawing_on(self):
+        self.start("a0/vd0", "a0/vd2")
+        said, _ = self.watch(80, "--timeout", "2s", later=lambda slave: fcntl.ioctl(
+            slave, termios.TIOCSWINSZ, struct.pack("HHHH", 40, 42, 0, 0)))
+
+        def widest(text):
+            return max(len(line) for line in re.sub(r"\x1b\[\d*[A-Z]", "", text).split("\r"))
+
+        self.assertGreater(widest(said[1]), 42)
+        self.assertLess(widest(said[5]), 42)
+
+    def test_what_is_paused_is_told_with_the_command_that_resumes_it(self):
+        self.start("a0/vd0", "a0/vd2")
+        self.machine.hxsimctl("clock", "advance", "1h")
+        self.run_words("task", "pause-all", "a0")
+        for words in (["watch"], ["wait"], ["wait", "--timeout", "20s"]):
+            run = self.run_words("task", *words)
+            self.assertRegex(run.stderr, r"\Avexorctl: a0/vd0: paused at \d+ %; to let it go on: "
+                                         r"vexorctl task resume a0/vd0\n"
+                                         r"vexorctl: a0/vd2: paused at \d+ %; to let it go on: "
+                                         r"vexorctl task resume a0/vd2\n\Z")
+            self.assertEqual((run.stdout, run.returncode), ("", 7))
+
+    def test_a_group_whose_percent_is_not_told_is_not_at_0(self):
+        run = self.run_words("dg", "migrate", "a0/dg0", "--raid", "6", "--to",
+                             "a0/pd0,a0/pd1,a0/pd2,a0/pd3,a0/pd11", "--yes")
+        self.assertEqual(run.returncode, 0, run.stderr)
+        said, _ = self.watch(80, "--timeout", "1s")
+        self.assertIn("a0/dg0 migration ?%", said[0])
+        self.assertNotIn(" 0%", said[0])
 
 
 class Screens(WideCase):

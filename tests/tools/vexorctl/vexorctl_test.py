@@ -556,7 +556,7 @@ EXIT_CODES = (
     "  5  the library, the controller, the configuration, the event store or standard output "
     "cannot be used\n"
     "  6  the command was declined or malformed, or its result did not fit\n"
-    "  7  the wait timed out; the work goes on\n"
+    "  7  the wait timed out and the work goes on, or the work is paused\n"
     "  8  not confirmed, or something changed between look and act\n"
     "  130  interrupted\n"
 )

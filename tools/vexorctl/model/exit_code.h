@@ -21,7 +21,7 @@ inline constexpr ExitMeaning kExitMeanings[] = {
      "the library, the controller, the configuration, the event store or standard output cannot "
      "be used"},
     {Exit::kUndelivered, "the command was declined or malformed, or its result did not fit"},
-    {Exit::kWaiting, "the wait timed out; the work goes on"},
+    {Exit::kWaiting, "the wait timed out and the work goes on, or the work is paused"},
     {Exit::kNotConfirmed, "not confirmed, or something changed between look and act"},
     {Exit::kInterrupted, "interrupted"},
 };

@@ -250,6 +250,11 @@ constexpr OptionRow kStartOptions[] = {
     kWaitOption,
 };
 
+constexpr std::string_view kWaitNote =
+    "Without a task it is about all that run. A terminal shows a line for each on standard error, "
+    "in the width that it has. Ctrl-C ends the waiting, not the task. When what is left is paused, "
+    "the exit code is 7, and the command that resumes it is told.";
+
 constexpr OptionRow kAdapterOption[] = {{"--adapter", "NUMBER", "Only those of this adapter"}};
 
 constexpr CommandRow kCommands[] = {
@@ -342,8 +347,7 @@ constexpr CommandRow kCommands[] = {
      .functions = kNamesOf<calls::HX_LD_GetStatus, calls::HX_PD_GetBGAStatus, calls::HX_DG_GetInfo>,
      .examples = {"vexorctl task wait", "vexorctl task wait a0/vd0 --timeout 10s"},
      .run = WaitTask,
-     .note = "Without a task it is about all that run. A terminal shows a bar on standard error. "
-             "Ctrl-C ends the waiting, not the task."},
+     .note = kWaitNote},
     {.noun = "task",
      .verb = "watch",
      .summary = "Watch tasks until their end",
@@ -354,8 +358,7 @@ constexpr CommandRow kCommands[] = {
      .functions = kNamesOf<calls::HX_LD_GetStatus, calls::HX_PD_GetBGAStatus, calls::HX_DG_GetInfo>,
      .examples = {"vexorctl task watch", "vexorctl task watch a0/vd0 --timeout 10s"},
      .run = WaitTask,
-     .note = "Without a task it is about all that run. A terminal shows a bar on standard error. "
-             "Ctrl-C ends the waiting, not the task."},
+     .note = kWaitNote},
 };
 
 }  // namespace

@@ -1,16 +1,14 @@
 #include "nouns/wait_for_tasks.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
+#include <iterator>
 
 #include "common/address.h"
 #include "model/controller_codes.h"
 #include "model/fault.h"
 #include "model/tasks.h"
-#include "output/progress_bar.h"
+#include "nouns/task_screen.h"
 #include "output/streams.h"
 #include "shell/interrupt.h"
 #include "shell/option_value.h"
@@ -23,62 +21,17 @@ using Clock = std::chrono::steady_clock;
 
 constexpr unsigned kLookMilliseconds = 200;
 
-double SecondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
+// Whether somebody has paused it: it goes on when somebody resumes it. One that the controller has
+// paused goes on by itself.
+bool IsPaused(const ControllerCodes& codes, const Task& task) {
+    return task.state && hxcodes::NameOf(codes.table().activity_states, *task.state) == "paused";
 }
 
-std::string Clocked(double seconds) {
-    const auto whole = static_cast<unsigned long>(std::min(seconds, 359999.0));
-    char text[32];
-    std::snprintf(text, sizeof(text), "%lu:%02lu:%02lu", whole / 3600, whole / 60 % 60, whole % 60);
-    return text;
+void ReportPaused(const Task& task) {
+    const std::string where = task.address.Text();
+    const std::string far = task.percent ? " at " + std::to_string(*task.percent) + " %" : "";
+    ReportFailure(where, "paused" + far + "; to let it go on: vexorctl task resume " + where);
 }
-
-// One line on standard error, drawn over itself; nothing at all in a pipe.
-class Bar {
-public:
-    explicit Bar(const ControllerCodes& codes)
-        : codes_(codes), drawn_on_terminal_(isatty(STDERR_FILENO) == 1) {}
-    ~Bar() { Clear(); }
-    Bar(const Bar&) = delete;
-    Bar& operator=(const Bar&) = delete;
-
-    void Draw(const Task& task) {
-        if (!drawn_on_terminal_) return;
-        const std::uint64_t percent = std::min<std::uint64_t>(task.percent.value_or(0), 100);
-        if (!started_) {
-            started_ = true;
-            first_ = percent;
-            start_ = Clock::now();
-        }
-        std::string activity(hxcodes::NameOf(codes_.table().activities, task.activity));
-        if (activity.empty()) activity = std::to_string(task.activity);
-        std::string line = BarText(task.address.Text() + " " + activity, percent);
-        const double elapsed = SecondsSince(start_);
-        if (percent > first_ && elapsed > 0) {
-            const double rate = static_cast<double>(percent - first_) / elapsed;
-            char text[64];
-            std::snprintf(text, sizeof(text), " %.1f%%/s, %s left", rate,
-                          Clocked(static_cast<double>(100 - percent) / rate).c_str());
-            line += text;
-        }
-        std::fwrite(line.data(), 1, line.size(), stderr);
-        shown_ = true;
-    }
-
-    void Clear() {
-        if (shown_) std::fputs(kClearLine, stderr);
-        shown_ = false;
-    }
-
-private:
-    const ControllerCodes& codes_;
-    bool drawn_on_terminal_;
-    bool shown_ = false;
-    bool started_ = false;
-    std::uint64_t first_ = 0;  // the percent at which it started to look
-    Clock::time_point start_;
-};
 
 // Which disk group a task belongs to matters only to those who wait for the group; a virtual disk
 // whose record cannot be read does not keep the others from waiting.
@@ -112,11 +65,11 @@ Exit WaitForTasks(Invocation& invocation, std::vector<std::string> addresses, Du
     const Clock::time_point start = Clock::now();
     const bool all = addresses.empty();
     const TaskDetail detail = DetailFor(addresses);
-    Bar bar(controller.codes());
+    TaskScreen screen(controller.codes());
     for (bool first = true;; first = false) {
         const std::vector<Task> tasks = LoadTasks(controller, detail);
         if (controller.exit() != Exit::kDone) {
-            bar.Clear();
+            screen.Clear();
             for (const Fault& fault : controller.faults()) {
                 ReportFailure(fault.address, fault.message);
             }
@@ -129,19 +82,27 @@ Exit WaitForTasks(Invocation& invocation, std::vector<std::string> addresses, Du
             return std::ranges::any_of(
                 addresses, [&](const std::string& address) { return IsTaskOf(task, address); });
         };
-        const auto running = std::ranges::find_if(tasks, waited_for);
-        if (running == tasks.end()) return Exit::kDone;
-        bar.Draw(*running);
+        std::vector<Task> left;
+        std::ranges::copy_if(tasks, std::back_inserter(left), waited_for);
+        if (left.empty()) return Exit::kDone;
+        const auto running = std::ranges::find_if(
+            left, [&](const Task& task) { return !IsPaused(controller.codes(), task); });
+        if (running == left.end()) {
+            screen.Clear();
+            for (const Task& task : left) ReportPaused(task);
+            return Exit::kWaiting;
+        }
+        screen.Draw(left);
         const std::string where = running->address.Text();
         const auto waited = std::chrono::duration_cast<Duration>(Clock::now() - start);
         if (!Interrupted() && timeout != kForever && waited >= timeout) {
-            bar.Clear();
+            screen.Clear();
             ReportFailure(where, "the wait timed out; the task goes on");
             return Exit::kWaiting;
         }
         SleepMilliseconds(kLookMilliseconds);
         if (Interrupted()) {
-            bar.Clear();
+            screen.Clear();
             ReportFailure(where, "interrupted; the task goes on");
             return Exit::kInterrupted;
         }

@@ -20,7 +20,8 @@ Duration TimeoutOf(const Invocation& invocation, std::string_view option = "--wa
 bool HasTask(Controller& controller, const std::string& address);
 
 /// Waits until no task runs at the address. kWaiting when the time is over, kInterrupted after
-/// Ctrl-C; the task goes on in both cases, and one line says so.
+/// Ctrl-C; the task goes on in both cases, and one line says so. kWaiting, too, when somebody has
+/// paused it: the line has the command that resumes it.
 Exit WaitForTask(Invocation& invocation, const std::string& address, Duration timeout);
 
 /// The same for several; an empty list means all that run now.

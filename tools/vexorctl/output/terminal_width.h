@@ -1,4 +1,4 @@
-// How wide the terminal is that standard output goes to.
+// How large the terminal is that a stream goes to.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,15 @@
 
 namespace vexorctl {
 
-/// In columns; null where the output goes to no terminal, or to one that does not tell.
+struct TerminalSize {
+    std::size_t columns;
+    std::size_t rows;
+};
+
+/// Null where the descriptor is no terminal, or one that does not tell.
+std::optional<TerminalSize> SizeOfTerminal(int descriptor);
+
+/// The columns of the terminal that standard output goes to.
 std::optional<std::size_t> TerminalWidth();
 
 }  // namespace vexorctl
