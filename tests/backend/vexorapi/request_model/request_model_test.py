@@ -38,6 +38,12 @@ CAPACITY = 300  # of the event store: small, so that it wraps
 UNTOUCHED, HOLDS_TEXT = 0, 1
 
 
+# What the driver runs under, from the command line.
+UNDER = []
+VALGRIND = ("--quiet", "--leak-check=full", "--errors-for-leak-kinds=definite,indirect,possible",
+            "--error-exitcode=99")
+
+
 class Difference(Exception):
     """The library and the model came to different answers."""
 
@@ -48,7 +54,7 @@ class Driver:
     def __init__(self, program, root):
         environment = dict(os.environ, VEXORAPI_ROOT=root)
         self.process = subprocess.Popen(
-            [os.path.abspath(program)], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+            [*UNDER, os.path.abspath(program)], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
             env=environment, cwd=root)
         names = self._read().decode().split()
         self.numbers = {name: number for number, name in enumerate(names)}
@@ -300,10 +306,13 @@ def main():
     parser.add_argument("--count", type=int, default=20000)
     parser.add_argument("--seed", type=int)
     parser.add_argument("--self-check", action="store_true")
+    parser.add_argument("--valgrind", metavar="PROGRAM")
     options = parser.parse_args()
     # The time of "adapter found" is local: a zone that differs from UTC shows it.
     os.environ["TZ"] = "XYZ-3:30"
     time.tzset()
+    if options.valgrind:
+        UNDER[:] = [options.valgrind, *VALGRIND]
     seed = options.seed
     if seed is None:
         seed = random.SystemRandom().randrange(1 << 31)
