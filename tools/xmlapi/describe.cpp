@@ -239,13 +239,6 @@ const Before kBefore[] = {
     {"HX_Flash_Option", "HX_Flash_Erase", {{"AdapterID", "0"}, {"Page", "1"}}},
 };
 
-const std::map<std::string, std::string> kRemarks = {
-    {"HX_LD_Import",
-     "The machine of the examples has no virtual disk of another controller: the answer is the "
-     "refusal\n"
-     "`not_foreign`."},
-};
-
 std::string ExampleValue(const std::string& function, const std::string& child) {
     std::string full = function;
     full.append(".").append(child);
@@ -319,7 +312,7 @@ std::vector<std::string> CommandsBefore(const FunctionText& function) {
     return commands;
 }
 
-std::string RemarkOn(const FunctionText& function) {
-    const auto remark = kRemarks.find(function.name);
-    return remark == kRemarks.end() ? std::string() : remark->second;
+std::string TopologyFor(const FunctionText& function) {
+    // No other one is about what the default machine lacks: a virtual disk of another controller.
+    return function.name == "HX_LD_Import" ? "examples/topologies/foreign.json" : "";
 }

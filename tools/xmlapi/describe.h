@@ -52,8 +52,8 @@ std::vector<FunctionText> DescribeManagement();
 /// The commands that prepare the machine for the example; usually none.
 std::vector<std::string> CommandsBefore(const FunctionText& function);
 
-/// A remark on the example; usually empty.
-std::string RemarkOn(const FunctionText& function);
+/// The topology file of the machine that the example needs; empty for the default machine.
+std::string TopologyFor(const FunctionText& function);
 
 /// An example command: every child once.
 std::string ExampleCommand(const FunctionText& function);

@@ -52,7 +52,8 @@ The examples work as they stand: `vexorctl xml FILE...` sends the commands of fi
 begins with a new machine of the default topology (`HXSIM_STATE=:memory:` makes one for each process), with
 `VEXORAPI_ROOT` naming a copy of `examples/root`, in whose event store lie the two events of
 [event-store.md](event-store.md), and with the top of this tree as the current folder. Commands that have to
-be sent before stand under "Before it".
+be sent before stand under "Before it"; `hxsimctl init` makes its machine in the file that `HXSIM_STATE` names
+then.
 )";
 
 std::string KindOf(const Child& child) {
@@ -288,12 +289,13 @@ void ListFunction(const FunctionText& function, const std::string& result, Recor
     text += function.elements.empty()
                 ? std::string("The result has no elements.\n")
                 : "Result:\n\n" + records.Table(function.name, function.elements);
-    if (const std::string remark = RemarkOn(function); !remark.empty())
-        text += "\n" + remark + "\n";
     const std::vector<std::string> before = CommandsBefore(function);
-    if (!before.empty()) text += "\nBefore it:\n";
+    const std::string topology = TopologyFor(function);
+    const bool needs_more = !before.empty() || !topology.empty();
+    if (needs_more) text += "\nBefore it:\n";
+    if (!topology.empty()) text += "\n```sh\nhxsimctl init --topology " + topology + "\n```\n";
     for (const std::string& command : before) text += "\n```xml\n" + command + "```\n";
-    if (!before.empty()) text += "\nThen:\n";
+    if (needs_more) text += "\nThen:\n";
     text += "\n```xml\n" + ExampleCommand(function) + "```\n\n```xml\n" + result + "\n```\n";
 }
 

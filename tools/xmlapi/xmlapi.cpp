@@ -82,6 +82,17 @@ void StoreExampleEvents() {
     VX_EvFile_Close();
 }
 
+// The machine of an example, as HXSIM_STATE names it. Opening the library creates
+// a new machine in memory, so that examples do not affect each other.
+void ChooseMachine(const FunctionText& function) {
+    const std::string topology = TopologyFor(function);
+    setenv("HXSIM_STATE", topology.empty() ? ":memory:" : "machine.db", 1);
+    if (topology.empty()) return;
+    const fs::path hxsimctl = fs::read_symlink("/proc/self/exe").parent_path() / "hxsimctl";
+    const std::string command = "'" + hxsimctl.string() + "' init --force --topology " + topology;
+    if (std::system(command.c_str()) != 0) throw std::runtime_error("failed: " + command);
+}
+
 // Runs the commands that prepare an example's machine.
 void RequireDone(const std::string& command, std::string& result) {
     if (vexorApi(command.c_str(), result.data(), VEXORAPI_MAX_RESULT) != 1 ||
@@ -93,8 +104,6 @@ void RequireDone(const std::string& command, std::string& result) {
 void RunExamples(std::vector<Chapter>& chapters, const fs::path& examples) {
     const ExampleRoot root(examples);
     std::string result(VEXORAPI_MAX_RESULT, '\0');
-    // Opening the library creates a new machine in memory, so that examples do not affect each
-    // other.
     setenv("HXSIM_STATE", ":memory:", 1);
     vexorApiInit();
     StoreExampleEvents();
@@ -102,6 +111,7 @@ void RunExamples(std::vector<Chapter>& chapters, const fs::path& examples) {
     for (Chapter& chapter : chapters) {
         for (const FunctionText& function : chapter.functions) {
             const std::string command = ExampleCommand(function);
+            ChooseMachine(function);
             vexorApiInit();
             for (const std::string& before : CommandsBefore(function)) {
                 RequireDone(before, result);
