@@ -97,7 +97,9 @@ void ChooseMachine(const FunctionText& function) {
 void RequireDone(const std::string& command, std::string& result) {
     if (vexorApi(command.c_str(), result.data(), VEXORAPI_MAX_RESULT) != 1 ||
         result.find("<RetVal type=\"U8\">0<") == std::string::npos) {
-        throw std::runtime_error("before an example, this failed:\n" + command + result.c_str());
+        // Up to the NUL behind the result.
+        const char* const answer = result.data();
+        throw std::runtime_error("before an example, this failed:\n" + command + answer);
     }
 }
 
