@@ -4,7 +4,8 @@
 usage: readme_program_test.py TREE BUILD LIBDIR COMPILER [OPTION]...
 
 The lines run in a temporary folder that looks like the tree: BUILD stands in it as build/release, and
-`cc` is the compiler of this build. LIBDIR is the folder of libraries below the prefix.
+`cc` is the compiler of this build. LIBDIR is the folder of libraries below the prefix. SYSTEM_LIBRARIES in the
+environment is the folder of the system's libraries, where neither compiler nor loader looks there by itself.
 """
 
 import os
@@ -46,6 +47,8 @@ class ReadmeProgram(unittest.TestCase):
             "VEXORAPI_ROOT": str(self.top / "root"), "HXSIM_STATE": ":memory:",
         }
         self.environment.pop("LD_LIBRARY_PATH", None)
+        if "SYSTEM_LIBRARIES" in os.environ:
+            self.environment["LD_LIBRARY_PATH"] = os.environ["SYSTEM_LIBRARIES"]
 
     def tearDown(self):
         self.folder.cleanup()
