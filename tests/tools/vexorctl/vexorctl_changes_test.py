@@ -185,6 +185,19 @@ class VirtualDisk(Changes):
                                "--size", "10GiB")
         self.assertIn("<HDIDs>16</HDIDs>", command)
 
+    def test_a_number_of_disks_that_the_level_cannot_take_is_refused_with_its_rule(self):
+        for raid, disks, rule in (
+            ("1", 3, "RAID 1 takes exactly 2 disks; 3 were given"),
+            ("5", 2, "RAID 5 takes 3 disks or more; 2 were given"),
+            ("1e", 4, "RAID 1e takes an odd number of disks from 3; 4 were given"),
+            ("10", 3, "RAID 10 takes an even number of disks from 4; 3 were given"),
+            ("50", 5, "RAID 50 takes 2 legs of 3 disks or more each, all of the same number; "
+                      "5 were given"),
+        ):
+            said = self.refused(223, "bad_disk_count", "vd", "create", "--adapter", "0", "--raid",
+                                raid, "--disks", disks)
+            self.assertIn(f"vexorctl: {rule} (a0/pd", said)
+
     def test_create_mixes_links_only_where_it_has_to(self):
         (command,) = self.plan("vd", "create", "--adapter", "0", "--raid", "0", "--disks", "3")
         self.assertIn("<HDIDs>16 13 14</HDIDs>", command)
@@ -195,9 +208,8 @@ class VirtualDisk(Changes):
         alternatives = (
             "; free on a1: a1/pd3, a1/pd4, a1/pd5, a1/pd6, a1/pd7 (465.73 GiB each), "
             "a1/pd2 (465.73 GiB, holds a boot record); "
-            "free on a0: a0/pd11, a0/pd12 (838.33 GiB each), a0/pd13, a0/pd14 (1.82 TiB each), "
-            "a0/pd16 (465.73 GiB); with room beside virtual disks on a0: a0/pd4, a0/pd5, a0/pd6, "
-            "a0/pd7, a0/pd8 (838.99 GiB each)\n")
+            "free on a0: a0/pd11, a0/pd12 (838.33 GiB each) and 3 more; with room beside virtual "
+            "disks on a0: 5 disks\n")
         said = self.refused(219, "bad_level", "vd", "create", "a1/pd3", "a1/pd4", "a1/pd5",
                             "a1/pd6", "--raid", "6")
         self.assertEqual(said, "vexorctl: RAID 6 over a1/pd3, a1/pd4, a1/pd5, a1/pd6: refused: The "

@@ -178,6 +178,39 @@ class Config(VexorctlCase):
         self.assertEqual(sum(source == "default" for _, source in settings.values()), 5)
 
 
+class Refusals(VexorctlCase):
+    def said(self, code, *words):
+        run = self.run_words(*words)
+        self.assertEqual(run.returncode, code, run.stderr)
+        return run.stderr.splitlines()[-1]
+
+    def test_a_slip_of_the_fingers_gets_the_nearest_word(self):
+        for words, nearest in (
+            (["dsik", "list"], "disk"), (["disk", "lst"], "list"),
+            (["vd", "list", "--colums", "name"], "--columns"),
+            (["vd", "list", "--outptu=json"], "--output"),
+        ):
+            self.assertIn(f'; did you mean "{nearest}"? (see vexorctl', self.said(2, *words))
+        for words in (["everything"], ["vd", "xx"], ["vd", "list", "--nothing-like-it"]):
+            self.assertNotIn("did you mean", self.said(2, *words))
+
+    def test_a_name_gets_the_nearest_name(self):
+        self.assertTrue(self.said(3, "vd", "show", "name:ARCHIVX").endswith(
+            '; see vexorctl vd list; did you mean "ARCHIVE"?'))
+        self.assertTrue(self.said(3, "disk", "show", "serial:6TW0D2lA").endswith(
+            '; did you mean "6TW0D21A"?'))
+        self.assertTrue(self.said(3, "vd", "show", "name:OTHER").endswith("; see vexorctl vd list"))
+
+    def test_the_address_of_something_else_gets_its_command(self):
+        for words, rest in (
+            (["vd", "show", "a0/pd0"], "a disk; see vexorctl disk show a0/pd0"),
+            (["dg", "show", "a0/vd0"], "a virtual disk; see vexorctl vd show a0/vd0"),
+            (["vd", "list", "a0/enc0"], "an enclosure; see vexorctl enclosure list a0/enc0"),
+        ):
+            self.assertEqual(self.said(3, *words),
+                             f"vexorctl: {words[-1]}: this is the address of {rest}")
+
+
 class Codes(VexorctlCase):
     def setUp(self):
         super().setUp()

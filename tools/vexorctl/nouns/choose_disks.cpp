@@ -55,7 +55,12 @@ bool HasRoomBeside(const Disk& disk) {
 }
 
 // "a1/pd3, a1/pd4 (465.73 GiB each), a1/pd2 (465.73 GiB, holds a boot record)"
-std::string Listed(std::span<const Disk* const> disks) {
+// At most `left` of them, which is counted down; the rest is counted.
+std::string Listed(std::span<const Disk* const> disks, std::size_t& left) {
+    const std::size_t all = disks.size();
+    disks = disks.first(std::min(left, all));
+    left -= disks.size();
+    if (disks.empty()) return std::to_string(all) + (all == 1 ? " disk" : " disks");
     const auto remark = [](const Disk& disk) {
         return std::pair(SectorsText(FreeSectors(disk)), DataOn(disk));
     };
@@ -70,10 +75,11 @@ std::string Listed(std::span<const Disk* const> disks) {
         text.append(RemarkOf(data)).append(")");
         at = end;
     }
+    if (disks.size() < all) text += " and " + std::to_string(all - disks.size()) + " more";
     return text;
 }
 
-std::string FreeOn(const std::vector<Disk>& disks, unsigned adapter) {
+std::string FreeOn(const std::vector<Disk>& disks, unsigned adapter, std::size_t& left) {
     std::vector<const Disk*> free_disks;
     std::vector<const Disk*> partly_free;
     for (const Disk& disk : disks) {
@@ -85,9 +91,9 @@ std::string FreeOn(const std::vector<Disk>& disks, unsigned adapter) {
     std::ranges::stable_sort(free_disks, {}, data_last);
     const std::string name = "a" + std::to_string(adapter);
     std::string text =
-        "; free on " + name + ": " + (free_disks.empty() ? "no disk" : Listed(free_disks));
+        "; free on " + name + ": " + (free_disks.empty() ? "no disk" : Listed(free_disks, left));
     if (!partly_free.empty()) {
-        text += "; with room beside virtual disks on " + name + ": " + Listed(partly_free);
+        text += "; with room beside virtual disks on " + name + ": " + Listed(partly_free, left);
     }
     return text;
 }
@@ -211,11 +217,20 @@ std::string Alternatives(Invocation& invocation, unsigned adapter) {
     const std::vector<unsigned> adapters = controller.Adapters();
     controller.Select(adapters);
     const std::vector<Disk> disks = LoadDisks(controller);
-    std::string text = FreeOn(disks, adapter);
+    std::size_t left = 8;
+    std::string text = FreeOn(disks, adapter, left);
     for (const unsigned other : adapters) {
-        if (other != adapter) text += FreeOn(disks, other);
+        if (other != adapter) text += FreeOn(disks, other, left);
     }
     return text;
+}
+
+std::string SubjectOf(const Invocation& invocation, const hxcodes::LevelRow& level,
+                      std::span<const Disk> disks) {
+    const auto legs = static_cast<unsigned>(invocation.Number("--legs", 255).value_or(0));
+    const std::string rule = BrokenDiskRule(level, legs, disks.size());
+    if (!rule.empty()) return rule + " (" + Addresses(disks) + ")";
+    return "RAID " + std::string(level.number) + " over " + Addresses(disks);
 }
 
 std::string Addresses(std::span<const Disk> disks) {

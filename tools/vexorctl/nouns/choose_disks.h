@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "codes/level.h"
 #include "common/address.h"
 #include "model/ask_controller.h"
 #include "model/disks.h"
@@ -38,8 +39,13 @@ std::vector<Disk> PickDisks(Invocation& invocation, std::size_t count, const Siz
                             const RoomOfDisks& room);
 
 /// What is free, on this adapter first and then on the others: "; free on a1: a1/pd3, a1/pd4
-/// (465.73 GiB each); free on a0: ...".
+/// (465.73 GiB each); free on a0: ...". Eight disks at most are named, the others counted.
 std::string Alternatives(Invocation& invocation, unsigned adapter);
+
+/// What a refused creation was about: the level's rule that the number of disks breaks, or the
+/// level and the disks.
+std::string SubjectOf(const Invocation& invocation, const hxcodes::LevelRow& level,
+                      std::span<const Disk> disks);
 
 /// The addresses of the disks with a comma between them.
 std::string Addresses(std::span<const Disk> disks);

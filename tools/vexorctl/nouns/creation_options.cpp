@@ -16,6 +16,31 @@ const hxcodes::LevelRow& LevelOption(const Invocation& invocation) {
     throw UsageError("--raid is missing: say one of 0, 1, 1e, 5, 6, 10, 50, 60");
 }
 
+std::string BrokenDiskRule(const hxcodes::LevelRow& level, unsigned asked_legs, std::size_t disks) {
+    const unsigned legs = hxcodes::LegsOf(level, asked_legs);
+    const std::size_t least = std::size_t{level.leg_least} * legs;
+    const std::size_t most = std::size_t{level.leg_most} * legs;
+    const bool odd = disks % 2 != 0;
+    const bool keeps = disks >= least && (most == 0 || disks <= most) && disks % legs == 0 &&
+                       !(level.leg_disks == hxcodes::Disks::kEven && odd) &&
+                       !(level.leg_disks == hxcodes::Disks::kOdd && !odd);
+    if (keeps) return "";
+    std::string rule;
+    if (least == most) {
+        rule = "exactly " + std::to_string(least) + " disks";
+    } else if (legs > 1) {
+        rule = std::to_string(legs) + " legs of " + std::to_string(level.leg_least) +
+               " disks or more each, all of the same number";
+    } else if (level.leg_disks == hxcodes::Disks::kAny) {
+        rule = std::to_string(least) + " disks or more";
+    } else {
+        rule = std::string(level.leg_disks == hxcodes::Disks::kOdd ? "an odd" : "an even") +
+               " number of disks from " + std::to_string(least);
+    }
+    return "RAID " + std::string(level.number) + " takes " + rule + "; " + std::to_string(disks) +
+           (disks == 1 ? " was given" : " were given");
+}
+
 std::optional<std::string> NameOption(const Invocation& invocation, NameMarkup markup) {
     const std::string* const name = invocation.Get("--name");
     if (name == nullptr) return std::nullopt;

@@ -19,6 +19,10 @@ inline constexpr std::string_view kLevelNames = "0 1 1e 5 6 10 50 60";
 /// --raid. Throws UsageError when it was not given.
 const hxcodes::LevelRow& LevelOption(const Invocation& invocation);
 
+/// The level's rule for the number of disks with the number that was given, "RAID 1 takes exactly 2
+/// disks; 3 were given"; empty where the rule is kept. No legs mean the level's own number.
+std::string BrokenDiskRule(const hxcodes::LevelRow& level, unsigned asked_legs, std::size_t disks);
+
 /// --name; null when it was not given. Throws UsageError for a name that the library's results
 /// cannot carry.
 std::optional<std::string> NameOption(const Invocation& invocation, NameMarkup markup);

@@ -163,9 +163,7 @@ Exit CreateDiskGroup(Invocation& invocation) {
     const auto size =
         answer[Look::Result::CreateOrModify_DG_Param][fields::CreateOrModify_DG_Param::Size];
     if (answer.exit != Exit::kDone || !size) {
-        throw Refused(invocation, adapter,
-                      "RAID " + std::string(level.number) + " over " + Addresses(disks), look,
-                      answer);
+        throw Refused(invocation, adapter, SubjectOf(invocation, level, disks), look, answer);
     }
     Request<Function> request{{Function::AdapterID, adapter}};
     AddCreation(request, invocation, level, disks, name);

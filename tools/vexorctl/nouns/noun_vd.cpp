@@ -341,9 +341,8 @@ Exit CreateOnDisks(Invocation& invocation) {
     const auto most = ask(disks);
     const auto most_sectors = room_of(most);
     if (most.exit != Exit::kDone || !most_sectors) {
-        throw Refused(invocation, adapter,
-                      "RAID " + std::string(level.number) + " over " + Addresses(disks),
-                      {Look::kName}, most);
+        throw Refused(invocation, adapter, SubjectOf(invocation, level, disks), {Look::kName},
+                      most);
     }
     const bool too_large = size.sectors.value_or(0) > *most_sectors;
     const std::uint64_t sectors =

@@ -10,6 +10,7 @@
 #include "shell/arguments.h"
 #include "shell/help.h"
 #include "shell/invocation.h"
+#include "shell/nearest_word.h"
 #include "shell/present.h"
 
 namespace vexorctl {
@@ -75,6 +76,18 @@ std::vector<std::string> ValuesOf(const OptionRow& row, const std::vector<std::s
     return values;
 }
 
+// What was meant by the first word that looks like an option and is none.
+std::string MeantOption(const std::vector<OptionRow>& rows, const std::vector<std::string>& words) {
+    std::vector<std::string> names;
+    for (const OptionRow& row : rows) names.emplace_back(row.name);
+    for (const std::string& word : words) {
+        const std::string name = word.substr(0, word.find('='));
+        if (!name.starts_with("--") || std::ranges::find(names, name) != names.end()) continue;
+        return Meant(name, names);
+    }
+    return "";
+}
+
 Invocation Parse(const CommandRow& row, const std::vector<std::string>& typed) {
     const vexortools::CommandParser parser;
     const vexortools::Command& program = parser.Program();
@@ -100,7 +113,7 @@ Invocation Parse(const CommandRow& row, const std::vector<std::string>& typed) {
         const std::string text = WithoutMarks(error.what());
         throw UsageError(text.substr(0, text.find(':')) + " needs a value");
     } catch (const UsageError& error) {
-        throw UsageError(WithoutMarks(error.what()));
+        throw UsageError(WithoutMarks(error.what()) + MeantOption(rows, words));
     }
 
     std::map<std::string, std::vector<std::string>> values;

@@ -3,6 +3,8 @@
 #include <iterator>
 
 #include "model/failure.h"
+#include "output/cell_text.h"
+#include "shell/nearest_word.h"
 
 namespace vexorctl {
 
@@ -43,21 +45,23 @@ std::vector<OptionRow> OptionsOf(const CommandRow& command) {
 }
 
 const NounRow& FindNoun(std::span<const NounRow> nouns, const std::string& word) {
-    std::string names;
+    std::vector<std::string> names;
     for (const NounRow& noun : nouns) {
         if (noun.name == word) return noun;
-        names.append(names.empty() ? "" : ", ").append(noun.name);
+        names.emplace_back(noun.name);
     }
-    throw UsageError("there is no \"" + word + "\"; say one of " + names);
+    throw UsageError("there is no \"" + word + "\"; say one of " + Joined(names, ", ") +
+                     Meant(word, names));
 }
 
 const CommandRow& FindVerb(const NounRow& noun, const std::string& word) {
-    std::string names;
+    std::vector<std::string> names;
     for (const CommandRow& command : noun.commands) {
         if (command.verb == word) return command;
-        names.append(names.empty() ? "" : ", ").append(command.verb);
+        names.emplace_back(command.verb);
     }
-    throw UsageError(std::string(noun.name) + " has no verb \"" + word + "\"; say one of " + names);
+    throw UsageError(std::string(noun.name) + " has no verb \"" + word + "\"; say one of " +
+                     Joined(names, ", ") + Meant(word, names));
 }
 
 }  // namespace vexorctl

@@ -16,6 +16,7 @@
 #include "output/write_json.h"
 #include "output/write_table.h"
 #include "output/write_xml.h"
+#include "shell/nearest_word.h"
 
 namespace vexorctl {
 
@@ -165,6 +166,41 @@ bool KeepNamed(const Report& report, const Selector& selector, std::vector<bool>
     return found;
 }
 
+struct KindRow {
+    ObjectKind kind;
+    std::string_view noun;
+    std::string_view verb;
+};
+constexpr KindRow kNounsOfKinds[] = {
+    {ObjectKind::kAdapter, "adapter", "show"},     {ObjectKind::kDisk, "disk", "show"},
+    {ObjectKind::kVirtualDisk, "vd", "show"},      {ObjectKind::kDiskGroup, "dg", "show"},
+    {ObjectKind::kEnclosure, "enclosure", "list"}, {ObjectKind::kElement, "enclosure", "elements"},
+};
+
+// Why nothing is shown for a target: the address of something else, or a name that comes near.
+std::string WhyAbsent(const Report& report, std::string_view noun, const Selector& selector) {
+    const std::string list = "; see vexorctl " + std::string(noun) + " list";
+    if (selector.form == Selector::Form::kAddress) {
+        const auto* const row =
+            std::ranges::find(kNounsOfKinds, selector.address.kind, &KindRow::kind);
+        if (row->noun != noun) {
+            return "this is the address of " + NameWithArticle(row->kind) + "; see vexorctl " +
+                   std::string(row->noun) + " " + std::string(row->verb) + " " + selector.typed;
+        }
+    }
+    std::string message = "there is no such " + std::string(noun) + list;
+    if (selector.form == Selector::Form::kAddress) return message;
+    const bool by_name = selector.form == Selector::Form::kName;
+    const auto column = std::ranges::find(
+        report.columns, by_name ? std::string_view("name") : "serial", &ColumnInfo::key);
+    if (column == report.columns.end()) return message;
+    std::vector<std::string> texts;
+    for (const std::vector<Cell>& row : report.rows) {
+        texts.push_back(row[static_cast<std::size_t>(column - report.columns.begin())].text);
+    }
+    return message + Meant(selector.text, texts);
+}
+
 // An adapter without such objects is an empty list, and one that is not there has its fault
 // already.
 bool IsFaultWhenAbsent(Controller& controller, const Selector& selector) {
@@ -275,9 +311,7 @@ Exit Show(Invocation& invocation, Report report, std::string_view format) {
     for (const std::string& target : invocation.targets()) {
         const Selector selector = ParseSelector(target);
         if (KeepNamed(report, selector, keep) || !IsFaultWhenAbsent(controller, selector)) continue;
-        std::string message = "there is no such ";
-        message.append(invocation.row().noun).append("; see vexorctl ");
-        message.append(invocation.row().noun).append(" list");
+        std::string message = WhyAbsent(report, invocation.row().noun, selector);
         controller.Note({.address = target, .name = "no_object", .message = std::move(message)},
                         Exit::kNoObject);
     }
