@@ -846,6 +846,11 @@ TEST_F(FileFunctions, FileSeekMovesFromStartPositionAndEnd) {
     EXPECT_EQ(Position(), 15);
 }
 
+TEST_F(FileFunctions, FileSeekToTheStartIsAtZero) {
+    EXPECT_EQ(FileSeek(file_, 5, SEEK_SET), 5U);
+    EXPECT_EQ(FileSeek(file_, 0, SEEK_SET), 0U);
+}
+
 TEST_F(FileFunctions, FileSeekTellsWhenItFails) {
     lseek(file_, 3, SEEK_SET);
     EXPECT_EQ(FileSeek(file_, -1, SEEK_SET), 0xFFFFFFFFU);
