@@ -7,6 +7,7 @@
  * FAULT_ERROR=NUMBER   errno, kFaultShort or kFaultKill
  * FAULT_CUT=NUMBER     of kFaultKill: the bytes that the write has moved
  * FAULT_COUNT=FILE     the number of calls is written there at the end */
+#define _GNU_SOURCE
 #include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>

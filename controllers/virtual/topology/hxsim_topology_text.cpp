@@ -8,7 +8,7 @@
 namespace hxsim {
 namespace {
 
-using List = TopologyValue::List;
+using Values = TopologyValue::List;
 
 [[noreturn]] void RefuseAt(const std::string& where, const std::string& expected) {
     throw TopologyError("Topology: " + where + ": expected " + expected + '.');
@@ -36,7 +36,7 @@ std::string PlaceIn(const std::string& list, std::size_t i) {
 }
 
 // The object, with the members that it leaves out taken from the object that it is `like`.
-TopologyValue WithLike(const List& list, const std::string& where, std::size_t i) {
+TopologyValue WithLike(const Values& list, const std::string& where, std::size_t i) {
     const TopologyValue& own = list[i];
     const TopologyValue* const like = own.Find("like");
     if (like == nullptr) {
@@ -82,7 +82,7 @@ void TopologyObject::Read(const TopologyValue& read, const std::string& where, s
 template <class Version, class Part>
 void TopologyObject::ReadVersion(const TopologyValue& read, const std::string& where,
                                  Version& version, std::initializer_list<Part Version::*> parts) {
-    const List* const list = read.As<List>();
+    const Values* const list = read.As<Values>();
     if (list == nullptr || list->size() != parts.size()) {
         RefuseAt(where, "a list of four numbers");
     }
@@ -104,7 +104,7 @@ void TopologyObject::Read(const TopologyValue& read, const std::string& where,
 
 void TopologyObject::Read(const TopologyValue& read, const std::string& where,
                           std::vector<HX_U16>& values) {
-    const List* const list = read.As<List>();
+    const Values* const list = read.As<Values>();
     if (list == nullptr) RefuseAt(where, "a list");
     values.clear();
     for (std::size_t i = 0; i < list->size(); ++i) {
@@ -151,7 +151,7 @@ HX_U32 TopologyObject::NeedNamed(const char* member, const std::string& expected
 std::optional<std::vector<HX_U32>> TopologyObject::TakeAllNamed(const char* member, Names names) {
     const TopologyValue* const found = Find(member);
     if (found == nullptr) return std::nullopt;
-    const List* const list = found->As<List>();
+    const Values* const list = found->As<Values>();
     if (list == nullptr) Refuse(member, "a list of " + Listed(names));
     std::vector<HX_U32> codes;
     for (const TopologyValue& each : *list) codes.push_back(CodeOf(each, Where(member), names));
@@ -171,7 +171,7 @@ TopologyObject TopologyObject::NeedObject(const char* member, const std::string&
 void TopologyObject::ForEach(const char* member, const Visit& visit) {
     const TopologyValue* const found = Find(member);
     if (found == nullptr) return;
-    const List* const list = found->As<List>();
+    const Values* const list = found->As<Values>();
     if (list == nullptr) Refuse(member, "a list of objects");
     for (std::size_t i = 0; i < list->size(); ++i) {
         TopologyObject each((*list)[i], PlaceIn(Where(member), i));
@@ -182,7 +182,7 @@ void TopologyObject::ForEach(const char* member, const Visit& visit) {
 
 void TopologyObject::ForEachLike(const char* member, std::size_t most, const std::string& expected,
                                  const Visit& visit) {
-    const List* const list = Need(member, expected).As<List>();
+    const Values* const list = Need(member, expected).As<Values>();
     if (list == nullptr || list->empty() || list->size() > most) Refuse(member, expected);
     for (std::size_t i = 0; i < list->size(); ++i) {
         const TopologyValue own = WithLike(*list, Where(member), i);
