@@ -103,6 +103,10 @@ struct Filter {
     std::optional<std::uint64_t> event_class;
     std::uint64_t since = 0;
 
+    bool PassesAll() const {
+        return lowest == 0 && highest == 255 && !adapter && !event_class && since == 0;
+    }
+
     // A field that is unknown does not hide its event.
     bool Passes(const StoredEvent& event) const {
         const auto severity = event.record[Event::Severity];
@@ -170,31 +174,51 @@ Report MakeReport(Invocation& invocation, std::vector<StoredEvent> events) {
 
 // ---- list -------------------------------------------------------------------------------------
 
-Exit ListEvents(Invocation& invocation) {
-    const Filter filter = FilterOf(invocation);
-    const auto last = invocation.Number("--last", UINT32_MAX);
-    Controller& controller = invocation.controller();
-    const Extent extent = AskExtent(controller);
+// The newest `count` of the events that pass: from the newest backwards, so that the last few of
+// many cost one page.
+std::vector<StoredEvent> NewestPassing(Controller& controller, const Extent& extent,
+                                       const Filter& filter, std::uint64_t count) {
     std::vector<StoredEvent> events;
     std::uint64_t at_once = kEventsPerPage;
-    // From the newest backwards, so that the last few of many cost one page.
-    for (std::uint64_t end = extent.next; end > extent.first;) {
-        if (last && events.size() >= *last) break;
-        const std::uint64_t page = last && filter.lowest == 0 && filter.highest == 255 &&
-                                           !filter.adapter && !filter.event_class &&
-                                           filter.since == 0
-                                       ? std::min(at_once, *last - events.size())
-                                       : at_once;
-        const std::uint64_t begin = end - std::min(end - extent.first, page);
+    for (std::uint64_t end = extent.next; end > extent.first && events.size() < count;) {
+        const std::uint64_t begin = end - std::min(end - extent.first, at_once);
         std::vector<StoredEvent> older = ReadEvents(controller, begin, end - begin, at_once);
         std::erase_if(older, [&](const StoredEvent& event) { return !filter.Passes(event); });
         std::ranges::reverse(older);
         std::ranges::move(older, std::back_inserter(events));
         end = begin;
     }
-    if (last && events.size() > *last) events.resize(static_cast<std::size_t>(*last));
+    if (events.size() > count) events.resize(static_cast<std::size_t>(count));
     std::ranges::reverse(events);
-    return Show(invocation, MakeReport(invocation, std::move(events)));
+    return events;
+}
+
+Exit ListEvents(Invocation& invocation) {
+    const Filter filter = FilterOf(invocation);
+    const auto last = invocation.Number("--last", UINT32_MAX);
+    Controller& controller = invocation.controller();
+    const Extent extent = AskExtent(controller);
+    PiecewiseReport report(invocation);
+    report.Add(MakeReport(invocation, {}));
+    if (last && !filter.PassesAll()) {
+        report.Add(MakeReport(invocation, NewestPassing(controller, extent, filter, *last)));
+        return report.End();
+    }
+    std::uint64_t next =
+        extent.next - std::min(extent.next - extent.first, last.value_or(UINT64_MAX));
+    std::uint64_t at_once = kEventsPerPage;
+    while (next < extent.next) {
+        const std::uint64_t count = std::min(at_once, extent.next - next);
+        std::vector<StoredEvent> events = ReadEvents(controller, next, count, at_once);
+        next += count;
+        // Of a store whose oldest were overwritten meanwhile, more may have come.
+        if (!events.empty()) next = std::max(next, events.back().sequence + 1);
+        std::erase_if(events, [&](const StoredEvent& event) {
+            return event.sequence >= extent.next || !filter.Passes(event);
+        });
+        report.Add(MakeReport(invocation, std::move(events)));
+    }
+    return report.End();
 }
 
 // ---- follow -----------------------------------------------------------------------------------

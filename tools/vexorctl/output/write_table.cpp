@@ -45,15 +45,11 @@ std::string_view ColourOf(std::string_view text) {
     return {};
 }
 
-// A row's cells as tables show them; an empty one as a dash.
-std::vector<std::string> LineOf(const Report& report, const std::vector<Cell>& row,
-                                const Style& style) {
-    std::vector<std::string> line;
-    for (std::size_t i = 0; i < row.size(); ++i) {
-        line.push_back(Printable(CellText(report.columns[i], row[i], style)));
-        if (line.back().empty()) line.back() = "-";
-    }
-    return line;
+// A cell as tables show it; an empty one as a dash. It has no line end.
+std::string TextOf(const ColumnInfo& column, const Cell& cell, const Style& style) {
+    std::string text = Printable(CellText(column, cell, style));
+    if (text.empty()) text = "-";
+    return text;
 }
 
 std::size_t WidthOf(const Report& report, std::size_t column, const Style& style) {
@@ -71,8 +67,9 @@ constexpr std::size_t kNarrowestSentence = 24;  // less is no fun to read
 // Lines of a table whose columns are so wide.
 class TableLines {
 public:
-    TableLines(const Report& report, const Style& style, std::vector<std::size_t> widths)
-        : report_(report), style_(style), widths_(std::move(widths)) {
+    TableLines(const std::vector<ColumnInfo>& columns, const Style& style,
+               std::vector<std::size_t> widths)
+        : columns_(columns), style_(style), widths_(std::move(widths)) {
         for (std::size_t i = 0; i + 1 < widths_.size(); ++i) before_ += widths_[i] + kBetween;
     }
 
@@ -93,7 +90,7 @@ public:
 private:
     // Whether it is a sentence that the terminal has no room for on this line.
     bool GoesOn(std::string_view text) const {
-        return report_.columns.back().place == Place::kSentence &&
+        return columns_.back().place == Place::kSentence &&
                before_ + kNarrowestSentence <= style_.width &&
                before_ + DisplayWidth(text) > style_.width;
     }
@@ -101,14 +98,14 @@ private:
     void AppendCell(std::string& out, std::size_t i, std::string_view text,
                     std::string_view colour) const {
         const std::string blanks(widths_[i] - DisplayWidth(text), ' ');
-        const bool right = IsRightAligned(report_.columns[i].kind);
+        const bool right = IsRightAligned(columns_[i].kind);
         if (right) out += blanks;
         out.append(colour).append(text);
         if (!colour.empty()) out += kPlain;
         if (!right && i + 1 != widths_.size()) out += blanks;
     }
 
-    const Report& report_;
+    const std::vector<ColumnInfo>& columns_;
     const Style& style_;
     std::vector<std::size_t> widths_;
     std::size_t before_ = 0;  // the columns of the terminal before the last one of the table
@@ -152,22 +149,48 @@ std::vector<std::size_t> ColumnsThatFit(const Report& report, const Style& style
     return chosen;
 }
 
+void GrowingTable::Add(const Report& piece, const Style& style) {
+    columns_ = piece.columns;
+    widths_.resize(columns_.size(), 0);
+    std::string& texts = texts_.emplace_back();
+    for (const std::vector<Cell>& row : piece.rows) {
+        for (std::size_t i = 0; i < columns_.size(); ++i) {
+            const std::string text = TextOf(columns_[i], row[i], style);
+            widths_[i] = std::max(widths_[i], DisplayWidth(text));
+            texts.append(text).append("\n");
+        }
+    }
+}
+
+void GrowingTable::Write(const Style& style, bool header,
+                         const std::function<void(std::string_view)>& take) const {
+    std::vector<std::string> line;
+    for (const ColumnInfo& column : columns_) line.emplace_back(column.header);
+    std::vector<std::size_t> widths = widths_;
+    for (std::size_t i = 0; header && i < widths.size(); ++i) {
+        widths[i] = std::max(widths[i], DisplayWidth(line[i]));
+    }
+    const TableLines lines(columns_, style, std::move(widths));
+    std::string out;
+    if (header) lines.Append(out, line, false);
+    for (const std::string_view texts : texts_) {
+        for (std::size_t at = 0; at < texts.size();) {
+            for (std::string& text : line) {
+                const std::size_t end = texts.find('\n', at);
+                text.assign(texts, at, end - at);
+                at = end + 1;
+            }
+            lines.Append(out, line, style.colour);
+        }
+        take(out);
+        out.clear();
+    }
+}
+
 void WriteTable(const Report& report, const Style& style, bool header, std::string& out) {
-    std::vector<std::vector<std::string>> texts;
-    texts.reserve(report.rows.size());
-    for (const std::vector<Cell>& row : report.rows) texts.push_back(LineOf(report, row, style));
-    std::vector<std::size_t> widths(report.columns.size(), 0);
-    for (std::size_t i = 0; i < widths.size(); ++i) {
-        if (header) widths[i] = DisplayWidth(report.columns[i].header);
-        for (const auto& line : texts) widths[i] = std::max(widths[i], DisplayWidth(line[i]));
-    }
-    const TableLines lines(report, style, std::move(widths));
-    if (header) {
-        std::vector<std::string> headers;
-        for (const ColumnInfo& column : report.columns) headers.emplace_back(column.header);
-        lines.Append(out, headers, false);
-    }
-    for (const std::vector<std::string>& line : texts) lines.Append(out, line, style.colour);
+    GrowingTable table;
+    table.Add(report, style);
+    table.Write(style, header, [&out](std::string_view text) { out += text; });
 }
 
 void WriteList(const Report& report, const Style& style, bool first, std::string& out) {
@@ -181,8 +204,7 @@ void WriteList(const Report& report, const Style& style, bool first, std::string
         if (!first) out += '\n';
         first = false;
         for (std::size_t i = 0; i < row.size(); ++i) {
-            std::string text = Printable(CellText(report.columns[i], row[i], style));
-            if (text.empty()) text = "-";
+            const std::string text = TextOf(report.columns[i], row[i], style);
             out.append(labels[i]).append(width - labels[i].size(), ' ');
             out.append("  ").append(text).append("\n");
         }

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <tuple>
+#include <utility>
 
 #include "common/address.h"
 #include "model/ask_controller.h"
@@ -301,6 +303,42 @@ Exit Present(Invocation& invocation, Report report, std::string_view format) {
     report.faults = invocation.controller().faults();
     Print(report, style);
     return invocation.controller().exit();
+}
+
+PiecewiseReport::PiecewiseReport(Invocation& invocation)
+    : invocation_(invocation),
+      style_(StyleOf(invocation, "table")),
+      is_whole_(!CanContinue(style_) || invocation.Get("--sort") != nullptr || style_.width != 0) {}
+
+void PiecewiseReport::Add(Report piece) {
+    // Nothing stands before the first row of a list.
+    const bool is_begun = !piece.rows.empty() || style_.format != "list";
+    if (is_whole_) {
+        if (first_) {
+            whole_ = std::move(piece);
+        } else {
+            std::ranges::move(piece.rows, std::back_inserter(whole_.rows));
+        }
+    } else {
+        Arrange(invocation_, style_, piece);
+        if (style_.format == "table") {
+            table_.Add(piece, style_);
+        } else {
+            PrintMore(piece, style_, first_);
+        }
+    }
+    first_ = first_ && !is_begun;
+}
+
+Exit PiecewiseReport::End() {
+    Controller& controller = invocation_.controller();
+    if (is_whole_) return Present(invocation_, std::move(whole_));
+    if (style_.format == "table") table_.Write(style_, style_.header, PrintText);
+    if (style_.format == "jsonl") {
+        for (const Fault& fault : controller.faults()) PrintText(JsonFaultLine(fault) + "\n");
+    }
+    ReportFaults(controller.faults());
+    return controller.exit();
 }
 
 Exit Show(Invocation& invocation, Report report, std::string_view format) {

@@ -12,6 +12,7 @@
 #include "output/cell.h"
 #include "output/cell_text.h"
 #include "output/report.h"
+#include "output/write_table.h"
 #include "shell/invocation.h"
 
 namespace vexorctl {
@@ -59,6 +60,27 @@ Exit Show(Invocation& invocation, Report report, std::string_view format = {});
 
 /// Prints the report as it is, all its rows, with the controller's faults.
 Exit Present(Invocation& invocation, Report report, std::string_view format = "table");
+
+/// Prints a report whose rows come in pieces, so that a long one is never held as a whole. Formats
+/// that go on line by line are printed as they come, and of a table the texts are kept; everything
+/// else (a JSON or XML document, rows to be sorted, a table that is to fit on a terminal) has to be
+/// collected all the same.
+class PiecewiseReport {
+public:
+    explicit PiecewiseReport(Invocation& invocation);
+    /// Prints or keeps the rows. At least one piece is needed, which may be without rows.
+    void Add(Report piece);
+    /// Prints what was kept, and the controller's faults.
+    Exit End();
+
+private:
+    Invocation& invocation_;
+    Style style_;
+    bool is_whole_;  // whether the pieces are collected
+    bool first_ = true;
+    Report whole_;
+    GrowingTable table_;
+};
 
 /// Restricts the controller to the adapters that the targets and --adapter name.
 void SelectAdapters(Invocation& invocation);
