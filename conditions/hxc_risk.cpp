@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "codes/activity.h"
-#include "codes/disk.h"
 #include "codes/level.h"
 #include "codes/state.h"
 #include "conditions/hxc_find_arrays.h"

@@ -12,7 +12,6 @@
 #include "model/codes_file.h"
 #include "model/library_functions.h"
 #include "nouns/nouns.h"
-#include "output/cell.h"
 #include "shell/command_rows.h"
 
 namespace vexorctl {

@@ -1,10 +1,8 @@
 // vexorctl help [NOUN [VERB]]: what --help prints, for those who say it as a command.
-#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "model/exit_code.h"
-#include "model/failure.h"
 #include "nouns/nouns.h"
 #include "output/streams.h"
 #include "shell/command_rows.h"

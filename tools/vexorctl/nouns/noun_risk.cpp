@@ -2,10 +2,8 @@
 #include <algorithm>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "common/size.h"
 #include "common/terminal_text.h"
 #include "conditions/hxc_risk.h"
 #include "library_fields.h"

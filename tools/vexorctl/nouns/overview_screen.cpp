@@ -9,12 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "codes/activity.h"
 #include "codes/device.h"
 #include "common/terminal_text.h"
 #include "conditions/hxc_check.h"
-#include "conditions/hxc_find_arrays.h"
-#include "conditions/hxc_finding.h"
 #include "conditions/hxc_redundancy.h"
 #include "conditions/hxc_spares.h"
 #include "library_fields.h"

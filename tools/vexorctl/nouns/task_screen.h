@@ -2,14 +2,12 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "model/controller_codes.h"
 #include "model/tasks.h"
-#include "output/terminal_width.h"
 #include "shell/percent_rate.h"
 
 namespace vexorctl {
