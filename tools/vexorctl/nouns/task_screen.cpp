@@ -8,6 +8,7 @@
 
 #include "common/terminal_text.h"
 #include "output/progress_bar.h"
+#include "output/terminal_width.h"
 #include "output/wrapped_text.h"
 
 namespace vexorctl {
