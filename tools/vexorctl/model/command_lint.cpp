@@ -326,7 +326,7 @@ struct Driver {
     }
 };
 
-void StartElement(void* user_data, const XML_Char* name, const XML_Char** atts) {
+void LintStart(void* user_data, const XML_Char* name, const XML_Char** atts) {
     Driver& driver = *static_cast<Driver*>(user_data);
     driver.Run([&] {
         bool is_function = false;
@@ -338,12 +338,12 @@ void StartElement(void* user_data, const XML_Char* name, const XML_Char** atts) 
     });
 }
 
-void EndElement(void* user_data, const XML_Char*) {
+void LintEnd(void* user_data, const XML_Char*) {
     Driver& driver = *static_cast<Driver*>(user_data);
     driver.Run([&] { driver.linter.End(); });
 }
 
-void TakeText(void* user_data, const XML_Char* text, int length) {
+void LintText(void* user_data, const XML_Char* text, int length) {
     Driver& driver = *static_cast<Driver*>(user_data);
     driver.Run([&] { driver.linter.Text({text, static_cast<std::size_t>(length)}); });
 }
@@ -384,8 +384,8 @@ std::vector<LintFinding> LintCommand(std::string_view text,
     Linter linter(functions, findings);
     Driver driver{parser.get(), linter};
     XML_SetUserData(parser.get(), &driver);
-    XML_SetElementHandler(parser.get(), StartElement, EndElement);
-    XML_SetCharacterDataHandler(parser.get(), TakeText);
+    XML_SetElementHandler(parser.get(), LintStart, LintEnd);
+    XML_SetCharacterDataHandler(parser.get(), LintText);
     const XML_Status status =
         XML_Parse(parser.get(), text.data(), static_cast<int>(text.size()), XML_TRUE);
     // Inspected before, so that only memory can be short.
