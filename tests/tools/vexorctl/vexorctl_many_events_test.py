@@ -59,13 +59,14 @@ class ManyEvents(VexorctlCase):
         self.assertEqual(self.numbers("--last", "700", "--severity", "warning+"), graver[-700:])
 
     def test_stand_in_one_table_whose_columns_do_not_move(self):
-        lines = self.printed().splitlines()
-        self.assertEqual(len(lines), 1 + EVENTS)
-        self.assertEqual(len([line for line in lines if line.startswith("NUMBER")]), 1)
-        at = lines[0].index("EVENT")
-        for line in lines[1:]:
-            self.assertEqual(line[at - 2:at], "  ")
-            self.assertRegex(line[at:], r"^\S.*[^ ]$")
+        for format_ in "table", "wide":
+            lines = self.printed("-o", format_).splitlines()
+            self.assertEqual(len(lines), 1 + EVENTS)
+            self.assertEqual(len([line for line in lines if line.startswith("NUMBER")]), 1)
+            at = lines[0].index("EVENT")
+            for line in lines[1:]:
+                self.assertEqual(line[at - 2:at], "  ")
+                self.assertRegex(line[at:], r"^\S.*[^ ]$")
 
     def test_have_one_heading_as_csv_and_a_blank_line_between_two_as_a_list(self):
         lines = self.printed("-o", "csv", "--columns", "sequence,code").splitlines()

@@ -86,6 +86,9 @@ bool CellLess(const ColumnInfo& column, const Cell& one, const Cell& other) {
     return SortKey(column, one) < SortKey(column, other);
 }
 
+// "wide" is the table with all of its columns.
+bool IsTable(const Style& style) { return style.format == "table" || style.format == "wide"; }
+
 // The addresses that a target of this command means by naming an adapter: everything on it.
 bool IsOn(std::string_view address, std::string_view owner) {
     return address.starts_with(owner) &&
@@ -321,7 +324,7 @@ void PiecewiseReport::Add(Report piece) {
         }
     } else {
         Arrange(invocation_, style_, piece);
-        if (style_.format == "table") {
+        if (IsTable(style_)) {
             table_.Add(piece, style_);
         } else {
             PrintMore(piece, style_, first_);
@@ -333,7 +336,7 @@ void PiecewiseReport::Add(Report piece) {
 Exit PiecewiseReport::End() {
     Controller& controller = invocation_.controller();
     if (is_whole_) return Present(invocation_, std::move(whole_));
-    if (style_.format == "table") table_.Write(style_, style_.header, PrintText);
+    if (IsTable(style_)) table_.Write(style_, style_.header, PrintText);
     if (style_.format == "jsonl") {
         for (const Fault& fault : controller.faults()) PrintText(JsonFaultLine(fault) + "\n");
     }
