@@ -233,13 +233,17 @@ class Import(LookAgainCase):
                             "a0/vd0: its state was foreign and is optimal")
 
 
-class Parallel(VexorctlCase):
+class Parallel(LookAgainCase):
     def test_six_that_pick_a_disk_each_never_pick_the_same(self):
-        runs = [subprocess.Popen(
-            [self.vexorctl, "vd", "create", "--adapter", "1", "--raid", "0", "--disks", "1",
-             "--size", "10GiB", "--name", f"n{number}", "--init", "none", "-o", "json"],
-            cwd=self.root, env=self.environment, text=True, stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE, stderr=subprocess.PIPE) for number in range(6)]
+        # All six have picked the same disk before the first of them may take it.
+        with self.our_turn() as lock:
+            runs = [subprocess.Popen(
+                [self.vexorctl, "vd", "create", "--adapter", "1", "--raid", "0", "--disks", "1",
+                 "--size", "10GiB", "--name", f"n{number}", "--init", "none", "-o", "json"],
+                cwd=self.root, env=self.environment, text=True, stdin=subprocess.DEVNULL,
+                stdout=subprocess.PIPE, stderr=subprocess.PIPE) for number in range(6)]
+            for run in runs:
+                self.wait_for_plan(run, lock)
         ends = [(run.communicate(timeout=120), run.returncode) for run in runs]
         # Five disks are free.
         self.assertEqual(sorted(code for _, code in ends), [0] * 5 + [8], ends)
