@@ -1,8 +1,11 @@
 // Conditions as JSON. Unknown members are null instead of left out.
 #include "conditions/hxc_json.h"
 
+#include <initializer_list>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <string>
+#include <utility>
 
 namespace hxconditions {
 
@@ -30,41 +33,142 @@ Json CausesAsJson(const Condition& condition) {
     return causes;
 }
 
-Json JsonOf(const Condition& condition) {
-    const Row& row = RowOf(condition.code);
-    Json json;
-    json["code"] = row.name;
-    json["level"] = NameOf(condition.level);
-    json["level_set_here"] = condition.level_is_set_here;
-    json["rank"] = row.rank;
-    json["object"]["kind"] = NameOf(condition.object.kind);
-    json["object"]["address"] = TextOrNull(condition.object.address);
-    json["object"]["name"] = TextOrNull(condition.object.name);
-    json["object"]["serial"] = TextOrNull(condition.object.serial);
-    json["since"] = TimeOrNull(condition.since);
-    json["since_is"] = condition.since == 0                    ? Json()
-                       : condition.since_is == SinceIs::kEvent ? Json("event")
-                                                               : Json("at_or_before");
-    json["first_seen"] = TimeOrNull(condition.first_seen);
-    json["last_seen"] = TimeOrNull(condition.last_seen);
-    json["sentence"] = condition.sentence;
-    json["cause"] = CausesAsJson(condition);
-    json["hindrance"] = condition.hindrance ? Json(RowOf(*condition.hindrance).name) : Json();
-    json["next_step"]["text"] = condition.next_step;
-    json["next_step"]["command"] = condition.command.empty() ? Json() : Json(condition.command);
-    json["count"] = condition.count;
-    json["stale"] = condition.is_stale;
-    json["flapping"] = condition.is_flapping;
-    json["acknowledged"] = Json();
-    if (const auto& ack = condition.acknowledged) {
-        json["acknowledged"]["by"] = ack->by;
-        json["acknowledged"]["at"] = IsoTimeText(ack->at);
-        json["acknowledged"]["note"] = TextOrNull(ack->note);
+Json JsonOf(const Condition& condition);
+
+// ---- Schemas of members ------------------------------------------------------------------------
+
+Json OneOfSchema(Json words) { return {{"enum", std::move(words)}}; }
+Json TextSchema() { return {{"type", "string"}, {"minLength", 1}}; }
+Json FlagSchema() { return {{"type", "boolean"}}; }
+Json NumberSchema() { return {{"type", "integer"}, {"minimum", 0}}; }
+Json OrNullSchema(Json schema) { return {{"anyOf", {std::move(schema), {{"type", "null"}}}}}; }
+Json TextsSchema() {
+    return OrNullSchema({{"type", "array"}, {"minItems", 1}, {"items", {{"type", "string"}}}});
+}
+Json TimeSchema() {
+    return OrNullSchema({{"type", "string"},
+                         {"format", "date-time"},
+                         {"pattern", "^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z$"}});
+}
+Json AddressSchema() {
+    return OrNullSchema(
+        {{"type", "string"}, {"pattern", "^a[0-9]+(/(pd|vd|dg|enc)[0-9]+(/el[0-9]+)?)?$"}});
+}
+Json ListSchema(Json items) { return {{"type", "array"}, {"items", std::move(items)}}; }
+Json ObjectSchema(const Json& properties) {
+    Json required = Json::array();
+    for (const auto& member : properties.items()) required.push_back(member.key());
+    return {{"type", "object"}, {"properties", properties}, {"required", required}};
+}
+
+Json Codes() {
+    Json codes = Json::array();
+    for (const Row& row : Rows()) codes.push_back(row.name);
+    return OneOfSchema(codes);
+}
+Json Levels() {
+    return OneOfSchema({NameOf(Level::kCritical), NameOf(Level::kUnknown), NameOf(Level::kWarning),
+                        NameOf(Level::kInfo)});
+}
+Json Kinds() {
+    Json kinds = Json::array();
+    for (unsigned i = 0; i <= static_cast<unsigned>(Kind::kSink); ++i) {
+        kinds.push_back(NameOf(static_cast<Kind>(i)));
     }
-    json["silenced_until"] = TimeOrNull(condition.silenced_until.value_or(0));
-    json["doc"] = "conditions(7)#" + std::string(row.name);
-    json["folded"] = Json::array();
-    for (const Condition& each : condition.folded) json["folded"].push_back(JsonOf(each));
+    return OneOfSchema(kinds);
+}
+
+// ---- Members of a condition
+// ----------------------------------------------------------------------
+
+Json ObjectJson(const Condition& condition) {
+    const Object& object = condition.object;
+    return {{"kind", NameOf(object.kind)},
+            {"address", TextOrNull(object.address)},
+            {"name", TextOrNull(object.name)},
+            {"serial", TextOrNull(object.serial)}};
+}
+
+Json SinceIsJson(const Condition& condition) {
+    if (condition.since == 0) return nullptr;
+    return condition.since_is == SinceIs::kEvent ? "event" : "at_or_before";
+}
+
+Json AcknowledgedJson(const Condition& condition) {
+    const auto& ack = condition.acknowledged;
+    if (!ack) return nullptr;
+    return {{"by", ack->by}, {"at", IsoTimeText(ack->at)}, {"note", TextOrNull(ack->note)}};
+}
+
+Json FoldedJson(const Condition& condition) {
+    Json folded = Json::array();
+    for (const Condition& each : condition.folded) folded.push_back(JsonOf(each));
+    return folded;
+}
+
+// One member: how it is written, and what the schema says of it.
+struct MemberRow {
+    const char* name;
+    Json (*get)(const Condition&);
+    Json (*schema)();
+};
+constexpr MemberRow kMemberRows[] = {
+    {"code", [](const Condition& it) { return Json(RowOf(it.code).name); }, Codes},
+    {"level", [](const Condition& it) { return Json(NameOf(it.level)); }, Levels},
+    {"level_set_here", [](const Condition& it) { return Json(it.level_is_set_here); }, FlagSchema},
+    {"rank", [](const Condition& it) { return Json(RowOf(it.code).rank); }, NumberSchema},
+    {"object", ObjectJson,
+     [] {
+         return ObjectSchema({{"kind", Kinds()},
+                              {"address", AddressSchema()},
+                              {"name", OrNullSchema(TextSchema())},
+                              {"serial", OrNullSchema(TextSchema())}});
+     }},
+    {"since", [](const Condition& it) { return TimeOrNull(it.since); }, TimeSchema},
+    {"since_is", SinceIsJson,
+     [] {
+         return OneOfSchema({"event", "at_or_before", nullptr});
+     }},
+    {"first_seen", [](const Condition& it) { return TimeOrNull(it.first_seen); }, TimeSchema},
+    {"last_seen", [](const Condition& it) { return TimeOrNull(it.last_seen); }, TimeSchema},
+    {"sentence", [](const Condition& it) { return Json(it.sentence); }, TextSchema},
+    {"cause", CausesAsJson,
+     [] {
+         return ListSchema(ObjectSchema({{"code", Codes()}, {"address", AddressSchema()}}));
+     }},
+    {"hindrance",
+     [](const Condition& it) { return it.hindrance ? Json(RowOf(*it.hindrance).name) : Json(); },
+     [] { return OrNullSchema(Codes()); }},
+    {"next_step",
+     [](const Condition& it) {
+         return Json{{"text", TextOrNull(it.next_step)},
+                     {"command", it.command.empty() ? Json() : Json(it.command)}};
+     },
+     [] {
+         return ObjectSchema({{"text", OrNullSchema(TextSchema())}, {"command", TextsSchema()}});
+     }},
+    {"count", [](const Condition& it) { return Json(it.count); }, NumberSchema},
+    {"stale", [](const Condition& it) { return Json(it.is_stale); }, FlagSchema},
+    {"flapping", [](const Condition& it) { return Json(it.is_flapping); }, FlagSchema},
+    {"acknowledged", AcknowledgedJson,
+     [] {
+         return OrNullSchema(ObjectSchema(
+             {{"by", TextSchema()}, {"at", TimeSchema()}, {"note", OrNullSchema(TextSchema())}}));
+     }},
+    {"silenced_until",
+     [](const Condition& it) { return TimeOrNull(it.silenced_until.value_or(0)); }, TimeSchema},
+    {"doc",
+     [](const Condition& it) { return Json("conditions(7)#" + std::string(RowOf(it.code).name)); },
+     TextSchema},
+    {"folded", FoldedJson,
+     [] {
+         return ListSchema({{"$ref", "#/$defs/condition"}});
+     }},
+};
+
+Json JsonOf(const Condition& condition) {
+    Json json;
+    for (const MemberRow& member : kMemberRows) json[member.name] = member.get(condition);
     return json;
 }
 
@@ -90,6 +194,27 @@ std::string OverviewJson(const Overview& overview, const Counts& counts) {
     json["conditions"] = Json::array();
     for (const Condition& head : overview.heads) json["conditions"].push_back(JsonOf(head));
     return TextOf(json);
+}
+
+std::string ConditionSchema() {
+    Json properties;
+    for (const MemberRow& member : kMemberRows) properties[member.name] = member.schema();
+    return TextOf(ObjectSchema(properties));
+}
+
+std::string OverviewSchema() {
+    const auto counts = [](const Json& schema, std::initializer_list<const char*> names) {
+        Json properties;
+        for (const char* name : names) properties[name] = schema;
+        return ObjectSchema(properties);
+    };
+    return TextOf(ObjectSchema(
+        {{"overall", OneOfSchema({"ok", "warning", "critical", "unknown"})},
+         {"counts", counts(NumberSchema(),
+                           {"critical", "unknown", "warning", "info", "acknowledged", "silenced"})},
+         {"machine",
+          counts(OrNullSchema(NumberSchema()), {"adapters", "virtual_disks", "disks", "spares"})},
+         {"conditions", ListSchema({{"$ref", "#/$defs/condition"}})}}));
 }
 
 std::string ConditionJson(const Condition& condition) { return TextOf(JsonOf(condition)); }

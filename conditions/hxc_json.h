@@ -15,6 +15,11 @@ std::string OverviewJson(const Overview& overview, const Counts& counts);
 /// One condition with its folded conditions.
 std::string ConditionJson(const Condition& condition);
 
+/// JSON Schema of what OverviewJson and ConditionJson write. The first refers to the second as
+/// "#/$defs/condition".
+std::string OverviewSchema();
+std::string ConditionSchema();
+
 /// The condition of a message, with "change" and, when known, "was" and "lasted_s".
 std::string MessageJson(const Message& message);
 

@@ -722,7 +722,8 @@ class Waiting(VexorctlTest):
                             **scripted)
         self.expect(run, 0, "99  running\n", "")
         run = self.vexorctl("task", "list", "-o", "jsonl", "--columns", "activity", **scripted)
-        self.expect(run, 0, '{"activity":{"code":99,"name":null}}\n', "")
+        self.expect(run, 0, '{"schema":"vexorctl/1","command":"task list","partial":true,'
+                    '"activity":{"code":99,"name":null}}\n', "")
 
 
 class Transfer(VexorctlTest):

@@ -269,7 +269,8 @@ class Fields(Recorded):
             self.assertEqual(self.run_words(*words).stdout.splitlines()[0], "a0/vd0  ?")
             self.assertEqual(self.run_words(*words, "-o", "csv").stdout.splitlines()[0], "a0/vd0,")
             item = json.loads(self.run_words(*words, "-o", "jsonl").stdout.splitlines()[0])
-            self.assertEqual(item, {"address": "a0/vd0", "state": None})
+            self.assertEqual(item, {"schema": "vexorctl/1", "command": "vd list", "partial": True,
+                                    "address": "a0/vd0", "state": None})
             run = self.run_words(*words, "-o", "xml")
             self.assertIsNone(ElementTree.fromstring(run.stdout).find("item/state"))
 

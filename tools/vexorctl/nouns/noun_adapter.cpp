@@ -69,7 +69,7 @@ using enum Kind;
 using enum Place;
 
 constexpr Column<Adapter> kColumns[] = {
-    {{"address", "ADDRESS", kText, kTable, "Its address"},
+    {{"address", "ADDRESS", kAddress, kTable, "Its address"},
      [](const Adapter& it) { return TextCell(it.address.Text()); }},
     {{"serial", "SERIAL", kText, kTable, "Its serial number"},
      [](const Adapter& it) { return FieldCell(it.info, Adapter_Info::SerialNo); }},
@@ -85,7 +85,7 @@ constexpr Column<Adapter> kColumns[] = {
      [](const Adapter& it) { return FieldCell(it.info, Adapter_Info::img_health); }},
     {{"damaged_images", "DAMAGED IMAGES", kTexts, kWide, "The images in its flash that are not"},
      [](const Adapter& it) { return DamagedImages(it.info); }},
-    {{"wwn", "WWN", kText, kWide, "Its world wide name"},
+    {{"wwn", "WWN", kHex, kWide, "Its world wide name"},
      [](const Adapter& it) { return HexAt(it.info, Adapter_Info::WWN); }},
     {{"driver_version", "DRIVER", kText, kWide, "The version of its driver"},
      [](const Adapter& it) { return VersionCell(it.info, Adapter_Info::DriverVersion); }},

@@ -35,7 +35,7 @@ using enum Kind;
 using enum Place;
 
 constexpr Column<Battery> kColumns[] = {
-    {{"address", "ADDRESS", kText, kTable, "The address of its adapter"},
+    {{"address", "ADDRESS", kAddress, kTable, "The address of its adapter"},
      [](const Battery& it) { return TextCell(it.address.Text()); }},
     {{"status", "STATUS", kBits, kTable, "Its state as bits", &CodeTable::battery_bits},
      [](const Battery& it) { return FieldCell(it.info, BBU_Info::status); }},

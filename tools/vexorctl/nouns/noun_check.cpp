@@ -5,6 +5,7 @@
 #include <ctime>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "common/duration.h"
@@ -13,6 +14,7 @@
 #include "conditions/hxc_json.h"
 #include "conditions/hxc_look.h"
 #include "conditions/hxc_overview.h"
+#include "conditions/hxc_rows.h"
 #include "library_fields.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
@@ -40,29 +42,40 @@ using enum Place;
 // The levels are the codes 0 to 3, whatever these mean elsewhere.
 constexpr int kUnknownExit = 3;
 
-Cell TextOrNone(const std::string& text) { return text.empty() ? None() : TextCell(text); }
-
 std::string CommandOf(const Condition& condition) {
     std::string text;
     for (const std::string& word : condition.command) text += (text.empty() ? "" : " ") + word;
     return text;
 }
 
+std::vector<std::string_view> LevelWords() {
+    return {hxc::NameOf(hxc::Level::kCritical), hxc::NameOf(hxc::Level::kUnknown),
+            hxc::NameOf(hxc::Level::kWarning), hxc::NameOf(hxc::Level::kInfo)};
+}
+
+std::vector<std::string_view> ConditionWords() {
+    std::vector<std::string_view> words;
+    for (const hxc::Row& row : hxc::Rows()) words.push_back(row.name);
+    return words;
+}
+
 constexpr Column<Condition> kColumns[] = {
-    {{"level", "LEVEL", kText, kTable, "How grave it is: critical, unknown, warning or info"},
+    {Always(OneOf(LevelWords, {"level", "LEVEL", kWord, kTable,
+                               "How grave it is: critical, unknown, warning or info"})),
      [](const Condition& it) { return TextCell(std::string(hxc::NameOf(it.level))); }},
-    {{"condition", "CONDITION", kText, kTable, "The code of the condition"},
+    {Always(OneOf(ConditionWords,
+                  {"condition", "CONDITION", kWord, kTable, "The code of the condition"})),
      [](const Condition& it) { return TextCell(std::string(hxc::RowOf(it.code).name)); }},
-    {{"address", "ADDRESS", kText, kTable, "The object"},
-     [](const Condition& it) { return TextOrNone(it.object.address); }},
+    {{"address", "ADDRESS", kReference, kTable, "The object"},
+     [](const Condition& it) { return TextCell(it.object.address); }},
     {{"name", "NAME", kText, kWide, "What the object is called"},
-     [](const Condition& it) { return TextOrNone(it.object.name); }},
-    {{"message", "MESSAGE", kText, kSentence, "What is wrong with it"},
+     [](const Condition& it) { return TextCell(it.object.name); }},
+    {Always({"message", "MESSAGE", kText, kSentence, "What is wrong with it"}),
      [](const Condition& it) { return TextCell(it.sentence); }},
     {{"next_step", "NEXT STEP", kText, kWide, "What to do"},
-     [](const Condition& it) { return TextOrNone(it.next_step); }},
+     [](const Condition& it) { return TextCell(it.next_step); }},
     {{"next_command", "COMMAND", kText, kWide, "The command that does it"},
-     [](const Condition& it) { return TextOrNone(CommandOf(it)); }},
+     [](const Condition& it) { return TextCell(CommandOf(it)); }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }

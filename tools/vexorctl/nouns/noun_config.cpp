@@ -29,7 +29,7 @@ using enum Kind;
 using enum Place;
 
 constexpr Column<Setting> kColumns[] = {
-    {{"setting", "SETTING", kText, kTable, "What it is"},
+    {Always({"setting", "SETTING", kText, kTable, "What it is"}),
      [](const Setting& it) { return TextCell(it.name); }},
     {{"value", "VALUE", kText, kTable, "Its value"},
      [](const Setting& it) { return TextCell(it.value); }},

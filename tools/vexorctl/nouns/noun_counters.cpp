@@ -44,8 +44,15 @@ constexpr std::pair<NumberField<Counters>, const char*> kNames[] = {
 using enum Kind;
 using enum Place;
 
+std::vector<std::string_view> CounterWords() {
+    std::vector<std::string_view> words;
+    for (const auto& row : kNames) words.emplace_back(row.second);
+    return words;
+}
+
 constexpr Column<Counter> kColumns[] = {
-    {{"counter", "COUNTER", kText, kTable, "The kind of object whose changes it counts"},
+    {Always(OneOf(CounterWords, {"counter", "COUNTER", kWord, kTable,
+                                 "The kind of object whose changes it counts"})),
      [](const Counter& it) { return TextCell(it.name); }},
     {{"count", "COUNT", kNumber, kTable, "Any difference means a change; the amount means nothing"},
      [](const Counter& it) { return NumberCell(it.count); }},

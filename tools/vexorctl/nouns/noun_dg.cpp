@@ -50,7 +50,7 @@ using enum Kind;
 using enum Place;
 
 constexpr Column<DiskGroup> kColumns[] = {
-    {{"address", "ADDRESS", kText, kTable, "Its address"},
+    {{"address", "ADDRESS", kAddress, kTable, "Its address"},
      [](const DiskGroup& it) { return TextCell(it.address.Text()); }},
     {{"name", "NAME", kText, kTable, "Its name"},
      [](const DiskGroup& it) { return FieldCell(it.info, DG_Info::Name); }},
@@ -62,15 +62,15 @@ constexpr Column<DiskGroup> kColumns[] = {
      [](const DiskGroup& it) { return SectorsAt(it.info, DG_Info::TotalManagedSpace); }},
     {{"free_bytes", "FREE", kBytes, kTable, "What new virtual disks can take"},
      [](const DiskGroup& it) { return SectorsAt(it.info, DG_Info::RemainingManagedSpace); }},
-    {{"disks", "DISKS", kTexts, kTable, "Its disks"},
+    {{"disks", "DISKS", kAddresses, kTable, "Its disks"},
      [](const DiskGroup& it) {
          return AddressesCell(it, ObjectKind::kDisk, DisksOf(it.info.view()));
      }},
-    {{"spares", "SPARES", kTexts, kTable, "Its spares"},
+    {{"spares", "SPARES", kAddresses, kTable, "Its spares"},
      [](const DiskGroup& it) {
          return AddressesCell(it, ObjectKind::kDisk, SparesOf(it.info.view()));
      }},
-    {{"vds", "VDS", kTexts, kWide, "The virtual disks on it"},
+    {{"vds", "VDS", kAddresses, kWide, "The virtual disks on it"},
      [](const DiskGroup& it) {
          return AddressesCell(it, ObjectKind::kVirtualDisk, it.info[DG_Info::VDIDs]);
      }},

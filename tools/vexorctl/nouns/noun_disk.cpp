@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "codes/code_table.h"
+#include "codes/disk.h"
 #include "common/address.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
@@ -45,7 +46,7 @@ constexpr std::uint64_t kNoVirtualDisk = 255;  // in the records of blocks too
 
 Cell AddressCell(const Disk& disk, ObjectKind kind, std::optional<std::uint64_t> id) {
     if (!id) return Unknown();
-    if (*id == kNoObject) return TextCell("");
+    if (*id == kNoObject) return None();
     return TextCell(
         Address{.adapter = disk.address.adapter, .kind = kind, .id = static_cast<unsigned>(*id)}
             .Text());
@@ -76,18 +77,24 @@ Cell PhyCell(const Disk& disk) {
 using enum Kind;
 using enum Place;
 
+std::vector<std::string_view> StateWords() {
+    std::vector<std::string_view> words;
+    for (const hxcodes::DiskWord& word : hxcodes::kDiskWords) words.push_back(word.name);
+    return words;
+}
+
 constexpr Column<Disk> kColumns[] = {
-    {{"address", "ADDRESS", kText, kTable, "Its address"},
+    {{"address", "ADDRESS", kAddress, kTable, "Its address"},
      [](const Disk& it) { return TextCell(it.address.Text()); }},
-    {{"state", "STATE", kText, kTable, "Its state in one word"},
+    {OneOf(StateWords, {"state", "STATE", kWord, kTable, "Its state in one word"}),
      [](const Disk& it) { return TextCell(it.state); }},
     {{"size_bytes", "SIZE", kBytes, kTable, "Its size"},
      [](const Disk& it) { return SectorsAt(it.info, HD_Info::Size); }},
     {{"free_bytes", "FREE", kBytes, kTable, "What is free for new virtual disks"},
      [](const Disk& it) { return SectorsAt(it.free_space, HD_FreeSpaceInfo::Size); }},
-    {{"vd", "VD", kText, kTable, "The virtual disk that it serves"},
+    {{"vd", "VD", kReference, kTable, "The virtual disk that it serves"},
      [](const Disk& it) { return OwnerCell(it); }},
-    {{"dg", "DG", kText, kTable, "The disk group that it serves"},
+    {{"dg", "DG", kReference, kTable, "The disk group that it serves"},
      [](const Disk& it) { return GroupCell(it); }},
     {{"model", "MODEL", kText, kWide, "Its model"},
      [](const Disk& it) { return FieldCell(it.info, HD_Info::Model); }},
@@ -95,7 +102,7 @@ constexpr Column<Disk> kColumns[] = {
      [](const Disk& it) { return FieldCell(it.info, HD_Info::SerialNo); }},
     {{"connection", "LINK", kCode, kWide, "How it is connected", &CodeTable::connections},
      [](const Disk& it) { return FieldCell(it.info, HD_Info::ConnectionType); }},
-    {{"enclosure", "ENCLOSURE", kText, kWide, "The enclosure that it is in"},
+    {{"enclosure", "ENCLOSURE", kReference, kWide, "The enclosure that it is in"},
      [](const Disk& it) {
          return AddressCell(it, ObjectKind::kEnclosure, SelfOf(it)[Link_Endpoint::EnclosureID]);
      }},
@@ -107,9 +114,9 @@ constexpr Column<Disk> kColumns[] = {
      [](const Disk& it) { return FieldCell(it.info, HD_Info::Status); }},
     {{"firmware_version", "FIRMWARE", kText, kWide, "The version of its firmware"},
      [](const Disk& it) { return FieldCell(it.info, HD_Info::FWVersion); }},
-    {{"wwn", "WWN", kText, kWide, "Its world wide name"},
+    {{"wwn", "WWN", kHex, kWide, "Its world wide name"},
      [](const Disk& it) { return HexAt(it.info, HD_Info::WWN); }},
-    {{"sas_address", "SAS ADDRESS", kText, kWide, "Its SAS address"},
+    {{"sas_address", "SAS ADDRESS", kHex, kWide, "Its SAS address"},
      [](const Disk& it) { return HexAt(SelfOf(it), Link_Endpoint::SAS_Address); }},
     {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to",
       &CodeTable::devices},
@@ -267,19 +274,19 @@ struct Block {
 };
 
 constexpr Column<Block> kBlockColumns[] = {
-    {{"address", "DISK", kText, kTable, "The address of the disk it lies on"},
+    {{"address", "DISK", kAddress, kTable, "The address of the disk it lies on"},
      [](const Block& it) { return TextCell(it.disk.Text()); }},
-    {{"block", "BLOCK", kNumber, kTable, "Its number on the adapter"},
+    {Always({"block", "BLOCK", kNumber, kTable, "Its number on the adapter"}),
      [](const Block& it) { return NumberCell(it.id); }},
     {{"start_lba", "START", kNumber, kTable, "Its first sector"},
      [](const Block& it) { return FieldCell(it.info, Block_Info::StartLBA); }},
     {{"size_bytes", "SIZE", kBytes, kTable, "Its size"},
      [](const Block& it) { return SectorsAt(it.info, Block_Info::Size); }},
-    {{"vd", "VD", kText, kTable, "The virtual disk it belongs to"},
+    {{"vd", "VD", kReference, kTable, "The virtual disk it belongs to"},
      [](const Block& it) {
          const auto owner = it.info[Block_Info::LDID];
          if (!owner) return Unknown();
-         if (*owner == kNoVirtualDisk || *owner == kNoObject) return TextCell("");
+         if (*owner == kNoVirtualDisk || *owner == kNoObject) return None();
          return TextCell(Address{.adapter = it.disk.adapter,
                                  .kind = ObjectKind::kVirtualDisk,
                                  .id = static_cast<unsigned>(*owner)}
@@ -355,7 +362,7 @@ struct Remapped {
 };
 
 constexpr Column<Remapped> kRemappedColumns[] = {
-    {{"address", "DISK", kText, kTable, "The address of the disk"},
+    {{"address", "DISK", kAddress, kTable, "The address of the disk"},
      [](const Remapped& it) { return TextCell(it.disk.Text()); }},
     {{"lba", "LBA", kNumber, kTable, "The first of the sectors"},
      [](const Remapped& it) { return FieldCell(it.record, RCT_Record::lba); }},

@@ -125,7 +125,7 @@ using enum Kind;
 using enum Place;
 
 constexpr Column<Enclosure> kColumns[] = {
-    {{"address", "ADDRESS", kText, kTable, "Its address"},
+    {{"address", "ADDRESS", kAddress, kTable, "Its address"},
      [](const Enclosure& it) { return TextCell(it.address.Text()); }},
     {{"state", "STATE", kCode, kTable, "Its state", &CodeTable::element_states},
      [](const Enclosure& it) { return FieldCell(it.info, Enclosure_Info::Status); }},
@@ -142,7 +142,7 @@ constexpr Column<Enclosure> kColumns[] = {
          return NumbersCell(FirstNumbers(it.info[Enclosure_Info::ExpanderIDs],
                                          it.info[Enclosure_Info::ExpanderCount]));
      }},
-    {{"sas_address", "SAS ADDRESS", kText, kWide, "Its SAS address"},
+    {{"sas_address", "SAS ADDRESS", kHex, kWide, "Its SAS address"},
      [](const Enclosure& it) { return HexAt(SelfOf(it.info), Link_Endpoint::SAS_Address); }},
     {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to",
       &CodeTable::devices},
@@ -152,7 +152,7 @@ constexpr Column<Enclosure> kColumns[] = {
 };
 
 constexpr Column<Element> kElementColumns[] = {
-    {{"address", "ADDRESS", kText, kTable, "Its address"},
+    {{"address", "ADDRESS", kAddress, kTable, "Its address"},
      [](const Element& it) { return TextCell(it.address.Text()); }},
     {{"type", "TYPE", kCode, kTable, "What it is", &CodeTable::element_types},
      [](const Element& it) { return FieldCell(it.info, EncElementType_Info::Type); }},
@@ -184,7 +184,7 @@ constexpr Column<Element> kElementColumns[] = {
 };
 
 constexpr Column<Expander> kExpanderColumns[] = {
-    {{"address", "ADAPTER", kText, kTable, "The address of its adapter"},
+    {{"address", "ADAPTER", kAddress, kTable, "The address of its adapter"},
      [](const Expander& it) { return TextCell(it.adapter.Text()); }},
     {{"id", "ID", kNumber, kTable, "Its number"},
      [](const Expander& it) { return FieldCell(SelfOf(it.info), Link_Endpoint::DevID); }},
@@ -196,7 +196,7 @@ constexpr Column<Expander> kExpanderColumns[] = {
      [](const Expander& it) { return FieldCell(it.info, Exp_Info::ProductRev); }},
     {{"phy_count", "PHYS", kNumber, kTable, "The number of its phys"},
      [](const Expander& it) { return FieldCell(it.info, Exp_Info::PhyCount); }},
-    {{"sas_address", "SAS ADDRESS", kText, kTable, "Its SAS address"},
+    {{"sas_address", "SAS ADDRESS", kHex, kTable, "Its SAS address"},
      [](const Expander& it) { return HexAt(SelfOf(it.info), Link_Endpoint::SAS_Address); }},
     {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to",
       &CodeTable::devices},
@@ -222,7 +222,7 @@ constexpr Column<Expander> kExpanderColumns[] = {
 };
 
 constexpr Column<Multiplier> kMultiplierColumns[] = {
-    {{"address", "ADAPTER", kText, kTable, "The address of its adapter"},
+    {{"address", "ADAPTER", kAddress, kTable, "The address of its adapter"},
      [](const Multiplier& it) { return TextCell(it.adapter.Text()); }},
     {{"id", "ID", kNumber, kTable, "Its number"},
      [](const Multiplier& it) { return FieldCell(SelfOf(it.info), Link_Endpoint::DevID); }},

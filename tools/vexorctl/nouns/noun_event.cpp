@@ -51,7 +51,7 @@ using hxcodes::CodeTable;
 Cell SenseCell(const Record<Event>& record) {
     const auto bytes = record[Event::SenseData];
     if (bytes) return TextCell(HexBytes(*bytes));
-    return record[Event::SenseDataLength] == 0 ? TextCell("") : Unknown();
+    return record[Event::SenseDataLength] == 0 ? None() : Unknown();
 }
 
 Cell OfText(const StoredEvent& event, Cell cell) {
@@ -62,13 +62,13 @@ using enum Kind;
 using enum Place;
 
 constexpr Column<Shown> kColumns[] = {
-    {{"sequence", "NUMBER", kNumber, kTable, "Its number in the store"},
+    {Always({"sequence", "NUMBER", kNumber, kTable, "Its number in the store"}),
      [](const Shown& it) { return NumberCell(it.event.sequence); }},
     {{"time", "TIME", kTime, kTable, "When it happened"},
      [](const Shown& it) { return FieldCell(it.event.record, Event::TimeStamp); }},
     {{"severity", "SEVERITY", kCode, kTable, "How grave it is", &CodeTable::severities},
      [](const Shown& it) { return FieldCell(it.event.record, Event::Severity); }},
-    {{"address", "ADDRESS", kText, kTable, "The object it is about"},
+    {{"address", "ADDRESS", kReference, kTable, "The object it is about"},
      [](const Shown& it) { return TextCell(it.event.object); }},
     {{"text", "EVENT", kText, kSentence, "What happened; with --raw its key and values"},
      [](const Shown& it) {
@@ -88,7 +88,7 @@ constexpr Column<Shown> kColumns[] = {
      [](const Shown& it) { return OfText(it.event, TextsCell(it.event.values)); }},
     {{"params", "PARAMS", kNumbers, kWide, "Its four parameters"},
      [](const Shown& it) { return FieldCell(it.event.record, Event::Params); }},
-    {{"sense_data", "SENSE DATA", kText, kWide, "The sense data that came with it, hexadecimal"},
+    {{"sense_data", "SENSE DATA", kHex, kWide, "The sense data that came with it, hexadecimal"},
      [](const Shown& it) { return SenseCell(it.event.record); }},
 };
 

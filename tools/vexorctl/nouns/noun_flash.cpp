@@ -82,7 +82,7 @@ using enum Kind;
 using enum Place;
 
 constexpr Column<Image> kColumns[] = {
-    {{"address", "ADDRESS", kText, kTable, "The address of its adapter"},
+    {{"address", "ADDRESS", kAddress, kTable, "The address of its adapter"},
      [](const Image& it) { return TextCell(it.adapter->address.Text()); }},
     {{"image", "IMAGE", kCode, kTable, "Which image it is", &CodeTable::images},
      [](const Image& it) { return NumberCell(it.code); }},

@@ -2,6 +2,7 @@
 #include <ctime>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -44,10 +45,15 @@ struct Line {
     Cell detail;
 };
 
+std::vector<std::string_view> KindWords() {
+    return {"adapter", "enclosure", "disk", "vd", "dg", "condition"};
+}
+
 constexpr Column<Line> kColumns[] = {
-    {{"kind", "KIND", kText, kTable, "What it is: adapter, enclosure, disk, vd, dg or condition"},
+    {Always(OneOf(KindWords, {"kind", "KIND", kWord, kTable,
+                              "What it is: adapter, enclosure, disk, vd, dg or condition"})),
      [](const Line& it) { return TextCell(it.kind); }},
-    {{"address", "ADDRESS", kText, kTable, "Its address"},
+    {{"address", "ADDRESS", kReference, kTable, "Its address"},
      [](const Line& it) { return it.address.empty() ? None() : TextCell(it.address); }},
     {{"name", "NAME", kText, kTable, "Its name, or its serial number"},
      [](const Line& it) { return it.name; }},

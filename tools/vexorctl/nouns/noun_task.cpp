@@ -29,11 +29,11 @@ using enum Kind;
 using enum Place;
 
 constexpr Column<Task> kColumns[] = {
-    {{"address", "ADDRESS", kText, kTable, "The address of the object on which it runs"},
+    {{"address", "ADDRESS", kAddress, kTable, "The address of the object on which it runs"},
      [](const Task& it) { return TextCell(it.address.Text()); }},
     {{"name", "NAME", kText, kTable, "The name of that object"},
      [](const Task& it) { return TextCell(it.name); }},
-    {{"activity", "ACTIVITY", kCode, kTable, "What it does", &CodeTable::activities},
+    {Always({"activity", "ACTIVITY", kCode, kTable, "What it does", &CodeTable::activities}),
      [](const Task& it) { return NumberCell(it.activity); }},
     {{"state", "STATE", kCode, kTable, "How it stands", &CodeTable::activity_states},
      [](const Task& it) { return NumberCell(it.state); }},

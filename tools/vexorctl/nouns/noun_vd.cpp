@@ -50,7 +50,7 @@ Cell DisksCell(const VirtualDisk& disk) {
 Cell GroupCell(const VirtualDisk& disk) {
     const auto group = disk.info[LD_Info::DGID];
     if (!group) return Unknown();
-    if (*group == kNoDiskGroup) return TextCell("");
+    if (*group == kNoDiskGroup) return None();
     return TextCell(Address{.adapter = disk.address.adapter,
                             .kind = ObjectKind::kDiskGroup,
                             .id = static_cast<unsigned>(*group)}
@@ -61,7 +61,7 @@ using enum Kind;
 using enum Place;
 
 constexpr Column<VirtualDisk> kColumns[] = {
-    {{"address", "ADDRESS", kText, kTable, "Its address"},
+    {{"address", "ADDRESS", kAddress, kTable, "Its address"},
      [](const VirtualDisk& it) { return TextCell(it.address.Text()); }},
     {{"name", "NAME", kText, kTable, "Its name"},
      [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::Name); }},
@@ -71,9 +71,9 @@ constexpr Column<VirtualDisk> kColumns[] = {
      [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::RaidMode); }},
     {{"size_bytes", "SIZE", kBytes, kTable, "Its size"},
      [](const VirtualDisk& it) { return SectorsAt(it.info, LD_Info::Size); }},
-    {{"disks", "DISKS", kTexts, kTable, "The disks that it lies on"},
+    {{"disks", "DISKS", kAddresses, kTable, "The disks that it lies on"},
      [](const VirtualDisk& it) { return DisksCell(it); }},
-    {{"dg", "DG", kText, kWide, "The disk group that it lies on"},
+    {{"dg", "DG", kReference, kWide, "The disk group that it lies on"},
      [](const VirtualDisk& it) { return GroupCell(it); }},
     {{"cache", "CACHE", kBits, kWide, "Its cache", &CodeTable::cache_bits},
      [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::CacheMode); }},

@@ -76,15 +76,15 @@ using enum Kind;
 using enum Place;
 
 constexpr Column<FileFinding> kColumns[] = {
-    {{"file", "FILE", kText, kTable, "The file, or \"standard input\""},
+    {Always({"file", "FILE", kText, kTable, "The file, or \"standard input\""}),
      [](const FileFinding& it) { return TextCell(it.file); }},
-    {{"line", "LINE", kNumber, kTable, "The line, counted from 1"},
+    {Always({"line", "LINE", kNumber, kTable, "The line, counted from 1"}),
      [](const FileFinding& it) { return NumberCell(it.line); }},
     {{"element", "ELEMENT", kText, kTable, "The parameter or the function; none of a whole text"},
      [](const FileFinding& it) { return it.element.empty() ? None() : TextCell(it.element); }},
-    {{"finding", "FINDING", kText, kTable, "What kind of finding it is"},
+    {Always({"finding", "FINDING", kText, kTable, "What kind of finding it is"}),
      [](const FileFinding& it) { return TextCell(std::string(KeyOf(it.kind))); }},
-    {{"sentence", "SENTENCE", kText, kTable, "What the library does"},
+    {Always({"sentence", "SENTENCE", kText, kTable, "What the library does"}),
      [](const FileFinding& it) { return TextCell(it.sentence); }},
 };
 

@@ -43,19 +43,19 @@ using enum Kind;
 using enum Place;
 
 constexpr Column<Done> kColumns[] = {
-    {{"address", "ADDRESS", kText, kTable, "The address of the object"},
+    {{"address", "ADDRESS", kReference, kTable, "The address of the object"},
      [](const Done& it) { return TextCell(it.address); }},
-    {{"action", "ACTION", kText, kTable, "The command"},
+    {Always({"action", "ACTION", kText, kTable, "The command"}),
      [](const Done& it) { return TextCell(it.action); }},
-    {{"task", "TASK", kText, kTable, "The address of the task that was started"},
+    {{"task", "TASK", kReference, kTable, "The address of the task that was started"},
      [](const Done& it) { return TextCell(it.task); }},
     {{"size_bytes", "SIZE", kBytes, kWide, "The resulting size"},
      [](const Done& it) {
          return it.change->size_bytes ? NumberCell(*it.change->size_bytes) : None();
      }},
-    {{"dry_run", "DRY RUN", kBool, kWide, "Whether nothing was changed"},
+    {Always({"dry_run", "DRY RUN", kBool, kWide, "Whether nothing was changed"}),
      [](const Done& it) { return NumberCell(it.dry_run); }},
-    {{"commands", "COMMANDS", kTexts, kWide, "The commands to the library"},
+    {Always({"commands", "COMMANDS", kTexts, kWide, "The commands to the library"}),
      [](const Done& it) { return CommandsCell(*it.change); }},
 };
 

@@ -1,5 +1,6 @@
 #include "output/cell.h"
 
+#include <cstddef>
 #include <utility>
 
 #include "codes/named.h"
@@ -38,6 +39,7 @@ Cell None() {
 
 Cell TextCell(std::optional<std::string> text) {
     if (!text) return Unknown();
+    if (text->empty()) return None();
     Cell cell = Known();
     cell.text = *std::move(text);
     return cell;
@@ -75,6 +77,12 @@ Cell NumbersCell(std::optional<std::vector<std::uint64_t>> numbers) {
     return cell;
 }
 
+Cell ItemsCell(std::vector<std::vector<Cell>> items) {
+    Cell cell = Known();
+    cell.items = std::move(items);
+    return cell;
+}
+
 Cell CodeCell(std::span<const hxcodes::Named> names, std::uint64_t code) {
     Cell cell = NumberCell(code);
     cell.text = hxcodes::NameOf(names, code);
@@ -82,6 +90,9 @@ Cell CodeCell(std::span<const hxcodes::Named> names, std::uint64_t code) {
 }
 
 void NameCodes(const ColumnInfo& column, const hxcodes::CodeTable& codes, Cell& cell) {
+    for (std::vector<Cell>& item : cell.items) {
+        for (std::size_t i = 0; i < item.size(); ++i) NameCodes(column.parts[i], codes, item[i]);
+    }
     if (column.names == nullptr || !cell.IsKnown()) return;
     const std::span<const hxcodes::Named> names = codes.*column.names;
     if (column.kind == Kind::kBits) {

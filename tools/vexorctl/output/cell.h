@@ -16,19 +16,32 @@
 namespace vexorctl {
 
 /// How a field is written. In JSON kBytes, kNumber and kRatio are numbers; kCode and kBits are
-/// objects that keep the number beside the name.
+/// objects that keep the number beside the name. The JSON schema says what each of them can be.
 enum class Kind {
     kText,
+    kAddress,    // of the object that the row is about, which is always known: "a0/vd1"
+    kReference,  // the address of another object
+    kHex,        // bytes as hexadecimal digits
+    kWord,       // one of the words that the column lists
     kNumber,
     kBool,
-    kBytes,    // a size; GiB in tables
-    kRatio,    // 0 to 1; percent in tables
-    kTime,     // seconds since 1970; ISO 8601 everywhere
-    kCode,     // a number with a name
-    kBits,     // a number whose bits have names
-    kTexts,    // a list of texts
-    kNumbers,  // a list of numbers
+    kBytes,      // a size in whole sectors; GiB in tables
+    kRatio,      // 0 to 1; percent in tables
+    kTime,       // seconds since 1970; ISO 8601 everywhere
+    kCode,       // a number with a name
+    kBits,       // a number whose bits have names
+    kTexts,      // a list of texts
+    kAddresses,  // a list of addresses
+    kNumbers,    // a list of numbers
+    kItems,      // a list of objects, whose fields the column describes
 };
+
+/// Whether a cell of the kind has its value in `text`, or in `texts`.
+constexpr bool IsText(Kind kind) {
+    return kind == Kind::kText || kind == Kind::kAddress || kind == Kind::kReference ||
+           kind == Kind::kHex || kind == Kind::kWord;
+}
+constexpr bool IsTexts(Kind kind) { return kind == Kind::kTexts || kind == Kind::kAddresses; }
 
 struct Cell {
     enum class State {
@@ -42,6 +55,7 @@ struct Cell {
     std::string text;
     std::vector<std::string> texts;
     std::vector<std::uint64_t> numbers;
+    std::vector<std::vector<Cell>> items;
 
     bool IsKnown() const { return state == State::kKnown; }
 };
@@ -49,7 +63,7 @@ struct Cell {
 Cell Unknown();
 Cell None();
 
-// Makers, one for each kind. What is null is unknown.
+// Makers, one for each kind. What is null is unknown, and an empty text is none.
 Cell TextCell(std::optional<std::string> text);
 Cell NumberCell(
     std::optional<std::uint64_t> number);  // kNumber, kBool, kBytes, kTime, kCode, kBits
@@ -57,6 +71,7 @@ Cell SectorsCell(std::optional<std::uint64_t> sectors);
 Cell PercentCell(std::optional<std::uint64_t> percent);  // kRatio
 Cell TextsCell(std::optional<std::vector<std::string>> texts);
 Cell NumbersCell(std::optional<std::vector<std::uint64_t>> numbers);
+Cell ItemsCell(std::vector<std::vector<Cell>> items);
 /// A code of vexorctl's own; those of the controller get their names by their column.
 Cell CodeCell(std::span<const hxcodes::Named> names, std::uint64_t code);
 
@@ -70,6 +85,9 @@ enum class Place {
 /// The names of a kCode or kBits in the table of codes.
 using CodeNames = std::span<const hxcodes::Named> hxcodes::CodeTable::*;
 
+/// All that a kWord can be.
+using Words = std::vector<std::string_view> (*)();
+
 struct ColumnInfo {
     std::string_view key;     // in JSON, in --columns and --sort; with its unit
     std::string_view header;  // in tables
@@ -77,7 +95,24 @@ struct ColumnInfo {
     Place place;
     std::string_view help;
     CodeNames names = nullptr;
+    Words words = nullptr;
+    std::span<const ColumnInfo> parts{};  // of a kItems
+    bool always = false;                  // it is never null
 };
+
+/// The column as one whose value vexorctl always knows.
+constexpr ColumnInfo Always(ColumnInfo column) {
+    column.always = true;
+    return column;
+}
+constexpr ColumnInfo OneOf(Words words, ColumnInfo column) {
+    column.words = words;
+    return column;
+}
+constexpr ColumnInfo Of(std::span<const ColumnInfo> parts, ColumnInfo column) {
+    column.parts = parts;
+    return column;
+}
 
 template <class Record>
 struct Column : ColumnInfo {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <iterator>
+#include <utility>
 
 #include "common/size.h"
 #include "common/timestamp.h"
@@ -60,6 +61,10 @@ std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& st
     if (cell.state == Cell::State::kNone) return {};
     switch (column.kind) {
         case Kind::kText:
+        case Kind::kAddress:
+        case Kind::kReference:
+        case Kind::kHex:
+        case Kind::kWord:
             return cell.text;
         case Kind::kNumber:
             return std::to_string(cell.number);
@@ -77,6 +82,7 @@ std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& st
         case Kind::kCode:
             return cell.text.empty() ? std::to_string(cell.number) : cell.text;
         case Kind::kTexts:
+        case Kind::kAddresses:
             if (AreAddresses(cell.texts)) return AddressRanges(cell.texts);
             [[fallthrough]];
         case Kind::kBits:
@@ -86,6 +92,18 @@ std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& st
             for (const std::uint64_t number : cell.numbers) texts.push_back(std::to_string(number));
             return Joined(texts, ",");
         }
+        case Kind::kItems: {
+            std::vector<std::string> texts;
+            for (const std::vector<Cell>& item : cell.items) {
+                std::vector<std::string> parts;
+                for (std::size_t i = 0; i < item.size(); ++i) {
+                    std::string part = CellText(column.parts[i], item[i], style);
+                    if (!part.empty()) parts.push_back(std::move(part));
+                }
+                texts.push_back(Joined(parts, " "));
+            }
+            return Joined(texts, ", ");
+        }
     }
     return {};
 }
@@ -93,12 +111,23 @@ std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& st
 std::string PlainText(const ColumnInfo& column, const Cell& cell, const Style& style) {
     if (!cell.IsKnown()) return {};
     if (column.kind == Kind::kBytes) return std::to_string(cell.number);
-    if (column.kind == Kind::kTexts) return Joined(cell.texts, ",");
+    if (IsTexts(column.kind)) return Joined(cell.texts, ",");
     if (column.kind == Kind::kBool) return cell.number != 0 ? "true" : "false";
     if (column.kind == Kind::kRatio) {
         char text[32];
         std::snprintf(text, sizeof(text), "%g", cell.ratio);
         return text;
+    }
+    if (column.kind == Kind::kItems) {
+        std::vector<std::string> texts;
+        for (const std::vector<Cell>& item : cell.items) {
+            std::vector<std::string> parts;
+            for (std::size_t i = 0; i < item.size(); ++i) {
+                parts.push_back(PlainText(column.parts[i], item[i], style));
+            }
+            texts.push_back(Joined(parts, ":"));
+        }
+        return Joined(texts, ",");
     }
     return CellText(column, cell, style);
 }

@@ -20,7 +20,8 @@ struct Report {
     std::vector<ColumnInfo> columns;
     std::vector<std::vector<Cell>> rows;
     std::vector<Fault> faults;
-    std::string more{};  // further keys of the JSON document, as an object
+    std::string more{};    // further keys of the JSON document, as an object
+    bool partial = false;  // only the columns that --columns names are there
 };
 
 template <class Record, std::size_t n>

@@ -1,6 +1,9 @@
 #include "output/write_json.h"
 
 #include <nlohmann/json.hpp>
+#include <span>
+#include <utility>
+#include <vector>
 
 #include "common/timestamp.h"
 #include "output/cell.h"
@@ -11,10 +14,19 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr const char* kSchema = "vexorctl/1";
+
+Json ObjectJson(std::span<const ColumnInfo> columns, const std::vector<Cell>& cells,
+                const Style& style);
+
 Json CellJson(const ColumnInfo& column, const Cell& cell, const Style& style) {
     if (!cell.IsKnown()) return nullptr;
     switch (column.kind) {
         case Kind::kText:
+        case Kind::kAddress:
+        case Kind::kReference:
+        case Kind::kHex:
+        case Kind::kWord:
             return cell.text;
         case Kind::kNumber:
         case Kind::kBytes:
@@ -31,20 +43,35 @@ Json CellJson(const ColumnInfo& column, const Cell& cell, const Style& style) {
         case Kind::kBits:
             return {{"code", cell.number}, {"names", cell.texts}};
         case Kind::kTexts:
+        case Kind::kAddresses:
             return cell.texts;
         case Kind::kNumbers:
             return cell.numbers;
+        case Kind::kItems: {
+            Json items = Json::array();
+            for (const std::vector<Cell>& item : cell.items) {
+                items.push_back(ObjectJson(column.parts, item, style));
+            }
+            return items;
+        }
     }
     return nullptr;
 }
 
-Json RowJson(const Report& report, std::size_t row, const Style& style) {
+Json ObjectJson(std::span<const ColumnInfo> columns, const std::vector<Cell>& cells,
+                const Style& style) {
     Json object = Json::object();
-    for (std::size_t i = 0; i < report.columns.size(); ++i) {
-        object[std::string(report.columns[i].key)] =
-            CellJson(report.columns[i], report.rows[row][i], style);
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        object[std::string(columns[i].key)] = CellJson(columns[i], cells[i], style);
     }
     return object;
+}
+
+// What every document and every line begins with.
+Json Begun(const std::string& command, bool partial) {
+    Json json = {{"schema", kSchema}, {"command", command}};
+    if (partial) json["partial"] = true;
+    return json;
 }
 
 Json FaultJson(const Fault& fault) {
@@ -68,22 +95,27 @@ std::string Dump(const Json& json, int indent) {
 std::string JsonDocument(const Report& report, const Style& style) {
     Json items = Json::array();
     for (std::size_t row = 0; row < report.rows.size(); ++row) {
-        items.push_back(RowJson(report, row, style));
+        items.push_back(ObjectJson(report.columns, report.rows[row], style));
     }
     Json errors = Json::array();
     for (const Fault& fault : report.faults) errors.push_back(FaultJson(fault));
-    Json document = {{"schema", "vexorctl/1"},
-                     {"command", report.command},
-                     {"items", items},
-                     {"errors", errors}};
+    Json document = Begun(report.command, report.partial);
+    document["items"] = std::move(items);
+    document["errors"] = std::move(errors);
     if (!report.more.empty()) document.update(Json::parse(report.more));
     return Dump(document, 2);
 }
 
 std::string JsonLine(const Report& report, std::size_t row, const Style& style) {
-    return Dump(RowJson(report, row, style), -1);
+    Json line = Begun(report.command, report.partial);
+    line.update(ObjectJson(report.columns, report.rows[row], style));
+    return Dump(line, -1);
 }
 
-std::string JsonFaultLine(const Fault& fault) { return Dump({{"error", FaultJson(fault)}}, -1); }
+std::string JsonFaultLine(const std::string& command, const Fault& fault) {
+    Json line = Begun(command, false);
+    line["error"] = FaultJson(fault);
+    return Dump(line, -1);
+}
 
 }  // namespace vexorctl

@@ -48,7 +48,7 @@ std::size_t ColumnOf(const Report& report, std::string_view key) {
 
 // What sorts before what: numbers by their value, everything else by its text.
 auto SortKey(const ColumnInfo& column, const Cell& cell) {
-    const bool by_text = column.kind == Kind::kText || column.kind == Kind::kTexts;
+    const bool by_text = IsText(column.kind) || IsTexts(column.kind);
     return std::tuple(cell.IsKnown(), cell.number, cell.ratio,
                       by_text ? cell.text + Joined(cell.texts, ",") : std::string(), cell.numbers);
 }
@@ -80,7 +80,7 @@ bool NaturallyLess(std::string_view one, std::string_view other) {
 }
 
 bool CellLess(const ColumnInfo& column, const Cell& one, const Cell& other) {
-    if (column.kind == Kind::kText && one.IsKnown() && other.IsKnown()) {
+    if (IsText(column.kind) && one.IsKnown() && other.IsKnown()) {
         return NaturallyLess(one.text, other.text);
     }
     return SortKey(column, one) < SortKey(column, other);
@@ -109,7 +109,7 @@ void PrintDocument(const Report& report, const Style& style) {
     } else {
         PrintMore(report, style, true);
         for (const Fault& fault : report.faults) {
-            if (style.format == "jsonl") out += JsonFaultLine(fault) + "\n";
+            if (style.format == "jsonl") out += JsonFaultLine(report.command, fault) + "\n";
         }
     }
     PrintText(out);
@@ -247,6 +247,7 @@ void Arrange(const Invocation& invocation, const Style& style, Report& report) {
     const std::vector<std::size_t> chosen = keys != nullptr && *keys != "all"
                                                 ? NamedColumns(report, *keys)
                                                 : PlacedColumns(report, style, keys != nullptr);
+    report.partial = keys != nullptr && *keys != "all";
     KeepColumns(report, chosen);
 }
 
@@ -338,7 +339,9 @@ Exit PiecewiseReport::End() {
     if (is_whole_) return Present(invocation_, std::move(whole_));
     if (IsTable(style_)) table_.Write(style_, style_.header, PrintText);
     if (style_.format == "jsonl") {
-        for (const Fault& fault : controller.faults()) PrintText(JsonFaultLine(fault) + "\n");
+        for (const Fault& fault : controller.faults()) {
+            PrintText(JsonFaultLine(invocation_.row().Name(), fault) + "\n");
+        }
     }
     ReportFaults(controller.faults());
     return controller.exit();
