@@ -292,7 +292,7 @@ class Codes(VexorctlCase):
         process = subprocess.Popen([VEXORCTL, "event", "follow"], env=self.environment,
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         vexorctl_machine.interrupt(process)
-        process.communicate(timeout=20)
+        process.communicate(timeout=vexorctl_machine.PATIENCE)
         self.assertEqual(process.returncode, 130)
 
 
@@ -547,9 +547,7 @@ class Events(VexorctlCase):
         self.addCleanup(process.stderr.close)
         self.addCleanup(process.wait)
         self.addCleanup(process.kill)
-        end = time.monotonic() + 20
-        while not (self.root / "cursor").exists() and time.monotonic() < end:
-            time.sleep(0.02)
+        vexorctl_machine.wait_until((self.root / "cursor").exists, "it was to write its cursor")
         return process
 
     def test_events_are_shown_as_they_come(self):
@@ -562,19 +560,20 @@ class Events(VexorctlCase):
             "Disk a1/pd0 was set down: it takes part in nothing any more",
             "Virtual disk a1/vd0 is degraded: no redundancy is left"])
         process.send_signal(signal.SIGINT)
-        out, err = process.communicate(timeout=20)
+        out, err = process.communicate(timeout=vexorctl_machine.PATIENCE)
         self.assertEqual((out, err, process.returncode), ("", "", 130))
         self.assertRegex((self.root / "cursor").read_text(), r"^vexorctl-cursor 1 34 \S+\n$")
 
     def test_a_reset_behind_the_back_of_who_follows_is_told(self):
         self.collect()
         process = self.following()
-        self.assertEqual(self.run_words("event", "reset", "--yes").returncode, 0)
-        self.many_events(60)  # more than there were
+        with vexorctl_machine.stopped(process):
+            self.assertEqual(self.run_words("event", "reset", "--yes").returncode, 0)
+            self.many_events(60)  # more than there were
         event = json.loads(process.stdout.readline())
         self.assertEqual(event["sequence"], 0)
         process.send_signal(signal.SIGINT)
-        _, err = process.communicate(timeout=20)
+        _, err = process.communicate(timeout=vexorctl_machine.PATIENCE)
         self.assertIn("vexorctl: event follow: the event store was reset, and what it held behind "
                       "event 31 is lost; how many events that were cannot be told; ", err)
 
@@ -583,11 +582,12 @@ class Events(VexorctlCase):
             '<config><EventLogConfig type="config" MaxNumOfEvent="10" '
             f'Filename="{self.root}/opt/kestrel/raid/db/vx_hx_raid.ev"/></config>')
         self.collect()
-        process = self.following("--interval", "2")
-        self.many_events(100)
+        process = self.following()
+        with vexorctl_machine.stopped(process):
+            self.many_events(100)
         first = json.loads(process.stdout.readline())["sequence"]
         process.send_signal(signal.SIGINT)
-        _, err = process.communicate(timeout=20)
+        _, err = process.communicate(timeout=vexorctl_machine.PATIENCE)
         self.assertIn(f"{first - 32} events were lost: they were overwritten", err)
 
     def test_reset_asks_for_the_word_and_counts_what_is_lost(self):
@@ -637,7 +637,7 @@ class Completion(VexorctlCase):
                 with self.subTest(shell=shell):
                     text = self.run_words("completion", shell).stdout
                     run = subprocess.run([shell, "-n"], input=text, text=True, capture_output=True,
-                                         check=False, timeout=60)
+                                         env=self.environment, check=False, timeout=60)
                     self.assertEqual((run.stderr, run.returncode), ("", 0))
 
 

@@ -4,6 +4,7 @@ vexorctl, run as a program over it.
 What time it is, and how far an activity has come, changes only when a test says so.
 """
 
+import contextlib
 import functools
 import json
 import os
@@ -56,23 +57,50 @@ def schema(path):
     return validator(text)
 
 
+# In seconds. Nothing is expected to take that long: a test that waits for a state in vain ends then.
+PATIENCE = 120
+
+
+def status_of(process, field):
+    """A field of what the kernel tells of a process."""
+    text = pathlib.Path(f"/proc/{process.pid}/status").read_text()
+    return re.search(rf"^{field}:\s*(\w+)", text, re.M)[1]
+
+
+def wait_until(condition, what):
+    """Fails when the condition is not met in the end."""
+    end = time.monotonic() + PATIENCE
+    while not condition():
+        if time.monotonic() > end:
+            raise AssertionError(f"in vain: {what}")
+        time.sleep(0.01)
+
+
 def interrupt(process):
     """Sends SIGINT to a program, once it catches it."""
-    status = pathlib.Path(f"/proc/{process.pid}/status")
-    end = time.monotonic() + 20
-    while time.monotonic() < end:
-        caught = int(re.search(r"^SigCgt:\s*(\w+)$", status.read_text(), re.M)[1], 16)
-        if caught & 1 << (signal.SIGINT - 1):
-            process.send_signal(signal.SIGINT)
-            return
-        time.sleep(0.01)
-    process.kill()
-    raise AssertionError("the program never caught SIGINT")
+    try:
+        wait_until(lambda: int(status_of(process, "SigCgt"), 16) & 1 << (signal.SIGINT - 1),
+                   "the program was to catch SIGINT")
+    except AssertionError:
+        process.kill()
+        raise
+    process.send_signal(signal.SIGINT)
+
+
+@contextlib.contextmanager
+def stopped(process):
+    """The program does nothing meanwhile, however long it takes."""
+    process.send_signal(signal.SIGSTOP)
+    wait_until(lambda: status_of(process, "State") == "T", "the program was to stop")
+    try:
+        yield
+    finally:
+        process.send_signal(signal.SIGCONT)
 
 
 def on_terminal(words, environment, folder=None, steps=()):
     """Runs the program on a pseudo-terminal. Each step is a text and what is done, with the process
-    and the terminal, as soon as the text was said.
+    and the terminal, as soon as the text was said behind the one of the step before.
 
     Returns all that was said, as bytes, and the exit code.
     """
@@ -82,19 +110,26 @@ def on_terminal(words, environment, folder=None, steps=()):
             os.chdir(folder)
         os.execve(words[0], words, environment)
     said = b""
-    end = time.monotonic() + 30
-    for wanted, act in steps:
-        while wanted not in said and time.monotonic() < end:
-            if select.select([master], [], [], 0.2)[0]:
-                said += os.read(master, 4096)
-        act(pid, master)
+    end = time.monotonic() + PATIENCE
+    seen = done = 0
     try:
+        for wanted, act in steps:
+            while (at := said.find(wanted, seen)) < 0:
+                if time.monotonic() > end:
+                    os.kill(pid, signal.SIGKILL)
+                if select.select([master], [], [], 0.2)[0]:
+                    said += os.read(master, 4096)
+            seen = at + len(wanted)
+            act(pid, master)
+            done += 1
         while chunk := os.read(master, 4096):
             said += chunk
     except OSError:
         pass
     _, status = os.waitpid(pid, 0)
     os.close(master)
+    if done < len(steps):
+        raise AssertionError(f"it never said {steps[done][0]}: {said}")
     return said, os.waitstatus_to_exitcode(status)
 
 
@@ -151,7 +186,8 @@ class VexorctlCase(unittest.TestCase):
         (self.root / "opt/kestrel/raid/db").mkdir(parents=True)
         self.vexorctl = os.path.join(PROGRAMS, "vexorctl")
         self.environment = {
-            **os.environ, "VEXORAPI_ROOT": str(self.root), "TZ": "UTC",
+            # The locale is for the shells that programs run: some complain of one that is not there.
+            **os.environ, "VEXORAPI_ROOT": str(self.root), "TZ": "UTC", "LC_ALL": "C.UTF-8",
             "HXSIM_STATE": str(self.root / "machine.db"),
             "PATH": PROGRAMS + os.pathsep + os.environ["PATH"],
         }

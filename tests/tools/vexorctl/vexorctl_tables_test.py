@@ -10,9 +10,11 @@ import pathlib
 import pty
 import re
 import select
+import signal
 import struct
 import subprocess
 import termios
+import time
 
 import vexorctl_machine
 from vexorctl_machine import TREE, VexorctlCase
@@ -170,27 +172,46 @@ class Terminal:
 
 
 OVER = "vexorctl: a0/vd0: the wait timed out; the task goes on"
+INTERRUPTED = "vexorctl: a0/vd0: interrupted; the task goes on"
+
+
+def interrupt(process, _):
+    process.send_signal(signal.SIGINT)
 
 
 class Watching(WideCase):
-    def watch(self, columns, *words, later=None):
-        """Runs task watch on a terminal. The texts that it wrote, one for each drawing, and how it
-        ended; `later` is done with the terminal after the third."""
+    # What each drawing begins with, and what takes the last one away: back to the first line.
+    START = re.compile(r"(?:\x1b\[\d+A\r|(?<![\nA])\r)(?=\x1b\[[JK])")
+
+    def parts(self, said):
+        starts = [match.start() for match in self.START.finditer(said)]
+        return [said[start:end] for start, end in zip(starts, starts[1:] + [len(said)])]
+
+    def watch(self, columns, *words, steps=()):
+        """Runs task watch on a terminal. Each step is a condition and what is done, with the process
+        and the terminal, as soon as the drawings meet it. Returns the drawings, of which the last one
+        takes the others away and says why, and how it ended."""
         master, slave = pty.openpty()
         fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 40, columns, 0, 0))
         process = subprocess.Popen([self.vexorctl, "task", "watch", *words], cwd=self.root,
                                    stdout=slave, stderr=slave, stdin=subprocess.DEVNULL,
                                    env=self.environment)
-        said = []
+        said = ""
+        left = list(steps)
+        end = time.monotonic() + vexorctl_machine.PATIENCE
         while process.poll() is None or select.select([master], [], [], 0)[0]:
+            if time.monotonic() > end:
+                process.kill()
             if not select.select([master], [], [], 0.05)[0]:
                 continue
-            said.append(os.read(master, 65536).decode())
-            if len(said) == 3 and later:
-                later(slave)
+            said += os.read(master, 65536).decode()
+            # The last one may not have been written to its end.
+            if left and left[0][0](self.parts(said)[:-1]):
+                left.pop(0)[1](process, slave)
         os.close(slave)
         os.close(master)
-        return said, process.returncode
+        self.assertEqual(left, [], said)
+        return self.parts(said), process.returncode
 
     def start(self, *addresses):
         for address in addresses:
@@ -201,38 +222,48 @@ class Watching(WideCase):
         self.start("a0/vd0", "a0/vd2", "a1/vd0")
         for columns in (40, 60, 80, 200):
             with self.subTest(columns=columns):
-                said, code = self.watch(columns, "--timeout", "1s")
-                self.assertEqual(code, 7)
+                said, code = self.watch(columns, steps=[(lambda drawn: len(drawn) > 2, interrupt)])
+                self.assertEqual(code, 130)
                 terminal = Terminal(columns)
-                frames = 0
-                for text in said:
+                for text in said[:-1]:
                     terminal.write(text)
-                    if OVER.startswith(terminal.rows[0]):
-                        continue  # they are taken away, and the reason is told
-                    frames += 1
                     self.assertEqual([line.split(" [")[0] for line in terminal.rows],
                                      ["a0/vd0 check", "a0/vd2 check", "a1/vd0 check"])
                     self.assertLess(max(map(len, terminal.rows)), columns)
                     self.assertTrue(all(line.endswith("] 0%") for line in terminal.rows))
-                self.assertGreater(frames, 2)
-                self.assertEqual("".join(terminal.rows), OVER)
+                terminal.write(said[-1])
+                self.assertEqual("".join(terminal.rows), INTERRUPTED)
+
+    def test_what_was_drawn_is_taken_away_when_the_time_is_over(self):
+        self.start("a0/vd0", "a0/vd2")
+        said, code = self.watch(60, "--timeout", "1s")
+        self.assertEqual(code, 7)
+        self.assertGreater(len(said), 1)
+        terminal = Terminal(60)
+        terminal.write("".join(said))
+        self.assertEqual("".join(terminal.rows), OVER)
 
     def test_another_width_holds_from_the_next_drawing_on(self):
         self.start("a0/vd0", "a0/vd2")
-        said, _ = self.watch(80, "--timeout", "2s", later=lambda slave: fcntl.ioctl(
-            slave, termios.TIOCSWINSZ, struct.pack("HHHH", 40, 42, 0, 0)))
 
         def widest(text):
             return max(len(line) for line in re.sub(r"\x1b\[\d*[A-Z]", "", text).split("\r"))
 
-        self.assertGreater(widest(said[1]), 42)
-        self.assertLess(widest(said[5]), 42)
+        def make_narrower(_, slave):
+            fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 40, 42, 0, 0))
+
+        said, code = self.watch(80, steps=[
+            (lambda drawn: len(drawn) > 2, make_narrower),
+            (lambda drawn: [widest(each) < 42 for each in drawn[-2:]] == [True, True], interrupt)])
+        self.assertEqual(code, 130)
+        for each in said[:3]:
+            self.assertGreater(widest(each), 42)
 
     def test_what_is_paused_is_told_with_the_command_that_resumes_it(self):
         self.start("a0/vd0", "a0/vd2")
         self.machine.hxsimctl("clock", "advance", "1h")
         self.run_words("task", "pause-all", "a0")
-        for words in (["watch"], ["wait"], ["wait", "--timeout", "20s"]):
+        for words in (["watch"], ["wait"], ["wait", "--timeout", "120s"]):
             run = self.run_words("task", *words)
             self.assertRegex(run.stderr, r"\Avexorctl: a0/vd0: paused at \d+ %; to let it go on: "
                                          r"vexorctl task resume a0/vd0\n"
@@ -245,6 +276,7 @@ class Watching(WideCase):
                              "a0/pd0,a0/pd1,a0/pd2,a0/pd3,a0/pd11", "--yes")
         self.assertEqual(run.returncode, 0, run.stderr)
         said, _ = self.watch(80, "--timeout", "1s")
+        self.assertGreater(len(said), 1)
         self.assertIn("a0/dg0 migration ?%", said[0])
         self.assertNotIn(" 0%", said[0])
 

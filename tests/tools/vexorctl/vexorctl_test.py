@@ -704,7 +704,7 @@ class Waiting(VexorctlTest):
         process = subprocess.Popen([VEXORCTL, "task", "watch"], env=self.environment(),
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         vexorctl_machine.interrupt(process)
-        out, err = process.communicate(timeout=20)
+        out, err = process.communicate(timeout=vexorctl_machine.PATIENCE)
         self.assertEqual(err, b"vexorctl: a0/vd0: interrupted; the task goes on\n")
         self.assertEqual((out, process.returncode), (b"", 130))
 

@@ -10,6 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -756,9 +757,10 @@ TEST_F(StateFile, ThatAnotherProcessKeepsIsRefusedAfterFiveSeconds) {
     store.Current();
     const Connection keeper(File());
     const Transaction transaction(keeper);
-    const Time start = RealNow();
+    using std::chrono::steady_clock;
+    const steady_clock::time_point start = steady_clock::now();
     EXPECT_THROW(Locate(store, 1, true), StoreError);
-    EXPECT_GE(RealNow() - start, 4900);
+    EXPECT_GE(steady_clock::now() - start, std::chrono::milliseconds(4900));
     EXPECT_FALSE(IsLocated(store, 1));  // looking does not wait
 }
 
@@ -769,10 +771,13 @@ TEST_F(StateFile, IsSoundAfterProcessesWereKilledWhileTheyWrote) {
     const std::uint64_t before = Store(File(), DefaultMachine).Current().random;
     std::mt19937 random(1);
     for (int kills = 0; kills < 200; ++kills) {
+        int begun[2];
+        ASSERT_EQ(pipe(begun), 0);
         const pid_t child = fork();
         if (child == 0) {
             Store store(File(), DefaultMachine);
             for (bool on = true;; on = !on) {
+                if (!on && write(begun[1], "", 1) != 1) _exit(1);
                 store.Change([&](Machine& machine, Time) {
                     // Two rows that must go together, and some that make the log grow.
                     for (Disk& disk : machine.adapters[0].disks) disk.locate_light = on;
@@ -782,9 +787,17 @@ TEST_F(StateFile, IsSoundAfterProcessesWereKilledWhileTheyWrote) {
             }
         }
         ASSERT_GT(child, 0);
+        close(begun[1]);
+        // Half of them at any moment of their beginning, the others once they have written
+        // something.
+        char ignored;
+        if (kills % 2 == 0) {
+            ASSERT_EQ(read(begun[0], &ignored, 1), 1);
+        }
         usleep(static_cast<useconds_t>(random() % 15000));
         kill(child, SIGKILL);
         ASSERT_EQ(waitpid(child, nullptr, 0), child);
+        close(begun[0]);
         Store store(File(), DefaultMachine);
         const Machine& machine = store.Current();
         ASSERT_THAT(Check(machine), IsEmpty()) << "after kill " << kills;
