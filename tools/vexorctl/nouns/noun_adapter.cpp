@@ -23,7 +23,7 @@
 #include "shell/invocation.h"
 #include "shell/present.h"
 
-namespace vexorctl {
+namespace vexorctl::adapter_noun {
 
 namespace {
 
@@ -332,6 +332,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::span<const CommandRow> AdapterCommands() { return kCommands; }
+std::span<const CommandRow> Commands() { return kCommands; }
 
-}  // namespace vexorctl
+}  // namespace vexorctl::adapter_noun

@@ -19,7 +19,7 @@
 #include "shell/invocation.h"
 #include "shell/present.h"
 
-namespace vexorctl {
+namespace vexorctl::battery_noun {
 
 namespace {
 
@@ -255,6 +255,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::span<const CommandRow> BatteryCommands() { return kCommands; }
+std::span<const CommandRow> Commands() { return kCommands; }
 
-}  // namespace vexorctl
+}  // namespace vexorctl::battery_noun

@@ -13,7 +13,7 @@
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
 
-namespace vexorctl {
+namespace vexorctl::call_noun {
 
 namespace {
 
@@ -126,6 +126,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::span<const CommandRow> CallCommands() { return kCommands; }
+std::span<const CommandRow> Commands() { return kCommands; }
 
-}  // namespace vexorctl
+}  // namespace vexorctl::call_noun

@@ -30,7 +30,7 @@
 #include "shell/invocation.h"
 #include "shell/present.h"
 
-namespace vexorctl {
+namespace vexorctl::check_noun {
 
 namespace {
 
@@ -171,6 +171,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::span<const CommandRow> CheckCommands() { return kCommands; }
+std::span<const CommandRow> Commands() { return kCommands; }
 
-}  // namespace vexorctl
+}  // namespace vexorctl::check_noun

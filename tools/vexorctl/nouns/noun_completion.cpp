@@ -21,7 +21,7 @@
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
 
-namespace vexorctl {
+namespace vexorctl::completion_noun {
 
 namespace {
 
@@ -346,6 +346,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::span<const CommandRow> CompletionCommands() { return kCommands; }
+std::span<const CommandRow> Commands() { return kCommands; }
 
-}  // namespace vexorctl
+}  // namespace vexorctl::completion_noun

@@ -15,7 +15,7 @@
 #include "shell/invocation.h"
 #include "shell/present.h"
 
-namespace vexorctl {
+namespace vexorctl::config_noun {
 
 namespace {
 
@@ -102,6 +102,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::span<const CommandRow> ConfigCommands() { return kCommands; }
+std::span<const CommandRow> Commands() { return kCommands; }
 
-}  // namespace vexorctl
+}  // namespace vexorctl::config_noun

@@ -12,7 +12,7 @@
 #include "shell/invocation.h"
 #include "shell/present.h"
 
-namespace vexorctl {
+namespace vexorctl::counters_noun {
 
 namespace {
 
@@ -83,6 +83,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::span<const CommandRow> CountersCommands() { return kCommands; }
+std::span<const CommandRow> Commands() { return kCommands; }
 
-}  // namespace vexorctl
+}  // namespace vexorctl::counters_noun

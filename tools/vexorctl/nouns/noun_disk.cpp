@@ -24,7 +24,7 @@
 #include "shell/invocation.h"
 #include "shell/present.h"
 
-namespace vexorctl {
+namespace vexorctl::disk_noun {
 
 namespace {
 
@@ -409,7 +409,7 @@ Exit ListRemapped(Invocation& invocation) {
 // ---- Changes ----------------------------------------------------------------------------------
 
 // The disk as plans show it to a person.
-std::string Described(const Disk& disk) {
+std::string DiskInPlan(const Disk& disk) {
     return disk.address.Text() + " (" + Shown(disk.info[HD_Info::Model]) + ", serial " +
            Shown(disk.info[HD_Info::SerialNo]) + ", " + SectorsText(disk.info[HD_Info::Size]) +
            ", " + Shown(disk.state) + ")";
@@ -422,7 +422,7 @@ Disk FindDisk(Invocation& invocation) {
 
 // A change of the disk by one command. Callers add losses and a question where they need them.
 Change ChangeOf(const Disk& disk, const std::string& what, Command command) {
-    return {.what = what + " " + Described(disk),
+    return {.what = what + " " + DiskInPlan(disk),
             .losses = {},
             .confirm = {},
             .commands = {std::move(command)},
@@ -668,6 +668,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::span<const CommandRow> DiskCommands() { return kCommands; }
+std::span<const CommandRow> Commands() { return kCommands; }
 
-}  // namespace vexorctl
+}  // namespace vexorctl::disk_noun

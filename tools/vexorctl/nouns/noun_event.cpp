@@ -35,7 +35,7 @@
 #include "shell/option_value.h"
 #include "shell/present.h"
 
-namespace vexorctl {
+namespace vexorctl::event_noun {
 
 namespace {
 
@@ -495,6 +495,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::span<const CommandRow> EventCommands() { return kCommands; }
+std::span<const CommandRow> Commands() { return kCommands; }
 
-}  // namespace vexorctl
+}  // namespace vexorctl::event_noun

@@ -9,7 +9,7 @@
 #include "shell/help.h"
 #include "shell/invocation.h"
 
-namespace vexorctl {
+namespace vexorctl::help_noun {
 
 namespace {
 
@@ -33,6 +33,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::span<const CommandRow> HelpCommands() { return kCommands; }
+std::span<const CommandRow> Commands() { return kCommands; }
 
-}  // namespace vexorctl
+}  // namespace vexorctl::help_noun

@@ -5,7 +5,7 @@
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
 
-namespace vexorctl {
+namespace vexorctl::version_noun {
 
 namespace {
 
@@ -25,6 +25,6 @@ constexpr CommandRow kCommands[] = {
 
 }  // namespace
 
-std::span<const CommandRow> VersionCommands() { return kCommands; }
+std::span<const CommandRow> Commands() { return kCommands; }
 
-}  // namespace vexorctl
+}  // namespace vexorctl::version_noun

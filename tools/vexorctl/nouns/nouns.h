@@ -1,6 +1,6 @@
 // The command tree: every noun, and the list of where each one's commands are. A noun has one
-// source, noun_NAME.cpp, which defines its function below and nothing else that others see; so it
-// has no header of its own.
+// source, noun_NAME.cpp, which defines Commands() of its namespace and nothing else that others
+// see; so it has no header of its own.
 #pragma once
 
 #include <span>
@@ -12,25 +12,27 @@ namespace vexorctl {
 /// The nouns, in the order of the help.
 std::span<const NounRow> Nouns();
 
-std::span<const CommandRow> AdapterCommands();
-std::span<const CommandRow> EnclosureCommands();
-std::span<const CommandRow> DiskCommands();
-std::span<const CommandRow> VirtualDiskCommands();
-std::span<const CommandRow> DiskGroupCommands();
-std::span<const CommandRow> TaskCommands();
-std::span<const CommandRow> BatteryCommands();
-std::span<const CommandRow> FlashCommands();
-std::span<const CommandRow> EventCommands();
-std::span<const CommandRow> UserCommands();
-std::span<const CommandRow> CountersCommands();
-std::span<const CommandRow> ConfigCommands();
-std::span<const CommandRow> OverviewCommands();
-std::span<const CommandRow> CheckCommands();
-std::span<const CommandRow> RiskCommands();
-std::span<const CommandRow> CallCommands();
-std::span<const CommandRow> XmlCommands();
-std::span<const CommandRow> CompletionCommands();
-std::span<const CommandRow> HelpCommands();
-std::span<const CommandRow> VersionCommands();
+// clang-format off
+namespace adapter_noun { std::span<const CommandRow> Commands(); }
+namespace enclosure_noun { std::span<const CommandRow> Commands(); }
+namespace disk_noun { std::span<const CommandRow> Commands(); }
+namespace vd_noun { std::span<const CommandRow> Commands(); }
+namespace dg_noun { std::span<const CommandRow> Commands(); }
+namespace task_noun { std::span<const CommandRow> Commands(); }
+namespace battery_noun { std::span<const CommandRow> Commands(); }
+namespace flash_noun { std::span<const CommandRow> Commands(); }
+namespace event_noun { std::span<const CommandRow> Commands(); }
+namespace user_noun { std::span<const CommandRow> Commands(); }
+namespace counters_noun { std::span<const CommandRow> Commands(); }
+namespace config_noun { std::span<const CommandRow> Commands(); }
+namespace overview_noun { std::span<const CommandRow> Commands(); }
+namespace check_noun { std::span<const CommandRow> Commands(); }
+namespace risk_noun { std::span<const CommandRow> Commands(); }
+namespace call_noun { std::span<const CommandRow> Commands(); }
+namespace xml_noun { std::span<const CommandRow> Commands(); }
+namespace completion_noun { std::span<const CommandRow> Commands(); }
+namespace help_noun { std::span<const CommandRow> Commands(); }
+namespace version_noun { std::span<const CommandRow> Commands(); }
+// clang-format on
 
 }  // namespace vexorctl
