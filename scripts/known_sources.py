@@ -53,24 +53,29 @@ class Tree:
                 self.files[path] = None
         return self.files[path]
 
-    def digest(self, source, folders):
-        """Of a source and all of our headers that it could read. Conditions are not looked at, and a
-        name is followed into every folder that has it: a header too many costs a check too many."""
+    def reach(self, source, folders):
+        """A source and all of our headers that it could read, by path as look() tells them. Conditions
+        are not looked at, and a name is followed into every folder that has it: a header too many
+        costs a check too many."""
         waiting, reached = [str(source)], {}
         while waiting:
             path = waiting.pop()
             if path in reached:
                 continue
-            reached[path], names = self.look(path)
+            reached[path] = self.look(path)
             here = os.path.dirname(path)
-            for name in names:
+            for name in reached[path][1]:
                 for folder in (here, *folders):
                     header = os.path.normpath(os.path.join(folder, name))
                     if self.look(header) is not None:
                         waiting.append(header)
+        return reached
+
+    def digest(self, source, folders):
+        """Of a source and all of our headers that it could read."""
         total = hashlib.sha256()
-        for path in sorted(reached):
-            total.update(os.path.relpath(path, ROOT).encode() + b"\0" + reached[path])
+        for path, (content, _) in sorted(self.reach(source, folders).items()):
+            total.update(os.path.relpath(path, ROOT).encode() + b"\0" + content)
         return total.digest()
 
 
@@ -82,12 +87,12 @@ class Source:
         self.name = os.path.relpath(self.path, ROOT)
         self.folder = entry["directory"]
         self.command = entry["command"]
+        self.folders = re.findall(r"-I(\S+)", self.command)
 
     def key(self, tree, around):
         """The name under which it is remembered what was found."""
-        folders = re.findall(r"-I(\S+)", self.command)
         command = self.command.replace(str(tree.build), "BUILD").replace(str(ROOT), "ROOT")
-        parts = [around, command.encode(), tree.digest(self.path, folders)]
+        parts = [around, command.encode(), tree.digest(self.path, self.folders)]
         return hashlib.sha256(b"\0".join(parts)).hexdigest()
 
 
