@@ -6,7 +6,12 @@ namespace vexortools {
 
 inline constexpr char kOutOfMemory[] = "not enough memory";
 
-/// Ends the program with Exit::kUnavailable and the message. Allocates nothing.
+/// A command whose callers want another end than the program's: what it says on standard output,
+/// and its exit code. `text` has to last. To be called before any static object is made.
+void EndWithoutMemoryBy(const char* text, int code) noexcept;
+
+/// Ends the program with Exit::kUnavailable and the message, or as EndWithoutMemoryBy has said.
+/// Allocates nothing.
 [[noreturn]] void EndWithoutMemory() noexcept;
 
 }  // namespace vexortools

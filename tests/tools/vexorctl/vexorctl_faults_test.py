@@ -57,14 +57,16 @@ class NoMemory(VexorctlCase):
     EVERY = 60    # of the first allocations each one, and then
     SAMPLES = 40  # so many of the rest
 
-    def sweep(self, program, *words):
+    def run_without(self, number, program, *words):
         command = [os.path.join(os.path.dirname(self.vexorctl), program), *words]
+        environment = {**self.environment,
+                       **failing_allocation(FAULTS_LIBRARY, number, self.root / "count")}
+        return subprocess.run(command, cwd=self.root, env=environment, text=True,
+                              capture_output=True, timeout=60, check=False)
 
+    def sweep(self, program, *words):
         def run(number):
-            environment = {**self.environment,
-                           **failing_allocation(FAULTS_LIBRARY, number, self.root / "count")}
-            return subprocess.run(command, cwd=self.root, env=environment, text=True,
-                                  capture_output=True, timeout=60, check=False)
+            return self.run_without(number, program, *words)
 
         whole = run(0)
         self.assertEqual((whole.returncode, whole.stderr), (0, ""))
@@ -85,6 +87,22 @@ class NoMemory(VexorctlCase):
 
     def test_vexorctl_disk_list(self):
         self.sweep("vexorctl", "disk", "list")
+
+    def test_vexorctl_check_which_monitoring_takes_for_unknown(self):
+        whole = self.run_without(0, "vexorctl", "check")
+        count = int((self.root / "count").read_text())
+        ends = set()
+        for number in (*range(1, 10), *range(10, count + 1, count // 15)):
+            for text in (f"{number}", f"{number}+"):
+                with self.subTest(allocation=text, of=count):
+                    done = self.run_without(text, "vexorctl", "check")
+                    ends.add(done.returncode)
+                    if done.returncode != 3:
+                        self.assertEqual((done.returncode, done.stdout, done.stderr),
+                                         (whole.returncode, whole.stdout, ""))
+                        continue
+                    self.assertTrue(done.stdout.startswith("UNKNOWN: "), done.stdout)
+        self.assertIn(3, ends)
 
     def test_hxsimctl_show(self):
         self.sweep("hxsimctl", "show")
