@@ -17,13 +17,19 @@ enum { kStored = 0, kUsage = 2, kNoStore = 3 };
 /* What one round of a check-in takes from an adapter at most. */
 enum { kEventsPerCall = 50 };
 
+enum { kComplaintSize = 4096 + 256 }; /* the longest path, and why */
+
 int main(int argc, char** argv) {
     const long adapters = argc > 1 ? strtol(argv[1], NULL, 10) : 4;
     if (argc > 2 || adapters < 1 || adapters > 4) {
         fprintf(stderr, "usage: check_in [ADAPTERS]   (1 to 4)\n");
         return kUsage;
     }
-    if (!EventStoreTakes((uint32_t)adapters * kEventsPerCall)) return kNoStore;
+    char complaint[kComplaintSize];
+    if (!EventStoreTakes((uint32_t)adapters * kEventsPerCall, complaint, sizeof complaint)) {
+        fprintf(stderr, "check_in: %s. No event was taken from a controller.\n", complaint);
+        return kNoStore;
+    }
     /* A full store gives up an old event for each new one, so its number of events tells nothing
      * of what was stored; the sequence number of the next event does. Both wrap alike. */
     uint32_t oldest = 0, count = 0;

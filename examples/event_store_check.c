@@ -30,17 +30,22 @@ enum {
     kConfiguration = 65536, /* a configuration file of this size counts as absent */
 };
 
-static int Refuse(const char* path, const char* what, int error) {
-    fprintf(stderr, "check_in: %s: %s: %s. No event was taken from a controller.\n", path, what,
-            strerror(error));
+/* Where a refusal is told. */
+struct Complaint {
+    char* text;
+    size_t size;
+};
+
+static int Refuse(struct Complaint to, const char* path, const char* what, int error) {
+    snprintf(to.text, to.size, "%s: %s: %s", path, what, strerror(error));
     return 0;
 }
 
 /* A fixed path of the library, below VEXORAPI_ROOT when that is set. */
-static int FixedPath(char path[kLongestPath], const char* fixed) {
+static int FixedPath(struct Complaint to, char path[kLongestPath], const char* fixed) {
     const char* const root = secure_getenv("VEXORAPI_ROOT");
     const int length = snprintf(path, kLongestPath, "%s%s", root == NULL ? "" : root, fixed);
-    return length < kLongestPath || Refuse(fixed, "VEXORAPI_ROOT is too long", ENAMETOOLONG);
+    return length < kLongestPath || Refuse(to, fixed, "VEXORAPI_ROOT is too long", ENAMETOOLONG);
 }
 
 /* The configuration's place for the event file. ---------------------------------------------- */
@@ -138,7 +143,7 @@ static off_t Growth(int file, off_t size, off_t wanted) {
 
 /* One of the store's two files, which will be `bytes` longer than it is and than `least`. The event
  * file is a ring. */
-static int FileTakes(const char* path, off_t least, off_t bytes, int is_ring) {
+static int FileTakes(struct Complaint to, const char* path, off_t least, off_t bytes, int is_ring) {
     char folder[kLongestPath];
     snprintf(folder, sizeof folder, "%s", path);
     char* const slash = strrchr(folder, '/');
@@ -149,10 +154,10 @@ static int FileTakes(const char* path, off_t least, off_t bytes, int is_ring) {
     }
     struct stat folder_status;
     if (stat(folder, &folder_status) != 0) {
-        return Refuse(folder, "the event store's folder", errno);
+        return Refuse(to, folder, "the event store's folder", errno);
     }
     if (!S_ISDIR(folder_status.st_mode)) {
-        return Refuse(folder, "the event store's folder", ENOTDIR);
+        return Refuse(to, folder, "the event store's folder", ENOTDIR);
     }
     char trial[kLongestPath + sizeof "/.check_in-XXXXXX"] = "";
     int file = open(path, O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
@@ -161,10 +166,10 @@ static int FileTakes(const char* path, off_t least, off_t bytes, int is_ring) {
         snprintf(trial, sizeof trial, "%s/.check_in-XXXXXX", folder);
         file = mkstemp(trial);
         if (file < 0)
-            return Refuse(folder, "cannot make a file in the event store's folder", errno);
+            return Refuse(to, folder, "cannot make a file in the event store's folder", errno);
         unlink(trial);
     }
-    if (file < 0) return Refuse(path, "cannot write the event store", errno);
+    if (file < 0) return Refuse(to, path, "cannot write the event store", errno);
     struct stat status;
     int error = fstat(file, &status) != 0 ? errno : 0;
     const int is_regular = error == 0 && S_ISREG(status.st_mode);
@@ -176,21 +181,22 @@ static int FileTakes(const char* path, off_t least, off_t bytes, int is_ring) {
         error = growth == 0 ? 0 : Reserve(file, end, growth);
         if (error != 0) {
             close(file);
-            return Refuse(path, "the event store has no room for more events", error);
+            return Refuse(to, path, "the event store has no room for more events", error);
         }
     }
     close(file);
-    return error == 0 || Refuse(path, "cannot write the event store", error);
+    return error == 0 || Refuse(to, path, "cannot write the event store", error);
 }
 
-int EventStoreTakes(uint32_t events) {
+int EventStoreTakes(uint32_t events, char* complaint, size_t size) {
+    const struct Complaint to = {complaint, size};
     char configuration[kLongestPath], event_file[kLongestPath], numbers[kLongestPath];
-    if (!FixedPath(configuration, "/vexorapi.ini") ||
-        !FixedPath(event_file, "/opt/kestrel/raid/db/vx_hx_raid.ev") ||
-        !FixedPath(numbers, "/opt/kestrel/raid/db/vx_hx_seqnum.ev")) {
+    if (!FixedPath(to, configuration, "/vexorapi.ini") ||
+        !FixedPath(to, event_file, "/opt/kestrel/raid/db/vx_hx_raid.ev") ||
+        !FixedPath(to, numbers, "/opt/kestrel/raid/db/vx_hx_seqnum.ev")) {
         return 0;
     }
     ConfiguredPath(event_file, configuration);
-    return FileTakes(event_file, kHead, (off_t)events * kSlot, 1) &&
-           FileTakes(numbers, 0, kSequenceNumbers, 0);
+    return FileTakes(to, event_file, kHead, (off_t)events * kSlot, 1) &&
+           FileTakes(to, numbers, 0, kSequenceNumbers, 0);
 }

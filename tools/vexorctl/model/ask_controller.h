@@ -172,6 +172,14 @@ public:
     /// The adapters that the last Select chose; all of them when none was.
     const std::vector<unsigned>& Selected();
 
+    /// Forgets the adapters and what was noted, so that a program that runs for long asks anew.
+    void BeginLook() {
+        adapters_.reset();
+        selected_.reset();
+        faults_.clear();
+        exit_ = Exit::kDone;
+    }
+
     /// Restricts Selected to these; one that is not there becomes a fault with Exit::kNoObject.
     void Select(const std::vector<unsigned>& adapters);
 

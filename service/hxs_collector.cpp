@@ -1,0 +1,98 @@
+#include "service/hxs_collector.h"
+
+#include <algorithm>
+#include <string>
+
+namespace hxservice {
+
+namespace {
+
+// The library polls no more.
+constexpr unsigned kMostAdapters = 4;
+
+// Read at once, so that a full store needs little memory.
+constexpr std::uint64_t kEventsPerPage = 500;
+
+std::string Counted(std::uint64_t count, const char* one, const char* many) {
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+}  // namespace
+
+bool Collector::IsAnyAdapter(unsigned adapters) {
+    if (adapters_ != adapters) {
+        if (adapters != 0) log_.Say(Counted(adapters, "adapter", "adapters"));
+        if (adapters > kMostAdapters) {
+            log_.Say("events of the first " + std::to_string(kMostAdapters) +
+                     " adapters alone can be collected");
+        }
+        adapters_ = adapters;
+    }
+    if (adapters == 0) controller_.Say("there is no adapter");
+    return adapters != 0;
+}
+
+// Events that are taken from a controller and cannot be stored are lost, so that the store is
+// tried first.
+bool Collector::MayCheckIn(unsigned adapters) {
+    const std::optional<std::string> reason = source_.WhyStoreIsClosed(adapters);
+    if (reason) {
+        store_.Say(*reason + ". No event is taken from a controller until it can be written");
+    } else {
+        store_.End();
+    }
+    return !reason;
+}
+
+// Events that were stored before the first look were told by whoever stored them.
+void Collector::FollowStore(const StoreExtent& extent) {
+    if (!place_) place_ = extent.next;
+    if (extent.next < *place_) {
+        log_.Say("the event store was reset: it ended at event " + std::to_string(*place_) +
+                 " and ends at event " + std::to_string(extent.next));
+        place_ = extent.first;
+    }
+}
+
+void Collector::TellEvents(const StoreExtent& extent) {
+    if (extent.first > *place_) {
+        log_.Say(Counted(extent.first - *place_, "event was", "events were") +
+                 " overwritten in the event store before this log could tell them");
+        place_ = extent.first;
+    }
+    while (*place_ < extent.next) {
+        const std::uint64_t end = std::min(extent.next, *place_ + kEventsPerPage);
+        for (const StoredEvent& event : source_.ReadEvents(*place_, end)) {
+            log_.Say("event " + std::to_string(event.number) + " [" + event.severity + "] " +
+                     event.text);
+        }
+        place_ = end;
+    }
+}
+
+CheckIn Collector::Collect() {
+    unsigned adapters = 0;
+    try {
+        adapters = source_.CountAdapters();
+    } catch (const SourceError& error) {
+        controller_.Say(error.what());
+        adapters_.reset();
+        return CheckIn::kUnreachable;
+    }
+    if (!IsAnyAdapter(adapters)) return CheckIn::kUnreachable;
+    controller_.End();
+    adapters = std::min(adapters, kMostAdapters);
+    if (!MayCheckIn(adapters)) return CheckIn::kStoreClosed;
+    try {
+        FollowStore(source_.ReadExtent());
+        source_.CheckIn(adapters);
+        TellEvents(source_.ReadExtent());
+        events_.End();
+    } catch (const SourceError& error) {
+        events_.Say(error.what());
+        return CheckIn::kStoreClosed;
+    }
+    return CheckIn::kDone;
+}
+
+}  // namespace hxservice

@@ -1,0 +1,103 @@
+#include "service/hxs_library_source.h"
+
+#include <sys/stat.h>
+
+#include <array>
+#include <cerrno>
+#include <utility>
+
+#include "codes/event_class.h"
+#include "codes/named.h"
+#include "examples/event_store_check.h"
+#include "library_fields.h"
+#include "model/event_store.h"
+#include "model/event_store_file.h"
+#include "model/failure.h"
+#include "model/library_session.h"
+
+#include "vexorapi.h"
+
+namespace hxservice {
+
+namespace {
+
+constexpr unsigned kEventsPerCall = 50;  // of a check-in, from each adapter
+
+constexpr std::size_t kComplaintSize = 4096 + 256;  // the longest path, and why
+
+bool IsNotThereYet(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) != 0 && errno == ENOENT;
+}
+
+std::string SeverityOf(const vexorctl::StoredEvent& event) {
+    const auto severity = event.record[vexorctl::fields::Event::Severity];
+    if (!severity) return "?";
+    const std::string_view name = hxcodes::NameOf(hxcodes::kSeverityNames, *severity);
+    return name.empty() ? std::to_string(*severity) : std::string(name);
+}
+
+// Runs `work` and turns the exceptions of the asking functions into SourceError.
+template <class Work>
+auto Asking(Work work) {
+    try {
+        return work();
+    } catch (const vexorctl::Failure& failure) {
+        throw SourceError(failure.what());
+    } catch (const vexorctl::Unavailable& failure) {
+        throw SourceError((failure.subject.empty() ? "" : failure.subject + ": ") + failure.what());
+    }
+}
+
+}  // namespace
+
+vexorctl::Controller& LibrarySource::Opened() {
+    if (!controller_) controller_.emplace();
+    return *controller_;
+}
+
+unsigned LibrarySource::CountAdapters() {
+    try {
+        return Asking([this] {
+            Opened().BeginLook();
+            return static_cast<unsigned>(Opened().Adapters().size());
+        });
+    } catch (const SourceError&) {
+        controller_.reset();
+        throw;
+    }
+}
+
+std::optional<std::string> LibrarySource::WhyStoreIsClosed(unsigned adapters) {
+    std::array<char, kComplaintSize> complaint{};
+    if (EventStoreTakes(adapters * kEventsPerCall, complaint.data(), complaint.size()) != 0) {
+        return std::nullopt;
+    }
+    return complaint.data();
+}
+
+void LibrarySource::CheckIn(unsigned adapters) {
+    VX_EvFile_CheckIn(static_cast<std::uint8_t>(adapters));
+}
+
+StoreExtent LibrarySource::ReadExtent() {
+    return Asking([this]() -> StoreExtent {
+        if (IsNotThereYet(vexorctl::EventStorePath())) return {};
+        const vexorctl::Extent extent = vexorctl::AskExtent(Opened());
+        return {extent.first, extent.next};
+    });
+}
+
+std::vector<StoredEvent> LibrarySource::ReadEvents(std::uint64_t first, std::uint64_t next) {
+    return Asking([&] {
+        std::uint64_t page = next - first;
+        std::vector<StoredEvent> events;
+        for (const vexorctl::StoredEvent& each :
+             vexorctl::ReadEvents(Opened(), first, next - first, page)) {
+            events.push_back({each.sequence, SeverityOf(each), each.Text()});
+        }
+        return events;
+    });
+}
+
+}  // namespace hxservice

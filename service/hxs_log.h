@@ -1,0 +1,40 @@
+// The lines that the service writes about itself and about events.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace hxservice {
+
+class Log {
+public:
+    virtual ~Log() = default;
+    /// Writes one line, without a line end.
+    virtual void Say(const std::string& line) = 0;
+};
+
+/// The service log of the library, and standard error for a service in the foreground.
+class ServiceLog : public Log {
+public:
+    explicit ServiceLog(bool in_foreground) : in_foreground_(in_foreground) {}
+    void Say(const std::string& line) override;
+
+private:
+    bool in_foreground_;
+};
+
+/// A trouble that lasts is told once, again when its reason changes, and when it ends.
+class Lasting {
+public:
+    /// `over` is what is said at the end.
+    Lasting(Log& log, std::string_view over) : log_(log), over_(over) {}
+    void Say(const std::string& reason);
+    void End();
+
+private:
+    Log& log_;
+    std::string_view over_;
+    std::string said_;
+};
+
+}  // namespace hxservice

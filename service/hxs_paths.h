@@ -1,0 +1,26 @@
+// The service's fixed paths, all below the root prefix, and its folders.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace hxservice {
+
+inline constexpr std::string_view kConfigurationFile = "/etc/hxraid/hxraidsvc.conf";
+inline constexpr std::string_view kRunFolder = "/run/hxraid";
+inline constexpr std::string_view kLockFile = "/run/hxraid/hxraidsvc.lock";
+inline constexpr std::string_view kStoreFolder = "/opt/kestrel/raid/db";
+inline constexpr std::string_view kLogFolder = "/var/log";
+
+/// The path below VEXORAPI_ROOT, if that is set.
+std::string UnderRoot(std::string_view path);
+
+/// Whether a missing folder may be made. That happens below a root prefix only: an installed system
+/// gets its folders from its package.
+enum class MissingFolder { kMakeBelowRoot, kRefuse };
+
+/// Makes sure that the fixed folder exists. Throws vexortools::Failure, which names the command
+/// that makes it.
+void RequireFolder(std::string_view path, MissingFolder missing);
+
+}  // namespace hxservice

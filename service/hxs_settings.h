@@ -1,0 +1,46 @@
+// The service's settings: one table of keys reads the file, checks it, and makes its manual page.
+#pragma once
+
+#include <chrono>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "common/duration.h"
+
+namespace hxservice {
+
+using vexortools::Duration;
+
+struct Settings {
+    Duration collect_interval = std::chrono::seconds(10);
+    Duration collect_jitter = std::chrono::seconds(1);
+
+    bool operator==(const Settings&) const = default;
+};
+
+/// A key of the file. Every value is a duration.
+struct SettingRow {
+    std::string_view key;  // with its table: "collect.interval"
+    Duration Settings::*field;
+    Duration least, most;
+    std::string_view meaning;  // for the manual page, as sentences
+};
+std::span<const SettingRow> SettingRows();
+
+/// The file cannot be used; what() has a line "FILE:LINE: WHAT" for each error.
+struct SettingsError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// The settings in that text; `file` is its name in messages. Throws SettingsError.
+Settings ParseSettings(std::string_view text, const std::string& file);
+
+enum class Missing { kDefaults, kError };
+
+/// The settings of the file. One that does not exist is an error or means the defaults. Throws
+/// SettingsError.
+Settings ReadSettings(const std::string& path, Missing missing);
+
+}  // namespace hxservice

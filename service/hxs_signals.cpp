@@ -1,0 +1,84 @@
+#include "service/hxs_signals.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <ctime>
+#include <optional>
+#include <string>
+
+#include "common/failure.h"
+
+namespace hxservice {
+
+namespace {
+
+struct SignalRow {
+    int signal;
+    Wake wake;
+};
+constexpr SignalRow kSignals[] = {
+    {SIGTERM, Wake::kEnd},
+    {SIGINT, Wake::kEnd},
+    {SIGHUP, Wake::kReload},
+    {SIGUSR1, Wake::kCheckNow},
+};
+
+sigset_t SignalSet() {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const SignalRow& row : kSignals) sigaddset(&set, row.signal);
+    return set;
+}
+
+std::optional<Wake> Next(int signals) {
+    signalfd_siginfo info{};
+    if (read(signals, &info, sizeof info) != sizeof info) return std::nullopt;
+    const auto* const row =
+        std::ranges::find(kSignals, static_cast<int>(info.ssi_signo), &SignalRow::signal);
+    return row == std::end(kSignals) ? std::nullopt : std::optional(row->wake);
+}
+
+}  // namespace
+
+Signals::Signals() {
+    const sigset_t set = SignalSet();
+    sigprocmask(SIG_BLOCK, &set, nullptr);
+    signal(SIGPIPE, SIG_IGN);
+    signals_ = Descriptor(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
+    if (!signals_.IsOpen()) {
+        throw vexortools::Failure(
+            vexortools::Exit::kUnavailable,
+            std::string("signals cannot be received: ") + std::strerror(errno));
+    }
+}
+
+Wake Signals::Wait(Duration longest) {
+    const Duration end = Now() + longest;
+    for (;;) {
+        if (const std::optional<Wake> wake = Next(signals_.Get())) return *wake;
+        const Duration left = end - Now();
+        if (left <= Duration(0)) return Wake::kTime;
+        pollfd ready{signals_.Get(), POLLIN, 0};
+        poll(&ready, 1, static_cast<int>(std::min<Duration::rep>(left.count(), INT_MAX)));
+    }
+}
+
+Duration Signals::Now() {
+    timespec now{};
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    return std::chrono::duration_cast<Duration>(std::chrono::seconds(now.tv_sec) +
+                                                std::chrono::nanoseconds(now.tv_nsec));
+}
+
+Duration Signals::Random(Duration most) {
+    return Duration(std::uniform_int_distribution<Duration::rep>(0, most.count())(random_));
+}
+
+}  // namespace hxservice

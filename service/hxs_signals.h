@@ -1,0 +1,26 @@
+// The real time and the real signals: SIGUSR1 checks in now, SIGHUP reads the settings again,
+// SIGTERM and SIGINT end the loop.
+#pragma once
+
+#include <random>
+
+#include "descriptor.h"
+#include "service/hxs_loop.h"
+
+namespace hxservice {
+
+class Signals : public Outside {
+public:
+    /// Blocks the signals, which arrive in Wait from now on; one that comes during a check-in
+    /// waits for its end. Throws vexortools::Failure.
+    Signals();
+    Wake Wait(Duration longest) override;
+    Duration Now() override;
+    Duration Random(Duration most) override;
+
+private:
+    Descriptor signals_;
+    std::minstd_rand random_{std::random_device()()};
+};
+
+}  // namespace hxservice

@@ -1,0 +1,134 @@
+// hxraidsvc: the event service.
+#include <unistd.h>
+
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "common/command_parser.h"
+#include "common/exit_code.h"
+#include "common/failure.h"
+#include "common/out_of_memory.h"
+#include "common/terminal_text.h"
+#include "service/hxs_collector.h"
+#include "service/hxs_library_source.h"
+#include "service/hxs_lock.h"
+#include "service/hxs_log.h"
+#include "service/hxs_loop.h"
+#include "service/hxs_paths.h"
+#include "service/hxs_settings.h"
+#include "service/hxs_signals.h"
+
+namespace hxservice {
+
+namespace {
+
+using vexortools::Exit;
+using vexortools::UsageError;
+
+constexpr vexortools::ExitMeaning kExitMeanings[] = {
+    {Exit::kDone, "done, or ended by a signal"},
+    {Exit::kUsage, "wrong usage, or settings that cannot be used"},
+    {Exit::kUnavailable,
+     "another service runs, a folder is missing, or --once could not collect the events"},
+};
+
+struct Words {
+    bool once = false;
+    bool foreground = false;
+    bool check_config = false;
+    std::string config;
+};
+
+Words ParseWords(int argc, char** argv) {
+    const vexortools::CommandParser parser(
+        "hxraidsvc", "hxraidsvc " HXRAIDSVC_VERSION,
+        "Moves the controllers' events into the event store and tells them in its log.",
+        vexortools::ExitCodeHelp(kExitMeanings));
+    Words words;
+    const vexortools::Command& program = parser.Program();
+    program.AddFlag("--once", words.once, "check in once and end");
+    program.AddFlag("--foreground", words.foreground,
+                    "write the lines of the log to standard error, too");
+    program.AddFlag("--check-config", words.check_config, "check the settings file and end");
+    program.AddText("--config", words.config,
+                    "the settings file; else " + std::string(kConfigurationFile));
+    parser.Parse({argv + 1, argv + argc});
+    if (words.check_config && (words.once || words.foreground)) {
+        throw UsageError("--check-config starts no service; leave out --once and --foreground");
+    }
+    return words;
+}
+
+Settings ReadSettingsOf(const Words& words) {
+    if (!words.config.empty()) return ReadSettings(words.config, Missing::kError);
+    return ReadSettings(UnderRoot(kConfigurationFile), Missing::kDefaults);
+}
+
+int CheckConfig(const Words& words) {
+    ReadSettingsOf(words);
+    const std::string path = words.config.empty() ? UnderRoot(kConfigurationFile) : words.config;
+    const bool is_there = access(path.c_str(), F_OK) == 0;
+    std::printf("%s: %s\n", vexortools::Printable(path).c_str(),
+                is_there ? "the settings can be used" : "not there; the defaults hold");
+    return CodeOf(Exit::kDone);
+}
+
+int Serve(const Words& words) {
+    const Settings settings = ReadSettingsOf(words);
+    const MissingFolder missing =
+        words.once || words.foreground ? MissingFolder::kMakeBelowRoot : MissingFolder::kRefuse;
+    for (const std::string_view folder : {kRunFolder, kStoreFolder, kLogFolder}) {
+        RequireFolder(folder, missing);
+    }
+    Signals signals;
+    const Lock lock(UnderRoot(kLockFile));
+    ServiceLog log(words.once || words.foreground);
+    LibrarySource source;
+    if (words.once) {
+        Collector collector(source, log);
+        return CodeOf(collector.Collect() == CheckIn::kDone ? Exit::kDone : Exit::kUnavailable);
+    }
+    log.Say("hxraidsvc " HXRAIDSVC_VERSION " has started");
+    Loop(source, signals, log, settings, [&] { return ReadSettingsOf(words); }).Run();
+    log.Say("hxraidsvc has ended");
+    return CodeOf(Exit::kDone);
+}
+
+int Fail(Exit exit, const std::string& message) {
+    std::string rest = message + "\n";
+    while (!rest.empty()) {  // settings have a line for each error
+        const std::size_t end = rest.find('\n');
+        std::fprintf(stderr, "hxraidsvc: %s\n", vexortools::Printable(rest.substr(0, end)).c_str());
+        rest.erase(0, end + 1);
+    }
+    return CodeOf(exit);
+}
+
+int Run(int argc, char** argv) {
+    try {
+        const Words words = ParseWords(argc, argv);
+        return words.check_config ? CheckConfig(words) : Serve(words);
+    } catch (const vexortools::HelpAsked& help) {
+        std::fputs(help.text.c_str(), stdout);
+        return CodeOf(Exit::kDone);
+    } catch (const SettingsError& error) {
+        return Fail(Exit::kUsage, error.what());
+    } catch (const UsageError& failure) {
+        return Fail(failure.exit, std::string(failure.what()) + " (see hxraidsvc --help)");
+    } catch (const vexortools::Failure& failure) {
+        return Fail(failure.exit, failure.what());
+    } catch (const std::bad_alloc&) {
+        vexortools::EndWithoutMemory();
+    } catch (const std::exception& failure) {
+        return Fail(Exit::kUnavailable, failure.what());
+    }
+}
+
+}  // namespace
+
+}  // namespace hxservice
+
+int main(int argc, char** argv) { return hxservice::Run(argc, argv); }

@@ -1,0 +1,91 @@
+// Writes hxraidsvc.conf(5) from the table that reads the file.
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "common/duration.h"
+#include "service/hxs_paths.h"
+#include "service/hxs_settings.h"
+
+namespace {
+
+constexpr char kHead[] = R"(.Dd November 22, 2026
+.Dt HXRAIDSVC.CONF 5
+.Os vexorapi
+.Sh NAME
+.Nm hxraidsvc.conf
+.Nd settings of the event service
+.Sh SYNOPSIS
+.Pa %s
+.Sh DESCRIPTION
+The file is TOML and need not exist.
+A key that is left out has its default.
+A key that is not known, a value of another type and a value out of its limits
+are errors:
+the service does not start, and a running one that reads its settings again
+keeps the old ones.
+.Dl hxraidsvc --check-config
+tells each error with its file and line.
+.Pp
+Durations are texts such as
+.Qq 10s
+or
+.Qq 1m30s ;
+their units are w, d, h, m, s and ms.
+.Pp
+The keys, with the tables that they stand in:
+.Bl -tag -width Ds
+)";
+
+constexpr char kTail[] = R"(.El
+.Sh EXAMPLES
+Check in twice a minute:
+.Bd -literal -offset indent
+[collect]
+interval = "30s"
+jitter = "2s"
+.Ed
+.Sh SEE ALSO
+.Xr vexorapi.ini 5 ,
+.Xr hxraidsvc 8
+)";
+
+// Manual pages have short lines, and a line for each sentence.
+std::string Wrapped(std::string_view text) {
+    constexpr std::size_t kMostColumns = 78;
+    std::string wrapped;
+    std::size_t column = 0;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(' '), text.size());
+        const std::string_view word = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        const bool is_new = wrapped.empty() || wrapped.ends_with('.');
+        if (is_new || column + 1 + word.size() > kMostColumns) {
+            if (!wrapped.empty()) wrapped += '\n';
+            column = 0;
+        } else {
+            wrapped += ' ';
+            ++column;
+        }
+        wrapped += word;
+        column += word.size();
+    }
+    return wrapped;
+}
+
+}  // namespace
+
+int main() {
+    std::printf(kHead, std::string(hxservice::kConfigurationFile).c_str());
+    const hxservice::Settings defaults;
+    for (const hxservice::SettingRow& row : hxservice::SettingRows()) {
+        std::printf(".It Ic %s\nA duration from %s to %s; %s when it is left out.\n%s\n",
+                    std::string(row.key).c_str(), vexortools::DurationText(row.least).c_str(),
+                    vexortools::DurationText(row.most).c_str(),
+                    vexortools::DurationText(defaults.*row.field).c_str(),
+                    Wrapped(row.meaning).c_str());
+    }
+    return std::fputs(kTail, stdout) < 0 ? 1 : 0;
+}

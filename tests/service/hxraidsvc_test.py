@@ -1,0 +1,253 @@
+#!/usr/bin/env python3
+"""hxraidsvc as a process: signals, the lock, its files and exit codes, over a virtual controller.
+
+usage: hxraidsvc_test.py HXRAIDSVC
+"""
+
+import os
+import pathlib
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+SERVICE = sys.argv.pop(1)
+PROGRAMS = os.path.dirname(SERVICE)
+PATIENCE = 120  # seconds until a state that must come counts as missing
+
+
+class Root:
+    """A root prefix and the state file of a virtual controller, in a temporary folder."""
+
+    def __init__(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="hxraidsvc-"))
+        self.root = self.folder / "root"
+        self.root.mkdir()
+        self.environment = {**os.environ, "VEXORAPI_ROOT": str(self.root),
+                            "HXSIM_STATE": str(self.folder / "machine.db")}
+        self.hxsimctl("init", "--topology", "small", "--seed", "7")
+
+    def remove(self):
+        shutil.rmtree(self.folder)
+
+    def hxsimctl(self, *words):
+        return self.run(os.path.join(PROGRAMS, "hxsimctl"), *words).stdout
+
+    def run(self, *command, code=0):
+        done = subprocess.run(command, text=True, capture_output=True, env=self.environment,
+                              timeout=PATIENCE, check=False)
+        if done.returncode != code:
+            raise AssertionError(f"{command} ended with {done.returncode}, not {code}: "
+                                 f"{done.stdout}{done.stderr}")
+        return done
+
+    def service(self, *words, code=0):
+        return self.run(SERVICE, *words, code=code)
+
+    def path(self, name):
+        return self.root / name.lstrip("/")
+
+    def configure(self, text):
+        file = self.path("/etc/hxraid/hxraidsvc.conf")
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_text(text)
+        return file
+
+    def log(self):
+        """The lines of the service log, without their times."""
+        file = self.path("/var/log/hxraidsvc.log")
+        text = file.read_text() if file.exists() else ""
+        return re.findall(r"^\w{3} \w{3} [ \d]\d \d\d:\d\d:\d\d \d{4}: (.*)$", text, re.M)
+
+
+def wait_for(state, what):
+    end = time.monotonic() + PATIENCE
+    while time.monotonic() < end:
+        if state():
+            return
+        time.sleep(0.02)
+    raise AssertionError(f"this never came: {what}")
+
+
+class Running:
+    """A service that runs until the end of the block, or until it was ended."""
+
+    def __init__(self, root, *words):
+        self.root = root
+        self.process = subprocess.Popen([SERVICE, "--foreground", *words], text=True,
+                                        stderr=subprocess.PIPE, env=root.environment)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        if self.process.poll() is None:
+            self.process.kill()
+        self.process.communicate()
+
+    def says(self, text):
+        wait_for(lambda: any(text in line for line in self.root.log()), f"{text} in the log")
+
+    def end(self, how=signal.SIGTERM):
+        self.process.send_signal(how)
+        return self.process.communicate(timeout=PATIENCE)[1], self.process.returncode
+
+
+class Case(unittest.TestCase):
+    def setUp(self):
+        self.root = Root()
+        self.addCleanup(self.root.remove)
+
+
+class Once(Case):
+    def test_stores_the_events_and_tells_them(self):
+        self.root.hxsimctl("disk", "fail", "a0/pd5")
+        done = self.root.service("--once")
+        self.assertEqual(done.stdout, "")
+        self.assertIn("hxraidsvc: 1 adapter\n", done.stderr)
+        self.assertRegex(done.stderr, r"hxraidsvc: event \d+ \[major\] Disk a0/pd5 was set down")
+        store = self.root.path("/opt/kestrel/raid/db/vx_hx_raid.ev")
+        self.assertTrue(store.stat().st_size > 512)
+        self.assertEqual([f"hxraidsvc: {line}" for line in self.root.log()],
+                         done.stderr.splitlines())
+
+    def test_takes_nothing_while_the_store_cannot_be_written(self):
+        folder = self.root.path("/opt/kestrel/raid/db")
+        folder.mkdir(parents=True)
+        blocked = folder / "vx_hx_raid.ev"
+        blocked.mkdir()
+        self.root.hxsimctl("disk", "fail", "a0/pd5")
+        done = self.root.service("--once", code=5)
+        self.assertIn(f"hxraidsvc: {blocked}: cannot write the event store: Is a directory. "
+                      "No event is taken from a controller until it can be written\n", done.stderr)
+        blocked.rmdir()
+        self.assertIn("Disk a0/pd5 was set down", self.root.service("--once").stderr)
+
+    def test_says_why_a_controller_cannot_be_asked(self):
+        state = pathlib.Path(self.root.environment["HXSIM_STATE"])
+        state.write_text("no database")
+        done = self.root.service("--once", code=5)
+        self.assertIn("the controller could not be opened: ", done.stderr)
+        self.assertFalse(self.root.path("/opt/kestrel/raid/db/vx_hx_raid.ev").exists())
+
+
+class Settings(Case):
+    def test_are_checked_line_by_line(self):
+        self.assertIn("not there; the defaults hold", self.root.service("--check-config").stdout)
+        file = self.root.configure('[collect]\ninterval = "20s"\n')
+        self.assertEqual(self.root.service("--check-config").stdout,
+                         f"{file}: the settings can be used\n")
+        file = self.root.configure('[collect]\nintervals = "20s"\njitter = 3\n')
+        done = self.root.service("--check-config", code=2)
+        self.assertEqual(done.stderr.splitlines(), [
+            f'hxraidsvc: {file}:2: there is no key "collect.intervals"; did you mean '
+            '"collect.interval"?',
+            f'hxraidsvc: {file}:3: "collect.jitter" must be a duration in quotation marks, such as '
+            '"1s"'])
+        # No service starts with them.
+        self.assertEqual(self.root.service("--once", code=2).stderr, done.stderr)
+        self.assertFalse(self.root.path("/run").exists())
+
+    def test_of_a_named_file_must_be_there(self):
+        done = self.root.service("--once", "--config", "/none/hxraidsvc.conf", code=2)
+        self.assertEqual(done.stderr, "hxraidsvc: /none/hxraidsvc.conf: No such file or directory\n")
+
+
+class Manual(unittest.TestCase):
+    def test_of_the_settings_is_what_their_table_says(self):
+        page = pathlib.Path(__file__).resolve().parents[2] / "docs" / "man" / "hxraidsvc.conf.5"
+        written = subprocess.run([os.path.join(PROGRAMS, "write_settings_manual")], text=True,
+                                 capture_output=True, check=True, timeout=PATIENCE).stdout
+        self.assertEqual(page.read_text(), written, "write it anew: write_settings_manual")
+
+    def test_of_the_program_has_every_option_and_signal(self):
+        page = pathlib.Path(__file__).resolve().parents[2] / "docs" / "man" / "hxraidsvc.8"
+        text = page.read_text()
+        said = subprocess.run([SERVICE, "--help"], text=True, capture_output=True, check=True,
+                              timeout=PATIENCE).stdout
+        options = re.findall(r"^  (?:-\w,)?-(-[\w-]+)", said, re.M)
+        self.assertGreater(len(options), 4)
+        for option in options:
+            self.assertRegex(text, rf"(?m)^\.It Fl {option}( |$)")
+
+
+class Usage(Case):
+    def test_of_other_words_is_refused(self):
+        for words in (["--forground"], ["start"], ["--once", "--check-config"]):
+            with self.subTest(words=words):
+                done = self.root.service(*words, code=2)
+                self.assertTrue(done.stderr.endswith(" (see hxraidsvc --help)\n"), done.stderr)
+
+    def test_tells_help_and_version(self):
+        self.assertIn("--check-config", self.root.service("--help").stdout)
+        self.assertRegex(self.root.service("--version").stdout, r"^hxraidsvc \d+\.\d+\.\d+\n$")
+
+    def test_makes_no_folder_without_a_word_that_says_so(self):
+        done = self.root.service(code=5)
+        folder = self.root.path("/run/hxraid")
+        self.assertEqual(done.stderr, f"hxraidsvc: {folder}: No such file or directory; make it "
+                                      f"with: install -d -m 0755 {folder}\n")
+
+
+class Loop(Case):
+    def test_collects_when_asked_and_ends_when_told(self):
+        self.root.configure('[collect]\ninterval = "1h"\n')
+        with Running(self.root) as service:
+            service.says("1 adapter")
+            self.root.hxsimctl("disk", "fail", "a0/pd5")
+            service.process.send_signal(signal.SIGUSR1)
+            service.says("Disk a0/pd5 was set down")
+            said, code = service.end()
+        self.assertEqual(code, 0)
+        self.assertTrue(said.endswith("hxraidsvc: hxraidsvc has ended\n"), said)
+
+    def test_collects_by_itself(self):
+        self.root.configure('[collect]\ninterval = "1s"\njitter = "0s"\n')
+        with Running(self.root) as service:
+            service.says("1 adapter")
+            self.root.hxsimctl("disk", "fail", "a0/pd5")
+            service.says("Disk a0/pd5 was set down")
+
+    def test_reads_its_settings_again(self):
+        self.root.configure('[collect]\ninterval = "1h"\n')
+        with Running(self.root) as service:
+            service.says("1 adapter")
+            file = self.root.configure("interval = 5\n")
+            service.process.send_signal(signal.SIGHUP)
+            service.says(f'{file}:1: there is no key "interval"; the old settings hold')
+            self.root.configure('[collect]\ninterval = "1s"\n')
+            service.process.send_signal(signal.SIGHUP)
+            service.says("the settings were read again")
+            self.root.hxsimctl("disk", "fail", "a0/pd5")
+            service.says("Disk a0/pd5 was set down")
+
+    def test_stays_up_without_its_controller_and_finds_it_again(self):
+        self.root.configure('[collect]\ninterval = "1s"\njitter = "0s"\n')
+        state = pathlib.Path(self.root.environment["HXSIM_STATE"])
+        kept = state.read_bytes()
+        state.write_text("no database")
+        with Running(self.root) as service:
+            service.says("the controller could not be opened: ")
+            state.write_bytes(kept)
+            service.says("the controller answers again")
+            self.assertEqual(service.end(signal.SIGINT)[1], 0)
+
+    def test_runs_once_on_a_machine(self):
+        with Running(self.root) as service:
+            service.says("1 adapter")
+            done = self.root.service("--once", code=5)
+            lock = self.root.path("/run/hxraid/hxraidsvc.lock")
+            self.assertEqual(done.stderr, "hxraidsvc: another hxraidsvc runs already: process "
+                                          f"{service.process.pid} holds {lock}. Only one may take "
+                                          "the controllers' events.\n")
+            service.process.kill()
+            service.process.wait()
+        self.root.service("--once")
+
+
+if __name__ == "__main__":
+    unittest.main()

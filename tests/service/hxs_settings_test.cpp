@@ -1,0 +1,102 @@
+// The settings file: what is read, and what is refused with its line.
+#include "service/hxs_settings.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+
+#include "support/temporary_root.h"
+
+namespace {
+
+using hxservice::Missing;
+using hxservice::ParseSettings;
+using hxservice::ReadSettings;
+using hxservice::Settings;
+using hxservice::SettingsError;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+std::string ComplaintAbout(const std::string& text) {
+    try {
+        ParseSettings(text, "f.conf");
+        return "";
+    } catch (const SettingsError& error) {
+        return error.what();
+    }
+}
+
+TEST(ServiceSettings, AreTheDefaultsInAnEmptyFile) {
+    const Settings settings = ParseSettings("", "f.conf");
+    EXPECT_EQ(settings.collect_interval, seconds(10));
+    EXPECT_EQ(settings.collect_jitter, seconds(1));
+    EXPECT_EQ(ParseSettings("[collect]\n", "f.conf"), settings);
+}
+
+TEST(ServiceSettings, AreReadFromTheirTables) {
+    const Settings settings =
+        ParseSettings("# often\n[collect]\ninterval = \"1m30s\"\njitter = \"250ms\"\n", "f.conf");
+    EXPECT_EQ(settings.collect_interval, seconds(90));
+    EXPECT_EQ(settings.collect_jitter, milliseconds(250));
+}
+
+TEST(ServiceSettings, NameTheLineAndTheNearestOfAnUnknownKey) {
+    EXPECT_EQ(ComplaintAbout("[collect]\njitter = \"1s\"\nintervals = \"5s\"\n"),
+              "f.conf:3: there is no key \"collect.intervals\"; did you mean "
+              "\"collect.interval\"?");
+    EXPECT_EQ(ComplaintAbout("verbose = true\n"), "f.conf:1: there is no key \"verbose\"");
+    EXPECT_EQ(ComplaintAbout("\n[colect]\n"),
+              "f.conf:2: there is no table \"colect\"; did you mean \"collect\"?");
+}
+
+TEST(ServiceSettings, RefuseAValueOfAnotherType) {
+    for (const std::string value : {"10", "true", "1.5", "\"soon\"", "[\"10s\"]", "1979-05-27"}) {
+        EXPECT_EQ(ComplaintAbout("[collect]\ninterval = " + value + "\n"),
+                  "f.conf:2: \"collect.interval\" must be a duration in quotation marks, such as "
+                  "\"10s\"");
+    }
+}
+
+TEST(ServiceSettings, RefuseAValueOutOfItsLimits) {
+    EXPECT_EQ(ComplaintAbout("collect.interval = \"999ms\""),
+              "f.conf:1: \"collect.interval\" must be from 1s to 1h");
+    EXPECT_EQ(ComplaintAbout("collect.interval = \"1h1ms\""),
+              "f.conf:1: \"collect.interval\" must be from 1s to 1h");
+    EXPECT_EQ(ComplaintAbout("collect.interval = \"1s\""), "");
+    EXPECT_EQ(ComplaintAbout("collect.interval = \"1h\""), "");
+    EXPECT_EQ(ComplaintAbout("collect.jitter = \"0s\""), "");
+}
+
+TEST(ServiceSettings, TellEveryErrorAtOnce) {
+    EXPECT_EQ(ComplaintAbout("[collect]\nintervals = \"5s\"\njitter = 3\n"),
+              "f.conf:2: there is no key \"collect.intervals\"; did you mean "
+              "\"collect.interval\"?\n"
+              "f.conf:3: \"collect.jitter\" must be a duration in quotation marks, such as \"1s\"");
+}
+
+TEST(ServiceSettings, NameTheLineThatIsNoToml) {
+    const std::string complaint = ComplaintAbout("[collect]\ninterval = \n");
+    EXPECT_TRUE(complaint.starts_with("f.conf:2: ")) << complaint;
+    EXPECT_EQ(complaint.find('\n'), std::string::npos) << complaint;
+}
+
+TEST(ServiceSettings, OfAFileThatIsNotThereAreTheDefaultsOrAnError) {
+    const TemporaryRoot root;
+    const std::string path = root.Path("/hxraidsvc.conf");
+    EXPECT_EQ(ReadSettings(path, Missing::kDefaults), Settings());
+    EXPECT_THROW(ReadSettings(path, Missing::kError), SettingsError);
+    root.Write("/hxraidsvc.conf", "collect.interval = \"20s\"\n");
+    EXPECT_EQ(ReadSettings(path, Missing::kError).collect_interval, seconds(20));
+}
+
+TEST(ServiceSettings, HaveARowForEachKeyWithItsMeaning) {
+    EXPECT_EQ(hxservice::SettingRows().size(), 2U);
+    for (const hxservice::SettingRow& row : hxservice::SettingRows()) {
+        EXPECT_FALSE(row.meaning.empty()) << row.key;
+        EXPECT_GE(Settings().*row.field, row.least) << row.key;
+        EXPECT_LE(Settings().*row.field, row.most) << row.key;
+    }
+}
+
+}  // namespace
