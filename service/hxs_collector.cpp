@@ -1,7 +1,6 @@
 #include "service/hxs_collector.h"
 
 #include <algorithm>
-#include <string>
 
 namespace hxservice {
 
@@ -65,9 +64,18 @@ void Collector::TellEvents(const StoreExtent& extent) {
         for (const StoredEvent& event : source_.ReadEvents(*place_, end)) {
             log_.Say("event " + std::to_string(event.number) + " [" + event.severity + "] " +
                      event.text);
+            ++told_;
         }
         place_ = end;
     }
+}
+
+std::string Collector::Status() const {
+    for (const Lasting* each : {&controller_, &store_, &events_}) {
+        if (!each->Reason().empty()) return each->Reason();
+    }
+    return Counted(adapters_.value_or(0), "adapter", "adapters") + ", " +
+           Counted(told_, "event", "events") + " collected since the start";
 }
 
 CheckIn Collector::Collect() {

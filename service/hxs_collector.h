@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "service/hxs_log.h"
 #include "service/hxs_source.h"
@@ -23,6 +24,9 @@ public:
     /// Checks in, and writes each event that is new in the store to the log.
     CheckIn Collect();
 
+    /// How the last check-in ended, as one line for people.
+    std::string Status() const;
+
 private:
     bool IsAnyAdapter(unsigned adapters);
     bool MayCheckIn(unsigned adapters);
@@ -35,6 +39,7 @@ private:
     Lasting store_{log_, "the event store can be written again"};
     Lasting events_{log_, "the event store can be read again"};
     std::optional<unsigned> adapters_;
+    std::uint64_t told_ = 0;
     std::optional<std::uint64_t> place_;  // in the store: the next event to be told
 };
 

@@ -30,6 +30,8 @@ public:
     Lasting(Log& log, std::string_view over) : log_(log), over_(over) {}
     void Say(const std::string& reason);
     void End();
+    /// The reason while the trouble lasts; empty otherwise.
+    const std::string& Reason() const { return said_; }
 
 private:
     Log& log_;

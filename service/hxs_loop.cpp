@@ -6,21 +6,24 @@
 
 namespace hxservice {
 
-Loop::Loop(Source& source, Outside& outside, Log& log, const Settings& settings,
+Loop::Loop(Source& source, Outside& outside, Manager& manager, Log& log, const Settings& settings,
            std::function<Settings()> read)
     : collector_(source, log),
       outside_(outside),
+      manager_(manager),
       log_(log),
       settings_(settings),
       read_(std::move(read)) {}
 
 void Loop::Reload() {
+    manager_.Reloading();
     try {
         settings_ = read_();
         log_.Say("the settings were read again");
     } catch (const SettingsError& error) {
         log_.Say(std::string(error.what()) + "; the old settings hold");
     }
+    manager_.Ready();
 }
 
 Duration Loop::Pause() {
@@ -30,10 +33,13 @@ Duration Loop::Pause() {
 bool Loop::WaitForNext() {
     const Duration ended = outside_.Now();
     Duration due = ended + Pause();
-    // Due is due: a storm of signals does not put off the check-in.
+    // A storm of signals does not put off the check-in: the time is looked at after each of them.
     do {
-        switch (outside_.Wait(std::max(due - outside_.Now(), Duration(0)))) {
+        manager_.Alive();
+        const Duration left = std::max(due - outside_.Now(), Duration(0));
+        switch (outside_.Wait(std::min(left, manager_.LongestSilence()))) {
             case Wake::kTime:
+                break;
             case Wake::kCheckNow:
                 return true;
             case Wake::kReload:
@@ -48,9 +54,14 @@ bool Loop::WaitForNext() {
 }
 
 void Loop::Run() {
-    do {
+    collector_.Collect();
+    manager_.Ready();
+    manager_.Tell(collector_.Status());
+    while (WaitForNext()) {
         collector_.Collect();
-    } while (WaitForNext());
+        manager_.Tell(collector_.Status());
+    }
+    manager_.Stopping();
 }
 
 }  // namespace hxservice

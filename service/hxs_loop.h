@@ -6,6 +6,7 @@
 
 #include "service/hxs_collector.h"
 #include "service/hxs_log.h"
+#include "service/hxs_manager.h"
 #include "service/hxs_settings.h"
 #include "service/hxs_source.h"
 
@@ -30,7 +31,7 @@ class Loop {
 public:
     /// `read` reads the settings file and throws SettingsError. The references must outlive the
     /// loop.
-    Loop(Source& source, Outside& outside, Log& log, const Settings& settings,
+    Loop(Source& source, Outside& outside, Manager& manager, Log& log, const Settings& settings,
          std::function<Settings()> read);
 
     /// Checks in again and again, until Wake::kEnd.
@@ -45,6 +46,7 @@ private:
 
     Collector collector_;
     Outside& outside_;
+    Manager& manager_;
     Log& log_;
     Settings settings_;
     std::function<Settings()> read_;

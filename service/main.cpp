@@ -17,6 +17,7 @@
 #include "service/hxs_lock.h"
 #include "service/hxs_log.h"
 #include "service/hxs_loop.h"
+#include "service/hxs_manager.h"
 #include "service/hxs_paths.h"
 #include "service/hxs_settings.h"
 #include "service/hxs_signals.h"
@@ -92,7 +93,8 @@ int Serve(const Words& words) {
         return CodeOf(collector.Collect() == CheckIn::kDone ? Exit::kDone : Exit::kUnavailable);
     }
     log.Say("hxraidsvc " HXRAIDSVC_VERSION " has started");
-    Loop(source, signals, log, settings, [&] { return ReadSettingsOf(words); }).Run();
+    Systemd manager;
+    Loop(source, signals, manager, log, settings, [&] { return ReadSettingsOf(words); }).Run();
     log.Say("hxraidsvc has ended");
     return CodeOf(Exit::kDone);
 }

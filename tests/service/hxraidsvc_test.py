@@ -9,12 +9,14 @@ import pathlib
 import re
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
 import time
 import unittest
 
+TREE = pathlib.Path(__file__).resolve().parents[2]
 SERVICE = sys.argv.pop(1)
 PROGRAMS = os.path.dirname(SERVICE)
 PATIENCE = 120  # seconds until a state that must come counts as missing
@@ -159,13 +161,13 @@ class Settings(Case):
 
 class Manual(unittest.TestCase):
     def test_of_the_settings_is_what_their_table_says(self):
-        page = pathlib.Path(__file__).resolve().parents[2] / "docs" / "man" / "hxraidsvc.conf.5"
+        page = TREE / "docs" / "man" / "hxraidsvc.conf.5"
         written = subprocess.run([os.path.join(PROGRAMS, "write_settings_manual")], text=True,
                                  capture_output=True, check=True, timeout=PATIENCE).stdout
         self.assertEqual(page.read_text(), written, "write it anew: write_settings_manual")
 
     def test_of_the_program_has_every_option_and_signal(self):
-        page = pathlib.Path(__file__).resolve().parents[2] / "docs" / "man" / "hxraidsvc.8"
+        page = TREE / "docs" / "man" / "hxraidsvc.8"
         text = page.read_text()
         said = subprocess.run([SERVICE, "--help"], text=True, capture_output=True, check=True,
                               timeout=PATIENCE).stdout
@@ -247,6 +249,96 @@ class Loop(Case):
             service.process.kill()
             service.process.wait()
         self.root.service("--once")
+
+
+class Notified(Case):
+    """What a service manager receives on its socket."""
+
+    def setUp(self):
+        super().setUp()
+        self.socket = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+        self.addCleanup(self.socket.close)
+        self.socket.settimeout(PATIENCE)
+        path = str(self.root.folder / "notify")
+        self.socket.bind(path)
+        self.root.environment["NOTIFY_SOCKET"] = path
+
+    def receive(self, wanted):
+        """The next message that begins so, and those before it."""
+        before = []
+        while not before or not before[-1].startswith(wanted):
+            before.append(self.socket.recv(65536).decode())
+        return before
+
+    def test_is_ready_after_the_first_round_reloads_and_stops(self):
+        self.root.configure('[collect]\ninterval = "1h"\n')
+        with Running(self.root) as service:
+            self.assertEqual(self.receive("READY=1"), ["READY=1"])
+            self.assertIn("1 adapter", self.root.log())
+            self.assertRegex(self.receive("STATUS=")[-1],
+                             r"^STATUS=1 adapter, \d+ events collected since the start$")
+            service.process.send_signal(signal.SIGHUP)
+            reloading = self.receive("RELOADING=1")[-1]
+            self.assertRegex(reloading, r"^RELOADING=1\nMONOTONIC_USEC=\d+$")
+            self.receive("READY=1")
+            service.process.send_signal(signal.SIGTERM)
+            self.receive("STOPPING=1")
+            self.assertEqual(service.end()[1], 0)
+
+    def test_feeds_the_watchdog_from_the_loop(self):
+        self.root.configure('[collect]\ninterval = "1h"\n')
+        self.root.environment["WATCHDOG_USEC"] = "100000"
+        with Running(self.root):
+            for _ in range(3):
+                self.receive("WATCHDOG=1")
+
+
+@unittest.skipUnless(shutil.which("systemd-analyze") or os.environ.get("CI"),
+                     "systemd-analyze is not installed; scripts/bootstrap installs it")
+class Unit(unittest.TestCase):
+    """The unit file of systemd."""
+
+    def test_exposes_little(self):
+        with tempfile.TemporaryDirectory() as folder:
+            unit = pathlib.Path(folder) / "hxraidsvc.service"
+            text = (TREE / "packaging" / "hxraidsvc.service.in").read_text()
+            unit.write_text(text.replace("@CMAKE_INSTALL_FULL_SBINDIR@", "/usr/sbin"))
+            self.assertEqual(self.exposure_of(unit).returncode, 0)
+            unit.write_text("[Service]\nExecStart=/usr/sbin/hxraidsvc\n")
+            self.assertNotEqual(self.exposure_of(unit).returncode, 0)
+
+    def exposure_of(self, unit):
+        return subprocess.run(["systemd-analyze", "security", "--offline=true", "--threshold=25",
+                               "--no-pager", unit], capture_output=True, timeout=PATIENCE,
+                              check=False)
+
+    def test_starts_the_program_where_it_is_installed_with_words_that_it_knows(self):
+        text = (TREE / "packaging" / "hxraidsvc.service.in").read_text()
+        self.assertIn("\nExecStart=@CMAKE_INSTALL_FULL_SBINDIR@/hxraidsvc\n", text)
+        self.assertIn("\nType=notify\n", text)
+        self.assertRegex(text, r"\nWatchdogSec=")
+
+
+@unittest.skipUnless(shutil.which("logrotate") or os.environ.get("CI"),
+                     "logrotate is not installed; scripts/bootstrap installs it")
+class Rotation(Case):
+    def rotate(self, text):
+        """What logrotate says of a configuration, which it does not carry out."""
+        file = self.root.folder / "logrotate.conf"
+        file.write_text(text)
+        file.chmod(0o644)
+        return subprocess.run(["logrotate", "--debug", "--state", self.root.folder / "state", file],
+                              text=True, capture_output=True, timeout=PATIENCE, check=False)
+
+    def test_of_the_log_is_what_logrotate_takes(self):
+        text = (TREE / "packaging" / "hxraidsvc.logrotate").read_text()
+        self.root.service("--once")
+        log = str(self.root.path("/var/log/hxraidsvc.log"))
+        done = self.rotate(text.replace("/var/log/hxraidsvc.log", log))
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertIn(f"considering log {log}", done.stderr)
+        self.assertNotIn("error", done.stderr)
+        self.assertIn("error", self.rotate(text.replace("weekly", "weakly")).stderr)
 
 
 if __name__ == "__main__":
