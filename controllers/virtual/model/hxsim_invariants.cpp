@@ -524,10 +524,10 @@ private:
                 Say(address, " has two activities.");
             }
             if (!IsThere(activity.of, activity.owner)) {
-                Say("A ", what, " goes on on ", address, ", which is not there.");
+                Say("A ", what, " runs on ", address, ", which is not there.");
             }
             if (!Suits(activity.kind, activity.of)) {
-                Say("A ", what, " goes on on ", address, ", which has no such activity.");
+                Say("A ", what, " runs on ", address, ", which has no such activity.");
             }
             if (activity.state != ActivityState::kRunning &&
                 activity.state != ActivityState::kPaused &&

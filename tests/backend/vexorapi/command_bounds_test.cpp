@@ -21,15 +21,7 @@
 #include "hxfake.h"
 #include "support/request.h"
 #include "support/temporary_root.h"
-
-extern "C" {
-void* __real_malloc(std::size_t size);
-void* __real_calloc(std::size_t count, std::size_t size);
-void* __real_realloc(void* block, std::size_t size);
-void __real_free(void* block);
-int __real_vasprintf(char** text, const char* format, std::va_list args);
-int __real___vasprintf_chk(char** text, int flag, const char* format, std::va_list args);
-}
+#include "wrapped_allocations.h"
 
 namespace {
 

@@ -1,19 +1,33 @@
 // What the controller answers about its health, as the table of conditions takes it.
 #pragma once
 
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "conditions/hxc_answers.h"
+#include "library_fields.h"
 #include "model/adapters.h"
 #include "model/ask_controller.h"
 #include "model/batteries.h"
 #include "model/disk_groups.h"
 #include "model/disks.h"
 #include "model/enclosures.h"
+#include "model/library_record.h"
 #include "model/virtual_disks.h"
 
 namespace vexorctl {
+
+/// The functions that a look asks.
+inline constexpr std::span<const std::string_view> kLookFunctions =
+    kNamesOf<calls::HX_Adapter_GetInfo, calls::HX_Adapter_GetConfig, calls::HX_PD_GetHDInfo_Ext,
+             calls::HX_PD_GetConfig, calls::HX_PD_GetSmartStatus, calls::HX_PD_GetHDRaidStatus,
+             calls::HX_PD_GetBGAStatus, calls::HX_PD_GetFreeSpaceInfo, calls::HX_LD_GetInfo,
+             calls::HX_LD_GetConfig, calls::HX_LD_GetStatus, calls::HX_BLK_GetInfo,
+             calls::HX_DG_GetInfo, calls::HX_DG_GetConfig, calls::HX_BBU_GetInfo,
+             calls::HX_ENC_GetEnclosureInfo, calls::HX_ENC_GetElementInfo,
+             calls::HX_ENC_GetElementConfig>;
 
 /// One look at the adapters that the controller has selected: the records as they came, and what
 /// the table of conditions takes from them.

@@ -15,11 +15,9 @@
 #include "conditions/hxc_look.h"
 #include "conditions/hxc_overview.h"
 #include "conditions/hxc_rows.h"
-#include "library_fields.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/health_answers.h"
-#include "model/library_record.h"
 #include "model/library_session.h"
 #include "nouns/adapter_targets.h"
 #include "nouns/nouns.h"
@@ -150,14 +148,7 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "ADAPTER",
      .options = kOptions,
-     .functions =
-         kNamesOf<calls::HX_Adapter_GetInfo, calls::HX_Adapter_GetConfig,
-                  calls::HX_PD_GetHDInfo_Ext, calls::HX_PD_GetConfig, calls::HX_PD_GetSmartStatus,
-                  calls::HX_PD_GetHDRaidStatus, calls::HX_PD_GetBGAStatus,
-                  calls::HX_PD_GetFreeSpaceInfo, calls::HX_LD_GetInfo, calls::HX_LD_GetConfig,
-                  calls::HX_LD_GetStatus, calls::HX_BLK_GetInfo, calls::HX_DG_GetInfo,
-                  calls::HX_DG_GetConfig, calls::HX_BBU_GetInfo, calls::HX_ENC_GetEnclosureInfo,
-                  calls::HX_ENC_GetElementInfo, calls::HX_ENC_GetElementConfig>,
+     .functions = kLookFunctions,
      .examples = {"vexorctl check --timeout 10s", "vexorctl check a0 -o json"},
      .run = Check,
      .columns = Columns,

@@ -34,7 +34,7 @@ struct Answer {
     bool HasTextWithoutEnd() const { return std::ranges::find(records, 0) == records.end(); }
 };
 
-std::vector<Answer> Spoiled() {
+std::vector<Answer> HostileAnswers() {
     std::vector<Answer> answers(kRounds);
     for (Answer& answer : answers) {
         hxsim::MakePageHostile(answer.header, answer.records.data(), answer.records.size());
@@ -44,38 +44,38 @@ std::vector<Answer> Spoiled() {
 
 template <class Condition>
 bool Any(Condition condition) {
-    return std::ranges::any_of(Spoiled(), condition);
+    return std::ranges::any_of(HostileAnswers(), condition);
 }
 
-TEST(Spoil, CountsMoreThanWasAskedFor) {
+TEST(HostileAnswer, CountsMoreThanWasAskedFor) {
     EXPECT_TRUE(Any([](const Answer& answer) { return answer.header.numReturned == 6; }));
     EXPECT_TRUE(Any([](const Answer& answer) { return answer.header.numReturned == 65535; }));
 }
 
-TEST(Spoil, SendsCallersRoundInCircles) {
+TEST(HostileAnswer, SendsCallersRoundInCircles) {
     EXPECT_TRUE(Any([](const Answer& answer) { return answer.header.nextStartingIndex == 7; }));
     EXPECT_TRUE(Any([](const Answer& answer) { return answer.header.nextStartingIndex == 0; }));
 }
 
-TEST(Spoil, PromisesMoreAndGivesNothing) {
+TEST(HostileAnswer, PromisesMoreAndGivesNothing) {
     EXPECT_TRUE(Any([](const Answer& answer) {
         return answer.header.numReturned == 0 && answer.header.nextStartingIndex != 65535;
     }));
 }
 
-TEST(Spoil, GivesTextsWithoutEnd) {
+TEST(HostileAnswer, GivesTextsWithoutEnd) {
     EXPECT_TRUE(Any([](const Answer& answer) {
         return answer.HasTextWithoutEnd() && answer.records[0] == 'A';
     }));
 }
 
-TEST(Spoil, GivesCountsOf255) {
+TEST(HostileAnswer, GivesCountsOf255) {
     EXPECT_TRUE(
         Any([](const Answer& answer) { return std::ranges::count(answer.records, 0xFF) == 120; }));
 }
 
-TEST(Spoil, LeavesTheRequestAndWhatLiesBehindAlone) {
-    for (const Answer& answer : Spoiled()) {
+TEST(HostileAnswer, LeavesTheRequestAndWhatLiesBehindAlone) {
+    for (const Answer& answer : HostileAnswers()) {
         EXPECT_EQ(5, answer.header.numRequested);
         EXPECT_EQ(7, answer.header.startingIndexOrId);
         EXPECT_EQ(HX_REQUEST_BY_INDEX, answer.header.requestType);
@@ -83,7 +83,7 @@ TEST(Spoil, LeavesTheRequestAndWhatLiesBehindAlone) {
     }
 }
 
-TEST(Spoil, TakesAnAnswerWithoutRecords) {
+TEST(HostileAnswer, TakesAnAnswerWithoutRecords) {
     for (int round = 0; round < kRounds; ++round) {
         RequestHeader header{};
         header.numRequested = 65535;
@@ -92,7 +92,7 @@ TEST(Spoil, TakesAnAnswerWithoutRecords) {
     }
 }
 
-TEST(Spoil, OfRecordsAloneStaysInsideThem) {
+TEST(HostileAnswer, OfRecordsAloneStaysInsideThem) {
     for (int round = 0; round < kRounds; ++round) {
         Answer answer;
         hxsim::MakeRecordHostile(answer.records.data(), answer.records.size());
@@ -100,9 +100,9 @@ TEST(Spoil, OfRecordsAloneStaysInsideThem) {
     }
 }
 
-TEST(Spoil, ComesInTheSameOrderEveryTime) {
+TEST(HostileAnswer, ComesInTheSameOrderEveryTime) {
     // Whatever came before, six answers are one round.
-    const std::vector<Answer> answers = Spoiled();
+    const std::vector<Answer> answers = HostileAnswers();
     for (std::size_t i = 6; i < answers.size(); ++i) {
         EXPECT_EQ(answers[i - 6].header.numReturned, answers[i].header.numReturned);
         EXPECT_EQ(answers[i - 6].records, answers[i].records);
