@@ -2,7 +2,7 @@
 """The library can be loaded into any process: it brings nothing along but what it is made of.
 
 It needs the controller library, expat, libcrypt and the C library and no C++ runtime; it runs
-nothing when it is loaded, and leaves nothing behind to run when the process ends.
+nothing when it is loaded, leaves nothing behind to run when the process ends, and starts no thread.
 
 usage: dependencies_test.py LIBRARY
        dependencies_test.py --self-check COMPILER [OPTION]...
@@ -25,6 +25,7 @@ EXIT_HANDLERS = {
     "__cxa_thread_atexit",
     "__cxa_thread_atexit_impl",
 }
+THREADS = {"pthread_create", "thrd_create", "clone"}
 
 
 def bracketed(value):
@@ -57,7 +58,7 @@ def complaints_about(library):
             complaints.append(f"there is a {section}")
 
     for name, _ in readback.dynamic_symbols(library, "undefined"):
-        if name in EXIT_HANDLERS:
+        if name in EXIT_HANDLERS | THREADS:
             complaints.append(f"{name} is called")
     return complaints
 
@@ -76,6 +77,7 @@ def self_check(workshop):
     at_load = "__attribute__((constructor)) static void at_load(void) {}"
     at_exit = "__attribute__((destructor)) static void at_exit(void) {}"
     handler = "int on_exit(void (*)(int, void *), void *); void f(void) { on_exit(0, 0); }"
+    thread = "int thrd_create(void *, int (*)(void *), void *); void f(void) { thrd_create(0, 0, 0); }"
     cxx = "int __cxa_atexit(void (*)(void *), void *, void *); void f(void) { __cxa_atexit(0, 0, 0); }"
     yield "nothing but what is allowed", complaints(empty, *base), None
     yield "a C++ runtime", complaints(empty, *base, stranger), "libstdc++.so.6 is needed"
@@ -92,6 +94,7 @@ def self_check(workshop):
     yield "a constructor", complaints(at_load, *base), ".init_array has 2 entries"
     yield "a destructor", complaints(at_exit, *base), ".fini_array has 2 entries"
     yield "an exit handler", complaints(handler, *base), "on_exit is called"
+    yield "a thread", complaints(thread, *base), "thrd_create is called"
     yield "a static object's destructor", complaints(cxx, *base), "__cxa_atexit is called"
 
 
