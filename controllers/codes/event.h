@@ -35,8 +35,9 @@ enum class EventKind : HX_U32 {
     kVirtualDiskOnline = At(EventClass::kVirtualDisk, 1),
     kVirtualDiskCreated = At(EventClass::kVirtualDisk, 2),
     kVirtualDiskDeleted = At(EventClass::kVirtualDisk, 3),
-    kVirtualDiskDegraded = At(EventClass::kVirtualDisk, 4),
-    kVirtualDiskPartiallyOptimal = At(EventClass::kVirtualDisk, 5),
+    kVirtualDiskDegraded = At(EventClass::kVirtualDisk, 4),  // Params: ParamsOfDegraded
+    kVirtualDiskPartiallyOptimal =
+        At(EventClass::kVirtualDisk, 5),  // Params[0]: 1 when it was worse before
     kCacheModeChanged = At(EventClass::kVirtualDisk, 6),
     kErrorsFixed = At(EventClass::kVirtualDisk, 7),  // a fix has made redundancy agree
     kErrorsFound = At(EventClass::kVirtualDisk, 8),  // Params[0]: stripes that disagree
@@ -199,7 +200,7 @@ inline constexpr EventRow kEvents[] = {
     {kAdapterFound, kOfAdapter, kInfo, "ADAPTER_FOUND",
      "Adapter {object} was found, serial number {2}"},
     {kEventError, kOfAdapter, kWarning, "EVT_ERR",
-     "Event number {1} could not be recorded (error {2})", "EVENTS_LOST"},
+     "Events of {object} were lost before they were collected: {2}", "EVENTS_LOST"},
     {kVirtualDiskOffline, kOfVirtualDisk, kCritical, "LD_OFFLINE",
      "Virtual disk {object} is offline", "VD_OFFLINE"},
     {kVirtualDiskOnline, kOfVirtualDisk, kInfo, "LD_ONLINE", "Virtual disk {object} is online", "",
@@ -209,9 +210,10 @@ inline constexpr EventRow kEvents[] = {
     {kVirtualDiskDeleted, kOfVirtualDisk, kInfo, "LD_DELETE", "Virtual disk {object} was deleted",
      "", "VD_GONE VD_BLOCK_LOST VD_NOT_INITIALISED"},
     {kVirtualDiskDegraded, kOfVirtualDisk, kMajor, "LD_DEGRADE",
-     "Virtual disk {object} is degraded: no redundancy is left", "VD_NO_REDUNDANCY"},
+     "Virtual disk {object} is degraded", "VD_NO_REDUNDANCY"},
     {kVirtualDiskPartiallyOptimal, kOfVirtualDisk, kWarning, "LD_PARTIALLYOPTIMAL",
-     "Virtual disk {object} has lost disks; some redundancy is left", "VD_REDUNDANCY_REDUCED"},
+     "Virtual disk {object} is partially optimal: some redundancy is left",
+     "VD_REDUNDANCY_REDUCED"},
     {kCacheModeChanged, kOfVirtualDisk, kInfo, "LD_CACHE_MODE_CHANGE",
      "The cache mode of virtual disk {object} was changed"},
     {kErrorsFixed, kOfVirtualDisk, kInfo, "LD_FIXED", "Virtual disk {object} was repaired", "",
@@ -343,7 +345,7 @@ inline constexpr EventRow kEvents[] = {
      "The battery of {object} does not allow write-back caching", "CACHE_FORCED_WRITE_THROUGH"},
     {kBatterySafeToUseWriteBack, kOfBattery, kInfo, "BAT_SAFE_TO_USE_WRITE_BACK",
      "The battery of {object} allows write-back caching", "", "CACHE_FORCED_WRITE_THROUGH"},
-    {kFlashErased, kOfImage, kInfo, "", ""},
+    {kFlashErased, kOfImage, kWarning, "", ""},
     {kFlashWritten, kOfImage, kInfo, "", "", "", "FLASH_IMAGE_DAMAGED"},
     {kFlashDamaged, kOfImage, kCritical, "", "", "FLASH_IMAGE_DAMAGED"},
     {kBackgroundRateChanged, kOfAdapter, kInfo, "MISC_CHANGE_BACK_ACTIVITY_RATE",
@@ -358,18 +360,18 @@ inline constexpr EventRow kEvents[] = {
     {kShutdownCommand, kOfAdapter, kInfo, "MISC_GET_SHUTDOWN_CMD",
      "The controller was told to shut down"},
     {kDiskMissingAtBoot, kOfDisk, kMajor, "MISC_PD_MISSING_FROM_CONFIG_AT_BOOT",
-     "Disk {1} of the configuration was missing at boot", "DISK_MISSING"},
+     "Disk {object} of the configuration was missing at boot", "DISK_MISSING"},
     {kVirtualDiskMissesDisks, kOfVirtualDisk, kMajor, "MISC_VD_MISSING_DRIVES",
-     "Virtual disk {object}/vd{1} misses disks", "VD_NO_REDUNDANCY"},
+     "Virtual disk {object} misses disks", "VD_NO_REDUNDANCY"},
     {kVirtualDiskMissingAtBoot, kOfVirtualDisk, kMajor, "MISC_VD_MISSING_AT_BOOT",
-     "Virtual disk {1} was missing at boot", "VD_OFFLINE"},
+     "Virtual disk {object} was missing at boot", "VD_OFFLINE"},
     {kPreviousConfigurationMissingAtBoot, kOfAdapter, kMajor,
      "MISC_PREVIOUS_CONFIG_MISSING_AT_BOOT", "The previous configuration was missing at boot",
      "ADAPTER_CONFIG_LOST"},
     {kDiskTooSmallForRebuild, kOfDisk, kWarning, "MISC_PD_TOO_SMALL_FOR_AUTOREBUILD",
-     "Disk {1} is too small for an automatic rebuild", "SPARE_TOO_SMALL"},
+     "Disk {object} is too small for an automatic rebuild", "SPARE_TOO_SMALL"},
     {kDiskTooSmallForCopyback, kOfDisk, kWarning, "MISC_PD_TOO_SMALL_FOR_COPYBACK",
-     "Disk {1} is too small for a copyback", "REPLACEMENT_TOO_SMALL"},
+     "Disk {object} is too small for a copyback", "REPLACEMENT_TOO_SMALL"},
     {kSyncRateChanged, kOfAdapter, kInfo, "MISC_CHANGE_SYNC_RATE",
      "The consistency check rate was changed to {1} percent"},
     {kInitRateChanged, kOfAdapter, kInfo, "MISC_CHANGE_INIT_RATE",
@@ -477,6 +479,16 @@ constexpr Severity SeverityOf(EventKind kind) {
     if (HasCode(kEvents, NumberOf(kind))) return RowOf(kEvents, kind).severity;
     const ActivityRow* const activity = ActivityOf(kind);
     return activity == nullptr ? Severity::kUnknown : StepOf(*activity, kind).severity;
+}
+
+/// Whether an event of that kind and first parameter tells that a virtual disk was worse before.
+constexpr bool IsBetter(EventKind kind, HX_U32 param) {
+    return kind == EventKind::kVirtualDiskPartiallyOptimal && param == 1;
+}
+
+/// The severity of an event with that first parameter: what got better is no warning.
+constexpr Severity SeverityOf(EventKind kind, HX_U32 param) {
+    return IsBetter(kind, param) ? Severity::kInfo : SeverityOf(kind);
 }
 
 // ---- Checks of the rows -------------------------------------------------------------------------

@@ -7,6 +7,7 @@
 #include "codes/disk.h"
 #include "codes/enclosure.h"
 #include "codes/event.h"
+#include "codes/event_sentence.h"
 #include "codes/flash.h"
 #include "codes/level.h"
 #include "codes/rate.h"
@@ -35,12 +36,14 @@ using hxcodes::Effect;
 using hxcodes::ElementStatus;
 using hxcodes::ElementType;
 using hxcodes::EventKind;
+using hxcodes::EventParams;
 using hxcodes::Image;
 using hxcodes::Init;
 using hxcodes::Level;
 using hxcodes::LevelRow;
 using hxcodes::LinkSpeed;
 using hxcodes::NumberOf;
+using hxcodes::ParamsOfDegraded;
 using hxcodes::Power;
 using hxcodes::Rate;
 using hxcodes::RebuildType;

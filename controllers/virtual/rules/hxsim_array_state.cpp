@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
+#include "model/hxsim_codes.h"
 #include "model/hxsim_home.h"
 #include "model/hxsim_redundancy.h"
 #include "model/hxsim_space.h"
@@ -19,6 +21,26 @@ bool MissesDisk(const Adapter& adapter, HX_U16 virtual_disk) {
         const Disk* const disk = Find(adapter.disks, block.disk);
         return disk == nullptr || !disk->present;
     });
+}
+
+// What the event of a state tells beyond its kind: the disks of which none may fail any more,
+// beside those of other legs or pairs which still may; or that it was worse before.
+EventParams ParamsOfState(const Adapter& adapter, const VirtualDisk& virtual_disk,
+                                   State before) {
+    const State state = virtual_disk.state;
+    if (state == State::kPartiallyOptimal) return {state < before ? 1U : 0U};
+    if (state != State::kDegraded) return {};
+    const Positions lost = LostPositions(adapter, virtual_disk.id);
+    std::vector<HX_U16> fatal, harmless;
+    for (unsigned i = 0; i < virtual_disk.width; ++i) {
+        if (lost[i]) continue;
+        const State then = StateOfArray(virtual_disk.level, virtual_disk.legs, virtual_disk.width,
+                                        Positions(lost).set(i));
+        const HX_U16 disk =
+            BlockOf(adapter, virtual_disk.id, static_cast<HX_U8>(i))->disk;  // it is not lost
+        (IsUsable(then) ? harmless : fatal).push_back(disk);
+    }
+    return ParamsOfDegraded(fatal, harmless);
 }
 
 }  // namespace
@@ -81,7 +103,8 @@ bool AnnounceStates(Settling& settling) {
         if (state == State::kForeign) continue;
         // The import has announced a foreign virtual disk already.
         if (before == State::kForeign && state == State::kOptimal) continue;
-        Queue(adapter, settling.now, EventOfState(state), each.id);
+        Queue(adapter, settling.now, EventOfState(state), each.id,
+              ParamsOfState(adapter, each, before));
         if (state < before) continue;
         settling.losses.insert(each.id);
         settling.new_alarm_cause = settling.new_alarm_cause || CausesAlarm(state);

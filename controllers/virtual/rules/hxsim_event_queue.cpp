@@ -48,7 +48,7 @@ void Describe(HX_U8 adapter, Time now, EventKind kind, HX_U16 device, HX_U32 num
     text = text.substr(0, sizeof event.SenseData);
     event.Class = ClassOf(kind);
     event.Code = CodeOf(kind);
-    event.Severity = NumberOf(SeverityOf(kind));
+    event.Severity = NumberOf(SeverityOf(kind, params[0]));
     event.TimeStamp = SecondsOf(now);
     event.DeviceID = device;
     event.AdapterID = adapter;

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "codes/code_table.h"
+#include "codes/event.h"
 #include "codes/event_class.h"
+#include "codes/event_sentence.h"
 #include "common/address.h"
 #include "model/event_catalogue.h"
 #include "model/event_store_file.h"
@@ -21,10 +24,28 @@ constexpr std::size_t kTimeLength = 25;
 using EventQuery = calls::VX_HX_EVT_GetEvents;
 
 // The kind of object whose number is in DeviceID; the adapter where such objects have no addresses.
-ObjectKind KindOf(std::uint64_t number) {
-    const auto event_class = hxcodes::ToCode<hxcodes::EventClass>(number);
-    if (!event_class) return ObjectKind::kAdapter;
-    switch (*event_class) {
+ObjectKind KindOf(hxcodes::Subject subject) {
+    switch (subject) {
+        case hxcodes::Subject::kOfVirtualDisk:
+            return ObjectKind::kVirtualDisk;
+        case hxcodes::Subject::kOfDisk:
+            return ObjectKind::kDisk;
+        case hxcodes::Subject::kOfEnclosure:
+            return ObjectKind::kEnclosure;
+        case hxcodes::Subject::kOfDiskGroup:
+            return ObjectKind::kDiskGroup;
+        case hxcodes::Subject::kOfAdapter:
+        case hxcodes::Subject::kOfExpander:
+        case hxcodes::Subject::kOfBattery:
+        case hxcodes::Subject::kOfImage:
+            break;
+    }
+    return ObjectKind::kAdapter;
+}
+
+// The same for an event whose code has no text, of which only the class is known.
+ObjectKind KindOf(hxcodes::EventClass event_class) {
+    switch (event_class) {
         case hxcodes::EventClass::kVirtualDisk:
             return ObjectKind::kVirtualDisk;
         case hxcodes::EventClass::kDisk:
@@ -48,16 +69,42 @@ ObjectKind KindOf(std::uint64_t number) {
     return ObjectKind::kAdapter;
 }
 
-std::optional<std::string> ObjectOf(const Record<fields::Event>& record) {
+// Events without a class of their own (a disk that is too small for a rebuild) name disks and
+// virtual disks, too: the library's texts fix for every controller which.
+ObjectKind KindOf(const hxcodes::EventFacts& event) {
+    for (const hxcodes::EventRow& row : hxcodes::kEvents) {
+        if (row.code == event.kind && !row.key.empty()) return KindOf(row.subject);
+    }
+    const auto event_class = hxcodes::ToCode<hxcodes::EventClass>(hxcodes::ClassOf(event.kind));
+    return event_class ? KindOf(*event_class) : ObjectKind::kAdapter;
+}
+
+// None when a part of it is unknown.
+std::optional<hxcodes::EventFacts> FactsOf(const Record<fields::Event>& record) {
     const auto adapter = record[fields::Event::AdapterID];
     const auto device = record[fields::Event::DeviceID];
     const auto event_class = record[fields::Event::Class];
-    if (!adapter || !device || !event_class) return std::nullopt;
-    const ObjectKind kind = KindOf(*event_class);
-    return Address{.adapter = static_cast<unsigned>(*adapter),
-                   .kind = kind,
-                   .id = kind == ObjectKind::kAdapter ? 0 : static_cast<unsigned>(*device)}
-        .Text();
+    const auto code = record[fields::Event::Code];
+    if (!adapter || !device || !event_class || !code) return std::nullopt;
+    hxcodes::EventFacts facts{.kind = static_cast<hxcodes::EventKind>(hxcodes::At(
+                                  static_cast<HX_U16>(*event_class), static_cast<HX_U16>(*code))),
+                              .adapter = static_cast<unsigned>(*adapter),
+                              .device = static_cast<unsigned>(*device)};
+    const auto params = record[fields::Event::Params].value_or(std::vector<std::uint64_t>());
+    for (std::size_t i = 0; i < std::min(params.size(), facts.params.size()); ++i) {
+        facts.params[i] = static_cast<HX_U32>(params[i]);
+    }
+    return facts;
+}
+
+std::string ObjectOf(const hxcodes::EventFacts& event, bool is_own) {
+    Address address{.adapter = event.adapter, .kind = KindOf(event)};
+    if (address.kind != ObjectKind::kAdapter) address.id = event.device;
+    if (const auto element = hxcodes::ElementOf(event); element && is_own) {
+        address.kind = ObjectKind::kElement;
+        address.element = *element;
+    }
+    return address.Text();
 }
 
 std::string Trimmed(std::string text) {
@@ -67,7 +114,8 @@ std::string Trimmed(std::string text) {
     return text;
 }
 
-StoredEvent MakeEvent(std::uint64_t sequence, Record<fields::Event> record) {
+// With `is_own`, the event comes from a controller whose parameters are known.
+StoredEvent MakeEvent(std::uint64_t sequence, Record<fields::Event> record, bool is_own) {
     StoredEvent event;
     event.sequence = sequence;
     const auto text = record[fields::Event::Event_];
@@ -84,7 +132,10 @@ StoredEvent MakeEvent(std::uint64_t sequence, Record<fields::Event> record) {
             event.values.push_back(value);
         }
     }
-    event.object = ObjectOf(record);
+    if (const auto facts = FactsOf(record)) {
+        event.object = ObjectOf(*facts, is_own);
+        if (is_own) event.sentence = hxcodes::SentenceOf(*facts);
+    }
     event.record = std::move(record);
     return event;
 }
@@ -117,6 +168,7 @@ auto AskForEvents(Controller& controller, std::uint64_t first, std::uint64_t cou
 }  // namespace
 
 std::string StoredEvent::Text() const {
+    if (sentence) return *sentence;
     const std::string phrase = FindEventPhrase(key);
     if (phrase.empty()) return Raw();
     return FillEventPhrase(phrase, object.value_or("?"), values);
@@ -176,6 +228,7 @@ Extent AskExtent(Controller& controller) {
 
 std::vector<StoredEvent> ReadEvents(Controller& controller, std::uint64_t first,
                                     std::uint64_t count, std::uint64_t& page) {
+    const bool is_own = &controller.codes().table() == &hxcodes::OwnCodes();
     std::vector<StoredEvent> events;
     while (count != 0) {
         const std::uint64_t asked = std::min(count, page);
@@ -200,7 +253,7 @@ std::vector<StoredEvent> ReadEvents(Controller& controller, std::uint64_t first,
         }
         std::uint64_t sequence = *start;
         for (auto& record : answer[EventQuery::Result::Event]) {
-            events.push_back(MakeEvent(sequence++, std::move(record)));
+            events.push_back(MakeEvent(sequence++, std::move(record), is_own));
         }
         if (*got == 0) break;
         const std::uint64_t taken = std::max(sequence, first + 1) - first;

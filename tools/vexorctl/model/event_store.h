@@ -18,6 +18,7 @@ struct StoredEvent {
     std::string key;                    // "EVT_CODE_LD_CREATE"; empty for an event without a text
     std::vector<std::string> values;    // of its line, behind the severity
     std::optional<std::string> object;  // its address
+    std::optional<std::string> sentence{};  // that its parameters make, of a controller of ours
 
     bool has_text = false;  // the library's line was there
 

@@ -89,7 +89,7 @@ TEST_F(RebuildAfterADoubleFailure, ThatIsHalfMendedIsNotToldOfAsANewLoss) {
     EXPECT_THAT(TakeEvents(), IsSupersetOf({"10 12.17 0", "20 12.17 0"}));
     At(500);
     EXPECT_THAT(TakeEvents(), ElementsAre("30 1.76 0 20", "50 1.76 0 40", "70 1.76 0 60",
-                                          "90 1.76 0 80", "110 1.75 0", "110 1.5 0"));
+                                          "90 1.76 0 80", "110 1.75 0", "110 1.5 0 1"));
 }
 
 TEST_F(RebuildAfterADoubleFailure, OfBothHalvesOfOneMirrorTakesRaid10Offline) {
