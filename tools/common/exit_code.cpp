@@ -7,9 +7,9 @@ namespace vexortools {
 namespace {
 
 constexpr Exit kBySeriousness[] = {
-    Exit::kDone,         Exit::kRefused,      Exit::kNoObject,    Exit::kWaiting,
-    Exit::kNotConfirmed, Exit::kNotPermitted, Exit::kUndelivered, Exit::kUsage,
-    Exit::kUnavailable,  Exit::kInterrupted,
+    Exit::kDone,    Exit::kEventsLost,   Exit::kRefused,      Exit::kNoObject,
+    Exit::kWaiting, Exit::kNotConfirmed, Exit::kNotPermitted, Exit::kUndelivered,
+    Exit::kUsage,   Exit::kUnavailable,  Exit::kInterrupted,
 };
 
 auto RankOf(Exit exit) { return std::ranges::find(kBySeriousness, exit) - kBySeriousness; }

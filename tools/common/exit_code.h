@@ -16,6 +16,7 @@ enum class Exit {
     kUndelivered = 6,
     kWaiting = 7,
     kNotConfirmed = 8,
+    kEventsLost = 10,  // 9 is what vexorctl risk says
     kInterrupted = 130,
 };
 

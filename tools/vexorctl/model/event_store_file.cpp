@@ -54,6 +54,11 @@ std::string EventStorePath() {
     return std::string(root == nullptr ? "" : root) + kDefaultPath;
 }
 
+bool IsEventStoreThere(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
+}
+
 std::optional<std::string> WhyNoEventStore(const std::string& path) {
     std::string bytes;
     try {

@@ -23,6 +23,7 @@ inline constexpr ExitMeaning kExitMeanings[] = {
     {Exit::kUndelivered, "the command was declined or malformed, or its result did not fit"},
     {Exit::kWaiting, "the wait timed out and the work goes on, or the work is paused"},
     {Exit::kNotConfirmed, "not confirmed, or something changed between look and act"},
+    {Exit::kEventsLost, "events were lost before event follow could show them"},
     {Exit::kInterrupted, "interrupted"},
 };
 

@@ -8,6 +8,7 @@
 #include <variant>
 
 #include "codes/code_table.h"
+#include "codes/event.h"
 #include "codes/event_class.h"
 #include "codes/named.h"
 #include "common/duration.h"
@@ -18,6 +19,7 @@
 #include "model/ask_controller.h"
 #include "model/event_catalogue.h"
 #include "model/event_store.h"
+#include "model/event_store_file.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/library_record.h"
@@ -102,9 +104,11 @@ struct Filter {
     std::optional<std::uint64_t> adapter;
     std::optional<std::uint64_t> event_class;
     std::uint64_t since = 0;
+    std::uint64_t until = UINT64_MAX;
 
     bool PassesAll() const {
-        return lowest == 0 && highest == 255 && !adapter && !event_class && since == 0;
+        return lowest == 0 && highest == 255 && !adapter && !event_class && since == 0 &&
+               until == UINT64_MAX;
     }
 
     // A field that is unknown does not hide its event.
@@ -113,9 +117,10 @@ struct Filter {
         const auto is = [&](NumberField<Event> field, std::optional<std::uint64_t> wanted) {
             return !wanted || event.record[field].value_or(*wanted) == *wanted;
         };
+        const auto time = event.record[Event::TimeStamp].value_or(since);
         return severity.value_or(lowest) >= lowest && severity.value_or(highest) <= highest &&
-               event.record[Event::TimeStamp].value_or(since) >= since &&
-               is(Event::AdapterID, adapter) && is(Event::Class, event_class);
+               time >= since && time <= until && is(Event::AdapterID, adapter) &&
+               is(Event::Class, event_class);
     }
 };
 
@@ -126,7 +131,7 @@ std::string ListOfNames(std::span<const hxcodes::Named> rows) {
 }
 
 // A time, or a duration back from now, in seconds since 1970, as events have it.
-std::uint64_t SinceOf(const std::string& text) {
+std::uint64_t TimeOf(const std::string& text) {
     const auto typed = ParseDurationOrTime(text);
     const auto* const ago = std::get_if<Duration>(&typed);
     const auto now = std::chrono::floor<Duration>(std::chrono::system_clock::now());
@@ -158,7 +163,11 @@ Filter FilterOf(const Invocation& invocation) {
         filter.event_class = row->code;
     }
     if (const std::string* const text = invocation.Get("--since")) {
-        filter.since = ReadOption("--since", *text, SinceOf);
+        filter.since = ReadOption("--since", *text, TimeOf);
+    }
+    if (const std::string* const text = invocation.Get("--until")) {
+        filter.until = ReadOption("--until", *text, TimeOf);
+        if (filter.until < filter.since) throw UsageError("--until is before --since");
     }
     filter.adapter = invocation.Number("--adapter", 254);
     return filter;
@@ -266,15 +275,55 @@ void WriteCursor(const std::string& path, const Cursor& cursor) {
 
 void Say(const std::string& message) { ReportFailure("event follow", message); }
 
-void SayLost(std::uint64_t count) {
+// Events that cannot be shown. A record of it stands in the stream where they would stand.
+struct Gap {
+    std::string_view reason;
+    std::optional<std::uint64_t> lost;     // how many; of a reset that cannot be told
+    std::optional<std::uint64_t> after;    // the last number before it
+    std::uint64_t next = 0;                // the number that the stream goes on with
+    std::optional<std::uint64_t> adapter;  // the one that lost them; else the store has
+
+    std::string JsonLine() const {
+        const auto number = [](std::optional<std::uint64_t> value) {
+            return value ? std::to_string(*value) : std::string("null");
+        };
+        return "{\"record\":\"gap\",\"reason\":\"" + std::string(reason) +
+               "\",\"lost\":" + number(lost) + ",\"after\":" + number(after) +
+               ",\"next\":" + std::to_string(next) + ",\"adapter\":" + number(adapter) + "}\n";
+    }
+};
+
+Gap Overwritten(std::uint64_t from, std::uint64_t next) {
+    const std::uint64_t count = next - from;
     Say(std::to_string(count) +
         (count == 1 ? " event was lost: it was" : " events were lost: they were") +
         " overwritten before " + (count == 1 ? "it" : "they") + " could be read");
+    return {.reason = "overwritten",
+            .lost = count,
+            .after = from == 0 ? std::nullopt : std::optional(from - 1),
+            .next = next,
+            .adapter = {}};
+}
+
+// What an adapter has lost before its events were collected; it tells that by an event.
+std::optional<Gap> OverflowOf(const StoredEvent& event, const Filter& filter) {
+    const auto adapter = event.record[Event::AdapterID];
+    const auto kind =
+        hxcodes::At(static_cast<HX_U16>(event.record[Event::Class].value_or(UINT16_MAX)),
+                    static_cast<HX_U16>(event.record[Event::Code].value_or(0)));
+    if (kind != hxcodes::NumberOf(hxcodes::EventKind::kEventError)) return std::nullopt;
+    if (filter.adapter && adapter.value_or(*filter.adapter) != *filter.adapter) return std::nullopt;
+    const auto params = event.record[Event::Params];
+    return Gap{.reason = "overflow",
+               .lost = params && params->size() > 2 ? std::optional((*params)[2]) : std::nullopt,
+               .after = {},
+               .next = event.sequence,
+               .adapter = adapter};
 }
 
 // Brings the cursor up to the store as it is now: after a reset it starts at the oldest event, and
 // overwritten entries are stepped over. Both are told.
-void CatchUp(Controller& controller, const Extent& extent, Cursor& cursor) {
+std::optional<Gap> CatchUp(Controller& controller, const Extent& extent, Cursor& cursor) {
     bool reset = extent.next < cursor.next;
     if (!reset && cursor.next > extent.first) {
         std::uint64_t one = 1;
@@ -283,15 +332,28 @@ void CatchUp(Controller& controller, const Extent& extent, Cursor& cursor) {
         if (cursor.before.empty()) cursor.before = seen;  // nothing was read yet
         reset = seen != cursor.before;
     }
-    if (reset) {
-        Say("the event store was reset, and what it held behind event " +
-            std::to_string(cursor.next - 1) +
-            " is lost; how many events that were cannot be told; going on with event " +
-            std::to_string(extent.first));
-        cursor = {extent.first, ""};
-    } else if (cursor.next < extent.first) {
-        SayLost(extent.first - cursor.next);
-        cursor = {extent.first, ""};
+    if (!reset && cursor.next >= extent.first) return std::nullopt;
+    const Cursor was = std::exchange(cursor, {extent.first, ""});
+    if (!reset) return Overwritten(was.next, extent.first);
+    Say("the event store was reset, and what it held behind event " + std::to_string(was.next - 1) +
+        " is lost; how many events that were cannot be told; going on with event " +
+        std::to_string(extent.first));
+    return Gap{
+        .reason = "reset", .lost = {}, .after = was.next - 1, .next = extent.first, .adapter = {}};
+}
+
+// The extent of the store; none while no file is there, `reason` then says what is in the way.
+std::optional<Extent> AskExtentIfThere(Controller& controller, std::string& reason) {
+    for (bool again = true;; again = false) {
+        try {
+            return AskExtent(controller);
+        } catch (const Failure& failure) {
+            const bool is_there = IsEventStoreThere(EventStorePath());
+            if (failure.exit != Exit::kUnavailable || (is_there && !again)) throw;
+            if (is_there) continue;  // it has come between the two looks
+            reason = failure.what();
+            return std::nullopt;
+        }
     }
 }
 
@@ -304,55 +366,89 @@ public:
           filter_(FilterOf(invocation)),
           most_(invocation.Number("--count", UINT32_MAX)),
           path_(invocation.Get("--cursor")),
-          extent_(AskExtent(invocation.controller())),
-          cursor_{invocation.Has("--from-start") ? extent_.first : extent_.next, ""} {
-        if (path_ == nullptr) return;
-        if (const auto kept = ReadCursor(*path_)) cursor_ = *kept;
+          waits_(!invocation.Has("--once")) {
+        if (path_ != nullptr) cursor_ = ReadCursor(*path_);
+        LookAgain();
+        if (!cursor_ && extent_ && !invocation.Has("--from-start")) cursor_ = {extent_->next, ""};
     }
 
     /// Shows all that there is now.
     void ShowNew() {
-        CatchUp(invocation_.controller(), extent_, cursor_);
-        while (cursor_.next < extent_.next && !IsEnough() && !Interrupted() && ShowPage()) {
+        if (!extent_) return;
+        // Of a store that was not there when following began, everything is new.
+        if (!cursor_) cursor_ = {extent_->first, ""};
+        if (const auto gap = CatchUp(invocation_.controller(), *extent_, *cursor_)) Print(*gap);
+        while (cursor_->next < extent_->next && !IsEnough() && !Interrupted() && ShowPage()) {
         }
         // Without any event to show, the cursor is kept all the same, so that the next run starts
         // here.
         if (first_) KeepCursor();
     }
 
-    void LookAgain() { extent_ = AskExtent(invocation_.controller()); }
+    /// Asks for the extent again. Waits for a store that is not there, unless with --once.
+    void LookAgain() {
+        if (!waits_) {
+            extent_ = AskExtent(invocation_.controller());
+            return;
+        }
+        std::string reason;
+        const bool was_there = extent_.has_value() || !said_waiting_;
+        extent_ = AskExtentIfThere(invocation_.controller(), reason);
+        if (extent_ || !was_there) return;
+        Say(reason + "; waiting for it");
+        said_waiting_ = true;
+    }
 
     bool IsEnough() const { return most_ && shown_ >= *most_; }
+
+    Exit exit() const {
+        const Exit exit = invocation_.controller().exit();
+        return has_gap_ ? MoreSerious(exit, Exit::kEventsLost) : exit;
+    }
 
 private:
     // False when there was nothing to be read after all.
     bool ShowPage() {
         std::vector<StoredEvent> events =
-            ReadEvents(invocation_.controller(), cursor_.next,
-                       std::min(at_once_, extent_.next - cursor_.next), at_once_);
+            ReadEvents(invocation_.controller(), cursor_->next,
+                       std::min(at_once_, extent_->next - cursor_->next), at_once_);
         if (events.empty()) return false;
         std::vector<StoredEvent> passing;
+        const auto tell = [&](const Gap& gap) {
+            Print(std::exchange(passing, {}));
+            Print(gap);
+        };
         for (StoredEvent& event : events) {
             if (IsEnough()) break;
             // Overwritten since the extent was asked for.
-            if (event.sequence > cursor_.next) SayLost(event.sequence - cursor_.next);
+            if (event.sequence > cursor_->next) tell(Overwritten(cursor_->next, event.sequence));
             cursor_ = {event.sequence + 1, event.Fingerprint()};
+            if (const auto gap = OverflowOf(event, filter_)) tell(*gap);
             if (!filter_.Passes(event)) continue;
             passing.push_back(std::move(event));
             ++shown_;
         }
-        Report report = MakeReport(invocation_, std::move(passing));
-        Arrange(invocation_, style_, report);
-        PrintMore(report, style_, first_);
-        first_ = false;
+        Print(std::move(passing));
         // The cursor is kept after the events were printed: a crash between the two repeats events
         // and loses none.
         KeepCursor();
         return true;
     }
 
+    void Print(std::vector<StoredEvent> events) {
+        Report report = MakeReport(invocation_, std::move(events));
+        Arrange(invocation_, style_, report);
+        PrintMore(report, style_, first_);
+        first_ = false;
+    }
+
+    void Print(const Gap& gap) {
+        has_gap_ = true;
+        if (style_.format == "jsonl") PrintText(gap.JsonLine());
+    }
+
     void KeepCursor() const {
-        if (path_ != nullptr) WriteCursor(*path_, cursor_);
+        if (path_ != nullptr) WriteCursor(*path_, *cursor_);
     }
 
     Invocation& invocation_;
@@ -360,11 +456,14 @@ private:
     Filter filter_;
     std::optional<std::uint64_t> most_;
     const std::string* path_;
-    Extent extent_;
-    Cursor cursor_;
+    bool waits_;
+    std::optional<Extent> extent_;  // none while the store is not there
+    std::optional<Cursor> cursor_;  // none before the store was there
     std::uint64_t shown_ = 0;
     std::uint64_t at_once_ = kEventsPerPage;
     bool first_ = true;  // nothing was printed yet, not even a heading
+    bool has_gap_ = false;
+    bool said_waiting_ = false;
 };
 
 Duration IntervalOf(const std::string& text) {
@@ -386,7 +485,7 @@ Exit FollowEvents(Invocation& invocation) {
     for (Follower follower(invocation, style);; follower.LookAgain()) {
         follower.ShowNew();
         if (Interrupted()) return Exit::kInterrupted;
-        if (invocation.Has("--once") || follower.IsEnough()) return invocation.controller().exit();
+        if (invocation.Has("--once") || follower.IsEnough()) return follower.exit();
         SleepMilliseconds(static_cast<unsigned>(interval.count()));
         if (Interrupted()) return Exit::kInterrupted;
     }
@@ -436,6 +535,7 @@ constexpr OptionRow kListOptions[] = {
     {"--adapter", "NUMBER", "Only those of this adapter"},
     {"--class", "CLASS", "Only those about one kind of object, as in virtual_disk"},
     {"--since", "TIME", "Only those since 2h30m ago, or since 2026-01-31T12:00:00+01:00"},
+    {"--until", "TIME", "Only those until then, written like that of --since"},
     {"--raw", "", "Keys and values instead of readable texts"},
 };
 
@@ -471,8 +571,12 @@ constexpr CommandRow kCommands[] = {
                   "vexorctl event follow --from-start --count 2 -o jsonl"},
      .run = FollowEvents,
      .columns = Columns,
-     .note = "It tells when events were overwritten before they could be shown, how many, and when "
-             "the store was reset. Ctrl-C ends it."},
+     .note = "It waits for a store that is not there yet and then shows all of it. It tells when "
+             "events were overwritten before they could be shown, how many, when the store was "
+             "reset, and what an adapter has lost; with -o jsonl by a record in their place, as in "
+             "{\"record\":\"gap\",\"reason\":\"overwritten\",\"lost\":12,\"after\":30,"
+             "\"next\":43,\"adapter\":null}; the other reasons are reset and overflow. After that "
+             "it ends with exit code 10. Ctrl-C ends it."},
     {.noun = "event",
      .verb = "keys",
      .summary = "List every key of events with its readable text",
