@@ -11,7 +11,7 @@ import signal
 import subprocess
 
 import vexorctl_machine
-from vexorctl_machine import VexorctlCase
+from vexorctl_machine import SCHEMA, VexorctlCase, schema
 
 VEXORCTL = ""
 CHECK_IN = ""
@@ -21,6 +21,14 @@ def overflow(machine, folder):
     """More events than an adapter keeps until they are collected, which are 512."""
     (folder / "story").write_text("repeat 300\ndisk remove a0/pd11\ndisk insert a0/pd11\nend\n")
     machine.hxsimctl("scenario", "run", folder / "story")
+
+
+def without_head(line):
+    """A line of jsonl without what every line begins with."""
+    head = ("vexorctl/1", "event follow")
+    assert (line.pop("schema"), line.pop("command")) == head
+    line.pop("partial", None)
+    return line
 
 
 class Sentences(VexorctlCase):
@@ -94,7 +102,10 @@ class Stream(VexorctlCase):
     def follow(self, *words):
         run = self.run_words("event", "follow", "--once", "--cursor", "cursor", "-o", "jsonl",
                              "--columns", "sequence", *words)
-        return [json.loads(line) for line in run.stdout.splitlines()], run
+        lines = [json.loads(line) for line in run.stdout.splitlines()]
+        for line in lines:
+            schema(SCHEMA).validate(line)
+        return [without_head(line) for line in lines], run
 
     def small_ring(self):
         (self.root / "vexorapi.ini").write_text(
@@ -179,7 +190,7 @@ class Stream(VexorctlCase):
             "(No such file or directory); the event service makes it when it stores the first one; "
             "waiting for it\n")
         self.collect()
-        self.assertEqual(json.loads(process.stdout.readline()), {"sequence": 0})
+        self.assertEqual(without_head(json.loads(process.stdout.readline())), {"sequence": 0})
         process.send_signal(signal.SIGINT)
         _, err = process.communicate(timeout=60)
         self.assertEqual((err, process.returncode), ("", 130))
@@ -191,7 +202,8 @@ class Stream(VexorctlCase):
         self.store.parent.mkdir()
         self.collect()
         out, err = process.communicate(timeout=60)
-        self.assertEqual((out, err, process.returncode), ('{"sequence":0}\n', "", 0))
+        self.assertEqual((without_head(json.loads(out)), err, process.returncode),
+                         ({"sequence": 0}, "", 0))
 
     def test_it_waits_for_a_store_that_has_gone_and_tells_the_gap(self):
         self.collect()
@@ -202,7 +214,7 @@ class Stream(VexorctlCase):
         self.store.unlink()
         self.assertIn("waiting for it", process.stderr.readline())
         self.many_events()
-        lines = (json.loads(line) for line in process.stdout)
+        lines = (without_head(json.loads(line)) for line in process.stdout)
         gap = next(line for line in lines if "record" in line)
         self.assertEqual((gap["reason"], gap["next"]), ("reset", 0))
         self.assertEqual(next(lines), {"sequence": 0})

@@ -200,6 +200,22 @@ Json Envelope(const Json& commands) {
              {{"description", "Only the keys that --columns names are there"}, {"const", true}}}};
 }
 
+// The line that stands where events are missing.
+Json GapSchema() {
+    const Json number = {{"type", {"integer", "null"}}, {"minimum", 0}};
+    return {{"type", "object"},
+            {"description", "Events that event follow could not show"},
+            {"properties",
+             {{"command", {{"const", "event follow"}}},
+              {"record", {{"const", "gap"}}},
+              {"reason", {{"enum", {"overwritten", "reset", "overflow"}}}},
+              {"lost", number},
+              {"after", number},
+              {"next", {{"type", "integer"}, {"minimum", 0}}},
+              {"adapter", number}}},
+            {"required", {"record", "reason", "lost", "after", "next", "adapter"}}};
+}
+
 }  // namespace
 
 std::string JsonSchema(std::span<const NounRow> nouns) {
@@ -244,11 +260,14 @@ std::string JsonSchema(std::span<const NounRow> nouns) {
                                {"properties", document_keys},
                                {"required", {"schema", "command", "items", "errors"}},
                                {"allOf", documents}};
-    definitions["line"] = {{"type", "object"},
-                           {"properties", line_keys},
-                           {"required", {"schema", "command"}},
-                           {"if", {{"required", {"error"}}}},
-                           {"else", {{"allOf", lines}}}};
+    definitions["gap"] = GapSchema();
+    definitions["line"] = {
+        {"type", "object"},
+        {"properties", line_keys},
+        {"required", {"schema", "command"}},
+        {"if", {{"required", {"record"}}}},
+        {"then", Ref("gap")},
+        {"else", {{"if", {{"required", {"error"}}}}, {"else", {{"allOf", lines}}}}}};
     return Json({{"$schema", "https://json-schema.org/draft/2020-12/schema"},
                  {"$id", "urn:vexorctl:schema:1"},
                  {"title", "What vexorctl prints with --output json, and each line of jsonl"},

@@ -287,8 +287,9 @@ struct Gap {
         const auto number = [](std::optional<std::uint64_t> value) {
             return value ? std::to_string(*value) : std::string("null");
         };
-        return "{\"record\":\"gap\",\"reason\":\"" + std::string(reason) +
-               "\",\"lost\":" + number(lost) + ",\"after\":" + number(after) +
+        return "{\"schema\":\"vexorctl/1\",\"command\":\"event "
+               "follow\",\"record\":\"gap\",\"reason\":\"" +
+               std::string(reason) + "\",\"lost\":" + number(lost) + ",\"after\":" + number(after) +
                ",\"next\":" + std::to_string(next) + ",\"adapter\":" + number(adapter) + "}\n";
     }
 };
@@ -573,10 +574,9 @@ constexpr CommandRow kCommands[] = {
      .columns = Columns,
      .note = "It waits for a store that is not there yet and then shows all of it. It tells when "
              "events were overwritten before they could be shown, how many, when the store was "
-             "reset, and what an adapter has lost; with -o jsonl by a record in their place, as in "
-             "{\"record\":\"gap\",\"reason\":\"overwritten\",\"lost\":12,\"after\":30,"
-             "\"next\":43,\"adapter\":null}; the other reasons are reset and overflow. After that "
-             "it ends with exit code 10. Ctrl-C ends it."},
+             "reset, and what an adapter has lost; with -o jsonl by a record in their place, with "
+             "record \"gap\", the reason and the count. After that it ends with exit code 10. "
+             "Ctrl-C ends it."},
     {.noun = "event",
      .verb = "keys",
      .summary = "List every key of events with its readable text",
