@@ -25,8 +25,7 @@ bool MissesDisk(const Adapter& adapter, HX_U16 virtual_disk) {
 
 // What the event of a state tells beyond its kind: the disks of which none may fail any more,
 // beside those of other legs or pairs which still may; or that it was worse before.
-EventParams ParamsOfState(const Adapter& adapter, const VirtualDisk& virtual_disk,
-                                   State before) {
+EventParams ParamsOfState(const Adapter& adapter, const VirtualDisk& virtual_disk, State before) {
     const State state = virtual_disk.state;
     if (state == State::kPartiallyOptimal) return {state < before ? 1U : 0U};
     if (state != State::kDegraded) return {};
