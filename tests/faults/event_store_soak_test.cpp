@@ -71,6 +71,8 @@ protected:
 
     static pid_t Start(const std::function<void()>& work) {
         const pid_t child = fork();
+        // Who sends a signal to process -1 ends every process of the machine.
+        if (child < 0) std::abort();
         if (child != 0) return child;
         VX_EvInit();
         work();

@@ -37,6 +37,7 @@ public:
         close(ready[1]);
     }
     ~Holder() {
+        if (process <= 0) return;  // -1 would be every process of the machine
         kill(process, SIGKILL);
         waitpid(process, nullptr, 0);
     }

@@ -11,6 +11,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <random>
@@ -84,6 +85,8 @@ protected:
     template <class Work>
     static pid_t Start(Work work) {
         const pid_t child = fork();
+        // Who sends a signal to process -1 ends every process of the machine.
+        if (child < 0) std::abort();
         if (child != 0) return child;
         VX_EvInit();
         work();
