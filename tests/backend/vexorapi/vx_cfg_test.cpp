@@ -703,6 +703,15 @@ TEST_F(ConfigurationParse, KeepsTheFirst2047BytesOfAText) {
     EXPECT_EQ(std::string(2047, 't'), elmt_->CharDataBuf);
 }
 
+TEST_F(ConfigurationParse, BeginsASectionWithoutHandlersOfAnother) {
+    CFG_StartElement(elmt_.get(), "c", no_attributes_);
+    elmt_->EndHandler = &CountEnd;
+    elmt_->CharDataHandler = &CountText;
+    CFG_StartElement(elmt_.get(), "DebugLogConfig", config_);
+    EXPECT_EQ(nullptr, elmt_->EndHandler);
+    EXPECT_EQ(nullptr, elmt_->CharDataHandler);
+}
+
 TEST_F(ConfigurationParse, LeavesTheArrayWidthAlone) {
     elmt_->ArrayWidth = 5;
     CFG_StartElement(elmt_.get(), "c", no_attributes_);
