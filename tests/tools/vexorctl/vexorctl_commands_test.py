@@ -34,7 +34,7 @@ LISTS = [
     "adapter list", "enclosure list", "enclosure elements", "enclosure expanders",
     "enclosure multipliers", "disk list", "disk blocks", "disk remapped a0/pd3", "vd list",
     "dg list", "task list", "battery list", "flash list", "user show root", "check",
-    "overview", "risk",
+    "overview", "risk", "timeline",
     "disk show a0/pd0", "vd show name:MIRROR", "vd delete a0/vd2 --dry-run",
     "vd create --adapter 1 --raid 5 --disks 3 --dry-run", "counters show", "event keys",
     "event list --last 4", "event list --last 4 --raw",

@@ -271,5 +271,90 @@ class Times(VexorctlCase):
         self.assertIn("--until is before --since", run.stderr)
 
 
+class Timeline(VexorctlCase):
+    """What lasted, as the stored events tell it and no further."""
+
+    def timeline(self, *words):
+        self.collect()
+        run = self.run_words("timeline", "-o", "json", *words)
+        document = json.loads(run.stdout)
+        schema(SCHEMA).validate(document)
+        return {(each["address"], each["kind"]): each for each in document["items"]}, run
+
+    def test_a_rebuild_and_the_bad_times_around_it_have_durations(self):
+        self.machine.hxsimctl("disk", "fail", "a0/pd1")  # a spare steps in
+        self.machine.hxsimctl("clock", "advance", "20m")
+        periods, run = self.timeline("a0/vd0")
+        self.assertEqual(run.returncode, 0)
+        rebuild = periods["a0/vd0", "rebuild"]
+        self.assertEqual((rebuild["outcome"], rebuild["duration_seconds"], rebuild["end_time"]),
+                         ("running", None, None))
+        self.assertRegex(rebuild["text"], r"^rebuild, running at \d+ % or more$")
+        degraded = periods["a0/vd0", "degraded"]
+        self.assertEqual((degraded["outcome"], degraded["end_time"]), ("unknown", None))
+        self.assertEqual(degraded["text"], "degraded, no event of its end is stored")
+        self.machine.hxsimctl("clock", "advance", "10h")
+        periods, run = self.timeline("name:DATABASE")
+        rebuild, degraded = periods["a0/vd0", "rebuild"], periods["a0/vd0", "degraded"]
+        self.assertEqual((rebuild["outcome"], rebuild["progress_ratio"]), ("complete", 1.0))
+        self.assertEqual(degraded["outcome"], "recovered")
+        self.assertEqual(degraded["duration_seconds"], rebuild["duration_seconds"])
+        self.assertGreater(degraded["duration_seconds"], 1200)
+        self.assertEqual({address for address, _ in periods}, {"a0/vd0"})
+
+    def test_an_activity_that_was_aborted_or_is_paused_is_so(self):
+        self.run_words("task", "start", "a0/vd2", "--kind", "check")
+        self.machine.hxsimctl("clock", "advance", "1h")
+        self.run_words("task", "pause", "a0/vd2")
+        self.assertEqual(self.timeline()[0]["a0/vd2", "check"]["outcome"], "paused")
+        self.run_words("task", "abort", "a0/vd2", "--yes")
+        aborted = self.timeline()[0]["a0/vd2", "check"]
+        self.assertEqual((aborted["outcome"], aborted["duration_seconds"]), ("aborted", 3600))
+
+    def test_an_end_that_was_not_collected_is_not_running(self):
+        self.run_words("task", "start", "a0/vd2", "--kind", "check")
+        self.collect()
+        self.run_words("task", "abort", "a0/vd2", "--yes")
+        run = self.run_words("timeline", "a0/vd2", "-o", "json")
+        item, = [each for each in json.loads(run.stdout)["items"] if each["kind"] == "check"]
+        self.assertEqual((item["outcome"], item["end_time"]), ("unknown", None))
+        self.assertEqual(item["text"], "check, no event of its end is stored")
+
+    def test_a_beginning_that_was_overwritten_is_unknown(self):
+        (self.root / "vexorapi.ini").write_text(
+            '<config><EventLogConfig type="config" MaxNumOfEvent="3" '
+            f'Filename="{self.root}/opt/kestrel/raid/db/vx_hx_raid.ev"/></config>')
+        self.machine.hxsimctl("disk", "fail", "a0/pd1")
+        self.collect()
+        self.machine.hxsimctl("clock", "advance", "10h")
+        periods, _ = self.timeline("a0/vd0")
+        self.assertNotIn(("a0/vd0", "degraded"), periods)
+        for kind in ("rebuild", "not_optimal"):
+            period = periods["a0/vd0", kind]
+            self.assertEqual((period["start_time"], period["duration_seconds"]), (None, None))
+            self.assertIn("its beginning is not stored", period["text"])
+
+    def test_lost_events_stand_where_they_are_missing(self):
+        self.machine.hxsimctl("disk", "fail", "a0/pd1")
+        self.collect()
+        overflow(self.machine, self.root)
+        periods, _ = self.timeline()
+        lost = periods["a0", "events_lost"]
+        self.assertRegex(lost["text"], r"^events lost: \d+, what happened then is not known$")
+        self.assertTrue(periods["a0/vd0", "degraded"]["has_gap"])
+
+    def test_what_was_deleted_has_its_timeline_and_no_more(self):
+        self.machine.hxsimctl("disk", "fail", "a1/pd0")
+        self.machine.hxsimctl("clock", "advance", "1h")
+        self.assertEqual(self.run_words("vd", "delete", "a1/vd0", "--yes").returncode, 0)
+        degraded = self.timeline("a1/vd0")[0]["a1/vd0", "degraded"]
+        self.assertEqual((degraded["outcome"], degraded["duration_seconds"]), ("deleted", 3600))
+
+    def test_a_store_that_is_not_there_is_told(self):
+        run = self.run_words("timeline")
+        self.assertEqual(run.returncode, 5)
+        self.assertIn("no events have been stored yet", run.stderr)
+
+
 if __name__ == "__main__":
     vexorctl_machine.run_tests(__name__, "VEXORCTL", "CHECK_IN")

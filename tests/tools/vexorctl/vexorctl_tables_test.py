@@ -291,6 +291,7 @@ class Screens(WideCase):
             path = self.root / "story"
             path.write_text(step + "\n")
             self.machine.hxsimctl("scenario", "run", path)
+        self.collect()
 
     def printed(self, document):
         """The document with what the commands print now."""

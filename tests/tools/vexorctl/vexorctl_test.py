@@ -815,8 +815,9 @@ def transcript(text):
 
 class Times:
     """Takes times out of a text and keeps the seconds since the first one: when a page was written
-    does not matter, what lies between two times does."""
+    does not matter, what lies between two times does, and so do durations."""
 
+    DURATION = re.compile(r"(?<= for )(?:(\d+)h)?(?:(\d+)m)?(\d+)s\b")
     FORM = re.compile(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d(?:Z|[+-]\d\d:\d\d)")
 
     def __init__(self):
@@ -828,7 +829,11 @@ class Times:
                  for time in self.FORM.findall(text)]
         if times and self.first is None:
             self.first = times[0]
-        return self.FORM.sub("<time>", text), [(t - self.first).total_seconds() for t in times]
+        seconds = [(t - self.first).total_seconds() for t in times]
+        for parts in self.DURATION.findall(text):
+            hours, minutes, rest = (int(part or 0) for part in parts)
+            seconds.append(3600 * hours + 60 * minutes + rest)
+        return self.DURATION.sub("<duration>", self.FORM.sub("<time>", text)), seconds
 
 
 class Manual(VexorctlTest):

@@ -132,9 +132,10 @@ StoredEvent MakeEvent(std::uint64_t sequence, Record<fields::Event> record, bool
             event.values.push_back(value);
         }
     }
-    if (const auto facts = FactsOf(record)) {
-        event.object = ObjectOf(*facts, is_own);
-        if (is_own) event.sentence = hxcodes::SentenceOf(*facts);
+    event.facts = FactsOf(record);
+    if (event.facts) {
+        event.object = ObjectOf(*event.facts, is_own);
+        if (is_own) event.sentence = hxcodes::SentenceOf(*event.facts);
     }
     event.record = std::move(record);
     return event;

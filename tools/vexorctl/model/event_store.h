@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "codes/event_sentence.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/library_record.h"
@@ -18,6 +19,7 @@ struct StoredEvent {
     std::string key;                    // "EVT_CODE_LD_CREATE"; empty for an event without a text
     std::vector<std::string> values;    // of its line, behind the severity
     std::optional<std::string> object;  // its address
+    std::optional<hxcodes::EventFacts> facts{};  // null where a field of them is unknown
     std::optional<std::string> sentence{};  // that its parameters make, of a controller of ours
 
     bool has_text = false;  // the library's line was there

@@ -20,6 +20,7 @@ std::span<const NounRow> Nouns() {
         {"config", "Versions and the library's configuration", config_noun::Commands()},
         {"check", "Health, for monitoring", check_noun::Commands()},
         {"risk", "What the virtual disks still survive", risk_noun::Commands()},
+        {"timeline", "What lasted, and how long", timeline_noun::Commands()},
         {"call", "Any function of the library", call_noun::Commands()},
         {"xml", "Command texts as they stand", xml_noun::Commands()},
         {"completion", "Completion for bash, zsh and fish", completion_noun::Commands()},

@@ -28,6 +28,7 @@ namespace config_noun { std::span<const CommandRow> Commands(); }
 namespace overview_noun { std::span<const CommandRow> Commands(); }
 namespace check_noun { std::span<const CommandRow> Commands(); }
 namespace risk_noun { std::span<const CommandRow> Commands(); }
+namespace timeline_noun { std::span<const CommandRow> Commands(); }
 namespace call_noun { std::span<const CommandRow> Commands(); }
 namespace xml_noun { std::span<const CommandRow> Commands(); }
 namespace completion_noun { std::span<const CommandRow> Commands(); }
