@@ -554,8 +554,8 @@ EXIT_CODES = (
     "  2  wrong usage, or a file that cannot be read\n"
     "  3  no such object\n"
     "  4  not permitted\n"
-    "  5  the library, the controller, the configuration, the event store or standard output "
-    "cannot be used\n"
+    "  5  the library, the controller, the configuration, the event store or\n"
+    "     standard output cannot be used\n"
     "  6  the command was declined or malformed, or its result did not fit\n"
     "  7  the wait timed out and the work goes on, or the work is paused\n"
     "  8  not confirmed, or something changed between look and act\n"
@@ -572,6 +572,16 @@ class Usage(VexorctlTest):
                 self.assertIn("Usage:", run.out)
                 self.assertTrue(run.out.endswith(EXIT_CODES), run.out)
                 self.assertEqual((run.code, run.err), (0, ""))
+
+    def test_help_of_check_and_risk_tells_their_own_exit_codes(self):
+        run = self.vexorctl("check", "--help")
+        self.assertTrue(run.out.endswith(
+            "Exit codes:\n  0  OK\n  1  WARNING\n  2  CRITICAL\n"
+            "  3  UNKNOWN, also for wrong usage and for what cannot be used: library,\n"
+            "     configuration, controller\n"), run.out)
+        run = self.vexorctl("risk", "--help")
+        self.assertTrue(run.out.endswith(
+            EXIT_CODES + "  9  the next failure of a disk may lose data\n"), run.out)
 
     def test_version_prints_one_line(self):
         self.expect(self.vexorctl("--version"), 0, f"vexorctl {VERSION}\n", "")

@@ -39,24 +39,6 @@ constexpr Entry kFiles[] = {
     {"/run/vexorctl.lock", "Held while something is changed: one vexorctl acts at a time."},
 };
 
-// A noun's own exit codes, beside those of all nouns or, where they are all, instead of them.
-struct OwnExit {
-    std::string_view noun;
-    std::string_view code;
-    std::string_view meaning;
-    bool are_all;
-};
-constexpr OwnExit kOwnExits[] = {
-    {"check", "0", "OK", true},
-    {"check", "1", "WARNING", true},
-    {"check", "2", "CRITICAL", true},
-    {"check", "3",
-     "UNKNOWN, also for wrong usage and for what cannot be used: library, configuration, "
-     "controller",
-     true},
-    {"risk", "9", "the next failure of a disk may lose data", false},
-};
-
 // ---- mdoc ----
 
 bool EndsSentence(std::string_view word) {
@@ -173,16 +155,9 @@ std::string Synopsis(const CommandRow& command) {
 std::string Closing(std::string_view noun, const std::string& examples) {
     std::string out = ".Sh ENVIRONMENT\n" + Entries("Ev", kEnvironment) + ".Sh FILES\n" +
                       Entries("Pa", kFiles) + ".Sh EXIT STATUS\n.Bl -tag -width Ds -compact\n";
-    const auto add = [&](std::string_view code, std::string_view meaning) {
-        out.append(".It ").append(code).append("\n") += Prose(std::string(meaning) + ".");
-    };
-    const bool replaced = std::ranges::any_of(
-        kOwnExits, [&](const OwnExit& own) { return own.noun == noun && own.are_all; });
-    for (const ExitMeaning& row : kExitMeanings) {
-        if (!replaced) add(std::to_string(CodeOf(row.exit)), row.meaning);
-    }
-    for (const OwnExit& own : kOwnExits) {
-        if (own.noun == noun) add(own.code, own.meaning);
+    for (const ExitMeaning& row : ExitsOf(noun)) {
+        out.append(".It ").append(std::to_string(CodeOf(row.exit))).append("\n");
+        out += Prose(std::string(row.meaning) + ".");
     }
     return out + ".El\n.Sh EXAMPLES\n" + Literal(examples);
 }

@@ -1,7 +1,9 @@
-// What vexorctl's exit codes say. Every command but `check` ends with one of these.
+// What vexorctl's exit codes say.
 #pragma once
 
-#include <string>
+#include <iterator>
+#include <string_view>
+#include <vector>
 
 #include "common/exit_code.h"
 
@@ -27,6 +29,34 @@ inline constexpr ExitMeaning kExitMeanings[] = {
     {Exit::kInterrupted, "interrupted"},
 };
 
-inline std::string ExitCodeHelp() { return vexortools::ExitCodeHelp(kExitMeanings) + "\n"; }
+/// A noun's own exit codes: beside those of all commands or, where they are all, instead of them.
+struct OwnExit {
+    std::string_view noun;
+    ExitMeaning row;
+    bool are_all;
+};
+inline constexpr OwnExit kOwnExits[] = {
+    {"check", {static_cast<Exit>(0), "OK"}, true},
+    {"check", {static_cast<Exit>(1), "WARNING"}, true},
+    {"check", {static_cast<Exit>(2), "CRITICAL"}, true},
+    {"check",
+     {static_cast<Exit>(3),
+      "UNKNOWN, also for wrong usage and for what cannot be used: library, configuration, "
+      "controller"},
+     true},
+    {"risk", {static_cast<Exit>(9), "the next failure of a disk may lose data"}, false},
+};
+
+/// The exit codes with which the commands of a noun may end; an empty noun: those of all commands.
+inline std::vector<ExitMeaning> ExitsOf(std::string_view noun) {
+    std::vector<ExitMeaning> rows(std::begin(kExitMeanings), std::end(kExitMeanings));
+    for (const OwnExit& own : kOwnExits) {
+        if (own.noun == noun && own.are_all) rows.clear();
+    }
+    for (const OwnExit& own : kOwnExits) {
+        if (own.noun == noun) rows.push_back(own.row);
+    }
+    return rows;
+}
 
 }  // namespace vexorctl

@@ -53,6 +53,15 @@ std::string OptionHelp(const OptionRow& option) {
     return text;
 }
 
+std::string ExitCodes(std::string_view noun) {
+    std::string out = "Exit codes:\n";
+    for (const ExitMeaning& row : ExitsOf(noun)) {
+        const std::string code = std::to_string(CodeOf(row.exit));
+        AppendRow(out, code, row.meaning, code.size());
+    }
+    return out;
+}
+
 constexpr std::string_view kSeeAlso =
     "Objects are called a0, a0/pd12, a0/vd1, a0/dg2, a0/enc0, a0/enc0/el3, name:NAME or "
     "serial:NUMBER.";
@@ -97,7 +106,7 @@ std::string ProgramHelp(std::span<const NounRow> nouns) {
         "\n\"vexorctl NOUN --help\" lists the verbs of a noun, \"vexorctl NOUN VERB --help\" "
         "tells\n"
         "all about one of them. \"vexorctl --version\" prints the version.\n\n";
-    return out + ExitCodeHelp();
+    return out + ExitCodes("");
 }
 
 std::string NounHelp(const NounRow& noun) {
@@ -119,7 +128,7 @@ std::string NounHelp(const NounRow& noun) {
             ++shown;
         }
     }
-    return out + "\n" + ExitCodeHelp();
+    return out + "\n" + ExitCodes(noun.name);
 }
 
 std::string CommandHelp(const CommandRow& command) {
@@ -149,7 +158,7 @@ std::string CommandHelp(const CommandRow& command) {
     for (const std::string_view example : command.examples) {
         out.append("  ").append(example).append("\n");
     }
-    return out + "\n" + ExitCodeHelp();
+    return out + "\n" + ExitCodes(command.noun);
 }
 
 std::string HelpFor(std::span<const NounRow> nouns, const std::vector<std::string>& words) {
