@@ -8,6 +8,7 @@
 
 #include "heap_block.h"
 #include "xml_rapi_paging.h"
+#include "xml_rapi_quick_levels.h"
 
 namespace {
 
@@ -16,12 +17,6 @@ constexpr HX_U8 kDiskInUse = 73;
 constexpr HX_U8 kDiskHasOS = 159;
 
 constexpr HX_U16 kNoVirtualDisk = 255;  // LDID of a free block
-
-// Bits of a disk's Status, each of which keeps it from being used for a new virtual disk.
-constexpr HX_U8 kNotFree = 0x04 | 0x08 | 0x40 | 0x80;
-
-constexpr HX_U8 kPlainLevel = 0x00;
-constexpr HX_U8 kRaid60 = 0x60;
 
 constexpr char kQuickName[] = "NEW_VD";
 static_assert(sizeof kQuickName <= HX_NAME_SIZE);
@@ -85,32 +80,6 @@ HX_U8 LookAtDisk(HX_U8 adapter, HX_U16 disk, HX_U32& pages, HX_U32 kept) {
     return status;
 }
 
-struct RaidLevel {
-    HX_U16 bit;  // of LogicalDriverMode: the adapter offers the level
-    RaidSupport support;
-};
-
-// The best level first. RAID 1 takes the first two disks and leaves the others; RAID 6 is offered
-// from three disks on.
-constexpr RaidLevel kRaidLevels[] = {
-    // bit, {raidmode, minhdcount, isEvenNum, isOddNum, isExactNum}
-    {0x0100, {kRaid60, 6, 1, 0, 0}},      // RAID 60
-    {0x0040, {0x50, 6, 1, 0, 0}},         // RAID 50
-    {0x0004, {0x10, 4, 1, 0, 0}},         // RAID 10
-    {0x0020, {0x06, 3, 0, 0, 0}},         // RAID 6
-    {0x0008, {0x11, 3, 0, 1, 0}},         // the level of odd numbers
-    {0x0010, {0x05, 3, 0, 0, 0}},         // RAID 5
-    {0x0002, {0x01, 2, 0, 0, 1}},         // RAID 1
-    {0x0001, {kPlainLevel, 1, 0, 0, 0}},  // RAID 0
-};
-
-bool CanBeMadeOf(const RaidSupport& level, HX_U8 disks) {
-    if (disks < level.minhdcount) return false;
-    if (level.isExactNum) return true;
-    const bool odd = disks % 2 != 0;
-    return !(level.isEvenNum && odd) && !(level.isOddNum && !odd);
-}
-
 }  // namespace
 
 HX_U8 HDisFreeDiskForSkua(HX_U8 AdapterID, HX_U16 DiskID) {
@@ -123,14 +92,8 @@ HX_U8 GetRaidMode(HX_U8 AdapterID, HX_BOOLEAN type, Create_LD_Param* ldParams) {
     Adapter_Info info{};
     // An adapter that fails offers no level.
     static_cast<void>(HX_Adapter_GetInfo(AdapterID, &count, &info));
-    if (!type || ldParams->HDCount < 2) return kPlainLevel;
-    for (const auto& [bit, support] : kRaidLevels) {
-        if ((info.LogicalDriverMode & bit) == 0) continue;
-        if (!CanBeMadeOf(support, ldParams->HDCount)) continue;
-        if (support.isExactNum) ldParams->HDCount = support.minhdcount;
-        return support.raidmode;
-    }
-    return kPlainLevel;
+    if (!type || ldParams->HDCount < 2) return kQuickPlainLevel;
+    return QuickLevel(info.LogicalDriverMode, ldParams->HDCount);
 }
 
 HX_U8 HX_LD_QuickCreate(HX_U8 AdapterID, HX_BOOLEAN type) {
@@ -149,7 +112,7 @@ HX_U8 HX_LD_QuickCreate(HX_U8 AdapterID, HX_BOOLEAN type) {
     auto disks_left = static_cast<HX_U32>(disks->Returned().size());
     for (const HD_RAID_Status& disk : disks->Returned()) {
         --disks_left;
-        if ((disk.Status & kNotFree) != 0) continue;
+        if ((disk.Status & kQuickNotFree) != 0) continue;
         // Reserves one page for each remaining disk, so that no disk is used without reading its
         // blocks.
         if (LookAtDisk(AdapterID, disk.HDID, pages, disks_left) != HX_SUCCESS) continue;
@@ -158,6 +121,6 @@ HX_U8 HX_LD_QuickCreate(HX_U8 AdapterID, HX_BOOLEAN type) {
     param.RaidMode = GetRaidMode(AdapterID, type, &param);
     // Not the number of parity disks of the level: the controller expects 2 for every level but
     // RAID 60.
-    param.NumParityDisk = param.RaidMode == kRaid60 ? 4 : 2;
+    param.NumParityDisk = param.RaidMode == kQuickRaid60 ? 4 : 2;
     return HX_LD_Create(AdapterID, &param);
 }

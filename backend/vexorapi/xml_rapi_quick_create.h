@@ -13,15 +13,6 @@
 /// An endless list counts as ended after 65536 pages.
 HX_U8 HDisFreeDiskForSkua(HX_U8 AdapterID, HX_U16 DiskID);
 
-/// A RAID level and the number of disks that it needs.
-struct RaidSupport {
-    HX_U8 raidmode;    // level code of the controller
-    HX_U8 minhdcount;  // the fewest disks that it takes
-    HX_BOOLEAN isEvenNum;
-    HX_BOOLEAN isOddNum;
-    HX_BOOLEAN isExactNum;  // never more than minhdcount
-};
-
 /// Chooses the level for a virtual disk of HDCount disks: 0 when `type` is false or they suffice
 /// for no better level, otherwise the best level that the adapter offers. A level with a fixed
 /// number of disks reduces HDCount to that number.

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "codes/stripes.h"
 #include "hxraid.h"
 #include "model/hxsim_codes.h"
 
@@ -15,21 +16,14 @@ constexpr std::uint64_t SectorsOfStripe(HX_U16 kib) { return std::uint64_t{2} * 
 /// Precondition: the level can be made of so many disks.
 constexpr std::uint64_t DataSectors(Level level, unsigned disks, unsigned legs, HX_U16 stripe_kib,
                                     std::uint64_t block) {
-    const LevelRow& row = RowOf(level);
-    const std::uint64_t stripe = SectorsOfStripe(stripe_kib);
-    const unsigned data_disks = disks - ParityDisks(row, legs);  // copies included
-    return data_disks * (block / stripe) / row.copies * stripe;
+    return hxcodes::DataSectors(RowOf(level), disks, legs, SectorsOfStripe(stripe_kib), block);
 }
 
 /// Sectors that each disk provides for so much data: the fewest whole stripes for which DataSectors
 /// returns at least `data`. Precondition: the disks can hold the data.
 constexpr std::uint64_t BlockSectors(Level level, unsigned disks, unsigned legs, HX_U16 stripe_kib,
                                      std::uint64_t data) {
-    const LevelRow& row = RowOf(level);
-    const std::uint64_t stripe = SectorsOfStripe(stripe_kib);
-    const unsigned data_disks = disks - ParityDisks(row, legs);
-    const std::uint64_t stripes = data / stripe + (data % stripe != 0);
-    return (stripes * row.copies + data_disks - 1) / data_disks * stripe;
+    return hxcodes::BlockSectors(RowOf(level), disks, legs, SectorsOfStripe(stripe_kib), data);
 }
 
 }  // namespace hxsim

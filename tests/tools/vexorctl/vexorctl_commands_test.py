@@ -387,12 +387,16 @@ class Examples(VexorctlCase):
             examples = re.findall(r"^  (vexorctl .*)$",
                                   text.split("\nExamples:\n")[1].split("\n\n")[0], re.MULTILINE)
             self.assertEqual(len(examples), 2, (noun, verb))
+            if noun == "apply":
+                self.run_words("adapter", "mute", "a0", "--plan", "plan.json")
             for example in examples:
                 with self.subTest(example=example):
                     run = subprocess.run(["sh", "-c", example], cwd=self.root, text=True,
                                          env=self.environment, stdin=subprocess.DEVNULL,
                                          capture_output=True, timeout=60, check=False)
-                    self.assertEqual((run.stderr, run.returncode), ("", 0))
+                    # A plan that would be refused says so.
+                    is_refused = "--dry-run" in example and "would be refused: " in run.stdout
+                    self.assertEqual((run.stderr, run.returncode), ("", 1 if is_refused else 0))
                     count += 1
         self.assertGreater(count, 100)
 

@@ -559,6 +559,7 @@ EXIT_CODES = (
     "  6  the command was declined or malformed, or its result did not fit\n"
     "  7  the wait timed out and the work goes on, or the work is paused\n"
     "  8  not confirmed, or something changed between look and act\n"
+    "  10  events were lost before event follow could show them\n"
     "  130  interrupted\n"
 )
 
@@ -590,8 +591,8 @@ class Usage(VexorctlTest):
         self.write("command", VERSION_COMMAND)
         for arguments, complaint in (
             (["xlm"], 'there is no "xlm"; say one of overview, adapter, enclosure, disk, vd, dg, '
-                      "task, battery, flash, event, user, counters, config, check, risk, call, "
-                      f'xml, completion, help, version; did you mean "xml"?{SEE_HELP}'),
+                      "task, battery, flash, event, user, counters, config, apply, check, risk, "
+                      f'call, xml, completion, help, version; did you mean "xml"?{SEE_HELP}'),
             (["--verbose"], f"there is no option --verbose{SEE_HELP}"),
             (["xml", "command", "-x"],
              "The following argument was not expected: -x (see vexorctl xml --help)\n"),

@@ -37,6 +37,8 @@ public:
     const hxcodes::CodeTable& table() const { return *table_; }
     /// Whether the controller's own codes are known, all or some.
     bool AreKnown() const { return are_known_; }
+    /// Whether the controller is one of ours, whose rules are known beside its codes.
+    bool AreOurs() const { return are_known_ && file_ == nullptr; }
 
     /// The name of a refusal; empty when it has none.
     std::string_view NameOfRefusal(std::uint64_t status) const;

@@ -483,6 +483,27 @@ void TakeEnclosures(const MachineLook& look, const Meaning& meaning, hxc::Answer
     }
 }
 
+// Adapters, disks, virtual disks and disk groups.
+void LookAtArrays(Controller& controller, const Meaning& meaning, MachineLook& look) {
+    hxc::Answers& answers = look.answers;
+    answers.machine.result = Query::Result::kRead;
+    for (const unsigned number : controller.Selected()) {
+        hxc::Adapter& adapter = answers.adapters.emplace_back();
+        adapter.number = number;
+        for (const FunctionQuery& each : kQueries) {
+            (adapter.*each.query).result = Query::Result::kRead;
+        }
+    }
+    look.adapters = LoadAdapters(controller);
+    TakeAdapters(look.adapters, answers);
+    look.disks = LoadDisks(controller);
+    TakeDisks(look.disks, meaning, answers);
+    look.virtual_disks = LoadVirtualDisks(controller);
+    TakeVirtualDisks(controller, look.virtual_disks, meaning, answers);
+    look.groups = LoadDiskGroups(controller);
+    TakeDiskGroups(look.groups, meaning, answers);
+}
+
 }  // namespace
 
 hxc::Answers UnreachableHealth(Exit exit, const std::string& reason) {
@@ -493,27 +514,22 @@ hxc::Answers UnreachableHealth(Exit exit, const std::string& reason) {
     return answers;
 }
 
+hxc::Answers LoadArrays(Controller& controller) {
+    const std::size_t faults = controller.faults().size();
+    const Exit exit = controller.exit();
+    MachineLook look;
+    LookAtArrays(controller, Meaning(controller.codes().table()), look);
+    TakeFaults(look.answers, controller);
+    controller.TakeBack(faults, exit);
+    return std::move(look.answers);
+}
+
 MachineLook LookAtMachine(Controller& controller) {
     MachineLook look;
     hxc::Answers& answers = look.answers;
     controller.AcceptAbsences();
-    answers.machine.result = Query::Result::kRead;
-    for (const unsigned number : controller.Selected()) {
-        hxc::Adapter& adapter = answers.adapters.emplace_back();
-        adapter.number = number;
-        for (const FunctionQuery& each : kQueries) {
-            (adapter.*each.query).result = Query::Result::kRead;
-        }
-    }
     const Meaning meaning(controller.codes().table());
-    look.adapters = LoadAdapters(controller);
-    TakeAdapters(look.adapters, answers);
-    look.disks = LoadDisks(controller);
-    TakeDisks(look.disks, meaning, answers);
-    look.virtual_disks = LoadVirtualDisks(controller);
-    TakeVirtualDisks(controller, look.virtual_disks, meaning, answers);
-    look.groups = LoadDiskGroups(controller);
-    TakeDiskGroups(look.groups, meaning, answers);
+    LookAtArrays(controller, meaning, look);
     look.batteries = LoadBatteries(controller);
     TakeBatteries(controller, look.batteries, meaning, answers);
     look.enclosures = LoadEnclosures(controller);

@@ -52,6 +52,10 @@ MachineLook LookAtMachine(Controller& controller);
 /// says.
 hxconditions::Answers LoadHealth(Controller& controller);
 
+/// The same of adapters, disks, virtual disks and disk groups alone. What cannot be read is told in
+/// the queries and noted as no fault.
+hxconditions::Answers LoadArrays(Controller& controller);
+
 /// Adds how many sectors each disk has remapped, which takes a question for each. What is not
 /// answered stays unknown.
 void TakeRemapped(Controller& controller, hxconditions::Answers& answers);

@@ -41,6 +41,9 @@ std::string NameFault(std::string_view name, NameMarkup markup) {
         return "holds \"<\" or \"&\", which the library's results cannot carry in the name of a "
                "disk group";
     }
+    if (name.starts_with(' ') || name.ends_with(' ')) {
+        return "begins or ends with a blank, which the library drops";
+    }
     if (name.size() > kMaxName) {
         return "has " + std::to_string(name.size()) + " bytes; a name has at most " +
                std::to_string(kMaxName);

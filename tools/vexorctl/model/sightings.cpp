@@ -20,6 +20,23 @@ const Sighting* Find(const std::map<std::string, Sighting>& sightings, const std
     return found == sightings.end() ? nullptr : &found->second;
 }
 
+// Both have the same facts in the same order.
+std::string DifferenceOf(const std::string& object, const Sighting& then, const Sighting& now) {
+    std::string text;
+    for (std::size_t i = 0; i < then.facts.size(); ++i) {
+        const Fact& was = then.facts[i];
+        const Fact& is = now.facts[i];
+        if (was.text == is.text) continue;
+        text.append(text.empty() ? object + ": its " : ", its ").append(was.label);
+        if (was.is_shown) {
+            text.append(" was ").append(was.text).append(" and is ").append(is.text);
+        } else {
+            text.append(" have changed");
+        }
+    }
+    return text;
+}
+
 }  // namespace
 
 Fact TextFact(std::string_view label, const std::optional<std::string>& text) {
@@ -70,19 +87,13 @@ std::string Sightings::Difference(const std::string& object) const {
     const Sighting* const now = again_ ? Find(*again_, object) : nullptr;
     if (now == nullptr) return object + " is not there any more";
     if (then == nullptr) return object + " has come";
-    std::string text;
-    for (std::size_t i = 0; i < then->facts.size(); ++i) {
-        const Fact& was = then->facts[i];
-        const Fact& is = now->facts[i];
-        if (was.text == is.text) continue;
-        text.append(text.empty() ? object + ": its " : ", its ").append(was.label);
-        if (was.is_shown) {
-            text.append(" was ").append(was.text).append(" and is ").append(is.text);
-        } else {
-            text.append(" have changed");
-        }
-    }
-    return text;
+    return DifferenceOf(object, *then, *now);
+}
+
+std::string Sightings::DifferenceFrom(const std::string& object, const Sighting& before) const {
+    const Sighting* const now = First(object);
+    if (now == nullptr) return object + " is not there any more";
+    return DifferenceOf(object, before, *now);
 }
 
 std::set<std::string> Sightings::Objects(std::string_view prefix) const {

@@ -54,6 +54,9 @@ public:
     /// was data1 and is data2"; empty when it does not.
     std::string Difference(const std::string& object) const;
 
+    /// The same of the first look and one that was made before it.
+    std::string DifferenceFrom(const std::string& object, const Sighting& before) const;
+
     /// The objects that either look saw and whose names begin so.
     std::set<std::string> Objects(std::string_view prefix) const;
 

@@ -170,6 +170,12 @@ std::string Ids(std::span<const Disk> disks) {
     return ids;
 }
 
+std::vector<unsigned> IdsOf(std::span<const Disk> disks) {
+    std::vector<unsigned> ids;
+    for (const Disk& disk : disks) ids.push_back(disk.address.id);
+    return ids;
+}
+
 std::vector<Disk> PickDisks(Invocation& invocation, std::size_t count, const SizeWish& size,
                             const RoomOfDisks& room) {
     // The caller refuses --disks 0.

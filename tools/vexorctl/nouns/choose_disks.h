@@ -29,6 +29,9 @@ std::vector<Disk> NamedDisks(Invocation& invocation, std::span<const std::string
 /// Their numbers, as lists of the library have them.
 std::string Ids(std::span<const Disk> disks);
 
+/// The same as numbers.
+std::vector<unsigned> IdsOf(std::span<const Disk> disks);
+
 /// What the disks give together, in sectors; null when the controller refuses to say.
 using RoomOfDisks = std::function<std::optional<std::uint64_t>(std::span<const Disk>)>;
 

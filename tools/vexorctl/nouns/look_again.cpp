@@ -47,6 +47,10 @@ std::vector<unsigned> NumbersIn(const std::string& text) {
 
 }  // namespace
 
+Outdated::Outdated(const std::string& differences)
+    : Failure(Exit::kNotConfirmed,
+              "not what the plan was made for: " + differences + "; nothing was done") {}
+
 SecondLook::SecondLook(Controller& controller, const Change& change)
     : controller_(controller), change_(change) {
     for (const Command& command : change_.commands) WantTargetsOf(command);
@@ -62,6 +66,7 @@ SecondLook::SecondLook(Controller& controller, const Change& change)
     const std::size_t named = objects_.size();
     WantRelated();
     if (objects_.size() > named && !std::ranges::all_of(objects_, is_seen)) Load();
+    if (change_.takes_every_disk) WantEveryDisk();
 }
 
 void SecondLook::Want(const Address& address) {
@@ -100,6 +105,13 @@ void SecondLook::WantRelated() {
     }
 }
 
+void SecondLook::WantEveryDisk() {
+    for (const unsigned adapter : adapters_) {
+        const std::string disks = "a" + std::to_string(adapter) + "/pd";
+        objects_.merge(controller_.sightings()->Objects(disks));
+    }
+}
+
 // What cannot be read shows as a difference, or as an object that is not there.
 void SecondLook::Load() {
     if (change_.look_beside) change_.look_beside();
@@ -123,17 +135,12 @@ void SecondLook::Check() {
     const auto add = [&](const std::string& difference) {
         if (!difference.empty()) differences += difference + "; ";
     };
-    if (change_.takes_every_disk) {
-        for (const unsigned adapter : adapters_) {
-            const std::string disks = "a" + std::to_string(adapter) + "/pd";
-            for (const std::string& disk : sightings.Objects(disks)) objects_.insert(disk);
-        }
-    }
+    // Those that have come since.
+    if (change_.takes_every_disk) WantEveryDisk();
     for (const std::string& object : objects_) add(sightings.Difference(object));
     if (differences.empty()) return;
     if (unread) add(unread->address + ": " + unread->message);
-    throw Outdated(Exit::kNotConfirmed,
-                   "not what the plan was made for: " + differences + "nothing was done");
+    throw Outdated(differences.substr(0, differences.size() - 2));
 }
 
 }  // namespace vexorctl

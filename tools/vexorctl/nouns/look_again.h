@@ -15,6 +15,8 @@ namespace vexorctl {
 /// Something has changed between look and act; nothing was done.
 struct Outdated : Failure {
     using Failure::Failure;
+    /// "not what the plan was made for: DIFFERENCES; nothing was done"
+    explicit Outdated(const std::string& differences);
 };
 
 /// What a change is about, found in its commands: every object whose number one of them carries,
@@ -25,6 +27,9 @@ public:
     /// What has not been read while the plan was made is read now. The change outlives it.
     SecondLook(Controller& controller, const Change& change);
 
+    /// Their names, as sightings have them.
+    const std::set<std::string>& objects() const { return objects_; }
+
     /// Reads all of them again. Throws Outdated, which names the differences.
     void Check();
 
@@ -32,6 +37,7 @@ private:
     void Want(const Address& address);
     void WantTargetsOf(const Command& command);
     void WantRelated();
+    void WantEveryDisk();
     void Load();
 
     Controller& controller_;

@@ -6,6 +6,7 @@
 #include "codes/level.h"
 #include "common/address.h"
 #include "common/size.h"
+#include "conditions/hxc_answers.h"
 #include "hxraid.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
@@ -19,6 +20,7 @@
 #include "nouns/choose_disks.h"
 #include "nouns/creation_options.h"
 #include "nouns/find_object.h"
+#include "nouns/foresee.h"
 #include "nouns/nouns.h"
 #include "nouns/plan_and_act.h"
 #include "output/cell.h"
@@ -33,6 +35,7 @@ namespace vexorctl::dg_noun {
 
 namespace {
 
+namespace hxc = hxconditions;
 using fields::DG_Config;
 using fields::DG_Info;
 using hxcodes::CodeTable;
@@ -131,6 +134,17 @@ Change ChangeOf(const DiskGroup& group, const std::string& what, Command command
             .size_bytes = {}};
 }
 
+// All virtual disks on the group get that level and these disks.
+Alteration LayOutOn(const DiskGroup& group, std::uint64_t level, std::uint64_t legs,
+                    std::span<const Disk> disks) {
+    return [id = group.address.id, level, legs, ids = IdsOf(disks)](hxc::Adapter& adapter) {
+        for (hxc::VirtualDisk& each : adapter.virtual_disks) {
+            if (each.group != id) continue;
+            LayOut(each, static_cast<unsigned>(level), static_cast<unsigned>(legs), ids);
+        }
+    };
+}
+
 // The parameters that the request for a new disk group shares with the question for its size.
 template <class Function>
 void AddCreation(Request<Function>& request, const Invocation& invocation,
@@ -176,6 +190,11 @@ Exit CreateDiskGroup(Invocation& invocation) {
         .size_bytes = kSectorBytes * *size,
         .created = &AddressesOf<&LoadDiskGroups>};
     AddDisks(change, disks, name);
+    const auto legs = static_cast<unsigned>(invocation.Number("--legs", 255).value_or(0));
+    change.alters = [&, legs](hxc::Adapter& altered) {
+        AddVirtualDisk(altered, "a virtual disk on it", hxcodes::NumberOf(level.code), legs,
+                       IdsOf(disks));
+    };
     return CarryOut(invocation, change);
 }
 
@@ -201,6 +220,13 @@ Exit DeleteDiskGroup(Invocation& invocation) {
         "its disks: " +
         (disks ? Joined(AddressTexts(group.address.adapter, ObjectKind::kDisk, *disks), ", ")
                : std::string("not known")));
+    const auto spares = SparesOf(group.info.view());
+    if (!spares) change.losses.emplace_back("its spares: not known");
+    if (spares && !spares->empty()) {
+        change.losses.push_back(
+            "spares of nothing afterwards: " +
+            Joined(AddressTexts(group.address.adapter, ObjectKind::kDisk, *spares), ", "));
+    }
     return CarryOut(invocation, change);
 }
 
@@ -224,7 +250,50 @@ Exit SetDiskGroup(Invocation& invocation) {
         {Function::WriteCacheOn,
          write_cache ? *write_cache : Kept(group.config, DG_Config::WriteCacheOn, group.address)});
     request.Add({Function::Name, NameOrKept(invocation, group)});
-    return CarryOut(invocation, ChangeOf(group, "Set", std::move(request)));
+    Change change = ChangeOf(group, "Set", std::move(request));
+    if (const std::string* const name = invocation.Get("--name")) {
+        change.losses.push_back("name: " + Shown(group.info[DG_Info::Name]) + " -> " + *name);
+    }
+    if (const std::string* const cache = invocation.Get("--write-cache")) {
+        const auto now = group.config[DG_Config::WriteCacheOn];
+        change.losses.push_back(std::string("write cache: ") +
+                                (!now        ? "?"
+                                 : *now != 0 ? "on"
+                                             : "off") +
+                                " -> " + *cache);
+    }
+    return CarryOut(invocation, change);
+}
+
+// What virtual disks can take of the group afterwards, as the controller computes it; or that it
+// refuses.
+void TellSpace(Invocation& invocation, const DiskGroup& group, std::uint64_t level,
+               std::uint64_t legs, std::uint64_t parity, std::span<const Disk> disks,
+               Change& change) {
+    using Look = calls::HX_DG_GetSizeOnly;
+    Controller& controller = invocation.controller();
+    const auto answer = controller.Ask(
+        Request<Look>{{Look::AdapterID, group.address.adapter},
+                      {Look::DGID, group.address.id},
+                      {Look::Name, group.info[DG_Info::Name].value_or("")},
+                      {Look::RaidMode, level},
+                      {Look::SubVDCount, legs},
+                      {Look::NumParityDisk, parity},
+                      {Look::StripeBlockSize, group.info[DG_Info::StripeBlockSize].value_or(0)},
+                      {Look::Size, 0},
+                      {Look::BlockSize, group.info[DG_Info::BlockSize].value_or(kSectorBytes)},
+                      {Look::InitializationOption, 0},
+                      {Look::PDCount, disks.size()},
+                      {Look::PDIDs, Ids(disks)}});
+    const auto size =
+        answer[Look::Result::CreateOrModify_DG_Param][fields::CreateOrModify_DG_Param::Size];
+    if (answer.exit == Exit::kRefused) {
+        change.refusals.push_back(ReasonOf(answer));
+    } else if (answer.exit == Exit::kDone && size) {
+        change.size_bytes = kSectorBytes * *size;
+    } else {
+        change.losses.emplace_back("the resulting size is not known");
+    }
 }
 
 // Adds the disks to those that the group has.
@@ -254,6 +323,12 @@ Exit ModifyDiskGroup(Invocation& invocation) {
     change.confirm = ConfirmName(group);
     change.starts_task = true;
     AddDisks(change, disks, ConfirmName(group));
+    if (!typed.empty()) {
+        const std::uint64_t level = kept(DG_Info::RaidMode);
+        const std::uint64_t legs = kept(DG_Info::SubVDCount);
+        change.alters = LayOutOn(group, level, legs, disks);
+        TellSpace(invocation, group, level, legs, kept(DG_Info::NumParityDisk), disks, change);
+    }
     return CarryOut(invocation, change);
 }
 
@@ -274,6 +349,11 @@ Exit MigrateDiskGroup(Invocation& invocation) {
     change.confirm = ConfirmName(group);
     change.starts_task = true;
     AddDisks(change, disks, ConfirmName(group));
+    const std::uint64_t code = hxcodes::NumberOf(level.code);
+    const std::uint64_t legs =
+        group.info[DG_Info::RaidMode] == code ? group.info[DG_Info::SubVDCount].value_or(0) : 0;
+    change.alters = LayOutOn(group, code, legs, disks);
+    TellSpace(invocation, group, code, legs, hxcodes::ParityDisks(level, 0), disks, change);
     return CarryOut(invocation, change);
 }
 
@@ -334,6 +414,10 @@ constexpr CommandRow kCommands[] = {
                   "vexorctl dg create a0/pd11 a0/pd12 --raid 1 --dry-run"},
      .run = CreateDiskGroup,
      .columns = ChangeColumns,
+     .note =
+         "RAID 0 takes 1 disk or more, RAID 1 exactly 2, RAID 1E an odd number from 3, RAID 5 and "
+         "6 take 3 or more, RAID 10 an even number from 4, RAID 50 and 60 legs of 3 or more each, "
+         "all of the same number.",
      .changes = true},
     {.noun = "dg",
      .verb = "delete",
@@ -383,7 +467,8 @@ constexpr CommandRow kCommands[] = {
      .target_name = "DG",
      .options = kMigrateOptions,
      .functions = kNamesOf<calls::HX_DG_StartMigration>,
-     .examples = {"vexorctl dg migrate a0/dg0 --raid 6 --dry-run",
+     .examples = {"vexorctl dg migrate a0/dg0 --raid 6 --to "
+                  "a0/pd0,a0/pd1,a0/pd2,a0/pd3,a0/pd11 --dry-run",
                   "vexorctl dg migrate a0/dg0 --raid 5 --to a0/pd0,a0/pd1,a0/pd2,a0/pd3 --dry-run"},
      .run = MigrateDiskGroup,
      .columns = ChangeColumns,

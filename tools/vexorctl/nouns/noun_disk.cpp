@@ -6,6 +6,7 @@
 #include "codes/code_table.h"
 #include "codes/disk.h"
 #include "common/address.h"
+#include "conditions/hxc_answers.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/disks.h"
@@ -14,6 +15,7 @@
 #include "model/library_record.h"
 #include "model/virtual_disks.h"
 #include "nouns/find_object.h"
+#include "nouns/foresee.h"
 #include "nouns/nouns.h"
 #include "nouns/plan_and_act.h"
 #include "output/cell.h"
@@ -28,6 +30,7 @@ namespace vexorctl::disk_noun {
 
 namespace {
 
+namespace hxc = hxconditions;
 using fields::Block_Info;
 using fields::HD_BGA_Status;
 using fields::HD_Config;
@@ -43,6 +46,9 @@ using hxcodes::CodeTable;
 // Stands for no object in the library's lists.
 constexpr std::uint64_t kNoObject = 65535;
 constexpr std::uint64_t kNoVirtualDisk = 255;  // in the records of blocks too
+
+// The state of a spare, of the adapter or of a group, ends so.
+constexpr std::string_view kSpareEnding = "_spare";
 
 Cell AddressCell(const Disk& disk, ObjectKind kind, std::optional<std::uint64_t> id) {
     if (!id) return Unknown();
@@ -259,8 +265,9 @@ Exit ListDisks(Invocation& invocation) {
         std::erase_if(disks, [](const Disk& disk) { return disk.state != kFreeState; });
     }
     if (invocation.Has("--spare")) {
-        std::erase_if(
-            disks, [](const Disk& disk) { return !disk.state.value_or("").ends_with("_spare"); });
+        std::erase_if(disks, [](const Disk& disk) {
+            return !disk.state.value_or("").ends_with(kSpareEnding);
+        });
     }
     return ShowDisks(invocation, std::move(disks), meant);
 }
@@ -448,14 +455,29 @@ Exit LocateDisk(Invocation& invocation) {
          .size_bytes = {}});
 }
 
+// Only where it is known is anything said of what will be refused.
+bool IsKnownNotToBe(const Disk& disk, std::string_view state) {
+    return disk.state && *disk.state != state;
+}
+
 Exit SpareDisk(Invocation& invocation) {
     using OfAdapter = calls::HX_PD_FreeHD2GlobalSpare;
     using OfGroup = calls::HX_PD_FreeHD2DGSpare;
     const std::string* const group = invocation.Get("--dg");
     const Disk disk = FindDisk(invocation);
+    const auto carry_out = [&](Change change, std::optional<unsigned> of) {
+        change.alters = [id = disk.address.id, of](hxc::Adapter& adapter) {
+            MakeSpare(adapter, id, of);
+        };
+        if (IsKnownNotToBe(disk, kFreeState)) {
+            change.refusals.push_back("it is " + *disk.state +
+                                      ", and a spare is made of a free disk");
+        }
+        return CarryOut(invocation, change);
+    };
     if (group == nullptr) {
-        return CarryOut(invocation, ChangeOf(disk, "Make a spare of",
-                                             RequestFor(disk.address, OfAdapter::HD_ID)));
+        return carry_out(
+            ChangeOf(disk, "Make a spare of", RequestFor(disk.address, OfAdapter::HD_ID)), {});
     }
     const Address owner = FindObject(invocation, ObjectKind::kDiskGroup, *group);
     if (owner.adapter != disk.address.adapter) {
@@ -463,15 +485,19 @@ Exit SpareDisk(Invocation& invocation) {
     }
     auto request = RequestFor(disk.address, OfGroup::HD_ID);
     request.Add({OfGroup::DG_ID, owner.id});
-    return CarryOut(invocation,
-                    ChangeOf(disk, "Make a spare of " + owner.Text() + " of", std::move(request)));
+    return carry_out(ChangeOf(disk, "Make a spare of " + owner.Text() + " of", std::move(request)),
+                     owner.id);
 }
 
 Exit UnspareDisk(Invocation& invocation) {
     const Disk disk = FindDisk(invocation);
-    return CarryOut(invocation,
-                    ChangeOf(disk, "Make a spare no more of",
-                             RequestFor(disk.address, calls::HX_PD_Spare2FreeHD::HD_ID)));
+    Change change = ChangeOf(disk, "Make a spare no more of",
+                             RequestFor(disk.address, calls::HX_PD_Spare2FreeHD::HD_ID));
+    change.alters = [id = disk.address.id](hxc::Adapter& adapter) { MakeNoSpare(adapter, id); };
+    if (disk.state && !disk.state->ends_with(kSpareEnding)) {
+        change.refusals.push_back("it is " + *disk.state + " and no spare");
+    }
+    return CarryOut(invocation, change);
 }
 
 Exit WipeDisk(Invocation& invocation) {
@@ -482,16 +508,44 @@ Exit WipeDisk(Invocation& invocation) {
     Change change = ChangeOf(disk, "Wipe the configuration off", std::move(request));
     const Cell owner = OwnerCell(disk);
     if (!owner.text.empty()) {
-        change.losses.push_back("its part of " + owner.text + " will be lost");
+        change.losses.push_back("what it holds of " + owner.text + " will be lost");
+        if (!invocation.Has("--force")) {
+            change.refusals.push_back("it carries blocks of " + owner.text +
+                                      "; --force wipes it all the same");
+        }
     } else if (owner.state == Cell::State::kUnknown) {
         change.losses.emplace_back("which virtual disk it serves is not known");
     }
+    change.alters = [id = disk.address.id](hxc::Adapter& adapter) { EmptyDisk(adapter, id); };
     if (!disk.boot_record)
         change.losses.emplace_back("whether it holds a boot record is not known");
     if (disk.boot_record.value_or(false)) change.losses.emplace_back("it holds a boot record");
     change.losses.emplace_back("what the disk knows of virtual disks and spares will be lost");
     change.confirm = disk.address.Text();
     return CarryOut(invocation, change);
+}
+
+constexpr std::string_view kOnlineName = "online";  // what --state takes
+constexpr std::string_view kFreeName = "free";
+constexpr std::string_view kOfflineState = "offline";
+
+// What a change of the disk's state does, and whether the controller takes it.
+void AddState(Change& change, const Disk& disk, const std::string& state) {
+    const unsigned id = disk.address.id;
+    const bool is_off = disk.state == kOfflineState;
+    if (state == kFreeName) {
+        change.alters = [id](hxc::Adapter& adapter) { EmptyDisk(adapter, id); };
+        if (disk.state == kConfiguredState) {
+            change.refusals.emplace_back("it serves a virtual disk or a disk group");
+        }
+        return;
+    }
+    const bool on = state == kOnlineName;
+    change.alters = [id, on](hxc::Adapter& adapter) { SwitchDisk(adapter, id, on); };
+    if (disk.state && on != is_off) {
+        change.refusals.push_back("it is " +
+                                  (on ? *disk.state + " and not offline" : "offline already"));
+    }
 }
 
 // Its state and its settings are two calls; only what was named is sent.
@@ -507,7 +561,9 @@ Exit SetDisk(Invocation& invocation) {
             {SetStatus::Action, CodeOption(invocation, "--state", &CodeTable::disk_actions)});
         change.commands.push_back(std::move(request));
         change.losses.push_back("state: " + Shown(disk.state) + " -> " + *state);
-        if (*state != "online") change.confirm = disk.address.Text();
+        if (*state != kOnlineName) change.confirm = disk.address.Text();
+        change.needs_force = true;
+        AddState(change, disk, *state);
     }
     const auto write_cache = SwitchOption(invocation, "--write-cache");
     const auto smart = SwitchOption(invocation, "--smart");
@@ -535,6 +591,7 @@ constexpr OptionRow kWipeOptions[] = {
 };
 constexpr OptionRow kSetOptions[] = {
     {"--state", "STATE", "What the disk is to become", "online offline free"},
+    {"--force", "", "Even when a virtual disk cannot be used any more then"},
     {"--write-cache", "ON", "Its write cache", "on off"},
     {"--smart", "ON", "SMART", "on off"},
 };
@@ -612,6 +669,9 @@ constexpr CommandRow kCommands[] = {
                   "vexorctl disk set a0/pd3 --state offline --dry-run"},
      .run = SetDisk,
      .columns = ChangeColumns,
+     .note =
+         "A disk that a virtual disk cannot do without is set offline or free only with --force. "
+         "It asks for the address of the disk.",
      .changes = true},
     {.noun = "disk",
      .verb = "spare",

@@ -8,6 +8,7 @@
 #include "codes/named.h"
 #include "common/address.h"
 #include "common/size.h"
+#include "conditions/hxc_answers.h"
 #include "hxraid.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
@@ -15,15 +16,18 @@
 #include "model/disks.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
+#include "model/group_room.h"
 #include "model/library_record.h"
 #include "model/object_name.h"
 #include "model/virtual_disks.h"
 #include "nouns/choose_disks.h"
 #include "nouns/creation_options.h"
 #include "nouns/find_object.h"
+#include "nouns/foresee.h"
 #include "nouns/look_again.h"
 #include "nouns/nouns.h"
 #include "nouns/plan_and_act.h"
+#include "nouns/quick_creation.h"
 #include "output/cell.h"
 #include "output/cell_text.h"
 #include "output/record_cells.h"
@@ -37,6 +41,7 @@ namespace vexorctl::vd_noun {
 
 namespace {
 
+namespace hxc = hxconditions;
 using fields::LD_Config;
 using fields::LD_Info;
 using fields::LD_Status;
@@ -140,6 +145,16 @@ std::string DisksText(const VirtualDisk& disk) {
     return disk.disks ? Joined(DisksCell(disk).texts, ", ") : "not known";
 }
 
+unsigned CodeOf(const hxcodes::LevelRow& level) { return hxcodes::NumberOf(level.code); }
+
+// The virtual disk's state in a word, where it is known.
+std::string_view StateOf(Invocation& invocation, const VirtualDisk& disk) {
+    const auto code = disk.info[LD_Info::Status];
+    if (!code) return {};
+    return hxcodes::NameOf(invocation.controller().codes().table().states, *code);
+}
+constexpr std::string_view kForeignState = "foreign";
+
 // A change of the virtual disk by one command. Callers add losses and a question where they need
 // them.
 Change ChangeOf(const VirtualDisk& disk, const std::string& what, Command command) {
@@ -159,13 +174,21 @@ Exit DeleteVirtualDisk(Invocation& invocation) {
     Change change = ChangeOf(disk, "Delete", std::move(request));
     change.losses = {"all data on it will be lost", "its disks: " + DisksText(disk)};
     change.confirm = ConfirmName(disk);
+    if (StateOf(invocation, disk) == kForeignState) {
+        change.refusals.emplace_back("it is foreign; see vexorctl vd import and disk wipe");
+    }
     return CarryOut(invocation, change);
 }
 
 Exit ImportVirtualDisk(Invocation& invocation) {
     const VirtualDisk disk = FindVirtualDisk(invocation);
-    return CarryOut(invocation,
-                    ChangeOf(disk, "Import", RequestFor(disk.address, calls::HX_LD_Import::LD_ID)));
+    Change change = ChangeOf(disk, "Import", RequestFor(disk.address, calls::HX_LD_Import::LD_ID));
+    const std::string_view state = StateOf(invocation, disk);
+    if (!state.empty() && state != kForeignState) {
+        change.refusals.push_back("it is " + std::string(state) + " and not foreign");
+    }
+    change.alters = [id = disk.address.id](hxc::Adapter& adapter) { ImportDisks(adapter, id); };
+    return CarryOut(invocation, change);
 }
 
 // The cache modes that can be set. forced_write_through is the controller's own.
@@ -218,6 +241,33 @@ std::string NameOrKept(Invocation& invocation, const VirtualDisk& disk, const au
     return name ? *name : Kept(record, field, disk.address);
 }
 
+std::string CacheText(Invocation& invocation, std::uint64_t bits) {
+    std::string text;
+    for (const hxcodes::Named& row : invocation.controller().codes().table().cache_bits) {
+        if ((bits & row.code) != 0) text.append(text.empty() ? "" : ",").append(row.name);
+    }
+    return text.empty() ? "none" : text;
+}
+
+// What it is now and what it will be, of each setting that was named.
+void TellSettings(Invocation& invocation, const VirtualDisk& disk, Change& change) {
+    const auto tell = [&](std::string_view what, const std::string& now, const std::string& then) {
+        change.losses.emplace_back(what).append(": ").append(now).append(" -> ").append(then);
+    };
+    if (const std::string* const name = invocation.Get("--name")) {
+        tell("name", Shown(disk.info[LD_Info::Name]), *name);
+    }
+    if (const std::string* const cache = invocation.Get("--cache")) {
+        const auto now = disk.config[LD_Config::CacheMode];
+        tell("cache", now ? CacheText(invocation, *now) : "?",
+             CacheText(invocation, CacheOption(invocation.controller(), *cache)));
+    }
+    if (const std::string* const automatic = invocation.Get("--auto-rebuild")) {
+        const auto now = disk.config[LD_Config::AutoRebuildOn];
+        tell("automatic rebuild", !now ? "?" : *now != 0 ? "on" : "off", *automatic);
+    }
+}
+
 // The library sets all settings at once, so those that were not named are sent back as they are.
 Exit SetVirtualDisk(Invocation& invocation) {
     using Function = calls::HX_LD_SetConfig;
@@ -235,7 +285,16 @@ Exit SetVirtualDisk(Invocation& invocation) {
     request.Add({Function::Status, Kept(disk.config, LD_Config::Status, disk.address)});
     request.Add({Function::LDID, disk.address.id});
     request.Add({Function::Name, NameOrKept(invocation, disk, disk.config, LD_Config::Name)});
-    return CarryOut(invocation, ChangeOf(disk, "Set", std::move(request)));
+    Change change = ChangeOf(disk, "Set", std::move(request));
+    TellSettings(invocation, disk, change);
+    if (auto_rebuild) {
+        change.alters = [id = disk.address.id, auto_rebuild](hxc::Adapter& adapter) {
+            if (hxc::VirtualDisk* const found = FindIn(adapter, id)) {
+                found->auto_rebuild = *auto_rebuild != 0;
+            }
+        };
+    }
+    return CarryOut(invocation, change);
 }
 
 // ---- create -----------------------------------------------------------------------------------
@@ -251,6 +310,55 @@ std::uint64_t SlotOption(const Invocation& invocation, const DiskGroup& group) {
 // 0 leaves the choice to the controller.
 std::uint64_t CodeOrNone(Invocation& invocation, std::string_view option, CodeNames names) {
     return invocation.Has(option) ? CodeOption(invocation, option, names) : 0;
+}
+
+// The size that results when so much is asked for; null where the controller's way of rounding is
+// not known and something is to be rounded.
+std::optional<std::uint64_t> SectorsResulting(Invocation& invocation, const Striping& striping,
+                                              std::uint64_t sectors) {
+    constexpr std::uint64_t kGiB = (std::uint64_t{1} << 30U) / kSectorBytes;
+    const std::string round = invocation.Get("--round", "stripe");
+    const std::uint64_t unit = round == "10_gib" ? 10 * kGiB : round == "1_gib" ? kGiB : 1;
+    const std::uint64_t whole = InWholeStripes(striping, sectors);
+    const std::uint64_t rounded = whole - whole % unit;
+    if (invocation.controller().codes().AreOurs() || rounded == sectors) return rounded;
+    return std::nullopt;
+}
+
+void TellSize(Change& change, std::optional<std::uint64_t> resulting, std::uint64_t asked) {
+    if (resulting) {
+        change.size_bytes = kSectorBytes * *resulting;
+    } else {
+        change.losses.push_back("the resulting size is not known: the controller rounds " +
+                                SectorsText(asked));
+    }
+}
+
+// How virtual disks on the group lie, with a stripe size of their own or with the group's.
+std::optional<Striping> StripingOn(const DiskGroup& group,
+                                   std::optional<std::uint64_t> stripe_kib) {
+    using fields::DG_Info;
+    const auto code = group.info[DG_Info::RaidMode];
+    const auto disks = DisksOf(group.info.view());
+    const auto legs = group.info[DG_Info::SubVDCount];
+    if (!stripe_kib) stripe_kib = group.info[DG_Info::StripeBlockSize];
+    const hxcodes::LevelRow* const level =
+        code ? hxcodes::FindCode(hxcodes::kLevels, *code) : nullptr;
+    if (level == nullptr || !disks || !legs || !stripe_kib) return std::nullopt;
+    return Striping{level, static_cast<unsigned>(disks->size()), static_cast<unsigned>(*legs),
+                    *stripe_kib};
+}
+
+// A virtual disk on a group has the group's level and disks.
+Alteration AddOn(const DiskGroup& group, const std::string& title) {
+    const auto level = group.info[fields::DG_Info::RaidMode];
+    const auto disks = DisksOf(group.info.view());
+    if (!level || !disks) return nullptr;
+    const auto legs = static_cast<unsigned>(group.info[fields::DG_Info::SubVDCount].value_or(0));
+    return [=, code = static_cast<unsigned>(*level),
+            ids = std::vector<unsigned>(disks->begin(), disks->end())](hxc::Adapter& adapter) {
+        AddVirtualDisk(adapter, title, code, legs, ids);
+    };
 }
 
 Exit CreateOnGroup(Invocation& invocation, const std::string& typed) {
@@ -280,15 +388,23 @@ Exit CreateOnGroup(Invocation& invocation, const std::string& typed) {
         {Function::DGSlotNum, SlotOption(invocation, owner)},
         {Function::InitializationOption, CodeOrNone(invocation, "--init", &CodeTable::inits)},
         {Function::SectorCoefficient, 1}};
-    return CarryOut(invocation,
-                    {.what = "Create a virtual disk called " + name + " on " + address.Text(),
-                     .losses = {},
-                     .confirm = {},
-                     .commands = {request},
-                     .address = {},
-                     .size_bytes = kSectorBytes * sectors,
-                     .starts_task = true,
-                     .created = &AddressesOf<&LoadVirtualDisks>});
+    Change change{.what = "Create a virtual disk called " + name + " on " + address.Text(),
+                  .losses = {},
+                  .confirm = {},
+                  .commands = {request},
+                  .address = {},
+                  .size_bytes = {},
+                  .starts_task = true,
+                  .created = &AddressesOf<&LoadVirtualDisks>,
+                  .alters = AddOn(owner, name)};
+    const auto striping = StripingOn(owner, StripeOption(invocation));
+    const bool is_most = sectors == owner.info[DG_Info::RemainingManagedSpace];
+    TellSize(change,
+             is_most    ? sectors
+             : striping ? SectorsResulting(invocation, *striping, sectors)
+                        : std::nullopt,
+             sectors);
+    return CarryOut(invocation, change);
 }
 
 // The parameters that the request for a new virtual disk shares with the question for its size.
@@ -356,10 +472,20 @@ Exit CreateOnDisks(Invocation& invocation) {
                   .confirm = {},
                   .commands = {std::move(request)},
                   .address = {},
-                  .size_bytes = kSectorBytes * sectors,
+                  .size_bytes = {},
                   .starts_task = true,
                   .created = &AddressesOf<&LoadVirtualDisks>};
     AddDisks(change, disks, name);
+    const auto legs = static_cast<unsigned>(invocation.Number("--legs", 255).value_or(0));
+    const Striping striping{&level, static_cast<unsigned>(disks.size()), legs,
+                            StripeOption(invocation).value_or(64)};
+    // The most is what the controller itself has said.
+    TellSize(change,
+             sectors == *most_sectors ? sectors : SectorsResulting(invocation, striping, sectors),
+             sectors);
+    change.alters = [&, legs](hxc::Adapter& altered) {
+        AddVirtualDisk(altered, name, CodeOf(level), legs, IdsOf(disks));
+    };
     return CarryOut(invocation, change);
 }
 
@@ -369,7 +495,8 @@ Exit CreateVirtualDisk(Invocation& invocation) {
     if (const std::string* const group = invocation.Get("--dg")) {
         return CreateOnGroup(invocation, *group);
     }
-    if (!invocation.targets().empty()) return CreateOnDisks(invocation);
+    const bool is_fixed = !invocation.targets().empty() || invocation.review() != nullptr;
+    if (is_fixed) return CreateOnDisks(invocation);
     constexpr int kPicks = 16;
     std::optional<Outdated> lost;
     for (int pick = 0; pick < kPicks; ++pick) {
@@ -391,19 +518,20 @@ Exit QuickCreate(Invocation& invocation) {
     using Function = calls::HX_LD_QuickCreate;
     const unsigned adapter = FindAdapter(invocation);
     const bool redundant = !invocation.Has("--plain");
-    return CarryOut(
-        invocation,
-        {.what = "Create one virtual disk over all free disks of a" + std::to_string(adapter) +
-                 (redundant ? ", with redundancy" : ", without redundancy"),
-         .losses = {"all free disks of the adapter are taken"},
-         .confirm = "a" + std::to_string(adapter),
-         .commands = {Request<Function>{{Function::AdapterID, adapter},
-                                        {Function::Type, redundant ? 1 : 0}}},
-         .address = {},
-         .size_bytes = {},
-         .starts_task = true,
-         .created = &AddressesOf<&LoadVirtualDisks>,
-         .takes_every_disk = true});
+    Change change{.what = "Create one virtual disk over all free disks of a" +
+                          std::to_string(adapter) +
+                          (redundant ? ", with redundancy" : ", without redundancy"),
+                  .losses = {"all free disks of the adapter are taken"},
+                  .confirm = "a" + std::to_string(adapter),
+                  .commands = {Request<Function>{{Function::AdapterID, adapter},
+                                                 {Function::Type, redundant ? 1 : 0}}},
+                  .address = {},
+                  .size_bytes = {},
+                  .starts_task = true,
+                  .created = &AddressesOf<&LoadVirtualDisks>,
+                  .takes_every_disk = true};
+    TellQuickCreation(invocation.controller(), {.adapter = adapter}, redundant, change);
+    return CarryOut(invocation, change);
 }
 
 // The parameters that the request for a migration shares with the question for the resulting size.
@@ -433,21 +561,67 @@ Exit MigrateVirtualDisk(Invocation& invocation) {
                              MigrationRequest<calls::HX_LD_StartMigration>(disk, level, disks));
     change.what += " to RAID " + std::string(level.number) + " on";
     change.confirm = ConfirmName(disk);
-    change.size_bytes = kSectorBytes * *size;
+    // The controller answers with what it could be at most; the command names no size, which leaves
+    // it as large as it is.
+    const std::uint64_t kept = Kept(disk.info, LD_Info::Size, disk.address);
+    change.size_bytes = kSectorBytes * kept;
+    if (*size < kept) {
+        change.refusals.push_back("no more than " + SectorsText(*size) + " would fit, and it has " +
+                                  SectorsText(kept));
+    }
     change.starts_task = true;
     AddDisks(change, disks, ConfirmName(disk));
+    const bool same_level = disk.info[LD_Info::RaidMode] == CodeOf(level);
+    const auto legs =
+        same_level ? static_cast<unsigned>(disk.info[LD_Info::SubLDCount].value_or(0)) : 0U;
+    change.alters = [&, legs](hxc::Adapter& altered) {
+        hxc::VirtualDisk* const found = FindIn(altered, disk.address.id);
+        if (found != nullptr) LayOut(*found, CodeOf(level), legs, IdsOf(disks));
+    };
     return CarryOut(invocation, change);
 }
 
-// The room of a virtual disk on its disk group: what it has, and what the group has left.
-std::uint64_t RoomOnGroup(Invocation& invocation, const VirtualDisk& disk) {
-    const std::uint64_t group = Kept(disk.info, LD_Info::DGID, disk.address);
-    const Address address{.adapter = disk.address.adapter,
-                          .kind = ObjectKind::kDiskGroup,
-                          .id = static_cast<unsigned>(group)};
-    const DiskGroup owner = TakeObject(LoadDiskGroups(invocation.controller()), address);
-    return Kept(disk.info, LD_Info::Size, disk.address) +
-           Kept(owner.info, fields::DG_Info::RemainingManagedSpace, address);
+// What the virtual disk can grow to. Its group may have more left: that lies elsewhere.
+std::optional<std::uint64_t> MostOf(Invocation& invocation, const VirtualDisk& disk,
+                                    const Striping& striping) {
+    const auto runs = LoadRuns(invocation.controller(), disk.address.adapter);
+    if (!runs) return std::nullopt;
+    return MostInPlace(*runs, disk.address.id, striping);
+}
+
+// The size that is asked for, and what results from it.
+std::uint64_t SectorsToModify(Invocation& invocation, const VirtualDisk& disk, std::uint64_t before,
+                              Change& change) {
+    const SizeWish wish = SizeOption(invocation);
+    const auto code = disk.info[LD_Info::RaidMode];
+    const hxcodes::LevelRow* const level =
+        code ? hxcodes::FindCode(hxcodes::kLevels, *code) : nullptr;
+    const auto count = disk.info[LD_Info::HDCount];
+    std::optional<std::uint64_t> most;
+    Striping striping{level, static_cast<unsigned>(count.value_or(0)),
+                      static_cast<unsigned>(disk.info[LD_Info::SubLDCount].value_or(0)),
+                      disk.info[LD_Info::StripeBlockSize].value_or(0)};
+    if (level != nullptr && count) most = MostOf(invocation, disk, striping);
+    if (!most && !wish.sectors) {
+        throw Failure(Exit::kRefused, disk.address.Text() +
+                                          ": what is possible is not known; say a size. Nothing "
+                                          "was done");
+    }
+    // A group that is not known to have room is asked for what was typed.
+    const std::uint64_t sectors =
+        wish.Of(most.value_or(UINT64_MAX),
+                " (what is free behind it on its disks counts, not all that "
+                "its disk group has left)");
+    if (most && sectors == *most) {
+        TellSize(change, sectors, sectors);
+    } else if (most && sectors > before) {
+        TellSize(change, SectorsResulting(invocation, striping, sectors), sectors);
+    } else if (most || sectors <= before) {
+        TellSize(change, sectors, sectors);
+    } else {
+        change.losses.emplace_back("the resulting size is not known");
+    }
+    return sectors;
 }
 
 // The parameters that both functions for modifying a virtual disk take. What was not named is sent
@@ -483,10 +657,9 @@ Exit ModifyVirtualDisk(Invocation& invocation) {
                                           "vexorctl vd migrate and vd set");
     }
     const std::uint64_t before = Kept(disk.info, LD_Info::Size, disk.address);
-    const std::uint64_t sectors = invocation.Has("--size")
-                                      ? SizeOption(invocation).Of(RoomOnGroup(invocation, disk))
-                                      : before;
     Change change = ChangeOf(disk, "Modify", {});
+    const std::uint64_t sectors =
+        invocation.Has("--size") ? SectorsToModify(invocation, disk, before, change) : before;
     if (plain) {
         change.losses.emplace_back("its cache will be off");
         change.commands = {ModificationRequest<Plain>(invocation, disk, sectors)};
@@ -500,8 +673,12 @@ Exit ModifyVirtualDisk(Invocation& invocation) {
     if (sectors < before) {
         change.losses.emplace_back("what lies behind its new end will be lost");
         change.confirm = ConfirmName(disk);
+        if (invocation.controller().codes().AreOurs()) {
+            change.refusals.push_back("it has " + SectorsText(before) +
+                                      ", and this controller makes none smaller");
+        }
     }
-    change.size_bytes = kSectorBytes * sectors;
+    if (!invocation.Has("--size")) change.size_bytes = kSectorBytes * before;
     return CarryOut(invocation, change);
 }
 
@@ -588,10 +765,13 @@ constexpr CommandRow kCommands[] = {
           "vexorctl vd create --dg a0/dg0 --size 10GiB --name data2 --dry-run"},
      .run = CreateVirtualDisk,
      .columns = ChangeColumns,
-     .note = "Name the disks, or say how many to pick: free ones of about the same size, the "
-             "smallest that suffice for the --size, or those that give the most. When a disk holds "
-             "data it asks for the name of the virtual disk. Where it cannot be made, it tells "
-             "which disks are free, on the other adapters too.",
+     .note =
+         "Name the disks, or say how many to pick: free ones of about the same size, the "
+         "smallest that suffice for the --size, or those that give the most. When a disk holds "
+         "data it asks for the name of the virtual disk. Where it cannot be made, it tells "
+         "which disks are free, on the other adapters too. RAID 0 takes 1 disk or more, "
+         "RAID 1 exactly 2, RAID 1E an odd number from 3, RAID 5 and 6 take 3 or more, RAID 10 "
+         "an even number from 4, RAID 50 and 60 legs of 3 or more each, all of the same number.",
      .changes = true},
     {.noun = "vd",
      .verb = "quick-create",

@@ -18,6 +18,7 @@ std::span<const NounRow> Nouns() {
         {"user", "Logons and user groups", user_noun::Commands()},
         {"counters", "What kind of object has changed", counters_noun::Commands()},
         {"config", "Versions and the library's configuration", config_noun::Commands()},
+        {"apply", "Plans that have been reviewed", apply_noun::Commands()},
         {"check", "Health, for monitoring", check_noun::Commands()},
         {"risk", "What the virtual disks still survive", risk_noun::Commands()},
         {"timeline", "What lasted, and how long", timeline_noun::Commands()},

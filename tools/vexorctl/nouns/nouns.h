@@ -26,6 +26,7 @@ namespace user_noun { std::span<const CommandRow> Commands(); }
 namespace counters_noun { std::span<const CommandRow> Commands(); }
 namespace config_noun { std::span<const CommandRow> Commands(); }
 namespace overview_noun { std::span<const CommandRow> Commands(); }
+namespace apply_noun { std::span<const CommandRow> Commands(); }
 namespace check_noun { std::span<const CommandRow> Commands(); }
 namespace risk_noun { std::span<const CommandRow> Commands(); }
 namespace timeline_noun { std::span<const CommandRow> Commands(); }

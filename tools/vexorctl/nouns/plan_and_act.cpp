@@ -3,30 +3,57 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <chrono>
 #include <cstdio>
+#include <ctime>
+#include <fstream>
+#include <utility>
 
 #include "codes/code_table.h"
 #include "codes/named.h"
 #include "common/duration.h"
+#include "common/number.h"
+#include "common/replace_file.h"
 #include "common/terminal_text.h"
+#include "common/timestamp.h"
 #include "common/turn.h"
 #include "model/controller_codes.h"
 #include "model/fault.h"
+#include "model/plan_file.h"
+#include "model/sightings.h"
 #include "nouns/look_again.h"
 #include "nouns/wait_for_tasks.h"
 #include "output/cell_text.h"
 #include "output/report.h"
 #include "output/streams.h"
+#include "output/terminal_width.h"
+#include "output/wrapped_text.h"
 #include "shell/present.h"
 
 namespace vexorctl {
 
 namespace {
 
+constexpr std::string_view kAdapterValue = "AdapterID";
+constexpr std::uint64_t kMostAdapters = 254;
+
+// A change with what is known of it before it is carried out.
+struct Plan {
+    const Change& change;
+    Foreseen foreseen;
+    std::vector<std::string> refusals;
+
+    std::vector<std::string> Effects() const {
+        std::vector<std::string> effects = change.losses;
+        effects.insert(effects.end(), foreseen.effects.begin(), foreseen.effects.end());
+        return effects;
+    }
+};
+
 struct Done {
-    const Change* change;
+    const Plan* plan;
     std::string action;
     std::string address;
     std::string task;
@@ -51,19 +78,68 @@ constexpr Column<Done> kColumns[] = {
      [](const Done& it) { return TextCell(it.task); }},
     {{"size_bytes", "SIZE", kBytes, kWide, "The resulting size"},
      [](const Done& it) {
-         return it.change->size_bytes ? NumberCell(*it.change->size_bytes) : None();
+         const auto& size = it.plan->change.size_bytes;
+         return size ? NumberCell(*size) : None();
      }},
     {Always({"dry_run", "DRY RUN", kBool, kWide, "Whether nothing was changed"}),
      [](const Done& it) { return NumberCell(it.dry_run); }},
     {Always({"commands", "COMMANDS", kTexts, kWide, "The commands to the library"}),
-     [](const Done& it) { return CommandsCell(*it.change); }},
+     [](const Done& it) { return CommandsCell(it.plan->change); }},
+    {Always(
+         {"effects", "EFFECTS", kTexts, kWide, "What is lost or changed by it, a sentence each"}),
+     [](const Done& it) { return TextsCell(it.plan->Effects()); }},
+    {Always({"refusals", "REFUSALS", kTexts, kWide,
+             "Why it would be refused; empty when it would not be"}),
+     [](const Done& it) { return TextsCell(it.plan->refusals); }},
 };
 
-std::string PlanText(const Change& change, const Style& style) {
-    std::string text = Printable(change.what) + "\n";
-    for (const std::string& loss : change.losses) text += "  " + Printable(loss) + "\n";
-    if (change.size_bytes)
-        text += "  resulting size: " + SizeText(*change.size_bytes, style) + "\n";
+// Of the adapter that the commands are for.
+std::optional<unsigned> AdapterOf(const Change& change) {
+    for (const Command& command : change.commands) {
+        for (const auto& [name, value] : command.values) {
+            if (name != kAdapterValue) continue;
+            const auto number = vexortools::ReadNumber(value, kMostAdapters);
+            if (number) return static_cast<unsigned>(*number);
+        }
+    }
+    return std::nullopt;
+}
+
+Foreseen ForeseenOf(Controller& controller, const Change& change) {
+    const auto adapter = AdapterOf(change);
+    if (!change.alters || !adapter) return {};
+    return Foresee(controller, *adapter, change.alters);
+}
+
+Plan PlanOf(Invocation& invocation, const Change& change) {
+    Plan plan{change, ForeseenOf(invocation.controller(), change), change.refusals};
+    if (change.needs_force && !invocation.Has("--force") && !plan.foreseen.unusable.empty()) {
+        plan.refusals.push_back("it takes " + Joined(plan.foreseen.unusable, ", ") +
+                                " away; --force does it all the same");
+    }
+    return plan;
+}
+
+std::string Line(std::string_view indent, const std::string& text) {
+    const std::string line = std::string(indent) + Printable(text);
+    const std::size_t width = TerminalWidth().value_or(std::string::npos);
+    return line.size() <= width ? line + "\n" : Wrapped(indent, Printable(text), width);
+}
+
+std::string PlanText(const Plan& plan, const PlanReview* review, const Style& style) {
+    std::string text;
+    if (review != nullptr) {
+        text += Line("", "Planned on " + review->plan.host + " at " + review->plan.made_at +
+                             " with " + review->plan.made_by + ":");
+    }
+    text += Line("", plan.change.what);
+    for (const std::string& effect : plan.Effects()) text += Line("  ", effect);
+    if (plan.change.size_bytes) {
+        text += "  resulting size: " + SizeText(*plan.change.size_bytes, style) + "\n";
+    }
+    for (const std::string& refusal : plan.refusals) {
+        text += Line("  ", "this would be refused: " + refusal);
+    }
     return text;
 }
 
@@ -74,29 +150,36 @@ std::string ReadLine() {
     return line;
 }
 
-void Confirm(const Invocation& invocation, const Change& change) {
-    if (change.confirm.empty() || invocation.Has("--yes")) return;
+// What has to be typed. A plan that somebody else has made is shown in any case.
+std::string WordToType(const Invocation& invocation, const Change& change) {
+    if (!change.confirm.empty() || invocation.review() == nullptr) return change.confirm;
+    return "apply";
+}
+
+void Confirm(const Invocation& invocation, const Plan& plan) {
+    const std::string word = WordToType(invocation, plan.change);
+    if (word.empty() || invocation.Has("--yes")) return;
     if (isatty(STDIN_FILENO) != 1) {
         throw Failure(Exit::kNotConfirmed,
                       "not confirmed: there is no terminal to ask; say --yes, or --dry-run to see "
                       "the plan");
     }
     // A name that cannot be typed is accepted in the form in which it was shown, too.
-    const std::string shown = Printable(change.confirm);
-    const std::string question =
-        PlanText(change, StyleOf(invocation, "table")) + "Type " + shown + " to go on: ";
+    const std::string shown = Printable(word);
+    const std::string question = PlanText(plan, invocation.review(), StyleOf(invocation, "table")) +
+                                 "Type " + shown + " to go on: ";
     std::fwrite(question.data(), 1, question.size(), stderr);
     const std::string line = ReadLine();
-    if (line != change.confirm && line != shown) {
+    if (line != word && line != shown) {
         throw Failure(Exit::kNotConfirmed, "not confirmed; nothing was changed");
     }
 }
 
-Exit PrintDone(Invocation& invocation, const Change& change, const std::string& address,
+Exit PrintDone(Invocation& invocation, const Plan& plan, const std::string& address,
                const std::string& task, bool dry_run) {
     Report report;
     Tabulate(report, kColumns,
-             std::vector<Done>{{&change, invocation.row().Name(), address, task, dry_run}},
+             std::vector<Done>{{&plan, invocation.row().Name(), address, task, dry_run}},
              hxcodes::NoCodes());
     report.command = invocation.row().Name();
     const Style style = StyleOf(invocation, "table");
@@ -114,15 +197,129 @@ std::string Newcomer(const std::vector<Address>& before, const std::vector<Addre
     return {};
 }
 
-Exit ShowPlan(Invocation& invocation, const Change& change) {
+Exit ShowPlan(Invocation& invocation, const Plan& plan) {
+    const Change& change = plan.change;
+    const Exit refused = plan.refusals.empty() ? Exit::kDone : Exit::kRefused;
     if (invocation.Has("--output") || invocation.Has("--columns")) {
-        return PrintDone(invocation, change, change.address,
-                         change.starts_task ? change.address : std::string(), true);
+        const Exit exit = PrintDone(invocation, plan, change.address,
+                                    change.starts_task ? change.address : std::string(), true);
+        return MoreSerious(exit, refused);
     }
-    std::string text = PlanText(change, StyleOf(invocation, "table"));
+    std::string text = PlanText(plan, invocation.review(), StyleOf(invocation, "table"));
     for (const Command& command : change.commands) text += Printable(CommandText(command)) + "\n";
     PrintText(text);
-    return Exit::kDone;
+    return refused;
+}
+
+// ---- Plans as files ----
+
+// The words that make this plan again.
+std::vector<std::string> WordsOf(const Invocation& invocation) {
+    const CommandRow& row = invocation.row();
+    std::vector<std::string> words{std::string(row.noun)};
+    if (!row.verb.empty()) words.emplace_back(row.verb);
+    const auto add = [&](const OptionRow& option) {
+        if (!invocation.Has(option.name)) return;
+        const std::string* const value = invocation.Get(option.name);
+        const bool has_value = value != nullptr && !value->empty();
+        words.push_back(std::string(option.name) + (has_value ? "=" + *value : std::string()));
+    };
+    std::ranges::for_each(row.options, add);
+    add(kCodesOption);
+    if (!invocation.targets().empty()) words.emplace_back("--");
+    words.insert(words.end(), invocation.targets().begin(), invocation.targets().end());
+    return words;
+}
+
+std::string HostName() {
+    char name[256] = {};
+    // A name that is cut has no terminator.
+    return gethostname(name, sizeof name - 1) == 0 ? name : "";
+}
+
+PlanFile FileOf(Invocation& invocation, const Plan& plan, const SecondLook& look) {
+    PlanFile file{.made_by = "vexorctl " VEXORCTL_VERSION,
+                  .made_at = vexortools::TimeText(std::time(nullptr), true),
+                  .host = HostName(),
+                  .words = WordsOf(invocation),
+                  .what = plan.change.what,
+                  .effects = plan.Effects(),
+                  .size_bytes = plan.change.size_bytes,
+                  .functions = {},
+                  .objects = {}};
+    for (const Command& command : plan.change.commands) {
+        file.functions.push_back(CommandText(command));
+    }
+    for (const std::string& object : look.objects()) {
+        Fingerprint& fingerprint = file.objects[object];
+        const Sighting* const sighting = invocation.controller().sightings()->First(object);
+        if (sighting == nullptr) continue;
+        for (const Fact& fact : sighting->facts) fingerprint.emplace_back(fact.label, fact.text);
+    }
+    return file;
+}
+
+// How an object of the plan differs from what it is now.
+std::string DifferenceFromPlan(const Sightings& sightings, const std::string& object,
+                               const Fingerprint& planned) {
+    const Sighting* const now = sightings.First(object);
+    if (now == nullptr)
+        return planned.empty() ? "" : object + " is not there, or not concerned, any more";
+    Sighting before = *now;
+    bool is_alike = planned.size() == now->facts.size();
+    for (std::size_t i = 0; is_alike && i < planned.size(); ++i) {
+        is_alike = planned[i].first == now->facts[i].label;
+        before.facts[i].text = planned[i].second;
+    }
+    if (!is_alike) return object + ": what the plan tells of it is not what this vexorctl reads";
+    return sightings.DifferenceFrom(object, before);
+}
+
+// Throws Outdated unless the plan that was reviewed is the one that is made now.
+void RequireSame(const PlanFile& reviewed, const PlanFile& made, const Sightings& sightings) {
+    if (reviewed.host != made.host) {
+        throw Outdated("it was made on " + reviewed.host + ", and this is " + made.host);
+    }
+    std::vector<std::string> differences;
+    for (const auto& [object, fingerprint] : reviewed.objects) {
+        std::string difference = DifferenceFromPlan(sightings, object, fingerprint);
+        if (difference.empty() && !made.objects.contains(object)) {
+            difference = object + " is not concerned any more";
+        }
+        if (!difference.empty()) differences.push_back(std::move(difference));
+    }
+    for (const auto& [object, fingerprint] : made.objects) {
+        if (!reviewed.objects.contains(object)) {
+            differences.push_back(object + " is concerned, too");
+        }
+    }
+    if (differences.empty() && reviewed.functions != made.functions) {
+        differences.push_back("other commands would be sent: " + Joined(made.functions, ", "));
+    }
+    if (differences.empty() &&
+        (reviewed.what != made.what || reviewed.effects != made.effects ||
+         reviewed.size_bytes != made.size_bytes || reviewed.objects != made.objects)) {
+        differences.push_back("its effects would be others: " + made.what + ": " +
+                              Joined(made.effects, ", "));
+    }
+    if (!differences.empty()) throw Outdated(Joined(differences, "; "));
+}
+
+// A file that is there is kept: somebody may have reviewed it.
+void WritePlanFile(const std::string& path, const PlanFile& plan) {
+    constexpr mode_t kMode = 0644;
+    const std::string text = WritePlan(plan);
+    try {
+        if (text.size() > kMostPlanBytes) throw vexortools::FileError(EFBIG);
+        const vexortools::NewFile file(path);
+        std::ofstream stream(file.Path(), std::ios::binary);
+        stream << text << std::flush;
+        if (!stream) throw vexortools::FileError(EIO);
+        stream.close();
+        file.Put(vexortools::Existing::kKeep, kMode);
+    } catch (const vexortools::FileError& error) {
+        throw Failure(Exit::kUsage, path + ": " + error.what() + "; the plan was not written");
+    }
 }
 
 }  // namespace
@@ -159,14 +356,38 @@ std::optional<unsigned> SwitchOption(const Invocation& invocation, std::string_v
     return *text == "on" ? 1 : 0;
 }
 
+std::string ReasonOf(const Answer& refused) {
+    constexpr std::string_view kPrefix = "refused: ";
+    const std::string& text = refused.complaint;
+    return text.starts_with(kPrefix) ? text.substr(kPrefix.size()) : text;
+}
+
 Exit CarryOut(Invocation& invocation, const Change& change) {
     constexpr std::chrono::minutes kPatience{1};
     Controller& controller = invocation.controller();
     std::optional<Duration> timeout;
     if (invocation.Has("--wait")) timeout = TimeoutOf(invocation);
-    if (invocation.Has("--dry-run")) return ShowPlan(invocation, change);
+    const Plan plan = PlanOf(invocation, change);
+    PlanReview* const review = invocation.review();
+    const std::string* const path = review == nullptr ? invocation.Get("--plan") : nullptr;
+    const bool only_shown = invocation.Has("--dry-run");
+    if (only_shown && review == nullptr && path == nullptr) return ShowPlan(invocation, plan);
     SecondLook look(controller, change);
-    Confirm(invocation, change);
+    if (review != nullptr) {
+        // What a file cannot hold is compared as a file would hold it.
+        const PlanFile made = ReadPlan(WritePlan(FileOf(invocation, plan, look)));
+        RequireSame(review->plan, made, *controller.sightings());
+        review->is_met = true;
+    }
+    if (path != nullptr && plan.refusals.empty()) {
+        WritePlanFile(*path, FileOf(invocation, plan, look));
+    }
+    if (only_shown || path != nullptr) return ShowPlan(invocation, plan);
+    if (change.needs_force && !invocation.Has("--force") && !plan.foreseen.unusable.empty()) {
+        throw Failure(Exit::kRefused,
+                      change.address + ": " + plan.refusals.back() + ". Nothing was done");
+    }
+    Confirm(invocation, plan);
     std::optional<Turn> turn(kPatience);
     if (!turn->IsOurs()) {
         throw Failure(
@@ -174,6 +395,9 @@ Exit CarryOut(Invocation& invocation, const Change& change) {
             "another vexorctl has been changing something for a minute; nothing was done");
     }
     look.Check();
+    if (const Foreseen now = ForeseenOf(controller, change); now != plan.foreseen) {
+        throw Outdated("its effects would be others: " + Joined(now.effects, ", "));
+    }
     const std::vector<Address> before =
         change.created ? change.created(controller) : std::vector<Address>();
     const auto send = [&](const Command& command) {
@@ -194,7 +418,7 @@ Exit CarryOut(Invocation& invocation, const Change& change) {
     turn.reset();
     const bool started = change.starts_task && HasTask(controller, address);
     const Exit exit =
-        PrintDone(invocation, change, address, started ? address : std::string(), false);
+        PrintDone(invocation, plan, address, started ? address : std::string(), false);
     if (timeout && started) {
         return MoreSerious(exit, WaitForTask(invocation, address, *timeout));
     }

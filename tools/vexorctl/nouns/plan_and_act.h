@@ -14,6 +14,7 @@
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/library_record.h"
+#include "nouns/foresee.h"
 #include "output/cell.h"
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
@@ -34,6 +35,12 @@ struct Change {
     // What it is about beside objects of adapters, as sightings call it, and what reads it again.
     std::string beside{};
     std::function<void()> look_beside{};
+    // What it makes of the virtual disks of its adapter; null: they stay as they are.
+    Alteration alters{};
+    // Virtual disks that it makes unusable are no part of what was asked for: without --force it is
+    // refused then.
+    bool needs_force = false;
+    std::vector<std::string> refusals{};  // why the controller will refuse it
     // Where more is to be done than to send the commands one after the other: does it, with what
     // sends a command and throws Failure when it is refused.
     std::function<void(const std::function<void(const Command&)>& send)> act{};
@@ -42,7 +49,11 @@ struct Change {
 /// The columns of what every changing command prints.
 std::vector<ColumnInfo> ChangeColumns();
 
-/// Carries the change out, or shows it with --dry-run. Throws Failure.
+/// Why the controller refused a question, for Change::refusals.
+std::string ReasonOf(const Answer& refused);
+
+/// Carries the change out, shows it with --dry-run, or writes it to a file with --plan. Where the
+/// invocation follows a reviewed plan, it is refused unless it is that plan. Throws Failure.
 Exit CarryOut(Invocation& invocation, const Change& change);
 
 /// A command of function F for the object, which most functions name by AdapterID and `id`.

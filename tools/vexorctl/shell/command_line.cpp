@@ -9,7 +9,6 @@
 #include "output/streams.h"
 #include "shell/arguments.h"
 #include "shell/help.h"
-#include "shell/invocation.h"
 #include "shell/nearest_word.h"
 #include "shell/present.h"
 
@@ -88,46 +87,6 @@ std::string MeantOption(const std::vector<OptionRow>& rows, const std::vector<st
     return "";
 }
 
-Invocation Parse(const CommandRow& row, const std::vector<std::string>& typed) {
-    const vexortools::CommandParser parser;
-    const vexortools::Command& program = parser.Program();
-    const std::vector<OptionRow> rows = OptionsOf(row);
-    std::vector<vexortools::Typed> options;
-    for (const OptionRow& option : rows) {
-        std::string names(option.name);
-        if (!option.letter.empty()) names.append(",").append(option.letter);
-        options.push_back(option.value.empty() ? program.AddFlag(names) : program.AddOption(names));
-    }
-    const vexortools::Typed targets = program.AddArguments("TARGET");
-
-    std::vector<std::string> words = MarkedArguments(typed);
-    for (std::string& word : words) {
-        const auto alone = std::ranges::find_if(rows, [&](const OptionRow& option) {
-            return option.value_optional && option.name == word;
-        });
-        if (alone != rows.end()) word.append("=").append(kAlone);
-    }
-    try {
-        parser.Parse(words);
-    } catch (const vexortools::ValueMissing& error) {
-        const std::string text = WithoutMarks(error.what());
-        throw UsageError(text.substr(0, text.find(':')) + " needs a value");
-    } catch (const UsageError& error) {
-        throw UsageError(WithoutMarks(error.what()) + MeantOption(rows, words));
-    }
-
-    std::map<std::string, std::vector<std::string>> values;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (options[i].Count() == 0) continue;
-        std::vector<std::string>& list = values[std::string(rows[i].name)];
-        if (!rows[i].value.empty()) list = ValuesOf(rows[i], options[i].Values());
-    }
-    std::vector<std::string> given;
-    for (const std::string& word : targets.Values()) given.push_back(Unmarked(word));
-    CheckArity(row, given.size());
-    return {row, std::move(values), std::move(given)};
-}
-
 Exit Help(const std::string& text) {
     PrintText(text);
     return Exit::kDone;
@@ -154,7 +113,7 @@ Exit RunDocumentingFailure(const CommandRow& row, Invocation& invocation) {
 }
 
 Exit ParseAndRun(const CommandRow& row, const std::vector<std::string>& words) {
-    Invocation invocation = Parse(row, words);
+    Invocation invocation = ReadWords(row, words);
     return RunDocumentingFailure(row, invocation);
 }
 
@@ -209,6 +168,46 @@ Exit Run(std::span<const NounRow> nouns, std::vector<std::string> words, std::st
 }
 
 }  // namespace
+
+Invocation ReadWords(const CommandRow& row, const std::vector<std::string>& typed) {
+    const vexortools::CommandParser parser;
+    const vexortools::Command& program = parser.Program();
+    const std::vector<OptionRow> rows = OptionsOf(row);
+    std::vector<vexortools::Typed> options;
+    for (const OptionRow& option : rows) {
+        std::string names(option.name);
+        if (!option.letter.empty()) names.append(",").append(option.letter);
+        options.push_back(option.value.empty() ? program.AddFlag(names) : program.AddOption(names));
+    }
+    const vexortools::Typed targets = program.AddArguments("TARGET");
+
+    std::vector<std::string> words = MarkedArguments(typed);
+    for (std::string& word : words) {
+        const auto alone = std::ranges::find_if(rows, [&](const OptionRow& option) {
+            return option.value_optional && option.name == word;
+        });
+        if (alone != rows.end()) word.append("=").append(kAlone);
+    }
+    try {
+        parser.Parse(words);
+    } catch (const vexortools::ValueMissing& error) {
+        const std::string text = WithoutMarks(error.what());
+        throw UsageError(text.substr(0, text.find(':')) + " needs a value");
+    } catch (const UsageError& error) {
+        throw UsageError(WithoutMarks(error.what()) + MeantOption(rows, words));
+    }
+
+    std::map<std::string, std::vector<std::string>> values;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (options[i].Count() == 0) continue;
+        std::vector<std::string>& list = values[std::string(rows[i].name)];
+        if (!rows[i].value.empty()) list = ValuesOf(rows[i], options[i].Values());
+    }
+    std::vector<std::string> given;
+    for (const std::string& word : targets.Values()) given.push_back(Unmarked(word));
+    CheckArity(row, given.size());
+    return {row, std::move(values), std::move(given)};
+}
 
 Exit RunCommandLine(std::span<const NounRow> nouns, int argc, const char* const* argv) {
     std::string where = "vexorctl";

@@ -24,7 +24,8 @@ constexpr OptionRow kOutputOptions[] = {
 };
 
 constexpr OptionRow kChangeOptions[] = {
-    {"--dry-run", "", "Show what would be sent and change nothing"},
+    {"--dry-run", "", "Show what would be sent and what it would do, and change nothing"},
+    {"--plan", "FILE", "Write that to a new file for vexorctl apply, and change nothing"},
     {"--yes", "", "Go on without asking"},
 };
 

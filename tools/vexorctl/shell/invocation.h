@@ -10,9 +10,16 @@
 #include <vector>
 
 #include "model/ask_controller.h"
+#include "model/plan_file.h"
 #include "shell/command_rows.h"
 
 namespace vexorctl {
+
+/// A plan that somebody has read and that is to be carried out as it stands.
+struct PlanReview {
+    PlanFile plan;
+    bool is_met = false;  // the same plan was made again
+};
 
 class Invocation {
 public:
@@ -23,6 +30,11 @@ public:
     const CommandRow& row() const { return row_; }
     const std::vector<std::string>& targets() const { return targets_; }
     Controller& controller() { return controller_; }
+
+    /// Null when no plan is followed.
+    PlanReview* review() { return review_ ? &*review_ : nullptr; }
+    const PlanReview* review() const { return review_ ? &*review_ : nullptr; }
+    void Follow(PlanFile plan) { review_ = PlanReview{.plan = std::move(plan)}; }
 
     bool Has(std::string_view option) const;
     /// The last value given; null when the option was not given, "" when it stood alone.
@@ -36,6 +48,7 @@ private:
     std::map<std::string, std::vector<std::string>> options_;
     std::vector<std::string> targets_;
     Controller controller_;
+    std::optional<PlanReview> review_;
 };
 
 }  // namespace vexorctl
