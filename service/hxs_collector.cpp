@@ -1,6 +1,7 @@
 #include "service/hxs_collector.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace hxservice {
 
@@ -36,6 +37,10 @@ bool Collector::IsAnyAdapter(unsigned adapters) {
 bool Collector::MayCheckIn(unsigned adapters) {
     const std::optional<std::string> reason = source_.WhyStoreIsClosed(adapters);
     if (reason) {
+        const std::size_t end = std::min(reason->find(": "), reason->size());
+        store_state_.state = hxconditions::Store::State::kNotWritable;
+        store_state_.path = reason->substr(0, end);
+        store_state_.reason = reason->substr(std::min(end + 2, reason->size()));
         store_.Say(*reason + ". No event is taken from a controller until it can be written");
     } else {
         store_.End();
@@ -50,11 +55,13 @@ void Collector::FollowStore(const StoreExtent& extent) {
         log_.Say("the event store was reset: it ended at event " + std::to_string(*place_) +
                  " and ends at event " + std::to_string(extent.next));
         place_ = extent.first;
+        ++news_.lost;  // how many went with the old store is not known
     }
 }
 
 void Collector::TellEvents(const StoreExtent& extent) {
     if (extent.first > *place_) {
+        news_.lost += extent.first - *place_;
         log_.Say(Counted(extent.first - *place_, "event was", "events were") +
                  " overwritten in the event store before this log could tell them");
         place_ = extent.first;
@@ -64,11 +71,14 @@ void Collector::TellEvents(const StoreExtent& extent) {
         for (const StoredEvent& event : source_.ReadEvents(*place_, end)) {
             log_.Say("event " + std::to_string(event.number) + " [" + event.severity + "] " +
                      event.text);
+            news_.events.push_back(event.event);
             ++told_;
         }
         place_ = end;
     }
 }
+
+News Collector::TakeNews() { return std::exchange(news_, {}); }
 
 std::string Collector::Status() const {
     for (const Lasting* each : {&controller_, &store_, &events_}) {
@@ -94,10 +104,15 @@ CheckIn Collector::Collect() {
     try {
         FollowStore(source_.ReadExtent());
         source_.CheckIn(adapters);
-        TellEvents(source_.ReadExtent());
+        extent_ = source_.ReadExtent();
+        TellEvents(extent_);
         events_.End();
+        store_state_ = {.state = hxconditions::Store::State::kGood, .path = {}, .reason = {}};
     } catch (const SourceError& error) {
         events_.Say(error.what());
+        store_state_ = {.state = hxconditions::Store::State::kUnreadable,
+                        .path = "the event store",
+                        .reason = error.what()};
         return CheckIn::kStoreClosed;
     }
     return CheckIn::kDone;

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "conditions/hxc_answers.h"
 #include "service/hxs_log.h"
 #include "service/hxs_source.h"
 
@@ -16,16 +18,31 @@ enum class CheckIn : std::uint8_t {
     kStoreClosed,  // nothing was taken, because the store cannot be written
 };
 
+/// What the check-ins since the last question brought.
+struct News {
+    std::vector<hxconditions::Event> events;
+    std::uint64_t lost = 0;  // overwritten before they could be read, or gone with a reset store
+};
+
 class Collector {
 public:
-    /// Both must outlive the collector.
-    Collector(Source& source, Log& log) : source_(source), log_(log) {}
+    /// The references must outlive the collector. `place` is the event of the store at which to go
+    /// on; without it, at the first one that is new.
+    Collector(Source& source, Log& log, std::optional<std::uint64_t> place)
+        : source_(source), log_(log), place_(place) {}
 
     /// Checks in, and writes each event that is new in the store to the log.
     CheckIn Collect();
 
     /// How the last check-in ended, as one line for people.
     std::string Status() const;
+
+    News TakeNews();
+
+    /// The store, as the last check-in found it.
+    const hxconditions::Store& Store() const { return store_state_; }
+    const StoreExtent& Extent() const { return extent_; }
+    std::optional<std::uint64_t> Place() const { return place_; }
 
 private:
     bool IsAnyAdapter(unsigned adapters);
@@ -40,6 +57,9 @@ private:
     Lasting events_{log_, "the event store can be read again"};
     std::optional<unsigned> adapters_;
     std::uint64_t told_ = 0;
+    News news_;
+    hxconditions::Store store_state_;
+    StoreExtent extent_;
     std::optional<std::uint64_t> place_;  // in the store: the next event to be told
 };
 

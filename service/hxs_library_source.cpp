@@ -2,8 +2,10 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <iterator>
 #include <utility>
 
 #include "codes/event_class.h"
@@ -13,6 +15,7 @@
 #include "model/event_store.h"
 #include "model/event_store_file.h"
 #include "model/failure.h"
+#include "model/health_answers.h"
 #include "model/library_session.h"
 
 #include "vexorapi.h"
@@ -35,6 +38,24 @@ std::string SeverityOf(const vexorctl::StoredEvent& event) {
     if (!severity) return "?";
     const std::string_view name = hxcodes::NameOf(hxcodes::kSeverityNames, *severity);
     return name.empty() ? std::to_string(*severity) : std::string(name);
+}
+
+hxconditions::Event EventOf(const vexorctl::StoredEvent& stored) {
+    using vexorctl::fields::Event;
+    const auto number = [&](const auto& field) {
+        return static_cast<std::uint32_t>(stored.record[field].value_or(0));
+    };
+    hxconditions::Event event;
+    event.adapter = number(Event::AdapterID);
+    event.event_class = number(Event::Class);
+    event.code = number(Event::Code);
+    event.device = number(Event::DeviceID);
+    event.time = number(Event::TimeStamp);
+    const auto params = stored.record[Event::Params].value_or(std::vector<std::uint64_t>());
+    for (std::size_t index = 0; index < std::min(params.size(), std::size(event.params)); ++index) {
+        event.params[index] = static_cast<std::uint32_t>(params[index]);
+    }
+    return event;
 }
 
 // Runs `work` and turns the exceptions of the asking functions into SourceError.
@@ -94,10 +115,17 @@ std::vector<StoredEvent> LibrarySource::ReadEvents(std::uint64_t first, std::uin
         std::vector<StoredEvent> events;
         for (const vexorctl::StoredEvent& each :
              vexorctl::ReadEvents(Opened(), first, next - first, page)) {
-            events.push_back({each.sequence, SeverityOf(each), each.Text()});
+            events.push_back({each.sequence, SeverityOf(each), each.Text(), EventOf(each)});
         }
         return events;
     });
+}
+
+hxconditions::Answers LibrarySource::LookAtMachine() {
+    Opened().BeginLook();
+    hxconditions::Answers answers = vexorctl::LoadHealth(Opened());
+    vexorctl::TakeRemapped(Opened(), answers);
+    return answers;
 }
 
 }  // namespace hxservice

@@ -15,6 +15,7 @@ public:
     void CheckIn(unsigned adapters) override;
     StoreExtent ReadExtent() override;
     std::vector<StoredEvent> ReadEvents(std::uint64_t first, std::uint64_t next) override;
+    hxconditions::Answers LookAtMachine() override;
 
 private:
     vexorctl::Controller& Opened();

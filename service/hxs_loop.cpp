@@ -1,67 +1,138 @@
 #include "service/hxs_loop.h"
 
 #include <algorithm>
-#include <string>
 #include <utility>
+
+#include "conditions/hxc_state.h"
+#include "service/hxs_status.h"
 
 namespace hxservice {
 
-Loop::Loop(Source& source, Outside& outside, Manager& manager, Log& log, const Settings& settings,
-           std::function<Settings()> read)
-    : collector_(source, log),
-      outside_(outside),
-      manager_(manager),
-      log_(log),
-      settings_(settings),
-      read_(std::move(read)) {}
+namespace {
 
-void Loop::Reload() {
-    manager_.Reloading();
-    try {
-        settings_ = read_();
-        log_.Say("the settings were read again");
-    } catch (const SettingsError& error) {
-        log_.Say(std::string(error.what()) + "; the old settings hold");
-    }
-    manager_.Ready();
+// What follows from an event (a spare that steps in, a rebuild) is there by then, so that one more
+// look tells all of it.
+constexpr Duration kAfterEvents = std::chrono::seconds(2);
+
+}  // namespace
+
+Loop::Loop(const Parts& parts, const Settings& settings, std::function<Settings()> read,
+           Saved saved, const std::string& damage)
+    : parts_(parts),
+      settings_(settings),
+      read_(std::move(read)),
+      collector_(parts.source, parts.log, saved.place),
+      watch_(parts.log, std::move(saved.state)) {
+    self_.is_here = true;
+    self_.state_was_damaged = !damage.empty();
+    self_.state_damage = damage;
 }
 
-Duration Loop::Pause() {
-    return settings_.collect_interval + outside_.Random(settings_.collect_jitter);
+void Loop::Look(const News& news) {
+    hxconditions::Answers answers = parts_.source.LookAtMachine();
+    answers.store = collector_.Store();
+    answers.store.events_lost = news.lost;
+    answers.service = self_;
+    watch_.Look(answers, news.events, parts_.outside.Clocks());
+    // Both in one transaction: after a crash an event is looked at again, or was remembered.
+    parts_.keeper.Save({watch_.State(), collector_.Place()});
+    PlanNextLook(news);
+}
+
+void Loop::PlanNextLook(const News& news) {
+    const Duration now = parts_.outside.Now();
+    if (!news.events.empty()) {
+        look_due_ = now + kAfterEvents;
+    } else if (watch_.IsPending()) {
+        look_due_ = now + std::min(settings_.collect_interval, settings_.watch_interval);
+    } else {
+        look_due_ = now + settings_.watch_interval;
+    }
+}
+
+void Loop::Publish(Rounds rounds, CheckIn how) {
+    parts_.keeper.Publish(StatusText({.written_at = parts_.outside.Clocks().real,
+                                      .interval = settings_.collect_interval,
+                                      .is_once = rounds == Rounds::kOnce,
+                                      .version = HXRAIDSVC_VERSION,
+                                      .collection = collector_.Status(),
+                                      .is_collecting = how == CheckIn::kDone,
+                                      .store = collector_.Extent(),
+                                      .overview = watch_.Overview(),
+                                      .counts = watch_.Counts()}));
+}
+
+CheckIn Loop::Round(Rounds rounds) {
+    const Duration began = parts_.outside.Now();
+    const bool was_closed = self_.rounds_without_check_in != 0;
+    const CheckIn how = collector_.Collect();
+    self_.rounds_without_check_in = how == CheckIn::kDone ? 0 : self_.rounds_without_check_in + 1;
+    const bool is_closed = self_.rounds_without_check_in != 0;
+    const News news = collector_.TakeNews();
+    const bool has_news = !news.events.empty() || news.lost != 0 || was_closed || is_closed;
+    if (has_news || !look_due_ || began >= *look_due_) Look(news);
+    Publish(rounds, how);
+    const bool is_slow = parts_.outside.Now() - began > settings_.collect_interval;
+    self_.slow_rounds = is_slow ? self_.slow_rounds + 1 : 0;
+    return how;
+}
+
+void Loop::Reload() {
+    parts_.manager.Reloading();
+    try {
+        settings_ = read_();
+        self_.rejected_configuration.clear();
+        parts_.log.Say("the settings were read again");
+    } catch (const SettingsError& error) {
+        self_.rejected_configuration = error.what();
+        parts_.log.Say(std::string(error.what()) + "; the old settings hold");
+    }
+    look_due_.reset();  // what the settings say is looked at with the next round
+    parts_.manager.Ready();
+}
+
+Duration Loop::Due(Duration ended) {
+    const Duration next =
+        ended + settings_.collect_interval + parts_.outside.Random(settings_.collect_jitter);
+    return look_due_ ? std::min(next, *look_due_) : next;
 }
 
 bool Loop::WaitForNext() {
-    const Duration ended = outside_.Now();
-    Duration due = ended + Pause();
-    // A storm of signals does not put off the check-in: the time is looked at after each of them.
+    const Duration ended = parts_.outside.Now();
+    Duration due = Due(ended);
+    // A storm of signals does not put off the round: the time is looked at after each of them.
     do {
-        manager_.Alive();
-        const Duration left = std::max(due - outside_.Now(), Duration(0));
-        switch (outside_.Wait(std::min(left, manager_.LongestSilence()))) {
+        parts_.manager.Alive();
+        const Duration left = std::max(due - parts_.outside.Now(), Duration(0));
+        switch (parts_.outside.Wait(std::min(left, parts_.manager.LongestSilence()))) {
             case Wake::kTime:
                 break;
             case Wake::kCheckNow:
+                look_due_.reset();
                 return true;
             case Wake::kReload:
                 Reload();
-                due = ended + Pause();
+                due = Due(ended);
                 break;
             case Wake::kEnd:
                 return false;
         }
-    } while (outside_.Now() < due);
+    } while (parts_.outside.Now() < due);
     return true;
 }
 
 void Loop::Run() {
-    collector_.Collect();
-    manager_.Ready();
-    manager_.Tell(collector_.Status());
+    Round(Rounds::kAgain);
+    parts_.manager.Ready();
+    parts_.manager.Tell(collector_.Status());
     while (WaitForNext()) {
-        collector_.Collect();
-        manager_.Tell(collector_.Status());
+        Round(Rounds::kAgain);
+        parts_.manager.Tell(collector_.Status());
     }
-    manager_.Stopping();
+    parts_.manager.Stopping();
+    parts_.keeper.Withdraw();
 }
+
+CheckIn Loop::RunOnce() { return Round(Rounds::kOnce); }
 
 }  // namespace hxservice

@@ -1,14 +1,20 @@
-// The service's loop: a check-in, a wait, and what signals ask for meanwhile.
+// The service's loop: rounds, waits, and what signals ask for meanwhile.
 #pragma once
 
 #include <cstdint>
 #include <functional>
+#include <optional>
+#include <string>
 
+#include "conditions/hxc_answers.h"
 #include "service/hxs_collector.h"
+#include "service/hxs_keeper.h"
 #include "service/hxs_log.h"
 #include "service/hxs_manager.h"
 #include "service/hxs_settings.h"
 #include "service/hxs_source.h"
+#include "service/hxs_state_file.h"
+#include "service/hxs_watch.h"
 
 namespace hxservice {
 
@@ -23,33 +29,54 @@ public:
     virtual Wake Wait(Duration longest) = 0;
     /// The time since the boot, sleep included; changes of the date do not move it.
     virtual Duration Now() = 0;
+    /// The machine's clocks, for the conditions.
+    virtual hxconditions::Now Clocks() = 0;
     /// A random time from 0 to `most`.
     virtual Duration Random(Duration most) = 0;
 };
 
+/// What the loop works with. Everything must outlive the loop.
+struct Parts {
+    Source& source;
+    Outside& outside;
+    Manager& manager;
+    Keeper& keeper;
+    Log& log;
+};
+
 class Loop {
 public:
-    /// `read` reads the settings file and throws SettingsError. The references must outlive the
-    /// loop.
-    Loop(Source& source, Outside& outside, Manager& manager, Log& log, const Settings& settings,
-         std::function<Settings()> read);
+    /// `read` reads the settings file and throws SettingsError. `saved` is what an earlier process
+    /// has kept, `damage` why that was lost, or empty.
+    Loop(const Parts& parts, const Settings& settings, std::function<Settings()> read, Saved saved,
+         const std::string& damage);
 
-    /// Checks in again and again, until Wake::kEnd.
+    /// Makes one round after the other, until Wake::kEnd.
     void Run();
 
+    /// Makes one round with a look at the machine.
+    CheckIn RunOnce();
+
 private:
+    enum class Rounds : std::uint8_t { kAgain, kOnce };
+
+    CheckIn Round(Rounds rounds);
+    void Look(const News& news);
+    void PlanNextLook(const News& news);
+    void Publish(Rounds rounds, CheckIn how);
     void Reload();
-    // How long to wait for the next check-in.
-    Duration Pause();
-    // Returns true when the next check-in is due, false at the end.
+    // When the next round is due, after one that ended at that time.
+    Duration Due(Duration ended);
+    // Returns true when the next round is due, false at the end.
     bool WaitForNext();
 
-    Collector collector_;
-    Outside& outside_;
-    Manager& manager_;
-    Log& log_;
+    Parts parts_;
     Settings settings_;
     std::function<Settings()> read_;
+    Collector collector_;
+    Watch watch_;
+    hxconditions::Service self_;
+    std::optional<Duration> look_due_;  // at once without it
 };
 
 }  // namespace hxservice

@@ -9,6 +9,9 @@ namespace hxservice {
 inline constexpr std::string_view kConfigurationFile = "/etc/hxraid/hxraidsvc.conf";
 inline constexpr std::string_view kRunFolder = "/run/hxraid";
 inline constexpr std::string_view kLockFile = "/run/hxraid/hxraidsvc.lock";
+inline constexpr std::string_view kStatusFile = "/run/hxraid/status.json";
+inline constexpr std::string_view kStateFolder = "/var/lib/hxraid";
+inline constexpr std::string_view kStateFile = "/var/lib/hxraid/state.db";
 inline constexpr std::string_view kStoreFolder = "/opt/kestrel/raid/db";
 inline constexpr std::string_view kLogFolder = "/var/log";
 

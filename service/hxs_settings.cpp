@@ -28,6 +28,9 @@ constexpr SettingRow kRows[] = {
     {"collect.jitter", &Settings::collect_jitter, milliseconds(0), hours(1),
      "Each wait is longer by a random part of this time, so that many machines that were started "
      "together do not work together."},
+    {"watch.interval", &Settings::watch_interval, seconds(5), hours(1),
+     "The longest time between two looks at the whole machine. An event makes the service look at "
+     "once."},
 };
 
 constexpr std::size_t kMostBytes = std::size_t{1} << 20;

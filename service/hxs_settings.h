@@ -16,6 +16,7 @@ using vexortools::Duration;
 struct Settings {
     Duration collect_interval = std::chrono::seconds(10);
     Duration collect_jitter = std::chrono::seconds(1);
+    Duration watch_interval = std::chrono::seconds(60);
 
     bool operator==(const Settings&) const = default;
 };

@@ -8,16 +8,20 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstddef>
 #include <cstring>
 #include <ctime>
 #include <optional>
 #include <string>
 
 #include "common/failure.h"
+#include "common/read_file.h"
 
 namespace hxservice {
 
 namespace {
+
+constexpr std::size_t kLongestBootId = 100;
 
 struct SignalRow {
     int signal;
@@ -37,6 +41,16 @@ sigset_t SignalSet() {
     return set;
 }
 
+// Without it every start counts as a boot: then no time has passed since the last look.
+std::string BootId() {
+    try {
+        return vexortools::ReadFile("/proc/sys/kernel/random/boot_id", vexortools::FileKind::kAny,
+                                    kLongestBootId);
+    } catch (const vexortools::FileError&) {
+        return "";
+    }
+}
+
 std::optional<Wake> Next(int signals) {
     signalfd_siginfo info{};
     if (read(signals, &info, sizeof info) != sizeof info) return std::nullopt;
@@ -47,7 +61,7 @@ std::optional<Wake> Next(int signals) {
 
 }  // namespace
 
-Signals::Signals() {
+Signals::Signals() : boot_id_(BootId()) {
     const sigset_t set = SignalSet();
     sigprocmask(SIG_BLOCK, &set, nullptr);
     signal(SIGPIPE, SIG_IGN);
@@ -75,6 +89,12 @@ Duration Signals::Now() {
     clock_gettime(CLOCK_BOOTTIME, &now);
     return std::chrono::duration_cast<Duration>(std::chrono::seconds(now.tv_sec) +
                                                 std::chrono::nanoseconds(now.tv_nsec));
+}
+
+hxconditions::Now Signals::Clocks() {
+    return {.real = std::time(nullptr),
+            .boot = std::chrono::duration_cast<std::chrono::seconds>(Now()).count(),
+            .boot_id = boot_id_};
 }
 
 Duration Signals::Random(Duration most) {

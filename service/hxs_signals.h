@@ -3,6 +3,7 @@
 #pragma once
 
 #include <random>
+#include <string>
 
 #include "descriptor.h"
 #include "service/hxs_loop.h"
@@ -16,10 +17,12 @@ public:
     Signals();
     Wake Wait(Duration longest) override;
     Duration Now() override;
+    hxconditions::Now Clocks() override;
     Duration Random(Duration most) override;
 
 private:
     Descriptor signals_;
+    std::string boot_id_;
     std::minstd_rand random_{std::random_device()()};
 };
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "conditions/hxc_answers.h"
+
 namespace hxservice {
 
 /// The controller or the event store cannot be asked; what() says why.
@@ -24,6 +26,7 @@ struct StoredEvent {
     std::uint64_t number = 0;
     std::string severity;
     std::string text;
+    hxconditions::Event event;
 };
 
 class Source {
@@ -45,6 +48,10 @@ public:
 
     /// The events from `first` to before `next` that can be read. Throws SourceError.
     virtual std::vector<StoredEvent> ReadEvents(std::uint64_t first, std::uint64_t next) = 0;
+
+    /// The machine as it is now, with what could not be read and why. Nothing of the store and the
+    /// service is filled in.
+    virtual hxconditions::Answers LookAtMachine() = 0;
 };
 
 }  // namespace hxservice

@@ -12,7 +12,9 @@
 #include "common/failure.h"
 #include "common/out_of_memory.h"
 #include "common/terminal_text.h"
+#include "conditions/hxc_state.h"
 #include "service/hxs_collector.h"
+#include "service/hxs_keeper.h"
 #include "service/hxs_library_source.h"
 #include "service/hxs_lock.h"
 #include "service/hxs_log.h"
@@ -21,6 +23,7 @@
 #include "service/hxs_paths.h"
 #include "service/hxs_settings.h"
 #include "service/hxs_signals.h"
+#include "service/hxs_state_file.h"
 
 namespace hxservice {
 
@@ -81,20 +84,28 @@ int Serve(const Words& words) {
     const Settings settings = ReadSettingsOf(words);
     const MissingFolder missing =
         words.once || words.foreground ? MissingFolder::kMakeBelowRoot : MissingFolder::kRefuse;
-    for (const std::string_view folder : {kRunFolder, kStoreFolder, kLogFolder}) {
+    for (const std::string_view folder : {kRunFolder, kStateFolder, kStoreFolder, kLogFolder}) {
         RequireFolder(folder, missing);
     }
     Signals signals;
     const Lock lock(UnderRoot(kLockFile));
     ServiceLog log(words.once || words.foreground);
+    StateFile state(UnderRoot(kStateFile));
+    if (!state.Damage().empty()) log.Say(state.Damage());
+    FileKeeper keeper(state, UnderRoot(kStatusFile), log);
     LibrarySource source;
+    Systemd manager;
+    Saved saved = state.TakeSaved();
+    // Rounds that are made one by one go on with the time that has passed since the last one.
+    if (!words.once) hxconditions::NoteStart(saved.state);
+    Loop loop(
+        {source, signals, manager, keeper, log}, settings, [&] { return ReadSettingsOf(words); },
+        std::move(saved), state.Damage());
     if (words.once) {
-        Collector collector(source, log);
-        return CodeOf(collector.Collect() == CheckIn::kDone ? Exit::kDone : Exit::kUnavailable);
+        return CodeOf(loop.RunOnce() == CheckIn::kDone ? Exit::kDone : Exit::kUnavailable);
     }
     log.Say("hxraidsvc " HXRAIDSVC_VERSION " has started");
-    Systemd manager;
-    Loop(source, signals, manager, log, settings, [&] { return ReadSettingsOf(words); }).Run();
+    loop.Run();
     log.Say("hxraidsvc has ended");
     return CodeOf(Exit::kDone);
 }

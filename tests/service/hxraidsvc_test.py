@@ -4,6 +4,7 @@
 usage: hxraidsvc_test.py HXRAIDSVC
 """
 
+import json
 import os
 import pathlib
 import re
@@ -249,6 +250,87 @@ class Loop(Case):
             service.process.kill()
             service.process.wait()
         self.root.service("--once")
+
+
+class Conditions(Case):
+    def status(self):
+        return json.loads(self.root.path("/run/hxraid/status.json").read_text())
+
+    def codes(self):
+        return [each["code"] for each in self.status()["conditions"]]
+
+    def changes(self):
+        return [line for line in self.root.log()
+                if re.match(r"(raised|cleared|worse|better|passed)\b", line)]
+
+    def test_are_told_once_and_remembered_between_rounds(self):
+        self.root.service("--once")
+        self.assertEqual(self.status()["overall"], "ok")
+        self.root.hxsimctl("smart", "trip", "a0/pd4")
+        self.root.service("--once")
+        self.root.service("--once")
+        raised = [line for line in self.changes() if "a0/pd4" in line]
+        self.assertEqual(len(raised), 1, raised)
+        self.assertTrue(raised[0].startswith("raised: [warning] DISK_PREDICTED_FAILURE: a0/pd4"))
+        self.assertIn("DISK_PREDICTED_FAILURE", self.codes())
+        self.root.hxsimctl("disk", "replace", "a0/pd4")
+        self.root.service("--once")
+        self.assertRegex(self.changes()[-1],
+                         r"^cleared after .*: \[warning\] DISK_PREDICTED_FAILURE: a0/pd4")
+        self.assertNotIn("DISK_PREDICTED_FAILURE", self.codes())
+
+    def test_are_published_for_everybody_after_each_round(self):
+        self.root.service("--once")
+        file = self.root.path("/run/hxraid/status.json")
+        self.assertEqual(file.stat().st_mode & 0o777, 0o644 & ~os.umask(os.umask(0)))
+        status = self.status()
+        self.assertEqual(status["schema"], "hxraidsvc-status/1")
+        self.assertEqual(status["once"], True)
+        self.assertEqual(status["collecting"], True)
+        self.assertEqual(status["machine"]["disks"], 8)
+        self.assertEqual(status["store"]["first"], 0)
+        self.assertGreater(status["store"]["next"], 5)
+        self.assertLess(abs(status["written_at"] - time.time()), 3600)
+
+    def test_are_not_told_again_by_a_service_that_was_killed(self):
+        self.root.configure('[collect]\ninterval = "1h"\n')
+        self.root.hxsimctl("smart", "trip", "a0/pd4")
+        for _ in range(2):
+            with Running(self.root) as service:
+                wait_for(lambda: self.root.path("/run/hxraid/status.json").exists(), "the status")
+                service.says("DISK_PREDICTED_FAILURE")
+                self.assertIn("DISK_PREDICTED_FAILURE", self.codes())
+                service.process.kill()
+            self.root.path("/run/hxraid/status.json").unlink()
+        self.assertEqual(len([line for line in self.changes() if "a0/pd4" in line]), 1)
+
+    def test_of_a_service_that_has_ended_are_published_no_more(self):
+        with Running(self.root) as service:
+            wait_for(lambda: self.root.path("/run/hxraid/status.json").exists(), "the status")
+            service.end()
+        self.assertFalse(self.root.path("/run/hxraid/status.json").exists())
+
+    def test_begin_anew_when_the_state_file_is_damaged(self):
+        self.root.hxsimctl("smart", "trip", "a0/pd4")
+        self.root.service("--once")
+        state = self.root.path("/var/lib/hxraid/state.db")
+        state.write_bytes(b"x" * 5000)
+        done = self.root.service("--once")
+        self.assertIn(f"; it is {state}.damaged now\n", done.stderr)
+        self.assertIn("raised: [warning] DISK_PREDICTED_FAILURE: a0/pd4", done.stderr)
+        self.assertIn("SERVICE_STATE_DAMAGED", self.codes())
+
+    def test_tell_that_events_are_not_collected(self):
+        folder = self.root.path("/opt/kestrel/raid/db")
+        folder.mkdir(parents=True)
+        (folder / "vx_hx_raid.ev").mkdir()
+        done = self.root.service("--once", code=5)
+        self.assertIn("raised: [critical] EVENTS_NOT_COLLECTED: ", done.stderr)
+        self.assertEqual(self.status()["collecting"], False)
+        self.assertEqual(self.status()["overall"], "critical")
+        (folder / "vx_hx_raid.ev").rmdir()
+        self.assertRegex(self.root.service("--once").stderr,
+                         r"cleared after .*: \[critical\] EVENTS_NOT_COLLECTED: ")
 
 
 class Notified(Case):

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 
 #include "service/scripted_source.h"
@@ -19,7 +20,7 @@ class CheckInTest : public testing::Test {
 protected:
     ScriptedSource source_;
     KeptLog log_;
-    Collector collector_{source_, log_};
+    Collector collector_{source_, log_, std::nullopt};
 };
 
 TEST_F(CheckInTest, TellsEachNewEventOnce) {
@@ -142,6 +143,49 @@ TEST_F(CheckInTest, TellsThatTheStoreWasResetAndWhatIsNewInIt) {
     EXPECT_THAT(log_.lines,
                 ElementsAre("the event store was reset: it ended at event 2 and ends at event 0",
                             "event 0 [info] three"));
+}
+
+TEST_F(CheckInTest, GoesOnWhereAnEarlierProcessEnded) {
+    source_.store = {{0, "zero"}, {1, "one"}, {2, "two"}};
+    source_.next = 3;
+    Collector again(source_, log_, 1);
+    again.Collect();
+    EXPECT_THAT(log_.lines, ElementsAre("1 adapter", "event 1 [info] one", "event 2 [info] two"));
+    EXPECT_EQ(again.Place(), 3U);
+}
+
+TEST_F(CheckInTest, HandsOutItsNewsOnce) {
+    source_.queue = {"one", "two"};
+    collector_.Collect();
+    EXPECT_EQ(collector_.TakeNews().events.size(), 2U);
+    EXPECT_EQ(collector_.TakeNews().events.size(), 0U);
+}
+
+TEST_F(CheckInTest, CountsTheEventsThatAreLost) {
+    source_.capacity = 3;
+    collector_.Collect();
+    source_.queue = {"zero", "one", "two", "three", "four"};
+    collector_.Collect();
+    EXPECT_EQ(collector_.TakeNews().lost, 2U);
+    source_.ResetStore();
+    collector_.Collect();
+    EXPECT_EQ(collector_.TakeNews().lost, 1U);  // at least
+}
+
+TEST_F(CheckInTest, TellsTheStateOfTheStore) {
+    using State = hxconditions::Store::State;
+    source_.closed = "/db/vx_hx_raid.ev: cannot write the event store: Is a directory";
+    collector_.Collect();
+    EXPECT_EQ(collector_.Store().state, State::kNotWritable);
+    EXPECT_EQ(collector_.Store().path, "/db/vx_hx_raid.ev");
+    EXPECT_EQ(collector_.Store().reason, "cannot write the event store: Is a directory");
+    source_.closed.clear();
+    source_.unreadable = "it is damaged";
+    collector_.Collect();
+    EXPECT_EQ(collector_.Store().state, State::kUnreadable);
+    source_.unreadable.clear();
+    collector_.Collect();
+    EXPECT_EQ(collector_.Store().state, State::kGood);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,10 @@ public:
         return wake;
     }
     Duration Now() override { return now; }
+    hxconditions::Now Clocks() override {
+        const auto passed = std::chrono::duration_cast<seconds>(now).count();
+        return {.real = 1000000 + passed, .boot = passed, .boot_id = "boot"};
+    }
     Duration Random(Duration most) override { return most; }
 
     Duration now{0};
@@ -70,80 +75,90 @@ public:
     Duration longest_silence = std::chrono::hours(24);
 };
 
-Settings TenSeconds() { return {.collect_interval = seconds(10), .collect_jitter = Duration(0)}; }
+class KeptFiles : public hxservice::Keeper {
+public:
+    void Save(const hxservice::Saved& one) override { saved.push_back(one); }
+    void Publish(const std::string& text) override {
+        status = text;
+        ++published;
+    }
+    void Withdraw() override { status.clear(); }
 
-TEST(ServiceLoop, ChecksInAtOnceAndThenAfterEachInterval) {
+    std::vector<hxservice::Saved> saved;
+    std::string status;
+    int published = 0;
+};
+
+Settings TenSeconds() {
+    return {.collect_interval = seconds(10),
+            .collect_jitter = Duration(0),
+            .watch_interval = std::chrono::hours(1)};
+}
+
+class ServiceLoop : public testing::Test {
+protected:
+    void Run(VirtualTime& time, const Settings& settings = TenSeconds(),
+             const std::function<Settings()>& read = TenSeconds) {
+        Loop({source, time, manager, keeper, log}, settings, read, {}, "").Run();
+    }
+
     ScriptedSource source;
     KeptLog log;
     KeptManager manager;
+    KeptFiles keeper;
+};
+
+TEST_F(ServiceLoop, ChecksInAtOnceAndThenAfterEachInterval) {
     VirtualTime time({{seconds(35), Wake::kEnd}});
-    Loop(source, time, manager, log, TenSeconds(), TenSeconds).Run();
+    Run(time);
     EXPECT_THAT(source.check_ins, SizeIs(4));  // at 0, 10, 20 and 30 seconds
 }
 
-TEST(ServiceLoop, WaitsLongerByTheRandomPart) {
-    ScriptedSource source;
-    KeptLog log;
-    KeptManager manager;
+TEST_F(ServiceLoop, WaitsLongerByTheRandomPart) {
     VirtualTime time({{seconds(5), Wake::kEnd}});
-    Loop(source, time, manager, log,
-         {.collect_interval = seconds(10), .collect_jitter = seconds(2)}, TenSeconds)
-        .Run();
+    Run(time, {.collect_interval = seconds(10), .collect_jitter = seconds(2)});
     EXPECT_THAT(time.waits, ElementsAre(seconds(12)));
 }
 
-TEST(ServiceLoop, ChecksInNowWhenAsked) {
-    ScriptedSource source;
-    KeptLog log;
-    KeptManager manager;
+TEST_F(ServiceLoop, ChecksInNowWhenAsked) {
     VirtualTime time({{seconds(3), Wake::kCheckNow}, {seconds(4), Wake::kEnd}});
-    Loop(source, time, manager, log, TenSeconds(), TenSeconds).Run();
+    Run(time);
     EXPECT_THAT(source.check_ins, SizeIs(2));
     EXPECT_THAT(time.waits, ElementsAre(seconds(10), seconds(10)));
 }
 
-TEST(ServiceLoop, UsesTheNewIntervalFromTheLastCheckInOn) {
-    ScriptedSource source;
-    KeptLog log;
-    KeptManager manager;
+TEST_F(ServiceLoop, UsesTheNewIntervalFromTheLastCheckInOn) {
     VirtualTime time({{seconds(3), Wake::kReload}, {seconds(18), Wake::kEnd}});
-    Loop(source, time, manager, log, TenSeconds(), [] {
-        return Settings{.collect_interval = seconds(15), .collect_jitter = Duration(0)};
-    }).Run();
+    Run(time, TenSeconds(), [] {
+        Settings settings = TenSeconds();
+        settings.collect_interval = seconds(15);
+        return settings;
+    });
     EXPECT_THAT(time.waits, ElementsAre(seconds(10), seconds(12), seconds(15)));
     EXPECT_THAT(log.lines, ElementsAre("1 adapter", "the settings were read again"));
 }
 
-TEST(ServiceLoop, DoesNotCheckInForAStormOfReloads) {
-    ScriptedSource source;
-    KeptLog log;
-    KeptManager manager;
+TEST_F(ServiceLoop, DoesNotCheckInForAStormOfReloads) {
     std::deque<Signal> storm(100, {Duration(10), Wake::kReload});
     storm.push_back({Duration(10), Wake::kEnd});
     VirtualTime time(storm);
-    Loop(source, time, manager, log, TenSeconds(), TenSeconds).Run();
+    Run(time);
     EXPECT_THAT(source.check_ins, SizeIs(1));
 }
 
-TEST(ServiceLoop, ChecksInDuringAnEndlessStormOfReloads) {
-    ScriptedSource source;
-    KeptLog log;
-    KeptManager manager;
+TEST_F(ServiceLoop, ChecksInDuringAnEndlessStormOfReloads) {
     std::deque<Signal> storm(250, {Duration(100), Wake::kReload});
     storm.push_back({Duration(10), Wake::kEnd});
     VirtualTime time(storm);
-    Loop(source, time, manager, log, TenSeconds(), TenSeconds).Run();
+    Run(time);
     EXPECT_THAT(source.check_ins, SizeIs(3));
 }
 
-TEST(ServiceLoop, KeepsTheOldSettingsWhenTheNewOnesCannotBeUsed) {
-    ScriptedSource source;
-    KeptLog log;
-    KeptManager manager;
+TEST_F(ServiceLoop, KeepsTheOldSettingsWhenTheNewOnesCannotBeUsed) {
     VirtualTime time({{seconds(3), Wake::kReload}, {seconds(1), Wake::kEnd}});
-    Loop(source, time, manager, log, TenSeconds(), []() -> Settings {
+    Run(time, TenSeconds(), []() -> Settings {
         throw SettingsError("hxraidsvc.conf:2: there is no key \"interval\"");
-    }).Run();
+    });
     EXPECT_THAT(time.waits, ElementsAre(seconds(10), seconds(7)));
     EXPECT_THAT(log.lines,
                 ElementsAre("1 adapter",
@@ -151,62 +166,170 @@ TEST(ServiceLoop, KeepsTheOldSettingsWhenTheNewOnesCannotBeUsed) {
                             "hold"));
 }
 
-TEST(ServiceLoop, GoesOnWhileTheControllerCannotBeReached) {
-    ScriptedSource source;
+TEST_F(ServiceLoop, GoesOnWhileTheControllerCannotBeReached) {
     source.trouble = "the controller cannot be asked";
-    KeptLog log;
-    KeptManager manager;
     VirtualTime time({{seconds(25), Wake::kEnd}});
-    Loop(source, time, manager, log, TenSeconds(), TenSeconds).Run();
+    Run(time);
     EXPECT_THAT(time.waits, SizeIs(3));
     EXPECT_THAT(log.lines, ElementsAre("the controller cannot be asked"));
 }
 
-TEST(ServiceLoop, IsReadyAfterTheFirstCheckInAndTellsEach) {
-    ScriptedSource source;
+TEST_F(ServiceLoop, IsReadyAfterTheFirstCheckInAndTellsEach) {
     source.queue = {"a0/pd5 has failed"};
-    KeptLog log;
-    KeptManager manager;
-    VirtualTime time({{seconds(15), Wake::kEnd}});
-    Loop(source, time, manager, log, TenSeconds(), TenSeconds).Run();
+    VirtualTime time({{seconds(11), Wake::kEnd}});  // after rounds at 0 and 2 seconds
+    Run(time);
     EXPECT_THAT(manager.told,
                 ElementsAre("ready", "1 adapter, 1 event collected since the start",
                             "1 adapter, 1 event collected since the start", "stopping"));
 }
 
-TEST(ServiceLoop, TellsTheManagerOfATroubleThatLasts) {
-    ScriptedSource source;
+TEST_F(ServiceLoop, TellsTheManagerOfATroubleThatLasts) {
     source.trouble = "the controller cannot be asked";
-    KeptLog log;
-    KeptManager manager;
     VirtualTime time({{seconds(5), Wake::kEnd}});
-    Loop(source, time, manager, log, TenSeconds(), TenSeconds).Run();
+    Run(time);
     EXPECT_THAT(manager.told, ElementsAre("ready", "the controller cannot be asked", "stopping"));
 }
 
-TEST(ServiceLoop, IsReadyAgainAfterAReloadThatFailed) {
-    ScriptedSource source;
-    KeptLog log;
-    KeptManager manager;
+TEST_F(ServiceLoop, IsReadyAgainAfterAReloadThatFailed) {
     VirtualTime time({{seconds(3), Wake::kReload}, {seconds(1), Wake::kEnd}});
-    Loop(source, time, manager, log, TenSeconds(), []() -> Settings {
-        throw SettingsError("f.conf:1: there is no key \"x\"");
-    }).Run();
+    Run(time, TenSeconds(),
+        []() -> Settings { throw SettingsError("f.conf:1: there is no key \"x\""); });
     EXPECT_THAT(manager.told, ElementsAre("ready", "1 adapter, 0 events collected since the start",
                                           "reloading", "ready", "stopping"));
 }
 
-TEST(ServiceLoop, IsNeverSilentForLongerThanTheWatchdogTakes) {
-    ScriptedSource source;
-    KeptLog log;
-    KeptManager manager;
+TEST_F(ServiceLoop, IsNeverSilentForLongerThanTheWatchdogTakes) {
     manager.longest_silence = seconds(4);
     VirtualTime time({{seconds(15), Wake::kEnd}});
-    Loop(source, time, manager, log, TenSeconds(), TenSeconds).Run();
+    Run(time);
     EXPECT_THAT(time.waits,
                 ElementsAre(seconds(4), seconds(4), seconds(2), seconds(4), seconds(4)));
     EXPECT_EQ(manager.alive, 5);
     EXPECT_THAT(source.check_ins, SizeIs(2));
+}
+
+// ---- Looks at the machine ----
+
+hxconditions::Adapter AdapterWithDisk(unsigned status) {
+    using hxconditions::Query;
+    hxconditions::Adapter adapter;
+    adapter.serial = "VC1";
+    for (Query* query :
+         {&adapter.info, &adapter.settings, &adapter.virtual_disks_query, &adapter.disks_query,
+          &adapter.smart, &adapter.groups_query, &adapter.enclosures_query}) {
+        query->result = Query::Result::kRead;
+    }
+    adapter.battery_query.result = Query::Result::kNone;
+    adapter.flash = {true, true, true, true, true, true};
+    adapter.auto_rebuild = true;
+    adapter.poll_smart = true;
+    hxconditions::Disk& disk = adapter.disks.emplace_back();
+    disk.id = 5;
+    disk.serial = "QD-5";
+    disk.status = status;
+    disk.sectors = 1000000;
+    disk.smart_alarm = false;
+    disk.smart_on = true;
+    return adapter;
+}
+
+constexpr unsigned kOnline = 0x01;
+constexpr unsigned kFailed = 0x20;
+
+class WatchedMachine : public ServiceLoop {
+protected:
+    WatchedMachine() {
+        source.answers.machine.result = hxconditions::Query::Result::kRead;
+        Show(kOnline);
+    }
+    void Show(unsigned status) { source.answers.adapters = {AdapterWithDisk(status)}; }
+
+    std::vector<std::string> Changes() const {
+        std::vector<std::string> changes;
+        for (const std::string& line : log.lines) {
+            for (const char* word : {"raised", "cleared", "worse", "better", "passed"}) {
+                if (line.starts_with(word)) changes.push_back(line);
+            }
+        }
+        return changes;
+    }
+};
+
+TEST_F(WatchedMachine, IsLookedAtAtItsIntervalAndTwoSecondsAfterEvents) {
+    Settings settings = TenSeconds();
+    settings.watch_interval = seconds(60);
+    VirtualTime quiet({{seconds(65), Wake::kEnd}});
+    Run(quiet, settings);
+    EXPECT_EQ(source.looks, 2);  // at 0 and 60 seconds
+    source.looks = 0;
+    source.queue = {"something"};
+    VirtualTime busy({{seconds(5), Wake::kEnd}});
+    Run(busy, settings);
+    EXPECT_EQ(source.looks, 2);  // at 0 and 2 seconds
+}
+
+TEST_F(WatchedMachine, IsLookedAtWhenAsked) {
+    VirtualTime time({{seconds(3), Wake::kCheckNow}, {seconds(1), Wake::kEnd}});
+    Run(time);
+    EXPECT_EQ(source.looks, 2);
+}
+
+TEST_F(WatchedMachine, RaisesAFailedDiskAndClearsItAfterItsReplacement) {
+    Show(kFailed);
+    VirtualTime failed({{seconds(65), Wake::kEnd}});
+    Run(failed);
+    ASSERT_EQ(Changes().size(), 1U);
+    EXPECT_TRUE(Changes()[0].starts_with("raised: [warning] DISK_FAILED: a0/pd5")) << Changes()[0];
+    EXPECT_EQ(keeper.saved.back().place, 0U);
+
+    // Another process goes on with what was kept.
+    Show(kOnline);
+    log.lines.clear();
+    VirtualTime mended({{seconds(5), Wake::kEnd}});
+    Loop({source, mended, manager, keeper, log}, TenSeconds(), TenSeconds, keeper.saved.back(), "")
+        .Run();
+    ASSERT_EQ(Changes().size(), 1U);
+    EXPECT_TRUE(Changes()[0].starts_with("cleared after ")) << Changes()[0];
+}
+
+TEST_F(WatchedMachine, RaisesWhatKeepsEventsFromBeingCollected) {
+    source.closed = "/db: the event store's folder: No such file or directory";
+    VirtualTime time({{seconds(15), Wake::kEnd}});
+    Run(time);
+    ASSERT_EQ(Changes().size(), 1U);
+    EXPECT_TRUE(
+        Changes()[0].starts_with("raised: [critical] EVENTS_NOT_COLLECTED: controller "
+                                 "events are not collected: /db: the event store's "
+                                 "folder: No such file or directory"))
+        << Changes()[0];
+}
+
+TEST_F(WatchedMachine, ClearsWhatKeptEventsFromBeingCollectedOnceTheyAre) {
+    source.closed = "/db: the event store's folder: No such file or directory";
+    VirtualTime closed({{seconds(5), Wake::kEnd}});
+    Run(closed);
+    source.closed.clear();
+    log.lines.clear();
+    VirtualTime open({{seconds(5), Wake::kEnd}});
+    Loop({source, open, manager, keeper, log}, TenSeconds(), TenSeconds, keeper.saved.back(), "")
+        .Run();
+    ASSERT_EQ(Changes().size(), 1U);
+    EXPECT_NE(Changes()[0].find("EVENTS_NOT_COLLECTED"), std::string::npos) << Changes()[0];
+}
+
+TEST_F(WatchedMachine, RaisesSettingsThatWereRefused) {
+    VirtualTime time({{seconds(3), Wake::kReload}, {seconds(10), Wake::kEnd}});
+    Run(time, TenSeconds(), []() -> Settings { throw SettingsError("f.conf:1: no key"); });
+    ASSERT_EQ(Changes().size(), 1U);
+    EXPECT_EQ(Changes()[0],
+              "raised: [warning] SERVICE_CONFIG_REJECTED: f.conf:1: no key; the old settings hold");
+}
+
+TEST_F(WatchedMachine, PublishesAfterEachRoundAndNothingAfterItsEnd) {
+    VirtualTime time({{seconds(15), Wake::kEnd}});
+    Run(time);
+    EXPECT_EQ(keeper.published, 2);
+    EXPECT_EQ(keeper.status, "");
 }
 
 }  // namespace

@@ -91,7 +91,7 @@ TEST(ServiceSettings, OfAFileThatIsNotThereAreTheDefaultsOrAnError) {
 }
 
 TEST(ServiceSettings, HaveARowForEachKeyWithItsMeaning) {
-    EXPECT_EQ(hxservice::SettingRows().size(), 2U);
+    EXPECT_EQ(hxservice::SettingRows().size(), 3U);
     for (const hxservice::SettingRow& row : hxservice::SettingRows()) {
         EXPECT_FALSE(row.meaning.empty()) << row.key;
         EXPECT_GE(Settings().*row.field, row.least) << row.key;

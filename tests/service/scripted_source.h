@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "conditions/hxc_answers.h"
 #include "service/hxs_log.h"
 #include "service/hxs_source.h"
 
@@ -28,6 +29,9 @@ public:
     std::vector<unsigned> check_ins;  // with how many adapters
     std::map<std::uint64_t, std::string> store;
     std::uint64_t next = 0;
+    hxconditions::Event event;      // each of the events is such a one
+    hxconditions::Answers answers;  // of the machine
+    int looks = 0;
 
     void ResetStore() {
         store.clear();
@@ -43,7 +47,7 @@ public:
     }
     void CheckIn(unsigned count) override {
         check_ins.push_back(count);
-        for (std::string& event : queue) store[next++] = std::move(event);
+        for (std::string& text : queue) store[next++] = std::move(text);
         queue.clear();
         while (store.size() > capacity) store.erase(store.begin());
     }
@@ -55,8 +59,12 @@ public:
                                                    std::uint64_t end) override {
         std::vector<hxservice::StoredEvent> events;
         for (std::uint64_t number = first; number < end; ++number) {
-            events.push_back({number, "info", store.at(number)});
+            events.push_back({number, "info", store.at(number), event});
         }
         return events;
+    }
+    hxconditions::Answers LookAtMachine() override {
+        ++looks;
+        return answers;
     }
 };

@@ -130,12 +130,12 @@ void NewFile::Put(Existing existing, mode_t mode) const {
     SyncFolderOf(place_);
 }
 
-void ReplaceFile(const std::string& path, std::string_view content) {
+void ReplaceFile(const std::string& path, std::string_view content, mode_t mode) {
     const NewFile file(path);
     Descriptor opened = OpenToWrite(file.Path());
     if (!WriteAll(opened.Get(), content) || !opened.Close()) throw FileError(errno);
     if (file.Size() != content.size()) throw FileError(EIO);
-    file.Put(Existing::kReplace, 0600);
+    file.Put(Existing::kReplace, mode);
 }
 
 }  // namespace vexortools

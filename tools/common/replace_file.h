@@ -48,8 +48,8 @@ private:
     std::string file_;
 };
 
-/// Replaces or creates the file at `path` with that content. A new file is readable only for its
-/// owner. Throws FileError; then the old file stays.
-void ReplaceFile(const std::string& path, std::string_view content);
+/// Replaces or creates the file at `path` with that content. A new file gets `mode`, reduced by the
+/// umask. Throws FileError; then the old file stays.
+void ReplaceFile(const std::string& path, std::string_view content, mode_t mode = 0600);
 
 }  // namespace vexortools

@@ -1,0 +1,37 @@
+// Where the service keeps what it remembers and publishes what it found.
+#pragma once
+
+#include <string>
+
+#include "service/hxs_log.h"
+#include "service/hxs_state_file.h"
+
+namespace hxservice {
+
+class Keeper {
+public:
+    virtual ~Keeper() = default;
+    virtual void Save(const Saved& saved) = 0;
+    /// Replaces the published status.
+    virtual void Publish(const std::string& status) = 0;
+    /// Nobody watches from now on.
+    virtual void Withdraw() = 0;
+};
+
+/// Files. A failure is told in the log while it lasts, and ends nothing.
+class FileKeeper : public Keeper {
+public:
+    /// The references must outlive the keeper.
+    FileKeeper(StateFile& state, std::string status_path, Log& log);
+    void Save(const Saved& saved) override;
+    void Publish(const std::string& status) override;
+    void Withdraw() override;
+
+private:
+    StateFile& state_;
+    std::string status_path_;
+    Lasting saving_;
+    Lasting publishing_;
+};
+
+}  // namespace hxservice

@@ -1,0 +1,115 @@
+#include "service/hxs_state_file.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+#include "descriptor.h"
+#include "service/hxs_state_json.h"
+
+namespace hxservice {
+
+namespace {
+
+using hxsqlite::Access;
+using hxsqlite::Connection;
+using hxsqlite::Statement;
+using hxsqlite::StoreError;
+using hxsqlite::Transaction;
+using hxsqlite::Trouble;
+
+constexpr int kApplication = 0x68787376;  // "hxsv"
+
+constexpr std::string_view kState = "conditions";
+constexpr std::string_view kPlace = "place";
+
+struct Damaged : StoreError {
+    using StoreError::StoreError;
+};
+
+std::string SentenceOf(Trouble trouble, const std::string& path, const std::string& why) {
+    const char* const what = trouble == Trouble::kDamaged ? " is damaged: " : " cannot be used: ";
+    return path + what + why;
+}
+
+void Make(const std::string& path) {
+    const Descriptor file(open(
+        path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY | O_NONBLOCK, 0640));
+    if (!file.IsOpen()) throw StoreError(path + " cannot be made: " + std::strerror(errno));
+}
+
+std::optional<std::string> Value(const Connection& connection, std::string_view name) {
+    Statement select = connection.Prepare("SELECT value FROM kept WHERE name = ?");
+    select.BindText(1, name);
+    if (!select.Step()) return std::nullopt;
+    return std::string(select.Bytes(0));
+}
+
+void Keep(const Connection& connection, std::string_view name, const std::string& value) {
+    Statement insert = connection.Prepare("INSERT OR REPLACE INTO kept VALUES (?, ?)");
+    insert.BindText(1, name);
+    insert.BindText(2, value);
+    insert.Run();
+}
+
+}  // namespace
+
+StateFile::StateFile(const std::string& path) {
+    try {
+        Open(path);
+    } catch (const hxsqlite::BusyError&) {
+        throw;
+    } catch (const StoreError& error) {
+        connection_ = Connection();
+        const std::string aside = path + ".damaged";
+        if (std::rename(path.c_str(), aside.c_str()) != 0) throw;
+        std::rename((path + "-journal").c_str(), (aside + "-journal").c_str());
+        damage_ = std::string(error.what()) + "; it is " + aside + " now";
+        saved_ = Saved();
+        Open(path);
+    }
+}
+
+void StateFile::Open(const std::string& path) {
+    Make(path);
+    connection_ = Connection(path, Access::kWrite, SentenceOf);
+    const std::int64_t version = connection_.Number("PRAGMA user_version");
+    const std::int64_t application = connection_.Number("PRAGMA application_id");
+    if (version == 0 && application == 0 &&
+        connection_.Number("SELECT count(*) FROM sqlite_schema") == 0) {
+        Transaction transaction(connection_);
+        connection_.Execute("CREATE TABLE kept (name TEXT PRIMARY KEY, value TEXT NOT NULL)");
+        connection_.Execute("PRAGMA application_id = " + std::to_string(kApplication));
+        connection_.Execute("PRAGMA user_version = " + std::to_string(kStateVersion));
+        transaction.Commit();
+        return;
+    }
+    if (application != kApplication || version != kStateVersion) {
+        throw Damaged(path + " is no state of this version of the service");
+    }
+    if (const auto text = Value(connection_, kState)) {
+        try {
+            saved_.state = ParseState(*text);
+        } catch (const StateTextError& error) {
+            throw Damaged(path + " is damaged: " + error.what());
+        }
+    }
+    if (const auto place = Value(connection_, kPlace)) {
+        saved_.place = std::strtoull(place->c_str(), nullptr, 10);
+    }
+}
+
+void StateFile::Save(const Saved& saved) {
+    Transaction transaction(connection_);
+    Keep(connection_, kState, StateText(saved.state));
+    if (saved.place) Keep(connection_, kPlace, std::to_string(*saved.place));
+    transaction.Commit();
+}
+
+}  // namespace hxservice
