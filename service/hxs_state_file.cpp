@@ -19,8 +19,8 @@ namespace {
 
 using hxsqlite::Access;
 using hxsqlite::Connection;
+using hxsqlite::DamagedError;
 using hxsqlite::Statement;
-using hxsqlite::StoreError;
 using hxsqlite::Transaction;
 using hxsqlite::Trouble;
 
@@ -28,10 +28,6 @@ constexpr int kApplication = 0x68787376;  // "hxsv"
 
 constexpr std::string_view kState = "conditions";
 constexpr std::string_view kPlace = "place";
-
-struct Damaged : StoreError {
-    using StoreError::StoreError;
-};
 
 std::string SentenceOf(Trouble trouble, const std::string& path, const std::string& why) {
     const char* const what = trouble == Trouble::kDamaged ? " is damaged: " : " cannot be used: ";
@@ -41,7 +37,8 @@ std::string SentenceOf(Trouble trouble, const std::string& path, const std::stri
 void Make(const std::string& path) {
     const Descriptor file(open(
         path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY | O_NONBLOCK, 0640));
-    if (!file.IsOpen()) throw StoreError(path + " cannot be made: " + std::strerror(errno));
+    if (!file.IsOpen())
+        throw hxsqlite::StoreError(path + " cannot be made: " + std::strerror(errno));
 }
 
 std::optional<std::string> Value(const Connection& connection, std::string_view name) {
@@ -63,9 +60,7 @@ void Keep(const Connection& connection, std::string_view name, const std::string
 StateFile::StateFile(const std::string& path) {
     try {
         Open(path);
-    } catch (const hxsqlite::BusyError&) {
-        throw;
-    } catch (const StoreError& error) {
+    } catch (const DamagedError& error) {
         connection_ = Connection();
         const std::string aside = path + ".damaged";
         if (std::rename(path.c_str(), aside.c_str()) != 0) throw;
@@ -91,13 +86,13 @@ void StateFile::Open(const std::string& path) {
         return;
     }
     if (application != kApplication || version != kStateVersion) {
-        throw Damaged(path + " is no state of this version of the service");
+        throw DamagedError(path + " is no state of this version of the service");
     }
     if (const auto text = Value(connection_, kState)) {
         try {
             saved_.state = ParseState(*text);
         } catch (const StateTextError& error) {
-            throw Damaged(path + " is damaged: " + error.what());
+            throw DamagedError(path + " is damaged: " + error.what());
         }
     }
     if (const auto place = Value(connection_, kPlace)) {

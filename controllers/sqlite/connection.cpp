@@ -51,6 +51,7 @@ void ThrowStoreError(Sentence sentence, const std::string& path, int code, int s
     const Trouble trouble = TroubleOf(code);
     const std::string text = sentence(trouble, path, why);
     if (trouble == Trouble::kBusy) throw BusyError(text);
+    if (trouble == Trouble::kDamaged) throw DamagedError(text);
     throw StoreError(text);
 }
 

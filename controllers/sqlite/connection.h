@@ -20,6 +20,11 @@ struct BusyError : StoreError {
     using StoreError::StoreError;
 };
 
+/// The file is damaged or no SQLite database.
+struct DamagedError : StoreError {
+    using StoreError::StoreError;
+};
+
 /// How long a process waits for another one's transaction.
 inline constexpr int kPatience = 5000;  // milliseconds
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 #include "conditions/hxc_state.h"
@@ -117,6 +118,16 @@ TEST(ServiceStateFile, IsSetAsideWhenItsTextIsDamaged) {
     StateFile file(path);
     EXPECT_NE(file.Damage(), "");
     EXPECT_EQ(file.TakeSaved().place, std::nullopt);
+}
+
+// A file that is there and cannot be opened is not damaged for that.
+TEST(ServiceStateFile, StaysWhereItCannotBeOpened) {
+    const TemporaryRoot root;
+    const std::string path = root.Path("/state.db");
+    std::filesystem::create_directory(path);
+    EXPECT_THROW(StateFile{path}, hxsqlite::StoreError);
+    EXPECT_TRUE(std::filesystem::is_directory(path));
+    EXPECT_FALSE(std::filesystem::exists(path + ".damaged"));
 }
 
 TEST(ServiceStateFile, OfAnotherVersionIsSetAside) {
