@@ -47,7 +47,7 @@ private:
     std::vector<std::set<std::string>> keys_;
 };
 
-Json Parsed(const std::string& text) {
+Json ParsePlan(const std::string& text) {
     try {
         return Json::parse(text, [watch = Watch()](int depth, Json::parse_event_t event,
                                                    const Json& parsed) mutable {
@@ -67,7 +67,10 @@ void CheckPlanKeys(const Json& object, std::initializer_list<std::string_view> k
     if (!object.is_object()) throw PlanFileError(where + "has to be an object");
     for (const auto& [key, value] : object.items()) {
         if (std::ranges::find(keys, key) == keys.end()) {
-            throw PlanFileError(where + "has the key \"" + key + "\", which is not known");
+            throw PlanFileError(std::string(where)
+                                    .append("has the key \"")
+                                    .append(key)
+                                    .append("\", which is not known"));
         }
     }
     for (const std::string_view key : keys) {
@@ -148,7 +151,7 @@ std::string WritePlan(const PlanFile& plan) {
 }
 
 PlanFile ReadPlan(const std::string& text) {
-    const Json document = Parsed(text);
+    const Json document = ParsePlan(text);
     if (!document.is_object() || !document.contains(kSchemaKey)) {
         throw PlanFileError("is no plan of vexorctl");
     }

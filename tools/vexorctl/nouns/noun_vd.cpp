@@ -612,12 +612,10 @@ std::uint64_t SectorsToModify(Invocation& invocation, const VirtualDisk& disk, s
         wish.Of(most.value_or(UINT64_MAX),
                 " (what is free behind it on its disks counts, not all that "
                 "its disk group has left)");
-    if (most && sectors == *most) {
+    if (sectors == most || sectors <= before) {
         TellSize(change, sectors, sectors);
-    } else if (most && sectors > before) {
+    } else if (most) {
         TellSize(change, SectorsResulting(invocation, striping, sectors), sectors);
-    } else if (most || sectors <= before) {
-        TellSize(change, sectors, sectors);
     } else {
         change.losses.emplace_back("the resulting size is not known");
     }
