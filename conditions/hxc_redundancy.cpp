@@ -2,6 +2,7 @@
 #include "conditions/hxc_redundancy.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "codes/disk.h"
 #include "codes/level.h"
@@ -58,6 +59,36 @@ std::optional<unsigned> SurvivesOf(const Adapter& adapter, const VirtualDisk& vi
     // Without the disks' states a position may be lost although its block looks good.
     const bool whole = adapter.disks_query.IsRead() && adapter.virtual_disks_query.IsRead();
     return whole || redundancy.survives == 0U ? redundancy.survives : std::nullopt;
+}
+
+std::string_view NameOf(Protection protection) {
+    constexpr std::string_view kNames[] = {"none", "full", "reduced", "exhausted", "lost"};
+    return kNames[static_cast<std::size_t>(protection)];
+}
+
+std::optional<Protection> ProtectionOf(const Adapter& adapter, const VirtualDisk& virtual_disk) {
+    const Redundancy redundancy = RedundancyOf(virtual_disk, adapter.disks);
+    if (redundancy.is_offline || virtual_disk.state == hxcodes::State::kOffline) {
+        return Protection::kLost;
+    }
+    const auto survives = SurvivesOf(adapter, virtual_disk);
+    if (!survives) return std::nullopt;
+    if (!IsRedundant(virtual_disk.level)) return Protection::kNone;
+    if (redundancy.lost.empty()) return Protection::kFull;
+    return *survives > 0 ? Protection::kReduced : Protection::kExhausted;
+}
+
+std::vector<std::optional<unsigned>> LegsOfMembers(const VirtualDisk& virtual_disk) {
+    const auto width = static_cast<unsigned>(virtual_disk.members.size());
+    std::vector<std::optional<unsigned>> found(width);
+    const hxcodes::LevelRow* const level = hxcodes::FindCode(hxcodes::kLevels, virtual_disk.level);
+    if (level == nullptr || level->spread == hxcodes::Spread::kRing) return found;
+    const std::vector<Leg> legs = LegsOf(*level, width, virtual_disk.legs);
+    if (level->spread == hxcodes::Spread::kLegs && legs.size() < 2) return found;
+    for (unsigned i = 0; i < legs.size(); ++i) {
+        for (const unsigned position : legs[i].positions) found[position] = i;
+    }
+    return found;
 }
 
 bool IsRedundant(unsigned level) {

@@ -32,31 +32,27 @@ std::vector<std::string> DisksAt(const Adapter& adapter, const VirtualDisk& virt
     return disks;
 }
 
-// The sectors that suffice to replace any member; null when unknown.
-std::optional<std::uint64_t> NeededForAny(const Adapter& adapter, const VirtualDisk& virtual_disk,
-                                          const Redundancy& redundancy) {
-    std::uint64_t needed = NeededBy(adapter, virtual_disk, redundancy.lost);
-    if (redundancy.lost.empty()) {
-        for (const Member& each : virtual_disk.members) needed = std::max(needed, each.sectors);
-    }
-    return needed == 0 ? std::nullopt : std::optional(needed);
-}
-
 // The reason why each existing spare cannot step in.
 std::string WhyNone(const Adapter& adapter, const VirtualDisk& virtual_disk, std::uint64_t needed) {
     std::vector<std::string> reasons;
     for (const Disk& disk : adapter.disks) {
         if (!IsSpare(disk)) continue;
         const std::string address = DiskAddress(adapter, disk.id);
-        if (!IsReadySpare(disk)) {
-            reasons.push_back(address + " is broken");
-        } else if (!Reaches(disk, virtual_disk)) {
-            reasons.push_back(address + " serves another disk group");
-        } else if (RoomOf(disk) < needed) {
-            reasons.push_back(address + " is too small (" + SizeText(RoomOf(disk)) + " < " +
-                              SizeText(needed) + ")");
-        } else {
-            reasons.push_back(address + " is a member already");
+        switch (FitOf(disk, virtual_disk, needed)) {
+            case SpareFit::kBroken:
+                reasons.push_back(address + " is broken");
+                break;
+            case SpareFit::kOtherGroup:
+                reasons.push_back(address + " serves another disk group");
+                break;
+            case SpareFit::kTooSmall:
+                reasons.push_back(address + " is too small (" + SizeText(RoomOf(disk)) + " < " +
+                                  SizeText(needed) + ")");
+                break;
+            case SpareFit::kMember:
+            case SpareFit::kFits:
+                reasons.push_back(address + " is a member already");
+                break;
         }
     }
     return reasons.empty() ? "there is none" : Listed(reasons);
@@ -199,7 +195,7 @@ Risk RiskOf(const Adapter& adapter, const VirtualDisk& virtual_disk, const Rebui
     risk.is_rebuilding = activity != nullptr && activity->kind == hxcodes::ActivityKind::kRebuild &&
                          activity->state == hxcodes::ActivityState::kRunning;
     if (risk.is_rebuilding) risk.percent = activity->percent;
-    risk.needed_sectors = NeededForAny(adapter, virtual_disk, redundancy);
+    risk.needed_sectors = NeededForAny(adapter, virtual_disk, redundancy.lost);
     FindSpare(risk, adapter, virtual_disk, redundancy.lost);
     const auto rate = rates.find(adapter.number);
     if (risk.needed_sectors && rate != rates.end() && rate->second > 0) {

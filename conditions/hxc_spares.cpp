@@ -2,6 +2,7 @@
 #include "conditions/hxc_spares.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "codes/disk.h"
 #include "conditions/hxc_things.h"
@@ -72,12 +73,33 @@ std::uint64_t NeededBy(const Adapter& adapter, const VirtualDisk& virtual_disk,
     return needed;
 }
 
+std::optional<std::uint64_t> NeededForAny(const Adapter& adapter, const VirtualDisk& virtual_disk,
+                                          const std::vector<unsigned>& lost) {
+    std::uint64_t needed = NeededBy(adapter, virtual_disk, lost);
+    if (lost.empty()) {
+        for (const Member& each : virtual_disk.members) needed = std::max(needed, each.sectors);
+    }
+    return needed == 0 ? std::nullopt : std::optional(needed);
+}
+
+std::string_view NameOf(SpareFit fit) {
+    constexpr std::string_view kNames[] = {"fits", "broken", "other_group", "too_small",
+                                           "already_member"};
+    return kNames[static_cast<std::size_t>(fit)];
+}
+
+SpareFit FitOf(const Disk& spare, const VirtualDisk& virtual_disk, std::uint64_t needed) {
+    if (!IsReadySpare(spare)) return SpareFit::kBroken;
+    if (!Reaches(spare, virtual_disk)) return SpareFit::kOtherGroup;
+    if (RoomOf(spare) < needed) return SpareFit::kTooSmall;
+    return IsMember(virtual_disk, spare.id) ? SpareFit::kMember : SpareFit::kFits;
+}
+
 const Disk* SpareFor(const Adapter& adapter, const VirtualDisk& virtual_disk,
                      std::uint64_t needed) {
     const Disk* best = nullptr;
     for (const Disk& disk : adapter.disks) {
-        if (!IsReadySpare(disk) || !Reaches(disk, virtual_disk)) continue;
-        if (RoomOf(disk) < needed || IsMember(virtual_disk, disk.id)) continue;
+        if (FitOf(disk, virtual_disk, needed) != SpareFit::kFits) continue;
         const bool better = best == nullptr || (IsOfGroup(disk) && !IsOfGroup(*best)) ||
                             (IsOfGroup(disk) == IsOfGroup(*best) && disk.sectors < best->sectors);
         if (better) best = &disk;

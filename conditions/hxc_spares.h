@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 #include "conditions/hxc_answers.h"
@@ -25,6 +27,16 @@ std::uint64_t RoomOf(const Disk& disk);
 /// member while none is lost.
 std::uint64_t NeededBy(const Adapter& adapter, const VirtualDisk& virtual_disk,
                        const std::vector<unsigned>& lost);
+
+/// The same that suffices for any member while none is lost; null when unknown.
+std::optional<std::uint64_t> NeededForAny(const Adapter& adapter, const VirtualDisk& virtual_disk,
+                                          const std::vector<unsigned>& lost);
+
+/// Whether a spare can take the place of a member, and otherwise the first reason why not.
+enum class SpareFit : std::uint8_t { kFits, kBroken, kOtherGroup, kTooSmall, kMember };
+/// "fits", "broken", "other_group", "too_small", "already_member".
+std::string_view NameOf(SpareFit fit);
+SpareFit FitOf(const Disk& spare, const VirtualDisk& virtual_disk, std::uint64_t needed);
 
 /// The spare that would step in: spares of the disk group before global ones, the smallest of each
 /// kind first; null when none has `needed` sectors.

@@ -51,7 +51,11 @@ void Describe(const Adapter&, const Disk& disk, const DiskRole&, Time, HD_Config
 
 void Describe(const Adapter& adapter, const Disk& disk, const DiskRole& role, Time now,
               HD_BGA_Status& status) {
-    const Activity* const activity = ActivityOf(adapter, Owner::kDisk, disk.id);
+    const Activity* activity = ActivityOf(adapter, Owner::kDisk, disk.id);
+    // The record of a disk group has no progress; its disks tell that of its migration.
+    if (activity == nullptr && role.of_group) {
+        activity = ActivityOf(adapter, Owner::kDiskGroup, role.serves);
+    }
     status.HDID = disk.id;
     status.Status = role.status;
     status.Percentage = activity == nullptr ? HX_U16{0} : Percentage(*activity, now);

@@ -83,6 +83,8 @@ Json KindSchema(const ColumnInfo& column) {
             return ListOf(Ref("address"));
         case Kind::kNumbers:
             return ListOf(Ref("number"));
+        case Kind::kSizes:
+            return ListOf(Ref("bytes"));
         case Kind::kItems:
             return ListOf(ItemSchema(column.parts));
     }

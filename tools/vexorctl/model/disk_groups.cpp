@@ -1,9 +1,11 @@
 #include "model/disk_groups.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "codes/code_table.h"
 #include "model/controller_codes.h"
+#include "model/disks.h"
 #include "model/library_record.h"
 #include "model/sightings.h"
 
@@ -57,18 +59,39 @@ std::optional<std::vector<std::uint64_t>> SparesOf(const View<fields::DG_Info>& 
     return FirstNumbers(group[fields::DG_Info::SparePDIDs], group[fields::DG_Info::SparePDCount]);
 }
 
+std::optional<std::uint64_t> PercentOf(const View<fields::DG_Info>& group,
+                                       const List<fields::HD_BGA_Status>& disks) {
+    using fields::HD_BGA_Status;
+    const auto members = DisksOf(group);
+    std::optional<std::uint64_t> least;
+    for (const auto& [id, status] : disks.items) {
+        const bool is_member = members && std::ranges::find(*members, id) != members->end();
+        if (!is_member || status[HD_BGA_Status::Bga] != group[fields::DG_Info::BgaType]) continue;
+        const auto percent = status[HD_BGA_Status::Percentage];
+        if (percent) least = std::min(least.value_or(*percent), *percent);
+    }
+    return least;
+}
+
 std::vector<DiskGroup> LoadDiskGroups(Controller& controller) {
     std::vector<DiskGroup> groups;
     for (const unsigned adapter : controller.Selected()) {
         auto infos = controller.ReadList(adapter, kDiskGroupList);
         if (infos.items.empty()) continue;
         auto configs = controller.ReadList(adapter, kDiskGroupConfigList);
+        const bool any_is_busy = std::ranges::any_of(infos.items, [](const auto& each) {
+            return each.record[fields::DG_Info::BgaType].value_or(0) != 0;
+        });
+        const auto disks = any_is_busy ? controller.ReadList(adapter, kDiskActivityList)
+                                       : List<fields::HD_BGA_Status>();
         for (auto& [id, info] : infos.items) {
+            const auto percent = PercentOf(info.view(), disks);
             groups.push_back({.address = {.adapter = adapter,
                                           .kind = ObjectKind::kDiskGroup,
                                           .id = static_cast<unsigned>(id)},
                               .info = std::move(info),
-                              .config = configs.Take(id)});
+                              .config = configs.Take(id),
+                              .percent = percent});
             if (Sightings* const sightings = controller.sightings()) {
                 sightings->Note(groups.back().address.Text(),
                                 SightingOf(groups.back(), controller.codes()));

@@ -5,6 +5,7 @@
 #include <span>
 #include <utility>
 
+#include "codes/activity.h"
 #include "codes/code_table.h"
 #include "codes/disk.h"
 #include "codes/named.h"
@@ -13,6 +14,7 @@
 #include "model/enclosures.h"
 #include "model/library_record.h"
 #include "model/sightings.h"
+#include "model/virtual_disks.h"
 
 namespace vexorctl {
 
@@ -180,6 +182,24 @@ Sighting SightingOf(const Disk& disk, const ControllerCodes& codes) {
     return sighting;
 }
 
+// A disk that is written says the same of itself in a rebuild and in a copyback; its virtual disk
+// tells which of them runs.
+void TellCopybacks(Controller& controller, unsigned adapter, std::span<Disk> disks) {
+    static constexpr std::string_view kWritten = "rebuilding";
+    const auto is_written = [](const Disk& disk) { return disk.state == kWritten; };
+    if (std::ranges::none_of(disks, is_written)) return;
+    auto statuses = controller.ReadList(adapter, kVirtualDiskStatusList);
+    for (Disk& disk : disks) {
+        const auto owner = disk.raid[fields::HD_RAID_Status::LDID];
+        if (!is_written(disk) || !owner) continue;
+        const auto activity = statuses.Take(*owner)[fields::LD_Status::Bga];
+        if (activity && hxcodes::NameOf(controller.codes().table().activities, *activity) ==
+                            hxcodes::NameOf(hxcodes::ActivityKind::kCopyback)) {
+            disk.state = kCopybackState;
+        }
+    }
+}
+
 void LoadDisksOf(Controller& controller, unsigned adapter, std::vector<Disk>& disks) {
     auto infos = controller.ReadList(adapter, kDiskList);
     if (infos.items.empty()) return;
@@ -206,6 +226,7 @@ void LoadDisksOf(Controller& controller, unsigned adapter, std::vector<Disk>& di
         disk.group = groups.Of(id);
         disks.push_back(std::move(disk));
     }
+    TellCopybacks(controller, adapter, std::span(disks).subspan(first));
     LoadBootRecords(controller, adapter, disks, first);
     if (Sightings* const sightings = controller.sightings()) {
         for (const Disk& disk : std::span(disks).subspan(first)) {
@@ -215,6 +236,19 @@ void LoadDisksOf(Controller& controller, unsigned adapter, std::vector<Disk>& di
 }
 
 }  // namespace
+
+std::vector<Disk> LoadDiskRecords(Controller& controller) {
+    std::vector<Disk> disks;
+    for (const unsigned adapter : controller.Selected()) {
+        for (auto& [id, info] : controller.ReadList(adapter, kDiskList).items) {
+            Disk& disk = disks.emplace_back();
+            disk.address = {
+                .adapter = adapter, .kind = ObjectKind::kDisk, .id = static_cast<unsigned>(id)};
+            disk.info = std::move(info);
+        }
+    }
+    return disks;
+}
 
 std::vector<Disk> LoadDisks(Controller& controller) {
     std::vector<Disk> disks;

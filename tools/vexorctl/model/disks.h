@@ -39,10 +39,15 @@ struct Disk {
 inline constexpr std::string_view kFreeState = "free";
 inline constexpr std::string_view kConfiguredState = "configured";
 inline constexpr std::string_view kMissingState = "missing";
+/// Of a disk to which data is copied back: nothing of it is lost, as it is while a disk is rebuilt.
+inline constexpr std::string_view kCopybackState = "copyback_target";
 
 inline constexpr ListSource kDiskActivityList = ListOf(
     calls::HX_PD_GetBGAStatus::Result::HD_BGA_Status,
     +[](const View<fields::HD_BGA_Status>& status) { return status[fields::HD_BGA_Status::HDID]; });
+
+/// The same with nothing but their own records, which is one question.
+std::vector<Disk> LoadDiskRecords(Controller& controller);
 
 /// Those on the adapters that the controller has selected. What cannot be read is noted as a fault.
 std::vector<Disk> LoadDisks(Controller& controller);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <map>
 #include <span>
 #include <utility>
@@ -14,6 +15,9 @@
 #include "codes/named.h"
 #include "codes/state.h"
 #include "codes/virtual_disk.h"
+#include "conditions/hxc_look.h"
+#include "conditions/hxc_overview.h"
+#include "conditions/hxc_rows.h"
 #include "library_fields.h"
 #include "model/adapters.h"
 #include "model/batteries.h"
@@ -337,7 +341,12 @@ void TakeVirtualDisks(Controller& controller, const std::vector<VirtualDisk>& di
         disk.cache =
             meaning.OfBits(&Codes::cache_bits, hxcodes::kCacheBits, each.info[LD_Info::CacheMode]);
         const Number group = each.info[LD_Info::DGID];
-        if (group && *group != kNoDiskGroup) disk.group = Small(group);
+        if (!group) {
+            Doubt(adapter.virtual_disks_query, calls::HX_LD_GetInfo::kName,
+                  each.address.Text() + ": its disk group is not known");
+        } else if (*group != kNoDiskGroup) {
+            disk.group = Small(group);
+        }
         if (!disk.cache) {
             Doubt(adapter.virtual_disks_query, calls::HX_LD_GetInfo::kName,
                   each.address.Text() + ": its cache mode is not known");
@@ -483,17 +492,24 @@ void TakeEnclosures(const MachineLook& look, const Meaning& meaning, hxc::Answer
     }
 }
 
-// Adapters, disks, virtual disks and disk groups.
-void LookAtArrays(Controller& controller, const Meaning& meaning, MachineLook& look) {
-    hxc::Answers& answers = look.answers;
+// Of adapters of which everything counts as read until a fault says otherwise.
+hxc::Answers BegunAnswers(const std::vector<unsigned>& adapters) {
+    hxc::Answers answers;
     answers.machine.result = Query::Result::kRead;
-    for (const unsigned number : controller.Selected()) {
+    for (const unsigned number : adapters) {
         hxc::Adapter& adapter = answers.adapters.emplace_back();
         adapter.number = number;
         for (const FunctionQuery& each : kQueries) {
             (adapter.*each.query).result = Query::Result::kRead;
         }
     }
+    return answers;
+}
+
+// Adapters, disks, virtual disks and disk groups.
+void LookAtArrays(Controller& controller, const Meaning& meaning, MachineLook& look) {
+    hxc::Answers& answers = look.answers;
+    answers = BegunAnswers(controller.Selected());
     look.adapters = LoadAdapters(controller);
     TakeAdapters(look.adapters, answers);
     look.disks = LoadDisks(controller);
@@ -504,7 +520,59 @@ void LookAtArrays(Controller& controller, const Meaning& meaning, MachineLook& l
     TakeDiskGroups(look.groups, meaning, answers);
 }
 
+// The faults that this look adds are told by its queries alone.
+hxc::Answers AnswersFrom(Controller& controller, const auto& disks, const auto& virtual_disks) {
+    hxc::Answers answers = BegunAnswers(controller.Selected());
+    const Meaning meaning(controller.codes().table());
+    const std::size_t faults = controller.faults().size();
+    const Exit exit = controller.exit();
+    TakeDisks(disks(), meaning, answers);
+    TakeVirtualDisks(controller, virtual_disks(), meaning, answers);
+    TakeFaults(answers, controller);
+    controller.TakeBack(faults, exit);
+    return answers;
+}
+
 }  // namespace
+
+hxc::Answers AnswersFor(Controller& controller, const std::vector<VirtualDisk>& virtual_disks) {
+    return AnswersFrom(
+        controller, [&] { return LoadDiskRecords(controller); }, [&] { return virtual_disks; });
+}
+
+hxc::Answers AnswersFor(Controller& controller, const std::vector<Disk>& disks) {
+    return AnswersFrom(
+        controller, [&] { return disks; }, [&] { return LoadVirtualDisks(controller); });
+}
+
+const hxc::Adapter* AdapterIn(const hxc::Answers& answers, unsigned number) {
+    const auto found = std::ranges::find(answers.adapters, number, &hxc::Adapter::number);
+    return found == answers.adapters.end() ? nullptr : &*found;
+}
+
+const hxc::VirtualDisk* VirtualDiskIn(const hxc::Answers& answers, const Address& address) {
+    const hxc::Adapter* const adapter = AdapterIn(answers, address.adapter);
+    if (adapter == nullptr) return nullptr;
+    const auto found = std::ranges::find(adapter->virtual_disks, address.id, &hxc::VirtualDisk::id);
+    return found == adapter->virtual_disks.end() ? nullptr : &*found;
+}
+
+std::optional<std::string_view> HealthOf(const Adapter& adapter) {
+    hxc::Answers answers = BegunAnswers({adapter.address.adapter});
+    TakeAdapters({adapter}, answers);
+    std::optional<hxc::Level> worst;
+    for (const hxc::Condition& each : hxc::LookOnce(answers, {}, {}).heads) {
+        if (each.object.kind != hxc::Kind::kAdapter) continue;
+        if (!worst || each.level < *worst) worst = each.level;
+    }
+    const bool is_seen = worst != hxc::Level::kUnknown && worst != hxc::Level::kMinorUnknown;
+    return is_seen ? std::optional(hxc::OverallNameOf(worst)) : std::nullopt;
+}
+
+std::vector<std::string_view> HealthWords() {
+    return {hxc::OverallNameOf({}), hxc::OverallNameOf(hxc::Level::kWarning),
+            hxc::OverallNameOf(hxc::Level::kCritical)};
+}
 
 hxc::Answers UnreachableHealth(Exit exit, const std::string& reason) {
     hxc::Answers answers;

@@ -1,11 +1,13 @@
 // What the controller answers about its health, as the table of conditions takes it.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "common/address.h"
 #include "conditions/hxc_answers.h"
 #include "library_fields.h"
 #include "model/adapters.h"
@@ -45,6 +47,24 @@ struct MachineLook {
 /// What cannot be read is noted as a fault. Throws Failure and Unavailable for a machine that
 /// cannot be asked at all.
 MachineLook LookAtMachine(Controller& controller);
+
+/// What the table of conditions takes from these virtual disks and their disks, or from these disks
+/// and the virtual disks that there are. The others are read here, and what cannot be read is no
+/// fault: what follows from it is not known.
+hxconditions::Answers AnswersFor(Controller& controller,
+                                 const std::vector<VirtualDisk>& virtual_disks);
+hxconditions::Answers AnswersFor(Controller& controller, const std::vector<Disk>& disks);
+
+/// The adapter with that number; null when it is not among the answers.
+const hxconditions::Adapter* AdapterIn(const hxconditions::Answers& answers, unsigned number);
+const hxconditions::VirtualDisk* VirtualDiskIn(const hxconditions::Answers& answers,
+                                               const Address& address);
+
+/// How well an adapter itself is, by its own conditions: "ok", "warning" or "critical"; null when
+/// something was not told on which they rest.
+std::optional<std::string_view> HealthOf(const Adapter& adapter);
+/// All that it can be.
+std::vector<std::string_view> HealthWords();
 
 /// One look at the adapters that the controller has selected. What could not be read, or cannot be
 /// understood because nobody has said what its codes mean, is told as such in the queries; a

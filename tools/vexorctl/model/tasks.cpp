@@ -67,8 +67,9 @@ bool IsOfVirtualDisk(std::uint64_t activity, const ControllerCodes& codes) {
     return row != nullptr && row->runs_on != hxcodes::RunsOn::kDisk;
 }
 
-void LoadDiskTasks(Controller& controller, unsigned adapter, std::vector<Task>& tasks) {
-    for (const auto& [id, status] : controller.ReadList(adapter, kDiskActivityList).items) {
+void LoadDiskTasks(Controller& controller, unsigned adapter,
+                   const List<fields::HD_BGA_Status>& disks, std::vector<Task>& tasks) {
+    for (const auto& [id, status] : disks.items) {
         Task task;
         task.address = {
             .adapter = adapter, .kind = ObjectKind::kDisk, .id = static_cast<unsigned>(id)};
@@ -85,7 +86,8 @@ void LoadDiskTasks(Controller& controller, unsigned adapter, std::vector<Task>& 
     }
 }
 
-void LoadDiskGroupTasks(Controller& controller, unsigned adapter, std::vector<Task>& tasks) {
+void LoadDiskGroupTasks(Controller& controller, unsigned adapter,
+                        const List<fields::HD_BGA_Status>& disks, std::vector<Task>& tasks) {
     for (const auto& [id, group] : controller.ReadList(adapter, kDiskGroupList).items) {
         Task task;
         task.address = {
@@ -94,6 +96,7 @@ void LoadDiskGroupTasks(Controller& controller, unsigned adapter, std::vector<Ta
                                    group[fields::DG_Info::BgaType]);
         if (task.activity == kNoActivity) continue;
         task.state = group[fields::DG_Info::BgaState];
+        task.percent = PercentOf(group.view(), disks);
         task.name = group[fields::DG_Info::Name];
         task.group.presence = Presence::kNotOffered;
         tasks.push_back(std::move(task));
@@ -113,8 +116,9 @@ std::vector<Task> LoadTasks(Controller& controller, TaskDetail detail) {
     std::vector<Task> tasks;
     for (const unsigned adapter : controller.Selected()) {
         LoadVirtualDiskTasks(controller, adapter, detail, tasks);
-        LoadDiskTasks(controller, adapter, tasks);
-        LoadDiskGroupTasks(controller, adapter, tasks);
+        const auto disks = controller.ReadList(adapter, kDiskActivityList);
+        LoadDiskTasks(controller, adapter, disks, tasks);
+        LoadDiskGroupTasks(controller, adapter, disks, tasks);
     }
     return tasks;
 }

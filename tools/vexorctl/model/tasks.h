@@ -18,7 +18,7 @@ struct Task {
     Address address;
     std::uint64_t activity = 0;
     std::optional<std::uint64_t> state;
-    std::optional<std::uint64_t> percent;  // null: the record of a disk group has none
+    std::optional<std::uint64_t> percent;  // of a disk group as its disks tell it; null: not known
     std::optional<std::string> name;       // of the object; a disk has none
     Membership group;                      // on which the object lies
 };

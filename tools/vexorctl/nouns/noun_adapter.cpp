@@ -10,6 +10,7 @@
 #include "model/ask_controller.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
+#include "model/health_answers.h"
 #include "model/library_functions.h"
 #include "model/library_record.h"
 #include "model/result_tree.h"
@@ -65,6 +66,19 @@ Cell DamagedImages(const Record<Adapter_Info>& info) {
     return TextsCell(std::move(damaged));
 }
 
+// Bit n stands for 2^n KiB.
+Cell StripesCell(const Record<Adapter_Info>& info) {
+    return IfOffered(info, [&] {
+        const auto bits = info[Adapter_Info::StripeSizeSupported];
+        if (!bits) return Unknown();
+        std::vector<std::uint64_t> sizes;
+        for (std::uint64_t bit = 1; bit != 0 && bit <= *bits; bit <<= 1) {
+            if ((*bits & bit) != 0) sizes.push_back(bit * 1024);
+        }
+        return NumbersCell(std::move(sizes));
+    });
+}
+
 using enum Kind;
 using enum Place;
 
@@ -81,6 +95,12 @@ constexpr Column<Adapter> kColumns[] = {
      [](const Adapter& it) { return FieldCell(it.info, Adapter_Info::PortCount); }},
     {{"levels", "LEVELS", kBits, kWide, "The RAID levels it offers", &CodeTable::level_bits},
      [](const Adapter& it) { return FieldCell(it.info, Adapter_Info::LogicalDriverMode); }},
+    {OneOf(HealthWords, {"health", "HEALTH", kWord, kTable,
+                         "How well it is itself, by check's conditions of adapters"}),
+     [](const Adapter& it) {
+         const auto health = HealthOf(it);
+         return health ? TextCell(std::string(*health)) : Unknown();
+     }},
     {{"flash_healthy", "FLASH OK", kBool, kTable, "Whether all images in its flash are whole"},
      [](const Adapter& it) { return FieldCell(it.info, Adapter_Info::img_health); }},
     {{"damaged_images", "DAMAGED IMAGES", kTexts, kWide, "The images in its flash that are not"},
@@ -108,6 +128,8 @@ constexpr Column<Adapter> kColumns[] = {
      [](const Adapter& it) { return FieldCell(it.info, Adapter_Info::InterruptLevel); }},
     {{"interrupt_vector", "VECTOR", kNumber, kWide, "Its interrupt vector"},
      [](const Adapter& it) { return FieldCell(it.info, Adapter_Info::InterruptVector); }},
+    {{"stripe_sizes", "STRIPES", kSizes, kWide, "The stripe sizes it offers"},
+     [](const Adapter& it) { return StripesCell(it.info); }},
     {{"stripe_sizes_code", "STRIPE SIZES", kNumber, kWide,
       "The stripe sizes it offers, one bit each"},
      [](const Adapter& it) { return FieldCell(it.info, Adapter_Info::StripeSizeSupported); }},

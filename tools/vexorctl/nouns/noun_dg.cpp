@@ -83,6 +83,12 @@ constexpr Column<DiskGroup> kColumns[] = {
     {{"activity_state", "ACTIVITY STATE", kCode, kWide, "How that stands",
       &CodeTable::activity_states},
      [](const DiskGroup& it) { return FieldCell(it.info, DG_Info::BgaState); }},
+    {{"progress_ratio", "PROGRESS", kRatio, kWide, "How far it is, as its disks tell"},
+     [](const DiskGroup& it) {
+         const auto kind = it.info[DG_Info::BgaType];
+         if (!kind) return Unknown();
+         return *kind == 0 ? None() : PercentCell(it.percent);
+     }},
     {{"smallest_disk_free_bytes", "SMALLEST", kBytes, kWide,
       "The room on the smallest of its disks"},
      [](const DiskGroup& it) { return SectorsAt(it.info, DG_Info::SmallestAvailablePDSize); }},

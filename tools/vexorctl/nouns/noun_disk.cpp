@@ -5,13 +5,17 @@
 
 #include "codes/code_table.h"
 #include "codes/disk.h"
+#include "codes/level.h"
 #include "common/address.h"
 #include "conditions/hxc_answers.h"
+#include "conditions/hxc_redundancy.h"
+#include "conditions/hxc_spares.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/disks.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
+#include "model/health_answers.h"
 #include "model/library_record.h"
 #include "model/virtual_disks.h"
 #include "nouns/find_object.h"
@@ -80,107 +84,188 @@ Cell PhyCell(const Disk& disk) {
     return !phys || phys->empty() ? Unknown() : NumberCell(phys->front());
 }
 
+// The interface has no number of a bay: the phy of the device above tells one from the others.
+Cell SlotCell(const Disk& disk) {
+    const auto enclosure = SelfOf(disk)[Link_Endpoint::EnclosureID];
+    if (!enclosure) return Unknown();
+    return *enclosure == kNoObject ? None() : PhyCell(disk);
+}
+
 using enum Kind;
 using enum Place;
 
 std::vector<std::string_view> StateWords() {
     std::vector<std::string_view> words;
     for (const hxcodes::DiskWord& word : hxcodes::kDiskWords) words.push_back(word.name);
+    words.push_back(kCopybackState);
     return words;
 }
 
-constexpr Column<Disk> kColumns[] = {
+// With what it can do as a spare.
+struct ShownDisk : Disk {
+    Cell spare_for;
+};
+
+std::vector<std::string_view> FitWords() {
+    using enum hxc::SpareFit;
+    return {hxc::NameOf(kFits), hxc::NameOf(kBroken), hxc::NameOf(kOtherGroup),
+            hxc::NameOf(kTooSmall), hxc::NameOf(kMember)};
+}
+
+constexpr ColumnInfo kFitColumns[] = {
+    Always({"vd", "VD", kReference, kWide, "The virtual disk"}),
+    OneOf(FitWords, {"fit", "FIT", kWord, kWide, "Whether it fits, or why not"}),
+    {"needed_bytes", "NEEDED", kBytes, kWide, "The size that a member takes there"},
+};
+
+Cell SpareCell(const Disk& disk, const hxc::Answers& answers) {
+    const hxc::Adapter* const adapter = AdapterIn(answers, disk.address.adapter);
+    if (adapter == nullptr || !adapter->disks_query.IsRead()) return Unknown();
+    const auto spare = std::ranges::find(adapter->disks, disk.address.id, &hxc::Disk::id);
+    if (spare == adapter->disks.end()) return Unknown();
+    if (!hxc::IsSpare(*spare)) return None();
+    if (!adapter->virtual_disks_query.IsRead()) return Unknown();
+    if (disk.group.presence == Presence::kUnknown) return Unknown();
+    std::vector<std::vector<Cell>> fits;
+    for (const hxc::VirtualDisk& each : adapter->virtual_disks) {
+        if (hxcodes::FindCode(hxcodes::kLevels, each.level) == nullptr) return Unknown();
+        if (!hxc::IsRedundant(each.level)) continue;
+        const auto needed =
+            hxc::NeededForAny(*adapter, each, hxc::RedundancyOf(each, adapter->disks).lost);
+        const Address address{
+            .adapter = disk.address.adapter, .kind = ObjectKind::kVirtualDisk, .id = each.id};
+        fits.push_back({TextCell(address.Text()),
+                        needed
+                            ? TextCell(std::string(hxc::NameOf(hxc::FitOf(*spare, each, *needed))))
+                            : Unknown(),
+                        SectorsCell(needed)});
+    }
+    return ItemsCell(std::move(fits));
+}
+
+bool MayBeSpare(const Disk& disk) {
+    return disk.state != kFreeState && disk.state != kConfiguredState;
+}
+
+std::vector<ShownDisk> WithSpares(Controller& controller, std::vector<Disk> disks) {
+    // The virtual disks are asked for only where it matters.
+    const bool matters = std::ranges::any_of(disks, MayBeSpare);
+    const hxc::Answers answers = matters ? AnswersFor(controller, disks) : hxc::Answers();
+    std::vector<ShownDisk> shown;
+    for (Disk& each : disks) {
+        Cell spare_for = MayBeSpare(each) ? SpareCell(each, answers) : None();
+        ShownDisk& disk = shown.emplace_back();
+        static_cast<Disk&>(disk) = std::move(each);
+        disk.spare_for = std::move(spare_for);
+    }
+    return shown;
+}
+
+constexpr Column<ShownDisk> kColumns[] = {
     {{"address", "ADDRESS", kAddress, kTable, "Its address"},
-     [](const Disk& it) { return TextCell(it.address.Text()); }},
+     [](const ShownDisk& it) { return TextCell(it.address.Text()); }},
     {OneOf(StateWords, {"state", "STATE", kWord, kTable, "Its state in one word"}),
-     [](const Disk& it) { return TextCell(it.state); }},
+     [](const ShownDisk& it) { return TextCell(it.state); }},
     {{"size_bytes", "SIZE", kBytes, kTable, "Its size"},
-     [](const Disk& it) { return SectorsAt(it.info, HD_Info::Size); }},
+     [](const ShownDisk& it) { return SectorsAt(it.info, HD_Info::Size); }},
     {{"free_bytes", "FREE", kBytes, kTable, "What is free for new virtual disks"},
-     [](const Disk& it) { return SectorsAt(it.free_space, HD_FreeSpaceInfo::Size); }},
+     [](const ShownDisk& it) { return SectorsAt(it.free_space, HD_FreeSpaceInfo::Size); }},
     {{"vd", "VD", kReference, kTable, "The virtual disk that it serves"},
-     [](const Disk& it) { return OwnerCell(it); }},
+     [](const ShownDisk& it) { return OwnerCell(it); }},
     {{"dg", "DG", kReference, kTable, "The disk group that it serves"},
-     [](const Disk& it) { return GroupCell(it); }},
+     [](const ShownDisk& it) { return GroupCell(it); }},
     {{"model", "MODEL", kText, kWide, "Its model"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::Model); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::Model); }},
     {{"serial", "SERIAL", kText, kTable, "Its serial number"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::SerialNo); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::SerialNo); }},
     {{"connection", "LINK", kCode, kWide, "How it is connected", &CodeTable::connections},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::ConnectionType); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::ConnectionType); }},
     {{"enclosure", "ENCLOSURE", kReference, kWide, "The enclosure that it is in"},
-     [](const Disk& it) {
+     [](const ShownDisk& it) {
          return AddressCell(it, ObjectKind::kEnclosure, SelfOf(it)[Link_Endpoint::EnclosureID]);
      }},
+    {{"slot", "SLOT", kNumber, kWide,
+      "Its bay in the enclosure: the phy there; none outside of one"},
+     [](const ShownDisk& it) { return SlotCell(it); }},
     {{"phy", "PHY", kNumber, kWide, "The phy of its parent to which it is connected"},
-     [](const Disk& it) { return PhyCell(it); }},
+     [](const ShownDisk& it) { return PhyCell(it); }},
     {{"smart_alarm", "SMART ALARM", kBool, kWide, "Whether a SMART threshold is exceeded"},
-     [](const Disk& it) { return FieldCell(it.smart, HD_SMART_Status::SmartThresholdExceeded); }},
+     [](const ShownDisk& it) {
+         return FieldCell(it.smart, HD_SMART_Status::SmartThresholdExceeded);
+     }},
     {{"status", "STATUS", kBits, kWide, "Its state as bits", &CodeTable::disk_bits},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::Status); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::Status); }},
     {{"firmware_version", "FIRMWARE", kText, kWide, "The version of its firmware"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::FWVersion); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::FWVersion); }},
     {{"wwn", "WWN", kHex, kWide, "Its world wide name"},
-     [](const Disk& it) { return HexAt(it.info, HD_Info::WWN); }},
+     [](const ShownDisk& it) { return HexAt(it.info, HD_Info::WWN); }},
     {{"sas_address", "SAS ADDRESS", kHex, kWide, "Its SAS address"},
-     [](const Disk& it) { return HexAt(SelfOf(it), Link_Endpoint::SAS_Address); }},
+     [](const ShownDisk& it) { return HexAt(SelfOf(it), Link_Endpoint::SAS_Address); }},
     {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to",
       &CodeTable::devices},
-     [](const Disk& it) { return FieldCell(ParentOf(it), Link_Endpoint::DevType); }},
+     [](const ShownDisk& it) { return FieldCell(ParentOf(it), Link_Endpoint::DevType); }},
     {{"parent_id", "PARENT ID", kNumber, kWide, "The number of that device"},
-     [](const Disk& it) { return FieldCell(ParentOf(it), Link_Endpoint::DevID); }},
+     [](const ShownDisk& it) { return FieldCell(ParentOf(it), Link_Endpoint::DevID); }},
     {{"features", "FEATURES", kBits, kWide, "What it can do", &CodeTable::disk_features},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::FeatureSupport); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::FeatureSupport); }},
     {{"type_code", "TYPE", kNumber, kWide, "Its type, as bits of the controller"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::HDType); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::HDType); }},
     {{"device_type_code", "DEVICE TYPE", kNumber, kWide, "Its kind, a code of the controller"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::DeviceType); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::DeviceType); }},
     {{"usable", "USABLE", kBool, kWide, "Whether virtual disks can be made of it"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::CanLogicalUsed); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::CanLogicalUsed); }},
     {{"fixed", "FIXED", kBool, kWide, "Whether it is not removable"},
-     [](const Disk& it) { return FieldCell(it.free_space, HD_FreeSpaceInfo::isFixed); }},
+     [](const ShownDisk& it) { return FieldCell(it.free_space, HD_FreeSpaceInfo::isFixed); }},
     {{"boot_record", "BOOT RECORD", kBool, kWide, "Whether it holds a boot record"},
-     [](const Disk& it) {
+     [](const ShownDisk& it) {
          return it.boot_record ? NumberCell(*it.boot_record ? 1 : 0) : Unknown();
      }},
     {{"write_cache", "WRITE CACHE", kBool, kWide, "Setting: its write cache is on"},
-     [](const Disk& it) { return FieldCell(it.config, HD_Config::WriteCacheOn); }},
+     [](const ShownDisk& it) { return FieldCell(it.config, HD_Config::WriteCacheOn); }},
     {{"smart_on", "SMART ON", kBool, kWide, "Setting: SMART is on"},
-     [](const Disk& it) { return FieldCell(it.config, HD_Config::SMARTOn); }},
+     [](const ShownDisk& it) { return FieldCell(it.config, HD_Config::SMARTOn); }},
     {{"online", "ONLINE", kBool, kWide, "Setting: it is online"},
-     [](const Disk& it) { return FieldCell(it.config, HD_Config::Online); }},
+     [](const ShownDisk& it) { return FieldCell(it.config, HD_Config::Online); }},
     {{"link_speed", "SPEED", kCode, kWide, "The speed of its link", &CodeTable::link_speeds},
-     [](const Disk& it) { return FieldCell(it.config, HD_Config::DriveSpeed); }},
+     [](const ShownDisk& it) { return FieldCell(it.config, HD_Config::DriveSpeed); }},
     {{"activity", "ACTIVITY", kCode, kWide, "What is going on in the background",
       &CodeTable::activities},
-     [](const Disk& it) { return FieldCell(it.activity, HD_BGA_Status::Bga); }},
+     [](const ShownDisk& it) { return FieldCell(it.activity, HD_BGA_Status::Bga); }},
     {{"activity_state", "ACTIVITY STATE", kCode, kWide, "How that stands",
       &CodeTable::activity_states},
-     [](const Disk& it) { return FieldCell(it.activity, HD_BGA_Status::BgaStatus); }},
+     [](const ShownDisk& it) { return FieldCell(it.activity, HD_BGA_Status::BgaStatus); }},
     {{"progress_ratio", "PROGRESS", kRatio, kWide, "How far it is"},
-     [](const Disk& it) {
+     [](const ShownDisk& it) {
          return ProgressAt(it.activity, HD_BGA_Status::Bga, HD_BGA_Status::Percentage);
      }},
-    {{"locate_light_code", "LOCATE", kNumber, kWide, "The locate light, a code of the controller"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::LocateLEDStatus); }},
+    {{"locate_light", "LOCATE", kBool, kWide, "Whether its locate light is on"},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::LocateLEDStatus); }},
+    {{"locate_light_code", "LOCATE CODE", kNumber, kWide,
+      "The locate light, a code of the controller"},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::LocateLEDStatus); }},
     {{"activity_light_code", "ACTIVITY LIGHT", kNumber, kWide,
       "The activity light, a code of the controller"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::ActivityLEDStatus); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::ActivityLEDStatus); }},
     {{"error_light_code", "ERROR LIGHT", kNumber, kWide,
       "The error light, a code of the controller"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::ErrorLEDStatus); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::ErrorLEDStatus); }},
     {{"pio_mode", "PIO", kNumber, kWide, "The highest PIO mode"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::PIOMode); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::PIOMode); }},
     {{"mdma_mode", "MDMA", kNumber, kWide, "The highest multiword DMA mode"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::MDMAMode); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::MDMAMode); }},
     {{"udma_mode", "UDMA", kNumber, kWide, "The highest ultra DMA mode"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::UDMAMode); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::UDMAMode); }},
     {{"current_pio_mode", "PIO NOW", kNumber, kWide, "The PIO mode in use"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::CurrentPIOMode); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::CurrentPIOMode); }},
     {{"current_mdma_mode", "MDMA NOW", kNumber, kWide, "The multiword DMA mode in use"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::CurrentMDMAMode); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::CurrentMDMAMode); }},
     {{"current_udma_mode", "UDMA NOW", kNumber, kWide, "The ultra DMA mode in use"},
-     [](const Disk& it) { return FieldCell(it.info, HD_Info::CurrentUDMAMode); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::CurrentUDMAMode); }},
+    {Of(kFitColumns,
+        {"spare_for", "SPARE FOR", kItems, kWide,
+         "Of a spare: each virtual disk with redundancy on its adapter, and whether it "
+         "can take the place of a member there, or why not"}),
+     [](const ShownDisk& it) { return it.spare_for; }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
@@ -249,12 +334,17 @@ std::vector<IsMeant> MeantByOwners(Invocation& invocation) {
 }
 
 Exit ShowDisks(Invocation& invocation, std::vector<Disk> disks, const std::vector<IsMeant>& meant) {
-    if (meant.empty()) return Show(invocation, Tabulated(invocation, kColumns, disks));
+    if (meant.empty()) {
+        return Show(invocation, Tabulated(invocation, kColumns,
+                                          WithSpares(invocation.controller(), std::move(disks))));
+    }
     std::erase_if(disks, [&](const Disk& disk) {
         return std::ranges::none_of(meant, [&](const IsMeant& each) { return each(disk); });
     });
-    return Present(invocation, Tabulated(invocation, kColumns, disks),
-                   invocation.row().verb == "show" ? "list" : "table");
+    return Present(
+        invocation,
+        Tabulated(invocation, kColumns, WithSpares(invocation.controller(), std::move(disks))),
+        invocation.row().verb == "show" ? "list" : "table");
 }
 
 Exit ListDisks(Invocation& invocation) {
@@ -607,7 +697,8 @@ constexpr const auto& kListFunctions =
     kNamesOf<calls::HX_PD_GetHDInfo_Ext, calls::HX_PD_GetHDInfo, calls::HX_PD_GetConfig,
              calls::HX_PD_GetSmartStatus, calls::HX_PD_GetHDRaidStatus, calls::HX_PD_GetBGAStatus,
              calls::HX_PD_GetFreeSpaceInfo, calls::HX_PD_GetMBRInfo, calls::HX_PD_GetSpareInfo,
-             calls::HX_DG_GetInfo>;
+             calls::HX_DG_GetInfo, calls::HX_LD_GetInfo, calls::HX_LD_GetConfig,
+             calls::HX_LD_GetStatus, calls::HX_BLK_GetInfo>;
 
 constexpr CommandRow kCommands[] = {
     {.noun = "disk",

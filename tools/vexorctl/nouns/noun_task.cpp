@@ -42,9 +42,7 @@ constexpr Column<Task> kColumns[] = {
     {{"state", "STATE", kCode, kTable, "How it stands", &CodeTable::activity_states},
      [](const Task& it) { return NumberCell(it.state); }},
     {{"progress_ratio", "PROGRESS", kRatio, kTable, "How far it is"},
-     [](const Task& it) {
-         return it.address.kind == ObjectKind::kDiskGroup ? None() : PercentCell(it.percent);
-     }},
+     [](const Task& it) { return PercentCell(it.percent); }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }

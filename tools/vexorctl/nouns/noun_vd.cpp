@@ -6,9 +6,11 @@
 #include "codes/code_table.h"
 #include "codes/level.h"
 #include "codes/named.h"
+#include "codes/state.h"
 #include "common/address.h"
 #include "common/size.h"
 #include "conditions/hxc_answers.h"
+#include "conditions/hxc_redundancy.h"
 #include "hxraid.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
@@ -17,6 +19,7 @@
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/group_room.h"
+#include "model/health_answers.h"
 #include "model/library_record.h"
 #include "model/object_name.h"
 #include "model/virtual_disks.h"
@@ -65,55 +68,134 @@ Cell GroupCell(const VirtualDisk& disk) {
 using enum Kind;
 using enum Place;
 
-constexpr Column<VirtualDisk> kColumns[] = {
+// With what follows from the states of its disks and blocks.
+struct ShownDisk : VirtualDisk {
+    std::optional<hxc::Protection> protection;
+    std::optional<std::uint64_t> survives;
+    Cell members;
+};
+
+std::vector<std::string_view> StateWords() {
+    std::vector<std::string_view> words;
+    for (const hxcodes::Named& row : hxcodes::kStateNames) words.push_back(row.name);
+    return words;
+}
+
+Cell StateCell(std::optional<unsigned> state) {
+    return state ? TextCell(std::string(hxcodes::NameOf(hxcodes::kStateNames, *state))) : Unknown();
+}
+
+constexpr ColumnInfo kMemberColumns[] = {
+    Always({"position", "POSITION", kNumber, kWide, "Its number, from 0"}),
+    {"disk", "DISK", kReference, kWide, "The disk; none where it is lost"},
+    OneOf(StateWords, {"state", "STATE", kWord, kWide, "The state of the block on it"}),
+    {"leg", "LEG", kNumber, kWide, "The leg or mirrored pair, from 0; none without"},
+};
+
+std::vector<std::string_view> ProtectionWords() {
+    using enum hxc::Protection;
+    return {hxc::NameOf(kNone), hxc::NameOf(kFull), hxc::NameOf(kReduced), hxc::NameOf(kExhausted),
+            hxc::NameOf(kLost)};
+}
+
+Cell MembersCell(const hxc::VirtualDisk& disk, unsigned adapter) {
+    const bool is_level_known = hxcodes::FindCode(hxcodes::kLevels, disk.level) != nullptr;
+    if (disk.members.empty() || !is_level_known) return Unknown();
+    const std::vector<std::optional<unsigned>> legs = hxc::LegsOfMembers(disk);
+    std::vector<std::vector<Cell>> items;
+    for (std::size_t i = 0; i < disk.members.size(); ++i) {
+        const hxc::Member& member = disk.members[i];
+        items.push_back(
+            {NumberCell(i),
+             member.disk ? TextCell(Address{
+                               .adapter = adapter, .kind = ObjectKind::kDisk, .id = *member.disk}
+                                        .Text())
+                         : None(),
+             member.disk ? StateCell(member.state) : None(),
+             legs[i] ? NumberCell(*legs[i]) : None()});
+    }
+    return ItemsCell(std::move(items));
+}
+
+std::vector<ShownDisk> WithMembers(Controller& controller, std::vector<VirtualDisk> disks) {
+    const hxc::Answers answers = AnswersFor(controller, disks);
+    std::vector<ShownDisk> shown;
+    for (VirtualDisk& each : disks) {
+        ShownDisk& disk = shown.emplace_back();
+        static_cast<VirtualDisk&>(disk) = std::move(each);
+        const hxc::VirtualDisk* const seen = VirtualDiskIn(answers, disk.address);
+        if (seen == nullptr) continue;
+        const hxc::Adapter& adapter = *AdapterIn(answers, disk.address.adapter);
+        disk.protection = hxc::ProtectionOf(adapter, *seen);
+        disk.survives = hxc::SurvivesOf(adapter, *seen);
+        disk.members = MembersCell(*seen, disk.address.adapter);
+    }
+    return shown;
+}
+
+constexpr Column<ShownDisk> kColumns[] = {
     {{"address", "ADDRESS", kAddress, kTable, "Its address"},
-     [](const VirtualDisk& it) { return TextCell(it.address.Text()); }},
+     [](const ShownDisk& it) { return TextCell(it.address.Text()); }},
     {{"name", "NAME", kText, kTable, "Its name"},
-     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::Name); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, LD_Info::Name); }},
     {{"state", "STATE", kCode, kTable, "Its state", &CodeTable::states},
-     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::Status); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, LD_Info::Status); }},
     {{"level", "LEVEL", kCode, kTable, "Its RAID level", &CodeTable::levels},
-     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::RaidMode); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, LD_Info::RaidMode); }},
     {{"size_bytes", "SIZE", kBytes, kTable, "Its size"},
-     [](const VirtualDisk& it) { return SectorsAt(it.info, LD_Info::Size); }},
+     [](const ShownDisk& it) { return SectorsAt(it.info, LD_Info::Size); }},
     {{"disks", "DISKS", kAddresses, kTable, "The disks that it lies on"},
-     [](const VirtualDisk& it) { return DisksCell(it); }},
+     [](const ShownDisk& it) { return DisksCell(it); }},
     {{"dg", "DG", kReference, kWide, "The disk group that it lies on"},
-     [](const VirtualDisk& it) { return GroupCell(it); }},
+     [](const ShownDisk& it) { return GroupCell(it); }},
     {{"cache", "CACHE", kBits, kWide, "Its cache", &CodeTable::cache_bits},
-     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::CacheMode); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, LD_Info::CacheMode); }},
     {{"activity", "ACTIVITY", kCode, kTable, "What is going on in the background",
       &CodeTable::activities},
-     [](const VirtualDisk& it) { return FieldCell(it.status, LD_Status::Bga); }},
+     [](const ShownDisk& it) { return FieldCell(it.status, LD_Status::Bga); }},
     {{"progress_ratio", "PROGRESS", kRatio, kTable, "How far that is"},
-     [](const VirtualDisk& it) {
+     [](const ShownDisk& it) {
          return ProgressAt(it.status, LD_Status::Bga, LD_Status::BgaPercentage);
      }},
     {{"activity_state", "ACTIVITY STATE", kCode, kWide, "How it stands",
       &CodeTable::activity_states},
-     [](const VirtualDisk& it) { return FieldCell(it.status, LD_Status::BgaState); }},
+     [](const ShownDisk& it) { return FieldCell(it.status, LD_Status::BgaState); }},
+    {OneOf(ProtectionWords,
+           {"redundancy", "REDUNDANCY", kWord, kWide,
+            "What is left of it: full, reduced (any one more disk may fail), exhausted (not any "
+            "disk may), lost, or none by its level"}),
+     [](const ShownDisk& it) {
+         return it.protection ? TextCell(std::string(hxc::NameOf(*it.protection))) : Unknown();
+     }},
+    {{"failures_tolerated", "TOLERATES", kNumber, kWide, "How many disks, whichever, may fail"},
+     [](const ShownDisk& it) { return NumberCell(it.survives); }},
     {{"stripe_bytes", "STRIPE", kBytes, kWide, "Its stripe size"},
-     [](const VirtualDisk& it) { return ScaledAt(it.info, LD_Info::StripeBlockSize, 1024); }},
+     [](const ShownDisk& it) { return ScaledAt(it.info, LD_Info::StripeBlockSize, 1024); }},
     {{"disk_count", "DISK COUNT", kNumber, kWide, "The number of its disks"},
-     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::HDCount); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, LD_Info::HDCount); }},
     {{"leg_count", "LEGS", kNumber, kWide, "The number of its legs; 0 for a level without"},
-     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::SubLDCount); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, LD_Info::SubLDCount); }},
     {{"parity_disks", "PARITY", kNumber, kWide, "The number of its parity disks"},
-     [](const VirtualDisk& it) { return FieldCell(it.info, LD_Info::NumParityDisk); }},
+     [](const ShownDisk& it) { return FieldCell(it.info, LD_Info::NumParityDisk); }},
     {{"sector_bytes", "SECTOR", kNumber, kWide, "The size of its sectors"},
-     [](const VirtualDisk& it) {
+     [](const ShownDisk& it) {
          return ScaledAt(it.info, LD_Info::SectorCoefficient, kSectorBytes);
      }},
     {{"auto_rebuild", "AUTO REBUILD", kBool, kWide, "Setting: a spare is taken at once"},
-     [](const VirtualDisk& it) { return FieldCell(it.config, LD_Config::AutoRebuildOn); }},
+     [](const ShownDisk& it) { return FieldCell(it.config, LD_Config::AutoRebuildOn); }},
+    {Of(kMemberColumns, {"members", "MEMBERS", kItems, kWide,
+                         "Its positions: the disk, the state of what it holds there, and the leg "
+                         "or mirrored pair"}),
+     [](const ShownDisk& it) { return it.members; }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
 Exit ListVirtualDisks(Invocation& invocation) {
     SelectAdapters(invocation);
-    return Show(invocation,
-                Tabulated(invocation, kColumns, LoadVirtualDisks(invocation.controller())));
+    return Show(invocation, Tabulated(invocation, kColumns,
+                                      WithMembers(invocation.controller(),
+                                                  LoadVirtualDisks(invocation.controller()))));
 }
 
 // ---- Changes ----------------------------------------------------------------------------------
@@ -725,7 +807,7 @@ constexpr OptionRow kAdapterOption[] = {{"--adapter", "NUMBER", "Only those of t
 
 constexpr const auto& kListFunctions =
     kNamesOf<calls::HX_LD_GetInfo, calls::HX_LD_GetTargetLDInfo, calls::HX_LD_GetConfig,
-             calls::HX_LD_GetStatus, calls::HX_BLK_GetInfo>;
+             calls::HX_LD_GetStatus, calls::HX_BLK_GetInfo, calls::HX_PD_GetHDInfo_Ext>;
 
 constexpr CommandRow kCommands[] = {
     {.noun = "vd",

@@ -33,6 +33,7 @@ enum class Kind {
     kTexts,      // a list of texts
     kAddresses,  // a list of addresses
     kNumbers,    // a list of numbers
+    kSizes,      // a list of sizes
     kItems,      // a list of objects, whose fields the column describes
 };
 

@@ -87,10 +87,14 @@ std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& st
             [[fallthrough]];
         case Kind::kBits:
             return Joined(cell.texts, ",");
-        case Kind::kNumbers: {
+        case Kind::kNumbers:
+        case Kind::kSizes: {
+            const bool are_sizes = column.kind == Kind::kSizes;
             std::vector<std::string> texts;
-            for (const std::uint64_t number : cell.numbers) texts.push_back(std::to_string(number));
-            return Joined(texts, ",");
+            for (const std::uint64_t number : cell.numbers) {
+                texts.push_back(are_sizes ? SizeText(number, style) : std::to_string(number));
+            }
+            return Joined(texts, are_sizes ? ", " : ",");
         }
         case Kind::kItems: {
             std::vector<std::string> texts;
@@ -110,6 +114,11 @@ std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& st
 
 std::string PlainText(const ColumnInfo& column, const Cell& cell, const Style& style) {
     if (!cell.IsKnown()) return {};
+    if (column.kind == Kind::kSizes) {
+        std::vector<std::string> texts;
+        for (const std::uint64_t size : cell.numbers) texts.push_back(std::to_string(size));
+        return Joined(texts, ",");
+    }
     if (column.kind == Kind::kBytes) return std::to_string(cell.number);
     if (IsTexts(column.kind)) return Joined(cell.texts, ",");
     if (column.kind == Kind::kBool) return cell.number != 0 ? "true" : "false";

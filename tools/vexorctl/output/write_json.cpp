@@ -46,6 +46,7 @@ Json CellJson(const ColumnInfo& column, const Cell& cell, const Style& style) {
         case Kind::kAddresses:
             return cell.texts;
         case Kind::kNumbers:
+        case Kind::kSizes:
             return cell.numbers;
         case Kind::kItems: {
             Json items = Json::array();

@@ -1,0 +1,130 @@
+#!/usr/bin/env python3
+"""What vexorctl's documents tell of redundancy, spares, places, lights and activities, over a fresh virtual
+controller.
+
+usage: vexorctl_facts_test.py VEXORCTL [TEST]...
+"""
+
+import json
+
+import vexorctl_machine
+from vexorctl_machine import SCHEMA, VexorctlCase, schema
+
+VEXORCTL = ""
+
+
+class Facts(VexorctlCase):
+    def items(self, *words):
+        run = self.run_words(*words, "-o", "json")
+        self.assertEqual((run.returncode, run.stderr), (0, ""))
+        document = json.loads(run.stdout)
+        schema(SCHEMA).validate(document)
+        return document["items"]
+
+    def item(self, *words):
+        (item,) = self.items(*words)
+        return item
+
+    def redundancy(self, disk):
+        item = self.item("vd", "show", disk)
+        return item["redundancy"], item["failures_tolerated"]
+
+    def change(self, *words):
+        run = self.run_words(*words, "--yes")
+        self.assertEqual(run.returncode, 0, (words, run.stderr))
+
+    def test_a_virtual_disk_tells_what_it_still_survives(self):
+        self.change("adapter", "set", "a0", "--auto-rebuild", "off")
+        self.assertEqual(self.redundancy("a0/vd2"), ("full", 2))
+        for failed, told in (("a0/pd4", ("reduced", 1)), ("a0/pd5", ("exhausted", 0)),
+                             ("a0/pd6", ("lost", 0))):
+            self.machine.hxsimctl("disk", "fail", failed)
+            self.assertEqual(self.redundancy("a0/vd2"), told)
+
+    def test_a_level_without_redundancy_has_none_to_lose(self):
+        self.change("vd", "create", "a0/pd12", "--raid", "0", "--size", "10GiB", "--name", "fast")
+        self.assertEqual(self.redundancy("name:fast"), ("none", 0))
+
+    def test_members_stand_in_their_order_with_their_state_and_pair(self):
+        self.assertEqual(self.item("vd", "show", "a1/vd0")["members"], [
+            {"position": 0, "disk": "a1/pd0", "state": "optimal", "leg": 0},
+            {"position": 1, "disk": "a1/pd1", "state": "optimal", "leg": 0}])
+        self.machine.hxsimctl("disk", "fail", "a0/pd4")
+        self.machine.hxsimctl("clock", "advance", "1m")
+        first, second = self.item("vd", "show", "a0/vd2")["members"][:2]
+        self.assertEqual(first, {"position": 0, "disk": "a0/pd9", "state": "rebuilding",
+                                 "leg": None})  # the spare
+        self.assertEqual(second, {"position": 1, "disk": "a0/pd5", "state": "optimal", "leg": None})
+
+    def test_mirrored_pairs_are_told_apart(self):
+        self.change("vd", "create", "a1/pd3", "a1/pd4", "a1/pd5", "a1/pd6", "--raid", "10",
+                    "--size", "10GiB", "--name", "pairs")
+        members = self.item("vd", "show", "name:pairs")["members"]
+        self.assertEqual([member["leg"] for member in members], [0, 0, 1, 1])
+
+    def test_a_spare_tells_where_it_fits_and_why_not_elsewhere(self):
+        self.assertEqual(
+            [(each["vd"], each["fit"]) for each in self.item("disk", "show", "a0/pd10")["spare_for"]],
+            [("a0/vd0", "fits"), ("a0/vd2", "other_group")])
+        self.assertIsNone(self.item("disk", "show", "a0/pd11")["spare_for"])
+        self.change("vd", "delete", "a0/vd2")
+        self.change("vd", "create", "a0/pd4", "a0/pd5", "--raid", "1", "--name", "large")
+        self.change("disk", "spare", "a0/pd11")
+        fits = {each["vd"]: each for each in self.item("disk", "show", "a0/pd11")["spare_for"]}
+        large = self.item("vd", "show", "name:large")["address"]
+        self.assertEqual(fits[large]["fit"], "too_small")
+        self.assertGreater(fits[large]["needed_bytes"],
+                           self.item("disk", "show", "a0/pd11")["size_bytes"])
+
+    def test_a_failed_spare_fits_nowhere(self):
+        self.machine.hxsimctl("disk", "fail", "a0/pd9")
+        fits = self.item("disk", "show", "a0/pd9")["spare_for"]
+        self.assertEqual({each["fit"] for each in fits}, {"broken"})
+
+    def test_a_copybacks_target_is_not_rebuilding(self):
+        self.change("adapter", "set", "a0", "--copyback", "on")
+        self.machine.hxsimctl("disk", "fail", "a0/pd4")
+        self.machine.hxsimctl("clock", "advance", "1m")
+        self.assertEqual(self.item("disk", "show", "a0/pd9")["state"], "rebuilding")
+        self.machine.hxsimctl("clock", "advance", "30d")
+        self.machine.hxsimctl("disk", "replace", "a0/pd4")
+        self.machine.hxsimctl("clock", "advance", "1m")
+        self.assertEqual(self.item("task", "list")["activity"]["name"], "copyback")
+        self.assertEqual(self.item("disk", "show", "a0/pd4")["state"], "copyback_target")
+        self.assertEqual(self.redundancy("a0/vd2"), ("full", 2))
+
+    def test_a_groups_migration_has_progress(self):
+        self.change("dg", "migrate", "a0/dg0", "--raid", "6", "--to",
+                    "a0/pd0,a0/pd1,a0/pd2,a0/pd3,a0/pd11")
+        self.assertEqual(self.item("task", "list")["progress_ratio"], 0)
+        self.machine.hxsimctl("clock", "advance", "40m")
+        (task,) = self.items("task", "list")
+        self.assertEqual(task["address"], "a0/dg0")
+        self.assertGreater(task["progress_ratio"], 0)
+        self.assertEqual(self.item("dg", "show", "a0/dg0")["progress_ratio"],
+                         task["progress_ratio"])
+        disk = self.item("disk", "show", "a0/pd0")
+        self.assertEqual((disk["activity"]["name"], disk["progress_ratio"]),
+                         ("migration", task["progress_ratio"]))
+        self.assertEqual(self.item("disk", "show", "a0/pd10")["activity"]["name"], "none")
+        self.machine.hxsimctl("clock", "advance", "30d")
+        self.assertIsNone(self.item("dg", "show", "a0/dg0")["progress_ratio"])
+
+    def test_a_disk_tells_its_bay_and_whether_its_light_is_on(self):
+        disk = self.item("disk", "show", "a0/pd9")
+        self.assertEqual((disk["enclosure"], disk["slot"], disk["locate_light"]),
+                         ("a0/enc0", 13, False))
+        self.change("disk", "locate", "a0/pd9")
+        self.assertIs(self.item("disk", "show", "a0/pd9")["locate_light"], True)
+        disk = self.item("disk", "show", "a1/pd0")
+        self.assertEqual((disk["enclosure"], disk["slot"]), (None, None))
+
+    def test_an_adapter_tells_its_stripe_sizes_and_how_well_it_is(self):
+        adapter = self.item("adapter", "show", "a1")
+        self.assertEqual(adapter["stripe_sizes"], [16 << 10, 32 << 10, 64 << 10])
+        self.assertEqual(adapter["health"], "ok")
+        self.assertIn("16 KiB, 32 KiB, 64 KiB", self.run_words("adapter", "show", "a1").stdout)
+
+
+if __name__ == "__main__":
+    vexorctl_machine.run_tests(__name__, "VEXORCTL")
