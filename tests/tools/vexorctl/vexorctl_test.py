@@ -592,7 +592,7 @@ class Usage(VexorctlTest):
         for arguments, complaint in (
             (["xlm"], 'there is no "xlm"; say one of overview, adapter, enclosure, disk, vd, dg, '
                       "task, battery, flash, event, user, counters, config, apply, check, risk, "
-                      f'call, xml, completion, help, version; did you mean "xml"?{SEE_HELP}'),
+                      f'timeline, call, xml, completion, help, version; did you mean "xml"?{SEE_HELP}'),
             (["--verbose"], f"there is no option --verbose{SEE_HELP}"),
             (["xml", "command", "-x"],
              "The following argument was not expected: -x (see vexorctl xml --help)\n"),
