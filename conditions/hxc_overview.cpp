@@ -415,6 +415,13 @@ Overview OverviewOf(const State& state, const Settings& settings, std::int64_t r
     return overview;
 }
 
+Overview WithHeads(Overview overview, const std::vector<Condition>& heads) {
+    overview.heads.insert(overview.heads.end(), heads.begin(), heads.end());
+    std::ranges::stable_sort(overview.heads, ComesBefore);
+    Count(overview);
+    return overview;
+}
+
 Overview WithoutSilenced(Overview overview) {
     std::erase_if(overview.heads,
                   [](const Condition& head) { return head.silenced_until.has_value(); });

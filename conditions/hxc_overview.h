@@ -71,6 +71,9 @@ Overview OverviewOf(const State& state, const Settings& settings, std::int64_t r
 /// The overview without silenced conditions, which the exit code ignores; their count stays.
 Overview WithoutSilenced(Overview overview);
 
+/// The overview with further heads in their places: those that somebody else has found.
+Overview WithHeads(Overview overview, const std::vector<Condition>& heads);
+
 Counts CountsOf(const Answers& answers);
 
 /// The order of conditions: by rank, then by adapter, kind and number; silenced ones last.

@@ -295,5 +295,21 @@ TEST(ARaid10WithOneDiskOut, SaysWhichDisksMayStillFail) {
               "a0/pd4 failed; no spare fits");
 }
 
+TEST(FurtherHeads, HaveTheirPlacesAndCount) {
+    const Overview look = LookOnce(DegradedMachine(), {}, {});
+    Condition worse;
+    worse.code = Code::kVdOffline;
+    worse.level = Level::kCritical;
+    Condition less;
+    less.code = Code::kEventsLost;
+    less.level = Level::kWarning;
+    const Overview overview = WithHeads(look, {less, worse});
+    ASSERT_EQ(overview.heads.size(), look.heads.size() + 2);
+    EXPECT_EQ(overview.heads.front().code, Code::kVdOffline);
+    EXPECT_EQ(overview.critical, look.critical + 1);
+    EXPECT_EQ(overview.warning, look.warning + 1);
+    EXPECT_EQ(overview.overall, Level::kCritical);
+}
+
 }  // namespace
 }  // namespace hxconditions

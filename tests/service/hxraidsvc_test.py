@@ -310,6 +310,16 @@ class Conditions(Case):
             service.end()
         self.assertFalse(self.root.path("/run/hxraid/status.json").exists())
 
+    def test_of_a_running_service_are_known_to_vexorctl(self):
+        def check():
+            return self.root.run(os.path.join(PROGRAMS, "vexorctl"), "check").stdout
+        self.assertIn("NOT_WATCHED", check())
+        with Running(self.root) as service:
+            wait_for(lambda: self.root.path("/run/hxraid/status.json").exists(), "the status")
+            self.assertNotIn("NOT_WATCHED", check())
+            service.end()
+        self.assertIn("NOT_WATCHED", check())
+
     def test_begin_anew_when_the_state_file_is_damaged(self):
         self.root.hxsimctl("smart", "trip", "a0/pd4")
         self.root.service("--once")

@@ -8,6 +8,7 @@ usage: vexorctl_check_test.py VEXORCTL [TEST]...
 import json
 import re
 import sqlite3
+import time
 
 import vexorctl_machine
 from vexorctl_machine import SCHEMA, VexorctlCase, schema
@@ -47,6 +48,65 @@ class CheckCase(VexorctlCase):
                 found.append(name)
         self.assertEqual((found, returncode), (list(heads), code))
         return document
+
+
+class ServiceReport(CheckCase):
+    """What the event service has published, and check knows from there alone."""
+
+    CONDITION = {
+        "code": "VD_BLOCK_LOST", "level": "critical",
+        "object": {"kind": "vd", "address": "a0/vd0", "name": "DATA", "serial": None},
+        "sentence": "DATA (a0/vd0): block 7 is lost", "folded": [], "stale": False,
+        "next_step": {"text": "Restore the file", "command": None}}
+
+    def publish(self, age=0, **members):
+        report = {"schema": "hxraidsvc-status/1", "written_at": int(time.time()) - age,
+                  "interval_s": 3600.0, "once": False, "conditions": [self.CONDITION], **members}
+        file = self.root / "run" / "hxraid" / "status.json"
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_text(json.dumps(report))
+        return file
+
+    def codes(self):
+        return [each["code"] for each in self.document()[0]["conditions"]]
+
+    def test_adds_what_only_events_or_a_memory_can_tell(self):
+        self.assertEqual(self.codes(), ["NOT_WATCHED"])
+        self.publish()
+        self.assertEqual(self.codes(), ["VD_BLOCK_LOST"])
+        run = self.run_words("check")
+        self.assertEqual(run.returncode, 2)
+        self.assertTrue(run.stdout.startswith("CRITICAL: DATA (a0/vd0): block 7 is lost | "))
+        self.assertIn("VD_BLOCK_LOST", self.run_words("overview", "-o", "json").stdout)
+
+    def test_adds_nothing_that_check_sees_itself(self):
+        # A disk that has been replaced since the last round is not told any more.
+        self.publish(conditions=[{**self.CONDITION, "code": "DISK_FAILED", "level": "warning"}])
+        self.assertEqual(self.codes(), [])
+
+    def test_that_is_old_adds_nothing_and_is_told(self):
+        self.publish(age=3 * 3600 + 600)
+        self.assertEqual(self.codes(), ["SERVICE_STALE", "NOT_WATCHED"])
+        self.publish(age=3 * 3600 + 600, once=True)
+        self.assertEqual(self.codes(), ["NOT_WATCHED"])
+
+    def test_of_another_adapter_is_left_out(self):
+        self.publish(conditions=[{**self.CONDITION, "object": {
+            **self.CONDITION["object"], "address": "a3/vd0"}}])
+        self.assertEqual(self.codes(), [])
+
+    def test_that_cannot_be_read_is_none(self):
+        for text in ("", "{", "[]", "null", '{"schema":"hxraidsvc-status/2"}',
+                     '{"schema":"hxraidsvc-status/1"}'):
+            with self.subTest(text=text):
+                self.publish().write_text(text)
+                self.assertEqual(self.codes(), ["NOT_WATCHED"])
+        for broken in ({"conditions": [7]}, {"conditions": [{"code": 7}]}, {"written_at": "now"}):
+            with self.subTest(broken=broken):
+                self.publish(**broken)
+                self.assertEqual(self.codes(), ["NOT_WATCHED"])
+        self.publish(conditions=[{**self.CONDITION, "code": "NO_SUCH_CODE"}])
+        self.assertEqual(self.codes(), [])
 
 
 class WorkedExample(CheckCase):

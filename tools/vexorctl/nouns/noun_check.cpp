@@ -12,13 +12,13 @@
 #include "common/terminal_text.h"
 #include "conditions/hxc_check.h"
 #include "conditions/hxc_json.h"
-#include "conditions/hxc_look.h"
 #include "conditions/hxc_overview.h"
 #include "conditions/hxc_rows.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/health_answers.h"
 #include "model/library_session.h"
+#include "model/service_report.h"
 #include "nouns/adapter_targets.h"
 #include "nouns/nouns.h"
 #include "output/cell.h"
@@ -116,8 +116,7 @@ void PrintLines(const hxc::Overview& overview, const hxc::Answers& answers) {
 Exit Check(Invocation& invocation) {
     LimitTime(invocation);
     const hxc::Answers answers = Look(invocation);
-    const hxc::Now now{.real = std::time(nullptr), .boot = 0, .boot_id = ""};
-    hxc::Overview overview = hxc::LookOnce(answers, now, {});
+    hxc::Overview overview = LookWithService(answers, std::time(nullptr));
     if (invocation.Has("--honour-silences")) overview = WithoutSilenced(std::move(overview));
     if (invocation.Has("--output")) {
         Report report = Tabulated(invocation, kColumns, overview.heads);

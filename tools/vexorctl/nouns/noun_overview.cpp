@@ -7,13 +7,13 @@
 #include <vector>
 
 #include "conditions/hxc_json.h"
-#include "conditions/hxc_look.h"
 #include "conditions/hxc_overview.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/exit_code.h"
 #include "model/health_answers.h"
 #include "model/library_record.h"
+#include "model/service_report.h"
 #include "nouns/adapter_targets.h"
 #include "nouns/nouns.h"
 #include "nouns/overview_screen.h"
@@ -124,8 +124,7 @@ Exit ShowOverview(Invocation& invocation) {
     SelectTargets(invocation);
     Controller& controller = invocation.controller();
     const MachineLook look = LookAtMachine(controller);
-    const hxc::Now now{.real = std::time(nullptr), .boot = 0, .boot_id = ""};
-    const hxc::Overview overview = hxc::LookOnce(look.answers, now, {});
+    const hxc::Overview overview = LookWithService(look.answers, std::time(nullptr));
     const CodeTable& codes = controller.codes().table();
     const bool as_rows = invocation.Has("--output") || invocation.Has("--columns") ||
                          invocation.Has("--sort") || invocation.Has("--no-header");

@@ -1,0 +1,17 @@
+// What one look at the machine finds, with what the event service has last published besides.
+#pragma once
+
+#include <cstdint>
+
+#include "conditions/hxc_answers.h"
+#include "conditions/hxc_overview.h"
+
+namespace vexorctl {
+
+/// The conditions of one look. A fresh report of the event service adds those that rest on its
+/// memory, on events or on itself; of adapters, of those that were asked. Without one the look says
+/// that nobody watches, or for how long the service has been silent. A report that cannot be read
+/// is none.
+hxconditions::Overview LookWithService(hxconditions::Answers answers, std::int64_t now);
+
+}  // namespace vexorctl
