@@ -23,8 +23,8 @@ auto Members(hxc::LostMember& it) {
     return std::tie(identity, address);
 }
 auto Members(hxc::Damping& it) {
-    auto& [seconds, looks] = it;
-    return std::tie(seconds, looks);
+    auto& [period, looks] = it;
+    return std::tie(period, looks);
 }
 auto Members(hxc::Object& it) {
     auto& [kind, adapter, id, element, address, name, serial, identity, is_known, of] = it;
