@@ -43,12 +43,12 @@ class Effects(PlanCase):
         before = self.machine_now()
         said = self.lines("disk", "set", "a1/pd1", "--state", "offline", code=1)
         self.assertIn("a1/vd0 (MIRROR) goes offline, all of it: it survives no failed disk now", said)
-        self.assertIn("this would be refused: it takes a1/vd0 (MIRROR) away; --force does it all the "
-                      "same", said)
+        self.assertIn("this would be refused: a1/vd0 (MIRROR) could not be used any more; --force does "
+                      "it all the same", said)
         run = self.run_words("disk", "set", "a1/pd1", "--state", "offline", "--yes")
         self.assertEqual((run.stderr, run.returncode),
-                         ("vexorctl: a1/pd1: it takes a1/vd0 (MIRROR) away; --force does it all the "
-                          "same. Nothing was done\n", 1))
+                         ("vexorctl: a1/pd1: a1/vd0 (MIRROR) could not be used any more; --force does "
+                          "it all the same. Nothing was done\n", 1))
         self.assertEqual(self.machine_now(), before)
         self.do("disk", "set", "a1/pd1", "--state", "offline", "--force")
         self.assertEqual(self.run_words("vd", "list", "a1/vd0", "--columns", "state",
@@ -151,9 +151,33 @@ class Effects(PlanCase):
         self.assertEqual(run.returncode, 1)
         (item,) = json.loads(run.stdout)["items"]
         self.assertEqual(item["refusals"],
-                         ["it takes a1/vd0 (MIRROR) away; --force does it all the same"])
+                         ["a1/vd0 (MIRROR) could not be used any more; --force does it all the same"])
         self.assertIn("a1/vd0 (MIRROR) goes offline, all of it: it survives no failed disk now",
                       item["effects"])
+
+
+    def test_a_setting_that_keeps_spares_away_says_so(self):
+        self.do("disk", "spare", "a1/pd3")
+        expected = "for a lost disk of a1/vd0 (MIRROR) steps in: a1/pd3 now, no spare afterwards"
+        self.assertIn(expected, self.lines("adapter", "set", "a1", "--auto-rebuild", "off"))
+        said = self.lines("vd", "set", "a1/vd0", "--auto-rebuild", "off")
+        self.assertIn(expected, said)
+        self.assertIn("automatic rebuild: on -> off", said)
+
+    def test_what_an_abort_leaves_is_told(self):
+        self.machine.hxsimctl("disk", "fail", "a0/pd0")
+        said = self.lines("task", "abort", "a0/vd0")
+        self.assertIn("ended: rebuild", said)
+        self.assertIn("what is lost stays lost: its redundancy does not come back", said)
+
+    def test_without_its_battery_a_write_back_cache_is_not_safe(self):
+        self.do("vd", "set", "a0/vd0", "--cache", "write_back")
+        for words in (("battery", "relearn", "a0"), ("battery", "set", "a0", "--use", "off"),
+                      ("battery", "power", "a0", "--action", "discharge")):
+            self.assertTrue(any(each.startswith("without a charged battery the write-back cache of ")
+                                and "a0/vd0" in each for each in self.lines(*words)), words)
+        self.assertFalse(any("write-back" in each for each in
+                             self.lines("battery", "power", "a0", "--action", "charge")))
 
 
 class Refusals(PlanCase):
@@ -213,6 +237,9 @@ class PlanFiles(PlanCase):
 
     def test_a_plan_is_a_document_of_its_schema_and_changes_nothing(self):
         before = self.machine_now()
+        run = self.run_words("vd", "delete", "a1/vd0", "--plan", "first.json")
+        self.assertTrue(run.stdout.endswith(
+            "The plan is in first.json; vexorctl apply carries it out.\n"), run.stdout)
         document = self.plan("vd", "delete", "a1/vd0")
         self.assertEqual(self.machine_now(), before)
         schema(PLAN_SCHEMA).validate(document)

@@ -5,6 +5,7 @@
 
 #include "codes/code_table.h"
 #include "common/address.h"
+#include "conditions/hxc_answers.h"
 #include "library_fields.h"
 #include "model/adapters.h"
 #include "model/ask_controller.h"
@@ -294,12 +295,18 @@ Exit SetAdapter(Invocation& invocation) {
         }
     }
     if (changes.empty()) throw UsageError("no setting was named");
-    return CarryOut(invocation, {.what = "Set " + address.Text(),
-                                 .losses = std::move(changes),
-                                 .confirm = {},
-                                 .commands = {std::move(request)},
-                                 .address = address.Text(),
-                                 .size_bytes = {}});
+    Change change{.what = "Set " + address.Text(),
+                  .losses = std::move(changes),
+                  .confirm = {},
+                  .commands = {std::move(request)},
+                  .address = address.Text(),
+                  .size_bytes = {}};
+    if (const auto auto_rebuild = SwitchOption(invocation, "--auto-rebuild")) {
+        change.alters = [auto_rebuild](hxconditions::Adapter& altered) {
+            altered.auto_rebuild = *auto_rebuild != 0;
+        };
+    }
+    return CarryOut(invocation, change);
 }
 
 constexpr CommandRow kCommands[] = {

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "codes/code_table.h"
+#include "codes/named.h"
 #include "common/address.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
@@ -9,10 +10,12 @@
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/library_record.h"
+#include "model/virtual_disks.h"
 #include "nouns/find_object.h"
 #include "nouns/nouns.h"
 #include "nouns/plan_and_act.h"
 #include "output/cell.h"
+#include "output/cell_text.h"
 #include "output/record_cells.h"
 #include "output/report.h"
 #include "shell/command_rows.h"
@@ -108,6 +111,31 @@ Change ChangeOf(const Battery& battery, const std::string& what, Command command
             .size_bytes = {}};
 }
 
+// While the battery cannot hold it, the content of a write-back cache would be lost with the power.
+void TellCaches(Invocation& invocation, const Battery& battery, Change& change) {
+    Controller& controller = invocation.controller();
+    const auto* const write_back =
+        hxcodes::FindName(controller.codes().table().cache_bits, "write_back");
+    const std::size_t faults = controller.faults().size();
+    const Exit exit = controller.exit();
+    std::vector<std::string> cached;
+    bool is_known = write_back != nullptr;
+    for (const VirtualDisk& disk : LoadVirtualDisks(controller)) {
+        const auto mode = disk.info[fields::LD_Info::CacheMode];
+        if (disk.address.adapter != battery.address.adapter || !is_known) continue;
+        if (!mode) is_known = false;
+        if ((mode.value_or(0) & write_back->code) != 0) cached.push_back(disk.address.Text());
+    }
+    is_known = is_known && controller.faults().size() == faults;
+    controller.TakeBack(faults, exit);
+    if (!is_known) {
+        change.losses.emplace_back("which virtual disks lose their write-back cache is not known");
+    } else if (!cached.empty()) {
+        change.losses.push_back("without a charged battery the write-back cache of " +
+                                Joined(cached, ", ") + " is not safe, or is not used");
+    }
+}
+
 template <class Function>
 Request<Function> RequestTo(const Battery& battery) {
     return {{Function::AdapterID, battery.address.adapter}};
@@ -115,8 +143,10 @@ Request<Function> RequestTo(const Battery& battery) {
 
 Exit RelearnBattery(Invocation& invocation) {
     const Battery battery = FindBattery(invocation);
-    return CarryOut(invocation, ChangeOf(battery, "Start a relearn cycle of",
-                                         RequestTo<calls::HX_BBU_ActRelearn>(battery)));
+    Change change =
+        ChangeOf(battery, "Start a relearn cycle of", RequestTo<calls::HX_BBU_ActRelearn>(battery));
+    TellCaches(invocation, battery, change);
+    return CarryOut(invocation, change);
 }
 
 Exit PowerBattery(Invocation& invocation) {
@@ -125,7 +155,9 @@ Exit PowerBattery(Invocation& invocation) {
     if (!invocation.Has("--action")) throw UsageError("--action is missing: charge or discharge");
     auto request = RequestTo<Function>(battery);
     request.Add({Function::action, CodeOption(invocation, "--action", &CodeTable::powers)});
-    return CarryOut(invocation, ChangeOf(battery, "Change the power of", std::move(request)));
+    Change change = ChangeOf(battery, "Change the power of", std::move(request));
+    if (invocation.Get("--action", "") != "charge") TellCaches(invocation, battery, change);
+    return CarryOut(invocation, change);
 }
 
 // A bound: its option, the parameter that sets it, and the field that tells what it is.
@@ -167,6 +199,7 @@ Exit SetBattery(Invocation& invocation) {
     if (const auto use = SwitchOption(invocation, "--use")) {
         auto request = RequestTo<SetStatus>(battery);
         request.Add({SetStatus::status, *use});
+        if (*use == 0) TellCaches(invocation, battery, change);
         change.commands.push_back(std::move(request));
     }
     if (const auto capacity = invocation.Number("--capacity", 65535)) {

@@ -1,6 +1,7 @@
 // vexorctl task ...
 #include <utility>
 
+#include "codes/activity.h"
 #include "codes/code_table.h"
 #include "codes/state.h"
 #include "common/address.h"
@@ -102,12 +103,47 @@ Command ControlCommand(const Address& address, std::uint64_t code) {
     throw UsageError(address.Text() + " has no tasks");
 }
 
+// What an abort leaves behind, by the activity that runs; nothing for the other verbs.
+struct AbortRow {
+    hxcodes::ActivityKind kind;
+    std::string_view effect;
+};
+constexpr AbortRow kAborts[] = {
+    {hxcodes::ActivityKind::kInitQuick, "it stays without valid redundancy"},
+    {hxcodes::ActivityKind::kInitBackground, "it stays without valid redundancy"},
+    {hxcodes::ActivityKind::kInitForeground, "it stays without valid redundancy"},
+    {hxcodes::ActivityKind::kRebuild, "what is lost stays lost: its redundancy does not come back"},
+    {hxcodes::ActivityKind::kMigration, "it stays at the level and on the disks that it has"},
+    {hxcodes::ActivityKind::kCopyback, "the spare stays in its place"},
+};
+
+std::vector<std::string> LossesOfAbort(Invocation& invocation, const Address& address) {
+    if (invocation.row().verb != "abort") return {};
+    Controller& controller = invocation.controller();
+    const std::size_t faults = controller.faults().size();
+    const Exit exit = controller.exit();
+    std::vector<std::string> losses;
+    for (const Task& task : LoadTasks(controller, TaskDetail::kActivity)) {
+        if (task.address != address) continue;
+        const std::string_view name =
+            hxcodes::NameOf(controller.codes().table().activities, task.activity);
+        losses.push_back(name.empty() ? "what runs is not known" : "ended: " + std::string(name));
+        for (const AbortRow& row : kAborts) {
+            if (hxcodes::NameOf(hxcodes::kActivityNames, hxcodes::NumberOf(row.kind)) == name) {
+                losses.emplace_back(row.effect);
+            }
+        }
+    }
+    controller.TakeBack(faults, exit);
+    return losses;
+}
+
 Exit ControlTask(Invocation& invocation) {
     const std::string verb(invocation.row().verb);
     const Named place = FindPlace(invocation);
     const std::uint64_t code = CodeNamed(invocation.controller(), &CodeTable::controls, verb);
     return CarryOut(invocation, {.what = verb + " the task on " + place.address.Text(),
-                                 .losses = {},
+                                 .losses = LossesOfAbort(invocation, place.address),
                                  .confirm = {},
                                  .commands = {ControlCommand(place.address, code)},
                                  .address = place.address.Text(),

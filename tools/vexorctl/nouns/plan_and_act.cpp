@@ -114,8 +114,8 @@ Foreseen ForeseenOf(Controller& controller, const Change& change) {
 Plan PlanOf(Invocation& invocation, const Change& change) {
     Plan plan{change, ForeseenOf(invocation.controller(), change), change.refusals};
     if (change.needs_force && !invocation.Has("--force") && !plan.foreseen.unusable.empty()) {
-        plan.refusals.push_back("it takes " + Joined(plan.foreseen.unusable, ", ") +
-                                " away; --force does it all the same");
+        plan.refusals.push_back(Joined(plan.foreseen.unusable, ", ") +
+                                " could not be used any more; --force does it all the same");
     }
     return plan;
 }
@@ -207,6 +207,10 @@ Exit ShowPlan(Invocation& invocation, const Plan& plan) {
     }
     std::string text = PlanText(plan, invocation.review(), StyleOf(invocation, "table"));
     for (const Command& command : change.commands) text += Printable(CommandText(command)) + "\n";
+    const std::string* const path = invocation.Get("--plan");
+    if (path != nullptr && plan.refusals.empty()) {
+        text += Line("", "The plan is in " + *path + "; vexorctl apply carries it out.");
+    }
     PrintText(text);
     return refused;
 }
