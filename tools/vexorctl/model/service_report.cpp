@@ -22,10 +22,10 @@ namespace vexorctl {
 namespace {
 
 namespace hxc = hxconditions;
-using Json = nlohmann::json;
+using Json = nlohmann::ordered_json;
 
 constexpr char kReport[] = "/run/hxraid/status.json";
-constexpr std::size_t kMostBytes = std::size_t{1} << 20;
+constexpr std::size_t kMostReportBytes = std::size_t{1} << 20;
 
 constexpr double kRoundsOfSilence = 3;
 constexpr double kLeastSilence = 30;  // seconds; a round may take as long
@@ -35,7 +35,7 @@ std::optional<Json> ReadReport() {
     const std::string path = std::string(root == nullptr ? "" : root) + kReport;
     try {
         Json report = Json::parse(
-            vexortools::ReadFile(path.c_str(), vexortools::FileKind::kRegular, kMostBytes));
+            vexortools::ReadFile(path.c_str(), vexortools::FileKind::kRegular, kMostReportBytes));
         if (report.at("schema") == "hxraidsvc-status/1") return report;
     } catch (const vexortools::FileError&) {
         return std::nullopt;
