@@ -10,16 +10,16 @@ namespace hxservice {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
-std::string TextOf(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+std::string TextOf(const OrderedJson& json) {
+    return json.dump(-1, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
 }
 
 }  // namespace
 
 std::string StatusText(const Report& report) {
-    Json json;
+    OrderedJson json;
     json["schema"] = "hxraidsvc-status/1";
     json["version"] = report.version;
     json["written_at"] = report.written_at;
@@ -30,16 +30,17 @@ std::string StatusText(const Report& report) {
     json["collection"] = report.collection;
     json["store"]["first"] = report.store.first;
     json["store"]["next"] = report.store.next;
-    Json overview = Json::parse(hxconditions::OverviewJson(report.overview, report.counts));
-    Json conditions = std::move(overview["conditions"]);
+    OrderedJson overview =
+        OrderedJson::parse(hxconditions::OverviewJson(report.overview, report.counts));
+    OrderedJson conditions = std::move(overview["conditions"]);
     overview.erase("conditions");
     json.update(overview);
     json["left_out"] = 0;
-    json["conditions"] = Json::array();
+    json["conditions"] = OrderedJson::array();
     // Worst first: what has no room is what matters least.
     std::size_t size = TextOf(json).size() + sizeof "18446744073709551615";
     std::size_t left = conditions.size();
-    for (Json& each : conditions) {
+    for (OrderedJson& each : conditions) {
         size += TextOf(each).size();
         if (size > kLongestStatus) break;
         json["conditions"].push_back(std::move(each));
