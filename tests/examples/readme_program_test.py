@@ -92,6 +92,9 @@ class ReadmeProgram(unittest.TestCase):
         rows = table.split("\n\n")[0].splitlines()
         self.assertGreater(len(rows), 5)
         for row in rows:
+            # The 32-bit build has no service.
+            if "hxraidsvc" in row and not (BUILD / "bin" / "hxraidsvc").exists():
+                continue
             for path in re.findall(r"`([^`]+)`", row.split("|")[1]):
                 path = re.sub(r"^lib/(?!tmpfiles)", f"{LIBDIR}/", path)
                 self.assertTrue((prefix / path).exists(), path)

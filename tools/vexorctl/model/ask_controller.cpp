@@ -86,6 +86,13 @@ const ControllerCodes& Controller::codes() {
         using Function = calls::HX_API_Version;
         codes_.emplace();  // Ask() needs codes already, for a refusal of this question
         const auto answer = Ask(Request<Function>{});
+        // Every library has this function, so that something is wrong here; the codes' names would
+        // be missing for no reason that anybody sees.
+        if (answer.exit == Exit::kUndelivered) {
+            codes_.reset();
+            throw Failure(Exit::kUndelivered,
+                          "which controller answers cannot be told: " + answer.complaint);
+        }
         const auto identity = answer[Function::Result::RetVal];
         codes_.emplace(answer.exit == Exit::kDone ? identity.value_or("") : "", codes_path_);
     }
