@@ -97,6 +97,51 @@ class Completion(VexorctlCase):
     def test_names_are_data_in_fish(self):
         self.names_are_data("fish")
 
+    def candidates(self, *words, shell="bash"):
+        run = self.run_words("completion", "candidates", "--for", shell, "--", *words)
+        self.assertEqual((run.stderr, run.returncode), ("", 0))
+        return run.stdout.splitlines()[1:]
+
+    def test_every_option_with_a_fixed_set_of_values_offers_them(self):
+        self.assertEqual(self.candidates("event", "list", "--severity", "maj"), ["major", "major+"])
+        self.assertEqual(self.candidates("event", "follow", "--severity=fa"),
+                         ["--severity=fatal", "--severity=fatal+"])
+        self.assertEqual(self.candidates("event", "list", "--class", "bat"), ["battery"])
+        self.assertEqual(self.candidates("vd", "create", "--cache", ""),
+                         ["write_back", "read_ahead", "none"])
+        self.assertEqual(self.candidates("vd", "set", "a0/vd2", "--cache", "write_back,r"),
+                         ["write_back,read_ahead"])
+        self.assertEqual(self.candidates("vd", "list", "--sort", "-na"), ["-name"])
+        self.assertEqual(self.candidates("vd", "list", "--columns", "name,na"), [])
+        self.assertEqual(self.candidates("vd", "list", "--columns=address,na"),
+                         ["--columns=address,name"])
+        self.assertEqual(self.candidates("disk", "spare", "a0/pd11", "--dg", "a0/"), ["a0/dg0"])
+        self.assertEqual(self.candidates("vd", "create", "--adapter", ""), ["0", "1"])
+        self.assertEqual(self.candidates("vd", "create", "--size", ""), ["max"])
+        self.assertEqual(self.candidates("vd", "create", "--name", ""), [])
+
+    def test_fish_gets_descriptions(self):
+        self.assertEqual(self.candidates("dis", shell="fish"), ["disk\tPhysical disks"])
+        self.assertEqual(self.candidates("vd", "show", "name:A", shell="fish"),
+                         ["name:ARCHIVE\ta0/vd2"])
+        self.assertEqual(self.candidates("disk", "locate", "a0/pd1", "--o", shell="fish"),
+                         ["--off\tSwitch the light off",
+                          "--output\tHow objects are printed"])
+
+    def test_lists_and_files_are_completed_in_each_shell(self):
+        (self.root / "one-file.xml").write_text('<HX_Adapter_GetCount type="function"><No>1</No></HX_Adapter_GetCount>')
+        linted = self.run_words("xml", "lint", "one-file.xml").stdout
+        self.assertNotEqual(linted, "")
+        refused = self.run_words("vd", "show", "one-f").stderr
+        for name in ("bash", "zsh", "fish"):
+            shell = Shell(name, self.environment, self.root)
+            self.addCleanup(shell.close)
+            with self.subTest(shell=name):
+                self.completes(shell, "vd show a0/vd2 --columns address,na", "a0/vd2,ARCHIVE\n",
+                               "--no-header -o csv")
+                self.completes(shell, "xml lint one-f", linted, "")
+                self.completes(shell, "vd show one-f", refused, "")
+
     def test_files_are_offered_only_where_one_is_wanted(self):
         def wants(*words):
             run = self.run_words("completion", "candidates", "--for", "bash", "--", *words)

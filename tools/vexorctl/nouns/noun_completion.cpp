@@ -2,7 +2,16 @@
 // that they never differ from the command tree and know the objects that are there.
 #include <algorithm>
 #include <cctype>
+#include <iterator>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
+#include "codes/event_class.h"
+#include "codes/named.h"
 #include "common/address.h"
 #include "common/terminal_text.h"
 #include "library_fields.h"
@@ -142,22 +151,32 @@ Exit PrintFish(Invocation&) {
     return Exit::kDone;
 }
 
-void Add(std::vector<std::string>& candidates, std::string_view words) {
+// What may stand at the end of the line, and what fish tells of it.
+struct Candidate {
+    std::string word;
+    std::string description{};
+};
+
+void Add(std::vector<Candidate>& candidates, std::string_view words) {
     while (!words.empty()) {
         const std::size_t blank = words.find(' ');
-        candidates.emplace_back(words.substr(0, blank));
+        candidates.push_back({std::string(words.substr(0, blank))});
         words = blank == std::string_view::npos ? std::string_view() : words.substr(blank + 1);
     }
 }
 
-void AddObject(std::vector<std::string>& candidates, const Address& address,
+// Each form of an object's name is described by the others.
+void AddObject(std::vector<Candidate>& candidates, const Address& address,
                const std::optional<std::string>& name, const std::optional<std::string>& serial) {
-    candidates.push_back(address.Text());
-    if (name && !name->empty()) candidates.push_back("name:" + *name);
-    if (serial && !serial->empty()) candidates.push_back("serial:" + *serial);
+    const std::string text = address.Text();
+    const bool has_name = name && !name->empty();
+    const bool has_serial = serial && !serial->empty();
+    candidates.push_back({text, has_name ? *name : serial.value_or("")});
+    if (has_name) candidates.push_back({"name:" + *name, text});
+    if (has_serial) candidates.push_back({"serial:" + *serial, text});
 }
 
-void AddTargets(std::vector<std::string>& candidates, Controller& controller, Target target) {
+void AddTargets(std::vector<Candidate>& candidates, Controller& controller, Target target) {
     switch (target) {
         case Target::kAdapter:
             for (const Adapter& each : LoadAdapters(controller)) {
@@ -191,12 +210,12 @@ void AddTargets(std::vector<std::string>& candidates, Controller& controller, Ta
             break;
         case Target::kTask:
             for (const Task& task : LoadTasks(controller, TaskDetail::kActivity)) {
-                candidates.push_back(task.address.Text());
+                candidates.push_back({task.address.Text(), task.name.value_or("")});
             }
             break;
         case Target::kFunction:
             for (const FunctionRow& function : Functions()) {
-                candidates.emplace_back(function.name);
+                candidates.push_back({std::string(function.name)});
             }
             break;
         case Target::kNone:
@@ -207,39 +226,146 @@ void AddTargets(std::vector<std::string>& candidates, Controller& controller, Ta
 }
 
 struct Candidates {
-    std::vector<std::string> words;
+    std::vector<Candidate> words;
     bool files = false;  // may follow, too
 };
 
+void AddNames(std::vector<Candidate>& candidates, std::span<const hxcodes::Named> names,
+              std::string_view more = {}) {
+    for (const hxcodes::Named& row : names) {
+        candidates.push_back({std::string(row.name)});
+        if (!more.empty()) candidates.push_back({std::string(row.name).append(more)});
+    }
+}
+
+// The values of options that are not a fixed list of words; a list has commas between them.
+struct ValuesRow {
+    std::string_view option;
+    bool is_list;
+    void (*add)(std::vector<Candidate>& candidates, Controller& controller,
+                const CommandRow& command);
+};
+constexpr ValuesRow kValues[] = {
+    {"--columns", true,
+     [](std::vector<Candidate>& candidates, Controller&, const CommandRow& command) {
+         candidates.push_back({"all", "All of them"});
+         for (const ColumnInfo& column : command.columns()) {
+             candidates.push_back({std::string(column.key), std::string(column.help)});
+         }
+     }},
+    {"--sort", true,
+     [](std::vector<Candidate>& candidates, Controller&, const CommandRow& command) {
+         for (const std::string_view sign : {"", "-"}) {
+             for (const ColumnInfo& column : command.columns()) {
+                 candidates.push_back(
+                     {std::string(sign).append(column.key), std::string(column.help)});
+             }
+         }
+     }},
+    {"--severity", false,
+     [](std::vector<Candidate>& candidates, Controller&, const CommandRow&) {
+         AddNames(candidates, hxcodes::kSeverityNames, "+");
+     }},
+    {"--class", false,
+     [](std::vector<Candidate>& candidates, Controller&, const CommandRow&) {
+         AddNames(candidates, hxcodes::kEventClassNames);
+     }},
+    {"--cache", true,
+     [](std::vector<Candidate>& candidates, Controller&, const CommandRow&) {
+         Add(candidates, "write_back read_ahead none");
+     }},
+    {"--size", false,
+     [](std::vector<Candidate>& candidates, Controller&, const CommandRow&) {
+         candidates.push_back({"max", "As large as possible"});
+     }},
+    {"--dg", false,
+     [](std::vector<Candidate>& candidates, Controller& controller, const CommandRow&) {
+         AddTargets(candidates, controller, Target::kDiskGroup);
+     }},
+    {"--disk", false,
+     [](std::vector<Candidate>& candidates, Controller& controller, const CommandRow&) {
+         AddTargets(candidates, controller, Target::kDisk);
+     }},
+    {"--add", true,
+     [](std::vector<Candidate>& candidates, Controller& controller, const CommandRow&) {
+         AddTargets(candidates, controller, Target::kDisk);
+     }},
+    {"--to", true,
+     [](std::vector<Candidate>& candidates, Controller& controller, const CommandRow&) {
+         AddTargets(candidates, controller, Target::kDisk);
+     }},
+    {"--adapter", false,
+     [](std::vector<Candidate>& candidates, Controller& controller, const CommandRow&) {
+         for (const unsigned adapter : controller.Adapters()) {
+             candidates.push_back({std::to_string(adapter)});
+         }
+     }},
+};
+
+// The values of an option, of which `typed` is there already, behind what leads to them.
+void AddOfOption(Candidates& found, Controller& controller, const CommandRow& command,
+                 const OptionRow& option, const std::string& before, const std::string& typed) {
+    std::vector<Candidate> values;
+    std::string done = before;
+    Add(values, option.choices);
+    found.files = option.value == "FILE";
+    const auto* const row = std::ranges::find(kValues, option.name, &ValuesRow::option);
+    if (row != std::end(kValues)) {
+        // What is there already of a list stays before the last value, which is none of it.
+        const std::string list = row->is_list ? typed.substr(0, typed.rfind(',') + 1) : "";
+        done += list;
+        row->add(values, controller, command);
+        std::erase_if(values, [&](const Candidate& each) {
+            return ("," + list).find("," + each.word + ",") != std::string::npos;
+        });
+    }
+    for (Candidate& each : values) {
+        found.words.push_back({done + each.word, std::move(each.description)});
+    }
+}
+
+// The option that the value of `words` belongs to: "--sort" in "--sort=na", or the word before.
+// None for a switch, and for one whose value may only follow behind "=".
+const OptionRow* OptionBefore(const std::vector<OptionRow>& options, std::string_view current,
+                              std::string_view before, std::string& lead) {
+    const std::size_t sign = current.find('=');
+    if (current.starts_with("--") && sign != std::string_view::npos) {
+        const auto row = std::ranges::find(options, current.substr(0, sign), &OptionRow::name);
+        if (row == options.end() || row->value.empty()) return nullptr;
+        lead = current.substr(0, sign + 1);
+        return &*row;
+    }
+    for (const OptionRow& option : options) {
+        if (option.value.empty() || option.value_optional) continue;
+        if (before == option.name || (!option.letter.empty() && before == option.letter)) {
+            return &option;
+        }
+    }
+    return nullptr;
+}
+
 void AddOfCommand(Candidates& found, Controller& controller, const CommandRow& command,
                   const std::vector<std::string>& words) {
-    std::vector<std::string>& candidates = found.words;
+    std::vector<Candidate>& candidates = found.words;
     const std::string& current = words.back();
     const std::string_view before = words.size() > 1 ? words[words.size() - 2] : std::string_view();
     const std::vector<OptionRow> options = OptionsOf(command);
-    for (const OptionRow& option : options) {
-        if (option.value.empty() || option.value_optional) continue;
-        if (before != option.name && (option.letter.empty() || before != option.letter)) continue;
-        Add(candidates, option.choices);
-        found.files = option.value == "FILE";
-        const bool keys = option.name == "--columns" || option.name == "--sort";
-        if (!keys || command.columns == nullptr) return;
-        // Several keys stand between commas: what is there already stays before the last one.
-        const std::string done = current.substr(0, current.rfind(',') + 1);
-        for (const ColumnInfo& column : command.columns()) {
-            candidates.push_back(done + std::string(column.key));
-        }
+    std::string lead;
+    if (const OptionRow* const option = OptionBefore(options, current, before, lead)) {
+        AddOfOption(found, controller, command, *option, lead, current.substr(lead.size()));
         return;
     }
     if (current.starts_with('-')) {
-        for (const OptionRow& option : options) candidates.emplace_back(option.name);
-        candidates.emplace_back("--help");
+        for (const OptionRow& option : options) {
+            candidates.push_back({std::string(option.name), std::string(option.help)});
+        }
+        candidates.push_back({"--help", "Tell all about it"});
         return;
     }
     if (command.target == Target::kFunction && words.size() > 1) {
         if (const FunctionRow* const function = FindFunction(words.front())) {
             for (const FieldRow& field : function->fields) {
-                candidates.push_back(std::string(field.name) + "=");
+                candidates.push_back({std::string(field.name) + "="});
             }
         }
         return;
@@ -251,9 +377,11 @@ void AddOfCommand(Candidates& found, Controller& controller, const CommandRow& c
 // What may follow the words; those that led to the command are taken away.
 Candidates CandidatesFor(Controller& controller, std::vector<std::string>& words) {
     Candidates found;
-    std::vector<std::string>& candidates = found.words;
+    std::vector<Candidate>& candidates = found.words;
     if (words.size() == 1) {
-        for (const NounRow& noun : Nouns()) candidates.emplace_back(noun.name);
+        for (const NounRow& noun : Nouns()) {
+            candidates.push_back({std::string(noun.name), std::string(noun.summary)});
+        }
         Add(candidates, "--help --version");
         return found;
     }
@@ -264,7 +392,8 @@ Candidates CandidatesFor(Controller& controller, std::vector<std::string>& words
     const bool is_command = command->verb.empty();
     if (words.size() == 1) {
         for (const CommandRow& row : noun->commands) {
-            if (!row.verb.empty()) candidates.emplace_back(row.verb);
+            if (row.verb.empty()) continue;
+            candidates.push_back({std::string(row.verb), std::string(row.summary)});
         }
         if (!is_command) return found;
     } else if (const auto verb =
@@ -284,6 +413,7 @@ Candidates CandidatesFor(Controller& controller, std::vector<std::string>& words
 Exit PrintCandidates(Invocation& invocation) {
     const std::string shell = invocation.Get("--for", "");
     const bool is_bash = shell == "bash";
+    const bool is_fish = shell == "fish";  // it shows what stands behind a tabulator
     std::vector<std::string> words = invocation.targets();
     if (words.empty()) words.emplace_back();
     // Inside of quotes other rules hold: only what needs no quoting is offered there.
@@ -297,11 +427,13 @@ Exit PrintCandidates(Invocation& invocation) {
     }
     std::string out;
     if (!shell.empty()) out = found.files ? "files\n" : "words\n";
-    for (const std::string& candidate : found.words) {
+    for (const auto& [candidate, description] : found.words) {
         const bool printable = candidate == Printable(candidate);
         if (!printable || !candidate.starts_with(words.back())) continue;
         if (is_quoted && !IsPlain(candidate)) continue;
-        out += (is_bash ? QuotedForBash(candidate) : candidate) + "\n";
+        out += is_bash ? QuotedForBash(candidate) : candidate;
+        if (is_fish && !description.empty()) out += "\t" + Printable(description);
+        out += "\n";
     }
     PrintText(out);
     return Exit::kDone;
