@@ -129,7 +129,8 @@ enum class EventKind : HX_U32 {
     kVirtualDiskMissingAtBoot = At(EventClass::kMisc, 18),  // all of its disks are missing
     kPreviousConfigurationMissingAtBoot = At(EventClass::kMisc, 19),
     kDiskTooSmallForRebuild = At(EventClass::kMisc, 20),
-    kDiskTooSmallForCopyback = At(EventClass::kMisc, 21),
+    kDiskTooSmallForCopyback =
+        At(EventClass::kMisc, 21),  // Params[0]: 1 when it replaces a lost member in its bay
     kSyncRateChanged = At(EventClass::kMisc, 22),
     kInitRateChanged = At(EventClass::kMisc, 23),
     kRebuildRateChanged = At(EventClass::kMisc, 24),

@@ -115,6 +115,11 @@ std::string BetterSentence(const EventFacts& event, std::string_view what) {
     return "Virtual disk " + AddressOf(event, "vd", event.device) + " " + std::string(what);
 }
 
+std::string ReplacementSentence(const EventFacts& event, std::string_view what) {
+    if (event.params[0] != 1) return {};
+    return "Disk " + AddressOf(event, "pd", event.device) + " " + std::string(what);
+}
+
 struct SentenceRow {
     EventKind kind;
     std::string (*make)(const EventFacts&, std::string_view what);  // empty: not told
@@ -130,6 +135,8 @@ constexpr SentenceRow kSentences[] = {
     {EventKind::kFlashErased, ImageSentence, "was erased"},
     {EventKind::kFlashWritten, ImageSentence, "was written"},
     {EventKind::kFlashDamaged, ImageSentence, "is damaged"},
+    {EventKind::kDiskTooSmallForCopyback, ReplacementSentence,
+     "is too small to replace the one that was in its bay"},
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "common/size.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <iterator>
@@ -19,7 +20,7 @@ struct SizeUnit {
 constexpr SizeUnit kSizeUnits[] = {
     {"", 1},
     {"B", 1},
-    {"kB", 1000},
+    {"KB", 1000},
     {"MB", 1000000},
     {"GB", 1000000000},
     {"TB", 1000000000000},
@@ -27,6 +28,11 @@ constexpr SizeUnit kSizeUnits[] = {
     {"MiB", 1024 * 1024},
     {"GiB", 1024 * 1024 * 1024},
     {"TiB", std::uint64_t{1} << 40},
+    // As other tools for storage have it: a letter alone counts in 1024.
+    {"K", 1024},
+    {"M", 1024 * 1024},
+    {"G", 1024 * 1024 * 1024},
+    {"T", std::uint64_t{1} << 40},
     {"s", kSectorBytes},
 };
 
@@ -64,6 +70,12 @@ std::uint64_t PartOfUnit(std::string_view digits, const SizeUnit& unit) {
     return static_cast<std::uint64_t>(std::llround(part * static_cast<double>(unit.bytes)));
 }
 
+bool IsSameWord(std::string_view one, std::string_view other) {
+    return std::ranges::equal(one, other, [](unsigned char left, unsigned char right) {
+        return std::tolower(left) == std::tolower(right);
+    });
+}
+
 // Null when the text is no size.
 std::optional<std::uint64_t> ReadSize(std::string_view text) {
     std::string_view rest = text;
@@ -73,7 +85,8 @@ std::optional<std::uint64_t> ReadSize(std::string_view text) {
         rest.remove_prefix(1);
         part = TakeDigits(rest);
     }
-    const auto* const unit = std::ranges::find(kSizeUnits, rest, &SizeUnit::name);
+    const auto* const unit = std::ranges::find_if(
+        kSizeUnits, [&](const SizeUnit& each) { return IsSameWord(each.name, rest); });
     if (unit == std::end(kSizeUnits) || (whole.empty() && part.empty())) return std::nullopt;
     const std::uint64_t bytes = WholeUnits(whole, *unit, text) + PartOfUnit(part, *unit);
     if (bytes > kLargest) ThrowTooLarge(text);
@@ -101,7 +114,7 @@ std::uint64_t ParseSize(std::string_view text) {
 
 SizeOrShare ParseSizeOrShare(std::string_view text) {
     SizeOrShare wish;
-    if (text == "max") return wish;
+    if (IsSameWord(text, "max")) return wish;
     if (text.ends_with('%')) {
         wish.percent = ParsePercent(text);
         return wish;
@@ -112,8 +125,13 @@ SizeOrShare ParseSizeOrShare(std::string_view text) {
                          " is no size; write one such as 10GiB, 20GB, 50% of the most, or max");
     }
     if (*wish.bytes < kSectorBytes) {
+        const bool is_number = text.find_first_not_of(kDigits) == std::string_view::npos;
         throw UsageError(Quoted(text) + " is less than a sector, which has " +
-                         std::to_string(kSectorBytes) + " bytes");
+                         std::to_string(kSectorBytes) + " bytes" +
+                         (is_number ? "; a number alone counts bytes: write " + std::string(text) +
+                                          "GiB, " + std::string(text) + "GB or " +
+                                          std::string(text) + "s for sectors"
+                                    : ""));
     }
     return wish;
 }

@@ -138,11 +138,34 @@ bool StartCopyback(Adapter& adapter, Time now, const DiskGroup& group) {
     return any;
 }
 
+// Whether the disk sits in the bay of a member that is lost, and has no room for its content.
+bool ReplacesLostMember(const Adapter& adapter, const Disk& disk) {
+    return std::ranges::any_of(adapter.virtual_disks, [&](const VirtualDisk& each) {
+        if (!IsRedundant(each.level) || SectorsNeeded(adapter, each) <= UsableSectors(disk)) {
+            return false;
+        }
+        for (unsigned i = 0; i < each.width; ++i) {
+            const auto position = static_cast<HX_U8>(i);
+            const Home* const home = HomeOf(adapter, each, position);
+            if (home != nullptr && home->home == disk.id &&
+                BlockOf(adapter, each.id, position) == nullptr) {
+                return true;
+            }
+        }
+        return false;
+    });
+}
+
 }  // namespace
 
 void TellOfSmallHome(Adapter& adapter, Time now, HX_U16 id) {
     const Disk* const disk = Find(adapter.disks, id);
-    if (adapter.config.CopyBack == 0 || disk == nullptr || !IsReady(*disk)) return;
+    if (disk == nullptr || !IsReady(*disk)) return;
+    if (ReplacesLostMember(adapter, *disk)) {
+        Queue(adapter, now, EventKind::kDiskTooSmallForCopyback, id, {1});
+        return;
+    }
+    if (adapter.config.CopyBack == 0) return;
     const bool too_small = std::ranges::any_of(adapter.homes, [&](const Home& home) {
         return home.home == id && IsDisplaced(home) && IsTooLargeFor(adapter, home, *disk);
     });

@@ -81,6 +81,12 @@ TEST(EventSentence, OfWhatGotBetterIsNoWarning) {
     EXPECT_EQ(Severity::kMajor, SeverityOf(EventKind::kVirtualDiskDegraded, 1));
 }
 
+TEST(EventSentence, TellsAReplacementFromACopyback) {
+    EXPECT_EQ("Disk a1/pd4 is too small to replace the one that was in its bay",
+              Said(EventKind::kDiskTooSmallForCopyback, 4, {1, 0, 0, 0}));
+    EXPECT_EQ("nothing", Said(EventKind::kDiskTooSmallForCopyback, 4, {}));
+}
+
 TEST(EventSentence, KnowsTheElementOfAnEnclosuresEvent) {
     const auto element = [](EventKind kind) {
         return ElementOf({.kind = kind, .params = {6, 1, 0, 0}});

@@ -27,6 +27,14 @@ constexpr WrittenSize kSizes[] = {
     {"10GiB", 10737418240},
     {"2TiB", 2199023255552},
     {"4096s", 2097152},
+    {"10G", 10737418240},
+    {"1.5t", 1649267441664},
+    {"64k", 65536},
+    {"512M", 536870912},
+    {"10gib", 10737418240},
+    {"20gb", 20000000000},
+    {"1KB", 1000},
+    {"8S", 4096},
     {"1.5TiB", 1649267441664},
     {"0.5KiB", 512},
     {".5KiB", 512},
@@ -45,7 +53,7 @@ TEST(Size, IsReadInBytes) {
 
 TEST(Size, IsRefusedWithExamplesWhenItIsNone) {
     for (const char* const text :
-         {"", ".", "GiB", "much", "-1GiB", "+1GiB", "10 GiB", "10gib", "10G", "1,5TiB", "1e3",
+         {"", ".", "GiB", "much", "-1GiB", "+1GiB", "10 GiB", "10Gi", "10P", "1,5TiB", "1e3",
           "0x10", "inf", "nan", "1.2.3GiB", "50%", "max", "10GiB ", "99999999999999999999x"}) {
         EXPECT_EQ(UsageMessage([&] { ParseSize(text); }),
                   "\"" + std::string(text) +

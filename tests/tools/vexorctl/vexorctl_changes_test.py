@@ -776,6 +776,73 @@ class Users(Changes):
                          ('vexorctl: there is no user "nobody-at-all"\n', 3))
 
 
+class Small(VexorctlCase):
+    """What an administrator meets beside the changes themselves."""
+
+    def lights(self):
+        run = self.run_words("disk", "list", "-o", "json", "--columns", "address,locate_light_code")
+        return [each["address"] for each in json.loads(run.stdout)["items"]
+                if each["locate_light_code"]]
+
+    def test_ctrl_c_at_a_prompt_ends_the_line_and_nothing_is_changed(self):
+        said, code = vexorctl_machine.on_terminal(
+            [self.vexorctl, "vd", "delete", "a0/vd2"], self.environment, self.root,
+            [(b"to go on: ", lambda _, master: os.write(master, b"\x03"))])
+        self.assertTrue(said.endswith(b"\r\nvexorctl: interrupted; nothing was changed\r\n"), said)
+        self.assertEqual(code, 130)
+        self.assertIn("a0/vd2", self.run_words("vd", "list").stdout)
+
+    def test_the_disks_of_a_virtual_disk_are_located(self):
+        run = self.run_words("disk", "locate", "a0/vd2")
+        self.assertEqual((run.stderr, run.returncode), ("", 0))
+        self.assertEqual(self.lights(), [f"a0/pd{i}" for i in range(4, 9)])
+        self.run_words("disk", "locate", "name:ARCHIVE", "--off")
+        self.assertEqual(self.lights(), [])
+
+    def test_the_disk_in_a_slot_is_located(self):
+        run = self.run_words("disk", "locate", "a0/enc0", "--slot", "5")
+        self.assertEqual((run.stderr, run.returncode), ("", 0))
+        self.assertEqual(self.lights(), ["a0/pd1"])
+        run = self.run_words("disk", "locate", "a0/enc0", "--slot", "50")
+        self.assertEqual((run.stderr, run.returncode), (
+            "vexorctl: a0/enc0: no disk is in slot 50, and only a disk has a light\n", 3))
+
+    def test_a_light_goes_out_after_its_time(self):
+        run = self.run_words("disk", "locate", "a0/pd3", "--for", "10ms")
+        self.assertEqual((run.stderr, run.returncode), ("", 0))
+        self.assertEqual(self.lights(), [])
+        run = self.run_words("disk", "locate", "a0/pd3", "--for", "1h", "--off")
+        self.assertEqual(run.returncode, 2)
+
+    def test_a_light_goes_out_at_an_interrupt(self):
+        process = subprocess.Popen(
+            [self.vexorctl, "disk", "locate", "a0/pd3", "--for", "1h"], env=self.environment,
+            cwd=self.root, text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        vexorctl_machine.interrupt(process)
+        _, err = process.communicate(timeout=60)
+        self.assertEqual((err, process.returncode), ("", 130))
+        self.assertEqual(self.lights(), [])
+
+    def test_bounds_of_a_battery_that_cross_are_told(self):
+        run = self.run_words("battery", "set", "a0", "--min-temperature", "60", "--dry-run")
+        self.assertIn("--min-temperature 60 is not below --max-temperature 50: every value will be "
+                      "reported", run.stdout)
+        run = self.run_words("battery", "set", "a0", "--min-temperature", "60")
+        self.assertIn("vexorctl: a0: warning: --min-temperature 60 is not below", run.stderr)
+        run = self.run_words("battery", "set", "a0", "--min-temperature", "10")
+        self.assertEqual((run.stderr, run.returncode), ("", 0))
+
+    def test_a_size_may_be_written_as_other_tools_have_it(self):
+        def size(text):
+            run = self.run_words("vd", "create", "a1/pd3", "--raid", "0", "--size", text,
+                                 "--dry-run")
+            return re.findall("resulting size: (.*)", run.stdout), run.stderr
+        self.assertEqual(size("10G"), (["10 GiB"], ""))
+        self.assertEqual(size("MAX")[0], ["465.73 GiB"])
+        self.assertIn("a number alone counts bytes: write 10GiB, 10GB or 10s for sectors",
+                      size("10")[1])
+
+
 class Completeness(unittest.TestCase):
     """Every verb that changes something has a test above, on a machine that does it."""
 

@@ -85,6 +85,12 @@ class Sentences(VexorctlCase):
         self.assertEqual(self.told("10,0"), (
             "a0", "The image bios in the flash of a0 was erased", "warning"))
 
+    def test_a_replacement_that_is_too_small_is_told(self):
+        self.machine.hxsimctl("disk", "fail", "a1/pd0")
+        self.machine.hxsimctl("disk", "replace", "a1/pd0", "--size", "10GiB")
+        self.assertEqual(self.told("12,21"), (
+            "a1/pd0", "Disk a1/pd0 is too small to replace the one that was in its bay", "warning"))
+
     def test_lost_events_are_counted(self):
         overflow(self.machine, self.root)
         address, text, severity = self.told("0,65535")

@@ -18,6 +18,7 @@
 #include "output/cell_text.h"
 #include "output/record_cells.h"
 #include "output/report.h"
+#include "output/streams.h"
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
 #include "shell/present.h"
@@ -186,6 +187,25 @@ Request<SetThreshold> RequestBounds(const Invocation& invocation, const Battery&
     return request;
 }
 
+// Bounds that cross are told of: whatever the battery measures then is outside of them. The
+// controller takes them all the same.
+std::vector<std::string> CrossedBounds(const Invocation& invocation, const Battery& battery) {
+    std::vector<std::string> crossed;
+    const auto value = [&](const Bound& bound) {
+        const auto number = invocation.Number(bound.option, 65535);
+        return number ? number : battery.info[bound.field];
+    };
+    for (std::size_t i = 0; i < std::size(kBounds); i += 2) {
+        const auto low = value(kBounds[i]);
+        const auto high = value(kBounds[i + 1]);
+        if (!low || !high || *low < *high) continue;
+        crossed.push_back(std::string(kBounds[i].option) + " " + std::to_string(*low) +
+                          " is not below " + std::string(kBounds[i + 1].option) + " " +
+                          std::to_string(*high) + ": every value will be reported");
+    }
+    return crossed;
+}
+
 Exit SetBattery(Invocation& invocation) {
     using SetStatus = calls::HX_BBU_SetStatus;
     using SetCapacity = calls::HX_BBU_SetMaxCapacity;
@@ -195,6 +215,10 @@ Exit SetBattery(Invocation& invocation) {
     if (std::ranges::any_of(kBounds,
                             [&](const Bound& bound) { return invocation.Has(bound.option); })) {
         change.commands.push_back(RequestBounds(invocation, battery));
+        change.losses = CrossedBounds(invocation, battery);
+        for (const std::string& each : change.losses) {
+            ReportFailure(battery.address.Text(), "warning: " + each);
+        }
     }
     if (const auto use = SwitchOption(invocation, "--use")) {
         auto request = RequestTo<SetStatus>(battery);

@@ -1,12 +1,17 @@
 // vexorctl disk ...
 #include <algorithm>
+#include <chrono>
+#include <cstdint>
 #include <functional>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "codes/code_table.h"
 #include "codes/disk.h"
 #include "codes/level.h"
 #include "common/address.h"
+#include "common/duration.h"
 #include "conditions/hxc_answers.h"
 #include "conditions/hxc_redundancy.h"
 #include "conditions/hxc_spares.h"
@@ -27,7 +32,9 @@
 #include "output/record_cells.h"
 #include "output/report.h"
 #include "shell/command_rows.h"
+#include "shell/interrupt.h"
 #include "shell/invocation.h"
+#include "shell/option_value.h"
 #include "shell/present.h"
 
 namespace vexorctl::disk_noun {
@@ -527,22 +534,73 @@ Change ChangeOf(const Disk& disk, const std::string& what, Command command) {
             .size_bytes = {}};
 }
 
-Exit LocateDisk(Invocation& invocation) {
+// The disks that are to be found: those that the target means, or that in the slot of an enclosure.
+std::vector<Disk> DisksToLocate(Invocation& invocation) {
+    Controller& controller = invocation.controller();
+    const std::string& target = invocation.targets().front();
+    const auto slot = invocation.Number("--slot", 65535);
+    IsMeant meant = DisksMeantBy(invocation, target);
+    if (!meant) meant = DisksNamedBy(invocation, target);
+    controller.Select(controller.Adapters());
+    std::vector<Disk> disks = LoadDisks(controller);
+    std::erase_if(disks, [&](const Disk& disk) {
+        if (!meant(disk)) return true;
+        const auto phys = ParentOf(disk)[Link_Endpoint::PhyID];
+        return slot && (!phys || phys->empty() || phys->front() != *slot);
+    });
+    if (disks.empty()) {
+        throw Failure(Exit::kNoObject,
+                      target + (slot ? ": no disk is in slot " + std::to_string(*slot) +
+                                           ", and only a disk has a light"
+                                     : ": there is no disk to be located"));
+    }
+    return disks;
+}
+
+Request<calls::HX_LocateArrayDevice> LightOf(const Disk& disk, std::uint64_t device, bool on) {
     using Function = calls::HX_LocateArrayDevice;
-    const Address address = FindTarget(invocation, ObjectKind::kDisk);
+    return {{Function::AdapterID, disk.address.adapter},
+            {Function::deviceType, device},
+            {Function::deviceId, disk.address.id},
+            {Function::ledStatus, on ? 1 : 0}};
+}
+
+Exit LocateDisk(Invocation& invocation) {
     const bool off = invocation.Has("--off");
+    const std::string* const time = invocation.Get("--for");
+    if (off && time != nullptr) throw UsageError("--off and --for exclude each other");
+    const Duration duration =
+        time == nullptr ? Duration() : ReadOption("--for", *time, ParseDuration);
+    if (duration > std::chrono::days(1)) throw UsageError("--for is at most 1d");
+    const std::vector<Disk> disks = DisksToLocate(invocation);
     const std::uint64_t device = CodeNamed(invocation.controller(), &CodeTable::devices, "disk");
-    return CarryOut(
-        invocation,
-        {.what = "Switch the locate light of " + address.Text() + (off ? " off" : " on"),
-         .losses = {},
-         .confirm = {},
-         .commands = {Request<Function>{{Function::AdapterID, address.adapter},
-                                        {Function::deviceType, device},
-                                        {Function::deviceId, address.id},
-                                        {Function::ledStatus, off ? 0 : 1}}},
-         .address = address.Text(),
-         .size_bytes = {}});
+    std::vector<std::string> addresses;
+    Change change{
+        .what = {}, .losses = {}, .confirm = {}, .commands = {}, .address = {}, .size_bytes = {}};
+    for (const Disk& disk : disks) {
+        addresses.push_back(disk.address.Text());
+        change.commands.push_back(LightOf(disk, device, !off));
+    }
+    const std::string& target = invocation.targets().front();
+    const Selector selector = ParseSelector(target);
+    change.address = disks.size() == 1 ? addresses.front()
+                     : selector.form == Selector::Form::kAddress
+                         ? selector.address.Text()
+                         : FindObject(invocation, ObjectKind::kVirtualDisk, target).Text();
+    change.what = "Switch the locate light of " + Joined(addresses, ", ") + (off ? " off" : " on");
+    const Exit exit = CarryOut(invocation, change);
+    if (time == nullptr || exit != Exit::kDone || invocation.Has("--dry-run")) return exit;
+    WatchForInterrupts();
+    SleepMilliseconds(static_cast<unsigned>(duration.count()));
+    Controller& controller = invocation.controller();
+    for (const Disk& disk : disks) {
+        const auto answer = controller.Ask(LightOf(disk, device, false));
+        if (answer.exit != Exit::kDone) {
+            controller.NoteAnswer(disk.address.Text(), calls::HX_LocateArrayDevice::kName, answer);
+        }
+    }
+    ReportFaults(controller.faults());
+    return Interrupted() ? Exit::kInterrupted : controller.exit();
 }
 
 // Only where it is known is anything said of what will be refused.
@@ -672,7 +730,11 @@ Exit SetDisk(Invocation& invocation) {
     return CarryOut(invocation, change);
 }
 
-constexpr OptionRow kLocateOptions[] = {{"--off", "", "Switch the light off"}};
+constexpr OptionRow kLocateOptions[] = {
+    {"--off", "", "Switch the light off"},
+    {"--for", "DURATION", "Switch it off again after 90s or 10m; Ctrl-C does so at once"},
+    {"--slot", "NUMBER", "Of an enclosure: only the disk in this slot, its phy"},
+};
 constexpr OptionRow kSpareOptions[] = {
     {"--dg", "DG", "Only for this disk group; otherwise for all of the adapter"},
 };
@@ -805,15 +867,19 @@ constexpr CommandRow kCommands[] = {
      .changes = true},
     {.noun = "disk",
      .verb = "locate",
-     .summary = "Switch the locate light of a disk",
+     .summary = "Switch the locate light of disks",
      .target = Target::kDisk,
      .arity = Arity::kOne,
      .target_name = "DISK",
      .options = kLocateOptions,
      .functions = kNamesOf<calls::HX_LocateArrayDevice>,
-     .examples = {"vexorctl disk locate a0/pd3", "vexorctl disk locate a0/pd3 --off"},
+     .examples = {"vexorctl disk locate a0/pd3 --for 10m --dry-run",
+                  "vexorctl disk locate a0/enc0 --slot 5 --dry-run"},
      .run = LocateDisk,
      .columns = ChangeColumns,
+     .note =
+         "A virtual disk, disk group or enclosure as the target means its disks, with --slot the "
+         "one in that slot of the enclosure.",
      .changes = true},
 };
 

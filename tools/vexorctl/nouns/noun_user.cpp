@@ -14,6 +14,7 @@
 #include "output/cell.h"
 #include "output/report.h"
 #include "shell/command_rows.h"
+#include "shell/interrupt.h"
 #include "shell/invocation.h"
 #include "shell/present.h"
 
@@ -106,14 +107,16 @@ constexpr std::size_t kMaxPassword = 127;
 
 std::string ReadPassword() {
     const Silence silence;
+    const WatchingInterrupts watching;
     if (isatty(STDIN_FILENO) == 1) std::fputs("Password: ", stderr);
     std::string password;
     char c;
-    while (read(STDIN_FILENO, &c, 1) == 1 && c != '\n') {
+    while (watching.Read(c) && c != '\n') {
         password += c;
         if (password.size() > kMaxPassword) throw UsageError("the password is too long");
     }
     if (isatty(STDIN_FILENO) == 1) std::fputc('\n', stderr);
+    if (Interrupted()) throw Failure(Exit::kInterrupted, "interrupted");
     return password;
 }
 

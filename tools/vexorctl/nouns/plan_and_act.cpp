@@ -30,6 +30,7 @@
 #include "output/streams.h"
 #include "output/terminal_width.h"
 #include "output/wrapped_text.h"
+#include "shell/interrupt.h"
 #include "shell/present.h"
 
 namespace vexorctl {
@@ -143,10 +144,20 @@ std::string PlanText(const Plan& plan, const PlanReview* review, const Style& st
     return text;
 }
 
-std::string ReadLine() {
+// Asks and waits for the answer. An interrupt ends the line on the terminal, too: the shell's
+// prompt follows.
+std::string Ask(const std::string& question) {
     std::string line;
-    char c;
-    while (line.size() < 256 && read(STDIN_FILENO, &c, 1) == 1 && c != '\n') line += c;
+    {
+        const WatchingInterrupts watching;
+        std::fwrite(question.data(), 1, question.size(), stderr);
+        char c;
+        while (line.size() < 256 && watching.Read(c) && c != '\n') line += c;
+    }
+    if (Interrupted()) {
+        std::fputc('\n', stderr);
+        throw Failure(Exit::kInterrupted, "interrupted; nothing was changed");
+    }
     return line;
 }
 
@@ -166,10 +177,8 @@ void Confirm(const Invocation& invocation, const Plan& plan) {
     }
     // A name that cannot be typed is accepted in the form in which it was shown, too.
     const std::string shown = Printable(word);
-    const std::string question = PlanText(plan, invocation.review(), StyleOf(invocation, "table")) +
-                                 "Type " + shown + " to go on: ";
-    std::fwrite(question.data(), 1, question.size(), stderr);
-    const std::string line = ReadLine();
+    const std::string line = Ask(PlanText(plan, invocation.review(), StyleOf(invocation, "table")) +
+                                 "Type " + shown + " to go on: ");
     if (line != word && line != shown) {
         throw Failure(Exit::kNotConfirmed, "not confirmed; nothing was changed");
     }

@@ -1,5 +1,8 @@
 #include "shell/interrupt.h"
 
+#include <poll.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <ctime>
 
@@ -19,6 +22,28 @@ void WatchForInterrupts() {
     sigemptyset(&action.sa_mask);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+}
+
+WatchingInterrupts::WatchingInterrupts() {
+    sigaction(SIGINT, nullptr, &interrupt_);
+    sigaction(SIGTERM, nullptr, &termination_);
+    sigset_t held;
+    sigemptyset(&held);
+    sigaddset(&held, SIGINT);
+    sigaddset(&held, SIGTERM);
+    sigprocmask(SIG_BLOCK, &held, &mask_);
+    WatchForInterrupts();
+}
+
+WatchingInterrupts::~WatchingInterrupts() {
+    sigprocmask(SIG_SETMASK, &mask_, nullptr);
+    sigaction(SIGINT, &interrupt_, nullptr);
+    sigaction(SIGTERM, &termination_, nullptr);
+}
+
+bool WatchingInterrupts::Read(char& c) const {
+    pollfd input{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0};
+    return ppoll(&input, 1, nullptr, &mask_) > 0 && read(STDIN_FILENO, &c, 1) == 1;
 }
 
 bool Interrupted() { return interrupted != 0; }
