@@ -105,7 +105,7 @@ class Disk(Changes):
         run = self.run_words("disk", "locate", "a0/enc0")
         self.assertEqual(
             (run.stderr, run.returncode),
-            ("vexorctl: a0/enc0 is the address of an enclosure; a disk is needed "
+            ("vexorctl: a0/enc0 is the address of an enclosure; say with --slot which disk "
              "(see vexorctl disk locate --help)\n", 2))
 
     def test_spare_and_unspare(self):

@@ -136,7 +136,8 @@ class Sizes(vexorctl_machine.VexorctlCase):
                 ("much", '"much" is no size; write one such as 10GiB, 20GB, 50% of the most, or '
                          "max"),
                 ("0%", 'a share is from 1% to 100%, not "0%"'),
-                ("511", '"511" is less than a sector, which has 512 bytes')):
+                ("511", '"511" is less than a sector, which has 512 bytes; a number alone counts '
+                        "bytes: write 511GiB, 511GB or 511s for sectors")):
             run = self.run_words("vd", "create", "--raid", "0", "--disks", "1", "--size", size)
             self.assertEqual((run.returncode, run.stderr),
                              (2, f"vexorctl: --size: {complaint} (see vexorctl vd create "

@@ -539,6 +539,11 @@ std::vector<Disk> DisksToLocate(Invocation& invocation) {
     Controller& controller = invocation.controller();
     const std::string& target = invocation.targets().front();
     const auto slot = invocation.Number("--slot", 65535);
+    const Selector selector = ParseSelector(target);
+    if (!slot && selector.form == Selector::Form::kAddress &&
+        selector.address.kind == ObjectKind::kEnclosure) {
+        throw UsageError(target + " is the address of an enclosure; say with --slot which disk");
+    }
     IsMeant meant = DisksMeantBy(invocation, target);
     if (!meant) meant = DisksNamedBy(invocation, target);
     controller.Select(controller.Adapters());
@@ -878,8 +883,8 @@ constexpr CommandRow kCommands[] = {
      .run = LocateDisk,
      .columns = ChangeColumns,
      .note =
-         "A virtual disk, disk group or enclosure as the target means its disks, with --slot the "
-         "one in that slot of the enclosure.",
+         "A virtual disk or disk group as the target means its disks, an enclosure with --slot the "
+         "disk in that slot.",
      .changes = true},
 };
 
