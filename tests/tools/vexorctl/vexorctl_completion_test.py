@@ -126,7 +126,7 @@ class Completion(VexorctlCase):
                          ["name:ARCHIVE\ta0/vd2"])
         self.assertEqual(self.candidates("disk", "locate", "a0/pd1", "--o", shell="fish"),
                          ["--off\tSwitch the light off",
-                          "--output\tHow objects are printed"])
+                          "--output\x09How objects are printed"])
 
     def test_lists_and_files_are_completed_in_each_shell(self):
         (self.root / "one-file.xml").write_text('<HX_Adapter_GetCount type="function"><No>1</No></HX_Adapter_GetCount>')
