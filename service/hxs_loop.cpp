@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "conditions/hxc_state.h"
 #include "service/hxs_status.h"
 
 namespace hxservice {

@@ -1,14 +1,12 @@
 #include "service/hxs_state_file.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
-#include <utility>
 
 #include "descriptor.h"
 #include "service/hxs_state_json.h"

@@ -8,7 +8,6 @@
 #include <optional>
 #include <tuple>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 namespace hxservice {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include <toml++/toml.h>
+#include <toml++/toml.h>  // IWYU pragma: keep (its parts are not included one by one)
 
 namespace hxservice {
 

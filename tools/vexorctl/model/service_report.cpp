@@ -1,7 +1,6 @@
 #include "model/service_report.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdlib>
 #include <nlohmann/json.hpp>

@@ -8,7 +8,6 @@
 #include "codes/state.h"
 #include "conditions/hxc_redundancy.h"
 #include "conditions/hxc_risk.h"
-#include "model/exit_code.h"
 #include "model/health_answers.h"
 
 namespace vexorctl {

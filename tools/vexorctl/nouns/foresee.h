@@ -2,7 +2,6 @@
 // the adapter as it is is compared with the adapter as it will be.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>

@@ -15,7 +15,6 @@
 #include "model/ask_controller.h"
 #include "model/event_store.h"
 #include "model/exit_code.h"
-#include "model/failure.h"
 #include "model/library_record.h"
 #include "model/tasks.h"
 #include "model/timeline.h"
