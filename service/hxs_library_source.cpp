@@ -6,7 +6,6 @@
 #include <array>
 #include <cerrno>
 #include <iterator>
-#include <utility>
 
 #include "codes/event_class.h"
 #include "codes/named.h"
