@@ -38,6 +38,9 @@ constexpr WrittenSize kSizes[] = {
     {"1.5TiB", 1649267441664},
     {"0.5KiB", 512},
     {".5KiB", 512},
+    {"10G", 10737418240},
+    {"10gib", 10737418240},
+    {"10gb", 10000000000},
     {"5.GiB", 5368709120},
     {"0.1GiB", 107374182},
     {"1.9999999999GiB", 2147483648},
@@ -83,12 +86,15 @@ TEST(SizeOrShare, IsASizeOrAPartOfTheMost) {
     const SizeOrShare most = ParseSizeOrShare("max");
     EXPECT_EQ(most.bytes, std::nullopt);
     EXPECT_EQ(most.percent, 100U);
+    EXPECT_EQ(ParseSizeOrShare("MAX").percent, 100U);
     EXPECT_EQ(ParseSizeOrShare("1s").bytes, 512);
 }
 
 TEST(SizeOrShare, OfLessThanASectorIsRefused) {
-    EXPECT_EQ(UsageMessage([] { ParseSizeOrShare("511"); }),
-              "\"511\" is less than a sector, which has 512 bytes");
+    EXPECT_EQ(
+        UsageMessage([] { ParseSizeOrShare("511"); }),
+        "\"511\" is less than a sector, which has 512 bytes; a number alone counts bytes: write "
+        "511GiB, 511GB or 511s for sectors");
     EXPECT_EQ(UsageMessage([] { ParseSizeOrShare("0GiB"); }),
               "\"0GiB\" is less than a sector, which has 512 bytes");
 }
@@ -101,7 +107,7 @@ TEST(SizeOrShare, OutsideOneToAHundredPercentIsRefused) {
 }
 
 TEST(SizeOrShare, IsRefusedWithExamplesWhenItIsNone) {
-    for (const char* const text : {"", "much", "MAX", "maximum", "10Gib"}) {
+    for (const char* const text : {"", "much", "MAXI", "maximum", "10Gibi"}) {
         EXPECT_EQ(UsageMessage([&] { ParseSizeOrShare(text); }),
                   "\"" + std::string(text) +
                       "\" is no size; write one such as 10GiB, 20GB, 50% of the most, or max");
