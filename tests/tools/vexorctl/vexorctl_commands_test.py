@@ -256,7 +256,7 @@ class Codes(VexorctlCase):
             "its owner, or let your group read it\n", 5))
 
     def test_5_an_event_store_that_is_damaged(self):
-        anew = "; the event service makes it anew when it stores the next event"
+        anew = "; move it aside, and the event service makes a new one"
         for bytes_there, reason in (
                 (b"", "it has 0 bytes, and its head 112"),
                 (b"short", "it has 5 bytes, and its head 112"),

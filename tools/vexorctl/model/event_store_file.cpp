@@ -83,7 +83,7 @@ std::optional<std::string> WhyNoEventStore(const std::string& path) {
            (bytes.size() < kHeadSize ? "it has " + std::to_string(bytes.size()) +
                                            " bytes, and its head " + std::to_string(kHeadSize)
                                      : "it does not begin with \"" + std::string(kMagic) + "\"") +
-           "; the event service makes it anew when it stores the next event";
+           "; move it aside, and the event service makes a new one";
 }
 
 }  // namespace vexorctl
