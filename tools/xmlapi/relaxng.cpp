@@ -67,29 +67,38 @@ private:
     }
 
     std::string Pattern(const Element& element, int depth) {
-        if (element.kind == Element::Kind::Ports) return Ports(element, depth);
-        if (element.kind == Element::Kind::Bytes) return Bytes(element, depth);
-        std::string text = Indent(depth) + "<element name=\"" + element.name + "\">\n" +
-                           Attribute(depth + 1, "type", element.type);
         switch (element.kind) {
+            case Element::Kind::Ports:
+                return Ports(element, depth);
+            case Element::Kind::Bytes:
+                return Bytes(element, depth);
             case Element::Kind::Record:
-                text += Indent(depth + 1) + "<ref name=\"" + RecordName(element) + "\"/>\n";
-                break;
+                return WithLine(element, "<ref name=\"" + RecordName(element) + "\"/>\n", depth);
             case Element::Kind::Array:
-                text += Items(element, element.width, depth + 1);
-                break;
+                return Whole(element, Items(element, element.width, depth + 1), depth);
             case Element::Kind::Hex:
-                text +=
-                    Indent(depth + 1) +
-                    "<data type=\"string\"><param name=\"pattern\">[0-9a-f]{1,4}</param></data>\n";
-                break;
-            default:
-                text += Indent(depth + 1) +
-                        (element.type == "string" ? std::string("<text/>")
-                                                  : "<data type=\"" + Datatype(element) + "\"/>") +
-                        "\n";
+                return WithLine(
+                    element,
+                    "<data type=\"string\"><param name=\"pattern\">[0-9a-f]{1,4}</param></data>\n",
+                    depth);
+            case Element::Kind::Scalar:
+                return WithLine(element,
+                                element.type == "string"
+                                    ? "<text/>\n"
+                                    : "<data type=\"" + Datatype(element) + "\"/>\n",
+                                depth);
         }
-        return text + Indent(depth) + "</element>\n";
+        return {};
+    }
+
+    static std::string WithLine(const Element& element, const std::string& content, int depth) {
+        return Whole(element, Indent(depth + 1) + content, depth);
+    }
+
+    static std::string Whole(const Element& element, const std::string& content, int depth) {
+        return Indent(depth) + "<element name=\"" + element.name + "\">\n" +
+               Attribute(depth + 1, "type", element.type) + content + Indent(depth) +
+               "</element>\n";
     }
 
     static std::string Items(const Element& element, std::size_t width, int depth) {

@@ -135,17 +135,21 @@ void Compare(const Seen& all_before, const SeenDisk& before, const SeenDisk& now
 
 // ---- Arrays ----
 
-EventKind KindOfState(HX_U8 state) {
-    switch (state) {
-        case NumberOf(State::kOptimal):
+/// A state that no code stands for is told as the worst one.
+EventKind KindOfState(HX_U8 number) {
+    switch (hxcodes::ToCode<State>(number).value_or(State::kOffline)) {
+        case State::kOptimal:
             return EventKind::kVirtualDiskOnline;
-        case NumberOf(State::kPartiallyOptimal):
+        case State::kPartiallyOptimal:
             return EventKind::kVirtualDiskPartiallyOptimal;
-        case NumberOf(State::kDegraded):
+        case State::kDegraded:
             return EventKind::kVirtualDiskDegraded;
-        default:
-            return EventKind::kVirtualDiskOffline;
+        case State::kRebuilding:  // a block's state, never an array's
+        case State::kForeign:     // not running
+        case State::kOffline:
+            break;
     }
+    return EventKind::kVirtualDiskOffline;
 }
 
 bool IsOptimal(const SeenArray& array) { return array.state == NumberOf(State::kOptimal); }
