@@ -51,17 +51,33 @@ bool Collector::MayCheckIn(unsigned adapters) {
 // Events that were stored before the first look were told by whoever stored them.
 void Collector::FollowStore(const StoreExtent& extent) {
     if (!place_) place_ = extent.next;
+    if (told_ == 0 && tally_.Last().empty()) RememberLast(extent);
     if (extent.next < *place_) {
         log_.Say("the event store was reset: it ended at event " + std::to_string(*place_) +
                  " and ends at event " + std::to_string(extent.next));
         place_ = extent.first;
-        ++news_.lost;  // how many went with the old store is not known
+        tally_.ForgetLast();
+        Lose(1);  // how many went with the old store is not known
     }
+}
+
+void Collector::Lose(std::uint64_t events) {
+    news_.lost += events;
+    tally_.Lose(events);
+}
+
+// What was told before this process started, so that the last events are known at once.
+void Collector::RememberLast(const StoreExtent& extent) {
+    const std::uint64_t end = std::min(*place_, extent.next);
+    const std::uint64_t first =
+        std::max(extent.first, end - std::min<std::uint64_t>(end, EventTally::kLastEvents));
+    if (first >= end) return;
+    for (const StoredEvent& event : source_.ReadEvents(first, end)) tally_.Remember(event);
 }
 
 void Collector::TellEvents(const StoreExtent& extent) {
     if (extent.first > *place_) {
-        news_.lost += extent.first - *place_;
+        Lose(extent.first - *place_);
         log_.Say(Counted(extent.first - *place_, "event was", "events were") +
                  " overwritten in the event store before this log could tell them");
         place_ = extent.first;
@@ -71,6 +87,7 @@ void Collector::TellEvents(const StoreExtent& extent) {
         for (const StoredEvent& event : source_.ReadEvents(*place_, end)) {
             log_.Say("event " + std::to_string(event.number) + " [" + event.severity + "] " +
                      event.text);
+            tally_.Count(event);
             news_.events.push_back(event.event);
             ++told_;
         }

@@ -9,6 +9,7 @@
 #include "conditions/hxc_answers.h"
 #include "service/hxs_log.h"
 #include "service/hxs_source.h"
+#include "service/hxs_tally.h"
 
 namespace hxservice {
 
@@ -43,11 +44,14 @@ public:
     const hxconditions::Store& Store() const { return store_state_; }
     const StoreExtent& Extent() const { return extent_; }
     std::optional<std::uint64_t> Place() const { return place_; }
+    const EventTally& Tally() const { return tally_; }
 
 private:
     bool IsAnyAdapter(unsigned adapters);
     bool MayCheckIn(unsigned adapters);
     void FollowStore(const StoreExtent& extent);
+    void Lose(std::uint64_t events);
+    void RememberLast(const StoreExtent& extent);
     void TellEvents(const StoreExtent& extent);
 
     Source& source_;
@@ -58,6 +62,7 @@ private:
     std::optional<unsigned> adapters_;
     std::uint64_t told_ = 0;
     News news_;
+    EventTally tally_;
     hxconditions::Store store_state_;
     StoreExtent extent_;
     std::optional<std::uint64_t> place_;  // in the store: the next event to be told

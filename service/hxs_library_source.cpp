@@ -6,11 +6,15 @@
 #include <array>
 #include <cerrno>
 #include <iterator>
+#include <utility>
 
 #include "codes/event_class.h"
 #include "codes/named.h"
+#include "conditions/hxc_object.h"
 #include "examples/event_store_check.h"
 #include "library_fields.h"
+#include "model/adapters.h"
+#include "model/disks.h"
 #include "model/event_store.h"
 #include "model/event_store_file.h"
 #include "model/failure.h"
@@ -55,6 +59,54 @@ hxconditions::Event EventOf(const vexorctl::StoredEvent& stored) {
         event.params[index] = static_cast<std::uint32_t>(params[index]);
     }
     return event;
+}
+
+std::string VersionOf(const vexorctl::View<vexorctl::fields::Version_Info>& version) {
+    using V = vexorctl::fields::Version_Info;
+    std::string text;
+    for (const auto& part : {V::VerMajor, V::VerMinor, V::VerOEM, V::VerBuild}) {
+        const auto number = version[part];
+        if (!number) return "";
+        text += (text.empty() ? "" : ".") + std::to_string(*number);
+    }
+    return text;
+}
+
+using LibraryCounters = vexorctl::fields::VX_HX_ChangeCounters;
+constexpr std::pair<vexorctl::NumberField<LibraryCounters>, const char*> kCounters[] = {
+    {LibraryCounters::Whatever_Change, "any"},
+    {LibraryCounters::Adapter_Change, "adapter"},
+    {LibraryCounters::LD_Change, "virtual_disk"},
+    {LibraryCounters::HD_Change, "disk"},
+    {LibraryCounters::PM_Change, "port_multiplier"},
+    {LibraryCounters::Expander_Change, "expander"},
+    {LibraryCounters::MDD_Change, "metadata"},
+    {LibraryCounters::BSL_Change, "bad_sectors"},
+    {LibraryCounters::SAS_Change, "sas"},
+    {LibraryCounters::ENCL_Change, "enclosure"},
+    {LibraryCounters::BAT_Change, "battery"},
+    {LibraryCounters::FLASH_Change, "flash"},
+    {LibraryCounters::CACHE_Change, "cache"},
+    {LibraryCounters::MISC_Change, "misc"},
+    {LibraryCounters::ARRAY_Change, "disk_group"},
+};
+
+Facts FactsOf(const vexorctl::MachineLook& look) {
+    using vexorctl::fields::Adapter_Info;
+    using vexorctl::fields::HD_Info;
+    Facts facts;
+    for (const vexorctl::Adapter& each : look.adapters) {
+        facts.adapters.push_back({each.address.adapter,
+                                  VersionOf(each.info[Adapter_Info::FirmwareVersion]),
+                                  VersionOf(each.info[Adapter_Info::DriverVersion]),
+                                  VersionOf(each.info[Adapter_Info::BIOSVersion])});
+    }
+    for (const vexorctl::Disk& each : look.disks) {
+        facts.disks.push_back({each.address.adapter, each.address.id,
+                               hxconditions::Harmless(each.info[HD_Info::Model].value_or("")),
+                               hxconditions::Harmless(each.info[HD_Info::FWVersion].value_or(""))});
+    }
+    return facts;
 }
 
 // Runs `work` and turns the exceptions of the asking functions into SourceError.
@@ -122,9 +174,23 @@ std::vector<StoredEvent> LibrarySource::ReadEvents(std::uint64_t first, std::uin
 
 hxconditions::Answers LibrarySource::LookAtMachine() {
     Opened().BeginLook();
-    hxconditions::Answers answers = vexorctl::LoadHealth(Opened());
-    vexorctl::TakeRemapped(Opened(), answers);
-    return answers;
+    vexorctl::MachineLook look = vexorctl::LoadMachine(Opened());
+    vexorctl::TakeRemapped(Opened(), look.answers);
+    facts_ = FactsOf(look);
+    TakeCounters();
+    return std::move(look.answers);
+}
+
+void LibrarySource::TakeCounters() {
+    using Function = vexorctl::calls::VX_HX_EVT_GetChangeCounters;
+    const auto answer = Opened().Ask(vexorctl::Request<Function>{});
+    for (const auto& [field, name] : kCounters) {
+        std::optional<std::uint64_t> count;
+        if (answer.exit == vexorctl::Exit::kDone) {
+            count = answer[Function::Result::ChangeCounters][field];
+        }
+        facts_.counters.push_back({name, count});
+    }
 }
 
 }  // namespace hxservice

@@ -16,12 +16,15 @@ public:
     StoreExtent ReadExtent() override;
     std::vector<StoredEvent> ReadEvents(std::uint64_t first, std::uint64_t next) override;
     hxconditions::Answers LookAtMachine() override;
+    Facts FactsOfLastLook() override { return facts_; }
 
 private:
     vexorctl::Controller& Opened();
+    void TakeCounters();
 
     // Closed after a failure, so that the next question opens the library again.
     std::optional<vexorctl::Controller> controller_;
+    Facts facts_;
 };
 
 }  // namespace hxservice

@@ -28,11 +28,16 @@ Loop::Loop(const Parts& parts, const Settings& settings, std::function<Settings(
 }
 
 void Loop::Look(const News& news) {
-    hxconditions::Answers answers = parts_.source.LookAtMachine();
-    answers.store = collector_.Store();
-    answers.store.events_lost = news.lost;
-    answers.service = self_;
-    watch_.Look(answers, news.events, parts_.outside.Clocks());
+    const hxconditions::Now now = parts_.outside.Clocks();
+    answers_ = parts_.source.LookAtMachine();
+    answers_.store = collector_.Store();
+    answers_.store.events_lost = news.lost;
+    answers_.service = self_;
+    facts_ = parts_.source.FactsOfLastLook();
+    looked_at_ = now.real;
+    ++work_.looks;
+    tasks_.Take(answers_, now);
+    watch_.Look(answers_, news.events, now);
     // Both in one transaction: after a crash an event is looked at again, or was remembered.
     parts_.keeper.Save({watch_.State(), collector_.Place()});
     PlanNextLook(news);
@@ -49,16 +54,22 @@ void Loop::PlanNextLook(const News& news) {
     }
 }
 
-void Loop::Publish(Rounds rounds, CheckIn how) {
-    parts_.keeper.Publish(StatusText({.written_at = parts_.outside.Clocks().real,
-                                      .interval = settings_.collect_interval,
-                                      .is_once = rounds == Rounds::kOnce,
-                                      .version = HXRAIDSVC_VERSION,
-                                      .collection = collector_.Status(),
-                                      .is_collecting = how == CheckIn::kDone,
-                                      .store = collector_.Extent(),
-                                      .overview = watch_.Overview(),
-                                      .counts = watch_.Counts()}));
+Snapshot Loop::SnapshotOf(Rounds rounds, CheckIn how) {
+    return {.written_at = parts_.outside.Clocks().real,
+            .looked_at = looked_at_,
+            .interval = settings_.collect_interval,
+            .is_once = rounds == Rounds::kOnce,
+            .version = HXRAIDSVC_VERSION,
+            .collection = collector_.Status(),
+            .is_collecting = how == CheckIn::kDone,
+            .store = collector_.Extent(),
+            .work = work_,
+            .overview = watch_.Overview(),
+            .counts = watch_.Counts(),
+            .answers = answers_,
+            .facts = facts_,
+            .tasks = tasks_.Running(),
+            .events = collector_.Tally()};
 }
 
 CheckIn Loop::Round(Rounds rounds) {
@@ -70,8 +81,11 @@ CheckIn Loop::Round(Rounds rounds) {
     const News news = collector_.TakeNews();
     const bool has_news = !news.events.empty() || news.lost != 0 || was_closed || is_closed;
     if (has_news || !look_due_ || began >= *look_due_) Look(news);
-    Publish(rounds, how);
-    const bool is_slow = parts_.outside.Now() - began > settings_.collect_interval;
+    parts_.keeper.Publish(StatusText(SnapshotOf(rounds, how)));
+    work_.last_round = parts_.outside.Now() - began;
+    work_.in_rounds += work_.last_round;
+    ++work_.rounds;
+    const bool is_slow = work_.last_round > settings_.collect_interval;
     self_.slow_rounds = is_slow ? self_.slow_rounds + 1 : 0;
     return how;
 }

@@ -12,8 +12,10 @@
 #include "service/hxs_log.h"
 #include "service/hxs_manager.h"
 #include "service/hxs_settings.h"
+#include "service/hxs_snapshot.h"
 #include "service/hxs_source.h"
 #include "service/hxs_state_file.h"
+#include "service/hxs_tasks.h"
 #include "service/hxs_watch.h"
 
 namespace hxservice {
@@ -63,7 +65,7 @@ private:
     CheckIn Round(Rounds rounds);
     void Look(const News& news);
     void PlanNextLook(const News& news);
-    void Publish(Rounds rounds, CheckIn how);
+    Snapshot SnapshotOf(Rounds rounds, CheckIn how);
     void Reload();
     // When the next round is due, after one that ended at that time.
     Duration Due(Duration ended);
@@ -75,6 +77,11 @@ private:
     std::function<Settings()> read_;
     Collector collector_;
     Watch watch_;
+    TaskHistory tasks_;
+    hxconditions::Answers answers_;  // of the last look
+    Facts facts_;
+    std::int64_t looked_at_ = 0;  // by the clock; 0: not yet
+    Work work_;
     hxconditions::Service self_;
     std::optional<Duration> look_due_;  // at once without it
 };

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "conditions/hxc_answers.h"
+#include "service/hxs_facts.h"
 
 namespace hxservice {
 
@@ -52,6 +53,9 @@ public:
     /// The machine as it is now, with what could not be read and why. Nothing of the store and the
     /// service is filled in.
     virtual hxconditions::Answers LookAtMachine() = 0;
+
+    /// What the last look has read besides. What could not be read is missing.
+    virtual Facts FactsOfLastLook() = 0;
 };
 
 }  // namespace hxservice

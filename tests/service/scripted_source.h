@@ -31,6 +31,7 @@ public:
     std::uint64_t next = 0;
     hxconditions::Event event;      // each of the events is such a one
     hxconditions::Answers answers;  // of the machine
+    hxservice::Facts facts;
     int looks = 0;
 
     void ResetStore() {
@@ -67,4 +68,5 @@ public:
         ++looks;
         return answers;
     }
+    hxservice::Facts FactsOfLastLook() override { return facts; }
 };

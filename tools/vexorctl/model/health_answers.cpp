@@ -622,15 +622,19 @@ void TakeRemapped(Controller& controller, hxc::Answers& answers) {
     }
 }
 
-hxc::Answers LoadHealth(Controller& controller) {
+MachineLook LoadMachine(Controller& controller) {
+    MachineLook look;
     try {
-        return LookAtMachine(controller).answers;
+        look = LookAtMachine(controller);
     } catch (const Failure& failure) {
-        return UnreachableHealth(failure.exit, failure.what());
+        look.answers = UnreachableHealth(failure.exit, failure.what());
     } catch (const Unavailable& failure) {
         const std::string subject = failure.subject.empty() ? "" : failure.subject + ": ";
-        return UnreachableHealth(Exit::kUnavailable, subject + failure.what());
+        look.answers = UnreachableHealth(Exit::kUnavailable, subject + failure.what());
     }
+    return look;
 }
+
+hxc::Answers LoadHealth(Controller& controller) { return LoadMachine(controller).answers; }
 
 }  // namespace vexorctl

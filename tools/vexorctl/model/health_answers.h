@@ -72,6 +72,9 @@ std::vector<std::string_view> HealthWords();
 /// says.
 hxconditions::Answers LoadHealth(Controller& controller);
 
+/// The same with the records, of which there are none when the machine cannot be asked.
+MachineLook LoadMachine(Controller& controller);
+
 /// The same of adapters, disks, virtual disks and disk groups alone. What cannot be read is told in
 /// the queries and noted as no fault.
 hxconditions::Answers LoadArrays(Controller& controller);

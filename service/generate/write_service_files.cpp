@@ -1,0 +1,35 @@
+// Writes the files of the tree that are made from the service's tables.
+//
+// usage: write_service_files schema
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "service/generate/status_schema.h"
+
+namespace {
+
+struct FileRow {
+    std::string_view word;
+    std::string (*text)();
+};
+constexpr FileRow kFiles[] = {
+    {"schema", hxservice::StatusSchema},
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    for (const FileRow& file : kFiles) {
+        if (argc != 2 || file.word != argv[1]) continue;
+        return std::fputs(file.text().c_str(), stdout) < 0 ? 1 : 0;
+    }
+    std::fputs("usage: write_service_files", stderr);
+    const char* between = " ";
+    for (const FileRow& file : kFiles) {
+        std::fprintf(stderr, "%s%s", between, std::string(file.word).c_str());
+        between = " | ";
+    }
+    std::fputs("\n", stderr);
+    return 2;
+}
