@@ -66,6 +66,17 @@ bool ParseAddress(std::string_view text, Address& address) {
     return false;
 }
 
+// The last number of a range, and the address that it begins with; false for any other text.
+bool ParseRange(std::string_view text, Address& first, unsigned& last) {
+    const std::size_t hyphen = text.rfind('-');
+    if (hyphen == std::string_view::npos || !ParseAddress(text.substr(0, hyphen), first))
+        return false;
+    if (first.kind == ObjectKind::kAdapter || first.kind == ObjectKind::kElement) return false;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data() + hyphen + 1, end, last);
+    return error == std::errc() && stop == end && last <= kMaxId;
+}
+
 // Whether the text is PREFIX followed by something, which `rest` receives.
 bool IsCalled(std::string_view text, std::string_view prefix, std::string& rest) {
     if (!text.starts_with(prefix) || text.size() == prefix.size()) return false;
@@ -117,6 +128,27 @@ Selector ParseSelector(std::string_view text, ObjectKind kind) {
                          " is needed");
     }
     return selector;
+}
+
+std::vector<std::string> WithRangesWritten(std::span<const std::string> texts) {
+    std::vector<std::string> written;
+    for (const std::string& text : texts) {
+        Address address;
+        unsigned last = 0;
+        if (!ParseRange(text, address, last)) {
+            written.push_back(text);
+            continue;
+        }
+        if (last < address.id) {
+            throw UsageError(Quoted(text) + " runs backwards; the lower number comes first");
+        }
+        if (last - address.id >= kMostInRange) {
+            throw UsageError(Quoted(text) + " names more than " + std::to_string(kMostInRange) +
+                             " objects");
+        }
+        for (; address.id <= last; ++address.id) written.push_back(address.Text());
+    }
+    return written;
 }
 
 }  // namespace vexortools

@@ -2,8 +2,10 @@
 // a0/enc0/el3), by its name (name:data1) or by its serial number (serial:5XW0PR1T).
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vexortools {
 
@@ -40,5 +42,11 @@ Selector ParseSelector(std::string_view text);
 /// The same for an object of that kind. Throws UsageError for an address of another kind as well;
 /// for a name or serial number the kind is checked at the look-up.
 Selector ParseSelector(std::string_view text, ObjectKind kind);
+
+/// Writes each range of disks, virtual disks or disk groups as its addresses: "a0/pd4-6" becomes
+/// a0/pd4, a0/pd5, a0/pd6. Every other text stays as it is. Throws UsageError for a range that runs
+/// backwards or names more than kMostInRange objects.
+std::vector<std::string> WithRangesWritten(std::span<const std::string> texts);
+inline constexpr unsigned kMostInRange = 1024;
 
 }  // namespace vexortools

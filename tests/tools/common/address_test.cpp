@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "tools/common/usage_message.h"
 
 namespace {
@@ -87,6 +90,45 @@ TEST(Address, OfAnotherKindOfObjectIsRefusedWhereOneKindIsNeeded) {
               "a0/vd0 is the address of a virtual disk; an adapter is needed");
     EXPECT_EQ(ParseSelector("a0/pd1", ObjectKind::kDisk).address.id, 1U);
     EXPECT_EQ(ParseSelector("name:x", ObjectKind::kDisk).text, "x");
+}
+
+std::vector<std::string> Written(std::vector<std::string> texts) {
+    return vexortools::WithRangesWritten(texts);
+}
+
+TEST(Range, OfAddressesNamesEachOfThem) {
+    using Texts = std::vector<std::string>;
+    EXPECT_EQ(Written({"a0/pd4-6"}), (Texts{"a0/pd4", "a0/pd5", "a0/pd6"}));
+    EXPECT_EQ(Written({"a1/vd7-7"}), Texts{"a1/vd7"});
+    EXPECT_EQ(Written({"a0/dg0-1", "a0/pd9"}), (Texts{"a0/dg0", "a0/dg1", "a0/pd9"}));
+    EXPECT_EQ(Written({"a0/pd65533-65534"}), (Texts{"a0/pd65533", "a0/pd65534"}));
+    EXPECT_EQ(Written({"a0/pd0-1023"}).size(), vexortools::kMostInRange);
+}
+
+TEST(Range, IsNoOtherText) {
+    const std::vector<std::string> others = {"",
+                                             "-",
+                                             "a0/pd4-",
+                                             "a0/pd-4",
+                                             "a0/pd4-x",
+                                             "a0/pd4--5",
+                                             "a0/pd4-5 ",
+                                             "a0/pd4-+5",
+                                             "a0-1",
+                                             "a0/enc0/el1-2",
+                                             "name:x-1",
+                                             "serial:a0/pd1-2",
+                                             "a0/pd4-a0/pd5",
+                                             "a0/pd1-65535",
+                                             "a0/pd1-99999999999999999999"};
+    EXPECT_EQ(Written(others), others);
+}
+
+TEST(Range, IsRefusedWhenItRunsBackwardsOrIsTooLong) {
+    EXPECT_EQ(UsageMessage([] { Written({"a0/pd5-4"}); }),
+              "\"a0/pd5-4\" runs backwards; the lower number comes first");
+    EXPECT_EQ(UsageMessage([] { Written({"a0/pd0-1024"}); }),
+              "\"a0/pd0-1024\" names more than 1024 objects");
 }
 
 }  // namespace

@@ -54,6 +54,14 @@ class Tables(WideCase):
                 for line in run.stdout.splitlines():
                     self.assertLessEqual(len(line), 80, line)
 
+    def test_a_range_that_is_shown_can_be_typed(self):
+        disks = self.run_words("disk", "list", "a0/pd1-3", "-o", "jsonl", "--columns", "address")
+        self.assertEqual(re.findall(r'"(a0/pd\d+)"', disks.stdout), ["a0/pd1", "a0/pd2", "a0/pd3"])
+        self.assertEqual(disks.returncode, 0, disks.stderr)
+        backwards = self.run_words("disk", "list", "a0/pd3-1")
+        self.assertEqual((backwards.returncode, backwards.stdout), (2, ""))
+        self.assertIn('"a0/pd3-1" runs backwards', backwards.stderr)
+
     def test_a_terminal_shows_as_many_columns_as_fit(self):
         narrow, usual, broad = (self.wide(each, "disk", "list") for each in (40, 80, 200))
         for columns, text in ((40, narrow), (80, usual), (200, broad)):

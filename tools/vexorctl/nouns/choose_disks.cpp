@@ -146,7 +146,7 @@ std::string Described(const Disk& disk) {
 
 std::vector<Disk> NamedDisks(Invocation& invocation, std::span<const std::string> typed) {
     std::vector<Address> addresses;
-    for (const std::string& each : typed) {
+    for (const std::string& each : vexortools::WithRangesWritten(typed)) {
         addresses.push_back(FindObject(invocation, ObjectKind::kDisk, each));
         if (addresses.back().adapter != addresses.front().adapter) {
             throw UsageError("the disks are on several adapters");

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/address.h"
 #include "common/command_parser.h"
 #include "model/failure.h"
 #include "model/fault.h"
@@ -60,6 +61,13 @@ void CheckArity(const CommandRow& row, std::size_t count) {
                              : row.arity == Arity::kOne || row.arity == Arity::kOptional ? 1
                                                                                          : count;
     if (count > most) throw UsageError("too many arguments: " + UsageLine(row));
+}
+
+// Whether "a0/pd4-8" can stand for five targets.
+bool TakesRanges(const CommandRow& row) {
+    return row.target != Target::kText && row.target != Target::kFile &&
+           row.target != Target::kFunction &&
+           (row.arity == Arity::kAny || row.arity == Arity::kMany);
 }
 
 std::vector<std::string> ValuesOf(const OptionRow& row, const std::vector<std::string>& typed) {
@@ -205,6 +213,7 @@ Invocation ReadWords(const CommandRow& row, const std::vector<std::string>& type
     }
     std::vector<std::string> given;
     for (const std::string& word : targets.Values()) given.push_back(Unmarked(word));
+    if (TakesRanges(row)) given = vexortools::WithRangesWritten(given);
     CheckArity(row, given.size());
     return {row, std::move(values), std::move(given)};
 }
