@@ -236,7 +236,7 @@ class Codes(VexorctlCase):
     def test_5_the_folder_of_the_event_store_is_missing(self):
         self.store.parent.rmdir()
         self.expect(5, f"the event store {self.store} has no folder: {self.store.parent}: No such "
-                       "file or directory; make the folder, which the event service does not",
+                       "file or directory; create it, as with install -d",
                     "event", "list")
 
     def test_5_an_event_store_that_may_not_be_read(self):
@@ -275,8 +275,8 @@ class Codes(VexorctlCase):
         (self.root / "vexorapi.ini").write_text(
             f'<c><EventLogConfig type="config" Filename="{self.root}/mine/events"/></c>')
         self.expect(5, f"the event store {self.root}/mine/events has no folder: {self.root}/mine: "
-                       "No such file or directory; make the folder, which the event service does "
-                       "not", "event", "list")
+                       "No such file or directory; create it, as with install -d",
+                    "event", "list")
 
     def test_6_declined(self):
         path = self.root / "command.xml"

@@ -38,8 +38,9 @@ std::string NotThere(const std::string& path) {
                " is not there (No such file or directory); the event service makes it when it "
                "stores the first one";
     }
-    return "the event store " + path + " has no folder: " + folder + ": " + std::strerror(errno) +
-           "; make the folder, which the event service does not";
+    const int reason = errno;
+    return "the event store " + path + " has no folder: " + folder + ": " + std::strerror(reason) +
+           (reason == ENOENT ? "; create it, as with install -d" : "");
 }
 
 }  // namespace
