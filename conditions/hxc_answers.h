@@ -153,13 +153,16 @@ struct Store {
         kNotLooked,
         kGood,
         kNotWritable,
-        kUnreadable,  // missing or not permitted, although expected
+        kUnreadable,  // not permitted, or missing although expected
         kDamaged,
     };
     State state = State::kNotLooked;
     std::string path;
+    std::string folder;     // where the store's file belongs
+    bool is_there = false;  // kUnreadable: there is something that may not be read
     std::string reason;
-    std::uint64_t events_lost = 0;  // in a gap or a reset found by this look
+    std::uint64_t events_lost = 0;  // in a gap found by this look
+    bool was_reset = false;         // since the last look: how many events went with it is unknown
 };
 
 /// A destination of alerts.

@@ -348,6 +348,7 @@ void FindStore(Findings& findings, const Answers& answers, const Things& things)
     const auto add = [&](Code code) {
         Finding& finding = findings.emplace_back(FindingOf(code, things.OfStore()));
         finding.values["path"] = Harmless(store.path);
+        finding.values["folder"] = Harmless(store.folder.empty() ? store.path : store.folder);
         finding.values["reason"] = Harmless(store.reason);
         return &finding;
     };
@@ -355,11 +356,21 @@ void FindStore(Findings& findings, const Answers& answers, const Things& things)
         Finding* const damaged = add(Code::kStoreDamaged);
         damaged->values["reason"] = store.reason.empty() ? "" : ": " + Harmless(store.reason);
     }
-    if (store.state == Store::State::kUnreadable) add(Code::kStoreUnreadable);
+    if (store.state == Store::State::kUnreadable) {
+        Finding* const unreadable = add(Code::kStoreUnreadable);
+        if (store.is_there) {
+            unreadable->values[kNextStep] =
+                "Let whoever asks read it, or move it aside; the service makes a new one";
+        }
+    }
     if (store.state == Store::State::kNotWritable) {
         add(Code::kEventsNotCollected);
     } else if (answers.service.rounds_without_check_in >= kRoundsWithoutCheckIn) {
-        add(Code::kEventsNotCollected)->values["reason"] = "no check-in has succeeded";
+        Finding* const closed = add(Code::kEventsNotCollected);
+        const bool is_damaged = store.state == Store::State::kDamaged;
+        closed->values["reason"] =
+            is_damaged ? "the event store is damaged" : "no check-in has succeeded";
+        if (is_damaged) closed->values[kNextStep] = RowOf(Code::kStoreDamaged).next_step;
     }
 }
 

@@ -22,6 +22,10 @@ struct LostMember {
     bool operator==(const LostMember&) const = default;
 };
 
+/// Among the values of a finding: the next step, where it depends on the cause and is not the
+/// row's.
+inline constexpr char kNextStep[] = "next_step";
+
 struct Finding {
     Code code = Code::kNotWatched;
     Object object{};

@@ -369,6 +369,28 @@ void NoteClock(Work& work) {
     }
 }
 
+// Of a store that was reset nobody knows how many events went with it.
+void TakeLostEvents(Work& work) {
+    constexpr std::string_view kUnknown = "an unknown number of";
+    constexpr std::string_view kAtLeast = "at least ";
+    const Store& store = work.answers.store;
+    if (store.events_lost == 0 && !store.was_reset) return;
+    const Object object = work.things.OfStore();
+    const Held* const before = FindHeld(work.state, Code::kEventsLost, object);
+    std::string told;
+    if (before != nullptr) told = before->found.values.find("n")->second;
+    const std::uint64_t lost = (before == nullptr ? 0 : before->found.count) + store.events_lost;
+    const bool is_known = !store.was_reset && told != kUnknown && !told.starts_with(kAtLeast);
+    Held& held = Hold(work, FindingOf(Code::kEventsLost, object));
+    held.hits.push_back(work.state.now);
+    held.found.count = lost;
+    Values& values = held.found.values;
+    values["n"] = (is_known ? "" : std::string(kAtLeast)) + std::to_string(lost);
+    if (!is_known && lost == 0) values["n"] = kUnknown;
+    values["o"] = "the event store";
+    Confirm(work, held);
+}
+
 void TakeEvents(Work& work) {
     for (const Event& event : work.events) {
         const EventCodes codes = CodesOf(event);
@@ -382,14 +404,7 @@ void TakeEvents(Work& work) {
         ForgetDeleted(work, event);
     }
     NoteClock(work);
-    const std::uint64_t lost = work.answers.store.events_lost;
-    if (lost == 0) return;
-    Held& held = Hold(work, FindingOf(Code::kEventsLost, work.things.OfStore()));
-    held.hits.push_back(work.state.now);
-    held.found.count += lost;
-    held.found.values["n"] = std::to_string(held.found.count);
-    held.found.values["o"] = "the event store";
-    Confirm(work, held);
+    TakeLostEvents(work);
 }
 
 bool IsMended(const Held& held, const Work& work) {

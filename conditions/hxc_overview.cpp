@@ -201,7 +201,9 @@ const Entry* HindranceOf(const Entry& head) {
 
 void AddNextStep(Entry& head, const Values& values) {
     Condition& condition = head.condition;
-    condition.next_step = Fill(head.row->next_step, values);
+    const auto own = values.find(kNextStep);
+    condition.next_step =
+        own == values.end() ? Fill(head.row->next_step, values) : Fill(own->second, values);
     condition.command = FillCommand(head.row->command, values);
     const bool asks_for_replacement =
         head.code() == Code::kVdNoRedundancy || head.code() == Code::kVdRedundancyReduced;

@@ -181,7 +181,7 @@ constexpr Row kRows[] = {
                  "keeps some hundreds, then drops the oldest",
      .meaning = "The event store cannot be written or nobody takes events from the controller, "
                 "so that what happens now may never be known.",
-     .next_step = "Free space, or make the folder writable: install -d -m 0755 {path}",
+     .next_step = "Free space, or make the folder writable: install -d -m 0755 {folder}",
      .raised_by = "the store cannot be proved writable, or no check-in for 5 rounds",
      .cleared_by = "written again",
      .message_id = "ab2fd0eb2da26a0084cfd739460b36e1",
@@ -1204,7 +1204,7 @@ constexpr Row kRows[] = {
      .rests_on = kStore,
      .sentence = "the event store cannot be read: {path}: {reason}",
      .meaning = "There is no event store where one should be, or it may not be read.",
-     .next_step = "Make its folder: install -d -m 0755 {path}",
+     .next_step = "Make its folder: install -d -m 0755 {folder}",
      .raised_by = "no store, or no permission, where one should be",
      .cleared_by = "read",
      .message_id = "8f23e23229f24b15d12fca7ef943779d",
@@ -1357,15 +1357,23 @@ static_assert(NamesAreUnique());
 
 // The placeholders that the finders fill.
 constexpr std::string_view kPlaces[] = {
-    "a",          "activity",       "adapter",    "advice", "ago",        "allowed",
-    "before",     "block",          "c",          "call",   "capacity",   "code_name",
-    "difference", "enclosure",      "fits",       "for",    "free",       "h",
-    "id",         "image",          "image_name", "left",   "limit",      "link",
-    "list",       "lost",           "members",    "n",      "n_remapped", "needed",
-    "number",     "number_of_code", "o",          "path",   "percent",    "reading",
-    "reason",     "rebuild",        "redundancy", "role",   "s",          "serial",
-    "sink",       "size",           "target",     "type",   "vd",         "wait",
-    "what",       "when",
+    "a",          "activity",  "adapter",
+    "advice",     "ago",       "allowed",
+    "before",     "block",     "c",
+    "call",       "capacity",  "code_name",
+    "difference", "enclosure", "fits",
+    "folder",     "for",       "free",
+    "h",          "id",        "image",
+    "image_name", "left",      "limit",
+    "link",       "list",      "lost",
+    "members",    "n",         "n_remapped",
+    "needed",     "number",    "number_of_code",
+    "o",          "path",      "percent",
+    "reading",    "reason",    "rebuild",
+    "redundancy", "role",      "s",
+    "serial",     "sink",      "size",
+    "target",     "type",      "vd",
+    "wait",       "what",      "when",
 };
 constexpr bool HasKnownPlaces(std::string_view text) {
     for (std::size_t open = text.find('{'); open != std::string_view::npos;

@@ -13,6 +13,8 @@ constexpr unsigned kMostAdapters = 4;
 // Read at once, so that a full store needs little memory.
 constexpr std::uint64_t kEventsPerPage = 500;
 
+using State = hxconditions::Store::State;
+
 std::string Counted(std::uint64_t count, const char* one, const char* many) {
     return std::to_string(count) + " " + (count == 1 ? one : many);
 }
@@ -38,7 +40,8 @@ bool Collector::MayCheckIn(unsigned adapters) {
     const std::optional<std::string> reason = source_.WhyStoreIsClosed(adapters);
     if (reason) {
         const std::size_t end = std::min(reason->find(": "), reason->size());
-        store_state_.state = hxconditions::Store::State::kNotWritable;
+        LookAtStore();
+        store_state_.state = State::kNotWritable;
         store_state_.path = reason->substr(0, end);
         store_state_.reason = reason->substr(std::min(end + 2, reason->size()));
         store_.Say(*reason + ". No event is taken from a controller until it can be written");
@@ -46,6 +49,16 @@ bool Collector::MayCheckIn(unsigned adapters) {
         store_.End();
     }
     return !reason;
+}
+
+void Collector::LookAtStore() {
+    try {
+        store_state_ = source_.LookAtStore();
+    } catch (const SourceError& error) {
+        store_state_ = {};
+        store_state_.state = State::kUnreadable;
+        store_state_.reason = error.what();
+    }
 }
 
 // Events that were stored before the first look were told by whoever stored them.
@@ -57,7 +70,8 @@ void Collector::FollowStore(const StoreExtent& extent) {
                  " and ends at event " + std::to_string(extent.next));
         place_ = extent.first;
         tally_.ForgetLast();
-        Lose(1);  // how many went with the old store is not known
+        tally_.Lose(1);  // at least: how many went with the old store is not known
+        news_.was_reset = true;
     }
 }
 
@@ -118,18 +132,23 @@ CheckIn Collector::Collect() {
     controller_.End();
     adapters = std::min(adapters, kMostAdapters);
     if (!MayCheckIn(adapters)) return CheckIn::kStoreClosed;
+    LookAtStore();
+    if (store_state_.state == State::kDamaged) {
+        events_.Say("the event store " + store_state_.path + " is damaged: " + store_state_.reason +
+                    "; move it aside, and the service makes a new one");
+        return CheckIn::kStoreClosed;
+    }
     try {
         FollowStore(source_.ReadExtent());
         source_.CheckIn(adapters);
         extent_ = source_.ReadExtent();
         TellEvents(extent_);
         events_.End();
-        store_state_ = {.state = hxconditions::Store::State::kGood, .path = {}, .reason = {}};
+        store_state_.state = State::kGood;
     } catch (const SourceError& error) {
         events_.Say(error.what());
-        store_state_ = {.state = hxconditions::Store::State::kUnreadable,
-                        .path = "the event store",
-                        .reason = error.what()};
+        store_state_.state = State::kUnreadable;
+        if (store_state_.reason.empty()) store_state_.reason = error.what();
         return CheckIn::kStoreClosed;
     }
     return CheckIn::kDone;

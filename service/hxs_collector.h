@@ -22,7 +22,8 @@ enum class CheckIn : std::uint8_t {
 /// What the check-ins since the last question brought.
 struct News {
     std::vector<hxconditions::Event> events;
-    std::uint64_t lost = 0;  // overwritten before they could be read, or gone with a reset store
+    std::uint64_t lost = 0;  // overwritten before they could be read
+    bool was_reset = false;  // the store: how many events went with it is not known
 };
 
 class Collector {
@@ -49,6 +50,7 @@ public:
 private:
     bool IsAnyAdapter(unsigned adapters);
     bool MayCheckIn(unsigned adapters);
+    void LookAtStore();
     void FollowStore(const StoreExtent& extent);
     void Lose(std::uint64_t events);
     void RememberLast(const StoreExtent& extent);

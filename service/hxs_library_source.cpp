@@ -152,6 +152,10 @@ void LibrarySource::CheckIn(unsigned adapters) {
     VX_EvFile_CheckIn(static_cast<std::uint8_t>(adapters));
 }
 
+hxconditions::Store LibrarySource::LookAtStore() {
+    return Asking([] { return vexorctl::LookAtEventStore(); });
+}
+
 StoreExtent LibrarySource::ReadExtent() {
     return Asking([this]() -> StoreExtent {
         if (IsNotThereYet(vexorctl::EventStorePath())) return {};

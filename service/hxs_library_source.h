@@ -13,6 +13,7 @@ public:
     unsigned CountAdapters() override;
     std::optional<std::string> WhyStoreIsClosed(unsigned adapters) override;
     void CheckIn(unsigned adapters) override;
+    hxconditions::Store LookAtStore() override;
     StoreExtent ReadExtent() override;
     std::vector<StoredEvent> ReadEvents(std::uint64_t first, std::uint64_t next) override;
     hxconditions::Answers LookAtMachine() override;

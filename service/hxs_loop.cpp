@@ -32,6 +32,7 @@ void Loop::Look(const News& news) {
     answers_ = parts_.source.LookAtMachine();
     answers_.store = collector_.Store();
     answers_.store.events_lost = news.lost;
+    answers_.store.was_reset = news.was_reset;
     answers_.service = self_;
     facts_ = parts_.source.FactsOfLastLook();
     looked_at_ = now.real;
@@ -79,7 +80,8 @@ CheckIn Loop::Round(Rounds rounds) {
     self_.rounds_without_check_in = how == CheckIn::kDone ? 0 : self_.rounds_without_check_in + 1;
     const bool is_closed = self_.rounds_without_check_in != 0;
     const News news = collector_.TakeNews();
-    const bool has_news = !news.events.empty() || news.lost != 0 || was_closed || is_closed;
+    const bool has_news =
+        !news.events.empty() || news.lost != 0 || news.was_reset || was_closed || is_closed;
     if (has_news || !look_due_ || began >= *look_due_) Look(news);
     parts_.keeper.Publish(StatusText(SnapshotOf(rounds, how)));
     work_.last_round = parts_.outside.Now() - began;

@@ -44,6 +44,9 @@ public:
     /// Moves the events of the first `adapters` adapters into the store.
     virtual void CheckIn(unsigned adapters) = 0;
 
+    /// The store as its file shows it, without the library. Throws SourceError.
+    virtual hxconditions::Store LookAtStore() = 0;
+
     /// A store that was never written is empty. Throws SourceError.
     virtual StoreExtent ReadExtent() = 0;
 

@@ -1,6 +1,8 @@
 #include "service/hxs_state_file.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -32,10 +34,36 @@ std::string SentenceOf(Trouble trouble, const std::string& path, const std::stri
     return path + what + why;
 }
 
+bool IsThere(const std::string& path) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) == 0;
+}
+
+bool IsEmpty(const std::string& path) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size == 0;
+}
+
+// Makes the file under another name first: one that a process leaves behind that is killed
+// meanwhile is never taken for the file itself, so that an empty one is known to be damaged.
 void Make(const std::string& path) {
-    const Descriptor file(open(
-        path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY | O_NONBLOCK, 0640));
-    if (!file.IsOpen())
+    const std::string made = path + ".new";
+    unlink(made.c_str());
+    {
+        const Descriptor file(
+            open(made.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0640));
+        if (!file.IsOpen())
+            throw hxsqlite::StoreError(path + " cannot be made: " + std::strerror(errno));
+    }
+    {
+        const Connection connection(made, Access::kWrite, SentenceOf);
+        Transaction transaction(connection);
+        connection.Execute("CREATE TABLE kept (name TEXT PRIMARY KEY, value TEXT NOT NULL)");
+        connection.Execute("PRAGMA application_id = " + std::to_string(kApplication));
+        connection.Execute("PRAGMA user_version = " + std::to_string(kStateVersion));
+        transaction.Commit();
+    }
+    if (std::rename(made.c_str(), path.c_str()) != 0)
         throw hxsqlite::StoreError(path + " cannot be made: " + std::strerror(errno));
 }
 
@@ -70,19 +98,11 @@ StateFile::StateFile(const std::string& path) {
 }
 
 void StateFile::Open(const std::string& path) {
-    Make(path);
+    if (!IsThere(path)) Make(path);
+    if (IsEmpty(path)) throw DamagedError(path + " is damaged: it is empty");
     connection_ = Connection(path, Access::kWrite, SentenceOf);
     const std::int64_t version = connection_.Number("PRAGMA user_version");
     const std::int64_t application = connection_.Number("PRAGMA application_id");
-    if (version == 0 && application == 0 &&
-        connection_.Number("SELECT count(*) FROM sqlite_schema") == 0) {
-        Transaction transaction(connection_);
-        connection_.Execute("CREATE TABLE kept (name TEXT PRIMARY KEY, value TEXT NOT NULL)");
-        connection_.Execute("PRAGMA application_id = " + std::to_string(kApplication));
-        connection_.Execute("PRAGMA user_version = " + std::to_string(kStateVersion));
-        transaction.Commit();
-        return;
-    }
     if (application != kApplication || version != kStateVersion) {
         throw DamagedError(path + " is no state of this version of the service");
     }

@@ -912,6 +912,26 @@ TEST(ALookWithoutADisksList, DoesNotMakeAVirtualDiskBetter) {
 
 // ---- Damping ----
 
+TEST(LostEvents, AreAtLeastThoseThatWereCountedOnceAStoreWasReset) {
+    Watcher watcher;
+    Answers answers = GoodMachine();
+    answers.store.events_lost = 3;
+    watcher.Look(answers);
+    const Condition* const lost = Find(watcher.overview, Code::kEventsLost);
+    ASSERT_NE(lost, nullptr);
+    EXPECT_TRUE(lost->sentence.starts_with("3 events of the event store were lost"));
+    answers.store.events_lost = 0;
+    answers.store.was_reset = true;
+    watcher.Look(answers);
+    answers.store.events_lost = 2;
+    answers.store.was_reset = false;
+    watcher.Look(answers);
+    const Condition* const more = Find(watcher.overview, Code::kEventsLost);
+    ASSERT_NE(more, nullptr);
+    EXPECT_TRUE(more->sentence.starts_with("at least 5 events of the event store were lost"))
+        << more->sentence;
+}
+
 TEST(AFanAtItsThreshold, FlapsOnceAndStaysUntilItIsQuiet) {
     Watcher watcher;
     const Answers good = GoodMachine();

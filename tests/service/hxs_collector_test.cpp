@@ -84,6 +84,18 @@ TEST_F(CheckInTest, TakesNothingWhileTheStoreCannotBeRead) {
                                         "the event store can be read again"));
 }
 
+TEST_F(CheckInTest, TakesNothingWhileTheStoreIsDamaged) {
+    source_.queue = {"a0/pd5 has failed"};
+    source_.look.state = hxconditions::Store::State::kDamaged;
+    source_.look.reason = "it has 0 bytes, and its head 112";
+    EXPECT_EQ(collector_.Collect(), CheckIn::kStoreClosed);
+    EXPECT_THAT(source_.check_ins, IsEmpty());
+    EXPECT_EQ(collector_.Store().state, hxconditions::Store::State::kDamaged);
+    source_.look = ScriptedSource::GoodStore();
+    EXPECT_EQ(collector_.Collect(), CheckIn::kDone);
+    EXPECT_EQ(collector_.Store().state, hxconditions::Store::State::kGood);
+}
+
 TEST_F(CheckInTest, TellsATroubleOfTheControllerOnceAndItsEnd) {
     source_.trouble = "the controller could not be opened: hxsim.db is damaged";
     EXPECT_EQ(collector_.Collect(), CheckIn::kUnreachable);
@@ -166,10 +178,14 @@ TEST_F(CheckInTest, CountsTheEventsThatAreLost) {
     collector_.Collect();
     source_.queue = {"zero", "one", "two", "three", "four"};
     collector_.Collect();
-    EXPECT_EQ(collector_.TakeNews().lost, 2U);
+    const hxservice::News gap = collector_.TakeNews();
+    EXPECT_EQ(gap.lost, 2U);
+    EXPECT_FALSE(gap.was_reset);
     source_.ResetStore();
     collector_.Collect();
-    EXPECT_EQ(collector_.TakeNews().lost, 1U);  // at least
+    const hxservice::News reset = collector_.TakeNews();
+    EXPECT_EQ(reset.lost, 0U);
+    EXPECT_TRUE(reset.was_reset);
 }
 
 TEST_F(CheckInTest, TellsTheStateOfTheStore) {
@@ -183,6 +199,8 @@ TEST_F(CheckInTest, TellsTheStateOfTheStore) {
     source_.unreadable = "it is damaged";
     collector_.Collect();
     EXPECT_EQ(collector_.Store().state, State::kUnreadable);
+    EXPECT_EQ(collector_.Store().path, "/db/vx_hx_raid.ev");
+    EXPECT_EQ(collector_.Store().reason, "it is damaged");
     source_.unreadable.clear();
     collector_.Collect();
     EXPECT_EQ(collector_.Store().state, State::kGood);

@@ -317,6 +317,39 @@ TEST_F(WatchedMachine, ClearsWhatKeptEventsFromBeingCollectedOnceTheyAre) {
     EXPECT_NE(Changes()[0].find("EVENTS_NOT_COLLECTED"), std::string::npos) << Changes()[0];
 }
 
+TEST_F(WatchedMachine, RaisesAStoreThatIsDamagedAndWhatFollowsOfIt) {
+    source.look.state = hxconditions::Store::State::kDamaged;
+    source.look.reason = "it has 0 bytes, and its head 112";
+    VirtualTime time({{seconds(45), Wake::kEnd}});  // the fifth round is at 40 seconds
+    Run(time);
+    EXPECT_THAT(
+        Changes(),
+        ElementsAre("raised: [warning] STORE_DAMAGED: the event store is damaged: "
+                    "/db/vx_hx_raid.ev: it has 0 bytes, and its head 112",
+                    "raised: [critical] EVENTS_NOT_COLLECTED: controller events are not "
+                    "collected: /db/vx_hx_raid.ev: the event store is damaged; the controller "
+                    "keeps some hundreds, then drops the oldest"));
+}
+
+TEST_F(WatchedMachine, RaisesAStoreThatMayNotBeReadWithItsPath) {
+    source.look.state = hxconditions::Store::State::kUnreadable;
+    source.look.reason = "Permission denied";
+    source.unreadable = "it may not be read";
+    VirtualTime time({{seconds(5), Wake::kEnd}});
+    Run(time);
+    EXPECT_THAT(Changes(),
+                ElementsAre("raised: [unknown] STORE_UNREADABLE: the event store cannot be read: "
+                            "/db/vx_hx_raid.ev: Permission denied"));
+}
+
+TEST_F(WatchedMachine, DoesNotTellHowManyEventsWentWithAStoreThatWasReset) {
+    VirtualTime time({{seconds(5), Wake::kEnd}});
+    Loop({source, time, manager, keeper, log}, TenSeconds(), TenSeconds, {{}, 32}, "").Run();
+    EXPECT_THAT(Changes(), ElementsAre("raised: [warning] EVENTS_LOST: an unknown number of events "
+                                       "of the event store were lost; what happened then is not "
+                                       "known"));
+}
+
 TEST_F(WatchedMachine, RaisesSettingsThatWereRefused) {
     VirtualTime time({{seconds(3), Wake::kReload}, {seconds(10), Wake::kEnd}});
     Run(time, TenSeconds(), []() -> Settings { throw SettingsError("f.conf:1: no key"); });

@@ -120,6 +120,27 @@ TEST(ServiceStateFile, IsSetAsideWhenItsTextIsDamaged) {
     EXPECT_EQ(file.TakeSaved().place, std::nullopt);
 }
 
+// A file that is made has its tables before it has its name, so that no start leaves an empty one.
+TEST(ServiceStateFile, IsSetAsideWhenItIsEmpty) {
+    const TemporaryRoot root;
+    const std::string path = root.Path("/state.db");
+    StateFile(path).Save({FullState(), 42});
+    std::filesystem::resize_file(path, 0);
+    StateFile file(path);
+    EXPECT_EQ(file.Damage(), path + " is damaged: it is empty; it is " + path + ".damaged now");
+    EXPECT_EQ(file.TakeSaved().place, std::nullopt);
+    file.Save({FullState(), 43});
+    EXPECT_EQ(StateFile(path).TakeSaved().place, 43U);
+}
+
+TEST(ServiceStateFile, OfAKilledStartIsMadeAnew) {
+    const TemporaryRoot root;
+    root.Write("/state.db.new", "half");
+    const std::string path = root.Path("/state.db");
+    EXPECT_EQ(StateFile(path).Damage(), "");
+    EXPECT_FALSE(std::filesystem::exists(path + ".new"));
+}
+
 // A file that is there and cannot be opened is not damaged for that.
 TEST(ServiceStateFile, StaysWhereItCannotBeOpened) {
     const TemporaryRoot root;

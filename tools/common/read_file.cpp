@@ -27,20 +27,25 @@ Descriptor Open(const char* path, FileKind kind) {
     return file;
 }
 
+// Appends at most `most` bytes. Returns how many; 0 at the end of the file.
+std::size_t Append(std::string& bytes, int descriptor, std::size_t most) {
+    const std::size_t filled = bytes.size();
+    bytes.resize(filled + most);
+    ssize_t count;
+    do {
+        count = read(descriptor, bytes.data() + filled, most);
+    } while (count < 0 && errno == EINTR);
+    if (count < 0) throw FileError(errno);
+    bytes.resize(filled + static_cast<std::size_t>(count));
+    return static_cast<std::size_t>(count);
+}
+
 std::string ReadAll(int descriptor, std::size_t limit) {
     std::string bytes;
-    for (;;) {
-        const std::size_t filled = bytes.size();
-        bytes.resize(filled + kPiece);
-        ssize_t count;
-        do {
-            count = read(descriptor, bytes.data() + filled, kPiece);
-        } while (count < 0 && errno == EINTR);
-        if (count < 0) throw FileError(errno);
-        bytes.resize(filled + static_cast<std::size_t>(count));
+    while (Append(bytes, descriptor, kPiece) != 0) {
         if (bytes.size() > limit) throw FileError(EFBIG);
-        if (count == 0) return bytes;
     }
+    return bytes;
 }
 
 }  // namespace
@@ -53,6 +58,14 @@ std::string ReadFile(const char* path, FileKind kind, std::size_t limit) {
     // Standard input stays open, since the user may be asked a question later.
     if (kind == FileKind::kAny && std::strcmp(path, "-") == 0) return ReadAll(STDIN_FILENO, limit);
     return ReadAll(Open(path, kind).Get(), limit);
+}
+
+std::string ReadBeginning(const char* path, std::size_t most) {
+    const Descriptor file = Open(path, FileKind::kRegular);
+    std::string bytes;
+    while (bytes.size() < most && Append(bytes, file.Get(), most - bytes.size()) != 0) {
+    }
+    return bytes;
 }
 
 }  // namespace vexortools

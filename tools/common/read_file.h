@@ -21,4 +21,8 @@ enum class FileKind { kAny, kRegular };
 /// file has more than `limit` bytes.
 std::string ReadFile(const char* path, FileKind kind, std::size_t limit);
 
+/// Returns the first `most` bytes of the regular file at `path`, or all of a shorter one. Throws
+/// FileError.
+std::string ReadBeginning(const char* path, std::size_t most);
+
 }  // namespace vexortools

@@ -58,6 +58,14 @@ TEST_F(FileToRead, HasToBeARegularOneWhereThatIsAskedFor) {
     EXPECT_EQ(ReadFile("/dev/null", FileKind::kAny, 5), "");
 }
 
+TEST_F(FileToRead, IsReadFromItsBeginningAsFarAsWanted) {
+    const std::string path = Write("12345");
+    EXPECT_EQ(vexortools::ReadBeginning(path.c_str(), 3), "123");
+    EXPECT_EQ(vexortools::ReadBeginning(path.c_str(), 5), "12345");
+    EXPECT_EQ(vexortools::ReadBeginning(path.c_str(), 9), "12345");
+    EXPECT_THROW(vexortools::ReadBeginning(folder_.c_str(), 9), vexortools::FileError);
+}
+
 TEST_F(FileToRead, LeavesNoDescriptorOpenButStandardInput) {
     const auto lowest_free = [] {
         const int descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
