@@ -22,7 +22,6 @@
 
 enum {
     kHead = 512,            /* bytes of the event file before its first slot */
-    kCapacityAt = 36,       /* where its header says how many events it holds at most */
     kSlot = 192,            /* bytes of an event in it */
     kSequenceNumbers = 96,  /* bytes of the other file */
     kLongestPath = 4096,    /* with the NUL */
@@ -117,6 +116,59 @@ static int IsGuarded(const char* path, const struct stat* folder, const struct s
     return IsTrusted(file->st_uid) || !shared;
 }
 
+/* The header at the start of the event file; its numbers are little-endian, as the hosts are. */
+struct Header {
+    char magic[32];    /* "Ombra Event File v0.1", then zeros */
+    uint32_t count;    /* events in the ring */
+    uint32_t capacity; /* most events in it; it has one slot more */
+    uint32_t start;    /* slot of the oldest */
+    uint32_t end;      /* slot of the next */
+    uint32_t first;    /* number of the oldest */
+};
+
+static const char kMagic[] = "Ombra Event File v0.1";
+
+/* Reads the header, or as much of it as there is. Returns how many bytes, or -1 with errno. */
+static ssize_t ReadHeader(int file, struct Header* header) {
+    size_t total = 0;
+    while (total < sizeof *header) {
+        const ssize_t got =
+            pread(file, (char*)header + total, sizeof *header - total, (off_t)total);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return -1;
+        if (got == 0) break;
+        total += (size_t)got;
+    }
+    return (ssize_t)total;
+}
+
+/* Whether an event file is sound, as far as its header tells. The library believes the numbers of
+ * any file that begins as an event file does, and makes every other file anew. A file of 0 bytes is
+ * one whose maker was killed: it holds nothing. */
+static int IsSound(struct Complaint to, const char* path, int file) {
+    struct Header header;
+    const ssize_t length = ReadHeader(file, &header);
+    if (length < 0) return Refuse(to, path, "cannot read the event store", errno);
+    if (length == 0) return 1;
+    const char* damage = NULL;
+    if (length != (ssize_t)sizeof header) {
+        damage = "it is shorter than its header";
+    } else if (memcmp(header.magic, kMagic, sizeof kMagic) != 0) {
+        damage = "it does not begin as an event file does";
+    } else {
+        const uint64_t ring = (uint64_t)header.capacity + 1;
+        if (header.count > header.capacity || header.start >= ring ||
+            ((uint64_t)header.start + header.count) % ring != header.end) {
+            damage = "the numbers of its header contradict each other";
+        }
+    }
+    if (damage == NULL) return 1;
+    snprintf(to.text, to.size,
+             "%s: the event store is damaged: %s; move it aside, and a new one is made", path,
+             damage);
+    return 0;
+}
+
 /* Reserves the bytes from `from` on without making the file longer. Returns 0 or the error. */
 static int Reserve(int file, off_t from, off_t bytes) {
     struct rlimit limit;
@@ -134,31 +186,33 @@ static int Reserve(int file, off_t from, off_t bytes) {
 /* The bytes of `wanted` that the event file can still grow by: a ring that has been round once is
  * written in place, also where the disk is full. */
 static off_t Growth(int file, off_t size, off_t wanted) {
-    uint32_t capacity; /* little-endian, as the hosts are */
-    if (pread(file, &capacity, sizeof capacity, kCapacityAt) != sizeof capacity) return wanted;
-    const off_t whole = kHead + (off_t)kSlot * ((off_t)capacity + 1);
+    struct Header header;
+    if (ReadHeader(file, &header) != (ssize_t)sizeof header) return wanted;
+    const off_t whole = kHead + (off_t)kSlot * ((off_t)header.capacity + 1);
     if (size >= whole) return 0;
     return wanted < whole - size ? wanted : whole - size;
 }
 
-/* One of the store's two files, which will be `bytes` longer than it is and than `least`. The event
- * file is a ring. */
-static int FileTakes(struct Complaint to, const char* path, off_t least, off_t bytes, int is_ring) {
-    char folder[kLongestPath];
-    snprintf(folder, sizeof folder, "%s", path);
+/* The folder of a path, which must be there. */
+static int FindFolder(struct Complaint to, const char* path, char folder[kLongestPath],
+                      struct stat* status) {
+    snprintf(folder, kLongestPath, "%s", path);
     char* const slash = strrchr(folder, '/');
     if (slash == NULL) {
         memcpy(folder, ".", 2);
     } else {
         slash[slash == folder] = '\0';
     }
+    if (stat(folder, status) != 0) return Refuse(to, folder, "the event store's folder", errno);
+    return S_ISDIR(status->st_mode) || Refuse(to, folder, "the event store's folder", ENOTDIR);
+}
+
+/* One of the store's two files, which will be `bytes` longer than it is and than `least`. The event
+ * file is a ring. */
+static int FileTakes(struct Complaint to, const char* path, off_t least, off_t bytes, int is_ring) {
+    char folder[kLongestPath];
     struct stat folder_status;
-    if (stat(folder, &folder_status) != 0) {
-        return Refuse(to, folder, "the event store's folder", errno);
-    }
-    if (!S_ISDIR(folder_status.st_mode)) {
-        return Refuse(to, folder, "the event store's folder", ENOTDIR);
-    }
+    if (!FindFolder(to, path, folder, &folder_status)) return 0;
     char trial[kLongestPath + sizeof "/.check_in-XXXXXX"] = "";
     int file = open(path, O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     struct stat link;
@@ -175,6 +229,10 @@ static int FileTakes(struct Complaint to, const char* path, off_t least, off_t b
     const int is_regular = error == 0 && S_ISREG(status.st_mode);
     if (error == 0 && !is_regular) error = EINVAL;
     if (error == 0 && trial[0] == '\0' && !IsGuarded(path, &folder_status, &status)) error = EPERM;
+    if (error == 0 && is_ring && !IsSound(to, path, file)) {
+        close(file);
+        return 0;
+    }
     if (error == 0) {
         const off_t end = status.st_size > least ? status.st_size : least;
         const off_t growth = is_ring ? Growth(file, end, bytes) : bytes;

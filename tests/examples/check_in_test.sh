@@ -60,6 +60,18 @@ chmod 777 "$db"
 refuses "$db/vx_hx_raid.ev: cannot write the event store: Operation not permitted" "$check_in" 2
 chmod 755 "$db"
 rm "$db/vx_hx_raid.ev" "$db/other.ev"
+# What is no event file is not counted as one: the library would tell the numbers in it, or overwrite it.
+store=$db/vx_hx_raid.ev
+head -c 4096 /dev/urandom >"$store"
+refuses "$store: the event store is damaged: it does not begin as an event file does; move it aside" \
+    "$check_in" 2
+[ "$(wc -c <"$store")" = 4096 ] || fail "a file that is no event store was overwritten"
+printf 'Ombra Event File v0.1' >"$store"
+refuses "$store: the event store is damaged: it is shorter than its header" "$check_in" 2
+# 300,000,000 events in a ring of 3.
+printf 'Ombra Event File v0.1\0\0\0\0\0\0\0\0\0\0\0\0\0\243\341\021\003\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0' >"$store"
+refuses "$store: the event store is damaged: the numbers of its header contradict each other" "$check_in" 2
+rm "$store"
 # shellcheck disable=SC2016  # the inner shell expands it
 # 8 blocks of 512 bytes; what 2 adapters can send at once takes 38 of them.
 refuses "$db/vx_hx_raid.ev: the event store has no room for more events: File too large" \
@@ -71,6 +83,9 @@ EOF
 refuses "$VEXORAPI_ROOT/elsewhere: the event store's folder: No such file or directory" "$check_in" 2
 rm "$VEXORAPI_ROOT/vexorapi.ini" "$VEXORAPI_ROOT/output" "$VEXORAPI_ROOT/message"
 [ -z "$(ls -A "$db")" ] || fail "a refusal left files behind: $(ls -A "$db")"
+
+# One whose maker was killed before its first write holds nothing, and is made anew.
+: >"$db/vx_hx_raid.ev"
 
 # Nothing was taken by then: the first check-in stores as many as that of a machine that has seen no
 # refusal, below.

@@ -229,8 +229,9 @@ class Codes(VexorctlCase):
         self.assertIn('"root" may not log on', run.stderr)
 
     def test_5_no_events_were_stored_yet(self):
-        self.expect(5, f"no events have been stored yet: {self.store} is not there (No such file or "
-                       "directory); the event service makes it when it stores the first one",
+        self.expect(5, f"the event store {self.store} is not there (No such file or directory): no "
+                       "events have been stored yet, or it was removed; the event service makes it "
+                       "when it stores an event",
                     "event", "list")
 
     def test_5_the_folder_of_the_event_store_is_missing(self):

@@ -192,9 +192,9 @@ class Stream(VexorctlCase):
         process = self.waiting()
         self.assertEqual(
             process.stderr.readline(),
-            f"vexorctl: event follow: no events have been stored yet: {self.store} is not there "
-            "(No such file or directory); the event service makes it when it stores the first one; "
-            "waiting for it\n")
+            f"vexorctl: event follow: the event store {self.store} is not there (No such file or "
+            "directory): no events have been stored yet, or it was removed; the event service makes "
+            "it when it stores an event; waiting for it\n")
         self.collect()
         self.assertEqual(without_head(json.loads(process.stdout.readline())), {"sequence": 0})
         process.send_signal(signal.SIGINT)
@@ -218,7 +218,10 @@ class Stream(VexorctlCase):
         while not (self.root / "cursor").exists():
             pass
         self.store.unlink()
-        self.assertIn("waiting for it", process.stderr.readline())
+        self.assertEqual(
+            process.stderr.readline(),
+            f"vexorctl: event follow: the event store {self.store} was there and is gone; waiting "
+            "for the next one\n")
         self.many_events()
         lines = (without_head(json.loads(line)) for line in process.stdout)
         gap = next(line for line in lines if "record" in line)

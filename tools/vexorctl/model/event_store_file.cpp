@@ -47,9 +47,9 @@ std::string NotThere(const std::string& path) {
     const std::string folder = FolderOf(path);
     struct stat status {};
     if (stat(folder.c_str(), &status) == 0) {
-        return "no events have been stored yet: " + path +
-               " is not there (No such file or directory); the event service makes it when it "
-               "stores the first one";
+        return "the event store " + path +
+               " is not there (No such file or directory): no events have been stored yet, or it "
+               "was removed; the event service makes it when it stores an event";
     }
     const int reason = errno;
     return "the event store " + path + " has no folder: " + folder + ": " + std::strerror(reason) +

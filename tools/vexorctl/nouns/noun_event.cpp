@@ -393,10 +393,12 @@ public:
             return;
         }
         std::string reason;
-        const bool was_there = extent_.has_value() || !said_waiting_;
+        const bool was_there = extent_.has_value();
         extent_ = AskExtentIfThere(invocation_.controller(), reason);
-        if (extent_ || !was_there) return;
-        Say(reason + "; waiting for it");
+        if (extent_ || (said_waiting_ && !was_there)) return;
+        Say(was_there ? "the event store " + EventStorePath() +
+                            " was there and is gone; waiting for the next one"
+                      : reason + "; waiting for it");
         said_waiting_ = true;
     }
 
