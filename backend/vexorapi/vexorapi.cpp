@@ -42,6 +42,14 @@ void DeliverResult(XMLWR_Doc& doc, char* result, std::uint32_t size) {
     XMLWR_StrCpy(&doc, result, size);
 }
 
+// Parses the command. Returns 0 when it is malformed.
+int ParseCommand(const char* text, std::size_t length, XMLElement& elmt) {
+    const GatheredTraces traces;
+    return RunExpat(text, length, &elmt, elmt.Guard,
+                    {RA_StartElement, RA_EndElement, RA_CharacterDataHandler,
+                     DeclarationWatch<XMLElement>::Doctype});
+}
+
 // Runs the parsed request and delivers its result. Returns 1 when an executor took it.
 int RunRequest(XMLElement& elmt, XMLWR_Doc& doc, char* result, std::uint32_t size) {
     XMLWR_Reset(doc);
@@ -69,10 +77,7 @@ int vexorApi(const char* XMLCmd, char* XMLRet, std::uint32_t XMLRetLen) noexcept
 
     VEXOR_UNINITIALIZED Command command;
     XMLElement& elmt = command;
-    const int parsed = RunExpat(XMLCmd, length, &elmt, elmt.Guard,
-                                {RA_StartElement, RA_EndElement, RA_CharacterDataHandler,
-                                 DeclarationWatch<XMLElement>::Doctype});
-    if (parsed == 0) return 0;
+    if (ParseCommand(XMLCmd, length, elmt) == 0) return 0;
 
     XMLRet[0] = '\0';
     const int served = elmt.Ext != nullptr ? RunRequest(elmt, *doc, XMLRet, XMLRetLen) : 0;

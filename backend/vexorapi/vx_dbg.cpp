@@ -1,5 +1,5 @@
 // The debug log, and messages to files of other names. Every message opens its file, appends and
-// closes it.
+// closes it; those of a parse do so together.
 #include "vx_dbg.h"
 
 #include <unistd.h>
@@ -56,15 +56,48 @@ template <class Take>
     return length;
 }
 
-void AppendToLog(const char* text) {
-    if (RequestTraces::AreFull()) return;
+// Messages of a parse that are not in the log yet.
+struct Gathered {
+    bool active;
+    std::size_t length;
+    char text[65536];
+};
+constinit Gathered gathered{};
+
+void WriteToLog(const char* text, std::size_t length) {
     DBG_Ext.FOut = OpenMessageFile(DBG_Ext.FileName).Release();
-    const bool taken = RequestTraces::Take(std::strlen(text));
-    Append(DBG_Ext.FOut, taken ? text : kLeftOut);
+    if (DBG_Ext.FOut >= 0) AppendBytes(DBG_Ext.FOut, text, length);
     VX_DBG_Shutdown();
 }
 
+void WriteGathered() {
+    if (gathered.length == 0) return;
+    WriteToLog(gathered.text, gathered.length);
+    gathered.length = 0;
+}
+
+void AppendToLog(const char* text) {
+    if (RequestTraces::AreFull()) return;
+    // A text ends at its first NUL, even one from "%c" in the middle.
+    if (!RequestTraces::Take(std::strlen(text))) text = kLeftOut;
+    const std::size_t length = std::strlen(text);
+    if (length > sizeof gathered.text - gathered.length) WriteGathered();
+    if (!gathered.active || length > sizeof gathered.text) {
+        WriteToLog(text, length);
+        return;
+    }
+    std::memcpy(gathered.text + gathered.length, text, length);
+    gathered.length += length;
+}
+
 }  // namespace
+
+GatheredTraces::GatheredTraces() { gathered.active = true; }
+
+GatheredTraces::~GatheredTraces() {
+    gathered.active = false;
+    WriteGathered();
+}
 
 int VX_DBG_Init(const char* filename) noexcept {
     if ((DBG_Ext.Flags & kSectionLoaded) == 0) {

@@ -49,6 +49,18 @@ private:
     static inline constinit std::size_t room = kUnlimited;
 };
 
+/// During its lifetime messages are gathered, up to 64 KiB of them, and appended together: opening
+/// the file for each of the 800,000 messages that a command of 1 MiB can make would take seconds.
+/// The file's bytes are the same. Only where nothing can look at the file in between: while a
+/// command is parsed, no controller is called.
+class GatheredTraces {
+public:
+    GatheredTraces();
+    ~GatheredTraces();
+    GatheredTraces(const GatheredTraces&) = delete;
+    GatheredTraces& operator=(const GatheredTraces&) = delete;
+};
+
 /// Whether a trace of the library would be written.
 inline bool VX_DBG_Traces() { return VX_DBG_On() && !RequestTraces::AreFull(); }
 

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 #include <sys/syscall.h>
 
+#include <algorithm>
+#include <string>
 #include <vector>
 
+#include "debug_log.h"
 #include "hxfake.h"
 #include "support/child_process.h"
 #include "support/request.h"
@@ -42,6 +45,22 @@ protected:
     TemporaryRoot root;
     char result[4096];
 };
+
+// The log is opened once for the parse and once for the executor's line, however long the command
+// is: opening it for every message would make a command of 1 MiB last for seconds.
+TEST_F(SystemCalls, OfALoggedRequestOpenTheLogTwice) {
+    const DebugLog log(root);
+    std::string command = "<HX_Adapter_GetCount type=\"function\">";
+    for (int i = 0; i < 300; ++i) command += "<a/>";
+    command += "</HX_Adapter_GetCount>";
+    ASSERT_EQ(1, vexorApi(command.c_str(), result, sizeof result));
+    const std::size_t logged = log.Text().size();
+    EXPECT_GT(logged, 300u * 50);
+    const std::vector<long> calls =
+        SystemCallsOf([&] { vexorApi(command.c_str(), result, sizeof result); });
+    EXPECT_EQ(2, std::ranges::count(calls, SYS_openat2));
+    EXPECT_EQ(2 * logged, log.Text().size());
+}
 
 #if defined(__x86_64__)
 

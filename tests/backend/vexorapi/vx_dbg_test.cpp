@@ -75,6 +75,63 @@ TEST_F(DebugLogTest, NamesHaveRoomFor127Characters) {
     EXPECT_EQ(256u, sizeof DBG_Ext.Cfg.Filename);
 }
 
+// ---- Messages of a parse ----
+
+using GatheredMessages = DebugLogTest;
+
+TEST_F(GatheredMessages, StandInTheLogInTheirOrderWhenTheParseEnds) {
+    TurnOn(log_);
+    {
+        const GatheredTraces gathered;
+        EXPECT_EQ(4, VX_DBG_Printf("one\n"));
+        EXPECT_EQ(6, VX_DBG_Printf("%s\n", "two %"));
+        EXPECT_EQ("", root_.Read("/debug.log"));
+    }
+    EXPECT_EQ("one\ntwo %\n", root_.Read("/debug.log"));
+    VX_DBG_Printf("three\n");
+    EXPECT_EQ("one\ntwo %\nthree\n", root_.Read("/debug.log"));
+    EXPECT_EQ(-1, DBG_Ext.FOut);
+}
+
+TEST_F(GatheredMessages, AreWrittenWhenTheNextOneHasNoRoomBesideThem) {
+    TurnOn(log_);
+    const std::string most(65535, 'a');
+    {
+        const GatheredTraces gathered;
+        VX_DBG_Printf("%s", most.c_str());
+        VX_DBG_Printf("b");
+        EXPECT_EQ("", root_.Read("/debug.log"));
+        VX_DBG_Printf("c");
+        EXPECT_EQ(most + "b", root_.Read("/debug.log"));
+    }
+    EXPECT_EQ(most + "bc", root_.Read("/debug.log"));
+}
+
+TEST_F(GatheredMessages, StandBeforeOneThatIsLongerThanAllTheirRoom) {
+    TurnOn(log_);
+    const std::string longer(65537, 'b');
+    const GatheredTraces gathered;
+    VX_DBG_Printf("a");
+    VX_DBG_Printf("%s", longer.c_str());
+    EXPECT_EQ("a" + longer, root_.Read("/debug.log"));
+}
+
+TEST_F(GatheredMessages, OfARequestEndWithTheLineThatSaysWhatIsLeftOut) {
+    TurnOn(log_);
+    const std::string most(kMostTraced - 10, 'a');
+    {
+        const RequestTraces request;
+        const GatheredTraces gathered;
+        VX_DBG_Printf("%s", most.c_str());
+        VX_DBG_Printf("b");
+        VX_DBG_Printf("more than there is room for");
+        VX_DBG_Printf("c");
+    }
+    EXPECT_EQ("b" + std::string("The request's further messages are left out: it has filled the "
+                                "16777216 bytes that one request may write to the debug log.\n"),
+              root_.Read("/debug.log").substr(most.size()));
+}
+
 // ---- Starting it ----
 
 using DebugLogInit = DebugLogTest;
