@@ -14,11 +14,14 @@ constexpr mode_t kStatusMode = 0644;
 
 }  // namespace
 
-FileKeeper::FileKeeper(StateFile& state, std::string status_path, Log& log)
+FileKeeper::FileKeeper(StateFile& state, std::string status_path, std::string metrics_path,
+                       Log& log)
     : state_(state),
       status_path_(std::move(status_path)),
+      metrics_path_(std::move(metrics_path)),
       saving_(log, "the state can be saved again"),
-      publishing_(log, "the status can be published again") {}
+      publishing_(log, "the status can be published again"),
+      measuring_(log, "the metrics can be written again") {}
 
 void FileKeeper::Save(const Saved& saved) {
     try {
@@ -35,6 +38,22 @@ void FileKeeper::Publish(const std::string& status) {
         publishing_.End();
     } catch (const vexortools::FileError& error) {
         publishing_.Say(status_path_ + " cannot be written: " + error.what());
+    }
+}
+
+void FileKeeper::PublishMetrics(const std::string& metrics) {
+    const std::string folder = metrics_path_.substr(0, metrics_path_.rfind('/'));
+    if (access(folder.c_str(), F_OK) != 0) {
+        measuring_.Say(folder +
+                       " is not there: no metrics are written. It is the folder of "
+                       "prometheus-node-exporter");
+        return;
+    }
+    try {
+        vexortools::ReplaceFile(metrics_path_, metrics, kStatusMode);
+        measuring_.End();
+    } catch (const vexortools::FileError& error) {
+        measuring_.Say(metrics_path_ + " cannot be written: " + error.what());
     }
 }
 

@@ -14,6 +14,8 @@ public:
     virtual void Save(const Saved& saved) = 0;
     /// Replaces the published status.
     virtual void Publish(const std::string& status) = 0;
+    /// Replaces the metrics. They stay when the service ends: their age tells that it has.
+    virtual void PublishMetrics(const std::string& metrics) = 0;
     /// Nobody watches from now on.
     virtual void Withdraw() = 0;
 };
@@ -22,16 +24,19 @@ public:
 class FileKeeper : public Keeper {
 public:
     /// The references must outlive the keeper.
-    FileKeeper(StateFile& state, std::string status_path, Log& log);
+    FileKeeper(StateFile& state, std::string status_path, std::string metrics_path, Log& log);
     void Save(const Saved& saved) override;
     void Publish(const std::string& status) override;
+    void PublishMetrics(const std::string& metrics) override;
     void Withdraw() override;
 
 private:
     StateFile& state_;
     std::string status_path_;
+    std::string metrics_path_;
     Lasting saving_;
     Lasting publishing_;
+    Lasting measuring_;
 };
 
 }  // namespace hxservice

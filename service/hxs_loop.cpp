@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "service/hxs_metrics.h"
 #include "service/hxs_status.h"
 
 namespace hxservice {
@@ -83,7 +84,9 @@ CheckIn Loop::Round(Rounds rounds) {
     const bool has_news =
         !news.events.empty() || news.lost != 0 || news.was_reset || was_closed || is_closed;
     if (has_news || !look_due_ || began >= *look_due_) Look(news);
-    parts_.keeper.Publish(StatusText(SnapshotOf(rounds, how)));
+    const Snapshot snapshot = SnapshotOf(rounds, how);
+    parts_.keeper.Publish(StatusText(snapshot));
+    parts_.keeper.PublishMetrics(MetricsText(snapshot));
     work_.last_round = parts_.outside.Now() - began;
     work_.in_rounds += work_.last_round;
     ++work_.rounds;

@@ -17,19 +17,22 @@ std::string UnderRoot(std::string_view path) {
     return std::string(root == nullptr ? "" : root).append(path);
 }
 
+void MakeBelowRoot(std::string_view path) {
+    const std::string folder = UnderRoot(path);
+    if (folder.size() == path.size()) return;
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) {
+        throw vexortools::Failure(vexortools::Exit::kUnavailable,
+                                  folder + " cannot be made: " + error.message());
+    }
+}
+
 void RequireFolder(std::string_view path, MissingFolder missing) {
     using vexortools::Exit;
     using vexortools::Failure;
     const std::string folder = UnderRoot(path);
-    const bool has_root = folder.size() > path.size();
-    if (has_root && missing == MissingFolder::kMakeBelowRoot) {
-        std::error_code error;
-        std::filesystem::create_directories(folder, error);
-        if (error) {
-            throw Failure(Exit::kUnavailable, folder + " cannot be made: " + error.message());
-        }
-        return;
-    }
+    if (missing == MissingFolder::kMakeBelowRoot) MakeBelowRoot(path);
     struct stat status {};
     if (stat(folder.c_str(), &status) != 0) {
         throw Failure(Exit::kUnavailable, folder + ": " + std::strerror(errno) +

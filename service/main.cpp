@@ -87,12 +87,14 @@ int Serve(const Words& words) {
     for (const std::string_view folder : {kRunFolder, kStateFolder, kStoreFolder, kLogFolder}) {
         RequireFolder(folder, missing);
     }
+    // Belongs to the node exporter, which need not be installed.
+    if (missing == MissingFolder::kMakeBelowRoot) MakeBelowRoot(kMetricsFolder);
     Signals signals;
     const Lock lock(UnderRoot(kLockFile));
     ServiceLog log(words.once || words.foreground);
     StateFile state(UnderRoot(kStateFile));
     if (!state.Damage().empty()) log.Say(state.Damage());
-    FileKeeper keeper(state, UnderRoot(kStatusFile), log);
+    FileKeeper keeper(state, UnderRoot(kStatusFile), UnderRoot(kMetricsFile), log);
     LibrarySource source;
     Systemd manager;
     Saved saved = state.TakeSaved();

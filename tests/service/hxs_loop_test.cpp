@@ -82,10 +82,12 @@ public:
         status = text;
         ++published;
     }
+    void PublishMetrics(const std::string& text) override { metrics = text; }
     void Withdraw() override { status.clear(); }
 
     std::vector<hxservice::Saved> saved;
     std::string status;
+    std::string metrics;
     int published = 0;
 };
 
