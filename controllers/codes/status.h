@@ -65,6 +65,7 @@ enum class Status : HX_U8 {
     kToolFailed = 252,
     kHeld = 253,
     kUnsettled = 254,
+    kNotOnTape = 255,
 };
 
 /// The kind of refusal, from which the exit codes of programs follow.
@@ -158,6 +159,9 @@ inline constexpr StatusRow kRefusals[] = {
      "The device is in use: a file system, a volume manager or another program holds it."},
     {Status::kUnsettled, "unsettled",
      "The controller's rules undo each other without an end; report this error of the controller.",
+     Fault::kUnavailable},
+    {Status::kNotOnTape, "not_on_tape",
+     "The tape that is played back has no answer to that call, or no further one.",
      Fault::kUnavailable},
 };
 static_assert(IsTable(kRefusals));
