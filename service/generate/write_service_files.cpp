@@ -1,10 +1,12 @@
 // Writes the files of the tree that are made from the service's tables.
 //
-// usage: write_service_files schema
+// usage: write_service_files schema | alerts | recordings | dashboard
 #include <cstdio>
 #include <string>
 #include <string_view>
 
+#include "service/generate/alert_rules.h"
+#include "service/generate/dashboard.h"
 #include "service/generate/status_schema.h"
 
 namespace {
@@ -15,6 +17,9 @@ struct FileRow {
 };
 constexpr FileRow kFiles[] = {
     {"schema", hxservice::StatusSchema},
+    {"alerts", hxservice::AlertRules},
+    {"recordings", hxservice::RecordingRules},
+    {"dashboard", hxservice::Dashboard},
 };
 
 }  // namespace
