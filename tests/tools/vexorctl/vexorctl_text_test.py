@@ -144,6 +144,33 @@ class Sizes(vexorctl_machine.VexorctlCase):
                                  "--help)\n"))
 
 
+class Formulas(vexorctl_machine.VexorctlCase):
+    """Names that a spreadsheet would calculate."""
+
+    NAMES = ["=1+1", "+a", "-2-3", "@SUM(A1)", "-7", "a=b", "-", "=A1,x"]
+
+    def setUp(self):
+        super().setUp()
+        story = self.root / "story.txt"
+        story.write_text("".join(
+            f'create vd a0 raid=0 disks=0 size=1GiB init=none name="{name}"\n' for name in self.NAMES))
+        self.machine.hxsimctl("init", "--force", "--topology", "small")
+        self.machine.hxsimctl("scenario", "run", story)
+
+    def csv(self, *options):
+        run = self.run_words("vd", "list", "a0", "--columns", "name", "-o", "csv", "--no-header", *options)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        return run.stdout.splitlines()
+
+    def test_are_written_as_they_are(self):
+        self.assertEqual(self.csv(),
+                         ["=1+1", "+a", "-2-3", "@SUM(A1)", "-7", "a=b", "-", '"=A1,x"'])
+
+    def test_become_texts_with_the_option_and_numbers_stay(self):
+        self.assertEqual(self.csv("--no-formulas"),
+                         ["'=1+1", "'+a", "'-2-3", "'@SUM(A1)", "-7", "a=b", "'-", "\"'=A1,x\""])
+
+
 class HostileNames(vexorctl_machine.VexorctlCase):
     """A machine whose disks and virtual disks are called what nobody would call them."""
 

@@ -15,6 +15,7 @@ namespace vexorctl {
 struct Style {
     std::string_view format = "table";
     bool header = true;
+    bool formulas = true;  // csv cells may begin as formulas of spreadsheets do
     bool bytes = false;
     bool si = false;
     bool utc = false;

@@ -17,6 +17,7 @@ constexpr OptionRow kOutputOptions[] = {
     {"--columns", "KEYS", "The columns, by their keys, between commas; \"all\" for all of them"},
     {"--sort", "KEYS", "The order, by keys between commas; a \"-\" before a key reverses it"},
     {"--no-header", "", "No heading line in tables and csv"},
+    {"--no-formulas", "", "A ' in csv before what a spreadsheet would take for a formula"},
     {"--bytes", "", "Sizes in tables as whole bytes"},
     {"--si", "", "Sizes in tables in GB, of 1000^3 bytes, instead of GiB"},
     {"--utc", "", "Times in UTC instead of local time"},

@@ -233,6 +233,7 @@ Style StyleOf(const Invocation& invocation, std::string_view otherwise) {
     style.format = format == nullptr ? otherwise : std::string_view(*format);
     if (style.format == "table") style.width = TerminalWidth().value_or(0);
     style.header = !invocation.Has("--no-header");
+    style.formulas = !invocation.Has("--no-formulas");
     style.bytes = invocation.Has("--bytes");
     style.si = invocation.Has("--si");
     style.utc = invocation.Has("--utc");
