@@ -1,6 +1,9 @@
 #include "service/hxs_loop.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "service/hxs_metrics.h"
@@ -14,7 +17,15 @@ namespace {
 // look tells all of it.
 constexpr Duration kAfterEvents = std::chrono::seconds(2);
 
+constexpr std::size_t kLongestHostName = 256;
+
 }  // namespace
+
+std::string HostName() {
+    std::array<char, kLongestHostName> name{};
+    if (gethostname(name.data(), name.size() - 1) != 0) return "localhost";
+    return name.data();
+}
 
 Loop::Loop(const Parts& parts, const Settings& settings, std::function<Settings()> read,
            Saved saved, const std::string& damage)
@@ -22,7 +33,8 @@ Loop::Loop(const Parts& parts, const Settings& settings, std::function<Settings(
       settings_(settings),
       read_(std::move(read)),
       collector_(parts.source, parts.log, saved.place),
-      watch_(parts.log, std::move(saved.state)) {
+      watch_(parts.log, std::move(saved.state)),
+      alerts_(parts.deliverer, parts.log, HostName(), settings.sinks, std::move(saved.alerts)) {
     self_.is_here = true;
     self_.state_was_damaged = !damage.empty();
     self_.state_damage = damage;
@@ -35,14 +47,25 @@ void Loop::Look(const News& news) {
     answers_.store.events_lost = news.lost;
     answers_.store.was_reset = news.was_reset;
     answers_.service = self_;
+    answers_.service.sinks = alerts_.Health();
     facts_ = parts_.source.FactsOfLastLook();
     looked_at_ = now.real;
     ++work_.looks;
     tasks_.Take(answers_, now);
     watch_.Look(answers_, news.events, now);
-    // Both in one transaction: after a crash an event is looked at again, or was remembered.
-    parts_.keeper.Save({watch_.State(), collector_.Place()});
+    alerts_.Take(watch_.Last(), watch_.Counts(), !news.events.empty(), parts_.outside.Now());
+    Save();
     PlanNextLook(news);
+}
+
+// All in one transaction: after a crash an event is looked at again, or it was remembered and what
+// it has changed waits to be told.
+void Loop::Save() { parts_.keeper.Save({watch_.State(), collector_.Place(), alerts_.Box()}); }
+
+void Loop::ServeAlerts() {
+    const bool is_look_due =
+        alerts_.Serve(parts_.outside.Now(), parts_.outside.Clocks().real, [this] { Save(); });
+    if (is_look_due) look_due_ = parts_.outside.Now();
 }
 
 void Loop::PlanNextLook(const News& news) {
@@ -99,6 +122,7 @@ void Loop::Reload() {
     parts_.manager.Reloading();
     try {
         settings_ = read_();
+        alerts_.Configure(settings_.sinks);
         self_.rejected_configuration.clear();
         parts_.log.Say("the settings were read again");
     } catch (const SettingsError& error) {
@@ -121,9 +145,13 @@ bool Loop::WaitForNext() {
     // A storm of signals does not put off the round: the time is looked at after each of them.
     do {
         parts_.manager.Alive();
-        const Duration left = std::max(due - parts_.outside.Now(), Duration(0));
+        ServeAlerts();
+        if (look_due_) due = std::min(due, *look_due_);
+        const Duration next = std::min(due, alerts_.Due().value_or(due));
+        const Duration left = std::max(next - parts_.outside.Now(), Duration(0));
         switch (parts_.outside.Wait(std::min(left, parts_.manager.LongestSilence()))) {
             case Wake::kTime:
+            case Wake::kDelivery:
                 break;
             case Wake::kCheckNow:
                 look_due_.reset();
@@ -151,6 +179,17 @@ void Loop::Run() {
     parts_.keeper.Withdraw();
 }
 
-CheckIn Loop::RunOnce() { return Round(Rounds::kOnce); }
+CheckIn Loop::RunOnce() {
+    const CheckIn how = Round(Rounds::kOnce);
+    alerts_.Hurry();
+    ServeAlerts();
+    while (alerts_.IsBusy()) {
+        const Duration now = parts_.outside.Now();
+        const Duration left = std::max(alerts_.Due().value_or(now) - now, Duration(0));
+        if (parts_.outside.Wait(left) == Wake::kEnd) break;
+        ServeAlerts();
+    }
+    return how;
+}
 
 }  // namespace hxservice

@@ -7,7 +7,9 @@
 #include <string>
 
 #include "conditions/hxc_answers.h"
+#include "service/hxs_alerts.h"
 #include "service/hxs_collector.h"
+#include "service/hxs_deliverer.h"
 #include "service/hxs_keeper.h"
 #include "service/hxs_log.h"
 #include "service/hxs_manager.h"
@@ -21,7 +23,8 @@
 namespace hxservice {
 
 /// Why a wait has ended.
-enum class Wake : std::uint8_t { kTime, kCheckNow, kReload, kEnd };
+/// kDelivery: something that delivers alerts has ended or written.
+enum class Wake : std::uint8_t { kTime, kCheckNow, kReload, kDelivery, kEnd };
 
 /// Time and signals.
 class Outside {
@@ -44,7 +47,11 @@ struct Parts {
     Manager& manager;
     Keeper& keeper;
     Log& log;
+    Deliverer& deliverer;
 };
+
+/// The name of this machine.
+std::string HostName();
 
 class Loop {
 public:
@@ -56,7 +63,7 @@ public:
     /// Makes one round after the other, until Wake::kEnd.
     void Run();
 
-    /// Makes one round with a look at the machine.
+    /// Makes one round with a look at the machine, and one attempt to deliver what it brings.
     CheckIn RunOnce();
 
 private:
@@ -66,6 +73,8 @@ private:
     void Look(const News& news);
     void PlanNextLook(const News& news);
     Snapshot SnapshotOf(Rounds rounds, CheckIn how);
+    void Save();
+    void ServeAlerts();
     void Reload();
     // When the next round is due, after one that ended at that time.
     Duration Due(Duration ended);
@@ -77,6 +86,7 @@ private:
     std::function<Settings()> read_;
     Collector collector_;
     Watch watch_;
+    Alerts alerts_;
     TaskHistory tasks_;
     hxconditions::Answers answers_;  // of the last look
     Facts facts_;

@@ -46,6 +46,7 @@ std::vector<std::string_view> Keys() {
 std::vector<std::string_view> Tables() {
     std::vector<std::string_view> tables;
     for (const SettingRow& row : kRows) tables.push_back(row.key.substr(0, row.key.find('.')));
+    tables.emplace_back("sink");
     return tables;
 }
 
@@ -55,6 +56,7 @@ std::string DidYouMean(const std::string& typed, const std::vector<std::string_v
 }
 
 Complaint TakeValue(Settings& settings, const TomlValue& value) {
+    if (value.key.starts_with("sink.")) return TakeSinkValue(settings.sinks, value);
     if (std::holds_alternative<EmptyTomlTable>(value.value)) {
         const std::vector<std::string_view> tables = Tables();
         if (std::ranges::find(tables, value.key) != tables.end()) return std::nullopt;
@@ -92,6 +94,7 @@ std::span<const SettingRow> SettingRows() { return kRows; }
 Settings ParseSettings(std::string_view text, const std::string& file) {
     Settings settings;
     std::string complaints;
+    std::vector<unsigned> sink_lines;  // where each sink begins
     const auto complain = [&](unsigned line, const std::string& what) {
         complaints +=
             (complaints.empty() ? "" : "\n") + file + ":" + std::to_string(line) + ": " + what;
@@ -99,6 +102,13 @@ Settings ParseSettings(std::string_view text, const std::string& file) {
     try {
         for (const TomlValue& value : ParseToml(text)) {
             if (const Complaint what = TakeValue(settings, value)) complain(value.line, *what);
+            const std::size_t known = settings.sinks.size();
+            if (known > sink_lines.size()) sink_lines.resize(known, value.line);
+        }
+        for (std::size_t index = 0; index < settings.sinks.size() && complaints.empty(); ++index) {
+            if (const Complaint what = CheckSink(settings.sinks[index])) {
+                complain(sink_lines[index], *what);
+            }
         }
     } catch (const TomlError& error) {
         complain(error.line, error.what());

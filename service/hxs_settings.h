@@ -6,8 +6,10 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "common/duration.h"
+#include "service/hxs_sink_settings.h"
 
 namespace hxservice {
 
@@ -17,11 +19,12 @@ struct Settings {
     Duration collect_interval = std::chrono::seconds(10);
     Duration collect_jitter = std::chrono::seconds(1);
     Duration watch_interval = std::chrono::seconds(60);
+    std::vector<SinkSettings> sinks{};
 
     bool operator==(const Settings&) const = default;
 };
 
-/// A key of the file. Every value is a duration.
+/// A key of the file that is not of a sink. Every value is a duration.
 struct SettingRow {
     std::string_view key;  // with its table: "collect.interval"
     Duration Settings::*field;

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <cstddef>
@@ -79,8 +80,11 @@ Wake Signals::Wait(Duration longest) {
         if (const std::optional<Wake> wake = Next(signals_.Get())) return *wake;
         const Duration left = end - Now();
         if (left <= Duration(0)) return Wake::kTime;
-        pollfd ready{signals_.Get(), POLLIN, 0};
-        poll(&ready, 1, static_cast<int>(std::min<Duration::rep>(left.count(), INT_MAX)));
+        // poll leaves out a descriptor of -1.
+        std::array<pollfd, 2> ready{{{signals_.Get(), POLLIN, 0}, {delivery_, POLLIN, 0}}};
+        poll(ready.data(), ready.size(),
+             static_cast<int>(std::min<Duration::rep>(left.count(), INT_MAX)));
+        if (ready[0].revents == 0 && ready[1].revents != 0) return Wake::kDelivery;
     }
 }
 

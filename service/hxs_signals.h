@@ -20,8 +20,12 @@ public:
     hxconditions::Now Clocks() override;
     Duration Random(Duration most) override;
 
+    /// Wait ends when that descriptor is readable, too.
+    void WakeForDelivery(int descriptor) { delivery_ = descriptor; }
+
 private:
     Descriptor signals_;
+    int delivery_ = -1;
     std::string boot_id_;
     std::minstd_rand random_{std::random_device()()};
 };

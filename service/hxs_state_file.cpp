@@ -94,6 +94,7 @@ StateFile::StateFile(const std::string& path) {
         damage_ = std::string(error.what()) + "; it is " + aside + " now";
         saved_ = Saved();
         Open(path);
+        saved_.alerts.was_lost = true;
     }
 }
 
@@ -116,12 +117,15 @@ void StateFile::Open(const std::string& path) {
     if (const auto place = Value(connection_, kPlace)) {
         saved_.place = std::strtoull(place->c_str(), nullptr, 10);
     }
+    MakeOutboxTables(connection_);  // a file from before there were alerts
+    saved_.alerts = LoadOutbox(connection_, path);
 }
 
 void StateFile::Save(const Saved& saved) {
     Transaction transaction(connection_);
     Keep(connection_, kState, StateText(saved.state));
     if (saved.place) Keep(connection_, kPlace, std::to_string(*saved.place));
+    SaveOutbox(connection_, saved.alerts);
     transaction.Commit();
 }
 

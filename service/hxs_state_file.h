@@ -6,6 +6,7 @@
 #include <string>
 
 #include "conditions/hxc_state.h"
+#include "service/hxs_delivery_queue.h"
 #include "sqlite/connection.h"
 
 namespace hxservice {
@@ -13,6 +14,7 @@ namespace hxservice {
 struct Saved {
     hxconditions::State state;
     std::optional<std::uint64_t> place;  // in the event store: the first event not looked at
+    Outbox alerts{};
 };
 
 class StateFile {

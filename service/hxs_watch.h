@@ -20,6 +20,8 @@ public:
     void Look(const hxconditions::Answers& answers, const std::vector<hxconditions::Event>& events,
               const hxconditions::Now& now);
 
+    /// What the last look found and told.
+    const hxconditions::Look& Last() const { return look_; }
     const hxconditions::State& State() const { return look_.state; }
     const hxconditions::Overview& Overview() const { return look_.overview; }
     const hxconditions::Counts& Counts() const { return counts_; }

@@ -14,6 +14,7 @@
 #include "common/terminal_text.h"
 #include "conditions/hxc_state.h"
 #include "service/hxs_collector.h"
+#include "service/hxs_deliverer.h"
 #include "service/hxs_keeper.h"
 #include "service/hxs_library_source.h"
 #include "service/hxs_lock.h"
@@ -97,12 +98,14 @@ int Serve(const Words& words) {
     FileKeeper keeper(state, UnderRoot(kStatusFile), UnderRoot(kMetricsFile), log);
     LibrarySource source;
     Systemd manager;
+    Sinks sinks;
+    signals.WakeForDelivery(sinks.Descriptor());
     Saved saved = state.TakeSaved();
     // Rounds that are made one by one go on with the time that has passed since the last one.
     if (!words.once) hxconditions::NoteStart(saved.state);
     Loop loop(
-        {source, signals, manager, keeper, log}, settings, [&] { return ReadSettingsOf(words); },
-        std::move(saved), state.Damage());
+        {source, signals, manager, keeper, log, sinks}, settings,
+        [&] { return ReadSettingsOf(words); }, std::move(saved), state.Damage());
     if (words.once) {
         return CodeOf(loop.RunOnce() == CheckIn::kDone ? Exit::kDone : Exit::kUnavailable);
     }

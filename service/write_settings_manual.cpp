@@ -8,6 +8,7 @@
 #include "common/duration.h"
 #include "service/hxs_paths.h"
 #include "service/hxs_settings.h"
+#include "service/hxs_sink_settings.h"
 
 namespace {
 
@@ -39,6 +40,23 @@ The keys, with the tables that they stand in:
 .Bl -tag -width Ds
 )";
 
+constexpr char kSinks[] = R"(.El
+.Ss Sinks
+A table
+.Ic [sink.NAME]
+makes a sink: a place to which alerts are sent, by a name of letters, digits,
+.Ql -
+and
+.Ql _ .
+There may be several.
+An alert is a condition that is raised, gets worse or better, or is cleared.
+All alerts of one round are sent to a sink together.
+What a sink does not take is sent again, after 1, 2, 4 and more seconds, up to
+10 minutes; alerts that may have arrived before are marked so.
+The keys of such a table:
+.Bl -tag -width Ds
+)";
+
 constexpr char kTail[] = R"(.El
 .Sh EXAMPLES
 Check in twice a minute:
@@ -46,6 +64,14 @@ Check in twice a minute:
 [collect]
 interval = "30s"
 jitter = "2s"
+.Ed
+.Pp
+Run a program for what is critical:
+.Bd -literal -offset indent
+[sink.pager]
+kind = "command"
+command = ["/usr/local/bin/page", "storage"]
+level = "critical"
 .Ed
 .Sh SEE ALSO
 .Xr vexorapi.ini 5 ,
@@ -85,6 +111,14 @@ int main() {
                     std::string(row.key).c_str(), vexortools::DurationText(row.least).c_str(),
                     vexortools::DurationText(row.most).c_str(),
                     vexortools::DurationText(defaults.*row.field).c_str(),
+                    Wrapped(row.meaning).c_str());
+    }
+    std::fputs(kSinks, stdout);
+    for (const hxservice::SinkRow& row : hxservice::SinkRows()) {
+        const std::string of =
+            row.of.empty() ? "" : ", for sinks of kind \"" + std::string(row.of) + "\"";
+        std::printf(".It Ic %s\n%s\n%s\n", std::string(row.key).c_str(),
+                    Wrapped("It is " + std::string(row.values) + of + ".").c_str(),
                     Wrapped(row.meaning).c_str());
     }
     return std::fputs(kTail, stdout) < 0 ? 1 : 0;

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "service/scripted_deliverer.h"
 #include "service/scripted_source.h"
 
 namespace {
@@ -101,13 +102,14 @@ class ServiceLoop : public testing::Test {
 protected:
     void Run(VirtualTime& time, const Settings& settings = TenSeconds(),
              const std::function<Settings()>& read = TenSeconds) {
-        Loop({source, time, manager, keeper, log}, settings, read, {}, "").Run();
+        Loop({source, time, manager, keeper, log, deliverer}, settings, read, {}, "").Run();
     }
 
     ScriptedSource source;
     KeptLog log;
     KeptManager manager;
     KeptFiles keeper;
+    ScriptedDeliverer deliverer;
 };
 
 TEST_F(ServiceLoop, ChecksInAtOnceAndThenAfterEachInterval) {
@@ -288,7 +290,8 @@ TEST_F(WatchedMachine, RaisesAFailedDiskAndClearsItAfterItsReplacement) {
     Show(kOnline);
     log.lines.clear();
     VirtualTime mended({{seconds(5), Wake::kEnd}});
-    Loop({source, mended, manager, keeper, log}, TenSeconds(), TenSeconds, keeper.saved.back(), "")
+    Loop({source, mended, manager, keeper, log, deliverer}, TenSeconds(), TenSeconds,
+         keeper.saved.back(), "")
         .Run();
     ASSERT_EQ(Changes().size(), 1U);
     EXPECT_TRUE(Changes()[0].starts_with("cleared after ")) << Changes()[0];
@@ -313,7 +316,8 @@ TEST_F(WatchedMachine, ClearsWhatKeptEventsFromBeingCollectedOnceTheyAre) {
     source.closed.clear();
     log.lines.clear();
     VirtualTime open({{seconds(5), Wake::kEnd}});
-    Loop({source, open, manager, keeper, log}, TenSeconds(), TenSeconds, keeper.saved.back(), "")
+    Loop({source, open, manager, keeper, log, deliverer}, TenSeconds(), TenSeconds,
+         keeper.saved.back(), "")
         .Run();
     ASSERT_EQ(Changes().size(), 1U);
     EXPECT_NE(Changes()[0].find("EVENTS_NOT_COLLECTED"), std::string::npos) << Changes()[0];
@@ -346,7 +350,8 @@ TEST_F(WatchedMachine, RaisesAStoreThatMayNotBeReadWithItsPath) {
 
 TEST_F(WatchedMachine, DoesNotTellHowManyEventsWentWithAStoreThatWasReset) {
     VirtualTime time({{seconds(5), Wake::kEnd}});
-    Loop({source, time, manager, keeper, log}, TenSeconds(), TenSeconds, {{}, 32}, "").Run();
+    Loop({source, time, manager, keeper, log, deliverer}, TenSeconds(), TenSeconds, {{}, 32}, "")
+        .Run();
     EXPECT_THAT(Changes(), ElementsAre("raised: [warning] EVENTS_LOST: an unknown number of events "
                                        "of the event store were lost; what happened then is not "
                                        "known"));
@@ -365,6 +370,33 @@ TEST_F(WatchedMachine, PublishesAfterEachRoundAndNothingAfterItsEnd) {
     Run(time);
     EXPECT_EQ(keeper.published, 2);
     EXPECT_EQ(keeper.status, "");
+}
+
+TEST_F(WatchedMachine, SendsOneLetterTwoSecondsAfterTheFirstEvent) {
+    Show(kFailed);
+    source.queue = {"a0/pd5 has failed"};
+    Settings settings = TenSeconds();
+    settings.sinks = {SinkNamed("pager")};
+    VirtualTime time({{seconds(1), Wake::kCheckNow}, {seconds(40), Wake::kEnd}});
+    Run(time, settings);
+    ASSERT_EQ(deliverer.letters.size(), 1U);
+    EXPECT_EQ(deliverer.letters[0].at, seconds(31));  // 30 seconds after the start
+    EXPECT_NE(deliverer.letters[0].letter.subject.find("a0/pd5"), std::string::npos);
+    EXPECT_TRUE(keeper.saved.back().alerts.sinks.at("pager").waiting.empty());
+}
+
+TEST_F(WatchedMachine, LooksAtOnceWhenASinkBeginsToFail) {
+    Show(kFailed);
+    Settings settings = TenSeconds();
+    settings.sinks = {SinkNamed("pager"), SinkNamed("mail")};
+    deliverer.errors["pager"] = "no line";
+    VirtualTime time({{seconds(70), Wake::kEnd}});
+    Run(time, settings);
+    std::string told;
+    for (const auto& each : deliverer.letters) {
+        if (each.sink == "mail") told += each.letter.subject + "\n";
+    }
+    EXPECT_NE(told.find("pager cannot be reached: no line"), std::string::npos) << told;
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <string>
+#include <vector>
 
 #include "support/temporary_root.h"
 
@@ -79,6 +80,54 @@ TEST(ServiceSettings, NameTheLineThatIsNoToml) {
     const std::string complaint = ComplaintAbout("[collect]\ninterval = \n");
     EXPECT_TRUE(complaint.starts_with("f.conf:2: ")) << complaint;
     EXPECT_EQ(complaint.find('\n'), std::string::npos) << complaint;
+}
+
+TEST(ServiceSettings, HaveATableForEachSink) {
+    const Settings settings = ParseSettings(
+        "[sink.pager]\nkind = \"command\"\ncommand = [\"/usr/bin/page\", \"ops\"]\n"
+        "policy = \"diminishing\"\nlevel = \"critical\"\nlimit = \"5s\"\nqueue = 7\n"
+        "[sink.log]\nkind = \"command\"\ncommand = [\"/bin/log\"]\n",
+        "f.conf");
+    ASSERT_EQ(settings.sinks.size(), 2U);
+    const hxservice::SinkSettings& pager = settings.sinks[0];
+    EXPECT_EQ(pager.name, "pager");
+    EXPECT_EQ(pager.command, (std::vector<std::string>{"/usr/bin/page", "ops"}));
+    EXPECT_EQ(pager.policy, hxservice::Policy::kDiminishing);
+    EXPECT_EQ(pager.level, hxconditions::Level::kCritical);
+    EXPECT_EQ(pager.limit, seconds(5));
+    EXPECT_EQ(pager.queue, 7);
+    EXPECT_EQ(settings.sinks[1].policy, hxservice::Policy::kOnce);
+    EXPECT_EQ(settings.sinks[1].level, hxconditions::Level::kMinorUnknown);
+}
+
+TEST(ServiceSettings, RefuseWhatIsWrongWithASink) {
+    struct Row {
+        const char *text, *complaint;
+    };
+    const Row rows[] = {
+        {"[sink.a]\n", "1: [sink.a] needs the key \"kind\""},
+        {"[sink.a]\nkind = \"command\"\n", "2: [sink.a] needs the key \"command\""},
+        {"[sink.a]\nkind = \"fax\"\n", "2: \"sink.a.kind\" must be "},
+        {"[sink.a]\nkind = \"command\"\ncommand = [\"page\"]\n",
+         "2: [sink.a]: the program \"page\" must be named by its whole path"},
+        {"[sink.a]\nkind = \"command\"\ncommands = [\"/bin/x\"]\n",
+         "3: there is no key \"sink.a.commands\"; did you mean \"sink.a.command\"?"},
+        {"[sink.a]\ncommand = \"/bin/x\"\n",
+         "2: \"sink.a.command\" must be a list of texts, such as [\"/usr/bin/page\", \"ops\"]"},
+        {"[sink.a]\ncommand = []\n", "2: \"sink.a.command\" must be a list of texts"},
+        {"[sink.a]\npolicy = \"often\"\n",
+         "2: \"sink.a.policy\" must be one of \"once\", \"always\", \"daily\", \"diminishing\""},
+        {"[sink.a]\nlevel = 3\n", "2: \"sink.a.level\" must be one of \"critical\", "},
+        {"[sink.a]\nlimit = \"11m\"\n",
+         "2: \"sink.a.limit\" must be a duration from 1s to 10m, such as \"30s\""},
+        {"[sink.a]\nqueue = 0\n", "2: \"sink.a.queue\" must be a number from 1 to 10000"},
+        {"[sink.\"a b\"]\nqueue = 1\n", "2: a sink cannot be named \"a b\"; "},
+        {"[sink]\npager = 1\n", "2: \"sink.pager\" is no key; a sink is a table, such as "},
+    };
+    for (const Row& row : rows) {
+        const std::string complaint = ComplaintAbout(row.text);
+        EXPECT_TRUE(complaint.starts_with(std::string("f.conf:") + row.complaint)) << complaint;
+    }
 }
 
 TEST(ServiceSettings, OfAFileThatIsNotThereAreTheDefaultsOrAnError) {

@@ -1,0 +1,138 @@
+// Processes that deliver alerts: limits, output, and the processes that they start.
+#include "service/hxs_process.h"
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/resource.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+#include "support/temporary_root.h"
+
+namespace {
+
+using hxservice::Children;
+using hxservice::Job;
+using hxservice::JobEnd;
+using std::chrono::seconds;
+using vexortools::Duration;
+
+Job Shell(const std::string& script, const std::string& input = "") {
+    return {.words = {"/bin/sh", "-c", script},
+            .environment = {"PATH=/usr/bin:/bin", "COLOUR=red"},
+            .input = input,
+            .limit = seconds(60)};
+}
+
+// Waits for the end of one job; `now` stays as it is, so that no limit is reached.
+JobEnd EndOf(Children& children, Duration now = Duration(0)) {
+    constexpr int kPatience = 120000;
+    for (;;) {
+        std::vector<JobEnd> ended = children.TakeEnded(now);
+        if (!ended.empty()) return ended.front();
+        pollfd ready{children.Descriptor(), POLLIN, 0};
+        if (poll(&ready, 1, kPatience) != 1) return {"", false, "it did not end", ""};
+    }
+}
+
+TEST(DeliveringProcess, GetsItsInputAndEnvironmentAndTellsItsOutput) {
+    Children children;
+    children.Start("a", Shell("cat; echo $COLOUR; echo $HOME; echo err >&2", "in\n"), Duration(0));
+    const JobEnd end = EndOf(children);
+    EXPECT_EQ(end.name, "a");
+    EXPECT_EQ(end.error, "");
+    EXPECT_EQ(end.output, "in\nred\n\nerr\n");
+    EXPECT_FALSE(children.Due());
+}
+
+TEST(DeliveringProcess, GetsInputThatNoPipeHolds) {
+    Children children;
+    children.Start("a", Shell("sleep 0; wc -c", std::string(1000000, 'x')), Duration(0));
+    EXPECT_EQ(EndOf(children).output, "1000000\n");
+}
+
+TEST(DeliveringProcess, TellsHowItFailed) {
+    Children children;
+    children.Start("a", Shell("echo no line; exit 3"), Duration(0));
+    JobEnd end = EndOf(children);
+    EXPECT_EQ(end.error, "ended with exit status 3");
+    EXPECT_EQ(end.output, "no line\n");
+    EXPECT_TRUE(end.has_begun);
+    children.Start("a", Shell("kill -9 $$"), Duration(0));
+    EXPECT_EQ(EndOf(children).error, "ended by signal 9");
+    Job missing = Shell("");
+    missing.words = {"/none/at/all"};
+    children.Start("a", missing, Duration(0));
+    end = EndOf(children);
+    EXPECT_EQ(end.error, "cannot be started: No such file or directory");
+    EXPECT_FALSE(end.has_begun);
+}
+
+TEST(DeliveringProcess, KeepsTheFirstOfMuchOutput) {
+    Children children;
+    children.Start("a", Shell("head -c 300000 /dev/zero | tr '\\0' x"), Duration(0));
+    const JobEnd end = EndOf(children);
+    EXPECT_EQ(end.error, "");
+    EXPECT_EQ(end.output, std::string(4096, 'x'));
+    children.Start("a", Shell("exec yes"), Duration(0));
+    EXPECT_NE(EndOf(children).error, "");  // its pipe was closed
+}
+
+TEST(DeliveringProcess, IsKilledAtItsLimitWithWhatItHasStarted) {
+    const TemporaryRoot root;
+    Children children;
+    children.Start("a", Shell("sleep 1000 & echo $! >'" + root.Path("/pid") + "'; wait"),
+                   Duration(0));
+    EXPECT_EQ(children.Due(), seconds(60));
+    std::string text;
+    while (text.find('\n') == std::string::npos) {
+        EXPECT_TRUE(children.TakeEnded(seconds(59)).empty());
+        text = root.Read("/pid");
+        std::this_thread::yield();
+    }
+    const JobEnd end = EndOf(children, seconds(60));
+    EXPECT_EQ(end.error, "did not end within 1m");
+    // Only init can have taken it over, which waits for it some time.
+    const pid_t grandchild = std::atoi(text.c_str());
+    ASSERT_GT(grandchild, 1);
+    const auto is_gone = [&] {
+        const std::string stat = "/proc/" + std::to_string(grandchild) + "/stat";
+        FILE* const file = std::fopen(stat.c_str(), "r");
+        if (file == nullptr) return true;
+        char state = '?';
+        const int read = std::fscanf(file, "%*d %*s %c", &state);
+        std::fclose(file);
+        return read != 1 || state == 'Z';
+    };
+    while (!is_gone()) std::this_thread::yield();
+}
+
+TEST(DeliveringProcess, LeavesNothingBehindWhenItEnds) {
+    Children children;
+    children.Start("a", Shell("sleep 1000 >/dev/null 2>&1 & echo $!"), Duration(0));
+    const JobEnd end = EndOf(children);
+    EXPECT_EQ(end.error, "");
+    EXPECT_GT(std::atoi(end.output.c_str()), 1);
+}
+
+TEST(DeliveringProcess, ThatCannotBeForkedHasNotBegun) {
+    Children children;
+    rlimit old{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &old), 0);
+    rlimit none = old;
+    none.rlim_cur = 3;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    children.Start("a", Shell("true"), Duration(0));
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &old), 0);
+    EXPECT_EQ(children.Due(), Duration(0));
+    const JobEnd end = EndOf(children);
+    EXPECT_EQ(end.error, "cannot be started: Too many open files");
+    EXPECT_FALSE(end.has_begun);
+}
+
+}  // namespace
