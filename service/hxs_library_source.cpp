@@ -1,5 +1,6 @@
 #include "service/hxs_library_source.h"
 
+#include <dlfcn.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include "codes/named.h"
 #include "conditions/hxc_object.h"
 #include "examples/event_store_check.h"
+#include "library/wake.h"
 #include "library_fields.h"
 #include "model/adapters.h"
 #include "model/disks.h"
@@ -183,6 +185,13 @@ hxconditions::Answers LibrarySource::LookAtMachine() {
     facts_ = FactsOf(look);
     TakeCounters();
     return std::move(look.answers);
+}
+
+Descriptor LibrarySource::WatchForChanges() {
+    // Looked up in whichever controller library is loaded: the vendor's does not have it.
+    const auto wake =
+        reinterpret_cast<decltype(&hx_wake)>(dlsym(RTLD_DEFAULT, hxlibrary::kWakeFunction));
+    return Descriptor(wake == nullptr || !controller_ ? -1 : wake());
 }
 
 void LibrarySource::TakeCounters() {

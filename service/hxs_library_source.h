@@ -18,6 +18,7 @@ public:
     std::vector<StoredEvent> ReadEvents(std::uint64_t first, std::uint64_t next) override;
     hxconditions::Answers LookAtMachine() override;
     Facts FactsOfLastLook() override { return facts_; }
+    Descriptor WatchForChanges() override;
 
 private:
     vexorctl::Controller& Opened();

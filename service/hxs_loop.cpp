@@ -17,6 +17,11 @@ namespace {
 // look tells all of it.
 constexpr Duration kAfterEvents = std::chrono::seconds(2);
 
+// A change is told while it is written.
+constexpr Duration kUntilChanged = std::chrono::milliseconds(50);
+// A machine that changes all the time does not keep the service busy.
+constexpr Duration kBetweenChanges = std::chrono::milliseconds(500);
+
 constexpr std::size_t kLongestHostName = 256;
 
 }  // namespace
@@ -142,6 +147,8 @@ Duration Loop::Due(Duration ended) {
 bool Loop::WaitForNext() {
     const Duration ended = parts_.outside.Now();
     Duration due = Due(ended);
+    // After the round, whose own calls change the machine.
+    parts_.outside.WakeForChange(parts_.source.WatchForChanges());
     // A storm of signals does not put off the round: the time is looked at after each of them.
     do {
         parts_.manager.Alive();
@@ -152,6 +159,10 @@ bool Loop::WaitForNext() {
         switch (parts_.outside.Wait(std::min(left, parts_.manager.LongestSilence()))) {
             case Wake::kTime:
             case Wake::kDelivery:
+                break;
+            case Wake::kChanged:
+                due = std::min(
+                    due, std::max(parts_.outside.Now() + kUntilChanged, ended + kBetweenChanges));
                 break;
             case Wake::kCheckNow:
                 look_due_.reset();

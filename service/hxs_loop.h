@@ -7,6 +7,7 @@
 #include <string>
 
 #include "conditions/hxc_answers.h"
+#include "descriptor.h"
 #include "service/hxs_alerts.h"
 #include "service/hxs_collector.h"
 #include "service/hxs_deliverer.h"
@@ -24,7 +25,8 @@ namespace hxservice {
 
 /// Why a wait has ended.
 /// kDelivery: something that delivers alerts has ended or written.
-enum class Wake : std::uint8_t { kTime, kCheckNow, kReload, kDelivery, kEnd };
+/// kChanged: the machine may have changed; told once for each WakeForChange.
+enum class Wake : std::uint8_t { kTime, kCheckNow, kReload, kDelivery, kChanged, kEnd };
 
 /// Time and signals.
 class Outside {
@@ -32,6 +34,8 @@ public:
     virtual ~Outside() = default;
     /// Waits at most for that long.
     virtual Wake Wait(Duration longest) = 0;
+    /// Wait ends when that is readable, too, instead of the one before.
+    virtual void WakeForChange(Descriptor changes) = 0;
     /// The time since the boot, sleep included; changes of the date do not move it.
     virtual Duration Now() = 0;
     /// The machine's clocks, for the conditions.

@@ -81,10 +81,16 @@ Wake Signals::Wait(Duration longest) {
         const Duration left = end - Now();
         if (left <= Duration(0)) return Wake::kTime;
         // poll leaves out a descriptor of -1.
-        std::array<pollfd, 2> ready{{{signals_.Get(), POLLIN, 0}, {delivery_, POLLIN, 0}}};
+        std::array<pollfd, 3> ready{
+            {{signals_.Get(), POLLIN, 0}, {delivery_, POLLIN, 0}, {changes_.Get(), POLLIN, 0}}};
         poll(ready.data(), ready.size(),
              static_cast<int>(std::min<Duration::rep>(left.count(), INT_MAX)));
-        if (ready[0].revents == 0 && ready[1].revents != 0) return Wake::kDelivery;
+        if (ready[0].revents != 0) continue;
+        if (ready[1].revents != 0) return Wake::kDelivery;
+        if (ready[2].revents != 0) {
+            changes_.Close();
+            return Wake::kChanged;
+        }
     }
 }
 

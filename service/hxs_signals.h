@@ -4,6 +4,7 @@
 
 #include <random>
 #include <string>
+#include <utility>
 
 #include "descriptor.h"
 #include "service/hxs_loop.h"
@@ -16,6 +17,7 @@ public:
     /// waits for its end. Throws vexortools::Failure.
     Signals();
     Wake Wait(Duration longest) override;
+    void WakeForChange(Descriptor changes) override { changes_ = std::move(changes); }
     Duration Now() override;
     hxconditions::Now Clocks() override;
     Duration Random(Duration most) override;
@@ -26,6 +28,7 @@ public:
 private:
     Descriptor signals_;
     int delivery_ = -1;
+    Descriptor changes_;
     std::string boot_id_;
     std::minstd_rand random_{std::random_device()()};
 };

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "conditions/hxc_answers.h"
+#include "descriptor.h"
 #include "service/hxs_facts.h"
 
 namespace hxservice {
@@ -59,6 +60,10 @@ public:
 
     /// What the last look has read besides. What could not be read is missing.
     virtual Facts FactsOfLastLook() = 0;
+
+    /// Becomes readable when the machine may have changed from now on; none where the controller
+    /// cannot tell that.
+    virtual Descriptor WatchForChanges() = 0;
 };
 
 }  // namespace hxservice

@@ -215,6 +215,20 @@ class Loop(Case):
             self.root.hxsimctl("disk", "fail", "a0/pd5")
             service.says("Disk a0/pd5 was set down")
 
+    def test_collects_at_once_when_the_virtual_controller_changes(self):
+        self.root.configure('[collect]\ninterval = "1h"\njitter = "0s"\n[watch]\n'
+                            'interval = "1h"\n')
+        self.root.service("--once")  # after events it would look again by itself
+        with Running(self.root) as service:
+            wait_for(lambda: self.root.path("/run/hxraid/status.json").exists(), "the status")
+            # The round may just be ending: what changes within it waits for the next one.
+            for disk in ("a0/pd5", "a0/pd6", "a0/pd7", "a0/pd4"):
+                self.root.hxsimctl("disk", "fail", disk)
+                time.sleep(1)
+                if any("was set down" in line for line in self.root.log()):
+                    break
+            service.says("was set down")
+
     def test_reads_its_settings_again(self):
         self.root.configure('[collect]\ninterval = "1h"\n')
         with Running(self.root) as service:

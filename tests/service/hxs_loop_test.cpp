@@ -47,6 +47,7 @@ public:
         signals_.pop_front();
         return wake;
     }
+    void WakeForChange(Descriptor /*changes*/) override { ++watches; }
     Duration Now() override { return now; }
     hxconditions::Now Clocks() override {
         const auto passed = std::chrono::duration_cast<seconds>(now).count();
@@ -56,6 +57,7 @@ public:
 
     Duration now{0};
     std::vector<Duration> waits;
+    int watches = 0;  // for changes
 
 private:
     std::deque<Signal> signals_;
@@ -129,6 +131,20 @@ TEST_F(ServiceLoop, ChecksInNowWhenAsked) {
     Run(time);
     EXPECT_THAT(source.check_ins, SizeIs(2));
     EXPECT_THAT(time.waits, ElementsAre(seconds(10), seconds(10)));
+}
+
+TEST_F(ServiceLoop, ChecksInSoonAfterAChange) {
+    VirtualTime time({{seconds(3), Wake::kChanged}, {seconds(1), Wake::kEnd}});
+    Run(time);
+    EXPECT_THAT(source.check_ins, SizeIs(2));
+    EXPECT_THAT(time.waits, ElementsAre(seconds(10), Duration(50), seconds(10)));
+    EXPECT_EQ(time.watches, 2);  // one for each pause
+}
+
+TEST_F(ServiceLoop, ChecksInTwiceASecondAtMostForChanges) {
+    VirtualTime time({{Duration(10), Wake::kChanged}, {seconds(1), Wake::kEnd}});
+    Run(time);
+    EXPECT_THAT(time.waits, ElementsAre(seconds(10), Duration(490), seconds(10)));
 }
 
 TEST_F(ServiceLoop, UsesTheNewIntervalFromTheLastCheckInOn) {

@@ -77,4 +77,5 @@ public:
         return answers;
     }
     hxservice::Facts FactsOfLastLook() override { return facts; }
+    Descriptor WatchForChanges() override { return {}; }
 };
