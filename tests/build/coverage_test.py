@@ -8,9 +8,12 @@ import pathlib
 import subprocess
 import sys
 import tempfile
+import types
 import unittest
 
 SCRIPT, COMPILER = sys.argv[1], sys.argv[2:]
+coverage = types.ModuleType("coverage")
+exec(compile(pathlib.Path(SCRIPT).read_text(), SCRIPT, "exec"), coverage.__dict__)
 
 SOURCE = """#include <stdlib.h>
 int Sign(int number) {
@@ -56,6 +59,28 @@ class Coverage(unittest.TestCase):
 
     def test_finds_sources_whose_names_are_relative_to_the_tree(self):
         self.assertIn("8/9   88.9 %", self.measure(["1", "-1"], mapped=True)[1])
+
+    def joined(self, branches, line, in_header):
+        source = coverage.Source()
+        source.branches = branches
+        source.join_copies([line], in_header)
+        return source.branches
+
+    def test_counts_a_condition_once_however_often_it_is_inlined(self):
+        copies = {(1, 8): [3, 0, 0, 1, 0, 2, 1, 0]}
+        line = "    return a > 5 && b > 5;"
+        self.assertEqual({(1, 4): [3, 2, 1, 1]}, self.joined(dict(copies), line, True))
+        self.assertEqual(copies, self.joined(dict(copies), line, False))
+
+    def test_counts_a_condition_once_in_all_instances_of_a_template(self):
+        self.assertEqual({(1, 2): [1, 1]},
+                         self.joined({(1, 2): [0, 1], (1, 4): [1, 0, 0, 0]}, "    if (a) {", False))
+
+    def test_leaves_out_the_conditions_of_what_is_defaulted(self):
+        source = "struct A { int a, b; bool operator==(const A&) const = default; };\n"
+        self.assertIsNotNone(coverage.NO_CONDITION.search(source.rstrip()))
+        self.assertIsNotNone(coverage.NO_CONDITION.search("    });"))
+        self.assertIsNone(coverage.NO_CONDITION.search("    } while (number > 0);"))
 
     def test_passes_a_gate_that_is_reached(self):
         self.assertEqual(0, self.measure(["1", "-1"], "", "--lines", "88", "--branches", "80")[0])

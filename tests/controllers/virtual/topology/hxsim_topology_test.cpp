@@ -244,6 +244,76 @@ const Mistake kMistakes[] = {
      "adapters[0].virtual_disks[0].disk_group: expected a disk group that there is."},
     {"LikeItself", R"({"name": "t", "adapters": [{"like": 0}]})",
      "adapters[0].like: expected the number of an adapter before this one."},
+    {"TextThatIsNumber", R"({"name": 1})", "name: expected a text."},
+    {"TruthThatIsNumber", WithDisk(R"({"model": "M", "at": {"port": 0}, "foreign": 1})"),
+     "adapters[0].disks[0].foreign: expected true or false."},
+    {"VersionOfThreeNumbers", With(R"(, "info": {"BIOSVersion": [1, 2, 3]})"),
+     "adapters[0].info.BIOSVersion: expected a list of four numbers."},
+    {"VersionThatIsNumber", With(R"(, "info": {"BIOSVersion": 1})"),
+     "adapters[0].info.BIOSVersion: expected a list of four numbers."},
+    {"MembersThatAreNoList", With(R"(, "virtual_disks": [{"level": "raid0", "disks": 0}])"),
+     "adapters[0].virtual_disks[0].disks: expected a list."},
+    {"ObjectsThatAreNoList", With(R"(, "virtual_disks": {})"),
+     "adapters[0].virtual_disks: expected a list of objects."},
+    {"CodesThatAreNoList", With(R"(, "images": "bios")"),
+     "adapters[0].images: expected a list of \"bios\", \"firmware\", \"boot_loader\", "
+     "\"autoload\", \"hba_info\"."},
+    {"CodeThatIsNumber", With(R"(, "virtual_disks": [{"level": 5, "disks": [0, 1, 2]}])"),
+     "adapters[0].virtual_disks[0].level: expected one of \"raid0\", \"raid1\", \"raid5\", "
+     "\"raid6\", \"raid10\", \"raid1e\", \"raid50\", \"raid60\"."},
+    {"LikeAText", R"({"name": "t", "adapters": [{"like": "first"}]})",
+     "adapters[0].like: expected the number of an adapter before this one."},
+    {"TooManyPorts", With(R"(, "info": {"PortCount": 9})"),
+     "adapters[0].info.PortCount: expected at most 8."},
+    {"DiskAtNothing", WithDisk(R"({"model": "M", "at": {"phy": 0}})"),
+     "adapters[0].disks[0].at: expected an object with \"port\", with \"expander\" and \"phy\", or "
+     "with \"port_multiplier\" and \"phy\"."},
+    {"DiskWithTheLastNumber", WithDisk(R"({"id": 65535, "model": "M", "at": {"port": 0}})"),
+     "adapters[0].disks[0].count: expected as many as there are phys and numbers."},
+    {"DisksThatDoNotAscend",
+     WithDisk(
+         R"({"id": 5, "model": "M", "at": {"port": 0}}, {"id": 5, "model": "M", "at": {"port": 1}})"),
+     "adapters[0].disks[1].id: expected a number above that of the one before, below 65535."},
+    {"ExpanderWithTheLastNumber", With(R"(, "expanders": [{"id": 65535, "at": {"port": 4}}])"),
+     "adapters[0].expanders[0].id: expected a number above that of the one before, below 65535."},
+    {"TooManyElements",
+     With(R"(, "enclosures": [{"at": {"port": 4}, "elements": [)"
+          R"({"type": "power_supply", "count": 255}, {"type": "power_supply"}]}])"),
+     "adapters[0].enclosures[0].elements: expected at most 255 elements."},
+    {"NoneOfADisk", WithDisk(R"({"model": "M", "at": {"port": 0}, "count": 0})"),
+     "adapters[0].disks[0].count: expected at least 1."},
+    {"TooHot",
+     With(
+         R"(, "enclosures": [{"at": {"port": 4}, "elements": [{"type": "temperature", "celsius": 236}]}])"),
+     "adapters[0].enclosures[0].elements[0].celsius: expected temperatures up to 235."},
+    {"MoreDisksThanPhys", WithDisk(R"({"model": "M", "at": {"port": 255}, "count": 2})"),
+     "adapters[0].disks[0].count: expected as many as there are phys and numbers."},
+    {"WorldWideNameOfOtherDigits",
+     WithDisk(R"({"model": "M", "at": {"port": 0}, "wwn": "5000c500g"})"),
+     "adapters[0].disks[0].wwn: expected a text of up to 16 hexadecimal digits."},
+    {"WorldWideNameOfNoDigits", WithDisk(R"({"model": "M", "at": {"port": 0}, "wwn": ""})"),
+     "adapters[0].disks[0].wwn: expected a text of up to 16 hexadecimal digits."},
+    {"MoreDisksThanTheAdapterTakes", With(R"(, "info": {"MaxHD_Ext": 2})"),
+     "adapters[0].disks[0].count: expected at most 2 disks, as MaxHD_Ext."},
+    {"StripeOfNothing",
+     With(R"(, "virtual_disks": [{"level": "raid0", "disks": [0], "gib": 1, "stripe_kib": 0}])"),
+     "adapters[0].virtual_disks[0].stripe_kib: expected at least 1."},
+    {"BlockThatIsTooLong",
+     With(
+         R"(, "virtual_disks": [{"level": "raid0", "disks": [0], "block_sectors": 1125899906842625}])"),
+     "adapters[0].virtual_disks[0].gib: expected a size in GiB, or block_sectors of at least a "
+     "stripe."},
+    {"VirtualDiskNumber255",
+     With(R"(, "virtual_disks": [{"id": 255, "level": "raid0", "disks": [0], "gib": 1}])"),
+     "adapters[0].virtual_disks[0].id: expected numbers of virtual disks from 0 to 254."},
+    {"NameThatIsTooLong",
+     With(R"(, "virtual_disks": [{"level": "raid0", "disks": [0], "gib": 1, "name": ")" +
+          std::string(17, 'n') + R"("}])"),
+     "adapters[0].virtual_disks[0].name: expected at most 16 bytes."},
+    {"BatteryWithoutCapacity", With(R"(, "battery": {"maxCapacity": 0, "curCapacity": 0})"),
+     "adapters[0].battery.curCapacity: expected a charge of at most maxCapacity, above 0."},
+    {"BatteryThatIsMoreThanFull", With(R"(, "battery": {"maxCapacity": 10, "curCapacity": 11})"),
+     "adapters[0].battery.curCapacity: expected a charge of at most maxCapacity, above 0."},
     {"UnsoundMachine", WithDisk(R"({"model": "M", "at": {"port": 0}, "group_spare": 2})"),
      "the machine would not be sound: a0/pd0 is a spare of disk group 2, which is not there."},
 };
@@ -266,6 +336,29 @@ TEST(Topology, CanSetEverythingOfADisk) {
     EXPECT_TRUE(disk.write_cache && disk.has_mbr && disk.has_system && disk.foreign);
     EXPECT_EQ(disk.spare, Spare::kGlobal);
     EXPECT_EQ(machine.adapters[0].remaps.at(0).lba, 7U);
+}
+
+TEST(Topology, CanSetVersionsAndNameImages) {
+    const Machine machine = MakeMachine(
+        With(R"(, "info": {"BIOSVersion": [1, 2, 3, 4]}, "images": ["bios"])"), 1, kNow);
+    const Adapter& adapter = machine.adapters.at(0);
+    EXPECT_EQ(adapter.info.BIOSVersion.MajorVersion, 1);
+    EXPECT_EQ(adapter.info.BIOSVersion.MinorVersion, 2);
+    EXPECT_EQ(adapter.info.BIOSVersion.RevisionNumber, 3);
+    EXPECT_EQ(adapter.info.BIOSVersion.BuildNumber, 4);
+    ASSERT_EQ(adapter.images.size(), 1U);
+}
+
+TEST(Topology, PutsDisksBehindAPortMultiplier) {
+    const Machine machine = MakeMachine(
+        R"({"name": "t", "disk_models": [{"name": "M", "gigabytes": 100}], "adapters": [
+            {"port_multipliers": [{"at": {"port": 0}}],
+             "disks": [{"at": {"port_multiplier": 0, "phy": 1}, "model": "M"}]}]})",
+        1, kNow);
+    const Disk& disk = machine.adapters.at(0).disks.at(0);
+    EXPECT_EQ(disk.parent, Device::kPortMultiplier);
+    EXPECT_EQ(disk.parent_id, 0);
+    EXPECT_EQ(disk.phy, 1);
 }
 
 TEST(Topology, MakesAnAdapterLikeAnother) {
