@@ -1,7 +1,13 @@
 #include "incident_commands.h"
 
+#include <algorithm>
+#include <array>
+#include <iterator>
 #include <memory>
 
+#include "code_names.h"
+#include "codes/enclosure.h"
+#include "codes/event.h"
 #include "common/number.h"
 #include "common/size.h"
 #include "incidents/hxsim_incident_battery.h"
@@ -9,6 +15,7 @@
 #include "incidents/hxsim_incident_enclosure.h"
 #include "incidents/hxsim_incident_power.h"
 #include "inject_commands.h"
+#include "rules/hxsim_event_queue.h"
 #include "rules/hxsim_settle.h"
 
 namespace hxsimctl {
@@ -163,6 +170,24 @@ void AddPowerSupply(const Command& app, Action& action) {
     });
 }
 
+void AddElementState(const Command& app, Action& action) {
+    const Command command =
+        app.AddCommand("element", "An element of an enclosure has a state, whatever it measures");
+    const auto word = std::make_shared<std::string>();
+    const auto state = std::make_shared<std::string>();
+    command.AddRequiredText("ADDRESS", *word, "such as a0/enc0/el3");
+    command.AddRequiredText("STATE", *state, "such as not_installed, unknown or ok");
+    command.WhenTyped([word, state, &action] {
+        const Target target = ParseTarget(*word, ObjectKind::kElement);
+        const auto status = ParseCode<hxcodes::ElementStatus>(*state, "state of an element");
+        action = [target, status](Driver& driver) {
+            driver.Happen(target, [&](Machine&, Adapter& adapter, Time now, const Object& object) {
+                return hxsim::SetElementStatus(adapter, now, object.id, ElementOf(object), status);
+            });
+        };
+    });
+}
+
 void AddElements(const Command& app, Action& action) {
     AddOnObjectAndNumber(app, "fan", "Set the speed of an enclosure's fan", ObjectKind::kElement,
                          "a0/enc0/el3", {"RPM", "speed in turns per minute", 65535}, action,
@@ -178,6 +203,87 @@ void AddElements(const Command& app, Action& action) {
                                          static_cast<int>(celsius));
         });
     AddPowerSupply(app, action);
+    AddElementState(app, action);
+}
+
+void AddEnclosure(const Command& app, Action& action) {
+    const Command enclosure = app.AddCommand("enclosure", "Let something happen to an enclosure");
+    enclosure.RequireCommands(1, 1);
+    const auto add = [&](const char* name, const char* help,
+                         Outcome (*happens)(Adapter&, Time, HX_U16)) {
+        AddOnObject(enclosure, name, help, ObjectKind::kEnclosure, "a0/enc0", action,
+                    [happens](Machine&, Adapter& adapter, Time now, const Object& object) {
+                        return happens(adapter, now, object.id);
+                    });
+    };
+    add("unplug", "It loses its power or its cable, with all disks in it", hxsim::UnplugEnclosure);
+    add("plug", "It is connected again, with all disks in it", hxsim::PlugEnclosure);
+}
+
+// ---- event ----
+
+struct EventWords {
+    std::string address, key, params;
+};
+
+const hxcodes::EventRow& ParseKey(const std::string& key) {
+    const auto* const row = std::ranges::find(hxcodes::kEvents, key, &hxcodes::EventRow::key);
+    if (!key.empty() && row != std::end(hxcodes::kEvents)) return *row;
+    throw UsageError('"' + key +
+                     "\" is the key of no event; write one that event texts have, such as "
+                     "HD_TIMEOUT");
+}
+
+ObjectKind KindOf(hxcodes::Subject subject) {
+    switch (subject) {
+        case hxcodes::Subject::kOfVirtualDisk:
+            return ObjectKind::kVirtualDisk;
+        case hxcodes::Subject::kOfDisk:
+            return ObjectKind::kDisk;
+        case hxcodes::Subject::kOfEnclosure:
+            return ObjectKind::kEnclosure;
+        case hxcodes::Subject::kOfDiskGroup:
+            return ObjectKind::kDiskGroup;
+        case hxcodes::Subject::kOfAdapter:
+        case hxcodes::Subject::kOfExpander:
+        case hxcodes::Subject::kOfBattery:
+        case hxcodes::Subject::kOfImage:
+            break;
+    }
+    return ObjectKind::kAdapter;
+}
+
+// "800000,3": numbers with commas between them.
+std::array<HX_U32, 4> ParseParams(std::string_view text) {
+    std::array<HX_U32, 4> params{};
+    for (std::size_t i = 0; !text.empty(); ++i) {
+        if (i == params.size()) throw UsageError("an event has 4 parameters at most");
+        const std::size_t end = std::min(text.find(','), text.size());
+        params[i] = static_cast<HX_U32>(
+            vexortools::ParseNumber(text.substr(0, end), UINT32_MAX, "parameter of an event"));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return params;
+}
+
+void AddEvent(const Command& app, Action& action) {
+    const Command command =
+        app.AddCommand("event", "The adapter tells an event, and nothing else happens");
+    const auto words = std::make_shared<EventWords>();
+    command.AddRequiredText("ADDRESS", words->address, "of the object that the event names");
+    command.AddRequiredText("KEY", words->key, "such as HD_TIMEOUT");
+    command.AddText("PARAMETERS", words->params, "its numbers, with commas between them");
+    command.WhenTyped([words, &action] {
+        const hxcodes::EventRow& row = ParseKey(words->key);
+        const Target target = ParseTarget(words->address, KindOf(row.subject));
+        const std::array<HX_U32, 4> params = ParseParams(words->params);
+        action = [target, kind = row.code, params](Driver& driver) {
+            driver.Happen(target, [&](Machine&, Adapter& adapter, Time now, const Object& object) {
+                hxsim::Queue(adapter, now, kind, object.id, params);
+                return Outcome{};
+            });
+        };
+    });
 }
 
 // ---- power-cut ----
@@ -197,6 +303,8 @@ void AddIncidentCommands(const Command& app, Action& action) {
     AddDisk(app, action);
     AddBattery(app, action);
     AddElements(app, action);
+    AddEnclosure(app, action);
+    AddEvent(app, action);
     app.AddCommand("power-cut", "The power of all adapters fails and comes back")
         .WhenTyped([&action] { action = CutPower; });
     AddInjectCommands(app, action);

@@ -6,6 +6,7 @@
 #include "calls/hxsim_session.h"
 #include "hxraid.h"
 #include "incidents/hxsim_hostile_answer.h"
+#include "rules/hxsim_enclosure_sensors.h"
 
 namespace hxsim {
 namespace {
@@ -14,7 +15,8 @@ template <class Record>
 Status ListElements(const Adapter& adapter, HX_U16 enclosure, Record* records, HX_U8* count) {
     if (records == nullptr || count == nullptr) return Status::kNullAddress;
     *count = 0;  // on refusal as well: callers that ask every adapter in turn add up the counts
-    if (Find(adapter.enclosures, enclosure) == nullptr) return Status::kNoEnclosure;
+    const Enclosure* const row = Find(adapter.enclosures, enclosure);
+    if (row == nullptr || !IsPlugged(*row)) return Status::kNoEnclosure;
     std::size_t listed = 0;
     for (const Element& element : adapter.elements) {
         if (element.enclosure != enclosure || listed == kMostElements) continue;
@@ -32,8 +34,12 @@ Status ListElements(const Adapter& adapter, HX_U16 enclosure, Record* records, H
 }  // namespace hxsim
 
 HX_U8 HX_ENC_GetEnclosureInfo(HX_U8 AdapterID, Enclosure_Info_Request* request) {
-    return hxsim::List(__func__, AdapterID, request, &Enclosure_Info_Request::enclosureInfo,
-                       &hxsim::Adapter::enclosures, hxcodes::Status::kNoEnclosure);
+    return hxsim::List(
+        __func__, AdapterID, request, &Enclosure_Info_Request::enclosureInfo,
+        &hxsim::Adapter::enclosures, hxcodes::Status::kNoEnclosure,
+        [](const hxsim::Adapter&, const hxsim::Enclosure& each) { return IsPlugged(each); },
+        [](const hxsim::Adapter& adapter, const hxsim::Enclosure& each, hxsim::Time now,
+           Enclosure_Info& record) { hxsim::Describe(adapter, each, now, record); });
 }
 
 HX_U8 HX_ENC_GetElementInfo(HX_U8 AdapterID, HX_U16 ENC_ID, EncElementType_Info* elements,

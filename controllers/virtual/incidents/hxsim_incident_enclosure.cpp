@@ -2,8 +2,11 @@
 #include "incidents/hxsim_incident_enclosure.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
+#include <vector>
 
+#include "incidents/hxsim_incident_disk.h"
 #include "model/hxsim_codes.h"
 #include "rules/hxsim_alarm.h"
 #include "rules/hxsim_enclosure_sensors.h"
@@ -20,17 +23,25 @@ Outcome Check(const Element* element, HX_U16 enclosure, HX_U8 number, ElementTyp
             " that hxsimctl show lists."};
 }
 
-EventKind EventOf(ElementStatus status) {
-    if (status == ElementStatus::kCritical) return EventKind::kElementCritical;
-    return status == ElementStatus::kOk ? EventKind::kElementOk : EventKind::kElementWarning;
+bool IsCritical(ElementStatus status) {
+    return status == ElementStatus::kCritical || status == ElementStatus::kUnrecoverable;
+}
+
+// None for an element that is not there or does not know its state: no event says so.
+std::optional<EventKind> EventOf(ElementStatus status) {
+    if (IsCritical(status)) return EventKind::kElementCritical;
+    if (status == ElementStatus::kNoncritical) return EventKind::kElementWarning;
+    return status == ElementStatus::kOk ? std::optional(EventKind::kElementOk) : std::nullopt;
 }
 
 void SetStatus(Adapter& adapter, Time now, Element& element, ElementStatus status) {
     if (element.status == status) return;
     element.status = status;
-    Queue(adapter, now, EventOf(status), element.enclosure,
-          {element.number, NumberOf(element.type), element.reading});
-    UpdateAlarm(adapter, status == ElementStatus::kCritical);
+    if (const auto event = EventOf(status)) {
+        Queue(adapter, now, *event, element.enclosure,
+              {element.number, NumberOf(element.type), element.reading});
+    }
+    UpdateAlarm(adapter, IsCritical(status));
 }
 
 void SetReading(Adapter& adapter, Time now, Element& element, HX_U16 reading) {
@@ -43,6 +54,32 @@ HX_U8 SpeedCodeOf(const Element& fan) {
     if (fan.reading == 0) return 0;
     const unsigned nominal = std::max(1U, unsigned{fan.nominal});
     return static_cast<HX_U8>(std::clamp((3U * fan.reading + nominal / 2) / nominal, 1U, 7U));
+}
+
+Outcome NoSuchEnclosure(HX_U16 enclosure) {
+    return {"There is no enclosure " + std::to_string(enclosure) +
+            "; hxsimctl show lists what there is."};
+}
+
+// Its expanders go and come with it.
+void QueueForExpanders(Adapter& adapter, Time now, HX_U16 enclosure, EventKind kind) {
+    for (const Expander& expander : adapter.expanders) {
+        if (expander.enclosure == enclosure) Queue(adapter, now, kind, expander.id);
+    }
+}
+
+bool IsInside(const Adapter& adapter, const Disk& disk, HX_U16 enclosure) {
+    if (disk.parent != Device::kExpander) return false;
+    const Expander* const expander = Find(adapter.expanders, disk.parent_id);
+    return expander != nullptr && expander->enclosure == enclosure;
+}
+
+std::vector<HX_U16> DisksInside(const Adapter& adapter, HX_U16 enclosure, bool present) {
+    std::vector<HX_U16> disks;
+    for (const Disk& disk : adapter.disks) {
+        if (disk.present == present && IsInside(adapter, disk, enclosure)) disks.push_back(disk.id);
+    }
+    return disks;
 }
 
 }  // namespace
@@ -72,6 +109,51 @@ Outcome SetPowerSupply(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 eleme
     Outcome outcome = Check(supply, enclosure, element, ElementType::kPowerSupply);
     if (!outcome) return outcome;
     SetStatus(adapter, now, *supply, works ? ElementStatus::kOk : ElementStatus::kCritical);
+    return {};
+}
+
+Outcome SetElementStatus(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 element,
+                         ElementStatus status) {
+    Element* const row = FindElement(adapter, enclosure, element);
+    if (row == nullptr) {
+        return {"Element " + std::to_string(element) + " of enclosure " +
+                std::to_string(enclosure) + " is not there; take one that hxsimctl show lists."};
+    }
+    if (status != ElementStatus::kOk) {
+        SetStatus(adapter, now, *row, status);
+        return {};
+    }
+    Element healthy = *row;
+    healthy.status = status;
+    SetStatus(adapter, now, *row, StatusOf(healthy));  // what it measures decides again
+    return {};
+}
+
+Outcome UnplugEnclosure(Adapter& adapter, Time now, HX_U16 enclosure) {
+    Enclosure* const row = Find(adapter.enclosures, enclosure);
+    if (row == nullptr) return NoSuchEnclosure(enclosure);
+    if (!IsPlugged(*row)) {
+        return {"Enclosure " + std::to_string(enclosure) + " is unplugged already; plug it first."};
+    }
+    row->phys = 0;
+    QueueForExpanders(adapter, now, enclosure, EventKind::kExpanderPluggedOut);
+    for (const HX_U16 disk : DisksInside(adapter, enclosure, true)) {
+        RemoveDisk(adapter, now, disk);
+    }
+    return {};
+}
+
+Outcome PlugEnclosure(Adapter& adapter, Time now, HX_U16 enclosure) {
+    Enclosure* const row = Find(adapter.enclosures, enclosure);
+    if (row == nullptr) return NoSuchEnclosure(enclosure);
+    if (IsPlugged(*row)) {
+        return {"Enclosure " + std::to_string(enclosure) + " is plugged already; unplug it first."};
+    }
+    row->phys = 1;
+    QueueForExpanders(adapter, now, enclosure, EventKind::kExpanderPluggedIn);
+    for (const HX_U16 disk : DisksInside(adapter, enclosure, false)) {
+        InsertDisk(adapter, now, disk);
+    }
     return {};
 }
 

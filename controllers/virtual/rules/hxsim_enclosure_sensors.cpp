@@ -66,7 +66,11 @@ ElementStatus StatusOf(const Element& element) {
     const bool is_measured = element.type == ElementType::kFan ||
                              element.type == ElementType::kTemperature ||
                              element.type == ElementType::kVoltage;
-    if (!is_measured) return element.status;
+    // No reading tells that an element is not installed or does not know its state.
+    const bool is_told = element.status != ElementStatus::kOk &&
+                         element.status != ElementStatus::kNoncritical &&
+                         element.status != ElementStatus::kCritical;
+    if (!is_measured || is_told) return element.status;
     switch (DeviationOf(element)) {
         case Deviation::kNone:
             break;

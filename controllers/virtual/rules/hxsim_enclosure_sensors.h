@@ -14,8 +14,11 @@ enum class Deviation : HX_U8 { kNone, kLowWarning, kHighWarning, kLowCritical, k
 Deviation DeviationOf(const Element& element);
 
 /// The status that follows from an element's reading. Elements without a reading have the status
-/// that was set.
+/// that was set, and so have those that are told to be not installed, not available or unknown.
 ElementStatus StatusOf(const Element& element);
+
+/// Whether callers see the enclosure: one that is unplugged takes no phy.
+constexpr bool IsPlugged(const Enclosure& enclosure) { return enclosure.phys != 0; }
 
 /// The element with that number; null when the enclosure has none.
 Element* FindElement(Adapter& adapter, HX_U16 enclosure, HX_U8 number);

@@ -317,6 +317,37 @@ class Commands(InFolder):
         (self.folder / "text.db").write_text("no database", encoding="utf-8")
         self.expect(5, "show", "--state", "text.db")
 
+    def test_an_enclosure_goes_and_comes_back_with_its_disks(self):
+        self.expect(0, "init", "--topology", "default")
+        self.expect(0, "clock", "freeze")
+        self.run_scenario("enclosure unplug a0/enc0\nexpect event a0 EXPANDER_PLUG_OUT\n"
+                          "expect event a0 HD_OFFLINE 0\nexpect vd a0/vd0 offline\n", 0)
+        self.expect(1, "enclosure", "unplug", "a0/enc0")
+        self.run_scenario("enclosure plug a0/enc0\nexpect event a0 EXPANDER_PLUG_IN\n"
+                          "expect event a0 HD_ONLINE 0\n", 0)
+        self.expect(1, "enclosure", "plug", "a0/enc0")
+        self.expect(3, "enclosure", "plug", "a0/enc7")
+        self.expect(0, "check")
+
+    def test_an_element_has_the_state_that_it_is_given(self):
+        self.expect(0, "init", "--topology", "default")
+        for state in ("unknown", "not_installed", "unrecoverable", "ok"):
+            self.run_scenario(f"element a0/enc0/el5 {state}\n"
+                              f"expect element a0/enc0/el5 {state}\n", 0)
+        self.expect(0, "temp", "a0/enc0/el5", "60")
+        self.run_scenario("element a0/enc0/el5 ok\nexpect element a0/enc0/el5 noncritical\n", 0)
+        self.expect(2, "element", "a0/enc0/el5", "tired")
+
+    def test_an_event_is_told_and_nothing_else_happens(self):
+        self.expect(0, "init", "--topology", "small")
+        self.run_scenario("event a0/pd3 HD_TIMEOUT\nexpect event a0 HD_TIMEOUT 3\n"
+                          "event a0 BAT_CHARGER_PROBLEM_DETECTED 1,2\n"
+                          "expect event a0 BAT_CHARGER_PROBLEM_DETECTED\n", 0)
+        self.expect(2, "event", "a0/pd3", "HD_NONE")
+        self.expect(2, "event", "a0", "HD_TIMEOUT")
+        self.expect(2, "event", "a0/pd3", "HD_TIMEOUT", "1,2,3,4,5")
+        self.expect(3, "event", "a0/pd99", "HD_TIMEOUT")
+
     def test_time_ends_with_the_year_9999(self):
         self.expect(0, "init", "--topology", "small")
         said = self.run_scenario("repeat 100\n+36500d\nend\n", 1)
