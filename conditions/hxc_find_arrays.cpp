@@ -2,6 +2,7 @@
 #include "conditions/hxc_find_arrays.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "codes/activity.h"
 #include "codes/battery.h"
@@ -332,20 +333,30 @@ void FindSpares(std::vector<Finding>& findings, const Things& things, const Adap
     }
 }
 
+std::optional<Finding> TooSmallFor(const Things& things, const Adapter& adapter,
+                                   const VirtualDisk& virtual_disk, unsigned position,
+                                   const Disk& disk) {
+    const std::uint64_t needed = NeededBy(adapter, virtual_disk, {position});
+    if (!IsFree(disk) || RoomOf(disk) >= needed) return std::nullopt;
+    Finding finding = FindingOf(Code::kReplacementTooSmall, things.Of(adapter, disk));
+    const Object array = things.Of(adapter, virtual_disk);
+    finding.values["id"] = DiskIdText(finding.object, disk);
+    finding.values["vd"] = TitleOf(array);
+    finding.values["size"] = SizeText(RoomOf(disk));
+    finding.values["needed"] = SizeText(needed);
+    finding.links.push_back(array.identity);
+    return finding;
+}
+
 void FindReplacements(std::vector<Finding>& findings, const Things& things,
                       const Adapter& adapter) {
     for (const VirtualDisk& each : adapter.virtual_disks) {
-        const Redundancy redundancy = RedundancyOf(each, adapter.disks);
-        for (const unsigned position : redundancy.lost) {
+        for (const unsigned position : RedundancyOf(each, adapter.disks).lost) {
             const Disk* const disk = FindDisk(adapter, each.members[position].disk);
-            const std::uint64_t needed = NeededBy(adapter, each, {position});
-            if (disk == nullptr || !IsFree(*disk) || RoomOf(*disk) >= needed) continue;
-            Finding& finding = findings.emplace_back(
-                FindingOf(Code::kReplacementTooSmall, things.Of(adapter, *disk)));
-            finding.values["id"] = DiskIdText(finding.object, *disk);
-            finding.values["vd"] = TitleOf(things.Of(adapter, each));
-            finding.values["size"] = SizeText(RoomOf(*disk));
-            finding.values["needed"] = SizeText(needed);
+            if (disk == nullptr) continue;
+            if (auto finding = TooSmallFor(things, adapter, each, position, *disk)) {
+                findings.push_back(std::move(*finding));
+            }
         }
     }
 }

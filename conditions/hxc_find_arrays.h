@@ -19,6 +19,11 @@ const Activity* ActivityOf(const Adapter& adapter, const VirtualDisk& virtual_di
 std::string Alternatives(const std::vector<std::string>& items);
 void FindDiskGroups(std::vector<Finding>& findings, const Things& things, const Adapter& adapter);
 void FindSpares(std::vector<Finding>& findings, const Things& things, const Adapter& adapter);
+/// The finding that a free disk is too small for a lost position; null when it is not free or large
+/// enough.
+std::optional<Finding> TooSmallFor(const Things& things, const Adapter& adapter,
+                                   const VirtualDisk& virtual_disk, unsigned position,
+                                   const Disk& disk);
 /// Finds free disks in the bays of lost members that are too small to replace them.
 void FindReplacements(std::vector<Finding>& findings, const Things& things, const Adapter& adapter);
 

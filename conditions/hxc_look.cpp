@@ -637,13 +637,14 @@ Look LookAt(State state, const Answers& answers, const std::vector<Event>& event
     return look;
 }
 
-Overview LookOnce(const Answers& answers, const Now& now, const Settings& settings) {
+Overview LookOnce(const Answers& answers, const Now& now, const Settings& settings,
+                  const Movement* movement) {
     State state;
     const Things things(answers, {});
     const std::vector<Event> none;
     Work work{state, answers, things, none, now.real, true};
     std::set<std::string> found;
-    TakeFindings(work, FindAll(answers, things, nullptr), false, found);
+    TakeFindings(work, FindAll(answers, things, movement), false, found);
     ShowWhatHasHeld(work);
     return OverviewOf(state, settings, now.real, false);
 }

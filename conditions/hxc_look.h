@@ -37,7 +37,9 @@ struct Look {
 Look LookAt(State state, const Answers& answers, const std::vector<Event>& events, const Now& now,
             const Settings& settings);
 
-/// One look without memory or damping. Rows that need memory or events are skipped.
-Overview LookOnce(const Answers& answers, const Now& now, const Settings& settings);
+/// One look without memory or damping. Rows that need memory or events are skipped. `movement`
+/// tells which activities stand still; without it all of them move.
+Overview LookOnce(const Answers& answers, const Now& now, const Settings& settings,
+                  const Movement* movement = nullptr);
 
 }  // namespace hxconditions

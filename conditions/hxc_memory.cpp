@@ -2,11 +2,13 @@
 #include "conditions/hxc_memory.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "codes/activity.h"
 #include "codes/battery.h"
 #include "codes/disk.h"
 #include "codes/enclosure.h"
+#include "conditions/hxc_find_arrays.h"
 #include "conditions/hxc_redundancy.h"
 
 namespace hxconditions {
@@ -78,6 +80,39 @@ void FindGone(std::vector<Finding>& findings, const Memory& memory, const Answer
         gone.values["serial"] =
             seen.object.serial.empty() ? seen.object.address : seen.object.serial;
         gone.values["n"] = std::to_string(seen.virtual_disks);
+    }
+}
+
+// A disk that stands where a lost member stood: the controller itself tells nothing of a lost
+// position.
+void FindSmallReplacements(std::vector<Finding>& findings, const Memory& memory,
+                           const Things& things, const Adapter& adapter) {
+    for (const VirtualDisk& each : adapter.virtual_disks) {
+        const auto seen = memory.virtual_disks.find(things.Of(adapter, each).identity);
+        if (seen == memory.virtual_disks.end()) continue;
+        const std::vector<Object>& members = seen->second.members;
+        for (const unsigned position : RedundancyOf(each, adapter.disks).lost) {
+            if (position >= members.size() || each.members[position].disk) continue;
+            const Object& before = members[position];
+            const Disk* const disk = FindDisk(adapter, before.id);
+            if (before.address.empty() || disk == nullptr) continue;
+            if (things.Of(adapter, *disk).identity == before.identity) continue;
+            if (auto finding = TooSmallFor(things, adapter, each, position, *disk)) {
+                findings.push_back(std::move(*finding));
+            }
+        }
+    }
+}
+
+void RememberMembers(SeenVirtualDisk& seen, const Things& things, const Adapter& adapter,
+                     const VirtualDisk& virtual_disk) {
+    seen.members.resize(virtual_disk.members.size());
+    const std::vector<unsigned> lost = RedundancyOf(virtual_disk, adapter.disks).lost;
+    for (unsigned i = 0; i < virtual_disk.members.size(); ++i) {
+        const Disk* const disk = FindDisk(adapter, virtual_disk.members[i].disk);
+        if (disk == nullptr || std::ranges::find(lost, i) != lost.end()) continue;
+        const Object member = things.Of(adapter, *disk);
+        if (member.is_known) seen.members[i] = member;
     }
 }
 
@@ -219,6 +254,9 @@ void RememberAdapter(Memory& memory, const Things& things, const Adapter& adapte
         const auto [seen, is_new] = memory.virtual_disks.try_emplace(virtual_disk.identity);
         seen->second.object = virtual_disk;
         if (is_new) seen->second.checked = now;
+        if (adapter.disks_query.IsRead()) {
+            RememberMembers(seen->second, things, adapter, each);
+        }
     }
     if (IsPresent(adapter)) {
         const Object battery = things.BatteryOf(adapter);
@@ -298,6 +336,7 @@ std::vector<Finding> FindFromMemory(const Memory& memory, const Answers& answers
     FindGone(findings, memory, answers, things);
     for (const Adapter& adapter : answers.adapters) {
         FindStanding(findings, memory, things, adapter, now);
+        FindSmallReplacements(findings, memory, things, adapter);
         FindLinks(findings, memory, things, adapter);
         FindRemaps(findings, memory, things, adapter, now);
         FindBatteryAndElements(findings, memory, things, adapter, now);

@@ -125,7 +125,8 @@ Entry* HeadOf(Entries& entries, const Entry& entry) {
     if (entry.row->folds == Folds::kIntoVirtualDisk) {
         if (Entry* const head = HeadOfDisk(entries, entry)) return head;
         return FirstOf(entries, [&](const Entry& head) {
-            return IsArrayState(head) && Links(head, entry.found().object.identity);
+            return IsArrayState(head) && (Links(head, entry.found().object.identity) ||
+                                          Links(entry, head.found().object.identity));
         });
     }
     if (entry.row->folds == Folds::kIntoBattery) {
@@ -199,12 +200,32 @@ const Entry* HindranceOf(const Entry& head) {
     return nullptr;
 }
 
+const Entry* FoldedOf(const Entry& head, Code code) {
+    const auto found =
+        std::ranges::find_if(head.folded, [&](const Entry* each) { return each->code() == code; });
+    return found == head.folded.end() ? nullptr : *found;
+}
+
+// A disk that was pulled out can be put back, and one that was set offline be set online; one that
+// has failed does not come back.
+void AdviseOffline(Entry& head) {
+    if (FoldedOf(head, Code::kDiskMissing) != nullptr) return;
+    if (const Entry* const offline = FoldedOf(head, Code::kDiskOffline)) {
+        head.condition.next_step = Fill(offline->row->next_step, offline->found().values);
+        head.condition.command = FillCommand(offline->row->command, offline->found().values);
+        return;
+    }
+    if (FoldedOf(head, Code::kDiskFailed) == nullptr) return;
+    head.condition.next_step = "Replace the failed disks and restore from a backup";
+}
+
 void AddNextStep(Entry& head, const Values& values) {
     Condition& condition = head.condition;
     const auto own = values.find(kNextStep);
     condition.next_step =
         own == values.end() ? Fill(head.row->next_step, values) : Fill(own->second, values);
     condition.command = FillCommand(head.row->command, values);
+    if (head.code() == Code::kVdOffline) AdviseOffline(head);
     const bool asks_for_replacement =
         head.code() == Code::kVdNoRedundancy || head.code() == Code::kVdRedundancyReduced;
     if (!asks_for_replacement) return;
@@ -314,7 +335,10 @@ Condition ConditionOf(const Held& held, const State& state, const Settings& sett
 void Count(Overview& overview) {
     overview.overall.reset();
     overview.critical = overview.unknown = overview.warning = overview.info = 0;
+    overview.acknowledged = overview.silenced = 0;
     for (const Condition& head : overview.heads) {
+        if (head.acknowledged) ++overview.acknowledged;
+        if (head.silenced_until) ++overview.silenced;
         if (!overview.overall || head.level < *overview.overall) overview.overall = head.level;
         switch (head.level) {
             case Level::kCritical:
@@ -333,6 +357,68 @@ void Count(Overview& overview) {
         }
     }
 }
+
+// ---- What somebody else has found ----
+
+bool IsOf(const Condition& left, const Condition& right) {
+    return left.object.kind == right.object.kind && left.object.address == right.object.address;
+}
+
+bool IsUnder(const Condition& head, const Condition& found) {
+    const Row& row = RowOf(found.code);
+    const bool is_array = RowOf(head.code).family == Family::kVirtualDisk;
+    if (row.family == Family::kHindrance) return is_array && IsOf(head, found);
+    if (IsSignOfFailure(found.code) && head.code == Code::kDiskFailed) return IsOf(head, found);
+    return is_array && std::ranges::any_of(
+                           head.folded, [&](const Condition& each) { return IsOf(each, found); });
+}
+
+// What was last seen before it could not be read belongs to what cannot be read.
+bool HidesUnread(const Condition& head, const Condition& found) {
+    if (!found.is_stale || found.object.adapter == kNoNumber) return false;
+    if (head.code == Code::kControllerUnreachable || head.code == Code::kControllerDenied) {
+        return true;
+    }
+    return head.code == Code::kAdapterUnreadable && head.object.adapter == found.object.adapter;
+}
+
+Condition* HeadAmong(std::vector<Condition>& heads, const Condition& found) {
+    const bool folds = RowOf(found.code).folds == Folds::kIntoVirtualDisk;
+    const auto head = std::ranges::find_if(heads, [&](const Condition& each) {
+        return HidesUnread(each, found) || (folds && IsUnder(each, found));
+    });
+    return head == heads.end() ? nullptr : &*head;
+}
+
+void PutUnder(Condition& head, const Condition& found) {
+    head.folded.push_back(found);
+    std::ranges::stable_sort(head.folded, ComesBefore);
+    const bool hinders = RowOf(found.code).family == Family::kHindrance;
+    if (!hinders || RowOf(head.code).family != Family::kVirtualDisk) return;
+    if (head.hindrance && RowOf(*head.hindrance).rank < RowOf(found.code).rank) return;
+    head.hindrance = found.code;
+    head.sentence += "; " + found.sentence;
+    head.next_step = found.next_step;
+    head.command = found.command;
+    head.otherwise.clear();
+}
+
+void Lend(Condition& condition, const std::vector<Condition>& watched) {
+    const auto same = std::ranges::find_if(watched, [&](const Condition& each) {
+        return each.code == condition.code && IsOf(each, condition) &&
+               each.object.name == condition.object.name &&
+               each.object.serial == condition.object.serial;
+    });
+    if (same == watched.end()) return;
+    condition.since = same->since;
+    condition.since_is = same->since_is;
+    condition.first_seen = same->first_seen;
+    condition.last_seen = same->last_seen;
+    condition.acknowledged = same->acknowledged;
+    condition.silenced_until = same->silenced_until;
+}
+
+// ---- Counting ----
 
 void CountVirtualDisks(Counts& counts, const Answers& answers) {
     counts.virtual_disks = counts.offline = counts.unprotected = counts.reduced = 0;
@@ -406,8 +492,6 @@ Overview OverviewOf(const State& state, const Settings& settings, std::int64_t r
     for (Entry& entry : entries) {
         if (entry.into != nullptr) continue;
         Condition& head = entry.condition;
-        if (head.acknowledged) ++overview.acknowledged;
-        if (head.silenced_until) ++overview.silenced;
         for (Entry* const folded : entry.folded) {
             head.folded.push_back(std::move(folded->condition));
         }
@@ -417,8 +501,27 @@ Overview OverviewOf(const State& state, const Settings& settings, std::int64_t r
     return overview;
 }
 
-Overview WithHeads(Overview overview, const std::vector<Condition>& heads) {
+Overview WithFound(Overview overview, const std::vector<Condition>& found) {
+    std::vector<Condition> heads;
+    for (const Condition& each : found) {
+        Condition* const head = HeadAmong(overview.heads, each);
+        if (head == nullptr) {
+            heads.push_back(each);
+        } else {
+            PutUnder(*head, each);
+        }
+    }
     overview.heads.insert(overview.heads.end(), heads.begin(), heads.end());
+    std::ranges::stable_sort(overview.heads, ComesBefore);
+    Count(overview);
+    return overview;
+}
+
+Overview WithWatched(Overview overview, const std::vector<Condition>& watched) {
+    for (Condition& head : overview.heads) {
+        Lend(head, watched);
+        for (Condition& folded : head.folded) Lend(folded, watched);
+    }
     std::ranges::stable_sort(overview.heads, ComesBefore);
     Count(overview);
     return overview;
@@ -428,7 +531,9 @@ Overview WithoutSilenced(Overview overview) {
     std::erase_if(overview.heads,
                   [](const Condition& head) { return head.silenced_until.has_value(); });
     overview.is_whole = false;
+    const std::uint64_t silenced = overview.silenced;
     Count(overview);
+    overview.silenced = silenced;  // they are left out and still told
     return overview;
 }
 

@@ -71,8 +71,13 @@ Overview OverviewOf(const State& state, const Settings& settings, std::int64_t r
 /// The overview without silenced conditions, which the exit code ignores; their count stays.
 Overview WithoutSilenced(Overview overview);
 
-/// The overview with further heads in their places: those that somebody else has found.
-Overview WithHeads(Overview overview, const std::vector<Condition>& heads);
+/// The overview with what somebody else has found: each as a head in its place, or under the head
+/// that it explains.
+Overview WithFound(Overview overview, const std::vector<Condition>& found);
+
+/// The overview with the times, acknowledgements and silences of those of its conditions that
+/// somebody has watched.
+Overview WithWatched(Overview overview, const std::vector<Condition>& watched);
 
 Counts CountsOf(const Answers& answers);
 

@@ -24,7 +24,7 @@ constexpr Row kRows[] = {
                 "Whatever lies on it cannot be read or written.",
      .next_step = "Put the disk that was pulled last back first; restore from a backup if none "
                   "comes back",
-     .command = "vexorctl vd show {a}",
+     .command = "vexorctl risk {a}",
      .raised_by = "state offline",
      .cleared_by = "any better state",
      .message_id = "c12787ed6ac8d04b7b3e9cf75181770f",

@@ -69,9 +69,10 @@ struct Told {
 
 struct SeenVirtualDisk {
     Object object;
-    Ticks checked = 0;            // the last check, or the first look
-    bool check_found = false;     // the running check has found stripes that disagree
-    bool check_was_seen = false;  // the running check was seen from its start
+    std::vector<Object> members{};  // the disk that last held valid data, by position
+    Ticks checked = 0;              // the last check, or the first look
+    bool check_found = false;       // the running check has found stripes that disagree
+    bool check_was_seen = false;    // the running check was seen from its start
 };
 
 struct SeenProgress {

@@ -57,8 +57,8 @@ auto Members(hxc::Told& it) {
     return std::tie(found, count, causes, first_seen, since, since_is, began);
 }
 auto Members(hxc::SeenVirtualDisk& it) {
-    auto& [object, checked, found, seen] = it;
-    return std::tie(object, checked, found, seen);
+    auto& [object, members, checked, found, seen] = it;
+    return std::tie(object, members, checked, found, seen);
 }
 auto Members(hxc::Activity& it) {
     auto& [kind, state, percent, seconds_left] = it;

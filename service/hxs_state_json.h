@@ -15,7 +15,7 @@ struct StateTextError : std::runtime_error {
 };
 
 /// Changes with each change of the state's members: a text of another number cannot be read.
-inline constexpr int kStateVersion = 1;
+inline constexpr int kStateVersion = 2;
 
 std::string StateText(const hxconditions::State& state);
 

@@ -912,6 +912,31 @@ TEST(ALookWithoutADisksList, DoesNotMakeAVirtualDiskBetter) {
 
 // ---- Damping ----
 
+TEST(ASmallDisk, InTheBayOfALostMemberIsTold) {
+    Watcher watcher;
+    Answers answers = GoodMachine();
+    watcher.Look(answers);
+    // The lost position names no disk any more.
+    Fail(answers, 5);
+    VirtualDiskAt(answers, 1).members[1] = {};
+    Disk& replacement = DiskAt(answers, 5);
+    replacement.status = NumberOf(DiskBit::kOnline);
+    replacement.serial = "SMALL";
+    replacement.sectors = replacement.free_sectors.emplace(1000);
+    watcher.LookFor(30, answers);
+    const Condition* const small = Find(watcher.overview, Code::kReplacementTooSmall);
+    ASSERT_NE(small, nullptr) << CodesOf(watcher.overview);
+    EXPECT_EQ(small->object.address, "a0/pd5");
+    EXPECT_TRUE(small->sentence.ends_with("is too small for DATA (a0/vd1): 500 KiB < 100 GiB"))
+        << small->sentence;
+    EXPECT_EQ(CodesOf(watcher.overview), "REPLACEMENT_TOO_SMALL VD_NO_REDUNDANCY");
+    EXPECT_EQ(watcher.overview.heads[0].code, Code::kVdNoRedundancy) << "it is the cause";
+    replacement.sectors = replacement.free_sectors.emplace(1ULL << 40);
+    replacement.serial = "LARGE";
+    watcher.Look(answers);
+    EXPECT_EQ(Find(watcher.overview, Code::kReplacementTooSmall), nullptr);
+}
+
 TEST(LostEvents, AreAtLeastThoseThatWereCountedOnceAStoreWasReset) {
     Watcher watcher;
     Answers answers = GoodMachine();

@@ -295,6 +295,95 @@ TEST(ARaid10WithOneDiskOut, SaysWhichDisksMayStillFail) {
               "a0/pd4 failed; no spare fits");
 }
 
+struct OfflineCase {
+    std::string name;
+    void (*spoil)(Answers&);
+    std::string next_step;
+};
+class AnOfflineVirtualDisk : public testing::TestWithParam<OfflineCase> {};
+TEST_P(AnOfflineVirtualDisk, IsMendedByWhatItsCauseAllows) {
+    Answers answers = GoodMachine();
+    Fail(answers, 4);
+    GetParam().spoil(answers);
+    VirtualDiskAt(answers, 1).state = NumberOf(hxcodes::State::kOffline);
+    const Overview overview = LookOnce(answers, {}, {});
+    ASSERT_EQ(overview.heads[0].code, Code::kVdOffline);
+    EXPECT_EQ(overview.heads[0].next_step, GetParam().next_step);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Causes, AnOfflineVirtualDisk,
+    testing::Values(
+        OfflineCase{"Pulled", [](Answers& it) { Pull(it, 5); },
+                    "Put the disk that was pulled last back first; restore from a backup if none "
+                    "comes back"},
+        OfflineCase{"SetOffline",
+                    [](Answers& it) {
+                        Fail(it, 5);
+                        DiskAt(it, 5).status = 0x85;
+                    },
+                    "Set it online again"},
+        OfflineCase{"Failed", [](Answers& it) { Fail(it, 5); },
+                    "Replace the failed disks and restore from a backup"}),
+    [](const auto& each) { return each.param.name; });
+
+TEST(AReportedHindrance, ExplainsTheHeadOfItsVirtualDisk) {
+    class Standing : public Movement {
+        bool Stands(const Object& object) const override { return object.address == "a0/vd1"; }
+    };
+    Answers answers = DegradedMachine();
+    Rebuild(answers, 1, 29);
+    EXPECT_EQ(HeadsOf(LookOnce(answers, {}, {})), "VD_REBUILDING_UNPROTECTED");
+    const Standing standing;
+    const Overview look = LookOnce(answers, {}, {}, &standing);
+    Condition stalled;
+    stalled.code = Code::kRebuildStalled;
+    stalled.level = Level::kWarning;
+    stalled.object.kind = Kind::kVirtualDisk;
+    stalled.object.adapter = 0;
+    stalled.object.id = 1;
+    stalled.object.address = "a0/vd1";
+    stalled.sentence = "the rebuild has not moved for 31 min";
+    stalled.next_step = "Raise the rate";
+    const Overview overview = WithFound(look, {stalled});
+    ASSERT_EQ(overview.heads[0].code, Code::kVdNoRedundancy);
+    EXPECT_EQ(overview.heads[0].hindrance, Code::kRebuildStalled);
+    EXPECT_EQ(overview.heads[0].next_step, "Raise the rate");
+    EXPECT_TRUE(overview.heads[0].sentence.ends_with("; the rebuild has not moved for 31 min"));
+    EXPECT_EQ(overview.warning, look.warning) << "it is counted once, under its head";
+}
+
+TEST(WhatWasLastSeen, FoldsIntoTheControllerThatIsNotReached) {
+    Answers answers;
+    answers.machine.result = Query::Result::kFailed;
+    Condition seen;
+    seen.code = Code::kDiskFailed;
+    seen.level = Level::kWarning;
+    seen.object.kind = Kind::kDisk;
+    seen.object.adapter = 0;
+    seen.is_stale = true;
+    const Overview overview = WithFound(LookOnce(answers, {}, {}), {seen});
+    EXPECT_EQ(overview.warning, 0U);
+    ASSERT_EQ(overview.heads[0].code, Code::kControllerUnreachable);
+    EXPECT_EQ(overview.heads[0].folded.size(), 1U);
+}
+
+TEST(AWatchedCondition, HasItsTimeAndItsSilence) {
+    const Overview look = LookOnce(DegradedMachine(), {}, {});
+    Condition watched = look.heads[0];
+    watched.since = 77;
+    watched.since_is = SinceIs::kEvent;
+    watched.silenced_until = 99;
+    Condition other = look.heads[0];
+    other.object.name = "ANOTHER";
+    other.since = 88;
+    const Overview overview = WithWatched(look, {other, watched});
+    EXPECT_EQ(overview.silenced, 1U);
+    EXPECT_EQ(overview.heads.back().code, look.heads[0].code) << "silenced ones come last";
+    EXPECT_EQ(overview.heads.back().since, 77);
+    EXPECT_EQ(WithoutSilenced(overview).silenced, 1U);
+    EXPECT_EQ(WithoutSilenced(overview).critical, 0U);
+}
+
 TEST(FurtherHeads, HaveTheirPlacesAndCount) {
     const Overview look = LookOnce(DegradedMachine(), {}, {});
     Condition worse;
@@ -303,7 +392,7 @@ TEST(FurtherHeads, HaveTheirPlacesAndCount) {
     Condition less;
     less.code = Code::kEventsLost;
     less.level = Level::kWarning;
-    const Overview overview = WithHeads(look, {less, worse});
+    const Overview overview = WithFound(look, {less, worse});
     ASSERT_EQ(overview.heads.size(), look.heads.size() + 2);
     EXPECT_EQ(overview.heads.front().code, Code::kVdOffline);
     EXPECT_EQ(overview.critical, look.critical + 1);

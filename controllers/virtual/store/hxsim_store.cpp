@@ -116,6 +116,14 @@ void RequireFile(const std::string& path) {
     if (found.st_size == 0) ThrowNoMachine(path);
 }
 
+// Refuses a file that may only be read, before SQLite opens it so and refuses the first change
+// only: time passes in the machine with every look, and whoever sees it is to be able to act.
+void RequireWritable(const std::string& path) {
+    if (faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0) return;
+    throw StoreError(path + " cannot be opened for writing (" + std::strerror(errno) +
+                     "); make it writable, or name another file in HXSIM_STATE.");
+}
+
 // The absolute path, so that a later change of the working folder does not change the file.
 std::string Absolute(const std::string& path) {
     if (path == kMemory) return path;
@@ -294,6 +302,7 @@ private:
     void Connect(const Machine* inherited) {
         if (path_ != kMemory && if_missing_ == IfMissing::kMake) MakeFile(path_);
         if (path_ != kMemory && if_missing_ == IfMissing::kRefuse) RequireFile(path_);
+        if (path_ != kMemory) RequireWritable(path_);
         link_ = std::make_unique<Link>(path_);
         known_head_.reset();
         Transaction transaction(link_->connection);

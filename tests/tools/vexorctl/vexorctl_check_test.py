@@ -6,8 +6,11 @@ usage: vexorctl_check_test.py VEXORCTL [TEST]...
 """
 
 import json
+import os
 import re
 import sqlite3
+import struct
+import subprocess
 import time
 
 import vexorctl_machine
@@ -20,6 +23,20 @@ ITEM = re.compile(r"[a-z0-9_]+=-?[0-9]+%?(;(~|-?[0-9]+)?:?(-?[0-9]+)?){0,2};?")
 class CheckCase(VexorctlCase):
     topology = "small"
 
+    CONDITION = {
+        "code": "VD_BLOCK_LOST", "level": "critical",
+        "object": {"kind": "vd", "address": "a0/vd0", "name": "DATA", "serial": None},
+        "sentence": "DATA (a0/vd0): block 7 is lost", "folded": [], "stale": False,
+        "next_step": {"text": "Restore the file", "command": None}}
+
+    def publish(self, age=0, **members):
+        report = {"schema": "hxraidsvc-status/1", "written_at": int(time.time()) - age,
+                  "interval_s": 3600.0, "once": False, "conditions": [self.CONDITION], **members}
+        file = self.root / "run" / "hxraid" / "status.json"
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_text(json.dumps(report))
+        return file
+
     def happen(self, *steps):
         """Steps of a scenario, or commands of vexorctl."""
         for step in steps:
@@ -27,9 +44,12 @@ class CheckCase(VexorctlCase):
                 run = self.run_words(*step.split()[1:], "--yes")
                 self.assertEqual(run.returncode, 0, (step, run.stderr))
             else:
-                path = self.root / "story"
-                path.write_text(step + "\n")
-                self.machine.hxsimctl("scenario", "run", path)
+                self.machine_story(step)
+
+    def machine_story(self, text):
+        path = self.root / "story"
+        path.write_text(text + "\n")
+        self.machine.hxsimctl("scenario", "run", path)
 
     def document(self):
         run = self.run_words("check", "-o", "json")
@@ -52,20 +72,6 @@ class CheckCase(VexorctlCase):
 
 class ServiceReport(CheckCase):
     """What the event service has published, and check knows from there alone."""
-
-    CONDITION = {
-        "code": "VD_BLOCK_LOST", "level": "critical",
-        "object": {"kind": "vd", "address": "a0/vd0", "name": "DATA", "serial": None},
-        "sentence": "DATA (a0/vd0): block 7 is lost", "folded": [], "stale": False,
-        "next_step": {"text": "Restore the file", "command": None}}
-
-    def publish(self, age=0, **members):
-        report = {"schema": "hxraidsvc-status/1", "written_at": int(time.time()) - age,
-                  "interval_s": 3600.0, "once": False, "conditions": [self.CONDITION], **members}
-        file = self.root / "run" / "hxraid" / "status.json"
-        file.parent.mkdir(parents=True, exist_ok=True)
-        file.write_text(json.dumps(report))
-        return file
 
     def codes(self):
         return [each["code"] for each in self.document()[0]["conditions"]]
@@ -101,12 +107,129 @@ class ServiceReport(CheckCase):
             with self.subTest(text=text):
                 self.publish().write_text(text)
                 self.assertEqual(self.codes(), ["NOT_WATCHED"])
-        for broken in ({"conditions": [7]}, {"conditions": [{"code": 7}]}, {"written_at": "now"}):
+        for broken in ({"conditions": [7]}, {"conditions": [{"code": 7}]}, {"written_at": "now"},
+                       {"store": {"next": "?"}}):
             with self.subTest(broken=broken):
                 self.publish(**broken)
                 self.assertEqual(self.codes(), ["NOT_WATCHED"])
         self.publish(conditions=[{**self.CONDITION, "code": "NO_SUCH_CODE"}])
         self.assertEqual(self.codes(), [])
+
+
+    def report_of(self, code, level, address, kind="vd", **members):
+        return {**self.CONDITION, "code": code, "level": level, "sentence": f"{address}: {code}",
+                "object": {"kind": kind, "address": address, "name": None, "serial": None},
+                **members}
+
+    def test_adds_a_free_disk_and_a_battery_that_memory_alone_misses(self):
+        self.happen("disk remove a0/pd7", "battery remove a0")
+        self.publish(conditions=[
+            self.report_of("DISK_MISSING", "warning", "a0/pd7", "disk"),
+            self.report_of("DISK_MISSING", "warning", "a0/pd6", "disk"),
+            self.report_of("BATTERY_REMOVED", "warning", "a0", "battery")])
+        self.expect(1, "DISK_MISSING", "BATTERY_REMOVED")
+        self.assertIn("a0/pd7: DISK_MISSING", self.run_words("check").stdout)
+
+    def test_adds_what_this_look_cannot_read_as_it_was_last_seen(self):
+        self.machine.hxsimctl("inject", "--call", "HX_LD_GetInfo", "--code", "7")
+        self.publish(conditions=[self.report_of("VD_OFFLINE", "critical", "a0/vd0",
+                                                last_seen="2026-11-22T02:31:00Z")])
+        document = self.expect(2, "VD_OFFLINE", "VDS_UNREADABLE")
+        self.assertTrue(document["conditions"][0]["stale"])
+        self.assertIn("a0/vd0: VD_OFFLINE; last seen 2026-11-22 02:31:00 UTC",
+                      self.run_words("check").stdout)
+
+    def test_tells_that_a_rebuild_stands_still(self):
+        self.happen(DATA, "disk fail a0/pd5", "disk replace a0/pd5", "+5m")
+        self.expect(1, "VD_REBUILDING_UNPROTECTED")
+        stalled = self.report_of("REBUILD_STALLED", "warning", "a0/vd0",
+                                 sentence="the rebuild has not moved for 31 min")
+        stalled["object"]["name"] = "DATA"
+        self.publish(conditions=[stalled])
+        document = self.expect(2, "VD_NO_REDUNDANCY: REBUILD_STALLED")
+        head = document["conditions"][0]
+        self.assertEqual(head["hindrance"], "REBUILD_STALLED")
+        self.assertTrue(head["sentence"].endswith("; the rebuild has not moved for 31 min"))
+
+    def test_lends_times_acknowledgements_and_silences(self):
+        self.happen("smart trip a0/pd4")
+        disk = self.document()[0]["conditions"][0]["object"]
+        self.publish(conditions=[{
+            **self.CONDITION, "code": "DISK_PREDICTED_FAILURE", "level": "warning", "object": disk,
+            "since": "2026-11-22T02:31:20Z", "since_is": "event",
+            "first_seen": "2026-11-22T02:31:21Z", "last_seen": "2026-11-22T02:41:20Z",
+            "acknowledged": {"by": "jo", "at": "2026-11-22T03:00:00Z", "note": None},
+            "silenced_until": "2099-01-01T00:00:00Z"}])
+        document = self.expect(1, "DISK_PREDICTED_FAILURE")
+        head = document["conditions"][0]
+        self.assertEqual((head["since"], head["since_is"]), ("2026-11-22T02:31:20Z", "event"))
+        self.assertEqual(head["acknowledged"]["by"], "jo")
+        run = self.run_words("check")
+        self.assertIn("; 1 silenced | ", run.stdout)
+        self.assertIn(", since 2026-11-22 02:31:20 UTC", run.stdout)
+        run = self.run_words("check", "--honour-silences")
+        self.assertEqual(run.returncode, 0)
+        self.assertIn("; 1 silenced | ", run.stdout)
+
+
+class EventStore(CheckCase):
+    """Check looks at the store's file itself, whether a service has reported or not."""
+
+    def store(self, content=None):
+        path = self.root / "opt/kestrel/raid/db/vx_hx_raid.ev"
+        path.parent.mkdir(parents=True, exist_ok=True)
+        if content is not None:
+            path.write_bytes(content)
+        return path
+
+    def head(self, count, capacity, start, end):
+        return struct.pack("<32s5I", b"Ombra Event File v0.1", count, capacity, start, end,
+                           start) + bytes(60)
+
+    def test_that_is_damaged_is_told(self):
+        for content in (b"", b"random bytes" * 100, self.head(7, 5, 0, 7), self.head(3, 5, 0, 4),
+                        self.head(0, 0, 0, 0), self.head(2, 5, 9, 11)):
+            with self.subTest(content=content[:40]):
+                path = self.store(content)
+                document = self.expect(1, "STORE_DAMAGED")
+                head = document["conditions"][0]
+                self.assertIn(str(path), head["sentence"])
+                self.assertEqual(head["next_step"]["text"],
+                                 "Move it aside; the service makes a new one")
+        self.assertIn("the event store is damaged", self.run_words("overview").stdout)
+
+    def test_that_is_good_or_not_there_yet_is_no_news(self):
+        self.store()
+        self.expect(0)
+        for content in (self.head(0, 5, 0, 0), self.head(5, 5, 2, 1), self.head(3, 5, 0, 3)):
+            with self.subTest(content=content[:60]):
+                self.store(content)
+                self.expect(0)
+
+    def test_that_cannot_be_read_is_unknown(self):
+        path = self.store()
+        path.mkdir()
+        document = self.expect(3, "STORE_UNREADABLE")
+        self.assertIn(f"{path}: Is a directory", document["conditions"][0]["sentence"])
+
+    def test_that_had_events_and_is_gone_is_told(self):
+        self.publish(age=3 * 3600 + 600, conditions=[],
+                              store={"first": 0, "next": 12})
+        document = self.expect(1, "SERVICE_STALE", "STORE_UNREADABLE")
+        head = document["conditions"][1]
+        self.assertIn("No such file or directory", head["sentence"])
+        self.assertIn("install -d -m 0755 " + str(self.store().parent), head["next_step"]["text"])
+
+    def test_is_looked_at_again_after_the_service_has(self):
+        store = {"kind": "store", "address": None, "name": "the event store", "serial": None}
+        report = {**self.CONDITION, "code": "STORE_DAMAGED", "level": "warning",
+                  "sentence": "the event store is damaged", "object": store}
+        self.publish(conditions=[report])
+        self.expect(1, "STORE_DAMAGED")  # there is nothing to look at
+        self.store(self.head(3, 5, 0, 3))
+        self.expect(0)
+        self.store(b"")
+        self.expect(1, "STORE_DAMAGED")
 
 
 class WorkedExample(CheckCase):
@@ -174,6 +297,31 @@ STORIES = {
     "an offline virtual disk": [
         ([DATA, "disk fail a0/pd4", "disk remove a0/pd5"], 2,
          "VD_OFFLINE: DISK_FAILED DISK_MISSING"),
+        (["disk insert a0/pd5"], 2, "VD_NO_REDUNDANCY: DISK_FAILED SPARE_NONE"),
+    ],
+    "a virtual disk that was set offline": [
+        ([DATA, "disk fail a0/pd4", "make a0/pd5 offline"], 2,
+         "VD_OFFLINE: DISK_FAILED DISK_OFFLINE"),
+    ],
+    "RAID 10": [
+        (["create vd a0 name=DATA raid=10 disks=4,5,6,7 size=200GiB init=none",
+          "disk fail a0/pd4"], 2, "VD_NO_REDUNDANCY: DISK_FAILED SPARE_NONE"),
+        (["disk replace a0/pd4", "+20h"], 0),
+    ],
+    "a member that is missing at boot": [
+        ([DATA, "disk remove a0/pd4", "power-cut"], 2,
+         "VD_NO_REDUNDANCY: DISK_MISSING SPARE_NONE"),
+        (["disk insert a0/pd4", "+20h"], 0),
+        (["disk remove a0/pd4", "disk remove a0/pd5", "disk remove a0/pd6", "power-cut"], 2,
+         "VD_OFFLINE: DISK_MISSING DISK_MISSING DISK_MISSING"),
+    ],
+    "a foreign disk": [
+        (["disk replace a0/pd4 --foreign"], 1, "DISK_FOREIGN"),
+        (["vexorctl disk wipe a0/pd4"], 0),
+    ],
+    "a migration that is paused": [
+        ([DATA, "migrate vd a0/vd0 raid=5 disks=4,5,6,7", "pause a0/vd0"], 1, "ACTIVITY_PAUSED"),
+        (["resume a0/vd0"], 0),
     ],
     "automatic rebuild": [
         ([DATA, "set a0 auto_rebuild=0", "spare a0/pd7", "disk fail a0/pd5"], 2,
@@ -188,6 +336,7 @@ STORIES = {
     "a disk that was set offline": [
         (["create vd a0 name=DATA raid=6 disks=4,5,6,7 size=200GiB init=none",
           "make a0/pd4 offline"], 1, "VD_REDUNDANCY_REDUCED: DISK_OFFLINE SPARE_NONE"),
+        (["make a0/pd4 online"], 1, "VD_REBUILDING"),
     ],
     "a disk that announces its failure": [
         (["smart trip a0/pd4"], 1, "DISK_PREDICTED_FAILURE"),
@@ -196,6 +345,7 @@ STORIES = {
     "a disk group": [
         (["create dg a0 name=G raid=5 disks=4,5,6", "disk fail a0/pd4"], 1,
          "DISK_FAILED", "DG_DEGRADED"),
+        (["disk replace a0/pd4", "+20h"], 0),
     ],
     "the battery": [
         ([DATA, "battery remove a0"], 1, "BATTERY_REMOVED: CACHE_FORCED_WRITE_THROUGH"),
@@ -204,6 +354,8 @@ STORIES = {
         (["+12h"], 0),
         (["battery temperature a0 71"], 1, "BATTERY_TEMPERATURE: CACHE_FORCED_WRITE_THROUGH"),
         (["battery temperature a0 29"], 0),
+        (["battery voltage a0 5000"], 1, "BATTERY_VOLTAGE: CACHE_FORCED_WRITE_THROUGH"),
+        (["battery voltage a0 4012"], 0),
         (["vexorctl battery set a0 --use off"], 1, "BATTERY_OFF: CACHE_FORCED_WRITE_THROUGH"),
         (["vexorctl battery set a0 --use on"], 0),
     ],
@@ -216,7 +368,17 @@ STORIES = {
 
 
 class Stories(CheckCase):
-    pass
+    def test_what_is_information(self):
+        for steps, *codes in (
+                (["vexorctl disk set a0/pd4 --smart off"], "DISK_SMART_OFF"),
+                (["vexorctl disk set a0/pd4 --smart on", "set a0 auto_rebuild=0"],
+                 "AUTO_REBUILD_DISABLED"),
+                (["set a0 auto_rebuild=1", "relearn a0"], "BATTERY_RELEARNING")):
+            with self.subTest(steps=steps):
+                self.happen(*steps)
+                document = self.expect(0)
+                self.assertEqual([each["code"] for each in document["conditions"]],
+                                 [*codes, "NOT_WATCHED"])
 
 
 def _story(steps):
@@ -250,6 +412,24 @@ class DefaultMachine(CheckCase):
         self.assertIn("fan a0/enc0/el2 reports critical: 0 rpm", sentences)
 
 
+    def test_a_shelf_that_goes_takes_its_virtual_disks_along(self):
+        self.happen("enclosure unplug a0/enc0")
+        document, code = self.document()
+        self.assertEqual(code, 2)
+        heads = {(each["code"], each["object"]["address"]) for each in document["conditions"]}
+        self.assertIn(("VD_OFFLINE", "a0/vd0"), heads)
+        self.happen("enclosure plug a0/enc0")
+        document, code = self.document()
+        self.assertNotIn("VD_OFFLINE", [each["code"] for each in document["conditions"]])
+
+    def test_states_of_elements_are_told(self):
+        for state, *heads in (("unrecoverable", "ENC_ELEMENT_CRITICAL"),
+                              ("unknown", "ELEMENT_STATE_UNKNOWN"), ("not_available",),
+                              ("not_installed",), ("ok",)):
+            with self.subTest(state=state):
+                self.machine.hxsimctl("element", "a0/enc0/el5", state)
+                self.expect({"unrecoverable": 2, "unknown": 3}.get(state, 0), *heads)
+
     def test_a_disk_is_told_by_its_serial_number_and_its_bay(self):
         disks = json.loads(self.run_words("disk", "list", "a0", "-o", "json").stdout)["items"]
         disk = next(each for each in disks if each["enclosure"] == "a0/enc0")
@@ -265,6 +445,75 @@ class DefaultMachine(CheckCase):
         self.assertEqual(code, 0)
 
 
+# What happens between two rounds of the service, and the heads that check has from its report then.
+WATCHED = {
+    "lost blocks": (["event a0/vd0 LD_INCONSISTENT_LBA 0,800000"], 2, "VD_BLOCK_LOST"),
+    "time-outs": (["repeat 3", "event a0/pd3 HD_TIMEOUT", "end"], 1, "DISK_TIMEOUTS"),
+    "two time-outs": (["repeat 2", "event a0/pd3 HD_TIMEOUT", "end"], 0),
+    "read errors": (["repeat 5", "event a0/pd3 HD_RW_ERROR", "end"], 1, "DISK_MEDIA_ERRORS"),
+    "a table of remaps": (["event a0/pd3 BAD_BLOCK_TBL_80_FULL"], 1, "DISK_REMAP_NEARLY_FULL"),
+    "a full table of remaps": (["event a0/pd3 BAD_BLOCK_TBL_80_FULL",
+                                "event a0/pd3 BAD_BLOCK_TBL_FULL"], 1, "DISK_REMAP_FULL"),
+    "a failed media patrol": (["event a0/pd3 HD_MP_ERROR"], 1, "ACTIVITY_FAILED"),
+    "a charger": (["event a0 BAT_CHARGER_PROBLEM_DETECTED"], 1, "BATTERY_CHARGER"),
+    "a memory error": (["event a0 MISC_MUTLI_BIT_ECC_ERR 1,2,1"], 2, "ADAPTER_MEMORY_FAILED"),
+    "corrected memory errors": (["repeat 10", "event a0 MISC_SINGLE_BIT_ECC_ERR", "end"], 1,
+                                "ADAPTER_MEMORY_ERRORS"),
+    "a lost configuration": (["event a0 MISC_PREVIOUS_CONFIG_MISSING_AT_BOOT"], 2,
+                             "ADAPTER_CONFIG_LOST"),
+    "inconsistent stripes": (["event a0/vd0 LD_FOUND_ERROR 3"], 1, "VD_INCONSISTENT"),
+    "repaired stripes": (["event a0/vd0 LD_FOUND_ERROR 3", "event a0/vd0 LD_FIXED"], 0),
+    "a rebuild that failed": (["disk fail a0/pd5", "disk replace a0/pd5", "+10m disk fail a0/pd5"],
+                              2, "VD_NO_REDUNDANCY: REBUILD_FAILED DISK_FAILED SPARE_NONE"),
+    "lost events": (["repeat 300", "disk fail a0/pd7", "disk replace a0/pd7", "end"], 1,
+                    "EVENTS_LOST"),
+}
+
+
+class Watched(CheckCase):
+    """What only events and memory tell: the service looks before and after, and check looks then."""
+
+    def setUp(self):
+        super().setUp()
+        settings = self.root / "etc/hxraid/hxraidsvc.conf"
+        settings.parent.mkdir(parents=True, exist_ok=True)
+        settings.write_text('[collect]\ninterval = "1h"\n')  # a report is fresh for that long
+        (self.root / "opt/kestrel/raid/db").mkdir(parents=True, exist_ok=True)
+        self.happen("create vd a0 name=DATA raid=5 disks=4,5,6 size=200GiB init=quick", "+20h")
+        self.look()
+
+    def look(self):
+        subprocess.run([os.path.join(vexorctl_machine.PROGRAMS, "hxraidsvc"), "--once"],
+                       env=self.environment, capture_output=True, check=True)
+
+
+    def test_a_replacement_that_is_too_small(self):
+        self.happen("disk fail a0/pd5", "disk replace a0/pd5 --size 20GiB")
+        self.look()
+        document = self.expect(2, "VD_NO_REDUNDANCY: REPLACEMENT_TOO_SMALL SPARE_NONE")
+        self.assertIn("a0/pd5", document["conditions"][0]["sentence"])
+        self.happen("disk replace a0/pd5 --size 1800GiB")
+        self.look()
+        document, _ = self.document()
+        self.assertNotIn("REPLACEMENT_TOO_SMALL", str(document["conditions"]))
+
+    def test_a_rebuild_stands_where_its_rate_is_none(self):
+        self.happen("set a0 rebuild_rate=0", "disk fail a0/pd5", "disk replace a0/pd5")
+        self.expect(1, "VD_REBUILDING_UNPROTECTED")
+
+def _watched(steps, code, *heads):
+    def test(self):
+        self.expect(0)
+        self.machine_story("\n".join(steps))
+        self.look()
+        self.expect(code, *heads)
+    return test
+
+
+for _name, _case in WATCHED.items():
+    setattr(Watched, "test_" + _name.replace(" ", "_").replace("-", "_"), _watched(*_case))
+
+
 class Unreachable(CheckCase):
     def test_a_query_that_fails_is_unknown_and_what_it_counts_is_null(self):
         self.machine.hxsimctl("inject", "--call", "HX_LD_GetInfo", "--code", "7")
@@ -274,6 +523,29 @@ class Unreachable(CheckCase):
         self.assertTrue(run.stdout.startswith("UNKNOWN: virtual disks of a0 cannot be read: "
                                               "HX_LD_GetInfo 7"), run.stdout)
         self.assertNotIn("vds=", run.stdout)
+
+    def test_each_query_has_its_row(self):
+        for call, row in {"HX_Adapter_GetInfo": "ADAPTER_UNREADABLE",
+                          "HX_BLK_GetInfo": "VDS_UNREADABLE",
+                          "HX_PD_GetHDInfo_Ext": "DISKS_UNREADABLE",
+                          "HX_ENC_GetEnclosureInfo": "ENCLOSURES_UNREADABLE",
+                          "HX_PD_GetSmartStatus": "SMART_UNREADABLE",
+                          "HX_DG_GetInfo": "GROUPS_UNREADABLE",
+                          "HX_Adapter_GetConfig": "SETTINGS_UNREADABLE"}.items():
+            with self.subTest(call=call):
+                self.machine.hxsimctl("inject", "--call", call, "--code", "7")
+                self.expect(3, row)
+                self.machine.hxsimctl("inject", "clear")
+                self.expect(0)
+
+    def test_broken_firmware_is_one_line(self):
+        self.machine.hxsimctl("inject", "--hostile")
+        document, returncode = self.document()
+        self.assertNotEqual(returncode, 0)
+        unknown = [each["code"] for each in document["conditions"] if each["level"] == "unknown"]
+        self.assertEqual(unknown, ["ANSWER_IMPLAUSIBLE"])
+        self.machine.hxsimctl("inject", "clear")
+        self.expect(0)
 
     def test_an_unread_list_of_virtual_disks_beats_a_failed_disk_and_that_an_unread_battery(self):
         self.happen("disk fail a0/pd5")
@@ -311,8 +583,17 @@ class Unreachable(CheckCase):
 
     def test_an_adapter_that_is_not_there_is_unknown(self):
         run = self.run_words("check", "a9")
-        self.assertIn("there is no adapter a9", run.stdout)
+        self.assertEqual(run.stdout, "UNKNOWN: a9: there is no adapter a9; there are 1\n")
         self.assertEqual(run.returncode, 3)
+
+    def test_an_output_that_takes_nothing_is_unknown(self):
+        for words in (["check"], ["check", "-o", "json"], ["check", "--bogus"]):
+            with self.subTest(words=words), open("/dev/full", "w") as full:
+                run = subprocess.run([os.path.join(vexorctl_machine.PROGRAMS, "vexorctl"), *words],
+                                     stdout=full, stderr=subprocess.PIPE, text=True,
+                                     env=self.environment, check=False)
+                self.assertEqual((run.returncode, run.stderr),
+                                 (3, "vexorctl: standard output: No space left on device\n"))
 
     def test_a_target_that_is_no_adapter_is_not_taken_for_all_of_them(self):
         for target in ("a0/pd1", "name:DATA", "serial:none"):

@@ -115,7 +115,10 @@ constexpr FunctionQuery kQueries[] = {
 };
 
 void Fail(Query& query, Query::Result result, const Fault& fault) {
-    if (query.Failed()) return;  // the first reason is told
+    // The first reason is told; but a refusal explains what is missing in the answers.
+    const bool explains =
+        query.result == Query::Result::kImplausible && result == Query::Result::kFailed;
+    if (query.Failed() && !explains) return;
     query.result = result;
     query.call = fault.function;
     query.code = static_cast<unsigned>(fault.code);

@@ -98,6 +98,8 @@ hxc::Answers Look(Invocation& invocation) {
     try {
         SelectTargets(invocation);
     } catch (const Failure& failure) {
+        // An adapter that is not there tells nothing of the controller.
+        if (failure.exit == Exit::kNoObject && !invocation.Has("--output")) throw;
         return UnreachableHealth(failure.exit, failure.what());
     } catch (const Unavailable& failure) {
         const std::string subject = failure.subject.empty() ? "" : failure.subject + ": ";
@@ -113,7 +115,18 @@ void PrintLines(const hxc::Overview& overview, const hxc::Answers& answers) {
     PrintText(text);
 }
 
-Exit Check(Invocation& invocation) {
+// Other exit codes mean nothing to a monitoring system, not even where it cannot be told anything.
+template <class Print>
+Exit ExitOf(Print print) {
+    try {
+        return print();
+    } catch (const OutputError& failure) {
+        ReportFailure("standard output", failure.what());
+        return static_cast<Exit>(kUnknownExit);
+    }
+}
+
+Exit LookAndPrint(Invocation& invocation) {
     LimitTime(invocation);
     const hxc::Answers answers = Look(invocation);
     hxc::Overview overview = LookWithService(answers, std::time(nullptr));
@@ -128,9 +141,15 @@ Exit Check(Invocation& invocation) {
     return static_cast<Exit>(hxc::ExitCodeOf(overview.overall));
 }
 
+Exit Check(Invocation& invocation) {
+    return ExitOf([&] { return LookAndPrint(invocation); });
+}
+
 Exit CannotBegin(const std::string& reason) {
-    PrintText("UNKNOWN: " + Printable(reason) + "\n");
-    return static_cast<Exit>(kUnknownExit);
+    return ExitOf([&] {
+        PrintText("UNKNOWN: " + Printable(reason) + "\n");
+        return static_cast<Exit>(kUnknownExit);
+    });
 }
 
 constexpr OptionRow kOptions[] = {

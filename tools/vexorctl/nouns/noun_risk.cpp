@@ -173,8 +173,8 @@ constexpr CommandRow kCommands[] = {
          "spare would step in or why none does, and how long the rebuild would take, by the "
          "latest rebuild of the same adapter that the event store tells of from its start to "
          "its end; what its disks have in common, and which of them are weak. The exit code is "
-         "9 when a failure that comes next loses data of one of them, and 1 when that of one "
-         "is not known."},
+         "9 when a failure that comes next loses data of one of them, which it always does at a "
+         "level without redundancy, and 1 when that of one is not known."},
 };
 
 }  // namespace
