@@ -10,6 +10,7 @@
 #include "codes/event.h"
 #include "common/number.h"
 #include "common/size.h"
+#include "incidents/hxsim_incident_activity.h"
 #include "incidents/hxsim_incident_battery.h"
 #include "incidents/hxsim_incident_disk.h"
 #include "incidents/hxsim_incident_enclosure.h"
@@ -286,6 +287,14 @@ void AddEvent(const Command& app, Action& action) {
     });
 }
 
+void AddStall(const Command& app, Action& action) {
+    AddOnObject(app, "stall", "What runs on a virtual disk gets nowhere, until a rate is set",
+                ObjectKind::kVirtualDisk, "a0/vd0", action,
+                [](Machine&, Adapter& adapter, Time now, const Object& object) {
+                    return hxsim::StallActivity(adapter, now, object.id);
+                });
+}
+
 // ---- power-cut ----
 
 void CutPower(Driver& driver) {
@@ -305,6 +314,7 @@ void AddIncidentCommands(const Command& app, Action& action) {
     AddElements(app, action);
     AddEnclosure(app, action);
     AddEvent(app, action);
+    AddStall(app, action);
     app.AddCommand("power-cut", "The power of all adapters fails and comes back")
         .WhenTyped([&action] { action = CutPower; });
     AddInjectCommands(app, action);

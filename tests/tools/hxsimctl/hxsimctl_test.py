@@ -338,6 +338,16 @@ class Commands(InFolder):
         self.run_scenario("element a0/enc0/el5 ok\nexpect element a0/enc0/el5 noncritical\n", 0)
         self.expect(2, "element", "a0/enc0/el5", "tired")
 
+    def test_a_rebuild_stands_still_while_the_clock_runs_on(self):
+        self.expect(0, "init", "--topology", "small")
+        self.expect(0, "clock", "freeze")
+        self.run_scenario("create vd a0 raid=5 disks=4,5,6 size=200GiB init=none\n"
+                          "disk fail a0/pd5\ndisk replace a0/pd5\nset a0 rebuild_rate=100\n"
+                          "+500s stall a0/vd0\nexpect activity a0/vd0 rebuild running 48%\n"
+                          "+10h expect activity a0/vd0 rebuild running 48%\n"
+                          "set a0 rebuild_rate=99\n+2h expect vd a0/vd0 optimal\n", 0)
+        self.expect(1, "stall", "a0/vd0")
+
     def test_an_event_is_told_and_nothing_else_happens(self):
         self.expect(0, "init", "--topology", "small")
         self.run_scenario("event a0/pd3 HD_TIMEOUT\nexpect event a0 HD_TIMEOUT 3\n"
