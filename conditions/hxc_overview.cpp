@@ -200,32 +200,34 @@ const Entry* HindranceOf(const Entry& head) {
     return nullptr;
 }
 
-const Entry* FoldedOf(const Entry& head, Code code) {
-    const auto found =
-        std::ranges::find_if(head.folded, [&](const Entry* each) { return each->code() == code; });
-    return found == head.folded.end() ? nullptr : *found;
-}
-
 // A disk that was pulled out can be put back, and one that was set offline be set online; one that
-// has failed does not come back.
-void AdviseOffline(Entry& head) {
-    if (FoldedOf(head, Code::kDiskMissing) != nullptr) return;
-    if (const Entry* const offline = FoldedOf(head, Code::kDiskOffline)) {
+// has failed does not come back. The disk may be folded into another virtual disk.
+void AdviseOffline(Entry& head, const Entries& entries) {
+    const auto lost = [&](Code code) {
+        return std::ranges::find_if(entries, [&](const Entry& each) {
+            return each.code() == code &&
+                   std::ranges::any_of(head.found().lost, [&](const LostMember& member) {
+                       return member.identity == each.found().object.identity;
+                   });
+        });
+    };
+    if (lost(Code::kDiskMissing) != entries.end()) return;
+    if (const auto offline = lost(Code::kDiskOffline); offline != entries.end()) {
         head.condition.next_step = Fill(offline->row->next_step, offline->found().values);
         head.condition.command = FillCommand(offline->row->command, offline->found().values);
         return;
     }
-    if (FoldedOf(head, Code::kDiskFailed) == nullptr) return;
+    if (lost(Code::kDiskFailed) == entries.end()) return;
     head.condition.next_step = "Replace the failed disks and restore from a backup";
 }
 
-void AddNextStep(Entry& head, const Values& values) {
+void AddNextStep(Entry& head, const Entries& entries, const Values& values) {
     Condition& condition = head.condition;
     const auto own = values.find(kNextStep);
     condition.next_step =
         own == values.end() ? Fill(head.row->next_step, values) : Fill(own->second, values);
     condition.command = FillCommand(head.row->command, values);
-    if (head.code() == Code::kVdOffline) AdviseOffline(head);
+    if (head.code() == Code::kVdOffline) AdviseOffline(head, entries);
     const bool asks_for_replacement =
         head.code() == Code::kVdNoRedundancy || head.code() == Code::kVdRedundancyReduced;
     if (!asks_for_replacement) return;
@@ -282,7 +284,7 @@ void Say(Entry& entry, const Entries& entries, std::int64_t real, bool is_watche
         const bool told = fits != values.end() && fits->second.starts_with(": ");
         condition.detail = told ? fits->second.substr(2) : PhraseOf(entry, real, is_watched);
     }
-    AddNextStep(entry, values);
+    AddNextStep(entry, entries, values);
 }
 
 // A disk in several virtual disks folds into the worst of them, but its text names all.

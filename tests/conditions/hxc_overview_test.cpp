@@ -309,6 +309,13 @@ TEST_P(AnOfflineVirtualDisk, IsMendedByWhatItsCauseAllows) {
     const Overview overview = LookOnce(answers, {}, {});
     ASSERT_EQ(overview.heads[0].code, Code::kVdOffline);
     EXPECT_EQ(overview.heads[0].next_step, GetParam().next_step);
+    // Another one on the same disks, which are folded into the first.
+    answers.adapters[0].virtual_disks.push_back(VirtualDiskAt(answers, 1));
+    answers.adapters[0].virtual_disks.back().id = 2;
+    answers.adapters[0].virtual_disks.back().name = "MORE";
+    const Overview both = LookOnce(answers, {}, {});
+    ASSERT_EQ(HeadsOf(both), "VD_OFFLINE VD_OFFLINE");
+    EXPECT_EQ(both.heads[1].next_step, GetParam().next_step);
 }
 INSTANTIATE_TEST_SUITE_P(
     Causes, AnOfflineVirtualDisk,

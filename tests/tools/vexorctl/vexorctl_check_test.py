@@ -497,9 +497,6 @@ class Watched(CheckCase):
         document, _ = self.document()
         self.assertNotIn("REPLACEMENT_TOO_SMALL", str(document["conditions"]))
 
-    def test_a_rebuild_stands_where_its_rate_is_none(self):
-        self.happen("set a0 rebuild_rate=0", "disk fail a0/pd5", "disk replace a0/pd5")
-        self.expect(1, "VD_REBUILDING_UNPROTECTED")
 
 def _watched(steps, code, *heads):
     def test(self):
