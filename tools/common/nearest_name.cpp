@@ -48,7 +48,9 @@ std::string_view NearestName(std::string_view typed, std::span<const std::string
     for (const std::string_view name : names) {
         if (name.size() > kLongestName) continue;
         const std::size_t mistakes = Mistakes(typed, name);
-        if (mistakes < least && 2 * mistakes < name.size()) {
+        // Of names of two letters one mistake is half; they are meant where one letter is too many.
+        const bool is_longer = name.size() >= 2 && typed.size() == name.size() + 1;
+        if (mistakes < least && (2 * mistakes < name.size() || (mistakes == 1 && is_longer))) {
             nearest = name;
             least = mistakes;
         }

@@ -93,6 +93,80 @@ class Facts(VexorctlCase):
         self.assertEqual(self.item("disk", "show", "a0/pd4")["state"], "copyback_target")
         self.assertEqual(self.redundancy("a0/vd2"), ("full", 2))
 
+    def test_a_task_tells_its_speed_its_end_and_what_it_is_for(self):
+        self.machine.hxsimctl("disk", "fail", "a0/pd1")
+        self.machine.hxsimctl("clock", "advance", "20m")
+        # Nobody has collected the events: neither 0 nor soon.
+        task = self.item("task", "list")
+        for key in ("start_time", "seconds_left", "rate_bytes_per_second"):
+            self.assertIsNone(task[key])
+        self.assertEqual((task["purpose"], task["targets"]),
+                         ("restores what is lost to a0/pd10", ["a0/pd10"]))
+        self.collect()
+        task = self.item("task", "list")
+        # 256 GiB at 70 MiB a second: an hour and two minutes.
+        self.assertAlmostEqual(task["rate_bytes_per_second"], 70 << 20, delta=100000)
+        self.assertAlmostEqual(task["seconds_left"], 0.68 * 3745, delta=2)
+        disk = self.item("vd", "show", "a0/vd0")
+        self.assertEqual((disk["activity_seconds_left"], disk["activity_rate_bytes_per_second"]),
+                         (task["seconds_left"], task["rate_bytes_per_second"]))
+        self.change("task", "pause", "a0/vd0")
+        for key, document in (("seconds_left", self.item("task", "list")),
+                              ("activity_seconds_left", self.item("vd", "show", "a0/vd0"))):
+            self.assertIsNone(document[key])
+        self.assertIn(" paused       32%     -     -\n", self.run_words("task", "list").stdout)
+
+    def test_a_groups_migration_has_the_pace_that_its_virtual_disks_tell(self):
+        self.change("dg", "migrate", "a0/dg0", "--raid", "6", "--to",
+                    "a0/pd0,a0/pd1,a0/pd2,a0/pd3,a0/pd11")
+        self.machine.hxsimctl("clock", "advance", "40m")
+        self.collect()
+        task = self.item("task", "list")
+        self.assertEqual(task["address"], "a0/dg0")
+        self.assertGreater(task["seconds_left"], 0)
+        self.assertGreater(task["rate_bytes_per_second"], 1 << 20)
+        self.assertEqual(task["targets"], [])
+        self.machine.hxsimctl("clock", "advance", f"{task['seconds_left'] + 120}s")
+        self.assertEqual(self.items("task", "list"), [])
+
+    def test_whether_a_virtual_disk_was_initialised_is_told_by_the_events(self):
+        # What was there when the adapter was found may have been initialised before.
+        self.machine.hxsimctl("clock", "advance", "1m")
+        self.change("vd", "create", "a0/pd13", "a0/pd14", "--raid", "1", "--name", "never",
+                    "--init", "none")
+        self.change("vd", "create", "a0/pd16", "--raid", "0", "--name", "plain")
+        self.assertIsNone(self.item("vd", "show", "name:never")["initialised"])
+        self.collect()
+        self.assertIs(self.item("vd", "show", "name:never")["initialised"], False)
+        self.assertIsNone(self.item("vd", "show", "name:plain")["initialised"])
+        table = self.run_words("vd", "list", "--columns", "name,initialised", "--no-header").stdout
+        self.assertEqual(table.split(), ["DATABASE", "?", "never", "no", "ARCHIVE", "?", "plain",
+                                         "-", "MIRROR", "?"])
+        address = self.item("vd", "show", "name:never")["address"]
+        self.change("task", "start", address, "--kind", "init-background")
+        self.collect()
+        self.assertIs(self.item("vd", "show", "name:never")["initialised"], False)
+        self.machine.hxsimctl("clock", "advance", "30d")
+        self.collect()
+        self.assertIs(self.item("vd", "show", "name:never")["initialised"], True)
+
+    def test_every_object_tells_how_well_it_is(self):
+        def health(*words):
+            return self.item(*words)["health"]
+
+        self.assertEqual({health("disk", "show", "a0/pd1"), health("vd", "show", "a0/vd0"),
+                          health("enclosure", "show", "a0/enc0"), health("battery", "show", "a0")},
+                         {"ok"})
+        self.machine.hxsimctl("disk", "fail", "a0/pd1")
+        path = self.root / "story"
+        path.write_text("psu a0/enc0/el0 fail\n")
+        self.machine.hxsimctl("scenario", "run", path)
+        self.assertEqual(health("disk", "show", "a0/pd1"), "warning")
+        self.assertEqual(health("disk", "show", "a0/pd2"), "ok")
+        self.assertIn(health("vd", "show", "a0/vd0"), ("warning", "critical"))
+        self.assertEqual(health("vd", "show", "a0/vd2"), "ok")
+        self.assertEqual(health("enclosure", "show", "a0/enc0"), "critical")
+
     def test_a_groups_migration_has_progress(self):
         self.change("dg", "migrate", "a0/dg0", "--raid", "6", "--to",
                     "a0/pd0,a0/pd1,a0/pd2,a0/pd3,a0/pd11")

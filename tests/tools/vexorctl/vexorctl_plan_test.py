@@ -321,7 +321,7 @@ class PlanFiles(PlanCase):
              8, "other commands would be sent: "),
             ({"effects": ["nothing is lost"]}, 8, "its effects would be others: "),
             ({"what": "Rename a1/vd0"}, 8, "its effects would be others: "),
-            ({"size_bytes": 1}, 8, "its effects would be others: "),
+            ({"size_bytes": 1024}, 8, "the resulting size would be not told, and in the plan it is 1024 bytes; nothing"),
             ({"objects": []}, 8, "is concerned, too"),
             ({"objects": [{**each, "facts": []} for each in document["objects"]]},
              8, "is not what this vexorctl reads"),

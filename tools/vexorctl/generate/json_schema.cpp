@@ -58,6 +58,8 @@ Json KindSchema(const ColumnInfo& column) {
             return {{"anyOf", Json::array({{{"enum", words}}, Ref("unnamed")})}};
         }
         case Kind::kNumber:
+        case Kind::kRate:
+        case Kind::kSeconds:
             return Ref("number");
         case Kind::kBytes:
             return Ref("bytes");
@@ -78,6 +80,7 @@ Json KindSchema(const ColumnInfo& column) {
                     {"required", {"code", "names"}}};
         }
         case Kind::kTexts:
+        case Kind::kSentences:
             return ListOf(Typed("string"));
         case Kind::kAddresses:
             return ListOf(Ref("address"));

@@ -470,14 +470,15 @@ void TakeReadings(const Element& each, hxc::Element& element) {
     }
 }
 
-void TakeEnclosures(const MachineLook& look, const Meaning& meaning, hxc::Answers& answers) {
-    for (const Enclosure& each : look.enclosures) {
+void TakeEnclosures(const std::vector<Enclosure>& enclosures, const std::vector<Element>& elements,
+                    const Meaning& meaning, hxc::Answers& answers) {
+    for (const Enclosure& each : enclosures) {
         hxc::Enclosure& enclosure =
             AdapterAt(answers, each.address.Text())->enclosures.emplace_back();
         enclosure.id = each.address.id;
         enclosure.logical_id = each.info[fields::Enclosure_Info::LogicalID].value_or("");
     }
-    for (const Element& each : look.elements) {
+    for (const Element& each : elements) {
         hxc::Adapter& adapter = *AdapterAt(answers, each.address.Text());
         const auto enclosure =
             std::ranges::find(adapter.enclosures, each.address.id, &hxc::Enclosure::id);
@@ -548,6 +549,21 @@ hxc::Answers AnswersFor(Controller& controller, const std::vector<Disk>& disks) 
         controller, [&] { return disks; }, [&] { return LoadVirtualDisks(controller); });
 }
 
+hxc::Answers AnswersFor(Controller& controller, const std::vector<Battery>& batteries) {
+    hxc::Answers answers = BegunAnswers(controller.Selected());
+    TakeBatteries(controller, batteries, Meaning(controller.codes().table()), answers);
+    TakeFaults(answers, controller);
+    return answers;
+}
+
+hxc::Answers AnswersFor(Controller& controller, const std::vector<Enclosure>& enclosures,
+                        const std::vector<Element>& elements) {
+    hxc::Answers answers = BegunAnswers(controller.Selected());
+    TakeEnclosures(enclosures, elements, Meaning(controller.codes().table()), answers);
+    TakeFaults(answers, controller);
+    return answers;
+}
+
 const hxc::Adapter* AdapterIn(const hxc::Answers& answers, unsigned number) {
     const auto found = std::ranges::find(answers.adapters, number, &hxc::Adapter::number);
     return found == answers.adapters.end() ? nullptr : &*found;
@@ -605,7 +621,7 @@ MachineLook LookAtMachine(Controller& controller) {
     TakeBatteries(controller, look.batteries, meaning, answers);
     look.enclosures = LoadEnclosures(controller);
     look.elements = LoadElements(controller, look.enclosures);
-    TakeEnclosures(look, meaning, answers);
+    TakeEnclosures(look.enclosures, look.elements, meaning, answers);
     TakeFaults(answers, controller);
     return look;
 }

@@ -55,6 +55,11 @@ hxconditions::Answers AnswersFor(Controller& controller,
                                  const std::vector<VirtualDisk>& virtual_disks);
 hxconditions::Answers AnswersFor(Controller& controller, const std::vector<Disk>& disks);
 
+/// What it takes from these batteries, or from these enclosures and their elements, alone.
+hxconditions::Answers AnswersFor(Controller& controller, const std::vector<Battery>& batteries);
+hxconditions::Answers AnswersFor(Controller& controller, const std::vector<Enclosure>& enclosures,
+                                 const std::vector<Element>& elements);
+
 /// The adapter with that number; null when it is not among the answers.
 const hxconditions::Adapter* AdapterIn(const hxconditions::Answers& answers, unsigned number);
 const hxconditions::VirtualDisk* VirtualDiskIn(const hxconditions::Answers& answers,

@@ -15,7 +15,8 @@ namespace vexorctl {
 
 namespace {
 
-constexpr std::uint64_t kNoActivity = 0;  // the interface's
+constexpr std::uint64_t kNoActivity = 0;       // the interface's
+constexpr std::uint64_t kNoVirtualDisk = 255;  // an empty place in VDIDs
 
 // The code of the activity; kNoActivity, and a fault, when it is not known.
 std::uint64_t ActivityOf(Controller& controller, const Address& address, std::string_view function,
@@ -51,6 +52,7 @@ void LoadVirtualDiskTasks(Controller& controller, unsigned adapter, TaskDetail d
         if (task.activity == kNoActivity) continue;
         task.state = status[fields::LD_Status::BgaState];
         task.percent = status[fields::LD_Status::BgaPercentage];
+        task.virtual_disks = {task.address.id};
         if (detail == TaskDetail::kWithObject) {
             if (!infos) infos = controller.ReadList(adapter, kVirtualDiskList);
             Complete(task, infos->Take(id));
@@ -98,6 +100,10 @@ void LoadDiskGroupTasks(Controller& controller, unsigned adapter,
         task.state = group[fields::DG_Info::BgaState];
         task.percent = PercentOf(group.view(), disks);
         task.name = group[fields::DG_Info::Name];
+        for (const std::uint64_t each :
+             group[fields::DG_Info::VDIDs].value_or(std::vector<std::uint64_t>())) {
+            if (each < kNoVirtualDisk) task.virtual_disks.push_back(static_cast<unsigned>(each));
+        }
         task.group.presence = Presence::kNotOffered;
         tasks.push_back(std::move(task));
     }

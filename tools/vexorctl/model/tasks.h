@@ -13,6 +13,16 @@
 
 namespace vexorctl {
 
+/// What the stored events and the sizes of what it works on tell of an activity. All of it is null
+/// until TellPace has been asked, and where it is not known.
+struct TaskPace {
+    std::optional<std::uint64_t> start;  // seconds since 1970, by the controller's clock
+    std::optional<double> percent_per_second;
+    std::optional<std::uint64_t> bytes_per_second;  // of each disk
+    std::optional<std::uint64_t> seconds_left;
+    std::optional<std::vector<Address>> targets;  // the disks that a rebuild or copyback writes
+};
+
 /// A background activity; its address is that of the object on which it runs.
 struct Task {
     Address address;
@@ -21,6 +31,8 @@ struct Task {
     std::optional<std::uint64_t> percent;  // of a disk group as its disks tell it; null: not known
     std::optional<std::string> name;       // of the object; a disk has none
     Membership group;                      // on which the object lies
+    std::vector<unsigned> virtual_disks;   // on which it works: itself, or those of the disk group
+    TaskPace pace;
 };
 
 /// Whether a task of the object is meant by this address: its own, or that of the disk group on

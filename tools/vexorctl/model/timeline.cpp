@@ -38,6 +38,16 @@ void Close(Period& period, const Happening& event, PeriodEnd how) {
     period.how = how;
 }
 
+// The first progress after a pause begins a stretch: how far it was at the pause is not told.
+void TakeProgress(Period& period, const Mark& mark) {
+    if (!period.stretch) {
+        period.stretch = mark;
+        return;
+    }
+    period.from = period.stretch;
+    period.to = mark;
+}
+
 bool IsOpen(const Period& period) { return period.how == PeriodEnd::kOpen; }
 
 }  // namespace
@@ -52,6 +62,15 @@ std::vector<std::string_view> PeriodKinds() {
     }
     kinds.insert(kinds.end(), {kNotOptimal, kEventsLost});
     return kinds;
+}
+
+std::optional<double> PercentPerSecond(const Period& period) {
+    if (!period.from || !period.to) return std::nullopt;
+    if (period.to->time <= period.from->time || period.to->percent <= period.from->percent) {
+        return std::nullopt;
+    }
+    return static_cast<double>(period.to->percent - period.from->percent) /
+           static_cast<double>(period.to->time - period.from->time);
 }
 
 Period* Timeline::FindOpen(std::string_view object, std::string_view kind) {
@@ -98,18 +117,24 @@ void Timeline::TakeStep(const Happening& event, const hxcodes::ActivityRow& acti
     period->last_event = event.number;
     switch (step) {
         case Step::kStart:
+            period->is_paused = false;
+            period->stretch = Mark{.time = event.time, .percent = 0};
+            break;
         case Step::kRestart:
         case Step::kResume:
         case Step::kAutoResume:
             period->is_paused = false;
+            period->stretch.reset();
             break;
         case Step::kPause:
         case Step::kAutoPaused:
             period->is_paused = true;
+            period->stretch.reset();
             break;
         case Step::kProgress:
             period->is_paused = false;
             period->percent = event.facts.params[0];
+            TakeProgress(*period, {.time = event.time, .percent = event.facts.params[0]});
             break;
         case Step::kAbort:
             Close(*period, event, PeriodEnd::kAborted);
@@ -140,7 +165,9 @@ void Timeline::Take(const Happening& event) {
     const EventKind kind = event.facts.kind;
     if (kind == EventKind::kEventError) {
         for (Period& each : periods_) {
-            if (IsOpen(each) && each.adapter == event.facts.adapter) each.has_gap = true;
+            if (!IsOpen(each) || each.adapter != event.facts.adapter) continue;
+            each.has_gap = true;
+            each.stretch.reset();  // a pause may be among them
         }
         Period& gap = Begin(event, kEventsLost, false, true);
         gap.lost = event.facts.params[2];

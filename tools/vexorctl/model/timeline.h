@@ -25,6 +25,12 @@ enum class PeriodEnd {
     kLost,       // no period, but a place where the adapter has lost events
 };
 
+/// How far an activity was at an event's time.
+struct Mark {
+    std::uint64_t time = 0;
+    std::uint64_t percent = 0;
+};
+
 struct Period {
     std::string object;     // its address
     std::string_view kind;  // "rebuild", "degraded", ...
@@ -39,8 +45,15 @@ struct Period {
     bool is_paused = false;                  // as the last event says
     std::optional<std::uint64_t> percent{};  // the last that was told
     bool has_gap = false;                    // events were lost while it lasted
-    std::uint64_t lost = 0;                  // of kLost: how many
+    // The first and last point of the latest stretch in which it ran without a pause, where two are
+    // known: its speed is measured between them.
+    std::optional<Mark> from{}, to{};
+    std::optional<Mark> stretch{};  // where the stretch that goes on began
+    std::uint64_t lost = 0;         // of kLost: how many
 };
+
+/// How fast the activity has gone; null where no two points of one stretch are known.
+std::optional<double> PercentPerSecond(const Period& period);
 
 /// One event, as the timeline takes it.
 struct Happening {

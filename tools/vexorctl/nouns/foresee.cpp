@@ -44,11 +44,21 @@ const hxc::VirtualDisk* Find(const hxc::Adapter& adapter, unsigned id) {
     return found == adapter.virtual_disks.end() ? nullptr : &*found;
 }
 
+// How many of its members are there, whatever the redundancy.
+std::size_t PresentIn(const hxc::VirtualDisk& virtual_disk, const std::vector<hxc::Disk>& disks) {
+    return virtual_disk.members.size() - hxc::RedundancyOf(virtual_disk, disks).lost.size();
+}
+
 // What becomes of one virtual disk that is there now and afterwards.
 class Comparison {
 public:
-    Comparison(const hxc::Risk& now, const hxc::Risk& then, Foreseen& foreseen)
-        : now_(now), then_(then), foreseen_(foreseen) {}
+    Comparison(const hxc::Risk& now, const hxc::Risk& then, const std::vector<hxc::Disk>& now_disks,
+               const std::vector<hxc::Disk>& then_disks, Foreseen& foreseen)
+        : now_(now),
+          then_(then),
+          now_disks_(now_disks),
+          then_disks_(then_disks),
+          foreseen_(foreseen) {}
 
     void Tell(const hxc::VirtualDisk& before, const hxc::VirtualDisk& after) {
         if (!IsLostForGood(before) && IsLostForGood(after)) {
@@ -59,6 +69,10 @@ public:
             foreseen_.unusable.push_back(TitleOf(now_));
             Add(TitleOf(now_) + " goes offline, all of it: it survives " +
                 FailuresText(now_.survives) + " now");
+        } else if (now_.is_offline && then_.is_offline) {
+            if (PresentIn(after, then_disks_) < PresentIn(before, now_disks_)) {
+                Add(TitleOf(now_) + " is offline already and loses one more of its disks");
+            }
         } else if (now_.is_offline && !then_.is_offline) {
             Add(TitleOf(now_) + " can be used again and survives " + FailuresText(then_.survives));
         } else if (now_.survives != then_.survives) {
@@ -94,6 +108,8 @@ private:
 
     const hxc::Risk& now_;
     const hxc::Risk& then_;
+    const std::vector<hxc::Disk>& now_disks_;
+    const std::vector<hxc::Disk>& then_disks_;
     Foreseen& foreseen_;
 };
 
@@ -122,14 +138,21 @@ Foreseen Foresee(Controller& controller, unsigned adapter, const Alteration& alt
                                    " is not known: they cannot all be read");
         return foreseen;
     }
+    return Compare(now, alter);
+}
+
+Foreseen Compare(const hxc::Answers& now, const Alteration& alter) {
+    Foreseen foreseen;
     hxc::Answers then = now;
     alter(then.adapters.front());
+    const std::vector<hxc::Disk>& now_disks = now.adapters.front().disks;
+    const std::vector<hxc::Disk>& then_disks = then.adapters.front().disks;
     const std::vector<hxc::Risk> risks_now = RisksOf(now, {});
     const std::vector<hxc::Risk> risks_then = RisksOf(then, {});
     for (const hxc::Risk& risk : risks_now) {
         const hxc::Risk* const after = FindRisk(risks_then, risk.id);
         if (after == nullptr) continue;
-        Comparison(risk, *after, foreseen)
+        Comparison(risk, *after, now_disks, then_disks, foreseen)
             .Tell(*Find(now.adapters.front(), risk.id), *Find(then.adapters.front(), risk.id));
     }
     for (const hxc::Risk& risk : risks_then) {

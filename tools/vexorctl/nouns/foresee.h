@@ -27,6 +27,9 @@ struct Foreseen {
 /// the effects "not known" and is noted as no fault.
 Foreseen Foresee(Controller& controller, unsigned adapter, const Alteration& alter);
 
+/// The same for answers of one adapter that are known.
+Foreseen Compare(const hxconditions::Answers& now, const Alteration& alter);
+
 // ---- Alterations ----
 
 /// The disk is switched off or on; what it carries stays.

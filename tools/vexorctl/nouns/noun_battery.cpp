@@ -1,15 +1,21 @@
 // vexorctl battery ...
+#include <optional>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "codes/code_table.h"
 #include "codes/named.h"
 #include "common/address.h"
+#include "conditions/hxc_answers.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/batteries.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
+#include "model/health_answers.h"
 #include "model/library_record.h"
+#include "model/object_health.h"
 #include "model/virtual_disks.h"
 #include "nouns/find_object.h"
 #include "nouns/nouns.h"
@@ -38,58 +44,74 @@ Cell MinutesAt(const Record<BBU_Info>& info, NumberField<BBU_Info> field) {
 using enum Kind;
 using enum Place;
 
-constexpr Column<Battery> kColumns[] = {
+struct ShownBattery : Battery {
+    std::optional<std::string_view> health;
+};
+
+constexpr Column<ShownBattery> kColumns[] = {
     {{"address", "ADDRESS", kAddress, kTable, "The address of its adapter"},
-     [](const Battery& it) { return TextCell(it.address.Text()); }},
+     [](const ShownBattery& it) { return TextCell(it.address.Text()); }},
     {{"status", "STATUS", kBits, kTable, "Its state as bits", &CodeTable::battery_bits},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::status); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::status); }},
     {{"charge_ratio", "CHARGE", kRatio, kTable, "How full it is"},
-     [](const Battery& it) { return PercentAt(it.info, BBU_Info::percentage); }},
+     [](const ShownBattery& it) { return PercentAt(it.info, BBU_Info::percentage); }},
     {{"temperature_celsius", "CELSIUS", kNumber, kTable, "Its temperature"},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::temperature); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::temperature); }},
     {{"voltage_millivolts", "MILLIVOLTS", kNumber, kWide, "Its voltage"},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::voltage); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::voltage); }},
     {{"capacity_mah", "MAH", kNumber, kTable, "What is left in it"},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::curCapacity); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::curCapacity); }},
     {{"full_capacity_mah", "FULL MAH", kNumber, kTable, "What it holds when full"},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::maxCapacity); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::maxCapacity); }},
     {{"cycles", "CYCLES", kNumber, kTable, "Its charge cycles so far"},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::recharge_cycle); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::recharge_cycle); }},
     {{"previous_status", "BEFORE", kBits, kWide, "Its state before the last change",
       &CodeTable::battery_bits},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::prev_status); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::prev_status); }},
     {{"minutes_to_empty", "EMPTY IN", kNumber, kWide,
       "Minutes until it is empty, when it is discharging"},
-     [](const Battery& it) { return MinutesAt(it.info, BBU_Info::time_to_empty); }},
+     [](const ShownBattery& it) { return MinutesAt(it.info, BBU_Info::time_to_empty); }},
     {{"minutes_to_full", "FULL IN", kNumber, kWide,
       "Minutes until it is full, when it is charging"},
-     [](const Battery& it) { return MinutesAt(it.info, BBU_Info::time_to_full); }},
+     [](const ShownBattery& it) { return MinutesAt(it.info, BBU_Info::time_to_full); }},
     {{"charge_below_ratio", "CHARGE BELOW", kRatio, kWide, "The charge below which it is charged"},
-     [](const Battery& it) { return PercentAt(it.info, BBU_Info::percent_to_charge); }},
+     [](const ShownBattery& it) { return PercentAt(it.info, BBU_Info::percent_to_charge); }},
     {{"min_temperature_celsius", "MIN CELSIUS", kNumber, kWide, "Setting: reported below this"},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::temp_lowerbound); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::temp_lowerbound); }},
     {{"max_temperature_celsius", "MAX CELSIUS", kNumber, kWide, "Setting: reported above this"},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::temp_upperbound); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::temp_upperbound); }},
     {{"min_voltage_millivolts", "MIN MILLIVOLTS", kNumber, kWide, "Setting: reported below this"},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::volt_lowerbound); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::volt_lowerbound); }},
     {{"max_voltage_millivolts", "MAX MILLIVOLTS", kNumber, kWide, "Setting: reported above this"},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::volt_upperbound); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::volt_upperbound); }},
     {{"min_capacity_mah", "MIN MAH", kNumber, kWide, "The lowest capacity that can be set"},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::supportMinCapacity); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::supportMinCapacity); }},
     {{"max_capacity_mah", "MAX MAH", kNumber, kWide, "The highest capacity that can be set"},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::supportMaxCapacity); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::supportMaxCapacity); }},
     {{"features", "FEATURES", kBits, kWide, "What it can do", &CodeTable::battery_features},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::featureSupport); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::featureSupport); }},
+    {OneOf(HealthWords, {"health", "HEALTH", kWord, kWide,
+                         "How well it is, by its own conditions; check tells which"}),
+     [](const ShownBattery& it) {
+         return it.health ? TextCell(std::string(*it.health)) : Unknown();
+     }},
     {{"flags_code", "FLAGS", kNumber, kWide, "Further bits of the controller"},
-     [](const Battery& it) { return FieldCell(it.info, BBU_Info::flags); }},
+     [](const ShownBattery& it) { return FieldCell(it.info, BBU_Info::flags); }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
 Exit ListBatteries(Invocation& invocation) {
     SelectAdapters(invocation);
-    return Show(invocation,
-                Tabulated(invocation, kColumns, LoadBatteries(invocation.controller())));
+    std::vector<Battery> batteries = LoadBatteries(invocation.controller());
+    const hxconditions::Answers answers = AnswersFor(invocation.controller(), batteries);
+    const ObjectHealth health(answers);
+    std::vector<ShownBattery> shown;
+    for (Battery& each : batteries) {
+        const auto is = health.OfBattery(each.address);
+        shown.push_back({std::move(each), is});
+    }
+    return Show(invocation, Tabulated(invocation, kColumns, shown));
 }
 
 // ---- Changes ----------------------------------------------------------------------------------

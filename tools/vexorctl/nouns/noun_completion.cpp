@@ -238,6 +238,73 @@ void AddNames(std::vector<Candidate>& candidates, std::span<const hxcodes::Named
     }
 }
 
+// What the words of a fixed list mean. An option's own rows come before those of every option.
+struct ChoiceRow {
+    std::string_view option;  // empty: any
+    std::string_view word;
+    std::string_view meaning;
+};
+constexpr ChoiceRow kChoices[] = {
+    {"--raid", "0", "No redundancy, on 1 disk or more"},
+    {"--raid", "1", "Two copies, on 2 disks"},
+    {"--raid", "1e", "Two copies, on an odd number of disks from 3"},
+    {"--raid", "5", "One disk may fail, on 3 disks or more"},
+    {"--raid", "6", "Two disks may fail, on 3 disks or more"},
+    {"--raid", "10", "Mirrored pairs, on an even number of disks from 4"},
+    {"--raid", "50", "Legs of RAID 5, all of the same number of disks"},
+    {"--raid", "60", "Legs of RAID 6, all of the same number of disks"},
+    {"--init", "quick", "Usable at once; what is on the disks is void"},
+    {"--init", "foreground", "Usable when it has ended"},
+    {"--init", "background", "Usable at once; redundancy is made meanwhile"},
+    {"--init", "none", "Redundancy is not made"},
+    {"--round", "stripe", "Down to whole stripes"},
+    {"--round", "1_gib", "Down to whole GiB"},
+    {"--round", "10_gib", "Down to tens of GiB"},
+    {"--kind", "rebuild", "Restore what is lost to the disk of --disk"},
+    {"--kind", "check", "Compare data and redundancy"},
+    {"--kind", "fix", "Make redundancy agree with the data"},
+    {"--kind", "init-quick", "All data is lost; usable at once"},
+    {"--kind", "init-foreground", "All data is lost; usable when it has ended"},
+    {"--kind", "init-background", "Make redundancy of what it holds"},
+    {"--kind", "media-patrol", "Read a disk and remap damaged sectors"},
+    {"--kind", "data-scrub", "Read a disk and count damaged sectors"},
+    {"--state", "online", "Take it back"},
+    {"--state", "offline", "Switch it off; it takes part in nothing"},
+    {"--state", "free", "Make a disk that has failed free"},
+    {"--output", "table", "Columns for people"},
+    {"--output", "wide", "All columns"},
+    {"--output", "list", "One field a line"},
+    {"--output", "json", "One document"},
+    {"--output", "jsonl", "One object a line"},
+    {"--output", "csv", "Comma-separated values"},
+    {"--output", "xml", "One document"},
+    {"--action", "relearn", "Discharge and charge it, to measure what it holds"},
+    {"--action", "charge", "Charge it"},
+    {"--action", "discharge", "Discharge it"},
+    {"--cache", "write_back", "Writes are done when they are in the cache"},
+    {"--cache", "read_ahead", "More is read than was asked for"},
+    {"--cache", "none", "Neither"},
+    {"--image", "bios", "The BIOS of the adapter"},
+    {"--image", "firmware", "The adapter's own program"},
+    {"--image", "boot_loader", "What starts the firmware"},
+    {"--image", "autoload", "What is loaded when the adapter starts"},
+    {"--image", "hba_info", "Serial number and addresses of the adapter"},
+    {"--for", "bash", "As bash has words"},
+    {"--for", "zsh", "As zsh has words"},
+    {"--for", "fish", "As fish has words"},
+    {"", "on", "Switch it on"},
+    {"", "off", "Switch it off"},
+};
+
+std::string MeaningOf(std::string_view option, std::string_view word) {
+    for (const ChoiceRow& row : kChoices) {
+        if (row.word == word && (row.option.empty() || row.option == option)) {
+            return std::string(row.meaning);
+        }
+    }
+    return {};
+}
+
 // The values of options that are not a fixed list of words; a list has commas between them.
 struct ValuesRow {
     std::string_view option;
@@ -320,6 +387,7 @@ void AddOfOption(Candidates& found, Controller& controller, const CommandRow& co
         });
     }
     for (Candidate& each : values) {
+        if (each.description.empty()) each.description = MeaningOf(option.name, each.word);
         found.words.push_back({done + each.word, std::move(each.description)});
     }
 }

@@ -3,7 +3,9 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -22,6 +24,7 @@
 #include "model/failure.h"
 #include "model/health_answers.h"
 #include "model/library_record.h"
+#include "model/object_health.h"
 #include "model/virtual_disks.h"
 #include "nouns/find_object.h"
 #include "nouns/foresee.h"
@@ -111,6 +114,7 @@ std::vector<std::string_view> StateWords() {
 // With what it can do as a spare.
 struct ShownDisk : Disk {
     Cell spare_for;
+    std::optional<std::string_view> health;
 };
 
 std::vector<std::string_view> FitWords() {
@@ -155,15 +159,15 @@ bool MayBeSpare(const Disk& disk) {
 }
 
 std::vector<ShownDisk> WithSpares(Controller& controller, std::vector<Disk> disks) {
-    // The virtual disks are asked for only where it matters.
-    const bool matters = std::ranges::any_of(disks, MayBeSpare);
-    const hxc::Answers answers = matters ? AnswersFor(controller, disks) : hxc::Answers();
+    const hxc::Answers answers = AnswersFor(controller, disks);
+    const ObjectHealth health(answers);
     std::vector<ShownDisk> shown;
     for (Disk& each : disks) {
         Cell spare_for = MayBeSpare(each) ? SpareCell(each, answers) : None();
         ShownDisk& disk = shown.emplace_back();
         static_cast<Disk&>(disk) = std::move(each);
         disk.spare_for = std::move(spare_for);
+        disk.health = health.OfDisk(disk.address);
     }
     return shown;
 }
@@ -200,6 +204,9 @@ constexpr Column<ShownDisk> kColumns[] = {
      [](const ShownDisk& it) {
          return FieldCell(it.smart, HD_SMART_Status::SmartThresholdExceeded);
      }},
+    {OneOf(HealthWords, {"health", "HEALTH", kWord, kWide,
+                         "How well it is, by its own conditions; check tells which"}),
+     [](const ShownDisk& it) { return it.health ? TextCell(std::string(*it.health)) : Unknown(); }},
     {{"status", "STATUS", kBits, kWide, "Its state as bits", &CodeTable::disk_bits},
      [](const ShownDisk& it) { return FieldCell(it.info, HD_Info::Status); }},
     {{"firmware_version", "FIRMWARE", kText, kWide, "The version of its firmware"},

@@ -1,14 +1,20 @@
 // vexorctl enclosure ...
+#include <optional>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "codes/code_table.h"
 #include "codes/enclosure.h"
 #include "common/address.h"
+#include "conditions/hxc_answers.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/enclosures.h"
 #include "model/exit_code.h"
+#include "model/health_answers.h"
 #include "model/library_record.h"
+#include "model/object_health.h"
 #include "nouns/nouns.h"
 #include "output/cell.h"
 #include "output/record_cells.h"
@@ -124,31 +130,41 @@ View<Link_Endpoint> ParentOf(const Record<R>& device) {
 using enum Kind;
 using enum Place;
 
-constexpr Column<Enclosure> kColumns[] = {
+struct ShownEnclosure : Enclosure {
+    std::optional<std::string_view> health;
+};
+
+constexpr Column<ShownEnclosure> kColumns[] = {
     {{"address", "ADDRESS", kAddress, kTable, "Its address"},
-     [](const Enclosure& it) { return TextCell(it.address.Text()); }},
+     [](const ShownEnclosure& it) { return TextCell(it.address.Text()); }},
     {{"state", "STATE", kCode, kTable, "Its state", &CodeTable::element_states},
-     [](const Enclosure& it) { return FieldCell(it.info, Enclosure_Info::Status); }},
+     [](const ShownEnclosure& it) { return FieldCell(it.info, Enclosure_Info::Status); }},
     {{"vendor", "VENDOR", kText, kTable, "Its vendor"},
-     [](const Enclosure& it) { return FieldCell(it.info, Enclosure_Info::VendorID); }},
+     [](const ShownEnclosure& it) { return FieldCell(it.info, Enclosure_Info::VendorID); }},
     {{"product", "PRODUCT", kText, kTable, "Its product name"},
-     [](const Enclosure& it) { return FieldCell(it.info, Enclosure_Info::ProductID); }},
+     [](const ShownEnclosure& it) { return FieldCell(it.info, Enclosure_Info::ProductID); }},
     {{"revision", "REVISION", kText, kTable, "Its revision"},
-     [](const Enclosure& it) { return FieldCell(it.info, Enclosure_Info::RevisionLevel); }},
+     [](const ShownEnclosure& it) { return FieldCell(it.info, Enclosure_Info::RevisionLevel); }},
     {{"logical_id", "LOGICAL ID", kText, kTable, "Its logical identifier"},
-     [](const Enclosure& it) { return FieldCell(it.info, Enclosure_Info::LogicalID); }},
+     [](const ShownEnclosure& it) { return FieldCell(it.info, Enclosure_Info::LogicalID); }},
     {{"expanders", "EXPANDERS", kNumbers, kTable, "The numbers of its expanders"},
-     [](const Enclosure& it) {
+     [](const ShownEnclosure& it) {
          return NumbersCell(FirstNumbers(it.info[Enclosure_Info::ExpanderIDs],
                                          it.info[Enclosure_Info::ExpanderCount]));
      }},
+    {OneOf(HealthWords, {"health", "HEALTH", kWord, kWide,
+                         "How well it and its elements are, by their own conditions; check tells "
+                         "which"}),
+     [](const ShownEnclosure& it) {
+         return it.health ? TextCell(std::string(*it.health)) : Unknown();
+     }},
     {{"sas_address", "SAS ADDRESS", kHex, kWide, "Its SAS address"},
-     [](const Enclosure& it) { return HexAt(SelfOf(it.info), Link_Endpoint::SAS_Address); }},
+     [](const ShownEnclosure& it) { return HexAt(SelfOf(it.info), Link_Endpoint::SAS_Address); }},
     {{"parent", "PARENT", kCode, kWide, "The kind of device that it is connected to",
       &CodeTable::devices},
-     [](const Enclosure& it) { return FieldCell(ParentOf(it.info), Link_Endpoint::DevType); }},
+     [](const ShownEnclosure& it) { return FieldCell(ParentOf(it.info), Link_Endpoint::DevType); }},
     {{"parent_id", "PARENT ID", kNumber, kWide, "The number of that device"},
-     [](const Enclosure& it) { return FieldCell(ParentOf(it.info), Link_Endpoint::DevID); }},
+     [](const ShownEnclosure& it) { return FieldCell(ParentOf(it.info), Link_Endpoint::DevID); }},
 };
 
 constexpr Column<Element> kElementColumns[] = {
@@ -251,8 +267,20 @@ std::vector<ColumnInfo> MultiplierColumns() { return InfoOf(kMultiplierColumns);
 
 Exit ListEnclosures(Invocation& invocation) {
     SelectAdapters(invocation);
-    return Show(invocation,
-                Tabulated(invocation, kColumns, LoadEnclosures(invocation.controller())));
+    Controller& controller = invocation.controller();
+    std::vector<Enclosure> enclosures = LoadEnclosures(controller);
+    const std::size_t faults = controller.faults().size();
+    const Exit exit = controller.exit();
+    const hxconditions::Answers answers =
+        AnswersFor(controller, enclosures, LoadElements(controller, enclosures));
+    controller.TakeBack(faults, exit);
+    const ObjectHealth health(answers);
+    std::vector<ShownEnclosure> shown;
+    for (Enclosure& each : enclosures) {
+        const auto is = health.OfEnclosure(each.address);
+        shown.push_back({std::move(each), is});
+    }
+    return Show(invocation, Tabulated(invocation, kColumns, shown));
 }
 
 Exit ListElements(Invocation& invocation) {
@@ -299,7 +327,8 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "ENCLOSURE",
      .options = kAdapterOption,
-     .functions = kNamesOf<calls::HX_ENC_GetEnclosureInfo>,
+     .functions = kNamesOf<calls::HX_ENC_GetEnclosureInfo, calls::HX_ENC_GetElementInfo,
+                           calls::HX_ENC_GetElementConfig>,
      .examples = {"vexorctl enclosure list", "vexorctl enclosure list a0 -o csv"},
      .run = ListEnclosures,
      .columns = Columns},
@@ -310,7 +339,8 @@ constexpr CommandRow kCommands[] = {
      .arity = Arity::kAny,
      .target_name = "ENCLOSURE",
      .options = kAdapterOption,
-     .functions = kNamesOf<calls::HX_ENC_GetEnclosureInfo>,
+     .functions = kNamesOf<calls::HX_ENC_GetEnclosureInfo, calls::HX_ENC_GetElementInfo,
+                           calls::HX_ENC_GetElementConfig>,
      .examples = {"vexorctl enclosure show a0/enc0", "vexorctl enclosure show a0/enc0 -o json"},
      .run = ListEnclosures,
      .columns = Columns},

@@ -5,7 +5,6 @@
 #include <chrono>
 #include <cstdio>
 #include <utility>
-#include <variant>
 
 #include "codes/code_table.h"
 #include "codes/event.h"
@@ -14,7 +13,6 @@
 #include "common/duration.h"
 #include "common/read_file.h"
 #include "common/replace_file.h"
-#include "common/timestamp.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
 #include "model/event_catalogue.h"
@@ -36,6 +34,7 @@
 #include "shell/invocation.h"
 #include "shell/option_value.h"
 #include "shell/present.h"
+#include "shell/time_option.h"
 
 namespace vexorctl::event_noun {
 
@@ -130,16 +129,6 @@ std::string ListOfNames(std::span<const hxcodes::Named> rows) {
     return names;
 }
 
-// A time, or a duration back from now, in seconds since 1970, as events have it.
-std::uint64_t TimeOf(const std::string& text) {
-    const auto typed = ParseDurationOrTime(text);
-    const auto* const ago = std::get_if<Duration>(&typed);
-    const auto now = std::chrono::floor<Duration>(std::chrono::system_clock::now());
-    const auto since = ago == nullptr ? std::get<Timestamp>(typed) : now - *ago;
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(since).time_since_epoch();
-    return static_cast<std::uint64_t>(std::max<std::int64_t>(seconds.count(), 0));
-}
-
 Filter FilterOf(const Invocation& invocation) {
     Filter filter;
     if (const std::string* const text = invocation.Get("--severity")) {
@@ -163,10 +152,10 @@ Filter FilterOf(const Invocation& invocation) {
         filter.event_class = row->code;
     }
     if (const std::string* const text = invocation.Get("--since")) {
-        filter.since = ReadOption("--since", *text, TimeOf);
+        filter.since = ReadOption("--since", *text, SecondsSince1970);
     }
     if (const std::string* const text = invocation.Get("--until")) {
-        filter.until = ReadOption("--until", *text, TimeOf);
+        filter.until = ReadOption("--until", *text, SecondsSince1970);
         if (filter.until < filter.since) throw UsageError("--until is before --since");
     }
     filter.adapter = invocation.Number("--adapter", 254);

@@ -11,6 +11,7 @@
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/library_record.h"
+#include "model/task_pace.h"
 #include "model/tasks.h"
 #include "model/virtual_disks.h"
 #include "nouns/find_object.h"
@@ -19,6 +20,7 @@
 #include "nouns/plan_and_act.h"
 #include "nouns/wait_for_tasks.h"
 #include "output/cell.h"
+#include "output/cell_text.h"
 #include "output/report.h"
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
@@ -33,25 +35,98 @@ using hxcodes::CodeTable;
 using enum Kind;
 using enum Place;
 
-constexpr Column<Task> kColumns[] = {
+// What each activity is for. Those that write disks name them behind it.
+struct PurposeRow {
+    hxcodes::ActivityKind kind;
+    std::string_view purpose;
+    std::string_view targets = {};  // between the purpose and the disks
+};
+constexpr PurposeRow kPurposes[] = {
+    {hxcodes::ActivityKind::kCheck, "compares data and redundancy"},
+    {hxcodes::ActivityKind::kFix, "makes redundancy agree with the data"},
+    {hxcodes::ActivityKind::kInitQuick, "makes it usable; its content is void"},
+    {hxcodes::ActivityKind::kInitBackground, "makes redundancy of what it holds"},
+    {hxcodes::ActivityKind::kInitForeground, "overwrites it; usable at its end"},
+    {hxcodes::ActivityKind::kRebuild, "restores what is lost", " to "},
+    {hxcodes::ActivityKind::kMigration, "moves it to another level or other disks"},
+    {hxcodes::ActivityKind::kCopyback, "frees the spare: moves its content back", " to "},
+    {hxcodes::ActivityKind::kMediaPatrol, "reads the disk and remaps damaged sectors"},
+    {hxcodes::ActivityKind::kDataScrub, "reads the disk and counts damaged sectors"},
+};
+
+std::vector<std::string> TargetsOf(const Task& task) {
+    std::vector<std::string> texts;
+    for (const Address& each : task.pace.targets.value_or(std::vector<Address>())) {
+        texts.push_back(each.Text());
+    }
+    return texts;
+}
+
+// A task with the names of its codes.
+struct ShownTask : Task {
+    const hxcodes::CodeTable* codes = nullptr;
+};
+
+Cell PurposeCell(const ShownTask& it) {
+    const std::string_view name = hxcodes::NameOf(it.codes->activities, it.activity);
+    for (const PurposeRow& row : kPurposes) {
+        if (hxcodes::NameOf(hxcodes::kActivityNames, hxcodes::NumberOf(row.kind)) != name) continue;
+        std::string text(row.purpose);
+        const std::vector<std::string> targets = TargetsOf(it);
+        if (!row.targets.empty() && !targets.empty()) {
+            text += std::string(row.targets) + Joined(targets, ", ");
+        }
+        return TextCell(std::move(text));
+    }
+    return Unknown();
+}
+
+// Of a task that does not run, speed and end are none; unknown where it is not known whether it
+// does.
+Cell IfRunning(const ShownTask& it, std::optional<std::uint64_t> value) {
+    if (!it.state) return Unknown();
+    const bool runs = hxcodes::NameOf(it.codes->activity_states, *it.state) ==
+                      hxcodes::NameOf(hxcodes::ActivityState::kRunning);
+    const bool is_named = !hxcodes::NameOf(it.codes->activity_states, *it.state).empty();
+    if (!runs) return is_named ? None() : Unknown();
+    return NumberCell(value);
+}
+
+constexpr Column<ShownTask> kColumns[] = {
     {{"address", "ADDRESS", kAddress, kTable, "The address of the object on which it runs"},
-     [](const Task& it) { return TextCell(it.address.Text()); }},
+     [](const ShownTask& it) { return TextCell(it.address.Text()); }},
     {{"name", "NAME", kText, kTable, "The name of that object"},
-     [](const Task& it) { return TextCell(it.name); }},
+     [](const ShownTask& it) { return TextCell(it.name); }},
     {Always({"activity", "ACTIVITY", kCode, kTable, "What it does", &CodeTable::activities}),
-     [](const Task& it) { return NumberCell(it.activity); }},
+     [](const ShownTask& it) { return NumberCell(it.activity); }},
     {{"state", "STATE", kCode, kTable, "How it stands", &CodeTable::activity_states},
-     [](const Task& it) { return NumberCell(it.state); }},
+     [](const ShownTask& it) { return NumberCell(it.state); }},
     {{"progress_ratio", "PROGRESS", kRatio, kTable, "How far it is"},
-     [](const Task& it) { return PercentCell(it.percent); }},
+     [](const ShownTask& it) { return PercentCell(it.percent); }},
+    {{"seconds_left", "LEFT", kSeconds, kTable,
+      "How long it will run still, at the speed that it had between its last events; none unless "
+      "it runs"},
+     [](const ShownTask& it) { return IfRunning(it, it.pace.seconds_left); }},
+    {{"rate_bytes_per_second", "RATE", kRate, kTable,
+      "That speed, on each disk; none unless it runs"},
+     [](const ShownTask& it) { return IfRunning(it, it.pace.bytes_per_second); }},
+    {{"start_time", "SINCE", kTime, kWide, "When it was started, by the controller's clock"},
+     [](const ShownTask& it) { return NumberCell(it.pace.start); }},
+    {{"purpose", "PURPOSE", kText, kWide, "What it is for"}, PurposeCell},
+    {{"targets", "TARGETS", kAddresses, kWide, "The disks that a rebuild or copyback writes"},
+     [](const ShownTask& it) { return it.pace.targets ? TextsCell(TargetsOf(it)) : Unknown(); }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
 Exit ListTasks(Invocation& invocation) {
     SelectAdapters(invocation);
-    return Show(invocation, Tabulated(invocation, kColumns,
-                                      LoadTasks(invocation.controller(), TaskDetail::kWithObject)));
+    Controller& controller = invocation.controller();
+    std::vector<Task> tasks = LoadTasks(controller, TaskDetail::kWithObject);
+    TellPace(controller, tasks);
+    std::vector<ShownTask> shown;
+    for (Task& task : tasks) shown.push_back({std::move(task), &controller.codes().table()});
+    return Show(invocation, Tabulated(invocation, kColumns, shown));
 }
 
 // ---- Changes ----------------------------------------------------------------------------------
@@ -341,11 +416,17 @@ constexpr CommandRow kCommands[] = {
      .target_name = "ADAPTER",
      .options = kAdapterOption,
      .functions = kNamesOf<calls::HX_LD_GetStatus, calls::HX_LD_GetInfo, calls::HX_PD_GetBGAStatus,
-                           calls::HX_DG_GetInfo>,
+                           calls::HX_DG_GetInfo, calls::HX_BLK_GetInfo, calls::HX_PD_GetHDInfo_Ext,
+                           calls::VX_HX_EVT_GetEvents>,
      .examples = {"vexorctl task list", "vexorctl task list a0 -o json"},
      .run = ListTasks,
      .columns = Columns,
-     .note = "A task goes by the address of the object on which it runs: there is at most one."},
+     .note = "A task goes by the address of the object on which it runs: there is at most one. One "
+             "that is auto_paused waits for something more urgent and goes on by itself; one that "
+             "is paused waits for task resume; one that has failed is no task any more: see "
+             "vexorctl timeline. Since when it runs, how fast and how long still is taken from "
+             "the stored events: it is not known where no event service collects them, and before "
+             "two steps of its progress."},
     {.noun = "task",
      .verb = "start",
      .summary = "Start an activity on a disk, virtual disk or disk group",

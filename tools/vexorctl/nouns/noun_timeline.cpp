@@ -13,7 +13,7 @@
 #include "common/duration.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
-#include "model/event_store.h"
+#include "model/event_history.h"
 #include "model/exit_code.h"
 #include "model/library_record.h"
 #include "model/tasks.h"
@@ -24,7 +24,9 @@
 #include "output/report.h"
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
+#include "shell/option_value.h"
 #include "shell/present.h"
+#include "shell/time_option.h"
 
 namespace vexorctl::timeline_noun {
 
@@ -136,28 +138,6 @@ constexpr Column<Shown> kColumns[] = {
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
 
-std::vector<Period> ReadPeriods(Controller& controller) {
-    const Extent extent = AskExtent(controller);
-    Timeline timeline(extent.first != 0);
-    std::uint64_t at_once = kEventsPerPage;
-    for (std::uint64_t next = extent.first; next < extent.next;) {
-        const std::uint64_t count = std::min(at_once, extent.next - next);
-        const std::vector<StoredEvent> events = ReadEvents(controller, next, count, at_once);
-        next += count;
-        for (const StoredEvent& each : events) {
-            // Of a store whose oldest were overwritten meanwhile, more may have come.
-            next = std::max(next, each.sequence + 1);
-            const auto time = each.record[fields::Event::TimeStamp];
-            if (!each.facts || !time || !each.object) continue;
-            timeline.Take({.number = each.sequence,
-                           .facts = *each.facts,
-                           .time = *time,
-                           .object = *each.object});
-        }
-    }
-    return timeline.Periods();
-}
-
 // The objects that are meant: a whole adapter, one object, or all where none is named. What has
 // gone has a timeline too, so that an address need not be that of an object that is there.
 std::vector<std::string> WantedOnes(Invocation& invocation) {
@@ -195,11 +175,24 @@ bool IsRunning(const std::vector<Task>& tasks, const Period& period) {
            });
 }
 
+// What ended before then, or is a gap of before, is left out; what lasted until then is not.
+void LeaveOutEarlier(std::vector<Period>& periods, std::uint64_t since) {
+    std::erase_if(periods, [&](const Period& each) {
+        const auto last = each.end ? each.end : each.start;
+        return each.how != PeriodEnd::kOpen && last && *last < since;
+    });
+}
+
 Exit ShowTimeline(Invocation& invocation) {
     Controller& controller = invocation.controller();
+    std::uint64_t since = 0;
+    if (const std::string* const text = invocation.Get("--since")) {
+        since = ReadOption("--since", *text, SecondsSince1970);
+    }
     const std::vector<std::string> wanted = WantedOnes(invocation);
-    std::vector<Period> periods = ReadPeriods(controller);
+    std::vector<Period> periods = ReadHistory(controller).periods;
     std::erase_if(periods, [&](const Period& each) { return !IsWanted(wanted, each); });
+    LeaveOutEarlier(periods, since);
     std::vector<Task> tasks;
     const bool asks = std::ranges::any_of(periods, [](const Period& each) {
         return each.is_activity && each.how == PeriodEnd::kOpen;
@@ -213,6 +206,11 @@ Exit ShowTimeline(Invocation& invocation) {
     return Present(invocation, Tabulated(invocation, kColumns, shown), "table");
 }
 
+constexpr OptionRow kOptions[] = {
+    {"--since", "TIME",
+     "Only what lasted at or after 2h30m ago, or at or after 2026-01-31T12:00:00+01:00"},
+};
+
 constexpr CommandRow kCommands[] = {
     {.noun = "timeline",
      .verb = "",
@@ -220,6 +218,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kVirtualDisk,
      .arity = Arity::kAny,
      .target_name = "OBJECT",
+     .options = kOptions,
      .functions = kNamesOf<calls::VX_HX_EVT_GetEvents, calls::HX_LD_GetStatus,
                            calls::HX_PD_GetBGAStatus, calls::HX_DG_GetInfo>,
      .examples = {"vexorctl timeline", "vexorctl timeline a0/vd0 -o json"},

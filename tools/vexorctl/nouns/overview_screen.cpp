@@ -320,7 +320,7 @@ std::vector<ActivityLine> Activities(const MachineLook& look) {
         const auto kind = each.info[DG_Info::BgaType];
         if (!IsActivity(kind)) continue;
         lines.push_back({each.address, each.info[DG_Info::Name], kind, each.info[DG_Info::BgaState],
-                         std::nullopt});
+                         each.percent});
     }
     for (const Disk& each : look.disks) {
         using fields::HD_BGA_Status;
@@ -345,9 +345,7 @@ constexpr Column<ActivityLine> kActivityColumns[] = {
     {{"state", "STATE", kCode, kTable, "", &CodeTable::activity_states},
      [](const ActivityLine& it) { return NumberCell(it.state); }},
     {{"progress_ratio", "PROGRESS", kRatio, kTable, ""},
-     [](const ActivityLine& it) {
-         return it.address.kind == ObjectKind::kDiskGroup ? None() : PercentCell(it.percent);
-     }},
+     [](const ActivityLine& it) { return PercentCell(it.percent); }},
 };
 
 // ---- What needs attention ----

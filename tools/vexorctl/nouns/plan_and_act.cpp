@@ -84,12 +84,12 @@ constexpr Column<Done> kColumns[] = {
      }},
     {Always({"dry_run", "DRY RUN", kBool, kWide, "Whether nothing was changed"}),
      [](const Done& it) { return NumberCell(it.dry_run); }},
-    {Always({"commands", "COMMANDS", kTexts, kWide, "The commands to the library"}),
+    {Always({"commands", "COMMANDS", kSentences, kWide, "The commands to the library"}),
      [](const Done& it) { return CommandsCell(it.plan->change); }},
-    {Always(
-         {"effects", "EFFECTS", kTexts, kWide, "What is lost or changed by it, a sentence each"}),
+    {Always({"effects", "EFFECTS", kSentences, kWide,
+             "What is lost or changed by it, a sentence each"}),
      [](const Done& it) { return TextsCell(it.plan->Effects()); }},
-    {Always({"refusals", "REFUSALS", kTexts, kWide,
+    {Always({"refusals", "REFUSALS", kSentences, kWide,
              "Why it would be refused; empty when it would not be"}),
      [](const Done& it) { return TextsCell(it.plan->refusals); }},
 };
@@ -309,9 +309,15 @@ void RequireSame(const PlanFile& reviewed, const PlanFile& made, const Sightings
     if (differences.empty() && reviewed.functions != made.functions) {
         differences.push_back("other commands would be sent: " + Joined(made.functions, ", "));
     }
-    if (differences.empty() &&
-        (reviewed.what != made.what || reviewed.effects != made.effects ||
-         reviewed.size_bytes != made.size_bytes || reviewed.objects != made.objects)) {
+    if (differences.empty() && reviewed.size_bytes != made.size_bytes) {
+        const auto text = [](const std::optional<std::uint64_t>& size) {
+            return size ? std::to_string(*size) + " bytes" : std::string("not told");
+        };
+        differences.push_back("the resulting size would be " + text(made.size_bytes) +
+                              ", and in the plan it is " + text(reviewed.size_bytes));
+    }
+    if (differences.empty() && (reviewed.what != made.what || reviewed.effects != made.effects ||
+                                reviewed.objects != made.objects)) {
         differences.push_back("its effects would be others: " + made.what + ": " +
                               Joined(made.effects, ", "));
     }

@@ -64,9 +64,15 @@ std::string TaskScreen::LineOf(const Task& task, std::size_t width) {
         const auto now = PercentRate::Clock::now();
         PercentRate& measured = rates_[label];
         measured.Take(*task.percent, now);
-        if (const auto per_second = measured.PerSecond()) rate = " " + RateText(*per_second) + ",";
-        if (const auto seconds = measured.SecondsLeft(now))
-            left = " " + Clocked(*seconds) + " left";
+        // What was seen here is newer than the events, of which the last may be hours old.
+        auto per_second = measured.PerSecond();
+        auto seconds = measured.SecondsLeft(now);
+        if (!per_second) {
+            per_second = task.pace.percent_per_second;
+            seconds = task.pace.seconds_left;
+        }
+        if (per_second) rate = " " + RateText(*per_second) + ",";
+        if (seconds) left = " " + Clocked(*seconds) + " left";
     }
     // What there is room for: the time left before the bar, and the rate last.
     constexpr std::size_t kBrackets = 3;

@@ -21,6 +21,8 @@ public:
     TaskScreen(const TaskScreen&) = delete;
     TaskScreen& operator=(const TaskScreen&) = delete;
 
+    /// Whether there is a terminal to draw on.
+    bool IsDrawn() const { return drawn_on_terminal_; }
     /// Draws them in place of what was drawn before, at the width that the terminal has now.
     void Draw(const std::vector<Task>& tasks);
     /// Takes away what was drawn.

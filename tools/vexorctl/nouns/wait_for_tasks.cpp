@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <chrono>
 #include <iterator>
+#include <map>
 
 #include "common/address.h"
 #include "model/controller_codes.h"
 #include "model/fault.h"
+#include "model/task_pace.h"
 #include "model/tasks.h"
 #include "nouns/task_screen.h"
 #include "output/streams.h"
@@ -20,6 +22,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr unsigned kLookMilliseconds = 200;
+// The events are all read for the pace, and a new one may come every few minutes.
+constexpr unsigned kLooksPerPace = 50;
 
 // Whether somebody has paused it: it goes on when somebody resumes it. One that the controller has
 // paused goes on by itself.
@@ -40,6 +44,24 @@ TaskDetail DetailFor(const std::vector<std::string>& addresses) {
         return ParseSelector(address).address.kind == ObjectKind::kDiskGroup;
     });
     return is_group ? TaskDetail::kWithObject : TaskDetail::kActivity;
+}
+
+// Measures the paces anew where that is due; otherwise they are those of before.
+void TakePaces(Controller& controller, bool is_due, std::vector<Task>& tasks,
+               std::map<std::string, TaskPace>& paces) {
+    const auto key = [](const Task& task) {
+        return task.address.Text() + " " + std::to_string(task.activity);
+    };
+    if (is_due) {
+        TellPace(controller, tasks);
+        paces.clear();
+        for (const Task& task : tasks) paces.emplace(key(task), task.pace);
+        return;
+    }
+    for (Task& task : tasks) {
+        const auto found = paces.find(key(task));
+        if (found != paces.end()) task.pace = found->second;
+    }
 }
 
 }  // namespace
@@ -66,8 +88,10 @@ Exit WaitForTasks(Invocation& invocation, std::vector<std::string> addresses, Du
     const bool all = addresses.empty();
     const TaskDetail detail = DetailFor(addresses);
     TaskScreen screen(controller.codes());
-    for (bool first = true;; first = false) {
-        const std::vector<Task> tasks = LoadTasks(controller, detail);
+    std::map<std::string, TaskPace> paces;
+    for (unsigned look = 0;; ++look) {
+        const bool first = look == 0;
+        std::vector<Task> tasks = LoadTasks(controller, detail);
         if (controller.exit() != Exit::kDone) {
             screen.Clear();
             for (const Fault& fault : controller.faults()) {
@@ -92,6 +116,7 @@ Exit WaitForTasks(Invocation& invocation, std::vector<std::string> addresses, Du
             for (const Task& task : left) ReportPaused(task);
             return Exit::kWaiting;
         }
+        if (screen.IsDrawn()) TakePaces(controller, look % kLooksPerPace == 0, left, paces);
         screen.Draw(left);
         const std::string where = running->address.Text();
         const auto waited = std::chrono::duration_cast<Duration>(Clock::now() - start);

@@ -15,8 +15,9 @@
 
 namespace vexorctl {
 
-/// How a field is written. In JSON kBytes, kNumber and kRatio are numbers; kCode and kBits are
-/// objects that keep the number beside the name. The JSON schema says what each of them can be.
+/// How a field is written. In JSON kBytes, kRate, kSeconds, kNumber and kRatio are numbers; kCode
+/// and kBits are objects that keep the number beside the name. The JSON schema says what each of
+/// them can be.
 enum class Kind {
     kText,
     kAddress,    // of the object that the row is about, which is always known: "a0/vd1"
@@ -26,11 +27,14 @@ enum class Kind {
     kNumber,
     kBool,
     kBytes,      // a size in whole sectors; GiB in tables
+    kRate,       // bytes per second
+    kSeconds,    // a duration; with units and rounded in tables
     kRatio,      // 0 to 1; percent in tables
     kTime,       // seconds since 1970; ISO 8601 everywhere
     kCode,       // a number with a name
     kBits,       // a number whose bits have names
-    kTexts,      // a list of texts
+    kTexts,      // a list of texts that hold no comma
+    kSentences,  // a list of texts that may hold anything; a line each in csv
     kAddresses,  // a list of addresses
     kNumbers,    // a list of numbers
     kSizes,      // a list of sizes
@@ -42,7 +46,9 @@ constexpr bool IsText(Kind kind) {
     return kind == Kind::kText || kind == Kind::kAddress || kind == Kind::kReference ||
            kind == Kind::kHex || kind == Kind::kWord;
 }
-constexpr bool IsTexts(Kind kind) { return kind == Kind::kTexts || kind == Kind::kAddresses; }
+constexpr bool IsTexts(Kind kind) {
+    return kind == Kind::kTexts || kind == Kind::kSentences || kind == Kind::kAddresses;
+}
 
 struct Cell {
     enum class State {
@@ -66,8 +72,8 @@ Cell None();
 
 // Makers, one for each kind. What is null is unknown, and an empty text is none.
 Cell TextCell(std::optional<std::string> text);
-Cell NumberCell(
-    std::optional<std::uint64_t> number);  // kNumber, kBool, kBytes, kTime, kCode, kBits
+Cell NumberCell(std::optional<std::uint64_t>
+                    number);  // kNumber, kBool, kBytes, kRate, kSeconds, kTime, kCode, kBits
 Cell SectorsCell(std::optional<std::uint64_t> sectors);
 Cell PercentCell(std::optional<std::uint64_t> percent);  // kRatio
 Cell TextsCell(std::optional<std::vector<std::string>> texts);

@@ -1,10 +1,13 @@
 #include "output/cell_text.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <cstdio>
 #include <iterator>
 #include <utility>
 
+#include "common/duration.h"
 #include "common/size.h"
 #include "common/timestamp.h"
 #include "output/address_ranges.h"
@@ -21,6 +24,16 @@ std::string Scaled(double size, const char* unit) {
     number.erase(number.find_last_not_of('0') + 1);
     if (number.ends_with('.')) number.pop_back();
     return number + " " + unit;
+}
+
+// Days are told to the hour and hours to the minute: what is left is an estimate.
+std::string RoundedDuration(std::uint64_t seconds) {
+    constexpr std::uint64_t kMinute = 60, kHour = 3600, kDay = 86400;
+    constexpr std::uint64_t kMost = 1000000 * kDay;
+    seconds = std::min(seconds, kMost);
+    const std::uint64_t unit = seconds >= kDay ? kHour : seconds >= kHour ? kMinute : 1;
+    const std::uint64_t whole = seconds / unit * unit;
+    return vexortools::DurationText(std::chrono::seconds(static_cast<std::int64_t>(whole)));
 }
 
 }  // namespace
@@ -72,6 +85,10 @@ std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& st
             return cell.number != 0 ? "yes" : "no";
         case Kind::kBytes:
             return SizeText(cell.number, style);
+        case Kind::kRate:
+            return SizeText(cell.number, style) + (style.bytes ? "" : "/s");
+        case Kind::kSeconds:
+            return RoundedDuration(cell.number);
         case Kind::kRatio: {
             char text[32];
             std::snprintf(text, sizeof(text), "%.0f%%", 100 * cell.ratio);
@@ -87,6 +104,8 @@ std::string CellText(const ColumnInfo& column, const Cell& cell, const Style& st
             [[fallthrough]];
         case Kind::kBits:
             return Joined(cell.texts, ",");
+        case Kind::kSentences:
+            return Joined(cell.texts, "; ");
         case Kind::kNumbers:
         case Kind::kSizes: {
             const bool are_sizes = column.kind == Kind::kSizes;
@@ -119,7 +138,11 @@ std::string PlainText(const ColumnInfo& column, const Cell& cell, const Style& s
         for (const std::uint64_t size : cell.numbers) texts.push_back(std::to_string(size));
         return Joined(texts, ",");
     }
-    if (column.kind == Kind::kBytes) return std::to_string(cell.number);
+    if (column.kind == Kind::kBytes || column.kind == Kind::kRate ||
+        column.kind == Kind::kSeconds) {
+        return std::to_string(cell.number);
+    }
+    if (column.kind == Kind::kSentences) return Joined(cell.texts, "\n");
     if (IsTexts(column.kind)) return Joined(cell.texts, ",");
     if (column.kind == Kind::kBool) return cell.number != 0 ? "true" : "false";
     if (column.kind == Kind::kRatio) {

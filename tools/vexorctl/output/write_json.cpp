@@ -30,6 +30,8 @@ Json CellJson(const ColumnInfo& column, const Cell& cell, const Style& style) {
             return cell.text;
         case Kind::kNumber:
         case Kind::kBytes:
+        case Kind::kRate:
+        case Kind::kSeconds:
             return cell.number;
         case Kind::kBool:
             return cell.number != 0;
@@ -43,6 +45,7 @@ Json CellJson(const ColumnInfo& column, const Cell& cell, const Style& style) {
         case Kind::kBits:
             return {{"code", cell.number}, {"names", cell.texts}};
         case Kind::kTexts:
+        case Kind::kSentences:
         case Kind::kAddresses:
             return cell.texts;
         case Kind::kNumbers:

@@ -19,7 +19,8 @@ using vexortools::DisplayWidth;
 using vexortools::Printable;
 
 bool IsRightAligned(Kind kind) {
-    return kind == Kind::kNumber || kind == Kind::kBytes || kind == Kind::kRatio;
+    return kind == Kind::kNumber || kind == Kind::kBytes || kind == Kind::kRatio ||
+           kind == Kind::kRate || kind == Kind::kSeconds;
 }
 
 struct StateColour {

@@ -22,6 +22,17 @@ constexpr std::string_view kAlone = "\x02";
 
 bool IsHelp(const std::string& word) { return word == "--help" || word == "-h"; }
 
+// The words that stand between blanks.
+std::vector<std::string> WordsIn(std::string_view words) {
+    std::vector<std::string> parts;
+    while (!words.empty()) {
+        const std::size_t end = std::min(words.find(' '), words.size());
+        parts.emplace_back(words.substr(0, end));
+        words.remove_prefix(std::min(end + 1, words.size()));
+    }
+    return parts;
+}
+
 bool Contains(std::string_view words, std::string_view word) {
     while (!words.empty()) {
         const std::size_t blank = words.find(' ');
@@ -75,8 +86,8 @@ std::vector<std::string> ValuesOf(const OptionRow& row, const std::vector<std::s
     for (std::string value : typed) {
         value = value == kAlone ? std::string() : Unmarked(std::move(value));
         if (!row.choices.empty() && !Contains(row.choices, value)) {
-            throw UsageError(std::string(row.name) + " cannot be \"" + value +
-                             "\"; say one of: " + std::string(row.choices));
+            throw UsageError(std::string(row.name) + " cannot be \"" + value + "\"; say one of: " +
+                             std::string(row.choices) + Meant(value, WordsIn(row.choices)));
         }
         values.push_back(std::move(value));
     }

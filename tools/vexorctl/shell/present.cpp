@@ -12,6 +12,7 @@
 #include "model/ask_controller.h"
 #include "model/failure.h"
 #include "output/cell.h"
+#include "output/cell_text.h"
 #include "output/streams.h"
 #include "output/terminal_width.h"
 #include "output/write_csv.h"
@@ -39,11 +40,10 @@ std::size_t ColumnOf(const Report& report, std::string_view key) {
     if (found != report.columns.end()) {
         return static_cast<std::size_t>(found - report.columns.begin());
     }
-    std::string keys;
-    for (const ColumnInfo& column : report.columns) {
-        keys.append(keys.empty() ? "" : ", ").append(column.key);
-    }
-    throw UsageError("there is no column \"" + std::string(key) + "\"; the columns are " + keys);
+    std::vector<std::string> keys;
+    for (const ColumnInfo& column : report.columns) keys.emplace_back(column.key);
+    throw UsageError("there is no column \"" + std::string(key) + "\"; the columns are " +
+                     Joined(keys, ", ") + Meant(key, keys));
 }
 
 // What sorts before what: numbers by their value, everything else by its text.
