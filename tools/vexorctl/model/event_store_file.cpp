@@ -34,7 +34,7 @@ constexpr std::size_t kStart = 40;     // the slot of the oldest entry
 constexpr std::size_t kEnd = 44;       // the slot of the next one
 
 // A file that is just being made is empty for a moment.
-constexpr int kTries = 3;
+constexpr int kMostLooks = 3;
 constexpr std::chrono::milliseconds kPause(50);
 
 std::string FolderOf(const std::string& path) {
@@ -103,7 +103,7 @@ Sight LookOnce(const std::string& path) {
 
 Sight LookAt(const std::string& path) {
     Sight sight = LookOnce(path);
-    for (int tried = 1; tried < kTries && sight.state == State::kDamaged; ++tried) {
+    for (int tried = 1; tried < kMostLooks && sight.state == State::kDamaged; ++tried) {
         std::this_thread::sleep_for(kPause);
         sight = LookOnce(path);
     }
