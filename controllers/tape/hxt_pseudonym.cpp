@@ -135,8 +135,8 @@ void ReplaceHexAddress(const PseudonymKey& key, std::span<char> value) {
     std::array<char, 8> address{};
     for (std::size_t i = 0; i < 16; ++i) {
         const auto number = static_cast<unsigned>(digits.find(value[i]));
-        address[i / 2] =
-            static_cast<char>((static_cast<unsigned char>(address[i / 2]) << 4U) | number);
+        const unsigned high = static_cast<unsigned char>(address[i / 2]);
+        address[i / 2] = static_cast<char>((high << 4U) | number);
     }
     ReplaceAddress(key, address);
     for (std::size_t i = 0; i < 16; ++i) {
