@@ -75,6 +75,49 @@ TEST_F(DebugLogTest, NamesHaveRoomFor127Characters) {
     EXPECT_EQ(256u, sizeof DBG_Ext.Cfg.Filename);
 }
 
+TEST_F(DebugLogTest, TakesANameOfOneCharacter) {
+    Configure("LogEnable=\"1\" Filename=\"" + log_ + "\"");
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(root_.Path("/"));
+    EXPECT_EQ(1, VX_DBG_Init("l"));
+    std::filesystem::current_path(before);
+    EXPECT_TRUE(root_.Exists("/l"));
+}
+
+TEST_F(DebugLogTest, CopiesNothingBehindTheLongestName) {
+    Configure("LogEnable=\"1\" Filename=\"" + log_ + "\"");
+    char name[129] = {};
+    PathOfLength(127).copy(name, 127);
+    name[128] = 'x';  // would be the first byte of FOut
+    EXPECT_EQ(1, VX_DBG_Init(name));
+    EXPECT_EQ(-1, DBG_Ext.FOut);
+}
+
+TEST_F(DebugLogTest, MakesItsFileForAMessageWithoutCharacters) {
+    TurnOn(log_);
+    std::filesystem::remove(log_);
+    EXPECT_EQ(0, VX_DBG_Printf("%s", ""));
+    EXPECT_TRUE(root_.Exists("/debug.log"));
+    EXPECT_EQ(0, VX_DBG_PrintFile(root_.Path("/other.log").c_str(), "%s", ""));
+    EXPECT_TRUE(root_.Exists("/other.log"));
+}
+
+// The log is descriptor 0 then.
+TEST_F(DebugLogTest, IsWrittenThoughStandardInputIsClosed) {
+    TurnOn(log_);
+    const int input = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    VX_DBG_Printf("message");
+    VX_DBG_PrintFile(root_.Path("/other.log").c_str(), "other");
+    EXPECT_EQ(-1, fcntl(STDIN_FILENO, F_GETFD));
+    if (input >= 0) {
+        dup2(input, STDIN_FILENO);
+        close(input);
+    }
+    EXPECT_EQ("message", root_.Read("/debug.log"));
+    EXPECT_EQ("other", root_.Read("/other.log"));
+}
+
 // ---- Messages of a parse ----
 
 using GatheredMessages = DebugLogTest;
