@@ -444,6 +444,18 @@ TEST_F(ConfigurationSetting, FilenameOf255CharactersIsKept) {
     EXPECT_EQ(name, Settings("Filename=\"" + name + "\"").Filename);
 }
 
+// What follows a value in the parser's memory is the next attribute, not zeros.
+TEST_F(ConfigurationSetting, FilenameOf255CharactersWritesNothingBehindItsField) {
+    struct {
+        VX_Cfg_EventLog cfg;
+        char behind[16];
+    } room{};
+    root_.Write(kFile, "<c><EventLogConfig type=\"config\" Filename=\"" + std::string(255, 'n') +
+                           "\" Other=\"oooo\"/></c>");
+    EXPECT_EQ(1, VX_CfgLoad(&room.cfg, "EventLogConfig"));
+    EXPECT_EQ(std::string(16, '\0'), std::string(room.behind, sizeof room.behind));
+}
+
 TEST_F(ConfigurationSetting, FilenameOf256CharactersIsAbsent) {
     EXPECT_EQ((VX_Cfg_EventLog{1, 0, ""}),
               Settings("LogEnable=\"1\" Filename=\"" + std::string(256, 'n') + "\""));

@@ -13,6 +13,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <ostream>
 #include <string>
@@ -148,6 +149,17 @@ TEST_F(GatheredMessages, AreWrittenWhenTheNextOneHasNoRoomBesideThem) {
         EXPECT_EQ(most + "b", root_.Read("/debug.log"));
     }
     EXPECT_EQ(most + "bc", root_.Read("/debug.log"));
+}
+
+TEST_F(GatheredMessages, MayBeOneThatFillsAllTheirRoom) {
+    TurnOn(log_);
+    const std::string whole(65536, 'a');
+    {
+        const GatheredTraces gathered;
+        VX_DBG_Printf("%s", whole.c_str());
+        EXPECT_EQ("", root_.Read("/debug.log"));
+    }
+    EXPECT_EQ(whole, root_.Read("/debug.log"));
 }
 
 TEST_F(GatheredMessages, StandBeforeOneThatIsLongerThanAllTheirRoom) {
@@ -783,10 +795,12 @@ TEST_F(LogFile, EveryAppendGoesBehindWhatOthersWrote) {
 int pipe_ends[2];
 volatile std::size_t piped_bytes = 0;
 void EmptyPipe(int) {
+    const int error = errno;
     char bytes[4096];
     for (ssize_t length; (length = read(pipe_ends[0], bytes, sizeof bytes)) > 0;) {
         piped_bytes = piped_bytes + static_cast<std::size_t>(length);
     }
+    errno = error;
 }
 
 TEST_F(LogFile, AppendGoesOnAfterAShortOrInterruptedWrite) {
