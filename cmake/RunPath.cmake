@@ -48,3 +48,12 @@ function(vexor_run_path target)
             NEW_RPATH [==[${installed}]==])")
     endif()
 endfunction()
+
+# vexor_run_path_to_library(PROGRAM FOLDER): for a program installed in the BINDIR or SBINDIR. It
+# finds the library relative to itself, in the build folder and where both are installed.
+function(vexor_run_path_to_library program folder)
+    file(RELATIVE_PATH library_folder
+        "${CMAKE_INSTALL_FULL_${folder}}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+    vexor_run_path(${program} BUILD "$ORIGIN/../lib" INSTALL "$ORIGIN/${library_folder}"
+        DESTINATION "${CMAKE_INSTALL_${folder}}")
+endfunction()
