@@ -87,6 +87,13 @@ private:
     std::optional<std::vector<Disk>> disks_;
 };
 
+// Null for what no disk or clock can have told: a double may be larger than any whole number.
+std::optional<std::uint64_t> WholeNumber(double number) {
+    constexpr double kMost = 1e18;
+    if (!(number >= 0 && number <= kMost)) return std::nullopt;
+    return static_cast<std::uint64_t>(number);
+}
+
 std::vector<std::string> ObjectsOf(const Task& task) {
     if (task.address.kind != ObjectKind::kDiskGroup) return {task.address.Text()};
     std::vector<std::string> objects;
@@ -119,11 +126,10 @@ TaskPace PaceOf(const Task& task, std::string_view activity, std::span<const std
     pace.percent_per_second = PercentPerSecond(*period);
     if (!pace.percent_per_second) return pace;
     const double left = kWhole - std::min(static_cast<double>(*task.percent), kWhole);
-    pace.seconds_left = static_cast<std::uint64_t>(std::ceil(left / *pace.percent_per_second));
+    pace.seconds_left = WholeNumber(std::ceil(left / *pace.percent_per_second));
     if (sectors) {
         const double bytes = static_cast<double>(*sectors) * vexortools::kSectorBytes;
-        pace.bytes_per_second =
-            static_cast<std::uint64_t>(std::llround(bytes / kWhole * *pace.percent_per_second));
+        pace.bytes_per_second = WholeNumber(std::round(bytes / kWhole * *pace.percent_per_second));
     }
     return pace;
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -72,6 +74,17 @@ TEST(ThePaceOfATask, HasATimeLeftAlsoWhereTheBytesAreNotKnown) {
         PaceOf(RebuildAt(30), "rebuild", kObjects, std::vector{Rebuilding()}, std::nullopt);
     EXPECT_EQ(pace.seconds_left, 700U);
     EXPECT_FALSE(pace.bytes_per_second);
+}
+
+TEST(ThePaceOfATask, IsUnknownWhereTheNumbersAreImpossible) {
+    Period period = Rebuilding();
+    period.from = Mark{.time = 0, .percent = 0};
+    period.to = Mark{.time = UINT64_MAX, .percent = 1};
+    EXPECT_FALSE(PaceAt(30, {period}).seconds_left);
+    const TaskPace pace =
+        PaceOf(RebuildAt(30), "rebuild", kObjects, std::vector{Rebuilding()}, UINT64_MAX);
+    EXPECT_FALSE(pace.bytes_per_second);
+    EXPECT_EQ(pace.seconds_left, 700U);
 }
 
 TEST(ThePaceOfATask, IsUnknownWhereItsProgressIs) {
