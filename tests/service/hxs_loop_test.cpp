@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <deque>
 #include <functional>
@@ -413,6 +414,49 @@ TEST_F(WatchedMachine, LooksAtOnceWhenASinkBeginsToFail) {
         if (each.sink == "mail") told += each.letter.subject + "\n";
     }
     EXPECT_NE(told.find("pager cannot be reached: no line"), std::string::npos) << told;
+}
+
+// ---- Steady state ----
+
+std::size_t HeapInUse() { return mallinfo2().uordblks; }  // 0 under the address sanitizer
+
+// Keeps nothing, and looks at the heap at two rounds.
+class MeasuringFiles : public hxservice::Keeper {
+public:
+    void Save(const hxservice::Saved& /*saved*/) override {}
+    void Publish(const std::string& /*text*/) override {
+        ++rounds;
+        if (rounds == kEarly) early = HeapInUse();
+        if (rounds == kLate) late = HeapInUse();
+    }
+    void PublishMetrics(const std::string& /*text*/) override {}
+    void Withdraw() override {}
+
+    static constexpr int kEarly = 100;
+    static constexpr int kLate = 600;
+    int rounds = 0;
+    std::size_t early = 0;
+    std::size_t late = 0;
+};
+
+class ForgetfulManager : public KeptManager {
+public:
+    void Tell(const std::string& /*status*/) override {}
+};
+
+TEST_F(WatchedMachine, TakesNoMoreMemoryRoundAfterRound) {
+    Show(kFailed);
+    VirtualTime time({{seconds(10) * MeasuringFiles::kLate, Wake::kEnd}});
+    source.check_ins.reserve(MeasuringFiles::kLate + 10);
+    time.waits.reserve(MeasuringFiles::kLate + 10);
+    MeasuringFiles files;
+    ForgetfulManager quiet;
+    Settings settings = TenSeconds();
+    settings.watch_interval = seconds(10);
+    Loop({source, time, quiet, files, log, deliverer}, settings, TenSeconds, {}, "").Run();
+    ASSERT_GE(files.rounds, MeasuringFiles::kLate);
+    EXPECT_GE(source.looks, MeasuringFiles::kLate);
+    EXPECT_LT(files.late, files.early + 4000);  // 8 bytes a round
 }
 
 }  // namespace
