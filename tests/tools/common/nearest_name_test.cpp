@@ -26,6 +26,13 @@ TEST(NearestName, IsNoneOfAnotherName) {
     EXPECT_EQ(NearestName("AdapterID", {}), "");
 }
 
+TEST(NearestName, IsFoundBehindOneLetterTooManyOfAShortName) {
+    constexpr std::string_view kShort[] = {"vd", "dg", "n"};
+    EXPECT_EQ(NearestName("vdd", kShort), "vd");
+    EXPECT_EQ(NearestName("vx", kShort), "");
+    EXPECT_EQ(NearestName("nn", kShort), "");
+}
+
 TEST(NearestName, TakesTheNearestAndTheFirstOfEquals) {
     constexpr std::string_view kAlike[] = {"volLowerBound", "volUpperBound", "volLowerBounds"};
     EXPECT_EQ(NearestName("volLowerBounds", kAlike), "volLowerBounds");

@@ -623,6 +623,19 @@ class Events(VexorctlCase):
 
 
 class Completion(VexorctlCase):
+    def test_fish_shows_what_each_fixed_value_means(self):
+        for words in (["vd", "create", "--raid="], ["vd", "create", "--init="],
+                      ["vd", "create", "--round="], ["vd", "set", "--cache="],
+                      ["vd", "set", "--auto-rebuild="], ["task", "start", "--kind="],
+                      ["disk", "set", "--state="], ["battery", "power", "--action="],
+                      ["flash", "save", "--image="], ["vd", "list", "--output="]):
+            lines = self.run_words("completion", "candidates", "--for", "fish", "--",
+                                   *words).stdout.splitlines()
+            self.assertEqual(lines.pop(0), "words")  # and no files
+            self.assertGreater(len(lines), 1, words)
+            for line in lines:
+                self.assertRegex(line, r"^\S+\t\S", words)
+
     def candidates(self, *words):
         return self.run_words("completion", "candidates", "--", *words).stdout.split()
 

@@ -280,6 +280,30 @@ class Times(VexorctlCase):
         self.assertIn("--until is before --since", run.stderr)
 
 
+class TimelineSince(VexorctlCase):
+    def test_what_ended_before_is_left_out_and_what_lasts_is_not(self):
+        self.machine.hxsimctl("clock", "advance", "1m")
+        self.run_words("task", "start", "a0/vd2", "--kind", "check")
+        self.machine.hxsimctl("clock", "advance", "30d")
+        self.run_words("task", "start", "a0/vd0", "--kind", "check")
+        self.collect()
+        items = json.loads(self.run_words("timeline", "-o", "json").stdout)["items"]
+        self.assertEqual([each["address"] for each in items], ["a0/vd2", "a0/vd0"])
+        ended, lasting = items[0]["end_time"], items[1]["start_time"]
+
+        def since(time):
+            run = self.run_words("timeline", "--since", time, "--columns", "address", "-o", "csv")
+            self.assertEqual((run.returncode, run.stderr), (0, ""))
+            return run.stdout.split()[1:]
+
+        self.assertEqual(since(ended), ["a0/vd2", "a0/vd0"])
+        self.assertEqual(since(lasting), ["a0/vd0"])
+        self.assertEqual(since("2100-01-01"), ["a0/vd0"])
+        run = self.run_words("timeline", "--since", "yesterday")
+        self.assertEqual(run.returncode, 2)
+        self.assertIn("--since: ", run.stderr)
+
+
 class Timeline(VexorctlCase):
     """What lasted, as the stored events tell it and no further."""
 

@@ -314,6 +314,15 @@ class PlanFiles(PlanCase):
         self.machine = vexorctl_machine.Machine(vexorctl_machine.PROGRAMS, self.machine.state, "small")
         self.refused(8, "a0: its serial number was ")
 
+    def test_a_size_that_was_edited_is_named(self):
+        document = self.plan("vd", "create", "--adapter", "1", "--raid", "5", "--disks", "3",
+                             "--size", "10GiB", "--name", "sized")
+        (self.root / "plan.json").write_text(json.dumps({**document, "size_bytes": 512}))
+        run = self.run_words("apply", "plan.json", "--yes")
+        self.assertEqual((run.returncode, run.stderr), (8,
+            "vexorctl: not what the plan was made for: the resulting size would be 10737418240 "
+            "bytes, and in the plan it is 512 bytes; nothing was done\n"))
+
     def test_a_file_that_was_edited_is_refused(self):
         document = self.plan("vd", "delete", "a1/vd0")
         edits = (
