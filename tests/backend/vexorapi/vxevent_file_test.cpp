@@ -105,6 +105,18 @@ TEST_F(EventFile, IsEmptyAnd112BytesLongWhenCreated) {
     EXPECT_EQ(expected, root_.Read(kEventFile));
 }
 
+// Service and front end are different users.
+TEST_F(EventFile, AndTheNumbersHaveTheModeThatTheUmaskLeaves) {
+    const mode_t before = umask(0);
+    CheckIn(DiskEvents(1, 1));
+    umask(before);
+    for (const char* const file : {g_VX_EventExt.Filename, g_VX_EventExt.SeqNoFilename}) {
+        struct stat status {};
+        ASSERT_EQ(0, stat(file, &status));
+        EXPECT_EQ(mode_t{0666}, status.st_mode & mode_t{07777});
+    }
+}
+
 TEST_F(EventFile, KeepsTheEventAsItCame) {
     Event event;
     std::memset(&event, 0xA5, sizeof event);
