@@ -11,7 +11,7 @@
 namespace hxtape {
 namespace {
 
-constexpr PseudonymKey kKey{1, 2, 3};
+constexpr PseudonymKey kCallKey{1, 2, 3};
 
 // A list request with room for that many disks, as callers make it.
 class DiskPage {
@@ -93,7 +93,7 @@ TEST(APieceOfAnImage, IsAsLongAsItSays) {
     std::memcpy(piece.Data, "abc", 3);
     const std::array sent{Piece(HX_FLASH_WRITE, &piece).part};
     EXPECT_EQ(offsetof(Flash_Data, Data) + 3, RequestOf(sent, nullptr).size());
-    EXPECT_EQ(std::string(3, '\0'), RequestOf(sent, &kKey).substr(offsetof(Flash_Data, Data)));
+    EXPECT_EQ(std::string(3, '\0'), RequestOf(sent, &kCallKey).substr(offsetof(Flash_Data, Data)));
     EXPECT_EQ("", AnswerOf(sent, nullptr));
     const std::array asked{Piece(HX_FLASH_READ, &piece).part};
     EXPECT_EQ(std::string("\x05\0", 2), RequestOf(asked, nullptr));
@@ -108,7 +108,7 @@ TEST(AnAnonymousAnswer, HasNeitherSerialNumberNorAddressNorName) {
     std::strcpy(page.disk(0).Model, "Quadra QD-2000");
     std::memcpy(page.disk(0).WWN, "\x50\1\2\3\4\5\6\7", 8);
     std::memcpy(page.disk(0).Link.Self.SAS_Address, "\x50\1\2\3\4\5\6\7", 8);
-    const std::string answer = AnswerOf(page.parts(), &kKey);
+    const std::string answer = AnswerOf(page.parts(), &kCallKey);
     EXPECT_EQ(std::string::npos, answer.find("W17VSWPDW"));
     EXPECT_EQ(std::string::npos, answer.find("\1\2\3\4\5\6\7"));
     EXPECT_NE(std::string::npos, answer.find("Quadra QD-2000"));
@@ -121,8 +121,8 @@ TEST(AnAnonymousAnswer, HasNeitherSerialNumberNorAddressNorName) {
     Create_LD_Param param{};
     std::strcpy(param.Name, "PAYROLL");
     const std::array parts{Both(&param).part};
-    EXPECT_EQ(std::string::npos, RequestOf(parts, &kKey).find("PAYROLL"));
-    EXPECT_EQ(std::string::npos, AnswerOf(parts, &kKey).find("PAYROLL"));
+    EXPECT_EQ(std::string::npos, RequestOf(parts, &kCallKey).find("PAYROLL"));
+    EXPECT_EQ(std::string::npos, AnswerOf(parts, &kCallKey).find("PAYROLL"));
 }
 
 // Whatever stands on a tape: nothing is written past a buffer, which the address sanitizer watches.
