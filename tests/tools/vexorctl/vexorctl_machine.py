@@ -5,6 +5,7 @@ What time it is, and how far an activity has come, changes only when a test says
 """
 
 import contextlib
+import datetime
 import functools
 import json
 import os
@@ -173,6 +174,13 @@ class Machine:
 
     def hxsimctl(self, *words):
         return _hxsimctl(self.programs, self.state, *words)
+
+    def wait_for_a_whole_second(self):
+        """Events have whole seconds: what is computed of their times is the same every time only when
+        the machine's clock stands at the start of one."""
+        now = re.match(r"(\S+) (\S+) UTC", self.hxsimctl("clock", "show"))
+        then = datetime.datetime.fromisoformat(f"{now[1]}T{now[2]}") + datetime.timedelta(seconds=1)
+        self.hxsimctl("clock", "advance", then.isoformat() + "Z")
 
 
 class VexorctlCase(unittest.TestCase):

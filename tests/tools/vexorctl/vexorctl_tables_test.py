@@ -296,6 +296,7 @@ class Screens(WideCase):
     def machine_of(self, steps):
         topology = re.search(r'^# on the machine "(\w+)"$', steps, re.M)[1]
         self.machine = vexorctl_machine.Machine(self.machine.programs, self.machine.state, topology)
+        self.machine.wait_for_a_whole_second()
         for step in steps.splitlines()[1:]:
             path = self.root / "story"
             path.write_text(step + "\n")
