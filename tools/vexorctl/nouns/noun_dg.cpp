@@ -291,15 +291,10 @@ void TellSpace(Invocation& invocation, const DiskGroup& group, std::uint64_t lev
                       {Look::InitializationOption, 0},
                       {Look::PDCount, disks.size()},
                       {Look::PDIDs, Ids(disks)}});
-    const auto size =
-        answer[Look::Result::CreateOrModify_DG_Param][fields::CreateOrModify_DG_Param::Size];
-    if (answer.exit == Exit::kRefused) {
-        change.refusals.push_back(ReasonOf(answer));
-    } else if (answer.exit == Exit::kDone && size) {
-        change.size_bytes = kSectorBytes * *size;
-    } else {
-        change.losses.emplace_back("the resulting size is not known");
-    }
+    TellAnsweredSize(
+        answer,
+        answer[Look::Result::CreateOrModify_DG_Param][fields::CreateOrModify_DG_Param::Size],
+        change);
 }
 
 // Adds the disks to those that the group has.

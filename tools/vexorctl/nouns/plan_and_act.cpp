@@ -16,6 +16,7 @@
 #include "common/duration.h"
 #include "common/number.h"
 #include "common/replace_file.h"
+#include "common/size.h"
 #include "common/terminal_text.h"
 #include "common/timestamp.h"
 #include "common/turn.h"
@@ -379,6 +380,16 @@ std::string ReasonOf(const Answer& refused) {
     constexpr std::string_view kPrefix = "refused: ";
     const std::string& text = refused.complaint;
     return text.starts_with(kPrefix) ? text.substr(kPrefix.size()) : text;
+}
+
+void TellAnsweredSize(const Answer& answer, std::optional<std::uint64_t> sectors, Change& change) {
+    if (answer.exit == Exit::kRefused) {
+        change.refusals.push_back(ReasonOf(answer));
+    } else if (answer.exit == Exit::kDone && sectors) {
+        change.size_bytes = kSectorBytes * *sectors;
+    } else {
+        change.losses.emplace_back("the resulting size is not known");
+    }
 }
 
 Exit CarryOut(Invocation& invocation, const Change& change) {

@@ -52,6 +52,10 @@ std::vector<ColumnInfo> ChangeColumns();
 /// Why the controller refused a question, for Change::refusals.
 std::string ReasonOf(const Answer& refused);
 
+/// Tells the resulting size that the controller computed, of `sectors` in its answer; or that it
+/// refuses; or that the size is not known.
+void TellAnsweredSize(const Answer& answer, std::optional<std::uint64_t> sectors, Change& change);
+
 /// Carries the change out, shows it with --dry-run, or writes it to a file with --plan. Where the
 /// invocation follows a reviewed plan, it is refused unless it is that plan. Throws Failure.
 Exit CarryOut(Invocation& invocation, const Change& change);

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "codes/level.h"
-#include "common/size.h"
 #include "conditions/hxc_answers.h"
 #include "hxraid.h"
 #include "library_fields.h"
@@ -78,14 +77,8 @@ void TellSize(Controller& controller, HX_U8 level, std::span<const Disk> disks, 
                                      {Look::InitializationOption, 0},
                                      {Look::HDIDs, Ids(disks)},
                                      {Look::Name, "NEW_VD"}});
-    const auto size = answer[Look::Result::CreateLDParam][fields::Create_LD_Param::Size];
-    if (answer.exit == Exit::kRefused) {
-        change.refusals.push_back(ReasonOf(answer));
-    } else if (answer.exit == Exit::kDone && size) {
-        change.size_bytes = kSectorBytes * *size;
-    } else {
-        change.losses.emplace_back("the resulting size is not known");
-    }
+    TellAnsweredSize(answer, answer[Look::Result::CreateLDParam][fields::Create_LD_Param::Size],
+                     change);
 }
 
 }  // namespace
