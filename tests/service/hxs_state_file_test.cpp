@@ -55,6 +55,18 @@ hxconditions::State FullState() {
     return state;
 }
 
+// The path of a state file that was saved, and that another program has changed by `statement`
+// since.
+std::string SavedAndThen(const TemporaryRoot& root, const char* statement) {
+    const std::string path = root.Path("/state.db");
+    StateFile(path).Save({FullState(), 42});
+    const hxsqlite::Connection other(
+        path, hxsqlite::Access::kWrite,
+        [](hxsqlite::Trouble, const std::string&, const std::string& why) { return why; });
+    other.Execute(statement);
+    return path;
+}
+
 TEST(ServiceState, IsTheSameAfterItWasKept) {
     const std::string text = StateText(FullState());
     const hxconditions::State again = ParseState(text);
@@ -109,12 +121,8 @@ TEST(ServiceStateFile, IsSetAsideWhenItIsNoDatabase) {
 
 TEST(ServiceStateFile, IsSetAsideWhenItsTextIsDamaged) {
     const TemporaryRoot root;
-    const std::string path = root.Path("/state.db");
-    StateFile(path).Save({FullState(), 42});
-    const hxsqlite::Connection other(
-        path, hxsqlite::Access::kWrite,
-        [](hxsqlite::Trouble, const std::string&, const std::string& why) { return why; });
-    other.Execute("UPDATE kept SET value = '[1' WHERE name = 'conditions'");
+    const std::string path =
+        SavedAndThen(root, "UPDATE kept SET value = '[1' WHERE name = 'conditions'");
     StateFile file(path);
     EXPECT_NE(file.Damage(), "");
     EXPECT_EQ(file.TakeSaved().place, std::nullopt);
@@ -153,12 +161,7 @@ TEST(ServiceStateFile, StaysWhereItCannotBeOpened) {
 
 TEST(ServiceStateFile, OfAnotherVersionIsSetAside) {
     const TemporaryRoot root;
-    const std::string path = root.Path("/state.db");
-    StateFile(path).Save({FullState(), 42});
-    const hxsqlite::Connection other(
-        path, hxsqlite::Access::kWrite,
-        [](hxsqlite::Trouble, const std::string&, const std::string& why) { return why; });
-    other.Execute("PRAGMA user_version = 99");
+    const std::string path = SavedAndThen(root, "PRAGMA user_version = 99");
     EXPECT_EQ(StateFile(path).Damage(),
               path + " is no state of this version of the service; it is " + path + ".damaged now");
 }
