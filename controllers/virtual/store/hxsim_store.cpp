@@ -157,7 +157,13 @@ public:
     explicit Reading(const Connection& connection) : connection_(connection) {
         connection_.Execute("BEGIN");
     }
+    /// Ends it now. Throws what SQLite says, a lack of memory too: it goes on then.
+    void End() {
+        connection_.Execute("COMMIT");
+        is_open_ = false;
+    }
     ~Reading() {
+        if (!is_open_) return;
         try {
             connection_.Execute("COMMIT");
         } catch (const std::exception&) {
@@ -169,6 +175,7 @@ public:
 
 private:
     const Connection& connection_;
+    bool is_open_ = true;
 };
 
 Connection Open(const std::string& path) {
@@ -176,8 +183,9 @@ Connection Open(const std::string& path) {
     {
         // Check the file first, so that another program's database stays unchanged. In one
         // transaction, since another process may be creating the tables right now.
-        const Reading reading(connection);
+        Reading reading(connection);
         IsStateFile(connection, path);
+        reading.End();
     }
     UseLog(connection);
     connection.Execute("PRAGMA synchronous = NORMAL");
