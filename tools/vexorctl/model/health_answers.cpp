@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstddef>
 #include <map>
+#include <set>
 #include <span>
 #include <utility>
 
@@ -321,8 +322,11 @@ void TakeVirtualDisks(Controller& controller, const std::vector<VirtualDisk>& di
     using fields::LD_Info;
     using fields::LD_Status;
     std::map<unsigned, Blocks> blocks;
+    std::set<unsigned> are_unread;  // a block that was not read is not one that is lost
     for (const hxc::Adapter& adapter : answers.adapters) {
-        for (auto& [id, block] : controller.ReadList(adapter.number, kBlockList).items) {
+        auto list = controller.ReadList(adapter.number, kBlockList);
+        if (list.presence == Presence::kUnknown) are_unread.insert(adapter.number);
+        for (auto& [id, block] : list.items) {
             blocks[adapter.number].insert_or_assign(id, std::move(block));
         }
     }
@@ -363,6 +367,7 @@ void TakeVirtualDisks(Controller& controller, const std::vector<VirtualDisk>& di
             ActivityOf(meaning, each.status[LD_Status::Bga], each.status[LD_Status::BgaState],
                        each.status[LD_Status::BgaPercentage]);
         disk.auto_rebuild = Flag(each.config[fields::LD_Config::AutoRebuildOn]);
+        if (are_unread.contains(adapter.number)) continue;
         TakeMembers(each, meaning, blocks[adapter.number], adapter, disk);
     }
 }
