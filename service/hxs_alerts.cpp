@@ -82,10 +82,13 @@ void Alerts::Put(Desk& desk, const hxconditions::Look& look) {
 }
 
 void Alerts::Take(const hxconditions::Look& look, const hxconditions::Counts& counts,
-                  bool has_events, Duration now) {
+                  bool has_events, Duration now, std::int64_t real) {
     ticks_ = look.state.now;
     overview_ = look.overview;
     counts_ = counts;
+    for (const hxconditions::Message& message : look.messages) {
+        Remember(HistoryText(message, real));
+    }
     for (Desk& desk : desks_) {
         // Only the first waits: events that never end would put it off for ever.
         const bool is_first = QueueOf(desk).waiting.empty();
@@ -93,6 +96,50 @@ void Alerts::Take(const hxconditions::Look& look, const hxconditions::Counts& co
         if (is_first) desk.gathered = has_events ? now + kGathering : Duration(0);
     }
     box_.was_lost = false;
+}
+
+void Alerts::Remember(const std::string& text) {
+    std::vector<HistoryEntry>& history = box_.history;
+    history.push_back({history.empty() ? 1 : history.back().number + 1, text});
+    if (history.size() > kMostHistory) history.erase(history.begin());
+}
+
+void Alerts::RememberDelivery(const Desk& desk, std::int64_t real, std::string_view what,
+                              std::uint64_t alerts, const std::string& error) {
+    Remember(HistoryText(desk.settings.name, what, alerts, error, real));
+}
+
+void Alerts::FinishTest(Desk& desk, const Delivery& delivery, std::int64_t real) {
+    desk.is_busy = false;
+    desk.is_testing = false;
+    desk.tested = delivery.error.empty() ? "delivered" : ErrorOf(delivery);
+    RememberDelivery(desk, real, delivery.error.empty() ? "tested" : "test failed", 0,
+                     delivery.error.empty() ? "" : desk.tested);
+}
+
+std::vector<std::string> Alerts::Test(const std::string& sink) {
+    std::vector<std::string> names;
+    for (Desk& desk : desks_) {
+        if (!sink.empty() && desk.settings.name != sink) continue;
+        desk.is_test_due = true;
+        desk.tested.clear();
+        names.push_back(desk.settings.name);
+    }
+    return names;
+}
+
+std::vector<SinkReport> Alerts::Report() const {
+    std::vector<SinkReport> reports;
+    const std::vector<hxconditions::Sink> health = Health();
+    for (std::size_t index = 0; index < desks_.size(); ++index) {
+        const Desk& desk = desks_[index];
+        reports.push_back(
+            {.health = health[index],
+             .kind = desk.settings.kind ? std::string(NameOf(*desk.settings.kind)) : "",
+             .is_testing = desk.is_testing || desk.is_test_due,
+             .tested = desk.tested});
+    }
+    return reports;
 }
 
 std::vector<Notice> Alerts::NextOf(const Desk& desk) const {
@@ -115,6 +162,7 @@ void Alerts::Finish(Desk& desk, const Delivery& delivery, Duration now, std::int
         if (queue.failures++ == 0) {
             queue.failing_since = ticks_;
             log_.Say("alerts cannot be delivered by " + desk.settings.name + ": " + queue.error);
+            RememberDelivery(desk, real, "failed", queue.waiting.size(), queue.error);
         }
         if (!delivery.has_begun) {
             queue.maybe_sent = desk.maybe_sent_before;
@@ -135,6 +183,7 @@ void Alerts::Finish(Desk& desk, const Delivery& delivery, Duration now, std::int
         log_.Say("alerts are delivered by " + desk.settings.name + " again");
     }
     log_.Say(Counted(delivered) + " delivered by " + desk.settings.name);
+    RememberDelivery(desk, real, "delivered", delivered, "");
     queue.failures = 0;
     queue.error.clear();
     queue.failing_since.reset();
@@ -147,12 +196,23 @@ bool Alerts::Serve(Duration now, std::int64_t real, const std::function<void()>&
         const auto desk = std::ranges::find_if(
             desks_, [&](const Desk& each) { return each.settings.name == delivery.name; });
         if (desk == desks_.end() || !desk->is_busy) continue;
-        Finish(*desk, delivery, now, real);
+        if (desk->is_testing) {
+            FinishTest(*desk, delivery, real);
+        } else {
+            Finish(*desk, delivery, now, real);
+        }
         has_changed = true;
     }
     std::vector<std::pair<Desk*, Letter>> letters;
     for (Desk& desk : desks_) {
         SinkQueue& queue = QueueOf(desk);
+        if (desk.is_test_due && !desk.is_busy) {
+            desk.is_test_due = false;
+            desk.is_busy = desk.is_testing = true;
+            letters.emplace_back(
+                &desk, TestLetterOf({.sink = desk.settings.name, .host = host_, .at = real}));
+            continue;
+        }
         const bool is_due = !queue.waiting.empty() && now >= std::max(desk.ready, desk.gathered);
         if (desk.is_busy || !is_due) continue;
         const std::vector<Notice> next = NextOf(desk);
@@ -184,6 +244,7 @@ bool Alerts::Serve(Duration now, std::int64_t real, const std::function<void()>&
 std::optional<Duration> Alerts::Due() const {
     std::optional<Duration> due = deliverer_.Due();
     for (const Desk& desk : desks_) {
+        if (!desk.is_busy && desk.is_test_due) return Duration(0);
         if (desk.is_busy || box_.sinks.at(desk.settings.name).waiting.empty()) continue;
         const Duration next = std::max(desk.ready, desk.gathered);
         due = due ? std::min(*due, next) : next;

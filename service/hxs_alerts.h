@@ -19,6 +19,14 @@
 
 namespace hxservice {
 
+/// A sink, as people see it.
+struct SinkReport {
+    hxconditions::Sink health;
+    std::string kind;
+    bool is_testing = false;
+    std::string tested;  // how the last test ended: "delivered" or why not; empty: not tested
+};
+
 class Alerts {
 public:
     /// The references must outlive it. `box` is what was kept.
@@ -32,7 +40,7 @@ public:
     /// 2 seconds, so that what follows from them is told in the same letter. Save Box() before
     /// Serve.
     void Take(const hxconditions::Look& look, const hxconditions::Counts& counts, bool has_events,
-              vexortools::Duration now);
+              vexortools::Duration now, std::int64_t real);
 
     /// Begins what is due and takes up what has ended. `save` saves Box(): before a delivery
     /// begins, so that after a crash it is known that it may have been made, and after its end.
@@ -51,6 +59,9 @@ public:
 
     /// The sinks as the table of conditions sees them.
     std::vector<hxconditions::Sink> Health() const;
+    std::vector<SinkReport> Report() const;
+    /// Has Serve try that sink, or all when none is named. Returns their names.
+    std::vector<std::string> Test(const std::string& sink);
     /// The alerts given up for a sink are acknowledged.
     void ForgetGivenUp(const std::string& sink);
 
@@ -66,12 +77,19 @@ private:
         std::uint64_t maybe_sent_before = 0;
         unsigned attempts_before = 0;
         bool was_failing = false;
+        bool is_test_due = false;
+        bool is_testing = false;
+        std::string tested;
     };
 
     SinkQueue& QueueOf(const Desk& desk) { return box_.sinks[desk.settings.name]; }
     bool IsFailing(const SinkQueue& queue) const;
     void Put(Desk& desk, const hxconditions::Look& look);
     std::vector<Notice> NextOf(const Desk& desk) const;
+    void Remember(const std::string& text);
+    void RememberDelivery(const Desk& desk, std::int64_t real, std::string_view what,
+                          std::uint64_t alerts, const std::string& error);
+    void FinishTest(Desk& desk, const Delivery& delivery, std::int64_t real);
     void Finish(Desk& desk, const Delivery& delivery, vexortools::Duration now, std::int64_t real);
 
     Deliverer& deliverer_;

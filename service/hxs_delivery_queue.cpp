@@ -85,13 +85,33 @@ void SaveQueues(const Connection& connection, const Outbox& outbox) {
     }
 }
 
+// Entries never change; the oldest go.
+void SaveHistory(const Connection& connection, const std::vector<HistoryEntry>& history) {
+    if (history.empty()) {
+        connection.Execute("DELETE FROM alert_history");
+        return;
+    }
+    const std::int64_t last = connection.Number("SELECT ifnull(max(number), 0) FROM alert_history");
+    connection.Execute("DELETE FROM alert_history WHERE number < " +
+                       std::to_string(history.front().number));
+    Statement insert = connection.Prepare("INSERT INTO alert_history VALUES (?, ?)");
+    for (const HistoryEntry& entry : history) {
+        if (static_cast<std::int64_t>(entry.number) <= last) continue;
+        insert.Bind(1, static_cast<std::int64_t>(entry.number));
+        insert.BindText(2, entry.text);
+        insert.Run();
+    }
+}
+
 }  // namespace
 
 void MakeOutboxTables(const Connection& connection) {
     connection.Execute(
         "CREATE TABLE IF NOT EXISTS alert_sinks (name TEXT PRIMARY KEY, value TEXT NOT NULL);"
         "CREATE TABLE IF NOT EXISTS alert_queue (sink TEXT, number INTEGER, key TEXT NOT NULL, "
-        "value TEXT NOT NULL, PRIMARY KEY (sink, number))");
+        "value TEXT NOT NULL, PRIMARY KEY (sink, number));"
+        "CREATE TABLE IF NOT EXISTS alert_history (number INTEGER PRIMARY KEY, value TEXT NOT "
+        "NULL)");
 }
 
 Outbox LoadOutbox(const Connection& connection, const std::string& path) {
@@ -117,6 +137,15 @@ Outbox LoadOutbox(const Connection& connection, const std::string& path) {
                 {number, std::string(queue.Bytes(2)), std::string(queue.Bytes(3))});
             outbox.next = std::max(outbox.next, number + 1);
         }
+        Statement history =
+            connection.Prepare("SELECT number, value FROM alert_history ORDER BY number");
+        while (history.Step()) {
+            if (!QueueJson::accept(history.Bytes(1))) {
+                throw hxsqlite::DamagedError(path + " is damaged: its history is no JSON");
+            }
+            outbox.history.push_back(
+                {static_cast<std::uint64_t>(history.Integer(0)), std::string(history.Bytes(1))});
+        }
     } catch (const QueueJson::exception& error) {
         throw hxsqlite::DamagedError(path + " is damaged: " + error.what());
     }
@@ -125,6 +154,7 @@ Outbox LoadOutbox(const Connection& connection, const std::string& path) {
 
 void SaveOutbox(const Connection& connection, const Outbox& outbox) {
     SaveQueues(connection, outbox);
+    SaveHistory(connection, outbox.history);
     connection.Execute("DELETE FROM alert_sinks");
     Statement insert = connection.Prepare("INSERT INTO alert_sinks VALUES (?, ?)");
     const auto put = [&](const std::string& name, const std::string& value) {

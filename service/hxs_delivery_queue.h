@@ -38,9 +38,17 @@ struct SinkQueue {
     unsigned attempts = 0;
 };
 
+/// What was told, delivered or not, in the order of time.
+struct HistoryEntry {
+    std::uint64_t number = 0;
+    std::string text;  // JSON
+};
+inline constexpr std::size_t kMostHistory = 200;
+
 struct Outbox {
     std::map<std::string, SinkQueue> sinks;  // by name
     std::uint64_t next = 1;                  // the number of the next notice
+    std::vector<HistoryEntry> history;       // the last kMostHistory
     bool was_lost = false;  // with a damaged state file: what is told again may be a repeat
 };
 

@@ -58,7 +58,8 @@ void Loop::Look(const News& news) {
     ++work_.looks;
     tasks_.Take(answers_, now);
     watch_.Look(answers_, news.events, now);
-    alerts_.Take(watch_.Last(), watch_.Counts(), !news.events.empty(), parts_.outside.Now());
+    alerts_.Take(watch_.Last(), watch_.Counts(), !news.events.empty(), parts_.outside.Now(),
+                 now.real);
     Save();
     PlanNextLook(news);
 }
@@ -71,6 +72,26 @@ void Loop::ServeAlerts() {
     const bool is_look_due =
         alerts_.Serve(parts_.outside.Now(), parts_.outside.Clocks().real, [this] { Save(); });
     if (is_look_due) look_due_ = parts_.outside.Now();
+}
+
+void Loop::ServeCallers() {
+    if (parts_.callers == nullptr) return;
+    for (const Asked& asked : parts_.callers->TakeRequests(parts_.outside.Now())) {
+        const Reply reply =
+            ReplyTo(asked.request, asked.caller,
+                    {watch_.Edit(), watch_.Overview(), alerts_, parts_.outside.Clocks().real});
+        if (reply.has_changed) {
+            Save();
+            look_due_ = parts_.outside.Now();
+        }
+        parts_.callers->Answer(asked.from, reply.text);
+    }
+}
+
+Duration Loop::WorkDue(Duration otherwise) const {
+    Duration due = std::min(otherwise, alerts_.Due().value_or(otherwise));
+    if (parts_.callers != nullptr) due = std::min(due, parts_.callers->Due().value_or(due));
+    return due;
 }
 
 void Loop::PlanNextLook(const News& news) {
@@ -152,13 +173,13 @@ bool Loop::WaitForNext() {
     // A storm of signals does not put off the round: the time is looked at after each of them.
     do {
         parts_.manager.Alive();
+        ServeCallers();
         ServeAlerts();
         if (look_due_) due = std::min(due, *look_due_);
-        const Duration next = std::min(due, alerts_.Due().value_or(due));
-        const Duration left = std::max(next - parts_.outside.Now(), Duration(0));
+        const Duration left = std::max(WorkDue(due) - parts_.outside.Now(), Duration(0));
         switch (parts_.outside.Wait(std::min(left, parts_.manager.LongestSilence()))) {
             case Wake::kTime:
-            case Wake::kDelivery:
+            case Wake::kWork:
                 break;
             case Wake::kChanged:
                 due = std::min(

@@ -16,6 +16,7 @@
 #include "service/hxs_manager.h"
 #include "service/hxs_settings.h"
 #include "service/hxs_snapshot.h"
+#include "service/hxs_socket.h"
 #include "service/hxs_source.h"
 #include "service/hxs_state_file.h"
 #include "service/hxs_tasks.h"
@@ -24,9 +25,9 @@
 namespace hxservice {
 
 /// Why a wait has ended.
-/// kDelivery: something that delivers alerts has ended or written.
+/// kWork: what delivers alerts has ended or written, or somebody asks.
 /// kChanged: the machine may have changed; told once for each WakeForChange.
-enum class Wake : std::uint8_t { kTime, kCheckNow, kReload, kDelivery, kChanged, kEnd };
+enum class Wake : std::uint8_t { kTime, kCheckNow, kReload, kWork, kChanged, kEnd };
 
 /// Time and signals.
 class Outside {
@@ -52,6 +53,7 @@ struct Parts {
     Keeper& keeper;
     Log& log;
     Deliverer& deliverer;
+    Callers* callers = nullptr;  // null: nobody can ask
 };
 
 /// The name of this machine.
@@ -79,6 +81,9 @@ private:
     Snapshot SnapshotOf(Rounds rounds, CheckIn how);
     void Save();
     void ServeAlerts();
+    void ServeCallers();
+    // When alerts or callers have something to do, at most `otherwise`.
+    Duration WorkDue(Duration otherwise) const;
     void Reload();
     // When the next round is due, after one that ended at that time.
     Duration Due(Duration ended);

@@ -146,6 +146,29 @@ std::string NoticeText(const hxconditions::Message& message, std::string_view ch
     return DumpOf(json);
 }
 
+std::string HistoryText(const hxconditions::Message& message, std::int64_t real) {
+    const hxconditions::Condition& condition = message.condition;
+    NoticeJson json;
+    json["time"] = real;
+    json["what"] = hxconditions::NameOf(message.change);
+    json["level"] = hxconditions::NameOf(condition.level);
+    json["code"] = hxconditions::RowOf(condition.code).name;
+    json["object"] = hxconditions::TitleOf(condition.object);
+    json["text"] = condition.sentence;
+    return DumpOf(json);
+}
+
+std::string HistoryText(const std::string& sink, std::string_view what, std::uint64_t alerts,
+                        const std::string& error, std::int64_t real) {
+    NoticeJson json;
+    json["time"] = real;
+    json["what"] = what;
+    json["object"] = sink;
+    json["alerts"] = alerts;
+    json["text"] = error;
+    return DumpOf(json);
+}
+
 Letter LetterOf(const Sending& sending, const std::vector<Notice>& notices,
                 const hxconditions::Overview& overview, const hxconditions::Counts& counts) {
     const std::vector<NoticeJson> parsed = Parsed(sending, notices);

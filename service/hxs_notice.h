@@ -23,6 +23,11 @@ struct Notice {
 std::string NoticeText(const hxconditions::Message& message, std::string_view change,
                        const std::string& host, bool may_be_repeat);
 
+/// The JSON of an entry of the history: a change that was told, or what became of a delivery.
+std::string HistoryText(const hxconditions::Message& message, std::int64_t real);
+std::string HistoryText(const std::string& sink, std::string_view what, std::uint64_t alerts,
+                        const std::string& error, std::int64_t real);
+
 struct Letter {
     std::string sink;
     std::string host;

@@ -9,6 +9,7 @@ namespace hxservice {
 inline constexpr std::string_view kConfigurationFile = "/etc/hxraid/hxraidsvc.conf";
 inline constexpr std::string_view kRunFolder = "/run/hxraid";
 inline constexpr std::string_view kLockFile = "/run/hxraid/hxraidsvc.lock";
+inline constexpr std::string_view kSocketFile = "/run/hxraid/hxraidsvc.sock";
 inline constexpr std::string_view kStatusFile = "/run/hxraid/status.json";
 // Where Debian's node exporter takes metrics from files.
 inline constexpr std::string_view kMetricsFolder = "/var/lib/prometheus/node-exporter";

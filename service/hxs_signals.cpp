@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <climits>
 #include <cstddef>
@@ -14,6 +13,7 @@
 #include <ctime>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "common/failure.h"
 #include "common/read_file.h"
@@ -81,16 +81,15 @@ Wake Signals::Wait(Duration longest) {
         const Duration left = end - Now();
         if (left <= Duration(0)) return Wake::kTime;
         // poll leaves out a descriptor of -1.
-        std::array<pollfd, 3> ready{
-            {{signals_.Get(), POLLIN, 0}, {delivery_, POLLIN, 0}, {changes_.Get(), POLLIN, 0}}};
-        poll(ready.data(), ready.size(),
-             static_cast<int>(std::min<Duration::rep>(left.count(), INT_MAX)));
-        if (ready[0].revents != 0) continue;
-        if (ready[1].revents != 0) return Wake::kDelivery;
-        if (ready[2].revents != 0) {
-            changes_.Close();
-            return Wake::kChanged;
-        }
+        std::vector<pollfd> ready{{signals_.Get(), POLLIN, 0}, {changes_.Get(), POLLIN, 0}};
+        for (const int each : others_) ready.push_back({each, POLLIN, 0});
+        const int count = poll(ready.data(), ready.size(),
+                               static_cast<int>(std::min<Duration::rep>(left.count(), INT_MAX)));
+        if (count <= 0 || ready[0].revents != 0) continue;
+        if (ready[1].revents == 0) return Wake::kWork;
+        // Work that is there, too, is done before the next wait.
+        changes_.Close();
+        return Wake::kChanged;
     }
 }
 

@@ -5,6 +5,7 @@
 #include <random>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "descriptor.h"
 #include "service/hxs_loop.h"
@@ -23,11 +24,11 @@ public:
     Duration Random(Duration most) override;
 
     /// Wait ends when that descriptor is readable, too.
-    void WakeForDelivery(int descriptor) { delivery_ = descriptor; }
+    void WakeFor(int descriptor) { others_.push_back(descriptor); }
 
 private:
     Descriptor signals_;
-    int delivery_ = -1;
+    std::vector<int> others_;
     Descriptor changes_;
     std::string boot_id_;
     std::minstd_rand random_{std::random_device()()};

@@ -22,6 +22,8 @@ public:
 
     /// What the last look found and told.
     const hxconditions::Look& Last() const { return look_; }
+    /// To acknowledge and silence; the next look takes it up.
+    hxconditions::State& Edit() { return look_.state; }
     const hxconditions::State& State() const { return look_.state; }
     const hxconditions::Overview& Overview() const { return look_.overview; }
     const hxconditions::Counts& Counts() const { return counts_; }

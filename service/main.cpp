@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <exception>
 #include <new>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -24,6 +25,7 @@
 #include "service/hxs_paths.h"
 #include "service/hxs_settings.h"
 #include "service/hxs_signals.h"
+#include "service/hxs_socket.h"
 #include "service/hxs_state_file.h"
 
 namespace hxservice {
@@ -99,12 +101,17 @@ int Serve(const Words& words) {
     LibrarySource source;
     Systemd manager;
     Sinks sinks;
-    signals.WakeForDelivery(sinks.Descriptor());
+    signals.WakeFor(sinks.Descriptor());
+    std::optional<Socket> socket;
+    if (!words.once) {
+        socket.emplace(UnderRoot(kSocketFile));
+        signals.WakeFor(socket->Descriptor());
+    }
     Saved saved = state.TakeSaved();
     // Rounds that are made one by one go on with the time that has passed since the last one.
     if (!words.once) hxconditions::NoteStart(saved.state);
     Loop loop(
-        {source, signals, manager, keeper, log, sinks}, settings,
+        {source, signals, manager, keeper, log, sinks, socket ? &*socket : nullptr}, settings,
         [&] { return ReadSettingsOf(words); }, std::move(saved), state.Damage());
     if (words.once) {
         return CodeOf(loop.RunOnce() == CheckIn::kDone ? Exit::kDone : Exit::kUnavailable);

@@ -4,13 +4,14 @@
 usage: hxraidsvc_alerts_test.py HXRAIDSVC
 """
 
+import contextlib
 import json
 import os
-import pathlib
 import signal
+import socket
 import unittest
 
-from hxraidsvc_test import Case, Running, wait_for
+from hxraidsvc_test import PATIENCE, PROGRAMS, Case, Running, wait_for
 
 
 class Alerts(Case):
@@ -123,6 +124,96 @@ class Crash(Alerts):
             self.root.hxsimctl("disk", "fail", "a0/pd5")
             service.says("Disk a0/pd5 was set down")
             self.assertEqual(service.end()[1], 0)
+
+
+class Asked(Alerts):
+    """The running service, by its socket and vexorctl alert."""
+
+    def setUp(self):
+        super().setUp()
+        self.sink('n=$(ls | wc -l); cat >"t"; mv t "$n"',
+                  rounds='[collect]\ninterval = "1h"\n')
+        self.root.hxsimctl("smart", "trip", "a0/pd4")
+        service = Running(self.root)
+        self.service = self.enterContext(service)
+        service.says("1 alert delivered by pager")
+        self.path = self.root.path("/run/hxraid/hxraidsvc.sock")
+
+    def alert(self, *words, code=0):
+        return self.root.run(os.path.join(PROGRAMS, "vexorctl"), "alert", *words, "-o", "json",
+                             code=code)
+
+    def rows(self, *words, code=0):
+        return json.loads(self.alert(*words, code=code).stdout)["items"]
+
+    def conditions(self):
+        return {row["code"]: row for row in self.rows("list")}
+
+    def ask(self, text):
+        """What the service sends back until it closes the connection."""
+        with socket.socket(socket.AF_UNIX) as connection:
+            connection.settimeout(PATIENCE)
+            connection.connect(str(self.path))
+            try:
+                connection.sendall(text)
+                return b"".join(iter(lambda: connection.recv(65536), b""))
+            except (BrokenPipeError, ConnectionResetError):
+                return b""
+
+    def test_listens_for_root_and_its_group_alone(self):
+        self.assertEqual(self.path.stat().st_mode & 0o777, 0o660)
+        self.service.end()
+        self.assertFalse(self.path.exists())
+
+    def test_acknowledges_and_stays_quiet_until_the_end(self):
+        self.assertIsNone(self.conditions()["DISK_PREDICTED_FAILURE"]["acknowledged_by"])
+        self.rows("ack", "a0/pd4", "--note", "ordered")
+        wait_for(lambda: self.conditions()["DISK_PREDICTED_FAILURE"]["acknowledged_by"],
+                 "the acknowledgement")
+        self.root.hxsimctl("disk", "replace", "a0/pd4")
+        self.service.process.send_signal(signal.SIGUSR1)
+        wait_for(lambda: len(self.changes()) == 2, "the clear")
+        self.assertEqual(self.changes()[1], "cleared DISK_PREDICTED_FAILURE a0/pd4")
+
+    def test_silences_and_ends_that(self):
+        self.rows("silence", "a0/pd4", "--for", "8h")
+        wait_for(lambda: self.conditions()["DISK_PREDICTED_FAILURE"]["silenced_until"],
+                 "the silence")
+        self.rows("silence", "a0/pd4", "--end")
+        wait_for(lambda: not self.conditions()["DISK_PREDICTED_FAILURE"]["silenced_until"],
+                 "its end")
+        self.assertIn("there is no such silence",
+                      self.alert("silence", "a0/pd4", "--end", code=1).stderr)
+        self.alert("silence", "a0/pd4", "--for", "91d", code=2)
+
+    def test_tries_its_sinks(self):
+        (row,) = self.rows("test")
+        self.assertEqual((row["name"], row["result"]), ("pager", "delivered"))
+        self.assertTrue(json.loads((self.letters / "1").read_text())["test"])
+        self.sink("echo no line; exit 1", rounds='[collect]\ninterval = "1h"\n')
+        (row,) = self.rows("test", "pager", code=1)
+        self.assertEqual(row["result"], "ended with exit status 1: no line")
+
+    def test_tells_its_history(self):
+        self.assertEqual([row["what"] for row in self.rows("history")][-2:],
+                         ["raised", "delivered"])
+        self.assertEqual(len(self.rows("history", "--last", "1")), 1)
+
+    def test_bounds_every_request(self):
+        self.assertEqual(self.ask(b"x" * 5000), b"")
+        self.assertEqual(json.loads(self.ask(b"{}\n"))["ok"], False)
+        with contextlib.ExitStack() as idle:  # who says nothing is sent away
+            for _ in range(20):
+                connection = idle.enter_context(socket.socket(socket.AF_UNIX))
+                connection.connect(str(self.path))
+            connection.settimeout(PATIENCE)
+            self.assertEqual(connection.recv(1), b"")
+            wait_for(lambda: b'"ok":true' in self.ask(b'{"do":"history"}\n'), "room for others")
+
+    def test_is_not_there_without_a_service(self):
+        self.service.end()
+        self.assertIn("start it with: systemctl start hxraidsvc",
+                      self.alert("list", code=5).stderr)
 
 
 if __name__ == "__main__":

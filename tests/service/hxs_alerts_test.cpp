@@ -60,7 +60,7 @@ protected:
         }
         look.messages = std::move(messages);
         look.overview.heads = std::move(heads);
-        alerts_->Take(look, {}, has_events, now);
+        alerts_->Take(look, {}, has_events, now, 1000000);
     }
     // Serves until nothing is due now.
     bool Serve() {

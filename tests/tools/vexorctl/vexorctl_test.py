@@ -591,7 +591,7 @@ class Usage(VexorctlTest):
         self.write("command", VERSION_COMMAND)
         for arguments, complaint in (
             (["xlm"], 'there is no "xlm"; say one of overview, adapter, enclosure, disk, vd, dg, '
-                      "task, battery, flash, event, user, counters, config, apply, check, risk, "
+                      "task, battery, flash, event, alert, user, counters, config, apply, check, risk, "
                       f'timeline, call, xml, completion, help, version; did you mean "xml"?{SEE_HELP}'),
             (["--verbose"], f"there is no option --verbose{SEE_HELP}"),
             (["xml", "command", "-x"],

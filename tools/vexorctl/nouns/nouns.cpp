@@ -15,6 +15,7 @@ std::span<const NounRow> Nouns() {
         {"battery", "The batteries of the adapters' caches", battery_noun::Commands()},
         {"flash", "Images in the adapters' flash", flash_noun::Commands()},
         {"event", "What has happened", event_noun::Commands()},
+        {"alert", "What the event service tells", alert_noun::Commands()},
         {"user", "Logons and user groups", user_noun::Commands()},
         {"counters", "What kind of object has changed", counters_noun::Commands()},
         {"config", "Versions and the library's configuration", config_noun::Commands()},

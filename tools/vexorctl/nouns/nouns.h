@@ -22,6 +22,7 @@ namespace task_noun { std::span<const CommandRow> Commands(); }
 namespace battery_noun { std::span<const CommandRow> Commands(); }
 namespace flash_noun { std::span<const CommandRow> Commands(); }
 namespace event_noun { std::span<const CommandRow> Commands(); }
+namespace alert_noun { std::span<const CommandRow> Commands(); }
 namespace user_noun { std::span<const CommandRow> Commands(); }
 namespace counters_noun { std::span<const CommandRow> Commands(); }
 namespace config_noun { std::span<const CommandRow> Commands(); }
