@@ -120,6 +120,7 @@ class Vexorctl(unittest.TestCase):
         self.assertEqual(codes("vexorctl-disk"), usual)
         self.assertEqual(codes("vexorctl-check"), ["0", "1", "2", "3"])
         self.assertEqual(codes("vexorctl-risk"), [*usual, "9"])
+        self.assertEqual(codes("vexorctl-tape"), [*usual, "11"])
 
 
 class Hxsimctl(unittest.TestCase):

@@ -219,7 +219,7 @@ class VexorctlCase(unittest.TestCase):
     def commands(self):
         """Every (noun, verb) of the tree; the verb is empty for a noun that is a command."""
         top = self.run_words("--help").stdout
-        nouns = re.findall(r"^  (\w+)  +\S", top.split("Nouns:")[1].split("\n\n")[0], re.MULTILINE)
+        nouns = re.findall(r"^  ([\w-]+)(?:  +\S|$)", top.split("Nouns:")[1].split("\n\n")[0], re.MULTILINE)
         for noun in nouns:
             text = self.run_words(noun, "--help").stdout
             if "\nVerbs:\n" not in text:

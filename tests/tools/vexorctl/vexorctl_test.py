@@ -592,7 +592,8 @@ class Usage(VexorctlTest):
         for arguments, complaint in (
             (["xlm"], 'there is no "xlm"; say one of overview, adapter, enclosure, disk, vd, dg, '
                       "task, battery, flash, event, alert, user, counters, config, apply, check, risk, "
-                      f'timeline, call, xml, completion, help, version; did you mean "xml"?{SEE_HELP}'),
+                      "timeline, call, xml, tape, support-bundle, completion, help, version; did you mean "
+                      f'"xml"?{SEE_HELP}'),
             (["--verbose"], f"there is no option --verbose{SEE_HELP}"),
             (["xml", "command", "-x"],
              "The following argument was not expected: -x (see vexorctl xml --help)\n"),

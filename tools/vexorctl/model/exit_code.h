@@ -45,6 +45,9 @@ inline constexpr OwnExit kOwnExits[] = {
       "controller"},
      true},
     {"risk", {static_cast<Exit>(9), "the next failure of a disk may lose data"}, false},
+    {"tape",
+     {static_cast<Exit>(11), "the tape that was played back has no answer to some calls"},
+     false},
 };
 
 /// The exit codes with which the commands of a noun may end; an empty noun: those of all commands.

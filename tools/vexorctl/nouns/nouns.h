@@ -33,6 +33,8 @@ namespace risk_noun { std::span<const CommandRow> Commands(); }
 namespace timeline_noun { std::span<const CommandRow> Commands(); }
 namespace call_noun { std::span<const CommandRow> Commands(); }
 namespace xml_noun { std::span<const CommandRow> Commands(); }
+namespace tape_noun { std::span<const CommandRow> Commands(); }
+namespace support_bundle_noun { std::span<const CommandRow> Commands(); }
 namespace completion_noun { std::span<const CommandRow> Commands(); }
 namespace help_noun { std::span<const CommandRow> Commands(); }
 namespace version_noun { std::span<const CommandRow> Commands(); }
