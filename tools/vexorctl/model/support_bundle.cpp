@@ -219,7 +219,7 @@ private:
         try {
             std::string text = TextOf(path, FileKind::kRegular);
             if (form == Form::kLog && text.size() > kMaxLog) {
-                text.erase(0, text.size() - kMaxLog);
+                text = NewestOf(text, kMaxLog);
                 part.reason = "the newest 16 MiB of it";
             }
             Write(part, form == Form::kBytes ? text : WithoutPasswords(text));

@@ -9,6 +9,10 @@ namespace vexorctl {
 namespace {
 
 constexpr std::string_view kStars = "***";
+// How lines of the library's debug log begin: an element that starts or ends, and, when the command
+// has been read, the function that it calls.
+constexpr std::string_view kTracedElement = "Dir = ";
+constexpr std::string_view kTracedFunction = "pFD->FuncName=";
 constexpr std::string_view kWords[] = {"password", "passwd", "secret", "token"};
 
 std::string LowerCase(std::string_view text) {
@@ -63,13 +67,17 @@ std::string WithoutElements(std::string_view text) {
     return out.append(text.substr(std::min(from, text.size())));
 }
 
+// The line with its end.
 std::string WithoutValue(std::string_view line) {
     const std::size_t sign = line.find_first_of("=:");
     if (sign == std::string_view::npos || line.find('<') != std::string_view::npos) {
         return std::string(line);
     }
     if (!SaysPassword(LowerCase(line.substr(0, sign)))) return std::string(line);
-    return std::string(line.substr(0, sign + 1)).append(" ").append(kStars);
+    return std::string(line.substr(0, sign + 1))
+        .append(" ")
+        .append(kStars)
+        .append(line.ends_with('\n') ? "\n" : "");
 }
 
 }  // namespace
@@ -77,14 +85,29 @@ std::string WithoutValue(std::string_view line) {
 std::string WithoutPasswords(std::string_view text) {
     const std::string elements = WithoutElements(text);
     std::string out;
+    bool is_hidden = false;
     for (std::string_view rest = elements; !rest.empty();) {
-        const std::size_t end = rest.find('\n');
-        out += WithoutValue(rest.substr(0, end));
-        if (end == std::string_view::npos) break;
-        out += '\n';
-        rest.remove_prefix(end + 1);
+        const std::size_t end = std::min(rest.find('\n'), rest.size() - 1) + 1;
+        const std::string_view line = rest.substr(0, end);
+        rest.remove_prefix(end);
+        is_hidden = is_hidden && !line.starts_with(kTracedFunction);
+        if (is_hidden) continue;
+        out += WithoutValue(line);
+        if (line.starts_with(kTracedElement) && SaysPassword(LowerCase(line))) {
+            out.append(kStars).append("\n");
+            is_hidden = true;
+        }
     }
     return out;
+}
+
+std::string NewestOf(std::string_view log, std::size_t most) {
+    if (log.size() <= most) return std::string(log);
+    log.remove_prefix(log.size() - most);
+    const std::string next_request = "\n" + std::string(kTracedFunction);
+    const std::size_t at = log.find(next_request);
+    if (at != std::string_view::npos) return std::string(log.substr(at + 1));
+    return log.find(kTracedElement) == std::string_view::npos ? std::string(log) : std::string();
 }
 
 }  // namespace vexorctl
