@@ -29,14 +29,14 @@ std::string Saved(const hxsim::Machine& machine) {
 
 const char* FuzzTopology(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
-    constexpr hxsim::Time kNow = 1'700'000'000'000;
+    constexpr hxsim::Time kStart = 1'700'000'000'000;
     try {
-        hxsim::Machine machine = hxsim::MakeMachine(text, 1, kNow);
+        hxsim::Machine machine = hxsim::MakeMachine(text, 1, kStart);
         if (!hxsim::Check(machine).empty()) return "a machine was made that breaks a rule";
-        if (Saved(machine) != Saved(hxsim::MakeMachine(text, 1, kNow))) {
+        if (Saved(machine) != Saved(hxsim::MakeMachine(text, 1, kStart))) {
             return "a topology makes two different machines";
         }
-        hxsim::Advance(machine, kNow + hxsim::Time{86'400'000});
+        hxsim::Advance(machine, kStart + hxsim::Time{86'400'000});
         if (!hxsim::Check(machine).empty()) return "after a day a rule is broken";
     } catch (const hxsim::TopologyError& error) {
         if (*error.what() == '\0') return "a topology was refused without a reason";

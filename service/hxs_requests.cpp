@@ -26,7 +26,7 @@ struct Refusal : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-std::string TextIn(const RequestJson& json, const char* name) {
+std::string TextOfField(const RequestJson& json, const char* name) {
     const auto found = json.find(name);
     if (found == json.end() || found->is_null()) return "";
     if (!found->is_string()) throw Refusal(std::string(name) + " must be a text");
@@ -41,7 +41,7 @@ bool FlagIn(const RequestJson& json, const char* name) {
 }
 
 std::string NoteIn(const RequestJson& json) {
-    return hxc::Shortened(hxc::Harmless(TextIn(json, "note")), kLongestNote);
+    return hxc::Shortened(hxc::Harmless(TextOfField(json, "note")), kLongestNote);
 }
 
 // Which conditions are meant: by code, by object, or by both.
@@ -61,12 +61,12 @@ struct Meant {
 
 Meant MeantIn(const RequestJson& json) {
     Meant meant;
-    const std::string code = TextIn(json, "code");
+    const std::string code = TextOfField(json, "code");
     if (!code.empty()) {
         meant.code = hxc::FindRow(code);
         if (!meant.code) throw Refusal("there is no condition " + hxc::Harmless(code));
     }
-    meant.object = TextIn(json, "object");
+    meant.object = TextOfField(json, "object");
     if (!meant.code && meant.object.empty()) throw Refusal("name a condition, an object, or both");
     return meant;
 }
@@ -151,8 +151,8 @@ RequestJson Acknowledge(const RequestJson& request, const Caller& caller, const 
 }
 
 RequestJson EndSilence(const RequestJson& request, const Desktop& desktop) {
-    const std::string code = TextIn(request, "code");
-    const std::string object = TextIn(request, "object");
+    const std::string code = TextOfField(request, "code");
+    const std::string object = TextOfField(request, "object");
     std::set<std::string> identities{object};
     for (const hxc::Held& held : desktop.state.held) {
         const hxc::Object& each = held.found.object;
@@ -208,7 +208,7 @@ RequestJson Silence(const RequestJson& request, const Caller& caller, const Desk
 }
 
 RequestJson Test(const RequestJson& request, const Desktop& desktop) {
-    const std::vector<std::string> names = desktop.alerts.Test(TextIn(request, "sink"));
+    const std::vector<std::string> names = desktop.alerts.Test(TextOfField(request, "sink"));
     if (names.empty()) {
         throw Refusal("there is no such sink; hxraidsvc.conf(5) tells how to make one");
     }
@@ -223,7 +223,7 @@ Reply ReplyTo(std::string_view request, const Caller& caller, const Desktop& des
     try {
         const RequestJson json = RequestJson::parse(request);
         if (!json.is_object()) throw Refusal("a request is an object");
-        const std::string what = TextIn(json, "do");
+        const std::string what = TextOfField(json, "do");
         if (what == "list") {
             reply = List(desktop);
         } else if (what == "history") {

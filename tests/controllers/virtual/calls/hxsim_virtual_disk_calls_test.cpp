@@ -5,17 +5,15 @@
 #include <algorithm>
 #include <ostream>
 #include <string>
-#include <vector>
 
 #include "controllers/virtual/support/list_calls.h"
+#include "controllers/virtual/support/requests.h"
 #include "hxraid.h"
 
 namespace {
 
 using testing::Each;
 using testing::ElementsAre;
-
-using Ids = std::vector<HX_U16>;
 
 using SimulatorVirtualDisk = SimulatorTest;
 
