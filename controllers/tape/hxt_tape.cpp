@@ -124,8 +124,9 @@ std::string HexOf(std::string_view bytes) {
 }
 
 std::string HeadText(std::int64_t recorded, bool anonymous) {
-    return std::string(kMagic) + "\n" + std::string(kRecorded) + std::to_string(recorded) + "\n" +
-           std::string(kAnonymous) + (anonymous ? "yes" : "no") + "\n";
+    std::string text(kMagic);
+    text.append("\n").append(kRecorded).append(std::to_string(recorded)).append("\n");
+    return text.append(kAnonymous).append(anonymous ? "yes\n" : "no\n");
 }
 
 std::string LineOf(const TapeCall& call) {

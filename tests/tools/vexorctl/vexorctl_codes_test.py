@@ -123,6 +123,9 @@ class Unknown(Scripted):
                          (205, None, "refused: code 205"))
 
     def test_check_says_that_it_does_not_know(self):
+        # Where one of a disk's lists is refused, that is the reason which is told.
+        for function in ("HX_PD_GetHDRaidStatus", "HX_PD_GetBGAStatus", "HX_PD_GetFreeSpaceInfo"):
+            self.script.answer(function, "<RetVal>0</RetVal><numReturned>0</numReturned>")
         run = self.run_words("check")
         self.assertEqual(run.returncode, 3)
         self.assertTrue(run.stdout.startswith("UNKNOWN: "), run.stdout)
