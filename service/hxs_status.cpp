@@ -81,8 +81,8 @@ OrderedJson AdaptersJson(const hxc::Answers& answers) {
     OrderedJson list = OrderedJson::array();
     for (const hxc::Adapter& each : answers.adapters) {
         if (list.size() == kMostAdapters) break;
-        const std::optional<unsigned> charge =
-            each.battery ? each.battery->percent : std::optional<unsigned>();
+        OrderedJson charge;
+        if (each.battery && each.battery->percent) charge = *each.battery->percent;
         list.push_back({{"address", hxc::AddressOf(each.number)},
                         {"serial", StatusTextOrNull(hxc::Harmless(each.serial))},
                         {"readable", each.info.IsRead()},
@@ -90,7 +90,7 @@ OrderedJson AdaptersJson(const hxc::Answers& answers) {
                         {"disks", CountJson(each.disks_query, each.disks)},
                         {"disk_groups", CountJson(each.groups_query, each.groups)},
                         {"enclosures", CountJson(each.enclosures_query, each.enclosures)},
-                        {"battery_percent", StatusNumberOrNull(charge)}});
+                        {"battery_percent", std::move(charge)}});
     }
     return list;
 }
