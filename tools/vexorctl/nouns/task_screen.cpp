@@ -65,14 +65,17 @@ std::string TaskScreen::LineOf(const Task& task, std::size_t width) {
         PercentRate& measured = rates_[label];
         measured.Take(*task.percent, now);
         // What was seen here is newer than the events, of which the last may be hours old.
-        auto per_second = measured.PerSecond();
-        auto seconds = measured.SecondsLeft(now);
-        if (!per_second) {
-            per_second = task.pace.percent_per_second;
-            seconds = task.pace.seconds_left;
+        const auto seen = measured.PerSecond();
+        const auto per_second = seen ? seen : task.pace.percent_per_second;
+        // No optional here: g++ 12 takes its value for uninitialised.
+        double seconds = -1;
+        if (seen) {
+            seconds = measured.SecondsLeft(now).value_or(-1);
+        } else if (task.pace.seconds_left) {
+            seconds = static_cast<double>(*task.pace.seconds_left);
         }
         if (per_second) rate = " " + RateText(*per_second) + ",";
-        if (seconds) left = " " + Clocked(*seconds) + " left";
+        if (seconds >= 0) left = " " + Clocked(seconds) + " left";
     }
     // What there is room for: the time left before the bar, and the rate last.
     constexpr std::size_t kBrackets = 3;
