@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <utility>
 

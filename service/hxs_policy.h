@@ -1,7 +1,6 @@
 // What a sink is told after a look: changes, what it does not know yet, and repeats.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>

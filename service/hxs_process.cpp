@@ -5,7 +5,7 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/epoll.h>
-#include <sys/mman.h>
+#include <sys/mman.h>  // IWYU pragma: keep (MFD_CLOEXEC comes from a header below it)
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>

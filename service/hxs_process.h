@@ -2,9 +2,6 @@
 // with the processes that they have started.
 #pragma once
 
-#include <sys/types.h>
-
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>

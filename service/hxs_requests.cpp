@@ -1,6 +1,5 @@
 #include "service/hxs_requests.h"
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <set>

@@ -1,6 +1,5 @@
 #include "service/hxs_status.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <nlohmann/json.hpp>

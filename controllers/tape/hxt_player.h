@@ -3,12 +3,10 @@
 
 #include <cstdint>
 #include <map>
-#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "hxraid.h"
 #include "tape/hxt_call.h"
 #include "tape/hxt_tape.h"
 

@@ -7,7 +7,6 @@
 #include "codes/named.h"
 #include "conditions/hxc_json.h"
 #include "conditions/hxc_rows.h"
-#include "service/hxs_source.h"
 
 namespace hxservice {
 

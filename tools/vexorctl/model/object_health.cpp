@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "conditions/hxc_check.h"
 #include "conditions/hxc_look.h"
 #include "model/health_answers.h"
 

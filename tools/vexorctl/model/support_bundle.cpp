@@ -1,6 +1,5 @@
 #include "model/support_bundle.h"
 
-#include <sys/stat.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "model/exit_code.h"
-#include "model/failure.h"
 #include "model/support_bundle.h"
 #include "nouns/nouns.h"
 #include "output/cell.h"

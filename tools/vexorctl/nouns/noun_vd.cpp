@@ -4,7 +4,6 @@
 
 #include "library_fields.h"
 #include "model/library_record.h"
-#include "model/virtual_disks.h"
 #include "nouns/creation_options.h"
 #include "nouns/nouns.h"
 #include "nouns/plan_and_act.h"

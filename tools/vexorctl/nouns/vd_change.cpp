@@ -15,7 +15,6 @@
 #include "conditions/hxc_answers.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
-#include "model/disk_groups.h"
 #include "model/disks.h"
 #include "model/exit_code.h"
 #include "model/failure.h"

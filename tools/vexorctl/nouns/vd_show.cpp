@@ -19,7 +19,6 @@
 #include "conditions/hxc_redundancy.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
-#include "model/disk_groups.h"
 #include "model/event_history.h"
 #include "model/exit_code.h"
 #include "model/health_answers.h"
