@@ -69,6 +69,17 @@ class SupportBundle(VexorctlCase):
         run = self.run_words("tape", "replay", tape, "--", self.vexorctl, "disk", "list", "-o", "json")
         self.assertEqual((run.stdout, run.returncode), (disks, 0))
 
+    def test_that_cannot_be_packed_is_not_there_and_says_why(self):
+        tar = self.root / "bin" / "tar"
+        tar.parent.mkdir()
+        tar.write_text("#!/bin/sh\nprintf '\\ngzip: stdout: No space left on device\\n' >&2\nexit 2\n")
+        tar.chmod(0o755)
+        self.environment["PATH"] = f"{tar.parent}:{self.environment['PATH']}"
+        run = self.run_words("support-bundle", self.archive)
+        self.assertEqual((run.returncode, run.stdout, run.stderr),
+                         (5, "", "vexorctl: tar: gzip: stdout: No space left on device\n"))
+        self.assertFalse(self.archive.exists())
+
     def test_has_no_password(self):
         self.write_log(LOG)
         (self.root / "vexorapi.ini").write_text(

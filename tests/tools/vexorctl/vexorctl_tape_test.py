@@ -145,6 +145,7 @@ class Tape(VexorctlCase):
         run = self.run_words("tape", "record", "--force", self.tape, "--", "there-is-no-such-program")
         self.assertEqual(run.returncode, 2)
         self.assertIn("there-is-no-such-program cannot be started", run.stderr)
+        self.assertFalse(self.tape.exists())  # the next attempt needs no --force
         self.assertEqual(self.run_words("tape", "record", self.tape).returncode, 2)
 
     def test_a_tape_that_is_none_runs_nothing(self):

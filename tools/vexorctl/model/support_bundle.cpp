@@ -63,7 +63,9 @@ std::string UnderRoot(const std::string& path) {
 // Of what another program has said: without its name, which the part names already.
 std::string FirstLine(const std::string& text) {
     constexpr std::string_view kName = "vexorctl: ";
-    const std::string line = text.substr(0, text.find('\n'));
+    const std::size_t begin =
+        std::min(text.find_first_not_of('\n'), text.size());  // gzip's is empty
+    const std::string line = text.substr(begin, text.find('\n', begin) - begin);
     return line.starts_with(kName) ? line.substr(kName.size()) : line;
 }
 

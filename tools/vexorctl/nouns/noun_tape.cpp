@@ -1,6 +1,7 @@
 // vexorctl tape ...: calls of the controller library, recorded and played back.
 #include <algorithm>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -42,8 +43,13 @@ Exit Record(Invocation& invocation) {
     const bool anonymous = invocation.Has("--anonymous");
     const TapeRun run;
     MakeTape(path, anonymous, invocation.Has("--force"));
-    const ProgramEnd end =
-        RunProgram({.words = words, .environment = run.Recording(path, anonymous)});
+    ProgramEnd end;
+    try {
+        end = RunProgram({.words = words, .environment = run.Recording(path, anonymous)});
+    } catch (const Failure&) {
+        std::filesystem::remove(path);  // nothing ran: the next attempt needs no --force
+        throw;
+    }
     if (const std::string trouble = run.Trouble(); !trouble.empty()) {
         ReportFailure(path, trouble);
         return Exit::kUnavailable;
