@@ -1,11 +1,13 @@
 #include "service/hxs_process.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/epoll.h>
 #include <sys/mman.h>  // IWYU pragma: keep (MFD_CLOEXEC comes from a header below it)
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,12 +15,15 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cstddef>
 #include <cstring>
+#include <set>
 #include <string_view>
 #include <utility>
 
 #include "common/failure.h"
+#include "common/read_file.h"
 
 namespace hxservice {
 
@@ -104,6 +109,62 @@ std::string EndText(int status, bool was_killed, Duration limit) {
     return code == 0 ? "" : "ended with exit status " + std::to_string(code);
 }
 
+struct RunningProcess {
+    pid_t id = 0;
+    pid_t parent = 0;
+};
+
+std::string ProcessFile(pid_t process, const char* name) {
+    constexpr std::size_t kMostBytes = std::size_t{1} << 20;
+    try {
+        return vexortools::ReadFile(("/proc/" + std::to_string(process) + "/" + name).c_str(),
+                                    vexortools::FileKind::kAny, kMostBytes);
+    } catch (const vexortools::FileError&) {
+        return "";  // it has ended, or belongs to somebody else
+    }
+}
+
+// The parent stands behind the name, which may contain anything, and the state. Processes that have
+// ended are left out: they start nothing more.
+std::optional<RunningProcess> AskProcess(pid_t process) {
+    const std::string stat = ProcessFile(process, "stat");
+    const std::size_t name_end = stat.rfind(')');
+    if (name_end == std::string::npos || stat.size() < name_end + 5) return std::nullopt;
+    if (stat[name_end + 2] == 'Z') return std::nullopt;
+    RunningProcess found{.id = process};
+    const char* const parent = stat.data() + name_end + 4;
+    if (std::from_chars(parent, stat.data() + stat.size(), found.parent).ec != std::errc()) {
+        return std::nullopt;
+    }
+    return found;
+}
+
+std::vector<RunningProcess> RunningProcesses() {
+    std::vector<RunningProcess> processes;
+    DIR* const folder = opendir("/proc");
+    if (folder == nullptr) return processes;
+    while (const dirent* const entry = readdir(folder)) {
+        const std::string_view name = entry->d_name;
+        pid_t process = 0;
+        const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process);
+        if (error != std::errc() || end != name.data() + name.size()) continue;
+        if (const auto found = AskProcess(process)) processes.push_back(*found);
+    }
+    closedir(folder);
+    return processes;
+}
+
+// Tells orphans of one job from those of another. A process hides it when it starts another with
+// an environment of its own.
+constexpr std::string_view kMark = "HXRAIDSVC_JOB=";
+
+std::string MarkOf(pid_t process) {
+    const std::string environment = std::string(1, '\0') + ProcessFile(process, "environ");
+    const std::size_t begin = environment.find(std::string(1, '\0') + std::string(kMark));
+    if (begin == std::string::npos) return "";
+    return environment.c_str() + begin + 1;
+}
+
 bool IsReady(int descriptor) {
     pollfd ready{descriptor, POLLIN, 0};
     return poll(&ready, 1, 0) == 1;
@@ -113,7 +174,9 @@ bool IsReady(int descriptor) {
 
 struct Children::Child {
     std::string name;
+    std::string mark;
     pid_t process = 0;
+    bool may_leave_processes = false;
     File life;  // readable when it has ended
     File output;
     std::string text;
@@ -129,11 +192,12 @@ Children::Children() : events_(epoll_create1(EPOLL_CLOEXEC)) {
         throw vexortools::Failure(vexortools::Exit::kUnavailable,
                                   ErrorText("processes cannot be watched", errno));
     }
+    prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0);
 }
 
 Children::~Children() {
     for (const auto& child : children_) {
-        kill(-child->process, SIGKILL);
+        KillWithAllStarted(*child);
         while (waitpid(child->process, nullptr, 0) < 0 && errno == EINTR) {
         }
     }
@@ -145,6 +209,8 @@ void Children::Start(const std::string& name, const Job& job, Duration now) {
     };
     auto child = std::make_unique<Child>();
     child->name = name;
+    child->mark = std::string(kMark) + std::to_string(getpid()) + "-" + std::to_string(++started_);
+    child->may_leave_processes = job.may_leave_processes;
     child->limit = job.limit;
     child->end = now + job.limit;
     std::array<int, 2> ends{};
@@ -157,10 +223,13 @@ void Children::Start(const std::string& name, const Job& job, Duration now) {
     SpawnOptions options;
     if (const int error = options.Fill(input.Get(), writing.Get())) return refuse(error);
     const std::vector<char*> words = Pointers(job.words);
-    const std::vector<char*> environment = Pointers(job.environment);
+    std::vector<std::string> variables = job.environment;
+    variables.push_back(child->mark);
+    const std::vector<char*> environment = Pointers(variables);
     const int error = posix_spawn(&child->process, words[0], &options.actions, &options.attributes,
                                   words.data(), environment.data());
     if (error != 0) return refuse(error);
+    has_left_processes_ = has_left_processes_ || job.may_leave_processes;
     child->life = File(static_cast<int>(syscall(SYS_pidfd_open, child->process, 0)));
     epoll_event event{};
     event.events = EPOLLIN;
@@ -188,11 +257,58 @@ void Children::Read(Child& child) {
     }
 }
 
+bool Children::IsOfChild(pid_t process) const {
+    return std::ranges::any_of(children_,
+                               [&](const auto& child) { return child->process == process; });
+}
+
+// Processes may start others meanwhile, so that it is looked again until nothing new is there; one
+// that is killed starts nothing more.
+void Children::KillWithAllStarted(const Child& child) const {
+    constexpr int kMostLooks = 1000;
+    kill(-child.process, SIGKILL);
+    std::set<pid_t> killed;
+    const auto is_orphan_of_child = [&](const RunningProcess& process) {
+        if (process.parent != getpid() || IsOfChild(process.id)) return false;
+        const std::string mark = MarkOf(process.id);
+        return mark == child.mark || (mark.empty() && !has_left_processes_);
+    };
+    for (int look = 0; look < kMostLooks; ++look) {
+        const std::vector<RunningProcess> running = RunningProcesses();
+        std::set<pid_t> family{child.process};
+        for (bool has_grown = true; has_grown;) {
+            has_grown = false;
+            for (const RunningProcess& each : running) {
+                if (family.contains(each.id)) continue;
+                if (!family.contains(each.parent) && !is_orphan_of_child(each)) continue;
+                has_grown = family.insert(each.id).second;
+            }
+        }
+        bool is_any_new = false;
+        for (const pid_t process : family) {
+            if (!killed.insert(process).second) continue;
+            kill(process, SIGKILL);
+            is_any_new = true;
+        }
+        if (!is_any_new) return;
+    }
+}
+
+// The ended ones are waited for; those of jobs by their own numbers.
+void Children::TakeUpOrphans() {
+    for (;;) {
+        siginfo_t info{};
+        if (waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) != 0 || info.si_pid == 0) return;
+        if (IsOfChild(info.si_pid)) return;
+        waitpid(info.si_pid, nullptr, WNOHANG);
+    }
+}
+
 std::optional<JobEnd> Children::EndOf(Child& child, Duration now) {
     child.asked = now;
     if (!child.was_killed && now >= child.end) {
         child.was_killed = true;
-        kill(-child.process, SIGKILL);
+        KillWithAllStarted(child);
     }
     Read(child);
     if (child.life.IsOpen() && !child.was_killed && !IsReady(child.life.Get())) return std::nullopt;
@@ -200,8 +316,8 @@ std::optional<JobEnd> Children::EndOf(Child& child, Duration now) {
     const int seen =
         waitid(P_PID, static_cast<id_t>(child.process), &info, WEXITED | WNOHANG | WNOWAIT);
     if (seen == 0 && info.si_pid == 0) return std::nullopt;
-    // What it has started goes with it. Its number is not used again before it is waited for.
-    kill(-child.process, SIGKILL);
+    // Its number is not used again before it is waited for.
+    if (child.was_killed || !child.may_leave_processes) KillWithAllStarted(child);
     int status = 0;
     while (waitpid(child.process, &status, 0) < 0 && errno == EINTR) {
     }
@@ -216,6 +332,7 @@ std::vector<JobEnd> Children::TakeEnded(Duration now) {
         if (end) ended.push_back(std::move(*end));
         return end.has_value();
     });
+    TakeUpOrphans();
     return ended;
 }
 

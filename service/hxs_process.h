@@ -1,7 +1,11 @@
 // Child processes that deliver alerts: never waited for, limited in time and output, and killed
-// with the processes that they have started.
+// with the processes that they have started, also those that have left their process group and
+// session. For that this process becomes the parent of orphans (PR_SET_CHILD_SUBREAPER).
 #pragma once
 
+#include <sys/types.h>
+
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,6 +21,8 @@ struct Job {
     std::vector<std::string> environment;  // all of it: "NAME=VALUE"
     std::string input;                     // what it reads from standard input
     vexortools::Duration limit{0};
+    // What it leaves running when it ends by itself goes on: mail programs deliver so.
+    bool may_leave_processes = false;
 };
 
 struct JobEnd {
@@ -50,10 +56,15 @@ private:
     struct Child;
     void Read(Child& child);
     std::optional<JobEnd> EndOf(Child& child, vexortools::Duration now);
+    void KillWithAllStarted(const Child& child) const;
+    bool IsOfChild(pid_t process) const;
+    void TakeUpOrphans();
 
     ::Descriptor events_;  // epoll
     std::vector<std::unique_ptr<Child>> children_;
     std::vector<JobEnd> not_started_;
+    std::uint64_t started_ = 0;
+    bool has_left_processes_ = false;
 };
 
 }  // namespace hxservice

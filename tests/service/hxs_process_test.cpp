@@ -40,6 +40,28 @@ JobEnd EndOf(Children& children, Duration now = Duration(0)) {
     }
 }
 
+// Killed, whether or not somebody has waited for it.
+bool IsGone(pid_t process) {
+    const std::string stat = "/proc/" + std::to_string(process) + "/stat";
+    FILE* const file = std::fopen(stat.c_str(), "r");
+    if (file == nullptr) return true;
+    char state = '?';
+    const int read = std::fscanf(file, "%*d %*s %c", &state);
+    std::fclose(file);
+    return read != 1 || state == 'Z';
+}
+
+// The number that the job's script writes into the file.
+pid_t ProcessIn(const TemporaryRoot& root, const char* file, Children& children) {
+    std::string text;
+    while (text.find('\n') == std::string::npos) {
+        EXPECT_TRUE(children.TakeEnded(seconds(59)).empty());
+        text = root.Read(file);
+        std::this_thread::yield();
+    }
+    return std::atoi(text.c_str());
+}
+
 TEST(DeliveringProcess, GetsItsInputAndEnvironmentAndTellsItsOutput) {
     Children children;
     children.Start("a", Shell("cat; echo $COLOUR; echo $HOME; echo err >&2", "in\n"), Duration(0));
@@ -89,27 +111,81 @@ TEST(DeliveringProcess, IsKilledAtItsLimitWithWhatItHasStarted) {
     children.Start("a", Shell("sleep 1000 & echo $! >'" + root.Path("/pid") + "'; wait"),
                    Duration(0));
     EXPECT_EQ(children.Due(), seconds(60));
-    std::string text;
-    while (text.find('\n') == std::string::npos) {
-        EXPECT_TRUE(children.TakeEnded(seconds(59)).empty());
-        text = root.Read("/pid");
-        std::this_thread::yield();
-    }
+    const pid_t grandchild = ProcessIn(root, "/pid", children);
+    ASSERT_GT(grandchild, 1);
     const JobEnd end = EndOf(children, seconds(60));
     EXPECT_EQ(end.error, "did not end within 1m");
-    // Only init can have taken it over, which waits for it some time.
-    const pid_t grandchild = std::atoi(text.c_str());
-    ASSERT_GT(grandchild, 1);
-    const auto is_gone = [&] {
-        const std::string stat = "/proc/" + std::to_string(grandchild) + "/stat";
-        FILE* const file = std::fopen(stat.c_str(), "r");
-        if (file == nullptr) return true;
-        char state = '?';
-        const int read = std::fscanf(file, "%*d %*s %c", &state);
-        std::fclose(file);
-        return read != 1 || state == 'Z';
-    };
-    while (!is_gone()) std::this_thread::yield();
+    while (!IsGone(grandchild)) std::this_thread::yield();
+}
+
+// A session of its own, and an orphan besides.
+std::string Daemon(const TemporaryRoot& root, const char* file) {
+    return "(setsid sh -c 'echo $$ >\"$1.new\"; mv \"$1.new\" \"$1\"; exec sleep 1000' sh '" +
+           root.Path(file) + "' >/dev/null 2>&1 &); ";
+}
+
+TEST(DeliveringProcess, IsKilledWithWhatHasLeftItsSession) {
+    const TemporaryRoot root;
+    Children children;
+    children.Start("a", Shell(Daemon(root, "/pid") + "sleep 1000"), Duration(0));
+    const pid_t daemon = ProcessIn(root, "/pid", children);
+    ASSERT_GT(daemon, 1);
+    EXPECT_FALSE(IsGone(daemon));
+    EXPECT_EQ(EndOf(children, seconds(60)).error, "did not end within 1m");
+    while (!IsGone(daemon)) std::this_thread::yield();
+}
+
+TEST(DeliveringProcess, TakesWhatHasLeftItsSessionWithItWhenItEnds) {
+    const TemporaryRoot root;
+    Children children;
+    const std::string wait = "while ! [ -e '" + root.Path("/pid") + "' ]; do sleep 0.01; done";
+    children.Start("a", Shell(Daemon(root, "/pid") + wait), Duration(0));
+    EXPECT_EQ(EndOf(children).error, "");
+    const pid_t daemon = std::atoi(root.Read("/pid").c_str());
+    ASSERT_GT(daemon, 1);
+    while (!IsGone(daemon)) std::this_thread::yield();
+}
+
+TEST(DeliveringProcess, LeavesWhatAnotherOneHasStarted) {
+    const TemporaryRoot root;
+    Children children;
+    children.Start("a", Shell(Daemon(root, "/pid") + "sleep 1000"), Duration(0));
+    const pid_t daemon = ProcessIn(root, "/pid", children);
+    ASSERT_GT(daemon, 1);
+    children.Start("b", Shell("true"), Duration(0));
+    EXPECT_EQ(EndOf(children).name, "b");
+    EXPECT_FALSE(IsGone(daemon));
+}
+
+TEST(DeliveringProcess, MayLeaveProcessesThatGoOnWhenItsJobSaysSo) {
+    const TemporaryRoot root;
+    Children children;
+    Job mail = Shell(Daemon(root, "/pid") + "while ! [ -e '" + root.Path("/pid") +
+                     "' ]; do sleep 0.01; done");
+    mail.may_leave_processes = true;
+    children.Start("a", mail, Duration(0));
+    EXPECT_EQ(EndOf(children).error, "");
+    const pid_t daemon = std::atoi(root.Read("/pid").c_str());
+    ASSERT_GT(daemon, 1);
+    children.Start("b", Shell("true"), Duration(0));
+    EXPECT_EQ(EndOf(children).name, "b");
+    EXPECT_FALSE(IsGone(daemon));
+    EXPECT_EQ(kill(daemon, SIGKILL), 0);
+    while (!IsGone(daemon)) std::this_thread::yield();
+}
+
+TEST(DeliveringProcess, LeavesNoDeadOrphans) {
+    const TemporaryRoot root;
+    Children children;
+    children.Start("a", Shell(Daemon(root, "/pid") + "sleep 1000"), Duration(0));
+    const pid_t daemon = ProcessIn(root, "/pid", children);
+    ASSERT_GT(daemon, 1);
+    EndOf(children, seconds(60));
+    while (kill(daemon, 0) == 0) {
+        children.TakeEnded(seconds(60));
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(errno, ESRCH);
 }
 
 TEST(DeliveringProcess, LeavesNothingBehindWhenItEnds) {
