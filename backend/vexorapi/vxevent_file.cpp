@@ -90,31 +90,34 @@ Descriptor Create(const char* path) {
 // Closes one of the store's two files, whose descriptors are numbers in its state, -1 when closed.
 void Close(int& file) { Descriptor(std::exchange(file, -1)).Close(); }
 
+// Calls move(done), which moves what is left of `size` bytes or less, until all are moved or it
+// fails. Returns how many were.
+template <class Move>
+std::size_t MoveAll(std::size_t size, Move move) {
+    std::size_t done = 0;
+    while (done < size) {
+        const ssize_t moved = move(done);
+        if (moved < 0 && errno == EINTR) continue;
+        if (moved <= 0) break;
+        done += static_cast<std::size_t>(moved);
+    }
+    return done;
+}
+
 // Reads `size` bytes at `offset`, fewer at the end of the file or at an error. Returns how many.
 std::size_t ReadAt(int file, void* bytes, std::size_t size, std::uint64_t offset) {
     char* const at = static_cast<char*>(bytes);
-    std::size_t total = 0;
-    while (total < size) {
-        const ssize_t got =
-            pread(file, at + total, size - total, static_cast<off_t>(offset + total));
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) break;
-        total += static_cast<std::size_t>(got);
-    }
-    return total;
+    return MoveAll(size, [=](std::size_t done) {
+        return pread(file, at + done, size - done, static_cast<off_t>(offset + done));
+    });
 }
 
 // Writes as much as can be written. A full disk is not reported.
 void WriteAt(int file, const void* bytes, std::size_t size, std::uint64_t offset) {
     const char* const at = static_cast<const char*>(bytes);
-    std::size_t total = 0;
-    while (total < size) {
-        const ssize_t put =
-            pwrite(file, at + total, size - total, static_cast<off_t>(offset + total));
-        if (put < 0 && errno == EINTR) continue;
-        if (put <= 0) break;
-        total += static_cast<std::size_t>(put);
-    }
+    MoveAll(size, [=](std::size_t done) {
+        return pwrite(file, at + done, size - done, static_cast<off_t>(offset + done));
+    });
 }
 
 // Truncates a recreated file to `size` bytes. Anything but a regular file has nothing to truncate.

@@ -8,6 +8,7 @@
 #include "code_names.h"
 #include "codes/enclosure.h"
 #include "codes/event.h"
+#include "common/event_object.h"
 #include "common/number.h"
 #include "common/size.h"
 #include "incidents/hxsim_incident_activity.h"
@@ -235,25 +236,6 @@ const hxcodes::EventRow& ParseKey(const std::string& key) {
                      "HD_TIMEOUT");
 }
 
-ObjectKind KindOf(hxcodes::Subject subject) {
-    switch (subject) {
-        case hxcodes::Subject::kOfVirtualDisk:
-            return ObjectKind::kVirtualDisk;
-        case hxcodes::Subject::kOfDisk:
-            return ObjectKind::kDisk;
-        case hxcodes::Subject::kOfEnclosure:
-            return ObjectKind::kEnclosure;
-        case hxcodes::Subject::kOfDiskGroup:
-            return ObjectKind::kDiskGroup;
-        case hxcodes::Subject::kOfAdapter:
-        case hxcodes::Subject::kOfExpander:
-        case hxcodes::Subject::kOfBattery:
-        case hxcodes::Subject::kOfImage:
-            break;
-    }
-    return ObjectKind::kAdapter;
-}
-
 // "800000,3": numbers with commas between them.
 std::array<HX_U32, 4> ParseParams(std::string_view text) {
     std::array<HX_U32, 4> params{};
@@ -276,7 +258,7 @@ void AddEvent(const Command& app, Action& action) {
     command.AddText("PARAMETERS", words->params, "its numbers, with commas between them");
     command.WhenTyped([words, &action] {
         const hxcodes::EventRow& row = ParseKey(words->key);
-        const Target target = ParseTarget(words->address, KindOf(row.subject));
+        const Target target = ParseTarget(words->address, vexortools::KindOf(row.subject));
         const std::array<HX_U32, 4> params = ParseParams(words->params);
         action = [target, kind = row.code, params](Driver& driver) {
             driver.Happen(target, [&](Machine&, Adapter& adapter, Time now, const Object& object) {

@@ -9,15 +9,21 @@ namespace {
 // A fan below these percentages of its nominal speed deviates.
 constexpr unsigned kFanWarning = 80, kFanCritical = 50;
 
-Deviation DeviationOfTemperature(const Element& element) {
-    const HX_U16 reading = element.reading;
-    const auto above = [&](HX_U8 bound) { return bound != 0 && reading > bound; };
-    const auto below = [&](HX_U8 bound) { return bound != 0 && reading < bound; };
+// What the first of the bounds says that the reading is beyond, the critical ones first.
+template <class Above, class Below>
+Deviation DeviationBeyond(const Element& element, Above above, Below below) {
     if (above(element.high_critical)) return Deviation::kHighCritical;
     if (below(element.low_critical)) return Deviation::kLowCritical;
     if (above(element.high_warning)) return Deviation::kHighWarning;
     if (below(element.low_warning)) return Deviation::kLowWarning;
     return Deviation::kNone;
+}
+
+Deviation DeviationOfTemperature(const Element& element) {
+    const HX_U16 reading = element.reading;
+    const auto above = [&](HX_U8 bound) { return bound != 0 && reading > bound; };
+    const auto below = [&](HX_U8 bound) { return bound != 0 && reading < bound; };
+    return DeviationBeyond(element, above, below);
 }
 
 // Bounds are in half percents of the nominal value.
@@ -30,11 +36,7 @@ Deviation DeviationOfVoltage(const Element& element) {
     const auto below = [&](HX_U8 bound) {
         return bound != 0 && reading < nominal && 200 * (nominal - reading) > nominal * bound;
     };
-    if (above(element.high_critical)) return Deviation::kHighCritical;
-    if (below(element.low_critical)) return Deviation::kLowCritical;
-    if (above(element.high_warning)) return Deviation::kHighWarning;
-    if (below(element.low_warning)) return Deviation::kLowWarning;
-    return Deviation::kNone;
+    return DeviationBeyond(element, above, below);
 }
 
 Deviation DeviationOfFan(const Element& element) {

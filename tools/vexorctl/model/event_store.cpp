@@ -8,6 +8,7 @@
 #include "codes/event_class.h"
 #include "codes/event_sentence.h"
 #include "common/address.h"
+#include "common/event_object.h"
 #include "model/event_catalogue.h"
 #include "model/event_store_file.h"
 #include "model/exit_code.h"
@@ -23,28 +24,8 @@ constexpr std::size_t kTimeLength = 25;
 
 using EventQuery = calls::VX_HX_EVT_GetEvents;
 
-// The kind of object whose number is in DeviceID; the adapter where such objects have no addresses.
-ObjectKind KindOf(hxcodes::Subject subject) {
-    switch (subject) {
-        case hxcodes::Subject::kOfVirtualDisk:
-            return ObjectKind::kVirtualDisk;
-        case hxcodes::Subject::kOfDisk:
-            return ObjectKind::kDisk;
-        case hxcodes::Subject::kOfEnclosure:
-            return ObjectKind::kEnclosure;
-        case hxcodes::Subject::kOfDiskGroup:
-            return ObjectKind::kDiskGroup;
-        case hxcodes::Subject::kOfAdapter:
-        case hxcodes::Subject::kOfExpander:
-        case hxcodes::Subject::kOfBattery:
-        case hxcodes::Subject::kOfImage:
-            break;
-    }
-    return ObjectKind::kAdapter;
-}
-
-// The same for an event whose code has no text, of which only the class is known.
-ObjectKind KindOf(hxcodes::EventClass event_class) {
+// The kind of object of an event whose code has no text, of which only the class is known.
+ObjectKind KindOfClass(hxcodes::EventClass event_class) {
     switch (event_class) {
         case hxcodes::EventClass::kVirtualDisk:
             return ObjectKind::kVirtualDisk;
@@ -73,10 +54,10 @@ ObjectKind KindOf(hxcodes::EventClass event_class) {
 // virtual disks, too: the library's texts fix for every controller which.
 ObjectKind KindOf(const hxcodes::EventFacts& event) {
     for (const hxcodes::EventRow& row : hxcodes::kEvents) {
-        if (row.code == event.kind && !row.key.empty()) return KindOf(row.subject);
+        if (row.code == event.kind && !row.key.empty()) return vexortools::KindOf(row.subject);
     }
     const auto event_class = hxcodes::ToCode<hxcodes::EventClass>(hxcodes::ClassOf(event.kind));
-    return event_class ? KindOf(*event_class) : ObjectKind::kAdapter;
+    return event_class ? KindOfClass(*event_class) : ObjectKind::kAdapter;
 }
 
 // None when a part of it is unknown.

@@ -31,6 +31,19 @@ std::uint64_t ActivityOf(Controller& controller, const Address& address, std::st
     return activity.value_or(kNoActivity);
 }
 
+// The task of that activity of an object, without more than these two.
+Task TaskOn(Controller& controller, const Address& address, std::string_view function,
+            std::optional<std::uint64_t> activity) {
+    Task task;
+    task.address = address;
+    task.activity = ActivityOf(controller, address, function, activity);
+    return task;
+}
+
+Address AddressOf(unsigned adapter, ObjectKind kind, std::uint64_t id) {
+    return {.adapter = adapter, .kind = kind, .id = static_cast<unsigned>(id)};
+}
+
 // What the virtual disk's own record adds to a task: its name, and the disk group it lies on.
 void Complete(Task& task, const Record<fields::LD_Info>& info) {
     task.name = info[fields::LD_Info::Name];
@@ -44,11 +57,8 @@ void LoadVirtualDiskTasks(Controller& controller, unsigned adapter, TaskDetail d
                           std::vector<Task>& tasks) {
     std::optional<List<fields::LD_Info>> infos;
     for (const auto& [id, status] : controller.ReadList(adapter, kVirtualDiskStatusList).items) {
-        Task task;
-        task.address = {
-            .adapter = adapter, .kind = ObjectKind::kVirtualDisk, .id = static_cast<unsigned>(id)};
-        task.activity = ActivityOf(controller, task.address, kVirtualDiskStatusList.function,
-                                   status[fields::LD_Status::Bga]);
+        Task task = TaskOn(controller, AddressOf(adapter, ObjectKind::kVirtualDisk, id),
+                           kVirtualDiskStatusList.function, status[fields::LD_Status::Bga]);
         if (task.activity == kNoActivity) continue;
         task.state = status[fields::LD_Status::BgaState];
         task.percent = status[fields::LD_Status::BgaPercentage];
@@ -72,11 +82,8 @@ bool IsOfVirtualDisk(std::uint64_t activity, const ControllerCodes& codes) {
 void LoadDiskTasks(Controller& controller, unsigned adapter,
                    const List<fields::HD_BGA_Status>& disks, std::vector<Task>& tasks) {
     for (const auto& [id, status] : disks.items) {
-        Task task;
-        task.address = {
-            .adapter = adapter, .kind = ObjectKind::kDisk, .id = static_cast<unsigned>(id)};
-        task.activity = ActivityOf(controller, task.address, kDiskActivityList.function,
-                                   status[fields::HD_BGA_Status::Bga]);
+        Task task = TaskOn(controller, AddressOf(adapter, ObjectKind::kDisk, id),
+                           kDiskActivityList.function, status[fields::HD_BGA_Status::Bga]);
         if (task.activity == kNoActivity || IsOfVirtualDisk(task.activity, controller.codes())) {
             continue;
         }
@@ -91,11 +98,8 @@ void LoadDiskTasks(Controller& controller, unsigned adapter,
 void LoadDiskGroupTasks(Controller& controller, unsigned adapter,
                         const List<fields::HD_BGA_Status>& disks, std::vector<Task>& tasks) {
     for (const auto& [id, group] : controller.ReadList(adapter, kDiskGroupList).items) {
-        Task task;
-        task.address = {
-            .adapter = adapter, .kind = ObjectKind::kDiskGroup, .id = static_cast<unsigned>(id)};
-        task.activity = ActivityOf(controller, task.address, kDiskGroupList.function,
-                                   group[fields::DG_Info::BgaType]);
+        Task task = TaskOn(controller, AddressOf(adapter, ObjectKind::kDiskGroup, id),
+                           kDiskGroupList.function, group[fields::DG_Info::BgaType]);
         if (task.activity == kNoActivity) continue;
         task.state = group[fields::DG_Info::BgaState];
         task.percent = PercentOf(group.view(), disks);

@@ -219,11 +219,8 @@ Exit MuteAdapter(Invocation& invocation) {
     using Mute = calls::HX_AdapterMute;
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
     return CarryOut(invocation, {.what = "Silence the alarm of " + adapter.Text(),
-                                 .losses = {},
-                                 .confirm = {},
                                  .commands = {Request<Mute>{{Mute::AdapterID, adapter.adapter}}},
-                                 .address = adapter.Text(),
-                                 .size_bytes = {}});
+                                 .address = adapter.Text()});
 }
 
 // A setting: its option, and the parameter that sets it.
@@ -297,10 +294,8 @@ Exit SetAdapter(Invocation& invocation) {
     if (changes.empty()) throw UsageError("no setting was named");
     Change change{.what = "Set " + address.Text(),
                   .losses = std::move(changes),
-                  .confirm = {},
                   .commands = {std::move(request)},
-                  .address = address.Text(),
-                  .size_bytes = {}};
+                  .address = address.Text()};
     if (const auto auto_rebuild = SwitchOption(invocation, "--auto-rebuild")) {
         change.alters = [auto_rebuild](hxconditions::Adapter& altered) {
             altered.auto_rebuild = *auto_rebuild != 0;

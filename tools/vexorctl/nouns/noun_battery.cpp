@@ -127,11 +127,8 @@ Battery FindBattery(Invocation& invocation) {
 
 Change ChangeOf(const Battery& battery, const std::string& what, Command command) {
     return {.what = what + " the battery of " + battery.address.Text(),
-            .losses = {},
-            .confirm = {},
             .commands = {std::move(command)},
-            .address = battery.address.Text(),
-            .size_bytes = {}};
+            .address = battery.address.Text()};
 }
 
 // While the battery cannot hold it, the content of a write-back cache would be lost with the power.

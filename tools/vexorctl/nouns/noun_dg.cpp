@@ -133,11 +133,8 @@ std::string ConfirmName(const DiskGroup& group) {
 // them.
 Change ChangeOf(const DiskGroup& group, const std::string& what, Command command) {
     return {.what = what + " disk group " + Described(group),
-            .losses = {},
-            .confirm = {},
             .commands = {std::move(command)},
-            .address = group.address.Text(),
-            .size_bytes = {}};
+            .address = group.address.Text()};
 }
 
 // All virtual disks on the group get that level and these disks.
@@ -189,10 +186,7 @@ Exit CreateDiskGroup(Invocation& invocation) {
     AddCreation(request, invocation, level, disks, name);
     Change change{
         .what = "Create a RAID " + std::string(level.number) + " disk group called " + name + " on",
-        .losses = {},
-        .confirm = {},
         .commands = {std::move(request)},
-        .address = {},
         .size_bytes = kSectorBytes * *size,
         .created = &AddressesOf<&LoadDiskGroups>};
     AddDisks(change, disks, name);

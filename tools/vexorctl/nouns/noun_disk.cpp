@@ -534,11 +534,8 @@ Disk FindDisk(Invocation& invocation) {
 // A change of the disk by one command. Callers add losses and a question where they need them.
 Change ChangeOf(const Disk& disk, const std::string& what, Command command) {
     return {.what = what + " " + DiskInPlan(disk),
-            .losses = {},
-            .confirm = {},
             .commands = {std::move(command)},
-            .address = disk.address.Text(),
-            .size_bytes = {}};
+            .address = disk.address.Text()};
 }
 
 // The disks that are to be found: those that the target means, or that in the slot of an enclosure.
@@ -587,8 +584,7 @@ Exit LocateDisk(Invocation& invocation) {
     const std::vector<Disk> disks = DisksToLocate(invocation);
     const std::uint64_t device = CodeNamed(invocation.controller(), &CodeTable::devices, "disk");
     std::vector<std::string> addresses;
-    Change change{
-        .what = {}, .losses = {}, .confirm = {}, .commands = {}, .address = {}, .size_bytes = {}};
+    Change change;
     for (const Disk& disk : disks) {
         addresses.push_back(disk.address.Text());
         change.commands.push_back(LightOf(disk, device, !off));

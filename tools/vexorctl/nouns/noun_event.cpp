@@ -515,8 +515,6 @@ Exit ResetEvents(Invocation& invocation) {
                                             " stored events will be lost"},
                                  .confirm = "events",
                                  .commands = {Request<calls::VX_HX_EVT_Reset>{}},
-                                 .address = {},
-                                 .size_bytes = {},
                                  .beside = kStore,
                                  .look_beside = look});
 }

@@ -312,7 +312,6 @@ Exit UpdateFlash(Invocation& invocation) {
                                  .confirm = adapter.Text(),
                                  .commands = std::move(commands),
                                  .address = adapter.Text(),
-                                 .size_bytes = {},
                                  .beside = *path,
                                  .look_beside = look,
                                  .act = [=](const Send& send) {
@@ -329,11 +328,8 @@ Exit SaveFlash(Invocation& invocation) {
     if (existing == Existing::kKeep) RefuseExisting(*path);
     return CarryOut(invocation,
                     {.what = "Save an image of the flash of " + adapter.Text() + " to " + *path,
-                     .losses = {},
-                     .confirm = {},
                      .commands = {ReadCommand(place, *path)},
                      .address = adapter.Text(),
-                     .size_bytes = {},
                      .act = [=](const Send& send) { SaveImage(send, place, *path, existing); }});
 }
 
@@ -345,8 +341,7 @@ Exit EraseFlash(Invocation& invocation) {
                                             InstalledVersion(invocation.controller(), place)},
                                  .confirm = adapter.Text(),
                                  .commands = {RequestErase(place)},
-                                 .address = adapter.Text(),
-                                 .size_bytes = {}});
+                                 .address = adapter.Text()});
 }
 
 constexpr std::string_view kImageNames = "bios firmware boot_loader autoload hba_info";

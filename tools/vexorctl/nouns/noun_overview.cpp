@@ -98,20 +98,18 @@ std::vector<Line> LinesOf(const MachineLook& look, const hxc::Overview& overview
                          TextCell(each.state), SectorsAt(each.info, HD_Info::Size),
                          FieldCell(each.info, HD_Info::Model)});
     }
-    for (const DiskGroup& each : look.groups) {
-        using fields::DG_Info;
-        lines.push_back({"dg", each.address.Text(), FieldCell(each.info, DG_Info::Name),
-                         NamedCell(codes.states, each.info[DG_Info::Status]),
-                         SectorsAt(each.info, DG_Info::TotalManagedSpace),
-                         NamedCell(codes.levels, each.info[DG_Info::RaidMode])});
-    }
-    for (const VirtualDisk& each : look.virtual_disks) {
-        using fields::LD_Info;
-        lines.push_back({"vd", each.address.Text(), FieldCell(each.info, LD_Info::Name),
-                         NamedCell(codes.states, each.info[LD_Info::Status]),
-                         SectorsAt(each.info, LD_Info::Size),
-                         NamedCell(codes.levels, each.info[LD_Info::RaidMode])});
-    }
+    // Disk groups and virtual disks differ in the name of the field of their size alone.
+    const auto add_arrays = [&]<class Fields>(const char* kind, const auto& arrays, Fields,
+                                              auto size) {
+        for (const auto& each : arrays) {
+            lines.push_back({kind, each.address.Text(), FieldCell(each.info, Fields::Name),
+                             NamedCell(codes.states, each.info[Fields::Status]),
+                             SectorsAt(each.info, size),
+                             NamedCell(codes.levels, each.info[Fields::RaidMode])});
+        }
+    };
+    add_arrays("dg", look.groups, fields::DG_Info(), fields::DG_Info::TotalManagedSpace);
+    add_arrays("vd", look.virtual_disks, fields::LD_Info(), fields::LD_Info::Size);
     for (const hxc::Condition& each : overview.heads) {
         lines.push_back(
             {"condition", each.object.address, TextCell(std::string(hxc::RowOf(each.code).name)),

@@ -219,10 +219,8 @@ Exit ControlTask(Invocation& invocation) {
     const std::uint64_t code = CodeNamed(invocation.controller(), &CodeTable::controls, verb);
     return CarryOut(invocation, {.what = verb + " the task on " + place.address.Text(),
                                  .losses = LossesOfAbort(invocation, place.address),
-                                 .confirm = {},
                                  .commands = {ControlCommand(place.address, code)},
                                  .address = place.address.Text(),
-                                 .size_bytes = {},
                                  .starts_task = verb == "resume"});
 }
 
@@ -231,11 +229,8 @@ Exit PauseAll(Invocation& invocation) {
     const Address adapter = FindTarget(invocation, ObjectKind::kAdapter);
     return CarryOut(invocation,
                     {.what = "Pause every task of the virtual disks of " + adapter.Text(),
-                     .losses = {},
-                     .confirm = {},
                      .commands = {Request<Function>{{Function::AdapterID, adapter.adapter}}},
-                     .address = adapter.Text(),
-                     .size_bytes = {}});
+                     .address = adapter.Text()});
 }
 
 // The activities that can be started, with the kind of object and the function that starts them.
@@ -301,10 +296,8 @@ Exit StartRebuild(Invocation& invocation, const Named& place) {
     return CarryOut(invocation,
                     {.what = "Rebuild " + object.Text() + " to " + target.Text(),
                      .losses = {"what is on " + target.Text() + " will be lost"},
-                     .confirm = {},
                      .commands = {RebuildCommand(invocation.controller(), object, target)},
                      .address = object.Text(),
-                     .size_bytes = {},
                      .starts_task = true,
                      .alters = [object, target](hxconditions::Adapter& adapter) {
                          for (hxconditions::VirtualDisk& each : adapter.virtual_disks) {
@@ -354,11 +347,8 @@ Exit StartTask(Invocation& invocation) {
     for (const StartRow& row : kStarts) {
         if (row.kind != *kind || row.object != place.address.kind) continue;
         Change change{.what = "Start " + *kind + " on " + place.address.Text(),
-                      .losses = {},
-                      .confirm = {},
                       .commands = {row.command(invocation.controller(), place.address, row.code)},
                       .address = place.address.Text(),
-                      .size_bytes = {},
                       .starts_task = true};
         if (row.destroys) {
             change.losses = {"all data on " + place.address.Text() + " will be lost"};

@@ -22,13 +22,13 @@
 namespace vexorctl {
 
 struct Change {
-    std::string what;                         // "Delete virtual disk a0/vd1 (data1)"
-    std::vector<std::string> losses;          // what will be lost or changed, a line each
-    std::string confirm;                      // the name to be typed; empty: nothing is asked
-    std::vector<Command> commands;            // sent in order, until one fails
-    std::string address;                      // of the object; empty when it is new
-    std::optional<std::uint64_t> size_bytes;  // the resulting size
-    bool starts_task = false;                 // or may start one: it is told when it runs
+    std::string what{};                         // "Delete virtual disk a0/vd1 (data1)"
+    std::vector<std::string> losses{};          // what will be lost or changed, a line each
+    std::string confirm{};                      // the name to be typed; empty: nothing is asked
+    std::vector<Command> commands{};            // sent in order, until one fails
+    std::string address{};                      // of the object; empty when it is new
+    std::optional<std::uint64_t> size_bytes{};  // the resulting size
+    bool starts_task = false;                   // or may start one: it is told when it runs
     // Of a change that makes an object: lists those of its kind, to tell the new one's address.
     std::function<std::vector<Address>(Controller&)> created{};
     bool takes_every_disk = false;  // all free disks of the adapter, whichever they are

@@ -121,11 +121,7 @@ Exit CreateOnGroup(Invocation& invocation, const std::string& typed) {
         {Function::InitializationOption, CodeOrNone(invocation, "--init", &CodeTable::inits)},
         {Function::SectorCoefficient, 1}};
     Change change{.what = "Create a virtual disk called " + name + " on " + address.Text(),
-                  .losses = {},
-                  .confirm = {},
                   .commands = {request},
-                  .address = {},
-                  .size_bytes = {},
                   .starts_task = true,
                   .created = &AddressesOf<&LoadVirtualDisks>,
                   .alters = AddOn(owner, name)};
@@ -200,11 +196,7 @@ Exit CreateOnDisks(Invocation& invocation) {
     request.Add({Function::Size, sectors});
     Change change{.what = "Create a RAID " + std::string(level.number) + " virtual disk called " +
                           name + " on",
-                  .losses = {},
-                  .confirm = {},
                   .commands = {std::move(request)},
-                  .address = {},
-                  .size_bytes = {},
                   .starts_task = true,
                   .created = &AddressesOf<&LoadVirtualDisks>};
     AddDisks(change, disks, name);
@@ -259,8 +251,6 @@ Exit QuickCreate(Invocation& invocation) {
                   .confirm = "a" + std::to_string(adapter),
                   .commands = {Request<Function>{{Function::AdapterID, adapter},
                                                  {Function::Type, redundant ? 1 : 0}}},
-                  .address = {},
-                  .size_bytes = {},
                   .starts_task = true,
                   .created = &AddressesOf<&LoadVirtualDisks>,
                   .takes_every_disk = true};

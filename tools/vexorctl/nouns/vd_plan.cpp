@@ -64,11 +64,8 @@ std::string_view StateOf(Invocation& invocation, const VirtualDisk& disk) {
 
 Change ChangeOf(const VirtualDisk& disk, const std::string& what, Command command) {
     return {.what = what + " virtual disk " + Described(disk),
-            .losses = {},
-            .confirm = {},
             .commands = {std::move(command)},
-            .address = disk.address.Text(),
-            .size_bytes = {}};
+            .address = disk.address.Text()};
 }
 
 std::uint64_t CacheOption(Controller& controller, const std::string& text) {
