@@ -2,7 +2,6 @@
 // scripts/soak MINUTES.
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/mman.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -16,7 +15,6 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
-#include <new>
 #include <random>
 #include <string>
 #include <thread>
@@ -24,6 +22,7 @@
 
 #include "hxfake.h"
 #include "numbered_event.h"
+#include "support/child_process.h"
 #include "support/temporary_root.h"
 #include "vxevent.h"
 
@@ -38,7 +37,7 @@ std::chrono::seconds Duration() {
 }
 
 // What the processes tell each other.
-struct Shared {
+struct Board {
     std::atomic<bool> stop;
     std::atomic<HX_U32> delivered;  // events up to this number have left the controller
     std::atomic<HX_U32> check_ins, kills, flips;
@@ -48,35 +47,21 @@ struct Shared {
 
 class Soak : public testing::Test {
 protected:
-    Soak()
-        : shared_(new (mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE,
-                            MAP_SHARED | MAP_ANONYMOUS, -1, 0)) Shared{}) {
+    Soak() {
         std::filesystem::create_directories(root_.Path("/opt/kestrel/raid/db"));
         root_.Write("/vexorapi.ini",
                     "<c><EventLogConfig type=\"config\" MaxNumOfEvent=\"200\"/></c>");
         hxfake::Reset();
         hxfake::NoteCalls(false);
-        hxfake::On<&HX_EVT_GetEvent>().Always([this](HX_U8, HX_U8, HX_U8* count, Event* events) {
-            *count = batch_;
-            const HX_U32 first = shared_->delivered.fetch_add(batch_) + 1;
-            for (HX_U32 i = 0; i < batch_; ++i) events[i] = NumberedEvent(first + i);
-            batch_ = 0;  // the next poll of this check-in finds none
-            return HX_U8{0};
-        });
+        DeliverBatches(shared_->delivered, batch_);
     }
-    ~Soak() override {
-        munmap(shared_, sizeof(Shared));
-        hxfake::Reset();
-    }
+    ~Soak() override { hxfake::Reset(); }
 
     static pid_t Start(const std::function<void()>& work) {
-        const pid_t child = fork();
-        // Who sends a signal to process -1 ends every process of the machine.
-        if (child < 0) std::abort();
-        if (child != 0) return child;
-        VX_EvInit();
-        work();
-        _exit(0);
+        return Fork([&] {
+            VX_EvInit();
+            work();
+        });
     }
 
     void CheckInForEver() {
@@ -154,7 +139,7 @@ protected:
     }
 
     const TemporaryRoot root_;
-    Shared* const shared_;
+    const Shared<Board> shared_;
     HX_U8 batch_ = 0;
 };
 

@@ -204,7 +204,8 @@ bool IsNotSent(int, const std::string&, const std::string& seen) {
     return seen.starts_with("1 ") && seen.size() < 8;
 }
 
-Event NumberedEvent(HX_U32 number) {
+// Its first parameter is the number with digits that an answer has nowhere else.
+Event MarkedEvent(HX_U32 number) {
     Event event{};
     event.Class = 2;
     event.Code = 1;
@@ -221,7 +222,7 @@ void QueueEvents(HX_U32 first, HX_U32 count) {
         [](HX_U8 adapter, HX_U8 most, HX_U8* count_of, Event* events) {
             if (adapter != 0) return HX_U8{0};
             for (; *count_of < most && waiting_from < waiting_to; ++*count_of) {
-                *events++ = NumberedEvent(waiting_from++);
+                *events++ = MarkedEvent(waiting_from++);
             }
             return HX_U8{0};
         });
@@ -241,7 +242,7 @@ void PrepareEvents() {
 // so are slots that cannot be; every other event is the one of its number.
 bool IsUnreadStore(int kind, const std::string& usual, const std::string& seen) {
     if (IsRefusal(kind, usual, seen)) return true;
-    // What NumberedEvent puts into an event's first parameter.
+    // What MarkedEvent puts into an event's first parameter.
     for (std::size_t at = 0; (at = seen.find("10000", at)) != std::string::npos; at += 8) {
         if (usual.find(seen.substr(at, 8)) == std::string::npos) return false;
     }

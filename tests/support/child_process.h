@@ -3,6 +3,7 @@
 #pragma once
 
 #include <signal.h>
+#include <sys/mman.h>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -12,6 +13,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <functional>
+#include <new>
 #include <vector>
 
 #include "support/sanitized.h"
@@ -24,6 +26,33 @@ inline int InChild(const std::function<int()>& work) {
     if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status)) return -1;
     return WEXITSTATUS(status);
 }
+
+/// Runs `work` in a process of its own, which exits with 0 behind it. Returns the process.
+inline pid_t Fork(const std::function<void()>& work) {
+    const pid_t child = fork();
+    // Who sends a signal to process -1 ends every process of the machine.
+    if (child < 0) std::abort();
+    if (child != 0) return child;
+    work();
+    _exit(0);
+}
+
+/// A T that a process shares with those that it forks.
+template <class T>
+class Shared {
+public:
+    Shared()
+        : object_(new (mmap(nullptr, sizeof(T), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS,
+                            -1, 0)) T{}) {}
+    ~Shared() { munmap(object_, sizeof(T)); }
+    Shared(const Shared&) = delete;
+    Shared& operator=(const Shared&) = delete;
+    T* operator->() const { return object_; }
+    T& operator*() const { return *object_; }
+
+private:
+    T* const object_;
+};
 
 /// Grows the stack by what later calls may need of it.
 [[gnu::noinline]] inline void GrowStack() {

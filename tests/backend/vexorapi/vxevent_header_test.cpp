@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "descriptor.h"
+#include "numbered_event.h"
 #include "vxevent_store.h"
 
 namespace {
@@ -31,20 +32,10 @@ static_assert(std::size(kNumbers) == 11);
 // Has no divisor in common with 11, so that each number comes in each place.
 constexpr std::size_t kEvery = 101;
 
-// Every byte follows from the number, so that an event tells whether it is whole.
-Event NumberedEvent(HX_U32 number) {
-    Event event = MakeEvent(2, 1, number);
-    event.TimeStamp = ~number;
-    std::memset(event.SenseData, static_cast<int>(number % 251), sizeof event.SenseData);
-    return event;
-}
-
 // Whole, or of a slot that was never written.
 bool IsOne(const Event& event) {
     const Event zero{};
-    const Event expected = NumberedEvent(event.SequenceNo);
-    return std::memcmp(&event, &expected, sizeof event) == 0 ||
-           std::memcmp(&event, &zero, sizeof event) == 0;
+    return IsWhole(event) || std::memcmp(&event, &zero, sizeof event) == 0;
 }
 
 class AnyHeader : public EventStore {

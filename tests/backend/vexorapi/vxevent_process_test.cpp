@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <signal.h>
-#include <sys/mman.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -13,12 +12,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <random>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "numbered_event.h"
 #include "support/child_process.h"
 #include "vxevent_store.h"
 
@@ -26,32 +25,13 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Every byte follows from the serial number, so that an event tells whether it is whole.
-Event SerialEvent(HX_U32 serial) {
-    Event event = MakeEvent(2, 37, serial);
-    event.TimeStamp = serial;
-    event.DeviceID = static_cast<HX_U16>(serial);
-    event.Params[0] = serial;
-    event.Params[1] = ~serial;
-    event.Params[2] = serial * 2654435761u;
-    event.Params[3] = serial ^ 0xA5A5A5A5;
-    event.SenseDataLength = 30;
-    std::memset(event.SenseData, static_cast<int>(serial % 251), sizeof event.SenseData);
-    return event;
-}
-
-bool IsWhole(const Event& event) {
-    const Event expected = SerialEvent(event.SequenceNo);
-    return std::memcmp(&expected, &event, sizeof event) == 0;
-}
-
 struct ReaderReport {
     HX_U32 reads, events, torn, wrong, out_of_order, never_delivered, unreadable;
     HX_U32 longest_us;
 };
 
 // What the processes tell each other.
-struct Shared {
+struct Board {
     std::atomic<HX_U32> delivered;  // serial numbers 1 to this have left the controller
     std::atomic<bool> stop;
     std::atomic<HX_U32> check_ins;
@@ -62,19 +42,10 @@ struct Shared {
 
 class Processes : public EventStore {
 protected:
-    Processes()
-        : shared_(new (mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE,
-                            MAP_SHARED | MAP_ANONYMOUS, -1, 0)) Shared{}) {
+    Processes() {
         hxfake::NoteCalls(false);
-        hxfake::On<&HX_EVT_GetEvent>().Always([this](HX_U8, HX_U8, HX_U8* count, Event* events) {
-            *count = batch_;
-            const HX_U32 first = shared_->delivered.fetch_add(batch_) + 1;
-            for (HX_U32 i = 0; i < batch_; ++i) events[i] = SerialEvent(first + i);
-            batch_ = 0;  // the next poll of this check-in finds none
-            return HX_U8{0};
-        });
+        DeliverBatches(shared_->delivered, batch_);
     }
-    ~Processes() override { munmap(shared_, sizeof(Shared)); }
 
     void CheckInBatch(HX_U8 batch) {
         batch_ = batch;
@@ -84,16 +55,13 @@ protected:
     // Runs `work` in a process of its own, which initialises the store as any process does.
     template <class Work>
     static pid_t Start(Work work) {
-        const pid_t child = fork();
-        // Who sends a signal to process -1 ends every process of the machine.
-        if (child < 0) std::abort();
-        if (child != 0) return child;
-        VX_EvInit();
-        work();
-        _exit(0);
+        return Fork([&] {
+            VX_EvInit();
+            work();
+        });
     }
 
-    Shared* const shared_;
+    const Shared<Board> shared_;
     HX_U8 batch_ = 0;
 };
 
@@ -120,7 +88,7 @@ bool Ends(pid_t child) {
 constexpr std::chrono::seconds kDuration{2};
 
 // Asks for a page somewhere in the store, or for the newest events.
-void ReadOnce(const Shared& shared, std::mt19937& random, ReaderReport& report) {
+void ReadOnce(const Board& shared, std::mt19937& random, ReaderReport& report) {
     HX_U32 n = 0;
     HX_U32 s = 0;
     HX_U32 e = 0;

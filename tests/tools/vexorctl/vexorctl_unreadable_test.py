@@ -155,36 +155,34 @@ class Texts(VexorctlCase):
 
     TEXTS = (("a]]>b", "a]]>b"), ("]]>", "]]>"), ("R&D", "R&D"), ("a<b>c", "a<b>c"))
 
-    def test_names_of_virtual_disks_are_read_and_can_be_mended(self):
+    def expect_mended(self, noun, address):
+        run = self.run_words(noun, "set", address, "--name", "MENDED", "--yes")
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.expect(noun, "list", shown="MENDED")
+
+    def expect_read_and_mended(self, noun, address, *call):
+        """`call` gives the object a name, which it ends with."""
         for name, shown in self.TEXTS:
             with self.subTest(name=name):
-                run = self.run_words("call", "HX_LD_SetConfig", "AdapterID=0", "LD_ID=0",
-                                     "CacheMode=4", "AutoRebuildOn=1", "LDID=0", f"Name={name}")
+                run = self.run_words("call", *call, f"Name={name}")
                 self.assertEqual(run.returncode, 0, run.stderr)
-                self.expect("vd", "list", shown=shown)
-                run = self.run_words("vd", "set", "a0/vd0", "--name", "MENDED", "--yes")
-                self.assertEqual(run.returncode, 0, run.stderr)
-                self.expect("vd", "list", shown="MENDED")
+                self.expect(noun, "list", shown=shown)
+                self.expect_mended(noun, address)
+
+    def test_names_of_virtual_disks_are_read_and_can_be_mended(self):
+        self.expect_read_and_mended("vd", "a0/vd0", "HX_LD_SetConfig", "AdapterID=0", "LD_ID=0",
+                                    "CacheMode=4", "AutoRebuildOn=1", "LDID=0")
 
     def test_names_of_disk_groups_are_read_and_can_be_mended(self):
-        for name, shown in self.TEXTS:
-            with self.subTest(name=name):
-                run = self.run_words("call", "HX_DG_SetConfig", "AdapterID=0", "DG_ID=0", "DGID=0",
-                                     f"Name={name}")
-                self.assertEqual(run.returncode, 0, run.stderr)
-                self.expect("dg", "list", shown=shown)
-                run = self.run_words("dg", "set", "a0/dg0", "--name", "MENDED", "--yes")
-                self.assertEqual(run.returncode, 0, run.stderr)
-                self.expect("dg", "list", shown="MENDED")
+        self.expect_read_and_mended("dg", "a0/dg0", "HX_DG_SetConfig", "AdapterID=0", "DG_ID=0",
+                                    "DGID=0")
 
     def test_a_forbidden_byte_in_a_name_is_marked_and_can_be_mended(self):
         for byte in ("\x01", "\x1b"):
             with self.subTest(byte=byte):
                 self.rename("virtual_disk", "name", f"x{byte}y", 2)
                 self.expect("vd", "list", shown="x\ufffdy")
-                run = self.run_words("vd", "set", "a0/vd2", "--name", "MENDED", "--yes")
-                self.assertEqual(run.returncode, 0, run.stderr)
-                self.expect("vd", "list", shown="MENDED")
+                self.expect_mended("vd", "a0/vd2")
 
     def test_a_model_with_a_control_character_hides_no_disk(self):
         self.rename("disk", "model", "TW\x01600", 0)
