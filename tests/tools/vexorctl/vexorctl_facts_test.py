@@ -117,6 +117,52 @@ class Facts(VexorctlCase):
             self.assertIsNone(document[key])
         self.assertIn(" paused       32%     -     -\n", self.run_words("task", "list").stdout)
 
+    def test_what_waits_is_paused_or_has_failed_says_why_and_what_now(self):
+        def told():
+            return [(each["address"], each["activity"]["name"], each["standing"], each["cause"],
+                     each["next_step"]) for each in self.items("task", "list")]
+
+        self.machine.hxsimctl("disk", "fail", "a0/pd1")  # the spare a0/pd10 steps in
+        self.change("task", "start", "a0/pd0", "--kind", "media-patrol")
+        self.assertEqual(told(), [
+            ("a0/vd0", "rebuild", "running", None, None),
+            ("a0/pd0", "media_patrol", "queued", "the rebuild of a0/vd0 runs on the same disks",
+             "Wait: it goes on by itself")])
+        self.change("task", "pause", "a0/vd0")
+        self.assertEqual(told()[0], ("a0/vd0", "rebuild", "paused", "somebody has paused it",
+                                     "vexorctl task resume a0/vd0"))
+        table = self.run_words("task", "list").stdout.splitlines()
+        self.assertIn("a0/vd0 rebuild: somebody has paused it", table)
+        self.assertIn("  -> vexorctl task resume a0/vd0", table)
+        self.change("task", "resume", "a0/vd0")
+        # Its source is lost, too.
+        self.machine.hxsimctl("disk", "fail", "a0/pd0")
+        # Nobody has collected the events: that it has failed is not known.
+        self.assertEqual(self.items("task", "list"), [])
+        self.collect()
+        failed = told()
+        self.assertEqual(failed[0], (
+            "a0/vd0", "rebuild", "failed", "a0/pd0 failed", "vexorctl risk a0/vd0"))  # offline
+        self.assertEqual(failed[1], ("a0/pd0", "media_patrol", "failed", "a0/pd0 failed",
+                                     "Replace a0/pd0"))
+        item = self.items("task", "list")[0]
+        self.assertIsNone(item["state"])
+        self.assertIsNotNone(item["start_time"])
+        self.assertRegex(self.run_words("task", "list").stdout,
+                         r"a0/vd0 +\S+ +rebuild +failed +\S+ +- +-\n")
+        # What failed on a disk is past when another disk is there, and on a virtual disk when that is gone.
+        self.machine.hxsimctl("disk", "replace", "a0/pd0")
+        self.change("vd", "delete", "a0/vd0")
+        self.collect()
+        self.assertEqual(self.items("task", "list"), [])
+        # The disk that is written is lost.
+        self.machine.hxsimctl("disk", "fail", "a0/pd4")  # the spare a0/pd9 steps in
+        self.machine.hxsimctl("disk", "fail", "a0/pd9")
+        self.collect()
+        self.assertEqual(told(), [(
+            "a0/vd2", "rebuild", "failed", "a0/pd9 failed",
+            "Replace a0/pd9, then vexorctl task start a0/vd2 --kind rebuild")])
+
     def test_a_groups_migration_has_the_pace_that_its_virtual_disks_tell(self):
         self.change("dg", "migrate", "a0/dg0", "--raid", "6", "--to",
                     "a0/pd0,a0/pd1,a0/pd2,a0/pd3,a0/pd11")

@@ -43,9 +43,20 @@ public:
         return all == 0 ? std::nullopt : std::optional(all);
     }
 
-    // The disks whose blocks of these virtual disks are being written.
-    std::optional<std::vector<Address>> TargetsOf(const Task& task) {
-        std::vector<Address> targets;
+    // Fills in the disks whose blocks of these virtual disks are being written, and all of them.
+    void TellDisks(const Task& task, TaskPace& pace) {
+        if (task.address.kind == ObjectKind::kDisk) {
+            pace.targets.emplace();
+            pace.disks = std::vector{task.address};
+            return;
+        }
+        pace.targets = DisksOf(task, true);
+        pace.disks = DisksOf(task, false);
+    }
+
+private:
+    std::optional<std::vector<Address>> DisksOf(const Task& task, bool only_written) {
+        std::vector<Address> disks;
         const auto& blocks = BlocksOf(task.address.adapter);
         if (blocks.presence != Presence::kThere) return std::nullopt;
         for (const auto& [block_id, block] : blocks.items) {
@@ -55,19 +66,17 @@ public:
             if (!owner || !state || !disk) return std::nullopt;
             const bool is_its =
                 std::ranges::find(task.virtual_disks, *owner) != task.virtual_disks.end();
-            if (!is_its || hxcodes::NameOf(controller_.codes().table().states, *state) !=
-                               hxcodes::NameOf(hxcodes::State::kRebuilding)) {
-                continue;
-            }
-            const Address target{.adapter = task.address.adapter,
-                                 .kind = ObjectKind::kDisk,
-                                 .id = static_cast<unsigned>(*disk)};
-            if (std::ranges::find(targets, target) == targets.end()) targets.push_back(target);
+            const bool is_written = hxcodes::NameOf(controller_.codes().table().states, *state) ==
+                                    hxcodes::NameOf(hxcodes::State::kRebuilding);
+            if (!is_its || (only_written && !is_written)) continue;
+            const Address its_disk{.adapter = task.address.adapter,
+                                   .kind = ObjectKind::kDisk,
+                                   .id = static_cast<unsigned>(*disk)};
+            if (std::ranges::find(disks, its_disk) == disks.end()) disks.push_back(its_disk);
         }
-        return targets;
+        return disks;
     }
 
-private:
     const List<fields::Block_Info>& BlocksOf(unsigned adapter) {
         const auto found = blocks_.find(adapter);
         if (found != blocks_.end()) return found->second;
@@ -146,8 +155,10 @@ void TellPace(Controller& controller, std::span<const Period> periods, std::vect
         const std::string_view activity =
             hxcodes::NameOf(controller.codes().table().activities, task.activity);
         const std::vector<std::string> objects = ObjectsOf(task);
-        task.pace = PaceOf(task, activity, objects, periods, sizes.SectorsOf(task));
-        task.pace.targets = sizes.TargetsOf(task);
+        if (!task.has_failed) {
+            task.pace = PaceOf(task, activity, objects, periods, sizes.SectorsOf(task));
+        }
+        sizes.TellDisks(task, task.pace);
     }
     controller.TakeBack(faults, exit);
 }

@@ -21,6 +21,7 @@ struct TaskPace {
     std::optional<std::uint64_t> bytes_per_second;  // of each disk
     std::optional<std::uint64_t> seconds_left;
     std::optional<std::vector<Address>> targets;  // the disks that a rebuild or copyback writes
+    std::optional<std::vector<Address>> disks;    // all on which it works
 };
 
 /// A background activity; its address is that of the object on which it runs.
@@ -33,6 +34,10 @@ struct Task {
     Membership group;                      // on which the object lies
     std::vector<unsigned> virtual_disks;   // on which it works: itself, or those of the disk group
     TaskPace pace;
+    bool has_failed = false;  // the controller lists it no more
+    // Why it does not run and what to do. Null until TellCauses has been asked, and where it is not
+    // known; empty where there is nothing to tell.
+    std::optional<std::string> cause, next_step;
 };
 
 /// Whether a task of the object is meant by this address: its own, or that of the disk group on

@@ -31,6 +31,8 @@ constexpr StateRow kStates[] = {
 
 constexpr std::string_view kNotOptimal = "not_optimal";  // in which way is not stored
 constexpr std::string_view kEventsLost = "events_lost";
+constexpr std::string_view kRebuild =
+    hxcodes::NameOf(hxcodes::kActivityNames, hxcodes::NumberOf(hxcodes::ActivityKind::kRebuild));
 
 void Close(Period& period, const Happening& event, PeriodEnd how) {
     period.end = event.time;
@@ -101,6 +103,13 @@ bool Timeline::CloseAll(const Happening& event, bool activities, PeriodEnd how) 
         closed = true;
     }
     return closed;
+}
+
+void Timeline::LeaveBehind(std::string_view object, std::string_view kind) {
+    for (Period& each : periods_) {
+        if (each.object != object || IsOpen(each)) continue;
+        each.is_past = each.is_past || kind.empty() || each.kind == kind;
+    }
 }
 
 void Timeline::TakeStep(const Happening& event, const hxcodes::ActivityRow& activity) {
@@ -177,8 +186,12 @@ void Timeline::Take(const Happening& event) {
     if (kind == EventKind::kVirtualDiskDeleted || kind == EventKind::kVirtualDiskCreated) {
         // Another one has the number from here on.
         CloseAll(event, true, PeriodEnd::kDeleted);
+        LeaveBehind(event.object, {});
         return;
     }
+    // A disk comes online as another one in the place of a lost one.
+    if (kind == EventKind::kDiskOnline) LeaveBehind(event.object, {});
+    if (kind == EventKind::kVirtualDiskOnline) LeaveBehind(event.object, kRebuild);
     if (const hxcodes::ActivityRow* const activity = hxcodes::ActivityOf(kind)) {
         TakeStep(event, *activity);
         return;

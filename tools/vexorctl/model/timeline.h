@@ -45,6 +45,9 @@ struct Period {
     bool is_paused = false;                  // as the last event says
     std::optional<std::uint64_t> percent{};  // the last that was told
     bool has_gap = false;                    // events were lost while it lasted
+    // The object has become well since, or another one has its address: the end tells nothing of
+    // how it is now.
+    bool is_past = false;
     // The first and last point of the latest stretch in which it ran without a pause, where two are
     // known: its speed is measured between them.
     std::optional<Mark> from{}, to{};
@@ -79,6 +82,8 @@ private:
     Period& Begin(const Happening& event, std::string_view kind, bool is_activity, bool is_start);
     Period* FindOpen(std::string_view object, std::string_view kind);
     bool CloseAll(const Happening& event, bool activities, PeriodEnd how);
+    // Marks what ended before; `kind` is the only one meant, or empty.
+    void LeaveBehind(std::string_view object, std::string_view kind);
 
     bool is_cut_;
     std::vector<Period> periods_;

@@ -1,17 +1,22 @@
 // vexorctl task ...
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "codes/activity.h"
 #include "codes/code_table.h"
 #include "codes/state.h"
 #include "common/address.h"
+#include "common/terminal_text.h"
 #include "conditions/hxc_answers.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
+#include "model/event_history.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/library_record.h"
 #include "model/task_pace.h"
+#include "model/task_standing.h"
 #include "model/tasks.h"
 #include "model/virtual_disks.h"
 #include "nouns/find_object.h"
@@ -22,6 +27,7 @@
 #include "output/cell.h"
 #include "output/cell_text.h"
 #include "output/report.h"
+#include "output/streams.h"
 #include "shell/command_rows.h"
 #include "shell/invocation.h"
 #include "shell/present.h"
@@ -84,12 +90,9 @@ Cell PurposeCell(const ShownTask& it) {
 // Of a task that does not run, speed and end are none; unknown where it is not known whether it
 // does.
 Cell IfRunning(const ShownTask& it, std::optional<std::uint64_t> value) {
-    if (!it.state) return Unknown();
-    const bool runs = hxcodes::NameOf(it.codes->activity_states, *it.state) ==
-                      hxcodes::NameOf(hxcodes::ActivityState::kRunning);
-    const bool is_named = !hxcodes::NameOf(it.codes->activity_states, *it.state).empty();
-    if (!runs) return is_named ? None() : Unknown();
-    return NumberCell(value);
+    const std::string_view standing = StandingOf(it, *it.codes);
+    if (standing.empty()) return Unknown();
+    return standing == "running" ? NumberCell(value) : None();
 }
 
 constexpr Column<ShownTask> kColumns[] = {
@@ -99,8 +102,17 @@ constexpr Column<ShownTask> kColumns[] = {
      [](const ShownTask& it) { return TextCell(it.name); }},
     {Always({"activity", "ACTIVITY", kCode, kTable, "What it does", &CodeTable::activities}),
      [](const ShownTask& it) { return NumberCell(it.activity); }},
-    {{"state", "STATE", kCode, kTable, "How it stands", &CodeTable::activity_states},
-     [](const ShownTask& it) { return NumberCell(it.state); }},
+    {OneOf(Standings,
+           {"standing", "STATE", kWord, kTable,
+            "How it stands: queued waits for something more urgent, failed runs no more"}),
+     [](const ShownTask& it) {
+         const std::string_view standing = StandingOf(it, *it.codes);
+         return standing.empty() ? Unknown() : TextCell(std::string(standing));
+     }},
+    {{"state", "CONTROLLER STATE", kCode, kWide,
+      "The same in the controller's word; none of one that has failed",
+      &CodeTable::activity_states},
+     [](const ShownTask& it) { return it.has_failed ? None() : NumberCell(it.state); }},
     {{"progress_ratio", "PROGRESS", kRatio, kTable, "How far it is"},
      [](const ShownTask& it) { return PercentCell(it.percent); }},
     {{"seconds_left", "LEFT", kSeconds, kTable,
@@ -115,18 +127,48 @@ constexpr Column<ShownTask> kColumns[] = {
     {{"purpose", "PURPOSE", kText, kWide, "What it is for"}, PurposeCell},
     {{"targets", "TARGETS", kAddresses, kWide, "The disks that a rebuild or copyback writes"},
      [](const ShownTask& it) { return it.pace.targets ? TextsCell(TargetsOf(it)) : Unknown(); }},
+    {{"cause", "CAUSE", kText, kWide, "Why it does not run"},
+     [](const ShownTask& it) { return TextCell(it.cause); }},
+    {{"next_step", "NEXT STEP", kText, kWide, "What to do so that it runs"},
+     [](const ShownTask& it) { return TextCell(it.next_step); }},
 };
 
 std::vector<ColumnInfo> Columns() { return InfoOf(kColumns); }
+
+// Beneath the table, which has no room for them: of each that does not run why, and what to do.
+std::string StoriesOf(const std::vector<Task>& tasks, const hxcodes::CodeTable& codes) {
+    std::string text;
+    for (const Task& task : tasks) {
+        const std::string_view standing = StandingOf(task, codes);
+        if (standing == "running") continue;
+        const std::string activity(hxcodes::NameOf(codes.activities, task.activity));
+        const std::string cause = task.cause.value_or("why is not known");
+        text += text.empty() ? "\n" : "";
+        text += vexortools::Printable(task.address.Text() + " " +
+                                      (activity.empty() ? "task" : activity) + ": " +
+                                      (standing.empty() ? "in a state without a name" : cause)) +
+                "\n";
+        if (task.next_step) text += "  -> " + vexortools::Printable(*task.next_step) + "\n";
+    }
+    return text;
+}
 
 Exit ListTasks(Invocation& invocation) {
     SelectAdapters(invocation);
     Controller& controller = invocation.controller();
     std::vector<Task> tasks = LoadTasks(controller, TaskDetail::kWithObject);
-    TellPace(controller, tasks);
+    const History history = KnownHistory(controller);
+    std::vector<Task> failed = LoadFailedTasks(controller, history.periods, tasks);
+    std::ranges::move(failed, std::back_inserter(tasks));
+    TellPace(controller, history.periods, tasks);
+    TellCauses(controller, tasks);
+    const std::string stories = StoriesOf(tasks, controller.codes().table());
     std::vector<ShownTask> shown;
     for (Task& task : tasks) shown.push_back({std::move(task), &controller.codes().table()});
-    return Show(invocation, Tabulated(invocation, kColumns, shown));
+    const Exit exit = Show(invocation, Tabulated(invocation, kColumns, shown));
+    const bool is_plain = !invocation.Has("--columns") && !invocation.Has("--no-header");
+    if (is_plain && StyleOf(invocation, "table").format == "table") PrintText(stories);
+    return exit;
 }
 
 // ---- Changes ----------------------------------------------------------------------------------
@@ -412,11 +454,12 @@ constexpr CommandRow kCommands[] = {
      .run = ListTasks,
      .columns = Columns,
      .note = "A task goes by the address of the object on which it runs: there is at most one. One "
-             "that is auto_paused waits for something more urgent and goes on by itself; one that "
-             "is paused waits for task resume; one that has failed is no task any more: see "
-             "vexorctl timeline. Since when it runs, how fast and how long still is taken from "
-             "the stored events: it is not known where no event service collects them, and before "
-             "two steps of its progress."},
+             "that is queued waits for something more urgent and goes on by itself; one that is "
+             "paused waits for task resume; one that has failed stays until it is started again, "
+             "or its object is well or gone. What does not run is told beneath the table with its "
+             "cause and what to do. What has failed, since when the others run, how fast and how "
+             "long still is taken from the stored events: it is not known where no event service "
+             "collects them, and before two steps of its progress."},
     {.noun = "task",
      .verb = "start",
      .summary = "Start an activity on a disk, virtual disk or disk group",

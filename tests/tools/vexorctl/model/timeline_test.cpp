@@ -33,6 +33,29 @@ Period PeriodOf(const std::vector<Happening>& events) {
     return timeline.Periods().front();
 }
 
+Happening EventOfVirtualDisk(hxcodes::EventKind kind, std::uint64_t time) {
+    const hxcodes::EventFacts facts{.kind = kind, .adapter = 0, .device = 0};
+    return {.number = time, .facts = facts, .time = time, .object = "a0/vd0"};
+}
+
+TEST(AFailedRebuild, IsPastWhenTheVirtualDiskIsWellOrAnotherOne) {
+    const std::vector<Happening> failed = {StepOf(Step::kStart, 1000), StepOf(Step::kError, 1100)};
+    EXPECT_FALSE(PeriodOf(failed).is_past);
+    for (const auto kind :
+         {hxcodes::EventKind::kVirtualDiskOnline, hxcodes::EventKind::kVirtualDiskDeleted,
+          hxcodes::EventKind::kVirtualDiskCreated}) {
+        std::vector<Happening> events = failed;
+        events.push_back(EventOfVirtualDisk(kind, 1200));
+        const Period period = PeriodOf(events);
+        EXPECT_TRUE(period.is_past);
+        EXPECT_EQ(period.how, PeriodEnd::kFailed);
+        EXPECT_EQ(period.end, 1100U);
+    }
+    std::vector<Happening> worse = failed;
+    worse.push_back(EventOfVirtualDisk(hxcodes::EventKind::kVirtualDiskOffline, 1200));
+    EXPECT_FALSE(PeriodOf(worse).is_past);
+}
+
 TEST(TheSpeedOfAnActivity, IsMeasuredFromItsStart) {
     const Period period = PeriodOf({StepOf(Step::kStart, 1000), StepOf(Step::kProgress, 1200, 20)});
     EXPECT_DOUBLE_EQ(PercentPerSecond(period).value(), 0.1);
