@@ -1,10 +1,10 @@
-# vexor_controller_library(TARGET OBJECTS DESTINATION): one of our own controllers as a libhxraid.so of
-# those objects, installed in that folder.
+# vexor_controller_library(TARGET OBJECTS): one of our own controllers as a libhxraid.so of those
+# objects.
 #
 # The soname has no version because it is the vendor's, whose library can replace this one. Only the
 # functions of hxraid.h are exported. Like the vendor's library it is loaded into PHP and into
 # daemons, so exceptions never leave it and the C++ runtime is linked statically.
-function(vexor_controller_library target objects destination)
+function(vexor_controller_library target objects)
     set(exports "${PROJECT_SOURCE_DIR}/controllers/hxraid.map")
     add_library(${target} SHARED "${PROJECT_SOURCE_DIR}/controllers/library/unload.cpp")
     set_target_properties(${target} PROPERTIES
@@ -18,6 +18,4 @@ function(vexor_controller_library target objects destination)
     target_link_libraries(${target}
         PUBLIC hxraid_interface
         PRIVATE ${objects} vexor_hardening)
-    install(TARGETS ${target} LIBRARY DESTINATION "${destination}")
-    vexor_run_path(${target} DESTINATION "${destination}")
 endfunction()

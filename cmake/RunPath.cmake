@@ -1,6 +1,6 @@
-# vexor_run_path(TARGET [BUILD folder...] [INSTALL folder...] [DESTINATION folder]): sets the
-# library search paths of the built and of the installed file. Call it after the target's
-# install(TARGETS).
+# vexor_run_path(TARGET [BUILD folder...] [INSTALL folder...] [DESTINATION folder] [COMPONENT name]):
+# sets the library search paths of the built and of the installed file. Call it after the target's
+# install(TARGETS), with the same component.
 #
 # CMake's build run paths end in a colon when the installed path differs, and an empty entry means
 # the current folder: a program of the build tree started in another user's folder would load
@@ -9,7 +9,7 @@
 # old one, which is padded with "/.". A target without its own path still needs this call, for the
 # 32-bit build's folder of libraries.
 function(vexor_run_path target)
-    cmake_parse_arguments(PARSE_ARGV 1 run_path "" "DESTINATION" "BUILD;INSTALL")
+    cmake_parse_arguments(PARSE_ARGV 1 run_path "" "DESTINATION;COMPONENT" "BUILD;INSTALL")
     list(JOIN run_path_INSTALL ":" installed)
     list(JOIN run_path_BUILD ":" built)
     # Libraries in a separate folder, such as the 32-bit ones.
@@ -40,20 +40,20 @@ function(vexor_run_path target)
     endif()
     set(file "\$ENV{DESTDIR}${folder}/$<TARGET_FILE_NAME:${target}>")
     if(installed STREQUAL "")
-        install(CODE "file(RPATH_REMOVE FILE \"${file}\")")
+        install(CODE "file(RPATH_REMOVE FILE \"${file}\")" COMPONENT "${run_path_COMPONENT}")
     else()
         install(CODE "file(RPATH_CHANGE
             FILE \"${file}\"
             OLD_RPATH [==[${built}]==]
-            NEW_RPATH [==[${installed}]==])")
+            NEW_RPATH [==[${installed}]==])" COMPONENT "${run_path_COMPONENT}")
     endif()
 endfunction()
 
-# vexor_run_path_to_library(PROGRAM FOLDER): for a program installed in the BINDIR or SBINDIR. It
-# finds the library relative to itself, in the build folder and where both are installed.
-function(vexor_run_path_to_library program folder)
+# vexor_run_path_to_library(PROGRAM FOLDER COMPONENT): for a program installed in the BINDIR or
+# SBINDIR. It finds the library relative to itself, in the build folder and where both are installed.
+function(vexor_run_path_to_library program folder component)
     file(RELATIVE_PATH library_folder
         "${CMAKE_INSTALL_FULL_${folder}}" "${CMAKE_INSTALL_FULL_LIBDIR}")
     vexor_run_path(${program} BUILD "$ORIGIN/../lib" INSTALL "$ORIGIN/${library_folder}"
-        DESTINATION "${CMAKE_INSTALL_${folder}}")
+        DESTINATION "${CMAKE_INSTALL_${folder}}" COMPONENT ${component})
 endfunction()

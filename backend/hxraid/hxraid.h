@@ -20,9 +20,16 @@
  *    written to its output is unspecified, so the caller clears it beforehand.
  *  - Every buffer belongs to the caller. The library keeps no pointer after it has returned.
  *  - One call at a time: the library is not safe against two threads at once.
+ *  - A fork: a library need not work in the child of a process that has initialised it, so a
+ *    caller initialises after the fork. The virtual controller and that of the kernel's arrays
+ *    notice a fork and open their files anew.
  */
 #ifndef HXRAID_H
 #define HXRAID_H
+
+/* The version of this interface. It rises when a function or a constant is added; layouts and
+ * existing functions never change. */
+#define HXRAID_VERSION 1
 
 #include <assert.h>
 #include <stddef.h>
@@ -895,7 +902,8 @@ static_assert(offsetof(Enclosure_Info_Request, enclosureInfo) == 16, "a wire for
 /* Whoever implements these functions exports them, also when built with hidden visibility. */
 #pragma GCC visibility push(default)
 
-/* Opens the adapters. Precedes every other call; may be called again. */
+/* Opens the adapters. Precedes every other call. May be called again: calls are not counted, so one
+ * HX_API_Finalize undoes them all, and what is open stays open or is opened anew. */
 HX_U8 HX_API_Initialize(void);
 
 /* Closes them. Without an HX_API_Initialize before it, does nothing. */

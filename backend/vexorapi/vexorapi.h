@@ -3,6 +3,12 @@
  * Plain C, usable from C++. Requests run one at a time: the library starts no thread and holds no
  * lock, so a process that has several threads serialises its calls itself. Nothing is thrown.
  *
+ * After a fork the child has a copy of the library's state, and no file is open between two calls
+ * but the service log after InitLog, to which both may append. So the child may go on calling, if
+ * no thread of the parent was in a call meanwhile and the controller library allows it. The virtual
+ * controller and that of the kernel's arrays notice a fork and open their files anew. Others may
+ * not: a program that forks workers calls vexorApiInit in each worker and not before the fork.
+ *
  * Every fixed path below ("/vexorapi.ini", "/var/log/hxraidsvc.log", ...) is prefixed with the
  * environment variable VEXORAPI_ROOT when that is set and the process is not set-user-ID.
  */
@@ -10,6 +16,17 @@
 #define VEXORAPI_H
 
 #include <stdint.h>
+
+/* The version that this header belongs to. One major version has one soname: a program that was
+ * compiled with this header runs with every later library of the same major version. */
+#define VEXORAPI_VERSION_MAJOR 1
+#define VEXORAPI_VERSION_MINOR 2
+#define VEXORAPI_VERSION_PATCH 0
+
+/* For comparisons: #if VEXORAPI_VERSION >= VEXORAPI_VERSION_OF(1, 3, 0). */
+#define VEXORAPI_VERSION_OF(major, minor, patch) ((major)*10000 + (minor)*100 + (patch))
+#define VEXORAPI_VERSION \
+    VEXORAPI_VERSION_OF(VEXORAPI_VERSION_MAJOR, VEXORAPI_VERSION_MINOR, VEXORAPI_VERSION_PATCH)
 
 #if defined(__GNUC__)
 #define VEXORAPI_PRINTF(text, first) __attribute__((format(printf, text, first)))
@@ -32,6 +49,10 @@ extern "C" {
 
 /** Prepares the process: creates the event semaphore, sets the module versions and initialises the
  *  controller library. Call it once, before the first vexorApi.
+ *
+ *  Calls are not counted. A second one without a vexorApiShutdown between them initialises the
+ *  controller library again and forgets what was read of the event store, which the next request
+ *  reads from its files; one vexorApiShutdown ends both. After that it may be called again.
  *
  *  Returns 1 always. A controller library that refuses to start is noted in the debug log only; its
  *  functions then answer with their own error codes. */

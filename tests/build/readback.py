@@ -59,6 +59,12 @@ def dynamic_symbols(path, which):
     return symbols
 
 
+def exported_versions(path):
+    """The (name, version) of the exported symbols; the version is empty where there is none."""
+    lines = run("nm", "-D", "--format=posix", "--defined-only", path).splitlines()
+    return [tuple(line.split()[0].replace("@@", "@").partition("@")[::2]) for line in lines]
+
+
 def export_complaints(library, functions, are):
     """Exports that are not exactly these functions, which `are` "listed" or "declared"."""
     exported = dict(dynamic_symbols(library, "defined"))

@@ -20,6 +20,7 @@
 #include "support/sanitized.h"
 #include "support/temporary_root.h"
 #include "vexorapi_version.h"
+#include "vxevent_file.h"
 #include "xml_rapi_executor.h"
 #include "xml_rapi_requests.h"
 #include "xml_vxapi.h"
@@ -681,6 +682,24 @@ TEST_F(ProcessLife, SetsTheVersions) {
     EXPECT_EQ(1, vexorApiInit());
     EXPECT_EQ(1, productVersionMajor);
     EXPECT_EQ(7, eventSvcVersionBuild);
+}
+
+TEST_F(ProcessLife, CountsNoInitialisations) {
+    vexorApiInit();
+    vexorApiInit();
+    vexorApiShutdown();
+    EXPECT_EQ(1, vexorApiInit());
+    EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_API_Initialize()", "HX_API_Initialize()",
+                                             "HX_API_Finalize()", "HX_API_Initialize()"));
+}
+
+TEST_F(ProcessLife, ForgetsTheEventStoreInASecondInitialisation) {
+    vexorApiInit();
+    g_VX_EventExt.EvLogHeader.NumOfEvent = 3;
+    g_VX_EventExt.HXChangeCounters.LD_Change = 5;
+    vexorApiInit();
+    EXPECT_EQ(0U, g_VX_EventExt.EvLogHeader.NumOfEvent);
+    EXPECT_EQ(0U, g_VX_EventExt.HXChangeCounters.LD_Change);
 }
 
 TEST_F(ProcessLife, BeginsWhenTheControllerLibraryRefuses) {
