@@ -20,22 +20,24 @@ endfunction()
 
 # vexor_install_configured(COMPONENT TEMPLATE NAME DESTINATION): a file that names installed folders. It
 # is written while installing, since cmake --install --prefix may choose another prefix than the
-# configuration had.
+# configuration had, and where it belongs, since two installations may run at once.
 function(vexor_install_configured component template name destination)
-    set(file "${PROJECT_BINARY_DIR}/installed/${name}")
     install(CODE "
         set(PROJECT_VERSION \"${PROJECT_VERSION}\")
         set(PROJECT_DESCRIPTION \"${PROJECT_DESCRIPTION}\")
-        foreach(folder LIBDIR INCLUDEDIR SBINDIR)
-            set(LIBDIR \"${CMAKE_INSTALL_LIBDIR}\")
-            set(INCLUDEDIR \"${CMAKE_INSTALL_INCLUDEDIR}\")
-            set(SBINDIR \"${CMAKE_INSTALL_SBINDIR}\")
+        set(LIBDIR \"${CMAKE_INSTALL_LIBDIR}\")
+        set(INCLUDEDIR \"${CMAKE_INSTALL_INCLUDEDIR}\")
+        set(SBINDIR \"${CMAKE_INSTALL_SBINDIR}\")
+        set(DESTINATION \"${destination}\")
+        foreach(folder LIBDIR INCLUDEDIR SBINDIR DESTINATION)
             cmake_path(ABSOLUTE_PATH \${folder} BASE_DIRECTORY \"\${CMAKE_INSTALL_PREFIX}\"
                 OUTPUT_VARIABLE CMAKE_INSTALL_FULL_\${folder})
         endforeach()
-        configure_file(\"${PROJECT_SOURCE_DIR}/packaging/${template}\" \"${file}\" @ONLY)"
+        set(file \"\${CMAKE_INSTALL_FULL_DESTINATION}/${name}\")
+        message(STATUS \"Installing: \$ENV{DESTDIR}\${file}\")
+        configure_file(\"${PROJECT_SOURCE_DIR}/packaging/${template}\" \"\$ENV{DESTDIR}\${file}\" @ONLY)
+        list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${file}\")"
         COMPONENT ${component})
-    install(FILES "${file}" DESTINATION "${destination}" COMPONENT ${component})
 endfunction()
 
 # ---- runtime: the library and the event store's folder ---------------------------------------
