@@ -5,11 +5,15 @@
 #include <unistd.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
 
 #include "XMLWriter.h"
+
+/// How many bytes a document holds before its terminator.
+inline constexpr std::uint32_t kCapacity = 524287;
 
 /// An empty document at the very end of its memory: the byte behind it cannot be touched, whatever
 /// the build. Its text is filled with '#', so that a byte that nobody wrote is seen.

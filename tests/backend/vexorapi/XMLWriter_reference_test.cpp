@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr std::uint32_t kCapacity = 524287;
 constexpr std::uint32_t kPositions = 6000;
 
 // The real document and the reference's, side by side.

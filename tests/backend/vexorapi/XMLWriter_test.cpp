@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr std::uint32_t kCapacity = 524287;
-
 // Appends `text` as one piece, as every operation of the writer does. Returns what it counted.
 int Append(const Document& doc, std::string_view text) {
     const int written = XMLWR_MemCpy(doc, text.data(), static_cast<HX_U16>(text.size()));

@@ -50,11 +50,6 @@ protected:
     ~Collection() override { wait_fails = false; }
 };
 
-bool IsZero(const Event& event) {
-    const Event zero{};
-    return std::memcmp(&event, &zero, sizeof event) == 0;
-}
-
 bool operator==(const VX_HX_ChangeCounters& a, const VX_HX_ChangeCounters& b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }

@@ -24,11 +24,6 @@ using testing::IsEmpty;
 
 using EventFile = EventStore;
 
-bool IsZero(const Event& event) {
-    const Event zero{};
-    return std::memcmp(&event, &zero, sizeof event) == 0;
-}
-
 // The text field of a slot, all of its bytes.
 std::string StoredText(const std::string& file, std::size_t slot) {
     return file.substr(512 + 192 * slot + 72, 120);

@@ -19,6 +19,11 @@
 inline constexpr char kEventFile[] = "/opt/kestrel/raid/db/vx_hx_raid.ev";
 inline constexpr char kSeqNoFile[] = "/opt/kestrel/raid/db/vx_hx_seqnum.ev";
 
+inline bool IsZero(const Event& event) {
+    const Event zero{};
+    return std::memcmp(&event, &zero, sizeof event) == 0;
+}
+
 /// An event of an adapter; `number` is the controller's own sequence number.
 inline Event MakeEvent(int event_class, int code, HX_U32 number) {
     Event event{};

@@ -257,10 +257,10 @@ TEST_F(HugeImage, FailsWhenThePieceNumbersAreUsedUp) {
 
 // ---- Adapter to file ----
 
-using Answer = std::function<void(HX_U8, HX_U8, HX_U8, Flash_Data*)>;
+using PieceAnswer = std::function<void(HX_U8, HX_U8, HX_U8, Flash_Data*)>;
 
 // What an adapter answers with one piece of its image.
-Answer PieceOf(const std::string& bytes, HX_BOOLEAN last, std::optional<HX_U32> length = {}) {
+PieceAnswer PieceOf(const std::string& bytes, HX_BOOLEAN last, std::optional<HX_U32> length = {}) {
     return [=](HX_U8, HX_U8, HX_U8, Flash_Data* piece) {
         std::copy(bytes.begin(), bytes.end(), piece->Data);
         piece->DataLength = length.value_or(static_cast<HX_U32>(bytes.size()));

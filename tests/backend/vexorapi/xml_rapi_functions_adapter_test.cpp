@@ -295,7 +295,7 @@ std::string ReferenceResult(int status, unsigned count, const std::vector<Adapte
     return std::string(doc.Text().substr(0, doc->CurPos - 1));
 }
 
-class EveryAdapter : public AdapterInfo {
+class InfoOfEveryAdapter : public AdapterInfo {
 protected:
     static Reply AskAll() { return Ask("<AdapterID>255</AdapterID>"); }
 
@@ -316,7 +316,7 @@ protected:
     }
 };
 
-TEST_F(EveryAdapter, OfNoneIsNone) {
+TEST_F(InfoOfEveryAdapter, OfNoneIsNone) {
     Install(0);
     EXPECT_EQ(
         "<HX_Adapter_GetInfo type=\"function\">\n"
@@ -327,7 +327,7 @@ TEST_F(EveryAdapter, OfNoneIsNone) {
     EXPECT_THAT(hxfake::Calls(), ElementsAre("HX_Adapter_GetCount()"));
 }
 
-TEST_F(EveryAdapter, OfOneIsThatOne) {
+TEST_F(InfoOfEveryAdapter, OfOneIsThatOne) {
     hxfake::On<&HX_Adapter_GetCount>().Always(1);
     hxfake::On<&HX_Adapter_GetInfo>().Always(0, hxfake::Records({DistinctAdapter()}));
     EXPECT_EQ(Result(0, 1, kDistinctAdapterElement), AskAll().text);
@@ -335,7 +335,7 @@ TEST_F(EveryAdapter, OfOneIsThatOne) {
                 ElementsAre("HX_Adapter_GetCount()", kAdapter0, "HX_Adapter_GetCount()"));
 }
 
-TEST_F(EveryAdapter, OfTwoStandsInAdapterOrder) {
+TEST_F(InfoOfEveryAdapter, OfTwoStandsInAdapterOrder) {
     hxfake::On<&HX_Adapter_GetCount>().Always(2);
     Adapter_Info second = DistinctAdapter();
     second.PortCount = 0;
@@ -352,12 +352,12 @@ TEST_F(EveryAdapter, OfTwoStandsInAdapterOrder) {
                             "HX_Adapter_GetCount()"));
 }
 
-TEST_F(EveryAdapter, OfSixIsWrittenWhole) {
+TEST_F(InfoOfEveryAdapter, OfSixIsWrittenWhole) {
     Install(6);
     EXPECT_EQ(ReferenceResult(0, 6, Installed(6)), AskAll().text);
 }
 
-TEST_F(EveryAdapter, Of255IsCutWhereTheDocumentEnds) {
+TEST_F(InfoOfEveryAdapter, Of255IsCutWhereTheDocumentEnds) {
     Install(255);
     const Reply reply = AskAll();
     EXPECT_EQ(1, reply.ok);
@@ -367,7 +367,7 @@ TEST_F(EveryAdapter, Of255IsCutWhereTheDocumentEnds) {
     EXPECT_EQ(256u, hxfake::On<&HX_Adapter_GetCount>().CallCount());
 }
 
-TEST_F(EveryAdapter, KeepsTheLastAdaptersCode) {
+TEST_F(InfoOfEveryAdapter, KeepsTheLastAdaptersCode) {
     hxfake::On<&HX_Adapter_GetCount>().Always(3);
     hxfake::On<&HX_Adapter_GetInfo>()
         .Once(5, hxfake::Records({AdapterInSlot(1)}))
@@ -377,7 +377,7 @@ TEST_F(EveryAdapter, KeepsTheLastAdaptersCode) {
               AskAll().text);
 }
 
-TEST_F(EveryAdapter, ForgetsTheCodesOfAllButTheLast) {
+TEST_F(InfoOfEveryAdapter, ForgetsTheCodesOfAllButTheLast) {
     hxfake::On<&HX_Adapter_GetCount>().Always(2);
     hxfake::On<&HX_Adapter_GetInfo>()
         .Once(5, hxfake::Records({AdapterInSlot(1)}))
@@ -385,7 +385,7 @@ TEST_F(EveryAdapter, ForgetsTheCodesOfAllButTheLast) {
     EXPECT_EQ(ReferenceResult(0, 2, {AdapterInSlot(1), AdapterInSlot(2)}), AskAll().text);
 }
 
-TEST_F(EveryAdapter, PacksAdaptersThatReturnDifferentNumbers) {
+TEST_F(InfoOfEveryAdapter, PacksAdaptersThatReturnDifferentNumbers) {
     hxfake::On<&HX_Adapter_GetCount>().Always(3);
     hxfake::On<&HX_Adapter_GetInfo>()
         .Once(0, hxfake::Records({AdapterInSlot(1), AdapterInSlot(2)}))
@@ -397,7 +397,7 @@ TEST_F(EveryAdapter, PacksAdaptersThatReturnDifferentNumbers) {
               AskAll().text);
 }
 
-TEST_F(EveryAdapter, CountsAnAdapterThatLeavesTheCountAloneAsTheOneBefore) {
+TEST_F(InfoOfEveryAdapter, CountsAnAdapterThatLeavesTheCountAloneAsTheOneBefore) {
     hxfake::On<&HX_Adapter_GetCount>().Always(3);
     hxfake::On<&HX_Adapter_GetInfo>()
         .Once(9)  // the count is still the 0 that it begins with
@@ -408,7 +408,7 @@ TEST_F(EveryAdapter, CountsAnAdapterThatLeavesTheCountAloneAsTheOneBefore) {
         AskAll().text);
 }
 
-TEST_F(EveryAdapter, AddsTheNumbersIn8Bits) {
+TEST_F(InfoOfEveryAdapter, AddsTheNumbersIn8Bits) {
     // 200 and 100 make 44; the second adapter's records stand behind the first one's 200.
     hxfake::On<&HX_Adapter_GetCount>().Always(2);
     hxfake::On<&HX_Adapter_GetInfo>()
@@ -419,7 +419,7 @@ TEST_F(EveryAdapter, AddsTheNumbersIn8Bits) {
     EXPECT_EQ(ReferenceResult(0, 44, written), AskAll().text);
 }
 
-TEST_F(EveryAdapter, WrapsToNoneWhenTheNumbersMake256) {
+TEST_F(InfoOfEveryAdapter, WrapsToNoneWhenTheNumbersMake256) {
     hxfake::On<&HX_Adapter_GetCount>().Always(2);
     hxfake::On<&HX_Adapter_GetInfo>()
         .Once(0, hxfake::Records({AdapterInSlot(1)}, 255))
@@ -427,7 +427,7 @@ TEST_F(EveryAdapter, WrapsToNoneWhenTheNumbersMake256) {
     EXPECT_EQ(Result(0, 0, ""), AskAll().text);
 }
 
-TEST_F(EveryAdapter, GivesTheLastOneRoomForAllThatItMayReturn) {
+TEST_F(InfoOfEveryAdapter, GivesTheLastOneRoomForAllThatItMayReturn) {
     // The second adapter begins at the last place there is and fills as many as it can claim.
     hxfake::On<&HX_Adapter_GetCount>().Always(2);
     hxfake::On<&HX_Adapter_GetInfo>()
@@ -442,20 +442,20 @@ TEST_F(EveryAdapter, GivesTheLastOneRoomForAllThatItMayReturn) {
     EXPECT_EQ(ReferenceResult(0, 254, written), AskAll().text);
 }
 
-TEST_F(EveryAdapter, EndsWhereTheCountOfAdaptersFallsTo) {
+TEST_F(InfoOfEveryAdapter, EndsWhereTheCountOfAdaptersFallsTo) {
     Install(0);
     hxfake::On<&HX_Adapter_GetCount>().Once(3).Once(3).Always(2);
     EXPECT_EQ(ReferenceResult(0, 2, Installed(2)), AskAll().text);
     EXPECT_EQ(3u, hxfake::On<&HX_Adapter_GetCount>().CallCount());
 }
 
-TEST_F(EveryAdapter, GoesOnWhenTheCountOfAdaptersGrows) {
+TEST_F(InfoOfEveryAdapter, GoesOnWhenTheCountOfAdaptersGrows) {
     Install(0);
     hxfake::On<&HX_Adapter_GetCount>().Once(1).Always(3);
     EXPECT_EQ(ReferenceResult(0, 3, Installed(3)), AskAll().text);
 }
 
-TEST_F(EveryAdapter, BeginsAnewWithEachRequest) {
+TEST_F(InfoOfEveryAdapter, BeginsAnewWithEachRequest) {
     Install(2);
     AskAll();
     EXPECT_EQ(ReferenceResult(0, 2, Installed(2)), AskAll().text);

@@ -6,7 +6,7 @@ using enum Holds;
 namespace {
 
 // The extended list, and the plain one where the adapter does not know that.
-FunctionRow HDInfo() {
+FunctionRow PlainDiskRow() {
     FunctionRow row =
         ListRow<&HX_PD_GetHDInfo_Ext, HD_Info>("HX_PD_GetHDInfo", "HX_PD_GetHDInfo_Ext");
     row.refuse = [](HX_U8 code) {
@@ -20,7 +20,7 @@ FunctionRow HDInfo() {
 
 std::vector<FunctionRow> DiskRows() {
     return {
-        HDInfo(),
+        PlainDiskRow(),
         ListRow<&HX_PD_GetHDInfo_Ext, HD_Info>("HX_PD_GetHDInfo_Ext", "HX_PD_GetHDInfo_Ext"),
         ListRow<&HX_PD_GetExpanderInfo, Exp_Info>("HX_PD_GetExpanderInfo", "HX_PD_GetExpanderInfo"),
         ListRow<&HX_PD_GetPMInfo, PM_Info>("HX_PD_GetPMInfo", "HX_PD_GetPMInfo"),

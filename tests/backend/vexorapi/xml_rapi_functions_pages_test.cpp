@@ -88,7 +88,7 @@ List Named(std::string_view name) {
 // ---- requests and answers ----------------------------------------------------------------------
 
 // The texts of all elements of this name.
-std::vector<unsigned> Numbers(const std::string& text, const std::string& element) {
+std::vector<unsigned> NumbersOf(const std::string& text, const std::string& element) {
     std::vector<unsigned> numbers;
     const std::string open = "<" + element + " ";
     for (std::size_t at = 0; (at = text.find(open, at)) != std::string::npos; ++at) {
@@ -163,7 +163,7 @@ protected:
         std::vector<unsigned> head;
         for (const char* element :
              {"RetVal", "startingIndexOrId", "numRequested", "numReturned", "nextStartingIndex"}) {
-            const std::vector<unsigned> numbers = Numbers(text, element);
+            const std::vector<unsigned> numbers = NumbersOf(text, element);
             EXPECT_EQ(1u, numbers.size()) << element;
             if (!numbers.empty()) head.push_back(numbers.front());
         }
@@ -171,7 +171,7 @@ protected:
     }
     // The items' numbers.
     std::vector<unsigned> Items() const {
-        const std::vector<unsigned> all = Numbers(text, list.id);
+        const std::vector<unsigned> all = NumbersOf(text, list.id);
         std::vector<unsigned> items;
         for (std::size_t i = 0; i < all.size(); i += list.ids) items.push_back(all[i]);
         return items;
@@ -423,8 +423,8 @@ TEST_P(Pages, CarryTheRequestsHeader) {
     const RequestHeader expected[] = {{7, 6, 0, 2, 500, 400, {}}, {7, 6, 1, 1, 1, 1, {}}};
     ASSERT_EQ(2u, headers.size());
     EXPECT_EQ(0, std::memcmp(expected, headers.data(), sizeof expected));
-    EXPECT_EQ(std::vector<unsigned>{7}, Numbers(text, "version"));
-    EXPECT_EQ(std::vector<unsigned>{6}, Numbers(text, "requestType"));
+    EXPECT_EQ(std::vector<unsigned>{7}, NumbersOf(text, "version"));
+    EXPECT_EQ(std::vector<unsigned>{6}, NumbersOf(text, "requestType"));
 }
 
 TEST_P(Pages, AreNotAskedForWhenNothingIsWanted) {

@@ -19,8 +19,6 @@
 
 namespace {
 
-constexpr std::uint32_t kCapacity = 524287;
-
 std::string Replaced(std::string text, const std::string& part, const std::string& by) {
     const std::size_t at = text.find(part);
     if (at == std::string::npos) return "the text holds no " + part;

@@ -7,14 +7,13 @@
 #include <vector>
 
 #include "controllers/virtual/support/list_calls.h"
+#include "controllers/virtual/support/requests.h"
 #include "hxraid.h"
 
 namespace {
 
 using testing::Each;
 using testing::ElementsAre;
-
-using Ids = std::vector<HX_U16>;
 
 using SimulatorDisk = SimulatorTest;
 

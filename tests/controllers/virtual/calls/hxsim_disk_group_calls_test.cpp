@@ -8,14 +8,13 @@
 #include <vector>
 
 #include "controllers/virtual/support/list_calls.h"
+#include "controllers/virtual/support/requests.h"
 #include "hxraid.h"
 
 namespace {
 
 using testing::Each;
 using testing::ElementsAre;
-
-using Ids = std::vector<HX_U16>;
 
 using SimulatorDiskGroup = SimulatorTest;
 
@@ -81,20 +80,20 @@ TEST_F(SimulatorDiskGroup, HasSettings) {
 
 // ---- How large a group could be ----
 
-constexpr HX_U64 kUntouched{0xA5A5A5A5A5A5A5A5};
+constexpr HX_U64 kUntouchedGroupSize{0xA5A5A5A5A5A5A5A5};
 
-CreateOrModify_DG_Param Wanted(HX_U16 id, HX_U8 level, const Ids& disks) {
+CreateOrModify_DG_Param WantedGroup(HX_U16 id, HX_U8 level, const Ids& disks) {
     CreateOrModify_DG_Param param{};
     param.DGID = id;
     param.RaidMode = level;
     param.PDCount = static_cast<HX_U8>(disks.size());
     std::copy(disks.begin(), disks.end(), param.PDIDs);
-    param.Size = kUntouched;
+    param.Size = kUntouchedGroupSize;
     return param;
 }
 
 TEST_F(SimulatorDiskGroup, ThatIsNewIsSizedOnFreeDisks) {
-    CreateOrModify_DG_Param param = Wanted(65535, 0x05, {11, 12, 13});
+    CreateOrModify_DG_Param param = WantedGroup(65535, 0x05, {11, 12, 13});
     CreateOrModify_DG_Param expected = param;
     expected.Size.value = 3516218368;
     EXPECT_EQ(0, HX_CreateOrModify_DG(0, &param, 1));
@@ -102,33 +101,33 @@ TEST_F(SimulatorDiskGroup, ThatIsNewIsSizedOnFreeDisks) {
 }
 
 TEST_F(SimulatorDiskGroup, OnItsOwnDisksHasTheSizeThatItHas) {
-    CreateOrModify_DG_Param param = Wanted(0, 0x05, {0, 1, 2, 3});
+    CreateOrModify_DG_Param param = WantedGroup(0, 0x05, {0, 1, 2, 3});
     param.BlockSize = 512;
     EXPECT_EQ(0, HX_CreateOrModify_DG(0, &param, 1));
     EXPECT_EQ(3516173568u, param.Size.value);
 }
 
 TEST_F(SimulatorDiskGroup, KeepsItsStripeSizeUnlessItIsGivenAnother) {
-    CreateOrModify_DG_Param param = Wanted(0, 0x05, {0, 1, 2, 3});
+    CreateOrModify_DG_Param param = WantedGroup(0, 0x05, {0, 1, 2, 3});
     param.StripeBlockSize = 64;
     EXPECT_EQ(0, HX_CreateOrModify_DG(0, &param, 1));
     EXPECT_EQ(3516173952u, param.Size.value);
 }
 
 TEST_F(SimulatorDiskGroup, GrowsByAFreeDisk) {
-    CreateOrModify_DG_Param param = Wanted(0, 0x05, {0, 1, 2, 3, 11});
+    CreateOrModify_DG_Param param = WantedGroup(0, 0x05, {0, 1, 2, 3, 11});
     EXPECT_EQ(0, HX_CreateOrModify_DG(0, &param, 1));
     EXPECT_EQ(4688231424u, param.Size.value);
 }
 
 TEST_F(SimulatorDiskGroup, OfTwoLegsHasTheParityOfBoth) {
-    CreateOrModify_DG_Param param = Wanted(0, 0x50, {0, 1, 2, 3, 11, 12});
+    CreateOrModify_DG_Param param = WantedGroup(0, 0x50, {0, 1, 2, 3, 11, 12});
     param.SubVDCount = 2;
     EXPECT_EQ(0, HX_CreateOrModify_DG(0, &param, 1));
     EXPECT_EQ(4688231424u, param.Size.value);
 }
 
-struct RefusedCase {
+struct RefusedGroupCase {
     const char* name;
     HX_U8 status;
     HX_U16 id;
@@ -136,9 +135,9 @@ struct RefusedCase {
     Ids disks;
     void (*change)(CreateOrModify_DG_Param&) = [](CreateOrModify_DG_Param&) {};
 };
-void PrintTo(const RefusedCase& refused, std::ostream* out) { *out << refused.name; }
+void PrintTo(const RefusedGroupCase& refused, std::ostream* out) { *out << refused.name; }
 
-const RefusedCase kRefused[] = {
+const RefusedGroupCase kRefusedGroups[] = {
     {"GroupThatIsNotThere", 208, 1, 0x05, {11, 12, 13}},
     {"SectorsOf4096Bytes", 222, 65535, 0x05, {11, 12, 13}, [](auto& p) { p.BlockSize = 4096; }},
     {"LevelThatIsNotOffered", 219, 65535, 0x03, {11, 12, 13}},
@@ -159,25 +158,28 @@ const RefusedCase kRefused[] = {
     {"LessThanItsVirtualDisksTake", 227, 0, 0x06, {0, 1, 2}},
 };
 
-class RefusedDiskGroup : public testing::TestWithParam<RefusedCase> {
+class RefusedDiskGroup : public testing::TestWithParam<RefusedGroupCase> {
 protected:
     void SetUp() override { HX_API_Initialize(); }
     void TearDown() override { HX_API_Finalize(); }
 };
 
 TEST_P(RefusedDiskGroup, HasNoSize) {
-    CreateOrModify_DG_Param param = Wanted(GetParam().id, GetParam().level, GetParam().disks);
+    CreateOrModify_DG_Param param = WantedGroup(GetParam().id, GetParam().level, GetParam().disks);
     GetParam().change(param);
     EXPECT_EQ(GetParam().status, HX_CreateOrModify_DG(0, &param, 1));
-    EXPECT_EQ(kUntouched.value, param.Size.value);
+    EXPECT_EQ(kUntouchedGroupSize.value, param.Size.value);
 }
 
-std::string RefusedName(const testing::TestParamInfo<RefusedCase>& info) { return info.param.name; }
-INSTANTIATE_TEST_SUITE_P(Each, RefusedDiskGroup, testing::ValuesIn(kRefused), RefusedName);
+std::string RefusedGroupName(const testing::TestParamInfo<RefusedGroupCase>& info) {
+    return info.param.name;
+}
+INSTANTIATE_TEST_SUITE_P(Each, RefusedDiskGroup, testing::ValuesIn(kRefusedGroups),
+                         RefusedGroupName);
 
 TEST_F(SimulatorDiskGroup, IsOnlySizedWhateverNumberSaysSo) {
     for (const HX_U8 size_only : {HX_U8{1}, HX_U8{2}, HX_U8{255}}) {
-        CreateOrModify_DG_Param param = Wanted(65535, 0x05, {11, 12, 13});
+        CreateOrModify_DG_Param param = WantedGroup(65535, 0x05, {11, 12, 13});
         EXPECT_EQ(0, HX_CreateOrModify_DG(0, &param, size_only));
         EXPECT_EQ(3516218368u, param.Size.value);
         EXPECT_EQ(65535, param.DGID);
@@ -186,17 +188,17 @@ TEST_F(SimulatorDiskGroup, IsOnlySizedWhateverNumberSaysSo) {
 }
 
 TEST_F(SimulatorDiskGroup, IsNotMadeLargerThanItsDisks) {
-    CreateOrModify_DG_Param param = Wanted(65535, 0x05, {11, 12, 13});
+    CreateOrModify_DG_Param param = WantedGroup(65535, 0x05, {11, 12, 13});
     EXPECT_EQ(226, HX_CreateOrModify_DG(0, &param, 0));
-    EXPECT_EQ(kUntouched.value, param.Size.value);
+    EXPECT_EQ(kUntouchedGroupSize.value, param.Size.value);
     EXPECT_EQ(65535, param.DGID);
     EXPECT_EQ(1u, All(HX_DG_GetInfo, 0).size());
 }
 
 TEST_F(SimulatorDiskGroup, IsNothingThatTheSmallAdapterHas) {
-    CreateOrModify_DG_Param param = Wanted(65535, 0x05, {3, 4, 5});
+    CreateOrModify_DG_Param param = WantedGroup(65535, 0x05, {3, 4, 5});
     EXPECT_EQ(202, HX_CreateOrModify_DG(1, &param, 1));
-    EXPECT_EQ(kUntouched.value, param.Size.value);
+    EXPECT_EQ(kUntouchedGroupSize.value, param.Size.value);
 }
 
 }  // namespace

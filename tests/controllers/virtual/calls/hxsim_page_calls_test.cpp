@@ -11,13 +11,12 @@
 #include <vector>
 
 #include "controllers/virtual/support/list_calls.h"
+#include "controllers/virtual/support/requests.h"
 #include "hxraid.h"
 
 namespace {
 
 using Bytes = std::vector<std::byte>;
-using Ids = std::vector<HX_U16>;
-
 // A list function without its types.
 struct ListFunction {
     const char* name;
@@ -93,7 +92,7 @@ const ListFunction kLists[] = {
     Row<&HX_PD_GetPMInfo, kLink>("HX_PD_GetPMInfo", 211, {}, {0}),
 };
 
-constexpr std::byte kUntouched{0xA5};
+constexpr std::byte kUntouchedByte{0xA5};
 constexpr std::size_t kGuard = 1024;  // bytes behind the records asked for
 
 class SimulatorList : public testing::TestWithParam<ListFunction> {
@@ -109,7 +108,7 @@ protected:
 
     static Answer AskFor(HX_U8 adapter, HX_U8 type, HX_U16 start, HX_U16 wanted) {
         const std::size_t room = wanted * GetParam().record_size + kGuard;
-        Bytes request(sizeof(RequestHeader) + room, kUntouched);
+        Bytes request(sizeof(RequestHeader) + room, kUntouchedByte);
         RequestHeader header{};
         header.requestType = type;
         header.startingIndexOrId = start;
@@ -128,7 +127,7 @@ protected:
     static Bytes Records(const Answer& answer, std::size_t count) {
         const auto end =
             answer.records.begin() + static_cast<std::ptrdiff_t>(count * GetParam().record_size);
-        EXPECT_EQ(Bytes(static_cast<std::size_t>(answer.records.end() - end), kUntouched),
+        EXPECT_EQ(Bytes(static_cast<std::size_t>(answer.records.end() - end), kUntouchedByte),
                   Bytes(end, answer.records.end()));
         return {answer.records.begin(), end};
     }
@@ -248,10 +247,10 @@ TEST_P(SimulatorList, LeavesTheRestOfTheHeaderAsItWas) {
     EXPECT_EQ(4, answer.header.numRequested);
 }
 
-std::string FunctionName(const testing::TestParamInfo<ListFunction>& info) {
+std::string ListFunctionName(const testing::TestParamInfo<ListFunction>& info) {
     return info.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, SimulatorList, testing::ValuesIn(kLists), FunctionName);
+INSTANTIATE_TEST_SUITE_P(Each, SimulatorList, testing::ValuesIn(kLists), ListFunctionName);
 
 }  // namespace

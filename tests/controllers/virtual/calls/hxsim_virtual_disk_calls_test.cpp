@@ -111,7 +111,7 @@ TEST_F(SimulatorVirtualDisk, HasSettings) {
 
 // ---- How large a new one could be ----
 
-constexpr HX_U64 kUntouched{0xA5A5A5A5A5A5A5A5};
+constexpr HX_U64 kUntouchedSize{0xA5A5A5A5A5A5A5A5};
 
 Create_LD_Param Wanted(HX_U8 level, const Ids& disks) {
     Create_LD_Param param{};
@@ -119,7 +119,7 @@ Create_LD_Param Wanted(HX_U8 level, const Ids& disks) {
     param.HDCount = static_cast<HX_U8>(disks.size());
     std::copy(disks.begin(), disks.end(), param.HDIDs);
     param.NumParityDisk = 2;  // as callers send it for every level
-    param.Size = kUntouched;
+    param.Size = kUntouchedSize;
     return param;
 }
 
@@ -265,7 +265,7 @@ TEST_P(RefusedVirtualDisk, HasNoSize) {
     Create_LD_Param param = Wanted(GetParam().level, GetParam().disks);
     GetParam().change(param);
     EXPECT_EQ(GetParam().status, HX_LD_GetMaxSize(GetParam().adapter, &param));
-    EXPECT_EQ(kUntouched.value, param.Size.value);
+    EXPECT_EQ(kUntouchedSize.value, param.Size.value);
 }
 
 std::string RefusedName(const testing::TestParamInfo<RefusedCase>& info) { return info.param.name; }
@@ -305,25 +305,25 @@ TEST_F(SimulatorVirtualDisk, MigratedOnAFullDiskHasThatDisk) {
 TEST_F(SimulatorVirtualDisk, CannotShrinkByMigration) {
     Create_LD_Param param = Migrated(2, 0x06, {11, 12, 13, 14});
     EXPECT_EQ(227, HX_LD_GetMigratedLdSize(0, &param));
-    EXPECT_EQ(kUntouched.value, param.Size.value);
+    EXPECT_EQ(kUntouchedSize.value, param.Size.value);
 }
 
 TEST_F(SimulatorVirtualDisk, OnADiskGroupDoesNotMigrateByItself) {
     Create_LD_Param param = Migrated(0, 0x06, {11, 12, 13, 14});
     EXPECT_EQ(228, HX_LD_GetMigratedLdSize(0, &param));
-    EXPECT_EQ(kUntouched.value, param.Size.value);
+    EXPECT_EQ(kUntouchedSize.value, param.Size.value);
 }
 
 TEST_F(SimulatorVirtualDisk, ThatIsNotThereDoesNotMigrate) {
     Create_LD_Param param = Migrated(1, 0x06, {11, 12, 13, 14});
     EXPECT_EQ(207, HX_LD_GetMigratedLdSize(0, &param));
-    EXPECT_EQ(kUntouched.value, param.Size.value);
+    EXPECT_EQ(kUntouchedSize.value, param.Size.value);
 }
 
 TEST_F(SimulatorVirtualDisk, DoesNotMigrateToASpare) {
     Create_LD_Param param = Migrated(2, 0x06, {4, 5, 6, 7, 9});
     EXPECT_EQ(225, HX_LD_GetMigratedLdSize(0, &param));
-    EXPECT_EQ(kUntouched.value, param.Size.value);
+    EXPECT_EQ(kUntouchedSize.value, param.Size.value);
 }
 
 }  // namespace
