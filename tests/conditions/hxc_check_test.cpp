@@ -105,7 +105,7 @@ TEST(TheFirstLine, CountsTheOthersAndTheSilencedOnes) {
               "disk; and 1 more; 1 silenced");
 }
 
-Answers WithVirtualDisks(unsigned count, bool spoilt) {
+Answers WithVirtualDisks(unsigned count, bool degraded) {
     Answers answers = GoodMachine();
     Adapter& adapter = answers.adapters[0];
     const VirtualDisk one = adapter.virtual_disks[0];
@@ -114,7 +114,7 @@ Answers WithVirtualDisks(unsigned count, bool spoilt) {
         VirtualDisk& each = adapter.virtual_disks.emplace_back(one);
         each.id = i;
         each.name = std::string(300, 'x') + "|\n\x1b[2J";
-        if (spoilt) each.state = 5;
+        if (degraded) each.state = 5;
     }
     return answers;
 }

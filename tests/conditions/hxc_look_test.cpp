@@ -26,7 +26,7 @@ using hxcodes::BatteryBit;
 using hxcodes::DiskBit;
 using hxcodes::ElementStatus;
 using ArrayState = hxcodes::State;
-using Spoil = std::function<void(Answers&)>;
+using Fault = std::function<void(Answers&)>;
 using Events = std::vector<Event>;
 
 constexpr std::int64_t kMinute = 60;
@@ -52,7 +52,7 @@ enum class Put { kNothing, kOtherVirtualDisk, kOtherDisk, kOtherAdapter, kOtherE
 
 struct RowCase {
     Code code = Code::kNotWatched;
-    Spoil spoil = Nothing;
+    Fault fault = Nothing;
     std::string all{};          // every code that holds then, but for information; empty: this one
     std::int64_t wait = 0;      // until it is shown
     Events events{};            // that raise it
@@ -61,7 +61,7 @@ struct RowCase {
     Fails fails = Fails::kNothing;
     Put put = Put::kNothing;
     unsigned id = 0;         // of the object that is exchanged
-    Spoil before = Nothing;  // what was so while it was good
+    Fault before = Nothing;  // what was so while it was good
     bool ends_by_ack = false;
 };
 
@@ -126,13 +126,13 @@ void MakeFail(Answers& answers, Fails fails) {
     }
 }
 
-Spoil FailDisk(unsigned id) {
+Fault FailDisk(unsigned id) {
     return [id](Answers& answers) { Fail(answers, id); };
 }
-Spoil BatteryHas(unsigned bits) {
+Fault BatteryHas(unsigned bits) {
     return [bits](Answers& answers) { answers.adapters[0].battery->status = bits; };
 }
-Spoil ElementIs(unsigned id, unsigned status) {
+Fault ElementIs(unsigned id, unsigned status) {
     return [id, status](Answers& answers) { ElementAt(answers, id).status = status; };
 }
 void MakeRaid6(Answers& answers) {
@@ -145,12 +145,12 @@ void MakeRaid6(Answers& answers) {
 void AddSpare(Answers& answers) { DiskAt(answers, 7).status |= NumberOf(DiskBit::kGlobalSpare); }
 void WriteBack(Answers& answers) { VirtualDiskAt(answers, 0).cache = 0x01; }
 void Forced(Answers& answers) { VirtualDiskAt(answers, 0).cache = 0x81; }
-Spoil Doing(unsigned kind, unsigned state) {
+Fault Doing(unsigned kind, unsigned state) {
     return [kind, state](Answers& answers) {
         VirtualDiskAt(answers, 1).activity = Activity{kind, state, 29, 60};
     };
 }
-Spoil AdapterQuery(Query Adapter::*query, const char* call) {
+Fault AdapterQuery(Query Adapter::*query, const char* call) {
     return [query, call](Answers& answers) { answers.adapters[0].*query = Failed(call, 7); };
 }
 
@@ -160,7 +160,7 @@ constexpr unsigned kWell = NumberOf(BatteryBit::kPresent) | NumberOf(BatteryBit:
 // Disk 5 has failed, and with it the redundancy of a0/vd1.
 RowCase WithDiskFailed(Code code) {
     return {.code = code,
-            .spoil = FailDisk(5),
+            .fault = FailDisk(5),
             .all = "DISK_FAILED VD_NO_REDUNDANCY",
             .wait = 30,
             .fails = Fails::kVirtualDisks,
@@ -172,18 +172,18 @@ std::vector<RowCase> RowCases() {
     std::vector<RowCase> cases;
     const auto add = [&](RowCase row) { cases.push_back(std::move(row)); };
     add({.code = Code::kVdOffline,
-         .spoil = [](Answers& it) { Fail(it, 4), Pull(it, 5); },
+         .fault = [](Answers& it) { Fail(it, 4), Pull(it, 5); },
          .all = "DISK_FAILED DISK_MISSING VD_OFFLINE",
          .wait = 30,
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kVdGone,
-         .spoil = [](Answers& it) { it.adapters[0].virtual_disks.pop_back(); },
+         .fault = [](Answers& it) { it.adapters[0].virtual_disks.pop_back(); },
          .fails = Fails::kVirtualDisks,
          .ends_by_ack = true});
     add({.code = Code::kVdDirtyDegraded,
-         .spoil =
+         .fault =
              [](Answers& it) {
                  Fail(it, 5);
                  VirtualDiskAt(it, 1).is_unsynchronised = true;
@@ -195,55 +195,55 @@ std::vector<RowCase> RowCases() {
          .id = 1});
     add(WithDiskFailed(Code::kVdNoRedundancy));
     add({.code = Code::kVdBlockLost,
-         .spoil = Nothing,
+         .fault = Nothing,
          .events = {EventOf(1, 100, 1, 5)},
          .clears = {EventOf(1, 3, 1)},
          .put = Put::kOtherVirtualDisk,
          .id = 1,
          .ends_by_ack = true});
     add({.code = Code::kAdapterGone,
-         .spoil = [](Answers& it) { it.adapters.pop_back(); },
+         .fault = [](Answers& it) { it.adapters.pop_back(); },
          .ends_by_ack = true});
     add({.code = Code::kAdapterConfigLost,
-         .spoil = Nothing,
+         .fault = Nothing,
          .events = {EventOf(12, 19)},
          .put = Put::kOtherAdapter,
          .ends_by_ack = true});
     add({.code = Code::kAdapterMemoryFailed,
-         .spoil = Nothing,
+         .fault = Nothing,
          .events = {EventOf(12, 5)},
          .put = Put::kOtherAdapter,
          .ends_by_ack = true});
     add({.code = Code::kFlashFirmwareDamaged,
-         .spoil = [](Answers& it) { it.adapters[0].flash.boot_loader = false; },
+         .fault = [](Answers& it) { it.adapters[0].flash.boot_loader = false; },
          .fails = Fails::kAll,
          .put = Put::kOtherAdapter});
     add({.code = Code::kEncElementCritical,
-         .spoil = ElementIs(2, NumberOf(ElementStatus::kCritical)),
+         .fault = ElementIs(2, NumberOf(ElementStatus::kCritical)),
          .wait = 60,
          .good_for = 5 * kMinute,
          .fails = Fails::kEnclosures,
          .put = Put::kOtherEnclosure});
     add({.code = Code::kEventsNotCollected,
-         .spoil = [](Answers& it) { it.store.state = Store::State::kNotWritable; }});
-    add({.code = Code::kControllerUnreachable, .spoil = [](Answers& it) {
+         .fault = [](Answers& it) { it.store.state = Store::State::kNotWritable; }});
+    add({.code = Code::kControllerUnreachable, .fault = [](Answers& it) {
              it.machine = Failed("HX_API_Initialize", 230);
              it.adapters.clear();
          }});
-    add({.code = Code::kControllerDenied, .spoil = [](Answers& it) {
+    add({.code = Code::kControllerDenied, .fault = [](Answers& it) {
              it.machine.result = Query::Result::kDenied;
              it.adapters.clear();
          }});
     add({.code = Code::kAdapterUnreadable,
-         .spoil = AdapterQuery(&Adapter::info, "HX_Adapter_GetInfo")});
+         .fault = AdapterQuery(&Adapter::info, "HX_Adapter_GetInfo")});
     add({.code = Code::kVdsUnreadable,
-         .spoil = [](Answers& it) { MakeFail(it, Fails::kVirtualDisks); }});
+         .fault = [](Answers& it) { MakeFail(it, Fails::kVirtualDisks); }});
     add({.code = Code::kDisksUnreadable,
-         .spoil = [](Answers& it) { MakeFail(it, Fails::kDisks); }});
+         .fault = [](Answers& it) { MakeFail(it, Fails::kDisks); }});
     add({.code = Code::kEnclosuresUnreadable,
-         .spoil = [](Answers& it) { MakeFail(it, Fails::kEnclosures); }});
+         .fault = [](Answers& it) { MakeFail(it, Fails::kEnclosures); }});
     add({.code = Code::kAnswerImplausible,
-         .spoil =
+         .fault =
              [](Answers& it) {
                  Query& query = it.adapters[0].groups_query;
                  query.result = Query::Result::kImplausible;
@@ -252,17 +252,17 @@ std::vector<RowCase> RowCases() {
              },
          .all = "ANSWER_IMPLAUSIBLE GROUPS_UNREADABLE"});
     add({.code = Code::kVdStateUnknown,
-         .spoil = [](Answers& it) { VirtualDiskAt(it, 1).state = 9; },
+         .fault = [](Answers& it) { VirtualDiskAt(it, 1).state = 9; },
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kVdRebuildingUnprotected,
-         .spoil = [](Answers& it) { Fail(it, 5), Rebuild(it, 1, 29); },
+         .fault = [](Answers& it) { Fail(it, 5), Rebuild(it, 1, 29); },
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kVdRedundancyReduced,
-         .spoil = FailDisk(5),
+         .fault = FailDisk(5),
          .all = "DISK_FAILED VD_REDUNDANCY_REDUCED",
          .wait = 30,
          .fails = Fails::kVirtualDisks,
@@ -270,13 +270,13 @@ std::vector<RowCase> RowCases() {
          .id = 1,
          .before = MakeRaid6});
     add({.code = Code::kVdRebuilding,
-         .spoil = [](Answers& it) { Fail(it, 5), Rebuild(it, 1, 29); },
+         .fault = [](Answers& it) { Fail(it, 5), Rebuild(it, 1, 29); },
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1,
          .before = MakeRaid6});
     add({.code = Code::kRebuildPaused,
-         .spoil =
+         .fault =
              [](Answers& it) { Fail(it, 5), Rebuild(it, 1, 29, NumberOf(ActivityState::kPaused)); },
          .all = "REBUILD_PAUSED VD_NO_REDUNDANCY",
          .wait = 60,
@@ -284,14 +284,14 @@ std::vector<RowCase> RowCases() {
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kRebuildStalled,
-         .spoil = [](Answers& it) { Fail(it, 5), Rebuild(it, 1, 29); },
+         .fault = [](Answers& it) { Fail(it, 5), Rebuild(it, 1, 29); },
          .all = "REBUILD_STALLED VD_NO_REDUNDANCY",
          .wait = 31 * kMinute,
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kRebuildFailed,
-         .spoil = FailDisk(5),
+         .fault = FailDisk(5),
          .all = "DISK_FAILED REBUILD_FAILED VD_NO_REDUNDANCY",
          .wait = 30,
          .events = {EventOf(1, 77, 1)},
@@ -299,7 +299,7 @@ std::vector<RowCase> RowCases() {
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kRebuildAborted,
-         .spoil =
+         .fault =
              [](Answers& it) {
                  Fail(it, 5), Rebuild(it, 1, 29);
                  VirtualDiskAt(it, 1).activity = Activity{};
@@ -310,7 +310,7 @@ std::vector<RowCase> RowCases() {
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kAutoRebuildOff,
-         .spoil =
+         .fault =
              [](Answers& it) {
                  Fail(it, 5);
                  VirtualDiskAt(it, 1).auto_rebuild = false;
@@ -322,7 +322,7 @@ std::vector<RowCase> RowCases() {
          .id = 1,
          .before = AddSpare});
     add({.code = Code::kSpareTooSmall,
-         .spoil =
+         .fault =
              [](Answers& it) {
                  AddSpare(it);
                  DiskAt(it, 7).free_sectors = DiskAt(it, 7).sectors = 1000;
@@ -330,55 +330,55 @@ std::vector<RowCase> RowCases() {
          .fails = Fails::kDisks,
          .put = Put::kOtherDisk,
          .id = 7});
-    add({.code = Code::kSpareCollectorStopped, .spoil = [](Answers& it) {
+    add({.code = Code::kSpareCollectorStopped, .fault = [](Answers& it) {
              AddSpare(it);
              it.adapters[0].is_linux_raid = true;
              it.adapters[0].spares_collected_ago_s = 301;
          }});
     add({.code = Code::kDiskFailed,
-         .spoil = [](Answers& it) { DiskAt(it, 7).status = 0xA0; },
+         .fault = [](Answers& it) { DiskAt(it, 7).status = 0xA0; },
          .wait = 30,
          .fails = Fails::kDisks,
          .put = Put::kOtherDisk,
          .id = 7});
     add({.code = Code::kDiskMissing,
-         .spoil = [](Answers& it) { it.adapters[0].disks.pop_back(); },
+         .fault = [](Answers& it) { it.adapters[0].disks.pop_back(); },
          .wait = 30,
          .fails = Fails::kDisks});
     add({.code = Code::kDiskOffline,
-         .spoil = [](Answers& it) { DiskAt(it, 7).status = 0x81; },
+         .fault = [](Answers& it) { DiskAt(it, 7).status = 0x81; },
          .fails = Fails::kDisks,
          .put = Put::kOtherDisk,
          .id = 7});
     add({.code = Code::kDiskPredictedFailure,
-         .spoil = [](Answers& it) { DiskAt(it, 4).smart_alarm = true; },
+         .fault = [](Answers& it) { DiskAt(it, 4).smart_alarm = true; },
          .fails = Fails::kSmart,
          .put = Put::kOtherDisk,
          .id = 4});
     add({.code = Code::kDiskRemapFull,
-         .spoil = Nothing,
+         .fault = Nothing,
          .events = {EventOf(2, 14, 4)},
          .put = Put::kOtherDisk,
          .id = 4});
     add({.code = Code::kDiskRemapNearlyFull,
-         .spoil = Nothing,
+         .fault = Nothing,
          .events = {EventOf(2, 13, 4)},
          .put = Put::kOtherDisk,
          .id = 4});
     add({.code = Code::kDiskMediaErrors,
-         .spoil = Nothing,
+         .fault = Nothing,
          .events = Events(5, EventOf(2, 4, 4)),
          .good_for = 7 * kDay,
          .put = Put::kOtherDisk,
          .id = 4});
     add({.code = Code::kDiskTimeouts,
-         .spoil = Nothing,
+         .fault = Nothing,
          .events = Events(3, EventOf(2, 3, 4)),
          .good_for = kDay,
          .put = Put::kOtherDisk,
          .id = 4});
     add({.code = Code::kReplacementTooSmall,
-         .spoil =
+         .fault =
              [](Answers& it) {
                  Fail(it, 5);
                  DiskAt(it, 5).status = NumberOf(DiskBit::kOnline);
@@ -392,12 +392,12 @@ std::vector<RowCase> RowCases() {
          .put = Put::kOtherDisk,
          .id = 5});
     add({.code = Code::kEncGone,
-         .spoil = [](Answers& it) { it.adapters[0].enclosures.clear(); },
+         .fault = [](Answers& it) { it.adapters[0].enclosures.clear(); },
          .wait = 30,
          .fails = Fails::kEnclosures,
          .ends_by_ack = true});
     add({.code = Code::kDgOffline,
-         .spoil =
+         .fault =
              [](Answers& it) {
                  it.adapters[0].groups[0].state = NumberOf(ArrayState::kOffline);
                  Fail(it, 2), Fail(it, 3);
@@ -405,7 +405,7 @@ std::vector<RowCase> RowCases() {
          .all = "DG_OFFLINE DISK_FAILED DISK_FAILED",
          .wait = 30});
     add({.code = Code::kDgDegraded,
-         .spoil =
+         .fault =
              [](Answers& it) {
                  it.adapters[0].groups[0].state = NumberOf(ArrayState::kDegraded);
                  Fail(it, 2);
@@ -413,7 +413,7 @@ std::vector<RowCase> RowCases() {
          .all = "DG_DEGRADED DISK_FAILED",
          .wait = 30});
     add({.code = Code::kLinkReduced,
-         .spoil = [](Answers& it) { DiskAt(it, 4).phys = 1; },
+         .fault = [](Answers& it) { DiskAt(it, 4).phys = 1; },
          .wait = 60,
          .good_for = 5 * kMinute,
          .fails = Fails::kDisks,
@@ -421,49 +421,49 @@ std::vector<RowCase> RowCases() {
          .id = 4,
          .ends_by_ack = true});
     add({.code = Code::kVdInconsistent,
-         .spoil = Nothing,
+         .fault = Nothing,
          .events = {EventOf(1, 8, 1, 3)},
          .clears = {EventOf(1, 7, 1)},
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kVdNotInitialised,
-         .spoil = Nothing,
+         .fault = Nothing,
          .wait = 10 * kMinute,
          .events = {EventOf(1, 2, 1)},
          .clears = {EventOf(1, 55, 1)},
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kVdForeign,
-         .spoil = [](Answers& it) { VirtualDiskAt(it, 1).state = NumberOf(ArrayState::kForeign); },
+         .fault = [](Answers& it) { VirtualDiskAt(it, 1).state = NumberOf(ArrayState::kForeign); },
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kDiskForeign,
-         .spoil = [](Answers& it) { DiskAt(it, 7).status = 0x83; },
+         .fault = [](Answers& it) { DiskAt(it, 7).status = 0x83; },
          .fails = Fails::kDisks,
          .put = Put::kOtherDisk,
          .id = 7});
     add({.code = Code::kActivityFailed,
-         .spoil = Nothing,
+         .fault = Nothing,
          .events = {EventOf(1, 27, 1)},
          .clears = {EventOf(1, 20, 1)},
          .put = Put::kOtherVirtualDisk,
          .id = 1,
          .ends_by_ack = true});
     add({.code = Code::kActivityStalled,
-         .spoil = Doing(NumberOf(ActivityKind::kCheck), NumberOf(ActivityState::kRunning)),
+         .fault = Doing(NumberOf(ActivityKind::kCheck), NumberOf(ActivityState::kRunning)),
          .wait = kHour + kMinute,
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kActivityPaused,
-         .spoil = Doing(NumberOf(ActivityKind::kMigration), NumberOf(ActivityState::kPaused)),
+         .fault = Doing(NumberOf(ActivityKind::kMigration), NumberOf(ActivityState::kPaused)),
          .wait = kHour,
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add({.code = Code::kCacheUnprotected,
-         .spoil =
+         .fault =
              [](Answers& it) {
                  WriteBack(it);
                  it.adapters[0].battery.reset();
@@ -477,16 +477,16 @@ std::vector<RowCase> RowCases() {
                  it.adapters[0].battery_query.result = Query::Result::kNone;
              }});
     add({.code = Code::kCacheForcedWriteThrough,
-         .spoil = Forced,
+         .fault = Forced,
          .wait = 10 * kMinute,
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk});
     add({.code = Code::kBatteryReplace,
-         .spoil = BatteryHas(kWell | NumberOf(BatteryBit::kNeedsReplacement)),
+         .fault = BatteryHas(kWell | NumberOf(BatteryBit::kNeedsReplacement)),
          .fails = Fails::kBattery,
          .put = Put::kOtherAdapter});
     add({.code = Code::kBatteryRemoved,
-         .spoil =
+         .fault =
              [](Answers& it) {
                  it.adapters[0].battery.reset();
                  it.adapters[0].battery_query.result = Query::Result::kNone;
@@ -494,7 +494,7 @@ std::vector<RowCase> RowCases() {
          .fails = Fails::kBattery,
          .ends_by_ack = true});
     add({.code = Code::kBatteryOff,
-         .spoil =
+         .fault =
              [](Answers& it) {
                  BatteryHas(kWell | NumberOf(BatteryBit::kSwitchedOff))(it);
                  WriteBack(it);
@@ -502,122 +502,122 @@ std::vector<RowCase> RowCases() {
          .fails = Fails::kBattery,
          .put = Put::kOtherAdapter});
     add({.code = Code::kBatteryTemperature,
-         .spoil = BatteryHas(kWell | NumberOf(BatteryBit::kTemperatureOutOfBounds)),
+         .fault = BatteryHas(kWell | NumberOf(BatteryBit::kTemperatureOutOfBounds)),
          .wait = 60,
          .good_for = 5 * kMinute,
          .fails = Fails::kBattery,
          .put = Put::kOtherAdapter});
     add({.code = Code::kBatteryVoltage,
-         .spoil = BatteryHas(kWell | NumberOf(BatteryBit::kVoltageOutOfBounds)),
+         .fault = BatteryHas(kWell | NumberOf(BatteryBit::kVoltageOutOfBounds)),
          .wait = 60,
          .good_for = 5 * kMinute,
          .fails = Fails::kBattery,
          .put = Put::kOtherAdapter});
     add({.code = Code::kBatteryCharger,
-         .spoil = Nothing,
+         .fault = Nothing,
          .events = {EventOf(9, 19)},
          .clears = {EventOf(9, 18)},
          .put = Put::kOtherAdapter,
          .ends_by_ack = true});
     add({.code = Code::kBatteryLow,
-         .spoil = BatteryHas(NumberOf(BatteryBit::kPresent)),
+         .fault = BatteryHas(NumberOf(BatteryBit::kPresent)),
          .wait = 10 * kMinute,
          .fails = Fails::kBattery,
          .put = Put::kOtherAdapter});
     add({.code = Code::kBatteryRelearnOverdue,
-         .spoil = BatteryHas(kWell | NumberOf(BatteryBit::kRelearning)),
+         .fault = BatteryHas(kWell | NumberOf(BatteryBit::kRelearning)),
          .wait = kDay,
          .fails = Fails::kBattery,
          .put = Put::kOtherAdapter});
     add({.code = Code::kEncElementWarning,
-         .spoil = ElementIs(5, NumberOf(ElementStatus::kNoncritical)),
+         .fault = ElementIs(5, NumberOf(ElementStatus::kNoncritical)),
          .wait = 5 * kMinute,
          .good_for = 5 * kMinute,
          .fails = Fails::kEnclosures,
          .put = Put::kOtherEnclosure});
     add({.code = Code::kEncElementRemoved,
-         .spoil = ElementIs(2, NumberOf(ElementStatus::kNotInstalled)),
+         .fault = ElementIs(2, NumberOf(ElementStatus::kNotInstalled)),
          .wait = 5 * kMinute,
          .good_for = 5 * kMinute,
          .fails = Fails::kEnclosures,
          .put = Put::kOtherEnclosure,
          .ends_by_ack = true});
     add({.code = Code::kFlashImageDamaged,
-         .spoil = [](Answers& it) { it.adapters[0].flash.bios = false; },
+         .fault = [](Answers& it) { it.adapters[0].flash.bios = false; },
          .fails = Fails::kAll,
          .put = Put::kOtherAdapter});
     add({.code = Code::kAdapterMemoryErrors,
-         .spoil = Nothing,
+         .fault = Nothing,
          .events = Events(10, EventOf(12, 6)),
          .good_for = 7 * kDay,
          .put = Put::kOtherAdapter});
     add({.code = Code::kEventsLost,
-         .spoil = Nothing,
+         .fault = Nothing,
          .events = {EventOf(0, 65535)},
          .good_for = 7 * kDay,
          .put = Put::kOtherAdapter,
          .ends_by_ack = true});
     add({.code = Code::kStoreDamaged,
-         .spoil = [](Answers& it) { it.store.state = Store::State::kDamaged; }});
-    add({.code = Code::kServiceStale, .spoil = [](Answers& it) { it.service.silent_for_s = 600; }});
-    add({.code = Code::kServiceConfigRejected, .spoil = [](Answers& it) {
+         .fault = [](Answers& it) { it.store.state = Store::State::kDamaged; }});
+    add({.code = Code::kServiceStale, .fault = [](Answers& it) { it.service.silent_for_s = 600; }});
+    add({.code = Code::kServiceConfigRejected, .fault = [](Answers& it) {
              it.service.rejected_configuration = "hxraidsvc.conf:3: no such key";
          }});
     add({.code = Code::kServiceStateDamaged,
-         .spoil = [](Answers& it) { it.service.state_was_damaged = true; }});
-    add({.code = Code::kServiceSlow, .spoil = [](Answers& it) { it.service.slow_rounds = 3; }});
-    add({.code = Code::kDeliveryFailing, .spoil = [](Answers& it) {
+         .fault = [](Answers& it) { it.service.state_was_damaged = true; }});
+    add({.code = Code::kServiceSlow, .fault = [](Answers& it) { it.service.slow_rounds = 3; }});
+    add({.code = Code::kDeliveryFailing, .fault = [](Answers& it) {
              it.service.sinks = {{"mail", true, "refused", 2, 0}};
          }});
-    add({.code = Code::kDeliveryDropped, .spoil = [](Answers& it) {
+    add({.code = Code::kDeliveryDropped, .fault = [](Answers& it) {
              it.service.sinks = {{"mail", false, "", 0, 3}};
          }});
     add({.code = Code::kBatteryUnreadable,
-         .spoil = [](Answers& it) { MakeFail(it, Fails::kBattery); }});
+         .fault = [](Answers& it) { MakeFail(it, Fails::kBattery); }});
     add({.code = Code::kSmartUnreadable,
-         .spoil = [](Answers& it) { MakeFail(it, Fails::kSmart); }});
+         .fault = [](Answers& it) { MakeFail(it, Fails::kSmart); }});
     add({.code = Code::kGroupsUnreadable,
-         .spoil = AdapterQuery(&Adapter::groups_query, "HX_DG_GetInfo")});
+         .fault = AdapterQuery(&Adapter::groups_query, "HX_DG_GetInfo")});
     add({.code = Code::kSettingsUnreadable,
-         .spoil = [](Answers& it) { MakeFail(it, Fails::kSettings); }});
+         .fault = [](Answers& it) { MakeFail(it, Fails::kSettings); }});
     add({.code = Code::kElementStateUnknown,
-         .spoil = ElementIs(2, NumberOf(ElementStatus::kUnknown)),
+         .fault = ElementIs(2, NumberOf(ElementStatus::kUnknown)),
          .wait = 10 * kMinute,
          .fails = Fails::kEnclosures,
          .put = Put::kOtherEnclosure});
     add({.code = Code::kStoreUnreadable,
-         .spoil = [](Answers& it) { it.store.state = Store::State::kUnreadable; }});
+         .fault = [](Answers& it) { it.store.state = Store::State::kUnreadable; }});
     add({.code = Code::kBatteryRelearning,
-         .spoil = BatteryHas(kWell | NumberOf(BatteryBit::kRelearning)),
+         .fault = BatteryHas(kWell | NumberOf(BatteryBit::kRelearning)),
          .fails = Fails::kBattery,
          .put = Put::kOtherAdapter});
     add({.code = Code::kActivityRunning,
-         .spoil = Doing(NumberOf(ActivityKind::kCheck), NumberOf(ActivityState::kRunning)),
+         .fault = Doing(NumberOf(ActivityKind::kCheck), NumberOf(ActivityState::kRunning)),
          .fails = Fails::kVirtualDisks,
          .put = Put::kOtherVirtualDisk,
          .id = 1});
     add(WithDiskFailed(Code::kSpareNone));
-    add({.code = Code::kVdCheckOverdue, .spoil = Nothing, .wait = 35 * kDay});
+    add({.code = Code::kVdCheckOverdue, .fault = Nothing, .wait = 35 * kDay});
     add({.code = Code::kDiskSmartOff,
-         .spoil = [](Answers& it) { DiskAt(it, 4).smart_on = false; },
+         .fault = [](Answers& it) { DiskAt(it, 4).smart_on = false; },
          .fails = Fails::kSettings,
          .put = Put::kOtherDisk,
          .id = 4});
     add({.code = Code::kAutoRebuildDisabled,
-         .spoil = [](Answers& it) { it.adapters[0].auto_rebuild = false; },
+         .fault = [](Answers& it) { it.adapters[0].auto_rebuild = false; },
          .fails = Fails::kSettings,
          .put = Put::kOtherAdapter});
     add({.code = Code::kClockDiffers,
-         .spoil = Nothing,
+         .fault = Nothing,
          .events = {EventOf(0, 2)},
          .put = Put::kOtherAdapter});
-    add({.code = Code::kNotWatched, .spoil = [](Answers& it) { it.service.is_here = false; }});
+    add({.code = Code::kNotWatched, .fault = [](Answers& it) { it.service.is_here = false; }});
     return cases;
 }
 
 class ARow : public testing::TestWithParam<RowCase> {
 protected:
-    // Watches the good machine until every row may be shown, then the spoilt one.
+    // Watches the good machine until every row may be shown, then the faulty one.
     void Raise() {
         good = GoodMachine();
         GetParam().before(good);
@@ -625,18 +625,18 @@ protected:
         watcher.Wait(60);
         watcher.Look(good);
         EXPECT_EQ(CodesOf(watcher.overview), "") << "the good machine is not good";
-        spoilt = good;
-        GetParam().spoil(spoilt);
+        faulty = good;
+        GetParam().fault(faulty);
         watcher.Wait(1);
         Events events = GetParam().events;
         for (Event& event : events) event.time = watcher.now.real;
         if (GetParam().code == Code::kClockDiffers) events[0].time += 3 * kHour;
-        watcher.Look(spoilt, events);
-        for (int i = 0; i < 3; ++i) watcher.LookFor(GetParam().wait / 3 + 1, spoilt);
+        watcher.Look(faulty, events);
+        for (int i = 0; i < 3; ++i) watcher.LookFor(GetParam().wait / 3 + 1, faulty);
     }
     bool Holds() const { return Find(watcher.overview, GetParam().code) != nullptr; }
 
-    Answers good, spoilt;
+    Answers good, faulty;
     Watcher watcher;
 };
 
@@ -670,9 +670,9 @@ TEST_P(ARow, IsClearedByGoodAnswersOrByItsEventsAndNotSooner) {
         return;
     }
     if (!GetParam().clears.empty()) {
-        watcher.Look(spoilt);
+        watcher.Look(faulty);
         EXPECT_TRUE(Holds()) << "no event has cleared it";
-        watcher.Look(spoilt, GetParam().clears);
+        watcher.Look(faulty, GetParam().clears);
         EXPECT_FALSE(Holds());
         return;
     }
@@ -700,8 +700,8 @@ TEST_P(ARow, EndsByItsAcknowledgementOnlyWhereItSaysSo) {
     ASSERT_NE(condition, nullptr);
     ASSERT_TRUE(Acknowledge(watcher.state, condition->code, condition->object.identity,
                             {"anna", watcher.now.real, "known"}));
-    watcher.Look(spoilt);
-    watcher.Look(spoilt);
+    watcher.Look(faulty);
+    watcher.Look(faulty);
     if (GetParam().ends_by_ack || GetParam().code == Code::kDiskMissing) {
         EXPECT_EQ(
             Find(watcher.overview, GetParam().code) == nullptr,
@@ -716,7 +716,7 @@ TEST_P(ARow, EndsByItsAcknowledgementOnlyWhereItSaysSo) {
 class ARowOfAnAnswer : public ARow {};
 TEST_P(ARowOfAnAnswer, StaysAndIsStaleWhileItsAnswersCannotBeRead) {
     ASSERT_NO_FATAL_FAILURE(Raise());
-    Answers unread = spoilt;
+    Answers unread = faulty;
     MakeFail(unread, GetParam().fails);
     for (int i = 0; i < 4; ++i) watcher.LookFor(10 * kMinute, unread);
     ASSERT_TRUE(Holds());

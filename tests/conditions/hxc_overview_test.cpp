@@ -97,7 +97,7 @@ TEST(AnUnreadListOfVirtualDisks, BeatsAWarmFanAndAFailedDiskBeatsAnUnreadBattery
 
 struct Pair {
     const char* name;
-    void (*spoil)(Answers&);
+    void (*fault)(Answers&);
     Code head;
     Code folded;
 };
@@ -224,7 +224,7 @@ class Folding : public testing::TestWithParam<Pair> {};
 
 TEST_P(Folding, PutsItUnderItsHead) {
     Answers answers = GoodMachine();
-    GetParam().spoil(answers);
+    GetParam().fault(answers);
     const Overview overview = LookOnce(answers, {}, {});
     const auto head = std::ranges::find(overview.heads, GetParam().head, &Condition::code);
     ASSERT_NE(head, overview.heads.end()) << HeadsOf(overview);
@@ -297,14 +297,14 @@ TEST(ARaid10WithOneDiskOut, SaysWhichDisksMayStillFail) {
 
 struct OfflineCase {
     std::string name;
-    void (*spoil)(Answers&);
+    void (*fault)(Answers&);
     std::string next_step;
 };
 class AnOfflineVirtualDisk : public testing::TestWithParam<OfflineCase> {};
 TEST_P(AnOfflineVirtualDisk, IsMendedByWhatItsCauseAllows) {
     Answers answers = GoodMachine();
     Fail(answers, 4);
-    GetParam().spoil(answers);
+    GetParam().fault(answers);
     VirtualDiskAt(answers, 1).state = NumberOf(hxcodes::State::kOffline);
     const Overview overview = LookOnce(answers, {}, {});
     ASSERT_EQ(overview.heads[0].code, Code::kVdOffline);

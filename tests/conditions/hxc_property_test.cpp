@@ -24,7 +24,7 @@ public:
         return std::uniform_int_distribution<unsigned>(0, bound - 1)(random_);
     }
 
-    // Spoils or mends one thing.
+    // Breaks or mends one thing.
     void Change(Answers& answers) {
         switch (Below(10)) {
             case 0:

@@ -1,4 +1,4 @@
-// The good machine, and ways to spoil it.
+// The good machine, and faults for it.
 #include "machine.h"
 
 #include <algorithm>
@@ -166,12 +166,12 @@ Element& ElementAt(Answers& answers, unsigned id) {
 }
 
 void Lose(Answers& answers, unsigned virtual_disk, unsigned position) {
-    VirtualDisk& spoilt = VirtualDiskAt(answers, virtual_disk);
-    spoilt.members[position].state = NumberOf(ArrayState::kOffline);
-    const Redundancy left = RedundancyOf(spoilt, answers.adapters[0].disks);
-    spoilt.state = left.is_offline      ? NumberOf(ArrayState::kOffline)
-                   : *left.survives > 0 ? NumberOf(ArrayState::kPartiallyOptimal)
-                                        : NumberOf(ArrayState::kDegraded);
+    VirtualDisk& degraded = VirtualDiskAt(answers, virtual_disk);
+    degraded.members[position].state = NumberOf(ArrayState::kOffline);
+    const Redundancy left = RedundancyOf(degraded, answers.adapters[0].disks);
+    degraded.state = left.is_offline      ? NumberOf(ArrayState::kOffline)
+                     : *left.survives > 0 ? NumberOf(ArrayState::kPartiallyOptimal)
+                                          : NumberOf(ArrayState::kDegraded);
 }
 
 namespace {

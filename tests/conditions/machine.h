@@ -1,5 +1,5 @@
-// A machine with one thing of every kind and nothing wrong, for tests to spoil; and somebody who
-// watches it with a clock of his own.
+// A machine with one thing of every kind and nothing wrong, to which tests add faults; and somebody
+// who watches it with a clock of his own.
 #pragma once
 
 #include <string>
