@@ -59,6 +59,29 @@ Typed Command::AddArguments(const std::string& name) const {
 
 void Command::WhenTyped(std::function<void()> done) const { app_->callback(std::move(done)); }
 
+namespace {
+
+// Whether the first option of that name, of the parser or of its commands, is a flag.
+bool IsFlag(const CLI::App& app, const std::string& name) {
+    const CLI::Option* const own = app.get_option_no_throw(name);
+    if (own != nullptr) return own->get_expected_max() == 0;
+    const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+    return std::ranges::any_of(commands, [&](const CLI::App* each) { return IsFlag(*each, name); });
+}
+
+// CLI11 takes a value of a flag, whatever it is, for true or false.
+void RefuseFlagsWithValues(const CLI::App& app, const std::vector<std::string>& words) {
+    for (const std::string& word : words) {
+        if (word == "--") return;
+        const std::size_t end = word.find('=');
+        if (!word.starts_with("--") || end == std::string::npos) continue;
+        const std::string name = word.substr(0, end);
+        if (IsFlag(app, name)) throw UsageError(name + " takes no value");
+    }
+}
+
+}  // namespace
+
 CommandParser::CommandParser() : app_(std::make_unique<CLI::App>()), program_(*app_) {
     app_->set_help_flag();
 }
@@ -75,6 +98,7 @@ CommandParser::~CommandParser() = default;
 void CommandParser::OptionsMayFollow() const { app_->fallthrough(); }
 
 void CommandParser::Parse(std::vector<std::string> words) const {
+    RefuseFlagsWithValues(*app_, words);
     std::ranges::reverse(words);  // CLI11 expects them in reverse order
     try {
         app_->parse(words);

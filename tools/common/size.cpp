@@ -124,6 +124,10 @@ SizeOrShare ParseSizeOrShare(std::string_view text) {
         throw UsageError(Quoted(text) +
                          " is no size; write one such as 10GiB, 20GB, 50% of the most, or max");
     }
+    if (*wish.bytes == 0) {
+        throw UsageError(Quoted(text) + " is nothing; the least is 1s, a sector of " +
+                         std::to_string(kSectorBytes) + " bytes");
+    }
     if (*wish.bytes < kSectorBytes) {
         const bool is_number = text.find_first_not_of(kDigits) == std::string_view::npos;
         throw UsageError(Quoted(text) + " is less than a sector, which has " +

@@ -57,6 +57,19 @@ TEST_F(CommandLine, KnowsItsCommands) {
     EXPECT_TRUE(parser_.Program().CommandTyped());
 }
 
+TEST_F(CommandLine, RefusesAValueOfAFlag) {
+    for (const char* const word : {"--foreign=x", "--foreign=true", "--foreign="}) {
+        try {
+            parser_.Parse({"disk", "a0/pd1", word});
+            ADD_FAILURE() << word << " was accepted";
+        } catch (const UsageError& error) {
+            EXPECT_STREQ("--foreign takes no value", error.what());
+        }
+    }
+    parser_.Parse({"disk", "--", "--foreign=x"});
+    EXPECT_EQ("--foreign=x", done_);
+}
+
 TEST_F(CommandLine, SaysWhatItCannotUnderstand) {
     EXPECT_THROW(parser_.Parse({}), UsageError);
     EXPECT_THROW(parser_.Parse({"disk"}), UsageError);

@@ -95,8 +95,13 @@ TEST(SizeOrShare, OfLessThanASectorIsRefused) {
         UsageMessage([] { ParseSizeOrShare("511"); }),
         "\"511\" is less than a sector, which has 512 bytes; a number alone counts bytes: write "
         "511GiB, 511GB or 511s for sectors");
-    EXPECT_EQ(UsageMessage([] { ParseSizeOrShare("0GiB"); }),
-              "\"0GiB\" is less than a sector, which has 512 bytes");
+    EXPECT_EQ(UsageMessage([] { ParseSizeOrShare("0.1kB"); }),
+              "\"0.1kB\" is less than a sector, which has 512 bytes");
+    for (const char* const text : {"0", "0GiB", "0s", "0.0"}) {
+        EXPECT_EQ(
+            UsageMessage([&] { ParseSizeOrShare(text); }),
+            "\"" + std::string(text) + "\" is nothing; the least is 1s, a sector of 512 bytes");
+    }
 }
 
 TEST(SizeOrShare, OutsideOneToAHundredPercentIsRefused) {

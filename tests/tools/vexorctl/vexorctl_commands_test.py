@@ -362,6 +362,25 @@ class WrongUse(VexorctlCase):
                 self.assertEqual(run.returncode, 2)
                 self.assertIn(f'"{text}" is no address; say a0, a0/pd12', run.stderr)
 
+    def test_an_option_without_a_value_takes_none(self):
+        for word in ("--no-header=x", "--no-header=true", "--no-header="):
+            with self.subTest(word=word):
+                run = self.run_words("vd", "list", word)
+                self.assertEqual((run.returncode, run.stdout), (2, ""))
+                self.assertEqual(run.stderr, "vexorctl: --no-header takes no value "
+                                             "(see vexorctl vd list --help)\n")
+        run = self.run_words("check", "--honour-silences=x")  # a plugin's code for "unknown"
+        self.assertEqual(run.returncode, 3)
+        self.assertIn("--honour-silences takes no value", run.stdout)
+
+    def test_a_condition_is_no_object_of_an_alert(self):
+        for verb in (("ack",), ("silence", "--for", "1h")):
+            with self.subTest(verb=verb):
+                run = self.run_words("alert", verb[0], "DISK_FAILED", *verb[1:])
+                self.assertEqual((run.returncode, run.stdout), (2, ""))
+                self.assertIn("DISK_FAILED is a condition and no object; write --code DISK_FAILED",
+                              run.stderr)
+
     def test_verbs_take_no_prefixes(self):
         self.assertEqual(self.run_words("disk", "lis").returncode, 2)
         self.assertEqual(self.run_words("dis", "list").returncode, 2)

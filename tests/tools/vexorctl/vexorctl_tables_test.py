@@ -71,6 +71,13 @@ class Tables(WideCase):
         self.assertNotIn("SERIAL", narrow)
         self.assertIn("SMART ALARM", broad.splitlines()[0])
 
+    def test_how_far_an_activity_is_has_room_before_what_was_long_ago(self):
+        whole = self.wide(80, "vd", "list").splitlines()
+        self.assertEqual(whole[0].split()[-4:], ["INIT", "DISKS", "ACTIVITY", "DONE"])
+        head = self.wide(max(map(len, whole)) - 1, "vd", "list").splitlines()[0].split()
+        self.assertEqual(head[-3:], ["DISKS", "ACTIVITY", "DONE"])
+        self.assertNotIn("INIT", head)
+
     def test_the_text_of_a_row_goes_on_in_the_next_line(self):
         self.run_words("task", "start", "a0/vd0", "--kind", "check")
         self.collect()

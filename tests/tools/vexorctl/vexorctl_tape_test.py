@@ -139,14 +139,30 @@ class Tape(VexorctlCase):
 
     def test_the_exit_code_is_the_commands_unless_nothing_was_recorded(self):
         self.assertEqual(self.record("vd", "show", "a0/vd9").returncode, 3)
-        run = self.run_words("tape", "record", "--force", self.tape, "--", "true")
+        self.tape.unlink()
+        run = self.run_words("tape", "record", self.tape, "--", "true")
         self.assertEqual(run.returncode, 5)
         self.assertIn("nothing was recorded", run.stderr)
-        run = self.run_words("tape", "record", "--force", self.tape, "--", "there-is-no-such-program")
+        run = self.run_words("tape", "record", self.tape, "--", "there-is-no-such-program")
         self.assertEqual(run.returncode, 2)
         self.assertIn("there-is-no-such-program cannot be started", run.stderr)
         self.assertFalse(self.tape.exists())  # the next attempt needs no --force
         self.assertEqual(self.run_words("tape", "record", self.tape).returncode, 2)
+
+    def test_a_tape_that_is_there_goes_only_when_another_was_recorded(self):
+        self.record("adapter", "list")
+        self.tape.chmod(0o644)
+        before, files = self.tape.read_text(), sorted(self.root.iterdir())
+        for program, code in (("there-is-no-such-program", 2), ("true", 5)):
+            with self.subTest(program=program):
+                run = self.run_words("tape", "record", "--force", self.tape, "--", program)
+                self.assertEqual(run.returncode, code, run.stderr)
+                self.assertEqual(self.tape.read_text(), before)
+                self.assertEqual(sorted(self.root.iterdir()), files)
+        self.assertEqual(self.record("disk", "list", options=["--force"]).returncode, 0)
+        self.assertNotEqual(self.tape.read_text(), before)
+        self.assertEqual(stat.S_IMODE(self.tape.stat().st_mode), 0o600)
+        self.assertEqual(sorted(self.root.iterdir()), files)
 
     def test_a_tape_that_is_none_runs_nothing(self):
         for text, complaint in (("", "it is no tape"), ("vexorapi-tape 2\n", "another version"),

@@ -74,7 +74,7 @@ public:
     explicit Collection(bool anonymous) : anonymous_(anonymous) {
         folder_ = run_.folder() + "/" + std::string(kFolder);
         std::filesystem::create_directory(folder_);
-        MakeTape(FileOf(kTape), anonymous, false);
+        MakeTape(FileOf(kTape), anonymous);
         recording_ = run_.Recording(FileOf(kTape), anonymous);
     }
 

@@ -63,19 +63,17 @@ std::string RunText(const std::string& path) {
 
 // Of what stands at the path only a regular file or a link is replaced, and the new one is never
 // written through a link.
-void MakeRoom(const std::string& path) {
+// Anything but a file or a link is not replaced.
+void RefuseUnlessFile(const std::string& path) {
     struct stat found {};
-    if (lstat(path.c_str(), &found) != 0) return;
-    if (!S_ISREG(found.st_mode) && !S_ISLNK(found.st_mode)) {
-        throw Failure(Exit::kUsage, path + ": not a regular file");
-    }
-    if (unlink(path.c_str()) != 0) FailAt(path, errno);
+    if (lstat(path.c_str(), &found) != 0 || S_ISREG(found.st_mode) || S_ISLNK(found.st_mode))
+        return;
+    throw Failure(Exit::kUsage, path + ": not a regular file");
 }
 
 }  // namespace
 
-void MakeTape(const std::string& path, bool anonymous, bool replace) {
-    if (replace) MakeRoom(path);
+void MakeTape(const std::string& path, bool anonymous) {
     Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!file.IsOpen() && errno == EEXIST) {
         throw Failure(Exit::kUsage, path + " is there already; --force replaces it");
@@ -86,6 +84,21 @@ void MakeTape(const std::string& path, bool anonymous, bool replace) {
     if (count != static_cast<ssize_t>(head.size()) || !file.Close()) {
         throw Failure(Exit::kUnavailable, path + ": " + std::strerror(count < 0 ? errno : ENOSPC));
     }
+}
+
+NewTape::NewTape(std::string path, bool anonymous, bool replace)
+    : place_(std::move(path)), file_(replace ? place_ + "." + std::to_string(getpid()) : place_) {
+    if (replace) RefuseUnlessFile(place_);
+    MakeTape(file_, anonymous);
+}
+
+NewTape::~NewTape() {
+    if (!is_kept_) unlink(file_.c_str());
+}
+
+void NewTape::Keep() {
+    if (file_ != place_ && rename(file_.c_str(), place_.c_str()) != 0) FailAt(place_, errno);
+    is_kept_ = true;
 }
 
 hxtape::Tape LoadTape(const std::string& path) {

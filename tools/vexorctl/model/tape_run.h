@@ -12,9 +12,31 @@ namespace vexorctl {
 
 using Variables = std::vector<std::pair<std::string, std::string>>;
 
-/// Makes a new tape, readable by its owner alone. Throws Failure, also for a file that is there
-/// unless it is to be replaced.
-void MakeTape(const std::string& path, bool anonymous, bool replace);
+/// Makes a new tape, readable by its owner alone. Throws Failure, also for a file that is there.
+void MakeTape(const std::string& path, bool anonymous);
+
+/// A new tape for the place `path`. Where it is to replace a file, it is beside that until Keep.
+class NewTape {
+public:
+    /// Throws Failure, also for a file that is there unless it is to be replaced.
+    NewTape(std::string path, bool anonymous, bool replace);
+
+    /// Removes the tape unless it was kept; a file that it was to replace stays.
+    ~NewTape();
+    NewTape(const NewTape&) = delete;
+    NewTape& operator=(const NewTape&) = delete;
+
+    /// Where it is recorded.
+    const std::string& file() const { return file_; }
+
+    /// Puts it into its place. Throws Failure.
+    void Keep();
+
+private:
+    std::string place_;
+    std::string file_;
+    bool is_kept_ = false;
+};
 
 /// Reads a tape. Throws Failure.
 hxtape::Tape LoadTape(const std::string& path);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "common/duration.h"
+#include "conditions/hxc_rows.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
 #include "model/service_socket.h"
@@ -155,7 +156,13 @@ Exit ShowHistory(Invocation& invocation) {
 
 AlertJson RequestOf(const Invocation& invocation, const char* what) {
     AlertJson request{{"do", what}};
-    if (!invocation.targets().empty()) request["object"] = invocation.targets().front();
+    if (!invocation.targets().empty()) {
+        const std::string& object = invocation.targets().front();
+        if (hxconditions::FindRow(object)) {
+            throw UsageError(object + " is a condition and no object; write --code " + object);
+        }
+        request["object"] = object;
+    }
     if (const std::string* const code = invocation.Get("--code")) request["code"] = *code;
     if (const std::string* const note = invocation.Get("--note")) request["note"] = *note;
     if (!request.contains("object") && !request.contains("code")) {

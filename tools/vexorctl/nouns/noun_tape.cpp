@@ -1,7 +1,6 @@
 // vexorctl tape ...: calls of the controller library, recorded and played back.
 #include <algorithm>
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -42,25 +41,21 @@ Exit Record(Invocation& invocation) {
     const std::vector<std::string> words = CommandOf(invocation);
     const bool anonymous = invocation.Has("--anonymous");
     const TapeRun run;
-    MakeTape(path, anonymous, invocation.Has("--force"));
-    ProgramEnd end;
-    try {
-        end = RunProgram({.words = words, .environment = run.Recording(path, anonymous)});
-    } catch (const Failure&) {
-        std::filesystem::remove(path);  // nothing ran: the next attempt needs no --force
-        throw;
-    }
+    NewTape recorded(path, anonymous, invocation.Has("--force"));
+    const ProgramEnd end =
+        RunProgram({.words = words, .environment = run.Recording(recorded.file(), anonymous)});
     if (const std::string trouble = run.Trouble(); !trouble.empty()) {
+        recorded.Keep();  // what there is of it may help
         ReportFailure(path, trouble);
         return Exit::kUnavailable;
     }
-    const Tape tape = LoadTape(path);
-    if (tape.calls.empty()) {
+    if (LoadTape(recorded.file()).calls.empty()) {
         ReportFailure(path,
                       "nothing was recorded: the command made no call of a controller "
                       "library that vexorctl could stand before");
         return Exit::kUnavailable;
     }
+    recorded.Keep();
     return static_cast<Exit>(end.code);
 }
 
@@ -143,7 +138,8 @@ constexpr CommandRow kCommands[] = {
      .run = Record,
      .note = "The command, and what it starts, asks the controller as ever; what was asked and "
              "answered is appended to the file, which nobody else may read. The exit code is the "
-             "command's own, or 5 when nothing or not all was recorded. An anonymous tape has the "
+             "command's own, or 5 when nothing or not all was recorded; without a call there is no "
+             "tape, and one that --force is to replace stays. An anonymous tape has the "
              "same pseudonym for the same value all through; the key of them is stored nowhere. "
              "Reasons of refusals and the contents of the flash are left out of it. No call takes "
              "a password, so that no tape has one. vexorapi-tape(5) has the form of the file."},

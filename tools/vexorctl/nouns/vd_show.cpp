@@ -193,7 +193,7 @@ constexpr Column<ShownDisk> kColumns[] = {
      [](const ShownDisk& it) { return FieldCell(it.info, LD_Info::RaidMode); }},
     {{"size_bytes", "SIZE", kBytes, kTable, "Its size"},
      [](const ShownDisk& it) { return SectorsAt(it.info, LD_Info::Size); }},
-    {{"initialised", "INIT", kBool, kTable,
+    {{"initialised", "INIT", kBool, kIfRoom,
       "Whether its redundancy was ever made, as the stored events tell; none without redundancy"},
      [](const ShownDisk& it) { return it.initialised; }},
     {{"disks", "DISKS", kAddresses, kTable, "The disks that it lies on"},

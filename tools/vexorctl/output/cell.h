@@ -85,6 +85,7 @@ Cell CodeCell(std::span<const hxcodes::Named> names, std::uint64_t code);
 /// Where a column is shown without being asked for. Everything but the table shows all of them.
 enum class Place {
     kTable,
+    kIfRoom,    // in tables as well, and the first that is left out where not all have room
     kSentence,  // in tables as well, as the last of their columns; it may take several lines
     kWide,
 };

@@ -139,7 +139,7 @@ std::vector<std::size_t> ColumnsThatFit(const Report& report, const Style& style
         }
         return true;
     };
-    if (take(Place::kTable)) {
+    if (take(Place::kTable) && take(Place::kIfRoom)) {
         used += width - least;  // all of it is worth more than further columns
         take(Place::kWide);
     }

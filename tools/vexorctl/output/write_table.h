@@ -13,7 +13,8 @@
 namespace vexorctl {
 
 /// The columns of a table of at most the style's width: the one of Place::kSentence, those of
-/// Place::kTable as long as they fit, and then as many of the others. One at least.
+/// Place::kTable as long as they fit, those of Place::kIfRoom, and then as many of the others. One
+/// at least.
 std::vector<std::size_t> ColumnsThatFit(const Report& report, const Style& style);
 
 /// A table whose rows come in pieces. They are kept as the texts that are shown, which take a
