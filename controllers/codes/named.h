@@ -120,8 +120,9 @@ constexpr auto FindCode(const Rows& rows, std::uint64_t number) -> decltype(std:
 }
 
 /// Whether a row has the number. The tables check themselves with this rather than by comparing
-/// FindCode's address with null, which g++ does not take for a constant under -fsanitize=undefined;
-/// a plain loop, because clang's limit of steps in a constant does not reach for std::ranges.
+/// FindCode's address with null, which g++ does not take for a constant under -fsanitize=undefined
+/// or -fno-delete-null-pointer-checks; a plain loop, because clang's limit of steps in a constant
+/// does not reach for std::ranges.
 template <class Rows>
 constexpr bool HasCode(const Rows& rows, std::uint64_t number) {
     // NOLINTNEXTLINE(readability-use-anyofallof)
@@ -140,11 +141,13 @@ constexpr auto FindName(const Rows& rows, std::string_view name) -> decltype(std
     return nullptr;
 }
 
-/// The name of a number; empty when it has none.
+/// The name of a number; empty when it has none. A loop of its own for the same reason.
 template <class Rows>
 constexpr std::string_view NameOf(const Rows& rows, std::uint64_t number) {
-    const auto* const row = FindCode(rows, number);
-    return row == nullptr ? std::string_view() : row->name;
+    for (const auto& row : rows) {
+        if (NumberOf(row.code) == number) return row.name;
+    }
+    return {};
 }
 
 /// Converts a number to a code; none when it is no code. Needs a TableOf beside the table.
