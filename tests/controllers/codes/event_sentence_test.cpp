@@ -40,9 +40,9 @@ TEST(EventSentence, OfTheFlashNamesTheImage) {
     EXPECT_EQ(Severity::kWarning, SeverityOf(EventKind::kFlashErased));
 }
 
-using Disks = std::vector<HX_U16>;
+using DiskIds = std::vector<HX_U16>;
 
-std::string Degraded(const Disks& fatal, const Disks& harmless) {
+std::string Degraded(const DiskIds& fatal, const DiskIds& harmless) {
     return Said(EventKind::kVirtualDiskDegraded, 0, ParamsOfDegraded(fatal, harmless));
 }
 
