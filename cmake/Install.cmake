@@ -90,6 +90,7 @@ if(TARGET hxraidsvc)
     vexor_run_path_to_library(hxraidsvc SBINDIR service)
     # systemd's own folder, which is not below the library folder of the machine's architecture.
     vexor_install_configured(service hxraidsvc.service.in hxraidsvc.service lib/systemd/system)
+    install(FILES packaging/hxraid.catalog DESTINATION lib/systemd/catalog COMPONENT service)
     install(FILES packaging/hxraidsvc.sysusers
         DESTINATION lib/sysusers.d RENAME hxraidsvc.conf COMPONENT service)
     install(FILES packaging/hxraidsvc.logrotate

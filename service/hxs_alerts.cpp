@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "conditions/hxc_text.h"
 #include "service/hxs_policy.h"
 
 namespace hxservice {
@@ -16,7 +15,6 @@ constexpr Duration kGathering = std::chrono::seconds(2);
 constexpr std::size_t kMostInLetter = 50;
 constexpr unsigned kFailuresThatCount = 3;
 constexpr hxconditions::Ticks kFailingThatCounts = 300;  // seconds
-constexpr std::size_t kLongestError = 200;
 
 // 1, 2, 4, ... seconds, at most 10 minutes.
 Duration WaitAfter(unsigned failures) {
@@ -28,13 +26,6 @@ Duration WaitAfter(unsigned failures) {
 
 std::string Counted(std::uint64_t count) {
     return std::to_string(count) + (count == 1 ? " alert" : " alerts");
-}
-
-// The first line of what it said helps more than its exit status alone.
-std::string ErrorOf(const Delivery& delivery) {
-    const std::string first = delivery.output.substr(0, delivery.output.find('\n'));
-    return hxconditions::Shortened(delivery.error + (first.empty() ? "" : ": " + first),
-                                   kLongestError);
 }
 
 }  // namespace
@@ -112,7 +103,7 @@ void Alerts::RememberDelivery(const Desk& desk, std::int64_t real, std::string_v
 void Alerts::FinishTest(Desk& desk, const Delivery& delivery, std::int64_t real) {
     desk.is_busy = false;
     desk.is_testing = false;
-    desk.tested = delivery.error.empty() ? "delivered" : ErrorOf(delivery);
+    desk.tested = delivery.error.empty() ? "delivered" : ReasonOf(delivery);
     RememberDelivery(desk, real, delivery.error.empty() ? "tested" : "test failed", 0,
                      delivery.error.empty() ? "" : desk.tested);
 }
@@ -158,7 +149,7 @@ void Alerts::Finish(Desk& desk, const Delivery& delivery, Duration now, std::int
     SinkQueue& queue = QueueOf(desk);
     desk.is_busy = false;
     if (!delivery.error.empty()) {
-        queue.error = ErrorOf(delivery);
+        queue.error = ReasonOf(delivery);
         if (queue.failures++ == 0) {
             queue.failing_since = ticks_;
             log_.Say("alerts cannot be delivered by " + desk.settings.name + ": " + queue.error);

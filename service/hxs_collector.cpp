@@ -99,8 +99,7 @@ void Collector::TellEvents(const StoreExtent& extent) {
     while (*place_ < extent.next) {
         const std::uint64_t end = std::min(extent.next, *place_ + kEventsPerPage);
         for (const StoredEvent& event : source_.ReadEvents(*place_, end)) {
-            log_.Say("event " + std::to_string(event.number) + " [" + event.severity + "] " +
-                     event.text);
+            log_.Tell(event);
             tally_.Count(event);
             news_.events.push_back(event.event);
             ++told_;

@@ -1,8 +1,34 @@
 #include "service/hxs_deliverer.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <utility>
+
+#include "conditions/hxc_text.h"
+#include "service/hxs_journal_entries.h"
 #include "service/hxs_sink_command.h"
+#include "service/hxs_sink_mail.h"
 
 namespace hxservice {
+
+std::string ReasonOf(const Delivery& delivery) {
+    constexpr std::size_t kLongestReason = 200;
+    const std::string first = delivery.output.substr(0, delivery.output.find('\n'));
+    return hxconditions::Shortened(delivery.error + (first.empty() ? "" : ": " + first),
+                                   kLongestReason);
+}
+
+void Sinks::WriteToJournal(const SinkSettings& sink, const Letter& letter) {
+    Delivery delivery;
+    delivery.name = sink.name;
+    for (const JournalEntry& entry : EntriesOf(letter)) {
+        delivery.error = journal_.Send(entry);
+        if (!delivery.error.empty()) break;
+        delivery.has_begun = true;
+    }
+    written_.push_back(std::move(delivery));
+}
 
 void Sinks::Start(const SinkSettings& sink, const Letter& letter, vexortools::Duration now) {
     if (!sink.kind) return;
@@ -10,7 +36,23 @@ void Sinks::Start(const SinkSettings& sink, const Letter& letter, vexortools::Du
         case SinkKind::kCommand:
             children_.Start(sink.name, CommandJob(sink, letter), now);
             break;
+        case SinkKind::kJournal:
+            WriteToJournal(sink, letter);
+            break;
+        case SinkKind::kMail:
+            children_.Start(sink.name, MailJob(sink, letter), now);
+            break;
     }
+}
+
+std::vector<Delivery> Sinks::TakeEnded(vexortools::Duration now) {
+    std::vector<Delivery> ended = std::exchange(written_, {});
+    std::ranges::move(children_.TakeEnded(now), std::back_inserter(ended));
+    return ended;
+}
+
+std::optional<vexortools::Duration> Sinks::Due() const {
+    return written_.empty() ? children_.Due() : vexortools::Duration(0);
 }
 
 }  // namespace hxservice

@@ -51,6 +51,7 @@ hxconditions::Event EventOf(const vexorctl::StoredEvent& stored) {
         return static_cast<std::uint32_t>(stored.record[field].value_or(0));
     };
     hxconditions::Event event;
+    event.sequence = static_cast<std::uint32_t>(stored.sequence);
     event.adapter = number(Event::AdapterID);
     event.event_class = number(Event::Class);
     event.code = number(Event::Code);

@@ -3,10 +3,21 @@
 #include <cstdio>
 
 #include "common/terminal_text.h"
+#include "service/hxs_journal_entries.h"
 
 #include "vexorapi.h"
 
 namespace hxservice {
+
+void Log::Tell(const StoredEvent& event) {
+    Say("event " + std::to_string(event.number) + " [" + event.severity + "] " + event.text);
+}
+
+// Without a journal nothing is missed: the line and the event store have the event.
+void ServiceLog::Tell(const StoredEvent& event) {
+    Log::Tell(event);
+    static_cast<void>(journal_.Send(EntryOf(event)));
+}
 
 void ServiceLog::Say(const std::string& line) {
     // Names from disks and controllers stand in it.

@@ -4,6 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "service/hxs_journal.h"
+#include "service/hxs_source.h"
+
 namespace hxservice {
 
 class Log {
@@ -11,15 +14,22 @@ public:
     virtual ~Log() = default;
     /// Writes one line, without a line end.
     virtual void Say(const std::string& line) = 0;
+    /// Writes a line for an event.
+    virtual void Tell(const StoredEvent& event);
 };
 
-/// The service log of the library, and standard error for a service in the foreground.
+/// The service log of the library, and standard error for a service in the foreground. Events go to
+/// the journal, too, where there is one or a syslog.
 class ServiceLog : public Log {
 public:
-    explicit ServiceLog(bool in_foreground) : in_foreground_(in_foreground) {}
+    /// The journal must outlive it.
+    ServiceLog(bool in_foreground, Journal& journal)
+        : journal_(journal), in_foreground_(in_foreground) {}
     void Say(const std::string& line) override;
+    void Tell(const StoredEvent& event) override;
 
 private:
+    Journal& journal_;
     bool in_foreground_;
 };
 

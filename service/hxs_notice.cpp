@@ -1,7 +1,10 @@
 #include "service/hxs_notice.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
+#include <cinttypes>
+#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -36,6 +39,17 @@ std::uint64_t GravityOf(const NoticeJson& notice) {
     constexpr std::uint64_t kAfterAllRanks = 1000;
     const std::uint64_t rank = notice.value("rank", kAfterAllRanks);
     return TextIn(notice, "change") == kCleared ? kAfterAllRanks + rank : rank;
+}
+
+// Numbers begin anew after a damaged state file, so that the texts count, too (FNV-1a).
+std::string LetterId(std::uint64_t first, std::uint64_t last, std::string_view texts) {
+    std::uint64_t hash = 0xcbf29ce484222325;
+    for (const char letter : texts) {
+        hash = (hash ^ static_cast<unsigned char>(letter)) * 0x100000001b3;
+    }
+    std::array<char, 17> digits{};
+    std::snprintf(digits.data(), digits.size(), "%016" PRIx64, hash);
+    return std::to_string(first) + "-" + std::to_string(last) + "-" + digits.data();
 }
 
 std::string UpperCase(std::string text) {
@@ -104,6 +118,7 @@ Letter Head(const Sending& sending) {
     letter.sink = sending.sink;
     letter.host = sending.host;
     letter.attempt = sending.attempt;
+    letter.at = sending.at;
     return letter;
 }
 
@@ -117,6 +132,7 @@ NoticeJson HeadJson(const Letter& letter, const Sending& sending) {
     json["attempt"] = letter.attempt;
     json["may_be_repeat"] = letter.may_be_repeat;
     json["test"] = false;
+    json["id"] = letter.id;
     json["subject"] = letter.subject;
     return json;
 }
@@ -173,7 +189,13 @@ Letter LetterOf(const Sending& sending, const std::vector<Notice>& notices,
     const std::vector<NoticeJson> parsed = Parsed(sending, notices);
     Letter letter = Head(sending);
     letter.notices = notices.size();
-    for (const Notice& notice : notices) letter.last = std::max(letter.last, notice.number);
+    std::string texts = letter.host + "\n" + letter.sink + "\n";
+    for (const Notice& notice : notices) {
+        letter.last = std::max(letter.last, notice.number);
+        texts += notice.text + "\n";
+    }
+    letter.id = LetterId(notices.empty() ? 0 : notices.front().number, letter.last, texts);
+    for (const NoticeJson& each : parsed) letter.alerts.push_back(DumpOf(each));
     letter.may_be_repeat = std::ranges::any_of(
         parsed, [](const NoticeJson& notice) { return notice.value("may_be_repeat", false); });
     if (!parsed.empty()) {
@@ -209,6 +231,7 @@ Letter LetterOf(const Sending& sending, const std::vector<Notice>& notices,
 Letter TestLetterOf(const Sending& sending) {
     Letter letter = Head(sending);
     letter.level = "test";
+    letter.id = LetterId(0, 0, letter.host + "\n" + letter.sink + "\n" + std::to_string(letter.at));
     letter.sentence = "this is a test of the sink " + sending.sink + "; nothing is wrong";
     letter.subject = "[TEST] " + letter.host + ": " + letter.sentence;
     letter.body = letter.sentence + "\n\nhxraidsvc on " + letter.host + ", " +

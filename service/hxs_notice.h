@@ -34,9 +34,12 @@ struct Letter {
     std::string level;     // "critical", ..., or "cleared": of the gravest notice
     std::string sentence;  // of that notice
     std::string subject;
-    std::string json;        // everything, for programs
-    std::string body;        // everything, for people
-    std::uint64_t last = 0;  // the number of its last notice
+    std::int64_t at = 0;              // when it is sent, in seconds since 1970
+    std::string id;                   // the same when the same alerts are sent again
+    std::vector<std::string> alerts;  // each as JSON, the gravest first
+    std::string json;                 // everything, for programs
+    std::string body;                 // everything, for people
+    std::uint64_t last = 0;           // the number of its last notice
     std::uint64_t notices = 0;
     unsigned attempt = 1;
     bool may_be_repeat = false;

@@ -10,6 +10,9 @@ inline constexpr std::string_view kConfigurationFile = "/etc/hxraid/hxraidsvc.co
 inline constexpr std::string_view kRunFolder = "/run/hxraid";
 inline constexpr std::string_view kLockFile = "/run/hxraid/hxraidsvc.lock";
 inline constexpr std::string_view kSocketFile = "/run/hxraid/hxraidsvc.sock";
+// The sockets of systemd's journal and of syslog.
+inline constexpr std::string_view kJournalSocket = "/run/systemd/journal/socket";
+inline constexpr std::string_view kSyslogSocket = "/dev/log";
 inline constexpr std::string_view kStatusFile = "/run/hxraid/status.json";
 // Where Debian's node exporter takes metrics from files.
 inline constexpr std::string_view kMetricsFolder = "/var/lib/prometheus/node-exporter";

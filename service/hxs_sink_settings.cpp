@@ -5,6 +5,7 @@
 
 #include "common/failure.h"
 #include "common/nearest_name.h"
+#include "service/hxs_sink_mail.h"
 #include "service/hxs_toml.h"
 
 namespace hxservice {
@@ -22,7 +23,8 @@ struct Word {
     std::string_view name;
     T value;
 };
-constexpr Word<SinkKind> kKinds[] = {{"command", SinkKind::kCommand}};
+constexpr Word<SinkKind> kKinds[] = {
+    {"command", SinkKind::kCommand}, {"journal", SinkKind::kJournal}, {"mail", SinkKind::kMail}};
 constexpr Word<Policy> kPolicies[] = {{"once", Policy::kOnce},
                                       {"always", Policy::kAlways},
                                       {"daily", Policy::kDaily},
@@ -39,7 +41,10 @@ constexpr Duration kMostLimit = std::chrono::minutes(10);
 constexpr std::size_t kLongestName = 32;
 
 constexpr SinkRow kSinkRows[] = {
-    {"kind", &SinkSettings::kind, "", "\"command\"", "How alerts are sent there. It must be said."},
+    {"kind", &SinkSettings::kind, "", "\"command\", \"journal\" or \"mail\"",
+     "How alerts are sent there. It must be said. The journal is systemd's, or syslog where there "
+     "is "
+     "none."},
     {"level", &SinkSettings::level, "", "\"critical\", \"unknown\", \"warning\" or \"info\"",
      "The least grave level that is sent; \"warning\" when it is left out. Unknown is what cannot "
      "be read and may hide something critical."},
@@ -55,7 +60,15 @@ constexpr SinkRow kSinkRows[] = {
      "What takes longer to deliver is killed, with the processes that it has started; 30s when it "
      "is left out."},
     {"command", &SinkSettings::command, "command", "a list of texts",
-     "The program, by its whole path, and its words. No shell reads them."},
+     "The program, by its whole path, and its words. No shell reads them.",
+     "[\"/usr/bin/page\", \"ops\"]"},
+    {"to", &SinkSettings::to, "mail", "a list of texts", "Who gets the mail. It must be said.",
+     "[\"root\", \"storage@example.org\"]"},
+    {"from", &SinkSettings::from, "mail", "a text",
+     "The sender; when it is left out, the mail program decides."},
+    {"program", &SinkSettings::program, "mail", "a text",
+     "What sends the mail, by its whole path; /usr/sbin/sendmail when it is left out. It gets the "
+     "words -t and -oi, and -f with the sender if there is one, and the mail on standard input."},
 };
 
 template <class T, std::size_t N>
@@ -78,6 +91,7 @@ SinkComplaint TakeWord(const Word<T> (&words)[N], const TomlValue& value, T& fie
 struct Taker {
     SinkSettings& sink;
     const TomlValue& value;
+    const SinkRow& row;
 
     SinkComplaint operator()(std::optional<SinkKind> SinkSettings::*field) const {
         SinkKind kind{};
@@ -102,8 +116,8 @@ struct Taker {
     SinkComplaint operator()(std::vector<std::string> SinkSettings::*field) const {
         const auto* const texts = std::get_if<std::vector<std::string>>(&value.value);
         if (texts == nullptr || texts->empty() || texts->front().empty()) {
-            return Quoted(value.key) +
-                   " must be a list of texts, such as [\"/usr/bin/page\", \"ops\"]";
+            return Quoted(value.key) + " must be a list of texts, such as " +
+                   std::string(row.example);
         }
         sink.*field = *texts;
         return std::nullopt;
@@ -161,6 +175,12 @@ SinkSettings& SinkNamed(std::vector<SinkSettings>& sinks, std::string_view name)
     return made;
 }
 
+std::string NoAddress(const std::string& text) {
+    return Quoted(text) +
+           " is no mail address: it has only visible ASCII characters, none of "
+           "()<>[]:;\\,\" and no - in front";
+}
+
 bool IsDefault(const SinkSettings& sink, const SinkRow& row) {
     const SinkSettings defaults;
     return std::visit([&](auto field) { return sink.*field == defaults.*field; }, row.field);
@@ -197,7 +217,7 @@ SinkComplaint TakeSinkValue(std::vector<SinkSettings>& sinks, const TomlValue& v
                     : "; did you mean " +
                           Quoted("sink." + std::string(name) + "." + std::string(nearest)) + "?");
     }
-    return std::visit(Taker{sink, value}, row->field);
+    return std::visit(Taker{sink, value, *row}, row->field);
 }
 
 SinkComplaint CheckSink(const SinkSettings& sink) {
@@ -208,12 +228,25 @@ SinkComplaint CheckSink(const SinkSettings& sink) {
         return title + " is of kind " + Quoted(NameOf(*sink.kind)) + ", which has no key " +
                Quoted(row.key);
     }
-    if (*sink.kind == SinkKind::kCommand && sink.command.empty()) {
-        return title + " needs the key \"command\"";
-    }
-    if (*sink.kind == SinkKind::kCommand && !sink.command.front().starts_with('/')) {
-        return title + ": the program " + Quoted(sink.command.front()) +
-               " must be named by its whole path";
+    const auto complain_of_program = [&](const std::string& program) -> SinkComplaint {
+        if (program.starts_with('/')) return std::nullopt;
+        return title + ": the program " + Quoted(program) + " must be named by its whole path";
+    };
+    switch (*sink.kind) {
+        case SinkKind::kCommand:
+            if (sink.command.empty()) return title + " needs the key \"command\"";
+            return complain_of_program(sink.command.front());
+        case SinkKind::kJournal:
+            return std::nullopt;
+        case SinkKind::kMail:
+            if (sink.to.empty()) return title + " needs the key \"to\"";
+            for (const std::string& each : sink.to) {
+                if (!IsMailAddress(each)) return title + ": " + NoAddress(each);
+            }
+            if (!sink.from.empty() && !IsMailAddress(sink.from)) {
+                return title + ": " + NoAddress(sink.from);
+            }
+            return complain_of_program(sink.program);
     }
     return std::nullopt;
 }

@@ -18,7 +18,7 @@ namespace hxservice {
 
 struct TomlValue;
 
-enum class SinkKind : std::uint8_t { kCommand };
+enum class SinkKind : std::uint8_t { kCommand, kJournal, kMail };
 
 /// How often a condition that stays is sent.
 enum class Policy : std::uint8_t {
@@ -36,6 +36,9 @@ struct SinkSettings {
     std::int64_t queue = 200;                                        // so many alerts wait at most
     vexortools::Duration limit = std::chrono::seconds(30);
     std::vector<std::string> command;
+    std::string program = "/usr/sbin/sendmail";
+    std::string from;
+    std::vector<std::string> to;
 
     bool operator==(const SinkSettings&) const = default;
 };
@@ -48,9 +51,10 @@ struct SinkRow {
                  std::optional<SinkKind> SinkSettings::*, Policy SinkSettings::*,
                  hxconditions::Level SinkSettings::*>
         field;
-    std::string_view of;       // the kind of sink that has it; empty: every kind
-    std::string_view values;   // which values it takes, for the manual page
-    std::string_view meaning;  // as sentences
+    std::string_view of;            // the kind of sink that has it; empty: every kind
+    std::string_view values;        // which values it takes, for the manual page
+    std::string_view meaning;       // as sentences
+    std::string_view example = {};  // of a list
 };
 std::span<const SinkRow> SinkRows();
 

@@ -16,6 +16,7 @@
 #include "conditions/hxc_state.h"
 #include "service/hxs_collector.h"
 #include "service/hxs_deliverer.h"
+#include "service/hxs_journal.h"
 #include "service/hxs_keeper.h"
 #include "service/hxs_library_source.h"
 #include "service/hxs_lock.h"
@@ -25,6 +26,7 @@
 #include "service/hxs_paths.h"
 #include "service/hxs_settings.h"
 #include "service/hxs_signals.h"
+#include "service/hxs_sink_trial.h"
 #include "service/hxs_socket.h"
 #include "service/hxs_state_file.h"
 
@@ -37,6 +39,7 @@ using vexortools::UsageError;
 
 constexpr vexortools::ExitMeaning kExitMeanings[] = {
     {Exit::kDone, "done, or ended by a signal"},
+    {Exit::kRefused, "--test-alert: a sink could not be reached"},
     {Exit::kUsage, "wrong usage, or settings that cannot be used"},
     {Exit::kUnavailable,
      "another service runs, a folder is missing, or --once could not collect the events"},
@@ -46,6 +49,8 @@ struct Words {
     bool once = false;
     bool foreground = false;
     bool check_config = false;
+    bool test_alert = false;
+    std::string sink;  // of --test-alert
     std::string config;
 };
 
@@ -60,11 +65,21 @@ Words ParseWords(int argc, char** argv) {
     program.AddFlag("--foreground", words.foreground,
                     "write the lines of the log to standard error, too");
     program.AddFlag("--check-config", words.check_config, "check the settings file and end");
+    program.AddFlag("--test-alert", words.test_alert,
+                    "send a test through the sinks, or through SINK alone, and end");
+    program.AddText("SINK", words.sink, "the sink to test; else all");
     program.AddText("--config", words.config,
                     "the settings file; else " + std::string(kConfigurationFile));
     parser.Parse({argv + 1, argv + argc});
     if (words.check_config && (words.once || words.foreground)) {
         throw UsageError("--check-config starts no service; leave out --once and --foreground");
+    }
+    if (words.test_alert && (words.check_config || words.once || words.foreground)) {
+        throw UsageError(
+            "--test-alert starts no service; leave out --check-config, --once and --foreground");
+    }
+    if (!words.test_alert && !words.sink.empty()) {
+        throw UsageError("a sink is named with --test-alert alone");
     }
     return words;
 }
@@ -83,6 +98,24 @@ int CheckConfig(const Words& words) {
     return CodeOf(Exit::kDone);
 }
 
+// Beside a service that runs, too: nothing but the settings and the sinks is used.
+int TestAlert(const Words& words) {
+    const Settings settings = ReadSettingsOf(words);
+    Signals signals;
+    Journal journal(UnderRoot(kJournalSocket), UnderRoot(kSyslogSocket));
+    Sinks sinks(journal);
+    signals.WakeFor(sinks.Descriptor());
+    bool is_good = true;
+    TrySinks(settings.sinks, words.sink, sinks, signals, [&](const Trial& trial) {
+        const std::string result = trial.error.empty() ? "delivered" : "failed: " + trial.error;
+        std::printf("%s (%s): %s\n", trial.sink.c_str(), trial.kind.c_str(),
+                    vexortools::Printable(result).c_str());
+        std::fflush(stdout);
+        is_good = is_good && trial.error.empty();
+    });
+    return CodeOf(is_good ? Exit::kDone : Exit::kRefused);
+}
+
 int Serve(const Words& words) {
     const Settings settings = ReadSettingsOf(words);
     const MissingFolder missing =
@@ -94,13 +127,14 @@ int Serve(const Words& words) {
     if (missing == MissingFolder::kMakeBelowRoot) MakeBelowRoot(kMetricsFolder);
     Signals signals;
     const Lock lock(UnderRoot(kLockFile));
-    ServiceLog log(words.once || words.foreground);
+    Journal journal(UnderRoot(kJournalSocket), UnderRoot(kSyslogSocket));
+    ServiceLog log(words.once || words.foreground, journal);
     StateFile state(UnderRoot(kStateFile));
     if (!state.Damage().empty()) log.Say(state.Damage());
     FileKeeper keeper(state, UnderRoot(kStatusFile), UnderRoot(kMetricsFile), log);
     LibrarySource source;
     Systemd manager;
-    Sinks sinks;
+    Sinks sinks(journal);
     signals.WakeFor(sinks.Descriptor());
     std::optional<Socket> socket;
     if (!words.once) {
@@ -135,7 +169,8 @@ int Fail(Exit exit, const std::string& message) {
 int Run(int argc, char** argv) {
     try {
         const Words words = ParseWords(argc, argv);
-        return words.check_config ? CheckConfig(words) : Serve(words);
+        if (words.check_config) return CheckConfig(words);
+        return words.test_alert ? TestAlert(words) : Serve(words);
     } catch (const vexortools::HelpAsked& help) {
         std::fputs(help.text.c_str(), stdout);
         return CodeOf(Exit::kDone);

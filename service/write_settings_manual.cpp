@@ -73,6 +73,18 @@ kind = "command"
 command = ["/usr/local/bin/page", "storage"]
 level = "critical"
 .Ed
+.Pp
+Mail what is wrong each day until it is mended, and write it to the journal:
+.Bd -literal -offset indent
+[sink.ops]
+kind = "mail"
+to = ["root", "storage@example.org"]
+policy = "daily"
+
+[sink.journal]
+kind = "journal"
+level = "info"
+.Ed
 .Sh SEE ALSO
 .Xr vexorapi.ini 5 ,
 .Xr hxraidsvc 8

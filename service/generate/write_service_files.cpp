@@ -1,12 +1,13 @@
 // Writes the files of the tree that are made from the service's tables.
 //
-// usage: write_service_files schema | alerts | recordings | dashboard
+// usage: write_service_files schema | alerts | recordings | dashboard | catalogue
 #include <cstdio>
 #include <string>
 #include <string_view>
 
 #include "service/generate/alert_rules.h"
 #include "service/generate/dashboard.h"
+#include "service/generate/journal_catalogue.h"
 #include "service/generate/status_schema.h"
 
 namespace {
@@ -16,10 +17,9 @@ struct FileRow {
     std::string (*text)();
 };
 constexpr FileRow kFiles[] = {
-    {"schema", hxservice::StatusSchema},
-    {"alerts", hxservice::AlertRules},
-    {"recordings", hxservice::RecordingRules},
-    {"dashboard", hxservice::Dashboard},
+    {"schema", hxservice::StatusSchema},        {"alerts", hxservice::AlertRules},
+    {"recordings", hxservice::RecordingRules},  {"dashboard", hxservice::Dashboard},
+    {"catalogue", hxservice::JournalCatalogue},
 };
 
 }  // namespace

@@ -20,6 +20,7 @@ PATIENCE = 120  # seconds
 FOLDER = TREE / "packaging" / "prometheus"
 ALERTS = FOLDER / "hxraid-alerts.yml"
 RECORDINGS = FOLDER / "hxraid-recordings.yml"
+CATALOGUE = TREE / "packaging" / "hxraid.catalog"
 DASHBOARD = FOLDER / "hxraid-dashboard.json"
 INFORMATION = 500  # the rank from which nothing is alerted
 
@@ -45,12 +46,32 @@ def alerts():
 class Files(unittest.TestCase):
     def test_are_what_the_tables_make(self):
         for word, file in (("alerts", ALERTS), ("recordings", RECORDINGS),
-                           ("dashboard", DASHBOARD)):
+                           ("dashboard", DASHBOARD), ("catalogue", CATALOGUE)):
             written = subprocess.run([os.path.join(PROGRAMS, "write_service_files"), word],
                                      text=True, capture_output=True, check=True,
                                      timeout=PATIENCE).stdout
             self.assertEqual(file.read_text(), written,
                              f"write it anew: write_service_files {word}")
+
+    def test_explain_each_entry_of_the_journal(self):
+        entries = dict(re.findall(r"(?m)^-- ([0-9a-f]{32})\nSubject: (.+)$",
+                                  CATALOGUE.read_text()))
+        self.assertEqual(len(re.findall(r"(?m)^-- ", CATALOGUE.read_text())), len(entries))
+        golden = (TREE / "tests" / "conditions" / "codes.golden").read_text().splitlines()
+        for code, _, raised, cleared in map(str.split, golden):
+            self.assertTrue(entries[raised].startswith(f"{code} ("), entries[raised])
+            self.assertEqual(entries[cleared], f"{code} of @HXRAID_OBJECT@ is over")
+        self.assertIn("was set down", entries["8f1c6a5e0d2b4c739ae4b7d100020002"])
+        self.assertNotIn("{", CATALOGUE.read_text())
+        with tempfile.TemporaryDirectory() as root:
+            folder = pathlib.Path(root) / "usr" / "lib" / "systemd" / "catalog"
+            folder.mkdir(parents=True)
+            shutil.copy(CATALOGUE, folder)
+            subprocess.run(["journalctl", f"--root={root}", "--update-catalog"], check=True,
+                           timeout=PATIENCE)
+            listed = subprocess.run(["journalctl", f"--root={root}", "--list-catalog"], check=True,
+                                    text=True, capture_output=True, timeout=PATIENCE).stdout
+        self.assertEqual({line.split()[0] for line in listed.splitlines()}, set(entries))
 
     def test_have_a_rule_for_each_condition(self):
         names = [alert_name(code) for code in codes_to_alert()]
