@@ -50,7 +50,7 @@ vexor_run_path(vexorapi BUILD "$ORIGIN" INSTALL "${VEXORAPI_VENDOR_DIR}" "$ORIGI
     DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime)
 install(FILES packaging/vexorapi.tmpfiles.conf
     DESTINATION lib/tmpfiles.d RENAME vexorapi.conf COMPONENT runtime)
-vexor_install_manual(runtime vexorapi.ini.5 vexorapi-events.5)
+vexor_install_manual(runtime vexorapi.ini.5 vexorapi-events.5 vexorapi.7)
 
 # ---- development: what programs are compiled with ---------------------------------------------
 install(FILES backend/vexorapi/vexorapi.h backend/hxraid/hxraid.h
