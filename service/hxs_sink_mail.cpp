@@ -100,11 +100,11 @@ std::string QuotedPrintable(std::string_view body) {
 }
 
 // Names of the days and months are English in every locale.
-std::string MailDate(std::int64_t seconds) {
+std::string MailDate(std::int64_t since_1970) {
     constexpr const char* kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
     constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-    const auto time = static_cast<std::time_t>(seconds);
+    const auto time = static_cast<std::time_t>(since_1970);
     tm date{};
     gmtime_r(&time, &date);
     std::array<char, 32> rest{};
