@@ -88,6 +88,10 @@ install(FILES
 if(TARGET hxraidsvc)
     install(TARGETS hxraidsvc RUNTIME DESTINATION "${CMAKE_INSTALL_SBINDIR}" COMPONENT service)
     vexor_run_path_to_library(hxraidsvc SBINDIR service)
+    if(TARGET hxraidsvc-webhook)
+        install(TARGETS hxraidsvc-webhook
+            RUNTIME DESTINATION "${CMAKE_INSTALL_LIBEXECDIR}/hxraid" COMPONENT service)
+    endif()
     # systemd's own folder, which is not below the library folder of the machine's architecture.
     vexor_install_configured(service hxraidsvc.service.in hxraidsvc.service lib/systemd/system)
     install(FILES packaging/hxraid.catalog DESTINATION lib/systemd/catalog COMPONENT service)

@@ -1,6 +1,7 @@
 #include "service/hxs_alerts.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 #include "service/hxs_policy.h"
@@ -14,6 +15,8 @@ using vexortools::Duration;
 constexpr Duration kGathering = std::chrono::seconds(2);
 constexpr std::size_t kMostInLetter = 50;
 constexpr unsigned kFailuresThatCount = 3;
+// What is refused is not taken before somebody has changed something.
+constexpr Duration kAfterRefusal = std::chrono::minutes(10);
 constexpr hxconditions::Ticks kFailingThatCounts = 300;  // seconds
 
 // 1, 2, 4, ... seconds, at most 10 minutes.
@@ -22,6 +25,16 @@ Duration WaitAfter(unsigned failures) {
     constexpr unsigned kDoublings = 10;
     const unsigned doublings = std::min(std::max(failures, 1U) - 1, kDoublings);
     return std::min<Duration>(std::chrono::seconds(1U << doublings), kMost);
+}
+
+// A share of the wait, so that many machines do not come back together: the same for one machine,
+// sink and attempt.
+Duration Jittered(Duration wait, const std::string& host, const std::string& sink,
+                  unsigned failures) {
+    constexpr std::size_t kSteps = 1000;
+    const std::size_t step =
+        std::hash<std::string>()(host + "/" + sink + "/" + std::to_string(failures)) % kSteps;
+    return wait + wait * static_cast<Duration::rep>(step) / static_cast<Duration::rep>(4 * kSteps);
 }
 
 std::string Counted(std::uint64_t count) {
@@ -159,7 +172,12 @@ void Alerts::Finish(Desk& desk, const Delivery& delivery, Duration now, std::int
             queue.maybe_sent = desk.maybe_sent_before;
             queue.attempts = desk.attempts_before;
         }
-        desk.ready = now + WaitAfter(queue.failures);
+        if (delivery.is_refused) queue.failures = std::max(queue.failures, kFailuresThatCount);
+        Duration wait = delivery.is_refused ? kAfterRefusal : WaitAfter(queue.failures);
+        if (desk.settings.kind == SinkKind::kWebhook) {
+            wait = Jittered(wait, host_, desk.settings.name, queue.failures);
+        }
+        desk.ready = now + std::max(wait, delivery.wait);
         return;
     }
     for (const Notice& notice : queue.waiting) {

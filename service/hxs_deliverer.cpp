@@ -1,14 +1,13 @@
 #include "service/hxs_deliverer.h"
 
-#include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <utility>
 
 #include "conditions/hxc_text.h"
 #include "service/hxs_journal_entries.h"
 #include "service/hxs_sink_command.h"
 #include "service/hxs_sink_mail.h"
+#include "service/hxs_sink_webhook.h"
 
 namespace hxservice {
 
@@ -42,12 +41,19 @@ void Sinks::Start(const SinkSettings& sink, const Letter& letter, vexortools::Du
         case SinkKind::kMail:
             children_.Start(sink.name, MailJob(sink, letter), now);
             break;
+        case SinkKind::kWebhook:
+            webhooks_.insert(sink.name);
+            children_.Start(sink.name, WebhookJob(sink, letter), now);
+            break;
     }
 }
 
 std::vector<Delivery> Sinks::TakeEnded(vexortools::Duration now) {
     std::vector<Delivery> ended = std::exchange(written_, {});
-    std::ranges::move(children_.TakeEnded(now), std::back_inserter(ended));
+    for (Delivery& end : children_.TakeEnded(now)) {
+        if (webhooks_.erase(end.name) != 0) TakeWebhookAnswer(end);
+        ended.push_back(std::move(end));
+    }
     return ended;
 }
 

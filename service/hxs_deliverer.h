@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -49,7 +50,8 @@ private:
 
     Journal& journal_;
     Children children_;
-    std::vector<Delivery> written_;  // to the journal, which takes no time
+    std::set<std::string> webhooks_;  // the sinks at work that are webhooks
+    std::vector<Delivery> written_;   // to the journal, which takes no time
 };
 
 }  // namespace hxservice

@@ -27,9 +27,11 @@ struct Job {
 
 struct JobEnd {
     std::string name;
-    bool has_begun = false;  // it may have done something
-    std::string error;       // empty: it ended with 0
-    std::string output;      // the first bytes of what it wrote to standard output and error
+    bool has_begun = false;        // it may have done something
+    std::string error;             // empty: it ended with 0
+    std::string output;            // the first bytes of what it wrote to standard output and error
+    bool is_refused = false;       // it fails again until somebody changes something
+    vexortools::Duration wait{0};  // nothing more is taken before
 };
 
 class Children {

@@ -6,6 +6,7 @@
 #include "common/failure.h"
 #include "common/nearest_name.h"
 #include "service/hxs_sink_mail.h"
+#include "service/hxs_sink_webhook.h"
 #include "service/hxs_toml.h"
 
 namespace hxservice {
@@ -23,8 +24,10 @@ struct Word {
     std::string_view name;
     T value;
 };
-constexpr Word<SinkKind> kKinds[] = {
-    {"command", SinkKind::kCommand}, {"journal", SinkKind::kJournal}, {"mail", SinkKind::kMail}};
+constexpr Word<SinkKind> kKinds[] = {{"command", SinkKind::kCommand},
+                                     {"journal", SinkKind::kJournal},
+                                     {"mail", SinkKind::kMail},
+                                     {"webhook", SinkKind::kWebhook}};
 constexpr Word<Policy> kPolicies[] = {{"once", Policy::kOnce},
                                       {"always", Policy::kAlways},
                                       {"daily", Policy::kDaily},
@@ -41,7 +44,7 @@ constexpr Duration kMostLimit = std::chrono::minutes(10);
 constexpr std::size_t kLongestName = 32;
 
 constexpr SinkRow kSinkRows[] = {
-    {"kind", &SinkSettings::kind, "", "\"command\", \"journal\" or \"mail\"",
+    {"kind", &SinkSettings::kind, "", "\"command\", \"journal\", \"mail\" or \"webhook\"",
      "How alerts are sent there. It must be said. The journal is systemd's, or syslog where there "
      "is "
      "none."},
@@ -69,6 +72,14 @@ constexpr SinkRow kSinkRows[] = {
     {"program", &SinkSettings::program, "mail", "a text",
      "What sends the mail, by its whole path; /usr/sbin/sendmail when it is left out. It gets the "
      "words -t and -oi, and -f with the sender if there is one, and the mail on standard input."},
+    {"url", &SinkSettings::url, "webhook", "a text",
+     "Where alerts are posted as JSON; it begins with https://. It must be said."},
+    {"ca_file", &SinkSettings::ca_file, "webhook", "a text",
+     "The certificates of authorities, as PEM, of which one must have signed the receiver's; those "
+     "of the system when it is left out."},
+    {"secret_file", &SinkSettings::secret_file, "webhook", "a text",
+     "A file that its owner alone can read, with the secret that signs what is posted; when it is "
+     "left out, nothing is signed."},
 };
 
 template <class T, std::size_t N>
@@ -247,6 +258,17 @@ SinkComplaint CheckSink(const SinkSettings& sink) {
                 return title + ": " + NoAddress(sink.from);
             }
             return complain_of_program(sink.program);
+        case SinkKind::kWebhook:
+            if (sink.url.empty()) return title + " needs the key \"url\"";
+            if (!IsWebhookUrl(sink.url)) {
+                return title + ": the url " + Quoted(sink.url) +
+                       " must begin with https:// and have only visible ASCII characters";
+            }
+            for (const std::string& file : {sink.ca_file, sink.secret_file}) {
+                if (file.empty() || file.starts_with('/')) continue;
+                return title + ": the file " + Quoted(file) + " must be named by its whole path";
+            }
+            return std::nullopt;
     }
     return std::nullopt;
 }

@@ -18,7 +18,7 @@ namespace hxservice {
 
 struct TomlValue;
 
-enum class SinkKind : std::uint8_t { kCommand, kJournal, kMail };
+enum class SinkKind : std::uint8_t { kCommand, kJournal, kMail, kWebhook };
 
 /// How often a condition that stays is sent.
 enum class Policy : std::uint8_t {
@@ -39,6 +39,9 @@ struct SinkSettings {
     std::string program = "/usr/sbin/sendmail";
     std::string from;
     std::vector<std::string> to;
+    std::string url;
+    std::string ca_file;
+    std::string secret_file;
 
     bool operator==(const SinkSettings&) const = default;
 };

@@ -85,6 +85,14 @@ policy = "daily"
 kind = "journal"
 level = "info"
 .Ed
+.Pp
+Post what is wrong to a server, signed:
+.Bd -literal -offset indent
+[sink.chat]
+kind = "webhook"
+url = "https://chat.example.org/hooks/storage"
+secret_file = "/etc/hxraid/chat.secret"
+.Ed
 .Sh SEE ALSO
 .Xr vexorapi.ini 5 ,
 .Xr hxraidsvc 8
