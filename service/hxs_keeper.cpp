@@ -14,9 +14,10 @@ constexpr mode_t kStatusMode = 0644;
 
 }  // namespace
 
-FileKeeper::FileKeeper(StateFile& state, std::string status_path, std::string metrics_path,
-                       Log& log)
+FileKeeper::FileKeeper(StateFile& state, std::string alerts_path, std::string status_path,
+                       std::string metrics_path, Log& log)
     : state_(state),
+      alerts_path_(std::move(alerts_path)),
       status_path_(std::move(status_path)),
       metrics_path_(std::move(metrics_path)),
       saving_(log, "the state can be saved again"),
@@ -26,9 +27,12 @@ FileKeeper::FileKeeper(StateFile& state, std::string status_path, std::string me
 void FileKeeper::Save(const Saved& saved) {
     try {
         state_.Save(saved);
+        vexortools::ReplaceFile(alerts_path_, saved.answers, kStatusMode);
         saving_.End();
     } catch (const hxsqlite::StoreError& error) {
         saving_.Say(error.what());
+    } catch (const vexortools::FileError& error) {
+        saving_.Say(alerts_path_ + " cannot be written: " + error.what());
     }
 }
 

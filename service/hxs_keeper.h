@@ -11,6 +11,7 @@ namespace hxservice {
 class Keeper {
 public:
     virtual ~Keeper() = default;
+    /// Saves the state, and the answers for those who ask later.
     virtual void Save(const Saved& saved) = 0;
     /// Replaces the published status.
     virtual void Publish(const std::string& status) = 0;
@@ -24,7 +25,8 @@ public:
 class FileKeeper : public Keeper {
 public:
     /// The references must outlive the keeper.
-    FileKeeper(StateFile& state, std::string status_path, std::string metrics_path, Log& log);
+    FileKeeper(StateFile& state, std::string alerts_path, std::string status_path,
+               std::string metrics_path, Log& log);
     void Save(const Saved& saved) override;
     void Publish(const std::string& status) override;
     void PublishMetrics(const std::string& metrics) override;
@@ -32,6 +34,7 @@ public:
 
 private:
     StateFile& state_;
+    std::string alerts_path_;
     std::string status_path_;
     std::string metrics_path_;
     Lasting saving_;

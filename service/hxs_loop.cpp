@@ -66,7 +66,10 @@ void Loop::Look(const News& news) {
 
 // All in one transaction: after a crash an event is looked at again, or it was remembered and what
 // it has changed waits to be told.
-void Loop::Save() { parts_.keeper.Save({watch_.State(), collector_.Place(), alerts_.Box()}); }
+void Loop::Save() {
+    const Desktop desktop{watch_.Edit(), watch_.Overview(), alerts_, parts_.outside.Clocks().real};
+    parts_.keeper.Save({watch_.State(), collector_.Place(), alerts_.Box(), SavedAnswers(desktop)});
+}
 
 void Loop::ServeAlerts() {
     const bool is_look_due =

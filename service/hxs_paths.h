@@ -19,6 +19,8 @@ inline constexpr std::string_view kMetricsFolder = "/var/lib/prometheus/node-exp
 inline constexpr std::string_view kMetricsFile = "/var/lib/prometheus/node-exporter/hxraid.prom";
 inline constexpr std::string_view kStateFolder = "/var/lib/hxraid";
 inline constexpr std::string_view kStateFile = "/var/lib/hxraid/state.db";
+// What vexorctl alert shows while no service runs.
+inline constexpr std::string_view kAlertsFile = "/var/lib/hxraid/alerts.json";
 inline constexpr std::string_view kStoreFolder = "/opt/kestrel/raid/db";
 inline constexpr std::string_view kLogFolder = "/var/log";
 

@@ -216,6 +216,13 @@ RequestJson Test(const RequestJson& request, const Desktop& desktop) {
 
 }  // namespace
 
+std::string SavedAnswers(const Desktop& desktop) {
+    RequestJson answers{{"schema", "hxraidsvc-alerts/1"}, {"as_of", desktop.real}};
+    answers.update(List(desktop));
+    answers.update(History(desktop));
+    return answers.dump(-1, ' ', false, RequestJson::error_handler_t::replace) + "\n";
+}
+
 Reply ReplyTo(std::string_view request, const Caller& caller, const Desktop& desktop) {
     RequestJson reply;
     bool has_changed = false;

@@ -29,6 +29,10 @@ struct Reply {
     bool has_changed = false;  // save, and look at once
 };
 
+/// The answers to "list" and "history" in one, with the time: for those who ask while no service
+/// runs.
+std::string SavedAnswers(const Desktop& desktop);
+
 /// Never throws for what a caller sends.
 Reply ReplyTo(std::string_view request, const Caller& caller, const Desktop& desktop);
 

@@ -15,6 +15,7 @@ struct Saved {
     hxconditions::State state;
     std::optional<std::uint64_t> place;  // in the event store: the first event not looked at
     Outbox alerts{};
+    std::string answers{};  // what callers can be told while no service runs; not in this file
 };
 
 class StateFile {

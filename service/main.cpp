@@ -131,7 +131,8 @@ int Serve(const Words& words) {
     ServiceLog log(words.once || words.foreground, journal);
     StateFile state(UnderRoot(kStateFile));
     if (!state.Damage().empty()) log.Say(state.Damage());
-    FileKeeper keeper(state, UnderRoot(kStatusFile), UnderRoot(kMetricsFile), log);
+    FileKeeper keeper(state, UnderRoot(kAlertsFile), UnderRoot(kStatusFile),
+                      UnderRoot(kMetricsFile), log);
     LibrarySource source;
     Systemd manager;
     Sinks sinks(journal);

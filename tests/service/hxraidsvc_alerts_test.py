@@ -186,6 +186,19 @@ class Asked(Alerts):
                       self.alert("silence", "a0/pd4", "--end", code=1).stderr)
         self.alert("silence", "a0/pd4", "--for", "91d", code=2)
 
+    def test_tells_what_it_saved_when_it_does_not_run(self):
+        self.rows("ack", "a0/pd4", "--note", "ordered")
+        self.service.end()
+        done = self.alert("list", code=5)
+        self.assertIn("the event service cannot be asked: ", done.stderr)
+        self.assertRegex(done.stderr,
+                         r"what follows is from \d{4}-\d\d-\d\dT\S+Z, when it ran last")
+        codes = [row["code"] for row in json.loads(done.stdout)["items"]]
+        self.assertIn("DISK_PREDICTED_FAILURE", codes)
+        self.assertIn("delivered", [row["what"] for row in self.rows("history", code=5)])
+        self.root.path("/var/lib/hxraid/alerts.json").write_text("{")
+        self.assertEqual(self.rows("list", code=5), [])
+
     def test_tries_its_sinks(self):
         (row,) = self.rows("test")
         self.assertEqual((row["name"], row["result"]), ("pager", "delivered"))

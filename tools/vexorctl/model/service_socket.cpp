@@ -14,6 +14,7 @@
 #include <string>
 #include <string_view>
 
+#include "common/read_file.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
 
@@ -22,6 +23,7 @@ namespace vexorctl {
 namespace {
 
 constexpr char kSocket[] = "/run/hxraid/hxraidsvc.sock";
+constexpr char kSavedAnswers[] = "/var/lib/hxraid/alerts.json";
 constexpr std::size_t kMostAnswer = std::size_t{16} << 20;
 constexpr int kPatience = 60;  // seconds: a round of the service may take as long
 
@@ -40,9 +42,9 @@ private:
     int socket_;
 };
 
-std::string SocketPath() {
+std::string BelowRoot(const char* path) {
     const char* const root = secure_getenv("VEXORAPI_ROOT");
-    return std::string(root == nullptr ? "" : root) + kSocket;
+    return std::string(root == nullptr ? "" : root) + path;
 }
 
 [[noreturn]] void FailToReach(const std::string& path, int error) {
@@ -95,7 +97,7 @@ std::string Receive(const Connection& connection, const std::string& path) {
 }  // namespace
 
 nlohmann::ordered_json AskService(const nlohmann::ordered_json& request) {
-    const std::string path = SocketPath();
+    const std::string path = BelowRoot(kSocket);
     const Connection connection;
     Connect(connection, path);
     const auto replace = nlohmann::ordered_json::error_handler_t::replace;
@@ -107,6 +109,21 @@ nlohmann::ordered_json AskService(const nlohmann::ordered_json& request) {
     }
     if (answer["ok"] == true) return answer;
     throw Failure(Exit::kRefused, "the event service refuses: " + answer.value("error", "?"));
+}
+
+nlohmann::ordered_json RecallService() {
+    try {
+        auto answer = nlohmann::ordered_json::parse(
+            vexortools::ReadFile(BelowRoot(kSavedAnswers).c_str(), vexortools::FileKind::kRegular,
+                                 kMostAnswer),
+            nullptr, /*allow_exceptions=*/false);
+        const bool is_ours = answer.is_object() && answer.contains("as_of") &&
+                             answer["as_of"].is_number_integer() &&
+                             answer.value("schema", "") == "hxraidsvc-alerts/1";
+        return is_ours ? answer : nullptr;
+    } catch (const vexortools::FileError&) {
+        return nullptr;
+    }
 }
 
 }  // namespace vexorctl

@@ -2,13 +2,16 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "common/duration.h"
+#include "common/timestamp.h"
 #include "conditions/hxc_rows.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
@@ -139,19 +142,45 @@ std::vector<ColumnInfo> DoneInfo() { return InfoOf(kDoneColumns); }
 std::vector<ColumnInfo> TestInfo() { return InfoOf(kTestColumns); }
 std::vector<ColumnInfo> HistoryInfo() { return InfoOf(kHistoryColumns); }
 
+struct ServiceAnswer {
+    AlertJson json;
+    bool is_live = true;
+};
+
+// Without a running service its last answer is better than none, but it is not the present.
+ServiceAnswer AskOrRecall(const char* what) {
+    try {
+        return {AskService({{"do", what}})};
+    } catch (const Failure& failure) {
+        if (failure.exit != Exit::kUnavailable) throw;
+        AlertJson saved = RecallService();
+        if (saved.is_null()) throw;
+        std::fprintf(stderr, "vexorctl: %s\nvexorctl: what follows is from %s, when it ran last\n",
+                     failure.what(),
+                     vexortools::TimeText(saved["as_of"].get<std::int64_t>(), true).c_str());
+        return {std::move(saved), false};
+    }
+}
+
+Exit ExitOf(Exit shown, const ServiceAnswer& answer) {
+    return answer.is_live ? shown : MoreSerious(shown, Exit::kUnavailable);
+}
+
 Exit ListAlerts(Invocation& invocation) {
-    const AlertJson answer = AskService({{"do", "list"}});
-    return Present(invocation, Tabulated(invocation, kListColumns, RowsOf(answer, "conditions")));
+    const ServiceAnswer answer = AskOrRecall("list");
+    return ExitOf(
+        Present(invocation, Tabulated(invocation, kListColumns, RowsOf(answer.json, "conditions"))),
+        answer);
 }
 
 Exit ShowHistory(Invocation& invocation) {
-    const AlertJson answer = AskService({{"do", "history"}});
-    std::vector<AlertJson> rows = RowsOf(answer, "history");
+    const ServiceAnswer answer = AskOrRecall("history");
+    std::vector<AlertJson> rows = RowsOf(answer.json, "history");
     const auto last = invocation.Number("--last", UINT32_MAX);
     if (last && *last < rows.size()) {
         rows.erase(rows.begin(), rows.end() - static_cast<std::ptrdiff_t>(*last));
     }
-    return Present(invocation, Tabulated(invocation, kHistoryColumns, rows));
+    return ExitOf(Present(invocation, Tabulated(invocation, kHistoryColumns, rows)), answer);
 }
 
 AlertJson RequestOf(const Invocation& invocation, const char* what) {
@@ -245,8 +274,10 @@ constexpr CommandRow kCommands[] = {
      .examples = {"vexorctl alert list", "vexorctl alert list -o json"},
      .run = ListAlerts,
      .columns = ListInfo,
-     .note = "It is asked of the running event service, hxraidsvc(8), by its socket, which root "
-             "and members of the group hxraid may use. So are all commands of this noun."},
+     .note =
+         "It is asked of the running event service, hxraidsvc(8), by its socket, which root "
+         "and members of the group hxraid may use. So are all commands of this noun. While it does "
+         "not run, list and history show what it saved last, say of when that is, and end with 5."},
     {.noun = "alert",
      .verb = "ack",
      .summary = "Acknowledge: listed still, but quiet until it gets worse or ends",
