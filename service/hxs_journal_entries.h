@@ -18,7 +18,7 @@ inline constexpr std::string_view kTestMessageId = "8f1c6a5e0d2b4c739ae4b7d1ffff
 /// conditions stand in their rows.
 std::string EventMessageId(unsigned event_class, unsigned code);
 
-JournalEntry EntryOf(const StoredEvent& event);
+JournalEntry EntryOf(const StoredEvent& stored);
 
 /// An entry for each alert of the letter.
 std::vector<JournalEntry> EntriesOf(const Letter& letter);

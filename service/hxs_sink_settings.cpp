@@ -197,6 +197,35 @@ bool IsDefault(const SinkSettings& sink, const SinkRow& row) {
     return std::visit([&](auto field) { return sink.*field == defaults.*field; }, row.field);
 }
 
+SinkComplaint CheckProgram(const std::string& title, const std::string& program) {
+    if (program.starts_with('/')) return std::nullopt;
+    return title + ": the program " + Quoted(program) + " must be named by its whole path";
+}
+
+SinkComplaint CheckMail(const std::string& title, const SinkSettings& sink) {
+    if (sink.to.empty()) return title + " needs the key \"to\"";
+    for (const std::string& each : sink.to) {
+        if (!IsMailAddress(each)) return title + ": " + NoAddress(each);
+    }
+    if (!sink.from.empty() && !IsMailAddress(sink.from)) {
+        return title + ": " + NoAddress(sink.from);
+    }
+    return CheckProgram(title, sink.program);
+}
+
+SinkComplaint CheckWebhook(const std::string& title, const SinkSettings& sink) {
+    if (sink.url.empty()) return title + " needs the key \"url\"";
+    if (!IsWebhookUrl(sink.url)) {
+        return title + ": the url " + Quoted(sink.url) +
+               " must begin with https:// and have only visible ASCII characters";
+    }
+    for (const std::string& file : {sink.ca_file, sink.secret_file}) {
+        if (file.empty() || file.starts_with('/')) continue;
+        return title + ": the file " + Quoted(file) + " must be named by its whole path";
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::span<const SinkRow> SinkRows() { return kSinkRows; }
@@ -239,36 +268,16 @@ SinkComplaint CheckSink(const SinkSettings& sink) {
         return title + " is of kind " + Quoted(NameOf(*sink.kind)) + ", which has no key " +
                Quoted(row.key);
     }
-    const auto complain_of_program = [&](const std::string& program) -> SinkComplaint {
-        if (program.starts_with('/')) return std::nullopt;
-        return title + ": the program " + Quoted(program) + " must be named by its whole path";
-    };
     switch (*sink.kind) {
         case SinkKind::kCommand:
             if (sink.command.empty()) return title + " needs the key \"command\"";
-            return complain_of_program(sink.command.front());
+            return CheckProgram(title, sink.command.front());
         case SinkKind::kJournal:
             return std::nullopt;
         case SinkKind::kMail:
-            if (sink.to.empty()) return title + " needs the key \"to\"";
-            for (const std::string& each : sink.to) {
-                if (!IsMailAddress(each)) return title + ": " + NoAddress(each);
-            }
-            if (!sink.from.empty() && !IsMailAddress(sink.from)) {
-                return title + ": " + NoAddress(sink.from);
-            }
-            return complain_of_program(sink.program);
+            return CheckMail(title, sink);
         case SinkKind::kWebhook:
-            if (sink.url.empty()) return title + " needs the key \"url\"";
-            if (!IsWebhookUrl(sink.url)) {
-                return title + ": the url " + Quoted(sink.url) +
-                       " must begin with https:// and have only visible ASCII characters";
-            }
-            for (const std::string& file : {sink.ca_file, sink.secret_file}) {
-                if (file.empty() || file.starts_with('/')) continue;
-                return title + ": the file " + Quoted(file) + " must be named by its whole path";
-            }
-            return std::nullopt;
+            return CheckWebhook(title, sink);
     }
     return std::nullopt;
 }

@@ -176,9 +176,7 @@ int Fail(const std::string& error, bool is_refused, long wait_s) {
     return 1;
 }
 
-}  // namespace
-
-int main() {
+int Run() {
     try {
         const std::string input{std::istreambuf_iterator<char>(std::cin), {}};
         const std::size_t end = std::min(input.find('\n'), input.size());
@@ -188,5 +186,15 @@ int main() {
         return Fail(failure.what(), failure.again == Again::kRefused, failure.wait_s);
     } catch (const std::exception& failure) {
         return Fail(failure.what(), true, 0);
+    }
+}
+
+}  // namespace
+
+int main() {
+    try {
+        return Run();
+    } catch (...) {
+        return 1;  // no memory even to say why
     }
 }
