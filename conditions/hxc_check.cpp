@@ -185,6 +185,7 @@ std::string FirstLine(const Overview& overview, const Counts& counts) {
     std::string marks;
     if (more > 0) marks += "; and " + std::to_string(more) + " more";
     if (overview.silenced > 0) marks += "; " + std::to_string(overview.silenced) + " silenced";
+    if (overview.off > 0) marks += "; " + std::to_string(overview.off) + " switched off";
     const std::size_t room = kLongestFirstLine - line.size() - marks.size();
     return line + Shortened(Harmless(sentence), room) + marks;
 }

@@ -187,6 +187,7 @@ std::string OverviewJson(const Overview& overview, const Counts& counts) {
     json["counts"]["info"] = overview.info;
     json["counts"]["acknowledged"] = overview.acknowledged;
     json["counts"]["silenced"] = overview.silenced;
+    json["counts"]["switched_off"] = overview.off;
     json["machine"]["adapters"] = NumberOrNull(counts.adapters);
     json["machine"]["virtual_disks"] = NumberOrNull(counts.virtual_disks);
     json["machine"]["disks"] = NumberOrNull(counts.disks);
@@ -210,8 +211,8 @@ std::string OverviewSchema() {
     };
     return TextOf(ObjectSchema(
         {{"overall", OneOfSchema({"ok", "warning", "critical", "unknown"})},
-         {"counts", counts(NumberSchema(),
-                           {"critical", "unknown", "warning", "info", "acknowledged", "silenced"})},
+         {"counts", counts(NumberSchema(), {"critical", "unknown", "warning", "info",
+                                            "acknowledged", "silenced", "switched_off"})},
          {"machine",
           counts(OrNullSchema(NumberSchema()), {"adapters", "virtual_disks", "disks", "spares"})},
          {"conditions", ListSchema({{"$ref", "#/$defs/condition"}})}}));

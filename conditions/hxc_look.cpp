@@ -528,7 +528,8 @@ Condition LastConditionOf(const Told& told, const Settings& settings, std::int64
     held.since = told.since;
     held.since_is = told.since_is;
     held.last_seen = real;
-    Overview overview = OverviewOf(alone, settings, real, true);
+    // It was told before it was switched off.
+    Overview overview = OverviewOf(alone, {.levels = settings.levels, .off = {}}, real, true);
     return std::move(overview.heads.front());
 }
 
@@ -558,6 +559,7 @@ void TellPassed(std::vector<Message>& messages, const Work& work, const Settings
         for (const Code code : CodesIn(CodesOf(*raise).raises)) {
             const Row& row = RowOf(code);
             if (row.needs == Needs::kEvents || LevelOf(row) != Level::kCritical) continue;
+            if (settings.off.contains(code)) continue;
             const Object object = ObjectOf(*raise, work.things);
             const auto clear =
                 std::find_if(std::next(raise), work.events.end(), [&](const Event& each) {

@@ -33,6 +33,10 @@ bool IsPresent(const Adapter& adapter) {
     return adapter.battery && (adapter.battery->status & BatteryBit::kPresent) != 0;
 }
 
+bool IsRelearning(const Adapter& adapter) {
+    return IsPresent(adapter) && (adapter.battery->status & BatteryBit::kRelearning) != 0;
+}
+
 bool IsUnused(const Disk& disk) {
     constexpr unsigned kAnything = DiskBit::kConfigured | DiskBit::kGlobalSpare |
                                    DiskBit::kGroupSpare | DiskBit::kUnavailable | DiskBit::kFailed |
@@ -66,12 +70,14 @@ void FindGone(std::vector<Finding>& findings, const Memory& memory, const Answer
         gone.values["n"] = std::to_string(seen.disks);
         gone.links.push_back(identity);
     }
-    for (const auto& [identity, object] : memory.free_disks) {
+    for (const auto& [identity, seen] : memory.free_disks) {
+        const Object& object = seen.object;
         if (!things.IsRead(object, Source::kDisks)) continue;
         if (PlaceOf(things, object) != Place::kEmpty) continue;
         Finding& gone = findings.emplace_back(FindingOf(Code::kDiskMissing, object));
         gone.values["id"] = object.serial.empty() ? "" : " (" + object.serial + ")";
         gone.values["role"] = "; it was free";
+        if (!seen.enclosure.empty()) gone.values["enclosure"] = seen.enclosure;
     }
     if (!answers.machine.IsRead() || answers.adapters.size() >= memory.adapters.size()) return;
     for (const auto& [identity, seen] : memory.adapters) {
@@ -195,7 +201,8 @@ void FindBatteryAndElements(std::vector<Finding>& findings, const Memory& memory
         findings.push_back(FindingOf(Code::kBatteryRemoved, battery));
     }
     const auto relearn = memory.relearns.find(battery.identity);
-    if (relearn != memory.relearns.end() && IsPresent(adapter) && now - relearn->second >= kDay) {
+    if (relearn != memory.relearns.end() && IsRelearning(adapter) &&
+        now - relearn->second >= kDay) {
         findings.push_back(FindingOf(Code::kBatteryRelearnOverdue, battery));
     }
     for (const Enclosure& enclosure : adapter.enclosures) {
@@ -221,7 +228,9 @@ void RememberDisks(Memory& memory, const Things& things, const Adapter& adapter,
         const Object object = things.Of(adapter, disk);
         if (!object.is_known) continue;
         if (IsUnused(disk)) {
-            memory.free_disks[object.identity] = object;
+            memory.free_disks[object.identity] = {
+                object,
+                disk.enclosure ? AddressOf(adapter.number, Kind::kEnclosure, *disk.enclosure) : ""};
         } else {
             memory.free_disks.erase(object.identity);
         }
@@ -237,8 +246,9 @@ void RememberDisks(Memory& memory, const Things& things, const Adapter& adapter,
         }
     }
     if (!adapter.disks_query.IsRead()) return;
-    std::erase_if(memory.free_disks,
-                  [&](const auto& each) { return PlaceOf(things, each.second) == Place::kTaken; });
+    std::erase_if(memory.free_disks, [&](const auto& each) {
+        return PlaceOf(things, each.second.object) == Place::kTaken;
+    });
 }
 
 void RememberAdapter(Memory& memory, const Things& things, const Adapter& adapter, Ticks now) {
@@ -261,10 +271,10 @@ void RememberAdapter(Memory& memory, const Things& things, const Adapter& adapte
     if (IsPresent(adapter)) {
         const Object battery = things.BatteryOf(adapter);
         memory.batteries[battery.identity] = battery;
-        if ((adapter.battery->status & BatteryBit::kRelearning) == 0) {
-            memory.relearns.erase(battery.identity);
-        } else {
+        if (IsRelearning(adapter)) {
             memory.relearns.try_emplace(battery.identity, now);
+        } else {
+            memory.relearns.erase(battery.identity);
         }
     }
     for (const Enclosure& enclosure : adapter.enclosures) {

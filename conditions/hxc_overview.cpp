@@ -471,8 +471,13 @@ bool ComesBefore(const Condition& left, const Condition& right) {
 Overview OverviewOf(const State& state, const Settings& settings, std::int64_t real,
                     bool is_watched) {
     Entries entries;
+    Overview overview;
     for (const Held& held : state.held) {
         if (!held.is_shown) continue;
+        if (settings.off.contains(held.found.code)) {
+            ++overview.off;
+            continue;
+        }
         Entry& entry = entries.emplace_back();
         entry.held = &held;
         entry.row = &RowOf(held.found.code);
@@ -490,7 +495,6 @@ Overview OverviewOf(const State& state, const Settings& settings, std::int64_t r
     }
     for (Entry& entry : entries) Say(entry, entries, real, is_watched);
     for (Entry& entry : entries) NameAllHeads(entry, entries);
-    Overview overview;
     for (Entry& entry : entries) {
         if (entry.into != nullptr) continue;
         Condition& head = entry.condition;

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,9 @@ namespace hxconditions {
 /// The user's settings.
 struct Settings {
     std::map<Code, Level> levels;
+    std::set<Code> off;  // told nowhere; only counted
+
+    bool operator==(const Settings&) const = default;
 };
 
 struct Cause {
@@ -60,7 +64,8 @@ struct Overview {
     // Numbers of heads by level; both kinds of unknown count as one.
     std::uint64_t critical = 0, unknown = 0, warning = 0, info = 0;
     std::uint64_t acknowledged = 0, silenced = 0;
-    bool is_whole = true;  // silenced conditions are among the heads
+    std::uint64_t off = 0;  // conditions that hold and are switched off here
+    bool is_whole = true;   // silenced conditions are among the heads
 };
 
 /// `real` is the time by this machine's clock; `is_watched` tells that times of conditions are

@@ -90,6 +90,11 @@ struct SeenEnclosure {
     std::size_t disks = 0;
 };
 
+struct SeenFreeDisk {
+    Object object;
+    std::string enclosure;  // its address; empty: in none, or not known
+};
+
 struct SeenLink {
     std::optional<unsigned> phys;
     std::optional<unsigned> speed;
@@ -110,7 +115,7 @@ struct Memory {
     std::map<std::string, Ticks> relearns;
     std::map<std::string, SeenEnclosure> enclosures;
     std::map<std::string, Object> elements;
-    std::map<std::string, Object> free_disks;
+    std::map<std::string, SeenFreeDisk> free_disks;
     std::map<std::string, SeenLink> links;
     std::map<std::string, std::vector<SeenRemaps>> remaps;
     std::map<std::string, std::int64_t> clock_differences;  // seconds, of adapters

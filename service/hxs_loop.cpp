@@ -57,7 +57,7 @@ void Loop::Look(const News& news) {
     looked_at_ = now.real;
     ++work_.looks;
     tasks_.Take(answers_, now);
-    watch_.Look(answers_, news.events, now);
+    watch_.Look(answers_, news.events, now, settings_.conditions);
     alerts_.Take(watch_.Last(), watch_.Counts(), !news.events.empty(), parts_.outside.Now(),
                  now.real);
     Save();
@@ -155,8 +155,8 @@ void Loop::Reload() {
         self_.rejected_configuration.clear();
         parts_.log.Say("the settings were read again");
     } catch (const SettingsError& error) {
-        self_.rejected_configuration = error.what();
-        parts_.log.Say(std::string(error.what()) + "; the old settings hold");
+        self_.rejected_configuration = std::string(error.what()) + "; the old settings hold";
+        parts_.log.Say(self_.rejected_configuration);
     }
     look_due_.reset();  // what the settings say is looked at with the next round
     parts_.manager.Ready();

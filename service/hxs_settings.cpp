@@ -10,7 +10,8 @@
 #include "common/failure.h"
 #include "common/nearest_name.h"
 #include "common/read_file.h"
-#include "service/hxs_toml.h"
+#include "common/toml.h"
+#include "model/condition_levels.h"
 
 namespace hxservice {
 
@@ -20,7 +21,9 @@ using std::chrono::hours;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using vexortools::DurationText;
+using vexortools::EmptyTomlTable;
 using vexortools::Quoted;
+using vexortools::TomlValue;
 
 constexpr SettingRow kRows[] = {
     {"collect.interval", &Settings::collect_interval, seconds(1), hours(1),
@@ -47,6 +50,7 @@ std::vector<std::string_view> Tables() {
     std::vector<std::string_view> tables;
     for (const SettingRow& row : kRows) tables.push_back(row.key.substr(0, row.key.find('.')));
     tables.emplace_back("sink");
+    tables.emplace_back(vexorctl::kConditionsTable);
     return tables;
 }
 
@@ -56,6 +60,9 @@ std::string DidYouMean(const std::string& typed, const std::vector<std::string_v
 }
 
 Complaint TakeValue(Settings& settings, const TomlValue& value) {
+    if (vexorctl::IsConditionLevel(value)) {
+        return vexorctl::TakeConditionLevel(settings.conditions, value);
+    }
     if (value.key.starts_with("sink.")) return TakeSinkValue(settings.sinks, value);
     if (std::holds_alternative<EmptyTomlTable>(value.value)) {
         const std::vector<std::string_view> tables = Tables();
@@ -100,7 +107,7 @@ Settings ParseSettings(std::string_view text, const std::string& file) {
             (complaints.empty() ? "" : "\n") + file + ":" + std::to_string(line) + ": " + what;
     };
     try {
-        for (const TomlValue& value : ParseToml(text)) {
+        for (const TomlValue& value : vexortools::ParseToml(text)) {
             if (const Complaint what = TakeValue(settings, value)) complain(value.line, *what);
             const std::size_t known = settings.sinks.size();
             if (known > sink_lines.size()) sink_lines.resize(known, value.line);
@@ -110,7 +117,7 @@ Settings ParseSettings(std::string_view text, const std::string& file) {
                 complain(sink_lines[index], *what);
             }
         }
-    } catch (const TomlError& error) {
+    } catch (const vexortools::TomlError& error) {
         complain(error.line, error.what());
     }
     if (!complaints.empty()) throw SettingsError(complaints);

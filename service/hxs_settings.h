@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "common/duration.h"
+#include "conditions/hxc_overview.h"
 #include "service/hxs_sink_settings.h"
 
 namespace hxservice {
@@ -20,11 +21,12 @@ struct Settings {
     Duration collect_jitter = std::chrono::seconds(1);
     Duration watch_interval = std::chrono::seconds(60);
     std::vector<SinkSettings> sinks{};
+    hxconditions::Settings conditions{};
 
     bool operator==(const Settings&) const = default;
 };
 
-/// A key of the file that is not of a sink. Every value is a duration.
+/// A key of the file that is neither of a sink nor a condition. Every value is a duration.
 struct SettingRow {
     std::string_view key;  // with its table: "collect.interval"
     Duration Settings::*field;

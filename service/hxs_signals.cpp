@@ -101,6 +101,8 @@ Duration Signals::Now() {
 }
 
 hxconditions::Now Signals::Clocks() {
+    // Among rounds by the real clocks it counts as a boot: no time passes from one to the other.
+    if (set_clock_) return {.real = *set_clock_, .boot = *set_clock_, .boot_id = "set clock"};
     return {.real = std::time(nullptr),
             .boot = std::chrono::duration_cast<std::chrono::seconds>(Now()).count(),
             .boot_id = boot_id_};

@@ -2,6 +2,8 @@
 // SIGTERM and SIGINT end the loop.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <random>
 #include <string>
 #include <utility>
@@ -23,6 +25,10 @@ public:
     hxconditions::Now Clocks() override;
     Duration Random(Duration most) override;
 
+    /// The conditions' clocks stand at that time, in seconds since 1970; how much time has passed
+    /// since an earlier look is the difference of the two.
+    void SetClocks(std::int64_t real) { set_clock_ = real; }
+
     /// Wait ends when that descriptor is readable, too.
     void WakeFor(int descriptor) { others_.push_back(descriptor); }
 
@@ -31,6 +37,7 @@ private:
     std::vector<int> others_;
     Descriptor changes_;
     std::string boot_id_;
+    std::optional<std::int64_t> set_clock_;
     std::minstd_rand random_{std::random_device()()};
 };
 

@@ -5,9 +5,9 @@
 
 #include "common/failure.h"
 #include "common/nearest_name.h"
+#include "common/toml.h"
 #include "service/hxs_sink_mail.h"
 #include "service/hxs_sink_webhook.h"
-#include "service/hxs_toml.h"
 
 namespace hxservice {
 
@@ -15,7 +15,9 @@ namespace {
 
 using hxconditions::Level;
 using vexortools::Duration;
+using vexortools::EmptyTomlTable;
 using vexortools::Quoted;
+using vexortools::TomlValue;
 
 using SinkComplaint = std::optional<std::string>;
 

@@ -12,11 +12,10 @@
 #include <vector>
 
 #include "common/duration.h"
+#include "common/toml.h"
 #include "conditions/hxc_rows.h"
 
 namespace hxservice {
-
-struct TomlValue;
 
 enum class SinkKind : std::uint8_t { kCommand, kJournal, kMail, kWebhook };
 
@@ -65,7 +64,8 @@ std::string_view NameOf(SinkKind kind);
 
 /// Takes a value whose key is "sink.NAME.KEY" into its sink, which is made when it is new. Returns
 /// what is wrong with it.
-std::optional<std::string> TakeSinkValue(std::vector<SinkSettings>& sinks, const TomlValue& value);
+std::optional<std::string> TakeSinkValue(std::vector<SinkSettings>& sinks,
+                                         const vexortools::TomlValue& value);
 
 /// What is wrong with a sink after all its values were taken.
 std::optional<std::string> CheckSink(const SinkSettings& sink);

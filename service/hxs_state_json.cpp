@@ -76,6 +76,10 @@ auto Members(hxc::SeenEnclosure& it) {
     auto& [object, disks] = it;
     return std::tie(object, disks);
 }
+auto Members(hxc::SeenFreeDisk& it) {
+    auto& [object, enclosure] = it;
+    return std::tie(object, enclosure);
+}
 auto Members(hxc::SeenLink& it) {
     auto& [phys, speed] = it;
     return std::tie(phys, speed);

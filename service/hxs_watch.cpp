@@ -31,8 +31,8 @@ std::string LineOf(const hxc::Message& message) {
 Watch::Watch(Log& log, hxc::State state) : log_(log) { look_.state = std::move(state); }
 
 void Watch::Look(const hxc::Answers& answers, const std::vector<hxc::Event>& events,
-                 const hxc::Now& now) {
-    look_ = hxc::LookAt(std::move(look_.state), answers, events, now, {});
+                 const hxc::Now& now, const hxc::Settings& settings) {
+    look_ = hxc::LookAt(std::move(look_.state), answers, events, now, settings);
     counts_ = hxc::CountsOf(answers);
     for (const hxc::Message& message : look_.messages) log_.Say(LineOf(message));
 }

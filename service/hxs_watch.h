@@ -18,7 +18,7 @@ public:
 
     /// Takes up what one look found, and tells in the log what has changed.
     void Look(const hxconditions::Answers& answers, const std::vector<hxconditions::Event>& events,
-              const hxconditions::Now& now);
+              const hxconditions::Now& now, const hxconditions::Settings& settings);
 
     /// What the last look found and told.
     const hxconditions::Look& Last() const { return look_; }

@@ -1,6 +1,8 @@
 // hxraidsvc: the event service.
 #include <unistd.h>
 
+#include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -13,6 +15,7 @@
 #include "common/failure.h"
 #include "common/out_of_memory.h"
 #include "common/terminal_text.h"
+#include "common/timestamp.h"
 #include "conditions/hxc_state.h"
 #include "service/hxs_collector.h"
 #include "service/hxs_deliverer.h"
@@ -52,7 +55,18 @@ struct Words {
     bool test_alert = false;
     std::string sink;  // of --test-alert
     std::string config;
+    std::optional<std::int64_t> now;  // seconds since 1970
 };
+
+// An installed service that is told another time would tell wrong ages, and end what still holds.
+std::int64_t TimeOfTest(const std::string& text, bool is_once) {
+    if (!is_once) throw UsageError("--now needs --once: the time of a service goes on by itself");
+    if (UnderRoot("").empty()) {
+        throw UsageError("--now needs VEXORAPI_ROOT: it is for tests, not for an installed system");
+    }
+    const auto time = std::chrono::floor<std::chrono::seconds>(vexortools::ParseTime(text));
+    return time.time_since_epoch().count();
+}
 
 Words ParseWords(int argc, char** argv) {
     const vexortools::CommandParser parser(
@@ -70,7 +84,11 @@ Words ParseWords(int argc, char** argv) {
     program.AddText("SINK", words.sink, "the sink to test; else all");
     program.AddText("--config", words.config,
                     "the settings file; else " + std::string(kConfigurationFile));
+    std::string now;
+    program.AddText("--now", now,
+                    "with --once, below VEXORAPI_ROOT: the time for the conditions, for tests");
     parser.Parse({argv + 1, argv + argc});
+    if (!now.empty()) words.now = TimeOfTest(now, words.once);
     if (words.check_config && (words.once || words.foreground)) {
         throw UsageError("--check-config starts no service; leave out --once and --foreground");
     }
@@ -126,6 +144,7 @@ int Serve(const Words& words) {
     // Belongs to the node exporter, which need not be installed.
     if (missing == MissingFolder::kMakeBelowRoot) MakeBelowRoot(kMetricsFolder);
     Signals signals;
+    if (words.now) signals.SetClocks(*words.now);
     const Lock lock(UnderRoot(kLockFile));
     Journal journal(UnderRoot(kJournalSocket), UnderRoot(kSyslogSocket));
     ServiceLog log(words.once || words.foreground, journal);

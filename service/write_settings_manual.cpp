@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "common/duration.h"
+#include "conditions/hxc_rows.h"
 #include "service/hxs_paths.h"
 #include "service/hxs_settings.h"
 #include "service/hxs_sink_settings.h"
@@ -57,6 +58,32 @@ The keys of such a table:
 .Bl -tag -width Ds
 )";
 
+constexpr char kConditions[] = R"(.El
+.Ss Conditions
+The table
+.Ic [conditions]
+sets how grave a condition is on this machine:
+.Qq critical ,
+.Qq warning
+or
+.Qq info ;
+.Qq off
+leaves it out everywhere, and the first line of
+.Dl vexorctl check
+tells how many that hold are switched off.
+A condition whose level is set here is told with
+.Qq (level set here) .
+.Xr vexorctl 1 ,
+.Cm check
+and
+.Cm overview ,
+read the table as the service does; where they may not read the file, they take
+the levels that the service reports.
+The keys, the codes of the conditions, by the level that they have when they are
+left out:
+.Bl -tag -width Ds
+)";
+
 constexpr char kTail[] = R"(.El
 .Sh EXAMPLES
 Check in twice a minute:
@@ -64,6 +91,13 @@ Check in twice a minute:
 [collect]
 interval = "30s"
 jitter = "2s"
+.Ed
+.Pp
+A UPS protects the cache, and a missing spare is to be seen:
+.Bd -literal -offset indent
+[conditions]
+CACHE_UNPROTECTED = "info"
+SPARE_NONE = "warning"
 .Ed
 .Pp
 Run a program for what is critical:
@@ -121,6 +155,33 @@ std::string Wrapped(std::string_view text) {
     return wrapped;
 }
 
+struct LevelGroup {
+    std::string_view title;
+    hxconditions::Level level;
+    bool is_fixed;
+};
+constexpr LevelGroup kLevelGroups[] = {
+    {"Critical, whatever is set", hxconditions::Level::kCritical, true},
+    {"Critical", hxconditions::Level::kCritical, false},
+    {"Unknown, may hide something critical", hxconditions::Level::kUnknown, false},
+    {"Warning", hxconditions::Level::kWarning, false},
+    {"Unknown, hides at most a warning", hxconditions::Level::kMinorUnknown, false},
+    {"Information", hxconditions::Level::kInfo, false},
+};
+
+void PrintConditions() {
+    std::fputs(kConditions, stdout);
+    for (const LevelGroup& group : kLevelGroups) {
+        std::string codes;
+        for (const hxconditions::Row& row : hxconditions::Rows()) {
+            const bool is_fixed = !hxconditions::MayBeLowered(row);
+            if (hxconditions::LevelOf(row) != group.level || is_fixed != group.is_fixed) continue;
+            codes += (codes.empty() ? "" : ", ") + std::string(row.name);
+        }
+        std::printf(".It %s\n%s.\n", std::string(group.title).c_str(), Wrapped(codes).c_str());
+    }
+}
+
 }  // namespace
 
 int main() {
@@ -141,5 +202,6 @@ int main() {
                     Wrapped("It is " + std::string(row.values) + of + ".").c_str(),
                     Wrapped(row.meaning).c_str());
     }
+    PrintConditions();
     return std::fputs(kTail, stdout) < 0 ? 1 : 0;
 }

@@ -203,7 +203,7 @@ TEST(TheJson, OfWhatWasNotReadIsNullAndNotZero) {
     const Json json = Json::parse(OverviewJson(LookOnce(answers, {}, {}), CountsOf(answers)));
     EXPECT_EQ(json["overall"], "unknown");
     EXPECT_EQ(json["counts"].dump(), R"({"critical":0,"unknown":1,"warning":0,"info":0,)"
-                                     R"("acknowledged":0,"silenced":0})");
+                                     R"("acknowledged":0,"silenced":0,"switched_off":0})");
     EXPECT_EQ(json["machine"].dump(),
               R"({"adapters":2,"virtual_disks":null,"disks":8,"spares":0})");
     EXPECT_EQ(CountsText(CountsOf(answers)), "2 adapters, ? virtual disks, 8 disks");

@@ -1093,6 +1093,30 @@ TEST(ALevelSetHere, IsShownAndOrdersButNotWhatIsLost) {
     EXPECT_EQ(ExitCodeOf(overview.overall), 2);
 }
 
+TEST(ASwitchedOffCondition, IsCountedAndToldNowhere) {
+    Watcher watcher;
+    watcher.settings.off = {Code::kVdNoRedundancy};
+    watcher.Look(GoodMachine());
+    watcher.LookFor(60, DegradedMachine());
+    EXPECT_EQ(Find(watcher.overview, Code::kVdNoRedundancy), nullptr);
+    EXPECT_EQ(watcher.overview.off, 1U);
+    EXPECT_EQ(CodesOf(watcher.overview), "DISK_FAILED") << "what explained it stands for itself";
+    watcher.LookFor(3600, GoodMachine());
+    EXPECT_EQ(watcher.overview.off, 0U);
+    EXPECT_EQ(ChangesOf(watcher.messages).find("VD_NO_REDUNDANCY"), std::string::npos);
+}
+
+TEST(ASwitchedOffCondition, ThatWasToldBeforeIsClearedWhenItEnds) {
+    Watcher watcher;
+    watcher.LookFor(60, DegradedMachine());
+    ASSERT_NE(Find(watcher.overview, Code::kVdNoRedundancy), nullptr);
+    watcher.settings.off = {Code::kVdNoRedundancy};
+    watcher.Look(DegradedMachine());
+    EXPECT_EQ(ChangesOf(watcher.messages).find("cleared"), std::string::npos) << "it still holds";
+    watcher.Look(GoodMachine());
+    EXPECT_NE(ChangesOf(watcher.messages).find("cleared VD_NO_REDUNDANCY"), std::string::npos);
+}
+
 // ---- Events alone ----
 
 TEST(ACheck, ClearsInconsistenciesOnlyWhenItFoundNone) {

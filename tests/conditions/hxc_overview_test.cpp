@@ -251,6 +251,18 @@ TEST(DisksOfAnEnclosureThatIsGone, FoldIntoItWhenThereAreTwo) {
     EXPECT_EQ(watcher.overview.heads[0].sentence, "enclosure a0/enc0 with 8 disks is gone");
 }
 
+TEST(DisksOfAnEnclosureThatIsGone, FoldIntoItWhenTheyWereFree) {
+    Watcher watcher;
+    Answers answers = GoodMachine();
+    watcher.LookFor(60, answers);
+    answers.adapters[0].enclosures.clear();
+    Pull(answers, 3);
+    const auto is_free = [](const Disk& disk) { return disk.id == 7; };
+    ASSERT_EQ(std::erase_if(answers.adapters[0].disks, is_free), 1U);
+    watcher.LookFor(60, answers);
+    EXPECT_EQ(HeadsOf(watcher.overview), "ENC_GONE");
+}
+
 TEST(ADiskInSeveralVirtualDisks, FoldsIntoTheWorstAndNamesAll) {
     Answers answers = GoodMachine();
     VirtualDisk second = VirtualDiskAt(answers, 1);

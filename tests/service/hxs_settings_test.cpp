@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -143,6 +145,41 @@ TEST(ServiceSettings, RefuseWhatIsWrongWithASink) {
     for (const Row& row : rows) {
         const std::string complaint = ComplaintAbout(row.text);
         EXPECT_TRUE(complaint.starts_with(std::string("f.conf:") + row.complaint)) << complaint;
+    }
+}
+
+TEST(ServiceSettings, SetTheLevelsOfConditions) {
+    using hxconditions::Code;
+    using hxconditions::Level;
+    const Settings settings = ParseSettings(
+        "[conditions]\nCACHE_UNPROTECTED = \"info\"\nSPARE_NONE = \"warning\"\n"
+        "DISK_SMART_OFF = \"off\"\nVD_OFFLINE = \"critical\"\n",
+        "f.conf");
+    const std::map<Code, Level> levels = {{Code::kVdOffline, Level::kCritical},
+                                          {Code::kCacheUnprotected, Level::kInfo},
+                                          {Code::kSpareNone, Level::kWarning}};
+    EXPECT_EQ(settings.conditions.levels, levels);
+    EXPECT_EQ(settings.conditions.off, std::set<Code>{Code::kDiskSmartOff});
+    EXPECT_EQ(ParseSettings("[conditions]\n", "f.conf"), Settings());
+    struct Row {
+        const char *text, *complaint;
+    };
+    const Row rows[] = {
+        {"CACHE_UNPROTECTD = \"info\"",
+         "there is no condition \"CACHE_UNPROTECTD\"; did you mean "
+         "\"CACHE_UNPROTECTED\"?"},
+        {"SPARE_NONE = \"grave\"",
+         "\"conditions.SPARE_NONE\" must be one of \"critical\", \"warning\", \"info\", \"off\""},
+        {"SPARE_NONE = false",
+         "\"conditions.SPARE_NONE\" must be one of \"critical\", \"warning\", \"info\", \"off\""},
+        {"VD_OFFLINE = \"off\"",
+         "\"conditions.VD_OFFLINE\" stays critical: it tells of data that is lost or in danger"},
+        {"VD_GONE = \"warning\"",
+         "\"conditions.VD_GONE\" stays critical: it tells of data that is lost or in danger"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(ComplaintAbout(std::string("[conditions]\n") + row.text),
+                  std::string("f.conf:2: ") + row.complaint);
     }
 }
 

@@ -22,6 +22,7 @@
 #include "conditions/hxc_rows.h"
 #include "conditions/hxc_text.h"
 #include "conditions/hxc_things.h"
+#include "model/condition_levels.h"
 #include "model/event_store_file.h"
 #include "model/library_session.h"
 
@@ -149,6 +150,7 @@ std::optional<hxc::Condition> ConditionOf(const Json& json) {
     hxc::Condition condition;
     condition.code = *code;
     condition.level = *level;
+    condition.level_is_set_here = *level != hxc::LevelOf(row);
     condition.object = ObjectOf(json.at("object"), row);
     condition.sentence = json.at("sentence").get<std::string>();
     condition.next_step = TextOf(json.at("next_step"), "text");
@@ -178,6 +180,13 @@ struct Told {
     std::vector<std::string> heads{};  // for each, the virtual disk whose state it is folded into
     std::uint64_t events = 0;          // the number of the next event of the store
 };
+
+// Levels that the service may read and this program may not.
+void TakeLevelsOf(const Told& told, hxc::Settings& settings) {
+    for (const hxc::Condition& each : told.conditions) {
+        if (each.level_is_set_here) settings.levels[each.code] = each.level;
+    }
+}
 
 void TakeConditions(const Json& list, const std::string& head, Told& told) {
     for (const Json& each : list) {
@@ -328,10 +337,16 @@ hxc::Overview LookWithService(hxc::Answers answers, std::int64_t now) {
         }
     }
     answers.store = LookAtStore(told, answers.service.is_here);
+    ConditionLevels levels = ReadConditionLevels();
+    if (levels.is_denied) TakeLevelsOf(told, levels.settings);
+    if (!levels.complaint.empty()) {
+        answers.service.rejected_configuration =
+            levels.complaint + "; the levels that it sets are not used here";
+    }
     const hxc::Now clocks{.real = now, .boot = 0, .boot_id = ""};
     const ToldMovement movement(told.conditions);
-    hxc::Overview look =
-        hxc::WithWatched(hxc::LookOnce(answers, clocks, {}, &movement), told.conditions);
+    hxc::Overview look = hxc::WithWatched(
+        hxc::LookOnce(answers, clocks, levels.settings, &movement), told.conditions);
     return WithService(std::move(look), told, answers);
 }
 

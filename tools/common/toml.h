@@ -9,7 +9,7 @@
 #include <variant>
 #include <vector>
 
-namespace hxservice {
+namespace vexortools {
 
 /// A value that is of no type below, such as a date.
 struct OtherTomlValue {};
@@ -33,4 +33,4 @@ struct TomlError : std::runtime_error {
 /// All values, in the order of the text. Throws TomlError.
 std::vector<TomlValue> ParseToml(std::string_view text);
 
-}  // namespace hxservice
+}  // namespace vexortools

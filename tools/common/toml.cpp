@@ -1,11 +1,11 @@
-#include "service/hxs_toml.h"
+#include "common/toml.h"
 
 #include <algorithm>
 #include <utility>
 
 #include <toml++/toml.h>  // IWYU pragma: keep (its parts are not included one by one)
 
-namespace hxservice {
+namespace vexortools {
 
 namespace {
 
@@ -60,4 +60,4 @@ std::vector<TomlValue> ParseToml(std::string_view text) {
     return values;
 }
 
-}  // namespace hxservice
+}  // namespace vexortools
