@@ -105,6 +105,8 @@ if(TARGET hxraidsvc)
         packaging/prometheus/hxraid-dashboard.json
         packaging/prometheus/hxraid-recordings.yml
         DESTINATION "${CMAKE_INSTALL_DATADIR}/hxraid/prometheus" COMPONENT service)
+    install(FILES packaging/rsyslog/hxraid-receive.conf packaging/rsyslog/hxraid-send.conf
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/hxraid/rsyslog" COMPONENT service)
     install(FILES docs/hxraidsvc-status.schema.json
         DESTINATION "${vexor_data}/schemas" COMPONENT service)
     vexor_install_manual(service hxraidsvc.conf.5 hxraidsvc.8)
