@@ -28,10 +28,10 @@ struct LevelWord {
     std::string_view word;
     std::optional<hxc::Level> level;  // none: it is switched off
 };
-constexpr LevelWord kWords[] = {{"critical", hxc::Level::kCritical},
-                                {"warning", hxc::Level::kWarning},
-                                {"info", hxc::Level::kInfo},
-                                {"off", std::nullopt}};
+constexpr LevelWord kLevelWords[] = {{"critical", hxc::Level::kCritical},
+                                     {"warning", hxc::Level::kWarning},
+                                     {"info", hxc::Level::kInfo},
+                                     {"off", std::nullopt}};
 
 std::string NearestCode(const std::string& typed) {
     std::vector<std::string_view> names;
@@ -69,9 +69,10 @@ std::optional<std::string> TakeConditionLevel(hxc::Settings& settings,
     const std::optional<hxc::Code> code = hxc::FindRow(name);
     if (!code) return "there is no condition " + Quoted(name) + NearestCode(name);
     const auto* const text = std::get_if<std::string>(&value.value);
-    const auto* const word =
-        text == nullptr ? std::end(kWords) : std::ranges::find(kWords, *text, &LevelWord::word);
-    if (word == std::end(kWords)) {
+    const auto* const word = text == nullptr
+                                 ? std::end(kLevelWords)
+                                 : std::ranges::find(kLevelWords, *text, &LevelWord::word);
+    if (word == std::end(kLevelWords)) {
         return Quoted(value.key) + " must be one of \"critical\", \"warning\", \"info\", \"off\"";
     }
     if (!hxc::MayBeLowered(hxc::RowOf(*code)) && word->level != hxc::Level::kCritical) {

@@ -24,7 +24,7 @@ using hxcodes::ActivityKind;
 using hxcodes::ActivityState;
 
 constexpr std::string_view kRunning = "running", kPaused = "paused", kQueued = "queued",
-                           kFailed = "failed";
+                           kHasFailed = "failed";
 
 // What a disk that keeps an activity from going on is said to be.
 constexpr std::string_view kLostStates[] = {"failed", "missing", "offline"};
@@ -143,7 +143,7 @@ void TellFailure(Task& task, const std::vector<Disk>& disks, const hxcodes::Code
 }  // namespace
 
 std::string_view StandingOf(const Task& task, const hxcodes::CodeTable& codes) {
-    if (task.has_failed) return kFailed;
+    if (task.has_failed) return kHasFailed;
     if (!task.state) return {};
     const std::string_view name = hxcodes::NameOf(codes.activity_states, *task.state);
     for (const StandingRow& row : kStandings) {
@@ -152,7 +152,7 @@ std::string_view StandingOf(const Task& task, const hxcodes::CodeTable& codes) {
     return {};
 }
 
-std::vector<std::string_view> Standings() { return {kRunning, kPaused, kQueued, kFailed}; }
+std::vector<std::string_view> Standings() { return {kRunning, kPaused, kQueued, kHasFailed}; }
 
 std::vector<Task> LoadFailedTasks(Controller& controller, std::span<const Period> periods,
                                   std::span<const Task> running) {
@@ -199,7 +199,7 @@ void TellCauses(Controller& controller, std::vector<Task>& tasks) {
         } else if (standing == kQueued) {
             task.cause = WhatItWaitsFor(task, tasks, codes);
             task.next_step = "Wait: it goes on by itself";
-        } else if (standing == kFailed) {
+        } else if (standing == kHasFailed) {
             if (!disks) disks = LoadDisks(controller);
             TellFailure(task, *disks, codes);
         }

@@ -31,7 +31,7 @@ constexpr StateRow kStates[] = {
 
 constexpr std::string_view kNotOptimal = "not_optimal";  // in which way is not stored
 constexpr std::string_view kEventsLost = "events_lost";
-constexpr std::string_view kRebuild =
+constexpr std::string_view kRebuildKind =
     hxcodes::NameOf(hxcodes::kActivityNames, hxcodes::NumberOf(hxcodes::ActivityKind::kRebuild));
 
 void Close(Period& period, const Happening& event, PeriodEnd how) {
@@ -191,7 +191,7 @@ void Timeline::Take(const Happening& event) {
     }
     // A disk comes online as another one in the place of a lost one.
     if (kind == EventKind::kDiskOnline) LeaveBehind(event.object, {});
-    if (kind == EventKind::kVirtualDiskOnline) LeaveBehind(event.object, kRebuild);
+    if (kind == EventKind::kVirtualDiskOnline) LeaveBehind(event.object, kRebuildKind);
     if (const hxcodes::ActivityRow* const activity = hxcodes::ActivityOf(kind)) {
         TakeStep(event, *activity);
         return;
