@@ -72,7 +72,7 @@ install(TARGETS hxtape LIBRARY DESTINATION "${vexor_controllers}/tape" COMPONENT
 vexor_run_path(hxtape DESTINATION "${vexor_controllers}/tape" COMPONENT tools)
 install(DIRECTORY "${PROJECT_BINARY_DIR}/tools/vexorctl/man/"
     DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools FILES_MATCHING PATTERN "*.1")
-vexor_install_manual(tools vexorapi-tape.5 vexorctl-codes.5)
+vexor_install_manual(tools hxraid-conditions.7 vexorapi-tape.5 vexorctl-codes.5)
 set(vexor_completions "${PROJECT_BINARY_DIR}/tools/vexorctl/completions")
 install(FILES "${vexor_completions}/vexorctl.bash" RENAME vexorctl
     DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
@@ -95,6 +95,8 @@ if(TARGET hxraidsvc)
     # systemd's own folder, which is not below the library folder of the machine's architecture.
     vexor_install_configured(service hxraidsvc.service.in hxraidsvc.service lib/systemd/system)
     install(FILES packaging/hxraid.catalog DESTINATION lib/systemd/catalog COMPONENT service)
+    install(FILES packaging/hxraidsvc-metrics.socket
+        DESTINATION lib/systemd/system COMPONENT service)
     install(FILES packaging/hxraidsvc.sysusers
         DESTINATION lib/sysusers.d RENAME hxraidsvc.conf COMPONENT service)
     install(FILES packaging/hxraidsvc.logrotate

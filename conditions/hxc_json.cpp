@@ -157,9 +157,7 @@ constexpr MemberRow kMemberRows[] = {
      }},
     {"silenced_until",
      [](const Condition& it) { return TimeOrNull(it.silenced_until.value_or(0)); }, TimeSchema},
-    {"doc",
-     [](const Condition& it) { return Json("conditions(7)#" + std::string(RowOf(it.code).name)); },
-     TextSchema},
+    {"doc", [](const Condition& it) { return Json(ManualOf(RowOf(it.code))); }, TextSchema},
     {"folded", FoldedJson,
      [] {
          return ListSchema({{"$ref", "#/$defs/condition"}});

@@ -1432,6 +1432,8 @@ std::optional<Code> FindRow(std::string_view name) {
     return found == std::end(kRows) ? std::nullopt : std::optional(found->code);
 }
 
+std::string ManualOf(const Row& row) { return "hxraid-conditions(7)#" + std::string(row.name); }
+
 Level LevelOf(const Row& row) { return static_cast<Level>(BandOf(row) - 1); }
 
 std::string_view NameOf(Level level) { return kLevelNames[static_cast<std::size_t>(level)]; }

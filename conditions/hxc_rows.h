@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace hxconditions {
@@ -209,6 +210,9 @@ struct Row {
 std::span<const Row> Rows();
 const Row& RowOf(Code code);
 std::optional<Code> FindRow(std::string_view name);
+
+/// Where it is described: "hxraid-conditions(7)#VD_OFFLINE".
+std::string ManualOf(const Row& row);
 
 Level LevelOf(const Row& row);
 /// "critical", "unknown", "warning", "info".

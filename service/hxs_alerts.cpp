@@ -163,6 +163,7 @@ void Alerts::Finish(Desk& desk, const Delivery& delivery, Duration now, std::int
     desk.is_busy = false;
     if (!delivery.error.empty()) {
         queue.error = ReasonOf(delivery);
+        ++queue.failed_letters;
         if (queue.failures++ == 0) {
             queue.failing_since = ticks_;
             log_.Say("alerts cannot be delivered by " + desk.settings.name + ": " + queue.error);
@@ -193,6 +194,7 @@ void Alerts::Finish(Desk& desk, const Delivery& delivery, Duration now, std::int
     }
     log_.Say(Counted(delivered) + " delivered by " + desk.settings.name);
     RememberDelivery(desk, real, "delivered", delivered, "");
+    ++queue.delivered_letters;
     queue.failures = 0;
     queue.error.clear();
     queue.failing_since.reset();

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "conditions/hxc_answers.h"
@@ -29,9 +30,9 @@ struct News {
 class Collector {
 public:
     /// The references must outlive the collector. `place` is the event of the store at which to go
-    /// on; without it, at the first one that is new.
-    Collector(Source& source, Log& log, std::optional<std::uint64_t> place)
-        : source_(source), log_(log), place_(place) {}
+    /// on; without it, at the first one that is new. `counts` are of the events before it.
+    Collector(Source& source, Log& log, std::optional<std::uint64_t> place, EventCounts counts = {})
+        : source_(source), log_(log), tally_(std::move(counts)), place_(place) {}
 
     /// Checks in, and writes each event that is new in the store to the log.
     CheckIn Collect();

@@ -24,6 +24,8 @@ std::string TextOfSink(const SinkQueue& sink) {
     }
     json["given_up"] = sink.given_up;
     json["failures"] = sink.failures;
+    json["delivered_letters"] = sink.delivered_letters;
+    json["failed_letters"] = sink.failed_letters;
     json["error"] = sink.error;
     json["failing_since"] = sink.failing_since ? QueueJson(*sink.failing_since) : QueueJson();
     json["maybe_sent"] = sink.maybe_sent;
@@ -45,6 +47,9 @@ SinkQueue SinkOfText(std::string_view text) {
     }
     sink.given_up = json.at("given_up");
     sink.failures = json.at("failures");
+    // Not in a file from before they were counted.
+    sink.delivered_letters = json.value("delivered_letters", std::uint64_t{0});
+    sink.failed_letters = json.value("failed_letters", std::uint64_t{0});
     sink.error = json.at("error");
     if (!json.at("failing_since").is_null()) sink.failing_since = json.at("failing_since");
     sink.maybe_sent = json.at("maybe_sent");

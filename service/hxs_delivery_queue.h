@@ -30,7 +30,10 @@ struct SinkQueue {
     std::vector<Notice> waiting;
     std::uint64_t given_up = 0;  // alerts for which there was no room
     unsigned failures = 0;       // since the last delivery
-    std::string error;           // of the last one
+    // Letters since the sink is there.
+    std::uint64_t delivered_letters = 0;
+    std::uint64_t failed_letters = 0;
+    std::string error;  // of the last one
     std::optional<hxconditions::Ticks> failing_since;
     // Notices up to this number were handed over in so many attempts, of which no end is known or
     // which failed after they had begun.

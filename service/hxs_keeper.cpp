@@ -46,6 +46,7 @@ void FileKeeper::Publish(const std::string& status) {
 }
 
 void FileKeeper::PublishMetrics(const std::string& metrics) {
+    if (metrics_path_.empty()) return;
     const std::string folder = metrics_path_.substr(0, metrics_path_.rfind('/'));
     if (access(folder.c_str(), F_OK) != 0) {
         measuring_.Say(folder +

@@ -24,7 +24,7 @@ public:
 /// Files. A failure is told in the log while it lasts, and ends nothing.
 class FileKeeper : public Keeper {
 public:
-    /// The references must outlive the keeper.
+    /// The references must outlive the keeper. Without a path for the metrics none are written.
     FileKeeper(StateFile& state, std::string alerts_path, std::string status_path,
                std::string metrics_path, Log& log);
     void Save(const Saved& saved) override;

@@ -37,7 +37,7 @@ Loop::Loop(const Parts& parts, const Settings& settings, std::function<Settings(
     : parts_(parts),
       settings_(settings),
       read_(std::move(read)),
-      collector_(parts.source, parts.log, saved.place),
+      collector_(parts.source, parts.log, saved.place, std::move(saved.events)),
       watch_(parts.log, std::move(saved.state)),
       alerts_(parts.deliverer, parts.log, HostName(), settings.sinks, std::move(saved.alerts)) {
     self_.is_here = true;
@@ -68,7 +68,8 @@ void Loop::Look(const News& news) {
 // it has changed waits to be told.
 void Loop::Save() {
     const Desktop desktop{watch_.Edit(), watch_.Overview(), alerts_, parts_.outside.Clocks().real};
-    parts_.keeper.Save({watch_.State(), collector_.Place(), alerts_.Box(), SavedAnswers(desktop)});
+    parts_.keeper.Save({watch_.State(), collector_.Place(), alerts_.Box(),
+                        collector_.Tally().Counts(), SavedAnswers(desktop)});
 }
 
 void Loop::ServeAlerts() {
@@ -94,6 +95,7 @@ void Loop::ServeCallers() {
 Duration Loop::WorkDue(Duration otherwise) const {
     Duration due = std::min(otherwise, alerts_.Due().value_or(otherwise));
     if (parts_.callers != nullptr) due = std::min(due, parts_.callers->Due().value_or(due));
+    if (parts_.scrapers != nullptr) due = std::min(due, parts_.scrapers->Due().value_or(due));
     return due;
 }
 
@@ -123,7 +125,8 @@ Snapshot Loop::SnapshotOf(Rounds rounds, CheckIn how) {
             .answers = answers_,
             .facts = facts_,
             .tasks = tasks_.Running(),
-            .events = collector_.Tally()};
+            .events = collector_.Tally(),
+            .sinks = alerts_.Box().sinks};
 }
 
 CheckIn Loop::Round(Rounds rounds) {
@@ -138,7 +141,9 @@ CheckIn Loop::Round(Rounds rounds) {
     if (has_news || !look_due_ || began >= *look_due_) Look(news);
     const Snapshot snapshot = SnapshotOf(rounds, how);
     parts_.keeper.Publish(StatusText(snapshot));
-    parts_.keeper.PublishMetrics(MetricsText(snapshot));
+    const std::string metrics = MetricsText(snapshot);
+    parts_.keeper.PublishMetrics(metrics);
+    if (parts_.scrapers != nullptr) parts_.scrapers->Publish(metrics);
     work_.last_round = parts_.outside.Now() - began;
     work_.in_rounds += work_.last_round;
     ++work_.rounds;
@@ -177,6 +182,7 @@ bool Loop::WaitForNext() {
     do {
         parts_.manager.Alive();
         ServeCallers();
+        if (parts_.scrapers != nullptr) parts_.scrapers->Serve(parts_.outside.Now());
         ServeAlerts();
         if (look_due_) due = std::min(due, *look_due_);
         const Duration left = std::max(WorkDue(due) - parts_.outside.Now(), Duration(0));

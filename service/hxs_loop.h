@@ -12,6 +12,7 @@
 #include "service/hxs_collector.h"
 #include "service/hxs_deliverer.h"
 #include "service/hxs_keeper.h"
+#include "service/hxs_listener.h"
 #include "service/hxs_log.h"
 #include "service/hxs_manager.h"
 #include "service/hxs_settings.h"
@@ -53,7 +54,8 @@ struct Parts {
     Keeper& keeper;
     Log& log;
     Deliverer& deliverer;
-    Callers* callers = nullptr;  // null: nobody can ask
+    Callers* callers = nullptr;    // null: nobody can ask
+    Scrapers* scrapers = nullptr;  // null: nobody can ask for the metrics
 };
 
 /// The name of this machine.

@@ -37,4 +37,8 @@ private:
     vexortools::Duration longest_silence_;
 };
 
+/// The first of the sockets that the manager has opened for this process; -1: it has opened none.
+/// It stays the manager's: whoever accepts from it takes a copy.
+int SocketOfManager();
+
 }  // namespace hxservice

@@ -369,9 +369,10 @@ constexpr ConditionRow kConditionRows[] = {
      [](const hxc::Condition& it) {
          return it.since == 0 ? Value() : Value(static_cast<double>(it.since));
      }},
-    {"hxraid_condition_acknowledged", "1 when somebody has acknowledged it.",
+    {"hxraid_condition_acknowledged",
+     "1 when somebody has acknowledged it: the alert rules leave it out.",
      [](const hxc::Condition& it) { return Value(it.acknowledged.has_value()); }},
-    {"hxraid_condition_silenced", "1 while it is silenced.",
+    {"hxraid_condition_silenced", "1 while it is silenced: the alert rules leave it out.",
      [](const hxc::Condition& it) { return Value(it.silenced_until.has_value()); }},
 };
 
@@ -434,21 +435,21 @@ void AddQueries(MetricText& text, const hxc::Answers& answers) {
 }
 
 void AddEvents(MetricText& text, const Snapshot& snapshot) {
-    text.Begin("hxraid_events_total", kCounter,
-               "Events that were collected since the service's start.");
-    for (const auto& [kind, count] : snapshot.events.Counts()) {
+    const EventCounts& counts = snapshot.events.Counts();
+    text.Begin("hxraid_events_total", kCounter, "Events that were collected, over restarts.");
+    for (const auto& [kind, count] : counts.told) {
         text.Add({{"class", kind.first}, {"severity", kind.second}}, static_cast<double>(count));
     }
-    text.Begin("hxraid_events_lost_total", kCounter,
-               "Events that were lost since the service's start.");
-    text.Add({}, static_cast<double>(snapshot.events.Lost()));
+    text.Begin("hxraid_events_lost_total", kCounter, "Events that were lost, over restarts.");
+    text.Add({}, static_cast<double>(counts.lost));
     text.Begin("hxraid_event_store_first", kGauge, "The number of the oldest event in the store.");
     text.Add({}, static_cast<double>(snapshot.store.first));
     text.Begin("hxraid_event_store_next", kGauge, "The number that the next event will get.");
     text.Add({}, static_cast<double>(snapshot.store.next));
 }
 
-void AddDeliveries(MetricText& text, const std::vector<hxc::Sink>& sinks) {
+void AddDeliveries(MetricText& text, const Snapshot& snapshot) {
+    const std::vector<hxc::Sink>& sinks = snapshot.answers.service.sinks;
     const auto add = [&](std::string_view name, std::string_view help, auto value_of) {
         text.Begin(name, kGauge, help);
         for (const hxc::Sink& each : sinks) text.Add({{"sink", each.name}}, value_of(each));
@@ -459,6 +460,14 @@ void AddDeliveries(MetricText& text, const std::vector<hxc::Sink>& sinks) {
         [](const hxc::Sink& it) { return static_cast<double>(it.waiting); });
     add("hxraid_sink_given_up", "Alerts that were given up.",
         [](const hxc::Sink& it) { return static_cast<double>(it.given_up); });
+    text.Begin("hxraid_alert_deliveries_total", kCounter,
+               "Attempts to deliver alerts that have ended, over restarts.");
+    for (const auto& [name, queue] : snapshot.sinks) {
+        for (const auto& [result, count] : {std::pair("delivered", queue.delivered_letters),
+                                            std::pair("failed", queue.failed_letters)}) {
+            text.Add({{"sink", name}, {"result", result}}, static_cast<double>(count));
+        }
+    }
 }
 
 void AddService(MetricText& text, const Snapshot& snapshot) {
@@ -510,7 +519,7 @@ std::string MetricsText(const Snapshot& snapshot) {
     AddStatesOf(text, machine);
     AddTasks(text, snapshot.tasks);
     AddEvents(text, snapshot);
-    AddDeliveries(text, snapshot.answers.service.sinks);
+    AddDeliveries(text, snapshot);
     return text.Take();
 }
 

@@ -1,5 +1,6 @@
 #include "service/hxs_signals.h"
 
+#include <malloc.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/signalfd.h>
@@ -23,6 +24,7 @@ namespace hxservice {
 namespace {
 
 constexpr std::size_t kLongestBootId = 100;
+constexpr Duration kLongWait = std::chrono::seconds(1);
 
 struct SignalRow {
     int signal;
@@ -76,6 +78,8 @@ Signals::Signals() : boot_id_(BootId()) {
 
 Wake Signals::Wait(Duration longest) {
     const Duration end = Now() + longest;
+    // What a round has taken is given back, where that is worth the work.
+    if (longest >= kLongWait) malloc_trim(0);
     for (;;) {
         if (const std::optional<Wake> wake = Next(signals_.Get())) return *wake;
         const Duration left = end - Now();

@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "common/duration.h"
 #include "conditions/hxc_answers.h"
 #include "conditions/hxc_overview.h"
+#include "service/hxs_delivery_queue.h"
 #include "service/hxs_facts.h"
 #include "service/hxs_source.h"
 #include "service/hxs_tally.h"
@@ -40,6 +42,7 @@ struct Snapshot {
     const Facts& facts;
     const std::vector<RunningTask>& tasks;
     const EventTally& events;
+    const std::map<std::string, SinkQueue>& sinks;  // by name
 };
 
 }  // namespace hxservice

@@ -28,6 +28,7 @@ constexpr char kGroup[] = "hxraid";
 constexpr std::size_t kLongestRequest = 4096;
 constexpr std::size_t kMostConnections = 16;
 constexpr Duration kPatience = std::chrono::seconds(5);
+constexpr Duration kUntilAcceptedAgain = std::chrono::seconds(1);
 
 [[noreturn]] void Fail(const std::string& path, const char* what) {
     throw vexortools::Failure(vexortools::Exit::kUnavailable,
@@ -66,8 +67,12 @@ Caller CallerOf(int socket, const std::optional<gid_t>& group) {
 }
 
 std::optional<gid_t> GroupOfService() {
-    const group* const found = getgrnam(kGroup);
-    return found == nullptr ? std::nullopt : std::optional(found->gr_gid);
+    // As with the users. Besides, a directory service's modules would stay in memory.
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen("/etc/group", "re"), std::fclose);
+    for (const group* each = nullptr; file && (each = fgetgrent(file.get())) != nullptr;) {
+        if (std::strcmp(each->gr_name, kGroup) == 0) return each->gr_gid;
+    }
+    return std::nullopt;
 }
 
 }  // namespace
@@ -108,11 +113,23 @@ Socket::Socket(const std::string& path)
 
 Socket::~Socket() { unlink(path_.c_str()); }
 
+bool Socket::ListenFor(std::uint32_t events) {
+    epoll_event event{};
+    event.events = events;
+    event.data.fd = listening_.Get();
+    return epoll_ctl(events_.Get(), EPOLL_CTL_MOD, listening_.Get(), &event) == 0;
+}
+
 void Socket::Accept(Duration now) {
     for (;;) {
         ::Descriptor accepted(
             accept4(listening_.Get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
-        if (!accepted.IsOpen()) return;
+        if (!accepted.IsOpen()) {
+            const bool has_no_room =
+                errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM;
+            if (has_no_room && ListenFor(0)) accepts_again_ = now + kUntilAcceptedAgain;
+            return;
+        }
         if (connections_.size() >= kMostConnections) continue;  // it is closed
         const int id = accepted.Get();
         epoll_event event{};
@@ -153,6 +170,7 @@ void Socket::Write(Connection& connection) {
 }
 
 std::vector<Asked> Socket::TakeRequests(Duration now) {
+    if (accepts_again_ && now >= *accepts_again_ && ListenFor(EPOLLIN)) accepts_again_.reset();
     std::vector<Asked> asked;
     std::array<epoll_event, kMostConnections + 1> ready{};
     const int count = epoll_wait(events_.Get(), ready.data(), static_cast<int>(ready.size()), 0);
@@ -193,7 +211,7 @@ void Socket::Answer(int from, const std::string& text) {
 }
 
 std::optional<Duration> Socket::Due() const {
-    std::optional<Duration> due;
+    std::optional<Duration> due = accepts_again_;
     for (const auto& [id, connection] : connections_) {
         due = due ? std::min(*due, connection.end) : connection.end;
     }

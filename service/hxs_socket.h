@@ -58,6 +58,7 @@ private:
         bool is_asked = false;
         bool is_over = false;
     };
+    bool ListenFor(std::uint32_t events);
     void Accept(vexortools::Duration now);
     void Read(Connection& connection);
     static void Write(Connection& connection);
@@ -67,6 +68,8 @@ private:
     ::Descriptor events_;         // epoll
     std::optional<gid_t> group_;  // hxraid, where there is one
     std::map<int, Connection> connections_;
+    // Nobody is accepted before: without a free descriptor the one who waits would keep it busy.
+    std::optional<vexortools::Duration> accepts_again_;
 };
 
 }  // namespace hxservice

@@ -28,6 +28,7 @@ constexpr int kApplication = 0x68787376;  // "hxsv"
 
 constexpr std::string_view kState = "conditions";
 constexpr std::string_view kPlace = "place";
+constexpr std::string_view kEvents = "events";
 
 std::string SentenceOf(Trouble trouble, const std::string& path, const std::string& why) {
     const char* const what = trouble == Trouble::kDamaged ? " is damaged: " : " cannot be used: ";
@@ -107,12 +108,12 @@ void StateFile::Open(const std::string& path) {
     if (application != kApplication || version != kStateVersion) {
         throw DamagedError(path + " is no state of this version of the service");
     }
-    if (const auto text = Value(connection_, kState)) {
-        try {
-            saved_.state = ParseState(*text);
-        } catch (const StateTextError& error) {
-            throw DamagedError(path + " is damaged: " + error.what());
-        }
+    try {
+        if (const auto text = Value(connection_, kState)) saved_.state = ParseState(*text);
+        // Not in a file from before they were kept.
+        if (const auto text = Value(connection_, kEvents)) saved_.events = ParseEventCounts(*text);
+    } catch (const StateTextError& error) {
+        throw DamagedError(path + " is damaged: " + error.what());
     }
     if (const auto place = Value(connection_, kPlace)) {
         saved_.place = std::strtoull(place->c_str(), nullptr, 10);
@@ -125,6 +126,7 @@ void StateFile::Save(const Saved& saved) {
     Transaction transaction(connection_);
     Keep(connection_, kState, StateText(saved.state));
     if (saved.place) Keep(connection_, kPlace, std::to_string(*saved.place));
+    Keep(connection_, kEvents, EventCountsText(saved.events));
     SaveOutbox(connection_, saved.alerts);
     transaction.Commit();
 }

@@ -7,6 +7,7 @@
 
 #include "conditions/hxc_state.h"
 #include "service/hxs_delivery_queue.h"
+#include "service/hxs_tally.h"
 #include "sqlite/connection.h"
 
 namespace hxservice {
@@ -15,6 +16,7 @@ struct Saved {
     hxconditions::State state;
     std::optional<std::uint64_t> place;  // in the event store: the first event not looked at
     Outbox alerts{};
+    EventCounts events{};   // before that place
     std::string answers{};  // what callers can be told while no service runs; not in this file
 };
 

@@ -8,6 +8,7 @@
 #include <optional>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace hxservice {
@@ -203,6 +204,30 @@ hxc::State ParseState(std::string_view text) {
         throw StateTextError(error.what());
     }
     return state;
+}
+
+std::string EventCountsText(const EventCounts& counts) {
+    Json told = Json::array();
+    for (const auto& [kind, count] : counts.told) {
+        told.push_back(Json::array({kind.first, kind.second, count}));
+    }
+    const Json json = {{"told", std::move(told)}, {"lost", counts.lost}};
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+EventCounts ParseEventCounts(std::string_view text) {
+    EventCounts counts;
+    try {
+        const Json json = Json::parse(text);
+        for (const Json& each : json.at("told")) {
+            each.at(2).get_to(
+                counts.told[{each.at(0).get<std::string>(), each.at(1).get<std::string>()}]);
+        }
+        json.at("lost").get_to(counts.lost);
+    } catch (const Json::exception& error) {
+        throw StateTextError(error.what());
+    }
+    return counts;
 }
 
 }  // namespace hxservice

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "conditions/hxc_state.h"
+#include "service/hxs_tally.h"
 
 namespace hxservice {
 
@@ -21,5 +22,10 @@ std::string StateText(const hxconditions::State& state);
 
 /// Throws StateTextError.
 hxconditions::State ParseState(std::string_view text);
+
+std::string EventCountsText(const EventCounts& counts);
+
+/// Throws StateTextError.
+EventCounts ParseEventCounts(std::string_view text);
 
 }  // namespace hxservice

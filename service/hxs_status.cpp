@@ -147,7 +147,7 @@ std::string StatusText(const Snapshot& snapshot) {
     json["versions"] = VersionsJson(snapshot);
     json["store"]["first"] = snapshot.store.first;
     json["store"]["next"] = snapshot.store.next;
-    json["store"]["lost"] = snapshot.events.Lost();
+    json["store"]["lost"] = snapshot.events.Counts().lost;
     OrderedJson overview =
         OrderedJson::parse(hxc::OverviewJson(snapshot.overview, snapshot.counts));
     OrderedJson conditions = std::move(overview["conditions"]);

@@ -13,7 +13,7 @@ std::string ClassNameOf(const hxconditions::Event& event) {
 }
 
 void EventTally::Count(const StoredEvent& event) {
-    ++counts_[{ClassNameOf(event.event), event.severity}];
+    ++counts_.told[{ClassNameOf(event.event), event.severity}];
     Remember(event);
 }
 

@@ -12,28 +12,35 @@
 
 namespace hxservice {
 
+/// Is kept in the state file, so that a restart does not set the counts back.
+struct EventCounts {
+    using Kind = std::pair<std::string, std::string>;  // class and severity
+    std::map<Kind, std::uint64_t> told;
+    std::uint64_t lost = 0;
+};
+
 class EventTally {
 public:
     static constexpr std::size_t kLastEvents = 5;
-    using Kind = std::pair<std::string, std::string>;  // class and severity
+
+    /// `counts` are those of earlier processes.
+    explicit EventTally(EventCounts counts = {}) : counts_(std::move(counts)) {}
 
     /// An event that is told now.
     void Count(const StoredEvent& event);
     /// An event that may have been told already.
     void Remember(const StoredEvent& event);
-    void Lose(std::uint64_t events) { lost_ += events; }
+    void Lose(std::uint64_t events) { counts_.lost += events; }
     /// The numbers of events begin anew.
     void ForgetLast() { last_.clear(); }
 
-    const std::map<Kind, std::uint64_t>& Counts() const { return counts_; }
-    std::uint64_t Lost() const { return lost_; }
+    const EventCounts& Counts() const { return counts_; }
     /// The oldest first.
     const std::deque<StoredEvent>& Last() const { return last_; }
 
 private:
-    std::map<Kind, std::uint64_t> counts_;
+    EventCounts counts_;
     std::deque<StoredEvent> last_;
-    std::uint64_t lost_ = 0;
 };
 
 /// "virtual_disk"; the number of a class that has no name.

@@ -22,6 +22,7 @@
 #include "service/hxs_journal.h"
 #include "service/hxs_keeper.h"
 #include "service/hxs_library_source.h"
+#include "service/hxs_listener.h"
 #include "service/hxs_lock.h"
 #include "service/hxs_log.h"
 #include "service/hxs_loop.h"
@@ -150,8 +151,10 @@ int Serve(const Words& words) {
     ServiceLog log(words.once || words.foreground, journal);
     StateFile state(UnderRoot(kStateFile));
     if (!state.Damage().empty()) log.Say(state.Damage());
+    // What an earlier process has left there would be told for ever.
+    if (!settings.metrics_textfile) unlink(UnderRoot(kMetricsFile).c_str());
     FileKeeper keeper(state, UnderRoot(kAlertsFile), UnderRoot(kStatusFile),
-                      UnderRoot(kMetricsFile), log);
+                      settings.metrics_textfile ? UnderRoot(kMetricsFile) : "", log);
     LibrarySource source;
     Systemd manager;
     Sinks sinks(journal);
@@ -161,12 +164,18 @@ int Serve(const Words& words) {
         socket.emplace(UnderRoot(kSocketFile));
         signals.WakeFor(socket->Descriptor());
     }
+    std::optional<Listener> listener;
+    if (!words.once && !settings.metrics_listen.empty()) {
+        listener.emplace(settings.metrics_listen, log);
+        signals.WakeFor(listener->Descriptor());
+    }
     Saved saved = state.TakeSaved();
     // Rounds that are made one by one go on with the time that has passed since the last one.
     if (!words.once) hxconditions::NoteStart(saved.state);
     Loop loop(
-        {source, signals, manager, keeper, log, sinks, socket ? &*socket : nullptr}, settings,
-        [&] { return ReadSettingsOf(words); }, std::move(saved), state.Damage());
+        {source, signals, manager, keeper, log, sinks, socket ? &*socket : nullptr,
+         listener ? &*listener : nullptr},
+        settings, [&] { return ReadSettingsOf(words); }, std::move(saved), state.Damage());
     if (words.once) {
         return CodeOf(loop.RunOnce() == CheckIn::kDone ? Exit::kDone : Exit::kUnavailable);
     }

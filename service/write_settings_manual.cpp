@@ -1,12 +1,10 @@
 // Writes hxraidsvc.conf(5) from the table that reads the file.
-#include <algorithm>
-#include <cstddef>
 #include <cstdio>
 #include <string>
 #include <string_view>
 
-#include "common/duration.h"
 #include "conditions/hxc_rows.h"
+#include "service/generate/manual_text.h"
 #include "service/hxs_paths.h"
 #include "service/hxs_settings.h"
 #include "service/hxs_sink_settings.h"
@@ -132,29 +130,6 @@ secret_file = "/etc/hxraid/chat.secret"
 .Xr hxraidsvc 8
 )";
 
-// Manual pages have short lines, and a line for each sentence.
-std::string Wrapped(std::string_view text) {
-    constexpr std::size_t kMostColumns = 78;
-    std::string wrapped;
-    std::size_t column = 0;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find(' '), text.size());
-        const std::string_view word = text.substr(0, end);
-        text.remove_prefix(std::min(end + 1, text.size()));
-        const bool is_new = wrapped.empty() || wrapped.ends_with('.');
-        if (is_new || column + 1 + word.size() > kMostColumns) {
-            if (!wrapped.empty()) wrapped += '\n';
-            column = 0;
-        } else {
-            wrapped += ' ';
-            ++column;
-        }
-        wrapped += word;
-        column += word.size();
-    }
-    return wrapped;
-}
-
 struct LevelGroup {
     std::string_view title;
     hxconditions::Level level;
@@ -178,7 +153,8 @@ void PrintConditions() {
             if (hxconditions::LevelOf(row) != group.level || is_fixed != group.is_fixed) continue;
             codes += (codes.empty() ? "" : ", ") + std::string(row.name);
         }
-        std::printf(".It %s\n%s.\n", std::string(group.title).c_str(), Wrapped(codes).c_str());
+        std::printf(".It %s\n%s.\n", std::string(group.title).c_str(),
+                    hxservice::ManualText(codes).c_str());
     }
 }
 
@@ -186,21 +162,18 @@ void PrintConditions() {
 
 int main() {
     std::printf(kHead, std::string(hxservice::kConfigurationFile).c_str());
-    const hxservice::Settings defaults;
     for (const hxservice::SettingRow& row : hxservice::SettingRows()) {
-        std::printf(".It Ic %s\nA duration from %s to %s; %s when it is left out.\n%s\n",
-                    std::string(row.key).c_str(), vexortools::DurationText(row.least).c_str(),
-                    vexortools::DurationText(row.most).c_str(),
-                    vexortools::DurationText(defaults.*row.field).c_str(),
-                    Wrapped(row.meaning).c_str());
+        std::printf(".It Ic %s\n%s\n%s\n", std::string(row.key).c_str(),
+                    hxservice::ManualText(hxservice::ValuesOf(row)).c_str(),
+                    hxservice::ManualText(row.meaning).c_str());
     }
     std::fputs(kSinks, stdout);
     for (const hxservice::SinkRow& row : hxservice::SinkRows()) {
         const std::string of =
             row.of.empty() ? "" : ", for sinks of kind \"" + std::string(row.of) + "\"";
         std::printf(".It Ic %s\n%s\n%s\n", std::string(row.key).c_str(),
-                    Wrapped("It is " + std::string(row.values) + of + ".").c_str(),
-                    Wrapped(row.meaning).c_str());
+                    hxservice::ManualText("It is " + std::string(row.values) + of + ".").c_str(),
+                    hxservice::ManualText(row.meaning).c_str());
     }
     PrintConditions();
     return std::fputs(kTail, stdout) < 0 ? 1 : 0;

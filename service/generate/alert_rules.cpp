@@ -90,20 +90,27 @@ std::string TextOf(const Rule& rule) {
            "\n          runbook_url: " + QuotedYaml(rule.doc) + "\n";
 }
 
+// What somebody has silenced or acknowledged on the machine is not alerted elsewhere either.
+std::string UnlessQuiet(const std::string& code) {
+    const std::string of = "{code=\"" + code + "\"} == 1";
+    return "hxraid_condition" + of + " unless (hxraid_condition_silenced" + of +
+           " or hxraid_condition_acknowledged" + of + ")";
+}
+
 Rule RuleOf(const hxc::Row& row) {
     const std::string code(row.name);
     const std::string meaning(row.meaning);
     std::string summary = meaning.substr(0, meaning.find(". "));
     if (summary.ends_with('.')) summary.pop_back();
     return {.name = AlertNameOf(code),
-            .expression = "hxraid_condition{code=\"" + code + "\"} == 1",
+            .expression = UnlessQuiet(code),
             .wait = "",  // the service has waited already
             .keep = "5m",
             .severity = "",
             .summary = summary,
             .description = "{{ $labels.object }} of {{ $labels.instance }}: " + meaning,
             .next_step = InRules(row.next_step),
-            .doc = "man:conditions(7)#" + code};
+            .doc = "man:" + hxc::ManualOf(row)};
 }
 
 std::vector<Rule> RulesOfTheService() {

@@ -1,11 +1,12 @@
 // Writes the files of the tree that are made from the service's tables.
 //
-// usage: write_service_files schema | alerts | recordings | dashboard | catalogue
+// usage: write_service_files schema | alerts | recordings | dashboard | catalogue | conditions
 #include <cstdio>
 #include <string>
 #include <string_view>
 
 #include "service/generate/alert_rules.h"
+#include "service/generate/conditions_manual.h"
 #include "service/generate/dashboard.h"
 #include "service/generate/journal_catalogue.h"
 #include "service/generate/status_schema.h"
@@ -19,7 +20,7 @@ struct FileRow {
 constexpr FileRow kFiles[] = {
     {"schema", hxservice::StatusSchema},        {"alerts", hxservice::AlertRules},
     {"recordings", hxservice::RecordingRules},  {"dashboard", hxservice::Dashboard},
-    {"catalogue", hxservice::JournalCatalogue},
+    {"catalogue", hxservice::JournalCatalogue}, {"conditions", hxservice::ConditionsManual},
 };
 
 }  // namespace

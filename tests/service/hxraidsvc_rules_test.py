@@ -21,6 +21,7 @@ FOLDER = TREE / "packaging" / "prometheus"
 ALERTS = FOLDER / "hxraid-alerts.yml"
 RECORDINGS = FOLDER / "hxraid-recordings.yml"
 CATALOGUE = TREE / "packaging" / "hxraid.catalog"
+CONDITIONS = TREE / "docs" / "man" / "hxraid-conditions.7"
 DASHBOARD = FOLDER / "hxraid-dashboard.json"
 INFORMATION = 500  # the rank from which nothing is alerted
 
@@ -46,7 +47,8 @@ def alerts():
 class Files(unittest.TestCase):
     def test_are_what_the_tables_make(self):
         for word, file in (("alerts", ALERTS), ("recordings", RECORDINGS),
-                           ("dashboard", DASHBOARD), ("catalogue", CATALOGUE)):
+                           ("dashboard", DASHBOARD), ("catalogue", CATALOGUE),
+                           ("conditions", CONDITIONS)):
             written = subprocess.run([os.path.join(PROGRAMS, "write_service_files"), word],
                                      text=True, capture_output=True, check=True,
                                      timeout=PATIENCE).stdout
@@ -86,6 +88,18 @@ class Files(unittest.TestCase):
             self.assertNotRegex(text, r"(^|[^{])\{[a-z_]+\}", f"{name}: not filled in")
             summary = re.search(r'summary: "(.*)"', text)[1]
             self.assertNotIn("{{", summary, "it would keep alerts from being grouped")
+
+    def test_name_sections_of_the_manual_that_there_are(self):
+        page = CONDITIONS.read_text()
+        for name, text in alerts().items():
+            manual, section = re.search(r'runbook_url: "man:(.*?\(\d\))(?:#(\w+))?"', text).groups()
+            if section is None:
+                self.assertTrue((CONDITIONS.parent / "hxraidsvc.8").exists(), name)
+                continue
+            self.assertEqual(manual, "hxraid-conditions(7)")
+            self.assertIn(f"\n.Ss {section}\n", page)
+        self.assertNotRegex(page, r"[{}]", "a placeholder")
+        self.assertLessEqual(max(map(len, page.splitlines())), 80)
 
     def test_ask_for_metrics_that_there_are(self):
         there = set(re.findall(r'"(hxraid_[a-z_0-9]+)"',
@@ -154,6 +168,27 @@ class Prometheus(unittest.TestCase):
         self.take("promtool", "test", "rules", self.write("test.yml", {
             "rule_files": [str(ALERTS)], "evaluation_interval": "1m",
             "tests": [{"interval": "1m", "input_series": series, "alert_rule_test": cases}]}))
+
+    def test_alerts_nothing_that_is_silenced_or_acknowledged(self):
+        labels = 'code="VD_GONE",severity="critical",adapter="0",object="a0/vd0",instance="h1"'
+        for quiet in ("silenced", "acknowledged"):
+            series = [("hxraid_condition", "1x40"),
+                      ("hxraid_condition_silenced", "0x40"),
+                      ("hxraid_condition_acknowledged", "0x40")]
+            series = [(f"{name}{{{labels}}}", "0x9 1x14 0x20" if name.endswith(quiet) else values)
+                      for name, values in series]
+            cases = [{"eval_time": f"{minute}m", "expr":
+                      'count(ALERTS{alertname="HxraidVdGone",alertstate="firing"}) or vector(0)',
+                      "exp_samples": [{"labels": "{}", "value": value}]}
+                     # It goes on for 5 minutes.
+                     for minute, value in ((5, 1), (20, 0), (26, 1))]
+            with self.subTest(quiet):
+                self.take("promtool", "test", "rules", self.write("test.yml", {
+                    "rule_files": [str(ALERTS)], "evaluation_interval": "1m",
+                    "tests": [{"interval": "1m",
+                               "input_series": [{"series": name, "values": values}
+                                                for name, values in series],
+                               "promql_expr_test": cases}]}))
 
     def test_alerts_a_service_that_is_silent_and_one_that_cannot_read(self):
         tests = [

@@ -248,6 +248,8 @@ TEST_F(Alert, WaitsForASinkThatFailsAndIsMarkedAsARepeat) {
     Serve();
     EXPECT_THAT(Told(), ElementsAre("raised a0/pd5 again?, raised a0/pd4"));
     EXPECT_EQ(alerts_->Due(), std::nullopt);
+    EXPECT_EQ(alerts_->Box().sinks.at("pager").failed_letters, 2U);
+    EXPECT_EQ(alerts_->Box().sinks.at("pager").delivered_letters, 1U);
     EXPECT_THAT(log.lines,
                 ElementsAre("alerts cannot be delivered by pager: busy",
                             "alerts are delivered by pager again", "2 alerts delivered by pager"));

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <string>
@@ -52,11 +53,12 @@ public:
     Duration Now() override { return now; }
     hxconditions::Now Clocks() override {
         const auto passed = std::chrono::duration_cast<seconds>(now).count();
-        return {.real = 1000000 + passed, .boot = passed, .boot_id = "boot"};
+        return {.real = 1000000 + date_ahead.count() + passed, .boot = passed, .boot_id = "boot"};
     }
     Duration Random(Duration most) override { return most; }
 
     Duration now{0};
+    seconds date_ahead{0};  // of the time that has passed: somebody has set the clock
     std::vector<Duration> waits;
     int watches = 0;  // for changes
 
@@ -219,6 +221,21 @@ TEST_F(ServiceLoop, IsReadyAgainAfterAReloadThatFailed) {
                                           "reloading", "ready", "stopping"));
 }
 
+// What counts after a restart is what was saved with the place in the store.
+TEST_F(ServiceLoop, CountsEventsFromWhereAnEarlierProcessWas) {
+    source.event.event_class = 2;
+    source.queue = {"first", "second"};
+    VirtualTime time({{seconds(1), Wake::kEnd}});
+    Run(time);
+    EXPECT_THAT(keeper.metrics, testing::HasSubstr("{class=\"disk\",severity=\"info\"} 2\n"));
+    source.queue = {"third"};
+    VirtualTime later({{seconds(1), Wake::kEnd}});
+    Loop({source, later, manager, keeper, log, deliverer}, TenSeconds(), TenSeconds,
+         keeper.saved.back(), "")
+        .Run();
+    EXPECT_THAT(keeper.metrics, testing::HasSubstr("{class=\"disk\",severity=\"info\"} 3\n"));
+}
+
 TEST_F(ServiceLoop, IsNeverSilentForLongerThanTheWatchdogTakes) {
     manager.longest_silence = seconds(4);
     VirtualTime time({{seconds(15), Wake::kEnd}});
@@ -312,6 +329,55 @@ TEST_F(WatchedMachine, RaisesAFailedDiskAndClearsItAfterItsReplacement) {
         .Run();
     ASSERT_EQ(Changes().size(), 1U);
     EXPECT_TRUE(Changes()[0].starts_with("cleared after ")) << Changes()[0];
+}
+
+// What is known by the date alone would be told again, or ended, by a clock that is set.
+TEST_F(WatchedMachine, IsNotChangedByAClockThatIsSet) {
+    Show(kFailed);
+    VirtualTime before({{seconds(65), Wake::kEnd}});
+    Run(before);
+    ASSERT_THAT(Changes(), SizeIs(1));
+    for (const seconds ahead : {seconds(-900000), seconds(900000000), seconds(0)}) {
+        VirtualTime after({{seconds(200), Wake::kEnd}});
+        after.now = seconds(100);
+        after.date_ahead = ahead;
+        Loop({source, after, manager, keeper, log, deliverer}, TenSeconds(), TenSeconds,
+             keeper.saved.back(), "")
+            .Run();
+        EXPECT_THAT(Changes(), SizeIs(1)) << ahead.count();
+    }
+}
+
+// The time since the boot goes on while the machine sleeps.
+TEST_F(WatchedMachine, ThatWasSuspendedIsLookedAtOnceForAllTheRoundsThatWereMissed) {
+    class Suspended : public VirtualTime {
+    public:
+        Suspended() : VirtualTime({{std::chrono::hours(72) + seconds(5), Wake::kEnd}}) {}
+        Wake Wait(Duration longest) override {
+            return VirtualTime::Wait(waits.empty() ? std::chrono::hours(72) : longest);
+        }
+    };
+    Suspended time;
+    Run(time);
+    EXPECT_THAT(source.check_ins, SizeIs(2));
+    EXPECT_EQ(source.looks, 2);
+    EXPECT_THAT(Changes(), testing::IsEmpty());
+}
+
+TEST_F(WatchedMachine, HasTenThousandEventsAtOnce) {
+    constexpr int kMany = 10000;
+    source.capacity = 2 * kMany;
+    source.event.event_class = 2;
+    source.queue.assign(kMany, "something");
+    VirtualTime time({{seconds(5), Wake::kEnd}});
+    Run(time);
+    EXPECT_EQ(
+        std::ranges::count_if(
+            log.lines, [](const std::string& line) { return line.ends_with("[info] something"); }),
+        kMany);
+    EXPECT_EQ(keeper.saved.back().place, 10000U);
+    EXPECT_EQ(keeper.saved.back().events.told.at({"disk", "info"}), 10000U);
+    EXPECT_EQ(source.looks, 2);
 }
 
 TEST_F(WatchedMachine, RaisesWhatKeepsEventsFromBeingCollected) {

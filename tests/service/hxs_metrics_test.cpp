@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -101,7 +102,8 @@ protected:
                                        .answers = answers,
                                        .facts = facts,
                                        .tasks = tasks,
-                                       .events = events});
+                                       .events = events,
+                                       .sinks = sinks});
     }
     bool Has(const std::string& series) const {
         return ("\n" + Text()).find("\n" + series + "\n") != std::string::npos;
@@ -116,6 +118,7 @@ protected:
     hxservice::Facts facts;
     std::vector<hxservice::RunningTask> tasks;
     hxservice::EventTally events;
+    std::map<std::string, hxservice::SinkQueue> sinks;
 };
 
 TEST_F(ServiceMetrics, TellTheServiceAndItsRounds) {
@@ -258,6 +261,10 @@ TEST_F(ServiceMetrics, TellDeliveries) {
     EXPECT_TRUE(Has("hxraid_sink_failing{sink=\"mail\"} 1"));
     EXPECT_TRUE(Has("hxraid_sink_waiting{sink=\"mail\"} 3"));
     EXPECT_TRUE(Has("hxraid_sink_given_up{sink=\"mail\"} 1"));
+    sinks["mail"].delivered_letters = 5;
+    sinks["mail"].failed_letters = 2;
+    EXPECT_TRUE(Has("hxraid_alert_deliveries_total{sink=\"mail\",result=\"delivered\"} 5"));
+    EXPECT_TRUE(Has("hxraid_alert_deliveries_total{sink=\"mail\",result=\"failed\"} 2"));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "support/temporary_root.h"
@@ -59,6 +60,25 @@ TEST(ServiceSettings, RefuseAValueOfAnotherType) {
                   "f.conf:2: \"collect.interval\" must be a duration in quotation marks, such as "
                   "\"10s\"");
     }
+}
+
+TEST(ServiceSettings, SayWhereMetricsGoButNotToBoth) {
+    EXPECT_TRUE(ParseSettings("", "f.conf").metrics_textfile);
+    EXPECT_EQ(ParseSettings("", "f.conf").metrics_listen, "");
+    const Settings settings =
+        ParseSettings("[metrics]\nlisten = \"127.0.0.1:9834\"\ntextfile = false\n", "f.conf");
+    EXPECT_FALSE(settings.metrics_textfile);
+    EXPECT_EQ(settings.metrics_listen, "127.0.0.1:9834");
+    EXPECT_EQ(ComplaintAbout("[metrics]\nlisten = \"127.0.0.1:9834\"\n"),
+              "f.conf:2: \"metrics.listen\" needs \"metrics.textfile\" = false: a Prometheus that "
+              "asks for both would have every series twice");
+    EXPECT_EQ(ComplaintAbout("[metrics]\ntextfile = \"no\"\n"),
+              "f.conf:2: \"metrics.textfile\" must be true or false");
+    EXPECT_EQ(ComplaintAbout("[metrics]\nlisten = 9834\n"),
+              "f.conf:2: \"metrics.listen\" must be a text in quotation marks");
+    EXPECT_EQ(ComplaintAbout("[metrics]\ntextfile = false\nlisten = \"0.0.0.0:9834\"\n"),
+              "f.conf:3: \"metrics.listen\" must be an address of this machine alone with a port, "
+              "such as \"127.0.0.1:9834\" or \"[::1]:9834\", or \"systemd\"");
 }
 
 TEST(ServiceSettings, RefuseAValueOutOfItsLimits) {
@@ -193,11 +213,14 @@ TEST(ServiceSettings, OfAFileThatIsNotThereAreTheDefaultsOrAnError) {
 }
 
 TEST(ServiceSettings, HaveARowForEachKeyWithItsMeaning) {
-    EXPECT_EQ(hxservice::SettingRows().size(), 3U);
+    EXPECT_EQ(hxservice::SettingRows().size(), 5U);
     for (const hxservice::SettingRow& row : hxservice::SettingRows()) {
         EXPECT_FALSE(row.meaning.empty()) << row.key;
-        EXPECT_GE(Settings().*row.field, row.least) << row.key;
-        EXPECT_LE(Settings().*row.field, row.most) << row.key;
+        const auto* const duration =
+            std::get_if<hxservice::Duration hxservice::Settings::*>(&row.field);
+        if (duration == nullptr) continue;
+        EXPECT_GE(Settings().**duration, row.least) << row.key;
+        EXPECT_LE(Settings().**duration, row.most) << row.key;
     }
 }
 

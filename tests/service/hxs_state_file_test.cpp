@@ -98,13 +98,37 @@ TEST(ServiceStateFile, HoldsWhatWasSaved) {
         StateFile file(path);
         EXPECT_EQ(file.TakeSaved().place, std::nullopt);
         file.Save({FullState(), 41});
-        file.Save({FullState(), 42});
+        hxservice::Outbox box;
+        box.sinks["mail"].delivered_letters = 5;
+        box.sinks["mail"].failed_letters = 2;
+        file.Save(
+            {FullState(), 42, box, {.told = {{{"disk", "ma\"jor"}, 1000000000007}}, .lost = 12}});
     }
     StateFile file(path);
     const Saved saved = file.TakeSaved();
     EXPECT_EQ(file.Damage(), "");
     EXPECT_EQ(saved.place, 42U);
     EXPECT_EQ(StateText(saved.state), StateText(FullState()));
+    EXPECT_EQ(saved.events.told.at({"disk", "ma\"jor"}), 1000000000007U);
+    EXPECT_EQ(saved.events.lost, 12U);
+    EXPECT_EQ(saved.alerts.sinks.at("mail").delivered_letters, 5U);
+    EXPECT_EQ(saved.alerts.sinks.at("mail").failed_letters, 2U);
+}
+
+// It was made by a version that did not count.
+TEST(ServiceStateFile, WithoutCountsOfEventsBeginsWithNone) {
+    const TemporaryRoot root;
+    const std::string path = SavedAndThen(root, "DELETE FROM kept WHERE name = 'events'");
+    StateFile file(path);
+    EXPECT_EQ(file.Damage(), "");
+    EXPECT_EQ(file.TakeSaved().place, 42U);
+}
+
+TEST(ServiceStateFile, IsSetAsideWhenItsCountsAreDamaged) {
+    const TemporaryRoot root;
+    const std::string path =
+        SavedAndThen(root, "UPDATE kept SET value = '{\"told\":[7]}' WHERE name = 'events'");
+    EXPECT_NE(StateFile(path).Damage(), "");
 }
 
 TEST(ServiceStateFile, IsSetAsideWhenItIsNoDatabase) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,7 @@ struct Round {
     hxservice::Facts facts;
     std::vector<hxservice::RunningTask> tasks;
     hxservice::EventTally events;
+    std::map<std::string, hxservice::SinkQueue> sinks;
 
     std::string Text() const {
         return StatusText({.written_at = 1795000000,
@@ -35,7 +37,8 @@ struct Round {
                            .answers = answers,
                            .facts = facts,
                            .tasks = tasks,
-                           .events = events});
+                           .events = events,
+                           .sinks = sinks});
     }
 };
 

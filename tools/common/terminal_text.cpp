@@ -12,17 +12,26 @@ namespace vexortools {
 namespace {
 
 // Selects the C library's built-in C.UTF-8 character table for wcwidth while an object is alive,
-// whatever the locale is: terminals show UTF-8 even without LANG.
+// whatever the locale is: terminals show UTF-8 even without LANG. The table is loaded for the first
+// character beyond ASCII only, so that a service that writes none does without its memory.
 class CharacterTable {
 public:
-    CharacterTable() : former_(uselocale(Table())) {}
-    ~CharacterTable() { uselocale(former_); }
+    CharacterTable() = default;
+    ~CharacterTable() {
+        if (former_ != nullptr) uselocale(former_);
+    }
     CharacterTable(const CharacterTable&) = delete;
     CharacterTable& operator=(const CharacterTable&) = delete;
 
     /// The columns of a character; -1 for an unprintable one. Without the table only ASCII is
     /// printable.
-    int WidthOf(char32_t code) const { return wcwidth(static_cast<wchar_t>(code)); }
+    int WidthOf(char32_t code) {
+        constexpr char32_t kAfterAscii = 0x80;
+        if (code == 0) return 0;
+        if (code < kAfterAscii) return code >= ' ' && code != 0x7F ? 1 : -1;
+        if (former_ == nullptr) former_ = uselocale(Table());
+        return wcwidth(static_cast<wchar_t>(code));
+    }
 
 private:
     static locale_t Table() {
@@ -30,7 +39,7 @@ private:
         return table;  // null leaves the locale as it is
     }
 
-    locale_t former_;
+    locale_t former_ = nullptr;  // null: the table is not selected
 };
 
 // Invisible characters, and characters that change the text around them.
@@ -60,7 +69,7 @@ bool IsTrick(char32_t code) {
 }  // namespace
 
 std::string Printable(std::string_view text) {
-    const CharacterTable table;
+    CharacterTable table;
     std::string printable;
     printable.reserve(text.size());
     while (!text.empty()) {
@@ -73,7 +82,7 @@ std::string Printable(std::string_view text) {
 }
 
 std::size_t DisplayWidth(std::string_view text) {
-    const CharacterTable table;
+    CharacterTable table;
     std::size_t width = 0;
     while (!text.empty()) {
         const Utf8Character character = TakeUtf8(text);

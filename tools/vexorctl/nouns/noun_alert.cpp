@@ -67,7 +67,7 @@ std::vector<AlertJson> RowsOf(const AlertJson& answer, const char* name) {
 constexpr Column<AlertJson> kListColumns[] = {
     {{"level", "LEVEL", kText, kTable, "How grave it is"},
      [](const AlertJson& it) { return TextOf(it, "level"); }},
-    {{"code", "CODE", kText, kTable, "Which condition it is; conditions(7) describes it"},
+    {{"code", "CODE", kText, kTable, "Which condition it is; hxraid-conditions(7) describes it"},
      [](const AlertJson& it) { return TextOf(it, "code"); }},
     {{"address", "ADDRESS", kReference, kTable, "The object it is about"},
      [](const AlertJson& it) { return TextOf(PartOf(it, "object"), "address"); }},
