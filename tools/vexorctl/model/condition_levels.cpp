@@ -19,7 +19,6 @@ namespace vexorctl {
 namespace {
 
 namespace hxc = hxconditions;
-using vexortools::Quoted;
 
 constexpr char kFile[] = "/etc/hxraid/hxraidsvc.conf";
 constexpr std::size_t kMostBytes = std::size_t{1} << 20;
@@ -37,7 +36,7 @@ std::string NearestCode(const std::string& typed) {
     std::vector<std::string_view> names;
     for (const hxc::Row& row : hxc::Rows()) names.push_back(row.name);
     const std::string_view nearest = vexortools::NearestName(typed, names);
-    return nearest.empty() ? "" : "; did you mean " + Quoted(nearest) + "?";
+    return nearest.empty() ? "" : "; did you mean " + vexortools::Quoted(nearest) + "?";
 }
 
 // The error of every value, a line each.
@@ -67,16 +66,18 @@ std::optional<std::string> TakeConditionLevel(hxc::Settings& settings,
                                               const vexortools::TomlValue& value) {
     const std::string name = value.key.substr(kConditionsTable.size() + 1);
     const std::optional<hxc::Code> code = hxc::FindRow(name);
-    if (!code) return "there is no condition " + Quoted(name) + NearestCode(name);
+    if (!code) return "there is no condition " + vexortools::Quoted(name) + NearestCode(name);
     const auto* const text = std::get_if<std::string>(&value.value);
     const auto* const word = text == nullptr
                                  ? std::end(kLevelWords)
                                  : std::ranges::find(kLevelWords, *text, &LevelWord::word);
     if (word == std::end(kLevelWords)) {
-        return Quoted(value.key) + " must be one of \"critical\", \"warning\", \"info\", \"off\"";
+        return vexortools::Quoted(value.key) +
+               " must be one of \"critical\", \"warning\", \"info\", \"off\"";
     }
     if (!hxc::MayBeLowered(hxc::RowOf(*code)) && word->level != hxc::Level::kCritical) {
-        return Quoted(value.key) + " stays critical: it tells of data that is lost or in danger";
+        return vexortools::Quoted(value.key) +
+               " stays critical: it tells of data that is lost or in danger";
     }
     if (word->level) {
         settings.levels[*code] = *word->level;
