@@ -106,7 +106,7 @@ std::optional<Address> LoopbackOf(const std::string& listen) {
     return made;
 }
 
-bool Watch(int events, int descriptor, int how, std::uint32_t what) {
+bool SetInterest(int events, int descriptor, int how, std::uint32_t what) {
     epoll_event event{};
     event.events = what;
     event.data.fd = descriptor;
@@ -136,7 +136,7 @@ void Listener::Open() {
     try {
         const std::optional<Address> address = LoopbackOf(listen_);
         ::Descriptor opened = address ? SocketAt(*address) : SocketOfSystemd();
-        if (!Watch(events_.Get(), opened.Get(), EPOLL_CTL_ADD, EPOLLIN)) Fail();
+        if (!SetInterest(events_.Get(), opened.Get(), EPOLL_CTL_ADD, EPOLLIN)) Fail();
         listening_ = std::move(opened);
         trouble_.End();
     } catch (const std::system_error& error) {
@@ -170,14 +170,14 @@ void Listener::Accept(Duration now) {
             accept4(listening_.Get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
         if (!accepted.IsOpen()) {
             if (errno != EMFILE && errno != ENFILE && errno != ENOBUFS && errno != ENOMEM) return;
-            if (Watch(events_.Get(), listening_.Get(), EPOLL_CTL_MOD, 0)) {
+            if (SetInterest(events_.Get(), listening_.Get(), EPOLL_CTL_MOD, 0)) {
                 accepts_again_ = now + kUntilAcceptedAgain;
             }
             return;
         }
         if (connections_.size() >= kMostConnections) continue;  // it is closed
         const int id = accepted.Get();
-        if (!Watch(events_.Get(), id, EPOLL_CTL_ADD, EPOLLIN)) continue;
+        if (!SetInterest(events_.Get(), id, EPOLL_CTL_ADD, EPOLLIN)) continue;
         Connection& connection = connections_[id];
         connection.socket = std::move(accepted);
         connection.end = now + kPatience;
@@ -218,7 +218,7 @@ void Listener::Read(Connection& connection) {
     Answer(connection);
     Write(connection);
     if (!connection.is_over &&
-        !Watch(events_.Get(), connection.socket.Get(), EPOLL_CTL_MOD, EPOLLOUT)) {
+        !SetInterest(events_.Get(), connection.socket.Get(), EPOLL_CTL_MOD, EPOLLOUT)) {
         connection.is_over = true;
     }
 }
@@ -241,7 +241,7 @@ void Listener::Write(Connection& connection) {
 
 void Listener::Serve(Duration now) {
     if (accepts_again_ && now >= *accepts_again_ &&
-        Watch(events_.Get(), listening_.Get(), EPOLL_CTL_MOD, EPOLLIN)) {
+        SetInterest(events_.Get(), listening_.Get(), EPOLL_CTL_MOD, EPOLLIN)) {
         accepts_again_.reset();
     }
     std::array<epoll_event, kMostConnections + 1> ready{};
