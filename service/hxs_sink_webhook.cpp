@@ -8,7 +8,6 @@
 #include <chrono>
 #include <cstdint>
 #include <nlohmann/json.hpp>
-#include <utility>
 
 namespace hxservice {
 

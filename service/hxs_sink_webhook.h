@@ -1,7 +1,6 @@
 // The sink that posts alerts by HTTPS, through the program hxraidsvc-webhook.
 #pragma once
 
-#include <string>
 #include <string_view>
 
 #include "service/hxs_notice.h"

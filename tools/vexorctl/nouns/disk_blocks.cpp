@@ -9,7 +9,6 @@
 #include "common/address.h"
 #include "library_fields.h"
 #include "model/ask_controller.h"
-#include "model/disks.h"
 #include "model/library_record.h"
 #include "model/virtual_disks.h"
 #include "nouns/disk_targets.h"

@@ -1,6 +1,5 @@
 #include "nouns/disk_change.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <optional>

@@ -19,8 +19,6 @@
 #include "model/library_record.h"
 #include "model/object_health.h"
 #include "nouns/disk_targets.h"
-#include "nouns/find_object.h"
-#include "nouns/foresee.h"
 #include "output/record_cells.h"
 #include "output/report.h"
 #include "shell/present.h"
