@@ -127,6 +127,7 @@ Complaint TakeValue(Settings& settings, const TomlValue& value) {
         if (std::ranges::find(tables, value.key) != tables.end()) return std::nullopt;
         return "there is no table " + Quoted(value.key) + DidYouMean(value.key, tables);
     }
+    if (value.key == "sink") return "a sink is a table with a name, such as [sink.page]";
     const auto* const row = std::ranges::find(kRows, value.key, &SettingRow::key);
     if (row == std::end(kRows)) {
         return "there is no key " + Quoted(value.key) + DidYouMean(value.key, Keys());

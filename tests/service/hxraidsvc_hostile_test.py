@@ -102,11 +102,22 @@ class Process(Case):
         super().setUp()
         self.root.configure('[collect]\ninterval = "1h"\n')
 
+    def fail_a_disk_while_stopped(self, service):
+        """Stopped in the middle of a call it keeps the machine to itself: then it is stopped once more."""
+        for attempt in range(10):
+            service.process.send_signal(signal.SIGSTOP)
+            try:
+                self.root.hxsimctl("disk", "fail", "a0/pd5")
+                return
+            except AssertionError as error:
+                if attempt == 9 or "has been kept by another process" not in str(error):
+                    raise
+            service.process.send_signal(signal.SIGCONT)
+
     def test_that_was_stopped_goes_on_with_what_has_happened(self):
         with Running(self.root) as service:
-            service.says("1 adapter")
-            service.process.send_signal(signal.SIGSTOP)
-            self.root.hxsimctl("disk", "fail", "a0/pd5")
+            wait_for(self.root.path("/run/hxraid/status.json").exists, "the status")
+            self.fail_a_disk_while_stopped(service)
             self.assertFalse(any("was set down" in line for line in self.root.log()))
             service.process.send_signal(signal.SIGUSR1)
             service.process.send_signal(signal.SIGCONT)

@@ -129,6 +129,7 @@ TEST(ServiceSettings, RefuseWhatIsWrongWithASink) {
     const Row rows[] = {
         {"[sink.a]\n", "1: [sink.a] needs the key \"kind\""},
         {"[sink.a]\nkind = \"command\"\n", "2: [sink.a] needs the key \"command\""},
+        {"[[sink]]\nkind = \"journal\"\n", "1: a sink is a table with a name, such as [sink.page]"},
         {"[sink.a]\nkind = \"fax\"\n", "2: \"sink.a.kind\" must be "},
         {"[sink.a]\nkind = \"command\"\ncommand = [\"page\"]\n",
          "2: [sink.a]: the program \"page\" must be named by its whole path"},
