@@ -541,6 +541,14 @@ class Tasks(Changes):
         self.assertRegex(said, rb"\d+% \d+\.\d%/s, \d:\d\d:\d\d left")
         self.assertTrue(said.endswith(b"\r\x1b[K"), said)
 
+    def test_a_rebuild_that_was_lost_while_it_was_waited_for_is_no_success(self):
+        self.machine.hxsimctl("disk", "fail", "a0/pd1")
+        said, code = self.terminal(
+            ["task", "wait", "a0/vd0"], until=b"0%",
+            meanwhile=lambda pid: self.machine.hxsimctl("disk", "fail", "a0/pd2"))
+        self.assertIn(b"vexorctl: a0/vd0: the rebuild has ended, and it is offline", said)
+        self.assertEqual(code, 1)
+
     def test_ctrl_c_leaves_the_task_running(self):
         self.do("task", "start", "a0/vd2", "--kind", "check")
         said, code = self.terminal(
