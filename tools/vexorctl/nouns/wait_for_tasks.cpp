@@ -12,7 +12,6 @@
 #include "common/exit_code.h"
 #include "library_fields.h"
 #include "model/controller_codes.h"
-#include "model/fault.h"
 #include "model/task_pace.h"
 #include "model/tasks.h"
 #include "model/virtual_disks.h"
@@ -20,6 +19,7 @@
 #include "output/streams.h"
 #include "shell/interrupt.h"
 #include "shell/option_value.h"
+#include "shell/present.h"
 
 namespace vexorctl {
 
@@ -155,9 +155,7 @@ Exit WaitForTasks(Invocation& invocation, std::vector<std::string> addresses, Du
         std::vector<Task> tasks = LoadTasks(controller, detail);
         if (controller.exit() != Exit::kDone) {
             screen.Clear();
-            for (const Fault& fault : controller.faults()) {
-                ReportFailure(fault.address, fault.message);
-            }
+            ReportFaults(controller.faults());
             return controller.exit();
         }
         if (first && all) {
