@@ -13,22 +13,11 @@
 
 #include "codes/status.h"
 #include "descriptor.h"
+#include "library/set_while_inside.h"
 #include "library/trouble.h"
 
 namespace hxtape {
 namespace {
-
-// While a call is inside the real library.
-class Inside {
-public:
-    explicit Inside(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Inside() { flag_ = false; }
-    Inside(const Inside&) = delete;
-    Inside& operator=(const Inside&) = delete;
-
-private:
-    bool& flag_;
-};
 
 std::string LoaderError() {
     const char* const text = dlerror();
@@ -95,7 +84,7 @@ HX_U8 Recorder::Pass(const char* name, Returned returned, std::span<const Part> 
     const PseudonymKey* const key = key_ ? &*key_ : nullptr;
     line.request = RequestOf(parts, key);
     {
-        const Inside inside(is_inside_);
+        const hxlibrary::SetWhileInside inside(is_inside_);
         line.status = call(function);
     }
     if (returned == Returned::kCount || line.status == HX_SUCCESS) {

@@ -151,43 +151,42 @@ void AddBattery(const Command& app, Action& action) {
 // The number fits, because the machine has this element.
 HX_U8 ElementOf(const Object& object) { return static_cast<HX_U8>(object.element); }
 
-void AddPowerSupply(const Command& app, Action& action) {
-    const Command command =
-        app.AddCommand("psu", "A power supply of an enclosure breaks or works again");
+using StateIncident = std::function<Outcome(Adapter&, Time, const Object&)>;
+
+// A command with the address of an element and the word of a state, which the reader turns into
+// what happens.
+void AddOnElementState(const Command& app, const std::string& name, const std::string& help,
+                       const std::string& states, Action& action,
+                       const std::function<StateIncident(const std::string& state)>& read) {
+    const Command command = app.AddCommand(name, help);
     const auto word = std::make_shared<std::string>();
     const auto state = std::make_shared<std::string>();
     command.AddRequiredText("ADDRESS", *word, "such as a0/enc0/el3");
-    command.AddRequiredText("STATE", *state, "fail or ok");
-    command.WhenTyped([word, state, &action] {
+    command.AddRequiredText("STATE", *state, states);
+    command.WhenTyped([word, state, read, &action] {
         const Target target = ParseTarget(*word, ObjectKind::kElement);
-        if (*state != "fail" && *state != "ok") {
-            throw UsageError('"' + *state + "\" is no state of a power supply; write fail or ok");
-        }
-        const bool works = *state == "ok";
-        action = [target, works](Driver& driver) {
+        action = [target, incident = read(*state)](Driver& driver) {
             driver.Happen(target, [&](Machine&, Adapter& adapter, Time now, const Object& object) {
-                return hxsim::SetPowerSupply(adapter, now, object.id, ElementOf(object), works);
+                return incident(adapter, now, object);
             });
         };
     });
 }
 
-void AddElementState(const Command& app, Action& action) {
-    const Command command =
-        app.AddCommand("element", "An element of an enclosure has a state, whatever it measures");
-    const auto word = std::make_shared<std::string>();
-    const auto state = std::make_shared<std::string>();
-    command.AddRequiredText("ADDRESS", *word, "such as a0/enc0/el3");
-    command.AddRequiredText("STATE", *state, "such as not_installed, unknown or ok");
-    command.WhenTyped([word, state, &action] {
-        const Target target = ParseTarget(*word, ObjectKind::kElement);
-        const auto status = ParseCode<hxcodes::ElementStatus>(*state, "state of an element");
-        action = [target, status](Driver& driver) {
-            driver.Happen(target, [&](Machine&, Adapter& adapter, Time now, const Object& object) {
-                return hxsim::SetElementStatus(adapter, now, object.id, ElementOf(object), status);
-            });
-        };
-    });
+StateIncident PowerSupplyIncident(const std::string& state) {
+    if (state != "fail" && state != "ok") {
+        throw UsageError('"' + state + "\" is no state of a power supply; write fail or ok");
+    }
+    return [works = state == "ok"](Adapter& adapter, Time now, const Object& object) {
+        return hxsim::SetPowerSupply(adapter, now, object.id, ElementOf(object), works);
+    };
+}
+
+StateIncident ElementStateIncident(const std::string& state) {
+    const auto status = ParseCode<hxcodes::ElementStatus>(state, "state of an element");
+    return [status](Adapter& adapter, Time now, const Object& object) {
+        return hxsim::SetElementStatus(adapter, now, object.id, ElementOf(object), status);
+    };
 }
 
 void AddElements(const Command& app, Action& action) {
@@ -204,8 +203,11 @@ void AddElements(const Command& app, Action& action) {
             return hxsim::SetTemperature(adapter, now, object.id, ElementOf(object),
                                          static_cast<int>(celsius));
         });
-    AddPowerSupply(app, action);
-    AddElementState(app, action);
+    AddOnElementState(app, "psu", "A power supply of an enclosure breaks or works again",
+                      "fail or ok", action, PowerSupplyIncident);
+    AddOnElementState(app, "element",
+                      "An element of an enclosure has a state, whatever it measures",
+                      "such as not_installed, unknown or ok", action, ElementStateIncident);
 }
 
 void AddEnclosure(const Command& app, Action& action) {

@@ -97,6 +97,21 @@ Status Occupy(Adapter& adapter, Time now, const Array& array, std::span<const HX
     return Status::kSuccess;
 }
 
+// Those of the named disks that are not members yet. A member is rebuilt in place, and refused when
+// it is not ready.
+template <class IsMember>
+Status TakeNewcomers(const Adapter& adapter, std::span<const HX_U16> disks,
+                     const IsMember& is_member, std::vector<HX_U16>& newcomers) {
+    for (const HX_U16 disk : disks) {
+        if (!is_member(disk)) {
+            newcomers.push_back(disk);
+        } else if (!IsReady(*Find(adapter.disks, disk))) {
+            return Status::kDiskNotReady;
+        }
+    }
+    return Status::kSuccess;
+}
+
 Status StartRebuildOf(Adapter& adapter, Time now, const LD_DG_Rebuild_Param& param) {
     if (param.PDCount > HX_MAX_HDS) return Status::kBadCount;
     const std::span<const HX_U16> disks(param.PDIDs, param.PDCount);
@@ -198,13 +213,9 @@ Status RebuildVirtualDisk(Adapter& adapter, Time now, HX_U16 id, std::span<const
         return refusal;
     }
     std::vector<HX_U16> others;
-    for (const HX_U16 disk : disks) {
-        if (!CarriesLost(adapter, id, disk)) {
-            others.push_back(disk);
-        } else if (!IsReady(*Find(adapter.disks, disk))) {
-            return Status::kDiskNotReady;
-        }
-    }
+    const Status unready = TakeNewcomers(
+        adapter, disks, [&](HX_U16 disk) { return CarriesLost(adapter, id, disk); }, others);
+    if (unready != Status::kSuccess) return unready;
     if (!others.empty()) {
         if (virtual_disk->group != kNoId) return Status::kOnDiskGroup;
         const Status refusal = Occupy(adapter, now, *virtual_disk, others);
@@ -236,13 +247,9 @@ Status RebuildDiskGroup(Adapter& adapter, Time now, HX_U16 id, std::span<const H
         }
     }
     std::vector<HX_U16> others;
-    for (const HX_U16 disk : disks) {
-        if (GroupOf(adapter, disk) != group) {
-            others.push_back(disk);
-        } else if (!IsReady(*Find(adapter.disks, disk))) {
-            return Status::kDiskNotReady;
-        }
-    }
+    const Status unready = TakeNewcomers(
+        adapter, disks, [&](HX_U16 disk) { return GroupOf(adapter, disk) == group; }, others);
+    if (unready != Status::kSuccess) return unready;
     if (const Status refusal = Occupy(adapter, now, *group, others); refusal != Status::kSuccess) {
         return refusal;
     }

@@ -82,6 +82,22 @@ std::vector<HX_U16> DisksInside(const Adapter& adapter, HX_U16 enclosure, bool p
     return disks;
 }
 
+Outcome SetPlugged(Adapter& adapter, Time now, HX_U16 enclosure, bool plugged) {
+    Enclosure* const row = Find(adapter.enclosures, enclosure);
+    if (row == nullptr) return NoSuchEnclosure(enclosure);
+    if (IsPlugged(*row) == plugged) {
+        return {"Enclosure " + std::to_string(enclosure) +
+                (plugged ? " is plugged already; unplug it first."
+                         : " is unplugged already; plug it first.")};
+    }
+    row->phys = plugged ? 1 : 0;
+    QueueForExpanders(adapter, now, enclosure,
+                      plugged ? EventKind::kExpanderPluggedIn : EventKind::kExpanderPluggedOut);
+    const auto move = plugged ? InsertDisk : RemoveDisk;
+    for (const HX_U16 disk : DisksInside(adapter, enclosure, !plugged)) move(adapter, now, disk);
+    return {};
+}
+
 }  // namespace
 
 Outcome SetFanSpeed(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 element, HX_U16 rpm) {
@@ -130,31 +146,11 @@ Outcome SetElementStatus(Adapter& adapter, Time now, HX_U16 enclosure, HX_U8 ele
 }
 
 Outcome UnplugEnclosure(Adapter& adapter, Time now, HX_U16 enclosure) {
-    Enclosure* const row = Find(adapter.enclosures, enclosure);
-    if (row == nullptr) return NoSuchEnclosure(enclosure);
-    if (!IsPlugged(*row)) {
-        return {"Enclosure " + std::to_string(enclosure) + " is unplugged already; plug it first."};
-    }
-    row->phys = 0;
-    QueueForExpanders(adapter, now, enclosure, EventKind::kExpanderPluggedOut);
-    for (const HX_U16 disk : DisksInside(adapter, enclosure, true)) {
-        RemoveDisk(adapter, now, disk);
-    }
-    return {};
+    return SetPlugged(adapter, now, enclosure, false);
 }
 
 Outcome PlugEnclosure(Adapter& adapter, Time now, HX_U16 enclosure) {
-    Enclosure* const row = Find(adapter.enclosures, enclosure);
-    if (row == nullptr) return NoSuchEnclosure(enclosure);
-    if (IsPlugged(*row)) {
-        return {"Enclosure " + std::to_string(enclosure) + " is plugged already; unplug it first."};
-    }
-    row->phys = 1;
-    QueueForExpanders(adapter, now, enclosure, EventKind::kExpanderPluggedIn);
-    for (const HX_U16 disk : DisksInside(adapter, enclosure, false)) {
-        InsertDisk(adapter, now, disk);
-    }
-    return {};
+    return SetPlugged(adapter, now, enclosure, true);
 }
 
 }  // namespace hxsim

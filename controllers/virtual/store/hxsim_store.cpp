@@ -20,6 +20,7 @@
 #include <optional>
 #include <utility>
 
+#include "library/set_while_inside.h"
 #include "rules/hxsim_advance.h"
 #include "store/hxsim_sqlite.h"
 #include "store/hxsim_tables.h"
@@ -219,21 +220,6 @@ IfMissing WhenStateIsMissing() {
 
 // ---- The open file ----
 
-namespace {
-
-class Marked {
-public:
-    explicit Marked(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Marked() { flag_ = false; }
-    Marked(const Marked&) = delete;
-    Marked& operator=(const Marked&) = delete;
-
-private:
-    bool& flag_;
-};
-
-}  // namespace
-
 struct Store::Database {
     // Tells whether the process has forked since the mark was made or renewed, without the system
     // call that getpid would cost before every call of the controller.
@@ -292,7 +278,7 @@ struct Store::Database {
 
     const Machine& Current() {
         FollowFork();
-        const Marked marked(busy_);
+        const hxlibrary::SetWhileInside inside(busy_);
         Follow();
         if (RealNow() >= due_) Write({});
         return machine_;
@@ -300,7 +286,7 @@ struct Store::Database {
 
     bool Change(const std::function<bool(Machine&, Time)>& work) {
         FollowFork();
-        const Marked marked(busy_);
+        const hxlibrary::SetWhileInside inside(busy_);
         return Write(work);
     }
 
