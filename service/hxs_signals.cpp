@@ -25,6 +25,7 @@ namespace {
 
 constexpr std::size_t kLongestBootId = 100;
 constexpr Duration kLongWait = std::chrono::seconds(1);
+constexpr Duration kLongestBlind = std::chrono::seconds(1);
 
 struct SignalRow {
     int signal;
@@ -54,12 +55,27 @@ std::string BootId() {
     }
 }
 
+std::optional<Wake> WakeOf(int signal) {
+    const auto* const row = std::ranges::find(kSignals, signal, &SignalRow::signal);
+    return row == std::end(kSignals) ? std::nullopt : std::optional(row->wake);
+}
+
 std::optional<Wake> Next(int signals) {
     signalfd_siginfo info{};
     if (read(signals, &info, sizeof info) != sizeof info) return std::nullopt;
-    const auto* const row =
-        std::ranges::find(kSignals, static_cast<int>(info.ssi_signo), &SignalRow::signal);
-    return row == std::end(kSignals) ? std::nullopt : std::optional(row->wake);
+    return WakeOf(static_cast<int>(info.ssi_signo));
+}
+
+// Where poll fails, since RLIMIT_NOFILE was set below the number of descriptors, or for want of
+// memory: signals need no descriptor, and whether there is work is looked at so often.
+Wake WaitWithoutDescriptors(Duration longest) {
+    const auto left = std::min(longest, kLongestBlind);
+    const auto whole = std::chrono::duration_cast<std::chrono::seconds>(left);
+    const timespec time{
+        .tv_sec = whole.count(),
+        .tv_nsec = std::chrono::duration_cast<std::chrono::nanoseconds>(left - whole).count()};
+    const sigset_t set = SignalSet();
+    return WakeOf(sigtimedwait(&set, nullptr, &time)).value_or(Wake::kWork);
 }
 
 }  // namespace
@@ -89,6 +105,7 @@ Wake Signals::Wait(Duration longest) {
         for (const int each : others_) ready.push_back({each, POLLIN, 0});
         const int count = poll(ready.data(), ready.size(),
                                static_cast<int>(std::min<Duration::rep>(left.count(), INT_MAX)));
+        if (count < 0 && errno != EINTR) return WaitWithoutDescriptors(left);
         if (count <= 0 || ready[0].revents != 0) continue;
         if (ready[1].revents == 0) return Wake::kWork;
         // Work that is there, too, is done before the next wait.
