@@ -70,8 +70,8 @@ TEST_P(AVirtualDisk, SurvivesWhatItsWorstLegSurvives) {
     EXPECT_EQ(Sorted(redundancy.needed), Sorted(GetParam().needed));
 }
 
-std::string NameOfCase(const testing::TestParamInfo<Case>& info) { return info.param.name; }
-INSTANTIATE_TEST_SUITE_P(Levels, AVirtualDisk, testing::ValuesIn(kCases), NameOfCase);
+std::string LevelName(const testing::TestParamInfo<Case>& info) { return info.param.name; }
+INSTANTIATE_TEST_SUITE_P(Levels, AVirtualDisk, testing::ValuesIn(kCases), LevelName);
 
 TEST(ABlockThatIsBeingRebuilt, CountsAsLost) {
     VirtualDisk virtual_disk;

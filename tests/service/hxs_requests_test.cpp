@@ -96,12 +96,12 @@ TEST_F(ServiceRequest, SilencesAheadOnlyACodeAndSticky) {
 }
 
 TEST_F(ServiceRequest, ForMoreThanNinetyDaysIsRefused) {
-    const auto silence = [](const std::string& seconds) {
-        return R"({"do":"silence","object":"a0/pd5","seconds":)" + seconds + "}";
+    const auto silence = [](const std::string& length) {
+        return R"({"do":"silence","object":"a0/pd5","seconds":)" + length + "}";
     };
-    for (const char* const seconds : {"0", "-1", "7776001", "1e99", "\"8h\"", "null", "1.5"}) {
-        EXPECT_EQ(ErrorOf(silence(seconds)), "a silence needs an end, at most 90 days from now")
-            << seconds;
+    for (const char* const length : {"0", "-1", "7776001", "1e99", "\"8h\"", "null", "1.5"}) {
+        EXPECT_EQ(ErrorOf(silence(length)), "a silence needs an end, at most 90 days from now")
+            << length;
     }
     EXPECT_TRUE(Ask(silence("7776000"))["ok"]);
 }
