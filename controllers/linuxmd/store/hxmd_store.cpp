@@ -14,27 +14,19 @@
 #include <tuple>
 #include <vector>
 
+#include "library/column.h"
 #include "root_path.h"
 #include "sqlite/connection.h"
 
 namespace hxmd {
 namespace {
 
+using hxlibrary::Col;
 using hxsqlite::Connection;
 using hxsqlite::Statement;
 using hxsqlite::StoreError;
 
 // ---- Tables ----
-
-template <class Row, class Value>
-struct Column {
-    const char* name;
-    Value Row::*field;
-};
-template <class Row, class Value>
-constexpr Column<Row, Value> Col(const char* name, Value Row::*field) {
-    return {name, field};
-}
 
 template <class Row, class... Columns>
 struct Table {

@@ -9,11 +9,13 @@
 #include <tuple>
 #include <vector>
 
-#include "model/hxsim_column.h"
+#include "library/column.h"
 #include "model/hxsim_machine.h"
 #include "model/hxsim_member_count.h"
 
 namespace hxsim {
+
+using hxlibrary::Col;
 
 /// A table with a row for each entry of a list. Its first `keys` columns are the key, and the list
 /// ascends by it; a table without a key has at most one row.

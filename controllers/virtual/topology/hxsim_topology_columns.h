@@ -9,11 +9,13 @@
 #include <type_traits>
 
 #include "hxraid.h"
-#include "model/hxsim_column.h"
+#include "library/column.h"
 #include "model/hxsim_machine.h"
 #include "model/hxsim_member_count.h"
 
 namespace hxsim {
+
+using hxlibrary::Col;
 
 /// A member that is read in another way, or that no topology sets.
 template <class Class, class Value>
@@ -38,7 +40,7 @@ consteval std::size_t ValuesOf() {
 template <class>
 struct MemberOf;
 template <class Class, class Value>
-struct MemberOf<Column<Class, Value>> {
+struct MemberOf<hxlibrary::Column<Class, Value>> {
     using Type = Value;
 };
 template <class Class, class Value>

@@ -1,7 +1,7 @@
-// A member of a row and its name in the state file and in topologies.
+// A member of a row and its name in a state file or a document.
 #pragma once
 
-namespace hxsim {
+namespace hxlibrary {
 
 template <class Class, class Value>
 struct Column {
@@ -13,4 +13,4 @@ constexpr Column<Class, Value> Col(const char* name, Value Class::*field) {
     return {name, field};
 }
 
-}  // namespace hxsim
+}  // namespace hxlibrary
