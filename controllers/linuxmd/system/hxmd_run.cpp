@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <cstddef>
 #include <thread>
 
@@ -24,7 +23,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds kLimit{60};
 constexpr std::size_t kMostOutput = 4096;
 
 // mdadm is tried again this often, after this pause, when a device is busy.
@@ -111,13 +109,13 @@ void ReadSome(Descriptor& output, std::string& text) {
 }
 
 // Waits for the end of the program and reads what it writes. False when the time is over.
-bool AwaitEnd(int process, Descriptor& output, std::string& text) {
-    const Clock::time_point end = Clock::now() + kLimit;
-    while (true) {
+bool AwaitEnd(int process, Descriptor& output, std::string& text, Clock::time_point end) {
+    // The time is asked for each piece: a program that never stops writing ends, too.
+    while (Clock::now() < end) {
         pollfd watched[] = {{process, POLLIN, 0}, {output.Get(), POLLIN, 0}};
         const int ready = poll(watched, 2, WaitTime(end));
         if (ready < 0 && errno == EINTR) continue;
-        if (ready == 0 && Clock::now() >= end) return false;
+        if (ready < 0) return false;
         if (watched[1].revents != 0) {
             ReadSome(output, text);
             continue;  // all of its output before its end
@@ -126,6 +124,7 @@ bool AwaitEnd(int process, Descriptor& output, std::string& text) {
         // Without a descriptor of the process, the end of its output stands for its own.
         if (process < 0 && !output.IsOpen()) return true;
     }
+    return false;
 }
 
 Outcome Collect(pid_t pid, int& exit_code) {
@@ -145,7 +144,8 @@ bool IsBusy(const Ran& ran) {
 
 }  // namespace
 
-Ran Run(const char* path, const std::vector<std::string>& arguments) {
+Ran Run(const char* path, const std::vector<std::string>& arguments,
+        std::chrono::milliseconds limit) {
     Ran ran;
     char program[kRootPathSize];
     int ends[2];
@@ -162,7 +162,7 @@ Ran Run(const char* path, const std::vector<std::string>& arguments) {
     // then, and its output is at its end.
     const Descriptor process(OpenPidfd(pid));
     fcntl(output.Get(), F_SETFL, O_NONBLOCK);
-    if (AwaitEnd(process.Get(), output, ran.message)) {
+    if (AwaitEnd(process.Get(), output, ran.message, Clock::now() + limit)) {
         ran.outcome = Collect(pid, ran.exit_code);
     } else {
         if (process.IsOpen()) syscall(SYS_pidfd_send_signal, process.Get(), SIGKILL, nullptr, 0);

@@ -1,6 +1,7 @@
 // Runs the programs that change arrays, without a shell.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -21,8 +22,9 @@ struct Ran {
 };
 
 /// Runs the program at `path` (below the root prefix) with these arguments, a minimal environment,
-/// no input and no other open descriptors, and waits for its end, at most a minute.
-Ran Run(const char* path, const std::vector<std::string>& arguments);
+/// no input and no other open descriptors, and waits for its end, but no longer than the limit.
+Ran Run(const char* path, const std::vector<std::string>& arguments,
+        std::chrono::milliseconds limit = std::chrono::minutes(1));
 
 /// Runs mdadm, again when a device was busy: udev's rules open devices for a moment.
 Ran RunMdadm(const std::vector<std::string>& arguments);

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <string>
 
@@ -75,6 +76,13 @@ TEST_F(AProgram, MayWriteMoreThanAPipeHolds) {
     const hxmd::Ran ran = hxmd::Run("/sbin/mdadm", {});
     EXPECT_EQ(ran.outcome, Outcome::kSucceeded);
     EXPECT_EQ(ran.message, std::string(4096, 'x'));
+}
+
+TEST_F(AProgram, IsKilledWhenItNeverStopsWriting) {
+    Write("exec yes\n");
+    const hxmd::Ran ran = hxmd::Run("/sbin/mdadm", {}, std::chrono::milliseconds(50));
+    EXPECT_EQ(ran.outcome, Outcome::kTimedOut);
+    EXPECT_EQ(ran.exit_code, -1);
 }
 
 TEST_F(AProgram, IsWaitedForWhereTheHostIgnoresItsChildren) {
