@@ -5,6 +5,9 @@ include(CMakePackageConfigHelpers)
 set(VEXORAPI_ZSH_DIR "${CMAKE_INSTALL_DATADIR}/zsh/site-functions" CACHE STRING
     "Folder of zsh's completions below the prefix; distributions have one of their own")
 
+set(VEXORAPI_PYTHON_DIR "lib/python3/dist-packages" CACHE STRING
+    "Folder of Python's packages below the prefix; other systems than Debian have another")
+
 set(vexor_data "${CMAKE_INSTALL_DATADIR}/vexorapi")
 set(vexor_examples "${CMAKE_INSTALL_DOCDIR}/examples")
 set(vexor_controllers "${CMAKE_INSTALL_LIBDIR}/vexorapi")
@@ -130,6 +133,14 @@ vexor_install_manual(virtual hxsimctl.1 hxsim-scenario.5 hxsim-topology.5)
 install(TARGETS hxmd LIBRARY DESTINATION "${vexor_controllers}/linuxmd" COMPONENT linuxmd)
 vexor_run_path(hxmd DESTINATION "${vexor_controllers}/linuxmd" COMPONENT linuxmd)
 
+# ---- python: the package for Python ------------------------------------------------------------
+set(vexor_python bindings/python/vexorapi)
+install(FILES
+    ${vexor_python}/__init__.py ${vexor_python}/_library.py ${vexor_python}/_repair.py
+    ${vexor_python}/_shapes.py ${vexor_python}/client.py ${vexor_python}/errors.py
+    ${vexor_python}/functions.py ${vexor_python}/py.typed ${vexor_python}/records.py
+    DESTINATION "${VEXORAPI_PYTHON_DIR}/vexorapi" COMPONENT python)
+
 # ---- documentation: for users, and examples ---------------------------------------------------
 install(FILES
     CHANGELOG.md LICENSE SECURITY.md
@@ -142,4 +153,6 @@ install(FILES
     DESTINATION "${vexor_examples}" COMPONENT documentation)
 install(PROGRAMS examples/make-sample-bios
     DESTINATION "${vexor_examples}" COMPONENT documentation)
+install(PROGRAMS examples/python/watch.py
+    DESTINATION "${vexor_examples}/python" COMPONENT documentation)
 install(DIRECTORY examples/commands DESTINATION "${vexor_examples}" COMPONENT documentation)

@@ -6,10 +6,10 @@
 #include <span>
 #include <stdexcept>
 #include <string_view>
-#include <tuple>
 
 #include "codes/code_table.h"
 #include "meanings.h"
+#include "record_names.h"
 
 namespace {
 
@@ -56,21 +56,6 @@ be sent before stand under "Before it"; `hxsimctl init` makes its machine in the
 then.
 )";
 
-std::string KindOf(const Child& child) {
-    switch (child.kind) {
-        case Child::Kind::Number:
-            return "number, " + std::to_string(child.bits) + " bits";
-        case Child::Kind::Numbers:
-            return std::to_string(child.count) + " numbers, " + std::to_string(child.bits) +
-                   " bits each";
-        case Child::Kind::Text:
-            return "text, " + std::to_string(child.count) + " characters";
-        case Child::Kind::WholeText:
-            return "whole text, " + std::to_string(child.count) + " characters";
-    }
-    return {};
-}
-
 // The tables of codes, in the order of the page.
 struct CodeList {
     Codes codes;
@@ -113,13 +98,6 @@ constexpr CodeList kCodeLists[] = {
     {Codes::kRefusals, "Refusals", nullptr},
 };
 
-const CodeList& ListOf(Codes codes) {
-    for (const CodeList& list : kCodeLists) {
-        if (list.codes == codes) return list;
-    }
-    throw std::logic_error("a table of codes without a title");
-}
-
 // The anchor that page renderers generate for a heading.
 std::string Anchor(std::string_view heading) {
     std::string anchor;
@@ -137,7 +115,7 @@ std::string ValuesOf(const Meaning& meaning, std::string_view otherwise) {
     std::string values(meaning.values);
     if (meaning.codes != Codes::kNone) {
         if (!values.empty()) values += ": ";
-        values += LinkTo(ListOf(meaning.codes).title);
+        values += LinkTo(TitleOf(meaning.codes));
     }
     return values.empty() ? std::string(otherwise) : values;
 }
@@ -190,7 +168,7 @@ std::string CodeTables() {
 // differ in the widths of their fields: the second one's heading has a number.
 class Records {
 public:
-    std::string LinkOf(const Element& record) { return LinkTo(Heading(record)); }
+    std::string LinkOf(const Element& record) { return LinkTo(names_.NameOf(record)); }
 
     // Tables of every linked record and of the records inside them.
     std::string Tables();
@@ -227,47 +205,21 @@ private:
         return type;
     }
 
-    // Distinguishes two records of the same name.
-    static std::string ContentOf(const Element& record) {
-        std::string content = record.type;
-        for (const Element& element : record.children)
-            content += " " + element.name + " " + element.type;
-        return content;
-    }
-
-    std::string Heading(const Element& record) {
-        const std::string content = ContentOf(record);
-        for (const auto& [known, heading, element] : records_) {
-            if (known == content) return heading;
-        }
-        std::string heading = NameOf(record);
-        int same = 1;
-        for (const auto& [known, other, element] : records_) {
-            if (NameOf(element) == NameOf(record)) ++same;
-        }
-        if (same > 1) heading += "_" + std::to_string(same);
-        records_.emplace_back(content, heading, record);
-        return heading;
-    }
-
-    static std::string NameOf(const Element& record) {
-        return record.type.substr(std::string_view("struct ").size());
-    }
-
-    std::vector<std::tuple<std::string, std::string, Element>> records_;
+    RecordNames names_;
 };
 
 std::string Records::Tables() {
     std::string text;
-    // NOLINTNEXTLINE(modernize-loop-convert): it grows meanwhile
-    for (std::size_t i = 0; i < records_.size(); ++i) {
-        const auto [content, heading, record] = records_[i];
+    // A table may name further records, so the list grows meanwhile.
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+        const auto [heading, record] = names_[i];
+        const std::string type_name = RecordTypeName(record);
         text += "\n### " + heading + "\n\n";
-        if (heading != NameOf(record)) {
+        if (heading != type_name) {
             text += "Another record of the type name `" + record.type +
                     "`, with other widths; the element's name tells which it is.\n\n";
         }
-        text += Table(NameOf(record), record.children);
+        text += Table(type_name, record.children);
     }
     return text;
 }
@@ -300,6 +252,28 @@ void ListFunction(const FunctionText& function, const std::string& result, Recor
 }
 
 }  // namespace
+
+std::string KindOf(const Child& child) {
+    switch (child.kind) {
+        case Child::Kind::Number:
+            return "number, " + std::to_string(child.bits) + " bits";
+        case Child::Kind::Numbers:
+            return std::to_string(child.count) + " numbers, " + std::to_string(child.bits) +
+                   " bits each";
+        case Child::Kind::Text:
+            return "text, " + std::to_string(child.count) + " characters";
+        case Child::Kind::WholeText:
+            return "whole text, " + std::to_string(child.count) + " characters";
+    }
+    return {};
+}
+
+std::string_view TitleOf(Codes codes) {
+    for (const CodeList& list : kCodeLists) {
+        if (list.codes == codes) return list.title;
+    }
+    throw std::logic_error("a table of codes without a title");
+}
 
 std::string Markdown(const std::vector<Chapter>& chapters) {
     std::string text = kIntroduction;

@@ -1,4 +1,5 @@
-// xmlapi DIR: writes DIR/xml-api.md and DIR/vexorapi-results.rng.
+// xmlapi DIR: writes DIR/xml-api.md and DIR/vexorapi-results.rng, and beside DIR what the bindings
+// know of the functions.
 // xmlapi --check DIR: writes nothing; exits 1 and names the file when one of them is out of date.
 #include <cstdlib>
 #include <exception>
@@ -12,6 +13,7 @@
 #include "chapter.h"
 #include "describe.h"
 #include "markdown.h"
+#include "python.h"
 #include "relaxng.h"
 #include "root_path.h"
 #include "vexorapi.h"
@@ -139,12 +141,15 @@ int Run(const fs::path& folder, bool check) {
         {"The management functions", DescribeManagement(), {}},
     };
     RunExamples(chapters, folder.parent_path() / "examples");
-    const std::pair<const char*, std::string> files[] = {
-        {"xml-api.md", Markdown(chapters)},
-        {"vexorapi-results.rng", RelaxNg(chapters)},
+    const fs::path python = folder.parent_path() / "bindings/python/vexorapi";
+    const Python sources = PythonSources(chapters);
+    const std::pair<fs::path, std::string> files[] = {
+        {folder / "xml-api.md", Markdown(chapters)},
+        {folder / "vexorapi-results.rng", RelaxNg(chapters)},
+        {python / "records.py", sources.records},
+        {python / "functions.py", sources.functions},
     };
-    for (const auto& [name, text] : files) {
-        const fs::path path = folder / name;
+    for (const auto& [path, text] : files) {
         if (!check) {
             if (!(std::ofstream(path, std::ios::binary) << text)) {
                 throw std::runtime_error("cannot write " + path.string());
