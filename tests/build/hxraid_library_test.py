@@ -14,7 +14,9 @@ import re
 import readback
 
 SONAME = "libhxraid.so"
-ALLOWED = re.compile(r"libc\.so\.6$|libm\.so\.6$|libsqlite3\.so\.0$|ld-linux.*\.so\.\d+$")
+ALLOWED = re.compile(
+    r"lib(c|m)\.so\.6$|libsqlite3\.so\.0$|lib(blkid|fdisk)\.so\.1$|ld-linux.*\.so\.\d+$"
+)
 # What the static C++ runtime runs for itself (its sources end in .cc, ours in .cpp): its locales and
 # its reserve of memory for exceptions. It registers its own handler, too.
 RUNTIME = re.compile(r"_GLOBAL__sub_I_\w+\.cc$")

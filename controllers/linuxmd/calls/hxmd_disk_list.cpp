@@ -1,4 +1,6 @@
 // The records of disks.
+#include <unistd.h>
+
 #include <algorithm>
 #include <charconv>
 #include <optional>
@@ -12,6 +14,8 @@
 #include "hxraid.h"
 #include "rules/hxmd_state.h"
 #include "sysfs/hxmd_system.h"
+#include "system/hxmd_device.h"
+#include "system/hxmd_proof.h"
 
 namespace hxmd {
 namespace {
@@ -193,6 +197,17 @@ HX_U16 IdOfDisk(const HD_Info& info) { return info.Link.Self.DevID; }
 
 // ---- Contents of disks ----
 
+// udev's database answers for everybody; where udev has not examined the disk, root looks itself.
+bool IsPartitioned(const Disk& disk) {
+    if (disk.content.partition_table || !disk.partitions.empty()) return true;
+    if (disk.content.known || geteuid() != 0) return false;
+    const Descriptor device =
+        OpenDevice(disk.name, disk.device_number, disk.sectors, Access::kRead);
+    if (!device.IsOpen()) return true;  // nobody has seen that there is none
+    const Signature signature = Probe(device, 0, *disk.sectors * kSectorBytes, Kinds::kTablesToo);
+    return signature.found == Found::kUnknown || signature.type == "gpt" || signature.type == "dos";
+}
+
 HX_U8 FindTables(const View& view, HD_MBR_Info* info) {
     if (info == nullptr) return NumberOf(Status::kNullAddress);
     if (info->HDCount > HX_MAX_HDS) return NumberOf(Status::kBadCount);
@@ -200,8 +215,7 @@ HX_U8 FindTables(const View& view, HD_MBR_Info* info) {
     const auto is_missing = [&](HX_U16 id) { return FindDisk(view, id) == nullptr; };
     if (std::ranges::any_of(asked, is_missing)) return NumberOf(Status::kNoDisk);
     std::ranges::transform(asked, info->hasMBR, [&](HX_U16 id) -> HX_BOOLEAN {
-        const Disk& disk = *FindDisk(view, id);
-        return disk.content.partition_table || !disk.partitions.empty() ? 1 : 0;
+        return IsPartitioned(*FindDisk(view, id)) ? 1 : 0;
     });
     return HX_SUCCESS;
 }
@@ -211,6 +225,13 @@ bool HoldsSystem(const SystemDevices& system, const Disk& disk) {
     return std::ranges::any_of(disk.partitions, [&](const Partition& partition) {
         return system.names.contains(partition.name);
     });
+}
+
+// Only root can open the disk; others have what sysfs and udev know.
+bool IsProvedFree(const View& view, const Disk& disk) {
+    FreeDisk free;
+    return geteuid() != 0 ||
+           ProveFree(view.machine, disk, Purpose::kLook, free) == Status::kSuccess;
 }
 
 HX_U8 FindUse(const View& view, HX_U8 kind, HX_U8 count, const HX_U16* ids) {
@@ -226,7 +247,7 @@ HX_U8 FindUse(const View& view, HX_U8 kind, HX_U8 count, const HX_U16* ids) {
         if (HoldsSystem(system, *disk) || (!system.complete && !is_free)) {
             return NumberOf(Status::kHoldsSystem);
         }
-        if (!is_free) status = NumberOf(Status::kHeld);
+        if (!is_free || !IsProvedFree(view, *disk)) status = NumberOf(Status::kHeld);
     }
     return status;
 }

@@ -54,6 +54,7 @@ struct Disk {
     Number device_type;  // SCSI peripheral device type
     Number sas_address;
     Number hidden;
+    Number sequence;  // of its appearance in this boot, never given twice
 
     std::string name;     // the kernel's, for this boot; never a key
     std::string path;     // in /sys/devices

@@ -40,6 +40,7 @@ constexpr Attribute<Disk> kDiskRows[] = {
     {"removable", Into<&Disk::removable, ToNumber>},
     {"ro", Into<&Disk::read_only, ToNumber>},
     {"hidden", Into<&Disk::hidden, ToNumber>},
+    {"diskseq", Into<&Disk::sequence, ToNumber>},
     {"dev", Into<&Disk::device_number, ToText>},
     {"queue/logical_block_size", Into<&Disk::sector_size, ToNumber>},
     {"queue/rotational", Into<&Disk::rotational, ToNumber>},

@@ -2,6 +2,7 @@
 #include "sysfs/hxmd_system.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <sstream>
 
 #include "sysfs/hxmd_convert.h"
@@ -11,9 +12,15 @@ namespace hxmd {
 namespace {
 
 constexpr std::string_view kSystemMounts[] = {"/", "/boot", "/boot/efi", "/usr", "/var"};
+// File systems in memory, as in an initial RAM disk.
+constexpr std::string_view kWithoutDevice[] = {"rootfs", "ramfs", "tmpfs"};
+
+enum class Mounts : std::uint8_t { kOfSystem, kAll };
 
 class Search {
 public:
+    explicit Search(Mounts mounts) : mounts_(mounts) {}
+
     void FollowMounts() {
         const Folder proc = Folder::OfSystem("/proc");
         auto mounts = proc.Read("1/mountinfo", kMostText);
@@ -40,9 +47,11 @@ private:
         std::istringstream words(line);
         std::string id, parent, number, root, point, word, type, source;
         words >> id >> parent >> number >> root >> point;
-        if (std::ranges::find(kSystemMounts, point) == std::end(kSystemMounts)) return;
+        const bool of_system = std::ranges::find(kSystemMounts, point) != std::end(kSystemMounts);
+        if (mounts_ == Mounts::kOfSystem && !of_system) return;
         while (words >> word && word != "-") continue;
         words >> type >> source;
+        if (std::ranges::find(kWithoutDevice, type) != std::end(kWithoutDevice)) return;
         const std::string name = LastPart(devices_.Link(number));
         if (!name.empty()) {
             Follow(name);
@@ -83,18 +92,23 @@ private:
         Follow(LastPart(way.substr(0, end)));
     }
 
+    const Mounts mounts_;
     const Folder devices_ = Folder::OfSystem("/sys/dev/block");
     const Folder blocks_ = Folder::OfSystem("/sys/class/block");
     SystemDevices found_;
 };
 
-}  // namespace
-
-SystemDevices FindSystem() {
-    Search search;
+SystemDevices Find(Mounts mounts) {
+    Search search(mounts);
     search.FollowMounts();
     search.FollowSwaps();
     return search.Found();
 }
+
+}  // namespace
+
+SystemDevices FindSystem() { return Find(Mounts::kOfSystem); }
+
+SystemDevices FindUsed() { return Find(Mounts::kAll); }
 
 }  // namespace hxmd

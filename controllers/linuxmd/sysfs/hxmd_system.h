@@ -15,4 +15,8 @@ struct SystemDevices {
 /// disks.
 SystemDevices FindSystem();
 
+/// The same for all mounted file systems. Whatever cannot be traced is left out, because most file
+/// systems have no device.
+SystemDevices FindUsed();
+
 }  // namespace hxmd

@@ -204,6 +204,14 @@ TEST_F(TheLibrary, SaysWhatADiskHolds) {
     EXPECT_EQ(HX_DiskHasOS(0, 1, 1, &ids[3]), 253);
     EXPECT_EQ(HX_DiskHasOS(0, 1, 2, &ids[3]), 205);
     EXPECT_EQ(HX_DiskHasOS(0, 2, 1, &ids[2]), 215);
+    // What neither sysfs nor udev knows, root finds on the disk itself.
+    if (geteuid() == 0) {
+        recorded_.AddDevice("sdc", 2097152);
+        recorded_.Root().Write("/dev/sdc", "x");
+        std::filesystem::resize_file(recorded_.Root().Path("/dev/sdc"), 2097152 * 512);
+        EXPECT_EQ(HX_DiskHasOS(0, 1, 1, &ids[2]), 253);
+        recorded_.AddDevice("sdc", 2097152);
+    }
     EXPECT_EQ(HX_DiskHasOS(0, 1, 1, nullptr), 203);
     // A root that cannot be followed to its disks can lie on each that is not free.
     recorded_.Root().Write("/proc/1/mountinfo", "22 1 0:30 / / rw - zfs rpool/ROOT rw\n");
@@ -217,6 +225,16 @@ TEST_F(TheLibrary, SaysWhatADiskHolds) {
     EXPECT_EQ(HX_PD_GetMBRInfo(0, &tables), HX_SUCCESS);
     EXPECT_EQ(tables.hasMBR[0], 0);
     EXPECT_EQ(tables.hasMBR[1], 1);
+    if (geteuid() == 0) {
+        // udev has not examined the disk: root looks for the table itself.
+        std::filesystem::remove(recorded_.Root().Path("/run/udev/data/b8:99"));
+        tables.HDIDs[1] = 2;
+        EXPECT_EQ(HX_PD_GetMBRInfo(0, &tables), HX_SUCCESS);
+        EXPECT_EQ(tables.hasMBR[1], 0);
+        std::filesystem::remove(recorded_.Root().Path("/dev/sdc"));
+        EXPECT_EQ(HX_PD_GetMBRInfo(0, &tables), HX_SUCCESS);
+        EXPECT_EQ(tables.hasMBR[1], 1);  // nobody has seen that there is none
+    }
     tables.HDIDs[1] = 9;
     EXPECT_EQ(HX_PD_GetMBRInfo(0, &tables), 205);
     tables.HDCount = 129;

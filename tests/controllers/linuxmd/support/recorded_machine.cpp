@@ -21,6 +21,7 @@ constexpr Recorded kDisk[] = {
     {"queue/logical_block_size", "512\n"},
     {"queue/rotational", "1\n"},
     {"queue/write_cache", "write back\n"},
+    {"diskseq", "5\n"},
 };
 
 constexpr Recorded kScsiDevice[] = {
@@ -84,8 +85,14 @@ void RecordedMachine::AddDisk(const std::string& name, const std::string& digits
     for (const Recorded& row : kScsiDevice) {
         Set(name, std::string("device/") + row.attribute, row.text);
     }
+    AddDevice(name, 2097152);
     Set(name, "device/wwid", "naa.50000000000000" + digits + "\n");
     Set(name, "device/vpd_pg80", std::string("\0\x80\0\x08", 4) + "TW0000" + digits);
+}
+
+void RecordedMachine::AddDevice(const std::string& name, std::uint64_t sectors) {
+    root_.Write("/dev/" + name, "");
+    fs::resize_file(root_.Path("/dev/" + name), sectors * 512);  // without blocks
 }
 
 void RecordedMachine::AddPartition(const std::string& disk, const std::string& partition) {

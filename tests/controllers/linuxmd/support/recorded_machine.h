@@ -2,6 +2,7 @@
 // disks and MD arrays, each as a test wants it.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,8 @@ public:
     void AddDisk(const std::string& name, const std::string& digits);
     /// A disk whose attributes a test writes itself; `way` leads to it in /sys/devices.
     void AddBareDisk(const std::string& name, const std::string& way);
+    /// A device's content, all zero.
+    void AddDevice(const std::string& name, std::uint64_t sectors);
     /// A partition from sector 2048 on, as udev finds it.
     void AddPartition(const std::string& disk, const std::string& partition);
     /// Takes the disk out of the machine: whatever points at it dangles.
