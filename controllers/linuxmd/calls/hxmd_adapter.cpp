@@ -45,6 +45,9 @@ Adapter_Info Describe(const Machine& machine) {
     info.MaxHD_Ext = kNoId;
     info.MaxLogicalDrive = kMostArrays;
     SetText(info.SerialNo, SerialNumber());
+    // There is no flash, so no image in it is damaged; 0 would tell that they all are.
+    info.img_health = info.autoload_img_health = info.boot_loader_img_health = 1;
+    info.firmware_img_health = info.boot_rom_img_health = info.hba_info_img_health = 1;
     return info;
 }
 

@@ -231,7 +231,7 @@ void TellUnseen(const SeenArray& before, const SeenArray& now, bool other_disk, 
         if (IsOptimal(before)) Tell(told, EventKind::kVirtualDiskOnline, now.id);
         return;
     }
-    if (before.last_action == now.last_action) return;
+    if (before.last_action == now.last_action && before.mismatches == now.mismatches) return;
     const bool check = now.last_action == static_cast<HX_U8>(SyncAction::kCheck);
     const bool repair = now.last_action == static_cast<HX_U8>(SyncAction::kRepair);
     if (!check && !repair) return;

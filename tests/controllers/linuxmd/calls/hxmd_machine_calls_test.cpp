@@ -106,6 +106,18 @@ TEST_F(TheLibrary, TellsOfTheKernelAndWhatItCanTake) {
     EXPECT_EQ(config.AutoRebuildOn, 0);
 }
 
+TEST_F(TheLibrary, TellsOfNoDamageInTheFlashThatItHasNot) {
+    Open();
+    HX_U8 count = 0;
+    Adapter_Info info{};
+    ASSERT_EQ(HX_Adapter_GetInfo(0, &count, &info), HX_SUCCESS);
+    for (const HX_BOOLEAN health :
+         {info.img_health, info.autoload_img_health, info.boot_loader_img_health,
+          info.firmware_img_health, info.boot_rom_img_health, info.hba_info_img_health}) {
+        EXPECT_EQ(health, 1);
+    }
+}
+
 // ---- Disks ----
 
 TEST_F(TheLibrary, ListsDisksWithAllThatIsKnownOfThem) {

@@ -218,6 +218,15 @@ TEST_F(TwoLooks, TellOfACheckThatBeganAndEndedInBetween) {
     EXPECT_THAT(Told(), IsEmpty());
 }
 
+TEST_F(TwoLooks, TellOfACheckAfterACheckByWhatItHasFound) {
+    before_.arrays[0].last_action = static_cast<HX_U8>(SyncAction::kCheck);
+    Array().last_action = static_cast<HX_U8>(SyncAction::kCheck);
+    Array().mismatches = 128;
+    EXPECT_THAT(Told(), ElementsAre(StepOf(ActivityKind::kCheck, Step::kStart),
+                                    StepOf(ActivityKind::kCheck, Step::kComplete),
+                                    Event1(EventKind::kErrorsFound, 7, 128)));
+}
+
 TEST_F(TwoLooks, TellTheLastStepOfProgress) {
     const auto told = [&](HX_U16 was, HX_U16 is) {
         Run(before_.arrays[0], ActivityKind::kRebuild, was);
