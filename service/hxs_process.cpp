@@ -8,6 +8,7 @@
 #include <sys/epoll.h>
 #include <sys/mman.h>  // IWYU pragma: keep (MFD_CLOEXEC comes from a header below it)
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -154,8 +155,7 @@ std::vector<RunningProcess> RunningProcesses() {
     return processes;
 }
 
-// Tells orphans of one job from those of another. A process hides it when it starts another with
-// an environment of its own.
+// Tells orphans of one job from those of another, where the environment can be read and was kept.
 constexpr std::string_view kMark = "HXRAIDSVC_JOB=";
 
 std::string MarkOf(pid_t process) {
@@ -163,6 +163,50 @@ std::string MarkOf(pid_t process) {
     const std::size_t begin = environment.find(std::string(1, '\0') + std::string(kMark));
     if (begin == std::string::npos) return "";
     return environment.c_str() + begin + 1;
+}
+
+// Tells them apart when they were started with an environment of their own, too: every process
+// inherits its limits, and nobody misses a few bytes of the 800 KiB of message queues.
+constexpr unsigned kQueueLimits = 65536;
+
+// While it lives, what is started has that job's limit.
+class QueueLimit {
+public:
+    explicit QueueLimit(rlim_t limit) {
+        if (limit == 0 || getrlimit(RLIMIT_MSGQUEUE, &usual_) != 0) return;
+        rlimit marked = usual_;
+        marked.rlim_cur = limit;
+        is_set_ = setrlimit(RLIMIT_MSGQUEUE, &marked) == 0;
+    }
+    ~QueueLimit() {
+        if (is_set_) setrlimit(RLIMIT_MSGQUEUE, &usual_);
+    }
+    QueueLimit(const QueueLimit&) = delete;
+    QueueLimit& operator=(const QueueLimit&) = delete;
+
+private:
+    rlimit usual_{};
+    bool is_set_ = false;
+};
+
+// 0: there is no room for marks below the usual limit.
+rlim_t QueueLimitOf(unsigned job) {
+    rlimit usual{};
+    if (getrlimit(RLIMIT_MSGQUEUE, &usual) != 0 || usual.rlim_cur <= kQueueLimits) return 0;
+    return usual.rlim_cur - 1 - job;
+}
+
+// 0 where it is none of a job.
+rlim_t QueueLimitOfProcess(pid_t process) {
+    rlimit usual{};
+    rlimit its{};
+    if (getrlimit(RLIMIT_MSGQUEUE, &usual) != 0 ||
+        prlimit(process, RLIMIT_MSGQUEUE, nullptr, &its) != 0) {
+        return 0;
+    }
+    const bool is_mark =
+        its.rlim_cur < usual.rlim_cur && usual.rlim_cur - its.rlim_cur <= kQueueLimits;
+    return is_mark ? its.rlim_cur : 0;
 }
 
 bool IsReady(int descriptor) {
@@ -175,6 +219,7 @@ bool IsReady(int descriptor) {
 struct Children::Child {
     std::string name;
     std::string mark;
+    rlim_t queue_limit = 0;
     pid_t process = 0;
     bool may_leave_processes = false;
     File life;  // readable when it has ended
@@ -210,6 +255,7 @@ void Children::Start(const std::string& name, const Job& job, Duration now) {
     auto child = std::make_unique<Child>();
     child->name = name;
     child->mark = std::string(kMark) + std::to_string(getpid()) + "-" + std::to_string(++started_);
+    child->queue_limit = QueueLimitOf(static_cast<unsigned>(started_ % kQueueLimits));
     child->may_leave_processes = job.may_leave_processes;
     child->limit = job.limit;
     child->end = now + job.limit;
@@ -226,8 +272,11 @@ void Children::Start(const std::string& name, const Job& job, Duration now) {
     std::vector<std::string> variables = job.environment;
     variables.push_back(child->mark);
     const std::vector<char*> environment = Pointers(variables);
-    const int error = posix_spawn(&child->process, words[0], &options.actions, &options.attributes,
-                                  words.data(), environment.data());
+    const int error = [&] {
+        const QueueLimit limit(child->queue_limit);
+        return posix_spawn(&child->process, words[0], &options.actions, &options.attributes,
+                           words.data(), environment.data());
+    }();
     if (error != 0) return refuse(error);
     has_left_processes_ = has_left_processes_ || job.may_leave_processes;
     child->life = File(static_cast<int>(syscall(SYS_pidfd_open, child->process, 0)));
@@ -262,17 +311,22 @@ bool Children::IsOfChild(pid_t process) const {
                                [&](const auto& child) { return child->process == process; });
 }
 
+// A process of which nothing tells whose it is belongs to the child, unless others may stay.
+bool Children::IsOrphanOf(const Child& child, pid_t process) const {
+    if (IsOfChild(process)) return false;
+    const std::string mark = MarkOf(process);
+    if (!mark.empty()) return mark == child.mark;
+    const rlim_t limit = QueueLimitOfProcess(process);
+    if (limit != 0) return limit == child.queue_limit;
+    return !has_left_processes_;
+}
+
 // Processes may start others meanwhile, so that it is looked again until nothing new is there; one
 // that is killed starts nothing more.
 void Children::KillWithAllStarted(const Child& child) const {
     constexpr int kMostLooks = 1000;
     kill(-child.process, SIGKILL);
     std::set<pid_t> killed;
-    const auto is_orphan_of_child = [&](const RunningProcess& process) {
-        if (process.parent != getpid() || IsOfChild(process.id)) return false;
-        const std::string mark = MarkOf(process.id);
-        return mark == child.mark || (mark.empty() && !has_left_processes_);
-    };
     for (int look = 0; look < kMostLooks; ++look) {
         const std::vector<RunningProcess> running = RunningProcesses();
         std::set<pid_t> family{child.process};
@@ -280,7 +334,9 @@ void Children::KillWithAllStarted(const Child& child) const {
             has_grown = false;
             for (const RunningProcess& each : running) {
                 if (family.contains(each.id)) continue;
-                if (!family.contains(each.parent) && !is_orphan_of_child(each)) continue;
+                if (!family.contains(each.parent) &&
+                    !(each.parent == getpid() && IsOrphanOf(child, each.id)))
+                    continue;
                 has_grown = family.insert(each.id).second;
             }
         }

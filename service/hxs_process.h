@@ -60,6 +60,7 @@ private:
     std::optional<JobEnd> EndOf(Child& child, vexortools::Duration now);
     void KillWithAllStarted(const Child& child) const;
     bool IsOfChild(pid_t process) const;
+    bool IsOrphanOf(const Child& child, pid_t process) const;
     void TakeUpOrphans();
 
     ::Descriptor events_;  // epoll

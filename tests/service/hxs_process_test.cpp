@@ -119,8 +119,9 @@ TEST(DeliveringProcess, IsKilledAtItsLimitWithWhatItHasStarted) {
 }
 
 // A session of its own, and an orphan besides.
-std::string Daemon(const TemporaryRoot& root, const char* file) {
-    return "(setsid sh -c 'echo $$ >\"$1.new\"; mv \"$1.new\" \"$1\"; exec sleep 1000' sh '" +
+std::string Daemon(const TemporaryRoot& root, const char* file, const char* before = "") {
+    return std::string("(") + before +
+           " setsid sh -c 'echo $$ >\"$1.new\"; mv \"$1.new\" \"$1\"; exec sleep 1000' sh '" +
            root.Path(file) + "' >/dev/null 2>&1 &); ";
 }
 
@@ -172,6 +173,37 @@ TEST(DeliveringProcess, MayLeaveProcessesThatGoOnWhenItsJobSaysSo) {
     EXPECT_FALSE(IsGone(daemon));
     EXPECT_EQ(kill(daemon, SIGKILL), 0);
     while (!IsGone(daemon)) std::this_thread::yield();
+}
+
+TEST(DeliveringProcess, IsKilledWithWhatHidesItsEnvironmentAlsoWhereOthersMayStay) {
+    const TemporaryRoot root;
+    Children children;
+    Job mail = Shell(Daemon(root, "/mail", "env -i") + "while ! [ -e '" + root.Path("/mail") +
+                     "' ]; do sleep 0.01; done");
+    mail.may_leave_processes = true;
+    children.Start("a", mail, Duration(0));
+    EXPECT_EQ(EndOf(children).error, "");
+    const pid_t left = std::atoi(root.Read("/mail").c_str());
+    ASSERT_GT(left, 1);
+    children.Start("b", Shell(Daemon(root, "/pid", "env -i") + "sleep 1000"), Duration(0));
+    const pid_t daemon = ProcessIn(root, "/pid", children);
+    ASSERT_GT(daemon, 1);
+    EXPECT_EQ(EndOf(children, seconds(60)).error, "did not end within 1m");
+    while (!IsGone(daemon)) std::this_thread::yield();
+    EXPECT_FALSE(IsGone(left));
+    EXPECT_EQ(kill(left, SIGKILL), 0);
+    while (!IsGone(left)) std::this_thread::yield();
+}
+
+TEST(DeliveringProcess, LeavesTheServicesOwnLimitsAsTheyAre) {
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_MSGQUEUE, &before), 0);
+    Children children;
+    children.Start("a", Shell("true"), Duration(0));
+    EndOf(children);
+    rlimit after{};
+    ASSERT_EQ(getrlimit(RLIMIT_MSGQUEUE, &after), 0);
+    EXPECT_EQ(after.rlim_cur, before.rlim_cur);
 }
 
 TEST(DeliveringProcess, LeavesNoDeadOrphans) {
