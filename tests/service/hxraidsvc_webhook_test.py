@@ -4,18 +4,22 @@
 usage: hxraidsvc_webhook_test.py HXRAIDSVC
 """
 
+import datetime
+import email.utils
 import hashlib
 import hmac
 import http.server
 import json
+import os
 import ssl
 import subprocess
 import threading
 import unittest
 
-from hxraidsvc_test import PATIENCE, Case
+from hxraidsvc_test import PATIENCE, PROGRAMS, Case
 
 SECRET = b"not for others"
+WEBHOOK = os.path.join(os.path.dirname(PROGRAMS), "libexec", "hxraid", "hxraidsvc-webhook")
 
 
 class Receiver(http.server.BaseHTTPRequestHandler):
@@ -127,6 +131,25 @@ class Webhook(Case):
         self.assertEqual(self.fails(), "the receiver answered 403")
         self.server.answers = [(403, {})]
         self.assertIn("DELIVERY_FAILING", self.root.service("--once").stderr)
+
+    def test_is_told_how_long_the_receiver_wants_to_be_left_alone(self):
+        """The line that its program tells the service."""
+        later = email.utils.format_datetime(
+            datetime.datetime.now(datetime.timezone.utc) + datetime.timedelta(seconds=3000),
+            usegmt=True)
+        order = {"url": f"https://127.0.0.1:{self.server.server_port}/",
+                 "ca_file": str(self.certificate), "secret_file": "", "limit_ms": 60000, "id": "1"}
+        for answer, least, most in (({"Retry-After": "120"}, 120, 120), ({}, 0, 0),
+                                    ({"Retry-After": later}, 3000 - 2 * PATIENCE, 3000),
+                                    ({"Retry-After": "soon"}, 0, 0)):
+            with self.subTest(answer=answer):
+                self.server.answers = [(503, answer)]
+                done = subprocess.run([WEBHOOK], input=json.dumps(order) + "\n{}", text=True,
+                                      capture_output=True, timeout=PATIENCE, check=False)
+                told = json.loads(done.stdout)
+                self.assertEqual((done.returncode, told["error"], told["refused"]),
+                                 (1, "the receiver answered 503", False))
+                self.assertTrue(least <= told["wait_s"] <= most, told)
 
     def test_follows_no_redirection(self):
         self.server.answers = [(302, {"Location": "http://127.0.0.1:9/"})]

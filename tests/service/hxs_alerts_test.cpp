@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -278,6 +279,48 @@ TEST_F(Alert, WaitsAtMostTenMinutesForTheNextAttempt) {
     }
     Serve();
     EXPECT_EQ(alerts_->Due(), now + minutes(10));
+}
+
+TEST_F(Alert, IsNotSentAgainBeforeItsReceiverWantsIt) {
+    SinkSettings sink = SinkNamed("hook");
+    sink.kind = hxservice::SinkKind::kWebhook;
+    Made({sink});
+    deliverer.errors["hook"] = "the receiver answered 503";
+    deliverer.wait = minutes(2);
+    Look({failed}, {Raised(failed)});
+    Serve();
+    EXPECT_EQ(alerts_->Due(), now + minutes(2));
+    Pass(minutes(2));
+    deliverer.wait = std::chrono::milliseconds(1);  // sooner than the wait after two failures
+    Serve();
+    EXPECT_GE(*alerts_->Due(), now + seconds(2));
+    deliverer.errors.clear();
+    Pass(*alerts_->Due() - now);
+    Serve();
+    EXPECT_EQ(alerts_->Due(), std::nullopt);
+}
+
+TEST_F(Alert, OfManyMachinesDoesNotComeAgainAtOneTime) {
+    const auto wait_of = [&](const std::string& name, hxservice::SinkKind kind) {
+        SinkSettings sink = SinkNamed(name);
+        sink.kind = kind;
+        Made({sink});
+        deliverer.errors[name] = "the receiver answered 500";
+        Look({failed}, {Raised(failed)});
+        Serve();
+        return *alerts_->Due() - now;
+    };
+    std::set<Duration> waits;
+    for (int number = 0; number < 20; ++number) {
+        const std::string name = "hook" + std::to_string(number);
+        const Duration wait = wait_of(name, hxservice::SinkKind::kWebhook);
+        EXPECT_GE(wait, seconds(1));
+        EXPECT_LT(wait, std::chrono::milliseconds(1250));
+        EXPECT_EQ(wait, wait_of(name, hxservice::SinkKind::kWebhook)) << "the same after a crash";
+        EXPECT_EQ(wait_of(name, hxservice::SinkKind::kCommand), seconds(1));
+        waits.insert(wait);
+    }
+    EXPECT_GT(waits.size(), 10U);
 }
 
 TEST_F(Alert, MakesItsSinkAConditionAfterThreeFailuresUntilItIsDelivered) {

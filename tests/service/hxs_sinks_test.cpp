@@ -1,4 +1,4 @@
-// What the sinks write: mails and entries of the journal.
+// What the sinks write and answer: mails, entries of the journal, webhooks.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <set>
 #include <string>
@@ -17,6 +18,7 @@
 #include "service/hxs_journal.h"
 #include "service/hxs_journal_entries.h"
 #include "service/hxs_sink_mail.h"
+#include "service/hxs_sink_webhook.h"
 #include "support/temporary_root.h"
 
 namespace {
@@ -122,6 +124,29 @@ TEST(MailSink, TakesAddressesThatCannotBeAnythingElse) {
     for (const char* bad : {"", "-f", "a b", "a,b", "a\nBcc: x", "\"a\"", "<a@b>", "ö@b", "a:b"}) {
         EXPECT_FALSE(hxservice::IsMailAddress(bad)) << bad;
     }
+}
+
+// What its program writes when a delivery has failed.
+TEST(WebhookAnswer, TellsWhenAndWhetherItMayBeSentAgain) {
+    const auto end_of = [](const std::string& output) {
+        hxservice::JobEnd end{"hook", true, "ended with exit status 1", output};
+        hxservice::TakeWebhookAnswer(end);
+        return end;
+    };
+    hxservice::JobEnd end =
+        end_of("{\"error\":\"the receiver answered 429\",\"refused\":false,\"wait_s\":120}\n");
+    EXPECT_EQ(end.error, "the receiver answered 429");
+    EXPECT_EQ(end.wait, std::chrono::seconds(120));
+    EXPECT_FALSE(end.is_refused);
+    end = end_of("{\"error\":\"the receiver answered 403\",\"refused\":true,\"wait_s\":0}\n");
+    EXPECT_EQ(end.wait, std::chrono::seconds(0));
+    EXPECT_TRUE(end.is_refused);
+    // A receiver cannot put alerts off for ever.
+    EXPECT_EQ(end_of("{\"error\":\"x\",\"wait_s\":9999999}").wait, std::chrono::hours(1));
+    EXPECT_EQ(end_of("{\"error\":\"x\",\"wait_s\":-5}").wait, std::chrono::seconds(0));
+    end = end_of("no JSON");
+    EXPECT_EQ(end.error, "ended with exit status 1");
+    EXPECT_EQ(end.output, "no JSON");
 }
 
 TEST(JournalEntries, AreWrittenAsTheJournalReadsThem) {

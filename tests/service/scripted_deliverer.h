@@ -21,11 +21,12 @@ public:
     std::map<std::string, std::string> errors;  // by sink: why it fails
     bool hangs = false;                         // deliveries do not end
     bool begins = true;                         // failed ones may have arrived
+    vexortools::Duration wait{0};               // what a receiver asks for
 
     void Start(const hxservice::SinkSettings& sink, const hxservice::Letter& letter,
                vexortools::Duration now) override {
         letters.push_back({sink.name, now, letter});
-        if (!hangs) ended_.push_back({sink.name, begins, errors[sink.name], ""});
+        if (!hangs) ended_.push_back({sink.name, begins, errors[sink.name], "", false, wait});
     }
     std::vector<hxservice::Delivery> TakeEnded(vexortools::Duration /*now*/) override {
         return std::exchange(ended_, {});
