@@ -283,7 +283,7 @@ void Compare(const SeenArray& before, const SeenArray& now, bool other_disk, Sin
     }
 }
 
-void Found(const SeenArray& now, Happenings& told) {
+void TellNewArray(const SeenArray& now, Happenings& told) {
     Tell(told, EventKind::kVirtualDiskCreated, now.id);
     if (!IsOptimal(now)) Tell(told, KindOfState(now.state), now.id);
     if (Runs(now)) TellStep(told, now.activity, Step::kStart, now.id);
@@ -378,7 +378,7 @@ std::vector<Happening> Differences(const Seen& before, const Seen& now, Since si
     for (const SeenArray& array : now.arrays) {
         const SeenArray* const old = Find(before.arrays, array.id);
         if (old == nullptr) {
-            Found(array, told);
+            TellNewArray(array, told);
         } else {
             Compare(*old, array, HasOtherDisk(before, now, array.id), since, told);
         }
