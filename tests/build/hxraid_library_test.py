@@ -15,7 +15,7 @@ import readback
 
 SONAME = "libhxraid.so"
 ALLOWED = re.compile(
-    r"lib(c|m)\.so\.6$|libsqlite3\.so\.0$|lib(blkid|fdisk)\.so\.1$|ld-linux.*\.so\.\d+$"
+    r"lib(c|m)\.so\.6$|libsqlite3\.so\.0$|lib(blkid|fdisk|uuid)\.so\.1$|ld-linux.*\.so\.\d+$"
 )
 # What the static C++ runtime runs for itself (its sources end in .cc, ours in .cpp): its locales and
 # its reserve of memory for exceptions. It registers its own handler, too.
