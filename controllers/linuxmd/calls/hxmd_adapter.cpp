@@ -34,11 +34,15 @@ std::array<HX_U32, 3> NumbersOf(std::string_view release) {
     return numbers;
 }
 
-// Offers no level, stripe size or rate, since nothing can be created or set.
+// The rates that can be set: rebuild, initialisation, synchronisation, migration and copyback.
+constexpr HX_U8 kFeatures = 0x4F;
+
+// Offers no level and no stripe size, since nothing can be created.
 Adapter_Info Describe(const Machine& machine) {
     Adapter_Info info{};
     const auto version = NumbersOf(machine.release);
     info.DriverVersion = {version[0], version[1], 0, version[2]};
+    info.Features = kFeatures;
     info.MaxPDPerVD = HX_MAX_HDS;
     info.MaxBlockPerPD = 16;
     info.MaxHD = UINT8_MAX;
@@ -58,6 +62,7 @@ struct Setting {
 };
 constexpr Setting kSettings[] = {
     {"auto_rebuild", &Adapter_Config_V2::AutoRebuildOn},
+    {"general_rate", &Adapter_Config_V2::BGARate},
     {"sync_rate", &Adapter_Config_V2::SyncRate},
     {"init_rate", &Adapter_Config_V2::InitRate},
     {"rebuild_rate", &Adapter_Config_V2::RebuildRate},

@@ -52,10 +52,6 @@ HX_U8 HX_BBU_SetStatus(HX_U8 AdapterID, HX_BOOLEAN /*status*/) {
 
 // ---- Changes ----
 
-HX_U8 HX_Adapter_SetConfig(HX_U8 AdapterID, Adapter_Config_V2* /*config*/) {
-    return hxmd::RefuseChange(AdapterID);
-}
-
 HX_U8 HX_LocateArrayDevice(HX_U8 AdapterID, HX_U8 /*deviceType*/, HX_U16 /*deviceId*/,
                            HX_U8 /*ledStatus*/) {
     return hxmd::RefuseChange(AdapterID);
@@ -99,21 +95,11 @@ HX_U8 HX_LD_Delete(HX_U8 AdapterID, HX_U16 /*LD_ID*/, HX_U8 /*deleteMBR*/) {
 
 HX_U8 HX_LD_Import(HX_U8 AdapterID, HX_U16 /*LD_ID*/) { return hxmd::RefuseChange(AdapterID); }
 
-HX_U8 HX_LD_PauseAll(HX_U8 AdapterID) { return hxmd::RefuseChange(AdapterID); }
-
 HX_U8 HX_LD_StartRebuild(HX_U8 AdapterID, HX_U16 /*LD_ID*/, HX_U16 /*Rebuild_HD_ID*/) {
     return hxmd::RefuseChange(AdapterID);
 }
 
-HX_U8 HX_LD_StartConsistencyCheck(HX_U8 AdapterID, HX_U16 /*LD_ID*/, HX_U8 /*Type*/) {
-    return hxmd::RefuseChange(AdapterID);
-}
-
 HX_U8 HX_LD_StartMigration(HX_U8 AdapterID, Create_LD_Param* /*param*/) {
-    return hxmd::RefuseChange(AdapterID);
-}
-
-HX_U8 HX_LD_BGAControl(HX_U8 AdapterID, HX_U16 /*LD_ID*/, HX_U8 /*Actions*/) {
     return hxmd::RefuseChange(AdapterID);
 }
 

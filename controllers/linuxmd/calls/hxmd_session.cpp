@@ -1,8 +1,12 @@
 // The open library: its state file, and the comparison of the machine with it.
 #include "calls/hxmd_session.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <ctime>
 #include <exception>
 #include <new>
@@ -11,12 +15,16 @@
 #include <utility>
 
 #include "calls/hxmd_adapter.h"
+#include "calls/hxmd_rate.h"
 #include "codes/status.h"
+#include "descriptor.h"
 #include "library/trouble.h"
 #include "rules/hxmd_changes.h"
 #include "rules/hxmd_identity.h"
+#include "rules/hxmd_state.h"
 #include "store/hxmd_store.h"
 #include "sysfs/hxmd_look.h"
+#include "system/hxmd_word.h"
 
 namespace hxmd {
 namespace {
@@ -71,6 +79,42 @@ void Enumerate(View& view) {
     });
 }
 
+// Waits until no other process changes the machine. The state file's own lock would keep events
+// from being fetched for as long as mdadm runs.
+Descriptor Lock() {
+    Descriptor lock(
+        open((StatePath() + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    while (lock.IsOpen() && flock(lock.Get(), LOCK_EX) != 0) {
+        if (errno != EINTR) lock.Close();
+    }
+    return lock;
+}
+
+// Lifts pauses of arrays that have lost a member since, because a spare does not step in while an
+// array is frozen, and forgets those that somebody else has ended.
+void LiftPauses(Kept& kept, const Machine& machine) {
+    std::erase_if(kept.pauses, [&](const KeptPause& pause) {
+        const auto array = std::ranges::find(machine.arrays, pause.array, &Array::id);
+        if (array == machine.arrays.end() || pause.boot_id != machine.boot_id) return true;
+        const auto action = array->action.value_or(SyncAction::kUnknown);
+        if (action == SyncAction::kFrozen && FilledCount(*array) < pause.members) {
+            return WriteWord(array->name + "/md/sync_action", "idle") == 0;
+        }
+        return action != SyncAction::kFrozen && action != SyncAction::kIdle;
+    });
+}
+
+// Gives activities that have begun since the last look their rate.
+void ApplyRates(const Kept& kept, const Machine& machine) {
+    for (const Array& array : machine.arrays) {
+        const auto before = std::ranges::find(kept.arrays, array.id, &SeenArray::id);
+        const HX_U8 activity = NumberOf(ActivityOf(array).kind);
+        if (before == kept.arrays.end() || before->activity != activity) {
+            ApplyRate(kept, machine, array);
+        }
+    }
+}
+
 // Queues the changes since the last look and stores the machine as seen now.
 void Collect(Kept& kept, Machine machine) {
     const bool first = kept.look.empty();
@@ -82,6 +126,8 @@ void Collect(Kept& kept, Machine machine) {
     }
     const std::int64_t now = RealNow();
     Identify(machine, kept, Numbering::kNewToo, now);
+    LiftPauses(kept, machine);
+    ApplyRates(kept, machine);
     const Seen seen = Picture(machine, kept);
     if (first) Queue(kept, {hxcodes::EventKind::kAdapterFound}, now, SerialNumber());
     const std::vector<Happening> happened =
@@ -126,6 +172,24 @@ HX_U8 Check(HX_U8 adapter) {
 HX_U8 OnView(HX_U8 adapter, hxlibrary::FunctionRef<HX_U8(const View& view)> work) {
     if (const HX_U8 status = Check(adapter)) return status;
     return Caught([&]() -> HX_U8 {
+        auto machine = Look();
+        if (!machine) return NumberOf(Status::kNoAdapter);
+        View view{std::move(*machine), store->Read()};
+        Enumerate(view);
+        return work(view);
+    });
+}
+
+void Save(hxlibrary::FunctionRef<void(Kept& kept)> work) {
+    store->Change([&](Kept& kept) { work(kept); });
+}
+
+HX_U8 OnChange(HX_U8 adapter, hxlibrary::FunctionRef<HX_U8(const View& view)> work) {
+    if (const HX_U8 status = Check(adapter)) return status;
+    if (geteuid() != 0) return NumberOf(Status::kNoPermission);
+    return Caught([&]() -> HX_U8 {
+        const Descriptor lock = Lock();
+        if (!lock.IsOpen()) return NumberOf(Status::kNoState);
         auto machine = Look();
         if (!machine) return NumberOf(Status::kNoAdapter);
         View view{std::move(*machine), store->Read()};

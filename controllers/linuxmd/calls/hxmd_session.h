@@ -32,6 +32,12 @@ HX_U8 OnView(HX_U8 adapter, hxlibrary::FunctionRef<HX_U8(const View& view)> work
 /// events.
 HX_U8 TakeEvents(HX_U8 adapter, HX_U8 max, HX_U8* count, Event* events);
 
+/// Saves changes of the state file's rows.
+void Save(hxlibrary::FunctionRef<void(Kept& kept)> work);
+
+/// Runs a change: by root only, one at a time on the machine, over a look made for it.
+HX_U8 OnChange(HX_U8 adapter, hxlibrary::FunctionRef<HX_U8(const View& view)> work);
+
 /// The refusal of a function that this adapter does not support.
 HX_U8 NotSupported(HX_U8 adapter);
 

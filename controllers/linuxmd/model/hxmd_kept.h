@@ -69,6 +69,15 @@ struct KeptSetting {
     friend bool operator==(const KeptSetting&, const KeptSetting&) = default;
 };
 
+/// An activity that a caller has paused. It ends with the boot.
+struct KeptPause {
+    HX_U16 array = kNoId;
+    HX_U8 action = 0;    // SyncAction
+    HX_U16 members = 0;  // that had their content; when fewer are left, the pause is lifted
+    std::string boot_id;
+    friend bool operator==(const KeptPause&, const KeptPause&) = default;
+};
+
 /// One row: the boot of the last look and the next event's number.
 struct KeptLook {
     std::string boot_id;
@@ -135,6 +144,7 @@ struct Kept : Seen {
     std::vector<KeptSpare> spares;
     std::vector<KeptSmart> smart;
     std::vector<KeptSetting> settings;
+    std::vector<KeptPause> pauses;
     std::vector<KeptLook> look;  // empty before the first look
     std::vector<QueuedEvent> events;
 };

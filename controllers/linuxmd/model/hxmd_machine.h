@@ -153,6 +153,8 @@ struct Array {
     Text metadata;
     Text device_number;
 
+    std::optional<SyncAction> paused;  // by a caller, from the state file
+
     std::string name;   // the kernel's, for this boot
     std::string title;  // udev's MD_NAME behind the host part, else the kernel's name
     std::vector<Member> members;

@@ -89,6 +89,14 @@ KeptArray* RowOfArray(Kept& kept, const std::string& uuid, Numbering numbering) 
     return oldest;
 }
 
+std::optional<SyncAction> PauseOf(const Kept& kept, HX_U16 array, const std::string& boot_id) {
+    for (const KeptPause& pause : kept.pauses) {
+        if (pause.array != array || pause.boot_id != boot_id) continue;
+        return static_cast<SyncAction>(pause.action);
+    }
+    return std::nullopt;
+}
+
 void IdentifyArrays(Machine& machine, Kept& kept, Numbering numbering, std::int64_t now) {
     std::vector<HX_U16> there;
     for (Array& array : machine.arrays) {
@@ -99,6 +107,7 @@ void IdentifyArrays(Machine& machine, Kept& kept, Numbering numbering, std::int6
         array.id = row->id;
         row->title = array.title;
         row->left = 0;
+        array.paused = PauseOf(kept, row->id, machine.boot_id);
         if (array.level) row->level = static_cast<HX_U16>(*array.level);
         if (array.disks) {
             row->places = static_cast<HX_U16>(std::min<std::uint64_t>(array.disks->now, kNoId));

@@ -135,6 +135,19 @@ Activity Frozen(const Array& array) {
     return activity;
 }
 
+bool IsCheckOrRepair(const std::optional<SyncAction>& action) {
+    return action == SyncAction::kCheck || action == SyncAction::kRepair;
+}
+
+// A check is paused by stopping it and keeping its place in sync_min.
+Activity PausedCheck(const Array& array) {
+    const bool copies = array.level == NumberOf(Level::kRaid10);
+    const std::uint64_t total = copies ? array.sectors.value_or(0) : ComponentSectors(array);
+    const auto kind =
+        array.paused == SyncAction::kCheck ? ActivityKind::kCheck : ActivityKind::kFix;
+    return {kind, ActivityState::kPaused, Percent(array.sync_min.value_or(0), total)};
+}
+
 ActivityCode KindOf(const Array& array) {
     switch (array.action.value_or(SyncAction::kIdle)) {
         case SyncAction::kRecover:
@@ -226,6 +239,21 @@ HX_U8 ParityDisks(const Array& array) {
     }
 }
 
+std::size_t FilledCount(const Array& array) {
+    return static_cast<std::size_t>(std::ranges::count(FilledSlots(array), true));
+}
+
+bool SurvivesLossOf(const Array& array, const Member& member) {
+    if (!IsRunning(array) || array.level == NumberOf(Level::kRaid0)) return false;
+    if (!HasContent(member) || !member.slot) return true;
+    // Before the first synchronisation has ended there is no redundancy.
+    if (array.resync_start) return false;
+    std::vector<bool> filled = FilledSlots(array);
+    if (*member.slot >= filled.size()) return true;
+    filled[static_cast<std::size_t>(*member.slot)] = false;
+    return FewestLeft(array, filled) > 0;
+}
+
 StateCode StateOf(const Array& array) {
     if (!IsRunning(array)) return State::kOffline;
     const std::vector<bool> filled = FilledSlots(array);
@@ -250,6 +278,8 @@ Activity ActivityOf(const Array& array) {
     if (array.action == SyncAction::kFrozen) return Frozen(array);
     Activity activity;
     activity.kind = KindOf(array);
+    if (array.action == SyncAction::kIdle && IsCheckOrRepair(array.paused))
+        return PausedCheck(array);
     if (activity.kind == ActivityKind::kNone) {
         if (array.state != ArrayState::kReadAuto || !array.resync_start) return {};
         activity.kind = ActivityKind::kFix;

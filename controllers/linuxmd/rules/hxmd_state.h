@@ -34,6 +34,12 @@ bool IsSpare(const Array& array, const Member& member);
 Number LevelOf(const Array& array);
 HX_U8 ParityDisks(const Array& array);
 
+/// How many of its places have their content.
+std::size_t FilledCount(const Array& array);
+
+/// Whether content or redundancy would be left if this member were lost.
+bool SurvivesLossOf(const Array& array, const Member& member);
+
 StateCode StateOf(const Array& array);
 StateCode StateOf(const Member& member);
 

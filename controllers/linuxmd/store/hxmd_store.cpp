@@ -57,6 +57,8 @@ constexpr std::tuple kTables{
          Col("passed", &KeptSmart::passed)),
     Rows("setting", &Kept::settings, Col("name", &KeptSetting::name),
          Col("value", &KeptSetting::value)),
+    Rows("pause", &Kept::pauses, Col("array", &KeptPause::array), Col("action", &KeptPause::action),
+         Col("members", &KeptPause::members), Col("boot_id", &KeptPause::boot_id)),
     Rows("look", &Kept::look, Col("boot_id", &KeptLook::boot_id),
          Col("next_event", &KeptLook::next_event)),
     Rows("seen_disk", &Kept::disks, Col("id", &SeenDisk::id), Col("present", &SeenDisk::present),
@@ -158,7 +160,7 @@ void Save(const Connection& connection, const Table<Row, Columns...>& table, con
 
 constexpr const char* kPath = "/var/lib/vexorapi/hxmd.db";
 constexpr std::int64_t kApplication = 0x68786D64;  // "hxmd"
-constexpr std::int64_t kSchema = 1;
+constexpr std::int64_t kSchema = 2;
 
 std::string TextOf(hxsqlite::Trouble, const std::string& path, const std::string& why) {
     return path + " cannot be used (" + why + ").";
@@ -192,21 +194,22 @@ bool IsFile(const std::string& path) {
     return true;
 }
 
-// True for a state file, false for an empty database; throws for any other.
+// True for a state file, false for an empty database or one of an earlier version, which lacks
+// tables; throws for any other.
 bool IsStateFile(const Connection& connection, const std::string& path) {
     const std::int64_t application = connection.Number("PRAGMA application_id");
     const std::int64_t tables = connection.Number("SELECT count(*) FROM sqlite_master");
     if (application == 0 && tables == 0) return false;
-    if (application == kApplication && connection.Number("PRAGMA user_version") == kSchema) {
-        return true;
-    }
+    const std::int64_t schema = connection.Number("PRAGMA user_version");
+    if (application == kApplication && schema == kSchema) return true;
+    if (application == kApplication && schema > 0 && schema < kSchema) return false;
     throw StoreError(path + " was made by another program, or by another version of this one.");
 }
 
 void MakeTables(const Connection& connection) {
     ForEachTable([&](const auto& table) {
-        connection.Execute(std::string("CREATE TABLE ") + table.name + " (" + Names(table, true) +
-                           ") STRICT");
+        connection.Execute(std::string("CREATE TABLE IF NOT EXISTS ") + table.name + " (" +
+                           Names(table, true) + ") STRICT");
     });
     connection.Execute("PRAGMA application_id = " + std::to_string(kApplication));
     connection.Execute("PRAGMA user_version = " + std::to_string(kSchema));

@@ -382,13 +382,11 @@ TEST_F(TheLibrary, DoesNotDenyExpandersThatItCannotRead) {
 // ---- Refusals ----
 
 std::vector<HX_U8> EveryChange(HX_U8 adapter) {
-    Adapter_Config_V2 config{};
     HD_Config disk{};
     LD_Config settings{};
     Create_LD_Param create{};
     LD_DG_Rebuild_Param rebuild{};
     return {
-        HX_Adapter_SetConfig(adapter, &config),
         HX_LocateArrayDevice(adapter, 4, 0, 1),
         HX_PD_SetConfig(adapter, 0, &disk),
         HX_PD_WipeHDMDD(adapter, 0, 1),
@@ -400,12 +398,9 @@ std::vector<HX_U8> EveryChange(HX_U8 adapter) {
         HX_LD_Create(adapter, &create),
         HX_LD_Delete(adapter, 0, 0),
         HX_LD_Import(adapter, 0),
-        HX_LD_PauseAll(adapter),
         HX_LD_StartRebuild(adapter, 0, 2),
         HX_LD_DG_StartRebuild(adapter, &rebuild),
-        HX_LD_StartConsistencyCheck(adapter, 0, 0),
         HX_LD_StartMigration(adapter, &create),
-        HX_LD_BGAControl(adapter, 0, 1),
     };
 }
 

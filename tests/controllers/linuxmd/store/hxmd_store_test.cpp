@@ -106,6 +106,20 @@ TEST_F(TheStateFile, OfAnotherProgramIsLeftAsItIs) {
     EXPECT_EQ(root_.Read("/var/lib/vexorapi/hxmd.db"), before);
 }
 
+TEST_F(TheStateFile, OfTheFirstVersionGetsWhatItLacks) {
+    Store(File()).Change([](Kept& kept) { kept.spares.push_back({4}); });
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(File().c_str(), &database), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(database, "DROP TABLE pause; PRAGMA user_version = 1", nullptr, nullptr,
+                           nullptr),
+              SQLITE_OK);
+    sqlite3_close(database);
+    Store store(File());
+    EXPECT_EQ(store.Read().spares.size(), 1U);
+    store.Change([](Kept& kept) { kept.pauses.push_back({1, 2, 3, "boot"}); });
+    EXPECT_EQ(store.Read().pauses.size(), 1U);
+}
+
 TEST_F(TheStateFile, ThatIsNoDatabaseOrNoFileIsRefused) {
     root_.Write("/var/lib/vexorapi/hxmd.db", std::string(5000, 'x'));
     EXPECT_THROW(Store{File()}, StoreError);
