@@ -141,6 +141,11 @@ install(FILES
     ${vexor_python}/functions.py ${vexor_python}/py.typed ${vexor_python}/records.py
     DESTINATION "${VEXORAPI_PYTHON_DIR}/vexorapi" COMPONENT python)
 
+# ---- php: what editors read of the extension, which its own folder installs where PHP is ------
+if(TARGET php_vexorapi)
+    install(FILES bindings/php/vexorapi.stub.php DESTINATION "${vexor_data}/php" COMPONENT php)
+endif()
+
 # ---- documentation: for users, and examples ---------------------------------------------------
 install(FILES
     CHANGELOG.md LICENSE SECURITY.md
@@ -153,6 +158,8 @@ install(FILES
     DESTINATION "${vexor_examples}" COMPONENT documentation)
 install(PROGRAMS examples/make-sample-bios
     DESTINATION "${vexor_examples}" COMPONENT documentation)
+install(FILES examples/php/index.php
+    DESTINATION "${vexor_examples}/php" COMPONENT documentation)
 install(PROGRAMS examples/python/watch.py
     DESTINATION "${vexor_examples}/python" COMPONENT documentation)
 install(DIRECTORY examples/commands DESTINATION "${vexor_examples}" COMPONENT documentation)

@@ -30,6 +30,8 @@ def listed():
             paths = components.setdefault(line.strip("[]"), set())
         elif line and not line.startswith("#"):
             paths.add(line.replace("LIBDIR", LIBDIR).replace("VERSION", VERSION))
+    if not (pathlib.Path(BUILD) / "lib/php/vexorapi.so").exists():
+        components["php"].clear()
     return components
 
 

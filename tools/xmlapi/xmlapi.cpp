@@ -13,6 +13,7 @@
 #include "chapter.h"
 #include "describe.h"
 #include "markdown.h"
+#include "php_tables.h"
 #include "python.h"
 #include "relaxng.h"
 #include "root_path.h"
@@ -148,6 +149,7 @@ int Run(const fs::path& folder, bool check) {
         {folder / "vexorapi-results.rng", RelaxNg(chapters)},
         {python / "records.py", sources.records},
         {python / "functions.py", sources.functions},
+        {folder.parent_path() / "bindings/php/vexorapi_functions.cpp", PhpFunctions(chapters)},
     };
     for (const auto& [path, text] : files) {
         if (!check) {

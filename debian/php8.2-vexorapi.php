@@ -1,0 +1,1 @@
+mod debian/vexorapi.ini
