@@ -8,8 +8,8 @@ A guest is emulated: it needs no rights, no network, and cannot touch this machi
 are made of its memory. A story is a shell script. What it prints and its exit code come out of the guest by
 a serial line; 125 stands for a guest that died (its console is shown), 124 for one that did not end. A
 comment in the story may say otherwise: "# expect: 125" an exit code that is not 0, "# limit: 60" seconds
-until 124, "# boots: 2" that the guest is started again on the same disks, "# images: 3" how many disks
-outlast a boot.
+until 124, "# images: 3" how many disks outlast a boot, "# boots: 2" that the guest is started again with
+them, in the other order, and "# after the first boot away: disk1" without that one.
 
 The kernel and the guest's programs are kept in build/linuxmd, by their versions.
 """
@@ -205,6 +205,7 @@ class Story:
         self.limit = number("limit", LIMIT)
         self.boots = number("boots", 1)
         self.images = number("images", 0)
+        self.away = re.findall(r"^# after the first boot away: (\S+)$", text, re.M)
 
 
 class Machine:
@@ -233,7 +234,9 @@ class Machine:
                 initrd.write(part.read_bytes())
         console = folder / "console"
         disks = []
-        for image in sorted(folder.glob("disk*")):
+        for image in sorted(folder.glob("disk*"), reverse=number > 1):
+            if number > 1 and image.name in story.away:
+                continue
             disks += ["-drive", f"if=none,format=raw,id={image.name},file={image}",
                       "-device", f"virtio-blk-pci,drive={image.name},serial={image.name}"]
         guest = subprocess.Popen(
