@@ -14,6 +14,7 @@ import re
 import resource
 import signal
 import subprocess
+import time
 import unittest
 
 import vexorctl_machine
@@ -548,6 +549,52 @@ class Tasks(Changes):
             meanwhile=lambda pid: self.machine.hxsimctl("disk", "fail", "a0/pd2"))
         self.assertIn(b"vexorctl: a0/vd0: the rebuild has ended, and it is offline", said)
         self.assertEqual(code, 1)
+
+    def wait_while_watched(self, meanwhile, task):
+        """`task wait` beside the event service, while something happens."""
+        service = os.path.join(vexorctl_machine.PROGRAMS, "hxraidsvc")
+        if not os.path.exists(service):
+            self.skipTest("built without the event service")
+        with subprocess.Popen([service, "--foreground"], env=self.environment,
+                              stderr=subprocess.DEVNULL) as process:
+            try:
+                end = time.monotonic() + 120
+                while not (self.root / "run/hxraid/status.json").exists():
+                    self.assertLess(time.monotonic(), end, "the service never got ready")
+                    time.sleep(0.02)
+                return self.terminal(["task", "wait", task], until=b"0%",
+                                     meanwhile=lambda pid: meanwhile())
+            finally:
+                process.terminate()
+
+    def test_an_initialisation_that_was_aborted_while_it_was_waited_for_is_no_success(self):
+        self.do("vd", "create", "--adapter", "1", "--raid", "5", "--disks", "3", "--size", "100GiB",
+                "--init", "foreground")
+        said, code = self.wait_while_watched(
+            lambda: self.do("task", "abort", "a1/vd1"), "a1/vd1")
+        self.assertIn(b"vexorctl: a1/vd1: the init foreground was aborted; what happened: "
+                      b"vexorctl timeline a1/vd1\r\n", said)
+        self.assertEqual(code, 1)
+
+    def test_a_check_that_has_found_errors_while_it_was_waited_for_is_no_success(self):
+        self.do("vd", "create", "--adapter", "1", "--raid", "5", "--disks", "3", "--size", "100GiB",
+                "--init", "quick", "--cache", "write_back")
+        self.machine.hxsimctl("clock", "advance", "3h")
+        self.machine.hxsimctl("power-cut")
+        self.do("task", "start", "a1/vd1", "--kind", "check")
+        said, code = self.wait_while_watched(
+            lambda: self.machine.hxsimctl("clock", "advance", "48h"), "a1/vd1")
+        self.assertRegex(said, rb"vexorctl: a1/vd1: the check has found (1 stripe|\d+ stripes) that "
+                               rb"disagrees?; to repair it, when a backup is there: vexorctl task "
+                               rb"start a1/vd1 --kind fix\r\n")
+        self.assertEqual(code, 1)
+
+    def test_a_check_that_has_found_nothing_is_one(self):
+        self.do("task", "start", "a0/vd2", "--kind", "check")
+        said, code = self.wait_while_watched(
+            lambda: self.machine.hxsimctl("clock", "advance", "48h"), "a0/vd2")
+        self.assertNotIn(b"vexorctl: ", said)
+        self.assertEqual(code, 0)
 
     def test_ctrl_c_leaves_the_task_running(self):
         self.do("task", "start", "a0/vd2", "--kind", "check")

@@ -207,15 +207,24 @@ bool IsAsked(const hxc::Condition& condition, const hxc::Answers& answers) {
                answers.adapters.end();
 }
 
-// Fills in whether a service watches.
-Told TakeReport(const Json& report, hxc::Answers& answers, std::int64_t now) {
-    const auto age = static_cast<double>(now - report.at("written_at").get<std::int64_t>());
+// Seconds; below 0 when the clock was set back.
+double AgeOf(const Json& report, std::int64_t now) {
+    return static_cast<double>(now - report.at("written_at").get<std::int64_t>());
+}
+
+bool IsFresh(const Json& report, std::int64_t now) {
     const double limit =
         std::max(kLeastSilence, kRoundsOfSilence * report.at("interval_s").get<double>());
+    return std::abs(AgeOf(report, now)) <= limit;
+}
+
+// Fills in whether a service watches.
+Told TakeReport(const Json& report, hxc::Answers& answers, std::int64_t now) {
+    const double age = AgeOf(report, now);
     Told told;
     const auto store = report.find("store");
     if (store != report.end()) told.events = store->at("next").get<std::uint64_t>();
-    if (std::abs(age) <= limit) {
+    if (IsFresh(report, now)) {
         TakeConditions(report.at("conditions"), "", told);
         answers.service.is_here = true;
     } else if (age > 0 && !report.at("once").get<bool>()) {
@@ -348,6 +357,18 @@ hxc::Overview LookWithService(hxc::Answers answers, std::int64_t now) {
     hxc::Overview look = hxc::WithWatched(
         hxc::LookOnce(answers, clocks, levels.settings, &movement), told.conditions);
     return WithService(std::move(look), told, answers);
+}
+
+std::optional<std::int64_t> LastReportOfService(std::int64_t now) {
+    const std::optional<Json> report = ReadReport();
+    try {
+        if (!report || report->at("once").get<bool>() || !IsFresh(*report, now)) {
+            return std::nullopt;
+        }
+        return report->at("written_at").get<std::int64_t>();
+    } catch (const Json::exception&) {
+        return std::nullopt;
+    }
 }
 
 }  // namespace vexorctl

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "conditions/hxc_answers.h"
 #include "conditions/hxc_overview.h"
@@ -14,5 +15,9 @@ namespace vexorctl {
 /// asked. Without one the look says that nobody watches, or for how long the service has been
 /// silent. A report that cannot be read is none.
 hxconditions::Overview LookWithService(hxconditions::Answers answers, std::int64_t now);
+
+/// The time of the last report of the event service that watches here; null where none watches. It
+/// changes with each round.
+std::optional<std::int64_t> LastReportOfService(std::int64_t now);
 
 }  // namespace vexorctl

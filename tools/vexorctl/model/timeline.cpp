@@ -31,6 +31,8 @@ constexpr StateRow kStates[] = {
 
 constexpr std::string_view kNotOptimal = "not_optimal";  // in which way is not stored
 constexpr std::string_view kEventsLost = "events_lost";
+constexpr std::string_view kCheckKind =
+    hxcodes::NameOf(hxcodes::kActivityNames, hxcodes::NumberOf(hxcodes::ActivityKind::kCheck));
 constexpr std::string_view kRebuildKind =
     hxcodes::NameOf(hxcodes::kActivityNames, hxcodes::NumberOf(hxcodes::ActivityKind::kRebuild));
 
@@ -194,6 +196,11 @@ void Timeline::Take(const Happening& event) {
     if (kind == EventKind::kVirtualDiskOnline) LeaveBehind(event.object, kRebuildKind);
     if (const hxcodes::ActivityRow* const activity = hxcodes::ActivityOf(kind)) {
         TakeStep(event, *activity);
+        return;
+    }
+    if (kind == EventKind::kErrorsFound) {
+        Period* const check = FindOpen(event.object, kCheckKind);
+        if (check != nullptr) check->errors = event.facts.params[0];
         return;
     }
     const auto* const row = std::ranges::find(kStates, kind, &StateRow::event);

@@ -44,6 +44,7 @@ struct Period {
     PeriodEnd how = PeriodEnd::kOpen;
     bool is_paused = false;                  // as the last event says
     std::optional<std::uint64_t> percent{};  // the last that was told
+    std::optional<std::uint64_t> errors{};   // of a check: how many it has found, when any
     bool has_gap = false;                    // events were lost while it lasted
     // The object has become well since, or another one has its address: the end tells nothing of
     // how it is now.

@@ -435,7 +435,9 @@ constexpr OptionRow kStartOptions[] = {
 constexpr std::string_view kWaitNote =
     "Without a task it is about all that run. A terminal shows a line for each on standard error, "
     "in the width that it has. Ctrl-C ends the waiting, not the task. When what is left is paused, "
-    "the exit code is 7, and the command that resumes it is told.";
+    "the exit code is 7, and the command that resumes it is told. It is 1 when a virtual disk is "
+    "lost or stays degraded and, where hxraidsvc collects the events, when a task was aborted or "
+    "has failed or a check has found errors.";
 
 constexpr OptionRow kAdapterOption[] = {{"--adapter", "NUMBER", "Only those of this adapter"}};
 

@@ -5,16 +5,13 @@
 #include <iterator>
 #include <map>
 
-#include "codes/activity.h"
 #include "codes/named.h"
-#include "codes/state.h"
 #include "common/address.h"
 #include "common/exit_code.h"
-#include "library_fields.h"
 #include "model/controller_codes.h"
 #include "model/task_pace.h"
 #include "model/tasks.h"
-#include "model/virtual_disks.h"
+#include "nouns/task_ends.h"
 #include "nouns/task_screen.h"
 #include "output/streams.h"
 #include "shell/interrupt.h"
@@ -79,51 +76,6 @@ void Remember(const std::vector<Task>& seen, std::vector<Task>& before) {
     }
 }
 
-// What the virtual disks of tasks that run no more are now: a task that has gone has not succeeded
-// yet.
-Exit TellEnds(Controller& controller, const std::vector<Task>& gone) {
-    const hxcodes::CodeTable& codes = controller.codes().table();
-    Exit exit = Exit::kDone;
-    const auto report = [&](const std::string& where, const std::string& what, Exit code) {
-        ReportFailure(where, what);
-        exit = vexortools::MoreSerious(exit, code);
-    };
-    for (const Task& task : gone) {
-        const std::string activity(hxcodes::NameOf(codes.activities, task.activity));
-        const bool is_rebuild = activity == hxcodes::NameOf(hxcodes::ActivityKind::kRebuild);
-        for (const unsigned id : task.virtual_disks) {
-            const Address address{
-                .adapter = task.address.adapter, .kind = ObjectKind::kVirtualDisk, .id = id};
-            const auto list = controller.ReadList(address.adapter, kVirtualDiskList);
-            if (list.presence != Presence::kThere) {
-                report(address.Text(), "its task has ended; how is not known", Exit::kUnavailable);
-                continue;
-            }
-            const auto found =
-                std::ranges::find_if(list.items, [&](const auto& item) { return item.id == id; });
-            if (found == list.items.end()) {
-                report(address.Text(), "its task has ended, and it is there no more",
-                       Exit::kNoObject);
-                continue;
-            }
-            const auto state = found->record[fields::LD_Info::Status];
-            const std::string_view name =
-                state ? hxcodes::NameOf(codes.states, *state) : std::string_view();
-            const bool is_lost = name == hxcodes::NameOf(hxcodes::State::kOffline);
-            const bool is_short =
-                is_rebuild && !name.empty() && name != hxcodes::NameOf(hxcodes::State::kOptimal);
-            if (!is_lost && !is_short) continue;
-            std::string words(name);
-            std::ranges::replace(words, '_', ' ');
-            report(address.Text(),
-                   "the " + (activity.empty() ? "task" : activity) + " has ended, and it is " +
-                       words + "; what happened: vexorctl timeline " + address.Text(),
-                   Exit::kRefused);
-        }
-    }
-    return exit;
-}
-
 }  // namespace
 
 Duration TimeoutOf(const Invocation& invocation, std::string_view option) {
@@ -150,6 +102,7 @@ Exit WaitForTasks(Invocation& invocation, std::vector<std::string> addresses, Du
     TaskScreen screen(controller.codes());
     std::map<std::string, TaskPace> paces;
     std::vector<Task> before;  // each that was seen to run
+    TaskEnds ends(controller);
     for (unsigned look = 0;; ++look) {
         const bool first = look == 0;
         std::vector<Task> tasks = LoadTasks(controller, detail);
@@ -169,7 +122,7 @@ Exit WaitForTasks(Invocation& invocation, std::vector<std::string> addresses, Du
         std::ranges::copy_if(tasks, std::back_inserter(left), waited_for);
         if (left.empty()) {
             screen.Clear();
-            return TellEnds(controller, before);
+            return ends.Tell(before);
         }
         Remember(left, before);
         const auto running = std::ranges::find_if(

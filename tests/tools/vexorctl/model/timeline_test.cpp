@@ -56,6 +56,22 @@ TEST(AFailedRebuild, IsPastWhenTheVirtualDiskIsWellOrAnotherOne) {
     EXPECT_FALSE(PeriodOf(worse).is_past);
 }
 
+TEST(ACheck, HasTheErrorsThatWereToldWhileItRan) {
+    const auto step = [](Step which, std::uint64_t time) {
+        Happening event = StepOf(which, time);
+        event.facts.kind = *hxcodes::EventOf(ActivityKind::kCheck, which);
+        return event;
+    };
+    Happening found = EventOfVirtualDisk(hxcodes::EventKind::kErrorsFound, 1100);
+    found.facts.params[0] = 7;
+    const Period with = PeriodOf({step(Step::kStart, 1000), found, step(Step::kComplete, 1100)});
+    EXPECT_EQ(with.errors, 7U);
+    EXPECT_EQ(with.how, PeriodEnd::kComplete);
+    EXPECT_FALSE(PeriodOf({step(Step::kStart, 1000), step(Step::kComplete, 1100)}).errors);
+    // Told outside of a check it is no check's.
+    EXPECT_FALSE(PeriodOf({step(Step::kStart, 1000), step(Step::kComplete, 1050), found}).errors);
+}
+
 TEST(TheSpeedOfAnActivity, IsMeasuredFromItsStart) {
     const Period period = PeriodOf({StepOf(Step::kStart, 1000), StepOf(Step::kProgress, 1200, 20)});
     EXPECT_DOUBLE_EQ(PercentPerSecond(period).value(), 0.1);
