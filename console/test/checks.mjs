@@ -29,3 +29,8 @@ export async function noSidewaysScroll(page) {
     const [inside, outside] = await page.evaluate(() => [document.documentElement.scrollWidth, innerWidth]);
     assert.ok(inside <= outside, `the page is ${inside} px wide in a window of ${outside}`);
 }
+
+/** To another view, as a link does. */
+export async function goTo(page, view) {
+    await page.evaluate(path => { location.hash = `#/${path}`; }, view);
+}

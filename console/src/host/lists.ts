@@ -7,7 +7,8 @@ import { list, type Known } from "./vexorctl.ts";
 import { onPrivilege } from "./privilege.ts";
 import { currentHealth, onHealth } from "./status.ts";
 
-/** Of a list: the command, and the counters of the service that move when it has changed. */
+/** Of a list: the command, and the counters of the service that move when it has changed. What virtual disks and disks
+ *  do, several kinds of events tell. */
 interface Source {
     args: string[];
     counters: string[];
@@ -15,13 +16,13 @@ interface Source {
 
 const kSources = {
     adapters: { args: ["adapter", "list"], counters: ["adapter", "flash", "misc"] },
-    vds: { args: ["vd", "list"], counters: ["virtual_disk", "disk_group", "disk", "cache"] },
-    dgs: { args: ["dg", "list"], counters: ["virtual_disk", "disk_group", "disk"] },
+    vds: { args: ["vd", "list"], counters: ["any"] },
+    dgs: { args: ["dg", "list"], counters: ["any"] },
     disks: {
         // Only what lists show: all fields of a thousand disks are six times as much.
         args: ["disk", "list", "--columns",
             "address,state,size_bytes,free_bytes,vd,dg,model,serial,enclosure,slot,phy,smart_alarm,locate_light"],
-        counters: ["disk", "virtual_disk", "disk_group", "expander", "port_multiplier", "metadata"],
+        counters: ["any"],
     },
     enclosures: { args: ["enclosure", "list"], counters: ["enclosure", "expander"] },
     elements: { args: ["enclosure", "elements"], counters: ["enclosure"] },
@@ -54,8 +55,11 @@ class Kept {
     constructor(private readonly source: Source) {}
 
     counters(): string {
-        const counters = currentHealth().status?.counters ?? {};
-        return this.source.counters.map(name => counters[name] ?? "?").join(" ");
+        const { counters, adapters } = currentHealth().status ?? { counters: {} as Record<string, number | null>, adapters: [] };
+        // Some changes are no event: then the numbers of objects tell them.
+        const numbers = adapters.map(({ virtual_disks, disks, disk_groups, enclosures }) =>
+            [virtual_disks, disks, disk_groups, enclosures].join(","));
+        return [...this.source.counters.map(name => counters[name] ?? "?"), ...numbers].join(" ");
     }
 
     async read(): Promise<void> {

@@ -20,8 +20,8 @@ export function LightButton({ address, on, onDone }: { address: string; on: bool
         onDone?.();
     };
     return (
-        <Button variant="secondary" size="sm" icon={<LightbulbIcon />} isDisabled={busy} {...acting} aria-pressed={lit}
-            aria-label={fill(_("Light of $0"), address)} onClick={() => void press()}>
+        <Button variant="secondary" size="sm" icon={<LightbulbIcon />} isDisabled={busy} {...acting}
+            aria-label={fill(lit ? _("Light off: $0") : _("Light: $0"), address)} onClick={() => void press()}>
             {lit ? _("Light off") : _("Light")}
         </Button>
     );

@@ -12,6 +12,7 @@ import { _, fill, language, plural } from "../host/language.ts";
 import { refresh, useList } from "../host/lists.ts";
 import type { Health } from "../host/status.ts";
 import { run } from "../host/vexorctl.ts";
+import { create } from "../dialogs/create.tsx";
 import { Activities } from "../parts/activity.tsx";
 import { useActing } from "../parts/acting.tsx";
 import { Bdi } from "../parts/bdi.tsx";
@@ -27,8 +28,13 @@ function Condition({ condition }: { condition: StatusCondition }) {
     const level = levelOf(condition.level);
     const disk = diskOf(condition);
     const { address } = condition.object;
-    const began = condition.since ?? condition.first_seen;
-    const since = ago(began, Date.now(), language());
+    const since = ago(condition.since ?? condition.first_seen, Date.now(), language());
+    const said = [
+        since ? fill(_("began $0"), since) : null,
+        condition.stale ? _("not seen at the last look") : null,
+        condition.acknowledged ? fill(_("acknowledged by $0"), condition.acknowledged.by) : null,
+        condition.silenced_until ? fill(_("silenced until $0"), clock(condition.silenced_until, language())) : null,
+    ].filter(Boolean).join(" · ");
     const path = address ? pathOf(address) : null;
     const replace = disk !== null && callsForReplacement(condition);
     return (
@@ -39,20 +45,17 @@ function Condition({ condition }: { condition: StatusCondition }) {
                     <strong>{levelWord(level)}</strong>{" "}
                     <bdi lang="en" className="vx-sentence">{condition.sentence}</bdi>
                 </div>
-                <div className="vx-small">
-                    {since ? <time dateTime={began ?? undefined} title={clock(began, language())}>{fill(_("began $0"), since)}</time> : null}
-                    {condition.stale ? ` · ${_("not seen at the last look")}` : null}
-                    {condition.acknowledged ? ` · ${fill(_("acknowledged by $0"), condition.acknowledged.by)}` : null}
-                    {condition.silenced_until ? ` · ${fill(_("silenced until $0"), clock(condition.silenced_until, language()))}` : null}
+                <div className="vx-details">
+                    <span className="vx-small">{said}</span>
+                    {condition.next_step.text ? <bdi lang="en">{condition.next_step.text}</bdi> : null}
+                    {condition.folded.length > 0 ? (
+                        <details>
+                            <summary>{_("Why")}</summary>
+                            <ul>{condition.folded.map(folded => <li key={`${folded.code} ${folded.object.address}`}><bdi lang="en">{folded.sentence}</bdi></li>)}</ul>
+                        </details>
+                    ) : null}
+                    {condition.next_step.command ? <CommandText command={condition.next_step.command} /> : null}
                 </div>
-                {condition.next_step.text ? <div className="vx-next"><bdi lang="en">{condition.next_step.text}</bdi></div> : null}
-                {condition.folded.length > 0 ? (
-                    <details>
-                        <summary>{_("Why")}</summary>
-                        <ul>{condition.folded.map(folded => <li key={`${folded.code} ${folded.object.address}`}><bdi lang="en">{folded.sentence}</bdi></li>)}</ul>
-                    </details>
-                ) : null}
-                {condition.next_step.command ? <CommandText command={condition.next_step.command} /> : null}
             </div>
             <div className="vx-actions">
                 {replace ? (
@@ -92,7 +95,7 @@ function Conditions({ health }: { health: Health }) {
     const serious = conditions.some(condition => !["info", "ok"].includes(levelOf(condition.level)));
     const { left_out = 0 } = health.source === "service" && health.status ? health.status : {};
     return (
-        <section aria-label={_("Health")}>
+        <section aria-label={_("Health")} className="vx-health">
             {serious || health.report!.overall !== "ok" ? null : <AllWell health={health} />}
             <ul className="vx-list">
                 {conditions.map(condition => <Condition key={`${condition.code} ${condition.object.address}`} condition={condition} />)}
@@ -168,6 +171,7 @@ function Adapters({ health }: { health: Health }) {
 }
 
 export function Overview({ health }: { health: Health }) {
+    const acting = useActing();
     if (!health.report) {
         return <Listed list={{ items: null, failure: health.failure, at: null }} retry={() => void refresh()}>{() => null}</Listed>;
     }
@@ -182,6 +186,7 @@ export function Overview({ health }: { health: Health }) {
     const failing = status?.deliveries.filter(delivery => delivery.failing) ?? [];
     return (
         <div className="vx-overview">
+            <div className="vx-row vx-end"><Button variant="secondary" {...acting} onClick={create}>{_("Create virtual disk")}</Button></div>
             <Conditions health={health} />
             {failing.map(delivery => (
                 <Alert key={delivery.sink} isInline variant="warning" title={fill(_("Alerts do not reach $0"), delivery.sink)}>
