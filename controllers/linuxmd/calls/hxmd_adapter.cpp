@@ -37,12 +37,18 @@ std::array<HX_U32, 3> NumbersOf(std::string_view release) {
 // The rates that can be set: rebuild, initialisation, synchronisation, migration and copyback.
 constexpr HX_U8 kFeatures = 0x4F;
 
-// Offers no level and no stripe size, since nothing can be created.
+// Levels 0, 1, 10, 1E, 5 and 6, and stripes of 4 KiB to 4 MiB, a bit for each power of two KiB.
+constexpr HX_U16 kLevels = 0x003F;
+constexpr HX_U16 kStripes = 0x1FFC;
+
 Adapter_Info Describe(const Machine& machine) {
     Adapter_Info info{};
     const auto version = NumbersOf(machine.release);
     info.DriverVersion = {version[0], version[1], 0, version[2]};
     info.Features = kFeatures;
+    info.LogicalDriverMode = kLevels;
+    info.StripeSizeSupported = kStripes;
+    info.MaxParityDisks = 2;
     info.MaxPDPerVD = HX_MAX_HDS;
     info.MaxBlockPerPD = 16;
     info.MaxHD = UINT8_MAX;

@@ -85,14 +85,6 @@ HX_U8 HX_LD_SetConfig(HX_U8 AdapterID, HX_U16 /*LD_ID*/, LD_Config* /*config*/) 
     return hxmd::RefuseChange(AdapterID);
 }
 
-HX_U8 HX_LD_Create(HX_U8 AdapterID, Create_LD_Param* /*param*/) {
-    return hxmd::RefuseChange(AdapterID);
-}
-
-HX_U8 HX_LD_Delete(HX_U8 AdapterID, HX_U16 /*LD_ID*/, HX_U8 /*deleteMBR*/) {
-    return hxmd::RefuseChange(AdapterID);
-}
-
 HX_U8 HX_LD_Import(HX_U8 AdapterID, HX_U16 /*LD_ID*/) { return hxmd::RefuseChange(AdapterID); }
 
 HX_U8 HX_LD_StartRebuild(HX_U8 AdapterID, HX_U16 /*LD_ID*/, HX_U16 /*Rebuild_HD_ID*/) {
@@ -130,10 +122,6 @@ HX_U8 HX_PD_StartDataScrub(HX_U8 AdapterID, HX_U16 /*HD_ID*/) {
 }
 
 HX_U8 HX_PD_BGAControl(HX_U8 AdapterID, HX_U16 /*HD_ID*/, HX_U8 /*Action*/) {
-    return hxmd::NotSupported(AdapterID);
-}
-
-HX_U8 HX_LD_GetMaxSize(HX_U8 AdapterID, Create_LD_Param* /*param*/) {
     return hxmd::NotSupported(AdapterID);
 }
 

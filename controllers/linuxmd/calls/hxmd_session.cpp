@@ -31,6 +31,7 @@ namespace {
 
 using hxcodes::NumberOf;
 using hxcodes::Status;
+using hxsqlite::StoreError;
 
 // Made by Open, freed by Close.
 constinit Store* store = nullptr;
@@ -184,17 +185,21 @@ void Save(hxlibrary::FunctionRef<void(Kept& kept)> work) {
     store->Change([&](Kept& kept) { work(kept); });
 }
 
+View LookAgain() {
+    auto machine = Look();
+    if (!machine) throw StoreError("The kernel's list of devices is gone.");
+    View view{std::move(*machine), store->Read()};
+    Enumerate(view);
+    return view;
+}
+
 HX_U8 OnChange(HX_U8 adapter, hxlibrary::FunctionRef<HX_U8(const View& view)> work) {
     if (const HX_U8 status = Check(adapter)) return status;
     if (geteuid() != 0) return NumberOf(Status::kNoPermission);
     return Caught([&]() -> HX_U8 {
         const Descriptor lock = Lock();
         if (!lock.IsOpen()) return NumberOf(Status::kNoState);
-        auto machine = Look();
-        if (!machine) return NumberOf(Status::kNoAdapter);
-        View view{std::move(*machine), store->Read()};
-        Enumerate(view);
-        return work(view);
+        return work(LookAgain());
     });
 }
 

@@ -35,6 +35,9 @@ HX_U8 TakeEvents(HX_U8 adapter, HX_U8 max, HX_U8* count, Event* events);
 /// Saves changes of the state file's rows.
 void Save(hxlibrary::FunctionRef<void(Kept& kept)> work);
 
+/// Looks again after a step of a change. Throws when sysfs is gone.
+View LookAgain();
+
 /// Runs a change: by root only, one at a time on the machine, over a look made for it.
 HX_U8 OnChange(HX_U8 adapter, hxlibrary::FunctionRef<HX_U8(const View& view)> work);
 

@@ -21,6 +21,7 @@ struct Partition {
     std::string name;  // of the kernel: "sda1"
     Number start;      // sectors
     Number sectors;
+    Text device_number;
     bool held = false;  // in use by something other than an MD array
 };
 
@@ -157,6 +158,7 @@ struct Array {
 
     std::string name;   // the kernel's, for this boot
     std::string title;  // udev's MD_NAME behind the host part, else the kernel's name
+    bool held = false;  // a volume manager or the like lies on it, or on a partition of it
     std::vector<Member> members;
     HX_U16 id = kNoId;
 };

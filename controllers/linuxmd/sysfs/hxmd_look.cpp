@@ -65,6 +65,7 @@ constexpr Attribute<Disk> kDiskRows[] = {
 constexpr Attribute<Partition> kPartitionRows[] = {
     {"start", Into<&Partition::start, ToNumber>},
     {"size", Into<&Partition::sectors, ToNumber>},
+    {"dev", Into<&Partition::device_number, ToText>},
 };
 
 constexpr Attribute<Array> kArrayRows[] = {
@@ -256,11 +257,22 @@ std::vector<Member> ReadMembers(const Folder& md) {
     return members;
 }
 
+// Anything may lie on an array or on a partition of it, an array, too.
+bool HasHolders(const Folder& folder, const std::string& name) {
+    if (!folder.Open("holders").Names().empty()) return true;
+    const std::vector<std::string> names = folder.Names();
+    return std::ranges::any_of(names, [&](const std::string& entry) {
+        return entry.starts_with(name) && folder.Has(entry + "/partition") &&
+               !folder.Open(entry + "/holders").Names().empty();
+    });
+}
+
 Array ReadArrayOnce(const Folder& folder, const std::string& name) {
     Array array;
     array.name = name;
     ReadAll(folder, kArrayRows, array);
     array.members = ReadMembers(folder.Open("md"));
+    array.held = HasHolders(folder, name);
     return array;
 }
 
