@@ -19,9 +19,8 @@ using hxcodes::ActivityState;
 using hxcodes::CheckType;
 using hxcodes::ControlAction;
 using hxcodes::Status;
-using StatusCode = decltype(Status::kSuccess);
 
-StatusCode StatusOf(int error) {
+Status StatusOf(int error) {
     switch (error) {
         case 0:
             return Status::kSuccess;
@@ -36,7 +35,7 @@ StatusCode StatusOf(int error) {
     }
 }
 
-StatusCode Write(const Array& array, const char* attribute, const std::string& word) {
+Status Write(const Array& array, const char* attribute, const std::string& word) {
     return StatusOf(WriteWord(array.name + "/md/" + attribute, word));
 }
 
@@ -76,7 +75,7 @@ bool IsGuarded(const Array& array) {
 }
 
 // A check is stopped and its place kept; while the array is frozen no spare could step in.
-StatusCode PauseCheck(const View& view, const Array& array) {
+Status PauseCheck(const View& view, const Array& array) {
     const SyncAction action = *array.action;
     if (const auto status = Write(array, "sync_action", "idle"); status != Status::kSuccess) {
         return status;
@@ -86,7 +85,7 @@ StatusCode PauseCheck(const View& view, const Array& array) {
     return status;
 }
 
-StatusCode Pause(const View& view, const Array& array) {
+Status Pause(const View& view, const Array& array) {
     if (ActivityOf(array).state == ActivityState::kPaused) return Status::kNoChange;
     if (IsGuarded(array)) return Status::kBusy;
     if (IsCheck(array.action)) return PauseCheck(view, array);
@@ -97,7 +96,7 @@ StatusCode Pause(const View& view, const Array& array) {
     return status;
 }
 
-StatusCode Resume(const Array& array) {
+Status Resume(const Array& array) {
     const Activity activity = ActivityOf(array);
     if (activity.state == ActivityState::kRunning) return Status::kNoChange;
     if (activity.state != ActivityState::kPaused) return Status::kWrongState;
@@ -113,7 +112,7 @@ StatusCode Resume(const Array& array) {
 }
 
 // MD would start anything else again.
-StatusCode Abort(const Array& array) {
+Status Abort(const Array& array) {
     const bool paused = array.action == SyncAction::kIdle && IsCheck(array.paused);
     if (!paused && !IsCheck(array.action)) return Status::kWrongState;
     if (!paused) {
@@ -132,7 +131,7 @@ const Array* FindArray(const View& view, HX_U16 id) {
     return found == arrays.end() ? nullptr : &*found;
 }
 
-StatusCode Control(const View& view, HX_U16 id, HX_U8 action) {
+Status Control(const View& view, HX_U16 id, HX_U8 action) {
     const Array* const array = FindArray(view, id);
     if (array == nullptr) return Status::kNoVirtualDisk;
     const auto wanted = hxcodes::ToCode<ControlAction>(action);
@@ -150,8 +149,8 @@ StatusCode Control(const View& view, HX_U16 id, HX_U8 action) {
 }
 
 // Succeeds when nothing runs as well; one array that cannot be paused does not spare the others.
-StatusCode PauseAll(const View& view) {
-    StatusCode result = Status::kSuccess;
+Status PauseAll(const View& view) {
+    Status result = Status::kSuccess;
     for (const Array& array : view.machine.arrays) {
         const Activity activity = ActivityOf(array);
         if (activity.kind == ActivityKind::kNone || activity.state == ActivityState::kPaused) {
@@ -163,7 +162,7 @@ StatusCode PauseAll(const View& view) {
     return result;
 }
 
-StatusCode StartCheck(const View& view, HX_U16 id, HX_U8 type) {
+Status StartCheck(const View& view, HX_U16 id, HX_U8 type) {
     const Array* const array = FindArray(view, id);
     if (array == nullptr) return Status::kNoVirtualDisk;
     const auto wanted = hxcodes::ToCode<CheckType>(type);

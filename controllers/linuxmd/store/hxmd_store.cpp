@@ -29,14 +29,14 @@ using hxsqlite::StoreError;
 // ---- Tables ----
 
 template <class Row, class... Columns>
-struct Table {
+struct KeptTable {
     const char* name;
     std::vector<Row> Kept::*rows;
     std::tuple<Columns...> columns;
 };
 template <class Owner, class Row, class... Columns>
-constexpr Table<Row, Columns...> Rows(const char* name, std::vector<Row> Owner::*rows,
-                                      Columns... columns) {
+constexpr KeptTable<Row, Columns...> Rows(const char* name, std::vector<Row> Owner::*rows,
+                                          Columns... columns) {
     return {name, rows, std::tuple(columns...)};
 }
 
@@ -91,7 +91,7 @@ const char* TypeOf(Value) {
 }
 
 template <class Row, class... Columns>
-std::string Names(const Table<Row, Columns...>& table, bool types) {
+std::string Names(const KeptTable<Row, Columns...>& table, bool types) {
     std::string list;
     const auto add = [&](const auto& column) {
         if (!list.empty()) list += ", ";
@@ -126,7 +126,7 @@ void Put(Statement& statement, int parameter, Value value) {
 }
 
 template <class Row, class... Columns>
-void Load(const Connection& connection, const Table<Row, Columns...>& table, Kept& kept) {
+void Load(const Connection& connection, const KeptTable<Row, Columns...>& table, Kept& kept) {
     Statement statement = connection.Prepare("SELECT " + Names(table, false) + " FROM " +
                                              table.name + " ORDER BY rowid");
     while (statement.Step()) {
@@ -139,7 +139,7 @@ void Load(const Connection& connection, const Table<Row, Columns...>& table, Kep
 
 // Tables are small, so a changed table is rewritten completely.
 template <class Row, class... Columns>
-void Save(const Connection& connection, const Table<Row, Columns...>& table, const Kept& before,
+void Save(const Connection& connection, const KeptTable<Row, Columns...>& table, const Kept& before,
           const Kept& after) {
     if (before.*table.rows == after.*table.rows) return;
     connection.Execute(std::string("DELETE FROM ") + table.name);
