@@ -1,11 +1,15 @@
 #!/usr/bin/env python3
 """hxraidsvc on a machine that takes away what it needs: disk, descriptors, time, and its own life.
 
-usage: hxraidsvc_hostile_test.py HXRAIDSVC
+usage: hxraidsvc_hostile_test.py HXRAIDSVC [FAULTS]
+
+FAULTS is the library of tests/support/faults.c; sanitized builds have none.
 """
 
+import json
 import os
 import random
+import re
 import resource
 import shlex
 import signal
@@ -15,8 +19,9 @@ import time
 import unittest
 
 from hxraidsvc_alerts_test import Alerts
-from hxraidsvc_test import PATIENCE, SERVICE, Case, Running, wait_for
+from hxraidsvc_test import PATIENCE, PROGRAMS, SERVICE, Case, Running, wait_for
 
+FAULTS = sys.argv.pop(1) if len(sys.argv) > 1 else None
 STORE = "/opt/kestrel/raid/db"
 STATE = "/var/lib/hxraid"
 
@@ -155,6 +160,103 @@ class Process(Case):
                 return any("Disk a0/pd5 was set down" in line for line in self.root.log())
             wait_for(is_told, "the event")
             self.assertEqual(service.end()[1], 0)
+
+
+@unittest.skipUnless(FAULTS, "sanitized programs take no preloaded library")
+class Faults(Alerts):
+    """What a preloaded library lets happen to the running service."""
+
+    def setUp(self):
+        super().setUp()
+        self.file = self.root.folder / "fault"
+
+    def start(self, variable):
+        programs = dict(self.root.environment)
+        self.root.environment.update({"LD_PRELOAD": FAULTS, variable: str(self.file)})
+        service = self.enterContext(Running(self.root))
+        self.root.environment = programs
+        service.says("1 adapter")
+        wait_for(self.root.path("/run/hxraid/status.json").exists, "the status")
+        return service
+
+    def written_at(self):
+        return json.loads(self.root.path("/run/hxraid/status.json").read_text())["written_at"]
+
+    def test_of_processes_keep_alerts_until_they_can_be_sent_and_make_them_no_repeats(self):
+        self.file.touch()
+        service = self.start("FAULTS_NO_PROCESS")
+        self.root.hxsimctl("smart", "trip", "a0/pd4")
+        service.process.send_signal(signal.SIGUSR1)
+        service.says("alerts cannot be delivered by pager: cannot be started: "
+                     "Resource temporarily unavailable")
+        service.says("raised: [warning] DELIVERY_FAILING: ")
+        self.assertEqual(self.changes(), [])
+        self.file.unlink()
+        service.says("alerts are delivered by pager again")
+        self.assertEqual(self.changes(), ["raised DISK_PREDICTED_FAILURE a0/pd4"])
+        self.assertEqual(service.end()[1], 0)
+
+    def test_of_the_clock_raise_clear_and_send_nothing(self):
+        self.sink('n=$(ls | wc -l); cat >"t"; mv t "$n"',
+                  rounds='[collect]\ninterval = "1s"\njitter = "0s"\n[watch]\ninterval = "1h"\n')
+        self.root.hxsimctl("smart", "trip", "a0/pd4")
+        service = self.start("FAULTS_CLOCK")
+        service.says("1 alert delivered by pager")
+        told = self.told_of_the_disk()
+        for seconds in (400 * 86400, -400 * 86400, 0):
+            self.file.with_suffix(".new").write_text(str(seconds))
+            self.file.with_suffix(".new").rename(self.file)
+            wait_for(lambda: abs(self.written_at() - time.time() - seconds) < 3600, "a round")
+            for _ in range(2):
+                at = self.looks()
+                service.process.send_signal(signal.SIGUSR1)
+                wait_for(lambda before=at: self.looks() > before, "a look")
+        self.assertEqual(self.told_of_the_disk(), told)
+        self.assertEqual(self.changes(), ["raised DISK_PREDICTED_FAILURE a0/pd4"])
+        self.assertEqual(service.end()[1], 0)
+
+    def told_of_the_disk(self):
+        return [line for line in self.root.log()
+                if re.match("raised|cleared|worse|better", line) and "a0/pd4" in line]
+
+    def looks(self):
+        text = self.root.path("/var/lib/prometheus/node-exporter/hxraid.prom").read_text()
+        return int(re.search(r"^hxraid_looks_total (\d+)$", text, re.M)[1])
+
+
+class Flood(Case):
+    """FLOOD=10000 in the environment makes it so many events; a story's steps take their time."""
+
+    BATCH = 500  # the adapter's queue holds 512
+
+    def test_of_events_is_stored_whole_and_once(self):
+        count = int(os.environ.get("FLOOD", "1500"))
+        self.root.configure('[collect]\ninterval = "1h"\n')
+        story = self.root.folder / "story"
+        status = self.root.path("/run/hxraid/status.json")
+
+        def stored():
+            return json.loads(status.read_text())["store"]["next"]
+        self.root.service("--once")
+        began = stored()
+        # Not in the foreground: so many lines would fill a pipe that nobody reads.
+        with subprocess.Popen([SERVICE], env=self.root.environment) as service:
+            self.addCleanup(service.kill)
+            wait_for(lambda: any("has started" in line for line in self.root.log()), "the start")
+            for first in range(0, count, self.BATCH):
+                last = min(first + self.BATCH, count)
+                story.write_text("".join(f"event a0/pd0 HD_ERROR_FIXED {number}\n"
+                                         for number in range(first, last)))
+                self.root.hxsimctl("scenario", "run", str(story))
+                service.send_signal(signal.SIGUSR1)
+                wait_for(lambda number=last: stored() >= began + number, "the batch")
+            service.terminate()
+            self.assertEqual(service.wait(PATIENCE), 0)
+        lines = self.root.run(os.path.join(PROGRAMS, "vexorctl"), "event", "list", "-o", "jsonl")
+        events = [json.loads(line) for line in lines.stdout.splitlines()]
+        self.assertEqual([each["params"][0] for each in events[began:]], list(range(count)))
+        told = [line for line in self.root.log() if "An error on disk a0/pd0 was repaired" in line]
+        self.assertEqual(len(told), count)
 
 
 class Killed(Alerts):

@@ -4,6 +4,8 @@
 // FAULTS_ALLOCATION=NUMBER     the allocation of that number fails, counted from 1
 // FAULTS_ALLOCATION=NUMBER+    and all that follow it
 // FAULTS_COUNT=FILE            the number of allocations is written there at the end
+// FAULTS_NO_PROCESS=FILE       while the file is there, no process can be started (EAGAIN)
+// FAULTS_CLOCK=FILE            the date is so many seconds ahead as stand there, or behind it
 //
 // Allocations are counted from the end of the loader's work on: what the program's own static
 // objects allocate counts, what the loader allocates does not.
@@ -16,16 +18,20 @@
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
+#include <spawn.h>
 #include <stdatomic.h>
 #include <stdbool.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/types.h>
+#include <time.h>
 #include <unistd.h>
 
 static const char* full_folder;
 static const char* count_file;
+static const char* no_process_file;
+static const char* clock_file;
 static bool is_counting;
 static bool fails_on;
 static unsigned long failing;
@@ -34,6 +40,8 @@ static atomic_ulong allocations;
 __attribute__((constructor)) static void Begin(void) {
     full_folder = getenv("FAULTS_FULL_DISK");
     count_file = getenv("FAULTS_COUNT");
+    no_process_file = getenv("FAULTS_NO_PROCESS");
+    clock_file = getenv("FAULTS_CLOCK");
     const char* const number = getenv("FAULTS_ALLOCATION");
     if (number != NULL) {
         char* rest = NULL;
@@ -132,4 +140,37 @@ int fallocate(int file, int mode, off_t offset, off_t length) {
 
 int fallocate64(int file, int mode, off64_t offset, off64_t length) {
     return IsFull(file) ? -1 : NEXT(fallocate64)(file, mode, offset, length);
+}
+
+// ---- Processes ----
+
+int posix_spawn(pid_t* process, const char* path, const posix_spawn_file_actions_t* actions,
+                const posix_spawnattr_t* attributes, char* const words[],
+                char* const environment[]) {
+    if (no_process_file != NULL && access(no_process_file, F_OK) == 0) return EAGAIN;
+    return NEXT(posix_spawn)(process, path, actions, attributes, words, environment);
+}
+
+// ---- The date ----
+
+static long SecondsAhead(void) {
+    char text[32] = "";
+    if (clock_file == NULL) return 0;
+    const int file = open(clock_file, O_RDONLY | O_CLOEXEC);
+    if (file < 0) return 0;
+    const ssize_t length = read(file, text, sizeof text - 1);
+    close(file);
+    return length <= 0 ? 0 : strtol(text, NULL, 10);
+}
+
+int clock_gettime(clockid_t clock, struct timespec* now) {
+    const int result = NEXT(clock_gettime)(clock, now);
+    if (result == 0 && clock == CLOCK_REALTIME) now->tv_sec += SecondsAhead();
+    return result;
+}
+
+time_t time(time_t* now) {
+    const time_t moved = NEXT(time)(NULL) + SecondsAhead();
+    if (now != NULL) *now = moved;
+    return moved;
 }
