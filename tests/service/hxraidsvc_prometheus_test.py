@@ -14,14 +14,19 @@ import json
 import os
 import pathlib
 import re
+import shlex
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
 import threading
 import time
 import unittest
+import urllib.error
+import urllib.parse
+import urllib.request
 
 TREE = pathlib.Path(__file__).resolve().parents[2]
 SERVICE = sys.argv.pop(1)
@@ -60,7 +65,7 @@ class Receiver(http.server.ThreadingHTTPServer):
 
 @unittest.skipUnless(all(map(shutil.which, NEEDED)) or os.environ.get("CI"),
                      f"not all of {', '.join(NEEDED)} are installed; scripts/bootstrap does it")
-class Alert(unittest.TestCase):
+class Programs(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix="hxraidsvc-prometheus-")
         self.addCleanup(folder.cleanup)
@@ -76,11 +81,11 @@ class Alert(unittest.TestCase):
         subprocess.run([os.path.join(PROGRAMS, "hxsimctl"), *words], check=True,
                        env=self.environment, stdout=subprocess.DEVNULL, timeout=PATIENCE)
 
-    def start(self, name, *command):
+    def start(self, name, *command, pass_fds=()):
         log = self.folder / f"{name}.log"
         with open(log, "wb") as output:
             process = subprocess.Popen(command, env=self.environment, cwd=self.folder,
-                                       stdout=output, stderr=subprocess.STDOUT)
+                                       stdout=output, stderr=subprocess.STDOUT, pass_fds=pass_fds)
         self.addCleanup(process.wait)
         self.addCleanup(process.kill)
         return process, log
@@ -127,7 +132,7 @@ class Alert(unittest.TestCase):
                             "--web.listen-address=127.0.0.1:0")
         return self.address_of(log), log
 
-    def start_prometheus(self, exporter, alertmanager):
+    def start_prometheus(self, exporter, alertmanager=None):
         # An alert ends with its condition here, and not five minutes later.
         rules = (TREE / "packaging" / "prometheus" / "hxraid-alerts.yml").read_text()
         self.write("alerts.yml", rules.replace("keep_firing_for: 5m", "keep_firing_for: 1s"))
@@ -138,13 +143,16 @@ class Alert(unittest.TestCase):
             "scrape_configs": [{"job_name": "node",
                                 "static_configs": [{"targets": [exporter],
                                                     "labels": {"instance": "host1"}}]}],
-            "alerting": {"alertmanagers": [{"static_configs": [{"targets": [alertmanager]}]}]}}
+            "alerting": {"alertmanagers": [{"static_configs": [{"targets": [alertmanager]}]}]
+                         if alertmanager else []}}
         _, log = self.start("prometheus", "prometheus",
                             f"--config.file={self.write('p.yml', json.dumps(configuration))}",
                             f"--storage.tsdb.path={self.folder / 'series'}",
                             "--web.listen-address=127.0.0.1:0")
         return log
 
+
+class Alert(Programs):
     def test_reaches_a_receiver_and_ends_after_the_rebuild(self):
         self.hxsimctl("init", "--seed", "7")
         self.hxsimctl("clock", "freeze")
@@ -175,6 +183,44 @@ class Alert(unittest.TestCase):
         self.hxsimctl("clock", "advance", "48h")
         service.send_signal(signal.SIGUSR1)
         self.wait_for(lambda: receiver.status(ALERT, "a0/vd0") == "resolved", "its end", *logs)
+
+
+class Listener(Programs):
+    def test_of_the_service_is_scraped_by_prometheus_itself(self):
+        self.hxsimctl("init", "--seed", "7")
+        settings = self.root / "etc" / "hxraid" / "hxraidsvc.conf"
+        settings.parent.mkdir(parents=True)
+        settings.write_text('[metrics]\nlisten = "systemd"\ntextfile = false\n')
+        listening = socket.create_server(("127.0.0.1", 0))
+        self.addCleanup(listening.close)
+        command = (f"exec 3<&{listening.fileno()}; LISTEN_PID=$$ LISTEN_FDS=1 "
+                   f"exec {shlex.quote(SERVICE)} --foreground")
+        _, service_log = self.start("service", "/bin/sh", "-c", command,
+                                    pass_fds=[listening.fileno()])
+        target = "127.0.0.1:" + str(listening.getsockname()[1])
+        prometheus_log = self.start_prometheus(target)
+        address = self.address_of(prometheus_log)
+        # What was scraped, and that all of it was taken.
+        for query, expected in (("up", "1"), ("hxraid_collecting", "1"),
+                                ("count(hxraid_disk_state == 1)", "24")):
+            self.wait_for(lambda query=query, expected=expected:
+                          self.value(address, query) == expected,
+                          f"{query} is {expected}", service_log, prometheus_log)
+        text = prometheus_log.read_text()
+        self.assertNotIn("Error on ingesting", text)
+        self.assertNotIn("Append failed", text)
+
+    def value(self, address, query):
+        """Of the one series that there is; None without one, and while Prometheus starts."""
+        question = urllib.parse.urlencode({"query": query})
+        opener = urllib.request.build_opener(urllib.request.ProxyHandler({}))
+        try:
+            with opener.open(f"http://{address}/api/v1/query?{question}",
+                             timeout=PATIENCE) as answer:
+                result = json.load(answer)["data"]["result"]
+        except urllib.error.HTTPError:
+            return None
+        return result[0]["value"][1] if len(result) == 1 else None
 
 
 if __name__ == "__main__":
