@@ -17,7 +17,6 @@
 #include "hxraid.h"
 #include "library/trouble.h"
 #include "rules/hxmd_space.h"
-#include "rules/hxmd_state.h"
 #include "sysfs/hxmd_look.h"
 #include "sysfs/hxmd_system.h"
 #include "system/hxmd_device.h"

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "calls/hxmd_session.h"
+#include "model/hxmd_machine.h"
 #include "system/hxmd_proof.h"
 
 namespace hxmd {

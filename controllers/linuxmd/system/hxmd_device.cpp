@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include "root_path.h"
 #include "sysfs/hxmd_convert.h"

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include "descriptor.h"
 #include "model/hxmd_machine.h"
