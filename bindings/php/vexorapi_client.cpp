@@ -49,9 +49,8 @@ const Row* ListRow(const Function& function) {
 
 bool IsPaged(const Function& function) {
     const Shape shape = Shapes()[function.shape];
-    return std::ranges::any_of(Rows().subspan(shape.first, shape.count), [](const Row& row) {
-        return std::string_view(row.name) == "RequestHeader";
-    });
+    return std::ranges::any_of(Rows().subspan(shape.first, shape.count),
+                               [](const Row& row) { return row.name == "RequestHeader"; });
 }
 
 // Appends a page's entries and tells where the list goes on. Returns false, with an exception, when

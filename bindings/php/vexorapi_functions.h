@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string_view>
 
 namespace vexorapi_php {
 
@@ -29,7 +30,7 @@ struct Row {
         kRecord,  // of the shape `shape`
         kList,    // any number of such records
     };
-    const char* name;
+    std::string_view name;  // with a NUL behind it
     Kind kind;
     std::size_t shape;
 };

@@ -1,9 +1,8 @@
 #include "vexorapi_result.h"
 
-#include <string.h>
-
 #include <algorithm>
 #include <array>
+#include <span>
 #include <vector>
 
 #include "Zend/zend_smart_str.h"
@@ -27,6 +26,8 @@ std::vector<zend_string*>& Keys() {
     static std::vector<zend_string*> keys;
     return keys;
 }
+
+bool IsWhite(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -110,7 +111,9 @@ private:
     }
 
     void SkipWhite() {
-        rest_.remove_prefix(std::min(rest_.find_first_not_of(kWhite), rest_.size()));
+        std::size_t length = 0;
+        while (length < rest_.size() && IsWhite(rest_[length])) ++length;
+        rest_.remove_prefix(length);
     }
 
     // Takes a start tag.
@@ -125,8 +128,10 @@ private:
     }
 
     bool IsClosing(std::string_view name) const {
-        return rest_.starts_with("</") && rest_.substr(2).starts_with(name) &&
-               rest_.substr(2 + name.size()).starts_with('>');
+        // Most tags are start tags: one character tells.
+        if (rest_.size() < name.size() + 3 || rest_[1] != '/') return false;
+        return rest_[0] == '<' && rest_.substr(2, name.size()) == name &&
+               rest_[2 + name.size()] == '>';
     }
 
     bool Close(std::string_view name) {
@@ -138,7 +143,7 @@ private:
 
     // The start tag was read; the end tag is read here.
     bool ReadRecord(std::size_t shape, std::string_view name, zval* array) {
-        const Shape rows = Shapes()[shape];
+        const Shape rows = shapes_[shape];
         array_init_size(array, static_cast<std::uint32_t>(rows.count));
         // Elements come in the order of their rows: the next one is nearly always that of the next
         // row.
@@ -153,51 +158,60 @@ private:
                 if (!Skip(element)) return false;
                 continue;
             }
-            const Row::Kind kind = Rows()[rows.first + row].kind;
-            const bool may_repeat = kind == Row::Kind::kList || kind == Row::Kind::kPorts;
-            expected = may_repeat ? row : row + 1;
-            if (!ReadRow(rows.first + row, element, Z_ARRVAL_P(array))) return false;
+            // Behind all rows before it, no row has a value yet.
+            const bool is_new = row >= expected;
+            if (!ReadRow(rows.first + row, element, is_new, Z_ARRVAL_P(array))) return false;
+            expected = MayRepeat(rows_[rows.first + row].kind) ? row : row + 1;
         }
         return Close(name) && Complete(rows, Z_ARRVAL_P(array));
     }
 
-    static bool IsOf(const Row& row, std::string_view element) {
-        if (row.kind != Row::Kind::kPorts) return element == row.name;
-        const std::string_view stem = row.name;
-        return element.starts_with(stem) && element.size() > stem.size() &&
-               std::ranges::all_of(element.substr(stem.size()), IsDigit);
+    static bool MayRepeat(Row::Kind kind) {
+        return kind == Row::Kind::kList || kind == Row::Kind::kPorts;
     }
 
-    static std::size_t FindRow(Shape rows, std::string_view element, std::size_t expected) {
-        for (std::size_t i = 0; i < rows.count; ++i) {
-            const std::size_t row = (expected + i) % rows.count;
-            if (IsOf(Rows()[rows.first + row], element)) return row;
+    static bool IsOf(const Row& row, std::string_view element) {
+        if (row.kind != Row::Kind::kPorts) return element == row.name;
+        return element.starts_with(row.name) && element.size() > row.name.size() &&
+               std::ranges::all_of(element.substr(row.name.size()), IsDigit);
+    }
+
+    std::size_t FindRow(Shape rows, std::string_view element, std::size_t expected) const {
+        for (std::size_t row = expected; row < rows.count; ++row) {
+            if (IsOf(rows_[rows.first + row], element)) return row;
+        }
+        for (std::size_t row = 0; row < expected; ++row) {
+            if (IsOf(rows_[rows.first + row], element)) return row;
         }
         return rows.count;
     }
 
-    bool ReadRow(std::size_t row, std::string_view element, HashTable* array) {
+    // With `is_new`, the row has no value yet, unless it may have several.
+    bool ReadRow(std::size_t row, std::string_view element, bool is_new, HashTable* array) {
         zval value;
         ZVAL_UNDEF(&value);
-        const bool is_read = ReadValue(Rows()[row], element, &value);
-        if (!is_read) {
+        if (!ReadValue(rows_[row], element, &value)) {
             zval_ptr_dtor(&value);
             return false;
         }
-        zend_string* const key = Keys()[row];
-        const Row::Kind kind = Rows()[row].kind;
-        if (kind == Row::Kind::kList || kind == Row::Kind::kPorts) {
-            zval* list = zend_hash_find(array, key);
-            if (list == nullptr) {
-                zval empty;
-                array_init(&empty);
-                list = zend_hash_add_new(array, key, &empty);
-            }
-            zend_hash_next_index_insert_new(Z_ARRVAL_P(list), &value);
-        } else if (zend_hash_add(array, key, &value) == nullptr) {
+        if (MayRepeat(rows_[row].kind)) {
+            AppendTo(array, keys_[row], &value);
+        } else if (is_new) {
+            zend_hash_add_new(array, keys_[row], &value);
+        } else if (zend_hash_add(array, keys_[row], &value) == nullptr) {
             zval_ptr_dtor(&value);  // the first one counts
         }
         return true;
+    }
+
+    static void AppendTo(HashTable* array, zend_string* key, zval* value) {
+        zval* list = zend_hash_find_known_hash(array, key);
+        if (list == nullptr) {
+            zval empty;
+            array_init(&empty);
+            list = zend_hash_add_new(array, key, &empty);
+        }
+        zend_hash_next_index_insert_new(Z_ARRVAL_P(list), value);
     }
 
     bool ReadValue(const Row& row, std::string_view element, zval* value) {
@@ -237,14 +251,16 @@ private:
     }
 
     bool TakeNumber(zend_ulong base, zend_long& number) {
+        // Fewer digits always fit; dividing for each of them would take most of the time.
+        constexpr std::size_t kSafeDigits = 15;
         zend_ulong sum = 0;
         std::size_t length = 0;
         for (; length < rest_.size(); ++length) {
             const auto digit = static_cast<zend_ulong>(ValueOf(rest_[length]));
             if (digit >= base) break;
-            if (sum > (static_cast<zend_ulong>(ZEND_LONG_MAX) - digit) / base) {
-                return Fail("a number is larger than an int of PHP");
-            }
+            const bool is_too_large = length >= kSafeDigits &&
+                                      sum > (static_cast<zend_ulong>(ZEND_LONG_MAX) - digit) / base;
+            if (is_too_large) return Fail("a number is larger than an int of PHP");
             sum = base * sum + digit;
         }
         if (length == 0) return Fail("a number is missing");
@@ -312,15 +328,16 @@ private:
 
     // A row without an element is an empty list, or its value is unknown.
     bool Complete(Shape rows, HashTable* array) {
+        if (zend_hash_num_elements(array) == rows.count) return true;
         for (std::size_t i = rows.first; i < rows.first + rows.count; ++i) {
-            if (zend_hash_find_known_hash(array, Keys()[i]) != nullptr) continue;
-            switch (Rows()[i].kind) {
+            if (zend_hash_find_known_hash(array, keys_[i]) != nullptr) continue;
+            switch (rows_[i].kind) {
                 case Row::Kind::kList:
                 case Row::Kind::kPorts:
                 case Row::Kind::kBytes: {
                     zval empty;
                     ZVAL_EMPTY_ARRAY(&empty);
-                    zend_hash_add_new(array, Keys()[i], &empty);
+                    zend_hash_add_new(array, keys_[i], &empty);
                     break;
                 }
                 case Row::Kind::kNumber:
@@ -329,13 +346,16 @@ private:
                 case Row::Kind::kText:
                 case Row::Kind::kNumbers:
                 case Row::Kind::kRecord:
-                    missing_ = Rows()[i].name;
+                    missing_ = rows_[i].name.data();
                     return Fail("an element is missing");
             }
         }
         return true;
     }
 
+    const std::span<const Row> rows_ = Rows();
+    const std::span<const Shape> shapes_ = Shapes();
+    zend_string* const* const keys_ = Keys().data();
     std::string_view rest_;
     const char* problem_ = nullptr;
     const char* missing_ = nullptr;
@@ -345,7 +365,7 @@ private:
 
 void MakeKeys() {
     for (const Row& row : Rows()) {
-        Keys().push_back(zend_string_init_interned(row.name, strlen(row.name), true));
+        Keys().push_back(zend_string_init_interned(row.name.data(), row.name.size(), true));
     }
 }
 
