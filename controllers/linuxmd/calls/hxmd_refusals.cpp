@@ -65,19 +65,7 @@ HX_U8 HX_PD_WipeHDMDD(HX_U8 AdapterID, HX_U16 /*HD_ID*/, HX_U8 /*Force*/) {
     return hxmd::RefuseChange(AdapterID);
 }
 
-HX_U8 HX_PD_SetHDStatus(HX_U8 AdapterID, HX_U16 /*HD_ID*/, HX_U8 /*Action*/) {
-    return hxmd::RefuseChange(AdapterID);
-}
-
 HX_U8 HX_PD_FreeHD2GlobalSpare(HX_U8 AdapterID, HX_U16 /*HD_ID*/) {
-    return hxmd::RefuseChange(AdapterID);
-}
-
-HX_U8 HX_PD_FreeHD2DGSpare(HX_U8 AdapterID, HX_U16 /*HD_ID*/, HX_U16 /*DG_ID*/) {
-    return hxmd::RefuseChange(AdapterID);
-}
-
-HX_U8 HX_PD_Spare2FreeHD(HX_U8 AdapterID, HX_U16 /*HD_ID*/) {
     return hxmd::RefuseChange(AdapterID);
 }
 
@@ -87,15 +75,7 @@ HX_U8 HX_LD_SetConfig(HX_U8 AdapterID, HX_U16 /*LD_ID*/, LD_Config* /*config*/) 
 
 HX_U8 HX_LD_Import(HX_U8 AdapterID, HX_U16 /*LD_ID*/) { return hxmd::RefuseChange(AdapterID); }
 
-HX_U8 HX_LD_StartRebuild(HX_U8 AdapterID, HX_U16 /*LD_ID*/, HX_U16 /*Rebuild_HD_ID*/) {
-    return hxmd::RefuseChange(AdapterID);
-}
-
 HX_U8 HX_LD_StartMigration(HX_U8 AdapterID, Create_LD_Param* /*param*/) {
-    return hxmd::RefuseChange(AdapterID);
-}
-
-HX_U8 HX_LD_DG_StartRebuild(HX_U8 AdapterID, LD_DG_Rebuild_Param* /*param*/) {
     return hxmd::RefuseChange(AdapterID);
 }
 

@@ -385,19 +385,10 @@ std::vector<HX_U8> EveryChange(HX_U8 adapter) {
     HD_Config disk{};
     LD_Config settings{};
     Create_LD_Param create{};
-    LD_DG_Rebuild_Param rebuild{};
     return {
-        HX_LocateArrayDevice(adapter, 4, 0, 1),
-        HX_PD_SetConfig(adapter, 0, &disk),
-        HX_PD_WipeHDMDD(adapter, 0, 1),
-        HX_PD_SetHDStatus(adapter, 0, 2),
-        HX_PD_FreeHD2GlobalSpare(adapter, 2),
-        HX_PD_FreeHD2DGSpare(adapter, 2, 0),
-        HX_PD_Spare2FreeHD(adapter, 2),
-        HX_LD_SetConfig(adapter, 0, &settings),
-        HX_LD_Import(adapter, 0),
-        HX_LD_StartRebuild(adapter, 0, 2),
-        HX_LD_DG_StartRebuild(adapter, &rebuild),
+        HX_LocateArrayDevice(adapter, 4, 0, 1), HX_PD_SetConfig(adapter, 0, &disk),
+        HX_PD_WipeHDMDD(adapter, 0, 1),         HX_PD_FreeHD2GlobalSpare(adapter, 2),
+        HX_LD_SetConfig(adapter, 0, &settings), HX_LD_Import(adapter, 0),
         HX_LD_StartMigration(adapter, &create),
     };
 }

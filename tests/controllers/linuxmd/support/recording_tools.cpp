@@ -32,7 +32,8 @@ for word; do
     line="$line $word"
 done
 echo "mdadm$line" >> "$root/runs"
-if [ "$(cat "$root/fails" 2>/dev/null)" = "$1" ]; then
+fails=$(cat "$root/fails" 2>/dev/null)
+if [ -n "$fails" ] && { [ "$fails" = "$1" ] || [ "$fails" = "$3" ]; }; then
     echo "mdadm: no" >&2
     exit 1
 fi
@@ -66,6 +67,12 @@ case $1 in
     ln -s ../devices/virtual/block/md126 "$root/sys/block/md126"
     ;;
 --stop) rm "$root/sys/block/md126" ;;
+--manage)
+    case $3 in
+    --remove) rm -r "$md/dev-${4##*/}" ;;
+    *) member "${4##*/}" none spare ;;
+    esac
+    ;;
 esac
 exit 0
 )sh";

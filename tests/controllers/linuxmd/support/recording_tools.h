@@ -14,7 +14,7 @@ public:
     /// Each run of mdadm so far, a line each, its paths as on the machine.
     std::string Runs() const;
 
-    /// Makes runs of mdadm whose first argument is this one fail.
+    /// Makes runs of mdadm whose first or third argument is this one fail.
     void Fail(const std::string& first) const;
 
 private:
