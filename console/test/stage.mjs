@@ -47,6 +47,7 @@ export class Stage {
         for (const part of ["root/opt/kestrel/raid/db", "root/var/log", "root/run/hxraid", "home", "data/cockpit", "bin"]) {
             mkdirSync(at(part), { recursive: true });
         }
+        this.programs = programs;
         this.root = at("root");
         this.status = at("root/run/hxraid/status.json");
         cpSync(built, at("data/cockpit/vexorapi"), { recursive: true });
@@ -87,9 +88,14 @@ export class Stage {
         }
     }
 
-    /** A RAID 5 called data1 over a1/pd3 to a1/pd5 that has no spare loses a1/pd4. */
+    /** A RAID 5 called data1 over a1/pd3 to a1/pd5 that has no spare. */
+    makeData1(size = "30GiB") {
+        this.vexorctl("vd", "create", "a1/pd3", "a1/pd4", "a1/pd5", "--raid", "5", "--size", size, "--name", "data1", "--yes");
+    }
+
+    /** data1 loses a1/pd4. */
     loseRedundancy() {
-        this.vexorctl("vd", "create", "a1/pd3", "a1/pd4", "a1/pd5", "--raid", "5", "--size", "30GiB", "--name", "data1", "--yes");
+        this.makeData1();
         this.sim("clock", "advance", "10h");
         this.sim("disk", "fail", "a1/pd4");
     }

@@ -1,5 +1,6 @@
 // Runs vexorctl: arguments only, never a shell, and its answers as objects.
 import { failureOf, withoutPrivilege, type Failure } from "../model/failure.ts";
+import { answerOf, type Known } from "../model/answers.ts";
 import type { Change } from "../model/types.ts";
 import type { Problem } from "./cockpit";
 import { privileged } from "./privilege.ts";
@@ -25,30 +26,18 @@ export interface Lists<T> {
     failure: Failure | null;
 }
 
-// An item whose line has not changed keeps its object, so that only the rows that did change are drawn again.
-export type Known = Map<string, unknown>;
+export type { Known };
 
 /** The items of a list. What could not be read is the failure beside those that could. */
 export async function list<T>(args: string[], known: Known = new Map()): Promise<Lists<T>> {
     const { output, failure } = await run(["vexorctl", ...args, "-o", "jsonl"]);
-    const items: T[] = [];
-    const next: Known = new Map();
-    let cut = false;
-    for (const line of output.split("\n")) {
-        if (line === "") continue;
-        try {
-            const item = known.get(line) ?? JSON.parse(line);
-            next.set(line, item);
-            items.push(item as T);
-        } catch {
-            cut = true;
-        }
-    }
+    const answer = answerOf(output, known);
     known.clear();
-    for (const [line, item] of next) known.set(line, item);
-    if (cut) return { items, failure: { kind: "broken", message: failure?.message ?? "" } };
-    // What is left of a list whose program did not know its object is no part of anything.
-    return { items, failure };
+    for (const [line, item] of answer.known) known.set(line, item);
+    const items = answer.items as T[];
+    const said = answer.errors.map(error => error.message).join(" ");
+    if (answer.cut) return { items, failure: { kind: "broken", message: said || (failure?.message ?? "") } };
+    return { items, failure: failure && { ...failure, message: said || failure.message } };
 }
 
 interface Document<T> {

@@ -41,6 +41,7 @@ export function FailureAlert({ failure, at, retry }: { failure: Failure; at: num
     return (
         <Alert
             isInline
+            component="h2"
             variant={partial ? "warning" : "danger"}
             title={partial ? _("Not everything could be read") : _("What is shown is not up to date")}
             actionLinks={retry && <AlertActionLink onClick={retry}>{_("Try again")}</AlertActionLink>}

@@ -115,7 +115,7 @@ export function ServiceAlert({ health }: { health: Health }) {
         if (failure) notifyFailure(_("The event service was not started"), failure);
     };
     return (
-        <Alert isInline variant="warning" title={_("The event service is not running")}
+        <Alert isInline component="h2" variant="warning" title={_("The event service is not running")}
             actionLinks={<Button variant="link" isInline {...acting} onClick={() => void start()}>{_("Start it")}</Button>}>
             {health.service === "silent" && since ? fill(_("It wrote its last report $0. "), since) : null}
             {health.service === "unreadable" ? _("Its report cannot be read. ") : null}
@@ -189,7 +189,7 @@ export function Overview({ health }: { health: Health }) {
             <div className="vx-row vx-end"><Button variant="secondary" {...acting} onClick={create}>{_("Create virtual disk")}</Button></div>
             <Conditions health={health} />
             {failing.map(delivery => (
-                <Alert key={delivery.sink} isInline variant="warning" title={fill(_("Alerts do not reach $0"), delivery.sink)}>
+                <Alert key={delivery.sink} isInline component="h2" variant="warning" title={fill(_("Alerts do not reach $0"), delivery.sink)}>
                     <bdi lang="en">{delivery.error}</bdi>
                 </Alert>
             ))}

@@ -66,7 +66,7 @@ function Advice({ address, serial, state }: { address: string; serial: string | 
     case "done":
         return (
             <>
-                <Alert isInline variant="success" title={_("Redundancy is complete again.")} />
+                <Alert isInline component="h3" variant="success" title={_("Redundancy is complete again.")} />
                 {now?.locate_light ? <><p>{_("The light is on still.")}</p><LightButton address={address} on /></> : null}
                 {candidate ? (
                     <div className="vx-row">
@@ -115,7 +115,7 @@ export function Replace({ address, serial }: { address: string; serial: string |
                                     {now ? <p><ObjectLink address={address} /> <Bdi>{now.serial ?? "?"}</Bdi> <StateText {...diskState(now.state)} />
                                         {now.slot === null ? null : <> · {fill(_("Bay $0"), now.slot)} {now.enclosure ? <ObjectLink address={now.enclosure} /> : null}</>}</p> : null}
                                     {state.unhurried && state.step !== "done" ? (
-                                        <Alert isInline variant="info" title={_("There is no hurry: no virtual disk lacks redundancy.")} />
+                                        <Alert isInline component="h3" variant="info" title={_("There is no hurry: no virtual disk lacks redundancy.")} />
                                     ) : null}
                                     {state.damaged.length > 0 ? <p>{_("Without full redundancy")}: {state.damaged.map(vd => <span key={vd.address}><ObjectLink address={vd.address} name={vd.name} /> </span>)}</p> : null}
                                     <Advice address={address} serial={serial} state={state} />

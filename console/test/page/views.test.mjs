@@ -148,3 +148,22 @@ describe("the views", () => {
         quiet(stage);
     });
 });
+
+describe("the views in German", () => {
+    let stage;
+    before(() => { stage = scene(); });
+    after(async () => {
+        await stage.close();
+        await closeBrowser();
+    });
+
+    it("have German words, sizes and events", async () => {
+        const page = await stage.page({ language: "de", path: "#/disks" });
+        await seen(page.getByRole("link", { name: "Gehäuse" }));
+        await seen(page.getByText("558,91 GiB").first());
+        assert.equal(await page.evaluate(() => document.documentElement.lang), "de");
+        await goTo(page, "events");
+        await seen(page.getByText(/Die virtuelle Festplatte a1\/vd1 .*: Keine Redundanz/));
+        quiet(stage);
+    });
+});
