@@ -149,8 +149,9 @@ endif()
 # ---- documentation: for users, and examples ---------------------------------------------------
 install(FILES
     CHANGELOG.md LICENSE SECURITY.md
-    docs/console.md docs/event-store.md docs/fleet.md docs/hxraidsvc.md docs/performance.md docs/reliability.md
-    docs/screens.md docs/versioning.md docs/vexorctl.md docs/virtual-controller.md docs/xml-api.md
+    docs/console.md docs/event-store.md docs/fleet.md docs/hxraidsvc.md docs/linux-md.md
+    docs/performance.md docs/reliability.md docs/screens.md docs/versioning.md
+    docs/vexorctl.md docs/virtual-controller.md docs/xml-api.md
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
 install(FILES
     examples/README.md examples/check_in.c examples/event_store_check.c examples/event_store_check.h
