@@ -38,7 +38,7 @@ std::array<HX_U32, 3> NumbersOf(std::string_view release) {
 constexpr HX_U8 kFeatures = 0x4F;
 
 // Levels 0, 1, 10, 1E, 5 and 6, and stripes of 4 KiB to 4 MiB, a bit for each power of two KiB.
-constexpr HX_U16 kLevels = 0x003F;
+constexpr HX_U16 kOfferedLevels = 0x003F;
 constexpr HX_U16 kStripes = 0x1FFC;
 
 Adapter_Info Describe(const Machine& machine) {
@@ -46,7 +46,7 @@ Adapter_Info Describe(const Machine& machine) {
     const auto version = NumbersOf(machine.release);
     info.DriverVersion = {version[0], version[1], 0, version[2]};
     info.Features = kFeatures;
-    info.LogicalDriverMode = kLevels;
+    info.LogicalDriverMode = kOfferedLevels;
     info.StripeSizeSupported = kStripes;
     info.MaxParityDisks = 2;
     info.MaxPDPerVD = HX_MAX_HDS;

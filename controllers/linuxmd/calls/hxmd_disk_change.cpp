@@ -19,9 +19,7 @@
 namespace hxmd {
 namespace {
 
-using hxcodes::ActivityKind;
 using hxcodes::DiskAction;
-using hxcodes::NumberOf;
 using hxcodes::RebuildType;
 using hxcodes::State;
 using hxcodes::Status;

@@ -21,7 +21,7 @@ namespace {
 using hxcodes::Status;
 
 constexpr std::chrono::seconds kAppears{5};
-constexpr std::chrono::milliseconds kPause{50};
+constexpr std::chrono::milliseconds kLookPause{50};
 
 // Waits until udev has looked at the new partition, so that it does not hold it when mdadm comes.
 // Without udev there is nothing to wait for.
@@ -52,7 +52,7 @@ bool Await(Place& place) {
             return true;
         }
         if (std::chrono::steady_clock::now() >= end) return false;
-        std::this_thread::sleep_for(kPause);
+        std::this_thread::sleep_for(kLookPause);
     }
 }
 

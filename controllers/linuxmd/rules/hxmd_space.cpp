@@ -8,7 +8,7 @@
 namespace hxmd {
 namespace {
 
-constexpr std::uint64_t kGibibyte = std::uint64_t{1} << 21;  // sectors
+constexpr std::uint64_t kGibibyteSectors = std::uint64_t{1} << 21;  // sectors
 
 }  // namespace
 
@@ -37,7 +37,7 @@ Gap LargestGap(const Disk& disk) {
 std::uint64_t DataOffset(const Gap& gap) {
     constexpr std::uint64_t kSmall = kAlignment;
     constexpr std::uint64_t kRoomy = 64 * kAlignment;
-    return gap.sectors < 8 * kGibibyte ? kSmall : kRoomy;
+    return gap.sectors < 8 * kGibibyteSectors ? kSmall : kRoomy;
 }
 
 }  // namespace hxmd

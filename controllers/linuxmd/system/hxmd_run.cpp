@@ -27,7 +27,7 @@ constexpr std::size_t kMostOutput = 4096;
 
 // mdadm is tried again this often, after this pause, when a device is busy.
 constexpr int kTries = 3;
-constexpr std::chrono::milliseconds kPause{700};
+constexpr std::chrono::milliseconds kRetryPause{700};
 
 int OpenPidfd(pid_t pid) { return static_cast<int>(syscall(SYS_pidfd_open, pid, 0)); }
 
@@ -177,7 +177,7 @@ Ran Run(const char* path, const std::vector<std::string>& arguments,
 Ran RunMdadm(const std::vector<std::string>& arguments) {
     Ran ran;
     for (int tries = 0; tries < kTries; ++tries) {
-        if (tries != 0) std::this_thread::sleep_for(kPause);
+        if (tries != 0) std::this_thread::sleep_for(kRetryPause);
         ran = Run("/sbin/mdadm", arguments);
         if (!IsBusy(ran)) break;
     }

@@ -20,16 +20,16 @@ constexpr char kLinuxRaid[] = "A19D880F-05FC-4D3B-A006-743F0F84911E";
 
 // A template argument instead of a deleter for each type of libfdisk.
 template <auto release>
-struct Release {
+struct Unreference {
     template <class Object>
     void operator()(Object* object) const {
         release(object);
     }
 };
-using Context = std::unique_ptr<fdisk_context, Release<fdisk_unref_context>>;
-using Partitions = std::unique_ptr<fdisk_table, Release<fdisk_unref_table>>;
-using NewPartition = std::unique_ptr<fdisk_partition, Release<fdisk_unref_partition>>;
-using Type = std::unique_ptr<fdisk_parttype, Release<fdisk_unref_parttype>>;
+using Context = std::unique_ptr<fdisk_context, Unreference<fdisk_unref_context>>;
+using Partitions = std::unique_ptr<fdisk_table, Unreference<fdisk_unref_table>>;
+using NewPartition = std::unique_ptr<fdisk_partition, Unreference<fdisk_unref_partition>>;
+using Type = std::unique_ptr<fdisk_parttype, Unreference<fdisk_unref_parttype>>;
 
 enum class Use { kRead, kWrite };
 
