@@ -112,6 +112,8 @@ void ReadSome(Descriptor& output, std::string& text) {
 bool AwaitEnd(int process, Descriptor& output, std::string& text, Clock::time_point end) {
     // The time is asked for each piece: a program that never stops writing ends, too.
     while (Clock::now() < end) {
+        // Without a descriptor of the process, the end of its output stands for its own.
+        if (process < 0 && !output.IsOpen()) return true;
         pollfd watched[] = {{process, POLLIN, 0}, {output.Get(), POLLIN, 0}};
         const int ready = poll(watched, 2, WaitTime(end));
         if (ready < 0 && errno == EINTR) continue;
@@ -121,8 +123,6 @@ bool AwaitEnd(int process, Descriptor& output, std::string& text, Clock::time_po
             continue;  // all of its output before its end
         }
         if (watched[0].revents != 0) return true;
-        // Without a descriptor of the process, the end of its output stands for its own.
-        if (process < 0 && !output.IsOpen()) return true;
     }
     return false;
 }
