@@ -2,7 +2,9 @@
 #include "conditions/hxc_find_arrays.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "codes/activity.h"
 #include "codes/battery.h"
@@ -11,6 +13,7 @@
 #include "codes/virtual_disk.h"
 #include "conditions/hxc_redundancy.h"
 #include "conditions/hxc_spares.h"
+#include "conditions/hxc_text.h"
 
 namespace hxconditions {
 
@@ -286,6 +289,7 @@ void FindDiskGroups(std::vector<Finding>& findings, const Things& things, const 
         const Code code = offline ? Code::kDgOffline : Code::kDgDegraded;
         Finding& finding = findings.emplace_back(FindingOf(code, things.Of(adapter, group)));
         finding.values["lost"].clear();
+        std::vector<std::string> lost;
         for (const unsigned id : group.disks) {
             const Disk* const disk = FindDisk(adapter, id);
             if (disk != nullptr && (disk->status & kBroken) == 0) continue;
@@ -293,10 +297,16 @@ void FindDiskGroups(std::vector<Finding>& findings, const Things& things, const 
             member.address = AddressOf(adapter.number, Kind::kDisk, id);
             if (disk != nullptr) member.identity = things.Of(adapter, *disk).identity;
             if (finding.lost.empty()) finding.values["lost"] = member.address;
+            lost.push_back(member.address);
             finding.links.push_back(member.identity);
             finding.lost.push_back(std::move(member));
         }
         finding.count = finding.lost.size();
+        finding.values["c"] = lost.empty() ? "a disk whose place another one takes" : Listed(lost);
+        if (lost.empty()) finding.values[kNextStep] = "Wait for the rebuild";
+        const bool in_use = std::ranges::any_of(
+            adapter.virtual_disks, [&](const VirtualDisk& it) { return it.group == group.id; });
+        finding.values["unused"] = in_use ? "" : "; no virtual disk lies on it";
     }
 }
 

@@ -647,7 +647,7 @@ constexpr Row kRows[] = {
      .rests_on = kGroups,
      .folds = Folds::kIntoVirtualDisk,
      .up = {.seconds = 2},
-     .sentence = "{o} has lost {c} and is offline; no virtual disk lies on it",
+     .sentence = "{o} has lost {c} and is offline{unused}",
      .phrase = "{a} is offline",
      .meaning = "The disk group has lost disks. No virtual disk lies on it, so no data is in "
                 "danger yet.",
@@ -665,7 +665,7 @@ constexpr Row kRows[] = {
      .rests_on = kGroups,
      .folds = Folds::kIntoVirtualDisk,
      .up = {.seconds = 2},
-     .sentence = "{o} has lost {c}; no virtual disk lies on it",
+     .sentence = "{o} has lost {c}{unused}",
      .phrase = "{a} is degraded",
      .meaning = "The disk group has lost disks. No virtual disk lies on it, so no data is in "
                 "danger yet.",
@@ -1357,23 +1357,17 @@ static_assert(NamesAreUnique());
 
 // The placeholders that the finders fill.
 constexpr std::string_view kPlaces[] = {
-    "a",          "activity",  "adapter",
-    "advice",     "ago",       "allowed",
-    "before",     "block",     "c",
-    "call",       "capacity",  "code_name",
-    "difference", "enclosure", "fits",
-    "folder",     "for",       "free",
-    "h",          "id",        "image",
-    "image_name", "left",      "limit",
-    "link",       "list",      "lost",
-    "members",    "n",         "n_remapped",
-    "needed",     "number",    "number_of_code",
-    "o",          "path",      "percent",
-    "reading",    "reason",    "rebuild",
-    "redundancy", "role",      "s",
-    "serial",     "sink",      "size",
-    "target",     "type",      "vd",
-    "wait",       "what",      "when",
+    "a",        "activity",   "adapter",        "advice",    "ago",
+    "allowed",  "before",     "block",          "c",         "call",
+    "capacity", "code_name",  "difference",     "enclosure", "fits",
+    "folder",   "for",        "free",           "h",         "id",
+    "image",    "image_name", "left",           "limit",     "link",
+    "list",     "lost",       "members",        "n",         "n_remapped",
+    "needed",   "number",     "number_of_code", "o",         "path",
+    "percent",  "reading",    "reason",         "rebuild",   "redundancy",
+    "role",     "s",          "serial",         "sink",      "size",
+    "target",   "type",       "unused",         "vd",        "wait",
+    "what",     "when",
 };
 constexpr bool HasKnownPlaces(std::string_view text) {
     for (std::size_t open = text.find('{'); open != std::string_view::npos;

@@ -282,6 +282,37 @@ TEST(ADiskInSeveralVirtualDisks, FoldsIntoTheWorstAndNamesAll) {
               "MORE (a0/vd2) has lost a0/pd5 and survives 1 more; no spare fits");
 }
 
+const Condition& DegradedGroup(const std::vector<Condition>& conditions) {
+    return *std::ranges::find(conditions, Code::kDgDegraded, &Condition::code);
+}
+
+TEST(ADegradedDiskGroup, NamesWhatItHasLost) {
+    Answers answers = GoodMachine();
+    answers.adapters[0].groups[0].state = NumberOf(hxcodes::State::kDegraded);
+    Fail(answers, 2);
+    const Overview unused = LookOnce(answers, {}, {});
+    ASSERT_EQ(HeadsOf(unused), "DISK_FAILED DG_DEGRADED");
+    EXPECT_EQ(unused.heads[1].sentence,
+              "SPACE (a0/dg0) has lost a0/pd2; no virtual disk lies on it");
+    EXPECT_EQ(unused.heads[1].next_step, "Replace a0/pd2");
+    answers = GoodMachine();
+    LoseDiskOfGroup(answers);
+    const Overview used = LookOnce(answers, {}, {});
+    EXPECT_EQ(DegradedGroup(used.heads[0].folded).sentence, "SPACE (a0/dg0) has lost a0/pd2");
+}
+
+TEST(ADegradedDiskGroup, WaitsWhileAnotherDiskTakesTheLostOnesPlace) {
+    Answers answers = GoodMachine();
+    answers.adapters[0].groups[0].state = NumberOf(hxcodes::State::kDegraded);
+    const Overview overview = LookOnce(answers, {}, {});
+    ASSERT_EQ(HeadsOf(overview), "DG_DEGRADED");
+    EXPECT_EQ(overview.heads[0].sentence,
+              "SPACE (a0/dg0) has lost a disk whose place another one takes; no virtual disk lies "
+              "on it");
+    EXPECT_EQ(overview.heads[0].next_step, "Wait for the rebuild");
+    EXPECT_TRUE(overview.heads[0].command.empty());
+}
+
 TEST(TheFirstHindranceThatHolds, IsTold) {
     Answers answers = DegradedMachine();
     DiskAt(answers, 7).status |= NumberOf(hxcodes::DiskBit::kGlobalSpare);

@@ -28,3 +28,6 @@ vexorctl vd delete a0/vd0 --yes || fail "vd delete"
 is "no array is left" "" "$(ls -d /sys/block/md* 2>/dev/null)"
 is "no virtual disk is left" "" "$(vds)"
 is "no partition is left" "" "$(ls -d /sys/block/sd?/sd* 2>/dev/null)"
+same "its deletion was told" events <<'EOF'
+1,3 0 0
+EOF

@@ -9,7 +9,6 @@
 #include "hxraid.h"
 #include "rules/hxmd_state.h"
 #include "sysfs/hxmd_look.h"
-#include "system/hxmd_proof.h"
 #include "system/hxmd_word.h"
 
 namespace hxmd {

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <ctime>
 #include <optional>
 #include <span>
 #include <string>
@@ -16,6 +17,7 @@
 #include "codes/virtual_disk.h"
 #include "hxraid.h"
 #include "library/trouble.h"
+#include "rules/hxmd_changes.h"
 #include "rules/hxmd_space.h"
 #include "sysfs/hxmd_look.h"
 #include "sysfs/hxmd_system.h"
@@ -315,6 +317,7 @@ StatusCode Delete(const View& view, HX_U16 id, HX_U8 erase_table) {
         hxlibrary::NoteTrouble(ran.message.c_str());
         return Status::kToolFailed;
     }
+    Save([&](Kept& kept) { QueueDeletion(kept, id, std::time(nullptr)); });
     bool freed = true;
     for (const Member& member : array->members) freed = Free(view, member) && freed;
     return freed ? Status::kSuccess : Status::kToolFailed;

@@ -404,6 +404,13 @@ void Queue(Kept& kept, const Happening& happening, std::int64_t now, std::string
     Pack(queued, event);
 }
 
+void QueueDeletion(Kept& kept, HX_U16 array, std::int64_t now) {
+    const auto seen = std::ranges::find(kept.arrays, array, &SeenArray::id);
+    if (seen == kept.arrays.end() || seen->present == 0) return;
+    seen->present = 0;
+    Queue(kept, {EventKind::kVirtualDiskDeleted, array}, now);
+}
+
 HX_U8 Take(Kept& kept, HX_U8 max, Event* events) {
     const auto count = static_cast<HX_U8>(std::min<std::size_t>(kept.events.size(), max));
     for (HX_U8 i = 0; i < count; ++i) events[i] = Unpack(kept.events[i]);

@@ -43,6 +43,10 @@ inline constexpr std::size_t kMostEvents = 512;
 /// Appends an event to the queue. `text` goes into its sense data.
 void Queue(Kept& kept, const Happening& happening, std::int64_t now, std::string_view text = {});
 
+/// Queues the deletion of an array that the last look has found. The next look could not tell it
+/// from an array whose disks have all left.
+void QueueDeletion(Kept& kept, HX_U16 array, std::int64_t now);
+
 /// Moves the oldest events, at most `max`, from the queue to `events`. Returns their number.
 HX_U8 Take(Kept& kept, HX_U8 max, Event* events);
 

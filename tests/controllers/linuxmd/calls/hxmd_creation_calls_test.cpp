@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -162,6 +163,22 @@ TEST_F(AnArray, IsDeletedWithItsSuperblocksAndPartitions) {
     EXPECT_TRUE(All(HX_LD_GetInfo, 0).empty());
     EXPECT_TRUE(IsBlank("sda"));
     EXPECT_TRUE(IsBlank("sdb"));
+}
+
+TEST_F(AnArray, IsToldToBeDeletedAndNotToBeOffline) {
+    Create_LD_Param param = Wanted(0x01, {0, 1});
+    ASSERT_EQ(HX_LD_Create(0, &param), HX_SUCCESS);
+    std::array<Event, 8> events{};
+    HX_U8 count = 0;
+    ASSERT_EQ(HX_EVT_GetEvent(0, 8, &count, events.data()), HX_SUCCESS);
+    ASSERT_EQ(HX_LD_Delete(0, 0, 0), HX_SUCCESS);
+    ASSERT_EQ(HX_EVT_GetEvent(0, 8, &count, events.data()), HX_SUCCESS);
+    ASSERT_EQ(count, 1);
+    EXPECT_EQ(events[0].Class, 1);
+    EXPECT_EQ(events[0].Code, 3);
+    EXPECT_EQ(events[0].DeviceID, param.LDID);
+    ASSERT_EQ(HX_EVT_GetEvent(0, 8, &count, events.data()), HX_SUCCESS);
+    EXPECT_EQ(count, 0);
 }
 
 TEST_F(AnArray, IsNotDeletedWhileSomethingUsesIt) {
