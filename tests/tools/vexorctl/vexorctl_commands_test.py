@@ -166,6 +166,69 @@ class Config(VexorctlCase):
         self.assertEqual(sum(source == "default" for _, source in settings.values()), 5)
 
 
+class Controllers(VexorctlCase):
+    """Which controller library is used, and who chose it."""
+
+    def setUp(self):
+        super().setUp()
+        self.library = pathlib.Path(self.vexorctl).resolve().parents[1] / "lib" / "libhxraid.so"
+        self.other = self.library.parent / "linuxmd" / "libhxraid.so"
+
+    def used(self, *words):
+        run = self.run_words(*words, "config", "show", "-o", "csv", "--no-header")
+        self.assertEqual((run.stderr, run.returncode), ("", 0))
+        rows = {name: (value, by) for name, value, by in csv.reader(io.StringIO(run.stdout))}
+        return rows["controller_library"]
+
+    def test_the_loader_takes_one_where_nobody_chooses(self):
+        self.assertEqual(self.used(), (str(self.library), "loader"))
+        self.environment["VEXORAPI_CONTROLLER"] = ""
+        self.assertEqual(self.used(), (str(self.library), "loader"))
+        self.environment["LD_LIBRARY_PATH"] = f"/nowhere:{self.other.parent}"
+        self.assertEqual(self.used(), (str(self.other), "LD_LIBRARY_PATH"))
+
+    def test_an_option_chooses_and_goes_before_the_environment(self):
+        self.assertEqual(self.used("--controller", "linuxmd"), (str(self.other), "--controller"))
+        self.environment["VEXORAPI_CONTROLLER"] = "linuxmd"
+        self.assertEqual(self.used(), (str(self.other), "VEXORAPI_CONTROLLER"))
+        self.assertEqual(self.used("--controller=virtual"), (str(self.library), "loader"))
+
+    def test_it_goes_before_the_folders_of_the_loader(self):
+        self.environment["LD_LIBRARY_PATH"] = str(self.other.parent)
+        self.assertEqual(self.used("--controller", "virtual"), (str(self.library), "--controller"))
+
+    def test_a_path_is_of_a_library_or_of_its_folder(self):
+        for path in (self.other, self.other.parent):
+            self.assertEqual(self.used("--controller", str(path))[0], str(self.other))
+
+    def test_every_command_takes_it(self):
+        answer = self.run_words("call", "HX_API_Version", "--controller", "linuxmd")
+        self.assertIn("linuxmd", answer.stdout)
+        self.assertEqual((answer.stderr, answer.returncode), ("", 0))
+
+    def test_what_it_starts_is_not_told_who_chose(self):
+        self.environment["VEXORAPI_CONTROLLER"] = "linuxmd"
+        tape = self.root / "tape"
+        run = self.run_words("tape", "record", str(tape), "--", self.vexorctl, "adapter", "list")
+        self.assertEqual((run.stderr, run.returncode), ("", 0))
+        self.assertIn("call HX_Adapter_GetCount", tape.read_text())
+
+    def test_a_controller_that_is_not_there_is_an_error(self):
+        for name, code, text in (
+            ("linuxdm", 2, 'there is no controller "linuxdm"; say virtual, linuxmd, or the path of a libhxraid.so'),
+            ("", 2, 'there is no controller ""'),
+            ("/nowhere", 5, "/nowhere: there is no libhxraid.so"),
+            (str(self.root), 5, "there is no libhxraid.so"),
+        ):
+            with self.subTest(name=name):
+                run = self.run_words("--controller", name, "vd", "list")
+                self.assertEqual((run.stdout, run.returncode), ("", code))
+                self.assertIn(text, run.stderr)
+        run = self.run_words("--controller", "/nowhere", "check")
+        self.assertEqual(run.returncode, 3)
+        self.assertTrue(run.stdout.startswith("UNKNOWN: "), run.stdout)
+
+
 class Refusals(VexorctlCase):
     def said(self, code, *words):
         run = self.run_words(*words)

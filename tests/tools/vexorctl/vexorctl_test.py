@@ -598,7 +598,7 @@ class Usage(VexorctlTest):
             (["xml", "command", "-x"],
              "The following argument was not expected: -x (see vexorctl xml --help)\n"),
             (["call"], "NAME [field=value] is missing: vexorctl call NAME [field=value]..."
-                       f"{SEE_CALL_HELP}"),
+                       f" [OPTION...]{SEE_CALL_HELP}"),
             (["call", "HX_API_Version", "--now"],
              f"The following argument was not expected: --now{SEE_CALL_HELP}"),
             (["disk", "list", "-o"],

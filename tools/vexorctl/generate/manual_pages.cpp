@@ -26,6 +26,9 @@ constexpr Entry kEnvironment[] = {
     {"VEXORAPI_ROOT",
      "A folder that stands in for / wherever a fixed path is meant. Programs with privileges of "
      "another user do not look at it."},
+    {"VEXORAPI_CONTROLLER",
+     "The controller, as --controller says it, which goes before it. Programs with privileges of "
+     "another user do not look at it."},
     {"NO_COLOR", "Not empty: no colours on a terminal."},
     {"HXSIM_STATE", "The state file of the virtual controller, where that is the controller."},
 };

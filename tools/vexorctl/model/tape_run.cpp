@@ -1,6 +1,5 @@
 #include "model/tape_run.h"
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/random.h>
 #include <sys/stat.h>
@@ -8,7 +7,6 @@
 
 #include <array>
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -17,6 +15,7 @@
 
 #include "common/read_file.h"
 #include "descriptor.h"
+#include "model/controller_choice.h"
 #include "model/exit_code.h"
 #include "model/failure.h"
 
@@ -26,17 +25,6 @@ namespace {
 
 constexpr char kLibraryFolder[] = "/vexorapi/tape";  // beside libvexorapi
 constexpr char kLibraryFile[] = "/libhxraid.so";
-
-// The file from which the function with that name was loaded, links resolved; empty when none was.
-std::string FileOf(const char* function) {
-    Dl_info info{};
-    void* const address = dlsym(RTLD_DEFAULT, function);
-    if (address == nullptr || dladdr(address, &info) == 0 || info.dli_fname == nullptr) return {};
-    std::array<char, PATH_MAX> resolved{};
-    return realpath(info.dli_fname, resolved.data()) == nullptr ? "" : resolved.data();
-}
-
-std::string FolderAround(const std::string& path) { return path.substr(0, path.rfind('/')); }
 
 std::string NewKey() {
     std::array<char, 16> bytes{};
@@ -109,7 +97,7 @@ hxtape::Tape LoadTape(const std::string& path) {
     }
 }
 
-TapeRun::TapeRun() : controller_(FileOf("HX_API_Version")) {
+TapeRun::TapeRun() : controller_(UsedController()) {
     library_ = FolderAround(FileOf("vexorApi")) + kLibraryFolder;
     const std::string file = library_ + kLibraryFile;
     if (access(file.c_str(), R_OK) != 0) {
@@ -131,6 +119,7 @@ TapeRun::~TapeRun() {
 
 Variables TapeRun::Recording(const std::string& tape, bool anonymous) const {
     return {{"LD_LIBRARY_PATH", library_},
+            {kControllerChoice, ""},
             {hxtape::kRecordVariable, std::filesystem::absolute(tape).string()},
             {hxtape::kControllerVariable, controller_},
             {hxtape::kKeyVariable, anonymous ? NewKey() : ""},
@@ -140,6 +129,7 @@ Variables TapeRun::Recording(const std::string& tape, bool anonymous) const {
 
 Variables TapeRun::Replaying(const std::string& tape) const {
     return {{"LD_LIBRARY_PATH", library_},
+            {kControllerChoice, ""},
             {hxtape::kReplayVariable, std::filesystem::absolute(tape).string()},
             {hxtape::kRecordVariable, ""},
             {hxtape::kControllerVariable, ""},

@@ -109,6 +109,8 @@ Exit RunCall(Invocation& invocation) {
     return RunCommand(invocation.controller(), name, command);
 }
 
+constexpr OptionRow kOptions[] = {kControllerOption};
+
 constexpr CommandRow kCommands[] = {
     {.noun = "call",
      .verb = "",
@@ -116,6 +118,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kFunction,
      .arity = Arity::kMany,
      .target_name = "NAME [field=value]",
+     .options = kOptions,
      .examples = {"vexorctl call HX_Adapter_GetInfo AdapterID=0",
                   "vexorctl call HX_PD_GetMBRInfo HDCount=3 \"HDIDs=0 1 2\""},
      .run = RunCall,

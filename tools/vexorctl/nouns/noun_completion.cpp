@@ -345,6 +345,10 @@ constexpr ValuesRow kValues[] = {
      [](std::vector<Candidate>& candidates, Controller&, const CommandRow&) {
          candidates.push_back({"max", "As large as possible"});
      }},
+    {"--controller", false,
+     [](std::vector<Candidate>& candidates, Controller&, const CommandRow&) {
+         Add(candidates, "virtual linuxmd");
+     }},
     {"--dg", false,
      [](std::vector<Candidate>& candidates, Controller& controller, const CommandRow&) {
          AddTargets(candidates, controller, Target::kDiskGroup);

@@ -4,6 +4,7 @@
 
 #include "library_fields.h"
 #include "model/ask_controller.h"
+#include "model/controller_choice.h"
 #include "model/exit_code.h"
 #include "model/library_record.h"
 #include "model/library_session.h"
@@ -33,7 +34,8 @@ constexpr Column<Setting> kColumns[] = {
      [](const Setting& it) { return TextCell(it.name); }},
     {{"value", "VALUE", kText, kTable, "Its value"},
      [](const Setting& it) { return TextCell(it.value); }},
-    {{"source", "SOURCE", kText, kTable, "Of a setting: the file, or the library's default"},
+    {{"source", "SOURCE", kText, kTable,
+      "Of a setting: the file, or the library's default; of the controller library: who chose it"},
      [](const Setting& it) { return TextCell(it.source); }},
 };
 
@@ -85,6 +87,8 @@ Exit ShowConfig(Invocation& invocation) {
     }
     settings.push_back({"configuration_file", ConfigurationPath(), {}});
     AddConfiguration(settings);
+    settings.insert(settings.begin() + 1,
+                    {"controller_library", UsedController(), WhyThisController()});
     return Show(invocation, Tabulated(invocation, kColumns, settings), "table");
 }
 

@@ -123,6 +123,7 @@ Exit ShowTape(Invocation& invocation) {
 constexpr OptionRow kRecordOptions[] = {
     {"--anonymous", "", "Pseudonyms instead of serial numbers, addresses and names"},
     {"--force", "", "Replace a file that is there"},
+    kControllerOption,
 };
 
 constexpr CommandRow kCommands[] = {

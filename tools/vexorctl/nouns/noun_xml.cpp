@@ -125,6 +125,8 @@ Exit LintFiles(Invocation& invocation) {
     return exit;
 }
 
+constexpr OptionRow kOptions[] = {kControllerOption};
+
 constexpr CommandRow kCommands[] = {
     {.noun = "xml",
      .verb = "",
@@ -132,6 +134,7 @@ constexpr CommandRow kCommands[] = {
      .target = Target::kFile,
      .arity = Arity::kAny,
      .target_name = "FILE",
+     .options = kOptions,
      .examples = {"vexorctl xml examples/commands/adapter-count.xml",
                   "vexorctl xml examples/commands/api-version.xml "
                   "examples/commands/adapter-info.xml"},

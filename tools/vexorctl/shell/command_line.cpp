@@ -4,6 +4,7 @@
 
 #include "common/address.h"
 #include "common/command_parser.h"
+#include "model/controller_choice.h"
 #include "model/failure.h"
 #include "model/fault.h"
 #include "model/library_session.h"
@@ -115,6 +116,7 @@ Exit Help(const std::string& text) {
 // which the script has to correct.
 Exit RunDocumentingFailure(const CommandRow& row, Invocation& invocation) {
     try {
+        ChooseController(invocation.Get("--controller"));
         if (const std::string* const codes = invocation.Get("--codes")) {
             invocation.controller().UseCodesFile(*codes);
         }

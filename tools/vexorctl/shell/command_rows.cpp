@@ -22,6 +22,7 @@ constexpr OptionRow kOutputOptions[] = {
     {"--si", "", "Sizes in tables in GB, of 1000^3 bytes, instead of GiB"},
     {"--utc", "", "Times in UTC instead of local time"},
     kCodesOption,
+    kControllerOption,
 };
 
 constexpr OptionRow kChangeOptions[] = {

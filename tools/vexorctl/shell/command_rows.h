@@ -26,6 +26,10 @@ struct OptionRow {
 inline constexpr OptionRow kCodesOption{
     "--codes", "FILE", "What the codes of a controller mean that vexorctl does not know itself"};
 
+/// Of every command that asks a controller.
+inline constexpr OptionRow kControllerOption{
+    "--controller", "NAME", "Over this one: virtual, linuxmd, or the path of a libhxraid.so"};
+
 /// What the targets of a command are: it decides what completion offers.
 enum class Target {
     kNone,
