@@ -62,8 +62,7 @@ export function ChangeDialog({ title, verb, args, danger, typed, wide, children,
     const planned = useRef<Planned>(null);
     planned.current ??= new Planned();
     const opener = useRef(document.activeElement);
-    const [preview, setPreview] = useState<Preview | null>(null);
-    const [old, setOld] = useState(true);
+    const [shown, setShown] = useState<{ of: number; preview: Preview } | null>(null);
     const [name, setName] = useState("");
     const [busy, setBusy] = useState(false);
     const [refused, setRefused] = useState<Failure | null>(null);
@@ -71,19 +70,26 @@ export function ChangeDialog({ title, verb, args, danger, typed, wide, children,
     const allowed = usePrivileged() !== false;
     const key = args === null ? null : JSON.stringify(args);
 
+    // Each change of the fields makes what was looked at before old, at once: an answer may still be on its way
+    // when the fields are no longer complete, or are again what they were.
+    const asked = useRef({ key, round, number: 0 });
+    if (asked.current.key !== key || asked.current.round !== round) {
+        asked.current = { key, round, number: asked.current.number + 1 };
+    }
+    const { number } = asked.current;
+    const preview = shown?.preview ?? null;
+    const old = key === null || shown?.of !== number;
+
     useEffect(() => {
-        setOld(true);
         if (key === null) return;
         const look = async () => {
             const seen = await planned.current!.preview(JSON.parse(key) as string[]);
             // A later one was asked for meanwhile.
-            if (seen === null) return;
-            setPreview(seen);
-            setOld(false);
+            if (seen !== null) setShown({ of: number, preview: seen });
         };
-        const timer = setTimeout(() => void look(), preview === null ? 0 : kPauseMs);
+        const timer = setTimeout(() => void look(), shown === null ? 0 : kPauseMs);
         return () => clearTimeout(timer);
-    }, [key, round]);
+    }, [number]);
 
     useEffect(() => () => void planned.current!.forget(), []);
 

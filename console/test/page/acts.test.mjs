@@ -69,9 +69,12 @@ describe("the page acts", () => {
         await dialog.getByRole("radio", { name: "RAID 10" }).click();
         await dialog.getByRole("checkbox", { name: "a1/pd6" }).click();
         await seen(dialog.getByText("RAID 10 takes at least 4 disks."));
-        assert.equal(await dialog.getByRole("button", { name: "Create", exact: true }).isDisabled(), true);
+        const button = dialog.getByRole("button", { name: "Create", exact: true });
+        assert.equal(await button.isDisabled(), true);
         await dialog.getByRole("textbox", { name: "Name" }).fill("a name of too many");
         await seen(dialog.getByText("The name is longer than 15 bytes."));
+        // What was looked at before, of other disks, may have been answered only now.
+        assert.equal(await button.isDisabled(), true);
     });
 
     it("on a deletion only with the name, by the keyboard alone", async () => {
