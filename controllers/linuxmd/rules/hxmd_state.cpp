@@ -151,6 +151,8 @@ Activity PausedCheck(const Array& array) {
 ActivityCode KindOf(const Array& array) {
     switch (array.action.value_or(SyncAction::kIdle)) {
         case SyncAction::kRecover:
+            // MD looks for a spare after a failure, and says so for a moment where there is none.
+            if (!LeastFilled(array) && FilledCount(array) < SlotCount(array)) break;
             return Filling(array);
         case SyncAction::kResync:
         case SyncAction::kRepair:

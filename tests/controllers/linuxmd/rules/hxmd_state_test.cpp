@@ -148,6 +148,12 @@ TEST(AnActivity, IsAsFarAsTheKernelSays) {
     }
 }
 
+TEST(AnActivity, IsNoneWhileNoDiskIsThereToBeFilled) {
+    Array array = ArrayOf(0x05, "++-");
+    array.action = SyncAction::kRecover;
+    EXPECT_EQ(ActivityOf(array), Activity{});
+}
+
 TEST(AnActivity, IsACopybackWhileAMemberIsReplaced) {
     Array array = ArrayOf(0x05, "+++");
     array.action = SyncAction::kRecover;
